@@ -1,0 +1,12 @@
+# What our own targets are compiled with; nothing of it reaches the targets of a project that uses
+# the library.
+add_library(mdf_compile_options INTERFACE)
+target_compile_features(mdf_compile_options INTERFACE cxx_std_17)
+target_compile_options(mdf_compile_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
+  $<$<BOOL:${MDF_WARNINGS_AS_ERRORS}>:-Werror>)
+if(MDF_SANITIZE)
+  target_compile_options(mdf_compile_options INTERFACE
+    -fsanitize=${MDF_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(mdf_compile_options INTERFACE -fsanitize=${MDF_SANITIZE})
+endif()

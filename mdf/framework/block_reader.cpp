@@ -1,0 +1,123 @@
+#include "block_reader.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <vector>
+
+namespace mdf_v4_10::detail {
+
+namespace {
+
+bool linksAndFieldsFit(UINT64 link_count, std::size_t fields_width, std::size_t available) {
+  return fields_width <= available && link_count <= (available - fields_width) / sizeof(LINK);
+}
+
+void takeHeader(GENERALBLOCK& block, const char* bytes) {
+  block.header.readFromByteArray(reinterpret_cast<const std::uint8_t*>(bytes));
+}
+
+/// Takes as many links as the header says, if they and the fields behind them are there.
+bool takeLinks(std::istream& is, GENERALBLOCK& block, Decoder& in, std::size_t fields_width) {
+  if (!linksAndFieldsFit(block.header.link_count, fields_width, in.remaining())) {
+    is.clear(std::ios_base::badbit);
+    return false;
+  }
+  const auto link_count = static_cast<std::size_t>(block.header.link_count);
+  block.links.reserve(block.links.size() + link_count);
+  for (std::size_t i = 0; i < link_count; ++i) {
+    LINK link;
+    in.take(link);
+    block.links.push_back(link);
+  }
+  return true;
+}
+
+}  // namespace
+
+void readOrBad(std::istream& is, char* bytes, std::size_t n) {
+  is.read(bytes, static_cast<std::streamsize>(n));
+  if (static_cast<std::size_t>(is.gcount()) < n) {
+    is.clear(std::ios_base::badbit);
+  }
+}
+
+bool readFixedBytes(std::istream& is, char* bytes, Decoder& in, ShortRead rule, GENERALBLOCK& block,
+                    std::size_t fields_width) {
+  if (rule == ShortRead::makes_bad) {
+    readOrBad(is, bytes, in.remaining());
+  } else {
+    is.read(bytes, static_cast<std::streamsize>(in.remaining()));
+  }
+  if (!is.good()) {
+    return false;
+  }
+  takeHeader(block, bytes);
+  in.skip(HeaderSection::HEADER_SIZE);
+  return takeLinks(is, block, in, fields_width);
+}
+
+bool BlockBody::read(std::istream& is, GENERALBLOCK& block, std::size_t fields_width,
+                     LengthBits bits) {
+  std::array<char, HeaderSection::HEADER_SIZE> header;
+  is.read(header.data(), header.size());
+  if (!is.good()) {
+    return false;
+  }
+  takeHeader(block, header.data());
+  const UINT64 length =
+      bits == LengthBits::low_32 ? static_cast<UINT32>(block.header.length) : block.header.length;
+  if (length < HeaderSection::HEADER_SIZE) {
+    is.clear(std::ios_base::badbit);
+    return false;
+  }
+  return readBytes(is, length - HeaderSection::HEADER_SIZE) &&
+         takeLinks(is, block, in, fields_width);
+}
+
+bool BlockBody::readBytes(std::istream& is, UINT64 count) {
+  constexpr UINT64 whole_read = 64 * 1024;
+  if (count > whole_read) {
+    return readPieces(is, count);
+  }
+  const auto size = static_cast<std::size_t>(count);
+  char* bytes = small_.data();
+  if (size > small_.size()) {
+    large_.reset(new char[size]);
+    bytes = large_.get();
+  }
+  is.read(bytes, static_cast<std::streamsize>(size));
+  in = Decoder(bytes, size);
+  return is.good();
+}
+
+/// A length may lie. Pieces that grow with what has come, joined when all of it is there, hold at
+/// most about twice the bytes that the stream really has.
+bool BlockBody::readPieces(std::istream& is, UINT64 count) {
+  constexpr std::size_t first_piece = 64 * 1024;
+  struct Piece {
+    std::unique_ptr<char[]> bytes;
+    std::size_t size;
+  };
+  std::vector<Piece> pieces;
+  std::size_t arrived = 0;
+  while (arrived < count) {
+    const auto size =
+        static_cast<std::size_t>(std::min<UINT64>(count - arrived, std::max(arrived, first_piece)));
+    pieces.push_back({std::unique_ptr<char[]>(new char[size]), size});
+    is.read(pieces.back().bytes.get(), static_cast<std::streamsize>(size));
+    if (!is.good()) {
+      return false;
+    }
+    arrived += size;
+  }
+  large_.reset(new char[arrived]);
+  char* end = large_.get();
+  for (Piece& piece : pieces) {
+    end = std::copy_n(piece.bytes.get(), piece.size, end);
+    piece.bytes.reset();
+  }
+  in = Decoder(large_.get(), arrived);
+  return true;
+}
+
+}  // namespace mdf_v4_10::detail

@@ -1,0 +1,41 @@
+#include "header_section.h"
+
+#include <ostream>
+
+#include "dump.h"
+
+namespace mdf_v4_10 {
+
+void HeaderSection::readFromByteArray(const std::uint8_t* pdata) {
+  detail::Decoder in(reinterpret_cast<const char*>(pdata), HEADER_SIZE);
+  in.skip(sizeof mdfID.idInternal + sizeof reserved);
+  in.take(length);
+  in.take(link_count);
+}
+
+void HeaderSection::encode(detail::Encoder& out) const {
+  out.put(mdfID.idInternal);
+  out.put(reserved);
+  out.put(length);
+  out.put(link_count);
+}
+
+void HeaderSection::print(std::ostream& os) const {
+  std::array<char, sizeof mdfID.idInternal> id_bytes;
+  detail::storeLe(id_bytes.data(), mdfID.idInternal);
+
+  detail::Dump dump(os, "HeaderSection");
+  dump.line("mdfID = ", id_bytes);
+  dump.line("length = ", length);
+  dump.line("link_count = ", link_count);
+  dump.end();
+}
+
+std::ostream& operator<<(std::ostream& os, const HeaderSection& header) {
+  std::array<char, HeaderSection::HEADER_SIZE> bytes;
+  detail::Encoder out(bytes.data());
+  header.encode(out);
+  return os.write(bytes.data(), bytes.size());
+}
+
+}  // namespace mdf_v4_10

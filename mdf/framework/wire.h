@@ -1,0 +1,114 @@
+#ifndef MDF_FRAMEWORK_WIRE_H_
+#define MDF_FRAMEWORK_WIRE_H_
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+namespace mdf_v4_10::detail {
+
+#if defined(__BYTE_ORDER__) && defined(__ORDER_BIG_ENDIAN__) && \
+    (__BYTE_ORDER__ == __ORDER_BIG_ENDIAN__)
+inline constexpr bool host_is_big_endian = true;
+#else
+inline constexpr bool host_is_big_endian = false;
+#endif
+
+template <std::size_t Width>
+using UnsignedOfWidth = std::conditional_t<
+    Width == 1, std::uint8_t,
+    std::conditional_t<Width == 2, std::uint16_t,
+                       std::conditional_t<Width == 4, std::uint32_t, std::uint64_t>>>;
+
+template <class Unsigned>
+constexpr Unsigned reversedBytes(Unsigned value) {
+  Unsigned reversed = 0;
+  for (std::size_t i = 0; i < sizeof(Unsigned); ++i) {
+    reversed =
+        static_cast<Unsigned>((static_cast<std::uint64_t>(reversed) << 8U) | (value & 0xFFU));
+    value = static_cast<Unsigned>(static_cast<std::uint64_t>(value) >> 8U);
+  }
+  return reversed;
+}
+
+/// Stores a number little-endian, whatever the host's byte order and alignment.
+template <class Number>
+void storeLe(char* at, Number value) {
+  static_assert(std::is_arithmetic_v<Number>, "only numbers cross the wire by value");
+  UnsignedOfWidth<sizeof(Number)> bits;
+  std::memcpy(&bits, &value, sizeof bits);
+  if constexpr (host_is_big_endian) {
+    bits = reversedBytes(bits);
+  }
+  std::memcpy(at, &bits, sizeof bits);
+}
+
+/// Loads a number that was stored little-endian.
+template <class Number>
+Number loadLe(const char* at) {
+  static_assert(std::is_arithmetic_v<Number>, "only numbers cross the wire by value");
+  UnsignedOfWidth<sizeof(Number)> bits;
+  std::memcpy(&bits, at, sizeof bits);
+  if constexpr (host_is_big_endian) {
+    bits = reversedBytes(bits);
+  }
+  Number value;
+  std::memcpy(&value, &bits, sizeof value);
+  return value;
+}
+
+/// Puts values one behind the other. Whoever makes an encoder has seen to it that there is room.
+class Encoder {
+ public:
+  explicit Encoder(char* at) : at_(at) {}
+
+  template <class Number>
+  void put(Number value) {
+    storeLe(at_, value);
+    at_ += sizeof(Number);
+  }
+
+  template <class Byte, std::size_t Count>
+  void put(const std::array<Byte, Count>& bytes) {
+    static_assert(sizeof(Byte) == 1);
+    std::memcpy(at_, bytes.data(), Count);
+    at_ += Count;
+  }
+
+ private:
+  char* at_;
+};
+
+/// Takes values one behind the other. Nothing is checked on the way: whoever takes a run of values
+/// compares its width with remaining() first.
+class Decoder {
+ public:
+  Decoder(const char* bytes, std::size_t count) : at_(bytes), end_(bytes + count) {}
+
+  std::size_t remaining() const { return static_cast<std::size_t>(end_ - at_); }
+  const char* position() const { return at_; }
+  void skip(std::size_t count) { at_ += count; }
+
+  template <class Number>
+  void take(Number& value) {
+    value = loadLe<Number>(at_);
+    at_ += sizeof(Number);
+  }
+
+  template <class Byte, std::size_t Count>
+  void take(std::array<Byte, Count>& bytes) {
+    static_assert(sizeof(Byte) == 1);
+    std::memcpy(bytes.data(), at_, Count);
+    at_ += Count;
+  }
+
+ private:
+  const char* at_;
+  const char* end_;
+};
+
+}  // namespace mdf_v4_10::detail
+
+#endif  // MDF_FRAMEWORK_WIRE_H_

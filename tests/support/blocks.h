@@ -1,0 +1,98 @@
+#ifndef MDF_TESTS_SUPPORT_BLOCKS_H_
+#define MDF_TESTS_SUPPORT_BLOCKS_H_
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "mdf_v4_10.h"
+
+namespace mdf_tests {
+
+constexpr auto state_good = std::ios_base::goodbit;
+constexpr auto state_bad = std::ios_base::badbit;
+constexpr auto state_eof_fail = std::ios_base::eofbit | std::ios_base::failbit;
+
+/// The bytes that a block's writer writes.
+template <class Block>
+std::string written(const Block& block) {
+  std::ostringstream os;
+  os << block;
+  return os.str();
+}
+
+/// The whole dump of a block.
+template <class Block>
+std::string dumped(const Block& block) {
+  std::ostringstream os;
+  block.print(os);
+  return os.str();
+}
+
+/// Reads a block from bytes that hold all of it, and expects that the stream stands behind it.
+template <class Block>
+Block readBack(const std::string& bytes) {
+  std::istringstream is(bytes);
+  Block block(is);
+  EXPECT_EQ(is.rdstate(), state_good);
+  EXPECT_EQ(static_cast<std::size_t>(is.tellg()), bytes.size());
+  return block;
+}
+
+/// The entries of a block's link section.
+inline std::vector<mdf_v4_10::LINK> linksOf(const mdf_v4_10::GENERALBLOCK& block) {
+  return {block.links.begin(), block.links.end()};
+}
+
+/// Calls check(stream, length) with a stream that holds each prefix of the bytes, from none of them
+/// to all but the last.
+template <class Check>
+void forEachPrefix(const std::string& bytes, Check check) {
+  for (std::size_t length = 0; length < bytes.size(); ++length) {
+    SCOPED_TRACE("stream cut at byte " + std::to_string(length));
+    std::istringstream is(bytes.substr(0, length));
+    check(is, length);
+  }
+}
+
+/// A real file of 4,096 bytes, for the operations that position an input file stream. It is removed
+/// again with the object.
+class LinkTargetFile {
+ public:
+  LinkTargetFile();
+  ~LinkTargetFile();
+  LinkTargetFile(const LinkTargetFile&) = delete;
+  LinkTargetFile& operator=(const LinkTargetFile&) = delete;
+
+  /// Calls `follow(stream)` with the stream standing at byte 7 of the file, and expects it to
+  /// return `link` and to leave the stream good and positioned at `link`, which may be nil.
+  template <class Follow>
+  void expectFollows(Follow follow, mdf_v4_10::LINK link) const {
+    std::ifstream ifs(path_, std::ios_base::binary);
+    ifs.seekg(7);
+    EXPECT_EQ(follow(ifs), link);
+    EXPECT_EQ(ifs.rdstate(), state_good);
+    EXPECT_EQ(static_cast<mdf_v4_10::LINK>(ifs.tellg()), link);
+  }
+
+  /// The same for a call that must return 0 and leave the stream where it stands.
+  template <class Follow>
+  void expectStays(Follow follow) const {
+    std::ifstream ifs(path_, std::ios_base::binary);
+    ifs.seekg(7);
+    EXPECT_EQ(follow(ifs), 0);
+    EXPECT_EQ(ifs.rdstate(), state_good);
+    EXPECT_EQ(static_cast<mdf_v4_10::LINK>(ifs.tellg()), 7);
+  }
+
+ private:
+  std::string path_;
+};
+
+}  // namespace mdf_tests
+
+#endif  // MDF_TESTS_SUPPORT_BLOCKS_H_

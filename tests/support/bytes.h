@@ -1,0 +1,74 @@
+#ifndef MDF_TESTS_SUPPORT_BYTES_H_
+#define MDF_TESTS_SUPPORT_BYTES_H_
+
+#include <cstdint>
+#include <cstring>
+#include <initializer_list>
+#include <string>
+
+namespace mdf_tests {
+
+/// Expected bytes, written down by hand from the layout. It spells numbers out byte by byte and
+/// shares nothing with the library.
+class Bytes {
+ public:
+  Bytes& text(const std::string& characters) {
+    bytes_ += characters;
+    return *this;
+  }
+  Bytes& u8(std::uint8_t value) { return number(value, 1); }
+  Bytes& u16(std::uint16_t value) { return number(value, 2); }
+  Bytes& u32(std::uint32_t value) { return number(value, 4); }
+  Bytes& u64(std::uint64_t value) { return number(value, 8); }
+  Bytes& i16(std::int16_t value) { return number(static_cast<std::uint16_t>(value), 2); }
+  Bytes& i64(std::int64_t value) { return number(static_cast<std::uint64_t>(value), 8); }
+  Bytes& f64(double value) {
+    std::uint64_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    return number(bits, 8);
+  }
+  Bytes& u8s(std::initializer_list<int> values) {
+    for (const int value : values) {
+      u8(static_cast<std::uint8_t>(value));
+    }
+    return *this;
+  }
+  Bytes& links(std::initializer_list<std::int64_t> values) {
+    for (const std::int64_t value : values) {
+      i64(value);
+    }
+    return *this;
+  }
+  Bytes& zeros(std::size_t count) {
+    bytes_.append(count, '\0');
+    return *this;
+  }
+  /// The 24-byte header: "##", the type's letters, four zero bytes, length and link count.
+  Bytes& header(const std::string& letters, std::uint64_t length, std::uint64_t link_count) {
+    return text("##" + letters).zeros(4).u64(length).u64(link_count);
+  }
+
+  const std::string& str() const { return bytes_; }
+  operator const std::string&() const { return bytes_; }
+
+ private:
+  Bytes& number(std::uint64_t value, int width) {
+    for (int i = 0; i < width; ++i) {
+      bytes_ += static_cast<char>((value >> (8 * i)) & 0xFFU);
+    }
+    return *this;
+  }
+
+  std::string bytes_;
+};
+
+/// The bytes in hexadecimal, 8 to a line with their offset, for a failure message that can be read.
+std::string hexLines(const std::string& bytes);
+
+}  // namespace mdf_tests
+
+/// Compares whole byte strings.
+#define EXPECT_BYTES(actual, expected) \
+  EXPECT_EQ(mdf_tests::hexLines(std::string(actual)), mdf_tests::hexLines(std::string(expected)))
+
+#endif  // MDF_TESTS_SUPPORT_BYTES_H_

@@ -1,0 +1,23 @@
+#ifndef MDF_TOOLS_COMMANDS_COMMAND_H_
+#define MDF_TOOLS_COMMANDS_COMMAND_H_
+
+namespace CLI {
+class App;
+}
+
+namespace mdf_tools {
+
+/// What the program's exit code says.
+enum ExitCode : int {
+  exit_fine = 0,
+  exit_problem = 1,   ///< a file has problems, or the work could not be finished
+  exit_unusable = 2,  ///< a wrong command line, or a file that cannot be opened
+};
+
+/// Each adds one subcommand to the command line. When the subcommand runs it stores an ExitCode.
+void addDumpCommand(CLI::App& app, int& exit_code);
+void addRecordCommand(CLI::App& app, int& exit_code);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_COMMANDS_COMMAND_H_
