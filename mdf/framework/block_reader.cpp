@@ -8,6 +8,9 @@ namespace mdf_v4_10::detail {
 
 namespace {
 
+/// Up to here a body is read at one go; beyond, its length is believed piece by piece.
+constexpr std::size_t first_piece = std::size_t{64} * 1024;
+
 bool linksAndFieldsFit(UINT64 link_count, std::size_t fields_width, std::size_t available) {
   return fields_width <= available && link_count <= (available - fields_width) / sizeof(LINK);
 }
@@ -25,7 +28,7 @@ bool takeLinks(std::istream& is, GENERALBLOCK& block, Decoder& in, std::size_t f
   const auto link_count = static_cast<std::size_t>(block.header.link_count);
   block.links.reserve(block.links.size() + link_count);
   for (std::size_t i = 0; i < link_count; ++i) {
-    LINK link;
+    LINK link = 0;
     in.take(link);
     block.links.push_back(link);
   }
@@ -75,8 +78,7 @@ bool BlockBody::read(std::istream& is, GENERALBLOCK& block, std::size_t fields_w
 }
 
 bool BlockBody::readBytes(std::istream& is, UINT64 count) {
-  constexpr UINT64 whole_read = 64 * 1024;
-  if (count > whole_read) {
+  if (count > first_piece) {
     return readPieces(is, count);
   }
   const auto size = static_cast<std::size_t>(count);
@@ -93,7 +95,6 @@ bool BlockBody::readBytes(std::istream& is, UINT64 count) {
 /// A length may lie. Pieces that grow with what has come, joined when all of it is there, hold at
 /// most about twice the bytes that the stream really has.
 bool BlockBody::readPieces(std::istream& is, UINT64 count) {
-  constexpr std::size_t first_piece = 64 * 1024;
   struct Piece {
     std::unique_ptr<char[]> bytes;
     std::size_t size;

@@ -56,7 +56,7 @@ struct CountField {
     out.put(static_cast<Count>((block.*list).size()));
   }
   void take(Decoder& in, Block& /*block*/, UINT64*& counts_taken) const {
-    Count count;
+    Count count = 0;
     in.take(count);
     *counts_taken++ = count;
   }
