@@ -1,0 +1,153 @@
+#include "chblock.h"
+
+#include "../framework/block_reader.h"
+#include "../framework/block_writer.h"
+#include "../framework/dump.h"
+
+namespace mdf_v4_10 {
+
+namespace {
+
+constexpr std::size_t fixed_link_count = CHBLOCK::ch_md_comment + 1;
+constexpr std::size_t links_per_element = 3;
+
+}  // namespace
+
+CHBLOCK::CHBLOCK(MDF_CH_TYPE_t type)
+    : GENERALBLOCK(MDF_CH_ID, CHBLOCK_CONSTANT_SIZE, fixed_link_count) {
+  setType(type);
+}
+
+CHBLOCK::CHBLOCK(std::istream& is) : GENERALBLOCK(MDF_CH_ID) {
+  detail::BlockBody body;
+  if (!body.read(is, *this, chblock_fields.width(), detail::LengthBits::low_32)) {
+    return;
+  }
+  // The elements follow from the links; their count in the file is not needed.
+  chblock_fields.take(body.in, *this);
+  takeChannels();
+  links.resize(fixed_link_count);
+}
+
+/// Each element starts one link behind the one before, not three. This is deliberate.
+void CHBLOCK::takeChannels() {
+  constexpr std::size_t links_of_one_element = fixed_link_count + links_per_element;
+  if (links.size() < links_of_one_element) {
+    return;
+  }
+  channels.reserve(links.size() - links_of_one_element + 1);
+  for (std::size_t i = fixed_link_count; i + links_per_element <= links.size(); ++i) {
+    addChannelElement(links[i], links[i + 1], links[i + 2]);
+  }
+}
+
+void CHBLOCK::setType(MDF_CH_TYPE_t type) {
+  ch_type = static_cast<UINT8>(type);
+  switch (type) {
+    case CH_TYPE_GROUP:
+    case CH_TYPE_STRUCTURE:
+      break;
+    case CH_TYPE_FUNCTION:
+      channels.clear();
+      break;
+    case CH_TYPE_MAP_LIST:
+      setLinkAt(ch_ch_first, 0);
+      break;
+    case CH_TYPE_IN_MEASUREMENT:
+    case CH_TYPE_OUT_MEASUREMENT:
+    case CH_TYPE_LOC_MEASUREMENT:
+    case CH_TYPE_DEF_CHARACTERISTIC:
+    case CH_TYPE_REF_CHARACTERISTIC:
+      setLinkAt(ch_tx_name, 0);
+      break;
+  }
+}
+
+bool CHBLOCK::mayPrecede(MDF_CH_TYPE_t next) const {
+  switch (getType()) {
+    case CH_TYPE_GROUP:
+      return true;
+    case CH_TYPE_FUNCTION:
+      return next != CH_TYPE_GROUP;
+    case CH_TYPE_STRUCTURE:
+    case CH_TYPE_IN_MEASUREMENT:
+    case CH_TYPE_OUT_MEASUREMENT:
+    case CH_TYPE_LOC_MEASUREMENT:
+    case CH_TYPE_DEF_CHARACTERISTIC:
+    case CH_TYPE_REF_CHARACTERISTIC:
+      return next == CH_TYPE_STRUCTURE || next == CH_TYPE_MAP_LIST;
+    case CH_TYPE_MAP_LIST:
+      return false;
+  }
+  return false;
+}
+
+void CHBLOCK::setNextCHBlock(LINK link, MDF_CH_TYPE_t type) {
+  setLinkAt(ch_ch_next, mayPrecede(type) ? link : 0);
+}
+
+void CHBLOCK::setFirstCHBlock(LINK link) {
+  setLinkAt(ch_ch_first, ch_type == CH_TYPE_MAP_LIST ? 0 : link);
+}
+
+void CHBLOCK::setTXNameBlock(LINK link) {
+  setLinkAt(ch_tx_name, ch_type <= CH_TYPE_MAP_LIST ? link : 0);
+}
+
+bool CHBLOCK::getChannelElementAtIndex(UINT32 _index, LINK& dg, LINK& cg, LINK& cn) const {
+  CHBLOCK_CHANNEL_t element;
+  if (!getChannelElementAtIndex(_index, element)) {
+    return false;
+  }
+  dg = element.ch_element_dg;
+  cg = element.ch_element_cg;
+  cn = element.ch_element_cn;
+  return true;
+}
+
+bool CHBLOCK::getChannelElementAtIndex(UINT32 _index, CHBLOCK_CHANNEL_t& element) const {
+  if (_index >= channels.size()) {
+    return false;
+  }
+  element = channels[_index];
+  return true;
+}
+
+std::uint64_t CHBLOCK::getSize() const {
+  return CHBLOCK_CONSTANT_SIZE + links_per_element * sizeof(LINK) * std::uint64_t{channels.size()};
+}
+
+void CHBLOCK::print(std::ostream& os) const {
+  detail::Dump dump(os, "CHBLOCK");
+  dump.line("block size = ", getSize());
+  dump.line("next file ch history block (pointer) = ", getNextCHBlock());
+  // The comment link stands here, not the first child; deliberate.
+  dump.line("first (sibling) file ch history block (pointer) = ", getMDBlock());
+  dump.line("name text (pointer) = ", getTXNameBlock());
+  dump.line("file comment (pointer) = ", getMDBlock());
+  dump.line("element count = ", channels.size());
+  for (const CHBLOCK_CHANNEL_t& element : channels) {
+    dump.line("element DG (pointer) = ", element.ch_element_dg);
+    dump.line("element CG (pointer) = ", element.ch_element_cg);
+    dump.line("element CN (pointer) = ", element.ch_element_cn);
+  }
+  dump.line("type = ", ch_type);
+  dump.end();
+}
+
+std::ostream& operator<<(std::ostream& os, const CHBLOCK& chb) {
+  detail::BlockWriter out(os);
+  // One link is counted for each element, although three are written; deliberate.
+  out.header(chb.header, chb.getSize(),
+             static_cast<UINT32>(chb.channels.size() + fixed_link_count));
+  out.numbers(chb.links);
+  for (const CHBLOCK::CHBLOCK_CHANNEL_t& element : chb.channels) {
+    out.number(element.ch_element_dg);
+    out.number(element.ch_element_cg);
+    out.number(element.ch_element_cn);
+  }
+  out.fields(chblock_fields, chb);
+  return out.finish();
+}
+
+}  // namespace mdf_v4_10

@@ -1,0 +1,747 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <ios>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "mdf_v4_10.h"
+#include "support/blocks.h"
+#include "support/bytes.h"
+#include "support/fields.h"
+
+using namespace mdf_tests;
+using mdf_v4_10::CHBLOCK;
+using mdf_v4_10::LINK;
+using mdf_v4_10::UINT32;
+using mdf_v4_10::UINT8;
+
+namespace {
+
+using Type = CHBLOCK::MDF_CH_TYPE_t;
+using Element = CHBLOCK::CHBLOCK_CHANNEL_t;
+
+constexpr int type_count = 9;
+constexpr std::uint64_t above_32_bits = std::uint64_t{1} << 32U;
+
+Type typeOf(int value) { return static_cast<Type>(value); }
+
+/// The links of all elements, one element behind the other.
+std::vector<LINK> elementLinksOf(const CHBLOCK& block) {
+  std::vector<LINK> links;
+  for (const Element& element : block.channels) {
+    links.insert(links.end(),
+                 {element.ch_element_dg, element.ch_element_cg, element.ch_element_cn});
+  }
+  return links;
+}
+
+/// A block with three elements: 1 2 3, 4 5 6 and 7 8 9.
+CHBLOCK threeElements() {
+  CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
+  block.addChannelElement(1, 2, 3);
+  block.addChannelElement(4, 5, 6);
+  block.addChannelElement(7, 8, 9);
+  return block;
+}
+
+CHBLOCK distinctBlock() {
+  CHBLOCK block(CHBLOCK::CH_TYPE_STRUCTURE);
+  block.setNextCHBlock(100, CHBLOCK::CH_TYPE_MAP_LIST);
+  block.setFirstCHBlock(200);
+  block.setTXNameBlock(300);
+  block.setMDBlock(400);
+  block.addChannelElement(501, 502, 503);
+  block.addChannelElement(601, 602, 603);
+  block.header.reserved = {1, 2, 3, 4};
+  block.ch_reserved = {11, 12, 13};
+  return block;
+}
+
+std::string distinctBytes() {
+  return Bytes()
+      .text("##CH")
+      .u8s({1, 2, 3, 4})
+      .u64(112)
+      .u64(6)
+      .links({100, 200, 300, 400})
+      .links({501, 502, 503, 601, 602, 603})
+      .u32(2)
+      .u8(2)
+      .u8s({11, 12, 13});
+}
+
+/// A file's block with the links 1, 2, 3 and so on, as many as the link count says.
+std::string bytesWithLinks(unsigned link_count) {
+  Bytes bytes;
+  bytes.header("CH", 32 + 8 * link_count, link_count);
+  for (unsigned i = 1; i <= link_count; ++i) {
+    bytes.i64(i);
+  }
+  return bytes.u32(77).u8(1).u8s({21, 22, 23});
+}
+
+TEST(CHBLOCK, Constants) {
+  EXPECT_EQ(CHBLOCK::CHBLOCK_CONSTANT_SIZE, 64U);
+  EXPECT_EQ(CHBLOCK::MDF_CH_ID, 0x4843);
+  EXPECT_EQ(CHBLOCK::MDF_CH_ID, 18499);
+}
+
+TEST(CHBLOCK, EnumerationValues) {
+  EXPECT_EQ(CHBLOCK::CH_TYPE_GROUP, 0);
+  EXPECT_EQ(CHBLOCK::CH_TYPE_FUNCTION, 1);
+  EXPECT_EQ(CHBLOCK::CH_TYPE_STRUCTURE, 2);
+  EXPECT_EQ(CHBLOCK::CH_TYPE_MAP_LIST, 3);
+  EXPECT_EQ(CHBLOCK::CH_TYPE_IN_MEASUREMENT, 4);
+  EXPECT_EQ(CHBLOCK::CH_TYPE_OUT_MEASUREMENT, 5);
+  EXPECT_EQ(CHBLOCK::CH_TYPE_LOC_MEASUREMENT, 6);
+  EXPECT_EQ(CHBLOCK::CH_TYPE_DEF_CHARACTERISTIC, 7);
+  EXPECT_EQ(CHBLOCK::CH_TYPE_REF_CHARACTERISTIC, 8);
+  EXPECT_EQ(CHBLOCK::ch_ch_next, 0);
+  EXPECT_EQ(CHBLOCK::ch_ch_first, 1);
+  EXPECT_EQ(CHBLOCK::ch_tx_name, 2);
+  EXPECT_EQ(CHBLOCK::ch_md_comment, 3);
+}
+
+TEST(CHBLOCK, FieldsStandWhereTheLayoutSays) {
+  EXPECT_EQ(layoutOf(mdf_v4_10::chblock_fields, 56),
+            "56 4 ch_element_count\n"
+            "60 1 ch_type\n"
+            "61 3 ch_reserved\n");
+}
+
+TEST(CHBLOCK, NewBlockOfAnyTypeWrites64Bytes) {
+  for (int type = 0; type < type_count; ++type) {
+    SCOPED_TRACE(type);
+    EXPECT_BYTES(
+        written(CHBLOCK(typeOf(type))),
+        Bytes().header("CH", 64, 4).zeros(32).u32(0).u8(static_cast<UINT8>(type)).zeros(3));
+  }
+}
+
+TEST(CHBLOCK, NewBlockHasFourNilLinksAndNoElements) {
+  const CHBLOCK block(CHBLOCK::CH_TYPE_LOC_MEASUREMENT);
+  EXPECT_EQ(block.header.length, 64U);
+  EXPECT_EQ(block.header.link_count, 4U);
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, 0, 0}));
+  EXPECT_EQ(block.getPadding(), 0);
+  EXPECT_EQ(block.getElementCount(), 0U);
+  EXPECT_EQ(block.getType(), CHBLOCK::CH_TYPE_LOC_MEASUREMENT);
+}
+
+TEST(CHBLOCK, ConstructorTakesTheLowEightBitsOfTheType) {
+  EXPECT_EQ(CHBLOCK(typeOf(0x1FF)).ch_type, 255);
+  EXPECT_EQ(CHBLOCK(typeOf(0x102)).ch_type, 2);
+  EXPECT_EQ(CHBLOCK(typeOf(-1)).ch_type, 255);
+}
+
+TEST(CHBLOCK, NewElementIsNil) {
+  const Element element;
+  EXPECT_EQ(element.ch_element_dg, 0);
+  EXPECT_EQ(element.ch_element_cg, 0);
+  EXPECT_EQ(element.ch_element_cn, 0);
+}
+
+TEST(CHBLOCK, WritesEveryField) { EXPECT_BYTES(written(distinctBlock()), distinctBytes()); }
+
+TEST(CHBLOCK, WritesExtremeValues) {
+  CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
+  block.setNextCHBlock(INT64_MAX, CHBLOCK::CH_TYPE_GROUP);
+  block.setFirstCHBlock(INT64_MIN);
+  block.setTXNameBlock(-1);
+  block.setMDBlock(INT64_MAX);
+  block.addChannelElement(INT64_MIN, INT64_MAX, -1);
+  block.ch_type = 255;
+  block.ch_reserved.fill(255);
+  EXPECT_BYTES(written(block), Bytes()
+                                   .header("CH", 88, 5)
+                                   .links({INT64_MAX, INT64_MIN, -1, INT64_MAX})
+                                   .links({INT64_MIN, INT64_MAX, -1})
+                                   .u32(1)
+                                   .u8s({255, 255, 255, 255}));
+}
+
+TEST(CHBLOCK, LinkCountWrittenIsTheElementCountAndFour) {
+  CHBLOCK block(CHBLOCK::CH_TYPE_FUNCTION);
+  Bytes element_links;
+  for (unsigned n = 0; n <= 100; ++n) {
+    SCOPED_TRACE(n);
+    EXPECT_BYTES(written(block), Bytes()
+                                     .header("CH", 64 + 24 * n, n + 4)
+                                     .zeros(32)
+                                     .text(element_links)
+                                     .u32(n)
+                                     .u8(1)
+                                     .zeros(3));
+    EXPECT_EQ(block.getSize(), 64U + 24 * n);
+    EXPECT_EQ(block.getElementCount(), n);
+    const LINK link = 3 * n;
+    block.addChannelElement(link + 1, link + 2, link + 3);
+    element_links.links({link + 1, link + 2, link + 3});
+  }
+}
+
+TEST(CHBLOCK, WriterDoesNotUseTheStoredLengthAndLinkCount) {
+  CHBLOCK block = distinctBlock();
+  block.header.length = 9999;
+  block.header.link_count = 8888;
+  EXPECT_BYTES(written(block), distinctBytes());
+  EXPECT_EQ(block.header.length, 9999U);
+  EXPECT_EQ(block.header.link_count, 8888U);
+  EXPECT_EQ(block.getSize(), 112U);
+}
+
+TEST(CHBLOCK, ElementOperationsDoNotUpdateTheHeader) {
+  CHBLOCK block = threeElements();
+  block.removeChannelAtIndex(0);
+  EXPECT_EQ(block.header.length, 64U);
+  EXPECT_EQ(block.header.link_count, 4U);
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, 0, 0}));
+}
+
+// One column for each type of the next block: 0 to 8, then values that are no type.
+TEST(CHBLOCK, NextSiblingIsAcceptedByItsType) {
+  const int next_types[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 255, 256, 257, 258, 259, -1, INT32_MAX};
+  struct {
+    int type;
+    const char* accepts;
+  } const rules[] = {
+      {0, "yyyyyyyyyyyyyyyyy"},    // a group: any
+      {1, "-yyyyyyyyyyyyyyyy"},    // a function: any but a group
+      {2, "--yy-------------"},    // a structure: a structure or a map list
+      {3, "-----------------"},    // a map list: none
+      {4, "--yy-------------"},    // measurements and characteristics: like a structure
+      {5, "--yy-------------"},    //
+      {6, "--yy-------------"},    //
+      {7, "--yy-------------"},    //
+      {8, "--yy-------------"},    //
+      {9, "-----------------"},    // no type: none
+      {127, "-----------------"},  //
+      {128, "-----------------"},  //
+      {255, "-----------------"},  //
+  };
+  for (const auto& rule : rules) {
+    std::string accepts;
+    for (const int next_type : next_types) {
+      CHBLOCK block(typeOf(rule.type));
+      block.links[CHBLOCK::ch_ch_next] = 5;
+      block.setNextCHBlock(100, typeOf(next_type));
+      EXPECT_EQ(linksOf(block), (std::vector<LINK>{block.getNextCHBlock(), 0, 0, 0}));
+      accepts += block.getNextCHBlock() == 100 ? 'y' : block.getNextCHBlock() == 0 ? '-' : '?';
+    }
+    EXPECT_EQ(accepts, rule.accepts) << "this block's type is " << rule.type;
+  }
+}
+
+TEST(CHBLOCK, OnlyAMapListRefusesAFirstChild) {
+  for (const int type : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 255}) {
+    SCOPED_TRACE(type);
+    CHBLOCK block(typeOf(type));
+    block.links[CHBLOCK::ch_ch_first] = 5;
+    block.setFirstCHBlock(100);
+    EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, type == 3 ? 0 : 100, 0, 0}));
+  }
+}
+
+TEST(CHBLOCK, OnlyTypesBelowFourHaveAName) {
+  for (const int type : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 255}) {
+    SCOPED_TRACE(type);
+    CHBLOCK block(typeOf(type));
+    block.links[CHBLOCK::ch_tx_name] = 5;
+    block.setTXNameBlock(100);
+    EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, type < 4 ? 100 : 0, 0}));
+  }
+}
+
+TEST(CHBLOCK, EveryTypeHasAComment) {
+  for (const int type : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 255}) {
+    SCOPED_TRACE(type);
+    CHBLOCK block(typeOf(type));
+    block.setMDBlock(100);
+    EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, 0, 100}));
+  }
+}
+
+TEST(CHBLOCK, SetTypeRemovesWhatTheTypeForbids) {
+  struct {
+    int type;
+    std::vector<LINK> links;
+    UINT32 element_count;
+  } const effects[] = {
+      {0, {100, 200, 300, 400}, 2}, {1, {100, 200, 300, 400}, 0},   {2, {100, 200, 300, 400}, 2},
+      {3, {100, 0, 300, 400}, 2},   {4, {100, 200, 0, 400}, 2},     {5, {100, 200, 0, 400}, 2},
+      {6, {100, 200, 0, 400}, 2},   {7, {100, 200, 0, 400}, 2},     {8, {100, 200, 0, 400}, 2},
+      {9, {100, 200, 300, 400}, 2}, {255, {100, 200, 300, 400}, 2},
+  };
+  for (const auto& effect : effects) {
+    SCOPED_TRACE(effect.type);
+    CHBLOCK block = distinctBlock();
+    block.setType(typeOf(effect.type));
+    EXPECT_EQ(block.ch_type, effect.type);
+    EXPECT_EQ(block.getType(), effect.type);
+    EXPECT_EQ(linksOf(block), effect.links);
+    EXPECT_EQ(block.getElementCount(), effect.element_count);
+  }
+}
+
+TEST(CHBLOCK, SetTypeWithAValueAbove255StoresItsLowEightBitsAndRemovesNothing) {
+  for (const int low_bits : {1, 3, 4, 8}) {
+    for (const int type : {0x100 + low_bits, -0x100 + low_bits}) {
+      SCOPED_TRACE(type);
+      CHBLOCK block = distinctBlock();
+      block.setType(typeOf(type));
+      EXPECT_EQ(block.ch_type, low_bits);
+      EXPECT_EQ(linksOf(block), (std::vector<LINK>{100, 200, 300, 400}));
+      EXPECT_EQ(block.getElementCount(), 2U);
+    }
+  }
+}
+
+TEST(CHBLOCK, SetTypeDoesNotCheckTheNextSiblingAgain) {
+  CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
+  block.setNextCHBlock(100, CHBLOCK::CH_TYPE_GROUP);
+  for (int type = 0; type < type_count; ++type) {
+    block.setType(typeOf(type));
+    EXPECT_EQ(block.getNextCHBlock(), 100) << type;
+  }
+}
+
+TEST(CHBLOCK, FunctionAcceptsElementsAfterItsListWasEmptied) {
+  CHBLOCK block = threeElements();
+  block.setType(CHBLOCK::CH_TYPE_FUNCTION);
+  EXPECT_EQ(elementLinksOf(block), std::vector<LINK>{});
+  block.addChannelElement(1, 2, 3);
+  EXPECT_EQ(elementLinksOf(block), (std::vector<LINK>{1, 2, 3}));
+}
+
+TEST(CHBLOCK, AnyTypeAcceptsElements) {
+  for (const int type : {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 255}) {
+    CHBLOCK block(typeOf(type));
+    block.addChannelElement(1, 2, 3);
+    EXPECT_EQ(elementLinksOf(block), (std::vector<LINK>{1, 2, 3})) << type;
+  }
+}
+
+TEST(CHBLOCK, AddsElementsAtTheEnd) {
+  CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
+  block.addChannelElement(1, 2, 3);
+  Element element;
+  element.ch_element_dg = 4;
+  element.ch_element_cg = 5;
+  element.ch_element_cn = 6;
+  block.addChannelElement(element);
+  EXPECT_EQ(elementLinksOf(block), (std::vector<LINK>{1, 2, 3, 4, 5, 6}));
+  EXPECT_EQ(block.getElementCount(), 2U);
+  EXPECT_EQ(block.getSize(), 112U);
+}
+
+TEST(CHBLOCK, AddsAnElementOfItsOwn) {
+  CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
+  block.addChannelElement(1, 2, 3);
+  for (int i = 0; i < 9; ++i) {
+    block.addChannelElement(block.channels.front());
+  }
+  ASSERT_EQ(block.getElementCount(), 10U);
+  EXPECT_EQ(block.channels.back().ch_element_cn, 3);
+}
+
+TEST(CHBLOCK, GivesTheElementAtAnIndex) {
+  const CHBLOCK block = threeElements();
+  for (UINT32 i = 0; i < 3; ++i) {
+    SCOPED_TRACE(i);
+    const LINK first = 3 * i + 1;
+    LINK dg = -1, cg = -1, cn = -1;
+    EXPECT_TRUE(block.getChannelElementAtIndex(i, dg, cg, cn));
+    EXPECT_EQ(dg, first);
+    EXPECT_EQ(cg, first + 1);
+    EXPECT_EQ(cn, first + 2);
+    Element element;
+    EXPECT_TRUE(block.getChannelElementAtIndex(i, element));
+    EXPECT_EQ(element.ch_element_dg, first);
+    EXPECT_EQ(element.ch_element_cg, first + 1);
+    EXPECT_EQ(element.ch_element_cn, first + 2);
+  }
+}
+
+TEST(CHBLOCK, IndexOutOfRangeLeavesTheOutputsUntouched) {
+  const CHBLOCK empty(CHBLOCK::CH_TYPE_GROUP);
+  const CHBLOCK three = threeElements();
+  struct {
+    const CHBLOCK& block;
+    UINT32 index;
+  } const cases[] = {{empty, 0}, {empty, 1}, {empty, UINT32_MAX},
+                     {three, 3}, {three, 4}, {three, UINT32_MAX}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.index);
+    LINK dg = 91, cg = 92, cn = 93;
+    EXPECT_FALSE(c.block.getChannelElementAtIndex(c.index, dg, cg, cn));
+    EXPECT_EQ(dg, 91);
+    EXPECT_EQ(cg, 92);
+    EXPECT_EQ(cn, 93);
+    Element element{94, 95, 96};
+    EXPECT_FALSE(c.block.getChannelElementAtIndex(c.index, element));
+    EXPECT_EQ(element.ch_element_dg, 94);
+    EXPECT_EQ(element.ch_element_cg, 95);
+    EXPECT_EQ(element.ch_element_cn, 96);
+  }
+}
+
+TEST(CHBLOCK, RemovesTheElementAtAnIndex) {
+  struct {
+    UINT32 index;
+    std::vector<LINK> left;
+  } const cases[] = {
+      {0, {4, 5, 6, 7, 8, 9}},          {1, {1, 2, 3, 7, 8, 9}},
+      {2, {1, 2, 3, 4, 5, 6}},          {3, {1, 2, 3, 4, 5, 6, 7, 8, 9}},
+      {4, {1, 2, 3, 4, 5, 6, 7, 8, 9}}, {UINT32_MAX, {1, 2, 3, 4, 5, 6, 7, 8, 9}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.index);
+    CHBLOCK block = threeElements();
+    block.removeChannelAtIndex(c.index);
+    EXPECT_EQ(elementLinksOf(block), c.left);
+  }
+}
+
+TEST(CHBLOCK, RemovingFromAnEmptyListDoesNothing) {
+  CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
+  for (const UINT32 index : {UINT32{0}, UINT32{1}, UINT32_MAX}) {
+    block.removeChannelAtIndex(index);
+    EXPECT_EQ(block.getElementCount(), 0U);
+  }
+}
+
+TEST(CHBLOCK, Accessors) {
+  CHBLOCK block(CHBLOCK::CH_TYPE_FUNCTION);
+  block.setNextCHBlock(11, CHBLOCK::CH_TYPE_FUNCTION);
+  block.setFirstCHBlock(12);
+  block.setTXNameBlock(13);
+  block.setMDBlock(14);
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{11, 12, 13, 14}));
+  EXPECT_EQ(block.getNextCHBlock(), 11);
+  EXPECT_EQ(block.getFirstCHBlock(), 12);
+  EXPECT_EQ(block.getTXNameBlock(), 13);
+  EXPECT_EQ(block.getMDBlock(), 14);
+  EXPECT_EQ(block.getType(), CHBLOCK::CH_TYPE_FUNCTION);
+  EXPECT_EQ(block.getSize(), 64U);
+  EXPECT_EQ(block.getValidMDXMLSchemaName(), "ch_comment.xsd");
+}
+
+TEST(CHBLOCK, FollowsItsLinks) {
+  const LinkTargetFile file;
+  const CHBLOCK block = distinctBlock();
+  file.expectFollows([&](std::ifstream& ifs) { return block.seekgNextCHBlock(ifs); }, 100);
+  file.expectFollows([&](std::ifstream& ifs) { return block.seekgFirstCHBlock(ifs); }, 200);
+  file.expectFollows([&](std::ifstream& ifs) { return block.seekgTXNameBlock(ifs); }, 300);
+  file.expectFollows([&](std::ifstream& ifs) { return block.seekgMDBlock(ifs); }, 400);
+}
+
+TEST(CHBLOCK, FollowingANilLinkLeadsToOffsetZero) {
+  const LinkTargetFile file;
+  const CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
+  file.expectFollows([&](std::ifstream& ifs) { return block.seekgNextCHBlock(ifs); }, 0);
+  file.expectFollows([&](std::ifstream& ifs) { return block.seekgFirstCHBlock(ifs); }, 0);
+  file.expectFollows([&](std::ifstream& ifs) { return block.seekgTXNameBlock(ifs); }, 0);
+  file.expectFollows([&](std::ifstream& ifs) { return block.seekgMDBlock(ifs); }, 0);
+}
+
+const char* const distinct_dump =
+    "[DEBUG] ==================== CHBLOCK ===================\n"
+    "block size = 112\n"
+    "next file ch history block (pointer) = 100\n"
+    "first (sibling) file ch history block (pointer) = 400\n"
+    "name text (pointer) = 300\n"
+    "file comment (pointer) = 400\n"
+    "element count = 2\n"
+    "element DG (pointer) = 501\n"
+    "element CG (pointer) = 502\n"
+    "element CN (pointer) = 503\n"
+    "element DG (pointer) = 601\n"
+    "element CG (pointer) = 602\n"
+    "element CN (pointer) = 603\n"
+    "type = 2\n"
+    "[DEBUG] ==================== End of CHBLOCK ===================\n";
+
+TEST(CHBLOCK, DumpShowsTheCommentLinkInPlaceOfTheFirstChild) {
+  EXPECT_EQ(dumped(distinctBlock()), distinct_dump);
+}
+
+TEST(CHBLOCK, DumpDoesNotChangeWithBoolalpha) {
+  std::ostringstream os;
+  os << std::boolalpha;
+  distinctBlock().print(os);
+  EXPECT_EQ(os.str(), distinct_dump);
+}
+
+TEST(CHBLOCK, DumpOfANewBlock) {
+  EXPECT_EQ(dumped(CHBLOCK(CHBLOCK::CH_TYPE_REF_CHARACTERISTIC)),
+            "[DEBUG] ==================== CHBLOCK ===================\n"
+            "block size = 64\n"
+            "next file ch history block (pointer) = 0\n"
+            "first (sibling) file ch history block (pointer) = 0\n"
+            "name text (pointer) = 0\n"
+            "file comment (pointer) = 0\n"
+            "element count = 0\n"
+            "type = 8\n"
+            "[DEBUG] ==================== End of CHBLOCK ===================\n");
+}
+
+TEST(CHBLOCK, DumpShowsZeroForMissingLinksAndSignedLinks) {
+  CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
+  block.links = {-1};
+  block.addChannelElement(INT64_MIN, INT64_MAX, -2);
+  block.ch_type = 255;
+  EXPECT_EQ(dumped(block),
+            "[DEBUG] ==================== CHBLOCK ===================\n"
+            "block size = 88\n"
+            "next file ch history block (pointer) = -1\n"
+            "first (sibling) file ch history block (pointer) = 0\n"
+            "name text (pointer) = 0\n"
+            "file comment (pointer) = 0\n"
+            "element count = 1\n"
+            "element DG (pointer) = -9223372036854775808\n"
+            "element CG (pointer) = 9223372036854775807\n"
+            "element CN (pointer) = -2\n"
+            "type = 255\n"
+            "[DEBUG] ==================== End of CHBLOCK ===================\n");
+  EXPECT_EQ(block.getFirstCHBlock(), 0);
+  EXPECT_EQ(block.getTXNameBlock(), 0);
+  EXPECT_EQ(block.getMDBlock(), 0);
+}
+
+TEST(CHBLOCK, BlockWithoutElementsReadsBackExactly) {
+  const std::string bytes =
+      Bytes().header("CH", 64, 4).links({100, 200, 300, 400}).u32(0).u8(1).zeros(3);
+  const auto block = readBack<CHBLOCK>(bytes);
+  EXPECT_EQ(block.header.length, 64U);
+  EXPECT_EQ(block.header.link_count, 4U);
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{100, 200, 300, 400}));
+  EXPECT_EQ(block.getElementCount(), 0U);
+  EXPECT_EQ(block.getType(), CHBLOCK::CH_TYPE_FUNCTION);
+  EXPECT_EQ(block.getPadding(), 0);
+  EXPECT_BYTES(written(block), bytes);
+}
+
+TEST(CHBLOCK, BlockWrittenWithOneElementReadsBackWithoutItAndWithATypeFromInsideIt) {
+  CHBLOCK one(CHBLOCK::CH_TYPE_GROUP);
+  one.setMDBlock(400);
+  one.addChannelElement(0x1111111111111111, 0x2827262524232221, 0x3333333333333333);
+  const auto block = readBack<CHBLOCK>(written(one));
+  EXPECT_EQ(block.header.length, 88U);
+  EXPECT_EQ(block.header.link_count, 5U);
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, 0, 400}));
+  EXPECT_EQ(block.getElementCount(), 0U);
+  EXPECT_EQ(block.ch_type, 0x25);
+  EXPECT_EQ(block.ch_reserved, (std::array<UINT8, 3>{}));
+}
+
+TEST(CHBLOCK, BlockWrittenWithTwoElementsReadsBackWithNone) {
+  const auto block = readBack<CHBLOCK>(distinctBytes());
+  EXPECT_EQ(block.header.length, 112U);
+  EXPECT_EQ(block.header.link_count, 6U);
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{100, 200, 300, 400}));
+  EXPECT_EQ(block.getElementCount(), 0U);
+  // Six links end before the first element's channel, 503, whose fifth byte is 0.
+  EXPECT_EQ(block.ch_type, 0);
+}
+
+TEST(CHBLOCK, TenLinksGiveFourOverlappingElements) {
+  const auto block = readBack<CHBLOCK>(bytesWithLinks(10));
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{1, 2, 3, 4}));
+  EXPECT_EQ(elementLinksOf(block), (std::vector<LINK>{5, 6, 7, 6, 7, 8, 7, 8, 9, 8, 9, 10}));
+  EXPECT_EQ(block.getType(), CHBLOCK::CH_TYPE_FUNCTION);
+}
+
+TEST(CHBLOCK, ElementsReadAdvanceByOneLink) {
+  for (unsigned link_count = 0; link_count <= 40; ++link_count) {
+    SCOPED_TRACE(link_count);
+    const auto block = readBack<CHBLOCK>(bytesWithLinks(link_count));
+    std::vector<LINK> expected;
+    for (LINK i = 5; i + 2 <= link_count; ++i) {
+      expected.insert(expected.end(), {i, i + 1, i + 2});
+    }
+    EXPECT_EQ(elementLinksOf(block), expected);
+    EXPECT_EQ(block.getElementCount(), link_count < 7 ? 0 : link_count - 6);
+    EXPECT_EQ(block.header.link_count, link_count);
+    EXPECT_EQ(block.header.length, 32 + 8 * link_count);
+    EXPECT_EQ(block.ch_type, 1);
+  }
+}
+
+TEST(CHBLOCK, ThreeLinksForEachOfMElementsGiveThreeTimesMLessTwo) {
+  for (unsigned m = 1; m <= 10; ++m) {
+    EXPECT_EQ(readBack<CHBLOCK>(bytesWithLinks(4 + 3 * m)).getElementCount(), 3 * m - 2) << m;
+  }
+}
+
+TEST(CHBLOCK, FewerThanFourLinksAreFilledUpWithNilOnes) {
+  const std::vector<LINK> links_read[] = {
+      {0, 0, 0, 0}, {1, 0, 0, 0}, {1, 2, 0, 0}, {1, 2, 3, 0}, {1, 2, 3, 4}};
+  for (unsigned link_count = 0; link_count <= 4; ++link_count) {
+    SCOPED_TRACE(link_count);
+    const auto block = readBack<CHBLOCK>(bytesWithLinks(link_count));
+    EXPECT_EQ(linksOf(block), links_read[link_count]);
+    EXPECT_EQ(block.header.link_count, link_count);
+  }
+}
+
+TEST(CHBLOCK, ElementCountInTheFileIsNotUsed) {
+  for (const UINT32 element_count : {UINT32{0}, UINT32{1}, UINT32{4}, UINT32{5}, UINT32_MAX}) {
+    SCOPED_TRACE(element_count);
+    const auto block = readBack<CHBLOCK>(
+        Bytes().header("CH", 88, 7).links({1, 2, 3, 4, 5, 6, 7}).u32(element_count).u8(2).zeros(3));
+    EXPECT_EQ(elementLinksOf(block), (std::vector<LINK>{5, 6, 7}));
+    EXPECT_LE(block.channels.capacity(), 7U);
+  }
+}
+
+TEST(CHBLOCK, LyingElementCountReservesNoRoom) {
+  const auto block =
+      readBack<CHBLOCK>(Bytes().header("CH", 64, 4).zeros(32).u32(UINT32_MAX).u8(2).zeros(3));
+  EXPECT_EQ(block.channels.capacity(), 0U);
+}
+
+TEST(CHBLOCK, ReservedBytesAreNotTaken) {
+  std::string bytes = bytesWithLinks(4);
+  bytes.replace(4, 4, "\x01\x02\x03\x04");
+  const auto block = readBack<CHBLOCK>(bytes);
+  EXPECT_EQ(block.header.reserved, (std::array<UINT8, 4>{}));
+  EXPECT_EQ(block.ch_reserved, (std::array<UINT8, 3>{}));
+  EXPECT_BYTES(written(block),
+               Bytes().header("CH", 64, 4).links({1, 2, 3, 4}).u32(0).u8(1).zeros(3));
+}
+
+TEST(CHBLOCK, WritingABlockThatWasReadWritesTheOverlappingElements) {
+  EXPECT_BYTES(written(readBack<CHBLOCK>(bytesWithLinks(10))),
+               Bytes()
+                   .header("CH", 160, 8)
+                   .links({1, 2, 3, 4})
+                   .links({5, 6, 7, 6, 7, 8, 7, 8, 9, 8, 9, 10})
+                   .u32(4)
+                   .u8(1)
+                   .zeros(3));
+}
+
+TEST(CHBLOCK, WritingABlockThatWasReadWithoutLinksWritesFour) {
+  EXPECT_BYTES(written(readBack<CHBLOCK>(bytesWithLinks(0))),
+               Bytes().header("CH", 64, 4).zeros(32).u32(0).u8(1).zeros(3));
+}
+
+TEST(CHBLOCK, AnyIdentifierIsRead) {
+  std::string bytes = bytesWithLinks(4);
+  bytes.replace(0, 4, "XYZ!");
+  EXPECT_BYTES(written(readBack<CHBLOCK>(bytes)),
+               Bytes().header("CH", 64, 4).links({1, 2, 3, 4}).u32(0).u8(1).zeros(3));
+}
+
+TEST(CHBLOCK, BytesBehindTheDataSectionAreReadOver) {
+  const auto block = readBack<CHBLOCK>(
+      Bytes().header("CH", 75, 4).links({1, 2, 3, 4}).u32(0).u8(5).zeros(3).text("leftovers!!"));
+  EXPECT_EQ(block.header.length, 75U);
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{1, 2, 3, 4}));
+  EXPECT_EQ(block.ch_type, 5);
+}
+
+TEST(CHBLOCK, ReaderStopsAtTheEndOfTheBlock) {
+  std::istringstream is(bytesWithLinks(8) + bytesWithLinks(4));
+  const CHBLOCK first(is);
+  EXPECT_EQ(is.tellg(), 96);
+  const CHBLOCK second(is);
+  EXPECT_EQ(is.rdstate(), state_good);
+  EXPECT_EQ(is.tellg(), 160);
+  EXPECT_EQ(first.getElementCount(), 2U);
+  EXPECT_EQ(second.getElementCount(), 0U);
+}
+
+TEST(CHBLOCK, LengthCountsModulo32Bits) {
+  const auto block = readBack<CHBLOCK>(
+      Bytes().header("CH", 7 * above_32_bits + 64, 4).links({1, 2, 3, 4}).u32(0).u8(5).zeros(3));
+  EXPECT_EQ(block.header.length, 7 * above_32_bits + 64);
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{1, 2, 3, 4}));
+  EXPECT_EQ(block.ch_type, 5);
+}
+
+/// Expects that nothing but the header was taken.
+void expectHeaderOnly(const CHBLOCK& block, std::uint64_t length, std::uint64_t link_count) {
+  EXPECT_EQ(block.header.length, length);
+  EXPECT_EQ(block.header.link_count, link_count);
+  EXPECT_EQ(linksOf(block), std::vector<LINK>{});
+  EXPECT_EQ(block.getElementCount(), 0U);
+  // What is left writes no links, and all else as zero.
+  EXPECT_BYTES(written(block), Bytes().header("CH", 64, 4).zeros(8));
+}
+
+TEST(CHBLOCK, CutStreamKeepsItsOwnState) {
+  for (const unsigned link_count : {4U, 10U, 200U}) {
+    forEachPrefix(bytesWithLinks(link_count), [&](std::istream& is, std::size_t length) {
+      const CHBLOCK block(is);
+      EXPECT_EQ(is.rdstate(), state_eof_fail);
+      if (length < 24) {
+        expectHeaderOnly(block, 0, 0);
+      } else {
+        expectHeaderOnly(block, 32 + 8 * link_count, link_count);
+      }
+    });
+  }
+}
+
+TEST(CHBLOCK, FailedStreamIsNotRead) {
+  for (const auto state : {std::ios_base::failbit, std::ios_base::badbit, std::ios_base::eofbit}) {
+    std::istringstream is(bytesWithLinks(10));
+    is.setstate(state);
+    const CHBLOCK block(is);
+    EXPECT_EQ(is.rdstate(), state | std::ios_base::failbit);
+    expectHeaderOnly(block, 0, 0);
+  }
+}
+
+TEST(CHBLOCK, LengthBelowTheHeaderSizeMakesTheStreamBad) {
+  for (const std::uint64_t low_bits : {0U, 1U, 8U, 23U}) {
+    for (const std::uint64_t length : {low_bits, above_32_bits + low_bits}) {
+      SCOPED_TRACE(length);
+      std::istringstream is(Bytes().header("CH", length, 4).zeros(100).str());
+      const CHBLOCK block(is);
+      EXPECT_EQ(is.rdstate(), state_bad);
+      expectHeaderOnly(block, length, 4);
+    }
+  }
+}
+
+TEST(CHBLOCK, LengthTooShortForLinksAndFieldsMakesTheStreamBad) {
+  for (std::uint64_t length = 24; length < 64; ++length) {
+    SCOPED_TRACE(length);
+    std::istringstream is(Bytes().header("CH", length, 4).zeros(100).str());
+    const CHBLOCK block(is);
+    EXPECT_EQ(is.rdstate(), state_bad);
+    expectHeaderOnly(block, length, 4);
+  }
+}
+
+TEST(CHBLOCK, LengthBeyondTheStreamKeepsTheStreamsOwnState) {
+  for (const std::uint64_t length :
+       {std::uint64_t{65}, std::uint64_t{0x7FFFFFFF}, std::uint64_t{0x80000000},
+        std::uint64_t{0xFFFFFFFF}, std::uint64_t{UINT64_MAX}}) {
+    SCOPED_TRACE(length);
+    std::istringstream is(Bytes().header("CH", length, 4).zeros(40).str());
+    const CHBLOCK block(is);
+    EXPECT_EQ(is.rdstate(), state_eof_fail);
+    expectHeaderOnly(block, length, 4);
+  }
+}
+
+TEST(CHBLOCK, LinkCountThatDoesNotFitMakesTheStreamBad) {
+  for (const std::uint64_t link_count :
+       {std::uint64_t{5}, std::uint64_t{1} << 32U, std::uint64_t{1} << 61U,
+        (std::uint64_t{1} << 61U) + 4, std::uint64_t{INT64_MAX}, UINT64_MAX}) {
+    SCOPED_TRACE(link_count);
+    std::istringstream is(Bytes().header("CH", 64, link_count).zeros(40).str());
+    const CHBLOCK block(is);
+    EXPECT_EQ(is.rdstate(), state_bad);
+    expectHeaderOnly(block, 64, link_count);
+  }
+}
+
+}  // namespace
