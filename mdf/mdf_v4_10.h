@@ -13,6 +13,7 @@
 #include "description/cgblock.h"
 #include "description/cnblock.h"
 #include "description/dgblock.h"
+#include "fileblocks/atblock.h"
 #include "fileblocks/chblock.h"
 #include "fileblocks/fhblock.h"
 #include "fileblocks/hdblock.h"
