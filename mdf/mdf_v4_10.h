@@ -15,6 +15,7 @@
 #include "description/dgblock.h"
 #include "fileblocks/atblock.h"
 #include "fileblocks/chblock.h"
+#include "fileblocks/evblock.h"
 #include "fileblocks/fhblock.h"
 #include "fileblocks/hdblock.h"
 #include "fileblocks/idblock.h"

@@ -1,0 +1,94 @@
+#include "evblock.h"
+
+#include "../framework/block_reader.h"
+#include "../framework/block_writer.h"
+#include "../framework/dump.h"
+
+namespace mdf_v4_10 {
+
+namespace {
+
+constexpr std::size_t fixed_link_count = EVBLOCK::ev_md_comment + 1;
+
+/// Links that are not among the fixed ones: scope and attachments.
+UINT64 additionalLinkCount(const EVBLOCK& evb) {
+  return UINT64{evb.ev_scope.size()} + evb.ev_at_reference.size();
+}
+
+/// The `count` links from index `first` on, or as many of them as there are.
+std::vector<LINK> linksFrom(const LinkSection& links, UINT64 first, UINT64 count) {
+  std::vector<LINK> taken;
+  for (UINT64 i = first; i < links.size() && taken.size() < count; ++i) {
+    taken.push_back(links[static_cast<std::size_t>(i)]);
+  }
+  return taken;
+}
+
+}  // namespace
+
+EVBLOCK::EVBLOCK(MDF_EV_TYPE_t type, MDF_EV_SYNCTYPE_t syncType, MDF_EV_RANGETYPE_t rangeType,
+                 MDF_EV_CAUSETYPE_t causeType)
+    : GENERALBLOCK(MDF_EV_ID, EVBLOCK_CONSTANT_SIZE, fixed_link_count) {
+  setType(type);
+  setSyncType(syncType);
+  setRangeType(rangeType);
+  setCause(causeType);
+}
+
+EVBLOCK::EVBLOCK(std::istream& is) : GENERALBLOCK(MDF_EV_ID, 0, fixed_link_count) {
+  detail::BlockBody body;
+  if (!body.read(is, *this, evblock_fields.width(), detail::LengthBits::low_32)) {
+    return;
+  }
+  const auto [scope_count, attachment_count] = evblock_fields.take(body.in, *this);
+  // The lists start at the file's first link, not behind its fixed ones, since the links read stand
+  // behind the nil links. This is deliberate.
+  ev_scope = linksFrom(links, fixed_link_count, scope_count);
+  ev_at_reference = linksFrom(links, fixed_link_count + scope_count, attachment_count);
+  links.resize(fixed_link_count);
+}
+
+std::uint64_t EVBLOCK::getSize() const {
+  return EVBLOCK_CONSTANT_SIZE + sizeof(LINK) * additionalLinkCount(*this);
+}
+
+void EVBLOCK::print(std::ostream& os) const {
+  detail::Dump dump(os, "EVBLOCK");
+  dump.line("block size = ", getSize());
+  dump.line("next event block (pointer) = ", getNextEVBlock());
+  dump.line("parent event (pointer) = ", getParentEVBlock());
+  dump.line("event range (pointer) = ", getEVRangeBlock());
+  dump.line("event name tx (pointer) = ", getTXNameBlock());
+  dump.line("comment md (pointer) = ", getMDBlock());
+  dump.part("flags = postProcessed(", isPostProcessed());
+  dump.part(")");
+  dump.endLine();
+  dump.line("type = ", ev_type);
+  dump.line("syncType = ", ev_sync_type);
+  dump.line("rangeType = ", ev_range_type);
+  dump.line("cause = ", ev_cause);
+  dump.line("creator index = ", ev_creator_index);
+  dump.line("syncbaseValue = ", ev_sync_base_value);
+  dump.line("syncbaseFactor = ", ev_sync_factor);
+  dump.line("scope cnt = ", ev_scope.size());
+  for (const LINK scope : ev_scope) {
+    dump.line("scope pointer = ", scope);
+  }
+  dump.line("attachement cnt = ", ev_at_reference.size());
+  for (const LINK attachment : ev_at_reference) {
+    dump.line("attachement pointer = ", attachment);
+  }
+  dump.end();
+}
+
+std::ostream& operator<<(std::ostream& os, const EVBLOCK& evb) {
+  detail::BlockWriter out(os);
+  out.header(evb.header, evb.getSize(), fixed_link_count + additionalLinkCount(evb));
+  out.numbers(evb.links);
+  out.numbers(evb.ev_scope);
+  out.numbers(evb.ev_at_reference);
+  out.fields(evblock_fields, evb);
+  return out.finish();
+}
+
+}  // namespace mdf_v4_10
