@@ -19,15 +19,15 @@ void takeHeader(GENERALBLOCK& block, const char* bytes) {
   block.header.readFromByteArray(reinterpret_cast<const std::uint8_t*>(bytes));
 }
 
-/// Takes as many links as the header says, if they and the fields behind them are there.
-bool takeLinks(std::istream& is, GENERALBLOCK& block, Decoder& in, std::size_t fields_width) {
-  if (!linksAndFieldsFit(block.header.link_count, fields_width, in.remaining())) {
+/// Takes so many links, if they and the fields behind them are there.
+bool takeLinks(std::istream& is, GENERALBLOCK& block, UINT64 link_count, Decoder& in,
+               std::size_t fields_width) {
+  if (!linksAndFieldsFit(link_count, fields_width, in.remaining())) {
     is.clear(std::ios_base::badbit);
     return false;
   }
-  const auto link_count = static_cast<std::size_t>(block.header.link_count);
-  block.links.reserve(block.links.size() + link_count);
-  for (std::size_t i = 0; i < link_count; ++i) {
+  block.links.reserve(block.links.size() + static_cast<std::size_t>(link_count));
+  for (UINT64 i = 0; i < link_count; ++i) {
     LINK link = 0;
     in.take(link);
     block.links.push_back(link);
@@ -56,11 +56,21 @@ bool readFixedBytes(std::istream& is, char* bytes, Decoder& in, ShortRead rule, 
   }
   takeHeader(block, bytes);
   in.skip(HeaderSection::HEADER_SIZE);
-  return takeLinks(is, block, in, fields_width);
+  return takeLinks(is, block, block.header.link_count, in, fields_width);
 }
 
 bool BlockBody::read(std::istream& is, GENERALBLOCK& block, std::size_t fields_width,
                      LengthBits bits) {
+  return readWhole(is, block, bits) &&
+         takeLinks(is, block, block.header.link_count, in, fields_width);
+}
+
+bool BlockBody::readWithoutLinks(std::istream& is, GENERALBLOCK& block, std::size_t fields_width,
+                                 LengthBits bits) {
+  return readWhole(is, block, bits) && takeLinks(is, block, 0, in, fields_width);
+}
+
+bool BlockBody::readWhole(std::istream& is, GENERALBLOCK& block, LengthBits bits) {
   std::array<char, HeaderSection::HEADER_SIZE> header;
   is.read(header.data(), header.size());
   if (!is.good()) {
@@ -73,8 +83,7 @@ bool BlockBody::read(std::istream& is, GENERALBLOCK& block, std::size_t fields_w
     is.clear(std::ios_base::badbit);
     return false;
   }
-  return readBytes(is, length - HeaderSection::HEADER_SIZE) &&
-         takeLinks(is, block, in, fields_width);
+  return readBytes(is, length - HeaderSection::HEADER_SIZE);
 }
 
 bool BlockBody::readBytes(std::istream& is, UINT64 count) {

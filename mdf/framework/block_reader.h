@@ -50,10 +50,15 @@ class BlockBody {
   /// `in` at the data section; false when there is nothing to take from it.
   bool read(std::istream& is, GENERALBLOCK& block, std::size_t fields_width, LengthBits bits);
 
+  /// The same for a block whose data section follows its header, whatever its link count says.
+  bool readWithoutLinks(std::istream& is, GENERALBLOCK& block, std::size_t fields_width,
+                        LengthBits bits);
+
   /// What has not been taken yet. It points into this object.
   Decoder in{nullptr, 0};
 
  private:
+  bool readWhole(std::istream& is, GENERALBLOCK& block, LengthBits bits);
   bool readBytes(std::istream& is, UINT64 count);
   bool readPieces(std::istream& is, UINT64 count);
 
