@@ -21,6 +21,13 @@ UINT64 plainDataSize(const std::vector<UINT8>& data) {
 
 }  // namespace
 
+void readSizedData(std::istream& is, UINT64 size, std::vector<UINT8>& data) {
+  // A size that this host cannot hold must fail, not be cut.
+  data.resize(
+      static_cast<std::size_t>(std::min<UINT64>(size, std::numeric_limits<std::size_t>::max())));
+  readOrBad(is, reinterpret_cast<char*>(data.data()), data.size());
+}
+
 void readPlainData(std::istream& is, HeaderSection& header, std::vector<UINT8>& data) {
   std::array<char, HeaderSection::HEADER_SIZE> header_bytes;
   is.read(header_bytes.data(), header_bytes.size());
@@ -28,12 +35,8 @@ void readPlainData(std::istream& is, HeaderSection& header, std::vector<UINT8>& 
     return;
   }
   header.readFromByteArray(reinterpret_cast<const std::uint8_t*>(header_bytes.data()));
-  // A length below the header's size wraps around, and sizing the data fails, as it does for a
-  // length that this host cannot hold.
-  const UINT64 count = header.length - HeaderSection::HEADER_SIZE;
-  data.resize(
-      static_cast<std::size_t>(std::min<UINT64>(count, std::numeric_limits<std::size_t>::max())));
-  readOrBad(is, reinterpret_cast<char*>(data.data()), data.size());
+  // A length below the header's size wraps around, and sizing the data fails.
+  readSizedData(is, header.length - HeaderSection::HEADER_SIZE, data);
 }
 
 std::ostream& writePlainData(std::ostream& os, const HeaderSection& header,

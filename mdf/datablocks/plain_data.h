@@ -10,6 +10,10 @@
 /// What the blocks that carry raw bytes and nothing else have in common: everything but their type.
 namespace mdf_v4_10::detail {
 
+/// Reads `size` bytes. When fewer come, the stream becomes exactly bad, and `data` keeps its stated
+/// size with zeros behind what came. A size beyond memory raises the allocation's own exception.
+void readSizedData(std::istream& is, UINT64 size, std::vector<UINT8>& data);
+
 void readPlainData(std::istream& is, HeaderSection& header, std::vector<UINT8>& data);
 
 std::ostream& writePlainData(std::ostream& os, const HeaderSection& header,
