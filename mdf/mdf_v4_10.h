@@ -6,10 +6,14 @@
 /// This is the one header to include. Compile the sources below this folder with C++17; they need
 /// the standard library and nothing else.
 
+#include "datablocks/dlblock.h"
 #include "datablocks/dtblock.h"
+#include "datablocks/dzblock.h"
+#include "datablocks/hlblock.h"
 #include "datablocks/rdblock.h"
 #include "datablocks/record_elements.h"
 #include "datablocks/sdblock.h"
+#include "datablocks/srblock.h"
 #include "description/cgblock.h"
 #include "description/cnblock.h"
 #include "description/dgblock.h"
