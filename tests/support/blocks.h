@@ -59,20 +59,25 @@ void forEachPrefix(const std::string& bytes, Check check) {
   }
 }
 
-/// A real file of 4,096 bytes, for the operations that position an input file stream. It is removed
-/// again with the object.
+/// A real file, for the operations that position an input file stream. It is removed again with the
+/// object.
 class LinkTargetFile {
  public:
+  /// 4,096 bytes, all zero.
   LinkTargetFile();
+  explicit LinkTargetFile(const std::string& contents);
   ~LinkTargetFile();
   LinkTargetFile(const LinkTargetFile&) = delete;
   LinkTargetFile& operator=(const LinkTargetFile&) = delete;
+
+  /// A stream that stands at the file's first byte.
+  std::ifstream open() const { return std::ifstream(path_, std::ios_base::binary); }
 
   /// Calls `follow(stream)` with the stream standing at byte 7 of the file, and expects it to
   /// return `link` and to leave the stream good and positioned at `link`, which may be nil.
   template <class Follow>
   void expectFollows(Follow follow, mdf_v4_10::LINK link) const {
-    std::ifstream ifs(path_, std::ios_base::binary);
+    std::ifstream ifs = open();
     ifs.seekg(7);
     EXPECT_EQ(follow(ifs), link);
     EXPECT_EQ(ifs.rdstate(), state_good);
@@ -82,7 +87,7 @@ class LinkTargetFile {
   /// The same for a call that must return 0 and leave the stream where it stands.
   template <class Follow>
   void expectStays(Follow follow) const {
-    std::ifstream ifs(path_, std::ios_base::binary);
+    std::ifstream ifs = open();
     ifs.seekg(7);
     EXPECT_EQ(follow(ifs), 0);
     EXPECT_EQ(ifs.rdstate(), state_good);
