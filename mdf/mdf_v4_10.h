@@ -20,6 +20,7 @@
 #include "fileblocks/atblock.h"
 #include "fileblocks/chblock.h"
 #include "fileblocks/evblock.h"
+#include "description/siblock.h"
 #include "fileblocks/fhblock.h"
 #include "fileblocks/hdblock.h"
 #include "fileblocks/idblock.h"
