@@ -14,6 +14,7 @@
 #include "datablocks/record_elements.h"
 #include "datablocks/sdblock.h"
 #include "datablocks/srblock.h"
+#include "description/ccblock.h"
 #include "description/cgblock.h"
 #include "description/cnblock.h"
 #include "description/dgblock.h"
