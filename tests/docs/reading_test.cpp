@@ -213,8 +213,7 @@ TEST(Reading, DGBLOCK) {
   EXPECT_EQ(linksOf(block), (Links{0, 0, 0, 0, 1, 2, 3, 4}));
   EXPECT_EQ(block.getFirstCgblock(), 0);
   EXPECT_EQ(block.getRecordIdSize(), DGBLOCK::DG_UINT8);
-  const LINK channel_group =
-      block.links[DGBLOCK::DG_BLOCK_LINKS_NUM + DGBLOCK::dg_cg_first];
+  const LINK channel_group = block.links[DGBLOCK::DG_BLOCK_LINKS_NUM + DGBLOCK::dg_cg_first];
   EXPECT_EQ(channel_group, 2);
 }
 
@@ -235,8 +234,7 @@ TEST(Reading, CGBLOCK) {
   EXPECT_EQ(linksOf(block), (Links{0, 0, 0, 0, 0, 0, 1, 2, 3, 4, 5, 6}));
   EXPECT_EQ(block.getCycleCount(), 8U);
   EXPECT_EQ(block.getInvalidBytes(), 11U);
-  const LINK channel =
-      block.links[CGBLOCK::CG_BLOCK_LINKS_NUM + CGBLOCK::cg_cn_first];
+  const LINK channel = block.links[CGBLOCK::CG_BLOCK_LINKS_NUM + CGBLOCK::cg_cn_first];
   EXPECT_EQ(channel, 2);
 }
 
@@ -249,8 +247,7 @@ TEST(Reading, SIBLOCK) {
   EXPECT_EQ(linksOf(block), (Links{0, 0, 0, 1, 2, 3}));
   EXPECT_EQ(block.getSourceType(), SIBLOCK::SI_SOURCETYPE_TOOL);
   EXPECT_TRUE(block.isSimulatedSource());
-  const LINK name =
-      block.links[SIBLOCK::SI_BLOCK_LINKS_NUM + SIBLOCK::si_tx_name];
+  const LINK name = block.links[SIBLOCK::SI_BLOCK_LINKS_NUM + SIBLOCK::si_tx_name];
   EXPECT_EQ(name, 1);
 }
 
@@ -360,19 +357,12 @@ TEST(Reading, DLBLOCK) {
   auto equal_is = fileWith(equal_bytes);
   const DLBLOCK equal(equal_is);
   EXPECT_EQ(standsBehind(equal_is, equal_bytes), 0);
-  EXPECT_EQ(equal.dl_data,
-            (std::vector<std::pair<LINK, UINT64>>{{1, 500}, {11, 500}, {12, 500}}));
+  EXPECT_EQ(equal.dl_data, (std::vector<std::pair<LINK, UINT64>>{{1, 500}, {11, 500}, {12, 500}}));
 }
 
 TEST(Reading, DZBLOCK) {
-  const std::string bytes = Bytes()
-                                .header("DZ", 48 + 5, 0)
-                                .text("DT")
-                                .u8s({1, 9})
-                                .u32(8)
-                                .u64(100)
-                                .u64(5)
-                                .text("zzzzz");
+  const std::string bytes =
+      Bytes().header("DZ", 48 + 5, 0).text("DT").u8s({1, 9}).u32(8).u64(100).u64(5).text("zzzzz");
   auto is = fileWith(bytes);
   DZBLOCK block(is);
   EXPECT_EQ(standsBehind(is, bytes), 5);
@@ -430,8 +420,7 @@ TEST(Reading, SRBLOCK) {
   EXPECT_EQ(block.getDatablock(), 0);
   EXPECT_EQ(block.getCycleCount(), 3U);
   EXPECT_TRUE(block.isValidationBytesFlag());
-  const LINK data =
-      block.links[SRBLOCK::SR_BLOCK_LINKS_NUM + SRBLOCK::sr_data];
+  const LINK data = block.links[SRBLOCK::SR_BLOCK_LINKS_NUM + SRBLOCK::sr_data];
   EXPECT_EQ(data, 2);
 }
 
