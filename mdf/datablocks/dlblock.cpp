@@ -36,7 +36,7 @@ void takePairsWithOffsets(DLBLOCK& dlb, detail::Decoder& in, UINT64 count) {
   const auto pairs = static_cast<std::size_t>(std::min({count, links, offsets}));
   dlb.dl_data.reserve(pairs);
   for (std::size_t i = 0; i < pairs; ++i) {
-    UINT64 offset;
+    UINT64 offset = 0;
     in.take(offset);
     dlb.dl_data.emplace_back(dlb.links[own_link_count + i], offset);
   }

@@ -119,7 +119,9 @@ class CCBLOCK : public GENERALBLOCK {
 
   void addReference(LINK link) { cc_refs.push_back(link); }
   /// Stores the reference at an index in `link`; false, and `link` untouched, when there is none.
-  bool getReferenceAtIndex(UINT16 index, LINK& link) const { return copyAt(cc_refs, index, link); }
+  bool getReferenceAtIndex(UINT16 index, LINK& link) const {
+    return copyEntryAt(cc_refs, index, link);
+  }
   /// Removes the reference at an index; does nothing when there is none.
   void removeReferenceAtIndex(UINT16 index) { removeEntryAt(cc_refs, index); }
   /// Positions the stream at the reference at an index; 0 and no move when there is none.
@@ -129,7 +131,9 @@ class CCBLOCK : public GENERALBLOCK {
 
   void addValue(REAL value) { cc_vals.push_back(value); }
   /// Stores the value at an index in `value`; false, and `value` untouched, when there is none.
-  bool getValueAtIndex(UINT16 index, REAL& value) const { return copyAt(cc_vals, index, value); }
+  bool getValueAtIndex(UINT16 index, REAL& value) const {
+    return copyEntryAt(cc_vals, index, value);
+  }
   /// Removes the value at an index; does nothing when there is none.
   void removeValueAtIndex(UINT16 index) { removeEntryAt(cc_vals, index); }
 
@@ -176,15 +180,6 @@ class CCBLOCK : public GENERALBLOCK {
 
  private:
   friend std::ostream& operator<<(std::ostream& os, const CCBLOCK& ccb);
-
-  template <class Entry>
-  static bool copyAt(const std::vector<Entry>& list, std::size_t index, Entry& entry) {
-    if (index >= list.size()) {
-      return false;
-    }
-    entry = list[index];
-    return true;
-  }
 
   /// Links in the file, references included.
   UINT64 getLinkCount() const;

@@ -106,11 +106,7 @@ bool CHBLOCK::getChannelElementAtIndex(UINT32 _index, LINK& dg, LINK& cg, LINK& 
 }
 
 bool CHBLOCK::getChannelElementAtIndex(UINT32 _index, CHBLOCK_CHANNEL_t& element) const {
-  if (_index >= channels.size()) {
-    return false;
-  }
-  element = channels[_index];
-  return true;
+  return copyEntryAt(channels, _index, element);
 }
 
 std::uint64_t CHBLOCK::getSize() const {

@@ -64,6 +64,16 @@ class GENERALBLOCK {
     return index < list.size() ? seekg(ifs, list[index]) : 0;
   }
 
+  /// Stores the entry at `index` in `entry`; false, and `entry` untouched, when there is none.
+  template <class Entry>
+  static bool copyEntryAt(const std::vector<Entry>& list, std::size_t index, Entry& entry) {
+    if (index >= list.size()) {
+      return false;
+    }
+    entry = list[index];
+    return true;
+  }
+
   /// Removes the entry at `index` if there is one; later entries move one place forward.
   template <class Entry>
   static void removeEntryAt(std::vector<Entry>& list, std::size_t index) {
