@@ -60,11 +60,12 @@ void CCBLOCK::print(std::ostream& os) const {
   dump.line("comment block = ", getCommentblock());
   dump.line("inverse cc block = ", getInverseCcblock());
   dump.line("conversion type = ", cc_type);
-  // The flags do not come in the order of their bits; deliberate.
-  dump.line("precision valid = ", isPrecisionValid());
+  // The flags come as numbers, whatever form the stream gives booleans, and not in the order of
+  // their bits; deliberate.
+  dump.line("precision valid = ", static_cast<UINT8>(isPrecisionValid()));
   dump.line("precision = ", cc_precision);
-  dump.line("status string = ", isStatusString());
-  dump.line("physical value range valid = ", isPhysicalValueRangeValid());
+  dump.line("status string = ", static_cast<UINT8>(isStatusString()));
+  dump.line("physical value range valid = ", static_cast<UINT8>(isPhysicalValueRangeValid()));
   dump.line("minimum physical signal value = ", cc_phy_range_min);
   dump.line("maximum physical signal value = ", cc_phy_range_max);
   dump.line("ref count = ", cc_refs.size());

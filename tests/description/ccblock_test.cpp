@@ -585,6 +585,16 @@ TEST(CCBLOCK, IndexesReachTheFirst65536Entries) {
 
 // ---- Dump
 
+TEST(CCBLOCK, DumpShowsTheFlagsAsNumbersInAnyFormOfBooleans) {
+  CCBLOCK block(CCBLOCK::CC_CONVTYPE_EQUAL);
+  block.setStatusStringFlag(true);
+  std::ostringstream os;
+  os << std::boolalpha;
+  block.print(os);
+  EXPECT_EQ(os.str(), dumped(block));
+  EXPECT_NE(os.str().find("\nstatus string = 1\n"), std::string::npos);
+}
+
 TEST(CCBLOCK, DumpOfANewBlock) {
   EXPECT_EQ(dumped(CCBLOCK(CCBLOCK::CC_CONVTYPE_LINEAR)),
             "[DEBUG] ==================== CCBLOCK ===================\n"
