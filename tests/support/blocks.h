@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -16,6 +17,17 @@ namespace mdf_tests {
 constexpr auto state_good = std::ios_base::goodbit;
 constexpr auto state_bad = std::ios_base::badbit;
 constexpr auto state_eof_fail = std::ios_base::eofbit | std::ios_base::failbit;
+
+/// The states in which a stream gives nothing any more.
+constexpr std::ios_base::iostate failed_states[] = {std::ios_base::failbit, std::ios_base::eofbit,
+                                                    std::ios_base::badbit, state_eof_fail};
+
+/// Link counts that are too large where `first` is the first one that does not fit. Some of them
+/// look small when the count in bytes is cut to 64 bits.
+inline std::vector<std::uint64_t> lyingLinkCounts(std::uint64_t first) {
+  const std::uint64_t wraps = std::uint64_t{1} << 61U;
+  return {first, first + 1, 1000, wraps, wraps + 1, wraps + first - 1, 4 * wraps, UINT64_MAX};
+}
 
 /// The bytes that a block's writer writes.
 template <class Block>
