@@ -1,0 +1,356 @@
+#include "framework/block_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "framework/field_list.h"
+#include "mdf_v4_10.h"
+#include "support/allocation_counter.h"
+#include "support/blocks.h"
+#include "support/bytes.h"
+
+using namespace mdf_tests;
+using namespace mdf_v4_10;
+using detail::BlockBody;
+using detail::LengthBits;
+using detail::ShortRead;
+
+namespace {
+
+constexpr auto every_exception =
+    std::ios_base::badbit | std::ios_base::failbit | std::ios_base::eofbit;
+
+/// A block of 24 + 2 * 8 + 6 = 46 bytes.
+struct Sample : GENERALBLOCK {
+  static constexpr std::size_t size = 46;
+  Sample() : GENERALBLOCK(0x5958) {}
+  UINT16 number = 0;
+  UINT32 other = 0;
+};
+
+constexpr auto sample_fields = detail::fieldList(detail::field("number", &Sample::number),
+                                                 detail::field("other", &Sample::other));
+
+std::string sampleBytes(std::uint64_t link_count) {
+  return Bytes().header("??", 0x1234, link_count).links({11, 12}).u16(0x0102).u32(0x03040506);
+}
+
+Sample readSample(std::istream& is, ShortRead rule) {
+  Sample block;
+  detail::readFixedBlock<Sample::size>(is, block, sample_fields, rule);
+  return block;
+}
+
+void expectUntouched(const Sample& block) {
+  EXPECT_BYTES(written(block.header), Bytes().header("XY", 0, 0));
+  EXPECT_TRUE(block.links.empty());
+  EXPECT_EQ(block.number, 0);
+  EXPECT_EQ(block.other, 0U);
+}
+
+TEST(ReadFixedBlock, TakesLengthLinksAndFields) {
+  for (const ShortRead rule : {ShortRead::makes_bad, ShortRead::left_as_read}) {
+    std::istringstream is(sampleBytes(2) + "behind");
+    const Sample block = readSample(is, rule);
+    EXPECT_EQ(is.rdstate(), state_good);
+    EXPECT_EQ(is.tellg(), 46);
+    EXPECT_BYTES(written(block.header), Bytes().header("XY", 0x1234, 2));
+    EXPECT_EQ(linksOf(block), (std::vector<LINK>{11, 12}));
+    EXPECT_EQ(block.number, 0x0102);
+    EXPECT_EQ(block.other, 0x03040506U);
+  }
+}
+
+TEST(ReadFixedBlock, AppendsToTheLinksThatTheBlockHas) {
+  std::istringstream is(sampleBytes(2));
+  Sample block;
+  block.links = {0, 7};
+  detail::readFixedBlock<Sample::size>(is, block, sample_fields, ShortRead::makes_bad);
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 7, 11, 12}));
+}
+
+TEST(ReadFixedBlock, FieldsFollowTheLastLink) {
+  std::istringstream is(Bytes().header("??", 46, 1).i64(11).u16(0x0102).u32(0x03040506).zeros(8));
+  const Sample block = readSample(is, ShortRead::makes_bad);
+  EXPECT_EQ(is.rdstate(), state_good);
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{11}));
+  EXPECT_EQ(block.number, 0x0102);
+  EXPECT_EQ(block.other, 0x03040506U);
+}
+
+TEST(ReadFixedBlock, CutStreamBecomesExactlyBadWhereTheCountIsCompared) {
+  forEachPrefix(sampleBytes(2), [](std::istream& is, std::size_t) {
+    expectUntouched(readSample(is, ShortRead::makes_bad));
+    EXPECT_EQ(is.rdstate(), state_bad);
+  });
+}
+
+TEST(ReadFixedBlock, CutStreamKeepsItsOwnStateElsewhere) {
+  forEachPrefix(sampleBytes(2), [](std::istream& is, std::size_t) {
+    expectUntouched(readSample(is, ShortRead::left_as_read));
+    EXPECT_EQ(is.rdstate(), state_eof_fail);
+  });
+}
+
+TEST(ReadFixedBlock, LinkCountThatDoesNotFitMakesTheStreamExactlyBad) {
+  for (const ShortRead rule : {ShortRead::makes_bad, ShortRead::left_as_read}) {
+    for (const std::uint64_t link_count :
+         {std::uint64_t{3}, std::uint64_t{1} << 61U, (std::uint64_t{1} << 61U) + 2,
+          std::uint64_t{1} << 63U, UINT64_MAX}) {
+      SCOPED_TRACE(link_count);
+      std::istringstream is(sampleBytes(link_count));
+      const Sample block = readSample(is, rule);
+      EXPECT_EQ(is.rdstate(), state_bad);
+      EXPECT_BYTES(written(block.header), Bytes().header("XY", 0x1234, link_count));
+      EXPECT_TRUE(block.links.empty());
+      EXPECT_EQ(block.number, 0);
+      EXPECT_EQ(block.other, 0U);
+    }
+  }
+}
+
+TEST(ReadFixedBlock, AStreamThatThrowsMayThrow) {
+  for (const ShortRead rule : {ShortRead::makes_bad, ShortRead::left_as_read}) {
+    std::istringstream whole(sampleBytes(2));
+    whole.exceptions(every_exception);
+    EXPECT_EQ(readSample(whole, rule).other, 0x03040506U);
+    std::istringstream cut(sampleBytes(2).substr(0, 45));
+    cut.exceptions(every_exception);
+    EXPECT_THROW(readSample(cut, rule), std::ios_base::failure);
+    std::istringstream lying(sampleBytes(3));
+    lying.exceptions(every_exception);
+    EXPECT_THROW(readSample(lying, rule), std::ios_base::failure);
+    EXPECT_EQ(lying.rdstate(), state_bad);
+  }
+}
+
+/// Bytes that differ from their neighbours, and from those a piece further on.
+std::string distinctBytes(std::size_t count) {
+  std::string bytes(count, '\0');
+  for (std::size_t i = 0; i < count; ++i) {
+    bytes[i] = static_cast<char>(i % 251);
+  }
+  return bytes;
+}
+
+/// A block's body together with the base that its header and links go to.
+struct VariableBlock {
+  explicit VariableBlock(std::istream& is, std::size_t fields_width = 0,
+                         LengthBits bits = LengthBits::all_64)
+      : taken(body.read(is, base, fields_width, bits)) {}
+
+  std::string rest() const { return {body.in.position(), body.in.remaining()}; }
+
+  GENERALBLOCK base{0x5958};
+  BlockBody body;
+  bool taken;
+};
+
+/// What is held on the heap while a body is read may be twice what arrived, and one first piece.
+void expectModestPeak(std::size_t peak, std::size_t arrived) {
+  constexpr std::size_t first_piece = 64 * 1024;
+  constexpr std::size_t slack = 2 * 1024;
+  EXPECT_LE(peak, 2 * arrived + first_piece + slack);
+}
+
+constexpr std::size_t body_sizes[] = {0,     1,     511,    512,    513,    65535,
+                                      65536, 65537, 131072, 131073, 200000, 1000000};
+
+TEST(BlockBody, HoldsTheBytesBehindTheHeader) {
+  for (const std::size_t size : body_sizes) {
+    SCOPED_TRACE(size);
+    const std::string bytes = distinctBytes(size);
+    std::istringstream is(Bytes().header("??", 24 + size, 0).text(bytes).text("behind"));
+    const AllocationMeter meter;
+    const VariableBlock block(is);
+    const std::size_t peak = meter.peakBytes();
+    ASSERT_TRUE(block.taken);
+    EXPECT_EQ(is.rdstate(), state_good);
+    EXPECT_EQ(static_cast<std::size_t>(is.tellg()), 24 + size);
+    EXPECT_BYTES(written(block.base.header), Bytes().header("XY", 24 + size, 0));
+    EXPECT_TRUE(block.rest() == bytes);
+    expectModestPeak(peak, size);
+  }
+}
+
+TEST(BlockBody, SmallBodiesNeedNoMemoryFromTheHeap) {
+  std::istringstream is(Bytes().header("??", 24 + 512, 0).zeros(512));
+  const AllocationMeter meter;
+  const VariableBlock block(is);
+  const std::size_t allocations = meter.count();
+  EXPECT_EQ(allocations, 0U);
+  EXPECT_EQ(block.body.in.remaining(), 512U);
+}
+
+TEST(BlockBody, CutStreamKeepsItsOwnState) {
+  for (const std::size_t size : body_sizes) {
+    if (size == 0) {
+      continue;
+    }
+    SCOPED_TRACE(size);
+    std::istringstream is(Bytes().header("??", 24 + size, 0).text(distinctBytes(size - 1)));
+    const VariableBlock block(is);
+    EXPECT_FALSE(block.taken);
+    EXPECT_EQ(is.rdstate(), state_eof_fail);
+    EXPECT_BYTES(written(block.base.header), Bytes().header("XY", 24 + size, 0));
+    EXPECT_TRUE(block.base.links.empty());
+  }
+}
+
+TEST(BlockBody, StreamCutInTheHeaderLeavesTheBlockAsItWas) {
+  forEachPrefix(Bytes().header("??", 24, 0), [](std::istream& is, std::size_t) {
+    const VariableBlock block(is);
+    EXPECT_FALSE(block.taken);
+    EXPECT_EQ(is.rdstate(), state_eof_fail);
+    EXPECT_BYTES(written(block.base.header), Bytes().header("XY", 0, 0));
+  });
+}
+
+TEST(BlockBody, LengthBelowTheHeadersMakesTheStreamExactlyBad) {
+  for (const LengthBits bits : {LengthBits::low_32, LengthBits::all_64}) {
+    for (const std::uint64_t length : {0U, 1U, 23U}) {
+      SCOPED_TRACE(length);
+      std::istringstream is(Bytes().header("??", length, 1).zeros(100));
+      const VariableBlock block(is, 0, bits);
+      EXPECT_FALSE(block.taken);
+      EXPECT_EQ(is.rdstate(), state_bad);
+      EXPECT_BYTES(written(block.base.header), Bytes().header("XY", length, 1));
+      EXPECT_TRUE(block.base.links.empty());
+    }
+  }
+}
+
+TEST(BlockBody, OnlyTheLowBitsOfALengthMayCount) {
+  const std::uint64_t high = std::uint64_t{0xFFFFFFFF} << 32U;
+  std::istringstream is(Bytes().header("??", high + 30, 0).text("abcdefgh"));
+  const VariableBlock block(is, 0, LengthBits::low_32);
+  EXPECT_TRUE(block.taken);
+  EXPECT_EQ(is.rdstate(), state_good);
+  EXPECT_EQ(block.rest(), "abcdef");
+  EXPECT_EQ(block.base.header.length, high + 30);
+
+  std::istringstream low_bits_too_small(Bytes().header("??", high + 23, 0).zeros(100));
+  EXPECT_FALSE(VariableBlock(low_bits_too_small, 0, LengthBits::low_32).taken);
+  EXPECT_EQ(low_bits_too_small.rdstate(), state_bad);
+}
+
+TEST(BlockBody, AllBitsOfALengthMayCount) {
+  std::istringstream is(Bytes().header("??", (std::uint64_t{1} << 32U) + 30, 0).text("abcdefgh"));
+  EXPECT_FALSE(VariableBlock(is).taken);
+  EXPECT_EQ(is.rdstate(), state_eof_fail);
+}
+
+TEST(BlockBody, ALyingLengthTakesNoMoreMemoryThanAboutTwiceWhatArrives) {
+  for (const std::size_t arrived : {0U, 100U, 65536U, 65537U, 200U * 1024U, 1000000U}) {
+    for (const std::uint64_t length :
+         {std::uint64_t{arrived} + 25, std::uint64_t{1} << 31U, std::uint64_t{UINT32_MAX},
+          std::uint64_t{1} << 63U, UINT64_MAX}) {
+      SCOPED_TRACE(std::to_string(length) + " said, arrived " + std::to_string(arrived));
+      std::istringstream is(Bytes().header("??", length, 0).zeros(arrived));
+      const AllocationMeter meter;
+      const VariableBlock block(is);
+      const std::size_t peak = meter.peakBytes();
+      EXPECT_FALSE(block.taken);
+      EXPECT_EQ(is.rdstate(), state_eof_fail);
+      expectModestPeak(peak, arrived);
+    }
+  }
+}
+
+TEST(BlockBody, TakesTheLinksAndStopsAtTheFields) {
+  std::istringstream is(Bytes().header("??", 24 + 22, 2).links({11, -12}).text("fields"));
+  const VariableBlock block(is, 6);
+  ASSERT_TRUE(block.taken);
+  EXPECT_EQ(linksOf(block.base), (std::vector<LINK>{11, -12}));
+  EXPECT_EQ(block.rest(), "fields");
+}
+
+TEST(BlockBody, AppendsToTheLinksThatTheBlockHas) {
+  std::istringstream is(Bytes().header("??", 24 + 8, 1).i64(11));
+  GENERALBLOCK base(0x5958, 0, 2);
+  BlockBody body;
+  EXPECT_TRUE(body.read(is, base, 0, LengthBits::all_64));
+  EXPECT_EQ(linksOf(base), (std::vector<LINK>{0, 0, 11}));
+}
+
+TEST(BlockBody, LinksAndFieldsThatDoNotFitMakeTheStreamExactlyBad) {
+  const struct {
+    std::size_t body_size;
+    std::size_t fields_width;
+    std::uint64_t link_count;
+  } cases[] = {{22, 6, 3},
+               {21, 6, 2},
+               {22, 6, std::uint64_t{1} << 61U},
+               {22, 6, (std::uint64_t{1} << 61U) + 2},
+               {22, 6, std::uint64_t{1} << 63U},
+               {22, 6, UINT64_MAX},
+               {0, 0, 1},
+               {5, 6, 0},
+               {0, 6, 0},
+               {200000, 6, 25000}};
+  for (const auto& [body_size, fields_width, link_count] : cases) {
+    SCOPED_TRACE(link_count);
+    std::istringstream is(Bytes().header("??", 24 + body_size, link_count).zeros(body_size));
+    const VariableBlock block(is, fields_width);
+    EXPECT_FALSE(block.taken);
+    EXPECT_EQ(is.rdstate(), state_bad);
+    EXPECT_BYTES(written(block.base.header), Bytes().header("XY", 24 + body_size, link_count));
+    EXPECT_TRUE(block.base.links.empty());
+  }
+}
+
+TEST(BlockBody, AsManyLinksAsFitAreTaken) {
+  std::istringstream is(Bytes().header("??", 24 + 200000, 24999).zeros(200000));
+  const VariableBlock block(is, 8);
+  EXPECT_TRUE(block.taken);
+  EXPECT_EQ(block.base.links.size(), 24999U);
+  EXPECT_EQ(block.body.in.remaining(), 8U);
+}
+
+TEST(BlockBody, AStreamThatThrowsMayThrow) {
+  for (const std::size_t size : {100U, 600U, 200000U}) {
+    SCOPED_TRACE(size);
+    const std::string bytes = Bytes().header("??", 24 + size, 0).text(distinctBytes(size));
+    std::istringstream whole(bytes);
+    whole.exceptions(every_exception);
+    EXPECT_TRUE(VariableBlock(whole).taken);
+    std::istringstream cut(bytes.substr(0, bytes.size() - 1));
+    cut.exceptions(every_exception);
+    EXPECT_THROW(VariableBlock{cut}, std::ios_base::failure);
+    EXPECT_EQ(cut.rdstate(), state_eof_fail);
+  }
+}
+
+TEST(BlockBody, AStreamThatThrowsMayThrowForALyingBlock) {
+  std::istringstream length(Bytes().header("??", 23, 0));
+  length.exceptions(every_exception);
+  EXPECT_THROW(VariableBlock{length}, std::ios_base::failure);
+  EXPECT_EQ(length.rdstate(), state_bad);
+  std::istringstream link_count(Bytes().header("??", 32, 2).zeros(8));
+  link_count.exceptions(every_exception);
+  EXPECT_THROW(VariableBlock{link_count}, std::ios_base::failure);
+  EXPECT_EQ(link_count.rdstate(), state_bad);
+}
+
+TEST(ReadBlock, AStreamThatThrowsMayThrow) {
+  const auto readFrom = [](auto make, const std::string& bytes) {
+    std::istringstream is(bytes);
+    is.exceptions(every_exception);
+    return make(is);
+  };
+  const auto id = [](std::istream& is) { return IDBLOCK(is).getVersionNumber(); };
+  const auto tx = [](std::istream& is) { return TXBLOCK(is).data.size(); };
+  EXPECT_EQ(readFrom(id, std::string(64, '\1')), 257);
+  EXPECT_THROW(readFrom(id, std::string(63, '\1')), std::ios_base::failure);
+  const std::string text = Bytes().header("TX", 34, 0).text("abcdefghij");
+  EXPECT_EQ(readFrom(tx, text), 10U);
+  for (const std::size_t cut : {0U, 7U, 8U, 15U, 16U, 25U}) {
+    EXPECT_THROW(readFrom(tx, text.substr(0, cut)), std::ios_base::failure) << cut;
+  }
+}
+
+}  // namespace

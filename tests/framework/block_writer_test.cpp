@@ -1,0 +1,311 @@
+#include "framework/block_writer.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "mdf_v4_10.h"
+#include "support/allocation_counter.h"
+#include "support/blocks.h"
+#include "support/bytes.h"
+#include "support/recording_sink.h"
+
+using namespace mdf_tests;
+using namespace mdf_v4_10;
+using detail::BlockWriter;
+
+namespace {
+
+using Writes = std::vector<std::size_t>;
+
+HeaderSection header() { return HeaderSection(MDF_Block_ID(0x4448)); }
+
+/// Bytes that differ from their neighbours, and from those a whole frame further on.
+std::vector<UINT8> distinctBytes(std::size_t count) {
+  std::vector<UINT8> bytes(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    bytes[i] = static_cast<UINT8>(i % 251);
+  }
+  return bytes;
+}
+
+std::string text(const std::vector<UINT8>& bytes) { return {bytes.begin(), bytes.end()}; }
+
+/// Links that differ in every byte from their neighbours.
+LinkSection distinctLinks(std::size_t count) {
+  LinkSection links;
+  for (std::uint64_t i = 1; i <= count; ++i) {
+    links.push_back(static_cast<LINK>(i * 0x0101010101010101));
+  }
+  return links;
+}
+
+std::string bytesOf(const LinkSection& links) {
+  Bytes bytes;
+  for (const LINK link : links) {
+    bytes.i64(link);
+  }
+  return bytes;
+}
+
+/// Calls put(writer) and compares what the stream is given, whole and by pieces.
+template <class Put>
+void expectWrites(Put put, const std::string& bytes, const Writes& writes) {
+  RecordingSink sink;
+  std::ostream os(&sink);
+  BlockWriter out(os);
+  put(out);
+  EXPECT_EQ(&out.finish(), &os);
+  EXPECT_BYTES(sink.bytes, bytes);
+  EXPECT_EQ(sink.writes, writes);
+  EXPECT_EQ(os.rdstate(), state_good);
+}
+
+TEST(BlockWriter, WritesNothingWhenNothingWasPut) {
+  expectWrites([](BlockWriter&) {}, "", {});
+  expectWrites([](BlockWriter& out) { out.bytes({}); }, "", {});
+  expectWrites([](BlockWriter& out) { out.numbers(LinkSection()); }, "", {});
+}
+
+TEST(BlockWriter, HandsABlockToTheStreamInOneWrite) {
+  expectWrites(
+      [](BlockWriter& out) {
+        out.header(header());
+        out.numbers(LinkSection{1, -1});
+        out.number(UINT16{0x0102});
+        out.bytes({7, 8, 9});
+      },
+      Bytes().header("HD", 0, 0).links({1, -1}).u16(0x0102).u8s({7, 8, 9}), {45});
+}
+
+TEST(BlockWriter, LengthAndLinkCountCanStandInForThoseOfTheHeader) {
+  HeaderSection stored = header();
+  stored.reserved = {1, 2, 3, 4};
+  stored.length = 5;
+  stored.link_count = 6;
+  expectWrites(
+      [&](BlockWriter& out) {
+        out.header(stored);
+        out.header(stored, 77);
+        out.header(stored, 88, 99);
+      },
+      Bytes()
+          .text("##HD")
+          .u8s({1, 2, 3, 4})
+          .u64(5)
+          .u64(6)
+          .text("##HD")
+          .u8s({1, 2, 3, 4})
+          .u64(77)
+          .u64(6)
+          .text("##HD")
+          .u8s({1, 2, 3, 4})
+          .u64(88)
+          .u64(99),
+      {72});
+  EXPECT_EQ(stored.length, 5U);
+  EXPECT_EQ(stored.link_count, 6U);
+}
+
+TEST(BlockWriter, FinishingTwiceWritesOnce) {
+  expectWrites(
+      [](BlockWriter& out) {
+        out.number(UINT8{1});
+        out.finish();
+      },
+      "\x01", {1});
+}
+
+TEST(BlockWriter, ListsGoInFrames) {
+  const struct {
+    std::size_t links;
+    Writes writes;
+  } cases[] = {{124, {1016}},          {125, {1024}},
+               {126, {1024, 8}},       {253, {1024, 1024}},
+               {254, {1024, 1024, 8}}, {1000, {1024, 1024, 1024, 1024, 1024, 1024, 1024, 856}}};
+  for (const auto& [count, writes] : cases) {
+    SCOPED_TRACE(count);
+    const LinkSection links = distinctLinks(count);
+    expectWrites(
+        [&](BlockWriter& out) {
+          out.header(header());
+          out.numbers(links);
+        },
+        Bytes().header("HD", 0, 0).text(bytesOf(links)), writes);
+  }
+}
+
+TEST(BlockWriter, NumbersThatDoNotFitTheRestOfAFrameStayWhole) {
+  expectWrites(
+      [](BlockWriter& out) {
+        out.bytes(distinctBytes(1017));
+        out.number(UINT64{0x0102030405060708});
+      },
+      Bytes().text(text(distinctBytes(1017))).u64(0x0102030405060708), {1017, 8});
+}
+
+TEST(BlockWriter, BytesThatFitTheFrameGoWithIt) {
+  for (const std::size_t count : {0U, 1U, 999U, 1000U}) {
+    SCOPED_TRACE(count);
+    expectWrites(
+        [&](BlockWriter& out) {
+          out.header(header());
+          out.bytes(distinctBytes(count));
+        },
+        Bytes().header("HD", 0, 0).text(text(distinctBytes(count))), {24 + count});
+  }
+}
+
+TEST(BlockWriter, BytesThatDoNotFitTheFrameGoStraightFromTheirVector) {
+  for (const std::size_t count : {1001U, 1024U, 1025U, 100000U}) {
+    SCOPED_TRACE(count);
+    expectWrites(
+        [&](BlockWriter& out) {
+          out.header(header());
+          out.bytes(distinctBytes(count));
+          out.number(UINT8{7});
+        },
+        Bytes().header("HD", 0, 0).text(text(distinctBytes(count))).u8(7), {24, count, 1});
+  }
+}
+
+TEST(BlockWriter, BytesInAnEmptyFrame) {
+  const struct {
+    std::size_t count;
+    Writes writes;
+  } cases[] = {{1023, {1024}}, {1024, {1024, 1}}, {1025, {1025, 1}}};
+  for (const auto& [count, writes] : cases) {
+    SCOPED_TRACE(count);
+    const std::vector<UINT8> bytes = distinctBytes(count);
+    expectWrites(
+        [&](BlockWriter& out) {
+          out.bytes(bytes);
+          out.number(UINT8{7});
+        },
+        Bytes().text(text(bytes)).u8(7), writes);
+  }
+}
+
+/// A block that takes several writes: header and links, long data in between, and a number.
+void writeLongBlock(std::ostream& os) {
+  BlockWriter out(os);
+  out.header(header());
+  out.numbers(distinctLinks(130));
+  out.bytes(distinctBytes(1500));
+  out.number(UINT64{5});
+  out.finish();
+}
+
+std::string longBlockBytes() {
+  return Bytes()
+      .header("HD", 0, 0)
+      .text(bytesOf(distinctLinks(130)))
+      .text(text(distinctBytes(1500)))
+      .u64(5);
+}
+
+TEST(BlockWriter, AFailureAtAnyByteStaysInTheStream) {
+  const std::string bytes = longBlockBytes();
+  for (std::size_t capacity = 0; capacity < bytes.size(); ++capacity) {
+    RecordingSink sink(capacity);
+    std::ostream os(&sink);
+    writeLongBlock(os);
+    EXPECT_TRUE(os.bad()) << capacity;
+    EXPECT_EQ(sink.bytes, bytes.substr(0, capacity)) << capacity;
+  }
+}
+
+TEST(BlockWriter, AFailedStreamIsNotWrittenTo) {
+  RecordingSink sink;
+  std::ostream os(&sink);
+  os.setstate(std::ios_base::failbit);
+  writeLongBlock(os);
+  EXPECT_TRUE(os.fail());
+  EXPECT_BYTES(sink.bytes, "");
+}
+
+TEST(BlockWriter, AStreamThatThrowsMayThrow) {
+  RecordingSink sink(30);
+  std::ostream os(&sink);
+  os.exceptions(std::ios_base::badbit);
+  EXPECT_THROW(writeLongBlock(os), std::ios_base::failure);
+  EXPECT_EQ(os.rdstate(), state_bad);
+}
+
+/// Expects that writing takes nothing from the heap, and that it does write.
+template <class Value>
+void expectWritesWithoutAllocating(const Value& value) {
+  RecordingSink sink;
+  std::ostream os(&sink);
+  const AllocationMeter meter;
+  os << value;
+  const std::size_t allocations = meter.count();
+  EXPECT_EQ(allocations, 0U);
+  EXPECT_EQ(os.rdstate(), state_good);
+  EXPECT_FALSE(sink.bytes.empty());
+}
+
+CNBLOCK channelWithAttachments() {
+  CNBLOCK block(CNBLOCK::CN_CHANNELTYPE_MASTER, CNBLOCK::CN_SYNCTYPE_TIME,
+                CNBLOCK::CN_DATATYPE_UINT_LE, 1, 2, 3);
+  block.cc_attachements = distinctLinks(300);
+  return block;
+}
+
+TEST(AllocationMeter, CountsEveryKindOfAllocation) {
+  const AllocationMeter meter;
+  ::operator delete(::operator new(1));
+  ::operator delete[](::operator new[](1));
+  ::operator delete(::operator new(1, std::nothrow), std::nothrow);
+  ::operator delete[](::operator new[](1, std::nothrow), std::nothrow);
+  const std::vector<int> vector(5);
+  EXPECT_EQ(meter.count(), 5U);
+}
+
+TEST(AllocationMeter, KnowsThePeak) {
+  const std::vector<char> before(5000);
+  const AllocationMeter meter;
+  { const std::vector<char> larger(100000); }
+  { const std::vector<char> smaller(50000); }
+  EXPECT_GE(meter.peakBytes(), 100000U);
+  EXPECT_LT(meter.peakBytes(), 105000U);
+  EXPECT_LT(AllocationMeter().peakBytes(), 1U);
+}
+
+TEST(BlockWriter, NothingIsAllocatedForFrameworkTypes) {
+  expectWritesWithoutAllocating(MDF_Block_ID(0x4448));
+  expectWritesWithoutAllocating(header());
+  expectWritesWithoutAllocating(distinctLinks(1000));
+}
+
+TEST(BlockWriter, NothingIsAllocatedForFileBlocks) {
+  const std::string long_text(5000, 'x');
+  expectWritesWithoutAllocating(IDBLOCK("TESTPROG"));
+  expectWritesWithoutAllocating(HDBLOCK(1, 2, 3, 4, HDBLOCK::TIME_LOCAL_PC, 0, 0));
+  expectWritesWithoutAllocating(FHBLOCK(1, 2, 3, 4));
+  expectWritesWithoutAllocating(TXBLOCK("abc", 3));
+  expectWritesWithoutAllocating(TXBLOCK(long_text.data(), long_text.size()));
+  expectWritesWithoutAllocating(MDBLOCK("abc", 3));
+  expectWritesWithoutAllocating(MDBLOCK(long_text.data(), long_text.size()));
+}
+
+TEST(BlockWriter, NothingIsAllocatedForDescriptionBlocks) {
+  expectWritesWithoutAllocating(DGBLOCK(1, 2, 3, DGBLOCK::DG_UINT8));
+  expectWritesWithoutAllocating(CGBLOCK());
+  expectWritesWithoutAllocating(channelWithAttachments());
+}
+
+TEST(BlockWriter, NothingIsAllocatedForDataBlocks) {
+  const std::vector<UINT8> data = distinctBytes(100000);
+  expectWritesWithoutAllocating(DTBLOCK(data.data(), data.size()));
+  expectWritesWithoutAllocating(RDBLOCK(data.data(), data.size()));
+  expectWritesWithoutAllocating(SDBLOCK(data.data(), data.size()));
+  expectWritesWithoutAllocating(IDTSDATABLOCK(1, 2));
+  expectWritesWithoutAllocating(IDTSDATABLOCK64(1, 2));
+  expectWritesWithoutAllocating(VALUEDATABLOCK(1, 8));
+}
+
+}  // namespace

@@ -1,0 +1,120 @@
+#include "framework/field_list.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "support/bytes.h"
+#include "support/fields.h"
+
+using namespace mdf_tests;
+using namespace mdf_v4_10;
+
+namespace {
+
+/// A data section with every kind of entry.
+struct Section {
+  UINT8 number = 0;
+  INT16 offset = 0;
+  std::array<char, 3> text{};
+  std::array<UINT8, 5> reserved{};
+  UINT32 reserved_number = 0;
+  REAL real = 0;
+  LINK link = 0;
+  std::vector<LINK> list;
+  std::vector<UINT8> bytes;
+};
+
+constexpr auto section_fields = detail::fieldList(
+    detail::field("number", &Section::number), detail::countOf<UINT8>("list_count", &Section::list),
+    detail::field("offset", &Section::offset), detail::reserved("reserved", &Section::reserved),
+    detail::field("text", &Section::text), detail::countOf<UINT32>("byte_count", &Section::bytes),
+    detail::reserved("reserved_number", &Section::reserved_number),
+    detail::field("real", &Section::real), detail::field("link", &Section::link));
+
+static_assert(section_fields.width() == 1 + 1 + 2 + 5 + 3 + 4 + 4 + 8 + 8);
+static_assert(detail::fieldList().width() == 0);
+static_assert(detail::sizeWithLinks(0, section_fields) == 24 + 36);
+static_assert(detail::sizeWithLinks(4, section_fields) == 24 + 32 + 36);
+
+Section distinctSection() {
+  Section section;
+  section.number = 0x81;
+  section.offset = -60;
+  section.text = {'a', '\0', 'c'};
+  section.reserved = {11, 12, 13, 14, 15};
+  section.reserved_number = 0x21222324;
+  section.real = -2.5;
+  section.link = -2;
+  section.list.resize(258);
+  section.bytes.resize(0x10203);
+  return section;
+}
+
+/// The list of 258 entries is too long for its one-byte count, which is cut to 2.
+std::string distinctBytes() {
+  return Bytes()
+      .u8(0x81)
+      .u8(2)
+      .u8s({0xC4, 0xFF})
+      .u8s({11, 12, 13, 14, 15})
+      .u8s({'a', 0, 'c'})
+      .u8s({3, 2, 1, 0})
+      .u8s({0x24, 0x23, 0x22, 0x21})
+      .u8s({0, 0, 0, 0, 0, 0, 4, 0xC0})
+      .u8s({0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF});
+}
+
+std::string put(const Section& section) {
+  std::array<char, section_fields.width()> bytes;
+  section_fields.put(detail::Encoder(bytes.data()), section);
+  return {bytes.data(), bytes.size()};
+}
+
+TEST(FieldList, PutsEveryEntryInItsOrder) { EXPECT_BYTES(put(distinctSection()), distinctBytes()); }
+
+TEST(FieldList, PutsTheDefaults) { EXPECT_BYTES(put(Section()), Bytes().zeros(36)); }
+
+TEST(FieldList, TakesFieldsAndPassesOverReservedBytes) {
+  const std::string bytes = distinctBytes() + "behind";
+  detail::Decoder in(bytes.data(), bytes.size());
+  Section section;
+  section.reserved = {91, 92, 93, 94, 95};
+  section.reserved_number = 96;
+  section_fields.take(in, section);
+  EXPECT_EQ(in.remaining(), 6U);
+  EXPECT_EQ(section.number, 0x81);
+  EXPECT_EQ(section.offset, -60);
+  EXPECT_EQ(section.text, (std::array<char, 3>{'a', '\0', 'c'}));
+  EXPECT_EQ(section.reserved, (std::array<UINT8, 5>{91, 92, 93, 94, 95}));
+  EXPECT_EQ(section.reserved_number, 96U);
+  EXPECT_EQ(section.real, -2.5);
+  EXPECT_EQ(section.link, -2);
+  EXPECT_TRUE(section.list.empty());
+  EXPECT_TRUE(section.bytes.empty());
+}
+
+TEST(FieldList, ReturnsTheCountsOnTheWay) {
+  const std::string bytes = distinctBytes();
+  detail::Decoder in(bytes.data(), bytes.size());
+  Section section;
+  EXPECT_EQ(section_fields.take(in, section), (std::array<UINT64, 2>{2, 0x10203}));
+}
+
+TEST(FieldList, ShowsNamesOffsetsAndWidths) {
+  EXPECT_EQ(layoutOf(section_fields, 56),
+            "56 1 number\n"
+            "57 1 list_count\n"
+            "58 2 offset\n"
+            "60 5 reserved\n"
+            "65 3 text\n"
+            "68 4 byte_count\n"
+            "72 4 reserved_number\n"
+            "76 8 real\n"
+            "84 8 link\n");
+  EXPECT_EQ(layoutOf(detail::fieldList(), 24), "");
+}
+
+}  // namespace

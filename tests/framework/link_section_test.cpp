@@ -1,0 +1,55 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <type_traits>
+#include <vector>
+
+#include "mdf_v4_10.h"
+#include "support/blocks.h"
+#include "support/bytes.h"
+
+using namespace mdf_tests;
+using mdf_v4_10::LINK;
+using mdf_v4_10::LinkSection;
+
+namespace {
+
+TEST(LinkSection, IsAVectorOfSignedOffsets) {
+  EXPECT_TRUE((std::is_base_of_v<std::vector<LINK>, LinkSection>));
+  EXPECT_TRUE((std::is_same_v<LinkSection::value_type, std::int64_t>));
+}
+
+TEST(LinkSection, CountsTheLinksThatAreSet) {
+  EXPECT_EQ((LinkSection{0, 5, 0, 7}.getValidLinkLength()), 2U);
+  EXPECT_EQ((LinkSection{0, 5, 0, 7, 0, 0}.getValidLinkLength()), 2U);
+  EXPECT_EQ((LinkSection{-1, INT64_MIN, INT64_MAX}.getValidLinkLength()), 3U);
+  EXPECT_EQ((LinkSection{0, 0, 0}.getValidLinkLength()), 0U);
+  EXPECT_EQ(LinkSection{}.getValidLinkLength(), 0U);
+}
+
+TEST(LinkSection, WritesEveryLinkInItsOrder) {
+  EXPECT_BYTES(written(LinkSection{0x0102030405060708, 0, -2, INT64_MAX, INT64_MIN}),
+               Bytes()
+                   .u8s({8, 7, 6, 5, 4, 3, 2, 1})
+                   .zeros(8)
+                   .u8s({0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF})
+                   .u8s({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F})
+                   .u8s({0, 0, 0, 0, 0, 0, 0, 0x80}));
+}
+
+TEST(LinkSection, WritesNothingWhenEmpty) { EXPECT_BYTES(written(LinkSection{}), ""); }
+
+TEST(LinkSection, CopiesAreIndependent) {
+  LinkSection links{1, 2};
+  const LinkSection copy = links;
+  links[0] = 9;
+  links.push_back(3);
+  EXPECT_EQ(copy, (LinkSection{1, 2}));
+}
+
+TEST(LinkSection, WriterReturnsTheStream) {
+  std::ostringstream os;
+  EXPECT_EQ(&(os << LinkSection{1}), &os);
+}
+
+}  // namespace
