@@ -12,10 +12,10 @@
 #include <utility>
 #include <vector>
 
-#include "datablocks/recording_buffer.h"
 #include "mdf_v4_10.h"
 #include "support/blocks.h"
 #include "support/bytes.h"
+#include "support/recording_buffer.h"
 
 /// What the blocks that carry raw bytes and nothing else have in common. A test file instantiates
 /// the tests with a description of its class:
@@ -281,7 +281,7 @@ TYPED_TEST_P(PlainData, DumpFlushesAtEveryLineEnd) {
   RecordingBuffer buffer;
   std::ostream os(&buffer);
   this->blockOf("A\nB").print(os);
-  EXPECT_EQ(buffer.flushes, 4);
+  EXPECT_EQ(buffer.flushes.size(), 4);
 }
 
 TYPED_TEST_P(PlainData, ReadsAWrittenBlock) {

@@ -7,10 +7,10 @@
 #include <type_traits>
 #include <vector>
 
-#include "datablocks/recording_buffer.h"
 #include "mdf_v4_10.h"
 #include "support/blocks.h"
 #include "support/bytes.h"
+#include "support/recording_buffer.h"
 
 using namespace mdf_tests;
 using mdf_v4_10::IDTSDATABLOCK;

@@ -11,7 +11,7 @@
 #include "support/allocation_counter.h"
 #include "support/blocks.h"
 #include "support/bytes.h"
-#include "support/recording_sink.h"
+#include "support/recording_buffer.h"
 
 using namespace mdf_tests;
 using namespace mdf_v4_10;
@@ -54,7 +54,7 @@ std::string bytesOf(const LinkSection& links) {
 /// Calls put(writer) and compares what the stream is given, whole and by pieces.
 template <class Put>
 void expectWrites(Put put, const std::string& bytes, const Writes& writes) {
-  RecordingSink sink;
+  RecordingBuffer sink;
   std::ostream os(&sink);
   BlockWriter out(os);
   put(out);
@@ -210,7 +210,7 @@ std::string longBlockBytes() {
 TEST(BlockWriter, AFailureAtAnyByteStaysInTheStream) {
   const std::string bytes = longBlockBytes();
   for (std::size_t capacity = 0; capacity < bytes.size(); ++capacity) {
-    RecordingSink sink(capacity);
+    RecordingBuffer sink(capacity);
     std::ostream os(&sink);
     writeLongBlock(os);
     EXPECT_TRUE(os.bad()) << capacity;
@@ -219,7 +219,7 @@ TEST(BlockWriter, AFailureAtAnyByteStaysInTheStream) {
 }
 
 TEST(BlockWriter, AFailedStreamIsNotWrittenTo) {
-  RecordingSink sink;
+  RecordingBuffer sink;
   std::ostream os(&sink);
   os.setstate(std::ios_base::failbit);
   writeLongBlock(os);
@@ -228,7 +228,7 @@ TEST(BlockWriter, AFailedStreamIsNotWrittenTo) {
 }
 
 TEST(BlockWriter, AStreamThatThrowsMayThrow) {
-  RecordingSink sink(30);
+  RecordingBuffer sink(30);
   std::ostream os(&sink);
   os.exceptions(std::ios_base::badbit);
   EXPECT_THROW(writeLongBlock(os), std::ios_base::failure);
@@ -238,7 +238,7 @@ TEST(BlockWriter, AStreamThatThrowsMayThrow) {
 /// Expects that writing takes nothing from the heap, and that it does write.
 template <class Value>
 void expectWritesWithoutAllocating(const Value& value) {
-  RecordingSink sink;
+  RecordingBuffer sink;
   std::ostream os(&sink);
   const AllocationMeter meter;
   os << value;

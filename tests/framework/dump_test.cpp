@@ -11,7 +11,7 @@
 
 #include "mdf_v4_10.h"
 #include "support/blocks.h"
-#include "support/recording_sink.h"
+#include "support/recording_buffer.h"
 
 using namespace mdf_tests;
 using namespace mdf_v4_10;
@@ -47,7 +47,7 @@ std::vector<std::size_t> behindLineEnds(const std::string& text) {
 
 template <class Block>
 void expectFlushesEveryLine(const Block& block) {
-  RecordingSink sink;
+  RecordingBuffer sink;
   std::ostream os(&sink);
   block.print(os);
   EXPECT_EQ(sink.flushes, behindLineEnds(sink.bytes)) << sink.bytes;

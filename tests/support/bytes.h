@@ -1,6 +1,8 @@
 #ifndef MDF_TESTS_SUPPORT_BYTES_H_
 #define MDF_TESTS_SUPPORT_BYTES_H_
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <cstring>
 #include <initializer_list>
@@ -62,13 +64,14 @@ class Bytes {
   std::string bytes_;
 };
 
-/// The bytes in hexadecimal, 8 to a line with their offset, for a failure message that can be read.
-std::string hexLines(const std::string& bytes);
+/// Whether the bytes are the same; if not, what stands around the first difference.
+testing::AssertionResult sameBytes(const char* actual_text, const char* expected_text,
+                                   const std::string& actual, const std::string& expected);
 
 }  // namespace mdf_tests
 
 /// Compares whole byte strings.
 #define EXPECT_BYTES(actual, expected) \
-  EXPECT_EQ(mdf_tests::hexLines(std::string(actual)), mdf_tests::hexLines(std::string(expected)))
+  EXPECT_PRED_FORMAT2(mdf_tests::sameBytes, std::string(actual), std::string(expected))
 
 #endif  // MDF_TESTS_SUPPORT_BYTES_H_
