@@ -1,7 +1,11 @@
+# The standard is said for every target, so that tools which read the compile commands hear of it.
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+
 # What our own targets are compiled with; nothing of it reaches the targets of a project that uses
 # the library.
 add_library(mdf_compile_options INTERFACE)
-target_compile_features(mdf_compile_options INTERFACE cxx_std_17)
 target_compile_options(mdf_compile_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
   $<$<BOOL:${MDF_WARNINGS_AS_ERRORS}>:-Werror>)
