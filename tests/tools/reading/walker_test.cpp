@@ -1,0 +1,287 @@
+#include "reading/walker.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "reading/input_file.h"
+#include "support/bytes.h"
+#include "tools/support/allocation_limit.h"
+#include "tools/support/mdf_bytes.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+using mdf_tools::Finding;
+using mdf_tools::InputFile;
+using mdf_tools::RawBlock;
+using mdf_tools::walkBlocks;
+
+namespace {
+
+/// The blocks that a walk finds, in the order it returns them, and what it reports.
+std::string walked(const std::string& bytes) {
+  const TempFile file(bytes);
+  InputFile input(file.path());
+  std::string findings;
+  const auto blocks = walkBlocks(input, [&](const Finding& finding) {
+    findings += std::to_string(finding.offset) + ": " + finding.sentence + "\n";
+  });
+  std::string text;
+  for (const RawBlock& block : blocks) {
+    text += block.name() + " " + std::to_string(block.offset) + " " + std::to_string(block.length) +
+            " " + std::to_string(block.link_count) + "\n";
+  }
+  return text + findings;
+}
+
+/// The same for a file whose header block links to offset 168, where these bytes begin.
+std::string walkedFrom168(const std::string& bytes) {
+  return walked(fileHead({168, 0, 0, 0, 0, 0}) + bytes);
+}
+
+TEST(Walker, HeaderBlockAlone) {
+  EXPECT_EQ(walked(fileHead({0, 0, 0, 0, 0, 0})), "##HD 64 104 6\n");
+}
+
+TEST(Walker, UnfinishedFileIsAFile) {
+  std::string bytes = fileHead({0, 0, 0, 0, 0, 0});
+  bytes.replace(0, 8, "UnFinMF ");
+  EXPECT_EQ(walked(bytes), "##HD 64 104 6\n");
+}
+
+TEST(Walker, EveryLinkOfEveryBlockIsFollowed) {
+  EXPECT_EQ(walked(fileHead({168, 208, 240, 264, 288, 312}) + unknownBlock({336, 360}) +
+                   unknownBlock({384}) + unknownBlock({}) + unknownBlock({}) + unknownBlock({}) +
+                   unknownBlock({}) + unknownBlock({}) + unknownBlock({}) + unknownBlock({})),
+            "##HD 64 104 6\n"
+            "##XX 168 40 2\n"
+            "##XX 208 32 1\n"
+            "##XX 240 24 0\n"
+            "##XX 264 24 0\n"
+            "##XX 288 24 0\n"
+            "##XX 312 24 0\n"
+            "##XX 336 24 0\n"
+            "##XX 360 24 0\n"
+            "##XX 384 24 0\n");
+}
+
+TEST(Walker, BlocksComeInFileOrderAndOnceEach) {
+  EXPECT_EQ(walked(fileHead({232, 168, 168, 200, 232, 0}) + unknownBlock({200}) +
+                   unknownBlock({168}) + unknownBlock({200})),
+            "##HD 64 104 6\n"
+            "##XX 168 32 1\n"
+            "##XX 200 32 1\n"
+            "##XX 232 32 1\n");
+}
+
+TEST(Walker, BlocksThatNothingLinksToAreNotFound) {
+  EXPECT_EQ(walkedFrom168(unknownBlock({}) + unknownBlock({168})),
+            "##HD 64 104 6\n"
+            "##XX 168 24 0\n");
+}
+
+TEST(Walker, LinksToItselfAndInCirclesEnd) {
+  EXPECT_EQ(
+      walked(fileHead({64, 168, 0, 0, 0, 0}) + unknownBlock({168, 208}) + unknownBlock({64, 168})),
+      "##HD 64 104 6\n"
+      "##XX 168 40 2\n"
+      "##XX 208 40 2\n");
+}
+
+TEST(Walker, BlockMayStandAtAnyByte) {
+  EXPECT_EQ(
+      walked(fileHead({171, 0, 0, 0, 0, 0}) + "abc" + unknownBlock({204}) + "d" + unknownBlock({})),
+      "##HD 64 104 6\n"
+      "##XX 171 32 1\n"
+      "##XX 204 24 0\n");
+}
+
+TEST(Walker, BlockInsideTheIdentificationIsABlock) {
+  std::string bytes = fileHead({32, 0, 0, 0, 0, 0});
+  bytes.replace(32, 24, Bytes().header("XX", 24, 0));
+  EXPECT_EQ(walked(bytes),
+            "##XX 32 24 0\n"
+            "##HD 64 104 6\n");
+}
+
+TEST(Walker, LinkOutsideTheFile) {
+  EXPECT_EQ(
+      walkedFrom168(unknownBlock({208, 207, INT64_MAX})),
+      "##HD 64 104 6\n"
+      "##XX 168 48 3\n"
+      "168: expected link 0 of ##XX to lead to the 24 bytes of a block header, found only 8 at 208 "
+      "(0xd0)\n"
+      "168: expected link 1 of ##XX to lead to the 24 bytes of a block header, found only 9 at 207 "
+      "(0xcf)\n"
+      "168: expected link 2 of ##XX to lead into the file of 216 bytes, found "
+      "9223372036854775807 (0x7fffffffffffffff)\n");
+}
+
+TEST(Walker, FirstByteBehindTheFileIsOutside) {
+  EXPECT_EQ(
+      walked(fileHead({0, 167, 168, 169, 0, 0})),
+      "##HD 64 104 6\n"
+      "64: expected link 1 of ##HD to lead to the 24 bytes of a block header, found only 1 at 167 "
+      "(0xa7)\n"
+      "64: expected link 2 of ##HD to lead into the file of 168 bytes, found 168 (0xa8)\n"
+      "64: expected link 3 of ##HD to lead into the file of 168 bytes, found 169 (0xa9)\n");
+}
+
+TEST(Walker, NegativeLink) {
+  EXPECT_EQ(walked(fileHead({-1, 0, 0, 0, 0, INT64_MIN})),
+            "##HD 64 104 6\n"
+            "64: expected link 0 of ##HD to lead into the file of 168 bytes, found -1\n"
+            "64: expected link 5 of ##HD to lead into the file of 168 bytes, found "
+            "-9223372036854775808\n");
+}
+
+TEST(Walker, LinkToSomethingElseThanABlock) {
+  EXPECT_EQ(walked(fileHead({0, 65, 8, 0, 8, 0})),
+            "##HD 64 104 6\n"
+            "64: expected link 1 of ##HD to lead to a block \"##\", found \"#HD\\x00\" at 65 "
+            "(0x41)\n"
+            "64: expected link 2 of ##HD to lead to a block \"##\", found \"4.10\" at 8 (0x8)\n"
+            "64: expected link 4 of ##HD to lead to a block \"##\", found \"4.10\" at 8 (0x8)\n");
+}
+
+TEST(Walker, BadLinksHideNoGoodOnes) {
+  EXPECT_EQ(walkedFrom168(unknownBlock({-1, 1000, 8, 224}) + unknownBlock({})),
+            "##HD 64 104 6\n"
+            "##XX 168 56 4\n"
+            "##XX 224 24 0\n"
+            "168: expected link 0 of ##XX to lead into the file of 248 bytes, found -1\n"
+            "168: expected link 1 of ##XX to lead into the file of 248 bytes, found 1000 (0x3e8)\n"
+            "168: expected link 2 of ##XX to lead to a block \"##\", found \"4.10\" at 8 (0x8)\n");
+}
+
+TEST(Walker, FileTooShortForTheIdentification) {
+  EXPECT_EQ(walked(""), "0: expected 64 bytes of identification, found 0 up to the file's end\n");
+  EXPECT_EQ(walked(fileHead({}).substr(0, 63)),
+            "0: expected 64 bytes of identification, found 63 up to the file's end\n");
+}
+
+TEST(Walker, FileTooShortForTheHeaderBlock) {
+  const std::string bytes = fileHead({0, 0, 0, 0, 0, 0});
+  EXPECT_EQ(walked(bytes.substr(0, 64)),
+            "64: expected the header block's 24 bytes of common header, found 0 up to the file's "
+            "end\n");
+  EXPECT_EQ(walked(bytes.substr(0, 87)),
+            "64: expected the header block's 24 bytes of common header, found 23 up to the file's "
+            "end\n");
+  EXPECT_EQ(walked(bytes.substr(0, 88)),
+            "##HD 64 104 6\n"
+            "64: expected the 104 bytes of ##HD, found 24 up to the file's end\n");
+  EXPECT_EQ(walked(bytes.substr(0, 167)),
+            "##HD 64 104 6\n"
+            "64: expected the 104 bytes of ##HD, found 103 up to the file's end\n");
+}
+
+TEST(Walker, NoMeasurementFile) {
+  EXPECT_EQ(walked(std::string(64, '\n') + "PNG." + std::string(100, 'x')),
+            "0: expected the file identifier \"MDF     \" or \"UnFinMF \", found "
+            "\"\\x0a\\x0a\\x0a\\x0a\\x0a\\x0a\\x0a\\x0a\"\n"
+            "64: expected the header block \"##HD\", found \"PNG.\"\n");
+}
+
+TEST(Walker, DamagedIdentificationHidesNoBlocks) {
+  std::string bytes = fileHead({168, 0, 0, 0, 0, 0}) + unknownBlock({});
+  bytes[0] = 'm';
+  EXPECT_EQ(walked(bytes),
+            "##HD 64 104 6\n"
+            "##XX 168 24 0\n"
+            "0: expected the file identifier \"MDF     \" or \"UnFinMF \", found \"mDF     \"\n");
+}
+
+TEST(Walker, OtherBlockInTheHeaderBlocksPlace) {
+  std::string bytes = fileHead({168, 0, 0, 0, 0, 0}) + unknownBlock({});
+  bytes.replace(66, 2, "DG");
+  EXPECT_EQ(walked(bytes),
+            "##DG 64 104 6\n"
+            "##XX 168 24 0\n"
+            "64: expected the header block \"##HD\", found \"##DG\"\n");
+}
+
+TEST(Walker, LengthTooSmallForHeaderAndLinks) {
+  EXPECT_EQ(walkedFrom168(Bytes().header("XX", 39, 2).links({208, 232}).str() + unknownBlock({}) +
+                          unknownBlock({})),
+            "##HD 64 104 6\n"
+            "##XX 168 39 2\n"
+            "##XX 208 24 0\n"
+            "168: expected the length of ##XX to hold its header and 2 links, found 39\n");
+  EXPECT_EQ(walkedFrom168(Bytes().header("XX", 0, 0)),
+            "##HD 64 104 6\n"
+            "##XX 168 0 0\n"
+            "168: expected the length of ##XX to hold its header and 0 links, found 0\n");
+}
+
+TEST(Walker, BlockRunsPastTheEndOfTheFile) {
+  EXPECT_EQ(walkedFrom168(Bytes().header("XX", 58, 4).links({64, -1, 64})),
+            "##HD 64 104 6\n"
+            "##XX 168 58 4\n"
+            "168: expected the 58 bytes of ##XX, found 48 up to the file's end\n"
+            "168: expected link 1 of ##XX to lead into the file of 216 bytes, found -1\n");
+}
+
+TEST(Walker, BothLengthAndLinkCountLie) {
+  EXPECT_EQ(walkedFrom168(Bytes().header("XX", std::uint64_t{1} << 63U, UINT64_MAX).i64(64)),
+            "##HD 64 104 6\n"
+            "##XX 168 9223372036854775808 18446744073709551615\n"
+            "168: expected the length of ##XX to hold its header and 18446744073709551615 links, "
+            "found 9223372036854775808\n"
+            "168: expected the 9223372036854775808 bytes of ##XX, found 32 up to the file's end\n");
+}
+
+TEST(Walker, LinkOfAHeaderListThatCountsNoneIsFollowed) {
+  EXPECT_EQ(walkedFrom168(Bytes().header("HL", 40, 0).i64(208).u64(0).str() + unknownBlock({})),
+            "##HD 64 104 6\n"
+            "##HL 168 40 0\n"
+            "##XX 208 24 0\n");
+}
+
+TEST(Walker, LinksOfAChannelHierarchyThatCountsElementsAreFollowed) {
+  EXPECT_EQ(
+      walkedFrom168(Bytes().header("CH", 88, 5).links({0, 0, 0, 0, 64, 168, 256}).u64(1).str() +
+                    unknownBlock({})),
+      "##HD 64 104 6\n"
+      "##CH 168 88 5\n"
+      "##XX 256 24 0\n");
+}
+
+constexpr std::size_t million = 1000000;
+
+/// A chain of so many blocks of 32 bytes each, from offset 168 to the file's end.
+std::string chain(std::size_t count) {
+  std::string bytes = fileHead({168, 0, 0, 0, 0, 0});
+  for (std::size_t i = 1; i <= count; ++i) {
+    bytes += unknownBlock({i == count ? 0 : static_cast<std::int64_t>(168 + 32 * i)});
+  }
+  return bytes;
+}
+
+TEST(Walker, ChainOfAMillionBlocksNeedsMemoryForTheBlocksAlone) {
+  const TempFile file(chain(million));
+  InputFile input(file.path());
+  const AllocationLimit limit(150 * million);
+  const auto blocks = walkBlocks(input, [](const Finding& finding) { FAIL() << finding.sentence; });
+  ASSERT_EQ(blocks.size(), million + 1);
+  for (std::size_t i = 1; i <= million; ++i) {
+    ASSERT_EQ(blocks[i].offset, 168 + 32 * (i - 1));
+  }
+}
+
+TEST(Walker, MillionLinksNeedNoMemory) {
+  Bytes bytes;
+  bytes.header("XX", 24 + 8 * million, million);
+  for (std::int64_t i = 0; i < std::int64_t{million}; i += 4) {
+    bytes.links({64, 0, -1 - i, 1000000000 + i});
+  }
+  const TempFile file(fileHead({168, 0, 0, 0, 0, 0}) + bytes.str());
+  InputFile input(file.path());
+  std::size_t findings = 0;
+  const AllocationLimit limit(4096);
+  const auto blocks = walkBlocks(input, [&](const Finding&) { ++findings; });
+  EXPECT_EQ(blocks.size(), 2U);
+  EXPECT_EQ(findings, million / 2);
+}
+
+}  // namespace

@@ -1,0 +1,80 @@
+#include "block_dump.h"
+
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "block_types.h"
+#include "input_file.h"
+#include "mdf_v4_10.h"
+#include "walker.h"
+
+namespace mdf_tools {
+
+namespace {
+
+void writeHeadline(InputFile& file, const RawBlock& block, std::ostream& os) {
+  os << decimalAndHex(block.offset) << ' ' << block.name() << " length " << block.length
+     << " links " << block.link_count;
+  const char* separator = ": ";
+  forEachLink(file, block, [&](std::uint64_t, std::int64_t link) {
+    os << separator << link;
+    separator = " ";
+  });
+  os << '\n';
+}
+
+/// Whether the file holds all the bytes that the type's class reads. This is what keeps a length
+/// that lies from costing memory.
+bool bytesAreThere(const InputFile& file, const RawBlock& block, const BlockType& type) {
+  if (type.fixed_size == BlockType::by_length) {
+    return block.length >= RawBlock::header_size && isWhole(file, block);
+  }
+  return type.fixed_size <= file.sizeFrom(block.offset);
+}
+
+void writeDump(InputFile& file, const RawBlock& block, const BlockType& type, std::ostream& os,
+               const FindingSink& report) {
+  const bool dumped =
+      bytesAreThere(file, block, type) && type.dump(file.streamAt(block.offset), os);
+  // The walk has reported what is wrong with length and links in themselves.
+  const bool reported = !block.holdsItsLinks() || !isWhole(file, block);
+  if (!reported && (!dumped || block.length < type.fixed_size)) {
+    report({block.offset, "expected length and link count to fit " + block.name() +
+                              ", found length " + std::to_string(block.length) + " and " +
+                              std::to_string(block.link_count) + " links"});
+  }
+}
+
+void reportTooLarge(const RawBlock& block, const FindingSink& report) {
+  report({block.offset, "expected memory for the " + std::to_string(block.length) + " bytes of " +
+                            block.name() + ", found too little"});
+}
+
+}  // namespace
+
+void dumpIdentification(InputFile& file, std::ostream& os) {
+  if (file.size() < header_block_offset) {
+    return;
+  }
+  os << decimalAndHex(0) << " identification length " << header_block_offset << '\n';
+  dumpFromStream<mdf_v4_10::IDBLOCK>(file.streamAt(0), os);
+}
+
+void dumpBlock(InputFile& file, const RawBlock& block, std::ostream& os,
+               const FindingSink& report) {
+  writeHeadline(file, block, os);
+  const BlockType* type = findBlockType(block.letters());
+  if (type == nullptr) {
+    return;
+  }
+  try {
+    writeDump(file, block, *type, os, report);
+  } catch (const std::bad_alloc&) {
+    reportTooLarge(block, report);
+  } catch (const std::length_error&) {
+    reportTooLarge(block, report);
+  }
+}
+
+}  // namespace mdf_tools

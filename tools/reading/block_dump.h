@@ -1,0 +1,26 @@
+#ifndef MDF_TOOLS_READING_BLOCK_DUMP_H_
+#define MDF_TOOLS_READING_BLOCK_DUMP_H_
+
+#include <ostream>
+
+#include "finding.h"
+#include "raw_block.h"
+
+namespace mdf_tools {
+
+class InputFile;
+
+/// Writes a line with offset and length of the identification, and the library's dump of it. A file
+/// that is too short for it gives nothing.
+void dumpIdentification(InputFile& file, std::ostream& os);
+
+/// Writes a line with a block's offset, identifier, length, link count and links as they are
+/// stored, then the library's dump of the block, if the library knows its type and the file holds
+/// all that its class reads. A header that does not fit its type is reported.
+///
+/// The stream should be a fresh one for each block: the dump of data leaves it in hexadecimal mode.
+void dumpBlock(InputFile& file, const RawBlock& block, std::ostream& os, const FindingSink& report);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_READING_BLOCK_DUMP_H_

@@ -1,0 +1,27 @@
+#include "finding.h"
+
+#include <sstream>
+
+namespace mdf_tools {
+
+std::string decimalAndHex(std::uint64_t number) {
+  std::ostringstream text;
+  text << number << " (0x" << std::hex << number << ')';
+  return text.str();
+}
+
+std::string printable(std::string_view bytes) {
+  static const char digits[] = "0123456789abcdef";
+  std::string text;
+  for (const char character : bytes) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (byte >= 0x20 && byte < 0x7F) {
+      text += character;
+    } else {
+      text += {'\\', 'x', digits[byte >> 4U], digits[byte & 0xFU]};
+    }
+  }
+  return text;
+}
+
+}  // namespace mdf_tools

@@ -1,0 +1,50 @@
+#ifndef MDF_TOOLS_READING_INPUT_FILE_H_
+#define MDF_TOOLS_READING_INPUT_FILE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <istream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace mdf_tools {
+
+/// A file that cannot be opened or read at all; what() is one sentence that names it.
+class UnreadableFile : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The bytes of a file, at any offset. A regular file is read where it lies, however large;
+/// standard input and pipes, which know no offsets, are read into memory first.
+class InputFile {
+ public:
+  /// @param path the file's name; "-" is standard input.
+  /// @throws UnreadableFile
+  explicit InputFile(const std::string& path);
+
+  /// What messages call the file.
+  const std::string& name() const { return name_; }
+
+  std::uint64_t size() const { return size_; }
+
+  /// Bytes from an offset to the file's end; 0 at and behind the end.
+  std::uint64_t sizeFrom(std::uint64_t offset) const { return offset < size_ ? size_ - offset : 0; }
+
+  /// Reads up to `count` bytes and returns how many there were.
+  std::size_t readAt(std::uint64_t offset, char* bytes, std::size_t count);
+
+  /// A good stream that stands at an offset, for the constructors of the library's blocks. It
+  /// serves until the next call of streamAt() or readAt().
+  std::istream& streamAt(std::uint64_t offset);
+
+ private:
+  std::string name_;
+  std::unique_ptr<std::istream> stream_;
+  std::uint64_t size_;
+};
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_READING_INPUT_FILE_H_

@@ -1,0 +1,62 @@
+#include "output_buffer.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstddef>
+
+namespace mdf_tools {
+
+void OutputBuffer::flush() {
+  if (error_ == 0 && std::fflush(file_) != 0) {
+    error_ = errno;
+  }
+}
+
+std::streamsize OutputBuffer::xsputn(const char* bytes, std::streamsize count) {
+  const auto size = static_cast<std::size_t>(count);
+  const bool written =
+      bytes_ == Bytes::for_a_terminal ? writeShown(bytes, size) : write(bytes, size);
+  return written ? count : 0;
+}
+
+OutputBuffer::int_type OutputBuffer::overflow(int_type character) {
+  if (traits_type::eq_int_type(character, traits_type::eof())) {
+    return traits_type::not_eof(character);
+  }
+  const char byte = traits_type::to_char_type(character);
+  return xsputn(&byte, 1) == 1 ? character : traits_type::eof();
+}
+
+bool OutputBuffer::write(const char* bytes, std::size_t count) {
+  if (error_ == 0 && std::fwrite(bytes, 1, count, file_) != count) {
+    error_ = errno;
+  }
+  return error_ == 0;
+}
+
+bool OutputBuffer::writeShown(const char* bytes, std::size_t count) {
+  std::array<char, 1024> piece;
+  while (count != 0) {
+    const std::size_t size = std::min(count, piece.size());
+    std::transform(bytes, bytes + size, piece.begin(), [this](char each) { return shown(each); });
+    if (!write(piece.data(), size)) {
+      return false;
+    }
+    bytes += size;
+    count -= size;
+  }
+  return true;
+}
+
+char OutputBuffer::shown(char character) {
+  const auto byte = static_cast<unsigned char>(character);
+  const bool control = (byte < 0x20 && character != '\n' && character != '\t') || byte == 0x7F;
+  // The control characters 0x80 to 0x9f in UTF-8. A byte in that range alone is not: it may be any
+  // other character's second byte.
+  const bool second_control = previous_ == 0xC2 && byte >= 0x80 && byte < 0xA0;
+  previous_ = byte;
+  return control || second_control ? '.' : character;
+}
+
+}  // namespace mdf_tools

@@ -1,0 +1,44 @@
+#ifndef MDF_TOOLS_READING_OUTPUT_BUFFER_H_
+#define MDF_TOOLS_READING_OUTPUT_BUFFER_H_
+
+#include <cstdio>
+#include <streambuf>
+
+namespace mdf_tools {
+
+/// Where dumps go: an open C file, its buffer left to the C library, so that the flush at the end
+/// of each line of a dump costs nothing and large data passes without a copy.
+///
+/// For a terminal, control characters other than line feed and tab are shown as '.', lest the bytes
+/// of a file give it commands.
+class OutputBuffer : public std::streambuf {
+ public:
+  enum class Bytes { as_they_are, for_a_terminal };
+
+  OutputBuffer(std::FILE* file, Bytes bytes) : file_(file), bytes_(bytes) {}
+
+  /// Hands everything to the file.
+  void flush();
+
+  /// The error number of the first write that failed; 0 as long as none has.
+  int error() const { return error_; }
+
+ protected:
+  std::streamsize xsputn(const char* bytes, std::streamsize count) override;
+  int_type overflow(int_type character) override;
+  int sync() override { return error_ == 0 ? 0 : -1; }
+
+ private:
+  bool write(const char* bytes, std::size_t count);
+  bool writeShown(const char* bytes, std::size_t count);
+  char shown(char character);
+
+  std::FILE* file_;
+  Bytes bytes_;
+  int error_ = 0;
+  unsigned char previous_ = 0;
+};
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_READING_OUTPUT_BUFFER_H_

@@ -1,0 +1,139 @@
+#include "walker.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+#include "input_file.h"
+
+namespace mdf_tools {
+
+namespace {
+
+std::string quoted(std::string_view bytes) { return '"' + printable(bytes) + '"'; }
+
+std::string upToTheEnd(std::uint64_t bytes) {
+  return "found " + std::to_string(bytes) + " up to the file's end";
+}
+
+class Walker {
+ public:
+  Walker(InputFile& file, const FindingSink& report) : file_(file), report_(report) {}
+
+  std::vector<RawBlock> walk() {
+    if (hasIdentification() && hasHeaderBlock()) {
+      // The list grows while it is gone through.
+      for (std::size_t i = 0; i < blocks_.size(); ++i) {
+        const RawBlock block = blocks_[i];
+        checkLength(block);
+        forEachLink(file_, block,
+                    [&](std::uint64_t index, std::int64_t link) { follow(block, index, link); });
+      }
+    }
+    std::sort(blocks_.begin(), blocks_.end(),
+              [](const RawBlock& a, const RawBlock& b) { return a.offset < b.offset; });
+    return std::move(blocks_);
+  }
+
+ private:
+  bool hasIdentification();
+  bool hasHeaderBlock();
+  void checkLength(const RawBlock& block);
+  void follow(const RawBlock& from, std::uint64_t index, std::int64_t link);
+  void reportLink(const RawBlock& from, std::uint64_t index, const std::string& expected_found);
+
+  void add(const RawBlock& block) {
+    seen_.insert(block.offset);
+    blocks_.push_back(block);
+  }
+
+  InputFile& file_;
+  const FindingSink& report_;
+  std::vector<RawBlock> blocks_;
+  std::unordered_set<std::uint64_t> seen_;
+};
+
+/// A file without the right words may still have blocks; one that ends here has none.
+bool Walker::hasIdentification() {
+  if (file_.size() < header_block_offset) {
+    report_({0, "expected 64 bytes of identification, " + upToTheEnd(file_.size())});
+    return false;
+  }
+  std::array<char, 8> words;
+  const std::size_t count = file_.readAt(0, words.data(), words.size());
+  const std::string_view found(words.data(), count);
+  if (found != "MDF     " && found != "UnFinMF ") {
+    report_(
+        {0, "expected the file identifier \"MDF     \" or \"UnFinMF \", found " + quoted(found)});
+  }
+  return true;
+}
+
+bool Walker::hasHeaderBlock() {
+  const auto root = readRawBlock(file_, header_block_offset);
+  if (!root) {
+    report_({header_block_offset, "expected the header block's 24 bytes of common header, " +
+                                      upToTheEnd(file_.sizeFrom(header_block_offset))});
+    return false;
+  }
+  if (root->name() != "##HD") {
+    report_(
+        {header_block_offset, "expected the header block \"##HD\", found \"" + root->name() + '"'});
+  }
+  if (root->hasId()) {
+    add(*root);
+  }
+  return root->hasId();
+}
+
+void Walker::checkLength(const RawBlock& block) {
+  if (!block.holdsItsLinks()) {
+    report_({block.offset, "expected the length of " + block.name() + " to hold its header and " +
+                               std::to_string(block.linkCount()) + " links, found " +
+                               std::to_string(block.length)});
+  }
+  if (!isWhole(file_, block)) {
+    report_({block.offset, "expected the " + std::to_string(block.length) + " bytes of " +
+                               block.name() + ", " + upToTheEnd(file_.sizeFrom(block.offset))});
+  }
+}
+
+void Walker::follow(const RawBlock& from, std::uint64_t index, std::int64_t link) {
+  const auto target = static_cast<std::uint64_t>(link);
+  if (link == 0 || seen_.count(target) != 0) {
+    return;
+  }
+  if (link < 0 || target >= file_.size()) {
+    reportLink(from, index,
+               "into the file of " + std::to_string(file_.size()) + " bytes, found " +
+                   (link < 0 ? std::to_string(link) : decimalAndHex(target)));
+    return;
+  }
+  const auto block = readRawBlock(file_, target);
+  if (!block) {
+    reportLink(from, index,
+               "to the 24 bytes of a block header, found only " +
+                   std::to_string(file_.sizeFrom(target)) + " at " + decimalAndHex(target));
+  } else if (!block->hasId()) {
+    reportLink(from, index,
+               "to a block \"##\", found \"" + block->name() + "\" at " + decimalAndHex(target));
+  } else {
+    add(*block);
+  }
+}
+
+void Walker::reportLink(const RawBlock& from, std::uint64_t index,
+                        const std::string& expected_found) {
+  report_({from.offset, "expected link " + std::to_string(index) + " of " + from.name() +
+                            " to lead " + expected_found});
+}
+
+}  // namespace
+
+std::vector<RawBlock> walkBlocks(InputFile& file, const FindingSink& report) {
+  return Walker(file, report).walk();
+}
+
+}  // namespace mdf_tools

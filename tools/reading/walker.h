@@ -1,0 +1,26 @@
+#ifndef MDF_TOOLS_READING_WALKER_H_
+#define MDF_TOOLS_READING_WALKER_H_
+
+#include <cstdint>
+#include <vector>
+
+#include "finding.h"
+#include "raw_block.h"
+
+namespace mdf_tools {
+
+class InputFile;
+
+/// Where every file has its header block, right behind the identification.
+inline constexpr std::uint64_t header_block_offset = 64;
+
+/// Finds every block that can be reached from the header block through any link of any block, each
+/// once, and returns them in file order. What is wrong with the file is reported on the way; what
+/// is readable all the same is among the blocks.
+///
+/// It needs memory for the blocks alone, however many links and findings there are.
+std::vector<RawBlock> walkBlocks(InputFile& file, const FindingSink& report);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_READING_WALKER_H_
