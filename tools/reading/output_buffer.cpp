@@ -29,7 +29,8 @@ OutputBuffer::int_type OutputBuffer::overflow(int_type character) {
 }
 
 bool OutputBuffer::write(const char* bytes, std::size_t count) {
-  if (error_ == 0 && std::fwrite(bytes, 1, count, file_) != count) {
+  // The bytes of an empty list may have no address, which the C library must not be given.
+  if (count != 0 && error_ == 0 && std::fwrite(bytes, 1, count, file_) != count) {
     error_ = errno;
   }
   return error_ == 0;

@@ -1,0 +1,179 @@
+#include "reading/block_dump.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+#include "reading/input_file.h"
+#include "support/bytes.h"
+#include "tools/support/allocation_limit.h"
+#include "tools/support/dumped.h"
+#include "tools/support/mdf_bytes.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+using mdf_tools::dumpBlock;
+using mdf_tools::dumpIdentification;
+using mdf_tools::Finding;
+using mdf_tools::InputFile;
+using mdf_tools::RawBlock;
+
+namespace {
+
+/// What is printed of the block at an offset, and what is reported of it.
+Dumped blockDump(InputFile& file, std::uint64_t offset) {
+  std::ostringstream os;
+  Dumped dump;
+  dumpBlock(file, *mdf_tools::readRawBlock(file, offset), os, [&](const Finding& finding) {
+    dump.findings += std::to_string(finding.offset) + ": " + finding.sentence + "\n";
+  });
+  dump.output = os.str();
+  return dump;
+}
+
+Dumped blockDump(const std::string& bytes, std::uint64_t offset = 0) {
+  const TempFile file(bytes);
+  InputFile input(file.path());
+  return blockDump(input, offset);
+}
+
+TEST(BlockDump, UnknownTypeIsALine) {
+  const Dumped dump =
+      blockDump(Bytes().text("abc").header("\x1b!", 51, 3).links({7, 0, -1}).zeros(3), 3);
+  EXPECT_EQ(dump.output, "3 (0x3) ##\\x1b! length 51 links 3: 7 0 -1\n");
+  EXPECT_EQ(dump.findings, "");
+}
+
+TEST(BlockDump, LineShowsTheCountAsStoredAndTheLinksThatStandThere) {
+  EXPECT_EQ(blockDump(Bytes().header("HL", 40, 0).i64(4096).zeros(8)).output,
+            "0 (0x0) ##HL length 40 links 0: 4096\n");
+  EXPECT_EQ(blockDump(Bytes().header("CH", 88, 5).links({1, 2, 3, 4, 5, 6, 7}).zeros(8)).output,
+            "0 (0x0) ##CH length 88 links 5: 1 2 3 4 5 6 7\n");
+  EXPECT_EQ(blockDump(Bytes().header("XX", UINT64_MAX, UINT64_MAX).links({1, 2}).u32(3)).output,
+            "0 (0x0) ##XX length 18446744073709551615 links 18446744073709551615: 1 2\n");
+}
+
+const std::string group_fields =
+    "[DEBUG] ==================== DGBLOCK ===================\n"
+    "block size = 64\n"
+    "next data group block = 0\n"
+    "first channel group block = 0\n"
+    "data block = 0\n"
+    "comment block = 0\n"
+    "record ID size = 8\n"
+    "[DEBUG] ==================== End of DGBLOCK ===================\n";
+
+TEST(BlockDump, LineShowsTheLinksThatTheFieldsDoNot) {
+  const Dumped dump = blockDump(Bytes().header("DG", 64, 4).links({64, 65, 66, 67}).u8(8).zeros(7));
+  EXPECT_EQ(dump.output, "0 (0x0) ##DG length 64 links 4: 64 65 66 67\n" + group_fields);
+  EXPECT_EQ(dump.findings, "");
+}
+
+TEST(BlockDump, FixedSizeBlockMayBeLonger) {
+  const Dumped dump = blockDump(Bytes().header("DG", 72, 4).zeros(32).u8(8).zeros(15));
+  EXPECT_EQ(dump.output, "0 (0x0) ##DG length 72 links 4: 0 0 0 0\n" + group_fields);
+  EXPECT_EQ(dump.findings, "");
+}
+
+TEST(BlockDump, FixedSizeBlockThatIsTooShortIsReportedAndShown) {
+  const Dumped dump = blockDump(Bytes().header("DG", 63, 4).zeros(32).u8(8).zeros(7));
+  EXPECT_EQ(dump.output, "0 (0x0) ##DG length 63 links 4: 0 0 0 0\n" + group_fields);
+  EXPECT_EQ(dump.findings,
+            "0: expected length and link count to fit ##DG, found length 63 and 4 links\n");
+}
+
+TEST(BlockDump, FixedSizeBlockWhoseBytesAreNotThereIsReported) {
+  const Dumped dump = blockDump(Bytes().header("DG", 63, 4).zeros(32).u8(8).zeros(6));
+  EXPECT_EQ(dump.output, "0 (0x0) ##DG length 63 links 4: 0 0 0 0\n");
+  EXPECT_EQ(dump.findings,
+            "0: expected length and link count to fit ##DG, found length 63 and 4 links\n");
+}
+
+TEST(BlockDump, LinksThatLeaveNoRoomForTheFieldsAreReported) {
+  const Dumped group = blockDump(Bytes().header("DG", 64, 5).zeros(40));
+  EXPECT_EQ(group.output, "0 (0x0) ##DG length 64 links 5: 0 0 0 0 0\n");
+  EXPECT_EQ(group.findings,
+            "0: expected length and link count to fit ##DG, found length 64 and 5 links\n");
+  const Dumped channel = blockDump(Bytes().header("CN", 159, 8).zeros(136));
+  EXPECT_EQ(channel.output, "0 (0x0) ##CN length 159 links 8: 0 0 0 0 0 0 0 0\n");
+  EXPECT_EQ(channel.findings,
+            "0: expected length and link count to fit ##CN, found length 159 and 8 links\n");
+}
+
+TEST(BlockDump, WhatTheWalkReportsIsNotReportedAgain) {
+  EXPECT_EQ(blockDump(Bytes().header("DG", 55, 4).zeros(40)).findings, "");
+  EXPECT_EQ(blockDump(Bytes().header("DG", 65, 4).zeros(40)).findings, "");
+  EXPECT_EQ(blockDump(Bytes().header("DT", 23, 0)).findings, "");
+  EXPECT_EQ(blockDump(Bytes().header("DT", 25, 0)).findings, "");
+}
+
+TEST(BlockDump, BlockBeyondMemoryIsReported) {
+  for (const std::string letters : {"DT", "RD", "SD", "TX", "MD"}) {
+    SCOPED_TRACE(letters);
+    const TempFile file(Bytes().header(letters, 100024, 0).zeros(100000));
+    InputFile input(file.path());
+    const AllocationLimit limit(50000);
+    const Dumped dump = blockDump(input, 0);
+    EXPECT_EQ(dump.output, "0 (0x0) ##" + letters + " length 100024 links 0\n");
+    EXPECT_EQ(dump.findings,
+              "0: expected memory for the 100024 bytes of ##" + letters + ", found too little\n");
+  }
+}
+
+TEST(BlockDump, DataNeedsMemoryOnceOnly) {
+  const TempFile file(fileHead({168, 0, 0, 0, 0, 0}) +
+                      Bytes().header("DT", 1000024, 0).zeros(1000000).str());
+  const Dumped dump = dumpedFile(file.path(), 1010000);
+  EXPECT_EQ(dump.findings, "");
+  EXPECT_NE(dump.output.find("data size = 1000000\n"), std::string::npos);
+}
+
+TEST(BlockDump, LengthBeyondFourGibibytesIsTakenAsTheClassTakesIt) {
+  constexpr std::uint64_t wrap = std::uint64_t{1} << 32U;
+  TempFile file(Bytes().header("TX", wrap + 28, 0).text("ab").zeros(6).header("CN", wrap + 24, 8));
+  file.writeAt(wrap + 100, "end");
+  InputFile input(file.path());
+  const Dumped text = blockDump(input, 0);
+  EXPECT_EQ(text.output,
+            "0 (0x0) ##TX length 4294967324 links 0\n"
+            "[DEBUG] ==================== TXBLOCK ===================\n"
+            "block size = 28\n"
+            "text data = \n" +
+                std::string(3, '\0') +
+                "\n"
+                "[DEBUG] ==================== End of TXBLOCK ===================\n");
+  EXPECT_EQ(text.findings, "");
+  const Dumped channel = blockDump(input, 32);
+  EXPECT_EQ(channel.output, "32 (0x20) ##CN length 4294967320 links 8: 0 0 0 0 0 0 0 0\n");
+  EXPECT_EQ(
+      channel.findings,
+      "32: expected length and link count to fit ##CN, found length 4294967320 and 8 links\n");
+}
+
+TEST(BlockDump, Identification) {
+  const TempFile file(fileHead({}).substr(0, 64));
+  InputFile input(file.path());
+  std::ostringstream os;
+  dumpIdentification(input, os);
+  EXPECT_EQ(os.str(),
+            "0 (0x0) identification length 64\n"
+            "[DEBUG] ==================== IDBLOCK ===================\n"
+            "file identifier = MDF     \n"
+            "format identifier = 4.10    \n"
+            "programm identfier = testprog\n"
+            "version number = 410\n"
+            "[DEBUG] ==================== End of IDBLOCK ===================\n");
+}
+
+TEST(BlockDump, IdentificationThatIsCutOffIsNotShown) {
+  for (std::size_t size = 0; size < 64; ++size) {
+    const TempFile file(fileHead({}).substr(0, size));
+    InputFile input(file.path());
+    std::ostringstream os;
+    dumpIdentification(input, os);
+    EXPECT_EQ(os.str(), "") << size;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,121 @@
+#include "reading/file_dump.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <memory>
+#include <regex>
+#include <string>
+
+#include "reading/input_file.h"
+#include "reading/output_buffer.h"
+#include "support/bytes.h"
+#include "tools/support/dumped.h"
+#include "tools/support/healthy_file.h"
+#include "tools/support/mdf_bytes.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+using mdf_tools::Finding;
+using mdf_tools::InputFile;
+using mdf_tools::OutputBuffer;
+
+namespace {
+
+TEST(FileDump, HealthyFile) {
+  const Dumped dump = dumped(healthyFile());
+  EXPECT_EQ(dump.output, healthyDump());
+  EXPECT_EQ(dump.findings, "");
+}
+
+/// The part of the healthy file's dump that belongs to the block at an offset.
+std::string partOf(const std::string& offset, const std::string& next_offset) {
+  const std::string dump = healthyDump();
+  const std::size_t begin = dump.find(offset + " (0x");
+  return dump.substr(begin, dump.find("\n" + next_offset + " (0x") + 1 - begin);
+}
+
+TEST(FileDump, FileCutAnywhereShowsWhatIsWhole) {
+  const std::string identification = partOf("0", "64");
+  const std::string header_block = partOf("64", "168");
+  const std::string file_history = partOf("168", "224");
+  const std::string comment = partOf("224", "264");
+  const std::string unknown = partOf("264", "312");
+  const std::string groups = partOf("312", "480");
+  const std::string channel = partOf("480", "640");
+  const std::string bytes = healthyFile();
+  for (std::size_t size = 0; size < bytes.size(); ++size) {
+    SCOPED_TRACE(size);
+    const Dumped dump = dumped(bytes.substr(0, size));
+    const auto shows = [&](const std::string& part) {
+      return dump.output.find(part) != std::string::npos;
+    };
+    EXPECT_NE(dump.findings, "");
+    EXPECT_EQ(shows(identification), size >= 64);
+    EXPECT_EQ(shows(header_block), size >= 168);
+    EXPECT_EQ(shows(file_history), size >= 224);
+    EXPECT_EQ(shows(comment), size >= 264);
+    EXPECT_EQ(shows(unknown), size >= 520);  // the channel's link to it is there
+    EXPECT_EQ(shows(groups), size >= 480);
+    EXPECT_EQ(shows(channel), size >= 640);
+  }
+}
+
+TEST(FileDump, AnyByteMayBeWrong) {
+  const std::string bytes = healthyFile();
+  const std::regex findings("([0-9]+: expected [^\n]+, found [^\n]+\n)*");
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    for (const int wrong : {0x00, 0xFF, bytes[i] ^ 0x01, bytes[i] ^ 0x80}) {
+      SCOPED_TRACE(std::to_string(i) + " is " + std::to_string(wrong));
+      std::string damaged = bytes;
+      damaged[i] = static_cast<char>(wrong);
+      const Dumped dump = dumped(damaged);
+      EXPECT_EQ(dump.output.rfind("0 (0x0) identification length 64\n", 0), 0U);
+      const bool is_block = damaged.compare(64, 2, "##") == 0;
+      EXPECT_EQ(dump.output.find("\n64 (0x40) ##") != std::string::npos, is_block);
+      EXPECT_EQ(dump.output.back(), '\n');
+      EXPECT_TRUE(std::regex_match(dump.findings, findings)) << dump.findings;
+    }
+  }
+}
+
+TEST(FileDump, NumbersAfterDataAreDecimal) {
+  const Dumped dump =
+      dumped(fileHead({168, 196, 0, 0, 0, 0}) +
+             Bytes().header("DT", 28, 0).text("abcd").header("DT", 26, 0).text("ef").str());
+  EXPECT_EQ(dump.output.substr(dump.output.find("168 (0xa8)")),
+            "168 (0xa8) ##DT length 28 links 0\n"
+            "[DEBUG] ==================== DTBLOCK ===================\n"
+            "block size = 28\n"
+            "data size = 4\n"
+            "data hex dump: abcd[DEBUG] ==================== End of DTBLOCK ===================\n"
+            "196 (0xc4) ##DT length 26 links 0\n"
+            "[DEBUG] ==================== DTBLOCK ===================\n"
+            "block size = 26\n"
+            "data size = 2\n"
+            "data hex dump: ef[DEBUG] ==================== End of DTBLOCK ===================\n");
+}
+
+TEST(FileDump, EndsWhenTheOutputFails) {
+  // Many blocks fill the output's buffer; the one in the middle would give a finding if it were
+  // printed.
+  std::string bytes = fileHead({168, 0, 0, 0, 0, 0});
+  for (std::int64_t i = 1; i <= 1000; ++i) {
+    bytes += unknownBlock({168 + 32 * i});
+  }
+  bytes += Bytes().header("HD", 103, 6).zeros(80).str();
+  const TempFile file(bytes);
+  InputFile input(file.path());
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> full(std::fopen("/dev/full", "wb"),
+                                                             std::fclose);
+  OutputBuffer output(full.get(), OutputBuffer::Bytes::as_they_are);
+  int findings = 0;
+  mdf_tools::dumpFile(input, output, [&](const Finding&) { ++findings; });
+  EXPECT_EQ(output.error(), ENOSPC);
+  EXPECT_EQ(findings, 0);
+  EXPECT_EQ(dumped(bytes).findings,
+            "32168: expected length and link count to fit ##HD, found length 103 and 6 links\n");
+}
+
+}  // namespace

@@ -1,0 +1,166 @@
+// What becomes of a block of each type when its header lies: the right findings, the dump wherever
+// the bytes for it are there, and no memory for what is not.
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "support/bytes.h"
+#include "tools/support/dumped.h"
+#include "tools/support/mdf_bytes.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+
+namespace {
+
+constexpr std::uint64_t kibi64 = 65536;
+constexpr std::uint64_t block_offset = 168;
+constexpr std::uint64_t bytes_behind = 24;
+
+struct Type {
+  std::string letters;
+  std::uint64_t length;
+  std::uint64_t links;
+  std::uint64_t fields;  ///< bytes that the library's class takes from behind the links
+  enum { unknown, fixed_size, links_and_fields, bytes_only } reading;
+};
+
+const std::vector<Type> types = {
+    {"HD", 104, 6, 32, Type::fixed_size},
+    {"FH", 56, 2, 16, Type::fixed_size},
+    {"DG", 64, 4, 8, Type::fixed_size},
+    {"CG", 104, 6, 32, Type::fixed_size},
+    {"CN", 160, 8, 72, Type::links_and_fields},
+    {"TX", 40, 0, 0, Type::bytes_only},
+    {"MD", 40, 0, 0, Type::bytes_only},
+    {"DT", 40, 0, 0, Type::bytes_only},
+    {"RD", 40, 0, 0, Type::bytes_only},
+    {"SD", 40, 0, 0, Type::bytes_only},
+    {"XX", 48, 2, 0, Type::unknown},
+    {"HL", 40, 1, 0, Type::unknown},
+    {"CH", 64, 4, 0, Type::unknown},
+};
+
+std::vector<std::uint64_t> liesAbout(std::uint64_t truth) {
+  constexpr std::uint64_t one = 1;
+  return {0,
+          1,
+          23,
+          24,
+          25,
+          truth - 1,
+          truth,
+          truth + 1,
+          (one << 31U) - 1,
+          one << 31U,
+          (one << 32U) - 1,
+          (one << 32U) + 24,
+          (one << 63U) - 1,
+          one << 63U,
+          UINT64_MAX};
+}
+
+/// A file whose header block links to a block of the type with this header. Its links are nil, and
+/// so are the bytes behind it.
+Dumped dumpOf(const Type& type, std::uint64_t length, std::uint64_t link_count) {
+  const TempFile file(fileHead({0, block_offset, 0, 0, 0, 0}) +
+                      Bytes()
+                          .header(type.letters, length, link_count)
+                          .zeros(type.length - 24 + bytes_behind)
+                          .str());
+  return dumpedFile(file.path(), kibi64);
+}
+
+std::string sentence(const std::string& text) {
+  return std::to_string(block_offset) + ": expected " + text + "\n";
+}
+
+bool fitInto(std::uint64_t length, std::uint64_t links, std::uint64_t fields) {
+  return length >= 24 + fields && links <= (length - 24 - fields) / 8;
+}
+
+/// Whether the library's class reads the block, when its bytes are there.
+bool isReadable(const Type& type, std::uint64_t length, std::uint64_t links) {
+  switch (type.reading) {
+    case Type::fixed_size:
+      return fitInto(type.length, links, type.fields);
+    case Type::links_and_fields:
+      return fitInto(length, links, type.fields);
+    default:
+      return true;
+  }
+}
+
+std::string expectedFindings(const Type& type, std::uint64_t length, std::uint64_t links) {
+  const std::uint64_t there = type.length + bytes_behind;
+  std::string findings;
+  if (!fitInto(length, links, 0)) {
+    findings += sentence("the length of ##" + type.letters + " to hold its header and " +
+                         std::to_string(links) + " links, found " + std::to_string(length));
+  }
+  if (length > there) {
+    findings += sentence("the " + std::to_string(length) + " bytes of ##" + type.letters +
+                         ", found " + std::to_string(there) + " up to the file's end");
+  }
+  const bool is_too_short = type.reading == Type::fixed_size && length < type.length;
+  if (findings.empty() && (is_too_short || !isReadable(type, length, links))) {
+    findings += sentence("length and link count to fit ##" + type.letters + ", found length " +
+                         std::to_string(length) + " and " + std::to_string(links) + " links");
+  }
+  return findings;
+}
+
+bool isShown(const Type& type, std::uint64_t length, std::uint64_t links) {
+  const std::uint64_t there = type.length + bytes_behind;
+  return type.reading != Type::unknown && isReadable(type, length, links) &&
+         (type.reading == Type::fixed_size || (length >= 24 && length <= there));
+}
+
+void expectDump(const Type& type, std::uint64_t length, std::uint64_t stored_links,
+                std::uint64_t links) {
+  SCOPED_TRACE("##" + type.letters + " length " + std::to_string(length) + " links " +
+               std::to_string(stored_links));
+  const Dumped dump = dumpOf(type, length, stored_links);
+  EXPECT_EQ(dump.findings, expectedFindings(type, length, links));
+  const std::size_t line =
+      dump.output.find("168 (0xa8) ##" + type.letters + " length " + std::to_string(length) +
+                       " links " + std::to_string(stored_links));
+  ASSERT_NE(line, std::string::npos);
+  const std::string fields = dump.output.substr(dump.output.find('\n', line) + 1);
+  const std::string frame = "[DEBUG] ==================== ";
+  const std::string name = type.letters + "BLOCK ===================\n";
+  if (isShown(type, length, links)) {
+    EXPECT_EQ(fields.find(frame + name), 0U);
+    EXPECT_EQ(fields.rfind(frame + "End of " + name),
+              fields.size() - (frame + "End of " + name).size());
+  } else {
+    EXPECT_EQ(fields, "");
+  }
+}
+
+TEST(LyingHeaders, LengthOfEachType) {
+  for (const Type& type : types) {
+    for (const std::uint64_t length : liesAbout(type.length)) {
+      // A header list's length tells whether the link that it does not count is there.
+      const bool lost_link = type.letters == "HL" && length < 40;
+      expectDump(type, length, type.letters == "HL" ? 0 : type.links, lost_link ? 0 : type.links);
+    }
+  }
+}
+
+TEST(LyingHeaders, LinkCountOfEachType) {
+  for (const Type& type : types) {
+    for (const std::uint64_t links : liesAbout(type.links)) {
+      if (links == UINT64_MAX && type.links == 0) {
+        continue;  // comes twice
+      }
+      const bool uncounted_link = type.letters == "HL" && links == 0;
+      expectDump(type, type.length, links, uncounted_link ? 1 : links);
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,24 @@
+#ifndef MDF_TESTS_TOOLS_SUPPORT_DUMPED_H_
+#define MDF_TESTS_TOOLS_SUPPORT_DUMPED_H_
+
+#include <cstddef>
+#include <string>
+
+namespace mdf_tests {
+
+/// What became of a file's dump.
+struct Dumped {
+  std::string output;
+  std::string findings;  ///< "offset: sentence", one a line
+};
+
+/// Dumps a file with these bytes in this process.
+Dumped dumped(const std::string& bytes);
+
+/// The same for a file that is there. Reading and printing must do with so many bytes from operator
+/// new, which throws when it is asked for more.
+Dumped dumpedFile(const std::string& path, std::size_t allocation_limit);
+
+}  // namespace mdf_tests
+
+#endif  // MDF_TESTS_TOOLS_SUPPORT_DUMPED_H_
