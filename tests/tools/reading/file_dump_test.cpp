@@ -98,7 +98,7 @@ TEST(FileDump, NumbersAfterDataAreDecimal) {
 }
 
 TEST(FileDump, EndsWhenTheOutputFails) {
-  // Many blocks fill the output's buffer; the one in the middle would give a finding if it were
+  // The lines of many blocks fill the output's buffer; the last block gives a finding if it is
   // printed.
   std::string bytes = fileHead({168, 0, 0, 0, 0, 0});
   for (std::int64_t i = 1; i <= 1000; ++i) {

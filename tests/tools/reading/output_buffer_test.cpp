@@ -75,6 +75,7 @@ TEST(OutputBuffer, TerminalGetsUtf8ButNotItsControlCharacters) {
   EXPECT_EQ(shown(letters), letters + letters);
   EXPECT_EQ(shown("\xC2\x9B"), "\xC2.\xC2.");
   EXPECT_EQ(shown("\xC2\x80"), "\xC2.\xC2.");
+  EXPECT_EQ(shown("\xC2\x9F"), "\xC2.\xC2.");
 }
 
 TEST(OutputBuffer, TerminalGetsLongTextsWhole) {
