@@ -12,12 +12,20 @@ struct Heap {
   std::size_t allocations;
   std::size_t bytes;
   std::size_t peak_bytes;
+  std::size_t limit;  ///< of `bytes`; 0 for none
 };
 
 // Without a constructor, so that it is there before anything allocates.
 Heap heap;
 
+bool isWithinLimit(std::size_t size) {
+  return heap.limit == 0 || (heap.bytes <= heap.limit && size <= heap.limit - heap.bytes);
+}
+
 void* allocate(std::size_t size) noexcept {
+  if (!isWithinLimit(size)) {
+    return nullptr;
+  }
   void* memory = std::malloc(size);
   if (memory != nullptr) {
     ++heap.allocations;
@@ -65,5 +73,9 @@ AllocationMeter::AllocationMeter()
 std::size_t AllocationMeter::count() const { return heap.allocations - count_at_start_; }
 
 std::size_t AllocationMeter::peakBytes() const { return heap.peak_bytes - bytes_at_start_; }
+
+AllocationLimit::AllocationLimit(std::size_t bytes) { heap.limit = heap.bytes + bytes; }
+
+AllocationLimit::~AllocationLimit() { heap.limit = 0; }
 
 }  // namespace mdf_tests

@@ -23,6 +23,16 @@ class AllocationMeter {
   std::size_t bytes_at_start_;
 };
 
+/// As long as one exists, `new` fails where it would let more than `bytes` be held on top of those
+/// held at the start.
+class AllocationLimit {
+ public:
+  explicit AllocationLimit(std::size_t bytes);
+  ~AllocationLimit();
+  AllocationLimit(const AllocationLimit&) = delete;
+  AllocationLimit& operator=(const AllocationLimit&) = delete;
+};
+
 }  // namespace mdf_tests
 
 #endif  // MDF_TESTS_SUPPORT_ALLOCATION_COUNTER_H_

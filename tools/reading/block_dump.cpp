@@ -35,14 +35,15 @@ bool bytesAreThere(const InputFile& file, const RawBlock& block, const BlockType
 
 void writeDump(InputFile& file, const RawBlock& block, const BlockType& type, std::ostream& os,
                const FindingSink& report) {
-  const bool dumped =
-      bytesAreThere(file, block, type) && type.dump(file.streamAt(block.offset), os);
+  std::string problem = bytesAreThere(file, block, type)
+                            ? type.dump(block, file.streamAt(block.offset), os)
+                            : misfit(block);
+  if (problem.empty() && block.length < type.fixed_size) {
+    problem = misfit(block);
+  }
   // The walk has reported what is wrong with length and links in themselves.
-  const bool reported = !block.holdsItsLinks() || !isWhole(file, block);
-  if (!reported && (!dumped || block.length < type.fixed_size)) {
-    report({block.offset, "expected length and link count to fit " + block.name() +
-                              ", found length " + std::to_string(block.length) + " and " +
-                              std::to_string(block.link_count) + " links"});
+  if (!problem.empty() && block.holdsItsLinks() && isWhole(file, block)) {
+    report({block.offset, problem});
   }
 }
 
@@ -58,7 +59,7 @@ void dumpIdentification(InputFile& file, std::ostream& os) {
     return;
   }
   os << decimalAndHex(0) << " identification length " << header_block_offset << '\n';
-  dumpFromStream<mdf_v4_10::IDBLOCK>(file.streamAt(0), os);
+  mdf_v4_10::IDBLOCK(file.streamAt(0)).print(os);
 }
 
 void dumpBlock(InputFile& file, const RawBlock& block, std::ostream& os,

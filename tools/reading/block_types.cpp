@@ -1,6 +1,7 @@
 #include "block_types.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 #include "mdf_v4_10.h"
@@ -12,8 +13,37 @@ using namespace mdf_v4_10;
 namespace {
 
 template <class Block>
-constexpr BlockType sized(std::string_view letters, std::uint64_t fixed_size) {
-  return {letters, fixed_size, dumpFromStream<Block>};
+std::string dumpFromStream(const RawBlock& raw, std::istream& is, std::ostream& os) {
+  const Block block(is);
+  if (!is.good()) {
+    return misfit(raw);
+  }
+  block.print(os);
+  return {};
+}
+
+/// The class reads its data from behind the block, as much as the compressed length says. So that
+/// length must be compared with the block's own first, and a stream that ends while the data is
+/// read is no fault of a block that ends the file.
+std::string dumpZippedData(const RawBlock& raw, std::istream& is, std::ostream& os) {
+  const auto begin = is.tellg();
+  std::array<char, DZBLOCK::DZBLOCK_CONSTANT_SIZE> bytes;
+  if (raw.length < bytes.size() || !is.read(bytes.data(), bytes.size())) {
+    return misfit(raw);
+  }
+  const auto compressed = detail::loadLe<UINT64>(bytes.data() + bytes.size() - sizeof(UINT64));
+  if (compressed > raw.length - bytes.size()) {
+    return "expected the compressed length in " + raw.name() + " to fit its length of " +
+           std::to_string(raw.length) + ", found " + std::to_string(compressed);
+  }
+  is.seekg(begin);
+  DZBLOCK(is).print(os);
+  return {};
+}
+
+template <class Block>
+constexpr BlockType fixed(std::string_view letters, std::uint64_t size) {
+  return {letters, size, dumpFromStream<Block>};
 }
 
 template <class Block>
@@ -22,16 +52,25 @@ constexpr BlockType byLength(std::string_view letters) {
 }
 
 constexpr BlockType block_types[] = {
-    sized<HDBLOCK>("HD", HDBLOCK::HDBLOCK_SIZE),
-    sized<FHBLOCK>("FH", FHBLOCK::FHBLOCK_SIZE),
+    fixed<HDBLOCK>("HD", HDBLOCK::HDBLOCK_SIZE),
+    fixed<FHBLOCK>("FH", FHBLOCK::FHBLOCK_SIZE),
     byLength<TXBLOCK>("TX"),
     byLength<MDBLOCK>("MD"),
-    sized<DGBLOCK>("DG", DGBLOCK::DGBLOCK_SIZE),
-    sized<CGBLOCK>("CG", CGBLOCK::CGBLOCK_SIZE),
+    byLength<CHBLOCK>("CH"),
+    byLength<ATBLOCK>("AT"),
+    byLength<EVBLOCK>("EV"),
+    fixed<DGBLOCK>("DG", DGBLOCK::DGBLOCK_SIZE),
+    fixed<CGBLOCK>("CG", CGBLOCK::CGBLOCK_SIZE),
+    fixed<SIBLOCK>("SI", SIBLOCK::SIBLOCK_SIZE),
     byLength<CNBLOCK>("CN"),
+    byLength<CCBLOCK>("CC"),
     byLength<DTBLOCK>("DT"),
     byLength<RDBLOCK>("RD"),
     byLength<SDBLOCK>("SD"),
+    byLength<DLBLOCK>("DL"),
+    fixed<HLBLOCK>("HL", HLBLOCK::HLBLOCK_SIZE),
+    fixed<SRBLOCK>("SR", SRBLOCK::SRBLOCK_SIZE),
+    {"DZ", BlockType::by_length, dumpZippedData},
 };
 
 }  // namespace
@@ -40,6 +79,11 @@ const BlockType* findBlockType(std::string_view letters) {
   const auto* type = std::find_if(std::begin(block_types), std::end(block_types),
                                   [&](const BlockType& each) { return each.letters == letters; });
   return type == std::end(block_types) ? nullptr : type;
+}
+
+std::string misfit(const RawBlock& block) {
+  return "expected length and link count to fit " + block.name() + ", found length " +
+         std::to_string(block.length) + " and " + std::to_string(block.link_count) + " links";
 }
 
 }  // namespace mdf_tools

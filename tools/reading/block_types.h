@@ -4,17 +4,20 @@
 #include <cstdint>
 #include <istream>
 #include <ostream>
+#include <string>
 #include <string_view>
+
+#include "raw_block.h"
 
 namespace mdf_tools {
 
-/// Constructs a block of the library's class from a stream and writes its dump. Without a whole
-/// block nothing is written, and the result is false.
-using DumpFromStream = bool (*)(std::istream& is, std::ostream& os);
+/// Constructs a block of the library's class from a stream and writes its dump. Returns nothing,
+/// or, having written nothing, what was expected of the block and what was found.
+using DumpFromStream = std::string (*)(const RawBlock& block, std::istream& is, std::ostream& os);
 
 /// What a reading program needs to know about a block type that the library has a class for.
 struct BlockType {
-  /// The number of bytes of a type whose class reads as many by its length says.
+  /// The number of bytes of a type whose class reads as many as its length says.
   static constexpr std::uint64_t by_length = 0;
 
   std::string_view letters;
@@ -26,15 +29,8 @@ struct BlockType {
 /// The type with these two letters; null for one that the library has no class for.
 const BlockType* findBlockType(std::string_view letters);
 
-template <class Block>
-bool dumpFromStream(std::istream& is, std::ostream& os) {
-  const Block block(is);
-  if (!is.good()) {
-    return false;
-  }
-  block.print(os);
-  return true;
-}
+/// What to say of a block whose links and fields do not go into its length.
+std::string misfit(const RawBlock& block);
 
 }  // namespace mdf_tools
 

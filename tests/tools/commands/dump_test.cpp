@@ -89,18 +89,23 @@ TEST(DumpCommand, FileCutInTheChannel) {
   expectProblems(
       healthyFile().substr(0, 528),
       healthyDumpBefore("480 (0x1e0)") + "480 (0x1e0) ##CN length 160 links 8: 0 264 640\n",
-      {"312 (0x138): expected link 2 of ##DG to lead into the file of 528 bytes, found 744 (0x2e8)",
+      {"64 (0x40): expected link 2 of ##HD to lead into the file of 528 bytes, found 992 (0x3e0)",
+       "64 (0x40): expected link 3 of ##HD to lead into the file of 528 bytes, found 1080 (0x438)",
+       "64 (0x40): expected link 4 of ##HD to lead into the file of 528 bytes, found 1184 (0x4a0)",
+       "312 (0x138): expected link 2 of ##DG to lead into the file of 528 bytes, found 744 (0x2e8)",
        "376 (0x178): expected link 2 of ##CG to lead into the file of 528 bytes, found 640 (0x280)",
+       "376 (0x178): expected link 3 of ##CG to lead into the file of 528 bytes, found 776 (0x308)",
+       "376 (0x178): expected link 4 of ##CG to lead into the file of 528 bytes, found 832 (0x340)",
        "480 (0x1e0): expected the 160 bytes of ##CN, found 48 up to the file's end",
        "480 (0x1e0): expected link 2 of ##CN to lead into the file of 528 bytes, found 640 (0x280)",
-       "264 (0x108): expected link 1 of ##XX to lead into the file of 528 bytes, found 712 "
-       "(0x2c8)"});
+       "264 (0x108): expected link 1 of ##XX to lead into the file of 528 bytes, found 1288 "
+       "(0x508)"});
 }
 
 TEST(DumpCommand, FileCutInTheData) {
-  expectProblems(healthyFile().substr(0, 771),
-                 healthyDumpBefore("744 (0x2e8)") + "744 (0x2e8) ##DT length 28 links 0\n",
-                 {"744 (0x2e8): expected the 28 bytes of ##DT, found 27 up to the file's end"});
+  expectProblems(healthyFile().substr(0, 1434),
+                 healthyDumpBefore("1384 (0x568)") + "1384 (0x568) ##DZ length 51 links 0\n",
+                 {"1384 (0x568): expected the 51 bytes of ##DZ, found 50 up to the file's end"});
 }
 
 TEST(DumpCommand, NoMeasurementFile) {
@@ -119,12 +124,12 @@ TEST(DumpCommand, NoMeasurementFile) {
 
 TEST(DumpCommand, FileThatPointsOutsideItselfIsShownAllTheSame) {
   std::string bytes = healthyFile();
-  bytes.replace(424, 8, Bytes().i64(-8));  // the channel group's source
+  bytes.replace(440, 8, Bytes().i64(-8));  // the channel group's comment
   std::string dump = healthyDump();
-  const std::string line = "##CG length 104 links 6: 0 480 640 0 0 0\n";
-  dump.replace(dump.find(line), line.size(), "##CG length 104 links 6: 0 480 640 -8 0 0\n");
+  const std::string line = "##CG length 104 links 6: 0 480 640 776 832 0\n";
+  dump.replace(dump.find(line), line.size(), "##CG length 104 links 6: 0 480 640 776 832 -8\n");
   expectProblems(bytes, dump,
-                 {"376 (0x178): expected link 3 of ##CG to lead into the file of 772 bytes, found "
+                 {"376 (0x178): expected link 5 of ##CG to lead into the file of 1435 bytes, found "
                   "-8"});
 }
 

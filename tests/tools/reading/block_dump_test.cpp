@@ -4,10 +4,12 @@
 
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "reading/input_file.h"
+#include "support/allocation_counter.h"
 #include "support/bytes.h"
-#include "tools/support/allocation_limit.h"
 #include "tools/support/dumped.h"
 #include "tools/support/mdf_bytes.h"
 #include "tools/support/temp_file.h"
@@ -45,12 +47,17 @@ TEST(BlockDump, UnknownTypeIsALine) {
   EXPECT_EQ(dump.findings, "");
 }
 
+std::string lineOf(const std::string& bytes) {
+  const std::string output = blockDump(bytes).output;
+  return output.substr(0, output.find('\n') + 1);
+}
+
 TEST(BlockDump, LineShowsTheCountAsStoredAndTheLinksThatStandThere) {
-  EXPECT_EQ(blockDump(Bytes().header("HL", 40, 0).i64(4096).zeros(8)).output,
+  EXPECT_EQ(lineOf(Bytes().header("HL", 40, 0).i64(4096).zeros(8)),
             "0 (0x0) ##HL length 40 links 0: 4096\n");
-  EXPECT_EQ(blockDump(Bytes().header("CH", 88, 5).links({1, 2, 3, 4, 5, 6, 7}).zeros(8)).output,
+  EXPECT_EQ(lineOf(Bytes().header("CH", 88, 5).links({1, 2, 3, 4, 5, 6, 7}).zeros(8)),
             "0 (0x0) ##CH length 88 links 5: 1 2 3 4 5 6 7\n");
-  EXPECT_EQ(blockDump(Bytes().header("XX", UINT64_MAX, UINT64_MAX).links({1, 2}).u32(3)).output,
+  EXPECT_EQ(lineOf(Bytes().header("XX", UINT64_MAX, UINT64_MAX).links({1, 2}).u32(3)),
             "0 (0x0) ##XX length 18446744073709551615 links 18446744073709551615: 1 2\n");
 }
 
@@ -106,6 +113,63 @@ TEST(BlockDump, WhatTheWalkReportsIsNotReportedAgain) {
   EXPECT_EQ(blockDump(Bytes().header("DG", 65, 4).zeros(40)).findings, "");
   EXPECT_EQ(blockDump(Bytes().header("DT", 23, 0)).findings, "");
   EXPECT_EQ(blockDump(Bytes().header("DT", 25, 0)).findings, "");
+}
+
+std::string zipped(std::uint64_t compressed_length) {
+  return Bytes()
+      .header("DZ", 51, 0)
+      .text("DT")
+      .u8s({0, 0})
+      .u32(0)
+      .u64(6)
+      .u64(compressed_length)
+      .text("zip");
+}
+
+std::string zippedDump(const std::string& data) {
+  return "0 (0x0) ##DZ length 51 links 0\n"
+         "[DEBUG] ==================== DZBLOCK ===================\n"
+         "block size = " +
+         std::to_string(48 + data.size()) +
+         "\n"
+         "orig block type = 21572\n"
+         "zip type = 0\n"
+         "zip parameter = 0\n"
+         "original size = 6\n"
+         "zipped data size = " +
+         std::to_string(data.size()) +
+         "\n"
+         "data hex dump: " +
+         data + "[DEBUG] ==================== End of DZBLOCK ===================\n";
+}
+
+TEST(BlockDump, ZippedDataIsReadFromBehindTheBlock) {
+  for (const auto& [behind, read] : std::vector<std::pair<std::string, std::string>>{
+           {"following", "fol"}, {"fo", {'f', 'o', '\0'}}, {"", {'\0', '\0', '\0'}}}) {
+    const Dumped dump = blockDump(zipped(3) + behind);
+    EXPECT_EQ(dump.output, zippedDump(read));
+    EXPECT_EQ(dump.findings, "");
+  }
+}
+
+TEST(BlockDump, CompressedLengthMayBeSmaller) {
+  const Dumped dump = blockDump(zipped(0) + "following");
+  EXPECT_EQ(dump.output, zippedDump(""));
+  EXPECT_EQ(dump.findings, "");
+}
+
+TEST(BlockDump, CompressedLengthThatLiesIsReportedAndCostsNoMemory) {
+  for (const std::uint64_t lie :
+       {std::uint64_t{4}, std::uint64_t{1} << 31U, std::uint64_t{1} << 63U, UINT64_MAX}) {
+    const TempFile file(zipped(lie) + "following");
+    InputFile input(file.path());
+    const AllocationLimit limit(4096);
+    const Dumped dump = blockDump(input, 0);
+    EXPECT_EQ(dump.output, "0 (0x0) ##DZ length 51 links 0\n");
+    EXPECT_EQ(dump.findings,
+              "0: expected the compressed length in ##DZ to fit its length of 51, found " +
+                  std::to_string(lie) + "\n");
+  }
 }
 
 TEST(BlockDump, BlockBeyondMemoryIsReported) {

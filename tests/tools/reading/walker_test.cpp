@@ -5,8 +5,8 @@
 #include <string>
 
 #include "reading/input_file.h"
+#include "support/allocation_counter.h"
 #include "support/bytes.h"
-#include "tools/support/allocation_limit.h"
 #include "tools/support/mdf_bytes.h"
 #include "tools/support/temp_file.h"
 

@@ -4,10 +4,10 @@
 #include <memory>
 #include <vector>
 
-#include "allocation_limit.h"
 #include "reading/file_dump.h"
 #include "reading/input_file.h"
 #include "reading/output_buffer.h"
+#include "support/allocation_counter.h"
 #include "temp_file.h"
 
 namespace mdf_tests {
@@ -38,7 +38,7 @@ Dumped dumpedFile(const std::string& path, std::size_t allocation_limit) {
   return result;
 }
 
-Dumped dumped(const std::string& bytes) {
+Dumped dumpedBytes(const std::string& bytes) {
   const TempFile file(bytes);
   return dumpedFile(file.path(), 1 << 20);
 }

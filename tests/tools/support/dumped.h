@@ -13,7 +13,7 @@ struct Dumped {
 };
 
 /// Dumps a file with these bytes in this process.
-Dumped dumped(const std::string& bytes);
+Dumped dumpedBytes(const std::string& bytes);
 
 /// The same for a file that is there. Reading and printing must do with so many bytes from operator
 /// new, which throws when it is asked for more.
