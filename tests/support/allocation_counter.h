@@ -6,7 +6,8 @@
 namespace mdf_tests {
 
 /// Counts what the program takes from the heap with `new` from this object's construction on. There
-/// is one meter at a time: a new one starts the peak over.
+/// is one meter at a time: a new one starts the peak over. Valgrind puts its own `new` in the place
+/// of the counting one unless it is told --soname-synonyms=somalloc=nouserintercepts.
 class AllocationMeter {
  public:
   AllocationMeter();
