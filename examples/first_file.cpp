@@ -24,7 +24,10 @@ int main() {
              CNBLOCK::CN_DATATYPE_UINT_LE, 0, name_at, 0);
   cn.setBitCount(8);
   DTBLOCK dt;
-  for (std::uint8_t speed = 50; speed < 60; ++speed, cg.incCycleCount()) dt.addData(speed);
+  for (std::uint8_t speed = 50; speed < 60; ++speed) {
+    dt.addData(speed);
+    cg.incCycleCount();
+  }
 
   std::ofstream file("first.mf4", std::ios::binary);
   file << IDBLOCK("example ") << hd << dg << cg << cn << name;

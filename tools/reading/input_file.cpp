@@ -31,7 +31,7 @@ std::unique_ptr<std::istream> openInPlace(const std::string& path) {
 
 std::unique_ptr<std::istream> readIntoMemory(std::FILE* source, const std::string& name) {
   auto memory = std::make_unique<std::stringstream>();
-  std::array<char, 64 * 1024> piece;
+  std::array<char, 65536> piece;
   errno = 0;
   while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), source)) {
     memory->write(piece.data(), static_cast<std::streamsize>(count));

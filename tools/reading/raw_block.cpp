@@ -85,7 +85,7 @@ void forEachLink(InputFile& file, const RawBlock& block, const LinkVisitor& visi
     const std::size_t got = file.readAt(offset, bytes.data(), wanted * RawBlock::link_size);
     Decoder in(bytes.data(), got);
     for (; in.remaining() >= RawBlock::link_size; ++index) {
-      std::int64_t link;
+      std::int64_t link = 0;
       in.take(link);
       visit(index, link);
     }
