@@ -1,0 +1,160 @@
+#include "recording/recording_blocks.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "support/bytes.h"
+
+using namespace mdf_tests;
+using namespace mdf_tools;
+
+namespace {
+
+const std::vector<Signal> channels = {float64Signal("time", "s"), float32Signal("a", "%"),
+                                      uint64Signal("load", ""), float32Signal("b", "%")};
+const RecordingInfo info = {{1'700'000'000'123'456'789, -90, true}, "T<", "C", "7"};
+
+std::string identification(const std::string& file, int flags) {
+  return Bytes()
+      .text(file + "4.10    mdf     ")
+      .zeros(4)
+      .u16(410)
+      .zeros(30)
+      .u8s({flags, 0})
+      .zeros(2);
+}
+
+std::string frame() {
+  return Bytes()
+      .header("HD", 104, 6)
+      .links({752, 168, 0, 0, 0, 416})
+      .u64(1'700'000'000'123'456'789)
+      .i16(-90)
+      .i16(60)
+      .u8s({2, 0, 0, 0})
+      .f64(0)
+      .f64(0)
+      .header("FH", 56, 2)
+      .links({0, 224})
+      .u64(1'700'000'000'123'456'789)
+      .i16(-90)
+      .i16(60)
+      .u8s({2, 0, 0, 0})
+      .header("MD", 191, 0)
+      .text(
+          "<FHcomment xmlns=\"http://www.asam.net/mdf/v4\"><TX>C</TX><tool_id>mdf</tool_id>"
+          "<tool_vendor>The mdf maintainers</tool_vendor><tool_version>7</tool_version>"
+          "</FHcomment>")
+      .zeros(1 + 1)
+      .header("MD", 97, 0)
+      .text("<HDcomment xmlns=\"http://www.asam.net/mdf/v4\"><TX>T&lt;</TX></HDcomment>")
+      .zeros(1 + 7);
+}
+
+/// Each text once, behind it its terminating zero and the fill.
+std::string texts() {
+  return Bytes()
+      .header("TX", 39, 0)
+      .text("system signals")
+      .zeros(1 + 1)
+      .header("TX", 29, 0)
+      .text("time")
+      .zeros(1 + 3)
+      .header("TX", 26, 0)
+      .text("s")
+      .zeros(1 + 6)
+      .header("TX", 26, 0)
+      .text("a")
+      .zeros(1 + 6)
+      .header("TX", 26, 0)
+      .text("%")
+      .zeros(1 + 6)
+      .header("TX", 29, 0)
+      .text("load")
+      .zeros(1 + 3)
+      .header("TX", 26, 0)
+      .text("b")
+      .zeros(1 + 6);
+}
+
+std::string groups(std::uint64_t cycle_count) {
+  return Bytes()
+      .header("DG", 64, 4)
+      .links({0, 816, 1560, 0})
+      .zeros(8)
+      .header("CG", 104, 6)
+      .links({0, 920, 520, 0, 0, 0})
+      .u64(0)
+      .u64(cycle_count)
+      .u16(0)
+      .u16(0)
+      .zeros(4)
+      .u32(24)
+      .u32(0);
+}
+
+std::string channel(std::initializer_list<std::int64_t> links, std::initializer_list<int> types,
+                    std::uint32_t byte_offset, std::uint32_t bit_count, std::uint32_t flags) {
+  return Bytes()
+      .header("CN", 160, 8)
+      .links(links)
+      .u8s(types)
+      .u32(byte_offset)
+      .u32(bit_count)
+      .u32(flags)
+      .u32(0)
+      .u8(255)
+      .zeros(3)
+      .zeros(48);
+}
+
+std::string channelChain() {
+  constexpr std::uint32_t monotonous = 2048;
+  return channel({1080, 0, 560, 0, 0, 0, 592, 0}, {2, 1, 4, 0}, 0, 64, monotonous) +
+         channel({1240, 0, 624, 0, 0, 0, 656, 0}, {0, 0, 4, 0}, 8, 32, 0) +
+         channel({1400, 0, 688, 0, 0, 0, 0, 0}, {0, 0, 0, 0}, 12, 64, 0) +
+         channel({0, 0, 720, 0, 0, 0, 656, 0}, {0, 0, 4, 0}, 20, 32, 0);
+}
+
+std::string wholeFile(const std::string& id, std::uint64_t cycle_count, const std::string& data) {
+  return id + frame() + texts() + groups(cycle_count) + channelChain() +
+         Bytes().header("DT", 24 + cycle_count * 24, 0).str() + data;
+}
+
+TEST(RecordingBlocks, SayThatTheFileIsUnfinishedUntilItIsFinished) {
+  const RecordingBlocks blocks(channels, info);
+  std::ostringstream os;
+  blocks.write(os);
+  EXPECT_BYTES(os.str(), wholeFile(identification("UnFinMF ", 5), 0, ""));
+  EXPECT_EQ(blocks.size(), 1584U);
+  EXPECT_EQ(blocks.recordBytes(), 24U);
+}
+
+TEST(RecordingBlocks, FinishedFileHasTheNumberOfItsRecords) {
+  RecordingBlocks blocks(channels, info);
+  std::ostringstream os;
+  blocks.write(os);
+  const std::string data(3 * 24, 'x');
+  os << data;
+  blocks.finish(os, 3);
+  EXPECT_BYTES(os.str(), wholeFile(identification("MDF     ", 0), 3, data));
+}
+
+TEST(RecordingBlocks, FileCanBeFinishedWithoutRecords) {
+  RecordingBlocks blocks(channels, info);
+  std::ostringstream os;
+  blocks.write(os);
+  blocks.finish(os, 0);
+  EXPECT_BYTES(os.str(), wholeFile(identification("MDF     ", 0), 0, ""));
+}
+
+TEST(RecordingBlocks, LengthsBeyond32BitsAreKept) {
+  RecordingBlocks blocks(channels, info);
+  std::ostringstream os;
+  blocks.write(os);
+  blocks.finish(os, 0x100000001);
+  EXPECT_BYTES(os.str().substr(1560), Bytes().header("DT", 24 + 24 * 0x100000001, 0));
+}
+
+}  // namespace

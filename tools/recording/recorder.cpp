@@ -1,0 +1,98 @@
+#include "recorder.h"
+
+#include <algorithm>
+#include <sstream>
+#include <string>
+
+namespace mdf_tools {
+
+using mdf_v4_10::UINT32;
+using mdf_v4_10::UINT64;
+using mdf_v4_10::UINT8;
+
+namespace {
+
+constexpr std::size_t batch_bytes = 65536;
+constexpr double longest_in_memory = 1.0;  // seconds
+
+std::vector<Signal> withTime(const std::vector<Signal>& signals) {
+  std::vector<Signal> channels = {float64Signal("time", "s")};
+  channels.insert(channels.end(), signals.begin(), signals.end());
+  return channels;
+}
+
+std::string cannotWrite(OutputFile& file) {
+  return "cannot write to " + file.path().string() + " at offset " + std::to_string(file.size()) +
+         ": " + file.cause() + "; ";
+}
+
+std::string count(UINT64 number) {
+  return number == 1 ? "1 record" : std::to_string(number) + " records";
+}
+
+}  // namespace
+
+Recorder::Recorder(OutputFile& file, const std::vector<Signal>& signals, const RecordingInfo& info,
+                   double rate)
+    : file_(file),
+      channels_(withTime(signals)),
+      blocks_(channels_, info),
+      flush_interval_(longest_in_memory - 1 / rate) {
+  std::ostringstream description;
+  blocks_.write(description);
+  const std::string bytes = description.str();
+  if (!file_.append(bytes.data(), bytes.size())) {
+    const std::string failure = cannotWrite(file_);
+    file_.discard();
+    throw RecordingFailure(failure + "nothing is recorded");
+  }
+}
+
+void Recorder::append(double seconds, const std::vector<UINT64>& values) {
+  put(bitsOf(seconds), channels_.front().bytes);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    put(values[i], channels_[i + 1].bytes);
+  }
+  ++records_;
+  if (batch_.getData().size() >= batch_bytes || seconds >= last_flush_ + flush_interval_) {
+    flush();
+    last_flush_ = seconds;
+  }
+}
+
+void Recorder::put(UINT64 bits, UINT32 bytes) {
+  for (UINT32 i = 0; i < bytes; ++i) {
+    batch_.addData(static_cast<UINT8>(bits >> (8 * i)));
+  }
+}
+
+void Recorder::flush() {
+  const std::vector<UINT8>& bytes = batch_.getData();
+  if (!file_.append(reinterpret_cast<const char*>(bytes.data()), bytes.size())) {
+    keepWhatIsWritten();
+  }
+  batch_.clearData();
+}
+
+void Recorder::finish() {
+  flush();
+  if (!complete()) {
+    throw RecordingFailure("cannot complete " + file_.path().string() + ": " + file_.cause() +
+                           "; the file still says that it is unfinished");
+  }
+}
+
+bool Recorder::complete() {
+  return file_.rewrite([this](std::ostream& os) { blocks_.finish(os, records_); }) && file_.close();
+}
+
+void Recorder::keepWhatIsWritten() {
+  const std::string failure = cannotWrite(file_);
+  const UINT64 size = std::max(file_.size(), blocks_.size());
+  records_ = std::min(records_, (size - blocks_.size()) / blocks_.recordBytes());
+  const bool kept = file_.cutTo(blocks_.size() + records_ * blocks_.recordBytes()) && complete();
+  throw RecordingFailure(failure + (kept ? count(records_) + " before that make a complete file"
+                                         : "the file still says that it is unfinished"));
+}
+
+}  // namespace mdf_tools

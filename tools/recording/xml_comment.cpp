@@ -1,0 +1,112 @@
+#include "xml_comment.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace mdf_tools {
+
+namespace {
+
+constexpr std::string_view name_space = R"( xmlns="http://www.asam.net/mdf/v4">)";
+
+/// Bytes of a UTF-8 character that starts with this byte; 0 when none does.
+std::size_t lengthFromFirstByte(unsigned char first) {
+  if (first < 0x80) {
+    return 1;
+  }
+  if (first >= 0xC2 && first < 0xE0) {
+    return 2;
+  }
+  if (first >= 0xE0 && first < 0xF0) {
+    return 3;
+  }
+  return first >= 0xF0 && first < 0xF5 ? 4 : 0;
+}
+
+/// XML's characters; the shortest code for each, so that overlong forms are none.
+bool isXmlCharacter(std::uint32_t code, std::size_t length) {
+  constexpr std::uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
+  if (code < 0x20) {
+    return code == '\t' || code == '\n' || code == '\r';
+  }
+  const bool surrogate = code >= 0xD800 && code < 0xE000;
+  return code >= smallest[length] && code <= 0x10FFFF && !surrogate && code != 0xFFFE &&
+         code != 0xFFFF;
+}
+
+/// Bytes of the XML character at the front of a text; 0 when there is none.
+std::size_t characterLength(std::string_view text) {
+  const auto first = static_cast<unsigned char>(text.front());
+  const std::size_t length = lengthFromFirstByte(first);
+  if (length == 0 || length > text.size()) {
+    return 0;
+  }
+  std::uint32_t code = length == 1 ? first : first & (0xFFU >> (length + 1));
+  for (std::size_t i = 1; i < length; ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    if ((byte & 0xC0U) != 0x80) {
+      return 0;
+    }
+    code = (code << 6U) | (byte & 0x3FU);
+  }
+  return isXmlCharacter(code, length) ? length : 0;
+}
+
+void appendEscaped(std::string& xml, std::string_view character) {
+  switch (character.front()) {
+    case '&':
+      xml += "&amp;";
+      break;
+    case '<':
+      xml += "&lt;";
+      break;
+    case '>':
+      xml += "&gt;";
+      break;
+    case '"':
+      xml += "&quot;";
+      break;
+    default:
+      xml += character;
+  }
+}
+
+std::string element(std::string_view name, std::string_view text) {
+  std::string xml = "<";
+  xml.append(name).append(">").append(xmlText(text)).append("</").append(name).append(">");
+  return xml;
+}
+
+std::string comment(std::string_view name, const std::string& content) {
+  std::string xml = "<";
+  xml.append(name).append(name_space).append(content).append("</").append(name).append(">");
+  return xml;
+}
+
+}  // namespace
+
+std::string xmlText(std::string_view text) {
+  std::string xml;
+  while (!text.empty()) {
+    const std::size_t length = characterLength(text);
+    if (length == 0) {
+      text.remove_prefix(1);
+    } else {
+      appendEscaped(xml, text.substr(0, length));
+      text.remove_prefix(length);
+    }
+  }
+  return xml;
+}
+
+std::string headerComment(std::string_view text) {
+  return comment("HDcomment", element("TX", text));
+}
+
+std::string historyComment(std::string_view text, std::string_view tool_version) {
+  return comment("FHcomment", element("TX", text) + element("tool_id", "mdf") +
+                                  element("tool_vendor", "The mdf maintainers") +
+                                  element("tool_version", tool_version));
+}
+
+}  // namespace mdf_tools
