@@ -1,13 +1,177 @@
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
+#include <chrono>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <thread>
 
 #include "command.h"
+#include "recording/machine.h"
+#include "recording/output_file.h"
+#include "recording/quantity.h"
+#include "recording/recorder.h"
+#include "recording/sample_clock.h"
+#include "recording/stop_request.h"
 
 namespace mdf_tools {
 
+namespace {
+
+constexpr const char* footer = R"(Recorded are, from /proc and /sys:
+  cpu_total, cpu0, ...                 utilisation in %
+  load_1min, load_5min, load_15min     load average
+  mem_total, mem_free, mem_available, mem_buffers, mem_cached, swap_free   in KiB
+  net_<interface>_rx_bytes, _rx_packets, _tx_bytes, _tx_packets            counters
+  temp_<chip>_<sensor>                 in degrees Celsius, where there are sensors
+over the channel time, in seconds since the start.
+
+Ctrl-C ends a recording at once; the file is complete. So does SIGTERM. A recording that is cut
+off, by a power failure say, leaves a file that starts with UnFinMF in place of MDF.
+Samples that come too late for the rate are left out and counted as missed.
+
+Examples:
+  mdf record drive.mf4                            ten seconds, 100 samples a second
+  mdf record drive.mf4 --duration 1.5h --rate 10Hz
+  mdf record drive.mf4 --duration 0               until Ctrl-C
+
+Exit code: 0 recorded, 1 the file could not be written to the end, 2 nothing was started.)";
+
+struct Request {
+  std::string path;
+  std::string duration = "10s";
+  std::string rate = "100Hz";
+};
+
+/// How a recording gets on, once a second on a terminal.
+class Progress {
+ public:
+  Progress() = default;
+  ~Progress() { end(); }
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  void show(double seconds, mdf_v4_10::UINT64 records, mdf_v4_10::UINT64 missed) {
+    if (is_terminal_ && seconds >= next_) {
+      std::fprintf(stderr, "\r%.0f s, %llu records, %llu samples missed", seconds,
+                   static_cast<unsigned long long>(records),
+                   static_cast<unsigned long long>(missed));
+      next_ = seconds + 1;
+      shown_ = true;
+    }
+  }
+  /// Takes the line away, for what is printed next.
+  void end() {
+    if (shown_) {
+      std::fputs("\r\033[K", stderr);
+      shown_ = false;
+    }
+  }
+
+ private:
+  bool is_terminal_ = isatty(STDERR_FILENO) != 0;
+  bool shown_ = false;
+  double next_ = 1;
+};
+
+std::string counted(mdf_v4_10::UINT64 number, const std::string& noun) {
+  return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
+}
+
+RecordingInfo recordingInfo(double rate) {
+  const std::string what =
+      "Live signals of " + Machine::description() + ", recorded at " + shortNumber(rate) + " Hz";
+  return {startTime(std::chrono::system_clock::now()), what, "Recorded live signals",
+          MDF_PROGRAM_VERSION};
+}
+
+/// Utilisation is known only when some time has passed since the first look at the counters.
+void settle(Machine& machine) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(150));
+  machine.sample(0);
+}
+
+void summarise(const Recorder& recorder, const Request& request, double rate, double seconds,
+               mdf_v4_10::UINT64 missed) {
+  std::fprintf(stderr, "recorded %s of %s in %.1f s to %s, %s missed\n",
+               counted(recorder.records(), "record").c_str(),
+               counted(recorder.channels(), "channel").c_str(), seconds, request.path.c_str(),
+               counted(missed, "sample").c_str());
+  if (missed > 0) {
+    std::fprintf(stderr, "a rate of %s Hz could not be kept all the time\n",
+                 shortNumber(rate).c_str());
+  }
+}
+
+void record(const Request& request, double duration, double rate) {
+  watchForStopRequest();
+  OutputFile file(request.path);
+  Machine machine;
+  settle(machine);
+
+  SampleClock clock(rate, duration);
+  Recorder recorder(file, machine.signals(), recordingInfo(rate), rate);
+  Progress progress;
+  while (clock.waitForSample()) {
+    const double seconds = clock.now();
+    recorder.append(seconds, machine.sample(seconds));
+    progress.show(seconds, recorder.records(), clock.missed());
+  }
+  const double seconds = clock.now();
+  recorder.finish();
+  progress.end();
+  summarise(recorder, request, rate, seconds, clock.missed());
+}
+
+int complain(const std::string& sentence, ExitCode exit_code) {
+  std::cerr << "mdf: " << sentence << '\n';
+  return exit_code;
+}
+
+int run(const Request& request) {
+  if (request.path == "-") {
+    return complain(
+        "cannot record to standard output: finishing a recording goes back to its "
+        "start; name a file",
+        exit_unusable);
+  }
+  double duration = 0;
+  double rate = 0;
+  try {
+    duration = parseDuration(request.duration);
+    rate = parseRate(request.rate);
+    record(request, duration, rate);
+  } catch (const BadQuantity& error) {
+    return complain(error.what(), exit_unusable);
+  } catch (const UnusablePath& error) {
+    return complain(error.what(), exit_unusable);
+  } catch (const RecordingFailure& error) {
+    return complain(error.what(), exit_problem);
+  }
+  return exit_fine;
+}
+
+}  // namespace
+
 void addRecordCommand(CLI::App& app, int& exit_code) {
-  app.add_subcommand("record", "Record the signals of this machine")->callback([&exit_code] {
-    exit_code = exit_fine;
-  });
+  const auto request = std::make_shared<Request>();
+  CLI::App* const command =
+      app.add_subcommand("record", "Record the live signals of this machine in a new file.");
+  command->add_option("OUT.mf4", request->path, "The file; one that is there is overwritten")
+      ->required()
+      ->type_name("FILE");
+  command
+      ->add_option("--duration", request->duration,
+                   "How long: a number and ms, s, min or h; 0 for until Ctrl-C")
+      ->type_name("TIME")
+      ->capture_default_str();
+  command->add_option("--rate", request->rate, "How many samples a second: a number and Hz or kHz")
+      ->type_name("RATE")
+      ->capture_default_str();
+  command->footer(footer);
+  command->callback([request, &exit_code] { exit_code = run(*request); });
 }
 
 }  // namespace mdf_tools

@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+
+#include "tools/support/child.h"
+#include "tools/support/recorded_file.h"
+#include "tools/support/recording_run.h"
+#include "tools/support/scratch_folder.h"
+
+using namespace mdf_tests;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void expectRefused(const std::vector<std::string>& arguments, const std::string& message) {
+  const ChildResult result = record(arguments);
+  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err, "mdf: " + message + "\n");
+}
+
+TEST(RecordRefused, BadArguments) {
+  const ScratchFolder folder;
+  const std::string path = folder / "out.mf4";
+  expectRefused({}, "OUT.mf4 is required");
+  expectRefused({path, "more"}, "The following argument was not expected: more");
+  expectRefused({path, "--bogus"}, "The following argument was not expected: --bogus");
+  expectRefused({path, "--rate", "fast"},
+                "\"fast\" is not a rate; write a number and Hz or kHz, such as 100Hz or 0.5Hz");
+  expectRefused({path, "--rate", "0"}, "\"0\" is out of range; a rate is 0.00001Hz to 100kHz");
+  expectRefused({path, "--rate", "101kHz"},
+                "\"101kHz\" is out of range; a rate is 0.00001Hz to 100kHz");
+  expectRefused({path, "--duration", "soon"},
+                "\"soon\" is not a duration; write a number and ms, s, min or h, such as 10s or "
+                "1.5h");
+  expectRefused({path, "--duration", "-1s"},
+                "\"-1s\" is out of range; a duration is 0, for no end, to 10 years");
+  EXPECT_FALSE(fs::exists(path));
+}
+
+TEST(RecordRefused, PathsThatCannotBeRecordedTo) {
+  const ScratchFolder folder;
+  const std::string path = folder.path();
+  expectRefused({"-"},
+                "cannot record to standard output: finishing a recording goes back to its start; "
+                "name a file");
+  expectRefused({path}, "cannot record to " + path + ": it is a directory");
+  expectRefused({path + "/no/out.mf4"},
+                "cannot record to " + path + "/no/out.mf4: there is no directory " + path + "/no");
+  ASSERT_EQ(mkfifo((path + "/pipe").c_str(), 0600), 0);
+  expectRefused({path + "/pipe"}, "cannot record to " + path +
+                                      "/pipe: finishing a recording goes back to its start, which "
+                                      "works in a file only");
+}
+
+TEST(RecordRefused, ProgramThatIsRunningIsNoFileToWriteTo) {
+  const ScratchFolder folder;
+  const std::string program = folder / "mdf";
+  fs::copy_file(MDF_PROGRAM, program);
+  const ChildResult result = runChild({program, "record", program});
+  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.err, "mdf: cannot record to " + program + ": Text file busy\n");
+}
+
+TEST(RecordFull, DeviceThatTakesNothing) {
+  const ChildResult result = record({"/dev/full", "--duration", "1s"});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.err,
+            "mdf: cannot write to /dev/full at offset 0: No space left on device; nothing is "
+            "recorded\n");
+  EXPECT_TRUE(fs::is_character_file("/dev/full"));
+}
+
+/// Records to a file that may grow to so many bytes. True when it was big enough.
+bool recordWithLimit(const fs::path& path, std::uint64_t limit) {
+  SCOPED_TRACE("limit " + std::to_string(limit));
+  fs::remove(path);
+  ChildSetup setup;
+  setup.file_size_limit = limit;
+  const ChildResult result = record({path.string(), "--duration", "200ms"}, setup);
+  if (result.exit_code == 0) {
+    RecordedFile(path).expectComplete();
+    return true;
+  }
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.signal, 0);
+  const std::string beginning = "mdf: cannot write to " + path.string() + " at offset " +
+                                std::to_string(limit) + ": File too large; ";
+  EXPECT_EQ(result.err.substr(0, beginning.size()), beginning);
+  if (fs::exists(path)) {
+    const RecordedFile file(path);
+    file.expectComplete();
+    EXPECT_LE(file.bytes().size(), limit);
+    EXPECT_GT(file.bytes().size() + file.recordBytes(), limit) << "no whole record is given away";
+  } else {
+    EXPECT_EQ(result.err, beginning + "nothing is recorded\n");
+  }
+  return false;
+}
+
+TEST(RecordFull, FileThatTakesNoMoreIsCompleteOrGone) {
+  const ScratchFolder folder;
+  const fs::path path = folder / "out.mf4";
+  ASSERT_EQ(record({path.string(), "--duration", "200ms"}).exit_code, 0);
+  const RecordedFile whole(path);
+  const std::uint64_t description = whole.data().position + 24;
+  const std::uint64_t record_bytes = whole.recordBytes();
+  std::vector<std::uint64_t> limits = {0, 1, 64, description / 2};
+  for (const std::uint64_t middle :
+       {description, description + record_bytes, description + 3 * record_bytes}) {
+    limits.insert(limits.end(), {middle - 1, middle, middle + 1});
+  }
+  for (const std::uint64_t limit : limits) {
+    EXPECT_FALSE(recordWithLimit(path, limit));
+  }
+  EXPECT_TRUE(recordWithLimit(path, description + 20 * record_bytes));
+}
+
+}  // namespace

@@ -1,0 +1,95 @@
+#include "sample_clock.h"
+
+#include <algorithm>
+#include <cmath>
+#include <ctime>
+#include <limits>
+
+#include "stop_request.h"
+
+namespace mdf_tools {
+
+using mdf_v4_10::UINT64;
+
+namespace {
+
+constexpr double nanoseconds_per_second = 1e9;
+
+/// A stop request that comes just before the wait begins is seen this much later.
+constexpr std::int64_t longest_wait = 100'000'000;
+
+/// A sample due at the very end of the duration no longer belongs to it, nor one that rounding puts
+/// just before the end.
+UINT64 samplesIn(double duration, double rate) {
+  if (duration == 0) {
+    return std::numeric_limits<UINT64>::max();
+  }
+  return static_cast<UINT64>(std::max(1.0, std::ceil(duration * rate - 1e-6)));
+}
+
+void sleepFor(std::int64_t nanoseconds) {
+  const std::int64_t span = std::min(nanoseconds, longest_wait);
+  timespec time{};
+  time.tv_nsec = static_cast<long>(span);
+  nanosleep(&time, nullptr);
+}
+
+}  // namespace
+
+SampleSchedule::SampleSchedule(double rate, double duration)
+    : rate_(rate),
+      end_(std::llround(duration * nanoseconds_per_second)),
+      samples_(samplesIn(duration, rate)) {}
+
+std::int64_t SampleSchedule::due() const { return over() ? end_ : dueTime(next_); }
+
+std::int64_t SampleSchedule::dueTime(UINT64 sample) const {
+  return std::llround(static_cast<double>(sample) / rate_ * nanoseconds_per_second);
+}
+
+void SampleSchedule::skipMissed(std::int64_t now) {
+  const auto estimate =
+      static_cast<UINT64>(static_cast<double>(now) / nanoseconds_per_second * rate_);
+  UINT64 newest = std::clamp(estimate, next_, samples_);
+  while (newest > next_ && dueTime(newest) > now) {
+    --newest;
+  }
+  while (newest < samples_ && dueTime(newest + 1) <= now) {
+    ++newest;
+  }
+  missed_ += newest - next_;
+  next_ = newest;
+}
+
+SampleClock::SampleClock(double rate, double duration) : schedule_(rate, duration) {}
+
+bool SampleClock::waitForSample() {
+  while (!stopRequested()) {
+    const std::int64_t now = nanoseconds();
+    const std::int64_t due = schedule_.due();
+    if (now < due) {
+      sleepFor(due - now);
+    } else if (schedule_.over()) {
+      return false;
+    } else {
+      schedule_.skipMissed(now);
+      if (!schedule_.over()) {
+        schedule_.take();
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+double SampleClock::now() {
+  const double seconds = static_cast<double>(nanoseconds()) / nanoseconds_per_second;
+  last_ = std::max(seconds, std::nextafter(last_, std::numeric_limits<double>::infinity()));
+  return last_;
+}
+
+std::int64_t SampleClock::nanoseconds() const {
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(Clock::now() - start_).count();
+}
+
+}  // namespace mdf_tools
