@@ -374,6 +374,12 @@ TEST(Reading, DZBLOCK) {
   is.read(reinterpret_cast<char*>(block.dz_data.data()),
           static_cast<std::streamsize>(block.dz_data.size()));
   EXPECT_EQ(text(block.dz_data), "zzzzz");
+
+  std::istringstream end_of_file(bytes + "fo");
+  const DZBLOCK last(end_of_file);
+  EXPECT_EQ(end_of_file.rdstate(), state_bad);
+  EXPECT_EQ(last.getOriginalLength(), 100U);
+  EXPECT_EQ(text(last.dz_data), std::string("fo\0\0\0", 5));
 }
 
 TEST(Reading, HLBLOCK) {
