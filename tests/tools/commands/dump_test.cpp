@@ -7,6 +7,7 @@
 #include "tools/support/healthy_file.h"
 #include "tools/support/mdf_bytes.h"
 #include "tools/support/program.h"
+#include "tools/support/scratch_folder.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
@@ -188,6 +189,17 @@ TEST(DumpCommand, TerminalIsNotGivenControlCharacters) {
   }
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.output, expected);
+}
+
+TEST(DumpCommand, OutputGoesToAFile) {
+  const TempFile file(healthyFile());
+  const TempFile dump;
+  RunOptions options;
+  options.output_path = dump.path();
+  const RunResult result = run({"dump", file.path()}, options);
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.messages, "");
+  EXPECT_EQ(bytesOf(dump.path()), healthyDump());
 }
 
 TEST(DumpCommand, FullDisk) {

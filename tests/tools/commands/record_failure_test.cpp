@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "tools/support/child.h"
+#include "tools/support/program.h"
 #include "tools/support/recorded_file.h"
 #include "tools/support/recording_run.h"
 #include "tools/support/scratch_folder.h"
@@ -15,10 +15,10 @@ namespace fs = std::filesystem;
 namespace {
 
 void expectRefused(const std::vector<std::string>& arguments, const std::string& message) {
-  const ChildResult result = record(arguments);
+  const RunResult result = record(arguments);
   EXPECT_EQ(result.exit_code, 2);
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err, "mdf: " + message + "\n");
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.messages, "mdf: " + message + "\n");
 }
 
 TEST(RecordRefused, BadArguments) {
@@ -59,15 +59,17 @@ TEST(RecordRefused, ProgramThatIsRunningIsNoFileToWriteTo) {
   const ScratchFolder folder;
   const std::string program = folder / "mdf";
   fs::copy_file(MDF_PROGRAM, program);
-  const ChildResult result = runChild({program, "record", program});
+  RunOptions options;
+  options.program = program;
+  const RunResult result = record({program}, options);
   EXPECT_EQ(result.exit_code, 2);
-  EXPECT_EQ(result.err, "mdf: cannot record to " + program + ": Text file busy\n");
+  EXPECT_EQ(result.messages, "mdf: cannot record to " + program + ": Text file busy\n");
 }
 
 TEST(RecordFull, DeviceThatTakesNothing) {
-  const ChildResult result = record({"/dev/full", "--duration", "1s"});
+  const RunResult result = record({"/dev/full", "--duration", "1s"});
   EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.err,
+  EXPECT_EQ(result.messages,
             "mdf: cannot write to /dev/full at offset 0: No space left on device; nothing is "
             "recorded\n");
   EXPECT_TRUE(fs::is_character_file("/dev/full"));
@@ -77,25 +79,24 @@ TEST(RecordFull, DeviceThatTakesNothing) {
 bool recordWithLimit(const fs::path& path, std::uint64_t limit) {
   SCOPED_TRACE("limit " + std::to_string(limit));
   fs::remove(path);
-  ChildSetup setup;
-  setup.file_size_limit = limit;
-  const ChildResult result = record({path.string(), "--duration", "200ms"}, setup);
+  RunOptions options;
+  options.file_size_limit = limit;
+  const RunResult result = record({path.string(), "--duration", "200ms"}, options);
   if (result.exit_code == 0) {
     RecordedFile(path).expectComplete();
     return true;
   }
   EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.signal, 0);
   const std::string beginning = "mdf: cannot write to " + path.string() + " at offset " +
                                 std::to_string(limit) + ": File too large; ";
-  EXPECT_EQ(result.err.substr(0, beginning.size()), beginning);
+  EXPECT_EQ(result.messages.substr(0, beginning.size()), beginning);
   if (fs::exists(path)) {
     const RecordedFile file(path);
     file.expectComplete();
     EXPECT_LE(file.bytes().size(), limit);
     EXPECT_GT(file.bytes().size() + file.recordBytes(), limit) << "no whole record is given away";
   } else {
-    EXPECT_EQ(result.err, beginning + "nothing is recorded\n");
+    EXPECT_EQ(result.messages, beginning + "nothing is recorded\n");
   }
   return false;
 }

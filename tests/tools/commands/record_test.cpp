@@ -6,7 +6,7 @@
 #include <functional>
 #include <pugixml.hpp>
 
-#include "tools/support/child.h"
+#include "tools/support/program.h"
 #include "tools/support/recorded_file.h"
 #include "tools/support/recording_run.h"
 #include "tools/support/scratch_folder.h"
@@ -31,11 +31,11 @@ class Recorded : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     folder = new ScratchFolder;
-    ChildSetup setup;
-    setup.environment = {"TZ=CET-1CEST,M3.5.0,M10.5.0/3"};
+    RunOptions options;
+    options.environment = {"TZ=CET-1CEST,M3.5.0,M10.5.0/3"};
     started = std::time(nullptr);
     result =
-        record({(*folder / "out.mf4").string(), "--duration", "400ms", "--rate", "50Hz"}, setup);
+        record({(*folder / "out.mf4").string(), "--duration", "400ms", "--rate", "50Hz"}, options);
     file = new RecordedFile(*folder / "out.mf4");
   }
   static void TearDownTestSuite() {
@@ -45,23 +45,23 @@ class Recorded : public testing::Test {
 
   static ScratchFolder* folder;
   static RecordedFile* file;
-  static ChildResult result;
+  static RunResult result;
   static std::time_t started;
 };
 
 ScratchFolder* Recorded::folder = nullptr;
 RecordedFile* Recorded::file = nullptr;
-ChildResult Recorded::result;
+RunResult Recorded::result;
 std::time_t Recorded::started = 0;
 
 TEST_F(Recorded, FileIsComplete) {
-  EXPECT_EQ(result.exit_code, 0) << result.err;
-  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.exit_code, 0) << result.messages;
+  EXPECT_EQ(result.output, "");
   file->expectComplete();
 }
 
 TEST_F(Recorded, EverySampleIsRecordedOrReportedMissed) {
-  expectSummary(result.err, *folder / "out.mf4", 0.4, 20);
+  expectSummary(result.messages, *folder / "out.mf4", 0.4, 20);
 }
 
 TEST_F(Recorded, TimeIsTheMasterInSecondsAndGrowsFrom0) {
@@ -179,17 +179,17 @@ TEST_F(Recorded, CommentsAreWellFormedXml) {
   EXPECT_EQ(entry.child_value("tool_id"), std::string("mdf"));
   EXPECT_EQ(entry.child_value("tool_vendor"), std::string("The mdf maintainers"));
   EXPECT_EQ("mdf " + std::string(entry.child_value("tool_version")) + "\n",
-            runChild({MDF_PROGRAM, "--version"}).out);
+            run({"--version"}).output);
 }
 
 TEST(RecordHelp, TeachesWithExamples) {
-  const ChildResult result = record({"--help"});
+  const RunResult result = record({"--help"});
   EXPECT_EQ(result.exit_code, 0);
-  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(result.messages, "");
   for (const std::string part :
        {"mdf record [OPTIONS] OUT.mf4", "--duration TIME=10s", "--rate RATE=100Hz", "Ctrl-C",
         "Examples:", "cpu_total", "UnFinMF", "Exit code: 0 "}) {
-    EXPECT_NE(result.out.find(part), std::string::npos) << part << " in\n" << result.out;
+    EXPECT_NE(result.output.find(part), std::string::npos) << part << " in\n" << result.output;
   }
 }
 

@@ -4,12 +4,12 @@
 #include <sys/stat.h>
 
 #include <array>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <thread>
 
+#include "tools/support/scratch_folder.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
@@ -87,7 +87,8 @@ TEST(InputFile, ReadsBeyondFourGibibytes) {
 }
 
 TEST(InputFile, ReadsAPipeIntoMemory) {
-  const std::string path = TempFile().path();
+  const ScratchFolder folder;
+  const std::string path = folder / "pipe";
   ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
   const std::string long_text(100000, 'x');
   std::thread writer([&] { std::ofstream(path) << "0123" << long_text << "789"; });
@@ -98,7 +99,6 @@ TEST(InputFile, ReadsAPipeIntoMemory) {
   EXPECT_EQ(readText(input, 100004, 10), "789");
   EXPECT_EQ(readText(input, 2, 3), "23x");
   EXPECT_EQ(input.streamAt(100006).get(), '9');
-  std::remove(path.c_str());
 }
 
 TEST(InputFile, MissingFileIsNamed) {

@@ -1,21 +1,17 @@
 #include "program.h"
 
 #include <fcntl.h>
-#include <spawn.h>
-#include <sys/types.h>
+#include <poll.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
 #include <stdexcept>
-#include <thread>
 
-extern char** environ;
+#include "channel.h"
+#include "temp_file.h"
 
 namespace mdf_tests {
 
@@ -23,92 +19,11 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-[[noreturn]] void fail(const std::string& what) { throw std::runtime_error("cannot " + what); }
-
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {
-    if (number_ < 0) {
-      fail("open a file for a program's run");
-    }
-  }
-  ~Descriptor() { close(number_); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  int number() const { return number_; }
-
- private:
-  int number_;
-};
-
-/// Descriptors must not leak into other programs that run meanwhile: a terminal would stay open.
-Descriptor emptyFile() {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
-  if (!file) {
-    fail("make a temporary file");
-  }
-  return Descriptor(fcntl(fileno(file.get()), F_DUPFD_CLOEXEC, 0));
-}
-
-/// Reads what there is from the descriptor's position on.
-std::string readAll(int descriptor) {
-  std::string bytes;
-  std::array<char, 64 * 1024> piece;
-  for (;;) {
-    const ssize_t count = ::read(descriptor, piece.data(), piece.size());
-    if (count <= 0) {
-      return bytes;
-    }
-    bytes.append(piece.data(), static_cast<std::size_t>(count));
-  }
-}
-
-std::string contentOf(int descriptor) {
-  lseek(descriptor, 0, SEEK_SET);
-  return readAll(descriptor);
-}
-
-void fill(int descriptor, const std::string& bytes) {
-  std::size_t written = 0;
-  while (written < bytes.size()) {
-    const ssize_t count = ::write(descriptor, bytes.data() + written, bytes.size() - written);
-    if (count < 0) {
-      fail("write a program's input");
-    }
-    written += static_cast<std::size_t>(count);
-  }
-  lseek(descriptor, 0, SEEK_SET);
-}
-
-/// The two ends of a terminal: what the program writes to one is read from the other.
-class Terminal {
- public:
-  Terminal() : near_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-    far_.emplace(grantpt(near_.number()) == 0 && unlockpt(near_.number()) == 0
-                     ? open(ptsname(near_.number()), O_RDWR | O_NOCTTY | O_CLOEXEC)
-                     : -1);
-    termios mode;
-    tcgetattr(far_->number(), &mode);
-    mode.c_oflag &= ~static_cast<tcflag_t>(OPOST);
-    tcsetattr(far_->number(), TCSANOW, &mode);
-    fcntl(near_.number(), F_SETFL, O_NONBLOCK);
-  }
-
-  int programEnd() const { return far_->number(); }
-
-  std::string readSome() const { return readAll(near_.number()); }
-
-  /// With no program's end left, reading delivers all that is on its way, and then fails.
-  std::string readRest() {
-    far_.reset();
-    fcntl(near_.number(), F_SETFL, 0);
-    return readAll(near_.number());
-  }
-
- private:
-  Descriptor near_;
-  std::optional<Descriptor> far_;
+/// What a program starts with as its standard streams.
+struct Streams {
+  int input;
+  int output;
+  int error;
 };
 
 std::vector<char*> pointersTo(std::vector<std::string>& strings) {
@@ -135,44 +50,94 @@ std::vector<std::string> environmentWith(const std::vector<std::string>& additio
   return all;
 }
 
-pid_t start(const std::vector<std::string>& arguments, const RunOptions& options, int input,
-            int output, int messages) {
+/// Makes a new process what its program expects. Calls what may be called behind a fork only.
+void prepareProcess(const RunOptions& options, const Streams& streams) {
+  dup2(streams.input, STDIN_FILENO);
+  dup2(streams.output, STDOUT_FILENO);
+  dup2(streams.error, STDERR_FILENO);
+  for (const int signal : {SIGINT, SIGTERM, SIGXFSZ}) {
+    std::signal(signal, SIG_DFL);
+  }
+  std::signal(SIGHUP, options.ignore_hangup ? SIG_IGN : SIG_DFL);
+  if (options.file_size_limit) {
+    const auto bytes = static_cast<rlim_t>(*options.file_size_limit);
+    const rlimit limit{bytes, bytes};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+}
+
+pid_t start(const std::vector<std::string>& arguments, const RunOptions& options,
+            const Streams& streams) {
   std::vector<std::string> command{options.program};
   command.insert(command.end(), arguments.begin(), arguments.end());
   std::vector<std::string> environment = environmentWith(options.environment);
-
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, messages, STDERR_FILENO);
-  pid_t process;
-  const int error = posix_spawn(&process, options.program.c_str(), &actions, nullptr,
-                                pointersTo(command).data(), pointersTo(environment).data());
-  posix_spawn_file_actions_destroy(&actions);
-  if (error != 0) {
-    fail("run " + options.program);
+  const std::vector<char*> command_pointers = pointersTo(command);
+  const std::vector<char*> environment_pointers = pointersTo(environment);
+  const pid_t process = fork();
+  if (process < 0) {
+    throw std::runtime_error("cannot run " + options.program);
+  }
+  if (process == 0) {
+    prepareProcess(options, streams);
+    execve(options.program.c_str(), command_pointers.data(), environment_pointers.data());
+    _exit(127);
   }
   return process;
 }
 
-/// Waits for the program's end, calls `meanwhile` again and again, and signals when it is time.
-template <class Meanwhile>
-int waitFor(pid_t process, const RunOptions& options, Meanwhile meanwhile) {
-  const Clock::time_point begin = Clock::now();
-  bool to_be_signalled = options.signal_after.has_value();
-  int status;
+/// Sends a running program its signal when it is time, and kills it when it runs too long.
+class Interrupter {
+ public:
+  Interrupter(pid_t process, const RunOptions& options) : process_(process), options_(options) {}
+
+  void interruptWhenDue() {
+    const Clock::time_point now = Clock::now();
+    if (now - start_ >= options_.time_limit) {
+      kill(process_, SIGKILL);
+    }
+    if (!options_.signal_after || is_sent_) {
+      return;
+    }
+    if (!ready_ && options_.signal_when()) {
+      ready_ = now;
+    }
+    if (ready_ && now - *ready_ >= *options_.signal_after) {
+      kill(process_, options_.signal);
+      is_sent_ = true;
+    }
+  }
+
+ private:
+  pid_t process_;
+  const RunOptions& options_;
+  Clock::time_point start_ = Clock::now();
+  std::optional<Clock::time_point> ready_;
+  bool is_sent_ = false;
+};
+
+/// Reads what has been written, or comes back after a short while.
+void readFrom(Channel& output, Channel& error) {
+  std::array<pollfd, 2> ends = {
+      {{output.readingEnd(), POLLIN, 0}, {error.readingEnd(), POLLIN, 0}}};
+  poll(ends.data(), ends.size(), 1);
+  if (ends[0].revents != 0) {
+    output.readSome();
+  }
+  if (ends[1].revents != 0) {
+    error.readSome();
+  }
+}
+
+/// Reads what the program writes up to its end. Returns its exit code.
+int follow(pid_t process, const RunOptions& options, Channel& output, Channel& error) {
+  Interrupter interrupter(process, options);
+  int status = 0;
   while (waitpid(process, &status, WNOHANG) == 0) {
-    const auto elapsed = Clock::now() - begin;
-    if (to_be_signalled && elapsed >= *options.signal_after) {
-      kill(process, options.signal);
-      to_be_signalled = false;
-    }
-    if (elapsed >= options.time_limit) {
-      kill(process, SIGKILL);
-    }
-    meanwhile();
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    interrupter.interruptWhenDue();
+    readFrom(output, error);
+  }
+  while (output.readingEnd() >= 0 || error.readingEnd() >= 0) {
+    readFrom(output, error);
   }
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
@@ -180,31 +145,22 @@ int waitFor(pid_t process, const RunOptions& options, Meanwhile meanwhile) {
 }  // namespace
 
 RunResult run(const std::vector<std::string>& arguments, const RunOptions& options) {
-  const Descriptor input = emptyFile();
-  const Descriptor captured = emptyFile();
-  const Descriptor messages = emptyFile();
-  fill(input.number(), options.input);
-
-  std::optional<Terminal> terminal;
+  const TempFile input_file(options.input);
+  const Descriptor input(open(input_file.path().c_str(), O_RDONLY | O_CLOEXEC));
+  // Files would be subject to the limit on their size.
+  Channel output = options.output_is_terminal ? Channel::terminal() : Channel::pipe();
+  Channel error = options.error_is_terminal ? Channel::terminal() : Channel::pipe();
   std::optional<Descriptor> file;
-  int output = captured.number();
-  if (options.output_is_terminal) {
-    output = terminal.emplace().programEnd();
-  } else if (!options.output_path.empty()) {
-    output =
-        file.emplace(open(options.output_path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC)).number();
+  if (!options.output_path.empty()) {
+    file.emplace(open(options.output_path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
   }
-
-  RunResult result;
-  const pid_t process = start(arguments, options, input.number(), output, messages.number());
-  result.exit_code = waitFor(process, options, [&] {
-    if (terminal) {
-      result.output += terminal->readSome();
-    }
-  });
-  result.output += terminal ? terminal->readRest() : contentOf(captured.number());
-  result.messages = contentOf(messages.number());
-  return result;
+  const pid_t process =
+      start(arguments, options,
+            {input.number(), file ? file->number() : output.programEnd(), error.programEnd()});
+  output.closeProgramEnd();
+  error.closeProgramEnd();
+  const int exit_code = follow(process, options, output, error);
+  return {exit_code, output.text(), error.text()};
 }
 
 }  // namespace mdf_tests

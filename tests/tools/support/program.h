@@ -3,6 +3,8 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,11 +24,19 @@ struct RunOptions {
   /// Standard output goes to this file, which exists, instead of into the result.
   std::string output_path;
 
-  /// Standard output is a terminal that passes all bytes on unchanged. Good for a few kilobytes.
+  /// Standard output or standard error is a terminal that passes all bytes on unchanged.
   bool output_is_terminal = false;
+  bool error_is_terminal = false;
 
-  /// How long after the start the program is sent `signal`, if it still runs.
+  /// The program cannot make a file longer than so many bytes, as on a full disk.
+  std::optional<std::uint64_t> file_size_limit;
+
+  /// The program starts with SIGHUP ignored, as under nohup.
+  bool ignore_hangup = false;
+
+  /// How long after `signal_when` first holds the program is sent `signal`, if it still runs.
   std::optional<std::chrono::milliseconds> signal_after;
+  std::function<bool()> signal_when = [] { return true; };
   int signal = SIGINT;
 
   /// A program that runs longer is killed.
@@ -35,12 +45,13 @@ struct RunOptions {
 
 /// What came of a run.
 struct RunResult {
-  int exit_code;         ///< as a shell gives it: 128 and the signal's number for a killed program
+  /// As a shell gives it: 128 and the signal's number for a killed program, 127 when there is none.
+  int exit_code = -1;
   std::string output;    ///< what went to standard output
   std::string messages;  ///< what went to standard error
 };
 
-/// Runs a program to its end.
+/// Runs a program to its end. It starts with the default actions for the signals that end programs.
 RunResult run(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
 }  // namespace mdf_tests

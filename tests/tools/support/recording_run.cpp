@@ -8,10 +8,10 @@
 
 namespace mdf_tests {
 
-ChildResult record(const std::vector<std::string>& arguments, const ChildSetup& setup) {
-  std::vector<std::string> command = {MDF_PROGRAM, "record"};
+RunResult record(const std::vector<std::string>& arguments, const RunOptions& options) {
+  std::vector<std::string> command = {"record"};
   command.insert(command.end(), arguments.begin(), arguments.end());
-  return runChild(command, setup);
+  return run(command, options);
 }
 
 Summary summaryOf(const std::string& errors) {

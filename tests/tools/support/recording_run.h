@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "child.h"
+#include "program.h"
 
 namespace mdf_tests {
 
 /// Runs "mdf record" with these arguments.
-ChildResult record(const std::vector<std::string>& arguments, const ChildSetup& setup = {});
+RunResult record(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
 /// What the program says at the end of a recording.
 struct Summary {

@@ -4,15 +4,14 @@
 #include <cstdint>
 #include <string>
 
+#include "scratch_folder.h"
+
 namespace mdf_tests {
 
 /// A file with the given bytes that is removed again with the object.
 class TempFile {
  public:
   explicit TempFile(const std::string& bytes = {});
-  ~TempFile();
-  TempFile(const TempFile&) = delete;
-  TempFile& operator=(const TempFile&) = delete;
 
   const std::string& path() const { return path_; }
 
@@ -20,6 +19,7 @@ class TempFile {
   void writeAt(std::uint64_t offset, const std::string& bytes);
 
  private:
+  ScratchFolder folder_;
   std::string path_;
 };
 
