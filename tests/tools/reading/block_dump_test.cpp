@@ -27,9 +27,8 @@ namespace {
 Dumped blockDump(InputFile& file, std::uint64_t offset) {
   std::ostringstream os;
   Dumped dump;
-  dumpBlock(file, *mdf_tools::readRawBlock(file, offset), os, [&](const Finding& finding) {
-    dump.findings += std::to_string(finding.offset) + ": " + finding.sentence + "\n";
-  });
+  dumpBlock(file, *mdf_tools::readRawBlock(file, offset), os,
+            [&](const Finding& finding) { dump.findings += findingLine(finding); });
   dump.output = os.str();
   return dump;
 }

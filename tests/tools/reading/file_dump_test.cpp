@@ -3,14 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <memory>
 #include <regex>
 #include <string>
 
 #include "reading/input_file.h"
 #include "reading/output_buffer.h"
 #include "support/bytes.h"
+#include "tools/support/c_file.h"
 #include "tools/support/dumped.h"
 #include "tools/support/healthy_file.h"
 #include "tools/support/mdf_bytes.h"
@@ -107,8 +106,7 @@ TEST(FileDump, EndsWhenTheOutputFails) {
   bytes += Bytes().header("HD", 103, 6).zeros(80).str();
   const TempFile file(bytes);
   InputFile input(file.path());
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> full(std::fopen("/dev/full", "wb"),
-                                                             std::fclose);
+  const CFile full = fullFile();
   OutputBuffer output(full.get(), OutputBuffer::Bytes::as_they_are);
   int findings = 0;
   mdf_tools::dumpFile(input, output, [&](const Finding&) { ++findings; });

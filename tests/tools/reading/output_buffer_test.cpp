@@ -5,24 +5,15 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <memory>
 #include <ostream>
 #include <string>
 
+#include "tools/support/c_file.h"
+
+using namespace mdf_tests;
 using mdf_tools::OutputBuffer;
 
 namespace {
-
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
-File openFile(const char* path) { return {std::fopen(path, "wb"), std::fclose}; }
-
-std::string contentOf(std::FILE* file) {
-  std::string bytes(100000, '?');
-  std::rewind(file);
-  bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
-  return bytes;
-}
 
 off_t sizeOnDisk(std::FILE* file) {
   struct stat status;
@@ -40,7 +31,7 @@ std::string everyByte() {
 
 /// What arrives in a file of the text, written as a string and then again character by character.
 std::string passed(const std::string& text, OutputBuffer::Bytes bytes) {
-  const File file(std::tmpfile(), std::fclose);
+  const CFile file = temporaryFile();
   OutputBuffer output(file.get(), bytes);
   std::ostream os(&output);
   os << text;
@@ -91,7 +82,7 @@ TEST(OutputBuffer, TerminalGetsLongTextsWhole) {
 }
 
 TEST(OutputBuffer, LineEndsDoNotFlush) {
-  const File file(std::tmpfile(), std::fclose);
+  const CFile file = temporaryFile();
   OutputBuffer output(file.get(), OutputBuffer::Bytes::as_they_are);
   std::ostream os(&output);
   os << "line" << std::endl;
@@ -101,7 +92,7 @@ TEST(OutputBuffer, LineEndsDoNotFlush) {
 }
 
 TEST(OutputBuffer, FullDiskIsAnError) {
-  const File full = openFile("/dev/full");
+  const CFile full = fullFile();
   OutputBuffer output(full.get(), OutputBuffer::Bytes::as_they_are);
   std::ostream os(&output);
   os << "text" << std::flush;
@@ -113,7 +104,7 @@ TEST(OutputBuffer, FullDiskIsAnError) {
 
 TEST(OutputBuffer, FullDiskEndsALongWrite) {
   for (const auto bytes : {OutputBuffer::Bytes::as_they_are, OutputBuffer::Bytes::for_a_terminal}) {
-    const File full = openFile("/dev/full");
+    const CFile full = fullFile();
     OutputBuffer output(full.get(), bytes);
     std::ostream os(&output);
     os << std::string(1000000, 'x');

@@ -7,6 +7,7 @@
 #include "reading/input_file.h"
 #include "support/allocation_counter.h"
 #include "support/bytes.h"
+#include "tools/support/dumped.h"
 #include "tools/support/mdf_bytes.h"
 #include "tools/support/temp_file.h"
 
@@ -23,9 +24,8 @@ std::string walked(const std::string& bytes) {
   const TempFile file(bytes);
   InputFile input(file.path());
   std::string findings;
-  const auto blocks = walkBlocks(input, [&](const Finding& finding) {
-    findings += std::to_string(finding.offset) + ": " + finding.sentence + "\n";
-  });
+  const auto blocks =
+      walkBlocks(input, [&](const Finding& finding) { findings += findingLine(finding); });
   std::string text;
   for (const RawBlock& block : blocks) {
     text += block.name() + " " + std::to_string(block.offset) + " " + std::to_string(block.length) +

@@ -1,9 +1,6 @@
 #include "dumped.h"
 
-#include <cstdio>
-#include <memory>
-#include <vector>
-
+#include "c_file.h"
 #include "reading/file_dump.h"
 #include "reading/input_file.h"
 #include "reading/output_buffer.h"
@@ -12,26 +9,19 @@
 
 namespace mdf_tests {
 
-namespace {
-
-std::string contentOf(std::FILE* file) {
-  std::string bytes(static_cast<std::size_t>(std::ftell(file)), '\0');
-  std::rewind(file);
-  bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
-  return bytes;
+std::string findingLine(const mdf_tools::Finding& finding) {
+  return std::to_string(finding.offset) + ": " + finding.sentence + "\n";
 }
 
-}  // namespace
-
 Dumped dumpedFile(const std::string& path, std::size_t allocation_limit) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> printed(std::tmpfile(), std::fclose);
+  const CFile printed = temporaryFile();
   mdf_tools::InputFile file(path);
   mdf_tools::OutputBuffer output(printed.get(), mdf_tools::OutputBuffer::Bytes::as_they_are);
   Dumped result;
   {
     const AllocationLimit limit(allocation_limit);
     mdf_tools::dumpFile(file, output, [&](const mdf_tools::Finding& finding) {
-      result.findings += std::to_string(finding.offset) + ": " + finding.sentence + "\n";
+      result.findings += findingLine(finding);
     });
   }
   result.output = contentOf(printed.get());

@@ -4,12 +4,17 @@
 #include <cstddef>
 #include <string>
 
+#include "reading/finding.h"
+
 namespace mdf_tests {
+
+/// "offset: sentence" with the end of the line.
+std::string findingLine(const mdf_tools::Finding& finding);
 
 /// What became of a file's dump.
 struct Dumped {
   std::string output;
-  std::string findings;  ///< "offset: sentence", one a line
+  std::string findings;  ///< their lines
 };
 
 /// Dumps a file with these bytes in this process.

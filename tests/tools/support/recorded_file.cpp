@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 
+#include "float_bits.h"
 #include "scratch_folder.h"
 
 namespace mdf_tests {
@@ -130,15 +130,7 @@ double RecordedFile::valueOf(const RecordedChannel& channel, std::uint64_t recor
     return static_cast<double>(bits);
   }
   EXPECT_EQ(channel.data_type, floating_point) << channel.name;
-  if (channel.bit_count == 32) {
-    const auto low_bits = static_cast<std::uint32_t>(bits);
-    float value;
-    std::memcpy(&value, &low_bits, sizeof value);
-    return value;
-  }
-  double value;
-  std::memcpy(&value, &bits, sizeof value);
-  return value;
+  return channel.bit_count == 32 ? static_cast<double>(floatOf(bits)) : doubleOf(bits);
 }
 
 void RecordedFile::expectComplete() const {

@@ -1,8 +1,8 @@
 #include "signals.h"
 
-#include <cstdint>
-#include <cstring>
 #include <sstream>
+
+#include "float_bits.h"
 
 namespace mdf_tests {
 
@@ -26,10 +26,7 @@ std::string valuesOf(const std::vector<mdf_tools::Signal>& signals,
   for (std::size_t i = 0; i < signals.size(); ++i) {
     lines << signals[i].name << ' ';
     if (signals[i].data_type == CNBLOCK::CN_DATATYPE_FLOAT_LE && signals[i].bytes == 4) {
-      const auto bits = static_cast<std::uint32_t>(values[i]);
-      float value;
-      std::memcpy(&value, &bits, sizeof value);
-      lines << value << '\n';
+      lines << floatOf(values[i]) << '\n';
     } else {
       lines << values[i] << '\n';
     }
