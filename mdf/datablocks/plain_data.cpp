@@ -1,11 +1,8 @@
 #include "plain_data.h"
 
-#include <algorithm>
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <istream>
-#include <limits>
 
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
@@ -22,9 +19,7 @@ UINT64 plainDataSize(const std::vector<UINT8>& data) {
 }  // namespace
 
 void readSizedData(std::istream& is, UINT64 size, std::vector<UINT8>& data) {
-  // A size that this host cannot hold must fail, not be cut.
-  data.resize(
-      static_cast<std::size_t>(std::min<UINT64>(size, std::numeric_limits<std::size_t>::max())));
+  data.resize(hostSize(size));
   readOrBad(is, reinterpret_cast<char*>(data.data()), data.size());
 }
 

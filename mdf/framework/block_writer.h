@@ -50,6 +50,7 @@ class BlockWriter {
 
   template <class Fields, class Block>
   void fields(const Fields& fields, const Block& block) {
+    static_assert(Fields::width() <= frame_size, "a data section goes into one frame");
     fields.put(room(fields.width()), block);
   }
 

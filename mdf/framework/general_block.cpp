@@ -5,7 +5,7 @@
 namespace mdf_v4_10 {
 
 GENERALBLOCK::GENERALBLOCK(std::uint16_t id, UINT64 length, UINT64 linkCount)
-    : header(MDF_Block_ID(id)), links(static_cast<std::size_t>(linkCount), LINK{0}) {
+    : header(MDF_Block_ID(id)), links(detail::hostSize(linkCount), LINK{0}) {
   header.length = length;
   header.link_count = linkCount;
 }

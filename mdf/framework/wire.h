@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <type_traits>
 
 namespace mdf_v4_10::detail {
@@ -15,6 +16,13 @@ inline constexpr bool host_is_big_endian = true;
 #else
 inline constexpr bool host_is_big_endian = false;
 #endif
+
+/// A 64-bit size from a file or a caller as this host's own. One that the host cannot hold becomes
+/// the largest there is: it must fail where memory is asked for, not be cut to one that fits.
+constexpr std::size_t hostSize(std::uint64_t size) {
+  constexpr std::size_t largest = std::numeric_limits<std::size_t>::max();
+  return size < largest ? static_cast<std::size_t>(size) : largest;
+}
 
 template <std::size_t Width>
 using UnsignedOfWidth = std::conditional_t<

@@ -311,6 +311,9 @@ TEST(Reading, CCBLOCK) {
   EXPECT_EQ(block.getInverseCcblock(), 4);
   EXPECT_EQ(block.cc_refs, (Links{11, 12}));
   EXPECT_BYTES(written(block), bytes);
+
+  auto further = fileWith(Bytes().header("CC", 80 + 8, 5).links({1, 2, 3, 4, 11}).zeros(24));
+  EXPECT_EQ(CCBLOCK(further).cc_refs, Links{});
 }
 
 /// Everything behind the header is data, links as well, and the block writes what it read.
@@ -428,6 +431,26 @@ TEST(Reading, SRBLOCK) {
   EXPECT_TRUE(block.isValidationBytesFlag());
   const LINK data = block.links[SRBLOCK::SR_BLOCK_LINKS_NUM + SRBLOCK::sr_data];
   EXPECT_EQ(data, 2);
+}
+
+/// A block whose length claims 100 bytes more than its type has.
+template <class Block>
+void expectReadByItsSize(std::size_t size) {
+  std::istringstream is(Bytes().header("XX", size + 100, 0).zeros(size + 100));
+  const Block block(is);
+  EXPECT_EQ(is.rdstate(), state_good);
+  EXPECT_EQ(static_cast<std::size_t>(is.tellg()), size);
+  EXPECT_EQ(block.header.length, size + 100);
+}
+
+TEST(Reading, BlocksOfFixedSizeByThatSize) {
+  expectReadByItsSize<HDBLOCK>(104);
+  expectReadByItsSize<FHBLOCK>(56);
+  expectReadByItsSize<DGBLOCK>(64);
+  expectReadByItsSize<CGBLOCK>(104);
+  expectReadByItsSize<SIBLOCK>(56);
+  expectReadByItsSize<HLBLOCK>(40);
+  expectReadByItsSize<SRBLOCK>(64);
 }
 
 TEST(Reading, AnyBlockAsAnyOther) {

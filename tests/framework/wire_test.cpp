@@ -176,4 +176,16 @@ TEST(Decoder, TakesValuesOneBehindTheOther) {
 
 TEST(Decoder, TakesNothingFromNoBytes) { EXPECT_EQ(Decoder(nullptr, 0).remaining(), 0U); }
 
+TEST(Wire, SizeThatTheHostCannotHoldIsTheLargestItHas) {
+  constexpr std::size_t largest = std::numeric_limits<std::size_t>::max();
+  EXPECT_EQ(hostSize(0), 0U);
+  EXPECT_EQ(hostSize(12345), 12345U);
+  EXPECT_EQ(hostSize(0xFFFFFFFFU), 0xFFFFFFFFU);
+  EXPECT_EQ(hostSize(largest), largest);
+  EXPECT_EQ(hostSize(UINT64_MAX), largest);
+  if constexpr (sizeof(std::size_t) < sizeof(std::uint64_t)) {
+    EXPECT_EQ(hostSize(std::uint64_t{1} << 32U), largest);
+  }
+}
+
 }  // namespace
