@@ -55,9 +55,9 @@ class Progress {
 
   void show(double seconds, mdf_v4_10::UINT64 records, mdf_v4_10::UINT64 missed) {
     if (is_terminal_ && seconds >= next_) {
-      std::fprintf(stderr, "\r%.0f s, %llu records, %llu samples missed", seconds,
-                   static_cast<unsigned long long>(records),
-                   static_cast<unsigned long long>(missed));
+      (void)std::fprintf(stderr, "\r%.0f s, %llu records, %llu samples missed", seconds,
+                         static_cast<unsigned long long>(records),
+                         static_cast<unsigned long long>(missed));
       next_ = seconds + 1;
       shown_ = true;
     }
@@ -65,7 +65,7 @@ class Progress {
   /// Takes the line away, for what is printed next.
   void end() {
     if (shown_) {
-      std::fputs("\r\033[K", stderr);
+      (void)std::fputs("\r\033[K", stderr);
       shown_ = false;
     }
   }
@@ -95,13 +95,13 @@ void settle(Machine& machine) {
 
 void summarise(const Recorder& recorder, const Request& request, double rate, double seconds,
                mdf_v4_10::UINT64 missed) {
-  std::fprintf(stderr, "recorded %s of %s in %.1f s to %s, %s missed\n",
-               counted(recorder.records(), "record").c_str(),
-               counted(recorder.channels(), "channel").c_str(), seconds, request.path.c_str(),
-               counted(missed, "sample").c_str());
+  (void)std::fprintf(stderr, "recorded %s of %s in %.1f s to %s, %s missed\n",
+                     counted(recorder.records(), "record").c_str(),
+                     counted(recorder.channels(), "channel").c_str(), seconds, request.path.c_str(),
+                     counted(missed, "sample").c_str());
   if (missed > 0) {
-    std::fprintf(stderr, "a rate of %s Hz could not be kept all the time\n",
-                 shortNumber(rate).c_str());
+    (void)std::fprintf(stderr, "a rate of %s Hz could not be kept all the time\n",
+                       shortNumber(rate).c_str());
   }
 }
 

@@ -32,6 +32,7 @@ class RecordingBlocks {
  public:
   /// The first channel is the time master.
   RecordingBlocks(const std::vector<Signal>& channels, const RecordingInfo& info);
+  ~RecordingBlocks() = default;
   RecordingBlocks(const RecordingBlocks&) = delete;
   RecordingBlocks& operator=(const RecordingBlocks&) = delete;
 

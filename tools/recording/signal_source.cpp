@@ -22,14 +22,14 @@ Signal uint64Signal(std::string name, std::string unit) {
 }
 
 UINT64 bitsOf(double value) {
-  UINT64 bits;
+  UINT64 bits = 0;
   static_assert(sizeof bits == sizeof value);
   std::memcpy(&bits, &value, sizeof bits);
   return bits;
 }
 
 UINT64 bitsOf(float value) {
-  std::uint32_t bits;
+  std::uint32_t bits = 0;
   static_assert(sizeof bits == sizeof value);
   std::memcpy(&bits, &value, sizeof bits);
   return bits;
