@@ -257,6 +257,15 @@ TEST(ATBLOCK, LinkSetterFillsUpAShortLinkSection) {
   EXPECT_EQ(block.header.link_count, 4U);
 }
 
+TEST(ATBLOCK, LinkSetterLeavesTheLinkCountOfALinkSectionWithFourLinks) {
+  ATBLOCK block;
+  block.links = {1, 2, 3, 4};
+  block.header.link_count = 9;
+  block.setMDBlock(77);
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{1, 2, 3, 77}));
+  EXPECT_EQ(block.header.link_count, 9U);
+}
+
 TEST(ATBLOCK, LinkSetterLeavesALongerLinkSectionAsItIs) {
   ATBLOCK block;
   block.links = {1, 2, 3, 4, 5};

@@ -311,6 +311,36 @@ TEST(BlockBody, AsManyLinksAsFitAreTaken) {
   EXPECT_EQ(block.body.in.remaining(), 8U);
 }
 
+TEST(BlockBody, WithoutLinksTheFieldsFollowTheHeader) {
+  for (const std::uint64_t link_count : {std::uint64_t{0}, std::uint64_t{1}, UINT64_MAX}) {
+    SCOPED_TRACE(link_count);
+    std::istringstream is(Bytes().header("??", 24 + 10, link_count).text("fieldsrest"));
+    GENERALBLOCK base(0x5958);
+    BlockBody body;
+    ASSERT_TRUE(body.readWithoutLinks(is, base, 6, LengthBits::all_64));
+    EXPECT_EQ(is.rdstate(), state_good);
+    EXPECT_BYTES(written(base.header), Bytes().header("XY", 24 + 10, link_count));
+    EXPECT_TRUE(base.links.empty());
+    EXPECT_EQ(std::string(body.in.position(), body.in.remaining()), "fieldsrest");
+  }
+}
+
+TEST(BlockBody, WithoutLinksTheFieldsMustFit) {
+  const struct {
+    std::uint64_t length;
+    std::ios_base::iostate state;
+  } cases[] = {{23, state_bad}, {24 + 5, state_bad}, {24 + 11, state_eof_fail}};
+  for (const auto& [length, state] : cases) {
+    SCOPED_TRACE(length);
+    std::istringstream is(Bytes().header("??", length, 0).text("fieldsrest"));
+    GENERALBLOCK base(0x5958);
+    BlockBody body;
+    EXPECT_FALSE(body.readWithoutLinks(is, base, 6, LengthBits::all_64));
+    EXPECT_EQ(is.rdstate(), state);
+    EXPECT_BYTES(written(base.header), Bytes().header("XY", length, 0));
+  }
+}
+
 TEST(BlockBody, AStreamThatThrowsMayThrow) {
   for (const std::size_t size : {100U, 600U, 200000U}) {
     SCOPED_TRACE(size);

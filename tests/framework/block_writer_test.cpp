@@ -255,6 +255,33 @@ CNBLOCK channelWithAttachments() {
   return block;
 }
 
+CHBLOCK hierarchyWithElements() {
+  CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
+  block.channels.resize(300);
+  return block;
+}
+
+EVBLOCK eventWithLists() {
+  EVBLOCK block(EVBLOCK::EV_TYPE_MARKER, EVBLOCK::EV_SYNCTYPE_SECONDS, EVBLOCK::EV_RANGETYPE_POINT,
+                EVBLOCK::EV_CAUSETYPE_USER);
+  block.ev_scope = distinctLinks(300);
+  block.ev_at_reference = distinctLinks(300);
+  return block;
+}
+
+CCBLOCK conversionWithLists() {
+  CCBLOCK block(CCBLOCK::CC_CONVTYPE_LINEAR);
+  block.cc_refs = distinctLinks(300);
+  block.cc_vals.resize(300);
+  return block;
+}
+
+DLBLOCK dataList(bool equal_length) {
+  DLBLOCK block(equal_length, 1);
+  block.dl_data.resize(300);
+  return block;
+}
+
 TEST(AllocationMeter, CountsEveryKindOfAllocation) {
   const AllocationMeter meter;
   ::operator delete(::operator new(1));
@@ -290,12 +317,17 @@ TEST(BlockWriter, NothingIsAllocatedForFileBlocks) {
   expectWritesWithoutAllocating(TXBLOCK(long_text.data(), long_text.size()));
   expectWritesWithoutAllocating(MDBLOCK("abc", 3));
   expectWritesWithoutAllocating(MDBLOCK(long_text.data(), long_text.size()));
+  expectWritesWithoutAllocating(hierarchyWithElements());
+  expectWritesWithoutAllocating(ATBLOCK(long_text.data(), long_text.size()));
+  expectWritesWithoutAllocating(eventWithLists());
 }
 
 TEST(BlockWriter, NothingIsAllocatedForDescriptionBlocks) {
   expectWritesWithoutAllocating(DGBLOCK(1, 2, 3, DGBLOCK::DG_UINT8));
   expectWritesWithoutAllocating(CGBLOCK());
   expectWritesWithoutAllocating(channelWithAttachments());
+  expectWritesWithoutAllocating(SIBLOCK());
+  expectWritesWithoutAllocating(conversionWithLists());
 }
 
 TEST(BlockWriter, NothingIsAllocatedForDataBlocks) {
@@ -303,6 +335,12 @@ TEST(BlockWriter, NothingIsAllocatedForDataBlocks) {
   expectWritesWithoutAllocating(DTBLOCK(data.data(), data.size()));
   expectWritesWithoutAllocating(RDBLOCK(data.data(), data.size()));
   expectWritesWithoutAllocating(SDBLOCK(data.data(), data.size()));
+  expectWritesWithoutAllocating(dataList(true));
+  expectWritesWithoutAllocating(dataList(false));
+  expectWritesWithoutAllocating(
+      DZBLOCK(DTBLOCK::MDF_DT_ID, DZBLOCK::DZ_ZIPTYPE_DEFLATE, data.data(), data.size()));
+  expectWritesWithoutAllocating(HLBLOCK(1, true, DZBLOCK::DZ_ZIPTYPE_DEFLATE));
+  expectWritesWithoutAllocating(SRBLOCK(1, 0.5, SRBLOCK::SR_SYNCTYPE_TIME_SECONDS, 1, 2));
   expectWritesWithoutAllocating(IDTSDATABLOCK(1, 2));
   expectWritesWithoutAllocating(IDTSDATABLOCK64(1, 2));
   expectWritesWithoutAllocating(VALUEDATABLOCK(1, 8));

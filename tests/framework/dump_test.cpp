@@ -54,6 +54,26 @@ void expectFlushesEveryLine(const Block& block) {
   EXPECT_FALSE(sink.flushes.empty());
 }
 
+CHBLOCK hierarchyWithElement() {
+  CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
+  block.addChannelElement(1, 2, 3);
+  return block;
+}
+
+ATBLOCK attachmentWithChecksum() {
+  ATBLOCK block("abc", 3);
+  block.setMD5ChecksumFlag(true);
+  return block;
+}
+
+EVBLOCK eventWithLists() {
+  EVBLOCK block(EVBLOCK::EV_TYPE_MARKER, EVBLOCK::EV_SYNCTYPE_SECONDS, EVBLOCK::EV_RANGETYPE_POINT,
+                EVBLOCK::EV_CAUSETYPE_USER);
+  block.addScope(1);
+  block.addAttachment(2);
+  return block;
+}
+
 TEST(Dump, FramesItsLinesWithBanners) {
   std::ostringstream os;
   Dump dump(os, "XYBLOCK");
@@ -154,13 +174,22 @@ TEST(Dump, EveryLineEndFlushesTheStream) {
   expectFlushesEveryLine(FHBLOCK(1, 2, 3, 4));
   expectFlushesEveryLine(TXBLOCK("abc", 3));
   expectFlushesEveryLine(MDBLOCK("abc", 3));
+  expectFlushesEveryLine(hierarchyWithElement());
+  expectFlushesEveryLine(attachmentWithChecksum());
+  expectFlushesEveryLine(eventWithLists());
   expectFlushesEveryLine(DGBLOCK(1, 2, 3, DGBLOCK::DG_UINT8));
   expectFlushesEveryLine(CGBLOCK());
   expectFlushesEveryLine(CNBLOCK(CNBLOCK::CN_CHANNELTYPE_MASTER, CNBLOCK::CN_SYNCTYPE_TIME,
                                  CNBLOCK::CN_DATATYPE_UINT_LE, 1, 2, 3));
+  expectFlushesEveryLine(SIBLOCK());
+  expectFlushesEveryLine(CCBLOCK(CCBLOCK::CC_CONVTYPE_LINEAR));
   expectFlushesEveryLine(DTBLOCK());
   expectFlushesEveryLine(SDBLOCK());
   expectFlushesEveryLine(RDBLOCK(nullptr, 0));
+  expectFlushesEveryLine(DLBLOCK(true, 1));
+  expectFlushesEveryLine(DZBLOCK(DTBLOCK::MDF_DT_ID, DZBLOCK::DZ_ZIPTYPE_DEFLATE, nullptr, 0));
+  expectFlushesEveryLine(HLBLOCK(1, true, DZBLOCK::DZ_ZIPTYPE_DEFLATE));
+  expectFlushesEveryLine(SRBLOCK(1, 0.5, SRBLOCK::SR_SYNCTYPE_TIME_SECONDS, 1, 2));
 }
 
 TEST(Dump, RowSizeForCallersWhoLayOutRows) { EXPECT_EQ(HEXDUMP_DEFAULT_ROWSIZE, 16U); }

@@ -194,6 +194,8 @@ TEST(GENERALBLOCK, StoringAMissingLinkPutsNilLinksInFrontOfIt) {
   EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, 7}));
   block.setLinkAt(0, 5);
   EXPECT_EQ(linksOf(block), (std::vector<LINK>{5, 0, 7}));
+  block.setLinkAt(3, 8);
+  EXPECT_EQ(linksOf(block), (std::vector<LINK>{5, 0, 7, 8}));
   EXPECT_EQ(block.header.link_count, 0U);
 }
 
