@@ -1,10 +1,24 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <string>
 
 #include "commands/command.h"
 
 namespace {
+
+/// The first word of the command line where a command belongs, if it is none.
+std::string unknownCommand(const CLI::App& app, int argc, char** argv) {
+  const std::string word = argc > 1 ? argv[1] : "";
+  const auto is_named_so = [&](const CLI::App* command) { return command->check_name(word); };
+  const bool is_option = word.empty() || word.front() == '-';
+  return is_option || !app.get_subcommands(is_named_so).empty() ? "" : word;
+}
+
+int complain(const std::string& sentence) {
+  std::cerr << "mdf: " << sentence << '\n';
+  return mdf_tools::exit_unusable;
+}
 
 int run(int argc, char** argv) {
   CLI::App app("Record, inspect and check ASAM MDF 4 measurement files.", "mdf");
@@ -16,13 +30,19 @@ int run(int argc, char** argv) {
   mdf_tools::addRecordCommand(app, exit_code);
   mdf_tools::addDumpCommand(app, exit_code);
 
+  if (argc == 1) {
+    return complain("no command; run 'mdf --help' for what there is");
+  }
+  const std::string unknown = unknownCommand(app, argc, argv);
+  if (!unknown.empty()) {
+    return complain("there is no command \"" + unknown + "\"; run 'mdf --help' for what there is");
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {  // --help, --version
     return app.exit(request);
   } catch (const CLI::ParseError& error) {
-    std::cerr << "mdf: " << error.what() << '\n';
-    return mdf_tools::exit_unusable;
+    return complain(error.what());
   }
   return exit_code;
 }
