@@ -19,6 +19,7 @@ namespace {
 /// Opens up what a block class builds on.
 class Block : public GENERALBLOCK {
  public:
+  using GENERALBLOCK::copyEntryAt;
   using GENERALBLOCK::GENERALBLOCK;
 
   using GENERALBLOCK::entryAt;
@@ -231,6 +232,18 @@ TEST(GENERALBLOCK, RemovingAListEntryMovesLaterOnesForward) {
   Block::removeEntryAt(list, 0);
   Block::removeEntryAt(list, 0);
   EXPECT_TRUE(list.empty());
+}
+
+TEST(GENERALBLOCK, CopyingAListEntryLeavesTheTargetAloneWithoutOne) {
+  const std::vector<LINK> list{5, 6};
+  LINK entry = 9;
+  EXPECT_TRUE(Block::copyEntryAt(list, 1, entry));
+  EXPECT_EQ(entry, 6);
+  entry = 9;
+  EXPECT_FALSE(Block::copyEntryAt(list, 2, entry));
+  EXPECT_FALSE(Block::copyEntryAt(list, SIZE_MAX, entry));
+  EXPECT_FALSE(Block::copyEntryAt({}, 0, entry));
+  EXPECT_EQ(entry, 9);
 }
 
 }  // namespace
