@@ -4,7 +4,6 @@
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "mdf_v4_10.h"
@@ -31,23 +30,6 @@ class Block : public GENERALBLOCK {
   using GENERALBLOCK::setLinkAt;
   using GENERALBLOCK::writex;
 };
-
-template <class... Values>
-constexpr bool arePlainValues = ((!std::is_polymorphic_v<Values> &&
-                                  std::is_copy_constructible_v<Values> &&
-                                  std::is_copy_assignable_v<Values>)&&...);
-
-template <class... Blocks>
-constexpr bool areBlocks = (std::is_base_of_v<GENERALBLOCK, Blocks> && ...);
-
-static_assert(arePlainValues<MDF_Block_ID, HeaderSection, LinkSection, GENERALBLOCK>);
-static_assert(arePlainValues<IDBLOCK, HDBLOCK, TXBLOCK, MDBLOCK, FHBLOCK>);
-static_assert(arePlainValues<DGBLOCK, CGBLOCK, CNBLOCK>);
-static_assert(arePlainValues<DTBLOCK, RDBLOCK, SDBLOCK>);
-static_assert(arePlainValues<IDTSDATABLOCK, IDTSDATABLOCK64, VALUEDATABLOCK>);
-static_assert(areBlocks<IDBLOCK, HDBLOCK, TXBLOCK, MDBLOCK, FHBLOCK>);
-static_assert(areBlocks<DGBLOCK, CGBLOCK, CNBLOCK>);
-static_assert(areBlocks<DTBLOCK, RDBLOCK, SDBLOCK>);
 
 TEST(GENERALBLOCK, StartsOutWithoutLengthAndLinks) {
   const Block block(0x4448);
