@@ -3,6 +3,7 @@
 #include <array>
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,12 @@ TEST(GENERALBLOCK, StartsOutWithTheLengthAndTheNilLinksAskedFor) {
   EXPECT_BYTES(written(block.links), Bytes().zeros(32));
   EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, 0, 0}));
   EXPECT_EQ(block.m_pad, 0);
+}
+
+TEST(GENERALBLOCK, MoreLinksThanAListCanHaveAreALengthError) {
+  for (const UINT64 link_count : {UINT64{1} << 61U, UINT64{UINT64_MAX}}) {
+    EXPECT_THROW(Block(0x4448, 0, link_count), std::length_error) << link_count;
+  }
 }
 
 TEST(GENERALBLOCK, PaddingReachesTheNextMultipleOfEight) {
