@@ -641,12 +641,12 @@ TEST(DLBLOCK, LengthBeyondTheStreamKeepsTheStateOfTheRead) {
 }
 
 TEST(DLBLOCK, PairsEndWhereTheOffsetsRunOut) {
-  for (const std::uint64_t length : {64U, 71U, 72U, 79U, 80U, 87U}) {
+  for (const std::size_t length : {64U, 71U, 72U, 79U, 80U, 87U}) {
     SCOPED_TRACE(length);
     std::istringstream is(withLength(distinctBytes(), length));
     const DLBLOCK block(is);
     EXPECT_EQ(is.rdstate(), state_good);
-    EXPECT_EQ(static_cast<std::uint64_t>(is.tellg()), length);
+    EXPECT_EQ(static_cast<std::size_t>(is.tellg()), length);
     EXPECT_EQ(linksOf(block), (Links{0, 100, 200, 300, 400}));
     Pairs expected{{100, 0}, {200, 1000}, {300, 2000}};
     expected.resize((length - 64) / 8);

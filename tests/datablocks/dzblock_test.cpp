@@ -498,12 +498,12 @@ TEST(DZBLOCK, LengthThatDoesNotHoldTheFieldsMakesTheStreamBad) {
 
 TEST(DZBLOCK, DataIsTakenFromWhereTheLengthEnds) {
   const std::string bytes = distinctBytes() + "fghij";
-  for (const std::uint64_t length : {48U, 49U, 52U, 53U}) {
+  for (const std::size_t length : {48U, 49U, 52U, 53U}) {
     SCOPED_TRACE(length);
     std::istringstream is(withLength(bytes, length));
     const DZBLOCK block(is);
     EXPECT_EQ(is.rdstate(), state_good);
-    EXPECT_EQ(static_cast<std::uint64_t>(is.tellg()), length + 5);
+    EXPECT_EQ(static_cast<std::size_t>(is.tellg()), length + 5);
     EXPECT_EQ(block.header.length, length);
     expectDistinctFields(block);
     EXPECT_EQ(std::string(block.dz_data.begin(), block.dz_data.end()), bytes.substr(length, 5));

@@ -317,7 +317,7 @@ TYPED_TEST_P(TextBlock, LengthWithoutRoomForDataGivesNone) {
 
 TYPED_TEST_P(TextBlock, OnlyTheLowBitsOfTheLengthCount) {
   for (const std::uint64_t high : {0x00000000U, 0x00000001U, 0x80000000U, 0xFFFFFFFFU}) {
-    for (const std::uint64_t low : {25U, 30U}) {
+    for (const std::size_t low : {25U, 30U}) {
       SCOPED_TRACE(high << 32U | low);
       std::istringstream is(
           Bytes().header(TypeParam::letters, high << 32U | low, 0x1817161514131211).zeros(100));

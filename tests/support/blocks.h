@@ -82,6 +82,8 @@ class LinkTargetFile {
   LinkTargetFile(const LinkTargetFile&) = delete;
   LinkTargetFile& operator=(const LinkTargetFile&) = delete;
 
+  const std::string& path() const { return path_; }
+
   /// A stream that stands at the file's first byte.
   std::ifstream open() const { return std::ifstream(path_, std::ios_base::binary); }
 

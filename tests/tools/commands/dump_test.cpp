@@ -177,6 +177,26 @@ TEST(DumpCommand, BlocksBeyondFourGibibytes) {
                 "4294967392 bytes, found 4294967392 (0x100000060)\n");
 }
 
+TEST(DumpCommand, BlocksBeyondOneTebibyte) {
+  constexpr std::int64_t far = (std::int64_t{1} << 40U) + 8;
+  TempFile file(fileHead({0, far, 0, 0, 0, 0}));
+  file.writeAt(far, Bytes().header("FH", 56, 2).zeros(32));
+  const RunResult result = run({"dump", file.path()});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output.substr(result.output.find("1099511627784 (0x")),
+            "1099511627784 (0x10000000008) ##FH length 56 links 2: 0 0\n"
+            "[DEBUG] ==================== FHBLOCK ===================\n"
+            "block size = 56\n"
+            "next file history block (pointer) = 0\n"
+            "file comment (pointer) = 0\n"
+            "time = 0\n"
+            "UTC time offset = 0\n"
+            "DST time offset = 0\n"
+            "time flags = 0\n"
+            "[DEBUG] ==================== End of FHBLOCK ===================\n");
+  EXPECT_EQ(result.messages, "");
+}
+
 TEST(DumpCommand, TerminalIsNotGivenControlCharacters) {
   const TempFile file(healthyFile());
   RunOptions options;

@@ -57,10 +57,11 @@ TEST(RecordRefused, PathsThatCannotBeRecordedTo) {
 
 TEST(RecordRefused, ProgramThatIsRunningIsNoFileToWriteTo) {
   const ScratchFolder folder;
-  const std::string program = folder / "mdf";
-  fs::copy_file(MDF_PROGRAM, program);
+  const std::string program = folder / "sh";
+  fs::copy_file("/bin/sh", program);
   RunOptions options;
-  options.program = program;
+  const std::vector<std::string> shell = {program, "-c", "\"$@\"; exit $?", "sh"};
+  options.command.insert(options.command.begin(), shell.begin(), shell.end());
   const RunResult result = record({program}, options);
   EXPECT_EQ(result.exit_code, 2);
   EXPECT_EQ(result.messages, "mdf: cannot record to " + program + ": Text file busy\n");

@@ -22,7 +22,7 @@ constexpr std::uint64_t bytes_behind = 24;
 
 struct Type {
   std::string letters;
-  std::uint64_t length;
+  std::size_t length;
   std::uint64_t links;
   std::uint64_t fields;  ///< bytes that the library's class takes from behind the links
   enum { unknown, fixed_size, links_and_fields, fields_only } reading;

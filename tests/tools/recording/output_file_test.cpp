@@ -87,6 +87,19 @@ TEST(OutputFile, OverwritesWhatIsThere) {
   EXPECT_EQ(bytesOf(folder / "out"), "new");
 }
 
+TEST(OutputFile, GrowsBeyondFourGibibytes) {
+  constexpr std::int64_t far = (std::int64_t{1} << 32U) + 5;
+  const ScratchFolder folder;
+  OutputFile file(folder / "out");
+  EXPECT_TRUE(file.rewrite([](std::ostream& os) { os.seekp(far); }));
+  EXPECT_TRUE(append(file, "abc"));
+  EXPECT_EQ(file.size(), std::uint64_t{far + 3});
+  EXPECT_TRUE(file.cutTo(far + 1));
+  EXPECT_EQ(file.size(), std::uint64_t{far + 1});
+  EXPECT_TRUE(file.close());
+  EXPECT_EQ(fs::file_size(folder / "out"), std::uint64_t{far + 1});
+}
+
 TEST(OutputFile, DiscardedFileIsRemovedOrLeftEmptyWhenItWasThereBefore) {
   const ScratchFolder folder;
   OutputFile made(folder / "made");

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <sstream>
 #include <stdexcept>
 
 #include "channel.h"
@@ -68,18 +69,19 @@ void prepareProcess(const RunOptions& options, const Streams& streams) {
 
 pid_t start(const std::vector<std::string>& arguments, const RunOptions& options,
             const Streams& streams) {
-  std::vector<std::string> command{options.program};
+  std::vector<std::string> command = options.command;
   command.insert(command.end(), arguments.begin(), arguments.end());
   std::vector<std::string> environment = environmentWith(options.environment);
   const std::vector<char*> command_pointers = pointersTo(command);
-  const std::vector<char*> environment_pointers = pointersTo(environment);
+  std::vector<char*> environment_pointers = pointersTo(environment);
   const pid_t process = fork();
   if (process < 0) {
-    throw std::runtime_error("cannot run " + options.program);
+    throw std::runtime_error("cannot run " + command.front());
   }
   if (process == 0) {
     prepareProcess(options, streams);
-    execve(options.program.c_str(), command_pointers.data(), environment_pointers.data());
+    environ = environment_pointers.data();
+    execvp(command_pointers.front(), command_pointers.data());
     _exit(127);
   }
   return process;
@@ -98,10 +100,10 @@ class Interrupter {
     if (!options_.signal_after || is_sent_) {
       return;
     }
-    if (!ready_ && options_.signal_when()) {
+    if (ready_ > now && options_.signal_when()) {
       ready_ = now;
     }
-    if (ready_ && now - *ready_ >= *options_.signal_after) {
+    if (ready_ <= now && now - ready_ >= *options_.signal_after) {
       kill(process_, options_.signal);
       is_sent_ = true;
     }
@@ -111,7 +113,7 @@ class Interrupter {
   pid_t process_;
   const RunOptions& options_;
   Clock::time_point start_ = Clock::now();
-  std::optional<Clock::time_point> ready_;
+  Clock::time_point ready_ = Clock::time_point::max();
   bool is_sent_ = false;
 };
 
@@ -143,6 +145,16 @@ int follow(pid_t process, const RunOptions& options, Channel& output, Channel& e
 }
 
 }  // namespace
+
+std::vector<std::string> mdfCommand() {
+  std::vector<std::string> command;
+  std::istringstream emulator(MDF_EMULATOR);
+  for (std::string word; emulator >> word;) {
+    command.push_back(word);
+  }
+  command.emplace_back(MDF_PROGRAM);
+  return command;
+}
 
 RunResult run(const std::vector<std::string>& arguments, const RunOptions& options) {
   const TempFile input_file(options.input);

@@ -11,9 +11,14 @@
 
 namespace mdf_tests {
 
+/// The command that runs the program mdf: its path, behind the emulator if it is built for another
+/// machine.
+std::vector<std::string> mdfCommand();
+
 /// How a program is run.
 struct RunOptions {
-  std::string program = MDF_PROGRAM;
+  /// What stands before the arguments: a program, looked up as a shell does.
+  std::vector<std::string> command = mdfCommand();
 
   /// What standard input holds.
   std::string input;

@@ -15,7 +15,7 @@ namespace {
 
 RunOptions shell() {
   RunOptions options;
-  options.program = "/bin/sh";
+  options.command = {"/bin/sh"};
   return options;
 }
 
@@ -98,7 +98,7 @@ TEST(Program, EndsWhenItsTerminalIsClosedUnlessThatIsIgnored) {
 
 TEST(Program, ThatIsNotThereIsReported) {
   RunOptions options;
-  options.program = "/no/such/program";
+  options.command = {"/no/such/program"};
   EXPECT_EQ(run({}, options).exit_code, 127);
 }
 

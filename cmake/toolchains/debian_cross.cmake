@@ -1,0 +1,14 @@
+# What the toolchain files share: Debian's cross compiler and qemu for the named architecture, and
+# the libraries that scripts/cross-packages has put into build/packages.
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR ${mdf_processor})
+set(CMAKE_CXX_COMPILER ${mdf_triplet}-g++)
+set(CMAKE_LIBRARY_ARCHITECTURE ${mdf_triplet})
+set(CMAKE_CROSSCOMPILING_EMULATOR qemu-${mdf_processor} -L /usr/${mdf_triplet})
+
+cmake_path(SET packages NORMALIZE ${CMAKE_CURRENT_LIST_DIR}/../../build/packages/${mdf_architecture})
+set(CMAKE_FIND_ROOT_PATH ${packages})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)
