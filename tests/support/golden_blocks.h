@@ -1,0 +1,82 @@
+#ifndef MDF_TESTS_SUPPORT_GOLDEN_BLOCKS_H_
+#define MDF_TESTS_SUPPORT_GOLDEN_BLOCKS_H_
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "mdf_v4_10.h"
+
+namespace mdf_tests {
+
+/// Every class that is read from a stream, for a typed test suite.
+using EveryBlock =
+    ::testing::Types<mdf_v4_10::IDBLOCK, mdf_v4_10::HDBLOCK, mdf_v4_10::TXBLOCK, mdf_v4_10::MDBLOCK,
+                     mdf_v4_10::FHBLOCK, mdf_v4_10::CHBLOCK, mdf_v4_10::ATBLOCK, mdf_v4_10::EVBLOCK,
+                     mdf_v4_10::DGBLOCK, mdf_v4_10::CGBLOCK, mdf_v4_10::SIBLOCK, mdf_v4_10::CNBLOCK,
+                     mdf_v4_10::CCBLOCK, mdf_v4_10::DTBLOCK, mdf_v4_10::RDBLOCK, mdf_v4_10::SDBLOCK,
+                     mdf_v4_10::DLBLOCK, mdf_v4_10::DZBLOCK, mdf_v4_10::HLBLOCK,
+                     mdf_v4_10::SRBLOCK>;
+
+/// Whole blocks as they stand in a file, each with all of its variable parts, and one for each form
+/// that a flag or a count gives the block. Every field, reserved bytes included, has a value of its
+/// own. A zipped block's reader takes as many bytes again as the block has compressed ones.
+template <class Block>
+std::vector<std::string> goldenBlocks();
+
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::IDBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::HDBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::TXBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::MDBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::FHBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::CHBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::ATBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::EVBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::DGBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::CGBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::SIBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::CNBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::CCBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::DTBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::RDBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::SDBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::DLBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::DZBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::HLBLOCK>();
+template <>
+std::vector<std::string> goldenBlocks<mdf_v4_10::SRBLOCK>();
+
+/// Names the tests of a typed suite over EveryBlock after their classes.
+struct BlockNames {
+  template <class Block>
+  static std::string GetName(int /*index*/) {
+    // All but the identification block have their letters behind the two "#".
+    const bool is_identification = std::is_same_v<Block, mdf_v4_10::IDBLOCK>;
+    return (is_identification ? "ID" : goldenBlocks<Block>().front().substr(2, 2)) + "BLOCK";
+  }
+};
+
+}  // namespace mdf_tests
+
+#endif  // MDF_TESTS_SUPPORT_GOLDEN_BLOCKS_H_
