@@ -1,0 +1,210 @@
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "hostile/expected_reading.h"
+#include "hostile/subject.h"
+#include "support/bytes.h"
+#include "support/golden_blocks.h"
+
+using namespace mdf_tests;
+using namespace mdf_tests::hostile;
+
+namespace {
+
+/// Bytes behind a block, none of them like its neighbours.
+std::string bytesBehind(std::size_t count) {
+  std::string bytes(count, '\0');
+  for (std::size_t i = 0; i < count; ++i) {
+    bytes[i] = static_cast<char>((i * 7 + 13) % 251);
+  }
+  return bytes;
+}
+
+constexpr std::size_t few_behind = 40;
+constexpr std::size_t many_behind = 100000;
+
+constexpr Number length_field = {8, 8};
+constexpr Number link_count_field = {16, 8};
+
+/// Counts and lengths that a file may give, near where something ends and far from it.
+std::set<std::uint64_t> lies(std::size_t block_size, std::size_t stream_size, std::size_t width) {
+  const std::uint64_t one = 1;
+  std::set<std::uint64_t> values = {block_size - 1,   block_size + 1,   stream_size - 1,
+                                    stream_size,      stream_size + 1,  (one << 31U) - 1,
+                                    one << 31U,       (one << 32U) - 1, (one << 32U) + 24,
+                                    (one << 63U) - 1, one << 63U,       ~std::uint64_t{0}};
+  for (std::uint64_t small = 0; small <= 40; ++small) {
+    values.insert(small);
+  }
+  std::set<std::uint64_t> cut;
+  for (const std::uint64_t value : values) {
+    cut.insert(width == 8 ? value : value & ((one << 8 * width) - 1));
+  }
+  return cut;
+}
+
+bool isFramed(const std::string& dump, const std::string& name) {
+  const std::string line = "[DEBUG] ==================== ";
+  const std::string begin = line + name + " ===================\n";
+  const std::string end = line + "End of " + name + " ===================\n";
+  return dump.size() > begin.size() + end.size() && dump.compare(0, begin.size(), begin) == 0 &&
+         dump.compare(dump.size() - end.size(), end.size(), end) == 0;
+}
+
+bool areSame(const Reading& seen, const Reading& expected) {
+  // What small objects hold, and what the heap rounds up.
+  constexpr std::size_t slack = 2 * 1024;
+  return seen.out_of_memory == expected.out_of_memory && seen.state == expected.state &&
+         seen.position == expected.position && seen.length == expected.length &&
+         seen.link_count == expected.link_count && seen.links == expected.links &&
+         seen.unwritten == expected.unwritten && seen.written == expected.written &&
+         seen.peak_bytes <= expected.peak_bytes + slack;
+}
+
+std::string described(const Reading& reading) {
+  std::ostringstream os;
+  os << (reading.out_of_memory ? "no memory, " : "") << "state " << reading.state << " at "
+     << reading.position << ", length " << reading.length << ", link count " << reading.link_count
+     << ", links " << testing::PrintToString(reading.links) << ", unwritten "
+     << testing::PrintToString(reading.unwritten) << ", " << reading.peak_bytes
+     << " bytes held at most";
+  return os.str();
+}
+
+/// Reads hostile bytes with one class. After the first fault the rest is left alone.
+class HostileReader {
+ public:
+  explicit HostileReader(const Subject& subject) : subject_(subject) {}
+
+  template <class... What>
+  void check(const std::string& bytes, const What&... what) const {
+    if (testing::Test::HasFailure()) {
+      return;
+    }
+    std::string dump;
+    const Reading seen = subject_.read(bytes, dump);
+    const Reading expected = expectedReading(subject_.letters, bytes);
+    const bool is_dumped = seen.out_of_memory || isFramed(dump, subject_.letters + "BLOCK");
+    if (!areSame(seen, expected) || !is_dumped) {
+      std::ostringstream os;
+      (os << ... << what);
+      ADD_FAILURE() << os.str() << "\nseen:     " << described(seen)
+                    << "\nexpected: " << described(expected)
+                    << (is_dumped ? "" : "\ndump without its banners: " + dump);
+      EXPECT_BYTES(seen.written, expected.written);
+    }
+  }
+
+ private:
+  const Subject& subject_;
+};
+
+void checkEveryPrefix(const Subject& subject) {
+  const HostileReader reader(subject);
+  for (const std::string& block : subject.blocks) {
+    const std::string bytes = block + bytesBehind(few_behind);
+    for (std::size_t length = 0; length <= bytes.size(); ++length) {
+      reader.check(bytes.substr(0, length), "stream of ", length, " bytes");
+    }
+  }
+}
+
+/// Every number of the block, one at a time, with every lie.
+void checkLyingNumbers(const HostileReader& reader, const std::vector<Number>& numbers,
+                       std::size_t block_size, const std::string& bytes) {
+  for (const Number& number : numbers) {
+    for (const std::uint64_t lie : lies(block_size, bytes.size(), number.width)) {
+      std::string lying = bytes;
+      setNumber(lying, number, lie);
+      reader.check(lying, lie, " at offset ", number.offset, " in ", bytes.size(), " bytes");
+    }
+  }
+}
+
+void checkLyingNumbers(const Subject& subject) {
+  const HostileReader reader(subject);
+  for (const std::string& block : subject.blocks) {
+    const std::vector<Number> numbers = numbersOf(subject.letters, block);
+    for (const std::size_t behind : {std::size_t{0}, few_behind, many_behind}) {
+      std::string bytes = block + bytesBehind(behind);
+      checkLyingNumbers(reader, numbers, block.size(), bytes);
+      setNumber(bytes, length_field, bytes.size());
+      checkLyingNumbers(reader, numbers, block.size(), bytes);
+    }
+  }
+}
+
+void checkEveryLengthWithEveryLinkCount(const Subject& subject) {
+  const HostileReader reader(subject);
+  for (const std::string& block : subject.blocks) {
+    std::string bytes = block + bytesBehind(few_behind);
+    for (std::size_t length = 0; length <= block.size() + 8; ++length) {
+      setNumber(bytes, length_field, length);
+      for (std::size_t link_count = 0; link_count <= block.size() / 8; ++link_count) {
+        setNumber(bytes, link_count_field, link_count);
+        reader.check(bytes, "length ", length, ", link count ", link_count);
+      }
+    }
+  }
+}
+
+void checkAsManyLinksAsFit(const Subject& subject) {
+  const HostileReader reader(subject);
+  // A header, and the largest set of fixed fields.
+  constexpr std::size_t other_bytes = 24 + 72;
+  for (const std::string& block : subject.blocks) {
+    std::string bytes = block + bytesBehind(many_behind);
+    setNumber(bytes, length_field, bytes.size());
+    const std::size_t most = bytes.size() / 8;
+    for (std::size_t link_count = most - other_bytes / 8; link_count <= most; ++link_count) {
+      setNumber(bytes, link_count_field, link_count);
+      reader.check(bytes, "link count ", link_count);
+    }
+  }
+}
+
+void checkFlippedBytes(const Subject& subject) {
+  const HostileReader reader(subject);
+  for (const std::string& block : subject.blocks) {
+    for (const std::size_t behind : {std::size_t{0}, few_behind}) {
+      std::string bytes = block + bytesBehind(behind);
+      for (std::size_t offset = 0; offset < block.size(); ++offset) {
+        for (const unsigned flip : {0x01U, 0x80U, 0xFFU}) {
+          bytes[offset] = static_cast<char>(static_cast<unsigned char>(block[offset]) ^ flip);
+          reader.check(bytes, "byte ", offset, " flipped with ", flip, ", ", behind, " behind");
+        }
+        bytes[offset] = block[offset];
+      }
+    }
+  }
+}
+
+template <class Block>
+class HostileInput : public testing::Test {
+ protected:
+  const Subject subject = subjectOf<Block>();
+};
+
+TYPED_TEST_SUITE(HostileInput, EveryBlock, BlockNames);
+
+TYPED_TEST(HostileInput, PrefixesAreReadAsFarAsTheyGo) { checkEveryPrefix(this->subject); }
+
+TYPED_TEST(HostileInput, LyingLengthsAndCountsYieldNoMoreThanThereIs) {
+  checkLyingNumbers(this->subject);
+}
+
+TYPED_TEST(HostileInput, LinksAndFieldsMustFitInWhatTheLengthSays) {
+  checkEveryLengthWithEveryLinkCount(this->subject);
+}
+
+TYPED_TEST(HostileInput, AsManyLinksAsFitAreTaken) { checkAsManyLinksAsFit(this->subject); }
+
+TYPED_TEST(HostileInput, FlippedBytesAreTakenAsTheyStand) { checkFlippedBytes(this->subject); }
+
+}  // namespace
