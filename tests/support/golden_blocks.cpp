@@ -77,7 +77,7 @@ std::string largeConversion() {
                     .f64(-9.25)
                     .f64(9.5);
   for (int i = 1; i <= 70; ++i) {
-    bytes.f64(0.5 + i);
+    bytes.f64(i / 7.0);
   }
   return bytes;
 }
@@ -250,7 +250,7 @@ std::vector<std::string> goldenBlocks<DLBLOCK>() {
               .u32(3)
               .u64(0x010203),
           header("DL", 40 + 16 * 3, 4)
-              .links({0x3101, 0x3111, 0x3112, 0x3113})
+              .links({0x3102, 0x3121, 0x3122, 0x3123})
               .u8(0x10)
               .u8s({0xB1, 0xB2, 0xB3})
               .u32(3)
