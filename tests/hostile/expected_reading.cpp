@@ -40,11 +40,12 @@ std::string writtenBytes(const std::string& letters, const Format& format, const
   return bytes.text(block.section).text(block.tail);
 }
 
+const Format text{readText, {0, 0, 0}, 24, {}, WrittenLength::computed, countStored};
+const Format data{readPlainData, {24, 0, 0}, 24, {}, WrittenLength::computed, countStored};
+
 const Format& formatOf(const std::string& letters) {
   constexpr auto stored = WrittenLength::stored;
   constexpr auto computed = WrittenLength::computed;
-  static const Format text{readText, {0, 0, 0}, 24, {}, computed, countStored};
-  static const Format data{readPlainData, {24, 0, 0}, 24, {}, computed, countStored};
   // clang-format off
   static const std::map<std::string, Format> formats = {
     {"ID", {readIdentification, {64, 0, 0}, 64, {8, 8, 8, -4, 2, 34}, stored, countStored}},
