@@ -12,7 +12,8 @@ struct Heap {
   std::size_t allocations;
   std::size_t bytes;
   std::size_t peak_bytes;
-  std::size_t limit;  ///< of `bytes`; 0 for none
+  std::size_t limit;          ///< of `bytes`; 0 for none
+  std::size_t until_failure;  ///< allocations up to the one that fails, itself included; 0 for none
 };
 
 // Without a constructor, so that it is there before anything allocates.
@@ -22,8 +23,10 @@ bool isWithinLimit(std::size_t size) {
   return heap.limit == 0 || (heap.bytes <= heap.limit && size <= heap.limit - heap.bytes);
 }
 
+bool isToFail() { return heap.until_failure != 0 && --heap.until_failure == 0; }
+
 void* allocate(std::size_t size) noexcept {
-  if (!isWithinLimit(size)) {
+  if (isToFail() || !isWithinLimit(size)) {
     return nullptr;
   }
   void* memory = std::malloc(size);
@@ -74,8 +77,16 @@ std::size_t AllocationMeter::count() const { return heap.allocations - count_at_
 
 std::size_t AllocationMeter::peakBytes() const { return heap.peak_bytes - bytes_at_start_; }
 
+std::size_t AllocationMeter::heldBytes() const { return heap.bytes - bytes_at_start_; }
+
 AllocationLimit::AllocationLimit(std::size_t bytes) { heap.limit = heap.bytes + bytes; }
 
 AllocationLimit::~AllocationLimit() { heap.limit = 0; }
+
+AllocationFailure::AllocationFailure(std::size_t successes) { heap.until_failure = successes + 1; }
+
+AllocationFailure::~AllocationFailure() { heap.until_failure = 0; }
+
+bool AllocationFailure::hasHappened() const { return heap.until_failure == 0; }
 
 }  // namespace mdf_tests

@@ -19,6 +19,9 @@ class AllocationMeter {
   /// was asked for, as the heap rounds sizes up.
   std::size_t peakBytes() const;
 
+  /// The bytes held on top of those held at the start; 0 when all has been given back.
+  std::size_t heldBytes() const;
+
  private:
   std::size_t count_at_start_;
   std::size_t bytes_at_start_;
@@ -32,6 +35,17 @@ class AllocationLimit {
   ~AllocationLimit();
   AllocationLimit(const AllocationLimit&) = delete;
   AllocationLimit& operator=(const AllocationLimit&) = delete;
+};
+
+/// As long as one exists, one `new` fails: the one that comes after `successes` others.
+class AllocationFailure {
+ public:
+  explicit AllocationFailure(std::size_t successes);
+  ~AllocationFailure();
+  AllocationFailure(const AllocationFailure&) = delete;
+  AllocationFailure& operator=(const AllocationFailure&) = delete;
+
+  bool hasHappened() const;
 };
 
 }  // namespace mdf_tests
