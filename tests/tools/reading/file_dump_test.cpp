@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <cstdint>
+#include <cstdio>
 #include <regex>
 #include <string>
 
@@ -11,8 +13,10 @@
 #include "support/bytes.h"
 #include "tools/support/c_file.h"
 #include "tools/support/dumped.h"
+#include "tools/support/file_size_limit.h"
 #include "tools/support/healthy_file.h"
 #include "tools/support/mdf_bytes.h"
+#include "tools/support/scratch_folder.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
@@ -114,6 +118,31 @@ TEST(FileDump, EndsWhenTheOutputFails) {
   EXPECT_EQ(findings, 0);
   EXPECT_EQ(dumpedBytes(bytes).findings,
             "32168: expected length and link count to fit ##HD, found length 103 and 6 links\n");
+}
+
+/// Dumps the healthy file to a new file that takes so many bytes.
+void expectBeginningOfDump(const std::string& path, std::uint64_t limit) {
+  SCOPED_TRACE(limit);
+  const TempFile file(healthyFile());
+  InputFile input(file.path());
+  const CFile cut(std::fopen(path.c_str(), "wb"), std::fclose);
+  OutputBuffer output(cut.get(), OutputBuffer::Bytes::as_they_are);
+  {
+    const FileSizeLimit full(limit);
+    mdf_tools::dumpFile(input, output,
+                        [](const Finding& finding) { ADD_FAILURE() << finding.sentence; });
+  }
+  EXPECT_EQ(output.error(), EFBIG);
+  EXPECT_EQ(bytesOf(path), healthyDump().substr(0, limit));
+}
+
+TEST(FileDump, OutputThatTakesNoMoreHoldsTheBeginning) {
+  const ScratchFolder folder;
+  const std::uint64_t size = healthyDump().size();
+  for (std::uint64_t limit = 0; limit < size; limit += 101) {
+    expectBeginningOfDump(folder / "dump", limit);
+  }
+  expectBeginningOfDump(folder / "dump", size - 1);
 }
 
 }  // namespace

@@ -1,12 +1,11 @@
 #include "recording/recorder.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <csignal>
 #include <sstream>
 
 #include "support/bytes.h"
+#include "tools/support/file_size_limit.h"
 #include "tools/support/recorded_file.h"
 #include "tools/support/scratch_folder.h"
 
@@ -49,30 +48,6 @@ std::string finishedFile(unsigned records) {
 }
 
 const std::uint64_t description_bytes = finishedFile(0).size();
-
-/// Lets files grow to so many bytes and no further, as a full disk does, as long as it lives.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(std::uint64_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &before_);
-    set(bytes);
-  }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, handler_);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  void set(std::uint64_t bytes) const {
-    const rlimit limit{static_cast<rlim_t>(bytes), before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-
- private:
-  rlimit before_{};
-  void (*handler_)(int);
-};
 
 /// Records so many records to a path and returns the complaint, or what was recorded.
 std::string record(const fs::path& path, unsigned records, double rate) {
