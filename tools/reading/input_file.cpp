@@ -46,7 +46,11 @@ std::unique_ptr<std::istream> openPath(const std::string& path) {
   std::error_code error;
   const std::filesystem::file_status status = std::filesystem::status(path, error);
   if (std::filesystem::is_regular_file(status)) {
-    return openInPlace(path);
+    auto stream = openInPlace(path);
+    // Some files that the system makes up have no end to go to; they are read like a pipe.
+    if (stream->seekg(0, std::ios_base::end)) {
+      return stream;
+    }
   }
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> source(std::fopen(path.c_str(), "rb"),
                                                                std::fclose);

@@ -101,6 +101,17 @@ TEST(InputFile, ReadsAPipeIntoMemory) {
   EXPECT_EQ(input.streamAt(100006).get(), '9');
 }
 
+TEST(InputFile, ReadsAFileWithoutAnEndToGoToIntoMemory) {
+  InputFile input("/proc/version");
+  EXPECT_EQ(readText(input, 0, 6), "Linux ");
+  EXPECT_LT(input.size(), 1000U);
+  EXPECT_EQ(readText(input, input.size() - 1, 2), "\n");
+}
+
+TEST(InputFile, FileWhoseBytesCannotBeReadIsNamed) {
+  EXPECT_EQ(openingFails("/proc/self/mem"), "cannot read /proc/self/mem: Input/output error");
+}
+
 TEST(InputFile, MissingFileIsNamed) {
   EXPECT_EQ(openingFails("/no/such/file"), "cannot open /no/such/file: No such file or directory");
 }
