@@ -1,6 +1,8 @@
 #include "file_dump.h"
 
+#include <cstdint>
 #include <ostream>
+#include <string>
 #include <vector>
 
 #include "block_dump.h"
@@ -9,6 +11,19 @@
 #include "walker.h"
 
 namespace mdf_tools {
+
+namespace {
+
+/// What was cut off while it was read may have been dumped as zeros, without any other finding.
+void checkThatNothingWasCutOff(InputFile& file, const FindingSink& report) {
+  const std::uint64_t size = file.sizeNow();
+  if (size < file.size()) {
+    report({size, "expected the file to keep its " + std::to_string(file.size()) +
+                      " bytes while it is read, found " + std::to_string(size)});
+  }
+}
+
+}  // namespace
 
 void dumpFile(InputFile& file, OutputBuffer& output, const FindingSink& report) {
   const std::vector<RawBlock> blocks = walkBlocks(file, report);
@@ -22,6 +37,7 @@ void dumpFile(InputFile& file, OutputBuffer& output, const FindingSink& report) 
     dumpBlock(file, block, os, report);
   }
   output.flush();
+  checkThatNothingWasCutOff(file, report);
 }
 
 }  // namespace mdf_tools

@@ -64,9 +64,13 @@ std::unique_ptr<std::istream> openPath(const std::string& path) {
 
 InputFile::InputFile(const std::string& path)
     : name_(path == "-" ? "standard input" : path),
-      stream_(path == "-" ? readIntoMemory(stdin, name_) : openPath(path)) {
+      stream_(path == "-" ? readIntoMemory(stdin, name_) : openPath(path)),
+      size_(sizeNow()) {}
+
+std::uint64_t InputFile::sizeNow() {
+  stream_->clear();
   stream_->seekg(0, std::ios_base::end);
-  size_ = static_cast<std::uint64_t>(static_cast<std::streamoff>(stream_->tellg()));
+  return static_cast<std::uint64_t>(static_cast<std::streamoff>(stream_->tellg()));
 }
 
 std::size_t InputFile::readAt(std::uint64_t offset, char* bytes, std::size_t count) {

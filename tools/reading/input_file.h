@@ -27,7 +27,11 @@ class InputFile {
   /// What messages call the file.
   const std::string& name() const { return name_; }
 
+  /// The file's bytes when it was opened.
   std::uint64_t size() const { return size_; }
+
+  /// The file's bytes now, which another program may have cut off or added to.
+  std::uint64_t sizeNow();
 
   /// Bytes from an offset to the file's end; 0 at and behind the end.
   std::uint64_t sizeFrom(std::uint64_t offset) const { return offset < size_ ? size_ - offset : 0; }

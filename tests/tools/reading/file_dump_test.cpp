@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <regex>
 #include <string>
 
@@ -143,6 +144,34 @@ TEST(FileDump, OutputThatTakesNoMoreHoldsTheBeginning) {
     expectBeginningOfDump(folder / "dump", limit);
   }
   expectBeginningOfDump(folder / "dump", size - 1);
+}
+
+/// The findings when a file is cut after it has been opened.
+std::string findingsWhenCut(const std::string& bytes, std::uint64_t size) {
+  const TempFile file(bytes);
+  InputFile input(file.path());
+  std::filesystem::resize_file(file.path(), size);
+  const CFile printed = temporaryFile();
+  OutputBuffer output(printed.get(), OutputBuffer::Bytes::as_they_are);
+  std::string findings;
+  mdf_tools::dumpFile(input, output,
+                      [&](const Finding& finding) { findings += findingLine(finding); });
+  return findings;
+}
+
+TEST(FileDump, FileThatIsCutWhileItIsReadIsReported) {
+  const std::string bytes = healthyFile();
+  for (std::size_t cut = 1; cut <= bytes.size(); cut += 9) {
+    const std::size_t size = bytes.size() - cut;
+    const std::string last = std::to_string(size) + ": expected the file to keep its " +
+                             std::to_string(bytes.size()) + " bytes while it is read, found " +
+                             std::to_string(size) + "\n";
+    const std::string findings = findingsWhenCut(bytes, size);
+    ASSERT_GE(findings.size(), last.size());
+    EXPECT_EQ(findings.substr(findings.size() - last.size()), last);
+  }
+  EXPECT_EQ(findingsWhenCut(bytes, bytes.size()), "");
+  EXPECT_EQ(findingsWhenCut(bytes, bytes.size() + 1), "");
 }
 
 }  // namespace

@@ -112,6 +112,17 @@ TEST(InputFile, FileWhoseBytesCannotBeReadIsNamed) {
   EXPECT_EQ(openingFails("/proc/self/mem"), "cannot read /proc/self/mem: Input/output error");
 }
 
+TEST(InputFile, KnowsTheSizeItHadAndTheSizeItHas) {
+  const TempFile file("0123456789");
+  InputFile input(file.path());
+  EXPECT_EQ(input.sizeNow(), 10U);
+  std::filesystem::resize_file(file.path(), 4);
+  EXPECT_EQ(input.sizeNow(), 4U);
+  EXPECT_EQ(input.size(), 10U);
+  EXPECT_EQ(readText(input, 2, 5), "23");
+  EXPECT_EQ(readText(input, 7, 1), "");
+}
+
 TEST(InputFile, MissingFileIsNamed) {
   EXPECT_EQ(openingFails("/no/such/file"), "cannot open /no/such/file: No such file or directory");
 }
