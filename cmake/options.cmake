@@ -7,7 +7,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 # the library.
 add_library(mdf_compile_options INTERFACE)
 target_compile_options(mdf_compile_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow
+  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnull-dereference
   $<$<BOOL:${MDF_WARNINGS_AS_ERRORS}>:-Werror>)
 if(MDF_SANITIZE)
   target_compile_options(mdf_compile_options INTERFACE

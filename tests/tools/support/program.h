@@ -11,8 +11,8 @@
 
 namespace mdf_tests {
 
-/// The command that runs the program mdf: its path, behind the emulator if it is built for another
-/// machine.
+/// The command that runs the program mdf: its path, behind the words of the environment variable
+/// MDF_EMULATOR, as for a program that is built for another machine.
 std::vector<std::string> mdfCommand();
 
 /// How a program is run.
