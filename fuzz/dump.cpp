@@ -1,0 +1,140 @@
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+#include "expect.h"
+#include "reading/file_dump.h"
+#include "reading/finding.h"
+#include "reading/input_file.h"
+#include "reading/output_buffer.h"
+#include "support/allocation_counter.h"
+#include "targets.h"
+
+namespace mdf_fuzz {
+
+namespace {
+
+using mdf_tools::OutputBuffer;
+
+/// A file that has a path and no place on a disk.
+class MemoryFile {
+ public:
+  MemoryFile() : descriptor_(memfd_create("mdf", 0)) {
+    if (descriptor_ < 0) {
+      throw std::runtime_error("a file in memory");
+    }
+  }
+  ~MemoryFile() { close(descriptor_); }
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+
+  void hold(std::string_view bytes) const {
+    const bool is_written =
+        ftruncate(descriptor_, 0) == 0 &&
+        pwrite(descriptor_, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size());
+    if (!is_written) {
+      throw std::runtime_error("room for a file in memory");
+    }
+  }
+
+  std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
+
+ private:
+  int descriptor_;
+};
+
+/// A C file that keeps what is written to it.
+class MemoryOutput {
+ public:
+  MemoryOutput() : file_(open_memstream(&text_, &size_)) {
+    if (file_ == nullptr) {
+      throw std::runtime_error("memory for a dump");
+    }
+  }
+  ~MemoryOutput() {
+    (void)std::fclose(file_);
+    std::free(text_);
+  }
+  MemoryOutput(const MemoryOutput&) = delete;
+  MemoryOutput& operator=(const MemoryOutput&) = delete;
+
+  std::FILE* file() const { return file_; }
+
+  /// What had been written at the last flush.
+  std::string text() const { return {text_, size_}; }
+
+ private:
+  char* text_ = nullptr;
+  std::size_t size_ = 0;
+  std::FILE* file_;
+};
+
+struct Dump {
+  std::string text;
+  std::size_t findings = 0;
+};
+
+void expectSentence(const mdf_tools::Finding& finding, std::uint64_t file_size) {
+  expect(finding.offset <= file_size, "a finding inside the file");
+  expect(finding.sentence.rfind("expected ", 0) == 0 &&
+             finding.sentence.find(", found ") != std::string::npos &&
+             finding.sentence == mdf_tools::printable(finding.sentence),
+         "a finding to say what was expected and found, on one line");
+}
+
+Dump dumpFile(const std::string& path, OutputBuffer::Bytes bytes) {
+  const MemoryOutput memory;
+  mdf_tools::InputFile file(path);
+  OutputBuffer output(memory.file(), bytes);
+  Dump dump;
+  {
+    const mdf_tests::AllocationLimit limit((std::size_t{1} << 20U) + 32 * file.size());
+    mdf_tools::dumpFile(file, output, [&](const mdf_tools::Finding& finding) {
+      expectSentence(finding, file.size());
+      ++dump.findings;
+    });
+  }
+  expect(output.error() == 0, "output to memory not to fail");
+  dump.text = memory.text();
+  return dump;
+}
+
+bool isShown(char byte, char shown) {
+  const auto code = static_cast<unsigned char>(byte);
+  const bool may_be_hidden = (code < 0x20 && byte != '\n' && byte != '\t') || code >= 0x7F;
+  return shown == byte || (shown == '.' && may_be_hidden);
+}
+
+bool isHarmless(char shown) {
+  const auto code = static_cast<unsigned char>(shown);
+  return (code >= 0x20 && code != 0x7F) || shown == '\n' || shown == '\t';
+}
+
+}  // namespace
+
+std::string tryDump(std::string_view input) {
+  static const MemoryFile file;
+  file.hold(input);
+  const Dump dump = dumpFile(file.path(), OutputBuffer::Bytes::as_they_are);
+  const Dump shown = dumpFile(file.path(), OutputBuffer::Bytes::for_a_terminal);
+
+  const std::string headline = "0 (0x0) identification length 64\n";
+  expect((dump.text.rfind(headline, 0) == 0) == (input.size() >= 64),
+         "the identification of every file that has it");
+  expect(dump.text.empty() || dump.text.back() == '\n', "a dump to end with its line");
+  expect(dump.findings == shown.findings, "the same findings for a terminal");
+  expect(dump.text.size() == shown.text.size() &&
+             std::equal(dump.text.begin(), dump.text.end(), shown.text.begin(), isShown),
+         "the same bytes for a terminal, but for control characters");
+  expect(std::all_of(shown.text.begin(), shown.text.end(), isHarmless),
+         "no control characters for a terminal");
+  return std::to_string(dump.findings) + " findings";
+}
+
+}  // namespace mdf_fuzz

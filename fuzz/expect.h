@@ -1,0 +1,44 @@
+#ifndef MDF_FUZZ_EXPECT_H_
+#define MDF_FUZZ_EXPECT_H_
+
+#include <cstring>
+#include <stdexcept>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+namespace mdf_fuzz {
+
+/// An input has shown that something is wrong; what() says what should have been.
+class Violation : public std::logic_error {
+ public:
+  using std::logic_error::logic_error;
+};
+
+inline void expect(bool holds, const char* what_should_be) {
+  if (!holds) {
+    throw Violation(what_should_be);
+  }
+}
+
+/// Equal bit by bit, so that a floating-point number that is none equals itself.
+template <class Value>
+bool same(const Value& a, const Value& b) {
+  static_assert(std::is_arithmetic_v<Value> || std::is_enum_v<Value>, "padding has no value");
+  return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+template <class Value>
+bool same(const std::vector<Value>& a, const std::vector<Value>& b) {
+  static_assert(std::is_arithmetic_v<Value>, "padding has no value");
+  return a.size() == b.size() &&
+         (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(Value)) == 0);
+}
+
+inline std::string_view textOf(const std::vector<unsigned char>& bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+}  // namespace mdf_fuzz
+
+#endif  // MDF_FUZZ_EXPECT_H_

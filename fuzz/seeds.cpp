@@ -1,0 +1,255 @@
+// Writes inputs to begin with into a folder for each fuzz target, made with the library's writers.
+
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "layout.h"
+#include "recording/output_file.h"
+#include "recording/recorder.h"
+#include "recording/signal_source.h"
+#include "targets.h"
+
+namespace mdf_fuzz {
+
+namespace {
+
+using Inputs = std::vector<std::string>;
+
+template <class... Blocks>
+std::string bytesOf(const Blocks&... blocks) {
+  std::ostringstream os;
+  (os << ... << blocks);
+  return os.str();
+}
+
+/// For the two types whose writers count fewer links than stand there.
+std::string withLinkCount(std::string bytes, char count) {
+  bytes[16] = count;
+  return bytes;
+}
+
+template <class Block>
+Inputs plainData() {
+  const std::string bytes = "records";
+  const auto* data = reinterpret_cast<const UINT8*>(bytes.data());
+  return {bytesOf(Block(data, 0)), bytesOf(Block(data, bytes.size()))};
+}
+
+template <class Block>
+Inputs texts() {
+  return {bytesOf(Block()), bytesOf(Block("speed", 5)), bytesOf(Block("<CNcomment/>\n\0\0", 15))};
+}
+
+CHBLOCK hierarchy() {
+  CHBLOCK block(CHBLOCK::CH_TYPE_STRUCTURE);
+  block.setFirstCHBlock(1000);
+  block.setTXNameBlock(1);
+  block.addChannelElement(10, 11, 12);
+  block.addChannelElement(13, 14, 15);
+  return block;
+}
+
+ATBLOCK attachment(const std::string& content) {
+  ATBLOCK block(content.data(), content.size());
+  block.setTXFilenameBlock(300);
+  block.setMD5ChecksumFlag(true);
+  block.setOriginalSize(content.size());
+  return block;
+}
+
+EVBLOCK event() {
+  EVBLOCK block(EVBLOCK::EV_TYPE_MARKER, EVBLOCK::EV_SYNCTYPE_SECONDS, EVBLOCK::EV_RANGETYPE_POINT,
+                EVBLOCK::EV_CAUSETYPE_USER);
+  block.setSyncBaseFactor(0.5);
+  block.setTXNameBlock(7);
+  block.addScope(100);
+  block.addScope(200);
+  block.addAttachment(300);
+  return block;
+}
+
+CNBLOCK channel() {
+  CNBLOCK block(CNBLOCK::CN_CHANNELTYPE_MASTER, CNBLOCK::CN_SYNCTYPE_TIME,
+                CNBLOCK::CN_DATATYPE_FLOAT_LE, 1, 2, 3);
+  block.setBitCount(64);
+  block.addAttachement(4);
+  block.addAttachement(5);
+  return block;
+}
+
+CNBLOCK channelWithXAxis() {
+  CNBLOCK block = channel();
+  block.setupDefaultXAxis(6, 7, 8);
+  return block;
+}
+
+CCBLOCK conversion() {
+  CCBLOCK block(CCBLOCK::CC_CONVTYPE_EQUAL);
+  block.setupV2TEXT_SCALETABConversion({{0.0, 100}, {1.0, 200}, {2.5, 300}}, 400);
+  block.setPhysicalValueRangeMax(2.5);
+  return block;
+}
+
+DLBLOCK dataList(bool equal_length) {
+  DLBLOCK block(equal_length, 5);
+  block.setEqualLength(64);
+  block.addData(100, 0);
+  block.addData(200, 64);
+  return block;
+}
+
+DZBLOCK zipped() {
+  const std::vector<UINT8> data = {0x78, 0x9C, 3, 0, 0, 0, 0, 1};
+  DZBLOCK block(DTBLOCK::MDF_DT_ID, DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE, data.data(),
+                data.size());
+  block.setZipParameter(4);
+  return block;
+}
+
+std::map<std::string, Inputs> blockInputs() {
+  const std::string header_list = bytesOf(HLBLOCK(4096, true, DZBLOCK::DZ_ZIPTYPE_DEFLATE));
+  return {
+      {"idblock", {bytesOf(IDBLOCK("seeds"))}},
+      {"hdblock", {bytesOf(HDBLOCK(200, 300, 1, 60, HDBLOCK::TIME_EXT_SOURCE, 0, 0))}},
+      {"txblock", texts<TXBLOCK>()},
+      {"mdblock", texts<MDBLOCK>()},
+      {"fhblock", {bytesOf(FHBLOCK(300, 5, -60, 0))}},
+      {"chblock",
+       {bytesOf(CHBLOCK(CHBLOCK::CH_TYPE_GROUP)), bytesOf(hierarchy()),
+        withLinkCount(bytesOf(hierarchy()), 4 + 3 * 2)}},
+      // The second one is longer than what readers take at one go.
+      {"atblock",
+       {bytesOf(attachment("an attachment of some bytes")),
+        bytesOf(attachment(std::string(66000, 'a')))}},
+      {"evblock", {bytesOf(event())}},
+      {"dgblock", {bytesOf(DGBLOCK(1, 2, 3, DGBLOCK::DG_UINT64_LE))}},
+      {"cgblock",
+       {bytesOf(CGBLOCK(1, CGBLOCK::vlsd_channel_group, 2, 3, 4, 5, 6, 7,
+                        CGBLOCK::CG_PATHSEPARATOR_POINT, 8, 9))}},
+      {"siblock",
+       {bytesOf(SIBLOCK(SIBLOCK::SI_SOURCETYPE_BUS, SIBLOCK::SI_BUSTYPE_CAN, true, 1, 2))}},
+      {"cnblock", {bytesOf(channel()), bytesOf(channelWithXAxis())}},
+      {"ccblock", {bytesOf(conversion())}},
+      {"dtblock", plainData<DTBLOCK>()},
+      {"rdblock", plainData<RDBLOCK>()},
+      {"sdblock", plainData<SDBLOCK>()},
+      {"dlblock", {bytesOf(dataList(false)), bytesOf(dataList(true))}},
+      {"dzblock", {bytesOf(zipped()), bytesOf(zipped(), zipped())}},
+      {"hlblock", {header_list, withLinkCount(header_list, 1)}},
+      {"srblock", {bytesOf(SRBLOCK(2, 0.25, SRBLOCK::SR_SYNCTYPE_TIME_SECONDS, 3, 4))}},
+  };
+}
+
+/// Each class's number and bytes without a plan: whatever operations they happen to mean.
+Inputs buildInputs() {
+  Inputs inputs;
+  std::uint32_t state = 1;
+  for (std::size_t type = 0; type < AllBlocks::size; ++type) {
+    std::string input(1, static_cast<char>(type));
+    for (int i = 0; i < 300; ++i) {
+      state = state * 1664525U + 1013904223U;
+      input += static_cast<char>(state >> 24U);
+    }
+    inputs.push_back(input);
+  }
+  return inputs;
+}
+
+/// A file whose header block leads to the first block behind it.
+std::string fileWith(const std::string& blocks) {
+  const LINK first = IDBLOCK::IDBLOCK_SIZE + HDBLOCK::HDBLOCK_SIZE;
+  return bytesOf(IDBLOCK("seeds"), HDBLOCK(0, first, 0, 0, HDBLOCK::TIME_LOCAL_PC, 0, 0)) + blocks;
+}
+
+/// A file with these blocks behind one of a type that nobody knows, which links to all of them and
+/// to the header block.
+std::string fileWithAll(const Inputs& blocks) {
+  DTBLOCK index;
+  index.header.mdfID = MDF_Block_ID(0x5858);
+  index.header.link_count = blocks.size() + 1;
+  std::size_t at = fileWith({}).size() + header_size + (blocks.size() + 1) * link_size;
+  std::string behind;
+  std::vector<LINK> links = {IDBLOCK::IDBLOCK_SIZE};
+  for (const std::string& block : blocks) {
+    links.push_back(static_cast<LINK>(at + behind.size()));
+    behind += block;
+    behind.append((8 - behind.size() % 8) % 8, '\0');
+  }
+  for (const LINK link : links) {
+    for (unsigned shift = 0; shift < 64; shift += 8) {
+      index.addData(static_cast<UINT8>(static_cast<UINT64>(link) >> shift));
+    }
+  }
+  return fileWith(bytesOf(index) + behind);
+}
+
+std::string recordedFile(const std::filesystem::path& path) {
+  const std::vector<mdf_tools::Signal> signals = {mdf_tools::float64Signal("speed", "km/h"),
+                                                  mdf_tools::uint64Signal("counter", "")};
+  mdf_tools::OutputFile file(path);
+  mdf_tools::Recorder recorder(file, signals, {{}, "title", "change", "1"}, 10);
+  for (UINT64 i = 0; i < 3; ++i) {
+    recorder.append(0.1 * static_cast<double>(i), {mdf_tools::bitsOf(50.0), i});
+  }
+  recorder.finish();
+  std::ostringstream bytes;
+  bytes << std::ifstream(path, std::ios::binary).rdbuf();
+  std::filesystem::remove(path);
+  return bytes.str();
+}
+
+std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
+  std::map<std::string, Inputs> inputs = blockInputs();
+  inputs["build"] = buildInputs();
+  inputs["dump"] = {recordedFile(folder / "recorded.mf4")};
+  Inputs all;
+  for (std::size_t type = 0; type < AllBlocks::size; ++type) {
+    for (const std::string& block : inputs.at(targets()[type].first)) {
+      if (block.size() < 1000) {
+        inputs["blocks"].push_back(static_cast<char>(type) + block);
+        inputs["dump"].push_back(fileWith(block));
+        all.push_back(block);
+      }
+    }
+  }
+  inputs["dump"].push_back(fileWithAll(all));
+  return inputs;
+}
+
+void writeAll(const std::filesystem::path& folder) {
+  std::filesystem::create_directories(folder);
+  for (const auto& [target, inputs] : allInputs(folder)) {
+    std::filesystem::create_directories(folder / target);
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+      std::ofstream file(folder / target / ("seed-" + std::to_string(i)), std::ios::binary);
+      file << inputs[i];
+      if (!file.flush()) {
+        throw std::runtime_error("cannot write seeds below " + folder.string());
+      }
+    }
+  }
+}
+
+}  // namespace
+
+}  // namespace mdf_fuzz
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "Usage: %s FOLDER\n", argv[0]);
+    return 2;
+  }
+  try {
+    mdf_fuzz::writeAll(argv[1]);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s: %s\n", argv[0], error.what());
+    return 1;
+  }
+  return 0;
+}

@@ -1,0 +1,29 @@
+#ifndef MDF_FUZZ_TARGETS_H_
+#define MDF_FUZZ_TARGETS_H_
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+/// What is tried with bytes from anywhere. A reader has its class's name in small letters; `blocks`
+/// reads, dumps and writes a block of a type that the first byte chooses; `build` does what the
+/// bytes say with a block; `dump` is what `mdf dump` makes of a file.
+namespace mdf_fuzz {
+
+/// Tries one input and says what became of it, in a few words.
+/// @throws Violation when something is wrong.
+using Target = std::string (*)(std::string_view input);
+
+const std::vector<std::pair<std::string, Target>>& targets();
+
+/// The target with this name; null when there is none.
+Target findTarget(std::string_view name);
+
+std::string tryBlocks(std::string_view input);
+std::string tryBuild(std::string_view input);
+std::string tryDump(std::string_view input);
+
+}  // namespace mdf_fuzz
+
+#endif  // MDF_FUZZ_TARGETS_H_
