@@ -69,8 +69,8 @@ void expectFields(std::string_view fields, const Layout& layout, const FileBlock
   }
 }
 
-void expectDump(const std::string& dump, const Layout& layout) {
-  const std::string name = std::string(layout.letters) + "BLOCK ===================\n";
+void expectDump(const std::string& dump, const std::string& class_name) {
+  const std::string name = class_name + " ===================\n";
   const std::string begin = "[DEBUG] ==================== " + name;
   const std::string end = "[DEBUG] ==================== End of " + name;
   expect(dump.compare(0, begin.size(), begin) == 0, "a dump to begin with its banner");

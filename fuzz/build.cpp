@@ -24,6 +24,7 @@ std::string tryBuildOf(Input& input) {
     }
   }
   printChecked(block);
+  expectDump(dumpOf(block.header), "HeaderSection");
   const std::string bytes = writeChecked(block);
   return readChecked<Block>(bytes + bytes).outcome;
 }

@@ -7,7 +7,7 @@
 namespace mdf_fuzz {
 
 inline DTBLOCK make(Input& input, const DTBLOCK* /*type*/) {
-  const std::string_view data = input.takeText();
+  const std::string data = input.takeText();
   return {dataOf(data), data.size()};
 }
 inline void change(DTBLOCK& block, Input& input) {
@@ -15,13 +15,13 @@ inline void change(DTBLOCK& block, Input& input) {
 }
 
 inline RDBLOCK make(Input& input, const RDBLOCK* /*type*/) {
-  const std::string_view data = input.takeText();
+  const std::string data = input.takeText();
   return {dataOf(data), data.size()};
 }
 inline void change(RDBLOCK& block, Input& input) { setUpData(block, input); }
 
 inline SDBLOCK make(Input& input, const SDBLOCK* /*type*/) {
-  const std::string_view data = input.takeText();
+  const std::string data = input.takeText();
   return {dataOf(data), data.size()};
 }
 inline void change(SDBLOCK& block, Input& input) {
@@ -36,6 +36,10 @@ inline void addPair(DLBLOCK& block, Input& input) {
   const auto link = input.take<LINK>();
   block.addData(link, input.take<UINT64>());
   expect(block.getDataLength() == count + (link == 0 ? 0 : 1), "one more pair, without nil links");
+  LINK last = 0;
+  UINT64 offset = 0;
+  expect(link == 0 || (block.getDataAtIndex(count, last, offset) && last == link),
+         "one more pair at the end");
 }
 inline void removePair(DLBLOCK& block, Input& input) {
   const auto index = input.take<UINT8>();
@@ -54,11 +58,11 @@ inline void change(DLBLOCK& block, Input& input) {
 inline DZBLOCK make(Input& input, const DZBLOCK* /*type*/) {
   const auto type = input.take<UINT16>();
   const auto zip_type = input.take<DZBLOCK::DZ_ZIPTYPE_t>();
-  const std::string_view data = input.takeText();
+  const std::string data = input.takeText();
   return {type, zip_type, dataOf(data), data.size()};
 }
 inline void setUpZipped(DZBLOCK& block, Input& input) {
-  const std::string_view data = input.takeText();
+  const std::string data = input.takeText();
   block.setupZipData(dataOf(data), data.size());
   expect(block.dz_data.size() == data.size(), "the zipped data");
 }

@@ -24,11 +24,17 @@ inline void change(DGBLOCK& block, Input& input) {
 
 inline void setUpGroup(CGBLOCK& block, Input& input) { call(block, &CGBLOCK::setup, input); }
 inline CGBLOCK make(Input& input, const CGBLOCK* /*type*/) {
-  CGBLOCK block;
-  if (input.take<bool>()) {
-    setUpGroup(block, input);
-  }
-  return block;
+  return {input.take<LINK>(),
+          input.take<CGBLOCK::CG_FLAGS_t>(),
+          input.take<UINT64>(),
+          input.take<LINK>(),
+          input.take<LINK>(),
+          input.take<LINK>(),
+          input.take<LINK>(),
+          input.take<UINT64>(),
+          input.take<CGBLOCK::CG_PATHSEPARATOR_t>(),
+          input.take<UINT32>(),
+          input.take<UINT32>()};
 }
 inline void countCycle(CGBLOCK& block, Input& /*input*/) {
   const UINT64 count = block.getCycleCount();

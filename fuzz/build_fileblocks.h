@@ -9,9 +9,13 @@
 namespace mdf_fuzz {
 
 inline IDBLOCK make(Input& input, const IDBLOCK* /*type*/) {
-  return IDBLOCK(std::string(input.takeText()).c_str());
+  return IDBLOCK(input.takeText().c_str());
 }
-inline void change(IDBLOCK& block, Input& input) { block = make(input, &block); }
+inline void change(IDBLOCK& block, Input& input) {
+  block = make(input, &block);
+  expect(block.getKenn() + block.getVers() == "MDF     4.10    " && block.getProg().size() == 8,
+         "the format's identifiers");
+}
 
 inline HDBLOCK make(Input& input, const HDBLOCK* /*type*/) {
   return {input.take<LINK>(),
@@ -34,13 +38,13 @@ inline void change(HDBLOCK& block, Input& input) {
 }
 
 inline TXBLOCK make(Input& input, const TXBLOCK* /*type*/) {
-  const std::string_view text = input.takeText();
+  const std::string text = input.takeText();
   return text.empty() ? TXBLOCK() : TXBLOCK(text.data(), text.size());
 }
 inline void change(TXBLOCK& block, Input& input) { setUpText(block, input); }
 
 inline MDBLOCK make(Input& input, const MDBLOCK* /*type*/) {
-  const std::string_view text = input.takeText();
+  const std::string text = input.takeText();
   return text.empty() ? MDBLOCK() : MDBLOCK(text.data(), text.size());
 }
 inline void change(MDBLOCK& block, Input& input) { setUpText(block, input); }
@@ -59,15 +63,15 @@ inline CHBLOCK make(Input& input, const CHBLOCK* /*type*/) {
   return CHBLOCK(input.take<CHBLOCK::MDF_CH_TYPE_t>());
 }
 inline void addElement(CHBLOCK& block, Input& input) {
-  const CHBLOCK::CHBLOCK_CHANNEL_t element{input.take<LINK>(), input.take<LINK>(),
-                                           input.take<LINK>()};
-  block.addChannelElement(element);
-  CHBLOCK::CHBLOCK_CHANNEL_t last;
-  expect(block.getChannelElementAtIndex(block.getElementCount() - 1, last) &&
-             last.ch_element_dg == element.ch_element_dg &&
-             last.ch_element_cg == element.ch_element_cg &&
-             last.ch_element_cn == element.ch_element_cn,
-         "one more element at the end");
+  const auto group = input.take<LINK>();
+  block.addChannelElement({group, input.take<LINK>(), input.take<LINK>()});
+  LINK last = 0;
+  LINK channel_group = 0;
+  LINK channel = 0;
+  expect(
+      block.getChannelElementAtIndex(block.getElementCount() - 1, last, channel_group, channel) &&
+          last == group,
+      "one more element at the end");
 }
 inline void removeElement(CHBLOCK& block, Input& input) {
   const auto index = input.take<UINT8>();
@@ -91,18 +95,18 @@ inline void change(CHBLOCK& block, Input& input) {
 }
 
 inline ATBLOCK make(Input& input, const ATBLOCK* /*type*/) {
-  const std::string_view data = input.takeText();
+  const std::string data = input.takeText();
   return data.empty() ? ATBLOCK() : ATBLOCK(data.data(), data.size());
 }
 inline void setUpEmbedded(ATBLOCK& block, Input& input) {
-  const std::string_view data = input.takeText();
+  const std::string data = input.takeText();
   block.setup(data.data(), data.size());
   expect(block.getSize() == ATBLOCK::ATBLOCK_CONSTANT_SIZE + data.size(), "the embedded bytes");
 }
 inline void setChecksum(ATBLOCK& block, Input& input) {
   const std::size_t size = block.at_embedded_data.size();
   const auto checksum = block.getMD5Checksum();
-  block.setMD5Checksum(std::string(input.takeText()).c_str());
+  block.setMD5Checksum(input.takeText().c_str());
   expect(block.at_embedded_data.size() == size && block.getMD5Checksum() == checksum,
          "a checksum over the embedded bytes alone");
 }

@@ -3,7 +3,7 @@
 
 #include <ctime>
 #include <initializer_list>
-#include <string_view>
+#include <string>
 #include <tuple>
 #include <type_traits>
 
@@ -80,13 +80,13 @@ void changeTime(Block& block, Input& input) {
   block.getDateAndTime(time);
 }
 
-inline const UINT8* dataOf(std::string_view text) {
+inline const UINT8* dataOf(const std::string& text) {
   return reinterpret_cast<const UINT8*>(text.data());
 }
 
 template <class Block>
 void setUpText(Block& block, Input& input) {
-  const std::string_view text = input.takeText();
+  const std::string text = input.takeText();
   block.setup(text.data(), text.size());
   expect(block.getData().size() == text.size() + 1 && block.getData().back() == 0,
          "the text and a zero");
@@ -94,7 +94,7 @@ void setUpText(Block& block, Input& input) {
 
 template <class Block>
 void setUpData(Block& block, Input& input) {
-  const std::string_view data = input.takeText();
+  const std::string data = input.takeText();
   block.setup(dataOf(data), data.size());
   expect(block.getData().size() == data.size(), "the data");
 }

@@ -88,6 +88,8 @@ void expectSentence(const mdf_tools::Finding& finding, std::uint64_t file_size) 
              finding.sentence.find(", found ") != std::string::npos &&
              std::all_of(finding.sentence.begin(), finding.sentence.end(), isPrintable),
          "a finding to say what was expected and found, on one line");
+  expect(finding.sentence.rfind("expected memory", 0) != 0,
+         "memory for what the file holds to suffice");
 }
 
 Dump dumpFile(const std::string& path, OutputBuffer::Bytes bytes) {

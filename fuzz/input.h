@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <type_traits>
 
@@ -31,8 +32,15 @@ class Input {
     }
   }
 
-  /// Up to 255 bytes; the first byte says how many.
-  std::string_view takeText() { return takeBytes(take<unsigned char>()); }
+  /// Some bytes, once or several times one behind the other: up to 2,040 bytes.
+  std::string takeText() {
+    const std::string_view bytes = takeBytes(take<unsigned char>());
+    std::string text;
+    for (int i = take<unsigned char>() % 8; i >= 0; --i) {
+      text += bytes;
+    }
+    return text;
+  }
 
  private:
   std::string_view takeBytes(std::size_t count) {

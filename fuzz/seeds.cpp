@@ -34,11 +34,15 @@ std::string withLinkCount(std::string bytes, char count) {
   return bytes;
 }
 
+/// The two long ones just go into what writers hand on at one go, and just do not.
 template <class Block>
 Inputs plainData() {
-  const std::string bytes = "records";
-  const auto* data = reinterpret_cast<const UINT8*>(bytes.data());
-  return {bytesOf(Block(data, 0)), bytesOf(Block(data, bytes.size()))};
+  Inputs inputs;
+  for (const std::size_t size : {0U, 7U, 1000U, 1001U}) {
+    const std::vector<UINT8> data(size, 'r');
+    inputs.push_back(bytesOf(Block(data.data(), data.size())));
+  }
+  return inputs;
 }
 
 template <class Block>
@@ -89,6 +93,14 @@ CNBLOCK channelWithXAxis() {
   return block;
 }
 
+CNBLOCK channelWithManyAttachments() {
+  CNBLOCK block = channel();
+  for (LINK attachment = 1000; attachment < 1200; ++attachment) {
+    block.addAttachement(attachment);
+  }
+  return block;
+}
+
 CCBLOCK conversion() {
   CCBLOCK block(CCBLOCK::CC_CONVTYPE_EQUAL);
   block.setupV2TEXT_SCALETABConversion({{0.0, 100}, {1.0, 200}, {2.5, 300}}, 400);
@@ -134,7 +146,8 @@ std::map<std::string, Inputs> blockInputs() {
                         CGBLOCK::CG_PATHSEPARATOR_POINT, 8, 9))}},
       {"siblock",
        {bytesOf(SIBLOCK(SIBLOCK::SI_SOURCETYPE_BUS, SIBLOCK::SI_BUSTYPE_CAN, true, 1, 2))}},
-      {"cnblock", {bytesOf(channel()), bytesOf(channelWithXAxis())}},
+      {"cnblock",
+       {bytesOf(channel()), bytesOf(channelWithXAxis()), bytesOf(channelWithManyAttachments())}},
       {"ccblock", {bytesOf(conversion())}},
       {"dtblock", plainData<DTBLOCK>()},
       {"rdblock", plainData<RDBLOCK>()},
@@ -211,8 +224,10 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
   Inputs all;
   for (std::size_t type = 0; type < AllBlocks::size; ++type) {
     for (const std::string& block : inputs.at(targets()[type].first)) {
-      if (block.size() < 1000) {
+      if (block.size() < 5000) {
         inputs["blocks"].push_back(static_cast<char>(type) + block);
+      }
+      if (block.size() < 500) {
         inputs["dump"].push_back(fileWith(block));
         all.push_back(block);
       }
