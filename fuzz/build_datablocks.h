@@ -6,24 +6,20 @@
 /// How an input makes and changes each of the blocks that hold data or list them.
 namespace mdf_fuzz {
 
-inline DTBLOCK make(Input& input, const DTBLOCK* /*type*/) {
+template <class Data>
+Data makeData(Input& input) {
   const std::string data = input.takeText();
   return {dataOf(data), data.size()};
 }
+inline DTBLOCK make(Input& input, const DTBLOCK* /*type*/) { return makeData<DTBLOCK>(input); }
 inline void change(DTBLOCK& block, Input& input) {
   changeOneWay<DTBLOCK>(block, input, {setUpData, growData});
 }
 
-inline RDBLOCK make(Input& input, const RDBLOCK* /*type*/) {
-  const std::string data = input.takeText();
-  return {dataOf(data), data.size()};
-}
+inline RDBLOCK make(Input& input, const RDBLOCK* /*type*/) { return makeData<RDBLOCK>(input); }
 inline void change(RDBLOCK& block, Input& input) { setUpData(block, input); }
 
-inline SDBLOCK make(Input& input, const SDBLOCK* /*type*/) {
-  const std::string data = input.takeText();
-  return {dataOf(data), data.size()};
-}
+inline SDBLOCK make(Input& input, const SDBLOCK* /*type*/) { return makeData<SDBLOCK>(input); }
 inline void change(SDBLOCK& block, Input& input) {
   changeOneWay<SDBLOCK>(block, input, {setUpData, growData});
 }
@@ -80,7 +76,7 @@ inline HLBLOCK make(Input& input, const HLBLOCK* /*type*/) {
 inline void change(HLBLOCK& block, Input& input) {
   changeOneWay(block, input,
                {set<&HLBLOCK::setFirstDlblock, &HLBLOCK::getFirstDlblock>,
-                set<&HLBLOCK::setEqualLengthFlag, &HLBLOCK::isEqualLengthFlag>,
+                setFlag<&HLBLOCK::setEqualLengthFlag, &HLBLOCK::isEqualLengthFlag>,
                 set<&HLBLOCK::setZipType, &HLBLOCK::getZipType>});
 }
 
@@ -95,7 +91,7 @@ inline void change(SRBLOCK& block, Input& input) {
                 set<&SRBLOCK::setCycleCount, &SRBLOCK::getCycleCount>,
                 set<&SRBLOCK::setInterval, &SRBLOCK::getInterval>,
                 set<&SRBLOCK::setSyncType, &SRBLOCK::getSyncType>,
-                set<&SRBLOCK::setValidationBytesFlag, &SRBLOCK::isValidationBytesFlag>});
+                setFlag<&SRBLOCK::setValidationBytesFlag, &SRBLOCK::isValidationBytesFlag>});
 }
 
 }  // namespace mdf_fuzz

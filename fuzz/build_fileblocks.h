@@ -37,16 +37,15 @@ inline void change(HDBLOCK& block, Input& input) {
                 set<&HDBLOCK::setTimestamp, &HDBLOCK::getTimeStamp>, changeTime});
 }
 
-inline TXBLOCK make(Input& input, const TXBLOCK* /*type*/) {
+template <class Text>
+Text makeText(Input& input) {
   const std::string text = input.takeText();
-  return text.empty() ? TXBLOCK() : TXBLOCK(text.data(), text.size());
+  return text.empty() ? Text() : Text(text.data(), text.size());
 }
+inline TXBLOCK make(Input& input, const TXBLOCK* /*type*/) { return makeText<TXBLOCK>(input); }
 inline void change(TXBLOCK& block, Input& input) { setUpText(block, input); }
 
-inline MDBLOCK make(Input& input, const MDBLOCK* /*type*/) {
-  const std::string text = input.takeText();
-  return text.empty() ? MDBLOCK() : MDBLOCK(text.data(), text.size());
-}
+inline MDBLOCK make(Input& input, const MDBLOCK* /*type*/) { return makeText<MDBLOCK>(input); }
 inline void change(MDBLOCK& block, Input& input) { setUpText(block, input); }
 
 inline FHBLOCK make(Input& input, const FHBLOCK* /*type*/) {
@@ -119,8 +118,8 @@ inline void change(ATBLOCK& block, Input& input) {
        set<&ATBLOCK::setMDBlock, &ATBLOCK::getMDBlock>,
        set<&ATBLOCK::setCreatorIndex, &ATBLOCK::getCreatorIndex>,
        set<&ATBLOCK::setOriginalSize, &ATBLOCK::getOriginalSize>,
-       set<&ATBLOCK::setEmbeddedDataFlag, &ATBLOCK::isEmbeddedData>,
-       set<&ATBLOCK::setMD5ChecksumFlag, &ATBLOCK::isMD5Checksum>,
+       setFlag<&ATBLOCK::setEmbeddedDataFlag, &ATBLOCK::isEmbeddedData>,
+       setFlag<&ATBLOCK::setMD5ChecksumFlag, &ATBLOCK::isMD5Checksum>,
        setOrClear<&ATBLOCK::setCompressedEmbeddedDataFlag, &ATBLOCK::isCompressedEmbeddedData>});
 }
 
@@ -143,7 +142,7 @@ inline void change(EVBLOCK& block, Input& input) {
        set<&EVBLOCK::setSyncType, &EVBLOCK::getSyncType>,
        set<&EVBLOCK::setRangeType, &EVBLOCK::getRangeType>,
        set<&EVBLOCK::setCause, &EVBLOCK::getCause>,
-       set<&EVBLOCK::setPostProcessedFlag, &EVBLOCK::isPostProcessed>,
+       setFlag<&EVBLOCK::setPostProcessedFlag, &EVBLOCK::isPostProcessed>,
        set<&EVBLOCK::setCreatorIndex, &EVBLOCK::getCreatorIndex>,
        set<&EVBLOCK::setSyncBaseValue, &EVBLOCK::getSyncBaseValue>,
        set<&EVBLOCK::setSyncBaseFactor, &EVBLOCK::getSyncBaseFactor>});

@@ -1,12 +1,15 @@
 #ifndef MDF_FUZZ_CHANGES_H_
 #define MDF_FUZZ_CHANGES_H_
 
+#include <bitset>
+#include <cstddef>
 #include <ctime>
 #include <initializer_list>
 #include <string>
 #include <tuple>
 #include <type_traits>
 
+#include "block_check.h"
 #include "expect.h"
 #include "input.h"
 #include "layout.h"
@@ -36,6 +39,24 @@ void set(Block& block, Input& input) {
   const auto value = input.take<decltype((block.*Get)())>();
   (block.*Set)(value);
   expect(same((block.*Get)(), value), "a getter to return what was set");
+}
+
+inline std::size_t differentBits(const std::string& a, const std::string& b) {
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    count += std::bitset<8>(static_cast<unsigned char>(a[i] ^ b[i])).count();
+  }
+  return count;
+}
+
+/// Flags share a field. One that brings links with it changes more of the file than its bit.
+template <auto Set, auto Get, class Block>
+void setFlag(Block& block, Input& input) {
+  const std::string before = bytesOf(block);
+  set<Set, Get>(block, input);
+  const std::string after = bytesOf(block);
+  expect(before.size() != after.size() || differentBits(before, after) <= 1,
+         "no flag to change another");
 }
 
 /// For what a rule of the block may refuse.
