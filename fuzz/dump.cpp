@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
@@ -59,7 +60,7 @@ class MemoryOutput {
   }
   ~MemoryOutput() {
     (void)std::fclose(file_);
-    std::free(text_);
+    const std::unique_ptr<char, void (*)(void*)> text(text_, std::free);
   }
   MemoryOutput(const MemoryOutput&) = delete;
   MemoryOutput& operator=(const MemoryOutput&) = delete;

@@ -53,8 +53,8 @@ Written plainly(const GENERALBLOCK& block, const std::vector<UINT8>& data) {
 }
 
 /// A block whose length and link count follow from what is written, as most do.
-Written counted(const GENERALBLOCK& block, const Layout& layout, std::vector<LINK> more_links,
-                std::vector<UINT8> rest) {
+Written counted(const GENERALBLOCK& block, const Layout& layout,
+                const std::vector<LINK>& more_links, std::vector<UINT8> rest) {
   const UINT64 links = layout.fixed_links + more_links.size();
   Written form{header_size + links * link_size + layout.fields + rest.size(), links, block.links,
                std::move(rest)};
@@ -174,7 +174,7 @@ Written written(const CHBLOCK& block) {
 Written written(const EVBLOCK& block) {
   std::vector<LINK> links = block.ev_scope;
   append(links, block.ev_at_reference);
-  return counted(block, layout_of<EVBLOCK>, std::move(links), {});
+  return counted(block, layout_of<EVBLOCK>, links, {});
 }
 
 Written written(const CNBLOCK& block) {
@@ -183,7 +183,7 @@ Written written(const CNBLOCK& block) {
     links.insert(links.end(), {block.cn_default_x_dgblock, block.cn_default_x_cgblock,
                                block.cn_default_x_cnblock});
   }
-  return counted(block, layout_of<CNBLOCK>, std::move(links), {});
+  return counted(block, layout_of<CNBLOCK>, links, {});
 }
 
 Written written(const CCBLOCK& block) {
@@ -206,7 +206,7 @@ Written written(const DLBLOCK& block) {
   if (block.isEqualLengthFlag()) {
     appendBytes(rest, block.dl_equal_length);
   }
-  return counted(block, layout_of<DLBLOCK>, std::move(links), std::move(rest));
+  return counted(block, layout_of<DLBLOCK>, links, std::move(rest));
 }
 
 }  // namespace mdf_fuzz

@@ -19,15 +19,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path folder = MDF_FINDINGS;
-const fs::path list = folder / "outcomes.txt";
+fs::path folder() { return MDF_FINDINGS; }
+
+fs::path list() { return folder() / "outcomes.txt"; }
 
 using Outcomes = std::map<std::string, std::string>;
 
 /// One line for each input: where it is, and what becomes of it.
 Outcomes statedOutcomes() {
   Outcomes outcomes;
-  std::ifstream lines(list);
+  std::ifstream lines(list());
   std::string input;
   std::string outcome;
   while (lines >> input && std::getline(lines >> std::ws, outcome)) {
@@ -50,9 +51,9 @@ std::string outcomeOf(const std::string& target_name, const fs::path& input) {
 
 TEST(Findings, EveryInputComesToTheOutcomeThatIsStatedForIt) {
   Outcomes outcomes;
-  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
-    if (entry.is_regular_file() && entry.path() != list) {
-      const fs::path input = entry.path().lexically_relative(folder);
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder())) {
+    if (entry.is_regular_file() && entry.path() != list()) {
+      const fs::path input = entry.path().lexically_relative(folder());
       outcomes[input.generic_string()] = outcomeOf(input.parent_path().string(), entry.path());
     }
   }
@@ -62,7 +63,7 @@ TEST(Findings, EveryInputComesToTheOutcomeThatIsStatedForIt) {
 
 TEST(Findings, EveryFileIsDumpedByTheProgram) {
   int files = 0;
-  for (const fs::directory_entry& entry : fs::directory_iterator(folder / "dump")) {
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder() / "dump")) {
     SCOPED_TRACE(entry.path());
     const RunResult result = run({"dump", entry.path().string()});
     const auto lines = std::count(result.messages.begin(), result.messages.end(), '\n');
