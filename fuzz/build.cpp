@@ -25,6 +25,7 @@ std::string tryBuildOf(Input& input) {
   }
   printChecked(block);
   expectDump(dumpOf(block.header), "HeaderSection");
+  expect(bytesOf(block.header).size() == header_size, "24 bytes of header");
   const std::string bytes = writeChecked(block);
   return readChecked<Block>(bytes + bytes).outcome;
 }

@@ -41,7 +41,10 @@ inline void removePair(DLBLOCK& block, Input& input) {
   const auto index = input.take<UINT8>();
   const UINT32 count = block.getDataLength();
   block.removeDataAtIndex(index);
-  expect(block.getDataLength() == count - (index < count ? 1 : 0),
+  LINK link = 0;
+  UINT64 offset = 0;
+  expect(block.getDataLength() == count - (index < count ? 1 : 0) &&
+             !block.getDataAtIndex(block.getDataLength(), link, offset),
          "the pair gone, if there was one");
 }
 inline void change(DLBLOCK& block, Input& input) {

@@ -76,7 +76,9 @@ inline void removeElement(CHBLOCK& block, Input& input) {
   const auto index = input.take<UINT8>();
   const UINT32 count = block.getElementCount();
   block.removeChannelAtIndex(index);
-  expect(block.getElementCount() == count - (index < count ? 1 : 0),
+  LINK link = 0;
+  expect(block.getElementCount() == count - (index < count ? 1 : 0) &&
+             !block.getChannelElementAtIndex(block.getElementCount(), link, link, link),
          "the element gone, if there was one");
 }
 inline void setNextOfHierarchy(CHBLOCK& block, Input& input) {
