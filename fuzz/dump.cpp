@@ -100,7 +100,8 @@ Dump dumpFile(const std::string& path) {
   OutputBuffer output(memory.file(), OutputBuffer::Bytes::as_they_are);
   Dump dump;
   {
-    const mdf_tests::AllocationLimit limit((std::size_t{1} << 20U) + 32 * file.size());
+    const mdf_tests::AllocationLimit limit((std::size_t{1} << 20U) +
+                                           32 * static_cast<std::size_t>(file.size()));
     mdf_tools::dumpFile(file, output, [&](const mdf_tools::Finding& finding) {
       expectSentence(finding, file.size());
       ++dump.findings;

@@ -122,7 +122,7 @@ TEST(FileDump, EndsWhenTheOutputFails) {
 }
 
 /// Dumps the healthy file to a new file that takes so many bytes.
-void expectBeginningOfDump(const std::string& path, std::uint64_t limit) {
+void expectBeginningOfDump(const std::string& path, std::size_t limit) {
   SCOPED_TRACE(limit);
   const TempFile file(healthyFile());
   InputFile input(file.path());
@@ -139,8 +139,8 @@ void expectBeginningOfDump(const std::string& path, std::uint64_t limit) {
 
 TEST(FileDump, OutputThatTakesNoMoreHoldsTheBeginning) {
   const ScratchFolder folder;
-  const std::uint64_t size = healthyDump().size();
-  for (std::uint64_t limit = 0; limit < size; limit += 101) {
+  const std::size_t size = healthyDump().size();
+  for (std::size_t limit = 0; limit < size; limit += 101) {
     expectBeginningOfDump(folder / "dump", limit);
   }
   expectBeginningOfDump(folder / "dump", size - 1);

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 namespace mdf_tests {
@@ -34,7 +34,9 @@ void ScratchFolder::write(const std::string& name, const std::string& text) cons
 
 std::string bytesOf(const fs::path& path) {
   std::ifstream is(path, std::ios_base::binary);
-  return {std::istreambuf_iterator<char>(is), std::istreambuf_iterator<char>()};
+  std::ostringstream bytes;
+  bytes << is.rdbuf();
+  return bytes.str();
 }
 
 }  // namespace mdf_tests
