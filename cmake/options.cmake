@@ -9,6 +9,10 @@ add_library(mdf_compile_options INTERFACE)
 target_compile_options(mdf_compile_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnull-dereference
   $<$<BOOL:${MDF_WARNINGS_AS_ERRORS}>:-Werror>)
+if(MDF_COVERAGE)
+  target_compile_options(mdf_compile_options INTERFACE --coverage)
+  target_link_options(mdf_compile_options INTERFACE --coverage)
+endif()
 if(MDF_SANITIZE)
   target_compile_options(mdf_compile_options INTERFACE
     -fsanitize=${MDF_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -74,10 +74,6 @@ pid_t start(const std::vector<std::string>& arguments, const RunOptions& options
   std::vector<std::string> command = options.command;
   command.insert(command.end(), arguments.begin(), arguments.end());
   std::vector<std::string> environment = environmentWith(options.environment);
-  if (options.file_size_limit) {
-    // What a build that counts its coverage would write at its end is not to meet the limit.
-    environment.insert(environment.end(), {"GCOV_PREFIX=/dev/null", "GCOV_ERROR_FILE=/dev/null"});
-  }
   const std::vector<char*> command_pointers = pointersTo(command);
   std::vector<char*> environment_pointers = pointersTo(environment);
   const pid_t process = fork();
