@@ -24,8 +24,9 @@ std::string tryBuildOf(Input& input) {
     }
   }
   printChecked(block);
-  expectDump(dumpOf(block.header), "HeaderSection");
-  expect(bytesOf(block.header).size() == header_size, "24 bytes of header");
+  expect(mdf_tests::oracle::isFramed(dumpOf(block.header), "HeaderSection"),
+         "a header's dump between its banners");
+  expect(bytesOf(block.header).size() == mdf_tests::oracle::header_size, "24 bytes of header");
   const std::string bytes = writeChecked(block);
   return readChecked<Block>(bytes + bytes).outcome;
 }

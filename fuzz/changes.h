@@ -12,7 +12,6 @@
 #include "block_check.h"
 #include "expect.h"
 #include "input.h"
-#include "layout.h"
 
 /// What can be done with a block: operations with arguments from an input, each with what must come
 /// of it.

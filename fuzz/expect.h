@@ -3,7 +3,6 @@
 
 #include <cstring>
 #include <stdexcept>
-#include <string_view>
 #include <type_traits>
 #include <vector>
 
@@ -15,7 +14,8 @@ class Violation : public std::logic_error {
   using std::logic_error::logic_error;
 };
 
-inline void expect(bool holds, const char* what_should_be) {
+template <class Text>
+void expect(bool holds, const Text& what_should_be) {
   if (!holds) {
     throw Violation(what_should_be);
   }
@@ -33,10 +33,6 @@ bool same(const std::vector<Value>& a, const std::vector<Value>& b) {
   static_assert(std::is_arithmetic_v<Value>, "padding has no value");
   return a.size() == b.size() &&
          (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(Value)) == 0);
-}
-
-inline std::string_view textOf(const std::vector<unsigned char>& bytes) {
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 }  // namespace mdf_fuzz

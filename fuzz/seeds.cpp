@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "layout.h"
+#include "all_blocks.h"
 #include "recording/output_file.h"
 #include "recording/recorder.h"
 #include "recording/signal_source.h"
@@ -186,7 +186,8 @@ std::string fileWithAll(const Inputs& blocks) {
   DTBLOCK index;
   index.header.mdfID = MDF_Block_ID(0x5858);
   index.header.link_count = blocks.size() + 1;
-  std::size_t at = fileWith({}).size() + header_size + (blocks.size() + 1) * link_size;
+  std::size_t at =
+      fileWith({}).size() + HeaderSection::HEADER_SIZE + (blocks.size() + 1) * sizeof(LINK);
   std::string behind;
   std::vector<LINK> links = {IDBLOCK::IDBLOCK_SIZE};
   for (const std::string& block : blocks) {

@@ -10,12 +10,12 @@ namespace {
 
 template <class Block>
 std::string tryReader(std::string_view input) {
-  return readChecked<Block>(input).outcome;
+  return readChecked<Block>(std::string(input)).outcome;
 }
 
 template <class Block>
 std::string readerName() {
-  std::string name(layout_of<Block>.letters);
+  std::string name(letters_of<Block>);
   for (char& letter : name) {
     letter = static_cast<char>(letter - 'A' + 'a');
   }
@@ -30,7 +30,7 @@ std::vector<std::pair<std::string, Target>> readersOf(BlockList<Blocks...> /*blo
 /// What was read can be dumped and written, and what was written is read as the bytes say.
 template <class Block>
 std::string tryBlock(std::string_view input) {
-  const Read<Block> read = readChecked<Block>(input);
+  const Read<Block> read = readChecked<Block>(std::string(input));
   if (read.block) {
     printChecked(*read.block);
     readChecked<Block>(writeChecked(*read.block));

@@ -1,13 +1,13 @@
-#ifndef MDF_TESTS_HOSTILE_VARIABLE_PARTS_H_
-#define MDF_TESTS_HOSTILE_VARIABLE_PARTS_H_
+#ifndef MDF_TESTS_READING_ORACLE_VARIABLE_PARTS_H_
+#define MDF_TESTS_READING_ORACLE_VARIABLE_PARTS_H_
 
 #include <string>
 
-#include "hostile/attempt.h"
+#include "reading_oracle/attempt.h"
 
 /// What the classes make of their links and of the rest of their body, once links and fixed fields
 /// are taken. The counts in the fixed fields become those that the writer states.
-namespace mdf_tests::hostile {
+namespace mdf_tests::oracle {
 
 /// CH: elements from the links.
 void takeElements(Attempt& attempt, const std::string& rest);
@@ -27,6 +27,6 @@ void takeReferencesAndValues(Attempt& attempt, const std::string& rest);
 /// DL: the links, and the equal length or the offsets.
 void takePairs(Attempt& attempt, const std::string& rest);
 
-}  // namespace mdf_tests::hostile
+}  // namespace mdf_tests::oracle
 
-#endif  // MDF_TESTS_HOSTILE_VARIABLE_PARTS_H_
+#endif  // MDF_TESTS_READING_ORACLE_VARIABLE_PARTS_H_

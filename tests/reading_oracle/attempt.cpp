@@ -1,8 +1,8 @@
-#include "hostile/attempt.h"
+#include "reading_oracle/attempt.h"
 
 #include <cstdlib>
 
-namespace mdf_tests::hostile {
+namespace mdf_tests::oracle {
 
 std::size_t sectionWidth(const Format& format) {
   std::size_t width = 0;
@@ -31,11 +31,11 @@ Contents startOf(const Format& format) {
                  {},
                  std::string(sectionWidth(format), '\0'),
                  "",
-                 Links(format.unwritten)};
+                 std::vector<std::int64_t>(format.unwritten)};
   if (format.precision_at != SIZE_MAX) {
     block.section[format.precision_at] = '\xFF';
   }
   return block;
 }
 
-}  // namespace mdf_tests::hostile
+}  // namespace mdf_tests::oracle

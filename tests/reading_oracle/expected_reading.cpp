@@ -1,14 +1,14 @@
-#include "hostile/expected_reading.h"
+#include "reading_oracle/expected_reading.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <map>
 
-#include "hostile/attempt.h"
-#include "hostile/reading_forms.h"
-#include "hostile/variable_parts.h"
-#include "support/bytes.h"
+#include "reading_oracle/attempt.h"
+#include "reading_oracle/reading_forms.h"
+#include "reading_oracle/variable_parts.h"
 
-namespace mdf_tests::hostile {
+namespace mdf_tests::oracle {
 
 namespace {
 
@@ -22,22 +22,33 @@ std::uint64_t countOwnAndMore(const Contents& block) {
 
 std::uint64_t countOnePerElement(const Contents& block) { return 4 + block.more_links.size() / 3; }
 
+std::size_t sectionOffset(const Format& format, std::size_t link_count) {
+  return format.read == readIdentification ? 0 : header_size + link_count * link_size;
+}
+
+void appendNumber(std::string& bytes, std::uint64_t value) {
+  for (unsigned shift = 0; shift < 64; shift += 8) {
+    bytes += static_cast<char>(value >> shift);
+  }
+}
+
 std::string writtenBytes(const std::string& letters, const Format& format, const Contents& block) {
   if (format.read == readIdentification) {
     return block.section;
   }
-  const std::uint64_t length =
-      format.written_length == WrittenLength::stored
-          ? block.length
-          : format.size + block.more_links.size() * link_size + block.tail.size();
-  Bytes bytes;
-  bytes.header(letters, length, format.written_link_count(block));
+  std::string bytes;
+  bytes.reserve(format.size + block.more_links.size() * link_size + block.tail.size());
+  bytes.append("##").append(letters).append(block.reserved);
+  appendNumber(bytes, format.written_length == WrittenLength::stored
+                          ? block.length
+                          : format.size + block.more_links.size() * link_size + block.tail.size());
+  appendNumber(bytes, format.written_link_count(block));
   for (const Links* links : {&block.links, &block.more_links}) {
     for (const std::int64_t link : *links) {
-      bytes.i64(link);
+      appendNumber(bytes, static_cast<std::uint64_t>(link));
     }
   }
-  return bytes.text(block.section).text(block.tail);
+  return bytes.append(block.section).append(block.tail);
 }
 
 const Format text{readText, {0, 0, 0}, 24, {}, WrittenLength::computed, countStored};
@@ -85,39 +96,60 @@ const Format& formatOf(const std::string& letters) {
 
 std::uint64_t numberAt(const std::string& bytes, const Number& where) {
   std::uint64_t value = 0;
-  for (std::size_t i = where.width; i-- > 0;) {
-    value = value << 8U | static_cast<unsigned char>(bytes.at(where.offset + i));
+  const char* byte = &bytes.at(where.offset + where.width - 1);
+  for (std::size_t i = 0; i < where.width; ++i) {
+    value = value << 8U | static_cast<unsigned char>(*byte--);
   }
   return value;
 }
 
 void setNumber(std::string& bytes, const Number& where, std::uint64_t value) {
-  const std::string all = Bytes().u64(value);
-  bytes.replace(where.offset, where.width, all, 0, where.width);
+  char* byte = &bytes.at(where.offset + where.width - 1) + 1 - where.width;
+  for (std::size_t i = 0; i < where.width; ++i) {
+    *byte++ = static_cast<char>(value >> 8 * i);
+  }
 }
 
-Reading expectedReading(const std::string& letters, const std::string& stream) {
+ExpectedReading expectedReading(const std::string& letters, const std::string& stream,
+                                std::size_t data_limit) {
   const Format& format = formatOf(letters);
-  Attempt attempt{format, stream, startOf(format), {}};
+  Attempt attempt{format, stream, data_limit, startOf(format), {}};
   format.read(attempt);
-  Reading& reading = attempt.reading;
-  if (!reading.out_of_memory) {
+  ExpectedReading& reading = attempt.reading;
+  if (reading.thrown.empty()) {
     reading.length = attempt.block.length;
     reading.link_count = attempt.block.link_count;
     reading.links = attempt.block.links;
     reading.unwritten = attempt.block.unwritten;
     reading.written = writtenBytes(letters, format, attempt.block);
+    // What small objects hold, and what the heap rounds up.
+    reading.heap_bytes += std::size_t{2} * 1024;
   }
   return reading;
+}
+
+std::string writtenBytes(const std::string& letters, const Contents& block) {
+  return writtenBytes(letters, formatOf(letters), block);
+}
+
+std::string sectionOf(const std::string& letters, const std::string& block,
+                      std::size_t link_count) {
+  const Format& format = formatOf(letters);
+  const std::size_t offset = std::min(sectionOffset(format, link_count), block.size());
+  std::string section = block.substr(offset, sectionWidth(format));
+  section.resize(sectionWidth(format));
+  return section;
+}
+
+std::size_t ownLinks(const std::string& letters) {
+  const Format& format = formatOf(letters);
+  return (format.size - sectionOffset(format, 0) - sectionWidth(format)) / link_size;
 }
 
 std::vector<Number> numbersOf(const std::string& letters, const std::string& block) {
   const Format& format = formatOf(letters);
   std::vector<Number> numbers = {{8, 8}, {16, 8}};
-  std::size_t offset = 0;
-  if (format.read != readIdentification) {
-    offset = header_size + static_cast<std::size_t>(numberAt(block, {16, 8})) * link_size;
-  }
+  std::size_t offset = sectionOffset(format, static_cast<std::size_t>(numberAt(block, {16, 8})));
   for (const int field : format.section) {
     if (field == 2 || field == 4 || field == 8) {
       numbers.push_back({offset, static_cast<std::size_t>(field)});
@@ -130,4 +162,12 @@ std::vector<Number> numbersOf(const std::string& letters, const std::string& blo
   return numbers;
 }
 
-}  // namespace mdf_tests::hostile
+bool isFramed(const std::string& dump, const std::string& name) {
+  const std::string line = "[DEBUG] ==================== ";
+  const std::string begin = line + name + " ===================\n";
+  const std::string end = line + "End of " + name + " ===================\n";
+  return dump.size() >= begin.size() + end.size() && dump.compare(0, begin.size(), begin) == 0 &&
+         dump.compare(dump.size() - end.size(), end.size(), end) == 0;
+}
+
+}  // namespace mdf_tests::oracle

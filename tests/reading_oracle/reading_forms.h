@@ -1,10 +1,10 @@
-#ifndef MDF_TESTS_HOSTILE_READING_FORMS_H_
-#define MDF_TESTS_HOSTILE_READING_FORMS_H_
+#ifndef MDF_TESTS_READING_ORACLE_READING_FORMS_H_
+#define MDF_TESTS_READING_ORACLE_READING_FORMS_H_
 
-#include "hostile/attempt.h"
+#include "reading_oracle/attempt.h"
 
 /// The ways in which the classes read. Every block is read at the start of its stream.
-namespace mdf_tests::hostile {
+namespace mdf_tests::oracle {
 
 /// A fixed number of bytes without header and links.
 void readIdentification(Attempt& attempt);
@@ -30,6 +30,6 @@ void readVariableAll64(Attempt& attempt);
 /// The same without links, and as the data what follows the block.
 void readZipped(Attempt& attempt);
 
-}  // namespace mdf_tests::hostile
+}  // namespace mdf_tests::oracle
 
-#endif  // MDF_TESTS_HOSTILE_READING_FORMS_H_
+#endif  // MDF_TESTS_READING_ORACLE_READING_FORMS_H_

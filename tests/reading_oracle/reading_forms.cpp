@@ -1,6 +1,8 @@
-#include "hostile/reading_forms.h"
+#include "reading_oracle/reading_forms.h"
 
-namespace mdf_tests::hostile {
+#include <limits>
+
+namespace mdf_tests::oracle {
 
 namespace {
 
@@ -44,15 +46,18 @@ bool takeLinksAndSection(Attempt& attempt, const std::string& bytes, std::uint64
 
 /// Data that has the size that the block says, whatever the stream has.
 void takeSizedData(Attempt& attempt, std::uint64_t size) {
-  if (size > memory_limit) {
-    attempt.reading.out_of_memory = true;
+  if (size > attempt.data_limit) {
+    // More than any object can have is not even asked for.
+    constexpr std::uint64_t most = std::numeric_limits<std::ptrdiff_t>::max();
+    attempt.reading.thrown = size > most ? "std::length_error" : "std::bad_alloc";
+    attempt.reading.heap_bytes = attempt.data_limit;
     return;
   }
   const std::size_t from = attempt.reading.position;
   advance(attempt, size, bad);
   attempt.block.tail = attempt.stream.substr(from, static_cast<std::size_t>(size));
   attempt.block.tail.resize(static_cast<std::size_t>(size));
-  attempt.reading.peak_bytes += static_cast<std::size_t>(size);
+  attempt.reading.heap_bytes += static_cast<std::size_t>(size);
 }
 
 void readFixed(Attempt& attempt, std::ios_base::iostate when_short) {
@@ -77,7 +82,7 @@ bool readBody(Attempt& attempt, std::uint64_t length_bits, std::string& body) {
   }
   const bool is_whole = advance(attempt, length - header_size, eof_fail);
   constexpr std::size_t first_piece = 64 * 1024;
-  attempt.reading.peak_bytes = 2 * (attempt.reading.position - header_size) + first_piece;
+  attempt.reading.heap_bytes = 2 * (attempt.reading.position - header_size) + first_piece;
   body = attempt.stream.substr(header_size, attempt.reading.position - header_size);
   return is_whole;
 }
@@ -93,7 +98,7 @@ void readVariable(Attempt& attempt, std::uint64_t length_bits) {
   attempt.format.takeRest(attempt, body.substr(taken));
   // Besides the body there are the links, and lists that may take three times their size to grow.
   const std::size_t lists = attempt.block.more_links.size() * link_size + attempt.block.tail.size();
-  attempt.reading.peak_bytes += taken + 3 * lists;
+  attempt.reading.heap_bytes += taken + 3 * lists;
 }
 
 }  // namespace
@@ -137,4 +142,4 @@ void readZipped(Attempt& attempt) {
   }
 }
 
-}  // namespace mdf_tests::hostile
+}  // namespace mdf_tests::oracle

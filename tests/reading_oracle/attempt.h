@@ -1,31 +1,15 @@
-#ifndef MDF_TESTS_HOSTILE_ATTEMPT_H_
-#define MDF_TESTS_HOSTILE_ATTEMPT_H_
+#ifndef MDF_TESTS_READING_ORACLE_ATTEMPT_H_
+#define MDF_TESTS_READING_ORACLE_ATTEMPT_H_
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "hostile/expected_reading.h"
+#include "reading_oracle/expected_reading.h"
 
 /// Reading once more, slowly and step by step, to know what must come of it.
-namespace mdf_tests::hostile {
-
-using Links = std::vector<std::int64_t>;
-
-constexpr std::size_t header_size = 24;
-constexpr std::size_t link_size = 8;
-
-/// What an object holds.
-struct Contents {
-  std::uint64_t length;
-  std::uint64_t link_count;
-  Links links;
-  Links more_links;     ///< of the lists that the writer puts behind the links
-  std::string section;  ///< the fixed fields, reserved bytes zero
-  std::string tail;     ///< what the writer puts behind them
-  Links unwritten;
-};
+namespace mdf_tests::oracle {
 
 struct Format;
 
@@ -33,8 +17,9 @@ struct Format;
 struct Attempt {
   const Format& format;
   const std::string& stream;
+  std::size_t data_limit;
   Contents block;
-  Reading reading;
+  ExpectedReading reading;
 };
 
 struct Start {
@@ -69,6 +54,6 @@ std::string takenSection(const Format& format, std::string bytes);
 /// What an object holds before anything is read.
 Contents startOf(const Format& format);
 
-}  // namespace mdf_tests::hostile
+}  // namespace mdf_tests::oracle
 
-#endif  // MDF_TESTS_HOSTILE_ATTEMPT_H_
+#endif  // MDF_TESTS_READING_ORACLE_ATTEMPT_H_

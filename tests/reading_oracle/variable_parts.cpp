@@ -1,8 +1,8 @@
-#include "hostile/variable_parts.h"
+#include "reading_oracle/variable_parts.h"
 
 #include <algorithm>
 
-namespace mdf_tests::hostile {
+namespace mdf_tests::oracle {
 
 namespace {
 
@@ -86,9 +86,12 @@ void takePairs(Attempt& attempt, const std::string& rest) {
   appendLinks(attempt, 1, pairs);
   setNumber(block.section, {4, 4}, pairs);
   block.tail = rest.substr(0, has_equal_length ? 8 : static_cast<std::size_t>(pairs) * 8);
-  if (has_equal_length) {
-    block.unwritten = {static_cast<std::int64_t>(numberAt(rest, {0, 8}))};
+  // The equal length, and the offset of each pair, which is the equal length where there is one.
+  block.unwritten = {has_equal_length ? static_cast<std::int64_t>(numberAt(rest, {0, 8})) : 0};
+  for (std::size_t i = 0; i < pairs; ++i) {
+    block.unwritten.push_back(
+        static_cast<std::int64_t>(numberAt(rest, {has_equal_length ? 0 : i * 8, 8})));
   }
 }
 
-}  // namespace mdf_tests::hostile
+}  // namespace mdf_tests::oracle
