@@ -73,7 +73,7 @@ void printChecked(const Block& block) {
 /// Reads a block and expects exactly what the bytes say, the stream's state included.
 template <class Block>
 Read<Block> readChecked(const std::string& bytes) {
-  constexpr std::size_t data_limit = std::size_t{32} * 1024;
+  constexpr std::size_t data_limit = std::size_t{8} * 1024;
   const auto expected = mdf_tests::oracle::expectedReading(letters_of<Block>, bytes, data_limit);
   auto [block, found] = mdf_tests::readBlock<Block>(bytes, expected.heap_bytes);
   const std::string difference = differenceOf(expected, found);

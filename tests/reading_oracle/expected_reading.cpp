@@ -27,9 +27,9 @@ std::size_t sectionOffset(const Format& format, std::size_t link_count) {
 }
 
 void appendNumber(std::string& bytes, std::uint64_t value) {
-  for (unsigned shift = 0; shift < 64; shift += 8) {
-    bytes += static_cast<char>(value >> shift);
-  }
+  std::string number(8, '\0');
+  setNumber(number, {0, 8}, value);
+  bytes += number;
 }
 
 std::string writtenBytes(const std::string& letters, const Format& format, const Contents& block) {

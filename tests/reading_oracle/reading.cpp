@@ -22,10 +22,10 @@ std::string listed(const std::vector<std::int64_t>& values) {
 }
 
 std::ostream& operator<<(std::ostream& os, const Reading& reading) {
-  return os << reading.thrown << " state " << reading.state << " at " << reading.position
-            << ", length " << reading.length << ", link count " << reading.link_count << ", links"
-            << listed(reading.links) << ", unwritten" << listed(reading.unwritten) << ", "
-            << reading.written.size() << " bytes written";
+  return os << reading.thrown << (reading.thrown.empty() ? "state " : ", state ") << reading.state
+            << " at " << reading.position << ", length " << reading.length << ", link count "
+            << reading.link_count << ", links" << listed(reading.links) << ", unwritten"
+            << listed(reading.unwritten) << ", " << reading.written.size() << " bytes written";
 }
 
 }  // namespace
