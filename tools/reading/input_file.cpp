@@ -1,12 +1,17 @@
 #include "input_file.h"
 
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <unistd.h>
+
 #include <array>
 #include <cerrno>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <system_error>
+#include <utility>
+
+#include "descriptor.h"
 
 namespace mdf_tools {
 
@@ -17,72 +22,60 @@ namespace {
                        std::generic_category().message(error));
 }
 
-std::unique_ptr<std::istream> openInPlace(const std::string& path) {
-  auto stream = std::make_unique<std::ifstream>();
-  // Blocks lie scattered, so bytes read ahead would mostly be thrown away.
-  stream->rdbuf()->pubsetbuf(nullptr, 0);
-  errno = 0;
-  stream->open(path, std::ios_base::binary);
-  if (!stream->is_open()) {
-    fail("open", path, errno);
+bool writeAll(int file, const char* bytes, std::size_t count) {
+  std::size_t done = 0;
+  while (done < count) {
+    const ssize_t written = write(file, bytes + done, count - done);
+    if (written < 0) {
+      return false;
+    }
+    done += static_cast<std::size_t>(written);
   }
-  return stream;
+  return true;
 }
 
-std::unique_ptr<std::istream> readIntoMemory(std::FILE* source, const std::string& name) {
-  auto memory = std::make_unique<std::stringstream>();
-  std::array<char, 65536> piece;
-  errno = 0;
-  while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), source)) {
-    memory->write(piece.data(), static_cast<std::streamsize>(count));
-  }
-  if (std::ferror(source) != 0) {
+/// Everything that a source still brings, as a file without a name that lies in memory.
+Descriptor readIntoMemory(int source, const std::string& name) {
+  Descriptor memory(memfd_create("mdf", MFD_CLOEXEC));
+  if (memory.number() < 0) {
     fail("read", name, errno);
+  }
+  std::array<char, 65536> piece;
+  while (const ssize_t count = read(source, piece.data(), piece.size())) {
+    if (count < 0 || !writeAll(memory.number(), piece.data(), static_cast<std::size_t>(count))) {
+      fail("read", name, errno);
+    }
   }
   return memory;
 }
 
-std::unique_ptr<std::istream> openPath(const std::string& path) {
-  std::error_code error;
-  const std::filesystem::file_status status = std::filesystem::status(path, error);
-  if (std::filesystem::is_regular_file(status)) {
-    auto stream = openInPlace(path);
-    // Some files that the system makes up have no end to go to; they are read like a pipe.
-    if (stream->seekg(0, std::ios_base::end)) {
-      return stream;
-    }
-  }
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> source(std::fopen(path.c_str(), "rb"),
-                                                               std::fclose);
-  if (!source) {
+/// Some regular files that the system makes up have no end to go to; they are read like a pipe.
+bool hasOffsets(int file) {
+  struct stat status {};
+  return fstat(file, &status) == 0 && S_ISREG(status.st_mode) && lseek(file, 0, SEEK_END) >= 0;
+}
+
+Descriptor openPath(const std::string& path) {
+  Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.number() < 0) {
     fail("open", path, errno);
   }
-  return readIntoMemory(source.get(), path);
+  return hasOffsets(file.number()) ? std::move(file) : readIntoMemory(file.number(), path);
 }
 
 }  // namespace
 
 InputFile::InputFile(const std::string& path)
     : name_(path == "-" ? "standard input" : path),
-      stream_(path == "-" ? readIntoMemory(stdin, name_) : openPath(path)),
-      size_(sizeNow()) {}
-
-std::uint64_t InputFile::sizeNow() {
-  stream_->clear();
-  stream_->seekg(0, std::ios_base::end);
-  return static_cast<std::uint64_t>(static_cast<std::streamoff>(stream_->tellg()));
-}
-
-std::size_t InputFile::readAt(std::uint64_t offset, char* bytes, std::size_t count) {
-  std::istream& stream = streamAt(offset);
-  stream.read(bytes, static_cast<std::streamsize>(count));
-  return static_cast<std::size_t>(stream.gcount());
-}
+      file_(path == "-" ? readIntoMemory(STDIN_FILENO, name_) : openPath(path)),
+      buffer_(file_),
+      stream_(&buffer_),
+      size_(file_.size()) {}
 
 std::istream& InputFile::streamAt(std::uint64_t offset) {
-  stream_->clear();
-  stream_->seekg(static_cast<std::streamoff>(offset));
-  return *stream_;
+  stream_.clear();
+  stream_.seekg(static_cast<std::streamoff>(offset));
+  return stream_;
 }
 
 }  // namespace mdf_tools

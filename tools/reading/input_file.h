@@ -4,9 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <istream>
-#include <memory>
 #include <stdexcept>
 #include <string>
+
+#include "file_buffer.h"
+#include "paged_file.h"
 
 namespace mdf_tools {
 
@@ -31,13 +33,15 @@ class InputFile {
   std::uint64_t size() const { return size_; }
 
   /// The file's bytes now, which another program may have cut off or added to.
-  std::uint64_t sizeNow();
+  std::uint64_t sizeNow() const { return file_.size(); }
 
   /// Bytes from an offset to the file's end; 0 at and behind the end.
   std::uint64_t sizeFrom(std::uint64_t offset) const { return offset < size_ ? size_ - offset : 0; }
 
   /// Reads up to `count` bytes and returns how many there were.
-  std::size_t readAt(std::uint64_t offset, char* bytes, std::size_t count);
+  std::size_t readAt(std::uint64_t offset, char* bytes, std::size_t count) {
+    return file_.read(offset, bytes, count);
+  }
 
   /// A good stream that stands at an offset, for the constructors of the library's blocks. It
   /// serves until the next call of streamAt() or readAt().
@@ -45,7 +49,9 @@ class InputFile {
 
  private:
   std::string name_;
-  std::unique_ptr<std::istream> stream_;
+  PagedFile file_;
+  FileBuffer buffer_;
+  std::istream stream_;
   std::uint64_t size_;
 };
 
