@@ -8,6 +8,7 @@
 #include "block_dump.h"
 #include "input_file.h"
 #include "output_buffer.h"
+#include "raw_block.h"
 #include "walker.h"
 
 namespace mdf_tools {
@@ -26,15 +27,18 @@ void checkThatNothingWasCutOff(InputFile& file, const FindingSink& report) {
 }  // namespace
 
 void dumpFile(InputFile& file, OutputBuffer& output, const FindingSink& report) {
-  const std::vector<RawBlock> blocks = walkBlocks(file, report);
-  std::ostream identification(&output);
-  dumpIdentification(file, identification);
-  for (const RawBlock& block : blocks) {
+  const std::vector<std::uint64_t> offsets = walkBlocks(file, report);
+  std::ostream os(&output);
+  dumpIdentification(file, os);
+  const std::ios_base::fmtflags format = os.flags();
+  for (const std::uint64_t offset : offsets) {
     if (output.error() != 0) {
       return;
     }
-    std::ostream os(&output);
-    dumpBlock(file, block, os, report);
+    if (const auto block = readRawBlock(file, offset)) {
+      os.flags(format);
+      dumpBlock(file, *block, os, report);
+    }
   }
   output.flush();
   checkThatNothingWasCutOff(file, report);

@@ -4,10 +4,11 @@
 #include <array>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 
 #include "input_file.h"
+#include "offset_set.h"
+#include "raw_block.h"
 
 namespace mdf_tools {
 
@@ -23,37 +24,34 @@ class Walker {
  public:
   Walker(InputFile& file, const FindingSink& report) : file_(file), report_(report) {}
 
-  std::vector<RawBlock> walk() {
+  std::vector<std::uint64_t> walk() {
     if (hasIdentification() && hasHeaderBlock()) {
       // The list grows while it is gone through.
-      for (std::size_t i = 0; i < blocks_.size(); ++i) {
-        const RawBlock block = blocks_[i];
-        checkLength(block);
-        forEachLink(file_, block,
-                    [&](std::uint64_t index, std::int64_t link) { follow(block, index, link); });
+      for (std::size_t i = 0; i < offsets_.size(); ++i) {
+        followLinksAt(offsets_[i]);
       }
     }
-    std::sort(blocks_.begin(), blocks_.end(),
-              [](const RawBlock& a, const RawBlock& b) { return a.offset < b.offset; });
-    return std::move(blocks_);
+    std::sort(offsets_.begin(), offsets_.end());
+    return std::move(offsets_);
   }
 
  private:
   bool hasIdentification();
   bool hasHeaderBlock();
+  void followLinksAt(std::uint64_t offset);
   void checkLength(const RawBlock& block);
   void follow(const RawBlock& from, std::uint64_t index, std::int64_t link);
   void reportLink(const RawBlock& from, std::uint64_t index, const std::string& expected_found);
 
   void add(const RawBlock& block) {
     seen_.insert(block.offset);
-    blocks_.push_back(block);
+    offsets_.push_back(block.offset);
   }
 
   InputFile& file_;
   const FindingSink& report_;
-  std::vector<RawBlock> blocks_;
-  std::unordered_set<std::uint64_t> seen_;
+  std::vector<std::uint64_t> offsets_;
+  OffsetSet seen_;
 };
 
 /// A file without the right words may still have blocks; one that ends here has none.
@@ -89,6 +87,15 @@ bool Walker::hasHeaderBlock() {
   return root->hasId();
 }
 
+void Walker::followLinksAt(std::uint64_t offset) {
+  // The header was there before; a file that has been cut meanwhile is found out at the end.
+  if (const auto block = readRawBlock(file_, offset)) {
+    checkLength(*block);
+    forEachLink(file_, *block,
+                [&](std::uint64_t index, std::int64_t link) { follow(*block, index, link); });
+  }
+}
+
 void Walker::checkLength(const RawBlock& block) {
   if (!block.holdsItsLinks()) {
     report_({block.offset, "expected the length of " + block.name() + " to hold its header and " +
@@ -103,7 +110,7 @@ void Walker::checkLength(const RawBlock& block) {
 
 void Walker::follow(const RawBlock& from, std::uint64_t index, std::int64_t link) {
   const auto target = static_cast<std::uint64_t>(link);
-  if (link == 0 || seen_.count(target) != 0) {
+  if (link == 0 || seen_.contains(target)) {
     return;
   }
   if (link < 0 || target >= file_.size()) {
@@ -133,7 +140,7 @@ void Walker::reportLink(const RawBlock& from, std::uint64_t index,
 
 }  // namespace
 
-std::vector<RawBlock> walkBlocks(InputFile& file, const FindingSink& report) {
+std::vector<std::uint64_t> walkBlocks(InputFile& file, const FindingSink& report) {
   return Walker(file, report).walk();
 }
 

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "finding.h"
-#include "raw_block.h"
 
 namespace mdf_tools {
 
@@ -15,11 +14,12 @@ class InputFile;
 inline constexpr std::uint64_t header_block_offset = 64;
 
 /// Finds every block that can be reached from the header block through any link of any block, each
-/// once, and returns them in file order. What is wrong with the file is reported on the way; what
-/// is readable all the same is among the blocks.
+/// once, and returns their offsets in file order. What is wrong with the file is reported on the
+/// way; what is readable all the same is among the blocks.
 ///
-/// It needs memory for the blocks alone, however many links and findings there are.
-std::vector<RawBlock> walkBlocks(InputFile& file, const FindingSink& report);
+/// It needs memory for the blocks' offsets alone, however many links and findings there are:
+/// headers and links are read again where they are wanted, which costs less than to keep them.
+std::vector<std::uint64_t> walkBlocks(InputFile& file, const FindingSink& report);
 
 }  // namespace mdf_tools
 

@@ -2,12 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "reading/input_file.h"
+#include "reading/raw_block.h"
 #include "support/allocation_counter.h"
 #include "support/bytes.h"
 #include "tools/support/dumped.h"
+#include "tools/support/file_reads.h"
 #include "tools/support/mdf_bytes.h"
 #include "tools/support/temp_file.h"
 
@@ -15,6 +19,7 @@ using namespace mdf_tests;
 using mdf_tools::Finding;
 using mdf_tools::InputFile;
 using mdf_tools::RawBlock;
+using mdf_tools::readRawBlock;
 using mdf_tools::walkBlocks;
 
 namespace {
@@ -24,10 +29,11 @@ std::string walked(const std::string& bytes) {
   const TempFile file(bytes);
   InputFile input(file.path());
   std::string findings;
-  const auto blocks =
+  const auto offsets =
       walkBlocks(input, [&](const Finding& finding) { findings += findingLine(finding); });
   std::string text;
-  for (const RawBlock& block : blocks) {
+  for (const std::uint64_t offset : offsets) {
+    const RawBlock block = *readRawBlock(input, offset);
     text += block.name() + " " + std::to_string(block.offset) + " " + std::to_string(block.length) +
             " " + std::to_string(block.link_count) + "\n";
   }
@@ -261,12 +267,38 @@ std::string chain(std::size_t count) {
 TEST(Walker, ChainOfAMillionBlocksNeedsMemoryForTheBlocksAlone) {
   const TempFile file(chain(million));
   InputFile input(file.path());
-  const AllocationLimit limit(150 * million);
-  const auto blocks = walkBlocks(input, [](const Finding& finding) { FAIL() << finding.sentence; });
-  ASSERT_EQ(blocks.size(), million + 1);
+  const AllocationLimit limit(40 * million);
+  const auto offsets =
+      walkBlocks(input, [](const Finding& finding) { FAIL() << finding.sentence; });
+  ASSERT_EQ(offsets.size(), million + 1);
   for (std::size_t i = 1; i <= million; ++i) {
-    ASSERT_EQ(blocks[i].offset, 168 + 32 * (i - 1));
+    ASSERT_EQ(offsets[i], 168 + 32 * (i - 1));
   }
+}
+
+TEST(Walker, ChainIsReadInLargePieces) {
+  const std::string bytes = chain(100000);
+  const TempFile file(bytes);
+  InputFile input(file.path());
+  const FileReads reads;
+  const auto offsets =
+      walkBlocks(input, [](const Finding& finding) { FAIL() << finding.sentence; });
+  EXPECT_LT(reads.calls(), bytes.size() / 65536 + 20);
+  EXPECT_LT(reads.bytes(), bytes.size() + 100000);
+  EXPECT_EQ(offsets.size(), 100001U);
+}
+
+TEST(Walker, DataIsNotRead) {
+  constexpr std::int64_t data_length = std::int64_t{1} << 36U;
+  TempFile file(fileHead({0, 168, 0, 0, 0, 0}) + unknownBlock({208, 208 + data_length}) +
+                Bytes().header("DT", data_length, 0).str());
+  file.writeAt(208 + data_length, unknownBlock({64}));
+  InputFile input(file.path());
+  const FileReads reads;
+  const auto offsets =
+      walkBlocks(input, [](const Finding& finding) { FAIL() << finding.sentence; });
+  EXPECT_LT(reads.bytes(), 100000U);
+  EXPECT_EQ(offsets, (std::vector<std::uint64_t>{64, 168, 208, std::uint64_t{208 + data_length}}));
 }
 
 TEST(Walker, MillionLinksNeedNoMemory) {
@@ -279,8 +311,8 @@ TEST(Walker, MillionLinksNeedNoMemory) {
   InputFile input(file.path());
   std::size_t findings = 0;
   const AllocationLimit limit(4096);
-  const auto blocks = walkBlocks(input, [&](const Finding&) { ++findings; });
-  EXPECT_EQ(blocks.size(), 2U);
+  const auto offsets = walkBlocks(input, [&](const Finding&) { ++findings; });
+  EXPECT_EQ(offsets.size(), 2U);
   EXPECT_EQ(findings, million / 2);
 }
 
