@@ -18,7 +18,7 @@ void dumpIdentification(InputFile& file, std::ostream& os);
 /// stored, then the library's dump of the block, if the library knows its type and the file holds
 /// all that its class reads. A header that does not fit its type is reported.
 ///
-/// The stream should be a fresh one for each block: the dump of data leaves it in hexadecimal mode.
+/// The dump of data leaves the stream in hexadecimal mode.
 void dumpBlock(InputFile& file, const RawBlock& block, std::ostream& os, const FindingSink& report);
 
 }  // namespace mdf_tools

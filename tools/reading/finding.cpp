@@ -1,13 +1,15 @@
 #include "finding.h"
 
-#include <sstream>
+#include <array>
+#include <charconv>
 
 namespace mdf_tools {
 
 std::string decimalAndHex(std::uint64_t number) {
-  std::ostringstream text;
-  text << number << " (0x" << std::hex << number << ')';
-  return text.str();
+  std::array<char, 16> digits;
+  char* const begin = digits.data();
+  char* const end = std::to_chars(begin, begin + digits.size(), number, 16).ptr;
+  return std::to_string(number) + " (0x" + std::string(begin, end) + ')';
 }
 
 std::string printable(std::string_view bytes) {

@@ -7,17 +7,37 @@
 
 namespace mdf_tools {
 
+namespace {
+
+constexpr std::size_t collected_bytes = 32768;
+
+}  // namespace
+
+OutputBuffer::OutputBuffer(std::FILE* file, Bytes bytes)
+    : file_(file), bytes_(bytes), collected_(bytes == Bytes::as_they_are ? collected_bytes : 0) {
+  setp(collected_.data(), collected_.data() + collected_.size());
+}
+
 void OutputBuffer::flush() {
-  if (error_ == 0 && std::fflush(file_) != 0) {
+  if (drain() && error_ == 0 && std::fflush(file_) != 0) {
     error_ = errno;
   }
 }
 
 std::streamsize OutputBuffer::xsputn(const char* bytes, std::streamsize count) {
+  if (count <= epptr() - pptr()) {
+    std::copy_n(bytes, count, pptr());
+    pbump(static_cast<int>(count));
+    return count;
+  }
+  if (!drain()) {
+    return 0;
+  }
   const auto size = static_cast<std::size_t>(count);
-  const bool written =
-      bytes_ == Bytes::for_a_terminal ? writeShown(bytes, size) : write(bytes, size);
-  return written ? count : 0;
+  if (size > collected_.size()) {
+    return pass(bytes, size) ? count : 0;
+  }
+  return xsputn(bytes, count);
 }
 
 OutputBuffer::int_type OutputBuffer::overflow(int_type character) {
@@ -26,6 +46,22 @@ OutputBuffer::int_type OutputBuffer::overflow(int_type character) {
   }
   const char byte = traits_type::to_char_type(character);
   return xsputn(&byte, 1) == 1 ? character : traits_type::eof();
+}
+
+bool OutputBuffer::drain() {
+  const auto count = static_cast<std::size_t>(pptr() - pbase());
+  setp(pbase(), epptr());
+  return pass(pbase(), count);
+}
+
+/// After a failure nothing is collected any more, so that every further character fails too.
+bool OutputBuffer::pass(const char* bytes, std::size_t count) {
+  const bool passed =
+      bytes_ == Bytes::for_a_terminal ? writeShown(bytes, count) : write(bytes, count);
+  if (!passed) {
+    setp(pbase(), pbase());
+  }
+  return passed;
 }
 
 bool OutputBuffer::write(const char* bytes, std::size_t count) {

@@ -1,21 +1,27 @@
 #ifndef MDF_TOOLS_READING_OUTPUT_BUFFER_H_
 #define MDF_TOOLS_READING_OUTPUT_BUFFER_H_
 
+#include <cstddef>
 #include <cstdio>
 #include <streambuf>
+#include <vector>
 
 namespace mdf_tools {
 
-/// Where dumps go: an open C file, its buffer left to the C library, so that the flush at the end
-/// of each line of a dump costs nothing and large data passes without a copy.
+/// Where dumps go: an open C file. The flush at the end of each line of a dump costs nothing, for
+/// short pieces are collected first, and large data passes without a copy.
 ///
 /// For a terminal, control characters other than line feed and tab are shown as '.', lest the bytes
-/// of a file give it commands.
+/// of a file give it commands. Nothing is collected then, so that the dump and messages about it
+/// appear in turn.
 class OutputBuffer : public std::streambuf {
  public:
   enum class Bytes { as_they_are, for_a_terminal };
 
-  OutputBuffer(std::FILE* file, Bytes bytes) : file_(file), bytes_(bytes) {}
+  OutputBuffer(std::FILE* file, Bytes bytes);
+  ~OutputBuffer() override { flush(); }
+  OutputBuffer(const OutputBuffer&) = delete;
+  OutputBuffer& operator=(const OutputBuffer&) = delete;
 
   /// Hands everything to the file.
   void flush();
@@ -29,12 +35,15 @@ class OutputBuffer : public std::streambuf {
   int sync() override { return error_ == 0 ? 0 : -1; }
 
  private:
+  bool drain();
+  bool pass(const char* bytes, std::size_t count);
   bool write(const char* bytes, std::size_t count);
   bool writeShown(const char* bytes, std::size_t count);
   char shown(char character);
 
   std::FILE* file_;
   Bytes bytes_;
+  std::vector<char> collected_;  ///< the put area
   int error_ = 0;
   unsigned char previous_ = 0;
 };

@@ -81,6 +81,40 @@ TEST(OutputBuffer, TerminalGetsLongTextsWhole) {
   EXPECT_EQ(shown(text), expected + expected);
 }
 
+TEST(OutputBuffer, FileGetsTextsOfAnyLengthInOrder) {
+  std::string text;
+  for (const std::size_t length : {1U, 32767U, 2U, 32768U, 3U, 32769U, 4U, 100000U, 0U, 5U}) {
+    text += std::string(length, static_cast<char>('a' + length % 26));
+  }
+  const CFile file = temporaryFile();
+  OutputBuffer output(file.get(), OutputBuffer::Bytes::as_they_are);
+  std::ostream os(&output);
+  std::size_t done = 0;
+  for (const std::size_t length : {1U, 32767U, 2U, 32768U, 3U, 32769U, 4U, 100000U, 0U, 5U}) {
+    os << text.substr(done, length);
+    done += length;
+  }
+  output.flush();
+  EXPECT_TRUE(contentOf(file.get()) == text);
+}
+
+TEST(OutputBuffer, EndsWithEverythingInTheFile) {
+  const CFile file = temporaryFile();
+  {
+    OutputBuffer output(file.get(), OutputBuffer::Bytes::as_they_are);
+    std::ostream(&output) << "line\n";
+  }
+  EXPECT_EQ(sizeOnDisk(file.get()), 5);
+}
+
+TEST(OutputBuffer, TerminalGetsEachPieceAtOnce) {
+  const CFile file = temporaryFile();
+  std::setvbuf(file.get(), nullptr, _IOLBF, BUFSIZ);
+  OutputBuffer output(file.get(), OutputBuffer::Bytes::for_a_terminal);
+  std::ostream(&output) << "line\n";
+  EXPECT_EQ(sizeOnDisk(file.get()), 5);
+}
+
 TEST(OutputBuffer, LineEndsDoNotFlush) {
   const CFile file = temporaryFile();
   OutputBuffer output(file.get(), OutputBuffer::Bytes::as_they_are);
