@@ -1,6 +1,7 @@
 #include "recorder.h"
 
 #include <algorithm>
+#include <array>
 #include <sstream>
 #include <string>
 
@@ -8,7 +9,6 @@ namespace mdf_tools {
 
 using mdf_v4_10::UINT32;
 using mdf_v4_10::UINT64;
-using mdf_v4_10::UINT8;
 
 namespace {
 
@@ -54,24 +54,23 @@ void Recorder::append(double seconds, const std::vector<UINT64>& values) {
     put(values[i], channels_[i + 1].bytes);
   }
   ++records_;
-  if (batch_.getData().size() >= batch_bytes || seconds >= last_flush_ + flush_interval_) {
+  if (batch_.size() >= batch_bytes || seconds >= last_flush_ + flush_interval_) {
     flush();
     last_flush_ = seconds;
   }
 }
 
 void Recorder::put(UINT64 bits, UINT32 bytes) {
-  for (UINT32 i = 0; i < bytes; ++i) {
-    batch_.addData(static_cast<UINT8>(bits >> (8 * i)));
-  }
+  std::array<char, sizeof bits> value;
+  mdf_v4_10::detail::storeLe(value.data(), bits);
+  batch_.insert(batch_.end(), value.begin(), value.begin() + bytes);
 }
 
 void Recorder::flush() {
-  const std::vector<UINT8>& bytes = batch_.getData();
-  if (!file_.append(reinterpret_cast<const char*>(bytes.data()), bytes.size())) {
+  if (!file_.append(batch_.data(), batch_.size())) {
     keepWhatIsWritten();
   }
-  batch_.clearData();
+  batch_.clear();
 }
 
 void Recorder::finish() {

@@ -51,7 +51,7 @@ class Recorder {
   OutputFile& file_;
   std::vector<Signal> channels_;
   RecordingBlocks blocks_;
-  mdf_v4_10::DTBLOCK batch_;  ///< records that are not in the file yet
+  std::vector<char> batch_;  ///< records that are not in the file yet
   mdf_v4_10::UINT64 records_ = 0;
   double flush_interval_;
   double last_flush_ = 0;
