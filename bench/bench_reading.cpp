@@ -1,0 +1,127 @@
+// Reading blocks from memory.
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "support/comparison.h"
+#include "support/sample_blocks.h"
+
+namespace mdf_bench {
+
+namespace {
+
+using mdf_v4_10::HeaderSection;
+using mdf_v4_10::LINK;
+
+/// A string stream that holds the same block many times and is read again and again.
+class Source {
+ public:
+  explicit Source(const std::string& block) {
+    std::string blocks;
+    for (std::size_t i = 0; i < room; ++i) {
+      blocks += block;
+    }
+    stream_.str(blocks);
+  }
+
+  std::istream& next() {
+    if (blocks_ == room) {
+      stream_.seekg(0);
+      blocks_ = 0;
+    }
+    ++blocks_;
+    return stream_;
+  }
+
+ private:
+  static constexpr std::size_t room = 64;
+
+  std::size_t blocks_ = 0;
+  std::istringstream stream_;
+};
+
+/// What a block is when only what must be done is done: its fields where they were copied to, and
+/// its links in a vector.
+struct PlainBlock {
+  std::array<char, 160> fields;
+  std::vector<LINK> links;
+};
+
+/// The bytes of a block's sections.
+struct Layout {
+  std::size_t links;
+  std::size_t data;
+
+  std::size_t size() const { return HeaderSection::HEADER_SIZE + links + data; }
+};
+
+PlainBlock readPlain(std::istream& is, const Layout& layout) {
+  std::array<char, 512> frame;
+  is.read(frame.data(), static_cast<std::streamsize>(layout.size()));
+  PlainBlock block;
+  const char* const links = frame.data() + HeaderSection::HEADER_SIZE;
+  block.links.resize(layout.links / sizeof(LINK));
+  std::memcpy(block.links.data(), links, layout.links);
+  std::memcpy(block.fields.data(), links + layout.links, layout.data);
+  return block;
+}
+
+/// What reading and writing again brings back: of a channel's data section the part behind the number
+/// of attachments, which reading changes.
+std::string endOf(const std::string& bytes, const Layout& layout) {
+  constexpr std::size_t behind_counts = 48;
+  return bytes.substr(bytes.size() - std::min(layout.data, behind_counts));
+}
+
+template <class Block>
+Sides sidesOf(const Block& block) {
+  const std::string bytes = written(block);
+  const std::size_t link_bytes = block.header.link_count * sizeof(LINK);
+  const Layout layout = {link_bytes, bytes.size() - HeaderSection::HEADER_SIZE - link_bytes};
+  const auto subject = std::make_shared<Source>(bytes);
+  const auto baseline = std::make_shared<Source>(bytes);
+  return {[subject](std::size_t times) {
+            for (std::size_t i = 0; i < times; ++i) {
+              Block read(subject->next());
+              benchmark::DoNotOptimize(&read);
+              benchmark::ClobberMemory();
+            }
+          },
+          [baseline, layout](std::size_t times) {
+            for (std::size_t i = 0; i < times; ++i) {
+              PlainBlock read = readPlain(baseline->next(), layout);
+              benchmark::DoNotOptimize(&read);
+              benchmark::ClobberMemory();
+            }
+          },
+          [subject, baseline, layout, bytes] {
+            const std::size_t data = bytes.size() - layout.data;
+            const std::string read = written(Block(subject->next()));
+            const PlainBlock plain = readPlain(baseline->next(), layout);
+            return endOf(read, layout) == endOf(bytes, layout) &&
+                   bytes.compare(data, layout.data, plain.fields.data(), layout.data) == 0;
+          }};
+}
+
+}  // namespace
+
+void registerCases() {
+  const auto add = [](const std::string& name, const auto& block) {
+    compare({"read a block/" + name, "one read, memcpy of the fields, one vector of links", 1.3},
+            [block] { return sidesOf(block); });
+  };
+  add("CNBLOCK", sampleChannel());
+  add("HDBLOCK", sampleHeader());
+  add("DGBLOCK", sampleDataGroup());
+  add("CGBLOCK", sampleChannelGroup());
+  add("SIBLOCK", sampleSource());
+  add("CCBLOCK", sampleConversion(0));
+  add("EVBLOCK", sampleEvent(0));
+}
+
+}  // namespace mdf_bench
