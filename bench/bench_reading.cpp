@@ -71,8 +71,8 @@ PlainBlock readPlain(std::istream& is, const Layout& layout) {
   return block;
 }
 
-/// What reading and writing again brings back: of a channel's data section the part behind the number
-/// of attachments, which reading changes.
+/// What reading and writing again brings back: of a channel's data section the part behind the
+/// number of attachments, which reading changes.
 std::string endOf(const std::string& bytes, const Layout& layout) {
   constexpr std::size_t behind_counts = 48;
   return bytes.substr(bytes.size() - std::min(layout.data, behind_counts));

@@ -28,16 +28,18 @@ std::size_t timesPerRound(const Sides& sides) {
   return times;
 }
 
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
 void checkSides(const Sides& sides, const std::string& name) {
   sides.baseline(1);
   sides.subject(1);
   require(sides.is_right(), name);
+}
+
+void report(benchmark::State& state, const Case& what, double subject, double baseline) {
+  state.counters["nanoseconds"] = subject;
+  state.counters["baseline"] = baseline;
+  state.counters["measured"] = what.kind == Limit::times ? subject / baseline : subject;
+  state.counters["limit"] = what.limit;
+  state.SetLabel(what.baseline);
 }
 
 void runRounds(benchmark::State& state, const Case& what, const Sides& sides) {
@@ -59,11 +61,7 @@ void runRounds(benchmark::State& state, const Case& what, const Sides& sides) {
   }
   checkSides(sides, what.name);
   const double units = static_cast<double>(times * sides.units);
-  state.counters["nanoseconds"] = median(subject) / units;
-  state.counters["baseline"] = median(baseline) / units;
-  state.counters["measured"] = median(subject) / median(baseline);
-  state.counters["limit"] = what.limit;
-  state.SetLabel(what.baseline);
+  report(state, what, median(subject) / units, median(baseline) / units);
 }
 
 }  // namespace
@@ -72,6 +70,12 @@ double threadTime() {
   timespec time{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
   return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
+}
+
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
 }
 
 void require(bool right, const std::string& what) {
@@ -83,25 +87,22 @@ void require(bool right, const std::string& what) {
 
 void compare(const Case& what, const std::function<Sides()>& make) {
   benchmark::RegisterBenchmark(
-      what.name.c_str(),
-      [what, make](benchmark::State& state) { runRounds(state, what, make()); })
+      what.name.c_str(), [what, make](benchmark::State& state) { runRounds(state, what, make()); })
       ->UseManualTime()
       ->Iterations(settings().rounds);
 }
 
 void measure(const Case& what, const std::function<double()>& take) {
-  benchmark::RegisterBenchmark(what.name.c_str(),
-                               [what, take](benchmark::State& state) {
-                                 double figure = 0;
-                                 for (auto once : state) {
-                                   (void)once;
-                                   figure = take();
-                                 }
-                                 state.counters["measured"] = figure;
-                                 state.counters["limit"] = what.limit;
-                                 state.SetLabel(what.baseline);
-                               })
-      ->Iterations(1);
+  benchmark::RegisterBenchmark(what.name.c_str(), [what, take](benchmark::State& state) {
+    double figure = 0;
+    for (auto once : state) {
+      (void)once;
+      figure = take();
+    }
+    state.counters["measured"] = figure;
+    state.counters["limit"] = what.limit;
+    state.SetLabel(what.baseline);
+  })->Iterations(1);
 }
 
 }  // namespace mdf_bench

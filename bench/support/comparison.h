@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace mdf_bench {
 
@@ -26,19 +27,25 @@ struct Sides {
   std::size_t units = 1;
 };
 
+/// What a comparison's limit is for: the quotient of the two times, or the subject's time itself.
+enum class Limit { times, nanoseconds };
+
 struct Case {
   std::string name;      ///< "group/case"
-  std::string baseline;  ///< in words
-  double limit;          ///< how many times the baseline's time the subject may take
+  std::string baseline;  ///< in words; for a figure without one, its unit in parentheses
+  double limit;          ///< that the figure must not exceed
+  Limit kind = Limit::times;
 };
 
-/// Registers a comparison. `make` is called when its turn comes, and what it made is gone before the
-/// next one's. The two sides take turns, and each says the median of its rounds; the time is the CPU
-/// time of the thread, so that what else the machine does counts as little as it can.
+/// Registers a comparison. `make` is called when its turn comes, and what it made is gone before
+/// the next one's. The two sides take turns, and each says the median of its rounds; the time is
+/// the CPU time of the thread, so that what else the machine does counts as little as it can.
 void compare(const Case& what, const std::function<Sides()>& make);
 
 /// Registers a figure with a limit of its own, in place of a baseline.
 void measure(const Case& what, const std::function<double()>& take);
+
+double median(std::vector<double> values);
 
 /// What each program registers.
 void registerCases();

@@ -10,7 +10,7 @@ namespace mdf_bench {
 
 namespace {
 
-constexpr Settings thorough = {21, 5e6};
+constexpr Settings thorough = {15, 5e6};
 constexpr Settings quick = {9, 1e6};
 bool is_quick = false;
 

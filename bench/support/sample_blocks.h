@@ -31,9 +31,7 @@ inline mdf_v4_10::HDBLOCK sampleHeader() {
   return {1, 2, 1700000000000000000, 60, B::TIME_LOCAL_PC, 0.5, 2.5};
 }
 
-inline mdf_v4_10::DGBLOCK sampleDataGroup() {
-  return {1, 2, 3, mdf_v4_10::DGBLOCK::DG_UINT8};
-}
+inline mdf_v4_10::DGBLOCK sampleDataGroup() { return {1, 2, 3, mdf_v4_10::DGBLOCK::DG_UINT8}; }
 
 inline mdf_v4_10::CGBLOCK sampleChannelGroup() {
   using B = mdf_v4_10::CGBLOCK;
