@@ -12,7 +12,8 @@ namespace mdf_tools {
 
 namespace {
 
-constexpr std::string_view blanks = " \t";
+/// Words are looked for in every line of every sample, so this does not go through a search.
+bool isBlank(char character) { return character == ' ' || character == '\t'; }
 
 template <class Number>
 std::optional<Number> takeNumber(std::string_view& line) {
@@ -65,9 +66,11 @@ std::string_view takeLine(std::string_view& text) {
 }
 
 std::string_view takeWord(std::string_view& line) {
-  line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
-  const std::string_view word = line.substr(0, line.find_first_of(blanks));
-  line.remove_prefix(word.size());
+  const auto begin = std::find_if_not(line.begin(), line.end(), isBlank);
+  const auto end = std::find_if(begin, line.end(), isBlank);
+  const auto offset = static_cast<std::size_t>(begin - line.begin());
+  const std::string_view word = line.substr(offset, static_cast<std::size_t>(end - begin));
+  line.remove_prefix(offset + word.size());
   return word;
 }
 
