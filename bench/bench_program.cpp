@@ -28,7 +28,6 @@ namespace mdf_bench {
 namespace {
 
 using mdf_tools::InputFile;
-using mdf_tools::RawBlock;
 using mdf_v4_10::CNBLOCK;
 using mdf_v4_10::HDBLOCK;
 using mdf_v4_10::IDBLOCK;
@@ -58,7 +57,7 @@ void writeManyBlocks(const std::string& path) {
   require(file.flush().good(), "writing a file of many blocks");
 }
 
-std::vector<RawBlock> walk(InputFile& file) {
+std::vector<std::uint64_t> walk(InputFile& file) {
   return mdf_tools::walkBlocks(file, [](const mdf_tools::Finding& /*finding*/) {});
 }
 
@@ -101,7 +100,7 @@ struct ManyBlocks {
 
 struct Scan : ManyBlocks {
   InputFile file{scratch.path()};
-  std::vector<RawBlock> blocks = walk(file);
+  std::vector<std::uint64_t> offsets = walk(file);
   MappedFile mapped{scratch.path()};
   std::istream stream{&mapped};
 };
@@ -115,9 +114,9 @@ Sides scanManyBlocks() {
           },
           [scan](std::size_t times) {
             for (std::size_t i = 0; i < times; ++i) {
-              for (const RawBlock& block : scan->blocks) {
-                char header[RawBlock::header_size];
-                scan->stream.seekg(static_cast<std::streamoff>(block.offset));
+              for (const std::uint64_t offset : scan->offsets) {
+                char header[mdf_v4_10::HeaderSection::HEADER_SIZE];
+                scan->stream.seekg(static_cast<std::streamoff>(offset));
                 scan->stream.read(header, sizeof header);
                 benchmark::DoNotOptimize(&header);
               }
