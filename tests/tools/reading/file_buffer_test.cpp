@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <istream>
-#include <iterator>
 #include <string>
 
 #include "reading/paged_file.h"
@@ -52,7 +51,10 @@ TEST(FileBuffer, GivesCharactersAndPiecesInTurn) {
 
 TEST(FileBuffer, GivesTheWholeFileCharacterByCharacter) {
   FileStream file(twoPages());
-  const std::string text{std::istreambuf_iterator<char>(file.get()), {}};
+  std::string text;
+  for (char character = 0; file.get().get(character);) {
+    text += character;
+  }
   EXPECT_EQ(text, twoPages());
 }
 
