@@ -1,0 +1,74 @@
+#include "file_command.h"
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+#include <new>
+#include <stdexcept>
+#include <system_error>
+
+#include "command.h"
+#include "reading/input_file.h"
+#include "reading/output_buffer.h"
+
+namespace mdf_tools {
+
+namespace {
+
+void complain(const std::string& sentence) { std::cerr << "mdf: " << sentence << '\n'; }
+
+/// The work on one file; returns its exit code.
+int onFile(const std::string& path, bool is_one_of_several, std::ostream& out,
+           const std::function<void(const FileContext&)>& work) {
+  int exit_code = exit_fine;
+  try {
+    InputFile file(path);
+    const FindingSink report = [&](const Finding& finding) {
+      complain(file.name() + ": " + decimalAndHex(finding.offset) + ": " + finding.sentence);
+      exit_code = exit_problem;
+    };
+    work({file, out, report, is_one_of_several});
+  } catch (const UnreadableFile& error) {
+    complain(error.what());
+    exit_code = exit_unusable;
+  } catch (const std::bad_alloc&) {
+    complain(path + ": there is too little memory for what the file says of itself");
+    exit_code = exit_problem;
+  }
+  return exit_code;
+}
+
+}  // namespace
+
+std::shared_ptr<std::vector<std::string>> addFileArguments(CLI::App& command) {
+  auto paths = std::make_shared<std::vector<std::string>>();
+  command.add_option("FILE", *paths, "The measurement files; - is standard input")
+      ->required()
+      ->type_name("");
+  return paths;
+}
+
+int onEachFile(const std::vector<std::string>& paths,
+               const std::function<void(const FileContext&)>& work) {
+  OutputBuffer output(stdout, outputIsTerminal() ? OutputBuffer::Bytes::for_a_terminal
+                                                 : OutputBuffer::Bytes::as_they_are);
+  int exit_code = exit_fine;
+  for (const std::string& path : paths) {
+    std::ostream out(&output);
+    exit_code = std::max(exit_code, onFile(path, paths.size() > 1, out, work));
+    output.flush();
+    if (output.error() != 0) {
+      complain("cannot write to standard output: " +
+               std::generic_category().message(output.error()));
+      return std::max<int>(exit_code, exit_problem);
+    }
+  }
+  return exit_code;
+}
+
+bool outputIsTerminal() { return isatty(STDOUT_FILENO) != 0; }
+
+}  // namespace mdf_tools

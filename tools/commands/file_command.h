@@ -1,0 +1,42 @@
+#ifndef MDF_TOOLS_COMMANDS_FILE_COMMAND_H_
+#define MDF_TOOLS_COMMANDS_FILE_COMMAND_H_
+
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "reading/finding.h"
+
+namespace CLI {
+class App;
+}
+
+namespace mdf_tools {
+
+class InputFile;
+
+/// What a command that looks into files works with.
+struct FileContext {
+  InputFile& file;
+  std::ostream& out;          ///< data, on its way to standard output
+  const FindingSink& report;  ///< problems, on their way to standard error
+  bool is_one_of_several;     ///< several files were named: say which one is shown
+};
+
+/// Adds the argument FILE... to a command.
+std::shared_ptr<std::vector<std::string>> addFileArguments(CLI::App& command);
+
+/// Does a command's work on each file in turn, and returns the exit code for all: problems that are
+/// reported, files that cannot be opened and failing output count. Work on a file goes on after a
+/// finding, and on the other files after an unreadable one.
+int onEachFile(const std::vector<std::string>& paths,
+               const std::function<void(const FileContext&)>& work);
+
+/// Whether standard output is a terminal.
+bool outputIsTerminal();
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_COMMANDS_FILE_COMMAND_H_

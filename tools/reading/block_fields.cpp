@@ -1,0 +1,222 @@
+#include "block_fields.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "framework/wire.h"
+#include "input_file.h"
+
+namespace mdf_tools {
+
+using mdf_v4_10::detail::loadLe;
+
+namespace {
+
+std::uint64_t loadUnsigned(std::string_view bytes) {
+  std::uint64_t number = 0;
+  for (std::size_t i = bytes.size(); i-- > 0;) {
+    number = (number << 8U) | static_cast<unsigned char>(bytes[i]);
+  }
+  return number;
+}
+
+std::int64_t loadSigned(std::string_view bytes) {
+  const auto unused_bits = static_cast<unsigned>(64 - 8 * bytes.size());
+  return static_cast<std::int64_t>(loadUnsigned(bytes) << unused_bits) >> unused_bits;
+}
+
+std::string shortest(double number) {
+  std::array<char, 32> digits;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+  return {digits.data(), end};
+}
+
+std::string hexBytes(std::string_view bytes) {
+  static const char digits[] = "0123456789abcdef";
+  std::string text;
+  for (const char character : bytes) {
+    const auto byte = static_cast<unsigned char>(character);
+    text += {digits[byte >> 4U], digits[byte & 0xFU], ' '};
+  }
+  return text.substr(0, text.empty() ? 0 : text.size() - 1);
+}
+
+/// One of several links of a kind.
+LinkRole indexed(std::string_view role, std::uint64_t index, std::string_view targets) {
+  return {std::string(role) + '[' + std::to_string(index) + ']', {role, targets}};
+}
+
+/// A channel hierarchy's elements, three links each.
+LinkRole hierarchyRole(std::uint64_t index) {
+  constexpr std::array<std::string_view, 3> parts = {"dg", "cg", "cn"};
+  constexpr std::array<std::string_view, 3> targets = {"DG", "CG", "CN"};
+  LinkRole role = indexed("ch_element", index / 3, targets.at(index % 3));
+  role.name += std::string(".") + std::string(parts.at(index % 3));
+  return role;
+}
+
+/// What links may stand behind a type's own ones.
+LinkRole additionalRole(const BlockFields& block, std::uint64_t index) {
+  const std::string_view type = block.layout()->letters;
+  if (type == "CN") {
+    const std::uint64_t attachments = block.number("cn_attachment_count");
+    constexpr std::array<LinkLayout, 3> x_axis = {LinkLayout{"cn_default_x_dg", "DG"},
+                                                  LinkLayout{"cn_default_x_cg", "CG"},
+                                                  LinkLayout{"cn_default_x_cn", "CN"}};
+    if (index < attachments) {
+      return indexed("cn_at_reference", index, "AT");
+    }
+    if (index - attachments < x_axis.size()) {
+      const LinkLayout& layout = x_axis.at(static_cast<std::size_t>(index - attachments));
+      return {std::string(layout.role), layout};
+    }
+  }
+  if (type == "EV") {
+    const std::uint64_t scopes = block.number("ev_scope_count");
+    if (index < scopes) {
+      return indexed("ev_scope", index, "CN CG");
+    }
+    if (index - scopes < block.number("ev_attachment_count")) {
+      return indexed("ev_at_reference", index - scopes, "AT");
+    }
+  }
+  if (type == "CG" && index == 0) {
+    return {"cg_cg_master", {"cg_cg_master", "CG"}};
+  }
+  if (type == "CC") {
+    return indexed("cc_ref", index, "TX MD CC");
+  }
+  if (type == "CH") {
+    return hierarchyRole(index);
+  }
+  if (type == "DL") {
+    return indexed("dl_data", index, "DT SD RD DZ");
+  }
+  const std::uint64_t position = block.layout()->links.size() + index;
+  return {"link " + std::to_string(position), {"", ""}};
+}
+
+}  // namespace
+
+BlockFields::BlockFields(InputFile& file, const RawBlock& block)
+    : raw_(block), layout_(findLayout(block.letters())), file_size_(file.size()) {
+  if (!block.hasId()) {
+    layout_ = nullptr;
+  }
+  if (layout_ != nullptr) {
+    readLinks(file);
+    readFields(file);
+  }
+}
+
+void BlockFields::readLinks(InputFile& file) {
+  const std::uint64_t there = linksThere(file, raw_);
+  is_complete_ = there >= layout_->links.size();
+  std::array<char, 16 * RawBlock::link_size> bytes;
+  const auto wanted = static_cast<std::size_t>(
+      std::min<std::uint64_t>({there, layout_->links.size(), bytes.size() / RawBlock::link_size}));
+  const std::size_t got =
+      file.readAt(raw_.offset + RawBlock::header_size, bytes.data(), wanted * RawBlock::link_size);
+  for (std::size_t at = 0; at + RawBlock::link_size <= got; at += RawBlock::link_size) {
+    links_.push_back(loadLe<std::uint64_t>(bytes.data() + at));
+  }
+}
+
+void BlockFields::readFields(InputFile& file) {
+  const std::uint64_t end = std::min(raw_.length, file_size_ - raw_.offset);
+  const std::uint64_t begin = fieldsAt() - raw_.offset;
+  const std::uint64_t there = begin < end ? end - begin : 0;
+  const std::size_t wanted = layout_->fieldsWidth();
+  fields_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(there, wanted)));
+  fields_.resize(file.readAt(fieldsAt(), fields_.data(), fields_.size()));
+  is_complete_ = is_complete_ && raw_.holdsItsLinks() && fields_.size() == wanted;
+}
+
+const FieldLayout* BlockFields::find(std::string_view field) const {
+  if (layout_ == nullptr) {
+    return nullptr;
+  }
+  const auto found = std::find_if(layout_->fields.begin(), layout_->fields.end(),
+                                  [&](const FieldLayout& each) { return each.name == field; });
+  return found == layout_->fields.end() ? nullptr : &*found;
+}
+
+std::string_view BlockFields::bytes(std::string_view field) const {
+  const FieldLayout* found = find(field);
+  if (found == nullptr || found->offset + found->width > fields_.size()) {
+    return {};
+  }
+  return std::string_view(fields_).substr(found->offset, found->width);
+}
+
+std::uint64_t BlockFields::number(std::string_view field) const {
+  return loadUnsigned(bytes(field));
+}
+
+std::int64_t BlockFields::signedNumber(std::string_view field) const {
+  const std::string_view stored = bytes(field);
+  return stored.empty() ? 0 : loadSigned(stored);
+}
+
+double BlockFields::real(std::string_view field) const {
+  const std::string_view stored = bytes(field);
+  return stored.size() == sizeof(double) ? loadLe<double>(stored.data()) : 0.0;
+}
+
+std::string BlockFields::shown(const FieldLayout& field) const {
+  switch (field.kind) {
+    case FieldKind::unsigned_number:
+      return std::to_string(number(field.name));
+    case FieldKind::signed_number:
+      return std::to_string(signedNumber(field.name));
+    case FieldKind::real:
+      return shortest(real(field.name));
+    case FieldKind::bytes:
+    case FieldKind::reserved:
+      break;
+  }
+  return hexBytes(bytes(field.name));
+}
+
+std::uint64_t BlockFields::fieldsAt() const {
+  constexpr std::uint64_t most = UINT64_MAX / 16;  // more links than any file holds
+  return raw_.offset + RawBlock::header_size +
+         std::min(raw_.linkCount(), most) * RawBlock::link_size;
+}
+
+std::uint64_t BlockFields::tailAt() const {
+  return fieldsAt() + (layout_ == nullptr ? 0 : layout_->fieldsWidth());
+}
+
+std::uint64_t BlockFields::tailBytes() const {
+  const std::uint64_t end =
+      raw_.offset + std::min(raw_.length, file_size_ - std::min(raw_.offset, file_size_));
+  return tailAt() < end ? end - tailAt() : 0;
+}
+
+std::optional<BlockFields> readFields(InputFile& file, std::uint64_t offset,
+                                      std::string_view letters) {
+  if (offset == 0) {
+    return std::nullopt;
+  }
+  const auto block = readRawBlock(file, offset);
+  if (!block || !block->hasId() || block->letters() != letters) {
+    return std::nullopt;
+  }
+  return BlockFields(file, *block);
+}
+
+LinkRole linkRole(const BlockFields& block, std::uint64_t index) {
+  if (block.layout() == nullptr) {
+    return {"link " + std::to_string(index), {"", ""}};
+  }
+  const std::vector<LinkLayout>& own = block.layout()->links;
+  if (index < own.size()) {
+    const LinkLayout& layout = own[static_cast<std::size_t>(index)];
+    return {std::string(layout.role), layout};
+  }
+  return additionalRole(block, index - own.size());
+}
+
+}  // namespace mdf_tools

@@ -1,0 +1,288 @@
+#include "description.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <optional>
+
+#include "block_fields.h"
+#include "framework/wire.h"
+#include "input_file.h"
+#include "offset_set.h"
+#include "walker.h"
+
+namespace mdf_tools {
+
+using mdf_v4_10::detail::loadLe;
+
+namespace {
+
+/// Reads the description of a file block by block.
+class DescriptionReader {
+ public:
+  DescriptionReader(InputFile& file, const FindingSink& report, Texts& texts)
+      : file_(file), report_(report), texts_(texts) {}
+
+  Header header();
+  std::vector<DataGroup> dataGroups();
+
+ private:
+  /// A channel that is still to be read, and how deep it is nested.
+  struct Step {
+    std::uint64_t from;  ///< the block with the link
+    std::uint64_t offset;
+    std::size_t depth;
+  };
+
+  /// The block of this type at the end of a link, if it is one and new.
+  std::optional<BlockFields> follow(std::uint64_t from, std::uint64_t offset,
+                                    std::string_view letters);
+  DataGroup dataGroup(const BlockFields& block);
+  ChannelGroup channelGroup(const BlockFields& block);
+  std::vector<Channel> channels(const BlockFields& group);
+  Channel channel(const BlockFields& block);
+  ArrayShape arrayShape(const BlockFields& array);
+  std::string_view text(std::uint64_t offset) { return texts_.at(file_, offset); }
+
+  InputFile& file_;
+  const FindingSink& report_;
+  Texts& texts_;
+  OffsetSet seen_;
+  std::uint64_t first_data_group_ = 0;
+  std::size_t group_count_ = 0;
+};
+
+std::optional<BlockFields> DescriptionReader::follow(std::uint64_t from, std::uint64_t offset,
+                                                     std::string_view letters) {
+  if (offset == 0) {
+    return std::nullopt;
+  }
+  const std::string expected = "expected a link to a new block \"##" + std::string(letters) +
+                               "\" at " + decimalAndHex(offset);
+  if (seen_.contains(offset)) {
+    report_({from, expected + ", found one that was there before"});
+    return std::nullopt;
+  }
+  auto block = readFields(file_, offset, letters);
+  if (!block) {
+    report_({from, expected + ", found none"});
+    return std::nullopt;
+  }
+  seen_.insert(offset);
+  if (!block->isComplete()) {
+    report_({offset, "expected all links and fields of " + block->raw().name() +
+                         ", found a length of " + std::to_string(block->raw().length) + " and " +
+                         std::to_string(block->raw().link_count) + " links"});
+  }
+  return block;
+}
+
+Header DescriptionReader::header() {
+  Header header;
+  const auto block = follow(0, header_block_offset, "HD");
+  if (!block) {
+    return header;
+  }
+  header.start_time = block->number("hd_start_time_ns");
+  header.zone_minutes = static_cast<int>(block->signedNumber("hd_tz_offset_min"));
+  header.daylight_minutes = static_cast<int>(block->signedNumber("hd_dst_offset_min"));
+  header.time_flags = static_cast<unsigned>(block->number("hd_time_flags"));
+  header.time_class = static_cast<unsigned>(block->number("hd_time_class"));
+  header.flags = static_cast<unsigned>(block->number("hd_flags"));
+  header.start_angle = block->real("hd_start_angle_rad");
+  header.start_distance = block->real("hd_start_distance_m");
+  first_data_group_ = block->link(0);
+  header.first_history = block->link(1);
+  header.first_hierarchy = block->link(2);
+  header.first_attachment = block->link(3);
+  header.first_event = block->link(4);
+  header.comment = text(block->link(5));
+  return header;
+}
+
+std::vector<DataGroup> DescriptionReader::dataGroups() {
+  std::vector<DataGroup> groups;
+  auto block = follow(header_block_offset, first_data_group_, "DG");
+  while (block) {
+    groups.push_back(dataGroup(*block));
+    groups.back().index = groups.size() - 1;
+    block = follow(block->offset(), block->link(0), "DG");
+  }
+  return groups;
+}
+
+DataGroup DescriptionReader::dataGroup(const BlockFields& block) {
+  DataGroup data_group;
+  data_group.offset = block.offset();
+  data_group.record_id_code = static_cast<unsigned>(block.number("dg_rec_id_size"));
+  data_group.data = block.link(2);
+  data_group.comment = text(block.link(3));
+  auto group = follow(block.offset(), block.link(1), "CG");
+  while (group) {
+    data_group.groups.push_back(channelGroup(*group));
+    group = follow(group->offset(), group->link(0), "CG");
+  }
+  return data_group;
+}
+
+ChannelGroup DescriptionReader::channelGroup(const BlockFields& block) {
+  ChannelGroup group;
+  group.offset = block.offset();
+  group.index = group_count_++;
+  group.name = text(block.link(2));
+  group.source = block.link(3);
+  group.first_reduction = block.link(4);
+  group.comment = text(block.link(5));
+  group.record_id = block.number("cg_record_id");
+  group.cycles = block.number("cg_cycle_count");
+  group.flags = static_cast<unsigned>(block.number("cg_flags"));
+  group.data_bytes = static_cast<std::uint32_t>(block.number("cg_data_bytes"));
+  group.invalidation_bytes = static_cast<std::uint32_t>(block.number("cg_inval_bytes"));
+  group.channels = channels(block);
+  return group;
+}
+
+/// Members of a structure come before the channel that follows it. There may be more levels of them
+/// than calls can be nested.
+std::vector<Channel> DescriptionReader::channels(const BlockFields& group) {
+  std::vector<Channel> channels;
+  std::vector<Step> steps = {{group.offset(), group.link(1), 0}};
+  while (!steps.empty()) {
+    const Step step = steps.back();
+    steps.pop_back();
+    const auto block = follow(step.from, step.offset, "CN");
+    if (!block) {
+      continue;
+    }
+    channels.push_back(channel(*block));
+    Channel& channel = channels.back();
+    channel.depth = step.depth;
+    steps.push_back({block->offset(), block->link(0), step.depth});
+    if (readFields(file_, block->link(1), "CA")) {
+      if (const auto array = follow(block->offset(), block->link(1), "CA")) {
+        channel.array = arrayShape(*array);
+      }
+    } else if (block->link(1) != 0) {
+      channel.is_structure = true;
+      steps.push_back({block->offset(), block->link(1), step.depth + 1});
+    }
+  }
+  return channels;
+}
+
+Channel DescriptionReader::channel(const BlockFields& block) {
+  Channel channel;
+  channel.offset = block.offset();
+  channel.name = text(block.link(2));
+  channel.source = block.link(3);
+  channel.conversion = block.link(4);
+  channel.data = block.link(5);
+  channel.unit = text(block.link(6));
+  channel.comment = text(block.link(7));
+  channel.type = static_cast<unsigned>(block.number("cn_type"));
+  channel.sync_type = static_cast<unsigned>(block.number("cn_sync_type"));
+  channel.data_type = static_cast<unsigned>(block.number("cn_data_type"));
+  channel.bit_offset = static_cast<unsigned>(block.number("cn_bit_offset"));
+  channel.byte_offset = static_cast<std::uint32_t>(block.number("cn_byte_offset"));
+  channel.bit_count = static_cast<std::uint32_t>(block.number("cn_bit_count"));
+  channel.flags = static_cast<std::uint32_t>(block.number("cn_flags"));
+  channel.invalidation_bit = static_cast<std::uint32_t>(block.number("cn_inval_bit_pos"));
+  channel.precision = static_cast<unsigned>(block.number("cn_precision"));
+  if (channel.unit.empty()) {
+    if (const auto conversion = readFields(file_, channel.conversion, "CC")) {
+      channel.unit = text(conversion->link(1));
+    }
+  }
+  return channel;
+}
+
+ArrayShape DescriptionReader::arrayShape(const BlockFields& array) {
+  constexpr unsigned in_records = 0;  // ca_storage: the channel is the template of each element
+  constexpr unsigned inverse_layout = 64;
+  ArrayShape shape;
+  shape.byte_step = array.signedNumber("ca_byte_offset_base");
+  shape.invalidation_step = array.number("ca_inval_bit_pos_base");
+  shape.in_records = array.number("ca_storage") == in_records;
+  shape.is_column_oriented = array.hasFlag("ca_flags", inverse_layout);
+  const std::uint64_t count = std::min(array.number("ca_ndim"), array.tailBytes() / 8);
+  for (std::uint64_t i = 0; i < count; ++i) {
+    std::array<char, 8> bytes{};
+    file_.readAt(array.tailAt() + 8 * i, bytes.data(), bytes.size());
+    shape.dimensions.push_back(loadLe<std::uint64_t>(bytes.data()));
+  }
+  return shape;
+}
+
+}  // namespace
+
+bool Identification::isUnfinished() const { return file_word == "UnFinMF "; }
+
+Identification readIdentification(InputFile& file) {
+  std::array<char, header_block_offset> bytes{};
+  file.readAt(0, bytes.data(), bytes.size());
+  Identification id;
+  id.file_word.assign(bytes.data(), 8);
+  id.version_text.assign(bytes.data() + 8, 8);
+  id.program.assign(bytes.data() + 16, 8);
+  id.program.resize(std::min(id.program.size(), id.program.find('\0')));
+  id.version = loadLe<std::uint16_t>(bytes.data() + 28);
+  id.standard_flags = loadLe<std::uint16_t>(bytes.data() + 60);
+  id.custom_flags = loadLe<std::uint16_t>(bytes.data() + 62);
+  return id;
+}
+
+const Channel* ChannelGroup::masterChannel() const {
+  const Channel* best = nullptr;
+  for (const Channel& channel : channels) {
+    const bool is_better = best == nullptr || channel.sync_type < best->sync_type;
+    if (channel.isMaster() && is_better) {
+      best = &channel;
+    }
+  }
+  return best;
+}
+
+Measurement readMeasurement(InputFile& file, const FindingSink& report) {
+  Measurement measurement;
+  measurement.texts = std::make_unique<Texts>();
+  measurement.identification = readIdentification(file);
+  DescriptionReader reader(file, report, *measurement.texts);
+  measurement.header = reader.header();
+  measurement.data_groups = reader.dataGroups();
+  return measurement;
+}
+
+std::vector<std::uint64_t> chainOf(InputFile& file, std::uint64_t first, std::string_view letters,
+                                   const FindingSink& report) {
+  std::vector<std::uint64_t> offsets;
+  OffsetSet seen;
+  std::uint64_t from = header_block_offset;
+  for (std::uint64_t offset = first; offset != 0;) {
+    const auto block = readFields(file, offset, letters);
+    if (!block || seen.contains(offset)) {
+      report({from, "expected a link to a new block \"##" + std::string(letters) + "\" at " +
+                        decimalAndHex(offset) + ", found " +
+                        (block ? "one that was there before" : "none")});
+      break;
+    }
+    seen.insert(offset);
+    offsets.push_back(offset);
+    from = offset;
+    offset = block->link(0);
+  }
+  return offsets;
+}
+
+Source readSource(InputFile& file, std::uint64_t offset, Texts& texts) {
+  Source source;
+  if (const auto block = readFields(file, offset, "SI")) {
+    source.name = texts.at(file, block->link(0));
+    source.path = texts.at(file, block->link(1));
+    source.type = static_cast<unsigned>(block->number("si_type"));
+    source.bus_type = static_cast<unsigned>(block->number("si_bus_type"));
+    source.is_simulated = block->hasFlag("si_flags", 1);
+  }
+  return source;
+}
+
+}  // namespace mdf_tools

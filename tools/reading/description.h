@@ -1,0 +1,196 @@
+#ifndef MDF_TOOLS_READING_DESCRIPTION_H_
+#define MDF_TOOLS_READING_DESCRIPTION_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "finding.h"
+#include "texts.h"
+
+namespace mdf_tools {
+
+class InputFile;
+
+/// What the 64 bytes in front of a file say of it.
+struct Identification {
+  std::string file_word;        ///< 8 bytes: "MDF     ", or "UnFinMF " for an unfinished file
+  std::string version_text;     ///< 8 bytes, such as "4.10    "
+  std::string program;          ///< 8 bytes up to a zero byte
+  unsigned version = 0;         ///< such as 410
+  unsigned standard_flags = 0;  ///< what an unfinished file has left open, bit by bit
+  unsigned custom_flags = 0;    ///< the same by rules of the writing program
+
+  enum StandardFlag : unsigned {
+    cycle_counters_open = 1,            ///< cycle counts of channel groups are not final
+    reduction_counters_open = 2,        ///< cycle counts of sample reductions
+    last_data_open = 4,                 ///< length of the last data block
+    last_reduction_open = 8,            ///< length of the last reduction data block
+    last_list_open = 16,                ///< the last data list
+    variable_length_sizes_open = 32,    ///< data bytes of groups for variable-length data
+    variable_length_offsets_open = 64,  ///< offsets of channels with such a group
+  };
+
+  bool isUnfinished() const;
+};
+
+/// What the header block says.
+struct Header {
+  std::uint64_t start_time = 0;  ///< as stored: nanoseconds since 1970, some writers store seconds
+  int zone_minutes = 0;
+  int daylight_minutes = 0;
+  unsigned time_flags = 0;
+  unsigned time_class = 0;
+  unsigned flags = 0;
+  double start_angle = 0;     ///< rad
+  double start_distance = 0;  ///< m
+  std::uint64_t first_history = 0;
+  std::uint64_t first_hierarchy = 0;
+  std::uint64_t first_attachment = 0;
+  std::uint64_t first_event = 0;
+  std::string_view comment;
+
+  enum TimeFlag : unsigned { is_local_time = 1, offsets_valid = 2 };
+};
+
+/// The elements of a channel that is an array, as far as they stand in its records.
+struct ArrayShape {
+  std::vector<std::uint64_t> dimensions;
+  std::int64_t byte_step = 0;           ///< bytes from one element to the next
+  std::uint64_t invalidation_step = 0;  ///< invalidation bits from one element to the next
+  bool in_records = true;               ///< false: each element has data of its own elsewhere
+  bool is_column_oriented = false;
+};
+
+struct Channel {
+  enum Type : unsigned {
+    fixed_length = 0,
+    variable_length = 1,
+    master = 2,
+    virtual_master = 3,
+    synchronization = 4,
+    maximum_length = 5,
+    virtual_data = 6,
+  };
+  enum DataType : unsigned {
+    unsigned_le = 0,
+    unsigned_be = 1,
+    signed_le = 2,
+    signed_be = 3,
+    real_le = 4,
+    real_be = 5,
+    string_latin1 = 6,
+    string_utf8 = 7,
+    string_utf16_le = 8,
+    string_utf16_be = 9,
+    byte_array = 10,
+    mime_sample = 11,
+    mime_stream = 12,
+    canopen_date = 13,
+    canopen_time = 14,
+  };
+  enum Flag : unsigned { all_invalid = 1, has_invalidation_bit = 2, has_precision = 4 };
+
+  std::uint64_t offset = 0;
+  std::size_t depth = 0;  ///< 0 for a channel of the group's own list, 1 for a member of one, ...
+  std::string_view name;
+  std::string_view unit;  ///< the channel's own or, failing that, its conversion's
+  std::string_view comment;
+  unsigned type = 0;
+  unsigned sync_type = 0;
+  unsigned data_type = 0;
+  unsigned bit_offset = 0;
+  std::uint32_t byte_offset = 0;
+  std::uint32_t bit_count = 0;
+  std::uint32_t flags = 0;
+  std::uint32_t invalidation_bit = 0;
+  unsigned precision = 0;
+  std::uint64_t source = 0;  ///< offsets of blocks, 0 for none
+  std::uint64_t conversion = 0;
+  std::uint64_t data = 0;
+  bool is_structure = false;  ///< its members follow, one level deeper
+  ArrayShape array;           ///< without dimensions for a channel that is none
+
+  bool isMaster() const { return type == master || type == virtual_master; }
+  bool isVirtual() const { return type == virtual_master || type == virtual_data; }
+};
+
+struct ChannelGroup {
+  enum Flag : unsigned {
+    is_variable_length = 1,  ///< its records are the values of a variable-length channel
+    is_bus_event = 2,
+    is_plain_bus_event = 4,
+  };
+
+  std::uint64_t offset = 0;
+  std::size_t index = 0;  ///< among all channel groups of the file, from 0 on
+  std::string_view name;  ///< the acquisition's
+  std::string_view comment;
+  std::uint64_t source = 0;
+  std::uint64_t record_id = 0;
+  std::uint64_t cycles = 0;
+  unsigned flags = 0;
+  std::uint32_t data_bytes = 0;  ///< of a record; for variable-length data see lengthOfAll()
+  std::uint32_t invalidation_bytes = 0;  ///< of a record, behind the data bytes
+  std::uint64_t first_reduction = 0;
+  std::vector<Channel> channels;  ///< each followed by its members
+
+  bool holdsVariableLength() const { return (flags & is_variable_length) != 0; }
+
+  /// Bytes of a record without its record id.
+  std::uint64_t recordBytes() const { return std::uint64_t{data_bytes} + invalidation_bytes; }
+
+  /// For variable-length data the two fields together are the length of all values.
+  std::uint64_t lengthOfAll() const {
+    return (std::uint64_t{invalidation_bytes} << 32U) | data_bytes;
+  }
+
+  /// The channel that the others are drawn over, of the kind of its synchronisation type that comes
+  /// first: time before angle, distance and index. Null when there is none.
+  const Channel* masterChannel() const;
+};
+
+struct DataGroup {
+  std::uint64_t offset = 0;
+  std::size_t index = 0;
+  unsigned record_id_code = 0;  ///< as stored: a byte count, or 3 and 4 for 4 and 8 bytes
+  std::uint64_t data = 0;
+  std::string_view comment;
+  std::vector<ChannelGroup> groups;
+};
+
+/// What a file is a measurement of: everything that its description says, and none of its data.
+struct Measurement {
+  Identification identification;
+  Header header;
+  std::vector<DataGroup> data_groups;
+  std::unique_ptr<Texts> texts;  ///< what the views of texts look into
+};
+
+/// Reads the description. What is wrong in it is reported; the rest of that chain is then left out.
+/// Memory and time are in proportion to the number of blocks, whatever they say: no block is taken
+/// in twice.
+Measurement readMeasurement(InputFile& file, const FindingSink& report);
+
+/// Offsets of the blocks of one type that a chain leads through, first to last, by their link 0.
+std::vector<std::uint64_t> chainOf(InputFile& file, std::uint64_t first, std::string_view letters,
+                                   const FindingSink& report);
+
+Identification readIdentification(InputFile& file);
+
+/// A source block's texts.
+struct Source {
+  std::string_view name;
+  std::string_view path;
+  unsigned type = 0;
+  unsigned bus_type = 0;
+  bool is_simulated = false;
+};
+Source readSource(InputFile& file, std::uint64_t offset, Texts& texts);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_READING_DESCRIPTION_H_
