@@ -28,6 +28,8 @@ int run(int argc, char** argv) {
 
   int exit_code = mdf_tools::exit_fine;
   mdf_tools::addRecordCommand(app, exit_code);
+  mdf_tools::addInfoCommand(app, exit_code);
+  mdf_tools::addListCommand(app, exit_code);
   mdf_tools::addDumpCommand(app, exit_code);
 
   if (argc == 1) {

@@ -16,6 +16,9 @@ enum ExitCode : int {
 
 /// Each adds one subcommand to the command line. When the subcommand runs it stores an ExitCode.
 void addDumpCommand(CLI::App& app, int& exit_code);
+void addInfoCommand(CLI::App& app, int& exit_code);
+void addListCommand(CLI::App& app, int& exit_code);
+void addExtractCommand(CLI::App& app, int& exit_code);
 void addRecordCommand(CLI::App& app, int& exit_code);
 
 }  // namespace mdf_tools

@@ -41,6 +41,21 @@ int onFile(const std::string& path, bool is_one_of_several, std::ostream& out,
   return exit_code;
 }
 
+OutputBuffer::Bytes outputForm() {
+  return outputIsTerminal() ? OutputBuffer::Bytes::for_a_terminal
+                            : OutputBuffer::Bytes::as_they_are;
+}
+
+/// Hands everything to the file; returns the exit code.
+int finish(OutputBuffer& output) {
+  output.flush();
+  if (output.error() == 0) {
+    return exit_fine;
+  }
+  complain("cannot write to standard output: " + std::generic_category().message(output.error()));
+  return exit_problem;
+}
+
 }  // namespace
 
 std::shared_ptr<std::vector<std::string>> addFileArguments(CLI::App& command) {
@@ -53,20 +68,23 @@ std::shared_ptr<std::vector<std::string>> addFileArguments(CLI::App& command) {
 
 int onEachFile(const std::vector<std::string>& paths,
                const std::function<void(const FileContext&)>& work) {
-  OutputBuffer output(stdout, outputIsTerminal() ? OutputBuffer::Bytes::for_a_terminal
-                                                 : OutputBuffer::Bytes::as_they_are);
+  OutputBuffer output(stdout, outputForm());
   int exit_code = exit_fine;
   for (const std::string& path : paths) {
     std::ostream out(&output);
     exit_code = std::max(exit_code, onFile(path, paths.size() > 1, out, work));
-    output.flush();
-    if (output.error() != 0) {
-      complain("cannot write to standard output: " +
-               std::generic_category().message(output.error()));
-      return std::max<int>(exit_code, exit_problem);
+    const int output_code = finish(output);
+    if (output_code != exit_fine) {
+      return std::max(exit_code, output_code);
     }
   }
   return exit_code;
+}
+
+int printToOutput(const std::string& text) {
+  OutputBuffer output(stdout, outputForm());
+  output.sputn(text.data(), static_cast<std::streamsize>(text.size()));
+  return finish(output);
 }
 
 bool outputIsTerminal() { return isatty(STDOUT_FILENO) != 0; }

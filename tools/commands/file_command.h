@@ -34,6 +34,9 @@ std::shared_ptr<std::vector<std::string>> addFileArguments(CLI::App& command);
 int onEachFile(const std::vector<std::string>& paths,
                const std::function<void(const FileContext&)>& work);
 
+/// Prints to standard output what was gathered from all files; returns the exit code.
+int printToOutput(const std::string& text);
+
 /// Whether standard output is a terminal.
 bool outputIsTerminal();
 

@@ -1,5 +1,5 @@
-#ifndef MDF_TOOLS_COMMANDS_JSON_OUTPUT_H_
-#define MDF_TOOLS_COMMANDS_JSON_OUTPUT_H_
+#ifndef MDF_TOOLS_SHOWING_JSON_OUTPUT_H_
+#define MDF_TOOLS_SHOWING_JSON_OUTPUT_H_
 
 #include <nlohmann/json.hpp>
 #include <string>
@@ -25,4 +25,4 @@ inline std::string jsonDocument(const Json& value) {
 
 }  // namespace mdf_tools
 
-#endif  // MDF_TOOLS_COMMANDS_JSON_OUTPUT_H_
+#endif  // MDF_TOOLS_SHOWING_JSON_OUTPUT_H_

@@ -1,0 +1,130 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "command.h"
+#include "file_command.h"
+#include "reading/input_file.h"
+#include "showing/listing.h"
+
+namespace mdf_tools {
+
+namespace {
+
+using List = void (*)(InputFile&, const ListOptions&, std::ostream&, const FindingSink&);
+
+/// One of the lists that the command knows.
+struct ListKind {
+  const char* name;
+  const char* title;
+  List list;
+  std::vector<std::string> columns;
+  const char* types;  ///< what --type chooses by
+  const char* footer;
+};
+
+int runList(const ListKind& kind, const std::vector<std::string>& paths, ListOptions options) {
+  return onEachFile(paths, [&](const FileContext& context) {
+    options.file_name = context.is_one_of_several ? context.file.name() : "";
+    if (context.is_one_of_several && !options.as_json) {
+      context.out << context.file.name() << ":\n";
+    }
+    kind.list(context.file, options, context.out, context.report);
+  });
+}
+
+void addList(CLI::App& list_command, const ListKind& kind, int& exit_code) {
+  CLI::App* command = list_command.add_subcommand(kind.name, kind.title);
+  const auto paths = addFileArguments(*command);
+  const auto options = std::make_shared<ListOptions>();
+  const bool has_groups = kind.list == listChannels;
+  if (has_groups) {
+    command->add_option("--group", options->group, "Only the channel group with this index")
+        ->type_name("N");
+  }
+  if (kind.list != listBlocks) {
+    command
+        ->add_option("--name", options->name_pattern,
+                     "Only what is named so; * ? [...] match as in a shell")
+        ->type_name("GLOB");
+  }
+  command->add_option("--type", options->types, kind.types)->delimiter(',')->type_name("TYPE,...");
+  command->add_option("--sort", options->sort_column, "Sort by this column")
+      ->check(CLI::IsMember(kind.columns))
+      ->type_name("COLUMN");
+  command->add_flag("--json", options->as_json, "Print a JSON object on each line");
+  command->footer(kind.footer);
+  command->callback(
+      [kind, paths, options, &exit_code] { exit_code = runList(kind, *paths, *options); });
+}
+
+constexpr const char* channels_footer =
+    R"("at" is the byte in the record, and behind the point the bit in it. Members of a structure stand
+below it, moved to the right.
+
+Examples:
+  mdf list channels trip.mf4                        all channels
+  mdf list channels trip.mf4 --name '*speed*'       find one
+  mdf list channels trip.mf4 --type master          what they are drawn over
+  mdf list channels trip.mf4 --json | jq -r .name   for a script
+
+Exit code: 0 fine, 1 problems found in a file, 2 wrong arguments or unreadable file.)";
+
+constexpr const char* blocks_footer =
+    R"(Blocks that can be reached from the header block, in file order.
+
+Examples:
+  mdf list blocks trip.mf4 --type CN,CC
+  mdf list blocks trip.mf4 --sort length | tail     the largest blocks
+
+Exit code: 0 fine, 1 problems found in a file, 2 wrong arguments or unreadable file.)";
+
+constexpr const char* attachments_footer =
+    R"("bytes" is the size of the data before it was compressed. What is stored elsewhere is not in the
+file; its name says where it was. 'mdf extract' writes attachments to files.
+
+Exit code: 0 fine, 1 problems found in a file, 2 wrong arguments or unreadable file.)";
+
+constexpr const char* events_footer =
+    R"("position" is when or where the event happened, in the unit beside it.
+
+Examples:
+  mdf list events trip.mf4 --type marker,trigger --sort position
+
+Exit code: 0 fine, 1 problems found in a file, 2 wrong arguments or unreadable file.)";
+
+constexpr const char* footer =
+    R"(Run 'mdf list channels --help' and so on for the options of each list.
+
+Examples:
+  mdf list channels trip.mf4
+  mdf list blocks trip.mf4 --type DT,DZ
+  mdf list attachments *.mf4
+  mdf list events trip.mf4 --json)";
+
+}  // namespace
+
+void addListCommand(CLI::App& app, int& exit_code) {
+  CLI::App* command = app.add_subcommand("list", "List channels, blocks, attachments or events");
+  command->require_subcommand(1);
+  command->footer(footer);
+  addList(*command,
+          {"channels", "List the channels", listChannels, channelColumns(),
+           "Only channels of these kinds, such as master or \"virtual master\"", channels_footer},
+          exit_code);
+  addList(*command,
+          {"blocks", "List the blocks", listBlocks, blockColumns(),
+           "Only blocks of these types, such as CN or DT", blocks_footer},
+          exit_code);
+  addList(*command,
+          {"attachments", "List the attachments", listAttachments, attachmentColumns(),
+           "Only attachments of these MIME types", attachments_footer},
+          exit_code);
+  addList(*command,
+          {"events", "List the events", listEvents, eventColumns(),
+           "Only events of these kinds, such as marker or trigger", events_footer},
+          exit_code);
+}
+
+}  // namespace mdf_tools

@@ -1,0 +1,122 @@
+#include "attachments.h"
+
+// The system's header relies on names of this one.
+#include <md5.h>
+#include <sys/types.h>
+
+#include <algorithm>
+
+#include "block_fields.h"
+#include "description.h"
+#include "inflate.h"
+#include "input_file.h"
+
+namespace mdf_tools {
+
+namespace {
+
+constexpr std::uint64_t embedded = 1;
+constexpr std::uint64_t compressed = 2;
+constexpr std::uint64_t digest_valid = 4;
+
+class Md5 {
+ public:
+  Md5() { MD5Init(&context_); }
+  void add(std::string_view bytes) {
+    MD5Update(&context_, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+  }
+  std::string digest() {
+    std::array<std::uint8_t, MD5_DIGEST_LENGTH> bytes;
+    MD5Final(bytes.data(), &context_);
+    return {bytes.begin(), bytes.end()};
+  }
+
+ private:
+  MD5_CTX context_{};
+};
+
+/// Hands bytes of the file on piece by piece.
+void forEachPiece(InputFile& file, std::uint64_t offset, std::uint64_t count,
+                  const std::function<void(std::string_view)>& take) {
+  std::array<char, 65536> piece;
+  while (count > 0) {
+    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(count, piece.size()));
+    const std::size_t got = file.readAt(offset, piece.data(), wanted);
+    if (got == 0) {
+      return;
+    }
+    take({piece.data(), got});
+    offset += got;
+    count -= got;
+  }
+}
+
+Inflated inflateAttachment(InputFile& file, const Attachment& attachment) {
+  std::string stream;
+  forEachPiece(file, attachment.data_at, attachment.data_there,
+               [&](std::string_view piece) { stream += piece; });
+  return inflate(stream, attachment.original_size);
+}
+
+}  // namespace
+
+std::vector<Attachment> readAttachments(InputFile& file, std::uint64_t first, Texts& texts,
+                                        const FindingSink& report) {
+  std::vector<Attachment> attachments;
+  for (const std::uint64_t offset : chainOf(file, first, "AT", report)) {
+    const auto block = readFields(file, offset, "AT");
+    if (!block) {
+      break;  // the file has been changed meanwhile
+    }
+    Attachment attachment;
+    attachment.offset = offset;
+    attachment.name = texts.at(file, block->link(1));
+    attachment.mime_type = texts.at(file, block->link(2));
+    attachment.comment = texts.at(file, block->link(3));
+    attachment.is_embedded = block->hasFlag("at_flags", embedded);
+    attachment.is_compressed = block->hasFlag("at_flags", compressed);
+    attachment.has_digest = block->hasFlag("at_flags", digest_valid);
+    attachment.digest = block->bytes("at_md5_checksum");
+    attachment.original_size = block->number("at_original_size");
+    attachment.embedded_size = block->number("at_embedded_size");
+    attachment.data_at = block->tailAt();
+    attachment.data_there = std::min(attachment.embedded_size, block->tailBytes());
+    attachments.push_back(std::move(attachment));
+  }
+  return attachments;
+}
+
+AttachmentData readAttachmentData(InputFile& file, const Attachment& attachment,
+                                  const std::function<void(std::string_view)>& take) {
+  if (attachment.data_there < attachment.embedded_size) {
+    return AttachmentData::cut_off;
+  }
+  Md5 md5;
+  if (attachment.is_compressed) {
+    const Inflated inflated = inflateAttachment(file, attachment);
+    if (inflated.state != Inflating::fine) {
+      return AttachmentData::not_inflated;
+    }
+    md5.add(inflated.bytes);
+    take(inflated.bytes);
+  } else {
+    forEachPiece(file, attachment.data_at, attachment.data_there, [&](std::string_view piece) {
+      md5.add(piece);
+      take(piece);
+    });
+  }
+  return !attachment.has_digest || md5.digest() == attachment.digest ? AttachmentData::fine
+                                                                     : AttachmentData::wrong_digest;
+}
+
+std::string hexDigest(std::string_view digest) {
+  static const char digits[] = "0123456789abcdef";
+  std::string text;
+  for (const char character : digest) {
+    const auto byte = static_cast<unsigned char>(character);
+    text += {digits[byte >> 4U], digits[byte & 0xFU]};
+  }
+  return text;
+}
+
+}  // namespace mdf_tools
