@@ -1,0 +1,61 @@
+#include "extracting/extract.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
+#include <memory>
+
+#include "command.h"
+#include "extracting/new_file.h"
+#include "file_command.h"
+
+namespace mdf_tools {
+
+namespace {
+
+int extract(const std::vector<std::string>& paths, const ExtractOptions& options) {
+  try {
+    bool is_complete = true;
+    const int exit_code = onEachFile(paths, [&](const FileContext& context) {
+      is_complete =
+          extractAttachments(context.file, options, context.out, context.report) && is_complete;
+    });
+    return std::max<int>(exit_code, is_complete ? exit_fine : exit_problem);
+  } catch (const Unwritable& error) {
+    std::cerr << "mdf: " << error.what() << '\n';
+    return exit_problem;
+  }
+}
+
+constexpr const char* footer =
+    R"(Compressed attachments are inflated, and digests are verified: what is damaged is reported and not
+written. Files are made in the chosen folder and nowhere else, whatever path a stored name gives;
+attachments with the same name get numbers. 'mdf list attachments' shows what there is.
+
+Examples:
+  mdf extract trip.mf4                        into this folder
+  mdf extract trip.mf4 --to parts --name '*.dbc'
+
+Exit code: 0 fine, 1 problems found in a file or a file could not be written, 2 wrong arguments or
+unreadable file.)";
+
+}  // namespace
+
+void addExtractCommand(CLI::App& app, int& exit_code) {
+  CLI::App* command = app.add_subcommand("extract", "Write attachments to files");
+  const auto paths = addFileArguments(*command);
+  const auto options = std::make_shared<ExtractOptions>();
+  command->add_option("-o,--to", options->folder, "The folder, which must be there")
+      ->check(CLI::ExistingDirectory)
+      ->capture_default_str()
+      ->type_name("FOLDER");
+  command
+      ->add_option("--name", options->name_pattern,
+                   "Only what is named so; * ? [...] match as in a shell")
+      ->type_name("GLOB");
+  command->add_flag("--force", options->replaces, "Replace files that are there");
+  command->footer(footer);
+  command->callback([paths, options, &exit_code] { exit_code = extract(*paths, *options); });
+}
+
+}  // namespace mdf_tools

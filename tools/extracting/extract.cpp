@@ -1,0 +1,103 @@
+#include "extract.h"
+
+#include <fnmatch.h>
+
+#include <set>
+
+#include "file_name.h"
+#include "new_file.h"
+#include "reading/attachments.h"
+#include "reading/description.h"
+#include "reading/input_file.h"
+
+namespace mdf_tools {
+
+namespace {
+
+/// Why an attachment's data is not written; "" when it is fine.
+std::string damage(AttachmentData state) {
+  switch (state) {
+    case AttachmentData::cut_off:
+      return "found less in the block";
+    case AttachmentData::not_inflated:
+      return "found a compressed stream that is damaged or has another size than stated";
+    case AttachmentData::wrong_digest:
+      return "found another MD5 digest than stated";
+    case AttachmentData::fine:
+      break;
+  }
+  return {};
+}
+
+class Extractor {
+ public:
+  Extractor(InputFile& file, const ExtractOptions& options, std::ostream& out,
+            const FindingSink& report)
+      : file_(file), options_(options), out_(out), report_(report) {}
+
+  bool extract(const Attachment& attachment);
+
+ private:
+  std::string freeName(const Attachment& attachment);
+
+  InputFile& file_;
+  const ExtractOptions& options_;
+  std::ostream& out_;
+  const FindingSink& report_;
+  std::set<std::string> names_;
+};
+
+std::string Extractor::freeName(const Attachment& attachment) {
+  const std::string wanted = safeFileName(attachment.name);
+  std::string name = wanted;
+  for (std::size_t number = 2; !names_.insert(name).second; ++number) {
+    name = numbered(wanted, number);
+  }
+  return name;
+}
+
+bool Extractor::extract(const Attachment& attachment) {
+  const std::string shown = '"' + printable(attachment.name) + '"';
+  if (!attachment.is_embedded) {
+    out_ << shown << " is not in the file\n";
+    return true;
+  }
+  const std::string name = freeName(attachment);
+  NewFile target(options_.folder, name);
+  const AttachmentData state =
+      readAttachmentData(file_, attachment, [&](std::string_view piece) { target.write(piece); });
+  const std::string problem = damage(state);
+  if (!problem.empty()) {
+    report_({attachment.offset, "expected the data of the attachment " + shown + ", " + problem});
+    return false;
+  }
+  if (!target.complete(options_.replaces)) {
+    report_({attachment.offset, "expected no file " + printable(options_.folder + '/' + name) +
+                                    ", found one; --force replaces it"});
+    return false;
+  }
+  out_ << printable(options_.folder + '/' + name) << ": " << attachment.original_size << " bytes"
+       << (attachment.has_digest ? ", digest verified" : "") << '\n';
+  return true;
+}
+
+}  // namespace
+
+bool extractAttachments(InputFile& file, const ExtractOptions& options, std::ostream& out,
+                        const FindingSink& report) {
+  const Measurement measurement = readMeasurement(file, report);
+  Extractor extractor(file, options, out, report);
+  bool is_complete = true;
+  for (const Attachment& attachment :
+       readAttachments(file, measurement.header.first_attachment, *measurement.texts, report)) {
+    const bool is_chosen =
+        options.name_pattern.empty() ||
+        fnmatch(options.name_pattern.c_str(), std::string(attachment.name).c_str(), 0) == 0;
+    if (is_chosen) {
+      is_complete = extractor.extract(attachment) && is_complete;
+    }
+  }
+  return is_complete;
+}
+
+}  // namespace mdf_tools

@@ -1,0 +1,30 @@
+#ifndef MDF_TOOLS_EXTRACTING_EXTRACT_H_
+#define MDF_TOOLS_EXTRACTING_EXTRACT_H_
+
+#include <cstddef>
+#include <ostream>
+#include <string>
+
+#include "reading/finding.h"
+
+namespace mdf_tools {
+
+class InputFile;
+
+struct ExtractOptions {
+  std::string folder = ".";
+  std::string name_pattern;  ///< with * ? [...] as in a shell, for stored names; "" for any
+  bool replaces = false;     ///< files that are there under the same name
+};
+
+/// Writes the attachments that are embedded in a file to a folder, uncompressed, and a line for
+/// each to `out`. Whatever the stored name says, the file is made in that folder; attachments with
+/// the same name get numbers. What is damaged is reported and not written.
+/// @return whether all that were chosen and are in the file have been written
+/// @throws Unwritable
+bool extractAttachments(InputFile& file, const ExtractOptions& options, std::ostream& out,
+                        const FindingSink& report);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_EXTRACTING_EXTRACT_H_

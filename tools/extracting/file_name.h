@@ -1,0 +1,20 @@
+#ifndef MDF_TOOLS_EXTRACTING_FILE_NAME_H_
+#define MDF_TOOLS_EXTRACTING_FILE_NAME_H_
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace mdf_tools {
+
+/// A name for a file in a folder, made of a name or path that stands in a measurement file and may
+/// be anything: what is behind the last '/' or '\', without control characters, and not so long
+/// that no file can have it. Where nothing is left, or only points, it is "attachment".
+std::string safeFileName(std::string_view stored);
+
+/// The same name with a number in front of its suffix: "log (2).txt".
+std::string numbered(const std::string& name, std::size_t number);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_EXTRACTING_FILE_NAME_H_

@@ -1,0 +1,48 @@
+#ifndef MDF_TOOLS_EXTRACTING_NEW_FILE_H_
+#define MDF_TOOLS_EXTRACTING_NEW_FILE_H_
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "reading/descriptor.h"
+
+namespace mdf_tools {
+
+/// A file that cannot be written; what() is one sentence that names it.
+class Unwritable : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// A file in a folder that appears there under its name when it is complete, and never otherwise.
+/// Links that stand in the folder under that name are not followed.
+class NewFile {
+ public:
+  /// @throws Unwritable
+  NewFile(const std::string& folder, const std::string& name);
+  ~NewFile();
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+
+  /// @throws Unwritable
+  void write(std::string_view bytes);
+
+  /// Gives the file its name. One that is there is replaced or, unless `replaces`, left alone.
+  /// @return false when one was there and has been left alone.
+  /// @throws Unwritable
+  bool complete(bool replaces);
+
+ private:
+  [[noreturn]] void fail(const std::string& what) const;
+
+  std::string name_;
+  std::string shown_path_;
+  Descriptor folder_;
+  std::string temporary_name_;
+  Descriptor file_;
+};
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_EXTRACTING_NEW_FILE_H_
