@@ -2,7 +2,7 @@
 
 #include <fnmatch.h>
 
-#include <set>
+#include <map>
 
 #include "file_name.h"
 #include "new_file.h"
@@ -44,14 +44,14 @@ class Extractor {
   const ExtractOptions& options_;
   std::ostream& out_;
   const FindingSink& report_;
-  std::set<std::string> names_;
+  std::map<std::string, std::size_t> names_;  ///< and how many attachments wanted each
 };
 
 std::string Extractor::freeName(const Attachment& attachment) {
   const std::string wanted = safeFileName(attachment.name);
+  std::size_t& number = names_[wanted];
   std::string name = wanted;
-  for (std::size_t number = 2; !names_.insert(name).second; ++number) {
-    name = numbered(wanted, number);
+  while (number++ > 0 && !names_.try_emplace(name = numbered(wanted, number), 1).second) {
   }
   return name;
 }

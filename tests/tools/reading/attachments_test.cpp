@@ -1,0 +1,117 @@
+#include "reading/attachments.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "reading/input_file.h"
+#include "support/bytes.h"
+#include "tools/support/attachment_blocks.h"
+#include "tools/support/measurement_blocks.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+using mdf_tools::Attachment;
+using mdf_tools::AttachmentData;
+using mdf_tools::Finding;
+using mdf_tools::hexDigest;
+using mdf_tools::InputFile;
+using mdf_tools::readAttachmentData;
+using mdf_tools::readAttachments;
+using mdf_tools::Texts;
+
+namespace {
+
+/// The one attachment of a file, and what reading its data gives.
+struct ReadBack {
+  explicit ReadBack(const FileBuilder& builder, std::uint64_t offset)
+      : temp(builder.bytes()), file(temp.path()) {
+    attachment = readAttachments(file, offset, texts, [](const Finding&) {}).at(0);
+    state = readAttachmentData(file, attachment, [&](std::string_view piece) { data += piece; });
+  }
+
+  TempFile temp;
+  InputFile file;
+  Texts texts;
+  Attachment attachment;
+  AttachmentData state;
+  std::string data;
+};
+
+ReadBack readBack(const AttachmentSpec& spec) {
+  FileBuilder builder;
+  const auto at = addAttachment(builder, spec);
+  return ReadBack(builder, at);
+}
+
+TEST(Attachments, Plain) {
+  const ReadBack read = readBack({"a.txt", "text/plain", 1, std::string(16, 'd'), 3, "abc"});
+  EXPECT_EQ(read.attachment.name, "a.txt");
+  EXPECT_EQ(read.attachment.mime_type, "text/plain");
+  EXPECT_TRUE(read.attachment.is_embedded);
+  EXPECT_FALSE(read.attachment.is_compressed);
+  EXPECT_FALSE(read.attachment.has_digest) << "it is stored, but its flag is not set";
+  EXPECT_EQ(read.attachment.original_size, 3U);
+  EXPECT_EQ(read.attachment.embedded_size, 3U);
+  EXPECT_EQ(read.state, AttachmentData::fine);
+  EXPECT_EQ(read.data, "abc");
+}
+
+TEST(Attachments, CompressedWithDigest) {
+  const ReadBack read = readBack({"a", "", 7, digestOfAbc(), 3, zippedAbc()});
+  EXPECT_TRUE(read.attachment.is_compressed);
+  EXPECT_TRUE(read.attachment.has_digest);
+  EXPECT_EQ(read.state, AttachmentData::fine);
+  EXPECT_EQ(read.data, "abc");
+  EXPECT_EQ(hexDigest(read.attachment.digest), "900150983cd24fb0d6963f7d28e17f72");
+}
+
+TEST(Attachments, WrongDigest) {
+  const ReadBack read = readBack({"a", "", 5, digestOfAbc(), 3, "abd"});
+  EXPECT_EQ(read.state, AttachmentData::wrong_digest);
+}
+
+TEST(Attachments, DamagedCompressionGivesNothing) {
+  const ReadBack longer = readBack({"a", "", 3, digestOfAbc(), 2, zippedAbc()});
+  EXPECT_EQ(longer.state, AttachmentData::not_inflated);
+  EXPECT_EQ(longer.data, "");
+  const ReadBack broken = readBack({"a", "", 3, digestOfAbc(), 3, "abc"});
+  EXPECT_EQ(broken.state, AttachmentData::not_inflated);
+}
+
+TEST(Attachments, CutOffDataGivesNothing) {
+  FileBuilder builder;
+  const auto at = addAttachment(builder, {"a", "", 1, std::string(16, '\0'), 3, "abc"});
+  builder.write(at + 56 + 32, Bytes().u64(UINT64_MAX));
+  const ReadBack read(builder, at);
+  EXPECT_EQ(read.state, AttachmentData::cut_off);
+  EXPECT_EQ(read.data, "");
+  EXPECT_EQ(read.attachment.data_there, 3U);
+}
+
+TEST(Attachments, LargeOnesComeInPieces) {
+  std::string data;
+  for (int i = 0; i < 200000; ++i) {
+    data += static_cast<char>(i % 251);
+  }
+  const ReadBack read = readBack({"a", "", 1, std::string(16, '\0'), data.size(), data});
+  EXPECT_EQ(read.state, AttachmentData::fine);
+  EXPECT_EQ(read.data, data);
+}
+
+TEST(Attachments, AChain) {
+  FileBuilder builder;
+  const auto first = addAttachment(builder, {"1", "", 1, std::string(16, '\0'), 0, ""});
+  const auto second = addAttachment(builder, {"2", "", 0, std::string(16, '\0'), 0, ""});
+  chain(builder, {first, second});
+  const TempFile temp(builder.bytes());
+  InputFile file(temp.path());
+  Texts texts;
+  const auto read = readAttachments(file, first, texts, [](const Finding&) { FAIL(); });
+  ASSERT_EQ(read.size(), 2U);
+  EXPECT_EQ(read[1].name, "2");
+  EXPECT_FALSE(read[1].is_embedded);
+}
+
+}  // namespace

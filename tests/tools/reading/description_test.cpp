@@ -1,0 +1,388 @@
+#include "reading/description.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "reading/input_file.h"
+#include "support/bytes.h"
+#include "tools/support/file_builder.h"
+#include "tools/support/measurement_blocks.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+using mdf_tools::chainOf;
+using mdf_tools::Channel;
+using mdf_tools::ChannelGroup;
+using mdf_tools::DataGroup;
+using mdf_tools::Finding;
+using mdf_tools::InputFile;
+using mdf_tools::Measurement;
+using mdf_tools::readIdentification;
+using mdf_tools::readMeasurement;
+using mdf_tools::readSource;
+using mdf_tools::Texts;
+
+namespace {
+
+/// A file's description, and the findings on the way.
+struct Described {
+  explicit Described(const FileBuilder& builder) : temp(builder.bytes()), file(temp.path()) {
+    measurement = readMeasurement(file, [&](const Finding& finding) {
+      findings += std::to_string(finding.offset) + ": " + finding.sentence + '\n';
+    });
+  }
+
+  const ChannelGroup& group(std::size_t data_group = 0, std::size_t index = 0) const {
+    return measurement.data_groups.at(data_group).groups.at(index);
+  }
+
+  TempFile temp;
+  InputFile file;
+  Measurement measurement;
+  std::string findings;
+};
+
+/// "name/depth" of each channel.
+std::string outline(const ChannelGroup& group) {
+  std::string text;
+  for (const Channel& channel : group.channels) {
+    text += std::string(channel.name) + '/' + std::to_string(channel.depth) + ' ';
+  }
+  return text;
+}
+
+TEST(Description, Identification) {
+  FileBuilder builder("UnFinMF ", 411);
+  builder.write(16, std::string("ab\0cdefg", 8));
+  builder.write(60, Bytes().u16(5).u16(7));
+  const Described described(builder);
+  const auto& id = described.measurement.identification;
+  EXPECT_EQ(id.file_word, "UnFinMF ");
+  EXPECT_TRUE(id.isUnfinished());
+  EXPECT_EQ(id.version_text, "4.11    ");
+  EXPECT_EQ(id.version, 411U);
+  EXPECT_EQ(id.program, "ab");
+  EXPECT_EQ(id.standard_flags, 5U);
+  EXPECT_EQ(id.custom_flags, 7U);
+  EXPECT_EQ(described.findings, "");
+}
+
+TEST(Description, AFileTooShortForItsIdentification) {
+  const TempFile temp("MDF     4.10");
+  InputFile file(temp.path());
+  const auto id = readIdentification(file);
+  EXPECT_EQ(id.file_word, "MDF     ");
+  EXPECT_FALSE(id.isUnfinished());
+  EXPECT_EQ(id.version, 0U);
+}
+
+TEST(Description, Header) {
+  FileBuilder builder;
+  builder.write(64 + 24, Bytes().u64(0).u64(1000).u64(2000).u64(3000).u64(4000));
+  builder.link(64, 5, builder.metadata("<HDcomment><TX>a drive</TX></HDcomment>"));
+  builder.write(64 + 72, Bytes().u64(12345).i16(-60).i16(60).u8s({3, 16, 1, 0}).f64(0.5).f64(100));
+  const Described described(builder);
+  const auto& header = described.measurement.header;
+  EXPECT_EQ(header.start_time, 12345U);
+  EXPECT_EQ(header.zone_minutes, -60);
+  EXPECT_EQ(header.daylight_minutes, 60);
+  EXPECT_EQ(header.time_flags, 3U);
+  EXPECT_EQ(header.time_class, 16U);
+  EXPECT_EQ(header.flags, 1U);
+  EXPECT_EQ(header.start_angle, 0.5);
+  EXPECT_EQ(header.start_distance, 100);
+  EXPECT_EQ(header.first_history, 1000U);
+  EXPECT_EQ(header.first_hierarchy, 2000U);
+  EXPECT_EQ(header.first_attachment, 3000U);
+  EXPECT_EQ(header.first_event, 4000U);
+  EXPECT_EQ(header.comment, "a drive");
+}
+
+TEST(Description, ChannelWithEverything) {
+  FileBuilder builder;
+  const auto conversion = addConversion(builder, {1, {}, {0, 0.5}, "km/h", "scaled"});
+  const auto source = addSource(builder, "engine", "ECU.engine", 1, 2);
+  ChannelSpec spec;
+  spec.name = "speed";
+  spec.type = 1;
+  spec.data_type = 8;
+  spec.byte_offset = 70000;
+  spec.bit_count = 48;
+  spec.bit_offset = 3;
+  spec.flags = 2;
+  spec.invalidation_bit = 9;
+  spec.conversion = conversion;
+  spec.data = 4711;
+  spec.source = source;
+  spec.comment = "of the car";
+  GroupSpec group;
+  group.name = "acquisition";
+  group.record_id = 7;
+  group.cycles = 1000;
+  group.flags = 2;
+  group.data_bytes = 10;
+  group.invalidation_bytes = 2;
+  group.source = source;
+  group.comment = "fast";
+  addGroup(builder, group, {spec}, 0);
+  const Described described(builder);
+  EXPECT_EQ(described.findings, "");
+  const ChannelGroup& read = described.group();
+  EXPECT_EQ(read.name, "acquisition");
+  EXPECT_EQ(read.comment, "fast");
+  EXPECT_EQ(read.record_id, 7U);
+  EXPECT_EQ(read.cycles, 1000U);
+  EXPECT_EQ(read.recordBytes(), 12U);
+  EXPECT_EQ(read.source, source);
+  EXPECT_FALSE(read.holdsVariableLength());
+  const Channel& channel = read.channels.at(0);
+  EXPECT_EQ(channel.name, "speed");
+  EXPECT_EQ(channel.unit, "km/h") << "the conversion's, since the channel has none";
+  EXPECT_EQ(channel.comment, "of the car");
+  EXPECT_EQ(channel.type, Channel::variable_length);
+  EXPECT_EQ(channel.data_type, Channel::string_utf16_le);
+  EXPECT_EQ(channel.byte_offset, 70000U);
+  EXPECT_EQ(channel.bit_count, 48U);
+  EXPECT_EQ(channel.bit_offset, 3U);
+  EXPECT_EQ(channel.flags, 2U);
+  EXPECT_EQ(channel.invalidation_bit, 9U);
+  EXPECT_EQ(channel.conversion, conversion);
+  EXPECT_EQ(channel.data, 4711U);
+  EXPECT_FALSE(channel.is_structure);
+}
+
+TEST(Description, TheChannelsOwnUnitComesFirst) {
+  FileBuilder builder;
+  const auto conversion = addConversion(builder, {1, {}, {0, 0.5}, "km/h", ""});
+  ChannelSpec spec;
+  spec.unit = "m/s";
+  spec.conversion = conversion;
+  addGroup(builder, {}, {spec}, 0);
+  EXPECT_EQ(Described(builder).group().channels.at(0).unit, "m/s");
+}
+
+TEST(Description, VariableLengthGroupsStateTheLengthOfAllValues) {
+  FileBuilder builder;
+  GroupSpec spec;
+  spec.flags = 1;
+  spec.data_bytes = 5;
+  spec.invalidation_bytes = 2;
+  addGroup(builder, spec, {}, 0);
+  const Described described(builder);
+  EXPECT_TRUE(described.group().holdsVariableLength());
+  EXPECT_EQ(described.group().lengthOfAll(), 0x200000005U);
+}
+
+TEST(Description, GroupsAreCountedThroughTheFile) {
+  FileBuilder builder;
+  std::vector<std::uint64_t> data_groups;
+  for (const int count : {2, 0, 1}) {
+    std::vector<std::uint64_t> groups;
+    for (int i = 0; i < count; ++i) {
+      groups.push_back(addChannelGroup(builder, {}));
+    }
+    chain(builder, groups);
+    data_groups.push_back(addDataGroup(builder, 1, 500));
+    if (!groups.empty()) {
+      builder.link(data_groups.back(), 1, groups[0]);
+    }
+  }
+  chain(builder, data_groups);
+  builder.link(64, 0, data_groups[0]);
+  const Described described(builder);
+  EXPECT_EQ(described.findings, "");
+  ASSERT_EQ(described.measurement.data_groups.size(), 3U);
+  EXPECT_EQ(described.measurement.data_groups[2].index, 2U);
+  EXPECT_EQ(described.measurement.data_groups[1].record_id_code, 1U);
+  EXPECT_EQ(described.measurement.data_groups[1].data, 500U);
+  EXPECT_EQ(described.measurement.data_groups[1].groups.size(), 0U);
+  EXPECT_EQ(described.group(0, 1).index, 1U);
+  EXPECT_EQ(described.group(2, 0).index, 2U);
+}
+
+TEST(Description, MembersStandBehindTheirStructure) {
+  FileBuilder builder;
+  const auto channel = [&](const std::string& name, std::uint64_t composition) {
+    ChannelSpec spec;
+    spec.name = name;
+    spec.composition = composition;
+    return addChannel(builder, spec);
+  };
+  const auto inner = channel("inner", 0);
+  const auto first = channel("first", inner);
+  const auto second = channel("second", 0);
+  chain(builder, {first, second});
+  const auto outer = channel("outer", first);
+  const auto last = channel("last", 0);
+  const auto group = addGroup(builder, {}, {}, 0);
+  chain(builder, {outer, last});
+  builder.link(group, 1, outer);
+  const Described described(builder);
+  EXPECT_EQ(described.findings, "");
+  EXPECT_EQ(outline(described.group()), "outer/0 first/1 inner/2 second/1 last/0 ");
+  EXPECT_TRUE(described.group().channels[0].is_structure);
+  EXPECT_FALSE(described.group().channels[2].is_structure);
+}
+
+TEST(Description, Arrays) {
+  FileBuilder builder;
+  const auto array = builder.add(
+      "CA", {0}, Bytes().u8(0).u8(0).u16(2).u32(64).u32(0xFFFFFFFE).u32(3).u64(4).u64(5).u64(99));
+  ChannelSpec spec;
+  spec.composition = array;
+  addGroup(builder, {}, {spec}, 0);
+  const Described described(builder);
+  EXPECT_EQ(described.findings, "");
+  const auto& shape = described.group().channels.at(0).array;
+  EXPECT_EQ(shape.dimensions, (std::vector<std::uint64_t>{4, 5}));
+  EXPECT_EQ(shape.byte_step, -2);
+  EXPECT_EQ(shape.invalidation_step, 3U);
+  EXPECT_TRUE(shape.in_records);
+  EXPECT_TRUE(shape.is_column_oriented);
+  EXPECT_FALSE(described.group().channels.at(0).is_structure);
+}
+
+TEST(Description, ArraysWithLyingDimensionsHaveThoseThatAreThere) {
+  FileBuilder builder;
+  const auto array =
+      builder.add("CA", {0}, Bytes().u8(0).u8(1).u16(65535).u32(0).u32(0).u32(0).u64(4));
+  ChannelSpec spec;
+  spec.composition = array;
+  addGroup(builder, {}, {spec}, 0);
+  const Described described(builder);
+  const auto& shape = described.group().channels.at(0).array;
+  EXPECT_EQ(shape.dimensions, (std::vector<std::uint64_t>{4}));
+  EXPECT_FALSE(shape.in_records);
+}
+
+TEST(Description, TheMasterIsOverTimeIfThereIsOne) {
+  const auto masterOf = [](std::vector<std::pair<unsigned, unsigned>> types_and_syncs) {
+    FileBuilder builder;
+    std::vector<ChannelSpec> specs;
+    for (const auto& [type, sync] : types_and_syncs) {
+      ChannelSpec spec;
+      spec.name = std::to_string(type) + ':' + std::to_string(sync);
+      spec.type = type;
+      spec.sync_type = sync;
+      specs.push_back(spec);
+    }
+    addGroup(builder, {}, specs, 0);
+    const Described described(builder);
+    const Channel* master = described.group().masterChannel();
+    return master == nullptr ? "none" : std::string(master->name);
+  };
+  EXPECT_EQ(masterOf({{0, 1}, {2, 4}, {2, 2}, {3, 1}}), "3:1");
+  EXPECT_EQ(masterOf({{2, 3}, {2, 3}}), "2:3");
+  EXPECT_EQ(masterOf({{0, 1}, {6, 1}}), "none");
+}
+
+TEST(Description, ALinkToAnotherTypeEndsItsChain) {
+  FileBuilder builder;
+  const auto text = builder.text("no channel");
+  ChannelSpec spec;
+  spec.name = "one";
+  const auto group = addGroup(builder, {}, {spec}, 0);
+  const Described healthy(builder);
+  const auto channel = healthy.group().channels.at(0).offset;
+  builder.link(channel, 0, text);
+  builder.link(group, 0, 100001);
+  const Described described(builder);
+  EXPECT_EQ(described.findings,
+            std::to_string(channel) + ": expected a link to a new block \"##CN\" at " +
+                mdf_tools::decimalAndHex(text) + ", found none\n" + std::to_string(group) +
+                ": expected a link to a new block \"##CG\" at 100001 (0x186a1), found none\n");
+  EXPECT_EQ(outline(described.group()), "one/0 ");
+}
+
+TEST(Description, CyclesAreTakenInOnce) {
+  FileBuilder builder;
+  ChannelSpec spec;
+  spec.name = "a";
+  const auto first = addChannel(builder, spec);
+  spec.name = "b";
+  spec.composition = first;
+  const auto second = addChannel(builder, spec);
+  chain(builder, {first, second, first});
+  const auto group = addGroup(builder, {}, {}, 0);
+  builder.link(group, 1, first);
+  builder.link(group, 0, group);
+  const Described described(builder);
+  EXPECT_EQ(outline(described.group()), "a/0 b/0 ");
+  const std::string again = "found one that was there before\n";
+  std::size_t count = 0;
+  for (std::size_t at = described.findings.find(again); at != std::string::npos;
+       at = described.findings.find(again, at + 1)) {
+    ++count;
+  }
+  EXPECT_EQ(count, 3U) << described.findings;
+}
+
+TEST(Description, DeepNestingNeedsNoDeepStack) {
+  FileBuilder builder;
+  std::uint64_t below = 0;
+  for (int depth = 0; depth < 200000; ++depth) {
+    below = builder.add("CN", {0, below, 0, 0, 0, 0, 0, 0}, Bytes().zeros(72));
+  }
+  const auto group = addGroup(builder, {}, {}, 0);
+  builder.link(group, 1, below);
+  const Described described(builder);
+  EXPECT_EQ(described.findings, "");
+  EXPECT_EQ(described.group().channels.size(), 200000U);
+  EXPECT_EQ(described.group().channels.back().depth, 199999U);
+}
+
+TEST(Description, BlocksThatAreCutOffAreReported) {
+  FileBuilder builder;
+  const auto group = builder.add("DG", {0, 0, 0}, {});
+  builder.link(64, 0, group);
+  EXPECT_EQ(Described(builder).findings,
+            std::to_string(group) +
+                ": expected all links and fields of ##DG, found a length of 48 and 3 links\n");
+}
+
+TEST(Description, NoHeaderBlock) {
+  const TempFile temp(std::string(200, 'x'));
+  InputFile file(temp.path());
+  std::string findings;
+  const Measurement measurement =
+      readMeasurement(file, [&](const Finding& finding) { findings += finding.sentence; });
+  EXPECT_EQ(findings, "expected a link to a new block \"##HD\" at 64 (0x40), found none");
+  EXPECT_TRUE(measurement.data_groups.empty());
+}
+
+TEST(ChainOf, EndsAtACycle) {
+  FileBuilder builder;
+  const auto first = builder.add("FH", {0, 0}, Bytes().zeros(16));
+  const auto second = builder.add("FH", {first, 0}, Bytes().zeros(16));
+  builder.link(first, 0, second);
+  const TempFile temp(builder.bytes());
+  InputFile file(temp.path());
+  std::string findings;
+  const auto report = [&](const Finding& finding) {
+    findings += std::to_string(finding.offset) + ": " + finding.sentence + '\n';
+  };
+  EXPECT_EQ(chainOf(file, first, "FH", report), (std::vector<std::uint64_t>{first, second}));
+  EXPECT_EQ(findings, std::to_string(second) + ": expected a link to a new block \"##FH\" at " +
+                          mdf_tools::decimalAndHex(first) + ", found one that was there before\n");
+  EXPECT_TRUE(chainOf(file, 0, "FH", report).empty());
+}
+
+TEST(ReadSource, AllOfIt) {
+  FileBuilder builder;
+  const auto source = addSource(builder, "engine", "ECU.engine", 1, 2);
+  builder.write(source + 24 + 24 + 2, "\x01");
+  const TempFile temp(builder.bytes());
+  InputFile file(temp.path());
+  Texts texts;
+  const auto read = readSource(file, source, texts);
+  EXPECT_EQ(read.name, "engine");
+  EXPECT_EQ(read.path, "ECU.engine");
+  EXPECT_EQ(read.type, 1U);
+  EXPECT_EQ(read.bus_type, 2U);
+  EXPECT_TRUE(read.is_simulated);
+  EXPECT_EQ(readSource(file, 0, texts).name, "");
+}
+
+}  // namespace
