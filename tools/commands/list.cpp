@@ -41,6 +41,7 @@ void addList(CLI::App& list_command, const ListKind& kind, int& exit_code) {
   const bool has_groups = kind.list == listChannels;
   if (has_groups) {
     command->add_option("--group", options->group, "Only the channel group with this index")
+        ->check(CLI::NonNegativeNumber)
         ->type_name("N");
   }
   if (kind.list != listBlocks) {

@@ -123,6 +123,17 @@ class ChannelLister {
   ChannelLister(InputFile& file, Texts& texts, EntryList& entries)
       : file_(file), texts_(texts), entries_(entries) {}
 
+  void addChosen(const ChannelGroup& group, const ListOptions& options) {
+    for (const Channel& channel : group.channels) {
+      if (isNamedSo(channel.name, options) && isOfType(channelTypeName(channel.type), options)) {
+        add(group, channel);
+      }
+    }
+  }
+
+ private:
+  static constexpr std::size_t comment_width = 60;
+
   void add(const ChannelGroup& group, const Channel& channel) {
     const std::string conversion = conversionName(channel);
     const Source source = readSource(file_, channel.source, texts_);
@@ -154,9 +165,6 @@ class ChannelLister {
          {"comment", channel.comment},
          {"offset", channel.offset}});
   }
-
- private:
-  static constexpr std::size_t comment_width = 60;
 
   std::string conversionName(const Channel& channel) {
     const auto block = readFields(file_, channel.conversion, "CC");
@@ -238,17 +246,18 @@ void listChannels(InputFile& file, const ListOptions& options, std::ostream& out
   const Measurement measurement = readMeasurement(file, report);
   EntryList entries(channelTable(), options);
   ChannelLister lister(file, *measurement.texts, entries);
+  std::size_t group_count = 0;
   for (const DataGroup& data_group : measurement.data_groups) {
+    group_count += data_group.groups.size();
     for (const ChannelGroup& group : data_group.groups) {
-      if (options.group && *options.group != group.index) {
-        continue;
-      }
-      for (const Channel& channel : group.channels) {
-        if (isNamedSo(channel.name, options) && isOfType(channelTypeName(channel.type), options)) {
-          lister.add(group, channel);
-        }
+      if (!options.group || *options.group == group.index) {
+        lister.addChosen(group, options);
       }
     }
+  }
+  if (options.group && *options.group >= group_count) {
+    report({header_block_offset, "expected a channel group " + std::to_string(*options.group) +
+                                     ", found " + std::to_string(group_count) + " from 0 on"});
   }
   entries.print(out);
 }

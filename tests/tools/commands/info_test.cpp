@@ -1,0 +1,208 @@
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "support/bytes.h"
+#include "tools/support/attachment_blocks.h"
+#include "tools/support/measurement_blocks.h"
+#include "tools/support/program.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+using nlohmann::json;
+
+namespace {
+
+/// Two groups: ten records over time from a conversion, and one without a master channel.
+FileBuilder twoGroups() {
+  FileBuilder file;
+  file.write(64 + 72, Bytes().u64(1'600'000'000'000'000'000).i16(60).i16(60).u8s({2, 10}));
+  file.link(64, 5, file.metadata("<HDcomment><TX>a drive</TX></HDcomment>"));
+  const auto source = addSource(file, "engine", "ECU.engine", 1, 2);
+  const auto scale = addConversion(file, {1, {}, {0, 0.5}, "s", ""});
+  ChannelSpec time;
+  time.name = "t";
+  time.type = 3;
+  time.sync_type = 1;
+  time.conversion = scale;
+  time.bit_count = 0;
+  ChannelSpec speed;
+  speed.name = "speed";
+  GroupSpec group;
+  group.name = "fast";
+  group.cycles = 11;
+  group.data_bytes = 1;
+  group.source = source;
+  const auto first = addGroup(file, group, {time, speed}, 0);
+  group.name = "";
+  group.source = 0;
+  group.cycles = 3;
+  const auto second = addChannelGroup(file, group);
+  const auto data_group = addDataGroup(file, 0, 0);
+  file.link(data_group, 1, second);
+  file.link(first + 104, 0, data_group);  // the first data group stands behind its channel group
+  return file;
+}
+
+TEST(InfoCommand, APageOfEverything) {
+  FileBuilder file = twoGroups();
+  const auto attachment = addAttachment(file, {"a", "", 1, std::string(16, '\0'), 3, "abc"});
+  file.link(64, 3, attachment);
+  file.append("12345");
+  const TempFile temp(file.bytes());
+  const RunResult result = run({"info", temp.path()});
+  EXPECT_EQ(result.messages, "");
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(
+      result.output,
+      "File:      " + temp.path() + ", " + std::to_string(file.bytes().size()) +
+          " bytes\n"
+          "Format:    \"MDF\" version \"4.10\" (410), written by \"testprog\"\n"
+          "State:     finished\n"
+          "Start:     2020-09-13 12:26:40 UTC, 2020-09-13 14:26:40 local time (+02:00), clock: "
+          "external source\n"
+          "Duration:  5 s\n"
+          "Comment:   a drive\n"
+          "Contents:  2 data groups, 2 channel groups, 2 channels, 1 attachment, 0 events, 0 "
+          "hierarchy entries, 0 history entries\n"
+          "\n"
+          "group  data  name  source             records  rate  record bytes  channels\n"
+          "    0     0  fast  engine ECU.engine       11  2/s              1         2\n"
+          "    1     1                                 3                   1         0\n"
+          "\n"
+          "type  blocks  bytes\n"
+          "AT         1     99  attachment\n"
+          "CC         1     96  conversion\n"
+          "CG         2    208  channel group\n"
+          "CN         2    320  channel\n"
+          "DG         2    128  data group\n"
+          "HD         1    104  header\n"
+          "MD         1     64  metadata\n"
+          "SI         1     56  source\n"
+          "TX         7    203  text\n"
+          "                 34  outside blocks\n");
+}
+
+TEST(InfoCommand, UnfinishedFilesSayWhatIsOpen) {
+  FileBuilder file("UnFinMF ", 411);
+  file.write(60, Bytes().u16(0x7F).u16(3));
+  const TempFile temp(file.bytes());
+  const RunResult result = run({"info", temp.path()});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(
+      result.output,
+      "File:      " + temp.path() +
+          ", 168 bytes\n"
+          "Format:    \"UnFinMF\" version \"4.11\" (411), written by \"testprog\"\n"
+          "State:     unfinished, still open: cycle counts of channel groups, cycle counts of "
+          "sample reductions, length of the last data block, length of the last reduction "
+          "data block, last data list, data bytes of variable-length groups, offsets of "
+          "variable-length channels; custom flags 3\n"
+          "Start:     not stated, clock: local PC\n"
+          "Duration:  not stated\n"
+          "Contents:  0 data groups, 0 channel groups, 0 channels, 0 attachments, 0 events, 0 "
+          "hierarchy entries, 0 history entries\n"
+          "\n"
+          "type  blocks  bytes\n"
+          "HD         1    104  header\n"
+          "                  0  outside blocks\n");
+}
+
+TEST(InfoCommand, TheMastersRangeGivesDurationAndRate) {
+  FileBuilder file;
+  ChannelSpec time;
+  time.name = "t";
+  time.type = 2;
+  time.sync_type = 1;
+  time.unit = "s";
+  time.flags = 8;
+  time.range_min = 1;
+  time.range_max = 21;
+  GroupSpec group;
+  group.cycles = 201;
+  group.data_bytes = 8;
+  addGroup(file, group, {time}, 0);
+  const TempFile temp(file.bytes());
+  const json document = json::parse(run({"info", "--json", temp.path()}).output);
+  EXPECT_EQ(document["files"][0]["duration"], 20);
+  EXPECT_EQ(document["files"][0]["groups"][0]["rate"], 10);
+  EXPECT_EQ(document["files"][0]["groups"][0]["master_unit"], "s");
+}
+
+TEST(InfoCommand, JsonOfEverything) {
+  const FileBuilder file = twoGroups();
+  const TempFile temp(file.bytes());
+  const RunResult result = run({"info", "--json", temp.path()});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.messages, "");
+  json expected = json::parse(R"({
+    "schema": 1,
+    "files": [{
+      "identifier": "MDF", "version": 410, "version_text": "4.10", "program": "testprog",
+      "finished": true, "still_open": [],
+      "start": {"stored": 1600000000000000000, "unit": "ns", "utc": "2020-09-13 12:26:40",
+                "local": "2020-09-13 14:26:40", "zone": "+02:00", "class": "external source"},
+      "duration": 5.0, "comment": "a drive", "data_groups": 2, "channels": 2, "attachments": 0,
+      "events": 0, "hierarchy_entries": 0, "history_entries": 0,
+      "groups": [{"group": 0, "data_group": 0, "name": "fast", "source": "engine ECU.engine",
+                  "comment": "", "records": 11, "record_bytes": 1, "variable_length": false,
+                  "channels": 2, "extent": 5.0, "rate": 2.0, "master_unit": "s"},
+                 {"group": 1, "data_group": 1, "name": "", "source": "", "comment": "",
+                  "records": 3, "record_bytes": 1, "variable_length": false, "channels": 0,
+                  "extent": null, "rate": null, "master_unit": ""}],
+      "blocks": {"CC": {"blocks": 1, "bytes": 96}, "CG": {"blocks": 2, "bytes": 208},
+                 "CN": {"blocks": 2, "bytes": 320}, "DG": {"blocks": 2, "bytes": 128},
+                 "HD": {"blocks": 1, "bytes": 104}, "MD": {"blocks": 1, "bytes": 64},
+                 "SI": {"blocks": 1, "bytes": 56}, "TX": {"blocks": 6, "bytes": 177}}
+    }]
+  })");
+  json document = json::parse(result.output);
+  json& actual = document["files"][0];
+  EXPECT_EQ(actual["file"], temp.path());
+  EXPECT_EQ(actual["bytes"], file.bytes().size());
+  EXPECT_EQ(actual["bytes_outside_blocks"], 23);
+  actual.erase("file");
+  actual.erase("bytes");
+  actual.erase("bytes_outside_blocks");
+  for (json& group : actual["groups"]) {
+    EXPECT_GT(group["offset"], 168);
+    group.erase("offset");
+  }
+  EXPECT_EQ(document, expected) << result.output;
+}
+
+TEST(InfoCommand, SeveralFilesAndOneThatIsNotThere) {
+  const TempFile one(FileBuilder().bytes());
+  const RunResult result = run({"info", one.path(), "/nowhere/a.mf4", one.path()});
+  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.messages, "mdf: cannot open /nowhere/a.mf4: No such file or directory\n");
+  EXPECT_NE(result.output.find("outside blocks\n\nFile:"), std::string::npos);
+  const json document =
+      json::parse(run({"info", "--json", one.path(), "/nowhere/a.mf4", one.path()}).output);
+  EXPECT_EQ(document["files"].size(), 2U);
+}
+
+TEST(InfoCommand, WhatIsNoMeasurementFileIsAProblem) {
+  const TempFile temp(std::string("hello\n"));
+  const RunResult result = run({"info", temp.path()});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_NE(result.messages.find("expected 64 bytes of identification"), std::string::npos);
+}
+
+TEST(InfoCommand, BytesThatAreNoUtf8StayOutOfJson) {
+  FileBuilder file;
+  file.link(64, 5, file.text("\xFF\xFE"));
+  const TempFile temp(file.bytes());
+  const json document = json::parse(run({"info", "--json", temp.path()}).output);
+  EXPECT_EQ(document["files"][0]["comment"], "\xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
+TEST(InfoCommand, Help) {
+  const RunResult result = run({"info", "--help"});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_NE(result.output.find("Examples:\n  mdf info trip.mf4"), std::string::npos);
+  EXPECT_EQ(run({"info"}).exit_code, 2);
+}
+
+}  // namespace

@@ -1,0 +1,239 @@
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "support/bytes.h"
+#include "tools/support/attachment_blocks.h"
+#include "tools/support/measurement_blocks.h"
+#include "tools/support/program.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+using nlohmann::json;
+
+namespace {
+
+/// One group with a master, a scaled channel and a structure with one member.
+FileBuilder threeChannels() {
+  FileBuilder file;
+  ChannelSpec time;
+  time.name = "t";
+  time.type = 2;
+  time.sync_type = 1;
+  time.data_type = 4;
+  time.bit_count = 64;
+  time.unit = "s";
+  ChannelSpec speed;
+  speed.name = "speed";
+  speed.data_type = 3;
+  speed.byte_offset = 8;
+  speed.bit_offset = 3;
+  speed.bit_count = 12;
+  speed.source = addSource(file, "engine", "", 1, 2);
+  speed.conversion = addConversion(file, {1, {}, {0, 0.5}, "km/h", ""});
+  speed.comment = "of the car";
+  ChannelSpec member;
+  member.name = "inner";
+  member.byte_offset = 10;
+  ChannelSpec outer;
+  outer.name = "outer";
+  outer.data_type = 10;
+  outer.byte_offset = 10;
+  outer.bit_count = 16;
+  outer.composition = addChannel(file, member);
+  GroupSpec group;
+  group.cycles = 5;
+  group.data_bytes = 12;
+  addGroup(file, group, {time, speed, outer}, 0);
+  return file;
+}
+
+std::string listed(const FileBuilder& file, std::vector<std::string> arguments) {
+  const TempFile temp(file.bytes());
+  arguments.insert(arguments.begin(), "list");
+  arguments.push_back(temp.path());
+  const RunResult result = run(arguments);
+  EXPECT_EQ(result.messages, "");
+  EXPECT_EQ(result.exit_code, 0);
+  return result.output;
+}
+
+std::vector<json> lines(const std::string& output) {
+  std::istringstream is(output);
+  std::vector<json> objects;
+  for (std::string line; std::getline(is, line);) {
+    objects.push_back(json::parse(line));
+  }
+  return objects;
+}
+
+const char* const channel_titles =
+    "group  name     unit  kind    sync  data       bits    at  conversion  records  source  "
+    "comment\n";
+
+TEST(ListCommand, Channels) {
+  EXPECT_EQ(listed(threeChannels(), {"channels"}),
+            std::string(channel_titles) +
+                "    0  t        s     master  time  real LE      64   0.0                    5\n"
+                "    0  speed    km/h  fixed   none  int BE       12   8.3  linear            5  "
+                "engine  of the car\n"
+                "    0  outer          fixed   none  structure    16  10.0                    5\n"
+                "    0    inner        fixed   none  uint LE       8  10.0                    5\n");
+}
+
+TEST(ListCommand, ChannelsChosenAndSorted) {
+  const FileBuilder file = threeChannels();
+  const auto names = [&](std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "channels");
+    arguments.emplace_back("--json");
+    std::string text;
+    for (const json& channel : lines(listed(file, arguments))) {
+      text += channel["name"].get<std::string>() + ' ';
+    }
+    return text;
+  };
+  EXPECT_EQ(names({"--name", "*e*"}), "speed outer inner ");
+  EXPECT_EQ(names({"--name", "speed"}), "speed ");
+  EXPECT_EQ(names({"--type", "master"}), "t ");
+  EXPECT_EQ(names({"--type", "master,virtual"}), "t ");
+  EXPECT_EQ(names({"--group", "0"}), "t speed outer inner ");
+  EXPECT_EQ(names({"--sort", "name"}), "inner outer speed t ");
+  EXPECT_EQ(names({"--sort", "bits"}), "inner speed outer t ");
+}
+
+TEST(ListCommand, AGroupThatIsNotThereIsReported) {
+  const TempFile temp(threeChannels().bytes());
+  const RunResult result = run({"list", "channels", "--group", "1", temp.path()});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.messages,
+            "mdf: " + temp.path() + ": 64 (0x40): expected a channel group 1, found 1 from 0 on\n");
+}
+
+TEST(ListCommand, ChannelsAsJson) {
+  const std::vector<json> channels = lines(listed(threeChannels(), {"channels", "--json"}));
+  ASSERT_EQ(channels.size(), 4U);
+  json speed = channels[1];
+  EXPECT_GT(speed["offset"], 168);
+  speed.erase("offset");
+  EXPECT_EQ(speed, json::parse(R"({
+    "schema": 1, "group": 0, "name": "speed", "unit": "km/h", "type": 0, "type_name": "fixed",
+    "sync_type": 0, "data_type": 3, "data_type_name": "int BE", "bit_offset": 3, "byte_offset": 8,
+    "bit_count": 12, "flags": 0, "dimensions": [], "depth": 0, "cycles": 5, "conversion": "linear",
+    "source": "engine", "comment": "of the car"})"));
+  EXPECT_EQ(channels[3]["depth"], 1);
+}
+
+TEST(ListCommand, BlocksInFileOrder) {
+  FileBuilder file;
+  const auto last = file.text("end");
+  file.link(64, 5, last);
+  EXPECT_EQ(listed(file, {"blocks"}),
+            "offset  type  length  links\n"
+            "    64  HD       104  6\n"
+            "   168  TX        28  0\n");
+  EXPECT_EQ(listed(file, {"blocks", "--type", "TX,MD"}),
+            "offset  type  length  links\n"
+            "   168  TX        28  0\n");
+  EXPECT_EQ(listed(file, {"blocks", "--sort", "length"}),
+            "offset  type  length  links\n"
+            "   168  TX        28  0\n"
+            "    64  HD       104  6\n");
+  EXPECT_EQ(
+      listed(file, {"blocks", "--json"}),
+      "{\"schema\":1,\"offset\":64,\"type\":\"HD\",\"length\":104,\"links\":[0,0,0,0,0,168]}\n"
+      "{\"schema\":1,\"offset\":168,\"type\":\"TX\",\"length\":28,\"links\":[]}\n");
+}
+
+TEST(ListCommand, BlocksOfUnknownTypesAndLinksThatAreThere) {
+  FileBuilder file;
+  const auto list = file.add("HL", {0}, Bytes().zeros(8));
+  file.write(list + 16, Bytes().u64(0));
+  const auto unknown = file.add("XX", {list}, {});
+  file.link(64, 0, unknown);
+  EXPECT_EQ(
+      listed(file, {"blocks", "--json", "--sort", "type"}),
+      "{\"schema\":1,\"offset\":64,\"type\":\"HD\",\"length\":104,\"links\":[208,0,0,0,0,0]}\n"
+      "{\"schema\":1,\"offset\":168,\"type\":\"HL\",\"length\":40,\"links\":[0]}\n"
+      "{\"schema\":1,\"offset\":208,\"type\":\"XX\",\"length\":32,\"links\":[168]}\n");
+}
+
+TEST(ListCommand, Attachments) {
+  FileBuilder file;
+  const auto first = addAttachment(file, {"a.txt", "text/plain", 7, digestOfAbc(), 3, zippedAbc()});
+  const auto second = addAttachment(file, {"b.bin", "", 0, std::string(16, '\0'), 0, ""});
+  const auto third = addAttachment(file, {"c.bin", "", 1, std::string(16, '\0'), 3, "abc"});
+  chain(file, {first, second, third});
+  file.link(64, 3, first);
+  EXPECT_EQ(listed(file, {"attachments"}),
+            "offset  name   kind        bytes  stored      digest                            "
+            "comment\n"
+            "   240  a.txt  text/plain      3  compressed  900150983cd24fb0d6963f7d28e17f72\n"
+            "   384  b.bin                  0  elsewhere\n"
+            "   512  c.bin                  3  plain\n");
+  EXPECT_EQ(lines(listed(file, {"attachments", "--json", "--type", "text/plain"})),
+            (std::vector<json>{json::parse(R"({
+    "schema": 1, "offset": 240, "name": "a.txt", "mime_type": "text/plain", "original_size": 3,
+    "embedded_size": 14, "embedded": true, "compressed": true,
+    "md5": "900150983cd24fb0d6963f7d28e17f72", "comment": ""})")}));
+}
+
+TEST(ListCommand, Events) {
+  FileBuilder file;
+  const auto name = file.text("lap");
+  const auto late =
+      file.add("EV", {0, 0, 0, name, 0},
+               Bytes().u8s({6, 1, 0, 4, 0, 0, 0, 0}).u32(0).u16(0).u16(0).i64(250).f64(0.01));
+  const auto early =
+      file.add("EV", {0, 0, 0, 0, 0},
+               Bytes().u8s({5, 1, 1, 1, 1, 0, 0, 0}).u32(2).u16(1).u16(0).i64(-1).f64(1));
+  chain(file, {late, early});
+  file.link(64, 4, late);
+  EXPECT_EQ(listed(file, {"events"}),
+            "offset  position  unit  kind     range  cause  name  comment\n"
+            "   200       2.5  s     marker   point  user   lap\n"
+            "   296        -1  s     trigger  begin  error\n");
+  EXPECT_EQ(lines(listed(file, {"events", "--json", "--sort", "position"}))[0], json::parse(R"({
+    "schema": 1, "offset": 296, "position": -1.0, "unit": "s", "type": 5, "type_name": "trigger",
+    "range_type": 1, "cause": 1, "flags": 1, "name": "", "comment": "", "scopes": 2,
+    "attachments": 1})"));
+  EXPECT_EQ(lines(listed(file, {"events", "--json", "--type", "marker", "--name", "l*"})).size(),
+            1U);
+}
+
+TEST(ListCommand, SeveralFilesAreNamed) {
+  const TempFile one(FileBuilder().bytes());
+  const TempFile two(FileBuilder().bytes());
+  const RunResult text = run({"list", "blocks", one.path(), two.path()});
+  EXPECT_EQ(text.output, one.path() + ":\noffset  type  length  links\n    64  HD       104  6\n" +
+                             two.path() +
+                             ":\noffset  type  length  links\n    64  HD       104  6\n");
+  const auto objects = lines(run({"list", "blocks", "--json", one.path(), two.path()}).output);
+  ASSERT_EQ(objects.size(), 2U);
+  EXPECT_EQ(objects[1]["file"], two.path());
+}
+
+TEST(ListCommand, WrongArguments) {
+  const TempFile temp(FileBuilder().bytes());
+  EXPECT_EQ(run({"list"}).exit_code, 2);
+  EXPECT_EQ(run({"list", "wheels", temp.path()}).exit_code, 2);
+  EXPECT_EQ(run({"list", "blocks", "--sort", "colour", temp.path()}).exit_code, 2);
+  EXPECT_EQ(run({"list", "blocks", "--group", "1", temp.path()}).exit_code, 2);
+  EXPECT_EQ(run({"list", "channels", "--group", "-1", temp.path()}).exit_code, 2);
+}
+
+TEST(ListCommand, ProblemsGoToStandardError) {
+  FileBuilder file;
+  file.link(64, 0, 100001);
+  const TempFile temp(file.bytes());
+  const RunResult result = run({"list", "blocks", temp.path()});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.messages, "mdf: " + temp.path() +
+                                 ": 64 (0x40): expected link 0 of ##HD to lead into the file of "
+                                 "168 bytes, found 100001 (0x186a1)\n");
+  EXPECT_EQ(result.output, "offset  type  length  links\n    64  HD       104  6\n");
+}
+
+}  // namespace

@@ -1,0 +1,96 @@
+#include "showing/table.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+using mdf_tools::onOneLine;
+using mdf_tools::shownWidth;
+using mdf_tools::Table;
+
+namespace {
+
+std::string printed(const Table& table) {
+  std::ostringstream os;
+  table.print(os);
+  return os.str();
+}
+
+Table fruits() {
+  Table table({{"name"}, {"count", Table::Align::right}, {"note"}});
+  table.add({"pear", "10", ""}, "line of pears");
+  table.add({"fig", "9", "ripe"}, "line of figs");
+  table.add({"Apfel", "100", "gr\xC3\xBCn"}, "line of apples");
+  return table;
+}
+
+TEST(Table, AlignsColumnsAndLeavesNothingBehindALine) {
+  EXPECT_EQ(printed(fruits()),
+            "name   count  note\n"
+            "pear      10\n"
+            "fig        9  ripe\n"
+            "Apfel    100  gr\xC3\xBCn\n");
+}
+
+TEST(Table, WidthsCountCharacters) {
+  Table table({{"a"}, {"b"}});
+  table.add({"\xC3\xB6\xC3\xB6", "x"});
+  table.add({"ooo", "y"});
+  EXPECT_EQ(printed(table),
+            "a    b\n"
+            "\xC3\xB6\xC3\xB6   x\n"
+            "ooo  y\n");
+}
+
+TEST(Table, EmptyCellsKeepTheirPlace) {
+  Table table({{"a"}, {"b", Table::Align::right}, {"c"}});
+  table.add({"", "", "x"});
+  table.add({"", "1", ""});
+  EXPECT_EQ(printed(table),
+            "a  b  c\n"
+            "      x\n"
+            "   1\n");
+}
+
+TEST(Table, SortsByTextAndByNumber) {
+  Table table = fruits();
+  table.sortBy("name");
+  EXPECT_EQ(printed(table).find("Apfel"), 19U);
+  table.sortBy("count");
+  std::ostringstream os;
+  table.printRests(os);
+  EXPECT_EQ(os.str(), "line of figs\nline of pears\nline of apples\n");
+  table.sortBy("none");
+  table.sortBy("");
+  std::ostringstream same;
+  table.printRests(same);
+  EXPECT_EQ(same.str(), os.str());
+}
+
+TEST(Table, WithoutRowsItIsItsTitles) {
+  EXPECT_EQ(printed(Table({{"a"}, {"b"}})), "a  b\n");
+  EXPECT_TRUE(Table({{"a"}}).isEmpty());
+  EXPECT_FALSE(fruits().isEmpty());
+}
+
+TEST(Table, CellsStayOnTheirLine) {
+  Table table({{"a"}});
+  table.add({"x\ny\x1B[1m"});
+  EXPECT_EQ(printed(table), "a\nx y [1m\n");
+}
+
+TEST(ShownWidth, CountsCharacters) {
+  EXPECT_EQ(shownWidth(""), 0U);
+  EXPECT_EQ(shownWidth("abc"), 3U);
+  EXPECT_EQ(shownWidth("\xE2\x82\xAC\xC3\xB6"), 2U);
+}
+
+TEST(OnOneLine, CutsBetweenCharacters) {
+  EXPECT_EQ(onOneLine("a\tb"), "a b");
+  EXPECT_EQ(onOneLine("abcdef", 6), "abcdef");
+  EXPECT_EQ(onOneLine("abcdefg", 6), "abc...");
+  EXPECT_EQ(onOneLine("\xC3\xB6\xC3\xB6\xC3\xB6\xC3\xB6\xC3\xB6", 4), "\xC3\xB6...");
+}
+
+}  // namespace
