@@ -53,6 +53,7 @@ void Recorder::append(double seconds, const std::vector<UINT64>& values) {
   for (std::size_t i = 0; i < values.size(); ++i) {
     put(values[i], channels_[i + 1].bytes);
   }
+  times_ = TimeRange{times_ ? times_->first : seconds, seconds};
   ++records_;
   if (batch_.size() >= batch_bytes || seconds >= last_flush_ + flush_interval_) {
     flush();
@@ -82,12 +83,14 @@ void Recorder::finish() {
 }
 
 bool Recorder::complete() {
-  return file_.rewrite([this](std::ostream& os) { blocks_.finish(os, records_); }) && file_.close();
+  return file_.rewrite([this](std::ostream& os) { blocks_.finish(os, records_, times_); }) &&
+         file_.close();
 }
 
 void Recorder::keepWhatIsWritten() {
   const std::string failure = cannotWrite(file_);
   const UINT64 size = std::max(file_.size(), blocks_.size());
+  times_.reset();  // of the last record that is kept
   records_ = std::min(records_, (size - blocks_.size()) / blocks_.recordBytes());
   const bool kept = file_.cutTo(blocks_.size() + records_ * blocks_.recordBytes()) && complete();
   throw RecordingFailure(failure + (kept ? count(records_) + " before that make a complete file"

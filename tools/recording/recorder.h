@@ -1,6 +1,7 @@
 #ifndef MDF_TOOLS_RECORDING_RECORDER_H_
 #define MDF_TOOLS_RECORDING_RECORDER_H_
 
+#include <optional>
 #include <stdexcept>
 #include <vector>
 
@@ -53,6 +54,7 @@ class Recorder {
   RecordingBlocks blocks_;
   std::vector<char> batch_;  ///< records that are not in the file yet
   mdf_v4_10::UINT64 records_ = 0;
+  std::optional<TimeRange> times_;  ///< of the first and the last record, as far as they are known
   double flush_interval_;
   double last_flush_ = 0;
 };

@@ -125,12 +125,20 @@ LINK RecordingBlocks::addText(const std::string& text) {
   return text_links_[text] = plan_.add(texts_.back());
 }
 
-void RecordingBlocks::finish(std::ostream& os, UINT64 records) {
+void RecordingBlocks::finish(std::ostream& os, UINT64 records,
+                             const std::optional<TimeRange>& times) {
   HeaderSection data_header = data_.header;
   data_header.setLength(DTBLOCK::DTBLOCK_CONSTANT_SIZE + records * recordBytes());
   rewrite(os, data_at_, data_header);
   group_.setCycleCount(records);
   rewrite(os, group_at_, group_);
+  if (times) {
+    CNBLOCK& time = channels_.front();
+    time.setValueRangeValidFlag(true);
+    time.setValueRangeMin(times->first);
+    time.setValueRangeMax(times->last);
+    rewrite(os, group_.getFirstCnblock(), time);
+  }
   rewrite(os, 0, identification());
 }
 

@@ -4,6 +4,7 @@
 #include <deque>
 #include <iosfwd>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,12 @@ struct RecordingInfo {
   std::string title;         ///< what was recorded
   std::string change;        ///< what was done to the file, for its history
   std::string tool_version;  ///< of this program
+};
+
+/// Times of the first and the last record, in seconds.
+struct TimeRange {
+  double first;
+  double last;
 };
 
 /// The blocks of a recording: everything that describes it, and last in the file, where it can
@@ -45,8 +52,10 @@ class RecordingBlocks {
   /// Writes all blocks, without records and unfinished.
   void write(std::ostream& os) const { plan_.write(os); }
 
-  /// Rewrites in place what depends on the number of records, and last of all the identification.
-  void finish(std::ostream& os, mdf_v4_10::UINT64 records);
+  /// Rewrites in place what depends on the records, and last of all the identification. Their
+  /// times, if they are known, become the value range of the time channel, so that programs can
+  /// tell the duration without reading the records.
+  void finish(std::ostream& os, mdf_v4_10::UINT64 records, const std::optional<TimeRange>& times);
 
  private:
   void addFrame(const RecordingInfo& info);

@@ -33,8 +33,9 @@ std::string recordBytes(unsigned number) {
       .u64(0x0102030405060700U + number);
 }
 
-/// The bytes of a finished recording with so many records.
-std::string finishedFile(unsigned records) {
+/// The bytes of a finished recording with so many records, which says when they were taken unless
+/// it has been cut.
+std::string finishedFile(unsigned records, bool is_cut = false) {
   std::vector<Signal> channels = {float64Signal("time", "s")};
   channels.insert(channels.end(), signals.begin(), signals.end());
   RecordingBlocks blocks(channels, info);
@@ -43,7 +44,9 @@ std::string finishedFile(unsigned records) {
   for (unsigned i = 0; i < records; ++i) {
     os << recordBytes(i);
   }
-  blocks.finish(os, records);
+  const bool has_times = records > 0 && !is_cut;
+  blocks.finish(os, records,
+                has_times ? std::make_optional(TimeRange{0, records - 1.0}) : std::nullopt);
   return os.str();
 }
 
@@ -147,7 +150,7 @@ void expectCutRecording(const ScratchFolder& folder, std::uint64_t limit, double
   const auto kept = static_cast<unsigned>((limit - description_bytes) / record_bytes);
   const std::string records = kept == 1 ? "1 record" : std::to_string(kept) + " records";
   EXPECT_EQ(message, beginning + records + " before that make a complete file");
-  EXPECT_TRUE(bytesOf(path) == finishedFile(kept));
+  EXPECT_TRUE(bytesOf(path) == finishedFile(kept, true));
   fs::remove(path);
 }
 

@@ -95,7 +95,8 @@ std::string groups(std::uint64_t cycle_count) {
 }
 
 std::string channel(std::initializer_list<std::int64_t> links, std::initializer_list<int> types,
-                    std::uint32_t byte_offset, std::uint32_t bit_count, std::uint32_t flags) {
+                    std::uint32_t byte_offset, std::uint32_t bit_count, std::uint32_t flags,
+                    double range_min = 0, double range_max = 0) {
   return Bytes()
       .header("CN", 160, 8)
       .links(links)
@@ -106,19 +107,24 @@ std::string channel(std::initializer_list<std::int64_t> links, std::initializer_
       .u32(0)
       .u8(255)
       .zeros(3)
-      .zeros(48);
+      .f64(range_min)
+      .f64(range_max)
+      .zeros(32);
 }
 
-std::string channelChain() {
-  constexpr std::uint32_t monotonous = 2048;
-  return channel({1080, 0, 560, 0, 0, 0, 592, 0}, {2, 1, 4, 0}, 0, 64, monotonous) +
+constexpr std::uint32_t monotonous = 2048;
+constexpr std::uint32_t value_range_valid = 8;
+
+std::string channelChain(std::uint32_t time_flags, double first, double last) {
+  return channel({1080, 0, 560, 0, 0, 0, 592, 0}, {2, 1, 4, 0}, 0, 64, time_flags, first, last) +
          channel({1240, 0, 624, 0, 0, 0, 656, 0}, {0, 0, 4, 0}, 8, 32, 0) +
          channel({1400, 0, 688, 0, 0, 0, 0, 0}, {0, 0, 0, 0}, 12, 64, 0) +
          channel({0, 0, 720, 0, 0, 0, 656, 0}, {0, 0, 4, 0}, 20, 32, 0);
 }
 
-std::string wholeFile(const std::string& id, std::uint64_t cycle_count, const std::string& data) {
-  return id + frame() + texts() + groups(cycle_count) + channelChain() +
+std::string wholeFile(const std::string& id, std::uint64_t cycle_count, const std::string& data,
+                      std::uint32_t time_flags = monotonous, double first = 0, double last = 0) {
+  return id + frame() + texts() + groups(cycle_count) + channelChain(time_flags, first, last) +
          Bytes().header("DT", 24 + cycle_count * 24, 0).str() + data;
 }
 
@@ -137,7 +143,18 @@ TEST(RecordingBlocks, FinishedFileHasTheNumberOfItsRecords) {
   blocks.write(os);
   const std::string data(3 * 24, 'x');
   os << data;
-  blocks.finish(os, 3);
+  blocks.finish(os, 3, TimeRange{0.5, 12.25});
+  EXPECT_BYTES(os.str(), wholeFile(identification("MDF     ", 0), 3, data,
+                                   monotonous | value_range_valid, 0.5, 12.25));
+}
+
+TEST(RecordingBlocks, TimesThatAreNotKnownAreNotStated) {
+  RecordingBlocks blocks(channels, info);
+  std::ostringstream os;
+  blocks.write(os);
+  const std::string data(3 * 24, 'x');
+  os << data;
+  blocks.finish(os, 3, std::nullopt);
   EXPECT_BYTES(os.str(), wholeFile(identification("MDF     ", 0), 3, data));
 }
 
@@ -145,7 +162,7 @@ TEST(RecordingBlocks, FileCanBeFinishedWithoutRecords) {
   RecordingBlocks blocks(channels, info);
   std::ostringstream os;
   blocks.write(os);
-  blocks.finish(os, 0);
+  blocks.finish(os, 0, std::nullopt);
   EXPECT_BYTES(os.str(), wholeFile(identification("MDF     ", 0), 0, ""));
 }
 
@@ -153,7 +170,7 @@ TEST(RecordingBlocks, LengthsBeyond32BitsAreKept) {
   RecordingBlocks blocks(channels, info);
   std::ostringstream os;
   blocks.write(os);
-  blocks.finish(os, 0x100000001);
+  blocks.finish(os, 0x100000001, std::nullopt);
   EXPECT_BYTES(os.str().substr(1560), Bytes().header("DT", 24 + 24 * 0x100000001, 0));
 }
 
