@@ -20,8 +20,9 @@ namespace {
 /// Reads the description of a file block by block.
 class DescriptionReader {
  public:
-  DescriptionReader(InputFile& file, const FindingSink& report, Texts& texts)
-      : file_(file), report_(report), texts_(texts) {}
+  DescriptionReader(InputFile& file, const FindingSink& report, const ChannelVisitor& visit,
+                    Texts& texts)
+      : file_(file), report_(report), visit_(visit), texts_(texts) {}
 
   Header header();
   std::vector<DataGroup> dataGroups();
@@ -39,13 +40,14 @@ class DescriptionReader {
                                     std::string_view letters);
   DataGroup dataGroup(const BlockFields& block);
   ChannelGroup channelGroup(const BlockFields& block);
-  std::vector<Channel> channels(const BlockFields& group);
+  void readChannels(std::uint64_t first, ChannelGroup& group);
   Channel channel(const BlockFields& block);
   ArrayShape arrayShape(const BlockFields& array);
   std::string_view text(std::uint64_t offset) { return texts_.at(file_, offset); }
 
   InputFile& file_;
   const FindingSink& report_;
+  const ChannelVisitor& visit_;  ///< none for channels that are kept
   Texts& texts_;
   OffsetSet seen_;
   std::uint64_t first_data_group_ = 0;
@@ -138,15 +140,14 @@ ChannelGroup DescriptionReader::channelGroup(const BlockFields& block) {
   group.flags = static_cast<unsigned>(block.number("cg_flags"));
   group.data_bytes = static_cast<std::uint32_t>(block.number("cg_data_bytes"));
   group.invalidation_bytes = static_cast<std::uint32_t>(block.number("cg_inval_bytes"));
-  group.channels = channels(block);
+  readChannels(block.link(1), group);
   return group;
 }
 
 /// Members of a structure come before the channel that follows it. There may be more levels of them
 /// than calls can be nested.
-std::vector<Channel> DescriptionReader::channels(const BlockFields& group) {
-  std::vector<Channel> channels;
-  std::vector<Step> steps = {{group.offset(), group.link(1), 0}};
+void DescriptionReader::readChannels(std::uint64_t first, ChannelGroup& group) {
+  std::vector<Step> steps = {{group.offset, first, 0}};
   while (!steps.empty()) {
     const Step step = steps.back();
     steps.pop_back();
@@ -154,8 +155,7 @@ std::vector<Channel> DescriptionReader::channels(const BlockFields& group) {
     if (!block) {
       continue;
     }
-    channels.push_back(channel(*block));
-    Channel& channel = channels.back();
+    Channel channel = this->channel(*block);
     channel.depth = step.depth;
     steps.push_back({block->offset(), block->link(0), step.depth});
     if (readFields(file_, block->link(1), "CA")) {
@@ -166,8 +166,12 @@ std::vector<Channel> DescriptionReader::channels(const BlockFields& group) {
       channel.is_structure = true;
       steps.push_back({block->offset(), block->link(1), step.depth + 1});
     }
+    if (visit_) {
+      visit_(group, channel);
+    } else {
+      group.channels.push_back(std::move(channel));
+    }
   }
-  return channels;
 }
 
 Channel DescriptionReader::channel(const BlockFields& block) {
@@ -234,8 +238,7 @@ Identification readIdentification(InputFile& file) {
 const Channel* ChannelGroup::masterChannel() const {
   const Channel* best = nullptr;
   for (const Channel& channel : channels) {
-    const bool is_better = best == nullptr || channel.sync_type < best->sync_type;
-    if (channel.isMaster() && is_better) {
+    if (channel.isBetterMasterThan(best)) {
       best = &channel;
     }
   }
@@ -243,10 +246,15 @@ const Channel* ChannelGroup::masterChannel() const {
 }
 
 Measurement readMeasurement(InputFile& file, const FindingSink& report) {
+  return readMeasurement(file, report, nullptr);
+}
+
+Measurement readMeasurement(InputFile& file, const FindingSink& report,
+                            const ChannelVisitor& visit) {
   Measurement measurement;
   measurement.texts = std::make_unique<Texts>();
   measurement.identification = readIdentification(file);
-  DescriptionReader reader(file, report, *measurement.texts);
+  DescriptionReader reader(file, report, visit, *measurement.texts);
   measurement.header = reader.header();
   measurement.data_groups = reader.dataGroups();
   return measurement;

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -115,6 +116,11 @@ struct Channel {
   ArrayShape array;           ///< without dimensions for a channel that is none
 
   bool isMaster() const { return type == master || type == virtual_master; }
+  /// Whether this is a master channel and a better one to draw over than another, which may be
+  /// null: the kind of its synchronisation type comes first, time before angle, distance and index.
+  bool isBetterMasterThan(const Channel* other) const {
+    return isMaster() && (other == nullptr || sync_type < other->sync_type);
+  }
   bool isVirtual() const { return type == virtual_master || type == virtual_data; }
 };
 
@@ -136,7 +142,7 @@ struct ChannelGroup {
   std::uint32_t data_bytes = 0;  ///< of a record; for variable-length data see lengthOfAll()
   std::uint32_t invalidation_bytes = 0;  ///< of a record, behind the data bytes
   std::uint64_t first_reduction = 0;
-  std::vector<Channel> channels;  ///< each followed by its members
+  std::vector<Channel> channels;  ///< each followed by its members; none if they are not kept
 
   bool holdsVariableLength() const { return (flags & is_variable_length) != 0; }
 
@@ -148,8 +154,7 @@ struct ChannelGroup {
     return (std::uint64_t{invalidation_bytes} << 32U) | data_bytes;
   }
 
-  /// The channel that the others are drawn over, of the kind of its synchronisation type that comes
-  /// first: time before angle, distance and index. Null when there is none.
+  /// The channel that the others are drawn over. Null when there is none.
   const Channel* masterChannel() const;
 };
 
@@ -174,6 +179,14 @@ struct Measurement {
 /// Memory and time are in proportion to the number of blocks, whatever they say: no block is taken
 /// in twice.
 Measurement readMeasurement(InputFile& file, const FindingSink& report);
+
+/// Takes the channels of a file one by one, members behind their structure. Of the group it says
+/// all but the channels.
+using ChannelVisitor = std::function<void(const ChannelGroup& group, const Channel& channel)>;
+
+/// The same without keeping the channels: files may have millions of them.
+Measurement readMeasurement(InputFile& file, const FindingSink& report,
+                            const ChannelVisitor& visit);
 
 /// Offsets of the blocks of one type that a chain leads through, first to last, by their link 0.
 std::vector<std::uint64_t> chainOf(InputFile& file, std::uint64_t first, std::string_view letters,

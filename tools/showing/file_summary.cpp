@@ -48,14 +48,25 @@ std::optional<double> rawExtent(InputFile& file, const ChannelGroup& group, cons
   return block->real("cn_val_range_max") - block->real("cn_val_range_min");
 }
 
-void addExtent(InputFile& file, GroupSummary& summary) {
-  const Channel* master = summary.group->masterChannel();
-  if (master == nullptr || summary.group->cycles == 0) {
-    return;
+/// What the channels say of their group, while they pass by.
+struct GroupChannels {
+  std::size_t count = 0;
+  std::optional<Channel> master;
+
+  void add(const Channel& channel) {
+    ++count;
+    if (channel.isBetterMasterThan(master ? &*master : nullptr)) {
+      master = channel;
+    }
   }
-  summary.master_unit = master->unit;
-  const auto extent = rawExtent(file, *summary.group, *master);
-  const auto factor = linearFactor(file, master->conversion);
+
+  bool areOverTime() const { return master && master->sync_type == 1; }
+};
+
+void addExtent(InputFile& file, GroupSummary& summary, const Channel& master) {
+  summary.master_unit = master.unit;
+  const auto extent = rawExtent(file, *summary.group, master);
+  const auto factor = linearFactor(file, master.conversion);
   if (!extent || !factor) {
     return;
   }
@@ -66,15 +77,18 @@ void addExtent(InputFile& file, GroupSummary& summary) {
 }
 
 GroupSummary summariseGroup(InputFile& file, const DataGroup& data_group, const ChannelGroup& group,
-                            Texts& texts) {
-  GroupSummary summary{&data_group, &group, std::string(group.name), {}, {}, {}, {}};
+                            const GroupChannels& channels, Texts& texts) {
+  GroupSummary summary{&data_group, &group, std::string(group.name), {}, {},
+                       {},          {},     channels.count};
   const Source source = readSource(file, group.source, texts);
   summary.source = source.name;
   if (!source.path.empty() && source.path != source.name) {
     summary.source += summary.source.empty() ? "" : " ";
     summary.source += source.path;
   }
-  addExtent(file, summary);
+  if (channels.master && group.cycles > 0) {
+    addExtent(file, summary, *channels.master);
+  }
   return summary;
 }
 
@@ -107,16 +121,21 @@ std::size_t lengthOfChain(InputFile& file, std::uint64_t first, std::string_view
 FileSummary summarise(InputFile& file, const FindingSink& report) {
   FileSummary summary;
   countBlocks(file, summary, report);
-  summary.measurement = readMeasurement(file, report);
+  std::map<std::size_t, GroupChannels> channels;  // by the group's index
+  summary.measurement =
+      readMeasurement(file, report, [&](const ChannelGroup& group, const Channel& channel) {
+        channels[group.index].add(channel);
+      });
   const Header& header = summary.measurement.header;
   for (const DataGroup& data_group : summary.measurement.data_groups) {
     for (const ChannelGroup& group : data_group.groups) {
-      summary.groups.push_back(summariseGroup(file, data_group, group, *summary.measurement.texts));
-      summary.channel_count += group.channels.size();
+      const GroupChannels& its_channels = channels[group.index];
+      summary.groups.push_back(
+          summariseGroup(file, data_group, group, its_channels, *summary.measurement.texts));
       const GroupSummary& added = summary.groups.back();
-      const Channel* master = group.masterChannel();
-      const bool is_over_time = master != nullptr && master->sync_type == 1;
-      if (is_over_time && added.extent && *added.extent >= summary.duration.value_or(0)) {
+      summary.channel_count += added.channel_count;
+      if (its_channels.areOverTime() && added.extent &&
+          *added.extent >= summary.duration.value_or(0)) {
         summary.duration = added.extent;
       }
     }

@@ -32,6 +32,7 @@ struct GroupSummary {
   std::optional<double> extent;
   std::optional<double> rate;  ///< records for each unit of the master channel
   std::string master_unit;
+  std::size_t channel_count = 0;
 };
 
 struct FileSummary {

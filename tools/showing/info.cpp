@@ -96,7 +96,7 @@ void printGroups(const FileSummary& summary, std::ostream& out) {
                is_variable && each.name.empty() ? "(variable-length data)" : each.name, each.source,
                std::to_string(group.cycles), each.rate ? shownNumber(*each.rate) + unit : "",
                is_variable ? "variable" : std::to_string(group.recordBytes()),
-               std::to_string(group.channels.size())});
+               std::to_string(each.channel_count)});
   }
   if (!table.isEmpty()) {
     out << '\n';
@@ -127,7 +127,7 @@ Json groupAsJson(const GroupSummary& each) {
                {"records", group.cycles},
                {"record_bytes", group.recordBytes()},
                {"variable_length", group.holdsVariableLength()},
-               {"channels", group.channels.size()}};
+               {"channels", each.channel_count}};
   json["extent"] = each.extent ? Json(*each.extent) : Json();
   json["rate"] = each.rate ? Json(*each.rate) : Json();
   json["master_unit"] = each.master_unit;

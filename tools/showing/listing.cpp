@@ -83,23 +83,24 @@ bool isOfType(std::string_view type, const ListOptions& options) {
          std::find(options.types.begin(), options.types.end(), type) != options.types.end();
 }
 
-/// Collects a list's entries and prints them in the form and order that the options say.
+/// Prints a list's entries in the form and order that the options say. Entries that are to be
+/// sorted are kept until finish(); others are printed piece by piece, however many there are.
 class EntryList {
  public:
-  EntryList(Columns columns, const ListOptions& options)
-      : table_(std::move(columns)), options_(options) {}
+  EntryList(Columns columns, const ListOptions& options, std::ostream& out)
+      : table_(std::move(columns)), options_(options), out_(out) {}
 
   void add(std::vector<std::string> cells, const Json& members) {
+    constexpr std::size_t piece = 10000;
     table_.add(std::move(cells), options_.as_json ? line(members, options_) : "");
+    if (options_.sort_column.empty() && table_.size() >= piece) {
+      print();
+    }
   }
 
-  void print(std::ostream& out) {
+  void finish() {
     table_.sortBy(options_.sort_column);
-    if (options_.as_json) {
-      table_.printRests(out);
-    } else {
-      table_.print(out);
-    }
+    print();
   }
 
   /// The object of an entry, with what every object has.
@@ -113,26 +114,23 @@ class EntryList {
   }
 
  private:
+  void print() {
+    if (options_.as_json) {
+      table_.printRests(out_);
+    } else {
+      table_.print(out_);
+    }
+  }
+
   Table table_;
   const ListOptions& options_;
+  std::ostream& out_;
 };
 
 /// What is said of a channel group's channels one by one.
 class ChannelLister {
  public:
-  ChannelLister(InputFile& file, Texts& texts, EntryList& entries)
-      : file_(file), texts_(texts), entries_(entries) {}
-
-  void addChosen(const ChannelGroup& group, const ListOptions& options) {
-    for (const Channel& channel : group.channels) {
-      if (isNamedSo(channel.name, options) && isOfType(channelTypeName(channel.type), options)) {
-        add(group, channel);
-      }
-    }
-  }
-
- private:
-  static constexpr std::size_t comment_width = 60;
+  ChannelLister(InputFile& file, EntryList& entries) : file_(file), entries_(entries) {}
 
   void add(const ChannelGroup& group, const Channel& channel) {
     const std::string conversion = conversionName(channel);
@@ -166,6 +164,9 @@ class ChannelLister {
          {"offset", channel.offset}});
   }
 
+ private:
+  static constexpr std::size_t comment_width = 60;
+
   std::string conversionName(const Channel& channel) {
     const auto block = readFields(file_, channel.conversion, "CC");
     return block ? conversionTypeName(static_cast<unsigned>(block->number("cc_type"))) : "";
@@ -183,8 +184,8 @@ class ChannelLister {
   }
 
   InputFile& file_;
-  Texts& texts_;
   EntryList& entries_;
+  Texts texts_;  ///< of sources
 };
 
 /// A block's line for people: columns as wide as any offset of the file.
@@ -243,23 +244,24 @@ std::vector<std::string> eventColumns() { return titlesOf(eventTable()); }
 
 void listChannels(InputFile& file, const ListOptions& options, std::ostream& out,
                   const FindingSink& report) {
-  const Measurement measurement = readMeasurement(file, report);
-  EntryList entries(channelTable(), options);
-  ChannelLister lister(file, *measurement.texts, entries);
+  EntryList entries(channelTable(), options, out);
+  ChannelLister lister(file, entries);
+  const Measurement measurement =
+      readMeasurement(file, report, [&](const ChannelGroup& group, const Channel& channel) {
+        if ((!options.group || *options.group == group.index) && isNamedSo(channel.name, options) &&
+            isOfType(channelTypeName(channel.type), options)) {
+          lister.add(group, channel);
+        }
+      });
   std::size_t group_count = 0;
   for (const DataGroup& data_group : measurement.data_groups) {
     group_count += data_group.groups.size();
-    for (const ChannelGroup& group : data_group.groups) {
-      if (!options.group || *options.group == group.index) {
-        lister.addChosen(group, options);
-      }
-    }
   }
   if (options.group && *options.group >= group_count) {
     report({header_block_offset, "expected a channel group " + std::to_string(*options.group) +
                                      ", found " + std::to_string(group_count) + " from 0 on"});
   }
-  entries.print(out);
+  entries.finish();
 }
 
 void listBlocks(InputFile& file, const ListOptions& options, std::ostream& out,
@@ -287,7 +289,7 @@ void listBlocks(InputFile& file, const ListOptions& options, std::ostream& out,
 void listAttachments(InputFile& file, const ListOptions& options, std::ostream& out,
                      const FindingSink& report) {
   const Measurement measurement = readMeasurement(file, report);
-  EntryList entries(attachmentTable(), options);
+  EntryList entries(attachmentTable(), options, out);
   for (const Attachment& each :
        readAttachments(file, measurement.header.first_attachment, *measurement.texts, report)) {
     if (!isNamedSo(each.name, options) || !isOfType(each.mime_type, options)) {
@@ -307,13 +309,13 @@ void listAttachments(InputFile& file, const ListOptions& options, std::ostream& 
          {"md5", digest},
          {"comment", each.comment}});
   }
-  entries.print(out);
+  entries.finish();
 }
 
 void listEvents(InputFile& file, const ListOptions& options, std::ostream& out,
                 const FindingSink& report) {
   const Measurement measurement = readMeasurement(file, report);
-  EntryList entries(eventTable(), options);
+  EntryList entries(eventTable(), options, out);
   for (const Event& each :
        readEvents(file, measurement.header.first_event, *measurement.texts, report)) {
     if (!isNamedSo(each.name, options) || !isOfType(eventTypeName(each.type), options)) {
@@ -336,7 +338,7 @@ void listEvents(InputFile& file, const ListOptions& options, std::ostream& out,
                  {"scopes", each.scope_count},
                  {"attachments", each.attachment_count}});
   }
-  entries.print(out);
+  entries.finish();
 }
 
 }  // namespace mdf_tools

@@ -52,52 +52,54 @@ void Table::sortBy(std::string_view title) {
   });
 }
 
-std::vector<std::size_t> Table::widths() const {
-  std::vector<std::size_t> widths;
-  for (const Column& column : columns_) {
-    widths.push_back(shownWidth(column.title));
+void Table::widen(const std::vector<std::string>& cells) {
+  for (std::size_t i = 0; i < widths_.size(); ++i) {
+    widths_[i] = std::max(widths_[i], shownWidth(cells[i]));
   }
-  for (const Row& row : rows_) {
-    for (std::size_t i = 0; i < widths.size(); ++i) {
-      widths[i] = std::max(widths[i], shownWidth(row.cells[i]));
-    }
-  }
-  return widths;
 }
 
-void Table::printRow(std::ostream& os, const std::vector<std::string>& cells,
-                     const std::vector<std::size_t>& widths) const {
+void Table::printRow(std::ostream& os, const std::vector<std::string>& cells) const {
   std::size_t blanks = 0;  // owed until a text follows
   for (std::size_t i = 0; i < cells.size(); ++i) {
-    const std::size_t gap = widths[i] - shownWidth(cells[i]);
+    const std::size_t gap = widths_[i] - shownWidth(cells[i]);
     const bool is_left = columns_[i].align == Align::left;
     if (!cells[i].empty()) {
       os << std::string(blanks + (is_left ? 0 : gap), ' ') << onOneLine(cells[i]);
       blanks = is_left ? gap : 0;
     } else {
-      blanks += widths[i];
+      blanks += widths_[i];
     }
     blanks += 2;
   }
   os << '\n';
 }
 
-void Table::print(std::ostream& os) const {
-  const std::vector<std::size_t> widths = this->widths();
+void Table::print(std::ostream& os) {
   std::vector<std::string> titles;
-  for (const Column& column : columns_) {
-    titles.emplace_back(column.title);
+  if (widths_.empty()) {
+    for (const Column& column : columns_) {
+      titles.emplace_back(column.title);
+    }
+    widths_.resize(columns_.size());
+    widen(titles);
   }
-  printRow(os, titles, widths);
   for (const Row& row : rows_) {
-    printRow(os, row.cells, widths);
+    widen(row.cells);
   }
+  if (!titles.empty()) {
+    printRow(os, titles);
+  }
+  for (const Row& row : rows_) {
+    printRow(os, row.cells);
+  }
+  rows_.clear();
 }
 
-void Table::printRests(std::ostream& os) const {
+void Table::printRests(std::ostream& os) {
   for (const Row& row : rows_) {
     os << row.rest << '\n';
   }
+  rows_.clear();
 }
 
 }  // namespace mdf_tools

@@ -31,12 +31,15 @@ class Table {
 
   bool isEmpty() const { return rows_.empty(); }
 
-  /// Prints the titles and the rows. Cells are kept on their line: line ends and other control
-  /// characters in them become blanks. Nothing stands behind the last text of a line.
-  void print(std::ostream& os) const;
+  std::size_t size() const { return rows_.size(); }
 
-  /// Prints what else was said of the rows, each on a line.
-  void printRests(std::ostream& os) const;
+  /// Prints the rows and forgets them, the first time with the titles above. Columns are as wide as
+  /// what has been printed so far needs. Cells are kept on their line: line ends and other control
+  /// characters in them become blanks. Nothing stands behind the last text of a line.
+  void print(std::ostream& os);
+
+  /// Prints what else was said of the rows, each on a line, and forgets them.
+  void printRests(std::ostream& os);
 
  private:
   struct Row {
@@ -44,12 +47,12 @@ class Table {
     std::string rest;
   };
 
-  std::vector<std::size_t> widths() const;
-  void printRow(std::ostream& os, const std::vector<std::string>& cells,
-                const std::vector<std::size_t>& widths) const;
+  void widen(const std::vector<std::string>& cells);
+  void printRow(std::ostream& os, const std::vector<std::string>& cells) const;
 
   std::vector<Column> columns_;
   std::vector<Row> rows_;
+  std::vector<std::size_t> widths_;  ///< none before the titles are printed
 };
 
 /// How many columns a text in UTF-8 takes on a terminal, with one for each character.

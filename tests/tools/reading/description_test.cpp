@@ -226,6 +226,25 @@ TEST(Description, MembersStandBehindTheirStructure) {
   EXPECT_FALSE(described.group().channels[2].is_structure);
 }
 
+TEST(Description, ChannelsCanBeVisitedInsteadOfKept) {
+  FileBuilder builder;
+  ChannelSpec spec;
+  spec.name = "one";
+  GroupSpec group;
+  group.cycles = 7;
+  addGroup(builder, group, {spec, spec}, 0);
+  const TempFile temp(builder.bytes());
+  InputFile file(temp.path());
+  std::string visited;
+  const Measurement measurement = readMeasurement(
+      file, [](const Finding&) { FAIL(); },
+      [&](const ChannelGroup& its_group, const Channel& channel) {
+        visited += std::to_string(its_group.cycles) + ' ' + std::string(channel.name) + '\n';
+      });
+  EXPECT_EQ(visited, "7 one\n7 one\n");
+  EXPECT_TRUE(measurement.data_groups.at(0).groups.at(0).channels.empty());
+}
+
 TEST(Description, Arrays) {
   FileBuilder builder;
   const auto array = builder.add(

@@ -11,7 +11,7 @@ using mdf_tools::Table;
 
 namespace {
 
-std::string printed(const Table& table) {
+std::string printed(Table table) {
   std::ostringstream os;
   table.print(os);
   return os.str();
@@ -61,11 +61,34 @@ TEST(Table, SortsByTextAndByNumber) {
   std::ostringstream os;
   table.printRests(os);
   EXPECT_EQ(os.str(), "line of figs\nline of pears\nline of apples\n");
+  EXPECT_TRUE(table.isEmpty());
+}
+
+TEST(Table, AColumnThatIsNotThereSortsNothing) {
+  Table table = fruits();
   table.sortBy("none");
   table.sortBy("");
-  std::ostringstream same;
-  table.printRests(same);
-  EXPECT_EQ(same.str(), os.str());
+  std::ostringstream os;
+  table.printRests(os);
+  EXPECT_EQ(os.str(), "line of pears\nline of figs\nline of apples\n");
+}
+
+TEST(Table, PrintsPieceByPiece) {
+  Table table({{"a"}, {"b"}});
+  std::ostringstream os;
+  table.add({"1", "2"});
+  EXPECT_EQ(table.size(), 1U);
+  table.print(os);
+  EXPECT_EQ(table.size(), 0U);
+  table.add({"long", "3"});
+  table.print(os);
+  table.add({"4", "5"});
+  table.print(os);
+  EXPECT_EQ(os.str(),
+            "a  b\n"
+            "1  2\n"
+            "long  3\n"
+            "4     5\n");
 }
 
 TEST(Table, WithoutRowsItIsItsTitles) {
