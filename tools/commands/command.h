@@ -20,6 +20,7 @@ void addInfoCommand(CLI::App& app, int& exit_code);
 void addListCommand(CLI::App& app, int& exit_code);
 void addExtractCommand(CLI::App& app, int& exit_code);
 void addRecordCommand(CLI::App& app, int& exit_code);
+void addExportCommand(CLI::App& app, int& exit_code);
 
 }  // namespace mdf_tools
 

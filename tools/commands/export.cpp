@@ -1,0 +1,218 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "command.h"
+#include "file_command.h"
+#include "reading/input_file.h"
+#include "reading/output_buffer.h"
+#include "sample_options.h"
+#include "sampling/table_writers.h"
+
+namespace mdf_tools {
+
+namespace {
+
+constexpr const char* footer =
+    R"TXT(The samples of each channel group are a table: a column for each channel with its name and unit,
+the master channel (mostly time, in seconds since the recording began) in front, and a row for each
+record. Numbers have as many digits as it takes to read the same number back. Invalid samples are
+empty fields (null in jsonl), bytes are written as hexadecimal digits, dates as 2024-05-17T13:45:12.345.
+
+csv    a line "name [unit],..." and a line for each sample, quoted as in RFC 4180. Several tables
+       stand one behind the other, with an empty line between them.
+jsonl  a line {"schema":1,"group":N,"name":...,"columns":[{"name":...,"unit":...},...]} for each
+       table and a line {"schema":1,"group":N,"values":{"name":value,...}} for each sample.
+
+Members of structures are called "structure.member", elements of arrays "name[0][1]"; the second
+channel with a name is "name (2)". Channel groups are counted from 0 on through the whole file. Where
+an output is a folder, each table gets a file there: FILE.N.csv for channel group N of FILE.
+
+In formulas of conversions, log is the logarithm to the base 10 and ln that to the base e.
+
+Examples:
+  mdf export trip.mf4 > trip.csv
+  mdf export trip.mf4 -o tables/                        a file for each channel group
+  mdf export trip.mf4 -c 'speed*' -c rpm --from 10 --to 20
+  mdf export trip.mf4 --group 0 --format jsonl | jq .values.time
+
+Exit code: 0 fine, 1 problems found in the file, 2 wrong arguments or unreadable file.)TXT";
+
+struct Request {
+  std::shared_ptr<std::vector<std::string>> paths;
+  std::shared_ptr<Selection> selection;
+  std::string output;
+  std::string format = "csv";
+
+  bool isToFolder() const {
+    return !output.empty() && (output.back() == '/' || std::filesystem::is_directory(output));
+  }
+  bool isToFile() const { return !output.empty() && output != "-" && !isToFolder(); }
+};
+
+int complain(const std::string& sentence, ExitCode exit_code) {
+  std::cerr << "mdf: " << sentence << '\n';
+  return exit_code;
+}
+
+std::string reasonOf(int error) { return std::generic_category().message(error); }
+
+/// A file that is written.
+class TableFile {
+ public:
+  explicit TableFile(const std::string& path)
+      : path_(path), file_(std::fopen(path.c_str(), "wb")), error_(file_ == nullptr ? errno : 0) {
+    if (file_ != nullptr) {
+      buffer_ = std::make_unique<OutputBuffer>(file_.get(), OutputBuffer::Bytes::as_they_are);
+      out_.rdbuf(buffer_.get());
+    }
+  }
+
+  bool isOpen() const { return file_ != nullptr; }
+  std::ostream& out() { return out_; }
+
+  /// Ends it, and says on standard error what has gone wrong since the beginning, if anything.
+  bool close() {
+    if (buffer_ != nullptr) {
+      buffer_->flush();
+      error_ = buffer_->error();
+      buffer_.reset();
+    }
+    if (file_ != nullptr && std::fclose(file_.release()) != 0 && error_ == 0) {
+      error_ = errno;
+    }
+    if (error_ != 0) {
+      complain("cannot write to " + path_ + ": " + reasonOf(error_), exit_problem);
+    }
+    return error_ == 0;
+  }
+
+ private:
+  struct Closer {
+    void operator()(std::FILE* file) const { (void)std::fclose(file); }
+  };
+
+  std::string path_;
+  std::unique_ptr<std::FILE, Closer> file_;
+  int error_;
+  std::unique_ptr<OutputBuffer> buffer_;
+  std::ostream out_{nullptr};
+};
+
+/// Where the tables of all files go.
+class Destination {
+ public:
+  explicit Destination(const Request& request) : request_(request) {
+    if (request.isToFile()) {
+      file_ = std::make_unique<TableFile>(request.output);
+    } else if (request.isToFolder()) {
+      std::error_code ignored;  // a file in it tells
+      std::filesystem::create_directories(request.output, ignored);
+    }
+  }
+
+  bool isOpen() const { return file_ == nullptr || file_->isOpen(); }
+  bool hasFailed() const { return has_failed_; }
+
+  /// Where a table of an input file goes; the table before has ended.
+  std::ostream* next(const std::string& path, const Table& table, std::ostream& standard_output) {
+    if (!request_.isToFolder()) {
+      std::ostream& out = file_ == nullptr ? standard_output : file_->out();
+      if (!std::exchange(is_first_, false) && request_.format == "csv") {
+        out << '\n';
+      }
+      return &out;
+    }
+    close();
+    const std::string stem = path == "-" ? "stdin" : std::filesystem::path(path).stem().string();
+    const std::string name =
+        stem + '.' + std::to_string(table.group().index) + '.' + request_.format;
+    file_ = std::make_unique<TableFile>((std::filesystem::path(request_.output) / name).string());
+    return file_->isOpen() ? &file_->out() : nullptr;
+  }
+
+  void close() {
+    if (file_ != nullptr && !file_->close()) {
+      has_failed_ = true;
+    }
+    file_.reset();
+  }
+
+ private:
+  const Request& request_;
+  std::unique_ptr<TableFile> file_;
+  bool is_first_ = true;
+  bool has_failed_ = false;
+};
+
+std::unique_ptr<TableVisitor> writerOf(const std::string& format, TableOutput output) {
+  if (format == "csv") {
+    return std::make_unique<CsvWriter>(std::move(output));
+  }
+  return std::make_unique<JsonLinesWriter>(std::move(output));
+}
+
+/// Whether the output would overwrite one of the files that are to be read.
+bool overwritesInput(const Request& request) {
+  return request.isToFile() &&
+         std::any_of(request.paths->begin(), request.paths->end(), [&](const std::string& path) {
+           std::error_code none;
+           return std::filesystem::equivalent(path, request.output, none);
+         });
+}
+
+int run(const Request& request) {
+  if (overwritesInput(request)) {
+    return complain("the output " + request.output + " is one of the files to read", exit_unusable);
+  }
+  Destination destination(request);
+  if (!destination.isOpen()) {
+    destination.close();
+    return exit_unusable;
+  }
+  int exit_code = exit_fine;
+  const int reading = onEachFile(*request.paths, [&](const FileContext& context) {
+    const auto writer = writerOf(request.format, [&](const Table& table) {
+      return destination.next(context.file.name(), table, context.out);
+    });
+    const std::size_t count = visitTables(context.file, *request.selection, *writer, context.report,
+                                          notesOf(context.file.name()));
+    if (count == 0 && (!request.selection->channels.empty() || request.selection->group)) {
+      complainOfNothing(context.file.name(), *request.selection);
+      exit_code = exit_unusable;
+    }
+  });
+  destination.close();
+  return std::max(
+      {exit_code, reading, destination.hasFailed() ? int{exit_problem} : int{exit_fine}});
+}
+
+}  // namespace
+
+void addExportCommand(CLI::App& app, int& exit_code) {
+  CLI::App* command = app.add_subcommand("export", "Write the samples as CSV or JSON lines");
+  const auto request = std::make_shared<Request>();
+  request->paths = addFileArguments(*command);
+  command
+      ->add_option("-o,--output", request->output,
+                   "A file, a folder with / at its end, or - for standard output")
+      ->type_name("OUT");
+  command
+      ->add_option("--format", request->format, "The form of the tables; csv unless said otherwise")
+      ->check(CLI::IsMember({"csv", "jsonl"}))
+      ->option_text("csv|jsonl");
+  request->selection = addSelectionOptions(*command, false);
+  command->footer(footer);
+  command->callback([request, &exit_code] { exit_code = run(*request); });
+}
+
+}  // namespace mdf_tools

@@ -1,0 +1,28 @@
+#ifndef MDF_TOOLS_COMMANDS_SAMPLE_OPTIONS_H_
+#define MDF_TOOLS_COMMANDS_SAMPLE_OPTIONS_H_
+
+#include <memory>
+#include <string>
+
+#include "sampling/table.h"
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+namespace mdf_tools {
+
+/// Adds the options that say which samples are wanted: --channel, --group, --from, --to, --raw.
+/// @param takes_several whether one --channel may be followed by several patterns.
+std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_several);
+
+/// Says on standard error that a file has none of the samples that are wanted.
+void complainOfNothing(const std::string& file_name, const Selection& selection);
+
+/// Says a sentence about a file on standard error.
+NoteSink notesOf(const std::string& file_name);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_COMMANDS_SAMPLE_OPTIONS_H_

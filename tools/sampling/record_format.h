@@ -1,0 +1,50 @@
+#ifndef MDF_TOOLS_SAMPLING_RECORD_FORMAT_H_
+#define MDF_TOOLS_SAMPLING_RECORD_FORMAT_H_
+
+#include <cstdint>
+#include <string_view>
+#include <unordered_map>
+
+#include "data_stream.h"
+#include "reading/description.h"
+
+namespace mdf_tools {
+
+/// A record in the data of a data group.
+struct Record {
+  const ChannelGroup* group = nullptr;  ///< null where there is none
+  std::string_view bytes;               ///< without record id, and without its length
+  std::uint64_t next = 0;               ///< where the next one begins
+  std::uint64_t unknown_id = 0;         ///< with no group: a record id that no group has, or
+  bool is_end = true;                   ///< that the data has ended
+};
+
+/// How the records of one data group tell which channel group each belongs to.
+class RecordFormat {
+ public:
+  /// @param id_bytes bytes of the record id in front of each record.
+  RecordFormat(const DataGroup& data_group, unsigned id_bytes);
+
+  unsigned idBytes() const { return id_bytes_; }
+
+  /// The record that begins at a position of the data. Its bytes last as the stream says.
+  Record at(DataStream& data, std::uint64_t position) const;
+
+ private:
+  Record fixed(DataStream& data, std::uint64_t position, const ChannelGroup& group) const;
+  Record variable(DataStream& data, std::uint64_t position, const ChannelGroup& group) const;
+
+  unsigned id_bytes_;
+  std::unordered_map<std::uint64_t, const ChannelGroup*> groups_;
+};
+
+/// Bytes of the record ids by the code that a data group has. Most writers store the number of
+/// bytes, others 3 for four bytes and 4 for eight: where that leaves two readings of a 4, the data
+/// decides, and four bytes where it does not.
+/// @param has_counts the cycle counts of the groups are final.
+unsigned recordIdBytes(const DataGroup& data_group, DataStream& data, bool has_counts,
+                       const FindingSink& report);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_SAMPLING_RECORD_FORMAT_H_

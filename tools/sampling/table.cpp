@@ -1,0 +1,189 @@
+#include "table.h"
+
+#include <fnmatch.h>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "column_list.h"
+#include "reading/input_file.h"
+#include "reading/raw_block.h"
+
+namespace mdf_tools {
+
+namespace {
+
+bool fitsOneOf(const std::vector<std::string>& patterns, const ColumnPlan& plan) {
+  const auto fits = [](const std::string& pattern, const std::string& name) {
+    return fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
+  };
+  return patterns.empty() ||
+         std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
+           return fits(pattern, plan.own_name) || fits(pattern, plan.path);
+         });
+}
+
+/// Goes through the tables of one file.
+class Tables {
+ public:
+  Tables(InputFile& file, const Selection& selection, TableVisitor& visitor,
+         const FindingSink& report, const NoteSink& note)
+      : file_(file),
+        selection_(selection),
+        visitor_(visitor),
+        report_(report),
+        note_(note),
+        measurement_(readMeasurement(file, report)),
+        conversions_(file, report) {}
+
+  std::size_t visit();
+
+ private:
+  bool isWanted(const ChannelGroup& group) const;
+  void visitGroup(const DataGroup& data_group, const ChannelGroup& group);
+  std::vector<ColumnPlan> plansOf(const ChannelGroup& group) const;
+  ColumnSource sourceOf(const DataGroup& data_group, const ChannelGroup& group,
+                        const ColumnPlan& plan);
+  std::unique_ptr<SignalValues> valuesOf(const DataGroup& data_group, const Channel& channel);
+  bool isInRange(Table& table, const Sample& sample) const;
+  bool hasRange() const { return selection_.from || selection_.to; }
+  bool isUnfinished() const { return measurement_.identification.isUnfinished(); }
+
+  InputFile& file_;
+  const Selection& selection_;
+  TableVisitor& visitor_;
+  const FindingSink& report_;
+  const NoteSink& note_;
+  Measurement measurement_;
+  Conversions conversions_;
+  std::unique_ptr<Records> records_;  ///< of the data group that is being visited
+  std::size_t count_ = 0;
+};
+
+std::size_t Tables::visit() {
+  if (isUnfinished()) {
+    note_("the file was not finished; its records are read as far as they go");
+  }
+  for (const DataGroup& data_group : measurement_.data_groups) {
+    for (const ChannelGroup& group : data_group.groups) {
+      if (isWanted(group)) {
+        visitGroup(data_group, group);
+      }
+    }
+    records_.reset();
+  }
+  return count_;
+}
+
+bool Tables::isWanted(const ChannelGroup& group) const {
+  return !group.holdsVariableLength() && selection_.group.value_or(group.index) == group.index;
+}
+
+/// The columns that are wanted, the master channel's in front of them; none when no channel is.
+std::vector<ColumnPlan> Tables::plansOf(const ChannelGroup& group) const {
+  const Channel* master = group.masterChannel();
+  std::vector<ColumnPlan> plans = columnsOf(group, report_);
+  std::stable_partition(plans.begin(), plans.end(),
+                        [&](const ColumnPlan& plan) { return plan.channel == master; });
+  const auto is_wanted = [&](const ColumnPlan& plan) {
+    return fitsOneOf(selection_.channels, plan);
+  };
+  if (std::none_of(plans.begin(), plans.end(), is_wanted)) {
+    return {};
+  }
+  const auto is_left_out = [&](const ColumnPlan& plan) {
+    return plan.channel != master && !is_wanted(plan);
+  };
+  plans.erase(std::remove_if(plans.begin(), plans.end(), is_left_out), plans.end());
+  return plans;
+}
+
+void Tables::visitGroup(const DataGroup& data_group, const ChannelGroup& group) {
+  const std::vector<ColumnPlan> plans = plansOf(group);
+  if (plans.empty()) {
+    return;
+  }
+  const bool has_master = plans.front().channel == group.masterChannel();
+  if (hasRange() && !has_master) {
+    note_("channel group " + std::to_string(group.index) +
+          " is left out: it has no master channel to compare with --from and --to");
+    return;
+  }
+  if (!records_) {
+    records_ = std::make_unique<Records>(file_, measurement_.identification, data_group, report_);
+  }
+  std::vector<Column> columns;
+  columns.reserve(plans.size());
+  for (const ColumnPlan& plan : plans) {
+    columns.emplace_back(plan.name, sourceOf(data_group, group, plan), report_);
+  }
+  Table table(group, std::move(columns), has_master);
+  ++count_;
+  visitor_.begin(table);
+  std::uint64_t number = 0;
+  records_->forEach(group, [&](std::string_view bytes) {
+    const Sample sample{bytes, number++};
+    return !isInRange(table, sample) || visitor_.sample(table, sample);
+  });
+  visitor_.end();
+}
+
+ColumnSource Tables::sourceOf(const DataGroup& data_group, const ChannelGroup& group,
+                              const ColumnPlan& plan) {
+  const Channel& channel = *plan.channel;
+  ColumnSource source;
+  source.group = &group;
+  source.channel = &channel;
+  source.byte_shift = plan.byte_shift;
+  source.invalidation_shift = plan.invalidation_shift;
+  if (channel.type == Channel::variable_length) {
+    source.values = valuesOf(data_group, channel);
+  } else if (channel.type == Channel::maximum_length) {
+    const auto length =
+        std::find_if(group.channels.begin(), group.channels.end(),
+                     [&](const Channel& each) { return each.offset == channel.data; });
+    source.length_channel = length == group.channels.end() ? nullptr : &*length;
+  }
+  source.conversion = selection_.is_raw ? nullptr : conversions_.at(channel.conversion);
+  return source;
+}
+
+/// Where the values of a channel of variable length are: in signal data, or in the records of
+/// another channel group.
+std::unique_ptr<SignalValues> Tables::valuesOf(const DataGroup& data_group,
+                                               const Channel& channel) {
+  const auto block = channel.data == 0 ? std::nullopt : readRawBlock(file_, channel.data);
+  if (block && block->hasId() && block->letters() == "CG") {
+    const auto group =
+        std::find_if(data_group.groups.begin(), data_group.groups.end(),
+                     [&](const ChannelGroup& each) { return each.offset == channel.data; });
+    if (group != data_group.groups.end() && group->holdsVariableLength()) {
+      return records_->valuesIn(*group);
+    }
+    report_({channel.offset,
+             "expected the values in a channel group for variable-length data of "
+             "the same data group, found " +
+                 decimalAndHex(channel.data)});
+    return nullptr;
+  }
+  return signalDataAt(file_, channel.data, isUnfinished(), report_);
+}
+
+bool Tables::isInRange(Table& table, const Sample& sample) const {
+  if (!hasRange()) {
+    return true;
+  }
+  const auto master = numberOf(table.columns().front().value(sample));
+  return master && (!selection_.from || *master >= *selection_.from) &&
+         (!selection_.to || *master <= *selection_.to);
+}
+
+}  // namespace
+
+std::size_t visitTables(InputFile& file, const Selection& selection, TableVisitor& visitor,
+                        const FindingSink& report, const NoteSink& note) {
+  return Tables(file, selection, visitor, report, note).visit();
+}
+
+}  // namespace mdf_tools
