@@ -21,6 +21,7 @@ void addListCommand(CLI::App& app, int& exit_code);
 void addExtractCommand(CLI::App& app, int& exit_code);
 void addRecordCommand(CLI::App& app, int& exit_code);
 void addExportCommand(CLI::App& app, int& exit_code);
+void addPlotCommand(CLI::App& app, int& exit_code);
 
 }  // namespace mdf_tools
 
