@@ -98,15 +98,17 @@ Dump dumpFile(const std::string& path) {
   const MemoryOutput memory;
   mdf_tools::InputFile file(path);
   OutputBuffer output(memory.file(), OutputBuffer::Bytes::as_they_are);
+  std::ostream os(&output);
   Dump dump;
   {
     const mdf_tests::AllocationLimit limit((std::size_t{1} << 20U) +
                                            32 * static_cast<std::size_t>(file.size()));
-    mdf_tools::dumpFile(file, output, [&](const mdf_tools::Finding& finding) {
+    mdf_tools::dumpFile(file, os, [&](const mdf_tools::Finding& finding) {
       expectSentence(finding, file.size());
       ++dump.findings;
     });
   }
+  output.flush();
   expect(output.error() == 0, "output to memory not to fail");
   dump.text = memory.text();
   return dump;

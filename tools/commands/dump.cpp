@@ -1,72 +1,147 @@
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
-#include <cstdio>
-#include <iostream>
+#include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <string>
-#include <system_error>
+#include <string_view>
+#include <vector>
 
 #include "command.h"
+#include "drawing/block_json.h"
+#include "file_command.h"
+#include "offset_option.h"
+#include "reading/block_layout.h"
 #include "reading/file_dump.h"
 #include "reading/input_file.h"
-#include "reading/output_buffer.h"
 
 namespace mdf_tools {
 
 namespace {
 
-int dump(const std::string& path) {
-  InputFile file(path);
-  OutputBuffer output(stdout, isatty(STDOUT_FILENO) != 0 ? OutputBuffer::Bytes::for_a_terminal
-                                                         : OutputBuffer::Bytes::as_they_are);
-  int exit_code = exit_fine;
-  dumpFile(file, output, [&](const Finding& finding) {
-    std::cerr << "mdf: " << file.name() << ": " << decimalAndHex(finding.offset) << ": "
-              << finding.sentence << '\n';
-    exit_code = exit_problem;
-  });
-  if (output.error() != 0) {
-    std::cerr << "mdf: cannot write to standard output: "
-              << std::generic_category().message(output.error()) << '\n';
-    exit_code = exit_problem;
-  }
-  return exit_code;
-}
+struct DumpArguments {
+  std::shared_ptr<std::vector<std::string>> paths;
+  std::vector<std::string> types;
+  std::vector<std::string> offsets;
+  std::uint64_t most_bytes = 256;
+  bool is_annotated = false;
+  bool is_json = false;
+};
 
 constexpr const char* footer =
     R"(Every block that can be reached from the header block is printed, in file order: a line with its
-offset, identifier, length, number of links and the links, all as they are stored, and then its
-fields. Where link fields say 0, look at the line. A block of an unknown type gets the line alone.
+offset, identifier, length, number of links and the links, each behind its name, all as they are
+stored, and then its fields as the library prints them. Where link fields say 0, look at the line. A
+block of an unknown type gets the line alone.
+
+With --hex the bytes themselves follow the line instead: those of the block's header, of each link
+and of each field with the format's name of it and its value, and of what stands behind the fields
+(values, data, texts) the first 256, or as many as --bytes says.
+
+With --json each block is a line: schema, file, offset, type, length, link_count, links with role and
+offset, fields, the values of lists, the text of texts, and how many bytes of data there are. --bytes
+limits texts and values in the same way.
 
 Problems go to standard error, one line each with the block's offset, links counted from 0; what is
 readable is printed all the same. Data and texts are printed as the bytes that they are. When
-standard output is a terminal, control characters in them are shown as '.'.
+standard output is a terminal, control characters in them are shown as '.'. Several files are
+printed one behind the other, each after a line "FILE:".
 
 Examples:
   mdf dump trip.mf4 | less                   look through a file
   mdf dump trip.mf4 | grep -a '^[0-9]* (0x'  list its blocks
+  mdf dump --type CN,CC trip.mf4             channels and conversions alone
+  mdf dump --hex --at 0x138 trip.mf4         the bytes of the block at an offset, field by field
+  mdf dump --hex --type DT --bytes 64 *.mf4  how the data of several files begin
+  mdf dump --json trip.mf4 | jq -r .type     for other programs
   gunzip < trip.mf4.gz | mdf dump - > dump   dump what standard input brings
 
 Exit code: 0 fine, 1 problems found in the file, 2 wrong arguments or unreadable file.)";
+
+bool isKnownType(std::string_view letters) {
+  // The identification, and block types of versions that came later.
+  constexpr std::string_view others = "ID LD DV DI RV RI GD";
+  return findLayout(letters) != nullptr ||
+         (letters.size() == 2 && letters.find(' ') == letters.npos &&
+          others.find(letters) != others.npos);
+}
+
+std::string upperCase(std::string letters) {
+  std::transform(letters.begin(), letters.end(), letters.begin(), [](char each) {
+    return each >= 'a' && each <= 'z' ? static_cast<char>(each - 'a' + 'A') : each;
+  });
+  return letters;
+}
+
+CLI::Validator isType() {
+  return CLI::Validator(
+      [](std::string& letters) {
+        letters = upperCase(letters);
+        return isKnownType(letters) ? std::string()
+                                    : "there is no block type \"" + letters +
+                                          "\"; types have two letters, such as CN or CC";
+      },
+      "");
+}
+
+BlockSelection selectionOf(const DumpArguments& arguments) {
+  BlockSelection selection;
+  selection.types = arguments.types;
+  for (const std::string& text : arguments.offsets) {
+    selection.offsets.push_back(parseOffset(text).value_or(0));
+  }
+  return selection;
+}
+
+int dump(const DumpArguments& arguments) {
+  const BlockSelection selection = selectionOf(arguments);
+  return onEachFile(*arguments.paths, [&](const FileContext& context) {
+    if (arguments.is_json) {
+      writeBlocksAsJson(context.file, context.out, arguments.most_bytes, context.report, selection);
+      return;
+    }
+    if (context.is_one_of_several) {
+      context.out << context.file.name() << ":\n";
+    }
+    if (arguments.is_annotated) {
+      annotateFile(context.file, context.out, arguments.most_bytes, context.report, selection);
+    } else {
+      dumpFile(context.file, context.out, context.report, selection);
+    }
+  });
+}
 
 }  // namespace
 
 void addDumpCommand(CLI::App& app, int& exit_code) {
   CLI::App* command = app.add_subcommand("dump", "Print every block of a file");
-  const auto path = std::make_shared<std::string>();
-  command->add_option("FILE", *path, "The measurement file; - is standard input")
-      ->required()
-      ->type_name("");
+  const auto arguments = std::make_shared<DumpArguments>();
+  arguments->paths = addFileArguments(*command);
+  command->add_option("--type", arguments->types, "Only blocks of these types, such as CN,CC")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->type_name("TYPE,...")
+      ->transform(isType());
+  command
+      ->add_option(
+          "--at", arguments->offsets,
+          "Only the block at this offset, decimal or 0x...; can be repeated, and the block "
+          "need not be linked from anywhere")
+      ->allow_extra_args(false)
+      ->type_name("OFFSET")
+      ->check(isOffset());
+  CLI::Option* hex = command->add_flag("--hex", arguments->is_annotated,
+                                       "Show the bytes, each with the field it belongs to");
+  CLI::Option* json =
+      command->add_flag("--json", arguments->is_json, "Write JSON lines, one for each block");
+  json->excludes(hex);
+  command
+      ->add_option(
+          "--bytes", arguments->most_bytes,
+          "With --hex and --json: how many bytes of data, text or values to show of a block")
+      ->type_name("N")
+      ->default_val(256);
   command->footer(footer);
-  command->callback([path, &exit_code] {
-    try {
-      exit_code = dump(*path);
-    } catch (const UnreadableFile& error) {
-      std::cerr << "mdf: " << error.what() << '\n';
-      exit_code = exit_unusable;
-    }
-  });
+  command->callback([arguments, &exit_code] { exit_code = dump(*arguments); });
 }
 
 }  // namespace mdf_tools

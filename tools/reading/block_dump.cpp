@@ -13,17 +13,6 @@ namespace mdf_tools {
 
 namespace {
 
-void writeHeadline(InputFile& file, const RawBlock& block, std::ostream& os) {
-  os << decimalAndHex(block.offset) << ' ' << block.name() << " length " << block.length
-     << " links " << block.link_count;
-  const char* separator = ": ";
-  forEachLink(file, block, [&](std::uint64_t, std::int64_t link) {
-    os << separator << link;
-    separator = " ";
-  });
-  os << '\n';
-}
-
 /// Whether the file holds all the bytes that the type's class reads. This is what keeps a length
 /// that lies from costing memory.
 bool bytesAreThere(const InputFile& file, const RawBlock& block, const BlockType& type) {
@@ -54,17 +43,34 @@ void reportTooLarge(const RawBlock& block, const FindingSink& report) {
 
 }  // namespace
 
+void writeHeadline(InputFile& file, const BlockFields& fields, std::ostream& os) {
+  const RawBlock& block = fields.raw();
+  os << decimalAndHex(block.offset) << ' ' << block.name() << " length " << block.length
+     << " links " << block.link_count;
+  const char* separator = ": ";
+  forEachLink(file, block, [&](std::uint64_t index, std::int64_t link) {
+    const LinkRole role = linkRole(fields, index);
+    os << separator << (role.layout.role.empty() ? "" : role.name + '=') << link;
+    separator = " ";
+  });
+  os << '\n';
+}
+
+void writeIdentificationLine(std::ostream& os) {
+  os << decimalAndHex(0) << " identification length " << header_block_offset << '\n';
+}
+
 void dumpIdentification(InputFile& file, std::ostream& os) {
   if (file.size() < header_block_offset) {
     return;
   }
-  os << decimalAndHex(0) << " identification length " << header_block_offset << '\n';
+  writeIdentificationLine(os);
   mdf_v4_10::IDBLOCK(file.streamAt(0)).print(os);
 }
 
 void dumpBlock(InputFile& file, const RawBlock& block, std::ostream& os,
                const FindingSink& report) {
-  writeHeadline(file, block, os);
+  writeHeadline(file, BlockFields(file, block), os);
   const BlockType* type = findBlockType(block.letters());
   if (type == nullptr) {
     return;

@@ -3,6 +3,7 @@
 
 #include <ostream>
 
+#include "block_fields.h"
 #include "finding.h"
 #include "raw_block.h"
 
@@ -15,8 +16,12 @@ class InputFile;
 void dumpIdentification(InputFile& file, std::ostream& os);
 
 /// Writes a line with a block's offset, identifier, length, link count and links as they are
-/// stored, then the library's dump of the block, if the library knows its type and the file holds
-/// all that its class reads. A header that does not fit its type is reported.
+/// stored, each link behind the format's name of it where it has one: "dg_data=744".
+void writeHeadline(InputFile& file, const BlockFields& fields, std::ostream& os);
+void writeIdentificationLine(std::ostream& os);
+
+/// Writes the block's line, then the library's dump of the block, if the library knows its type and
+/// the file holds all that its class reads. A header that does not fit its type is reported.
 ///
 /// The dump of data leaves the stream in hexadecimal mode.
 void dumpBlock(InputFile& file, const RawBlock& block, std::ostream& os, const FindingSink& report);

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "framework/wire.h"
 #include "input_file.h"
+#include "number_texts.h"
 
 namespace mdf_tools {
 
@@ -13,33 +13,9 @@ using mdf_v4_10::detail::loadLe;
 
 namespace {
 
-std::uint64_t loadUnsigned(std::string_view bytes) {
-  std::uint64_t number = 0;
-  for (std::size_t i = bytes.size(); i-- > 0;) {
-    number = (number << 8U) | static_cast<unsigned char>(bytes[i]);
-  }
-  return number;
-}
-
 std::int64_t loadSigned(std::string_view bytes) {
   const auto unused_bits = static_cast<unsigned>(64 - 8 * bytes.size());
-  return static_cast<std::int64_t>(loadUnsigned(bytes) << unused_bits) >> unused_bits;
-}
-
-std::string shortest(double number) {
-  std::array<char, 32> digits;
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  return {digits.data(), end};
-}
-
-std::string hexBytes(std::string_view bytes) {
-  static const char digits[] = "0123456789abcdef";
-  std::string text;
-  for (const char character : bytes) {
-    const auto byte = static_cast<unsigned char>(character);
-    text += {digits[byte >> 4U], digits[byte & 0xFU], ' '};
-  }
-  return text.substr(0, text.empty() ? 0 : text.size() - 1);
+  return static_cast<std::int64_t>(unsignedNumber(bytes) << unused_bits) >> unused_bits;
 }
 
 /// One of several links of a kind.
@@ -151,7 +127,7 @@ std::string_view BlockFields::bytes(std::string_view field) const {
 }
 
 std::uint64_t BlockFields::number(std::string_view field) const {
-  return loadUnsigned(bytes(field));
+  return unsignedNumber(bytes(field));
 }
 
 std::int64_t BlockFields::signedNumber(std::string_view field) const {
@@ -171,7 +147,7 @@ std::string BlockFields::shown(const FieldLayout& field) const {
     case FieldKind::signed_number:
       return std::to_string(signedNumber(field.name));
     case FieldKind::real:
-      return shortest(real(field.name));
+      return shortestReal(real(field.name));
     case FieldKind::bytes:
     case FieldKind::reserved:
       break;

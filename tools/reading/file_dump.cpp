@@ -1,21 +1,18 @@
 #include "file_dump.h"
 
-#include <cstdint>
-#include <ostream>
-#include <string>
-#include <vector>
+#include <algorithm>
 
+#include "annotated_bytes.h"
 #include "block_dump.h"
 #include "input_file.h"
-#include "output_buffer.h"
-#include "raw_block.h"
+#include "reading_limit.h"
 #include "walker.h"
 
 namespace mdf_tools {
 
 namespace {
 
-/// What was cut off while it was read may have been dumped as zeros, without any other finding.
+/// What was cut off while it was read may have been shown as zeros, without any other finding.
 void checkThatNothingWasCutOff(InputFile& file, const FindingSink& report) {
   const std::uint64_t size = file.sizeNow();
   if (size < file.size()) {
@@ -24,24 +21,67 @@ void checkThatNothingWasCutOff(InputFile& file, const FindingSink& report) {
   }
 }
 
+void workOnIdentification(InputFile& file, const BlockSelection& selection, const BlockWork& work) {
+  if (file.size() >= header_block_offset && selection.takes("ID")) {
+    work.on_identification();
+  }
+}
+
 }  // namespace
 
-void dumpFile(InputFile& file, OutputBuffer& output, const FindingSink& report) {
-  const std::vector<std::uint64_t> offsets = walkBlocks(file, report);
-  std::ostream os(&output);
-  dumpIdentification(file, os);
-  const std::ios_base::fmtflags format = os.flags();
+bool BlockSelection::takes(std::string_view letters) const {
+  return types.empty() || std::find(types.begin(), types.end(), letters) != types.end();
+}
+
+void workOnBlocks(InputFile& file, const BlockSelection& selection, const BlockWork& work,
+                  const std::ostream& os, const FindingSink& report) {
+  const bool are_named = !selection.offsets.empty();
+  const auto offsets = are_named ? selection.offsets : walkBlocks(file, report);
+  if (!are_named) {
+    workOnIdentification(file, selection, work);
+  }
+  ReadingLimit limit(file.size(), report);
   for (const std::uint64_t offset : offsets) {
-    if (output.error() != 0) {
+    if (!os.good()) {
       return;
     }
-    if (const auto block = readRawBlock(file, offset)) {
-      os.flags(format);
-      dumpBlock(file, *block, os, report);
+    if (offset == 0) {
+      workOnIdentification(file, selection, work);
+      continue;
+    }
+    const auto block = are_named ? findBlock(file, offset, report) : readRawBlock(file, offset);
+    if (!block || !selection.takes(block->letters())) {
+      continue;
+    }
+    if (are_named) {
+      checkExtent(file, *block, report);
+    }
+    if (are_named || limit.allows(*block, std::min(block->length, file.sizeFrom(offset)))) {
+      work.on_block(*block);
     }
   }
-  output.flush();
   checkThatNothingWasCutOff(file, report);
+}
+
+void dumpFile(InputFile& file, std::ostream& os, const FindingSink& report,
+              const BlockSelection& selection) {
+  const std::ios_base::fmtflags format = os.flags();
+  workOnBlocks(file, selection,
+               {[&] { dumpIdentification(file, os); },
+                [&](const RawBlock& block) {
+                  os.flags(format);
+                  dumpBlock(file, block, os, report);
+                }},
+               os, report);
+  os.flags(format);
+}
+
+void annotateFile(InputFile& file, std::ostream& os, std::uint64_t most_bytes,
+                  const FindingSink& report, const BlockSelection& selection) {
+  workOnBlocks(file, selection,
+               {[&] { annotateIdentification(file, os); },
+                [&](const RawBlock& block) { annotateBlock(file, block, most_bytes, os); }},
+               os, report);
 }
 
 }  // namespace mdf_tools

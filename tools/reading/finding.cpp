@@ -1,15 +1,11 @@
 #include "finding.h"
 
-#include <array>
-#include <charconv>
+#include "number_texts.h"
 
 namespace mdf_tools {
 
 std::string decimalAndHex(std::uint64_t number) {
-  std::array<char, 16> digits;
-  char* const begin = digits.data();
-  char* const end = std::to_chars(begin, begin + digits.size(), number, 16).ptr;
-  return std::to_string(number) + " (0x" + std::string(begin, end) + ')';
+  return std::to_string(number) + " (0x" + hexDigits(number) + ')';
 }
 
 std::string printable(std::string_view bytes) {

@@ -34,14 +34,14 @@ std::string readToZero(InputFile& file, std::uint64_t offset, std::uint64_t most
 
 }  // namespace
 
-std::optional<std::string> readText(InputFile& file, std::uint64_t offset) {
+std::optional<std::string> readText(InputFile& file, std::uint64_t offset, std::uint64_t most) {
   const auto block = offset == 0 ? std::nullopt : readRawBlock(file, offset);
   if (!block || !block->hasId() || (block->letters() != "TX" && block->letters() != "MD") ||
       !block->holdsItsLinks()) {
     return std::nullopt;
   }
   const std::uint64_t in_front = RawBlock::header_size + block->linkCount() * RawBlock::link_size;
-  return readToZero(file, offset + in_front, block->length - in_front);
+  return readToZero(file, offset + in_front, std::min(block->length - in_front, most));
 }
 
 std::string plainText(const std::string& comment) {

@@ -9,6 +9,7 @@
 #include "input_file.h"
 #include "offset_set.h"
 #include "raw_block.h"
+#include "reading_limit.h"
 
 namespace mdf_tools {
 
@@ -22,10 +23,13 @@ std::string upToTheEnd(std::uint64_t bytes) {
 
 class Walker {
  public:
-  Walker(InputFile& file, const FindingSink& report) : file_(file), report_(report) {}
+  Walker(InputFile& file, const FindingSink& report)
+      : file_(file), report_(report), limit_(file.size(), report) {}
 
-  std::vector<std::uint64_t> walk() {
-    if (hasIdentification() && hasHeaderBlock()) {
+  std::vector<std::uint64_t> walk(std::uint64_t from) {
+    const bool is_rooted =
+        from == header_block_offset ? hasIdentification() && hasHeaderBlock() : hasBlock(from);
+    if (is_rooted) {
       // The list grows while it is gone through.
       for (std::size_t i = 0; i < offsets_.size(); ++i) {
         followLinksAt(offsets_[i]);
@@ -38,8 +42,8 @@ class Walker {
  private:
   bool hasIdentification();
   bool hasHeaderBlock();
+  bool hasBlock(std::uint64_t offset);
   void followLinksAt(std::uint64_t offset);
-  void checkLength(const RawBlock& block);
   void follow(const RawBlock& from, std::uint64_t index, std::int64_t link);
   void reportLink(const RawBlock& from, std::uint64_t index, const std::string& expected_found);
 
@@ -50,6 +54,7 @@ class Walker {
 
   InputFile& file_;
   const FindingSink& report_;
+  ReadingLimit limit_;
   std::vector<std::uint64_t> offsets_;
   OffsetSet seen_;
 };
@@ -87,24 +92,23 @@ bool Walker::hasHeaderBlock() {
   return root->hasId();
 }
 
+bool Walker::hasBlock(std::uint64_t offset) {
+  const auto root = findBlock(file_, offset, report_);
+  if (root) {
+    add(*root);
+  }
+  return root.has_value();
+}
+
 void Walker::followLinksAt(std::uint64_t offset) {
   // The header was there before; a file that has been cut meanwhile is found out at the end.
   if (const auto block = readRawBlock(file_, offset)) {
-    checkLength(*block);
+    checkExtent(file_, *block, report_);
+    if (!limit_.allows(*block, linksThere(file_, *block) * RawBlock::link_size)) {
+      return;
+    }
     forEachLink(file_, *block,
                 [&](std::uint64_t index, std::int64_t link) { follow(*block, index, link); });
-  }
-}
-
-void Walker::checkLength(const RawBlock& block) {
-  if (!block.holdsItsLinks()) {
-    report_({block.offset, "expected the length of " + block.name() + " to hold its header and " +
-                               std::to_string(block.linkCount()) + " links, found " +
-                               std::to_string(block.length)});
-  }
-  if (!isWhole(file_, block)) {
-    report_({block.offset, "expected the " + std::to_string(block.length) + " bytes of " +
-                               block.name() + ", " + upToTheEnd(file_.sizeFrom(block.offset))});
   }
 }
 
@@ -140,8 +144,35 @@ void Walker::reportLink(const RawBlock& from, std::uint64_t index,
 
 }  // namespace
 
-std::vector<std::uint64_t> walkBlocks(InputFile& file, const FindingSink& report) {
-  return Walker(file, report).walk();
+std::vector<std::uint64_t> walkBlocks(InputFile& file, const FindingSink& report,
+                                      std::uint64_t from) {
+  return Walker(file, report).walk(from);
+}
+
+std::optional<RawBlock> findBlock(InputFile& file, std::uint64_t offset,
+                                  const FindingSink& report) {
+  const auto block = readRawBlock(file, offset);
+  if (block && block->hasId()) {
+    return block;
+  }
+  const std::uint64_t where = std::min(offset, file.size());
+  report({where, "expected a block \"##\" at " + decimalAndHex(offset) + ", found " +
+                     (block ? quoted({block->id.data(), block->id.size()})
+                            : "only " + std::to_string(file.sizeFrom(offset)) +
+                                  " bytes up to the file's end")});
+  return std::nullopt;
+}
+
+void checkExtent(const InputFile& file, const RawBlock& block, const FindingSink& report) {
+  if (!block.holdsItsLinks()) {
+    report({block.offset, "expected the length of " + block.name() + " to hold its header and " +
+                              std::to_string(block.linkCount()) + " links, found " +
+                              std::to_string(block.length)});
+  }
+  if (!isWhole(file, block)) {
+    report({block.offset, "expected the " + std::to_string(block.length) + " bytes of " +
+                              block.name() + ", " + upToTheEnd(file.sizeFrom(block.offset))});
+  }
 }
 
 }  // namespace mdf_tools

@@ -2,8 +2,10 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "support/bytes.h"
+#include "tools/support/file_builder.h"
 #include "tools/support/healthy_file.h"
 #include "tools/support/mdf_bytes.h"
 #include "tools/support/program.h"
@@ -81,7 +83,7 @@ TEST(DumpCommand, FileCutBehindTheIdentification) {
 TEST(DumpCommand, FileCutInTheHeaderBlock) {
   expectProblems(
       healthyFile().substr(0, 97),
-      healthyDumpBefore("64 (0x40)") + "64 (0x40) ##HD length 104 links 6: 312\n",
+      healthyDumpBefore("64 (0x40)") + "64 (0x40) ##HD length 104 links 6: hd_dg_first=312\n",
       {"64 (0x40): expected the 104 bytes of ##HD, found 33 up to the file's end",
        "64 (0x40): expected link 0 of ##HD to lead into the file of 97 bytes, found 312 (0x138)"});
 }
@@ -89,7 +91,8 @@ TEST(DumpCommand, FileCutInTheHeaderBlock) {
 TEST(DumpCommand, FileCutInTheChannel) {
   expectProblems(
       healthyFile().substr(0, 528),
-      healthyDumpBefore("480 (0x1e0)") + "480 (0x1e0) ##CN length 160 links 8: 0 264 640\n",
+      healthyDumpBefore("480 (0x1e0)") +
+          "480 (0x1e0) ##CN length 160 links 8: cn_cn_next=0 cn_composition=264 cn_tx_name=640\n",
       {"64 (0x40): expected link 2 of ##HD to lead into the file of 528 bytes, found 992 (0x3e0)",
        "64 (0x40): expected link 3 of ##HD to lead into the file of 528 bytes, found 1080 (0x438)",
        "64 (0x40): expected link 4 of ##HD to lead into the file of 528 bytes, found 1184 (0x4a0)",
@@ -127,8 +130,12 @@ TEST(DumpCommand, FileThatPointsOutsideItselfIsShownAllTheSame) {
   std::string bytes = healthyFile();
   bytes.replace(440, 8, Bytes().i64(-8));  // the channel group's comment
   std::string dump = healthyDump();
-  const std::string line = "##CG length 104 links 6: 0 480 640 776 832 0\n";
-  dump.replace(dump.find(line), line.size(), "##CG length 104 links 6: 0 480 640 776 832 -8\n");
+  const std::string line =
+      "##CG length 104 links 6: cg_cg_next=0 cg_cn_first=480 cg_tx_acq_name=640 "
+      "cg_si_acq_source=776 cg_sr_first=832 cg_md_comment=0\n";
+  dump.replace(dump.find(line), line.size(),
+               "##CG length 104 links 6: cg_cg_next=0 cg_cn_first=480 cg_tx_acq_name=640 "
+               "cg_si_acq_source=776 cg_sr_first=832 cg_md_comment=-8\n");
   expectProblems(bytes, dump,
                  {"376 (0x178): expected link 5 of ##CG to lead into the file of 1435 bytes, found "
                   "-8"});
@@ -155,18 +162,19 @@ TEST(DumpCommand, BlocksBeyondFourGibibytes) {
                         .i64(far + 88));
   const RunResult result = run({"dump", file.path()});
   EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.output.substr(result.output.find("4294967304 (0x")),
-            "4294967304 (0x100000008) ##FH length 56 links 2: 4294967360 168\n"
-            "[DEBUG] ==================== FHBLOCK ===================\n"
-            "block size = 56\n"
-            "next file history block (pointer) = 4294967360\n"
-            "file comment (pointer) = 168\n"
-            "time = 0\n"
-            "UTC time offset = 0\n"
-            "DST time offset = 0\n"
-            "time flags = 0\n"
-            "[DEBUG] ==================== End of FHBLOCK ===================\n"
-            "4294967360 (0x100000040) ##XX length 32 links 1: 4294967392\n");
+  EXPECT_EQ(
+      result.output.substr(result.output.find("4294967304 (0x")),
+      "4294967304 (0x100000008) ##FH length 56 links 2: fh_fh_next=4294967360 fh_md_comment=168\n"
+      "[DEBUG] ==================== FHBLOCK ===================\n"
+      "block size = 56\n"
+      "next file history block (pointer) = 4294967360\n"
+      "file comment (pointer) = 168\n"
+      "time = 0\n"
+      "UTC time offset = 0\n"
+      "DST time offset = 0\n"
+      "time flags = 0\n"
+      "[DEBUG] ==================== End of FHBLOCK ===================\n"
+      "4294967360 (0x100000040) ##XX length 32 links 1: 4294967392\n");
   EXPECT_EQ(result.messages,
             "mdf: " + file.path() +
                 ": 4294967304 (0x100000008): expected link 1 of ##FH to lead to a block \"##\", "
@@ -184,7 +192,7 @@ TEST(DumpCommand, BlocksBeyondOneTebibyte) {
   const RunResult result = run({"dump", file.path()});
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.output.substr(result.output.find("1099511627784 (0x")),
-            "1099511627784 (0x10000000008) ##FH length 56 links 2: 0 0\n"
+            "1099511627784 (0x10000000008) ##FH length 56 links 2: fh_fh_next=0 fh_md_comment=0\n"
             "[DEBUG] ==================== FHBLOCK ===================\n"
             "block size = 56\n"
             "next file history block (pointer) = 0\n"
@@ -253,7 +261,11 @@ TEST(DumpCommand, WrongArguments) {
   expectUnusable({"dump"}, "FILE is required");
   expectUnusable({"dump", "--frob", file.path()},
                  "The following argument was not expected: --frob");
-  expectUnusable({"dump", file.path(), "more"}, "The following argument was not expected: more");
+  expectUnusable({"dump", "--type", "CN,Q1", file.path()},
+                 "--type: there is no block type \"Q1\"; types have two letters, such as CN or CC");
+  expectUnusable({"dump", "--at", "0x", file.path()},
+                 "--at: \"0x\" is no offset such as 312 or 0x138");
+  expectUnusable({"dump", "--json", "--hex", file.path()}, "--hex excludes --json");
 }
 
 TEST(DumpCommand, HelpTeachesWithExamples) {
@@ -261,9 +273,215 @@ TEST(DumpCommand, HelpTeachesWithExamples) {
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.messages, "");
   for (const std::string text :
-       {"Usage: mdf dump [OPTIONS] FILE", "- is standard input", "control characters",
+       {"Usage: mdf dump [OPTIONS] FILE...", "- is standard input", "control characters",
         "Examples:\n  mdf dump trip.mf4 | less", "Exit code: 0 fine, 1 problems"}) {
     EXPECT_NE(result.output.find(text), std::string::npos) << text;
+  }
+}
+
+/// What the program prints for a file with these bytes, which has no problem.
+std::string printed(const std::string& bytes, std::vector<std::string> arguments) {
+  const TempFile file(bytes);
+  arguments.insert(arguments.begin(), "dump");
+  arguments.push_back(file.path());
+  const RunResult result = run(arguments);
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.messages, "");
+  return result.output;
+}
+
+/// The healthy file's dump of the block whose line begins so.
+std::string dumpOf(const std::string& beginning) {
+  const std::string dump = healthyDump();
+  const std::size_t begin = dump.find(beginning);
+  const std::size_t end = dump.find(" ===================\n", dump.find("End of", begin));
+  return dump.substr(begin, end - begin) + " ===================\n";
+}
+
+TEST(DumpCommand, OnlyTheNamedTypes) {
+  EXPECT_EQ(printed(healthyFile(), {"--type", "SI,dg"}),
+            dumpOf("312 (0x138) ##DG") + dumpOf("776 (0x308) ##SI"));
+  EXPECT_EQ(printed(healthyFile(), {"--type", "HL", "--type", "ID"}),
+            dumpOf("0 (0x0) identification") + dumpOf("1288 (0x508) ##HL"));
+  EXPECT_EQ(printed(healthyFile(), {"--type", "GD"}), "");
+}
+
+TEST(DumpCommand, OnlyTheNamedOffsetsInTheirOrder) {
+  EXPECT_EQ(
+      printed(healthyFile(), {"--at", "0x308", "--at", "312", "--at", "0"}),
+      dumpOf("776 (0x308) ##SI") + dumpOf("312 (0x138) ##DG") + dumpOf("0 (0x0) identification"));
+  EXPECT_EQ(printed(healthyFile(), {"--at", "776", "--at", "312", "--type", "DG"}),
+            dumpOf("312 (0x138) ##DG"));
+}
+
+TEST(DumpCommand, BlockThatNothingLeadsTo) {
+  FileBuilder file;
+  file.add("ZZ", {64});
+  EXPECT_EQ(printed(file.bytes(), {"--at", "168"}), "168 (0xa8) ##ZZ length 32 links 1: 64\n");
+}
+
+TEST(DumpCommand, OffsetsWithoutABlock) {
+  const TempFile file(healthyFile());
+  const RunResult result = run({"dump", "--at", "65", "--at", "0x1000000000000000", file.path()});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.messages,
+            "mdf: " + file.path() +
+                ": 65 (0x41): expected a block \"##\" at 65 (0x41), found \"#HD\\x00\"\n" +
+                "mdf: " + file.path() +
+                ": 1435 (0x59b): expected a block \"##\" at 1152921504606846976 "
+                "(0x1000000000000000), found only 0 bytes up to the file's end\n");
+}
+
+TEST(DumpCommand, SeveralFilesAreNamed) {
+  const TempFile first(healthyFile());
+  const TempFile second(healthyFile());
+  const RunResult result = run({"dump", first.path(), "/no/such/file", second.path()});
+  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.output,
+            first.path() + ":\n" + healthyDump() + second.path() + ":\n" + healthyDump());
+  EXPECT_EQ(result.messages, "mdf: cannot open /no/such/file: No such file or directory\n");
+}
+
+TEST(DumpCommand, BytesOfTheIdentification) {
+  EXPECT_EQ(printed(healthyFile(), {"--hex", "--type", "ID"}),
+            "0 (0x0) identification length 64\n"
+            "  0x00000000  4d 44 46 20 20 20 20 20  id_file = \"MDF     \"\n"
+            "  0x00000008  34 2e 31 30 20 20 20 20  id_vers = \"4.10    \"\n"
+            "  0x00000010  74 65 73 74 70 72 6f 67  id_prog = \"testprog\"\n"
+            "  0x00000018  00 00 00 00              id_reserved1\n"
+            "  0x0000001c  9a 01                    id_ver = 410\n"
+            "  0x0000001e  00 00 00 00 00 00 00 00  id_reserved2\n"
+            "  0x00000026  00 00 00 00 00 00 00 00\n"
+            "  0x0000002e  00 00 00 00 00 00 00 00\n"
+            "  0x00000036  00 00 00 00 00 00 00 00\n"
+            "  0x0000003e  00 00\n");
+}
+
+TEST(DumpCommand, BytesWithTheirFields) {
+  EXPECT_EQ(printed(healthyFile(), {"--hex", "--at", "896"}),
+            "896 (0x380) ##CC length 96 links 4: cc_tx_name=0 cc_md_unit=640 cc_md_comment=0 "
+            "cc_cc_inverse=0\n"
+            "  0x00000380  23 23 43 43              id = \"##CC\"\n"
+            "  0x00000384  00 00 00 00              reserved\n"
+            "  0x00000388  60 00 00 00 00 00 00 00  length = 96\n"
+            "  0x00000390  04 00 00 00 00 00 00 00  link_count = 4\n"
+            "  0x00000398  00 00 00 00 00 00 00 00  cc_tx_name = 0\n"
+            "  0x000003a0  80 02 00 00 00 00 00 00  cc_md_unit = 640 (0x280)\n"
+            "  0x000003a8  00 00 00 00 00 00 00 00  cc_md_comment = 0\n"
+            "  0x000003b0  00 00 00 00 00 00 00 00  cc_cc_inverse = 0\n"
+            "  0x000003b8  01                       cc_type = 1\n"
+            "  0x000003b9  02                       cc_precision = 2\n"
+            "  0x000003ba  01 00                    cc_flags = 1\n"
+            "  0x000003bc  00 00                    cc_ref_count = 0\n"
+            "  0x000003be  02 00                    cc_val_count = 2\n"
+            "  0x000003c0  00 00 00 00 00 00 f0 bf  cc_phy_range_min = -1\n"
+            "  0x000003c8  00 00 00 00 65 cd cd 41  cc_phy_range_max = 1e+09\n"
+            "  0x000003d0  00 00 00 00 00 00 e0 3f  cc_val[0] = 0.5\n"
+            "  0x000003d8  00 00 00 00 00 00 00 40  cc_val[1] = 2\n");
+}
+
+TEST(DumpCommand, BytesOfDataAsFarAsWanted) {
+  const std::string line =
+      "224 (0xe0) ##MD length 40 links 0\n"
+      "  0x000000e0  23 23 4d 44              id = \"##MD\"\n"
+      "  0x000000e4  00 00 00 00              reserved\n"
+      "  0x000000e8  28 00 00 00 00 00 00 00  length = 40\n"
+      "  0x000000f0  00 00 00 00 00 00 00 00  link_count = 0\n"
+      "  md_data, 16 bytes\n";
+  EXPECT_EQ(printed(healthyFile(), {"--hex", "--at", "224"}),
+            line +
+                "  0x000000f8  3c 48 44 63 6f 6d 6d 65 6e 74 2f 3e 00 00 00 00  "
+                "|<HDcomment/>....|\n");
+  EXPECT_EQ(printed(healthyFile(), {"--hex", "--at", "224", "--bytes", "3"}),
+            line +
+                "  0x000000f8  3c 48 44                                         |<HD|\n"
+                "  ... 13 more bytes\n");
+}
+
+TEST(DumpCommand, BytesOfAListAndOfAnUnknownType) {
+  const std::string offsets = printed(healthyFile(), {"--hex", "--at", "1328"});
+  EXPECT_EQ(offsets.substr(offsets.find("  0x00000558")),
+            "  0x00000558  00                       dl_flags = 0\n"
+            "  0x00000559  00 00 00                 dl_reserved\n"
+            "  0x0000055c  01 00 00 00              dl_count = 1\n"
+            "  0x00000560  07 00 00 00 00 00 00 00  dl_offset[0] = 7\n");
+  FileBuilder file;
+  file.add("DL", {0, 0}, Bytes().u8s({1, 0, 0, 0}).u32(1).u64(4096));
+  file.add("ZZ", {64, 7}, "abc");
+  const std::string list = printed(file.bytes(), {"--hex", "--at", "168"});
+  EXPECT_EQ(list.substr(list.find("  0x000000d8")),
+            "  0x000000d8  00 10 00 00 00 00 00 00  dl_equal_length = 4096\n");
+  EXPECT_EQ(printed(file.bytes(), {"--hex", "--at", "224"}),
+            "224 (0xe0) ##ZZ length 43 links 2: 64 7\n"
+            "  0x000000e0  23 23 5a 5a              id = \"##ZZ\"\n"
+            "  0x000000e4  00 00 00 00              reserved\n"
+            "  0x000000e8  2b 00 00 00 00 00 00 00  length = 43\n"
+            "  0x000000f0  02 00 00 00 00 00 00 00  link_count = 2\n"
+            "  0x000000f8  40 00 00 00 00 00 00 00  link 0 = 64 (0x40)\n"
+            "  0x00000100  07 00 00 00 00 00 00 00  link 1 = 7 (0x7)\n"
+            "  further data, 3 bytes\n"
+            "  0x00000108  61 62 63                                         |abc|\n");
+}
+
+TEST(DumpCommand, BytesOfABlockThatIsCutOff) {
+  const TempFile file(healthyFile().substr(0, 346));
+  const RunResult result = run({"dump", "--hex", "--at", "312", file.path()});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.messages,
+            "mdf: " + file.path() +
+                ": 312 (0x138): expected the 64 bytes of ##DG, found 34 up to the file's end\n");
+  EXPECT_EQ(result.output,
+            "312 (0x138) ##DG length 64 links 4: dg_dg_next=0\n"
+            "  0x00000138  23 23 44 47              id = \"##DG\"\n"
+            "  0x0000013c  00 00 00 00              reserved\n"
+            "  0x00000140  40 00 00 00 00 00 00 00  length = 64\n"
+            "  0x00000148  04 00 00 00 00 00 00 00  link_count = 4\n"
+            "  0x00000150  00 00 00 00 00 00 00 00  dg_dg_next = 0\n");
+}
+
+TEST(DumpCommand, JsonLines) {
+  const TempFile file(healthyFile());
+  const RunResult result = run({"dump", "--json", "--at", "0", "--at", "896", "--at", "224", "--at",
+                                "744", "--bytes", "8", file.path()});
+  EXPECT_EQ(result.exit_code, 0);
+  const std::string head = R"({"schema":1,"file":")" + file.path() + R"(","offset":)";
+  EXPECT_EQ(
+      result.output,
+      head +
+          R"(0,"type":"ID","length":64,"fields":{"id_file":"MDF     ","id_vers":"4.10    ",)"
+          R"("id_prog":"testprog","id_ver":410}})"
+          "\n" +
+          head +
+          R"(896,"type":"CC","length":96,"link_count":4,"fields":{"cc_type":1,"cc_precision":2,)"
+          R"("cc_flags":1,"cc_ref_count":0,"cc_val_count":2,"cc_phy_range_min":-1.0,)"
+          R"("cc_phy_range_max":1000000000.0},"cc_val":[0.5],"tail_bytes":16,"links":[)"
+          R"({"role":"cc_tx_name","offset":0},{"role":"cc_md_unit","offset":640},)"
+          R"({"role":"cc_md_comment","offset":0},{"role":"cc_cc_inverse","offset":0}]})"
+          "\n" +
+          head +
+          R"(224,"type":"MD","length":40,"link_count":0,"fields":{},"text":"<HDcomme",)"
+          R"("tail_bytes":16,"links":[]})"
+          "\n" +
+          head +
+          R"(744,"type":"DT","length":28,"link_count":0,"fields":{},"tail_bytes":4,"links":[]})"
+          "\n");
+}
+
+TEST(DumpCommand, DataIsNotReadWhereItIsNotShown) {
+  constexpr std::uint64_t far = std::uint64_t{1} << 42U;
+  FileBuilder builder;
+  const std::uint64_t data = builder.add("DT", {}, "");
+  const std::uint64_t group = builder.add("DG", {0, 0, data, 0}, Bytes().zeros(8));
+  builder.link(FileBuilder::header, 0, group);
+  builder.write(data + 8, Bytes().u64(far));
+  TempFile file(builder.bytes());
+  // The data reaches to the end of a file with a hole of four tebibytes.
+  file.writeAt(data + far - 1, "!");
+  for (const std::string option : {"--hex", "--json"}) {
+    const RunResult result = run({"dump", option, file.path()});
+    EXPECT_EQ(result.exit_code, 0);
+    EXPECT_NE(result.output.find("4398046511104"), std::string::npos);
   }
 }
 

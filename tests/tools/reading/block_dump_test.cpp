@@ -53,9 +53,10 @@ std::string lineOf(const std::string& bytes) {
 
 TEST(BlockDump, LineShowsTheCountAsStoredAndTheLinksThatStandThere) {
   EXPECT_EQ(lineOf(Bytes().header("HL", 40, 0).i64(4096).zeros(8)),
-            "0 (0x0) ##HL length 40 links 0: 4096\n");
+            "0 (0x0) ##HL length 40 links 0: hl_dl_first=4096\n");
   EXPECT_EQ(lineOf(Bytes().header("CH", 88, 5).links({1, 2, 3, 4, 5, 6, 7}).zeros(8)),
-            "0 (0x0) ##CH length 88 links 5: 1 2 3 4 5 6 7\n");
+            "0 (0x0) ##CH length 88 links 5: ch_ch_next=1 ch_ch_first=2 ch_tx_name=3 "
+            "ch_md_comment=4 ch_element[0].dg=5 ch_element[0].cg=6 ch_element[0].cn=7\n");
   EXPECT_EQ(lineOf(Bytes().header("XX", UINT64_MAX, UINT64_MAX).links({1, 2}).u32(3)),
             "0 (0x0) ##XX length 18446744073709551615 links 18446744073709551615: 1 2\n");
 }
@@ -72,37 +73,52 @@ const std::string group_fields =
 
 TEST(BlockDump, LineShowsTheLinksThatTheFieldsDoNot) {
   const Dumped dump = blockDump(Bytes().header("DG", 64, 4).links({64, 65, 66, 67}).u8(8).zeros(7));
-  EXPECT_EQ(dump.output, "0 (0x0) ##DG length 64 links 4: 64 65 66 67\n" + group_fields);
+  EXPECT_EQ(
+      dump.output,
+      "0 (0x0) ##DG length 64 links 4: dg_dg_next=64 dg_cg_first=65 dg_data=66 dg_md_comment=67\n" +
+          group_fields);
   EXPECT_EQ(dump.findings, "");
 }
 
 TEST(BlockDump, FixedSizeBlockMayBeLonger) {
   const Dumped dump = blockDump(Bytes().header("DG", 72, 4).zeros(32).u8(8).zeros(15));
-  EXPECT_EQ(dump.output, "0 (0x0) ##DG length 72 links 4: 0 0 0 0\n" + group_fields);
+  EXPECT_EQ(
+      dump.output,
+      "0 (0x0) ##DG length 72 links 4: dg_dg_next=0 dg_cg_first=0 dg_data=0 dg_md_comment=0\n" +
+          group_fields);
   EXPECT_EQ(dump.findings, "");
 }
 
 TEST(BlockDump, FixedSizeBlockThatIsTooShortIsReportedAndShown) {
   const Dumped dump = blockDump(Bytes().header("DG", 63, 4).zeros(32).u8(8).zeros(7));
-  EXPECT_EQ(dump.output, "0 (0x0) ##DG length 63 links 4: 0 0 0 0\n" + group_fields);
+  EXPECT_EQ(
+      dump.output,
+      "0 (0x0) ##DG length 63 links 4: dg_dg_next=0 dg_cg_first=0 dg_data=0 dg_md_comment=0\n" +
+          group_fields);
   EXPECT_EQ(dump.findings,
             "0: expected length and link count to fit ##DG, found length 63 and 4 links\n");
 }
 
 TEST(BlockDump, FixedSizeBlockWhoseBytesAreNotThereIsReported) {
   const Dumped dump = blockDump(Bytes().header("DG", 63, 4).zeros(32).u8(8).zeros(6));
-  EXPECT_EQ(dump.output, "0 (0x0) ##DG length 63 links 4: 0 0 0 0\n");
+  EXPECT_EQ(
+      dump.output,
+      "0 (0x0) ##DG length 63 links 4: dg_dg_next=0 dg_cg_first=0 dg_data=0 dg_md_comment=0\n");
   EXPECT_EQ(dump.findings,
             "0: expected length and link count to fit ##DG, found length 63 and 4 links\n");
 }
 
 TEST(BlockDump, LinksThatLeaveNoRoomForTheFieldsAreReported) {
   const Dumped group = blockDump(Bytes().header("DG", 64, 5).zeros(40));
-  EXPECT_EQ(group.output, "0 (0x0) ##DG length 64 links 5: 0 0 0 0 0\n");
+  EXPECT_EQ(
+      group.output,
+      "0 (0x0) ##DG length 64 links 5: dg_dg_next=0 dg_cg_first=0 dg_data=0 dg_md_comment=0 0\n");
   EXPECT_EQ(group.findings,
             "0: expected length and link count to fit ##DG, found length 64 and 5 links\n");
   const Dumped channel = blockDump(Bytes().header("CN", 159, 8).zeros(136));
-  EXPECT_EQ(channel.output, "0 (0x0) ##CN length 159 links 8: 0 0 0 0 0 0 0 0\n");
+  EXPECT_EQ(channel.output,
+            "0 (0x0) ##CN length 159 links 8: cn_cn_next=0 cn_composition=0 cn_tx_name=0 "
+            "cn_si_source=0 cn_cc_conversion=0 cn_data=0 cn_md_unit=0 cn_md_comment=0\n");
   EXPECT_EQ(channel.findings,
             "0: expected length and link count to fit ##CN, found length 159 and 8 links\n");
 }
@@ -208,7 +224,9 @@ TEST(BlockDump, LengthBeyondFourGibibytesIsTakenAsTheClassTakesIt) {
                 "[DEBUG] ==================== End of TXBLOCK ===================\n");
   EXPECT_EQ(text.findings, "");
   const Dumped channel = blockDump(input, 32);
-  EXPECT_EQ(channel.output, "32 (0x20) ##CN length 4294967320 links 8: 0 0 0 0 0 0 0 0\n");
+  EXPECT_EQ(channel.output,
+            "32 (0x20) ##CN length 4294967320 links 8: cn_cn_next=0 cn_composition=0 cn_tx_name=0 "
+            "cn_si_source=0 cn_cc_conversion=0 cn_data=0 cn_md_unit=0 cn_md_comment=0\n");
   EXPECT_EQ(
       channel.findings,
       "32: expected length and link count to fit ##CN, found length 4294967320 and 8 links\n");

@@ -113,8 +113,9 @@ TEST(FileDump, EndsWhenTheOutputFails) {
   InputFile input(file.path());
   const CFile full = fullFile();
   OutputBuffer output(full.get(), OutputBuffer::Bytes::as_they_are);
+  std::ostream os(&output);
   int findings = 0;
-  mdf_tools::dumpFile(input, output, [&](const Finding&) { ++findings; });
+  mdf_tools::dumpFile(input, os, [&](const Finding&) { ++findings; });
   EXPECT_EQ(output.error(), ENOSPC);
   EXPECT_EQ(findings, 0);
   EXPECT_EQ(dumpedBytes(bytes).findings,
@@ -128,10 +129,12 @@ void expectBeginningOfDump(const std::string& path, std::size_t limit) {
   InputFile input(file.path());
   const CFile cut(std::fopen(path.c_str(), "wb"), std::fclose);
   OutputBuffer output(cut.get(), OutputBuffer::Bytes::as_they_are);
+  std::ostream os(&output);
   {
     const FileSizeLimit full(limit);
-    mdf_tools::dumpFile(input, output,
+    mdf_tools::dumpFile(input, os,
                         [](const Finding& finding) { ADD_FAILURE() << finding.sentence; });
+    output.flush();
   }
   EXPECT_EQ(output.error(), EFBIG);
   EXPECT_EQ(bytesOf(path), healthyDump().substr(0, limit));
@@ -153,9 +156,9 @@ std::string findingsWhenCut(const std::string& bytes, std::uint64_t size) {
   std::filesystem::resize_file(file.path(), size);
   const CFile printed = temporaryFile();
   OutputBuffer output(printed.get(), OutputBuffer::Bytes::as_they_are);
+  std::ostream os(&output);
   std::string findings;
-  mdf_tools::dumpFile(input, output,
-                      [&](const Finding& finding) { findings += findingLine(finding); });
+  mdf_tools::dumpFile(input, os, [&](const Finding& finding) { findings += findingLine(finding); });
   return findings;
 }
 

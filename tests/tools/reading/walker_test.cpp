@@ -316,4 +316,39 @@ TEST(Walker, MillionLinksNeedNoMemory) {
   EXPECT_EQ(findings, million / 2);
 }
 
+TEST(Walker, FromAnotherBlock) {
+  const TempFile file(fileHead({0, 0, 0, 0, 0, 0}) + unknownBlock({200, 208}) + unknownBlock({0}));
+  InputFile input(file.path());
+  std::string findings;
+  const auto report = [&](const Finding& finding) { findings += findingLine(finding); };
+  EXPECT_EQ(walkBlocks(input, report, 168), (std::vector<std::uint64_t>{168, 208}));
+  EXPECT_EQ(findings,
+            "168: expected link 0 of ##XX to lead to a block \"##\", found "
+            "\"\\x00\\x00\\x00\\x00\" at 200 (0xc8)\n");
+  findings.clear();
+  EXPECT_EQ(walkBlocks(input, report, 169), std::vector<std::uint64_t>());
+  EXPECT_EQ(findings, "169: expected a block \"##\" at 169 (0xa9), found \"#XX\\x00\"\n");
+}
+
+TEST(Walker, BlocksThatOverlapAreFollowedInProportionToTheFile) {
+  constexpr std::uint64_t count = 20000;
+  constexpr std::uint64_t end = 168 + 32 * count;
+  Bytes bytes;
+  for (std::uint64_t at = 168; at < end; at += 32) {
+    bytes.header("XX", end - at, (end - at - 24) / 8).i64(static_cast<std::int64_t>(at) + 32);
+  }
+  const TempFile file(fileHead({168, 0, 0, 0, 0, 0}) + bytes.str());
+  InputFile input(file.path());
+  std::uint64_t findings = 0;
+  std::string last;
+  walkBlocks(input, [&](const Finding& finding) {
+    ++findings;
+    last = finding.sentence.rfind("expected blocks", 0) == 0 ? finding.sentence : last;
+  });
+  EXPECT_LE(findings, 4 * end / 8 + 1);
+  EXPECT_EQ(last,
+            "expected blocks that lie beside one another, found several times the file's bytes in "
+            "blocks that overlap; not all of them are gone through");
+}
+
 }  // namespace

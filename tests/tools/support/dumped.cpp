@@ -1,5 +1,7 @@
 #include "dumped.h"
 
+#include <ostream>
+
 #include "c_file.h"
 #include "reading/file_dump.h"
 #include "reading/input_file.h"
@@ -17,13 +19,15 @@ Dumped dumpedFile(const std::string& path, std::size_t allocation_limit) {
   const CFile printed = temporaryFile();
   mdf_tools::InputFile file(path);
   mdf_tools::OutputBuffer output(printed.get(), mdf_tools::OutputBuffer::Bytes::as_they_are);
+  std::ostream os(&output);
   Dumped result;
   {
     const AllocationLimit limit(allocation_limit);
-    mdf_tools::dumpFile(file, output, [&](const mdf_tools::Finding& finding) {
+    mdf_tools::dumpFile(file, os, [&](const mdf_tools::Finding& finding) {
       result.findings += findingLine(finding);
     });
   }
+  output.flush();
   result.output = contentOf(printed.get());
   return result;
 }
