@@ -22,6 +22,7 @@ void addExtractCommand(CLI::App& app, int& exit_code);
 void addRecordCommand(CLI::App& app, int& exit_code);
 void addExportCommand(CLI::App& app, int& exit_code);
 void addPlotCommand(CLI::App& app, int& exit_code);
+void addTreeCommand(CLI::App& app, int& exit_code);
 
 }  // namespace mdf_tools
 

@@ -324,7 +324,7 @@ TEST(Walker, FromAnotherBlock) {
   EXPECT_EQ(walkBlocks(input, report, 168), (std::vector<std::uint64_t>{168, 208}));
   EXPECT_EQ(findings,
             "168: expected link 0 of ##XX to lead to a block \"##\", found "
-            "\"\\x00\\x00\\x00\\x00\" at 200 (0xc8)\n");
+            "\"\\xd0\\x00\\x00\\x00\" at 200 (0xc8)\n");
   findings.clear();
   EXPECT_EQ(walkBlocks(input, report, 169), std::vector<std::uint64_t>());
   EXPECT_EQ(findings, "169: expected a block \"##\" at 169 (0xa9), found \"#XX\\x00\"\n");

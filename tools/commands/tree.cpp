@@ -1,0 +1,82 @@
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "command.h"
+#include "drawing/tree_text.h"
+#include "file_command.h"
+#include "offset_option.h"
+#include "reading/input_file.h"
+
+namespace mdf_tools {
+
+namespace {
+
+struct TreeArguments {
+  std::shared_ptr<std::vector<std::string>> paths;
+  std::string from = "64";
+  TreeOptions options;
+  bool shows_all = false;
+  bool hides_texts = false;
+  bool is_json = false;
+};
+
+constexpr const char* footer =
+    R"(A line for each link of each block, from the header block down: the link's name, the block's type and
+offset, its name and what tells it from others. Blocks of a chain, such as the channels of a group,
+are on one level. A block is expanded where it is reached first; after that its line says "shared",
+or "cycle" where the link leads back to a block that it is below of or behind in the same chain.
+
+Of a list or chain of more than 100 the rest is counted, unless --all asks for every one.
+
+With --json each line is an object: schema, file, entry ("block", "shared", "cycle", "nothing" where
+no block is, "left out"), depth, from, role, offset, and for blocks type, length, name and what else
+there is to say. Problems go to standard error, one line each with the block's offset.
+
+Examples:
+  mdf tree trip.mf4 | less                       look through a file
+  mdf tree --no-text trip.mf4                    without names, units and comments as lines
+  mdf tree --depth 2 trip.mf4                    data groups and channel groups, not what is in them
+  mdf tree --from 0x138 trip.mf4                 a block and what is below it
+  mdf tree --json --all trip.mf4 | jq -r .type   for other programs
+
+Exit code: 0 fine, 1 problems found in the file, 2 wrong arguments or unreadable file.)";
+
+int tree(TreeArguments arguments) {
+  arguments.options.from = parseOffset(arguments.from).value_or(header_block_offset);
+  arguments.options.with_texts = !arguments.hides_texts;
+  if (arguments.shows_all) {
+    arguments.options.list_limit = UINT64_MAX;
+  }
+  return onEachFile(*arguments.paths, [&](const FileContext& context) {
+    if (arguments.is_json) {
+      writeTreeAsJson(context.file, arguments.options, context.out, context.report);
+      return;
+    }
+    if (context.is_one_of_several) {
+      context.out << context.file.name() << ":\n";
+    }
+    writeTree(context.file, arguments.options, context.out, context.report);
+  });
+}
+
+}  // namespace
+
+void addTreeCommand(CLI::App& app, int& exit_code) {
+  CLI::App* command = app.add_subcommand("tree", "Show a file's blocks as a tree");
+  const auto arguments = std::make_shared<TreeArguments>();
+  arguments->paths = addFileArguments(*command);
+  command->add_option("--from", arguments->from, "Begin at the block at this offset")
+      ->type_name("OFFSET")
+      ->check(isOffset());
+  command->add_option("--depth", arguments->options.most_depth, "Go down so many levels")
+      ->type_name("N");
+  command->add_flag("--no-text", arguments->hides_texts, "Leave out text and metadata blocks");
+  command->add_flag("--all", arguments->shows_all, "Show long lists and chains whole");
+  command->add_flag("--json", arguments->is_json, "Write JSON lines, one for each link");
+  command->footer(footer);
+  command->callback([arguments, &exit_code] { exit_code = tree(*arguments); });
+}
+
+}  // namespace mdf_tools
