@@ -15,6 +15,7 @@ enum ExitCode : int {
 };
 
 /// Each adds one subcommand to the command line. When the subcommand runs it stores an ExitCode.
+void addCheckCommand(CLI::App& app, int& exit_code);
 void addDumpCommand(CLI::App& app, int& exit_code);
 void addInfoCommand(CLI::App& app, int& exit_code);
 void addListCommand(CLI::App& app, int& exit_code);

@@ -18,59 +18,64 @@ std::int64_t loadSigned(std::string_view bytes) {
   return static_cast<std::int64_t>(unsignedNumber(bytes) << unused_bits) >> unused_bits;
 }
 
-/// One of several links of a kind.
-LinkRole indexed(std::string_view role, std::uint64_t index, std::string_view targets) {
-  return {std::string(role) + '[' + std::to_string(index) + ']', {role, targets}};
-}
+/// A link behind those that each block of a type has.
+struct AdditionalLink {
+  LinkLayout layout;                                    ///< without a role where nothing is known
+  std::optional<std::uint64_t> element = std::nullopt;  ///< which one of several
+  std::string_view part = {};                           ///< of an element with several links
+};
 
 /// A channel hierarchy's elements, three links each.
-LinkRole hierarchyRole(std::uint64_t index) {
-  constexpr std::array<std::string_view, 3> parts = {"dg", "cg", "cn"};
+AdditionalLink hierarchyLink(std::uint64_t index) {
+  constexpr std::array<std::string_view, 3> parts = {".dg", ".cg", ".cn"};
   constexpr std::array<std::string_view, 3> targets = {"DG", "CG", "CN"};
-  LinkRole role = indexed("ch_element", index / 3, targets.at(index % 3));
-  role.name += std::string(".") + std::string(parts.at(index % 3));
-  return role;
+  return {{"ch_element", targets.at(index % 3)}, index / 3, parts.at(index % 3)};
+}
+
+AdditionalLink channelLink(const BlockFields& block, std::uint64_t index) {
+  const std::uint64_t attachments = block.number("cn_attachment_count");
+  constexpr std::array<LinkLayout, 3> x_axis = {LinkLayout{"cn_default_x_dg", "DG"},
+                                                LinkLayout{"cn_default_x_cg", "CG"},
+                                                LinkLayout{"cn_default_x_cn", "CN"}};
+  if (index < attachments) {
+    return {{"cn_at_reference", "AT"}, index};
+  }
+  if (index - attachments < x_axis.size()) {
+    return {x_axis.at(static_cast<std::size_t>(index - attachments))};
+  }
+  return {{"", ""}};
+}
+
+AdditionalLink eventLink(const BlockFields& block, std::uint64_t index) {
+  const std::uint64_t scopes = block.number("ev_scope_count");
+  if (index < scopes) {
+    return {{"ev_scope", "CN CG"}, index};
+  }
+  if (index - scopes < block.number("ev_attachment_count")) {
+    return {{"ev_at_reference", "AT"}, index - scopes};
+  }
+  return {{"", ""}};
 }
 
 /// What links may stand behind a type's own ones.
-LinkRole additionalRole(const BlockFields& block, std::uint64_t index) {
+AdditionalLink additionalLink(const BlockFields& block, std::uint64_t index) {
   const std::string_view type = block.layout()->letters;
+  if (type == "DL") {
+    return {{"dl_data", "DT SD RD DZ"}, index};
+  }
   if (type == "CN") {
-    const std::uint64_t attachments = block.number("cn_attachment_count");
-    constexpr std::array<LinkLayout, 3> x_axis = {LinkLayout{"cn_default_x_dg", "DG"},
-                                                  LinkLayout{"cn_default_x_cg", "CG"},
-                                                  LinkLayout{"cn_default_x_cn", "CN"}};
-    if (index < attachments) {
-      return indexed("cn_at_reference", index, "AT");
-    }
-    if (index - attachments < x_axis.size()) {
-      const LinkLayout& layout = x_axis.at(static_cast<std::size_t>(index - attachments));
-      return {std::string(layout.role), layout};
-    }
+    return channelLink(block, index);
   }
   if (type == "EV") {
-    const std::uint64_t scopes = block.number("ev_scope_count");
-    if (index < scopes) {
-      return indexed("ev_scope", index, "CN CG");
-    }
-    if (index - scopes < block.number("ev_attachment_count")) {
-      return indexed("ev_at_reference", index - scopes, "AT");
-    }
+    return eventLink(block, index);
   }
   if (type == "CG" && index == 0) {
-    return {"cg_cg_master", {"cg_cg_master", "CG"}};
+    return {{"cg_cg_master", "CG"}};
   }
   if (type == "CC") {
-    return indexed("cc_ref", index, "TX MD CC");
+    return {{"cc_ref", "TX MD CC"}, index};
   }
-  if (type == "CH") {
-    return hierarchyRole(index);
-  }
-  if (type == "DL") {
-    return indexed("dl_data", index, "DT SD RD DZ");
-  }
-  const std::uint64_t position = block.layout()->links.size() + index;
-  return {"link " + std::to_string(position), {"", ""}};
+  return type == "CH" ? hierarchyLink(index) : AdditionalLink{{"", ""}};
 }
 
 }  // namespace
@@ -184,15 +189,30 @@ std::optional<BlockFields> readFields(InputFile& file, std::uint64_t offset,
 }
 
 LinkRole linkRole(const BlockFields& block, std::uint64_t index) {
-  if (block.layout() == nullptr) {
-    return {"link " + std::to_string(index), {"", ""}};
-  }
-  const std::vector<LinkLayout>& own = block.layout()->links;
-  if (index < own.size()) {
-    const LinkLayout& layout = own[static_cast<std::size_t>(index)];
+  const std::size_t own = block.layout() == nullptr ? 0 : block.layout()->links.size();
+  if (index < own) {
+    const LinkLayout& layout = block.layout()->links[static_cast<std::size_t>(index)];
     return {std::string(layout.role), layout};
   }
-  return additionalRole(block, index - own.size());
+  const AdditionalLink link =
+      own == 0 ? AdditionalLink{{"", ""}} : additionalLink(block, index - own);
+  if (link.layout.role.empty()) {
+    return {"link " + std::to_string(index), link.layout};
+  }
+  LinkRole role{std::string(link.layout.role), link.layout};
+  if (link.element) {
+    role.name += '[' + std::to_string(*link.element) + ']' + std::string(link.part);
+  }
+  return role;
+}
+
+std::string_view linkTargets(const BlockFields& block, std::uint64_t index) {
+  if (block.layout() == nullptr || block.layout()->links.empty()) {
+    return "";
+  }
+  const std::vector<LinkLayout>& own = block.layout()->links;
+  return index < own.size() ? own[static_cast<std::size_t>(index)].targets
+                            : additionalLink(block, index - own.size()).layout.targets;
 }
 
 }  // namespace mdf_tools

@@ -79,6 +79,9 @@ struct LinkRole {
 };
 LinkRole linkRole(const BlockFields& block, std::uint64_t index);
 
+/// The letters of the types that the link at an index may lead to, as LinkLayout has them.
+std::string_view linkTargets(const BlockFields& block, std::uint64_t index);
+
 }  // namespace mdf_tools
 
 #endif  // MDF_TOOLS_READING_BLOCK_FIELDS_H_

@@ -200,8 +200,12 @@ const std::vector<FieldLayout>& identificationFields() {
 }
 
 bool mayLeadTo(const LinkLayout& link, std::string_view letters) {
-  return link.targets.empty() || (letters.size() == 2 && letters.find(' ') == letters.npos &&
-                                  link.targets.find(letters) != std::string_view::npos);
+  return isAmongTargets(link.targets, letters);
+}
+
+bool isAmongTargets(std::string_view targets, std::string_view letters) {
+  return targets.empty() || (letters.size() == 2 && letters.find(' ') == letters.npos &&
+                             targets.find(letters) != std::string_view::npos);
 }
 
 }  // namespace mdf_tools

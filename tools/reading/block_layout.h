@@ -55,6 +55,7 @@ const std::vector<FieldLayout>& identificationFields();
 
 /// Whether a link with these targets may lead to a block with these letters.
 bool mayLeadTo(const LinkLayout& link, std::string_view letters);
+bool isAmongTargets(std::string_view targets, std::string_view letters);
 
 }  // namespace mdf_tools
 

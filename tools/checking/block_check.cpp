@@ -1,0 +1,200 @@
+#include "block_check.h"
+
+#include <string>
+#include <string_view>
+
+#include "link_kinds.h"
+#include "reading/walker.h"
+#include "survey.h"
+
+namespace mdf_tools {
+
+namespace {
+
+constexpr std::uint64_t alignment = 8;
+
+/// The links behind its own ones that a block's counts and flags speak of.
+std::uint64_t promisedLinks(const BlockFields& block) {
+  constexpr std::uint64_t has_default_x = 0x1000;
+  constexpr std::uint64_t has_remote_master = 8;
+  const std::string_view type = block.raw().letters();
+  if (type == "CN") {
+    return block.number("cn_attachment_count") + (block.hasFlag("cn_flags", has_default_x) ? 3 : 0);
+  }
+  if (type == "CC") {
+    return block.number("cc_ref_count");
+  }
+  if (type == "EV") {
+    return block.number("ev_scope_count") + block.number("ev_attachment_count");
+  }
+  if (type == "CH") {
+    return 3 * block.number("ch_element_count");
+  }
+  return type == "CG" && block.hasFlag("cg_flags", has_remote_master) ? 1 : 0;
+}
+
+/// What a block's count says of the numbers of 8 bytes behind its fields.
+struct PromisedNumbers {
+  std::string_view count_field;
+  std::uint64_t count = 0;
+};
+
+PromisedNumbers promisedNumbers(const BlockFields& block) {
+  const std::string_view type = block.raw().letters();
+  if (type == "CC") {
+    return {"cc_val_count", block.number("cc_val_count")};
+  }
+  if (type == "CA") {
+    return {"ca_ndim", block.number("ca_ndim")};
+  }
+  if (type == "DL") {
+    const bool has_equal_length = block.hasFlag("dl_flags", 1);
+    return {"dl_count", has_equal_length ? 1 : block.number("dl_count")};
+  }
+  return {};
+}
+
+void checkCounts(const Subject& subject, const BlockFields& block, std::uint32_t index) {
+  const std::uint64_t there = block.raw().linkCount() - block.layout()->links.size();
+  const std::uint64_t promised = promisedLinks(block);
+  if (promised > there) {
+    subject.report(Code::links_missing, index,
+                   "expected " + std::to_string(promised) + " links behind the first " +
+                       std::to_string(block.layout()->links.size()) +
+                       " by its counts and flags, found " + std::to_string(there));
+  }
+  const PromisedNumbers numbers = promisedNumbers(block);
+  const std::uint64_t room = block.tailBytes() / 8;
+  if (numbers.count > room) {
+    subject.report(Code::count_too_large, index,
+                   "expected room for the " + std::to_string(numbers.count) +
+                       " numbers of 8 bytes of " + std::string(numbers.count_field) +
+                       ", found room for " + std::to_string(room));
+  }
+}
+
+/// Whether the length holds header, links and fields.
+bool checkLength(const Subject& subject, const BlockFields& block, std::uint32_t index) {
+  const RawBlock& raw = block.raw();
+  const std::size_t fields = block.layout() == nullptr ? 0 : block.layout()->fieldsWidth();
+  const std::uint64_t links = raw.linkCount() * RawBlock::link_size;
+  if (raw.holdsItsLinks() && raw.length - RawBlock::header_size - links >= fields) {
+    return true;
+  }
+  subject.report(Code::length_too_small, index,
+                 "expected a length that holds the header, " + std::to_string(raw.linkCount()) +
+                     " links and " + std::to_string(fields) + " bytes of fields, found " +
+                     std::to_string(raw.length));
+  return false;
+}
+
+/// Checks links of one block.
+class LinkCheck {
+ public:
+  LinkCheck(const Subject& subject, const BlockFields& block, std::uint32_t index)
+      : subject_(subject), block_(block), index_(index), kinds_(linkKinds(block.raw().letters())) {}
+
+  void check(std::uint64_t number, std::uint64_t target) const {
+    if (target == 0) {
+      return;
+    }
+    const std::uint32_t found = subject_.blocks.find(target);
+    if (found == BlockTable::none) {
+      checkLost(number, target);
+    } else {
+      checkFound(number, found);
+    }
+  }
+
+ private:
+  void checkFound(std::uint64_t number, std::uint32_t found) const;
+  void checkLost(std::uint64_t number, std::uint64_t target) const;
+
+  void report(Code code, std::uint64_t number, const std::string& expected_found) const {
+    subject_.report(code, index_,
+                    "expected " + linkRole(block_, number).name + " to lead " + expected_found);
+  }
+
+  const Subject& subject_;
+  const BlockFields& block_;
+  std::uint32_t index_;
+  LinkKinds kinds_;
+};
+
+void LinkCheck::checkFound(std::uint64_t number, std::uint32_t found) const {
+  const BlockEntry& target = subject_.blocks[found];
+  const std::string_view targets = linkTargets(block_, number);
+  if (!isAmongTargets(targets, target.letters()) && findLayout(target.letters()) != nullptr) {
+    report(Code::link_wrong_type, number,
+           "to " + std::string(targets) + ", found " + nameAt(target.letters(), target.offset));
+  } else if (!kinds_.refers(number) && found <= index_ && index_ < target.end) {
+    report(Code::chain_endless, number,
+           "on to the end of its list or tree, found " + nameAt(target.letters(), target.offset) +
+               ", which leads here");
+  }
+}
+
+void LinkCheck::checkLost(std::uint64_t number, std::uint64_t target) const {
+  const InputFile& file = subject_.file;
+  const std::uint64_t around = target < file.size() ? subject_.space.blockAround(target) : 0;
+  if (file.sizeFrom(target) < RawBlock::header_size) {
+    report(Code::link_outside_file, number,
+           "to a block in the file of " + std::to_string(file.size()) + " bytes, found " +
+               decimalAndHex(target));
+  } else if (target % alignment != 0) {
+    report(Code::link_misaligned, number,
+           "to a block on a multiple of 8, found " + decimalAndHex(target));
+  } else if (target < header_block_offset) {
+    report(Code::link_inside_block, number,
+           "to a block, found " + decimalAndHex(target) + " inside the identification");
+  } else if (around != 0) {
+    const std::uint32_t found = subject_.blocks.find(around);
+    report(Code::link_inside_block, number,
+           "to a block, found " + decimalAndHex(target) + " inside " +
+               nameAt(subject_.blocks[found].letters(), around));
+  } else {
+    report(Code::link_to_no_block, number, "to a block, found none at " + decimalAndHex(target));
+  }
+}
+
+}  // namespace
+
+bool checkShape(const Subject& subject, const BlockFields& block, std::uint32_t index) {
+  const RawBlock& raw = block.raw();
+  if (raw.offset % alignment != 0) {
+    subject.report(
+        Code::block_misaligned, index,
+        "expected the block to stand on a multiple of 8, found " + decimalAndHex(raw.offset));
+  }
+  const bool is_whole = isWhole(subject.file, raw);
+  if (!is_whole) {
+    subject.report(Code::length_past_end, index,
+                   "expected the " + std::to_string(raw.length) + " bytes of the block, found " +
+                       std::to_string(subject.file.sizeFrom(raw.offset)) +
+                       " up to the end of the file");
+  }
+  if (subject.space.isOpen(raw)) {
+    return false;
+  }
+  const std::size_t own_links = block.layout() == nullptr ? 0 : block.layout()->links.size();
+  if (raw.linkCount() < own_links) {
+    subject.report(Code::links_missing, index,
+                   "expected at least " + std::to_string(own_links) + " links, found " +
+                       std::to_string(raw.linkCount()));
+    return false;
+  }
+  if (!checkLength(subject, block, index) || !is_whole || block.layout() == nullptr) {
+    return false;
+  }
+  checkCounts(subject, block, index);
+  return true;
+}
+
+void checkLinks(const Subject& subject, const BlockFields& block, std::uint32_t index) {
+  const LinkCheck check(subject, block, index);
+  forEachSurveyedLink(
+      subject.file, block.raw(), subject.blocks[index],
+      [&](std::uint64_t number, std::uint64_t target) { check.check(number, target); });
+}
+
+}  // namespace mdf_tools

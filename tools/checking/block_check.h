@@ -1,0 +1,20 @@
+#ifndef MDF_TOOLS_CHECKING_BLOCK_CHECK_H_
+#define MDF_TOOLS_CHECKING_BLOCK_CHECK_H_
+
+#include <cstdint>
+
+#include "reading/block_fields.h"
+#include "subject.h"
+
+namespace mdf_tools {
+
+/// Checks a block's place, length, number of links and counts. Returns whether its fields and what
+/// stands behind them are all there.
+bool checkShape(const Subject& subject, const BlockFields& block, std::uint32_t index);
+
+/// Checks where each of a block's links leads.
+void checkLinks(const Subject& subject, const BlockFields& block, std::uint32_t index);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_CHECKING_BLOCK_CHECK_H_

@@ -1,0 +1,82 @@
+#ifndef MDF_TOOLS_CHECKING_CODES_H_
+#define MDF_TOOLS_CHECKING_CODES_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace mdf_tools {
+
+enum class Severity {
+  note,     ///< allowed, and worth knowing
+  warning,  ///< against the format, yet readers lose nothing by it; or something is left open
+  error,    ///< readers lose data, or find other data than was written
+};
+
+/// What can be wrong with a file.
+enum class Code {
+  not_mdf,
+  version_wrong,
+  version_text_wrong,
+  header_missing,
+  file_unfinished,
+  link_outside_file,
+  link_misaligned,
+  link_inside_block,
+  link_to_no_block,
+  link_wrong_type,
+  chain_endless,
+  block_misaligned,
+  length_too_small,
+  length_past_end,
+  blocks_overlap,
+  links_missing,
+  block_unreachable,
+  count_too_large,
+  list_count_wrong,
+  list_offsets_not_ascending,
+  list_offsets_wrong,
+  equal_length_broken,
+  zip_length_wrong,
+  zip_broken,
+  zip_original_length_wrong,
+  text_not_terminated,
+  text_not_utf8,
+  xml_not_well_formed,
+  attachment_length_wrong,
+  attachment_digest_wrong,
+  record_id_size_wrong,
+  record_id_twice,
+  record_id_unknown,
+  record_cut_off,
+  cycle_count_wrong,
+  data_shared,
+  channel_outside_record,
+  invalidation_bit_outside_record,
+  master_missing,
+  master_twice,
+  masters_overlap,
+};
+
+/// What people are told of a code.
+struct CodeText {
+  Code code;
+  std::string_view word;  ///< never changes, for programs look for it
+  Severity severity;
+  std::string_view meaning;  ///< lines without the last one's end
+};
+
+/// All codes, in the order of the enumeration.
+const std::vector<CodeText>& allCodes();
+
+const CodeText& textOf(Code code);
+
+/// The code with this word; null when there is none.
+const CodeText* findCode(std::string_view word);
+
+/// "note", "warning" or "error".
+std::string_view severityWord(Severity severity);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_CHECKING_CODES_H_

@@ -1,0 +1,267 @@
+#include "data_check.h"
+
+#include <md5.h>
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "framework/wire.h"
+#include "reading/block_layout.h"
+#include "reading/inflate.h"
+
+namespace mdf_tools {
+
+using mdf_v4_10::detail::loadLe;
+
+namespace {
+
+/// MD5 of bytes that come piece by piece.
+class Digest {
+ public:
+  Digest() { MD5Init(&context_); }
+
+  void take(std::string_view bytes) {
+    MD5Update(&context_, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+  }
+
+  std::string bytes() {
+    std::array<std::uint8_t, MD5_DIGEST_LENGTH> digest{};
+    MD5Final(digest.data(), &context_);
+    return {digest.begin(), digest.end()};
+  }
+
+ private:
+  MD5_CTX context_{};
+};
+
+std::string digestOfFile(InputFile& file, std::uint64_t offset, std::uint64_t size) {
+  std::vector<char> piece(65536);
+  Digest digest;
+  while (size > 0) {
+    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(size, piece.size()));
+    const std::size_t got = file.readAt(offset, piece.data(), wanted);
+    digest.take({piece.data(), got});
+    if (got < wanted) {
+      break;
+    }
+    offset += got;
+    size -= got;
+  }
+  return digest.bytes();
+}
+
+/// Inflates what stands in a block, and reports when it is not what the block says.
+std::optional<std::string> inflateChecked(const Subject& subject, std::uint32_t index,
+                                          std::uint64_t offset, std::uint64_t size,
+                                          std::uint64_t stated) {
+  std::string stream(static_cast<std::size_t>(size), '\0');
+  stream.resize(subject.file.readAt(offset, stream.data(), stream.size()));
+  Inflated inflated = inflate(stream, stated);
+  const std::string expected = "expected " + std::to_string(size) + " bytes that inflate to " +
+                               std::to_string(stated) + ", found ";
+  switch (inflated.state) {
+    case Inflating::fine:
+      return std::move(inflated.bytes);
+    case Inflating::broken:
+      subject.report(Code::zip_broken, index, expected + "that they cannot be inflated");
+      break;
+    case Inflating::too_long:
+      subject.report(Code::zip_original_length_wrong, index, expected + "more");
+      break;
+    case Inflating::too_short:
+      subject.report(Code::zip_original_length_wrong, index,
+                     expected + std::to_string(inflated.bytes.size()));
+      break;
+  }
+  return std::nullopt;
+}
+
+std::string hexDigest(std::string_view bytes) {
+  static const char digits[] = "0123456789abcdef";
+  std::string text;
+  for (const char character : bytes) {
+    const auto byte = static_cast<unsigned char>(character);
+    text += {digits[byte >> 4U], digits[byte & 0xFU]};
+  }
+  return text;
+}
+
+/// Whether the sizes of an attachment fit each other and the block.
+bool checkSizes(const Subject& subject, const BlockFields& block, std::uint32_t index,
+                bool is_compressed) {
+  const std::uint64_t embedded = block.number("at_embedded_size");
+  const std::uint64_t original = block.number("at_original_size");
+  if (embedded > block.tailBytes()) {
+    subject.report(Code::attachment_length_wrong, index,
+                   "expected the " + std::to_string(embedded) +
+                       " embedded bytes in the block, found room for " +
+                       std::to_string(block.tailBytes()));
+    return false;
+  }
+  if (!is_compressed && embedded != original) {
+    subject.report(Code::attachment_length_wrong, index,
+                   "expected as many embedded bytes as the original has, found " +
+                       std::to_string(embedded) + " and " + std::to_string(original));
+    return false;
+  }
+  return true;
+}
+
+/// Goes through a list's data blocks with what it says of each.
+class ListCheck {
+ public:
+  ListCheck(const Subject& subject, const BlockFields& list, std::uint32_t index)
+      : subject_(subject), list_(list), index_(index) {}
+
+  void checkEqualLengths() const;
+  void checkOffsets() const;
+
+ private:
+  std::uint64_t numberAt(std::uint64_t offset) const {
+    std::array<char, 8> bytes{};
+    subject_.file.readAt(offset, bytes.data(), bytes.size());
+    return loadLe<std::uint64_t>(bytes.data());
+  }
+
+  std::uint64_t dataLink(std::uint64_t number) const {
+    return numberAt(list_.offset() + RawBlock::header_size + RawBlock::link_size * (1 + number));
+  }
+
+  /// dl_equal_length, or an offset.
+  std::uint64_t statedNumber(std::uint64_t number) const {
+    return numberAt(list_.tailAt() + 8 * number);
+  }
+
+  std::uint64_t count() const { return list_.number("dl_count"); }
+
+  const Subject& subject_;
+  const BlockFields& list_;
+  std::uint32_t index_;
+};
+
+void ListCheck::checkEqualLengths() const {
+  const std::uint64_t stated = statedNumber(0);
+  const std::uint64_t without_last = count() - (list_.link(0) == 0 && count() > 0 ? 1 : 0);
+  for (std::uint64_t number = 0; number < without_last; ++number) {
+    const auto bytes = dataBytesOf(subject_, dataLink(number));
+    if (bytes && *bytes != stated) {
+      subject_.report(Code::equal_length_broken, index_,
+                      "expected " + std::to_string(stated) + " bytes of data behind dl_data[" +
+                          std::to_string(number) + "], found " + std::to_string(*bytes));
+      return;
+    }
+  }
+}
+
+void ListCheck::checkOffsets() const {
+  for (std::uint64_t number = 1; number < count(); ++number) {
+    const std::uint64_t before = statedNumber(number - 1);
+    const std::uint64_t offset = statedNumber(number);
+    const std::string found = ", found " + std::to_string(before) + " and " +
+                              std::to_string(offset) + " at " + std::to_string(number);
+    if (offset < before) {
+      subject_.report(Code::list_offsets_not_ascending, index_,
+                      "expected dl_offset to go up" + found);
+      return;
+    }
+    const auto bytes = dataBytesOf(subject_, dataLink(number - 1));
+    if (bytes && *bytes != offset - before) {
+      subject_.report(Code::list_offsets_wrong, index_,
+                      "expected dl_offset to go up by the " + std::to_string(*bytes) +
+                          " bytes of data behind dl_data[" + std::to_string(number - 1) + "]" +
+                          found);
+      return;
+    }
+  }
+}
+
+}  // namespace
+
+std::optional<std::uint64_t> dataBytesOf(const Subject& subject, std::uint64_t offset) {
+  const std::uint32_t index = subject.blocks.find(offset);
+  const auto block = index == BlockTable::none ? std::nullopt : readRawBlock(subject.file, offset);
+  if (!block) {
+    return std::nullopt;
+  }
+  const std::string_view type = block->letters();
+  if (type == "DZ") {
+    return BlockFields(subject.file, *block).number("dz_org_data_length");
+  }
+  if (type != "DT" && type != "SD" && type != "RD") {
+    return std::nullopt;
+  }
+  const std::uint64_t begin =
+      offset + RawBlock::header_size + linksThere(subject.file, *block) * RawBlock::link_size;
+  const std::uint64_t end = subject.space.endOf(*block);
+  return begin < end ? end - begin : 0;
+}
+
+void checkAttachment(Subject& subject, const BlockFields& block, std::uint32_t index) {
+  const bool is_embedded = block.hasFlag("at_flags", 1);
+  const bool is_compressed = block.hasFlag("at_flags", 2);
+  const bool has_digest = block.hasFlag("at_flags", 4);
+  const std::uint64_t size = block.number("at_embedded_size");
+  if (!is_embedded || !checkSizes(subject, block, index, is_compressed) ||
+      !(is_compressed || has_digest) || !subject.contents.take(size)) {
+    return;
+  }
+  std::string digest;
+  if (is_compressed) {
+    const auto original =
+        inflateChecked(subject, index, block.tailAt(), size, block.number("at_original_size"));
+    if (!original) {
+      return;
+    }
+    Digest inflated;
+    inflated.take(*original);
+    digest = inflated.bytes();
+  } else {
+    digest = digestOfFile(subject.file, block.tailAt(), size);
+  }
+  if (has_digest && digest != block.bytes("at_md5_checksum")) {
+    subject.report(Code::attachment_digest_wrong, index,
+                   "expected the digest " + hexDigest(block.bytes("at_md5_checksum")) +
+                       " of the embedded bytes, found " + hexDigest(digest));
+  }
+}
+
+void checkZippedData(Subject& subject, const BlockFields& block, std::uint32_t index) {
+  constexpr std::uint64_t last_known_type = 1;  // transposed and deflated
+  const std::uint64_t size = block.number("dz_data_length");
+  if (size > block.tailBytes()) {
+    subject.report(Code::zip_length_wrong, index,
+                   "expected the " + std::to_string(size) +
+                       " compressed bytes in the block, found room for " +
+                       std::to_string(block.tailBytes()));
+  } else if (block.number("dz_zip_type") <= last_known_type && subject.contents.take(size)) {
+    inflateChecked(subject, index, block.tailAt(), size, block.number("dz_org_data_length"));
+  }
+}
+
+void checkDataList(const Subject& subject, const BlockFields& block, std::uint32_t index) {
+  const std::uint64_t links = block.raw().linkCount() - 1;
+  const bool has_equal_length = block.hasFlag("dl_flags", 1);
+  if (subject.is_unfinished || subject.blocks[index].has_few_links) {
+    return;
+  }
+  if (block.number("dl_count") != links) {
+    subject.report(Code::list_count_wrong, index,
+                   "expected dl_count to be the number of " + std::to_string(links) +
+                       " links to data, found " + std::to_string(block.number("dl_count")));
+    return;
+  }
+  if (block.tailBytes() / 8 < (has_equal_length ? 1 : links)) {
+    return;
+  }
+  const ListCheck list(subject, block, index);
+  if (has_equal_length) {
+    list.checkEqualLengths();
+  } else {
+    list.checkOffsets();
+  }
+}
+
+}  // namespace mdf_tools

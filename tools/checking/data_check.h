@@ -1,0 +1,23 @@
+#ifndef MDF_TOOLS_CHECKING_DATA_CHECK_H_
+#define MDF_TOOLS_CHECKING_DATA_CHECK_H_
+
+#include <cstdint>
+#include <optional>
+
+#include "reading/block_fields.h"
+#include "subject.h"
+
+namespace mdf_tools {
+
+/// The bytes of data that a block holds, unzipped, by what it says itself. Nothing for an offset
+/// without a block and for types that hold none or are not known.
+std::optional<std::uint64_t> dataBytesOf(const Subject& subject, std::uint64_t offset);
+
+/// Check what stands in blocks whose shape is right.
+void checkAttachment(Subject& subject, const BlockFields& block, std::uint32_t index);
+void checkZippedData(Subject& subject, const BlockFields& block, std::uint32_t index);
+void checkDataList(const Subject& subject, const BlockFields& block, std::uint32_t index);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_CHECKING_DATA_CHECK_H_

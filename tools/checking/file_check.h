@@ -1,0 +1,19 @@
+#ifndef MDF_TOOLS_CHECKING_FILE_CHECK_H_
+#define MDF_TOOLS_CHECKING_FILE_CHECK_H_
+
+#include <cstdint>
+
+#include "problem.h"
+
+namespace mdf_tools {
+
+class InputFile;
+
+/// Checks a file of any version of MDF 4, by any program, and reports what is wrong as it is found.
+/// Returns how many blocks it has looked at. Time and memory are in proportion to the file, and to
+/// what its zipped data holds.
+std::uint64_t checkFile(InputFile& file, const ProblemSink& report);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_CHECKING_FILE_CHECK_H_

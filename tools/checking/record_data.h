@@ -1,0 +1,62 @@
+#ifndef MDF_TOOLS_CHECKING_RECORD_DATA_H_
+#define MDF_TOOLS_CHECKING_RECORD_DATA_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "reading/offset_set.h"
+#include "subject.h"
+
+namespace mdf_tools {
+
+/// The data of a data group, block by block.
+struct DataBlocks {
+  std::vector<std::uint64_t> offsets;
+  bool is_known = true;    ///< false: a link leads elsewhere, or to data of a kind not known
+  bool is_shared = false;  ///< something was the data of a group before; what follows is left out
+};
+
+/// Collects the blocks behind a data link through header and data lists. What is found is added to
+/// `seen`, so that however many groups share their data, each block is collected once.
+DataBlocks dataBlocksAt(const Subject& subject, std::uint64_t first, OffsetSet& seen);
+
+/// The bytes of data blocks one behind the other, unzipped.
+class DataReader {
+ public:
+  DataReader(const Subject& subject, const std::vector<std::uint64_t>& offsets)
+      : subject_(subject), offsets_(offsets), unzipped_(subject.file.size()) {}
+
+  /// Whether all has been read.
+  bool isAtEnd();
+
+  /// Whether zipped data could not be read; the end comes in front of it.
+  bool isBroken() const { return is_broken_; }
+
+  /// Bytes that have been read or passed over.
+  std::uint64_t position() const { return position_; }
+
+  /// Reads or passes over bytes; false when there are fewer, which are then passed over.
+  bool read(char* bytes, std::size_t count);
+  bool skip(std::uint64_t count);
+
+ private:
+  void enter(std::uint64_t offset);
+  void unzip(const RawBlock& block);
+
+  const Subject& subject_;
+  const std::vector<std::uint64_t>& offsets_;
+  Allowance unzipped_;
+  std::size_t next_ = 0;      ///< index of the block behind the current one
+  std::string inflated_;      ///< data of a zipped block
+  bool is_inflated_ = false;  ///< whether the current block is one
+  std::uint64_t at_ = 0;      ///< in the inflated data, or in the file
+  std::uint64_t end_ = 0;
+  std::uint64_t position_ = 0;
+  bool is_broken_ = false;
+};
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_CHECKING_RECORD_DATA_H_

@@ -1,0 +1,38 @@
+#ifndef MDF_TOOLS_CHECKING_SUBJECT_H_
+#define MDF_TOOLS_CHECKING_SUBJECT_H_
+
+#include <cstdint>
+#include <string>
+
+#include "allowance.h"
+#include "block_table.h"
+#include "problem.h"
+#include "reading/finding.h"
+#include "reading/input_file.h"
+#include "space.h"
+
+namespace mdf_tools {
+
+/// What the checks of a file work with.
+struct Subject {
+  InputFile& file;
+  const BlockTable& blocks;
+  const Space& space;
+  bool is_unfinished;  ///< counts are not final
+  const ProblemSink& sink;
+  Allowance contents;  ///< bytes of texts, zipped data and attachments that may still be read
+
+  /// Reports a problem of a block.
+  void report(Code code, std::uint32_t index, const std::string& sentence) const {
+    sink({code, blocks[index].offset, pathOf(file, blocks, index), sentence});
+  }
+};
+
+/// "##TX at 200 (0xc8)".
+inline std::string nameAt(std::string_view letters, std::uint64_t offset) {
+  return "##" + std::string(letters) + " at " + decimalAndHex(offset);
+}
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_CHECKING_SUBJECT_H_

@@ -1,0 +1,35 @@
+#ifndef MDF_TOOLS_CHECKING_TEXT_CHECK_H_
+#define MDF_TOOLS_CHECKING_TEXT_CHECK_H_
+
+#include <cstdint>
+#include <string_view>
+
+#include "reading/raw_block.h"
+#include "subject.h"
+
+namespace mdf_tools {
+
+/// Tells whether bytes, given piece by piece, are UTF-8: no surrogates, nothing behind U+10FFFF, no
+/// longer forms than needed.
+class Utf8Check {
+ public:
+  void take(std::string_view bytes);
+
+  /// Whether all so far are, the last character being whole.
+  bool isFine() const { return is_fine_ && missing_ == 0; }
+
+ private:
+  void takeFirst(unsigned byte);
+
+  bool is_fine_ = true;
+  unsigned missing_ = 0;   ///< bytes of the current character that are still to come
+  unsigned least_ = 0x80;  ///< bounds of the next one of them
+  unsigned most_ = 0xBF;
+};
+
+/// Checks the text of a text or metadata block.
+void checkText(Subject& subject, const RawBlock& block, std::uint32_t index);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_CHECKING_TEXT_CHECK_H_

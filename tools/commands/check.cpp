@@ -1,0 +1,159 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "checking/codes.h"
+#include "checking/file_check.h"
+#include "command.h"
+#include "file_command.h"
+#include "json_output.h"
+#include "reading/input_file.h"
+
+namespace mdf_tools {
+
+namespace {
+
+struct CheckOptions {
+  bool as_json = false;
+  std::string explained;  ///< a code
+};
+
+/// How many problems there are of each severity.
+struct Counts {
+  std::array<std::uint64_t, 3> of{};
+
+  std::uint64_t& operator[](Severity severity) { return of.at(static_cast<std::size_t>(severity)); }
+  bool areFine() { return (*this)[Severity::error] + (*this)[Severity::warning] == 0; }
+};
+
+std::string counted(std::uint64_t count, std::string_view word) {
+  return std::to_string(count) + ' ' + std::string(word) + (count == 1 ? "" : "s");
+}
+
+std::string summary(Counts counts, std::uint64_t blocks) {
+  std::string text;
+  for (const Severity severity : {Severity::error, Severity::warning, Severity::note}) {
+    if (counts[severity] > 0) {
+      text += counted(counts[severity], severityWord(severity)) + ", ";
+    }
+  }
+  return (text.empty() ? "nothing found, " : text) + counted(blocks, "block");
+}
+
+void writeLine(const FileContext& context, const Problem& problem) {
+  const CodeText& code = textOf(problem.code);
+  context.out << context.file.name() << ": " << decimalAndHex(problem.offset) << ": "
+              << severityWord(code.severity) << ' ' << code.word << ": " << problem.sentence;
+  if (!problem.path.empty()) {
+    context.out << " [" << problem.path << ']';
+  }
+  context.out << '\n';
+}
+
+void writeJson(const FileContext& context, const Problem& problem) {
+  const CodeText& code = textOf(problem.code);
+  Json line;
+  line["schema"] = json_schema;
+  line["file"] = context.file.name();
+  line["code"] = code.word;
+  line["severity"] = severityWord(code.severity);
+  line["offset"] = problem.offset;
+  line["path"] = problem.path;
+  line["text"] = problem.sentence;
+  context.out << jsonLine(line) << '\n';
+}
+
+int check(const std::vector<std::string>& paths, bool as_json) {
+  int worst = exit_fine;
+  const int exit_code = onEachFile(paths, [&](const FileContext& context) {
+    Counts counts;
+    const std::uint64_t blocks = checkFile(context.file, [&](const Problem& problem) {
+      ++counts[textOf(problem.code).severity];
+      if (as_json) {
+        writeJson(context, problem);
+      } else {
+        writeLine(context, problem);
+      }
+    });
+    context.out.flush();
+    std::cerr << "mdf: " << context.file.name() << ": " << summary(counts, blocks) << '\n';
+    if (!counts.areFine()) {
+      worst = exit_problem;
+    }
+  });
+  return std::max(worst, exit_code);
+}
+
+int explain(const std::string& word) {
+  const CodeText* const code = findCode(word);
+  if (code == nullptr) {
+    throw CLI::ValidationError("there is no code \"" + word + "\"; --codes lists them");
+  }
+  std::cout << code->word << " (" << severityWord(code->severity) << ")\n\n"
+            << code->meaning << '\n';
+  return exit_fine;
+}
+
+int listCodes() {
+  for (const CodeText& code : allCodes()) {
+    std::cout << severityWord(code.severity) << ' ' << code.word << '\n';
+  }
+  return exit_fine;
+}
+
+constexpr const char* footer =
+    R"(Every block that can be reached is checked: where its links lead, its length, its counts against
+what is there; then texts, zipped data, digests of attachments, and the data of each channel group
+against its number of records. Files of MDF 4.0 to 4.2 by any program can be checked, and unfinished
+ones. Nothing is changed.
+
+Each problem is one line on standard output:
+
+  FILE: OFFSET (HEX): SEVERITY CODE: what was expected and what was found [path to the block]
+
+The path names the links that lead to the block from the header block. The check goes on after a
+problem. Severities: an error means that programs lose data or read other data than was written; a
+warning that the format is broken or something is left open, though nothing is lost by it; a note
+tells what is allowed and worth knowing. A line on standard error counts them for each file.
+
+Examples:
+  mdf check trip.mf4                        check a file
+  mdf check *.mf4 | grep ' error '          the errors of many
+  mdf check --json trip.mf4 | jq .code      as JSON, an object a line
+  mdf check --explain link-outside-file     what a code means
+
+Exit code: 0 fine (notes may be there), 1 errors or warnings, 2 wrong arguments or unreadable file.)";
+
+}  // namespace
+
+void addCheckCommand(CLI::App& app, int& exit_code) {
+  CLI::App* command = app.add_subcommand("check", "Find out what is wrong with files");
+  const auto options = std::make_shared<CheckOptions>();
+  const auto paths = addFileArguments(*command);
+  command->get_option("FILE")->required(false);
+  command->add_flag(
+      "--json", options->as_json,
+      "Print an object a line, with schema, file, code, severity, offset, path, text");
+  command->add_option("--explain", options->explained, "Print what a code means, and no more")
+      ->type_name("CODE");
+  const auto lists_codes = std::make_shared<bool>(false);
+  command->add_flag("--codes", *lists_codes, "Print all codes with their severities, and no more");
+  command->footer(footer);
+  command->callback([options, paths, lists_codes, &exit_code] {
+    if (*lists_codes) {
+      exit_code = listCodes();
+    } else if (!options->explained.empty()) {
+      exit_code = explain(options->explained);
+    } else if (paths->empty()) {
+      throw CLI::RequiredError("FILE");
+    } else {
+      exit_code = check(*paths, options->as_json);
+    }
+  });
+}
+
+}  // namespace mdf_tools
