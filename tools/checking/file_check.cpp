@@ -128,17 +128,18 @@ void checkBlock(Subject& subject, RecordCheck& records, std::uint32_t index) {
 
 void checkSpace(const Subject& subject) {
   const BlockTable& blocks = subject.blocks;
-  subject.space.forEachOverlap([&](std::uint64_t offset, std::uint64_t reached) {
+  const auto overlap = [&](std::uint64_t offset, std::uint64_t reached) {
     subject.report(Code::blocks_overlap, blocks.find(offset),
                    "expected the block to end before the next one, found " +
                        nameAt(blocks[blocks.find(reached)].letters(), reached) + " inside it");
-  });
-  subject.space.forEachLostBlock([&](const RawBlock& block) {
+  };
+  const auto lost = [&](const RawBlock& block) {
     subject.sink({Code::block_unreachable, block.offset, "",
                   "expected a link to each block, found none to " +
                       nameAt(block.letters(), block.offset) + " of " +
                       std::to_string(block.length) + " bytes"});
-  });
+  };
+  subject.space.review(overlap, lost);
 }
 
 }  // namespace

@@ -56,28 +56,22 @@ std::uint64_t Space::coveredUpTo(std::size_t index) const {
   return index + 1 < offsets_.size() ? offsets_[index + 1] : file_.size();
 }
 
-void Space::forEachOverlap(
-    const std::function<void(std::uint64_t offset, std::uint64_t reached)>& visit) const {
-  for (std::size_t index = 0; index + 1 < offsets_.size(); ++index) {
-    if (coveredUpTo(index) > offsets_[index + 1]) {
-      visit(offsets_[index], offsets_[index + 1]);
-    }
-  }
-}
-
-void Space::forEachLostBlock(const std::function<void(const RawBlock& block)>& visit) const {
+void Space::review(const OverlapVisitor& overlap, const LostBlockVisitor& lost) const {
   std::uint64_t covered = header_block_offset;
   for (std::size_t index = 0; index < offsets_.size(); ++index) {
     if (offsets_[index] > covered) {
-      searchGap(covered, offsets_[index], visit);
+      searchGap(covered, offsets_[index], lost);
     }
-    covered = std::max(covered, coveredUpTo(index));
+    const std::uint64_t end = coveredUpTo(index);
+    if (index + 1 < offsets_.size() && end > offsets_[index + 1]) {
+      overlap(offsets_[index], offsets_[index + 1]);
+    }
+    covered = std::max(covered, end);
   }
-  searchGap(covered, file_.size(), visit);
+  searchGap(covered, file_.size(), lost);
 }
 
-void Space::searchGap(std::uint64_t from, std::uint64_t to,
-                      const std::function<void(const RawBlock& block)>& visit) const {
+void Space::searchGap(std::uint64_t from, std::uint64_t to, const LostBlockVisitor& lost) const {
   constexpr std::uint64_t alignment = 8;
   std::uint64_t at = (from + alignment - 1) / alignment * alignment;
   while (at + RawBlock::header_size <= to) {
@@ -86,7 +80,7 @@ void Space::searchGap(std::uint64_t from, std::uint64_t to,
       return;
     }
     if (looksLikeBlock(*block) && block->holdsItsLinks() && block->length <= to - at) {
-      visit(*block);
+      lost(*block);
       at += (block->length + alignment - 1) / alignment * alignment;
     } else {
       at += alignment;

@@ -12,6 +12,9 @@ namespace mdf_tools {
 
 class InputFile;
 
+using OverlapVisitor = std::function<void(std::uint64_t offset, std::uint64_t reached)>;
+using LostBlockVisitor = std::function<void(const RawBlock& block)>;
+
 /// Which bytes of a file its blocks take.
 class Space {
  public:
@@ -27,17 +30,13 @@ class Space {
   /// The block that covers an offset, or begins there: the nearest one in front of it. 0 for none.
   std::uint64_t blockAround(std::uint64_t offset) const;
 
-  /// Visits each block that reaches into others, with the first of those.
-  void forEachOverlap(
-      const std::function<void(std::uint64_t offset, std::uint64_t reached)>& visit) const;
-
-  /// Visits what look like blocks on multiples of 8 between the file's blocks.
-  void forEachLostBlock(const std::function<void(const RawBlock& block)>& visit) const;
+  /// Visits each block that reaches into others, with the first of those, and what looks like a
+  /// block on a multiple of 8 between the file's blocks.
+  void review(const OverlapVisitor& overlap, const LostBlockVisitor& lost) const;
 
  private:
   std::uint64_t coveredUpTo(std::size_t index) const;
-  void searchGap(std::uint64_t from, std::uint64_t to,
-                 const std::function<void(const RawBlock& block)>& visit) const;
+  void searchGap(std::uint64_t from, std::uint64_t to, const LostBlockVisitor& lost) const;
 
   InputFile& file_;
   std::vector<std::uint64_t> offsets_;  ///< of the blocks, ascending

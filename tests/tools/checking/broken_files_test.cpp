@@ -1,0 +1,478 @@
+// A small broken file for each code, which raises that code alone.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "checking/codes.h"
+#include "support/bytes.h"
+#include "tools/support/checked.h"
+#include "tools/support/small_file.h"
+
+using namespace mdf_tests;
+
+namespace {
+
+const std::string group_path = "HD.hd_dg_first/DG[0].dg_cg_first/CG[0]";
+const std::string speed_path = group_path + ".cg_cn_first/CN[1]";
+
+struct BrokenFile {
+  std::string bytes;
+  std::string problem;  ///< the line without its end
+};
+
+BrokenFile broken(const FileBuilder& file, const std::string& problem) {
+  return {file.bytes(), problem};
+}
+
+BrokenFile notMdf() {
+  SmallFile file;
+  file.write(0, "m");
+  return broken(file,
+                "0 error not-mdf: expected \"MDF     \" or \"UnFinMF \" at the beginning, found "
+                "\"mDF     \"");
+}
+
+BrokenFile versionWrong() {
+  return broken(SmallFile("MDF     ", 510),
+                "0 error version-wrong: expected a version number from 400 to 499, found 510");
+}
+
+BrokenFile versionTextWrong() {
+  SmallFile file;
+  file.write(8, "4.11");
+  return broken(file,
+                "0 warning version-text-wrong: expected the version text \"4.10\" for the version "
+                "number 410, found \"4.11    \"");
+}
+
+BrokenFile headerMissing() {
+  SmallFile file;
+  file.write(66, "XX");
+  return broken(file,
+                "64 error header-missing: expected the header block \"##HD\", found \"##XX\"");
+}
+
+BrokenFile fileUnfinished() {
+  SmallFile file("UnFinMF ");
+  file.write(60, Bytes().u16(1 + 4));
+  return broken(file,
+                "0 warning file-unfinished: expected a file that was closed, found it open: cycle "
+                "counters, length of the last data block");
+}
+
+BrokenFile linkOutsideFile() {
+  SmallFile file;
+  file.setComment(739);
+  return broken(file,
+                "64 error link-outside-file: expected hd_md_comment to lead to a block in the file "
+                "of 762 bytes, found 739 (0x2e3) [HD]");
+}
+
+BrokenFile linkMisaligned() {
+  SmallFile file;
+  file.setComment(SmallFile::time_name + 1);
+  return broken(file,
+                "64 error link-misaligned: expected hd_md_comment to lead to a block on a multiple "
+                "of 8, found 657 (0x291) [HD]");
+}
+
+BrokenFile linkInsideBlock() {
+  SmallFile file;
+  file.setComment(SmallFile::time_name + 8);
+  return broken(file,
+                "64 error link-inside-block: expected hd_md_comment to lead to a block, found 664 "
+                "(0x298) inside ##TX at 656 (0x290) [HD]");
+}
+
+BrokenFile linkToNoBlock() {
+  SmallFile file;
+  file.append(Bytes().zeros(100));
+  file.setComment(768);
+  return broken(file,
+                "64 error link-to-no-block: expected hd_md_comment to lead to a block, found none "
+                "at 768 (0x300) [HD]");
+}
+
+BrokenFile linkWrongType() {
+  SmallFile file;
+  file.setComment(SmallFile::speed);
+  return broken(file,
+                "64 error link-wrong-type: expected hd_md_comment to lead to TX MD, found ##CN at "
+                "496 (0x1f0) [HD]");
+}
+
+BrokenFile chainEndless() {
+  SmallFile file;
+  file.link(SmallFile::speed, 0, SmallFile::time);
+  return broken(file,
+                "496 error chain-endless: expected cn_cn_next to lead on to the end of its list or "
+                "tree, found ##CN at 336 (0x150), which leads here [" +
+                    speed_path + "]");
+}
+
+BrokenFile blockMisaligned() {
+  SmallFile file;
+  file.append(Bytes().zeros(7).header("TX", 25, 0).zeros(1));
+  file.setComment(769);
+  return broken(file,
+                "769 warning block-misaligned: expected the block to stand on a multiple of 8, "
+                "found 769 (0x301) [HD.hd_md_comment/TX]");
+}
+
+BrokenFile lengthTooSmall() {
+  SmallFile file;
+  file.write(SmallFile::speed + 8, Bytes().u64(159));
+  return broken(file,
+                "496 error length-too-small: expected a length that holds the header, 8 links and "
+                "72 bytes of fields, found 159 [" +
+                    speed_path + "]");
+}
+
+BrokenFile lengthPastEnd() {
+  SmallFile file;
+  file.write(SmallFile::data + 8, Bytes().u64(43));
+  return broken(file,
+                "720 error length-past-end: expected the 43 bytes of the block, found 42 up to the "
+                "end of the file [HD.hd_dg_first/DG[0].dg_data/DT]");
+}
+
+BrokenFile blocksOverlap() {
+  SmallFile file;
+  file.write(SmallFile::time_name + 8, Bytes().u64(33));
+  return broken(file,
+                "656 error blocks-overlap: expected the block to end before the next one, found "
+                "##TX at 688 (0x2b0) inside it [" +
+                    group_path + ".cg_cn_first/CN[0].cn_tx_name/TX]");
+}
+
+BrokenFile linksMissing() {
+  SmallFile file;
+  file.write(SmallFile::data_group + 16, Bytes().u64(3));
+  return broken(file,
+                "168 error links-missing: expected at least 4 links, found 3 "
+                "[HD.hd_dg_first/DG[0]]");
+}
+
+BrokenFile blockUnreachable() {
+  SmallFile file;
+  file.text("lost");
+  return broken(file,
+                "768 warning block-unreachable: expected a link to each block, found none to ##TX "
+                "at 768 (0x300) of 29 bytes");
+}
+
+BrokenFile countTooLarge() {
+  SmallFile file;
+  const auto conversion =
+      file.add("CC", {0, 0, 0, 0}, Bytes().zeros(6).u16(3).zeros(16).f64(0).f64(1));
+  file.link(SmallFile::speed, 4, conversion);
+  return broken(file,
+                "768 error count-too-large: expected room for the 3 numbers of 8 bytes of "
+                "cc_val_count, found room for 2 [" +
+                    speed_path + ".cn_cc_conversion/CC]");
+}
+
+/// The small file with a list of two data blocks of a record each.
+SmallFile fileWithList(const std::string& list_fields) {
+  SmallFile file;
+  const auto first = file.add("DT", {}, Bytes().zeros(9));
+  const auto second = file.add("DT", {}, Bytes().zeros(9));
+  file.replaceData(file.add("DL", {0, first, second}, list_fields));
+  return file;
+}
+
+const std::string list_path = " [HD.hd_dg_first/DG[0].dg_data/DL[0]]";
+
+BrokenFile listCountWrong() {
+  return broken(
+      fileWithList(Bytes().zeros(4).u32(1).u64(0).u64(9)),
+      "848 error list-count-wrong: expected dl_count to be the number of 2 links to data, "
+      "found 1" +
+          list_path);
+}
+
+BrokenFile listOffsetsNotAscending() {
+  return broken(fileWithList(Bytes().zeros(4).u32(2).u64(9).u64(0)),
+                "848 error list-offsets-not-ascending: expected dl_offset to go up, found 9 and 0 "
+                "at 1" +
+                    list_path);
+}
+
+BrokenFile listOffsetsWrong() {
+  return broken(fileWithList(Bytes().zeros(4).u32(2).u64(0).u64(8)),
+                "848 error list-offsets-wrong: expected dl_offset to go up by the 9 bytes of data "
+                "behind dl_data[0], found 0 and 8 at 1" +
+                    list_path);
+}
+
+BrokenFile equalLengthBroken() {
+  return broken(fileWithList(Bytes().u8s({1, 0, 0, 0}).u32(2).u64(8)),
+                "848 error equal-length-broken: expected 8 bytes of data behind dl_data[0], found "
+                "9" +
+                    list_path);
+}
+
+/// The small file with zipped data.
+SmallFile fileWithZip(const std::string& contents) {
+  SmallFile file;
+  file.replaceData(file.add("DZ", {}, contents));
+  return file;
+}
+
+const std::string zip_path = " [HD.hd_dg_first/DG[0].dg_data/DZ]";
+
+BrokenFile zipLengthWrong() {
+  SmallFile file = fileWithZip(zippedFields(18, zippedZeros(18)));
+  file.write(768 + 24 + 16, Bytes().u64(30));
+  return broken(file,
+                "768 error zip-length-wrong: expected the 30 compressed bytes in the block, found "
+                "room for 29" +
+                    zip_path);
+}
+
+BrokenFile zipBroken() {
+  std::string stream = zippedZeros(18);
+  stream.back() = 2;
+  return broken(
+      fileWithZip(zippedFields(18, stream)),
+      "768 error zip-broken: expected 29 bytes that inflate to 18, found that they cannot "
+      "be inflated" +
+          zip_path);
+}
+
+BrokenFile zipOriginalLengthWrong() {
+  return broken(fileWithZip(zippedFields(18, zippedZeros(19))),
+                "768 error zip-original-length-wrong: expected 30 bytes that inflate to 18, found "
+                "more" +
+                    zip_path);
+}
+
+BrokenFile textNotTerminated() {
+  SmallFile file;
+  file.setComment(file.add("TX", {}, "abc"));
+  return broken(file,
+                "768 warning text-not-terminated: expected a zero byte at the end of the text, "
+                "found none in 3 bytes [HD.hd_md_comment/TX]");
+}
+
+BrokenFile textNotUtf8() {
+  SmallFile file;
+  file.setComment(
+      file.text("Stra\xDF"
+                "e"));
+  return broken(file,
+                "768 warning text-not-utf8: expected a text in UTF-8, found other bytes "
+                "[HD.hd_md_comment/TX]");
+}
+
+BrokenFile xmlNotWellFormed() {
+  SmallFile file;
+  file.setComment(file.metadata("<HDcomment><TX>abc</HDcomment>"));
+  return broken(file,
+                "768 warning xml-not-well-formed: expected well-formed XML, found \"Start-end tags "
+                "mismatch\" at byte 20 [HD.hd_md_comment/MD]");
+}
+
+BrokenFile attachmentLengthWrong() {
+  SmallFile file;
+  file.link(
+      FileBuilder::header, 3,
+      file.add("AT", {0, 0, 0, 0}, attachmentFields(1, std::string(16, '\0'), 6, 6, "embed")));
+  return broken(file,
+                "768 error attachment-length-wrong: expected the 6 embedded bytes in the block, "
+                "found room for 5 [HD.hd_at_first/AT[0]]");
+}
+
+BrokenFile attachmentDigestWrong() {
+  SmallFile file;
+  file.link(FileBuilder::header, 3,
+            file.add("AT", {0, 0, 0, 0}, attachmentFields(5, "sixteen bytes...", 3, 3, "abc")));
+  return broken(file,
+                "768 error attachment-digest-wrong: expected the digest "
+                "7369787465656e2062797465732e2e2e of the embedded bytes, found "
+                "900150983cd24fb0d6963f7d28e17f72 [HD.hd_at_first/AT[0]]");
+}
+
+BrokenFile recordIdSizeWrong() {
+  SmallFile file;
+  file.write(SmallFile::data_group + 56, Bytes().u8(5));
+  return broken(file,
+                "168 error record-id-size-wrong: expected record ids of 0, 1, 2, 4 or 8 bytes, "
+                "found dg_rec_id_size 5 [HD.hd_dg_first/DG[0]]");
+}
+
+/// The small file with a second channel group, of records of 1 byte, and record ids of 1 byte.
+SmallFile fileWithTwoGroups(std::uint64_t second_id, const std::string& data) {
+  SmallFile file;
+  file.write(SmallFile::data_group + 56, Bytes().u8(1));
+  file.setGroup({1, 2, 0, 9, 0});
+  file.link(SmallFile::group, 0,
+            file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{second_id, 1, 0, 1, 0}.bytes()));
+  file.replaceData(file.add("DT", {}, data));
+  return file;
+}
+
+std::string recordWithId(int id, std::size_t size) { return Bytes().u8s({id}).zeros(size); }
+
+BrokenFile recordIdTwice() {
+  return broken(fileWithTwoGroups(1, recordWithId(1, 9)),
+                "768 error record-id-twice: expected a record id of its own, found 1 as of ##CG at "
+                "232 (0xe8) [HD.hd_dg_first/DG[0].dg_cg_first/CG[1]]");
+}
+
+BrokenFile recordIdUnknown() {
+  return broken(fileWithTwoGroups(2, recordWithId(1, 9) + recordWithId(3, 1)),
+                "168 error record-id-unknown: expected a channel group for each record id, found "
+                "none for id 3 of a record at byte 10 of the data [HD.hd_dg_first/DG[0]]");
+}
+
+BrokenFile recordCutOff() {
+  return broken(
+      fileWithTwoGroups(2, recordWithId(1, 9) + recordWithId(2, 1) + recordWithId(1, 8)),
+      "168 error record-cut-off: expected the data to end with a whole record, found a record at "
+      "byte 12 of the data cut off [HD.hd_dg_first/DG[0]]");
+}
+
+BrokenFile cycleCountWrong() {
+  SmallFile file;
+  file.setGroup({0, 3, 0, 9, 0});
+  return broken(file,
+                "232 error cycle-count-wrong: expected data for 3 records of 9 bytes, found 18 "
+                "bytes [" +
+                    group_path + "]");
+}
+
+BrokenFile dataShared() {
+  SmallFile file;
+  const auto group = file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{0, 18, 0, 1, 0}.bytes());
+  file.link(SmallFile::data_group, 0,
+            file.add("DG", {0, group, SmallFile::data, 0}, dataGroupFields(0)));
+  return broken(file,
+                "872 warning data-shared: expected data of its own behind dg_data, found some that "
+                "was there before [HD.hd_dg_first/DG[1]]");
+}
+
+BrokenFile channelOutsideRecord() {
+  SmallFile file;
+  file.setChannel(SmallFile::speed, {0, 0, 0, 1, 8, 8});
+  return broken(file,
+                "496 error channel-outside-record: expected the channel in the 9 data bytes of a "
+                "record, found that it ends at bit 73 [" +
+                    speed_path + "]");
+}
+
+BrokenFile invalidationBitOutsideRecord() {
+  SmallFile file;
+  file.setGroup({0, 2, 0, 8, 1});
+  file.setChannel(SmallFile::speed, {0, 0, 0, 0, 7, 8, 2, 8});
+  return broken(file,
+                "496 error invalidation-bit-outside-record: expected the invalidation bit in the 1 "
+                "invalidation bytes of a record, found bit 8 [" +
+                    speed_path + "]");
+}
+
+BrokenFile masterMissing() {
+  SmallFile file;
+  file.setChannel(SmallFile::time, {0, 0, 4, 0, 0, 64});
+  return broken(file,
+                "232 note master-missing: expected a master channel among the channels, found none "
+                "[" +
+                    group_path + "]");
+}
+
+BrokenFile masterTwice() {
+  SmallFile file;
+  file.setChannel(SmallFile::speed, {2, 1, 0, 0, 8, 8});
+  return broken(file,
+                "496 warning master-twice: expected one master of synchronisation type 1, found "
+                "another, ##CN at 336 (0x150) [" +
+                    speed_path + "]");
+}
+
+BrokenFile mastersOverlap() {
+  SmallFile file;
+  file.setChannel(SmallFile::speed, {2, 2, 0, 0, 7, 8});
+  return broken(file,
+                "496 error masters-overlap: expected masters with bits of their own, found that it "
+                "shares bit 56 with ##CN at 336 (0x150) [" +
+                    speed_path + "]");
+}
+
+const std::map<std::string, std::function<BrokenFile()>>& brokenFiles() {
+  static const std::map<std::string, std::function<BrokenFile()>> files = {
+      {"not-mdf", notMdf},
+      {"version-wrong", versionWrong},
+      {"version-text-wrong", versionTextWrong},
+      {"header-missing", headerMissing},
+      {"file-unfinished", fileUnfinished},
+      {"link-outside-file", linkOutsideFile},
+      {"link-misaligned", linkMisaligned},
+      {"link-inside-block", linkInsideBlock},
+      {"link-to-no-block", linkToNoBlock},
+      {"link-wrong-type", linkWrongType},
+      {"chain-endless", chainEndless},
+      {"block-misaligned", blockMisaligned},
+      {"length-too-small", lengthTooSmall},
+      {"length-past-end", lengthPastEnd},
+      {"blocks-overlap", blocksOverlap},
+      {"links-missing", linksMissing},
+      {"block-unreachable", blockUnreachable},
+      {"count-too-large", countTooLarge},
+      {"list-count-wrong", listCountWrong},
+      {"list-offsets-not-ascending", listOffsetsNotAscending},
+      {"list-offsets-wrong", listOffsetsWrong},
+      {"equal-length-broken", equalLengthBroken},
+      {"zip-length-wrong", zipLengthWrong},
+      {"zip-broken", zipBroken},
+      {"zip-original-length-wrong", zipOriginalLengthWrong},
+      {"text-not-terminated", textNotTerminated},
+      {"text-not-utf8", textNotUtf8},
+      {"xml-not-well-formed", xmlNotWellFormed},
+      {"attachment-length-wrong", attachmentLengthWrong},
+      {"attachment-digest-wrong", attachmentDigestWrong},
+      {"record-id-size-wrong", recordIdSizeWrong},
+      {"record-id-twice", recordIdTwice},
+      {"record-id-unknown", recordIdUnknown},
+      {"record-cut-off", recordCutOff},
+      {"cycle-count-wrong", cycleCountWrong},
+      {"data-shared", dataShared},
+      {"channel-outside-record", channelOutsideRecord},
+      {"invalidation-bit-outside-record", invalidationBitOutsideRecord},
+      {"master-missing", masterMissing},
+      {"master-twice", masterTwice},
+      {"masters-overlap", mastersOverlap},
+  };
+  return files;
+}
+
+class BrokenFiles : public testing::TestWithParam<std::string> {};
+
+TEST_P(BrokenFiles, RaiseTheirCodeAlone) {
+  const BrokenFile file = brokenFiles().at(GetParam())();
+  EXPECT_EQ(checkedBytes(file.bytes), file.problem + "\n");
+  EXPECT_NE(file.problem.find(' ' + GetParam() + ": "), std::string::npos);
+}
+
+std::vector<std::string> allWords() {
+  std::vector<std::string> words;
+  for (const mdf_tools::CodeText& code : mdf_tools::allCodes()) {
+    words.emplace_back(code.word);
+  }
+  return words;
+}
+
+std::string testName(const testing::TestParamInfo<std::string>& info) {
+  std::string name = info.param;
+  for (char& character : name) {
+    character = character == '-' ? '_' : character;
+  }
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(OfEachCode, BrokenFiles, testing::ValuesIn(allWords()), testName);
+
+}  // namespace

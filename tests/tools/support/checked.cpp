@@ -1,0 +1,48 @@
+#include "checked.h"
+
+#include <cstddef>
+#include <map>
+
+#include "checking/file_check.h"
+#include "reading/input_file.h"
+#include "temp_file.h"
+
+namespace mdf_tests {
+
+namespace {
+
+void check(const std::string& bytes, const mdf_tools::ProblemSink& report) {
+  const TempFile file(bytes);
+  mdf_tools::InputFile input(file.path());
+  mdf_tools::checkFile(input, report);
+}
+
+}  // namespace
+
+std::string problemLine(const mdf_tools::Problem& problem) {
+  const mdf_tools::CodeText& code = mdf_tools::textOf(problem.code);
+  std::string line = std::to_string(problem.offset) + ' ' +
+                     std::string(mdf_tools::severityWord(code.severity)) + ' ' +
+                     std::string(code.word) + ": " + problem.sentence;
+  return line + (problem.path.empty() ? "\n" : " [" + problem.path + "]\n");
+}
+
+std::string checkedBytes(const std::string& bytes) {
+  std::string lines;
+  check(bytes, [&](const mdf_tools::Problem& problem) { lines += problemLine(problem); });
+  return lines;
+}
+
+std::string checkedCodes(const std::string& bytes) {
+  std::map<std::string, std::size_t> counts;
+  check(bytes, [&](const mdf_tools::Problem& problem) {
+    ++counts[std::string(mdf_tools::textOf(problem.code).word)];
+  });
+  std::string lines;
+  for (const auto& [word, count] : counts) {
+    lines += word + ' ' + std::to_string(count) + '\n';
+  }
+  return lines;
+}
+
+}  // namespace mdf_tests
