@@ -10,8 +10,8 @@
 #include "checking/file_check.h"
 #include "command.h"
 #include "file_command.h"
-#include "json_output.h"
 #include "reading/input_file.h"
+#include "showing/json_output.h"
 
 namespace mdf_tools {
 

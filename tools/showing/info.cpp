@@ -8,7 +8,7 @@
 #include "reading/input_file.h"
 #include "shown_number.h"
 #include "stored_time.h"
-#include "table.h"
+#include "text_table.h"
 
 namespace mdf_tools {
 
@@ -79,15 +79,15 @@ void printLine(std::ostream& out, std::string_view label, std::string_view value
 }
 
 void printGroups(const FileSummary& summary, std::ostream& out) {
-  using Align = Table::Align;
-  Table table({{"group", Align::right},
-               {"data", Align::right},
-               {"name"},
-               {"source"},
-               {"records", Align::right},
-               {"rate"},
-               {"record bytes", Align::right},
-               {"channels", Align::right}});
+  using Align = TextTable::Align;
+  TextTable table({{"group", Align::right},
+                   {"data", Align::right},
+                   {"name"},
+                   {"source"},
+                   {"records", Align::right},
+                   {"rate"},
+                   {"record bytes", Align::right},
+                   {"channels", Align::right}});
   for (const GroupSummary& each : summary.groups) {
     const ChannelGroup& group = *each.group;
     const std::string unit = each.master_unit.empty() ? "" : '/' + each.master_unit;
@@ -105,7 +105,8 @@ void printGroups(const FileSummary& summary, std::ostream& out) {
 }
 
 void printBlocks(const FileSummary& summary, std::ostream& out) {
-  Table table({{"type"}, {"blocks", Table::Align::right}, {"bytes", Table::Align::right}, {""}});
+  TextTable table(
+      {{"type"}, {"blocks", TextTable::Align::right}, {"bytes", TextTable::Align::right}, {""}});
   for (const auto& [letters, count] : summary.blocks) {
     const BlockLayout* layout = findLayout(letters);
     table.add({letters, std::to_string(count.blocks), std::to_string(count.bytes),

@@ -16,14 +16,14 @@
 #include "reading/raw_block.h"
 #include "reading/walker.h"
 #include "shown_number.h"
-#include "table.h"
+#include "text_table.h"
 
 namespace mdf_tools {
 
 namespace {
 
-using Align = Table::Align;
-using Columns = std::vector<Table::Column>;
+using Align = TextTable::Align;
+using Columns = std::vector<TextTable::Column>;
 
 Columns channelTable() {
   return {{"group", Align::right},
@@ -67,7 +67,7 @@ Columns eventTable() {
 
 std::vector<std::string> titlesOf(const Columns& columns) {
   std::vector<std::string> titles;
-  for (const Table::Column& column : columns) {
+  for (const TextTable::Column& column : columns) {
     titles.emplace_back(column.title);
   }
   return titles;
@@ -122,7 +122,7 @@ class EntryList {
     }
   }
 
-  Table table_;
+  TextTable table_;
   const ListOptions& options_;
   std::ostream& out_;
 };

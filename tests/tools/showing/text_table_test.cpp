@@ -1,4 +1,4 @@
-#include "showing/table.h"
+#include "showing/text_table.h"
 
 #include <gtest/gtest.h>
 
@@ -7,25 +7,25 @@
 
 using mdf_tools::onOneLine;
 using mdf_tools::shownWidth;
-using mdf_tools::Table;
+using mdf_tools::TextTable;
 
 namespace {
 
-std::string printed(Table table) {
+std::string printed(TextTable table) {
   std::ostringstream os;
   table.print(os);
   return os.str();
 }
 
-Table fruits() {
-  Table table({{"name"}, {"count", Table::Align::right}, {"note"}});
+TextTable fruits() {
+  TextTable table({{"name"}, {"count", TextTable::Align::right}, {"note"}});
   table.add({"pear", "10", ""}, "line of pears");
   table.add({"fig", "9", "ripe"}, "line of figs");
   table.add({"Apfel", "100", "gr\xC3\xBCn"}, "line of apples");
   return table;
 }
 
-TEST(Table, AlignsColumnsAndLeavesNothingBehindALine) {
+TEST(TextTable, AlignsColumnsAndLeavesNothingBehindALine) {
   EXPECT_EQ(printed(fruits()),
             "name   count  note\n"
             "pear      10\n"
@@ -33,8 +33,8 @@ TEST(Table, AlignsColumnsAndLeavesNothingBehindALine) {
             "Apfel    100  gr\xC3\xBCn\n");
 }
 
-TEST(Table, WidthsCountCharacters) {
-  Table table({{"a"}, {"b"}});
+TEST(TextTable, WidthsCountCharacters) {
+  TextTable table({{"a"}, {"b"}});
   table.add({"\xC3\xB6\xC3\xB6", "x"});
   table.add({"ooo", "y"});
   EXPECT_EQ(printed(table),
@@ -43,8 +43,8 @@ TEST(Table, WidthsCountCharacters) {
             "ooo  y\n");
 }
 
-TEST(Table, EmptyCellsKeepTheirPlace) {
-  Table table({{"a"}, {"b", Table::Align::right}, {"c"}});
+TEST(TextTable, EmptyCellsKeepTheirPlace) {
+  TextTable table({{"a"}, {"b", TextTable::Align::right}, {"c"}});
   table.add({"", "", "x"});
   table.add({"", "1", ""});
   EXPECT_EQ(printed(table),
@@ -53,8 +53,8 @@ TEST(Table, EmptyCellsKeepTheirPlace) {
             "   1\n");
 }
 
-TEST(Table, SortsByTextAndByNumber) {
-  Table table = fruits();
+TEST(TextTable, SortsByTextAndByNumber) {
+  TextTable table = fruits();
   table.sortBy("name");
   EXPECT_EQ(printed(table).find("Apfel"), 19U);
   table.sortBy("count");
@@ -64,8 +64,8 @@ TEST(Table, SortsByTextAndByNumber) {
   EXPECT_TRUE(table.isEmpty());
 }
 
-TEST(Table, AColumnThatIsNotThereSortsNothing) {
-  Table table = fruits();
+TEST(TextTable, AColumnThatIsNotThereSortsNothing) {
+  TextTable table = fruits();
   table.sortBy("none");
   table.sortBy("");
   std::ostringstream os;
@@ -73,8 +73,8 @@ TEST(Table, AColumnThatIsNotThereSortsNothing) {
   EXPECT_EQ(os.str(), "line of pears\nline of figs\nline of apples\n");
 }
 
-TEST(Table, PrintsPieceByPiece) {
-  Table table({{"a"}, {"b"}});
+TEST(TextTable, PrintsPieceByPiece) {
+  TextTable table({{"a"}, {"b"}});
   std::ostringstream os;
   table.add({"1", "2"});
   EXPECT_EQ(table.size(), 1U);
@@ -91,14 +91,14 @@ TEST(Table, PrintsPieceByPiece) {
             "4     5\n");
 }
 
-TEST(Table, WithoutRowsItIsItsTitles) {
-  EXPECT_EQ(printed(Table({{"a"}, {"b"}})), "a  b\n");
-  EXPECT_TRUE(Table({{"a"}}).isEmpty());
+TEST(TextTable, WithoutRowsItIsItsTitles) {
+  EXPECT_EQ(printed(TextTable({{"a"}, {"b"}})), "a  b\n");
+  EXPECT_TRUE(TextTable({{"a"}}).isEmpty());
   EXPECT_FALSE(fruits().isEmpty());
 }
 
-TEST(Table, CellsStayOnTheirLine) {
-  Table table({{"a"}});
+TEST(TextTable, CellsStayOnTheirLine) {
+  TextTable table({{"a"}});
   table.add({"x\ny\x1B[1m"});
   EXPECT_EQ(printed(table), "a\nx y [1m\n");
 }

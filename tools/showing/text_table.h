@@ -1,5 +1,5 @@
-#ifndef MDF_TOOLS_SHOWING_TABLE_H_
-#define MDF_TOOLS_SHOWING_TABLE_H_
+#ifndef MDF_TOOLS_SHOWING_TEXT_TABLE_H_
+#define MDF_TOOLS_SHOWING_TEXT_TABLE_H_
 
 #include <cstddef>
 #include <ostream>
@@ -10,7 +10,7 @@
 namespace mdf_tools {
 
 /// Rows of texts, printed in aligned columns.
-class Table {
+class TextTable {
  public:
   enum class Align { left, right };
   struct Column {
@@ -18,7 +18,7 @@ class Table {
     Align align = Align::left;
   };
 
-  explicit Table(std::vector<Column> columns) : columns_(std::move(columns)) {}
+  explicit TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {}
 
   /// Adds a row with as many cells as there are columns, and what else is to be said of it, which
   /// is not printed.
@@ -64,4 +64,4 @@ std::string onOneLine(std::string_view text, std::size_t most = static_cast<std:
 
 }  // namespace mdf_tools
 
-#endif  // MDF_TOOLS_SHOWING_TABLE_H_
+#endif  // MDF_TOOLS_SHOWING_TEXT_TABLE_H_

@@ -1,4 +1,4 @@
-#include "table.h"
+#include "text_table.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -37,7 +37,7 @@ std::string onOneLine(std::string_view text, std::size_t most) {
   return line.substr(0, end).append(more);
 }
 
-void Table::sortBy(std::string_view title) {
+void TextTable::sortBy(std::string_view title) {
   const auto found = std::find_if(columns_.begin(), columns_.end(),
                                   [&](const Column& each) { return each.title == title; });
   if (found == columns_.end()) {
@@ -52,13 +52,13 @@ void Table::sortBy(std::string_view title) {
   });
 }
 
-void Table::widen(const std::vector<std::string>& cells) {
+void TextTable::widen(const std::vector<std::string>& cells) {
   for (std::size_t i = 0; i < widths_.size(); ++i) {
     widths_[i] = std::max(widths_[i], shownWidth(cells[i]));
   }
 }
 
-void Table::printRow(std::ostream& os, const std::vector<std::string>& cells) const {
+void TextTable::printRow(std::ostream& os, const std::vector<std::string>& cells) const {
   std::size_t blanks = 0;  // owed until a text follows
   for (std::size_t i = 0; i < cells.size(); ++i) {
     const std::size_t gap = widths_[i] - shownWidth(cells[i]);
@@ -74,7 +74,7 @@ void Table::printRow(std::ostream& os, const std::vector<std::string>& cells) co
   os << '\n';
 }
 
-void Table::print(std::ostream& os) {
+void TextTable::print(std::ostream& os) {
   std::vector<std::string> titles;
   if (widths_.empty()) {
     for (const Column& column : columns_) {
@@ -95,7 +95,7 @@ void Table::print(std::ostream& os) {
   rows_.clear();
 }
 
-void Table::printRests(std::ostream& os) {
+void TextTable::printRests(std::ostream& os) {
   for (const Row& row : rows_) {
     os << row.rest << '\n';
   }
