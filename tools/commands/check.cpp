@@ -19,6 +19,7 @@ namespace {
 
 struct CheckOptions {
   bool as_json = false;
+  bool lists_codes = false;
   std::string explained;  ///< a code
 };
 
@@ -91,7 +92,7 @@ int check(const std::vector<std::string>& paths, bool as_json) {
 int explain(const std::string& word) {
   const CodeText* const code = findCode(word);
   if (code == nullptr) {
-    throw CLI::ValidationError("there is no code \"" + word + "\"; --codes lists them");
+    throw CLI::ValidationError("there is no code \"" + word + "\"; 'mdf check --codes' lists them");
   }
   std::cout << code->word << " (" << severityWord(code->severity) << ")\n\n"
             << code->meaning << '\n';
@@ -140,11 +141,11 @@ void addCheckCommand(CLI::App& app, int& exit_code) {
       "Print an object a line, with schema, file, code, severity, offset, path, text");
   command->add_option("--explain", options->explained, "Print what a code means, and no more")
       ->type_name("CODE");
-  const auto lists_codes = std::make_shared<bool>(false);
-  command->add_flag("--codes", *lists_codes, "Print all codes with their severities, and no more");
+  command->add_flag("--codes", options->lists_codes,
+                    "Print all codes with their severities, and no more");
   command->footer(footer);
-  command->callback([options, paths, lists_codes, &exit_code] {
-    if (*lists_codes) {
+  command->callback([options, paths, &exit_code] {
+    if (options->lists_codes) {
       exit_code = listCodes();
     } else if (!options->explained.empty()) {
       exit_code = explain(options->explained);
