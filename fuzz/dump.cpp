@@ -1,6 +1,3 @@
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
@@ -11,6 +8,7 @@
 #include <string>
 
 #include "expect.h"
+#include "memory_file.h"
 #include "reading/file_dump.h"
 #include "reading/finding.h"
 #include "reading/input_file.h"
@@ -23,33 +21,6 @@ namespace mdf_fuzz {
 namespace {
 
 using mdf_tools::OutputBuffer;
-
-/// A file that has a path and no place on a disk.
-class MemoryFile {
- public:
-  MemoryFile() : descriptor_(memfd_create("mdf", 0)) {
-    if (descriptor_ < 0) {
-      throw std::runtime_error("a file in memory");
-    }
-  }
-  ~MemoryFile() { close(descriptor_); }
-  MemoryFile(const MemoryFile&) = delete;
-  MemoryFile& operator=(const MemoryFile&) = delete;
-
-  void hold(std::string_view bytes) const {
-    const bool is_written =
-        ftruncate(descriptor_, 0) == 0 &&
-        pwrite(descriptor_, bytes.data(), bytes.size(), 0) == static_cast<ssize_t>(bytes.size());
-    if (!is_written) {
-      throw std::runtime_error("room for a file in memory");
-    }
-  }
-
-  std::string path() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
-
- private:
-  int descriptor_;
-};
 
 /// A C file that keeps what is written to it.
 class MemoryOutput {

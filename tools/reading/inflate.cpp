@@ -15,6 +15,22 @@ constexpr std::uint64_t most_from_a_byte = 1032;
 using Decompressor =
     std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)>;
 
+/// Tries with a buffer of one size; too little room for the stream is `too_long`.
+Inflated inflateInto(libdeflate_decompressor* decompressor, std::string_view stream,
+                     std::size_t room) {
+  Inflated result{Inflating::broken, std::string(room, '\0')};
+  std::size_t size = 0;
+  const libdeflate_result outcome = libdeflate_zlib_decompress(
+      decompressor, stream.data(), stream.size(), result.bytes.data(), room, &size);
+  if (outcome == LIBDEFLATE_SUCCESS) {
+    result.state = size == room ? Inflating::fine : Inflating::too_short;
+  } else if (outcome == LIBDEFLATE_INSUFFICIENT_SPACE) {
+    result.state = Inflating::too_long;
+  }
+  result.bytes.resize(outcome == LIBDEFLATE_SUCCESS ? size : 0);
+  return result;
+}
+
 }  // namespace
 
 Inflated inflate(std::string_view stream, std::uint64_t stated_size) {
@@ -22,22 +38,19 @@ Inflated inflate(std::string_view stream, std::uint64_t stated_size) {
   if (!decompressor) {
     throw std::bad_alloc();
   }
-  const std::uint64_t possible = stream.size() * most_from_a_byte;
-  Inflated result{Inflating::broken,
-                  std::string(static_cast<std::size_t>(std::min(stated_size, possible)), '\0')};
-  std::size_t size = 0;
-  const libdeflate_result outcome =
-      libdeflate_zlib_decompress(decompressor.get(), stream.data(), stream.size(),
-                                 result.bytes.data(), result.bytes.size(), &size);
-  if (outcome == LIBDEFLATE_SUCCESS) {
-    result.state = size == stated_size ? Inflating::fine : Inflating::too_short;
-  } else if (outcome == LIBDEFLATE_INSUFFICIENT_SPACE) {
-    result.state = Inflating::too_long;
-    size = 0;
-  } else {
-    size = 0;
+  // Room is added as it turns out to be needed: a stated size may lie.
+  constexpr std::uint64_t usual_from_a_byte = 16;
+  constexpr std::uint64_t growth = 8;
+  const std::uint64_t most = std::min(stated_size, stream.size() * most_from_a_byte);
+  std::uint64_t room = std::min(most, stream.size() * usual_from_a_byte);
+  Inflated result = inflateInto(decompressor.get(), stream, static_cast<std::size_t>(room));
+  while (result.state == Inflating::too_long && room < most) {
+    room = std::min(most, room * growth);
+    result = inflateInto(decompressor.get(), stream, static_cast<std::size_t>(room));
   }
-  result.bytes.resize(size);
+  if (result.state == Inflating::fine && room != stated_size) {
+    result.state = Inflating::too_short;
+  }
   return result;
 }
 

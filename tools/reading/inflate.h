@@ -21,8 +21,9 @@ struct Inflated {
   std::string bytes;
 };
 
-/// Inflates a zlib stream (RFC 1950) to at most `stated_size` bytes. A stated size that no stream
-/// of this length can reach costs no memory: Deflate makes at most 1032 bytes of one.
+/// Inflates a zlib stream (RFC 1950) to at most `stated_size` bytes. A stated size that lies costs
+/// no more memory than some times the stream or what it holds: Deflate makes at most 1032 bytes of
+/// one.
 Inflated inflate(std::string_view stream, std::uint64_t stated_size);
 
 /// Undoes the transposition of data that was stored column by column: of `columns` bytes in each
