@@ -36,6 +36,7 @@ int run(int argc, char** argv) {
   mdf_tools::addPlotCommand(app, exit_code);
   mdf_tools::addTreeCommand(app, exit_code);
   mdf_tools::addCheckCommand(app, exit_code);
+  mdf_tools::addGraphCommand(app, exit_code);
 
   if (argc == 1) {
     return complain("no command; run 'mdf --help' for what there is");

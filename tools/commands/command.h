@@ -24,6 +24,7 @@ void addRecordCommand(CLI::App& app, int& exit_code);
 void addExportCommand(CLI::App& app, int& exit_code);
 void addPlotCommand(CLI::App& app, int& exit_code);
 void addTreeCommand(CLI::App& app, int& exit_code);
+void addGraphCommand(CLI::App& app, int& exit_code);
 
 }  // namespace mdf_tools
 

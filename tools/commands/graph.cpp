@@ -1,0 +1,201 @@
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "command.h"
+#include "drawing/block_graph.h"
+#include "drawing/block_map.h"
+#include "drawing/graphviz.h"
+#include "drawing/one_line.h"
+#include "extracting/new_file.h"
+#include "file_command.h"
+#include "offset_option.h"
+#include "reading/input_file.h"
+#include "showing/json_output.h"
+
+namespace mdf_tools {
+
+namespace {
+
+struct GraphArguments {
+  std::shared_ptr<std::vector<std::string>> paths;
+  std::string output;
+  std::string from = "64";
+  TreeOptions options;
+  bool is_map = false;
+  bool hides_texts = false;
+  bool is_json = false;
+};
+
+constexpr const char* footer =
+    R"(Without --map a box for each block, with type, offset, name and what tells it from others, and an
+arrow for each link with its name; dashed arrows lead to blocks that are drawn elsewhere. Of a file
+with more than 300 blocks only the first of each chain and list are drawn, and how many more there
+are. Colours tell the file's own blocks, groups, channels, conversions, texts and data apart.
+
+With --map the file's bytes from beginning to end, row by row: blocks by colour, places without a
+block that the header leads to white, places where blocks overlap red, and the sums below.
+
+The suffix of OUT chooses the form: .svg and .png are drawn by Graphviz (its program neato), .dot is
+what Graphviz would be given, and - is the same on standard output. Several files go into one
+picture. OUT appears when it is complete. With --json standard output gets a line for each file: its
+boxes and arrows, or the sums of its map. Problems go to standard error, one line each with the
+block's offset.
+
+Examples:
+  mdf graph -o trip.svg trip.mf4                  the whole file
+  mdf graph -o trip.png --no-text trip.mf4        without a box for each name and comment
+  mdf graph -o cg.svg --from 0x828 trip.mf4       a block and what is below it
+  mdf graph -o top.svg --depth 2 trip.mf4         data groups and channel groups alone
+  mdf graph -o map.png --map trip.mf4             where in the file the blocks are
+  mdf graph -o - trip.mf4 | neato -n2 -Tpdf > x   any other form that Graphviz knows
+
+Exit code: 0 fine, 1 problems found in the file or no picture, 2 wrong arguments or unreadable file.)";
+
+std::string suffixOf(const std::string& path) {
+  return path == "-" ? ".dot" : std::filesystem::path(path).extension().string();
+}
+
+CLI::Validator isPicture() {
+  return CLI::Validator(
+      [](const std::string& path) {
+        const std::string suffix = suffixOf(path);
+        const bool is_known = suffix == ".svg" || suffix == ".png" || suffix == ".dot";
+        return is_known ? std::string() : "\"" + path + "\" ends in none of .svg, .png and .dot";
+      },
+      "");
+}
+
+/// Collects what is drawn of each file.
+class Picture {
+ public:
+  explicit Picture(const GraphArguments& arguments) : arguments_(arguments) {}
+
+  void add(const FileContext& context);
+  bool isEmpty() const { return count_ == 0; }
+  std::string dot() const { return arguments_.is_map ? mapPicture(parts_) : dotOf(graph_); }
+
+ private:
+  void addJson(const FileContext& context, const Json& drawn);
+
+  const GraphArguments& arguments_;
+  GraphPicture graph_;
+  std::string parts_;  ///< of a map
+  double height_ = 0;
+  std::size_t count_ = 0;
+};
+
+void Picture::addJson(const FileContext& context, const Json& drawn) {
+  Json line;
+  line["schema"] = json_schema;
+  line["file"] = context.file.name();
+  line.update(drawn);
+  context.out << jsonLine(line) << '\n';
+}
+
+void Picture::add(const FileContext& context) {
+  const std::string title = oneLine(context.file.name(), 100);
+  const std::string prefix = 'f' + std::to_string(count_++) + '_';
+  if (arguments_.is_map) {
+    const BlockMap map = makeMap(context.file, context.report);
+    if (arguments_.is_json) {
+      addJson(context, mapAsJson(map));
+    } else {
+      parts_ += mapPart(map, title, prefix, height_);
+    }
+    return;
+  }
+  const BlockGraph graph = makeGraph(context.file, arguments_.options, context.report);
+  if (arguments_.is_json) {
+    addJson(context, graphAsJson(graph));
+  } else {
+    addGraph(graph_, graph, title, prefix);
+  }
+}
+
+std::string drawn(const std::string& dot, const std::string& suffix) {
+  return suffix == ".dot" ? dot : drawnByGraphviz(dot, {"neato", "-n2", "-T" + suffix.substr(1)});
+}
+
+void writeFile(const std::string& path, const std::string& bytes) {
+  const std::filesystem::path whole(path);
+  const std::string folder = whole.parent_path().string();
+  NewFile file(folder.empty() ? "." : folder, whole.filename().string());
+  file.write(bytes);
+  file.complete(true);
+}
+
+void writePicture(const Picture& picture, const GraphArguments& arguments) {
+  const std::string bytes = drawn(picture.dot(), suffixOf(arguments.output));
+  if (arguments.output != "-") {
+    writeFile(arguments.output, bytes);
+  } else if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() ||
+             std::fflush(stdout) != 0) {
+    throw DrawingFailed("cannot write to standard output");
+  }
+}
+
+int graph(GraphArguments arguments) {
+  arguments.options.from = parseOffset(arguments.from).value_or(header_block_offset);
+  arguments.options.with_texts = !arguments.hides_texts;
+  Picture picture(arguments);
+  const int exit_code =
+      onEachFile(*arguments.paths, [&](const FileContext& context) { picture.add(context); });
+  if (arguments.is_json || picture.isEmpty()) {
+    return exit_code;
+  }
+  try {
+    writePicture(picture, arguments);
+  } catch (const DrawingFailed& error) {
+    std::cerr << "mdf: " << error.what() << '\n';
+    return std::max<int>(exit_code, exit_problem);
+  } catch (const Unwritable& error) {
+    std::cerr << "mdf: " << error.what() << '\n';
+    return std::max<int>(exit_code, exit_problem);
+  }
+  return exit_code;
+}
+
+}  // namespace
+
+void addGraphCommand(CLI::App& app, int& exit_code) {
+  CLI::App* command = app.add_subcommand("graph", "Draw a file's blocks and links, or its map");
+  const auto arguments = std::make_shared<GraphArguments>();
+  arguments->paths = addFileArguments(*command);
+  CLI::Option* output =
+      command
+          ->add_option("-o,--output", arguments->output,
+                       "Where the picture goes: .svg, .png or .dot; - is standard output")
+          ->type_name("OUT")
+          ->check(isPicture());
+  CLI::Option* from =
+      command->add_option("--from", arguments->from, "Begin at the block at this offset")
+          ->type_name("OFFSET")
+          ->check(isOffset());
+  CLI::Option* depth =
+      command->add_option("--depth", arguments->options.most_depth, "Go down so many levels")
+          ->type_name("N");
+  CLI::Option* no_text =
+      command->add_flag("--no-text", arguments->hides_texts, "Leave out text and metadata blocks");
+  command->add_flag("--map", arguments->is_map, "Draw the file's bytes instead of its links")
+      ->excludes(from)
+      ->excludes(depth)
+      ->excludes(no_text);
+  CLI::Option* json =
+      command->add_flag("--json", arguments->is_json, "Write an object for each file instead");
+  json->excludes(output);
+  command->footer(footer);
+  command->callback([arguments, output, json, &exit_code] {
+    if (output->count() + json->count() == 0) {
+      throw CLI::RequiredError("-o OUT or --json");
+    }
+    exit_code = graph(*arguments);
+  });
+}
+
+}  // namespace mdf_tools

@@ -1,0 +1,126 @@
+#include "graphviz.h"
+
+#include <spawn.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <string_view>
+#include <system_error>
+
+#include "reading/descriptor.h"
+
+namespace mdf_tools {
+
+namespace {
+
+[[noreturn]] void fail(const std::string& what, int error) {
+  throw DrawingFailed("cannot " + what + ": " + std::generic_category().message(error));
+}
+
+/// A file without a name, in memory.
+Descriptor memoryFile() {
+  Descriptor file(memfd_create("picture", MFD_CLOEXEC));
+  if (file.number() < 0) {
+    fail("make room for a picture", errno);
+  }
+  return file;
+}
+
+void writeAll(int file, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = write(file, text.data(), text.size());
+    if (count < 0) {
+      fail("make room for a picture", errno);
+    }
+    text.remove_prefix(static_cast<std::size_t>(count));
+  }
+  (void)lseek(file, 0, SEEK_SET);
+}
+
+std::string readAll(int file) {
+  (void)lseek(file, 0, SEEK_SET);
+  std::string text;
+  std::array<char, 65536> piece;
+  while (const ssize_t count = read(file, piece.data(), piece.size())) {
+    if (count < 0) {
+      fail("read the picture", errno);
+    }
+    text.append(piece.data(), static_cast<std::size_t>(count));
+  }
+  return text;
+}
+
+/// Which of its files a program gets as standard input and standard output.
+class Redirection {
+ public:
+  Redirection(int input, int output) {
+    posix_spawn_file_actions_init(&actions_);
+    posix_spawn_file_actions_adddup2(&actions_, input, STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
+  }
+  ~Redirection() { posix_spawn_file_actions_destroy(&actions_); }
+  Redirection(const Redirection&) = delete;
+  Redirection& operator=(const Redirection&) = delete;
+
+  const posix_spawn_file_actions_t* get() const { return &actions_; }
+
+ private:
+  posix_spawn_file_actions_t actions_;
+};
+
+pid_t start(const std::vector<std::string>& command, const Redirection& redirection) {
+  std::vector<std::string> words = command;
+  std::vector<char*> arguments;
+  for (std::string& word : words) {
+    arguments.push_back(word.data());
+  }
+  arguments.push_back(nullptr);
+  pid_t program = 0;
+  const int error =
+      posix_spawnp(&program, arguments[0], redirection.get(), nullptr, arguments.data(), environ);
+  if (error == ENOENT) {
+    throw DrawingFailed("cannot draw without the program " + command[0] +
+                        ", which is not there; install Graphviz, or have a .dot file written");
+  }
+  if (error != 0) {
+    fail("start " + command[0], error);
+  }
+  return program;
+}
+
+void waitFor(pid_t program, const std::string& name) {
+  int status = 0;
+  while (waitpid(program, &status, 0) < 0) {
+    if (errno != EINTR) {
+      fail("wait for " + name, errno);
+    }
+  }
+  if (WIFSIGNALED(status)) {
+    throw DrawingFailed("cannot draw: " + name + " was ended by signal " +
+                        std::to_string(WTERMSIG(status)));
+  }
+  if (WEXITSTATUS(status) != 0) {
+    throw DrawingFailed("cannot draw: " + name + " ended with exit code " +
+                        std::to_string(WEXITSTATUS(status)));
+  }
+}
+
+}  // namespace
+
+std::string drawnByGraphviz(const std::string& dot, const std::vector<std::string>& command) {
+  const Descriptor input = memoryFile();
+  const Descriptor output = memoryFile();
+  writeAll(input.number(), dot);
+  const Redirection redirection(input.number(), output.number());
+  waitFor(start(command, redirection), command[0]);
+  std::string picture = readAll(output.number());
+  if (picture.empty()) {
+    throw DrawingFailed("cannot draw: " + command[0] + " gave no picture");
+  }
+  return picture;
+}
+
+}  // namespace mdf_tools
