@@ -1,8 +1,10 @@
 #include "chart.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <limits>
+#include <string_view>
 #include <utility>
 
 #include "value.h"
@@ -10,6 +12,8 @@
 namespace mdf_tools {
 
 namespace {
+
+constexpr double no_number = std::numeric_limits<double>::quiet_NaN();
 
 std::string labelOf(const std::string& name, const std::string& unit) {
   return unit.empty() ? name : name + " [" + unit + ']';
@@ -22,22 +26,41 @@ double drawnNumber(Column& column, const Sample& sample) {
   if (!number && std::holds_alternative<std::string>(value)) {
     number = numberOf(column.raw(sample));
   }
-  return number.value_or(std::numeric_limits<double>::quiet_NaN());
+  return number.value_or(no_number);
 }
 
-/// Text in single quotes, where gnuplot knows no other character than the quote itself.
+/// A text that is not longer than there is room for.
+std::string shortened(const std::string& text) {
+  constexpr std::size_t longest = 60;
+  if (text.size() <= longest) {
+    return text;
+  }
+  std::size_t end = longest;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80) {
+    --end;  // not inside a character
+  }
+  return text.substr(0, end) + "...";
+}
+
+/// Text in quotes, cut where it is long, with codes for all characters that could mean something
+/// there.
 std::string quoted(const std::string& text) {
-  std::string result = "'";
-  for (const char character : text) {
+  constexpr std::string_view plain = " ,.:;/()[]+-%_=";
+  std::string result = "\"";
+  for (const char character : shortened(text)) {
     const auto code = static_cast<unsigned char>(character);
-    if (code < 0x20 || code == 0x7F) {
+    const bool is_plain =
+        code < 0x80 && (std::isalnum(code) != 0 || plain.find(character) != std::string_view::npos);
+    if (is_plain) {
+      result += character;
+    } else if (code < 0x20 || code == 0x7F) {
       result += ' ';
     } else {
-      result += character;
-      result += character == '\'' ? "'" : "";
+      const auto digit = [](unsigned value) { return static_cast<char>('0' + (value & 7U)); };
+      result += {'\\', digit(code >> 6U), digit(code >> 3U), digit(code)};
     }
   }
-  return result + '\'';
+  return result + '"';
 }
 
 /// Curves with one unit over the same axis.
@@ -45,6 +68,36 @@ struct Panel {
   std::string unit;
   std::string x_label;
   std::vector<std::size_t> curves;
+};
+
+/// The limits of an axis.
+class Range {
+ public:
+  void add(double number) {
+    if (!std::isnan(number)) {
+      low_ = std::min(low_, number);
+      high_ = std::max(high_, number);
+    }
+  }
+  bool isEmpty() const { return low_ > high_; }
+  /// Whether all is at one place, which leaves gnuplot no range to draw.
+  bool isPoint() const { return low_ == high_; }
+
+  /// "[0:1]", with some room around a point.
+  std::string text() const {
+    const double room = isPoint() ? std::max(std::abs(low_) * 0.01, 1.0) : 0;
+    return '[' + number(low_ - room) + ':' + number(high_ + room) + ']';
+  }
+
+ private:
+  static std::string number(double value) {
+    std::string text;
+    appendText(value, text);
+    return text;
+  }
+
+  double low_ = std::numeric_limits<double>::infinity();
+  double high_ = -std::numeric_limits<double>::infinity();
 };
 
 std::vector<Panel> panelsOf(const std::vector<Curve>& curves) {
@@ -75,6 +128,7 @@ class Script {
   void style();
   void data(std::size_t curve);
   void panel(std::size_t index);
+  void ranges(const Panel& panel);
   std::string curveStyle(std::size_t curve, std::size_t place) const;
   bool isAscii() const { return form_.kind == ChartForm::Kind::ascii; }
   void line(const std::string& text) { script_ += text + '\n'; }
@@ -82,7 +136,7 @@ class Script {
   const std::vector<Curve>& curves_;
   const ChartForm& form_;
   std::vector<Panel> panels_;
-  std::vector<std::size_t> point_counts_;
+  std::vector<std::vector<Point>> points_;  ///< of each curve
   std::string script_;
 };
 
@@ -96,6 +150,7 @@ std::string Script::text() {
   for (std::size_t i = 0; i < curves_.size(); ++i) {
     data(i);
   }
+  line("set encoding utf8");
   terminal();
   style();
   line("set multiplot layout " + std::to_string(panels_.size()) + ",1 title " +
@@ -110,12 +165,11 @@ std::string Script::text() {
 /// The points of a curve as gnuplot's own data: a blank line is a gap.
 void Script::data(std::size_t curve) {
   line("$c" + std::to_string(curve) + " << END");
-  const std::vector<Point> points = curves_[curve].points.points();
-  for (const Point& point : points) {
+  points_.push_back(curves_[curve].points.points());
+  for (const Point& point : points_.back()) {
     line(std::isnan(point.y) ? "" : number(point.x) + ' ' + number(point.y));
   }
   line("END");
-  point_counts_.push_back(points.size());
 }
 
 void Script::terminal() {
@@ -156,7 +210,8 @@ void Script::style() {
   line("set tics nomirror textcolor rgb '#303030'");
   line("set grid linecolor rgb '#d8d8d8' linewidth 0.6 linetype 1");
   line("set key outside top left horizontal Left reverse samplen 2");
-  line("set lmargin 12");
+  line("set format '%.8g'");
+  line("set lmargin 14");
   line("set rmargin 4");
 }
 
@@ -165,12 +220,30 @@ std::string Script::curveStyle(std::size_t curve, std::size_t place) const {
   if (isAscii()) {
     return "with lines";
   }
-  return std::string(point_counts_[curve] <= few ? "with linespoints" : "with lines") +
+  return std::string(points_[curve].size() <= few ? "with linespoints" : "with lines") +
          " linetype " + std::to_string(place + 1);
+}
+
+/// Panels over the same axis show the same part of it. Up and down gnuplot finds good limits, but
+/// for a line that is level.
+void Script::ranges(const Panel& panel) {
+  Range x;
+  Range y;
+  for (std::size_t i = 0; i < curves_.size(); ++i) {
+    const bool is_inside =
+        std::find(panel.curves.begin(), panel.curves.end(), i) != panel.curves.end();
+    for (const Point& point : points_[i]) {
+      x.add(curves_[i].x_label == panel.x_label ? point.x : no_number);
+      y.add(is_inside ? point.y : no_number);
+    }
+  }
+  line("set xrange " + (x.isEmpty() ? "[0:1]" : x.text()));
+  line("set yrange " + (y.isEmpty() ? "[0:1]" : y.isPoint() ? y.text() : "[*:*]"));
 }
 
 void Script::panel(std::size_t index) {
   const Panel& panel = panels_[index];
+  ranges(panel);
   const bool has_label_below =
       index + 1 < panels_.size() && panels_[index + 1].x_label == panel.x_label;
   line("set xlabel " + quoted(has_label_below ? "" : panel.x_label));
@@ -180,7 +253,7 @@ void Script::panel(std::size_t index) {
   std::string plots;
   for (std::size_t place = 0; place < panel.curves.size(); ++place) {
     const std::size_t curve = panel.curves[place];
-    const bool has_points = point_counts_[curve] > 0;
+    const bool has_points = !points_[curve].empty();
     plots += plots.empty() ? "plot " : ", ";
     plots += has_points ? "$c" + std::to_string(curve) + " using 1:2" : "NaN";
     plots += " title " + quoted(curves_[curve].name) + ' ' + curveStyle(curve, place);

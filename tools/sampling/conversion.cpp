@@ -391,7 +391,7 @@ Conversion* Conversions::at(std::uint64_t offset) {
   if (offset == 0) {
     return nullptr;
   }
-  if (depth_ > most_nested) {
+  if (depth_ >= most_nested) {
     report_({std::min(offset, file_.size()), "expected at most " + std::to_string(most_nested) +
                                                  " conversions in one another, found more"});
     return nullptr;

@@ -113,8 +113,8 @@ Unzipped unzip(InputFile& file, const DataBlock& block) {
   std::string stream(static_cast<std::size_t>(block.stored), '\0');
   stream.resize(file.readAt(block.at, stream.data(), stream.size()));
   Inflated inflated = inflate(stream, block.original);
-  Unzipped unzipped{std::move(inflated.bytes), ""};
-  unzipped.problem = inflatingProblem(inflated, block.original);
+  const std::string problem = inflatingProblem(inflated, block.original);
+  Unzipped unzipped{std::move(inflated.bytes), problem};
   if (block.columns > 1) {
     unzipped.bytes = transposedBack(unzipped.bytes, block.columns);
   }

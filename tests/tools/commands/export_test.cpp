@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tools/sampling/sample_file.h"
+#include "tools/support/program.h"
+#include "tools/support/scratch_folder.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+
+namespace {
+
+/// Two channel groups: time and speed, and a counter.
+std::string twoTables() {
+  SampleFile file;
+  const std::uint64_t time = file.time();
+  ChannelFields speed;
+  speed.name = "speed";
+  speed.byte_offset = 8;
+  speed.unit = "km/h";
+  file.dataGroup({file.group({2, 9}, {time, file.channel(speed)})},
+                 file.data(Bytes().f64(0).u8(10).f64(0.5).u8(20)));
+  file.dataGroup({file.group({2, 1}, {file.channel(firstByte("counter"))})}, file.data("AB"));
+  return file.bytes();
+}
+
+const std::string first_table = "time [s],speed [km/h]\n0,10\n0.5,20\n";
+const std::string second_table = "counter\n65\n66\n";
+
+TEST(ExportCommand, TablesOneAfterTheOther) {
+  const TempFile file(twoTables());
+  const RunResult result = run({"export", file.path()});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output, first_table + "\n" + second_table);
+  EXPECT_EQ(result.messages, "");
+}
+
+TEST(ExportCommand, StandardInputAndSeveralFiles) {
+  const TempFile file(twoTables());
+  RunOptions options;
+  options.input = twoTables();
+  const RunResult result = run({"export", "-g", "1", "-", file.path()}, options);
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output, second_table + "\n" + second_table);
+}
+
+TEST(ExportCommand, ChannelsAndTimes) {
+  const TempFile file(twoTables());
+  EXPECT_EQ(run({"export", "--channel", "count*", "--channel", "none", file.path()}).output,
+            second_table);
+  EXPECT_EQ(run({"export", file.path(), "-c", "speed", "--from", "0.1", "--to", "1e3"}).output,
+            "time [s],speed [km/h]\n0.5,20\n");
+}
+
+TEST(ExportCommand, JsonLines) {
+  const TempFile file(twoTables());
+  const RunResult result = run({"export", "--format", "jsonl", "--group", "1", file.path()});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output,
+            "{\"schema\":1,\"group\":1,\"name\":\"\",\"columns\":[{\"name\":\"counter\",\"unit\":"
+            "\"\"}]}\n"
+            "{\"schema\":1,\"group\":1,\"values\":{\"counter\":65}}\n"
+            "{\"schema\":1,\"group\":1,\"values\":{\"counter\":66}}\n");
+}
+
+TEST(ExportCommand, OutputFile) {
+  const TempFile file(twoTables());
+  const ScratchFolder folder;
+  const RunResult result = run({"export", file.path(), "-o", (folder / "out.csv").string()});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(bytesOf(folder / "out.csv"), first_table + "\n" + second_table);
+}
+
+TEST(ExportCommand, OutputFolderGetsAFileForEachTable) {
+  const ScratchFolder folder;
+  folder.write("trip.mf4", twoTables());
+  const RunResult result =
+      run({"export", (folder / "trip.mf4").string(), "-o", (folder / "new").string() + "/"});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.messages, "");
+  EXPECT_EQ(bytesOf(folder / "new/trip.0.csv"), first_table);
+  EXPECT_EQ(bytesOf(folder / "new/trip.1.csv"), second_table);
+}
+
+TEST(ExportCommand, OutputDoesNotOverwriteTheInput) {
+  const TempFile file(twoTables());
+  const RunResult result = run({"export", file.path(), "-o", file.path()});
+  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.messages, "mdf: the output " + file.path() + " is one of the files to read\n");
+  EXPECT_EQ(bytesOf(file.path()), twoTables());
+}
+
+TEST(ExportCommand, OutputThatCannotBeWritten) {
+  const TempFile file(twoTables());
+  const ScratchFolder folder;
+  const std::string path = (folder / "missing/out.csv").string();
+  const RunResult result = run({"export", file.path(), "-o", path});
+  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.messages, "mdf: cannot write to " + path + ": No such file or directory\n");
+}
+
+TEST(ExportCommand, FullDisk) {
+  const TempFile file(twoTables());
+  const RunResult result = run({"export", file.path(), "-o", "/dev/full"});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.messages, "mdf: cannot write to /dev/full: No space left on device\n");
+}
+
+TEST(ExportCommand, NothingThatIsWanted) {
+  const TempFile file(twoTables());
+  const RunResult channel = run({"export", file.path(), "-c", "a*", "-c", "b"});
+  EXPECT_EQ(channel.exit_code, 2);
+  EXPECT_EQ(channel.messages,
+            "mdf: " + file.path() + ": there is no channel that fits \"a*\" \"b\"\n");
+  const RunResult group = run({"export", file.path(), "-g", "7"});
+  EXPECT_EQ(group.exit_code, 2);
+  EXPECT_EQ(group.messages,
+            "mdf: " + file.path() + ": there is no channel group with channels and the number 7\n");
+}
+
+TEST(ExportCommand, ProblemsOfTheFile) {
+  const std::string bytes = twoTables();
+  const TempFile file(bytes.substr(0, bytes.size() - 1));
+  const RunResult result = run({"export", file.path()});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.output, first_table + "\n" + second_table);
+  EXPECT_EQ(result.messages, "mdf: " + file.path() +
+                                 ": 1160 (0x488): expected all links and fields of ##DG, found a "
+                                 "length of 64 and 4 links\n");
+}
+
+TEST(ExportCommand, UnfinishedFileIsNoProblem) {
+  std::string bytes = twoTables();
+  bytes.replace(0, 8, "UnFinMF ");
+  const TempFile file(bytes);
+  const RunResult result = run({"export", file.path()});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output, first_table + "\n" + second_table);
+  EXPECT_EQ(result.messages,
+            "mdf: " + file.path() +
+                ": note: the file was not finished; its records are read as far as they go\n");
+}
+
+TEST(ExportCommand, UnreadableFileAndWrongOptions) {
+  EXPECT_EQ(run({"export", "/nowhere/trip.mf4"}).exit_code, 2);
+  EXPECT_EQ(run({"export"}).exit_code, 2);
+  EXPECT_EQ(run({"export", "x.mf4", "--format", "xml"}).exit_code, 2);
+  EXPECT_EQ(run({"export", "x.mf4", "--from", "soon"}).exit_code, 2);
+}
+
+TEST(ExportCommand, HelpHasExamples) {
+  const RunResult result = run({"export", "--help"});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_NE(result.output.find("mdf export trip.mf4 > trip.csv"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,133 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tools/sampling/sample_file.h"
+#include "tools/support/program.h"
+#include "tools/support/scratch_folder.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+
+namespace {
+
+/// Time and a channel with this name, which rises.
+std::string risingFile(const std::string& name = "speed") {
+  SampleFile file;
+  const std::uint64_t time = file.time();
+  ChannelFields speed;
+  speed.name = name;
+  speed.byte_offset = 8;
+  speed.unit = "km/h";
+  Bytes records;
+  for (int i = 0; i < 200; ++i) {
+    records.f64(0.1 * i).u8(static_cast<std::uint8_t>(i));
+  }
+  file.dataGroup({file.group({200, 9}, {time, file.channel(speed)})}, file.data(records));
+  return file.bytes();
+}
+
+/// The program is found by its path, gnuplot is not.
+RunOptions withoutGnuplot() {
+  RunOptions options;
+  options.environment = {"PATH=/nowhere"};
+  return options;
+}
+
+TEST(PlotCommand, Svg) {
+  const TempFile file(risingFile());
+  const ScratchFolder folder;
+  const std::string path = (folder / "out.svg").string();
+  const RunResult result = run({"plot", file.path(), "--channel", "speed", "-o", path});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.messages, "");
+  const std::string picture = bytesOf(path);
+  for (const char* text : {"<svg", "</svg>", ">speed<", ">speed [km/h]<", ">time [s]<"}) {
+    EXPECT_NE(picture.find(text), std::string::npos) << text;
+  }
+}
+
+TEST(PlotCommand, Png) {
+  const TempFile file(risingFile());
+  const ScratchFolder folder;
+  const std::string path = (folder / "out.png").string();
+  EXPECT_EQ(run({"plot", file.path(), "-c", "speed", "-o", path}).exit_code, 0);
+  EXPECT_EQ(bytesOf(path).substr(0, 8), "\x89PNG\r\n\x1A\n");
+}
+
+TEST(PlotCommand, InTheTerminal) {
+  const TempFile file(risingFile());
+  const RunResult result = run({"plot", "-c", "sp*", file.path(), "-o", "-", "--format", "ascii"});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.messages, "");
+  EXPECT_NE(result.output.find("time [s]"), std::string::npos);
+  EXPECT_NE(result.output.find("***"), std::string::npos);
+}
+
+TEST(PlotCommand, PartOfTheTime) {
+  const TempFile file(risingFile());
+  RunOptions options;
+  const std::vector<std::string> all = {"plot", file.path(), "-c", "speed", "--format", "svg"};
+  std::vector<std::string> part = all;
+  part.insert(part.end(), {"--from", "5", "--to", "6"});
+  EXPECT_NE(run(all).output.find(">20<"), std::string::npos);
+  EXPECT_EQ(run(part).output.find(">20<"), std::string::npos);
+  EXPECT_NE(run(part).output.find(">5.2<"), std::string::npos);
+}
+
+TEST(PlotCommand, SeveralFilesInOnePicture) {
+  const ScratchFolder folder;
+  folder.write("a.mf4", risingFile());
+  folder.write("b.mf4", risingFile());
+  const RunResult result = run({"plot", (folder / "a.mf4").string(), (folder / "b.mf4").string(),
+                                "-c", "speed", "--format", "svg"});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_NE(result.output.find(">a.mf4: speed<"), std::string::npos);
+  EXPECT_NE(result.output.find(">b.mf4: speed<"), std::string::npos);
+}
+
+TEST(PlotCommand, NamesAreNoCommandsForGnuplot) {
+  const ScratchFolder folder;
+  const std::string proof = (folder / "proof").string();
+  const std::string touch = "system('touch " + proof + "')";
+  const TempFile file(risingFile("'.`touch " + proof + "`.'\"." + touch + ".\"@" + touch +
+                                 "\n!touch " + proof + "\n"));
+  const RunResult result = run({"plot", file.path(), "-c", "*", "--format", "svg"});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.messages, "");
+  EXPECT_FALSE(std::filesystem::exists(proof));
+}
+
+TEST(PlotCommand, WithoutGnuplot) {
+  const TempFile file(risingFile());
+  const ScratchFolder folder;
+  const std::string path = (folder / "out.svg").string();
+  const RunResult result = run({"plot", file.path(), "-c", "speed", "-o", path}, withoutGnuplot());
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.messages, "mdf: mdf plot needs gnuplot, which is not installed\n");
+  EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST(PlotCommand, NothingThatIsWanted) {
+  const TempFile file(risingFile());
+  const RunResult result = run({"plot", file.path(), "-c", "none", "--format", "svg"});
+  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.messages, "mdf: " + file.path() + ": there is no channel that fits \"none\"\n");
+}
+
+TEST(PlotCommand, WrongOptions) {
+  const TempFile file(risingFile());
+  EXPECT_EQ(run({"plot", file.path()}).exit_code, 2);
+  EXPECT_EQ(run({"plot", "-c", "speed"}).exit_code, 2);
+  const RunResult result = run({"plot", file.path(), "-c", "speed", "-o", "out.jpg"});
+  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.messages,
+            "mdf: cannot tell the picture's form from out.jpg; end it in .svg or .png, or add "
+            "--format\n");
+}
+
+}  // namespace

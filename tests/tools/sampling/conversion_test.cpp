@@ -1,0 +1,240 @@
+#include "sampling/conversion.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "reading/input_file.h"
+#include "sample_file.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tools;
+using mdf_tests::Bytes;
+using mdf_tests::SampleFile;
+using mdf_tests::TempFile;
+
+namespace {
+
+/// A conversion of a file, and what was found wrong with it.
+class Converted {
+ public:
+  Converted(const SampleFile& contents, std::uint64_t offset)
+      : path_(contents.bytes()),
+        file_(path_.path()),
+        conversions_(file_, report_),
+        conversion_(conversions_.at(offset)) {}
+
+  bool isNone() const { return conversion_ == nullptr; }
+  const std::vector<std::string>& findings() const { return findings_; }
+
+  std::string of(const Value& raw) {
+    std::string text;
+    appendText(conversion_ == nullptr ? raw : conversion_->physical(raw), text);
+    return text;
+  }
+  std::string of(int raw) { return of(Value(std::int64_t{raw})); }
+  std::string of(double raw) { return of(Value(raw)); }
+  std::string of(const char* raw) { return of(Value(std::string(raw))); }
+
+ private:
+  TempFile path_;
+  InputFile file_;
+  std::vector<std::string> findings_;
+  FindingSink report_ = [this](const Finding& finding) { findings_.push_back(finding.sentence); };
+  Conversions conversions_;
+  Conversion* conversion_;
+};
+
+Converted converted(unsigned type, const std::vector<double>& values) {
+  SampleFile file;
+  const std::uint64_t offset = file.conversion(type, values);
+  return {file, offset};
+}
+
+/// With references to texts; "" is a reference that leads nowhere.
+Converted converted(unsigned type, const std::vector<double>& values,
+                    const std::vector<std::string>& texts) {
+  SampleFile file;
+  std::vector<std::uint64_t> references;
+  for (const std::string& text : texts) {
+    references.push_back(text.empty() ? 0 : file.text(text));
+  }
+  const std::uint64_t offset = file.conversion(type, values, references);
+  return {file, offset};
+}
+
+TEST(Conversion, IdentityIsNone) {
+  EXPECT_TRUE(converted(0, {}).isNone());
+  EXPECT_TRUE(Converted(SampleFile(), 0).isNone());
+}
+
+TEST(Conversion, Linear) {
+  Converted conversion = converted(1, {-40, 0.5});
+  EXPECT_EQ(conversion.of(100), "10");
+  EXPECT_EQ(conversion.of(2.5), "-38.75");
+  EXPECT_EQ(conversion.of("text"), "text");
+}
+
+TEST(Conversion, LinearThatChangesNothingKeepsLargeIntegers) {
+  EXPECT_TRUE(converted(1, {0, 1}).isNone());
+}
+
+TEST(Conversion, Rational) {
+  Converted conversion = converted(2, {1, 2, 3, 0, 0, 2});
+  EXPECT_EQ(conversion.of(3), "9");  // (9 + 6 + 3) / 2
+  EXPECT_EQ(converted(2, {0, 0, 1, 0, 1, 0}).of(0), "inf");
+}
+
+TEST(Conversion, Algebraic) {
+  EXPECT_EQ(converted(3, {}, {"X^2+1"}).of(3), "10");
+  Converted broken = converted(3, {}, {"X+*"});
+  EXPECT_TRUE(broken.isNone());
+  ASSERT_EQ(broken.findings().size(), 1U);
+  EXPECT_EQ(broken.findings()[0].substr(0, 54),
+            "expected a formula that can be evaluated, found \"X+*\":");
+}
+
+TEST(Conversion, ValueToValueWithInterpolation) {
+  Converted conversion = converted(4, {0, 0, 10, 100});
+  EXPECT_EQ(conversion.of(5), "50");
+  EXPECT_EQ(conversion.of(-5), "0");
+  EXPECT_EQ(conversion.of(50), "100");
+}
+
+TEST(Conversion, ValueToValueWithoutInterpolation) {
+  Converted conversion = converted(5, {0, 0, 10, 100});
+  EXPECT_EQ(conversion.of(4), "0");
+  EXPECT_EQ(conversion.of(5), "0");
+  EXPECT_EQ(conversion.of(6), "100");
+}
+
+TEST(Conversion, RangeToValue) {
+  Converted conversion = converted(6, {0, 10, 0.5, 11, 20, 1.5, -1});
+  EXPECT_EQ(conversion.of(10), "0.5");
+  EXPECT_EQ(conversion.of(10.0), "-1");
+  EXPECT_EQ(conversion.of(11), "1.5");
+  EXPECT_EQ(conversion.of(21), "-1");
+  EXPECT_EQ(converted(6, {0, 10, 0.5}).of(99), "99");  // without a default
+}
+
+TEST(Conversion, ValueToText) {
+  Converted conversion = converted(7, {0, 1}, {"off", "on", "unknown"});
+  EXPECT_EQ(conversion.of(0), "off");
+  EXPECT_EQ(conversion.of(1.0), "on");
+  EXPECT_EQ(conversion.of(2), "unknown");
+}
+
+TEST(Conversion, ReferencesThatLeadNowhereKeepTheNumber) {
+  Converted conversion = converted(7, {0, 1}, {"off", "", ""});
+  EXPECT_EQ(conversion.of(0), "off");
+  EXPECT_EQ(conversion.of(1), "1");
+  EXPECT_EQ(conversion.of(2), "2");
+}
+
+TEST(Conversion, RangeToText) {
+  Converted conversion = converted(8, {0, 9, 10, 19}, {"low", "high", "none"});
+  EXPECT_EQ(conversion.of(9), "low");
+  EXPECT_EQ(conversion.of(9.0), "none");
+  EXPECT_EQ(conversion.of(10.5), "high");
+  EXPECT_EQ(conversion.of(20), "none");
+}
+
+TEST(Conversion, ScaleConversionsLeadOnToOthers) {
+  SampleFile file;
+  const std::uint64_t scale = file.conversion(1, {0, 0.1});
+  const std::uint64_t error = file.text("error");
+  const std::uint64_t offset = file.conversion(8, {254, 255}, {error, scale});
+  Converted conversion(file, offset);
+  EXPECT_EQ(conversion.of(255), "error");
+  EXPECT_EQ(conversion.of(20), "2");
+}
+
+TEST(Conversion, TextToValue) {
+  Converted conversion = converted(9, {10, 20, -1}, {"one", "two"});
+  EXPECT_EQ(conversion.of("one"), "10");
+  EXPECT_EQ(conversion.of("two"), "20");
+  EXPECT_EQ(conversion.of("three"), "-1");
+  EXPECT_EQ(conversion.of(1), "1");
+}
+
+TEST(Conversion, TextToText) {
+  Converted conversion = converted(10, {}, {"one", "eins", "two", "zwei", "viele"});
+  EXPECT_EQ(conversion.of("two"), "zwei");
+  EXPECT_EQ(conversion.of("three"), "viele");
+  EXPECT_EQ(converted(10, {}, {"one", "eins", ""}).of("three"), "three");
+}
+
+TEST(Conversion, TooFewParameters) {
+  for (const unsigned type : {1U, 2U, 4U, 5U, 6U, 9U}) {
+    Converted conversion = converted(type, {});
+    EXPECT_TRUE(conversion.isNone());
+    EXPECT_EQ(conversion.findings().size(), 1U) << type;
+  }
+  for (const unsigned type : {3U, 7U, 8U}) {
+    EXPECT_EQ(converted(type, {}).findings().size(), 1U) << type;
+  }
+}
+
+TEST(Conversion, UnknownType) {
+  Converted conversion = converted(11, {1});
+  EXPECT_TRUE(conversion.isNone());
+  EXPECT_EQ(conversion.findings(),
+            std::vector<std::string>{"expected a conversion's type that is known, found 11"});
+}
+
+TEST(Conversion, NoConversionThere) {
+  const SampleFile file;
+  EXPECT_EQ(Converted(file, 64).findings(),
+            std::vector<std::string>{"expected a conversion, found none"});
+  EXPECT_EQ(Converted(file, 999999).findings(),
+            std::vector<std::string>{"expected a conversion, found none"});
+}
+
+TEST(Conversion, ThatLeadsBackToItself) {
+  SampleFile file;
+  const std::uint64_t offset = file.conversion(7, {1}, {0, 0});
+  file.link(offset, 4, offset);
+  Converted conversion(file, offset);
+  EXPECT_EQ(conversion.of(1), "1");
+  EXPECT_EQ(conversion.findings().size(), 1U);
+}
+
+TEST(Conversion, DeepNestingHasALimit) {
+  SampleFile file;
+  std::uint64_t offset = file.conversion(1, {0, 2});
+  for (int i = 0; i < 100; ++i) {
+    offset = file.conversion(7, {1}, {offset, 0});
+  }
+  Converted conversion(file, offset);
+  EXPECT_EQ(conversion.of(1), "1");
+  EXPECT_EQ(conversion.findings().size(), 1U);
+}
+
+TEST(Conversion, BlocksInsideOneAnotherAreNotKeptWithoutLimit) {
+  SampleFile file;
+  file.text(std::string(10000, ' '));
+  std::vector<std::uint64_t> references;
+  for (int i = 0; i < 50; ++i) {
+    // Its values go on to the end of the file, through all blocks behind it.
+    references.push_back(file.conversion(1, {0, 2}));
+    file.write(references.back() + 8, Bytes().u64(1000000));
+    file.write(references.back() + 24 + 32 + 6, Bytes().u16(65535));
+  }
+  const std::uint64_t offset = file.conversion(7, std::vector<double>(50, 1.0), references);
+  Converted conversion(file, offset);
+  ASSERT_EQ(conversion.findings().size(), 1U);
+  EXPECT_EQ(conversion.findings()[0],
+            "expected conversions and their texts to lie side by side, found them to be larger "
+            "than the file");
+  EXPECT_EQ(conversion.of(1), "2");
+}
+
+TEST(Conversion, CountsBeyondTheBlock) {
+  SampleFile file;
+  const std::uint64_t offset = file.conversion(1, {5, 2});
+  file.write(offset + 24 + 32 + 6, Bytes().u16(65535));  // cc_val_count
+  EXPECT_EQ(Converted(file, offset).of(1), "7");
+}
+
+}  // namespace

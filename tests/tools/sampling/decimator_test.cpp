@@ -1,0 +1,120 @@
+#include "sampling/decimator.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+using namespace mdf_tools;
+
+namespace {
+
+/// What a curve of so many columns keeps, point for point.
+std::vector<Point> kept(const Decimator& decimator) { return decimator.points(); }
+
+double lowest(const std::vector<Point>& points) {
+  double low = std::numeric_limits<double>::infinity();
+  for (const Point& point : points) {
+    low = std::fmin(low, point.y);
+  }
+  return low;
+}
+
+double highest(const std::vector<Point>& points) {
+  double high = -std::numeric_limits<double>::infinity();
+  for (const Point& point : points) {
+    high = std::fmax(high, point.y);
+  }
+  return high;
+}
+
+TEST(Decimator, FewPointsStayAsTheyAre) {
+  Decimator decimator(100);
+  decimator.add(2, 5);
+  decimator.add(1, 6);
+  const std::vector<Point> points = kept(decimator);
+  ASSERT_EQ(points.size(), 2U);
+  EXPECT_EQ(points[0].x, 2);
+  EXPECT_EQ(points[1].y, 6);
+}
+
+TEST(Decimator, GapsStayBetweenPoints) {
+  Decimator decimator(100);
+  const double none = std::numeric_limits<double>::quiet_NaN();
+  decimator.add(0, none);  // nothing to separate yet
+  decimator.add(1, 1);
+  decimator.add(2, none);
+  decimator.add(3, none);
+  decimator.add(4, 4);
+  const std::vector<Point> points = kept(decimator);
+  ASSERT_EQ(points.size(), 3U);
+  EXPECT_TRUE(std::isnan(points[1].y));
+}
+
+TEST(Decimator, ManyPointsAreBoundedAndKeepTheirPeaks) {
+  Decimator decimator(50);
+  for (int i = 0; i < 100000; ++i) {
+    decimator.add(i, i == 77777 ? 1000 : i == 33333 ? -1000 : std::sin(i));
+  }
+  const std::vector<Point> points = kept(decimator);
+  EXPECT_LE(points.size(), 200U);
+  EXPECT_GE(points.size(), 75U);  // at least half of the columns have something to show
+  EXPECT_EQ(highest(points), 1000);
+  EXPECT_EQ(lowest(points), -1000);
+  EXPECT_EQ(points.front().x, 0);
+  EXPECT_EQ(points.back().x, 99999);
+  EXPECT_TRUE(std::is_sorted(points.begin(), points.end(),
+                             [](const Point& a, const Point& b) { return a.x < b.x; }));
+}
+
+TEST(Decimator, CurveThatGoesToTheLeft) {
+  Decimator decimator(50);
+  for (int i = 0; i < 10000; ++i) {
+    decimator.add(-i, i);
+  }
+  const std::vector<Point> points = kept(decimator);
+  EXPECT_LE(points.size(), 200U);
+  EXPECT_EQ(highest(points), 9999);
+  EXPECT_EQ(lowest(points), 0);
+}
+
+TEST(Decimator, AllAtOnePlace) {
+  Decimator decimator(10);
+  for (int i = 0; i < 1000; ++i) {
+    decimator.add(5, i);
+  }
+  const std::vector<Point> points = kept(decimator);
+  EXPECT_LE(points.size(), 4U);
+  EXPECT_EQ(highest(points), 999);
+  EXPECT_EQ(lowest(points), 0);
+}
+
+TEST(Decimator, ExtremeNumbers) {
+  Decimator decimator(10);
+  const double infinity = std::numeric_limits<double>::infinity();
+  const double largest = std::numeric_limits<double>::max();
+  for (const double x : {0.0, 1e-300, -1e299, 1e299, infinity, -infinity, largest, -largest}) {
+    for (int i = 0; i < 20; ++i) {
+      decimator.add(x, i);
+      decimator.add(x, largest);
+    }
+  }
+  const std::vector<Point> points = kept(decimator);
+  EXPECT_LE(points.size(), 50U);
+  EXPECT_EQ(highest(points), 19);
+}
+
+TEST(Decimator, GapsOfManyPoints) {
+  Decimator decimator(10);
+  for (int i = 0; i < 1000; ++i) {
+    decimator.add(i, i < 400 || i >= 600 ? i : std::nan(""));
+  }
+  const std::vector<Point> points = kept(decimator);
+  const auto gaps = std::count_if(points.begin(), points.end(),
+                                  [](const Point& point) { return std::isnan(point.y); });
+  EXPECT_EQ(gaps, 1);
+}
+
+}  // namespace

@@ -1,0 +1,577 @@
+#include "sampling/table.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "reading/input_file.h"
+#include "sample_file.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+using mdf_tools::Selection;
+
+namespace {
+
+ChannelFields number(const std::string& name, unsigned data_type, std::uint32_t byte_offset,
+                     std::uint32_t bit_count) {
+  ChannelFields fields;
+  fields.name = name;
+  fields.data_type = data_type;
+  fields.byte_offset = byte_offset;
+  fields.bit_count = bit_count;
+  return fields;
+}
+
+/// A time of 0, 0.5, 1, ... and a byte of 10, 11, 12, ... in each record.
+std::string timedRecords(int count, const std::string& in_front = "") {
+  Bytes records;
+  for (int i = 0; i < count; ++i) {
+    records.text(in_front).f64(0.5 * i).u8(static_cast<std::uint8_t>(10 + i));
+  }
+  return records;
+}
+
+/// A file with one channel group of time and speed.
+SampleFile timedFile(std::uint64_t cycles, const std::string& records,
+                     const std::string& file_word = "MDF     ") {
+  SampleFile file(file_word);
+  const std::uint64_t time = file.time();
+  ChannelFields speed = number("speed", 0, 8, 8);
+  speed.unit = "km/h";
+  const std::uint64_t group = file.group({cycles, 9}, {time, file.channel(speed)});
+  file.dataGroup({group}, records.empty() ? 0 : file.data(records));
+  return file;
+}
+
+const std::string three_rows = "time [s],speed [km/h]\n0,10\n0.5,11\n1,12\n";
+
+TEST(Table, SortedRecords) {
+  EXPECT_EQ(healthyCsvOf(timedFile(3, timedRecords(3)).bytes()), three_rows);
+}
+
+TEST(Table, NoRecords) {
+  EXPECT_EQ(healthyCsvOf(timedFile(0, "").bytes()), "time [s],speed [km/h]\n");
+}
+
+TEST(Table, CycleCountEndsTheRecords) {
+  EXPECT_EQ(healthyCsvOf(timedFile(3, timedRecords(5)).bytes()), three_rows);
+}
+
+TEST(Table, DataThatEndsBeforeTheCycleCount) {
+  const Exported exported = csvOf(timedFile(4, timedRecords(3) + "cut").bytes());
+  EXPECT_EQ(exported.text, three_rows);
+  ASSERT_EQ(exported.findings.size(), 1U);
+  EXPECT_NE(
+      exported.findings[0].find("expected as many records as the cycle count 4 says, found 3"),
+      std::string::npos);
+}
+
+TEST(Table, RecordsThatNobodyCounted) {
+  const Exported exported = csvOf(timedFile(0, timedRecords(3)).bytes());
+  EXPECT_EQ(exported.text, three_rows);
+  EXPECT_EQ(exported.findings.size(), 1U);
+}
+
+TEST(Table, UnfinishedFile) {
+  SampleFile file = timedFile(0, timedRecords(3) + "cut", "UnFinMF ");
+  file.write(60, Bytes().u16(1 + 4));
+  const Exported exported = csvOf(file.bytes());
+  EXPECT_EQ(exported.text, three_rows);
+  EXPECT_EQ(exported.findings, std::vector<std::string>());
+  EXPECT_EQ(exported.notes.size(), 1U);
+}
+
+TEST(Table, UnfinishedFileWithAnOpenLastBlock) {
+  SampleFile file("UnFinMF ");
+  file.write(60, Bytes().u16(1 + 4));
+  const std::uint64_t time = file.time();
+  const std::uint64_t group = file.group({0, 9}, {time, file.channel(number("n", 0, 8, 8))});
+  const std::uint64_t data_group = file.dataGroup({group}, 0);
+  const std::uint64_t first = file.data(timedRecords(2));
+  const std::uint64_t empty = file.data("");
+  const std::uint64_t last = file.data("");
+  file.link(data_group, 2, file.list({first, empty, last}));
+  EXPECT_EQ(csvOf(file.bytes()).text, "time [s],n\n0,10\n0.5,11\n");
+
+  SampleFile open("UnFinMF ");
+  open.write(60, Bytes().u16(1 + 4));
+  const std::uint64_t channel = open.time();
+  const std::uint64_t records = open.group({0, 9}, {channel});
+  const std::uint64_t list = open.list({0, 0});
+  open.dataGroup({records}, list);
+  open.link(list, 1, open.data(timedRecords(2)));
+  open.link(list, 2, open.data(""));
+  open.append(timedRecords(3));
+  EXPECT_EQ(csvOf(open.bytes()).text, "time [s]\n0\n0.5\n0\n0.5\n1\n");
+}
+
+TEST(Table, RecordIdsOfASortedGroup) {
+  for (const unsigned size : {1U, 2U, 8U}) {
+    SampleFile file;
+    const std::uint64_t time = file.time();
+    const std::uint64_t group = file.group({2, 9}, {time});
+    file.dataGroup({group}, file.data(timedRecords(2, std::string(size, '\x07'))), size);
+    EXPECT_EQ(healthyCsvOf(file.bytes()), "time [s]\n0\n0.5\n");
+  }
+}
+
+/// Two channel groups in one data group: time and a byte, and two bytes.
+SampleFile unsortedFile(unsigned code, const std::string& records, std::uint64_t first_id = 1,
+                        std::uint64_t second_id = 2) {
+  SampleFile file;
+  const std::uint64_t time = file.time();
+  const std::uint64_t first =
+      file.group({2, 9, 0, first_id}, {time, file.channel(number("a", 0, 8, 8))});
+  const std::uint64_t second =
+      file.group({3, 2, 0, second_id}, {file.channel(number("b", 0, 0, 16))});
+  file.dataGroup({first, second}, file.data(records), code);
+  return file;
+}
+
+/// Five records with ids of so many bytes.
+std::string mixedRecords(unsigned id_bytes, std::uint64_t first_id = 1,
+                         std::uint64_t second_id = 2) {
+  const std::string a = Bytes().u64(first_id).str().substr(0, id_bytes);
+  const std::string b = Bytes().u64(second_id).str().substr(0, id_bytes);
+  return Bytes()
+      .text(b)
+      .u16(100)
+      .text(a)
+      .f64(0)
+      .u8(10)
+      .text(b)
+      .u16(200)
+      .text(b)
+      .u16(300)
+      .text(a)
+      .f64(0.5)
+      .u8(11);
+}
+
+const std::string mixed_tables = "time [s],a\n0,10\n0.5,11\n\nb\n100\n200\n300\n";
+
+TEST(Table, UnsortedRecords) {
+  EXPECT_EQ(healthyCsvOf(unsortedFile(1, mixedRecords(1)).bytes()), mixed_tables);
+  EXPECT_EQ(healthyCsvOf(unsortedFile(2, mixedRecords(2, 513, 300), 513, 300).bytes()),
+            mixed_tables);
+  EXPECT_EQ(healthyCsvOf(unsortedFile(8, mixedRecords(8)).bytes()), mixed_tables);
+}
+
+TEST(Table, RecordIdCodesThatAreNoByteCounts) {
+  EXPECT_EQ(healthyCsvOf(unsortedFile(3, mixedRecords(4)).bytes()), mixed_tables);
+  EXPECT_EQ(healthyCsvOf(unsortedFile(4, mixedRecords(4)).bytes()), mixed_tables);
+  EXPECT_EQ(healthyCsvOf(unsortedFile(4, mixedRecords(8)).bytes()), mixed_tables);
+}
+
+TEST(Table, RecordIdCodeThatIsUnknown) {
+  const Exported exported = csvOf(unsortedFile(7, mixedRecords(1)).bytes());
+  EXPECT_EQ(exported.text, "time [s],a\n\nb\n");
+  EXPECT_EQ(exported.findings.size(), 3U);  // the code, and both groups cannot be told apart
+}
+
+TEST(Table, RecordIdThatNoGroupHas) {
+  const Exported exported = csvOf(unsortedFile(1, mixedRecords(1) + "\x05zz").bytes());
+  EXPECT_EQ(exported.text, mixed_tables);
+  ASSERT_EQ(exported.findings.size(), 1U);
+  EXPECT_NE(exported.findings[0].find("expected the record id of a channel group at byte 29 of "
+                                      "the data, found 5"),
+            std::string::npos);
+}
+
+TEST(Table, UnsortedRecordsInPieces) {
+  SampleFile file = unsortedFile(1, "");
+  const std::string records = mixedRecords(1);
+  const std::uint64_t list =
+      file.list({file.data(records.substr(0, 5)), file.zipped("DT", records.substr(5, 10)),
+                 file.data(records.substr(15))});
+  const std::uint64_t data_group = file.bytes().find("##DG");
+  file.link(data_group, 2, list);
+  EXPECT_EQ(healthyCsvOf(file.bytes()), mixed_tables);
+}
+
+TEST(Table, GroupsWithoutRecordIdsWhereOneHasRecords) {
+  SampleFile file;
+  const std::uint64_t first = file.group({0, 2}, {file.channel(number("a", 0, 0, 16))});
+  const std::uint64_t second = file.group({2, 1}, {file.channel(number("b", 0, 0, 8))});
+  file.dataGroup({first, second}, file.data("AB"));
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "a\n\nb\n65\n66\n");
+}
+
+/// A channel whose values are behind offsets of four bytes.
+ChannelFields variable(const std::string& name, unsigned data_type, std::uint64_t data,
+                       std::uint32_t byte_offset = 0) {
+  ChannelFields fields = number(name, data_type, byte_offset, 32);
+  fields.type = 1;
+  fields.data = data;
+  return fields;
+}
+
+TEST(Table, VariableLengthInSignalData) {
+  SampleFile file;
+  const std::uint64_t values =
+      file.add("SD", {}, Bytes().u32(5).text("first").u32(0).u32(3).text("3rd"));
+  const std::uint64_t channel = file.channel(variable("text", 7, values));
+  const std::uint64_t group = file.group({4, 4}, {channel});
+  file.dataGroup({group}, file.data(Bytes().u32(0).u32(9).u32(13).u32(0)));
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "text\nfirst\n\"\"\n3rd\nfirst\n");
+}
+
+TEST(Table, VariableLengthInListsOfZippedSignalData) {
+  SampleFile file;
+  const std::uint64_t list = file.list({file.zipped("SD", Bytes().u32(5).text("fi")),
+                                        file.zipped("SD", Bytes().text("rst").u32(2).u8s({1, 2}))});
+  const std::uint64_t group = file.group({2, 4}, {file.channel(variable("bytes", 10, list))});
+  file.dataGroup({group}, file.data(Bytes().u32(9).u32(0)));
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "bytes\n0102\n6669727374\n");
+}
+
+TEST(Table, VariableLengthBeyondTheSignalData) {
+  SampleFile file;
+  const std::uint64_t values = file.add("SD", {}, Bytes().u32(2).text("ok").u32(99).text("cut"));
+  const std::uint64_t time = file.time();
+  const std::uint64_t channel = file.channel(variable("text", 7, values, 8));
+  const std::uint64_t group = file.group({4, 12}, {time, channel});
+  file.dataGroup({group},
+                 file.data(Bytes().f64(0).u32(0).f64(1).u32(6).f64(2).u32(999).f64(3).u32(0)));
+  const Exported exported = csvOf(file.bytes());
+  EXPECT_EQ(exported.text, "time [s],text\n0,ok\n1,\n2,\n3,ok\n");
+  EXPECT_EQ(exported.findings.size(), 1U);  // the first one tells
+}
+
+TEST(Table, VariableLengthInAChannelGroup) {
+  SampleFile file;
+  const std::uint64_t time = file.time();
+  const std::uint64_t text = file.channel(variable("text", 7, 0, 8));
+  const std::uint64_t group = file.group({3, 12, 0, 1}, {time, text});
+  const std::uint64_t values = file.group({3, 0, 0, 2, 1}, {});
+  file.link(text, 5, values);
+  const std::string records = Bytes()
+                                  .u8(2)
+                                  .u32(5)
+                                  .text("first")
+                                  .u8(1)
+                                  .f64(0)
+                                  .u32(0)
+                                  .u8(2)
+                                  .u32(0)
+                                  .u8(2)
+                                  .u32(3)
+                                  .text("3rd")
+                                  .u8(1)
+                                  .f64(1)
+                                  .u32(9)
+                                  .u8(1)
+                                  .f64(2)
+                                  .u32(13);
+  file.dataGroup({group, values}, file.data(records), 1);
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "time [s],text\n0,first\n1,\n2,3rd\n");
+}
+
+TEST(Table, VariableLengthInManyRecordsBackwards) {
+  SampleFile file;
+  const std::uint64_t text = file.channel(variable("text", 7, 0));
+  const std::uint64_t group = file.group({2000, 4, 0, 1}, {text});
+  const std::uint64_t values = file.group({2000, 0, 0, 2, 1}, {});
+  file.link(text, 5, values);
+  Bytes records;
+  std::string expected = "text\n";
+  for (std::uint32_t i = 0; i < 2000; ++i) {
+    const std::string value = std::to_string(100000 + i) + std::string(40, 'v');
+    records.u8(2).u32(46).text(value);
+    expected += std::to_string(100000 + 1999 - i) + std::string(40, 'v') + '\n';
+  }
+  for (std::uint32_t i = 0; i < 2000; ++i) {
+    records.u8(1).u32(50 * (1999 - i));
+  }
+  file.dataGroup({group, values}, file.data(records), 1);
+  EXPECT_EQ(healthyCsvOf(file.bytes()), expected);
+}
+
+TEST(Table, MaximumLength) {
+  SampleFile file;
+  const std::uint64_t size = file.channel(number("size", 0, 0, 8));
+  ChannelFields bytes = number("bytes", 10, 1, 32);
+  bytes.type = 5;
+  bytes.data = size;
+  const std::uint64_t group = file.group({3, 5}, {size, file.channel(bytes)});
+  file.dataGroup({group}, file.data(Bytes()
+                                        .u8s({2, 0xA0, 0xA1, 0xA2, 0xA3})
+                                        .u8s({0, 0xB0, 0xB1, 0xB2, 0xB3})
+                                        .u8s({9, 0xC0, 0xC1, 0xC2, 0xC3})));
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "size,bytes\n2,a0a1\n0,\n9,c0c1c2c3\n");
+}
+
+TEST(Table, InvalidationBits) {
+  SampleFile file;
+  ChannelFields a = number("a", 0, 0, 8);
+  a.flags = 2;
+  a.invalidation_bit = 0;
+  ChannelFields b = number("b", 0, 1, 8);
+  b.flags = 2;
+  b.invalidation_bit = 9;
+  ChannelFields never = number("never", 0, 0, 8);
+  never.flags = 1;
+  const std::uint64_t group =
+      file.group({3, 2, 2}, {file.channel(a), file.channel(b), file.channel(never)});
+  file.dataGroup({group}, file.data(Bytes().u8s({1, 2, 0, 0, 3, 4, 1, 0, 5, 6, 0xFE, 2})));
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "a,b,never\n1,2,\n,4,\n5,,\n");
+}
+
+TEST(Table, VirtualChannels) {
+  SampleFile file;
+  ChannelFields time;
+  time.name = "time";
+  time.bit_count = 0;
+  time.type = 3;
+  time.sync_type = 1;
+  time.unit = "s";
+  time.conversion = file.conversion(1, {10, 0.25});
+  ChannelFields index;
+  index.name = "index";
+  index.bit_count = 0;
+  index.type = 6;
+  const std::uint64_t group = file.group(
+      {3, 1}, {file.channel(index), file.channel(time), file.channel(number("a", 0, 0, 8))});
+  file.dataGroup({group}, file.data("ABC"));
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "time [s],index,a\n10,0,65\n10.25,1,66\n10.5,2,67\n");
+}
+
+TEST(Table, VirtualChannelsAlone) {
+  SampleFile file;
+  ChannelFields index;
+  index.name = "index";
+  index.bit_count = 0;
+  index.type = 6;
+  file.dataGroup({file.group({3, 0}, {file.channel(index)})}, 0);
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "index\n0\n1\n2\n");
+}
+
+/// Counts samples.
+class Counter : public mdf_tools::TableVisitor {
+ public:
+  void begin(mdf_tools::Table& /*table*/) override {}
+  bool sample(mdf_tools::Table& /*table*/, const mdf_tools::Sample& /*sample*/) override {
+    ++count;
+    return true;
+  }
+  void end() override {}
+
+  std::uint64_t count = 0;
+};
+
+TEST(Table, VirtualChannelsAloneWithACountThatLies) {
+  SampleFile contents;
+  ChannelFields index;
+  index.name = "index";
+  index.bit_count = 0;
+  index.type = 6;
+  contents.dataGroup({contents.group({std::uint64_t{1} << 60U, 0}, {contents.channel(index)})}, 0);
+  const TempFile path(contents.bytes());
+  mdf_tools::InputFile file(path.path());
+  Counter counter;
+  std::size_t findings = 0;
+  mdf_tools::visitTables(
+      file, {}, counter, [&](const mdf_tools::Finding& /*finding*/) { ++findings; },
+      [](const std::string& /*note*/) {});
+  EXPECT_EQ(counter.count, std::uint64_t{1} << 20U);
+  EXPECT_EQ(findings, 1U);
+}
+
+TEST(Table, MembersOfStructures) {
+  SampleFile file;
+  const std::uint64_t x = file.channel(number("x", 0, 0, 8));
+  const std::uint64_t y = file.channel(number("y", 0, 1, 8));
+  file.chain({x, y});
+  ChannelFields point = number("point", 10, 0, 16);
+  point.composition = x;
+  ChannelFields outer = number("outer", 10, 0, 16);
+  outer.composition = file.channel(point);
+  const std::uint64_t group =
+      file.group({1, 3}, {file.channel(outer), file.channel(number("z", 0, 2, 8))});
+  file.dataGroup({group}, file.data("ABC"));
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "outer.point.x,outer.point.y,z\n65,66,67\n");
+}
+
+/// A channel array block of unsigned bytes.
+std::uint64_t arrayOf(SampleFile& file, const std::vector<std::uint64_t>& dimensions,
+                      std::uint32_t step, std::uint32_t flags = 0, std::uint8_t storage = 0) {
+  Bytes fields;
+  fields.u8(0).u8(storage).u16(static_cast<std::uint16_t>(dimensions.size())).u32(flags);
+  fields.u32(step).u32(0);
+  for (const std::uint64_t dimension : dimensions) {
+    fields.u64(dimension);
+  }
+  return file.add("CA", {0}, fields);
+}
+
+std::string arrayFile(const std::vector<std::uint64_t>& dimensions, std::uint32_t step,
+                      std::uint32_t flags = 0, std::uint8_t storage = 0) {
+  SampleFile file;
+  ChannelFields fields = number("map", 0, 0, 8);
+  fields.composition = arrayOf(file, dimensions, step, flags, storage);
+  const std::uint64_t last = file.channel(number("last", 0, 6, 8));
+  file.dataGroup({file.group({1, 7}, {file.channel(fields), last})}, file.data("ABCDEFG"));
+  return file.bytes();
+}
+
+TEST(Table, ElementsOfArrays) {
+  EXPECT_EQ(healthyCsvOf(arrayFile({2, 3}, 1)),
+            "map[0][0],map[0][1],map[0][2],map[1][0],map[1][1],map[1][2],last\n"
+            "65,66,67,68,69,70,71\n");
+  EXPECT_EQ(healthyCsvOf(arrayFile({2, 2}, 1, 64)),
+            "map[0][0],map[1][0],map[0][1],map[1][1],last\n65,66,67,68,71\n");
+  EXPECT_EQ(healthyCsvOf(arrayFile({3}, 2)), "map[0],map[1],map[2],last\n65,67,69,71\n");
+}
+
+TEST(Table, ArraysThatDoNotFitAreLeftOut) {
+  for (const auto& dimensions : std::vector<std::vector<std::uint64_t>>{
+           {100000}, {UINT64_MAX, UINT64_MAX}, {2, 4}, std::vector<std::uint64_t>(17, 1)}) {
+    const Exported exported = csvOf(arrayFile(dimensions, 2));
+    EXPECT_EQ(exported.text, "last\n71\n");
+    EXPECT_EQ(exported.findings.size(), 1U);
+  }
+  EXPECT_EQ(csvOf(arrayFile({2}, 0)).findings.size(), 1U);        // elements one over the other
+  EXPECT_EQ(csvOf(arrayFile({2}, 1, 0, 1)).findings.size(), 1U);  // elements elsewhere
+}
+
+TEST(Table, ChannelsOfTheSameName) {
+  SampleFile file;
+  const std::uint64_t group = file.group(
+      {1, 4}, {file.channel(number("a", 0, 0, 8)), file.channel(number("a (2)", 0, 1, 8)),
+               file.channel(number("a", 0, 2, 8)), file.channel(number("", 0, 3, 8))});
+  file.dataGroup({group}, file.data("ABCD"));
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "a,a (2),a (3),unnamed\n65,66,67,68\n");
+}
+
+TEST(Table, ValuesOutsideTheRecord) {
+  SampleFile file;
+  const std::uint64_t group = file.group(
+      {1, 2}, {file.channel(number("a", 0, 0, 16)), file.channel(number("b", 0, 1, 16))});
+  file.dataGroup({group}, file.data("AB"));
+  const Exported exported = csvOf(file.bytes());
+  EXPECT_EQ(exported.text, "a,b\n16961,\n");
+  ASSERT_EQ(exported.findings.size(), 1U);
+  EXPECT_NE(exported.findings[0].find("expected the value inside the record's 2 bytes, found byte "
+                                      "1 and 16 bits"),
+            std::string::npos);
+}
+
+TEST(Table, SharedConversions) {
+  SampleFile file;
+  ChannelFields a = number("a", 0, 0, 8);
+  a.conversion = file.conversion(7, {65}, {file.text("letter"), file.text("other")});
+  ChannelFields b = number("b", 0, 1, 8);
+  b.conversion = a.conversion;
+  file.dataGroup({file.group({2, 2}, {file.channel(a), file.channel(b)})}, file.data("ABBA"));
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "a,b\nletter,other\nother,letter\n");
+  Selection raw;
+  raw.is_raw = true;
+  EXPECT_EQ(healthyCsvOf(file.bytes(), raw), "a,b\n65,66\n66,65\n");
+}
+
+TEST(Table, PatternsSelectChannels) {
+  SampleFile file = timedFile(2, timedRecords(2));
+  file.dataGroup({file.group({1, 1}, {file.channel(number("other", 0, 0, 8))})}, file.data("A"));
+  Selection selection;
+  selection.channels = {"sp*"};
+  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "time [s],speed [km/h]\n0,10\n0.5,11\n");
+  selection.channels = {"time"};
+  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "time [s]\n0\n0.5\n");
+  selection.channels = {"nothing", "o?her"};
+  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "other\n65\n");
+  selection.channels = {"nothing"};
+  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "");
+}
+
+TEST(Table, GroupsAreCountedThroughTheFile) {
+  SampleFile file = timedFile(1, timedRecords(1));
+  file.dataGroup({file.group({1, 1}, {file.channel(number("other", 0, 0, 8))})}, file.data("A"));
+  Selection selection;
+  selection.group = 1;
+  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "other\n65\n");
+  selection.group = 2;
+  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "");
+}
+
+TEST(Table, RangeOfTheMaster) {
+  SampleFile file = timedFile(5, timedRecords(5));
+  file.dataGroup({file.group({1, 1}, {file.channel(number("other", 0, 0, 8))})}, file.data("A"));
+  Selection selection;
+  selection.from = 0.5;
+  selection.to = 1;
+  const Exported exported = csvOf(file.bytes(), selection);
+  EXPECT_EQ(exported.text, "time [s],speed [km/h]\n0.5,11\n1,12\n");
+  EXPECT_EQ(exported.notes.size(), 1U);  // the other group has no master
+}
+
+TEST(Table, CsvFieldsAreQuotedWhereTheyNeedToBe) {
+  SampleFile file;
+  ChannelFields text = number("a, \"b\"", 7, 0, 32);
+  text.unit = "x\ny";
+  const std::string records =
+      Bytes().text("a,b").zeros(1).text("\"q\"").zeros(1).text("a\r\nb pad");
+  file.dataGroup({file.group({4, 4}, {file.channel(text), file.channel(number("n", 0, 0, 8))})},
+                 file.data(records));
+  EXPECT_EQ(
+      healthyCsvOf(file.bytes()),
+      "\"a, \"\"b\"\" [x\ny]\",n\n\"a,b\",97\n\"\"\"q\"\"\",34\n\"a\r\nb\",97\n\" pad\",32\n");
+}
+
+TEST(Table, JsonLines) {
+  SampleFile file;
+  ChannelFields real = number("r \"q\"", 4, 0, 32);
+  real.unit =
+      "\xC2\xB0"
+      "C";
+  ChannelFields text = number("t", 6, 4, 16);
+  text.flags = 2;
+  const std::uint64_t group = file.group({3, 6, 1}, {file.channel(real), file.channel(text)});
+  file.dataGroup({group}, file.data(Bytes()
+                                        .u32(0x3FC00000)
+                                        .text("\\\n")
+                                        .u8(0)
+                                        .u32(0x7FC00000)
+                                        .text("ab")
+                                        .u8(1)
+                                        .u32(0xFF800000)
+                                        .text("\xE9\"")
+                                        .u8(0)));
+  const Exported exported = jsonOf(file.bytes());
+  EXPECT_EQ(exported.findings, std::vector<std::string>());
+  EXPECT_EQ(
+      exported.text,
+      "{\"schema\":1,\"group\":0,\"name\":\"\",\"columns\":[{\"name\":\"r \\\"q\\\"\",\"unit\":"
+      "\"\xC2\xB0"
+      "C\"},{\"name\":\"t\",\"unit\":\"\"}]}\n"
+      "{\"schema\":1,\"group\":0,\"values\":{\"r \\\"q\\\"\":1.5,\"t\":\"\\\\\\u000a\"}}\n"
+      "{\"schema\":1,\"group\":0,\"values\":{\"r \\\"q\\\"\":\"nan\",\"t\":null}}\n"
+      "{\"schema\":1,\"group\":0,\"values\":{\"r \\\"q\\\"\":\"-inf\",\"t\":\"\xC3\xA9\\\"\"}}\n");
+}
+
+TEST(Table, ManyChannelsForFewBytesAreLimited) {
+  SampleFile file;
+  std::vector<std::uint64_t> channels;
+  for (int i = 0; i < 400; ++i) {
+    channels.push_back(file.channel(number("c" + std::to_string(i), 0, 0, 8)));
+  }
+  file.dataGroup({file.group({1, 1}, channels)}, file.data("A"));
+  const Exported exported = csvOf(file.bytes());
+  EXPECT_EQ(exported.findings.size(), 1U);
+  EXPECT_EQ(exported.text.substr(exported.text.find('\n') + 1, 6), "65,65,");
+}
+
+TEST(Table, LongValuesAreNotGivenWithoutEnd) {
+  SampleFile file;
+  const std::string value(60000, 'v');
+  const std::uint64_t values =
+      file.add("SD", {}, Bytes().u32(static_cast<std::uint32_t>(value.size())).text(value));
+  const std::uint64_t group = file.group({1000, 4}, {file.channel(variable("v", 7, values))});
+  file.dataGroup({group}, file.data(std::string(4000, '\0')));
+  const Exported exported = csvOf(file.bytes());
+  EXPECT_EQ(exported.findings.size(), 1U);
+  EXPECT_LT(exported.text.size(), 20000000U);
+}
+
+}  // namespace
