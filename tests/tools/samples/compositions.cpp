@@ -1,0 +1,209 @@
+// Channels that are made of others: structures and arrays.
+
+#include <utility>
+
+#include "sample_file.h"
+
+namespace mdf_tests {
+
+namespace {
+
+ChannelSpec part(const std::string& name, std::uint32_t byte_offset, std::uint32_t bit_count = 8,
+                 unsigned bit_offset = 0) {
+  ChannelSpec channel = stored(0, bit_count, bit_offset);
+  channel.name = name;
+  channel.byte_offset = byte_offset;
+  return channel;
+}
+
+/// A structure's channel: its bytes, and its members.
+std::uint64_t addStructure(SampleFile& file, const std::string& name, std::uint32_t byte_offset,
+                           std::uint32_t bytes, const std::vector<std::uint64_t>& members) {
+  chain(file, members);
+  ChannelSpec channel = part(name, byte_offset, 8 * bytes);
+  channel.data_type = 10;
+  channel.composition = members[0];
+  return addChannel(file, channel);
+}
+
+/// A group over time whose second channel is there already.
+Sample composed(const std::string& name, const std::string& shows, SampleFile file,
+                std::uint64_t channel, const std::vector<std::string>& records,
+                const ValueTable& table) {
+  Bytes data;
+  GroupSpec group;
+  group.cycles = records.size();
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    data.f64(timeOf(i)).text(hex(records[i]));
+    group.data_bytes = static_cast<std::uint32_t>(8 + hex(records[i]).size());
+  }
+  const std::uint64_t channel_group = file.group(group, {timeMaster()});
+  file.link(file.channels()[0], 0, channel);
+  file.dataGroup({channel_group}, file.add("DT", {}, data));
+  return {name, shows, file.bytes(), {table}};
+}
+
+Sample structure() {
+  SampleFile file;
+  const std::uint64_t channel = addStructure(
+      file, "point", 8, 3, {addChannel(file, part("x", 8)), addChannel(file, part("y", 9, 16))});
+  return composed("structure", "a channel with two members", std::move(file), channel,
+                  {"010200", "030004"},
+                  {{{"t", "s"}, {"point.x", ""}, {"point.y", ""}}, {"0,1,2", "0.5,3,1024"}});
+}
+
+Sample nestedStructure() {
+  SampleFile file;
+  const std::uint64_t inner = addStructure(
+      file, "inner", 9, 2, {addChannel(file, part("a", 9)), addChannel(file, part("b", 10))});
+  const std::uint64_t outer =
+      addStructure(file, "outer", 8, 3, {addChannel(file, part("c", 8)), inner});
+  file.link(outer, 0, addChannel(file, part("last", 11)));
+  return composed(
+      "structure-nested", "a structure in a structure, and a channel behind it", std::move(file),
+      outer, {"01020304", "05060708"},
+      {{{"t", "s"}, {"outer.c", ""}, {"outer.inner.a", ""}, {"outer.inner.b", ""}, {"last", ""}},
+       {"0,1,2,3,4", "0.5,5,6,7,8"}});
+}
+
+Sample bitStructure() {
+  SampleFile file;
+  const std::uint64_t channel =
+      addStructure(file, "flags", 8, 1,
+                   {addChannel(file, part("ready", 8, 1)), addChannel(file, part("mode", 8, 3, 1)),
+                    addChannel(file, part("level", 8, 4, 4))});
+  return composed("structure-of-bits", "members that share a byte", std::move(file), channel,
+                  {"a5", "5a"},
+                  {{{"t", "s"}, {"flags.ready", ""}, {"flags.mode", ""}, {"flags.level", ""}},
+                   {"0,1,2,10", "0.5,0,5,5"}});
+}
+
+/// What an array block says.
+struct ArraySpec {
+  std::uint32_t flags = 0;
+  std::int32_t byte_step = 1;
+  std::uint32_t invalidation_step = 0;
+  std::vector<std::uint64_t> dimensions;
+};
+
+std::uint64_t addArray(SampleFile& file, const ArraySpec& spec, std::uint64_t composition = 0) {
+  Bytes contents;
+  contents.u8(0).u8(0).u16(static_cast<std::uint16_t>(spec.dimensions.size())).u32(spec.flags);
+  contents.u32(static_cast<std::uint32_t>(spec.byte_step)).u32(spec.invalidation_step);
+  for (const std::uint64_t dimension : spec.dimensions) {
+    contents.u64(dimension);
+  }
+  return file.add("CA", {composition}, contents);
+}
+
+Sample array(const std::string& name, const std::string& shows, const ArraySpec& spec,
+             ChannelSpec element, const std::vector<std::string>& records,
+             const ValueTable& table) {
+  SampleFile file;
+  element.composition = addArray(file, spec);
+  const std::uint64_t channel = addChannel(file, element);
+  return composed(name, shows, std::move(file), channel, records, table);
+}
+
+Samples arrays() {
+  ArraySpec row{0, 1, 0, {3}};
+  ArraySpec wide{0, 4, 0, {2}};
+  ArraySpec matrix{0, 1, 0, {2, 3}};
+  ArraySpec columns{64, 1, 0, {2, 3}};
+  ArraySpec cube{0, 1, 0, {2, 1, 2}};
+  ArraySpec backwards{0, -1, 0, {3}};
+  const std::vector<Column> v3 = {{"t", "s"}, {"v[0]", ""}, {"v[1]", ""}, {"v[2]", ""}};
+  return {
+      array("array", "three elements side by side", row, part("v", 8), {"010203", "0a0b0c"},
+            {v3, {"0,1,2,3", "0.5,10,11,12"}}),
+      array("array-with-gaps", "elements of two bytes, four bytes apart", wide, part("v", 9, 16),
+            {"ff 0100 eeee 0200"}, {{{"t", "s"}, {"v[0]", ""}, {"v[1]", ""}}, {"0,1,2"}}),
+      array("array-of-two-dimensions", "rows one behind the other", matrix, part("v", 8),
+            {"010203040506"},
+            {{{"t", "s"},
+              {"v[0][0]", ""},
+              {"v[0][1]", ""},
+              {"v[0][2]", ""},
+              {"v[1][0]", ""},
+              {"v[1][1]", ""},
+              {"v[1][2]", ""}},
+             {"0,1,2,3,4,5,6"}}),
+      array("array-by-columns", "columns one behind the other", columns, part("v", 8),
+            {"010203040506"},
+            {{{"t", "s"},
+              {"v[0][0]", ""},
+              {"v[1][0]", ""},
+              {"v[0][1]", ""},
+              {"v[1][1]", ""},
+              {"v[0][2]", ""},
+              {"v[1][2]", ""}},
+             {"0,1,2,3,4,5,6"}}),
+      array("array-of-three-dimensions", "a dimension of one element among them", cube,
+            part("v", 8), {"01020304"},
+            {{{"t", "s"},
+              {"v[0][0][0]", ""},
+              {"v[0][0][1]", ""},
+              {"v[1][0][0]", ""},
+              {"v[1][0][1]", ""}},
+             {"0,1,2,3,4"}}),
+      array("array-backwards", "the first element stands last", backwards, part("v", 10),
+            {"010203"}, {v3, {"0,3,2,1"}}),
+      array("array-of-bits", "elements within their bytes", row, part("v", 8, 4, 2), {"3cffc3"},
+            {v3, {"0,15,15,0"}}),
+  };
+}
+
+/// An element with an invalidation bit of its own each.
+Sample invalidElements() {
+  SampleFile file;
+  ChannelSpec element = part("v", 8);
+  element.flags = 2;
+  element.composition = addArray(file, {0, 1, 1, {3}});
+  GroupSpec group;
+  group.cycles = 2;
+  group.data_bytes = 11;
+  group.invalidation_bytes = 1;
+  file.sortedGroup(group, {timeMaster(), element},
+                   file.add("DT", {}, Bytes().f64(0).u8s({1, 2, 3, 2}).f64(0.5).u8s({4, 5, 6, 5})));
+  return {"array-invalidation",
+          "an invalidation bit for each element",
+          file.bytes(),
+          {{{{"t", "s"}, {"v[0]", ""}, {"v[1]", ""}, {"v[2]", ""}}, {"0,1,,3", "0.5,,5,"}}}};
+}
+
+Sample convertedArray() {
+  SampleFile file;
+  ChannelSpec element = part("v", 8);
+  element.unit = "V";
+  element.conversion = addConversion(file, {1, {}, {0, 0.5}, "", ""});
+  element.composition = addArray(file, {0, 1, 0, {2}});
+  const std::uint64_t channel = addChannel(file, element);
+  return composed("array-converted", "a conversion of each element", std::move(file), channel,
+                  {"0102", "03ff"},
+                  {{{"t", "s"}, {"v[0]", "V"}, {"v[1]", "V"}}, {"0,0.5,1", "0.5,1.5,127.5"}});
+}
+
+Sample arrayInStructure() {
+  SampleFile file;
+  ChannelSpec wheel = part("wheel", 9);
+  wheel.composition = addArray(file, {0, 1, 0, {2}});
+  const std::uint64_t channel = addStructure(
+      file, "axle", 8, 3, {addChannel(file, part("load", 8)), addChannel(file, wheel)});
+  return composed("array-in-a-structure", "a member that is an array", std::move(file), channel,
+                  {"090a0b"},
+                  {{{"t", "s"}, {"axle.load", ""}, {"axle.wheel[0]", ""}, {"axle.wheel[1]", ""}},
+                   {"0,9,10,11"}});
+}
+
+}  // namespace
+
+Samples compositionSamples() {
+  Samples samples = arrays();
+  for (const auto make : {structure, nestedStructure, bitStructure, invalidElements, convertedArray,
+                          arrayInStructure}) {
+    samples.push_back(make());
+  }
+  return samples;
+}
+
+}  // namespace mdf_tests

@@ -1,0 +1,125 @@
+#include "data_blocks.h"
+
+#include <algorithm>
+
+namespace mdf_tests {
+
+namespace {
+
+/// The check sum of a zlib stream.
+std::uint32_t adler32(const std::string& bytes) {
+  constexpr std::uint32_t base = 65521;
+  std::uint32_t a = 1;
+  std::uint32_t b = 0;
+  for (const char byte : bytes) {
+    a = (a + static_cast<unsigned char>(byte)) % base;
+    b = (b + a) % base;
+  }
+  return (b << 16U) | a;
+}
+
+std::vector<std::string> piecesOf(const std::string& bytes, std::size_t size) {
+  std::vector<std::string> pieces;
+  for (std::size_t at = 0; at < bytes.size(); at += size) {
+    pieces.push_back(bytes.substr(at, size));
+  }
+  return pieces;
+}
+
+std::uint64_t addList(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
+                      std::uint8_t flags, const std::vector<std::uint64_t>& numbers) {
+  std::vector<std::uint64_t> links = {0};
+  links.insert(links.end(), blocks.begin(), blocks.end());
+  Bytes contents;
+  contents.u8(flags).zeros(3).u32(static_cast<std::uint32_t>(blocks.size()));
+  for (const std::uint64_t number : numbers) {
+    contents.u64(number);
+  }
+  return file.add("DL", links, contents);
+}
+
+}  // namespace
+
+std::string storedStream(const std::string& bytes, std::size_t piece) {
+  Bytes stream;
+  stream.u8s({0x78, 0x01});
+  std::vector<std::string> pieces = piecesOf(bytes, piece);
+  if (pieces.empty()) {
+    pieces.emplace_back();
+  }
+  for (std::size_t i = 0; i < pieces.size(); ++i) {
+    const auto size = static_cast<std::uint16_t>(pieces[i].size());
+    stream.u8(i + 1 == pieces.size() ? 1 : 0).u16(size);
+    stream.u16(static_cast<std::uint16_t>(0xFFFF - size)).text(pieces[i]);
+  }
+  const std::uint32_t sum = adler32(bytes);
+  for (const unsigned shift : {24U, 16U, 8U, 0U}) {
+    stream.u8(static_cast<std::uint8_t>((sum >> shift) & 0xFFU));
+  }
+  return stream;
+}
+
+std::string transposed(const std::string& bytes, std::size_t columns) {
+  const std::size_t rows = bytes.size() / columns;
+  std::string result;
+  for (std::size_t column = 0; column < columns; ++column) {
+    for (std::size_t row = 0; row < rows; ++row) {
+      result += bytes[row * columns + column];
+    }
+  }
+  return result + bytes.substr(rows * columns);
+}
+
+std::uint64_t addZipped(FileBuilder& file, const ZippedSpec& spec) {
+  return file.add("DZ", {},
+                  Bytes()
+                      .text(spec.type)
+                      .u8(spec.columns == 0 ? 0 : 1)
+                      .u8(0)
+                      .u32(spec.columns)
+                      .u64(spec.original_size)
+                      .u64(spec.stream.size())
+                      .text(spec.stream));
+}
+
+std::uint64_t addZipped(FileBuilder& file, const std::string& type, const std::string& bytes,
+                        std::uint32_t columns) {
+  const std::string stored = columns == 0 ? bytes : transposed(bytes, columns);
+  return addZipped(file, {type, columns, bytes.size(), storedStream(stored)});
+}
+
+std::uint64_t addEqualList(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
+                           std::uint64_t length) {
+  return addList(file, blocks, 1, {length});
+}
+
+std::uint64_t addOffsetList(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
+                            const std::vector<std::uint64_t>& offsets) {
+  return addList(file, blocks, 0, offsets);
+}
+
+std::uint64_t addHeaderList(FileBuilder& file, std::uint64_t list, std::uint16_t flags,
+                            std::uint8_t zip_type) {
+  return file.add("HL", {list}, Bytes().u16(flags).u8(zip_type).zeros(5));
+}
+
+std::vector<std::uint64_t> addPieces(FileBuilder& file, const std::string& type,
+                                     const std::string& bytes, std::size_t size) {
+  std::vector<std::uint64_t> blocks;
+  for (const std::string& piece : piecesOf(bytes, size)) {
+    blocks.push_back(file.add(type, {}, piece));
+  }
+  return blocks;
+}
+
+std::vector<std::uint64_t> addZippedPieces(FileBuilder& file, const std::string& type,
+                                           const std::string& bytes, std::size_t size,
+                                           std::uint32_t columns) {
+  std::vector<std::uint64_t> blocks;
+  for (const std::string& piece : piecesOf(bytes, size)) {
+    blocks.push_back(addZipped(file, type, piece, columns));
+  }
+  return blocks;
+}
+
+}  // namespace mdf_tests

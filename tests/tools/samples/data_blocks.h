@@ -1,0 +1,54 @@
+#ifndef MDF_TESTS_TOOLS_SAMPLES_DATA_BLOCKS_H_
+#define MDF_TESTS_TOOLS_SAMPLES_DATA_BLOCKS_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "sample_file.h"
+
+namespace mdf_tests {
+
+/// A zlib stream that stores bytes as they are (RFC 1950, RFC 1951), in pieces of up to so many.
+std::string storedStream(const std::string& bytes, std::size_t piece = 65535);
+
+/// The first bytes of all rows, then the second ones, and so on; an incomplete row stays behind
+/// them.
+std::string transposed(const std::string& bytes, std::size_t columns);
+
+/// A zipped data block in the making.
+struct ZippedSpec {
+  std::string type = "DT";    ///< of the block that it stands for
+  std::uint32_t columns = 0;  ///< bytes of a row of transposed data; 0 for data as it is
+  std::uint64_t original_size = 0;
+  std::string stream;
+};
+std::uint64_t addZipped(FileBuilder& file, const ZippedSpec& spec);
+
+/// The same for bytes that are stored, transposed before when there are columns.
+std::uint64_t addZipped(FileBuilder& file, const std::string& type, const std::string& bytes,
+                        std::uint32_t columns = 0);
+
+/// A data list whose blocks all hold so many bytes, but for the last one.
+std::uint64_t addEqualList(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
+                           std::uint64_t length);
+
+/// A data list with the offset of each block in the data.
+std::uint64_t addOffsetList(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
+                            const std::vector<std::uint64_t>& offsets);
+
+/// A header of data lists.
+std::uint64_t addHeaderList(FileBuilder& file, std::uint64_t list, std::uint16_t flags,
+                            std::uint8_t zip_type);
+
+/// Data in blocks of so many bytes, the last one shorter.
+std::vector<std::uint64_t> addPieces(FileBuilder& file, const std::string& type,
+                                     const std::string& bytes, std::size_t size);
+std::vector<std::uint64_t> addZippedPieces(FileBuilder& file, const std::string& type,
+                                           const std::string& bytes, std::size_t size,
+                                           std::uint32_t columns = 0);
+
+}  // namespace mdf_tests
+
+#endif  // MDF_TESTS_TOOLS_SAMPLES_DATA_BLOCKS_H_

@@ -1,0 +1,137 @@
+#include "sample_file.h"
+
+namespace mdf_tests {
+
+namespace {
+
+/// 2020-01-01 00:00:00 UTC in nanoseconds.
+constexpr std::uint64_t start_time = 1577836800'000000000;
+
+}  // namespace
+
+SampleFile::SampleFile(const std::string& file_word, unsigned version)
+    : FileBuilder(file_word, version) {
+  const std::uint64_t comment = metadata("<FHcomment><TX>made by hand</TX></FHcomment>");
+  history_ = add("FH", {0, comment}, Bytes().u64(start_time).zeros(8));
+  link(header, 1, history_);
+  write(header + 24 + 48, Bytes().u64(start_time));
+}
+
+SampleFile SampleFile::unfinished(std::uint16_t standard_flags, std::uint16_t custom_flags) {
+  SampleFile file("UnFinMF ");
+  file.write(60, Bytes().u16(standard_flags).u16(custom_flags));
+  return file;
+}
+
+std::uint64_t SampleFile::group(const GroupSpec& spec, const std::vector<ChannelSpec>& channels) {
+  channels_.clear();
+  for (const ChannelSpec& channel : channels) {
+    channels_.push_back(addChannel(*this, channel));
+  }
+  chain(*this, channels_);
+  const std::uint64_t group = addChannelGroup(*this, spec);
+  link(group, 1, channels_.empty() ? 0 : channels_[0]);
+  return group;
+}
+
+std::uint64_t SampleFile::dataGroup(const std::vector<std::uint64_t>& groups, std::uint64_t data,
+                                    std::uint8_t record_id_size) {
+  const std::uint64_t data_group = addDataGroup(*this, record_id_size, data);
+  chain(*this, groups);
+  link(data_group, 1, groups.empty() ? 0 : groups[0]);
+  link(last_data_group_ == 0 ? header : last_data_group_, 0, data_group);
+  last_data_group_ = data_group;
+  return data_group;
+}
+
+std::string hex(const std::string& digits) {
+  std::string bytes;
+  std::string pair;
+  for (const char digit : digits) {
+    if (digit != ' ') {
+      pair += digit;
+    }
+    if (pair.size() == 2) {
+      bytes += static_cast<char>(std::stoi(pair, nullptr, 16));
+      pair.clear();
+    }
+  }
+  return bytes;
+}
+
+ChannelSpec stored(unsigned data_type, std::uint32_t bit_count, unsigned bit_offset) {
+  ChannelSpec channel;
+  channel.name = "v";
+  channel.data_type = data_type;
+  channel.bit_count = bit_count;
+  channel.bit_offset = bit_offset;
+  return channel;
+}
+
+ChannelSpec timeMaster() {
+  ChannelSpec channel = stored(4, 64);
+  channel.name = "t";
+  channel.unit = "s";
+  channel.type = 2;
+  channel.sync_type = 1;
+  return channel;
+}
+
+double timeOf(std::size_t index) { return 0.5 * static_cast<double>(index); }
+
+std::string timeCell(std::size_t index) {
+  return std::to_string(index / 2) + (index % 2 == 0 ? "" : ".5");
+}
+
+Sample valueSample(const std::string& name, const std::string& shows, SampleFile file,
+                   ChannelSpec channel, const std::vector<StoredValue>& values) {
+  channel.byte_offset += 8;
+  GroupSpec group;
+  group.cycles = values.size();
+  ValueTable table{{{"t", "s"}, {channel.name, channel.unit}}, {}};
+  Bytes records;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const std::string bytes = hex(values[i].digits);
+    group.data_bytes = static_cast<std::uint32_t>(8 + bytes.size());
+    records.f64(timeOf(i)).text(bytes);
+    table.rows.push_back(timeCell(i) + ',' + values[i].cell);
+  }
+  file.sortedGroup(group, {timeMaster(), channel}, file.add("DT", {}, records));
+  return {name, shows, file.bytes(), {table}};
+}
+
+Sample valueSample(const std::string& name, const std::string& shows, const ChannelSpec& channel,
+                   const std::vector<StoredValue>& values) {
+  return valueSample(name, shows, SampleFile(), channel, values);
+}
+
+std::string countingRecords(std::size_t count) {
+  Bytes records;
+  for (std::size_t i = 0; i < count; ++i) {
+    records.f64(timeOf(i)).u16(static_cast<std::uint16_t>(7 * i));
+  }
+  return records;
+}
+
+std::vector<ChannelSpec> countingChannels() {
+  ChannelSpec number = stored(0, 16);
+  number.byte_offset = 8;
+  return {timeMaster(), number};
+}
+
+GroupSpec countingGroup(std::size_t count) {
+  GroupSpec group;
+  group.cycles = count;
+  group.data_bytes = 10;
+  return group;
+}
+
+ValueTable countingTable(std::size_t count) {
+  ValueTable table{{{"t", "s"}, {"v", ""}}, {}};
+  for (std::size_t i = 0; i < count; ++i) {
+    table.rows.push_back(timeCell(i) + ',' + std::to_string(7 * i));
+  }
+  return table;
+}
+
+}  // namespace mdf_tests

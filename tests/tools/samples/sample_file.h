@@ -1,0 +1,79 @@
+#ifndef MDF_TESTS_TOOLS_SAMPLES_SAMPLE_FILE_H_
+#define MDF_TESTS_TOOLS_SAMPLES_SAMPLE_FILE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "sample.h"
+#include "tools/support/file_builder.h"
+#include "tools/support/measurement_blocks.h"
+
+namespace mdf_tests {
+
+/// A measurement file in the making that has what each needs: a start time, and a file history.
+class SampleFile : public FileBuilder {
+ public:
+  explicit SampleFile(const std::string& file_word = "MDF     ", unsigned version = 410);
+
+  /// A file that was not closed, by its standard and custom flags.
+  static SampleFile unfinished(std::uint16_t standard_flags, std::uint16_t custom_flags = 0);
+
+  /// A channel group with its channels, not yet in a data group. channels() are its channels'
+  /// blocks until the next one.
+  std::uint64_t group(const GroupSpec& spec, const std::vector<ChannelSpec>& channels);
+  const std::vector<std::uint64_t>& channels() const { return channels_; }
+
+  /// A data group, behind those that are there.
+  std::uint64_t dataGroup(const std::vector<std::uint64_t>& groups, std::uint64_t data,
+                          std::uint8_t record_id_size = 0);
+
+  /// A data group with one channel group, and no record ids.
+  std::uint64_t sortedGroup(const GroupSpec& spec, const std::vector<ChannelSpec>& channels,
+                            std::uint64_t data) {
+    return dataGroup({group(spec, channels)}, data);
+  }
+
+  std::uint64_t history() const { return history_; }
+
+ private:
+  std::uint64_t history_;
+  std::uint64_t last_data_group_ = 0;
+  std::vector<std::uint64_t> channels_;
+};
+
+/// Bytes from pairs of hexadecimal digits, with blanks where they help.
+std::string hex(const std::string& digits);
+
+/// A channel "v" of fixed length.
+ChannelSpec stored(unsigned data_type, std::uint32_t bit_count, unsigned bit_offset = 0);
+
+/// A master channel "t" over time in front of a record: a real number of eight bytes, in seconds.
+ChannelSpec timeMaster();
+
+/// The time of a record: half a second each.
+double timeOf(std::size_t index);
+std::string timeCell(std::size_t index);
+
+/// A raw value of the channel "v", as it is stored and as it is exported.
+struct StoredValue {
+  std::string digits;  ///< hexadecimal
+  std::string cell;
+};
+
+/// A sample with one channel beside the time, which has a record for each of the values.
+Sample valueSample(const std::string& name, const std::string& shows, SampleFile file,
+                   ChannelSpec channel, const std::vector<StoredValue>& values);
+Sample valueSample(const std::string& name, const std::string& shows, const ChannelSpec& channel,
+                   const std::vector<StoredValue>& values);
+
+/// Records of ten bytes: the time, and a number "v" of 16 bits that goes up by 7.
+std::string countingRecords(std::size_t count);
+std::vector<ChannelSpec> countingChannels();
+GroupSpec countingGroup(std::size_t count);
+ValueTable countingTable(std::size_t count);
+
+}  // namespace mdf_tests
+
+#endif  // MDF_TESTS_TOOLS_SAMPLES_SAMPLE_FILE_H_

@@ -1,0 +1,180 @@
+// Files that were not closed, as the flags of their identification say.
+
+#include <utility>
+
+#include "data_blocks.h"
+
+namespace mdf_tests {
+
+namespace {
+
+enum StandardFlag : std::uint16_t {
+  cycle_counters_open = 1,
+  reduction_counters_open = 2,
+  last_data_open = 4,
+  last_reduction_open = 8,
+  last_list_open = 16,
+  variable_length_sizes_open = 32,
+};
+
+/// An unfinished file with records in one block.
+Sample withBlock(const std::string& name, const std::string& shows, std::uint16_t flags,
+                 std::size_t stated, std::size_t there) {
+  SampleFile file = SampleFile::unfinished(flags);
+  const std::uint64_t data_group = file.sortedGroup(countingGroup(stated), countingChannels(), 0);
+  file.link(data_group, 2, file.add("DT", {}, countingRecords(there)));
+  return {name, shows, file.bytes(), {countingTable(there)}};
+}
+
+/// A file whose last data block says that it is empty, with what was written behind it.
+Sample withOpenBlock(const std::string& name, const std::string& shows, const std::string& behind,
+                     std::size_t records) {
+  SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
+  const std::uint64_t data_group = file.sortedGroup(countingGroup(0), countingChannels(), 0);
+  file.link(data_group, 2, file.add("DT", {}));
+  file.append(behind);
+  return {name, shows, file.bytes(), {countingTable(records)}};
+}
+
+Samples oneBlock() {
+  return {
+      withBlock("unfinished-cycle-counters", "records that no count speaks of", cycle_counters_open,
+                0, 5),
+      withBlock("unfinished-cycle-counters-behind", "a count that is behind the records",
+                cycle_counters_open, 2, 5),
+      withBlock("unfinished-without-records", "a file that ended before its first record",
+                cycle_counters_open, 0, 0),
+      withBlock("unfinished-nothing-open", "a file that only lacks its last word", 0, 4, 4),
+      withBlock("unfinished-reductions", "what is open does not concern the records",
+                reduction_counters_open | last_reduction_open, 3, 3),
+      withOpenBlock("unfinished-last-data-open", "records up to the end of the file",
+                    countingRecords(7), 7),
+      withOpenBlock("unfinished-last-data-open-empty", "an open block without a byte behind", "",
+                    0),
+      withOpenBlock("unfinished-last-data-open-half-a-record", "the last record is cut off",
+                    countingRecords(4).substr(0, 36), 3),
+      withOpenBlock("unfinished-last-data-open-less-than-a-record", "not even one record",
+                    countingRecords(1).substr(0, 6), 0),
+  };
+}
+
+Sample customFlags() {
+  SampleFile file = SampleFile::unfinished(cycle_counters_open, 0x8001);
+  file.sortedGroup(countingGroup(0), countingChannels(), file.add("DT", {}, countingRecords(2)));
+  return {"unfinished-custom-flags",
+          "steps that only the writing program knows",
+          file.bytes(),
+          {countingTable(2)}};
+}
+
+/// A list whose last block is still open.
+Sample listWithOpenBlock() {
+  SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
+  const std::uint64_t data_group = file.sortedGroup(countingGroup(0), countingChannels(), 0);
+  const std::string data = countingRecords(9);
+  const std::uint64_t first = file.add("DT", {}, data.substr(0, 40));
+  const std::uint64_t list = addEqualList(file, {first, 0}, 40);
+  file.link(list, 2, file.add("DT", {}));
+  file.append(data.substr(40));
+  file.link(data_group, 2, list);
+  return {"unfinished-list-with-open-block",
+          "the last block of a list goes to the end of the file",
+          file.bytes(),
+          {countingTable(9)}};
+}
+
+/// A list that was made for five blocks in advance.
+Sample openList() {
+  SampleFile file = SampleFile::unfinished(cycle_counters_open | last_list_open);
+  const std::string data = countingRecords(8);
+  const std::uint64_t first = file.add("DT", {}, data.substr(0, 40));
+  const std::uint64_t second = file.add("DT", {}, data.substr(40));
+  const std::uint64_t list = addEqualList(file, {first, second, 0, 0, 0}, 40);
+  file.sortedGroup(countingGroup(0), countingChannels(), list);
+  return {"unfinished-last-list-open",
+          "a list with room for more blocks",
+          file.bytes(),
+          {countingTable(8)}};
+}
+
+Sample openZippedList() {
+  SampleFile file = SampleFile::unfinished(cycle_counters_open | last_list_open);
+  const auto blocks = addZippedPieces(file, "DT", countingRecords(6), 30, 10);
+  const std::uint64_t list = addOffsetList(file, {blocks[0], blocks[1], 0}, {0, 30, 0});
+  file.sortedGroup(countingGroup(0), countingChannels(), addHeaderList(file, list, 0, 1));
+  return {"unfinished-last-list-open-zipped",
+          "an open list of zipped blocks",
+          file.bytes(),
+          {countingTable(6)}};
+}
+
+/// Unsorted records up to the end of the file, the last one cut off.
+Sample openUnsorted() {
+  SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
+  ChannelSpec value = stored(0, 8);
+  value.name = "b";
+  value.byte_offset = 8;
+  GroupSpec first_spec = countingGroup(0);
+  first_spec.record_id = 1;
+  GroupSpec second_spec;
+  second_spec.record_id = 2;
+  second_spec.data_bytes = 9;
+  const std::uint64_t first = file.group(first_spec, countingChannels());
+  const std::uint64_t second = file.group(second_spec, {timeMaster(), value});
+  const std::uint64_t data_group = file.dataGroup({first, second}, 0, 1);
+  file.link(data_group, 2, file.add("DT", {}));
+  const std::string records = countingRecords(2);
+  file.append(Bytes()
+                  .u8(1)
+                  .text(records.substr(0, 10))
+                  .u8(2)
+                  .f64(0.25)
+                  .u8(9)
+                  .u8(1)
+                  .text(records.substr(10))
+                  .u8(2)
+                  .zeros(3));
+  return {"unfinished-unsorted",
+          "unsorted records up to the end of the file",
+          file.bytes(),
+          {countingTable(2), {{{"t", "s"}, {"b", ""}}, {"0.25,9"}}}};
+}
+
+/// Values of variable length among records, whose sizes nobody has added up.
+Sample openVariableLength() {
+  SampleFile file =
+      SampleFile::unfinished(cycle_counters_open | last_data_open | variable_length_sizes_open);
+  GroupSpec value_spec;
+  value_spec.record_id = 2;
+  value_spec.flags = 1;
+  const std::uint64_t values = file.group(value_spec, {});
+  ChannelSpec text = stored(7, 64);
+  text.byte_offset = 8;
+  text.type = 1;
+  text.data = values;
+  GroupSpec spec;
+  spec.record_id = 1;
+  spec.data_bytes = 16;
+  const std::uint64_t group = file.group(spec, {timeMaster(), text});
+  const std::uint64_t data_group = file.dataGroup({group, values}, 0, 1);
+  file.link(data_group, 2, file.add("DT", {}));
+  file.append(Bytes().u8(2).u32(3).text("abc").u8(1).f64(0).u64(0));
+  file.append(Bytes().u8(2).u32(1).text("d").u8(1).f64(0.5).u64(7));
+  return {"unfinished-variable-length",
+          "texts among the records of an open block",
+          file.bytes(),
+          {{{{"t", "s"}, {"v", ""}}, {"0,abc", "0.5,d"}}}};
+}
+
+}  // namespace
+
+Samples unfinishedSamples() {
+  Samples samples = oneBlock();
+  for (const auto make : {customFlags, listWithOpenBlock, openList, openZippedList, openUnsorted,
+                          openVariableLength}) {
+    samples.push_back(make());
+  }
+  return samples;
+}
+
+}  // namespace mdf_tests
