@@ -10,36 +10,36 @@ namespace mdf_v4_10 {
 
 namespace {
 
-/// The next list's link. The links read stand behind it, the file's next-list link first. That the
-/// pairs start at that link, and not at the first data link, is deliberate.
+/// The next list's link.
 constexpr std::size_t own_link_count = DLBLOCK::dl_dl_next + 1;
 
-void takePairsOfEqualLength(DLBLOCK& dlb, std::istream& is, detail::Decoder& in) {
-  if (in.remaining() < dlblock_equal_length_fields.width()) {
-    // With the flag the equal length is one of the fixed fields, so without it the block is
-    // unreadable, and nothing but the header is taken.
-    dlb.links.resize(own_link_count);
-    dlb.dl_flags = 0;
-    is.clear(std::ios_base::badbit);
-    return;
+/// The file's first link is the next list's. That the pairs start at it, and not at the first data
+/// link, is deliberate.
+void takePairs(DLBLOCK& dlb, std::istream& is, detail::BlockBody& body, UINT64 count) {
+  const char* offset = body.in.position();
+  std::size_t offset_width = sizeof(UINT64);
+  std::size_t pairs = body.links.size();
+  if (dlb.isEqualLengthFlag()) {
+    if (body.in.remaining() < dlblock_equal_length_fields.width()) {
+      // With the flag the equal length is one of the fixed fields, so without it the block is
+      // unreadable, and nothing but the header is taken.
+      dlb.dl_flags = 0;
+      body.links = {};
+      is.clear(std::ios_base::badbit);
+      return;
+    }
+    dlblock_equal_length_fields.take(offset, dlb);
+    // Every pair has the one length.
+    offset_width = 0;
+  } else {
+    const std::size_t offsets = body.in.remaining() / offset_width;
+    pairs = std::min(std::min(pairs, offsets), detail::hostSize(count));
   }
-  dlblock_equal_length_fields.take(in, dlb);
-  dlb.dl_data.reserve(dlb.links.size() - own_link_count);
-  for (std::size_t i = own_link_count; i < dlb.links.size(); ++i) {
-    dlb.dl_data.emplace_back(dlb.links[i], dlb.dl_equal_length);
+  std::vector<std::pair<LINK, UINT64>> data(pairs);
+  for (std::size_t i = 0; i < pairs; ++i, offset += offset_width) {
+    data[i] = {body.links[i], detail::loadLe<UINT64>(offset)};
   }
-}
-
-void takePairsWithOffsets(DLBLOCK& dlb, detail::Decoder& in, UINT64 count) {
-  const UINT64 links = dlb.links.size() - own_link_count;
-  const UINT64 offsets = in.remaining() / sizeof(UINT64);
-  const auto pairs = static_cast<std::size_t>(std::min({count, links, offsets}));
-  dlb.dl_data.reserve(pairs);
-  for (std::size_t i = 0; i < pairs; ++i) {
-    UINT64 offset = 0;
-    in.take(offset);
-    dlb.dl_data.emplace_back(dlb.links[own_link_count + i], offset);
-  }
+  dlb.dl_data.swap(data);
 }
 
 }  // namespace
@@ -51,17 +51,14 @@ DLBLOCK::DLBLOCK(bool _equalLength, LINK _dlNext)
 }
 
 // The nil link stays in front of the links read.
-DLBLOCK::DLBLOCK(std::istream& is) : DLBLOCK(false, 0) {
-  detail::BlockBody body;
-  if (!body.read(is, *this, dlblock_fields.width(), detail::LengthBits::all_64)) {
-    return;
+DLBLOCK::DLBLOCK(std::istream& is)
+    : GENERALBLOCK(MDF_DL_ID, DLBLOCK_CONSTANT_SIZE, own_link_count, LinksFollow()) {
+  detail::BlockBody body(is, *this, dlblock_fields.width(), detail::LengthBits::all_64);
+  if (body.isReadable()) {
+    const auto [count] = dlblock_fields.take(body.in, *this);
+    takePairs(*this, is, body, count);
   }
-  const auto [count] = dlblock_fields.take(body.in, *this);
-  if (isEqualLengthFlag()) {
-    takePairsOfEqualLength(*this, is, body.in);
-  } else {
-    takePairsWithOffsets(*this, body.in, count);
-  }
+  body.links.appendTo(links, own_link_count);
 }
 
 void DLBLOCK::addData(LINK _dt_sd_rd_dzblock, UINT64 _offset) {

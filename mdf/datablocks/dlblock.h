@@ -86,15 +86,15 @@ class DLBLOCK : public GENERALBLOCK {
 };
 
 inline constexpr auto dlblock_fields =
-    detail::fieldList(detail::field("dl_flags", &DLBLOCK::dl_flags),
-                      detail::reserved("dl_reserved", &DLBLOCK::dl_reserved),
-                      detail::countOf<UINT32>("dl_count", &DLBLOCK::dl_data));
+    detail::fieldList(detail::field<&DLBLOCK::dl_flags>("dl_flags"),
+                      detail::reserved<&DLBLOCK::dl_reserved>("dl_reserved"),
+                      detail::countOf<UINT32, &DLBLOCK::dl_data>("dl_count"));
 static_assert(detail::sizeWithLinks(DLBLOCK::dl_dl_next + 1, dlblock_fields) ==
               DLBLOCK::DLBLOCK_CONSTANT_SIZE);
 
 /// What stands behind the other fields, in place of the offsets, with the `equal_length` flag.
 inline constexpr auto dlblock_equal_length_fields =
-    detail::fieldList(detail::field("dl_equal_length", &DLBLOCK::dl_equal_length));
+    detail::fieldList(detail::field<&DLBLOCK::dl_equal_length>("dl_equal_length"));
 
 /// Writes the block; length, link count and entry count in the file follow from the pairs. The link
 /// count takes one link besides theirs for granted: a block that was read writes all of `links`,

@@ -16,11 +16,12 @@ DZBLOCK::DZBLOCK(std::uint16_t _org_block_type, DZ_ZIPTYPE_t _zipType, const std
 }
 
 DZBLOCK::DZBLOCK(std::istream& is) : GENERALBLOCK(MDF_DZ_ID, DZBLOCK_CONSTANT_SIZE, 0) {
-  detail::BlockBody body;
-  if (!body.readWithoutLinks(is, *this, dzblock_fields.width(), detail::LengthBits::all_64)) {
+  detail::BlockBody body(is, *this, dzblock_fields.width(), detail::LengthBits::all_64,
+                         detail::LinksInBody::none);
+  if (!body.isReadable()) {
     return;
   }
-  const auto [compressed_length] = dzblock_fields.take(body.in, *this);
+  const auto [compressed_length] = dzblock_fields.take(body.in.position(), *this);
   // The body holds the compressed bytes, too, but the data is what follows the block; deliberate.
   detail::readSizedData(is, compressed_length, dz_data);
 }

@@ -70,12 +70,12 @@ class DZBLOCK : public GENERALBLOCK {
 };
 
 inline constexpr auto dzblock_fields =
-    detail::fieldList(detail::field("dz_org_block_type", &DZBLOCK::dz_org_block_type),
-                      detail::field("dz_zip_type", &DZBLOCK::dz_zip_type),
-                      detail::reserved("dz_reserved", &DZBLOCK::dz_reserved),
-                      detail::field("dz_zip_parameter", &DZBLOCK::dz_zip_parameter),
-                      detail::field("dz_org_data_length", &DZBLOCK::dz_org_data_length),
-                      detail::countOf<UINT64>("dz_data_length", &DZBLOCK::dz_data));
+    detail::fieldList(detail::field<&DZBLOCK::dz_org_block_type>("dz_org_block_type"),
+                      detail::field<&DZBLOCK::dz_zip_type>("dz_zip_type"),
+                      detail::reserved<&DZBLOCK::dz_reserved>("dz_reserved"),
+                      detail::field<&DZBLOCK::dz_zip_parameter>("dz_zip_parameter"),
+                      detail::field<&DZBLOCK::dz_org_data_length>("dz_org_data_length"),
+                      detail::countOf<UINT64, &DZBLOCK::dz_data>("dz_data_length"));
 static_assert(detail::sizeWithLinks(0, dzblock_fields) == DZBLOCK::DZBLOCK_CONSTANT_SIZE);
 
 /// Writes the block; the length and the compressed length in the file follow from the bytes, and

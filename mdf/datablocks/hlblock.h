@@ -61,9 +61,9 @@ class HLBLOCK : public GENERALBLOCK {
 };
 
 inline constexpr auto hlblock_fields =
-    detail::fieldList(detail::field("hl_flags", &HLBLOCK::hl_flags),
-                      detail::field("hl_zip_type", &HLBLOCK::hl_zip_type),
-                      detail::reserved("hl_reserved", &HLBLOCK::hl_reserved));
+    detail::fieldList(detail::field<&HLBLOCK::hl_flags>("hl_flags"),
+                      detail::field<&HLBLOCK::hl_zip_type>("hl_zip_type"),
+                      detail::reserved<&HLBLOCK::hl_reserved>("hl_reserved"));
 static_assert(detail::sizeWithLinks(HLBLOCK::HL_BLOCK_LINKS_NUM, hlblock_fields) ==
               HLBLOCK::HLBLOCK_SIZE);
 

@@ -17,7 +17,8 @@ SRBLOCK::SRBLOCK(UINT64 _cycleCount, REAL _interval, MDF_SR_SYNCTYPE_t _syncType
 }
 
 // The nil links stay in front of the links read.
-SRBLOCK::SRBLOCK(std::istream& is) : GENERALBLOCK(MDF_SR_ID, SRBLOCK_SIZE, SR_BLOCK_LINKS_NUM) {
+SRBLOCK::SRBLOCK(std::istream& is)
+    : GENERALBLOCK(MDF_SR_ID, SRBLOCK_SIZE, SR_BLOCK_LINKS_NUM, LinksFollow()) {
   detail::readFixedBlock<SRBLOCK_SIZE>(is, *this, srblock_fields, detail::ShortRead::left_as_read);
 }
 

@@ -82,11 +82,11 @@ class SRBLOCK : public GENERALBLOCK {
 };
 
 inline constexpr auto srblock_fields =
-    detail::fieldList(detail::field("sr_cycle_count", &SRBLOCK::sr_cycle_count),
-                      detail::field("sr_interval", &SRBLOCK::sr_interval),
-                      detail::field("sr_sync_type", &SRBLOCK::sr_sync_type),
-                      detail::field("sr_flags", &SRBLOCK::sr_flags),
-                      detail::reserved("sr_reserved", &SRBLOCK::sr_reserved));
+    detail::fieldList(detail::field<&SRBLOCK::sr_cycle_count>("sr_cycle_count"),
+                      detail::field<&SRBLOCK::sr_interval>("sr_interval"),
+                      detail::field<&SRBLOCK::sr_sync_type>("sr_sync_type"),
+                      detail::field<&SRBLOCK::sr_flags>("sr_flags"),
+                      detail::reserved<&SRBLOCK::sr_reserved>("sr_reserved"));
 static_assert(detail::sizeWithLinks(SRBLOCK::SR_BLOCK_LINKS_NUM, srblock_fields) ==
               SRBLOCK::SRBLOCK_SIZE);
 

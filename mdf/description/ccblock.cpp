@@ -12,40 +12,32 @@ namespace {
 
 constexpr std::size_t fixed_link_count = CCBLOCK::cc_cc_inverse + 1;
 
+/// Links in the file, references included.
+std::size_t linkCount(const CCBLOCK& ccb) { return fixed_link_count + ccb.cc_refs.size(); }
+
 }  // namespace
 
-CCBLOCK::CCBLOCK(MDF_CC_TYPE_t _type)
-    : GENERALBLOCK(MDF_CC_ID, CCBLOCK_CONSTANT_SIZE, fixed_link_count) {
+CCBLOCK::CCBLOCK() : GENERALBLOCK(MDF_CC_ID) {}
+
+CCBLOCK::CCBLOCK(MDF_CC_TYPE_t _type) : CCBLOCK() {
+  header.setLength(CCBLOCK_CONSTANT_SIZE);
+  header.setLinkCount(fixed_link_count);
+  links.resize(fixed_link_count);
   setConversionType(_type);
 }
 
-CCBLOCK::CCBLOCK(std::istream& is) : GENERALBLOCK(MDF_CC_ID) {
-  detail::BlockBody body;
-  if (!body.read(is, *this, ccblock_fields.width(), detail::LengthBits::low_32)) {
+CCBLOCK::CCBLOCK(std::istream& is) : CCBLOCK() {
+  detail::BlockBody body(is, *this, ccblock_fields.width(), detail::LengthBits::low_32);
+  if (!body.isReadable()) {
     return;
   }
   const auto [reference_count, value_count] = ccblock_fields.take(body.in, *this);
-  takeReferences(reference_count);
-  takeValues(body.in, value_count);
-  links.resize(fixed_link_count);
+  body.links.fill(links, fixed_link_count);
+  // The references are the links behind the fixed ones, as many as the count says. Links beyond it
+  // are dropped; deliberate.
+  body.links.appendPartTo(cc_refs, fixed_link_count, detail::hostSize(reference_count));
+  body.takeList(value_count, cc_vals);
 }
-
-/// The references are the links read behind the fixed ones, as many as the count says. Links beyond
-/// it are dropped; deliberate.
-void CCBLOCK::takeReferences(UINT64 count) {
-  for (std::size_t i = fixed_link_count; i < links.size() && cc_refs.size() < count; ++i) {
-    cc_refs.push_back(links[i]);
-  }
-}
-
-void CCBLOCK::takeValues(detail::Decoder& in, UINT64 count) {
-  cc_vals.resize(static_cast<std::size_t>(std::min<UINT64>(count, in.remaining() / sizeof(REAL))));
-  for (REAL& value : cc_vals) {
-    in.take(value);
-  }
-}
-
-UINT64 CCBLOCK::getLinkCount() const { return UINT64{fixed_link_count} + cc_refs.size(); }
 
 std::uint64_t CCBLOCK::getSize() const {
   return CCBLOCK_CONSTANT_SIZE + sizeof(LINK) * std::uint64_t{cc_refs.size()} +
@@ -81,7 +73,7 @@ void CCBLOCK::print(std::ostream& os) const {
 
 std::ostream& operator<<(std::ostream& os, const CCBLOCK& ccb) {
   detail::BlockWriter out(os);
-  out.header(ccb.header, ccb.getSize(), ccb.getLinkCount());
+  out.header(ccb.header, ccb.getSize(), linkCount(ccb));
   out.numbers(ccb.links);
   out.numbers(ccb.cc_refs);
   out.fields(ccblock_fields, ccb);

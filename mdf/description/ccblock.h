@@ -179,24 +179,18 @@ class CCBLOCK : public GENERALBLOCK {
   std::vector<REAL> cc_vals;
 
  private:
-  friend std::ostream& operator<<(std::ostream& os, const CCBLOCK& ccb);
-
-  /// Links in the file, references included.
-  UINT64 getLinkCount() const;
-
+  CCBLOCK();
   void startSetup(MDF_CC_TYPE_t type);
-  void takeReferences(UINT64 count);
-  void takeValues(detail::Decoder& in, UINT64 count);
 };
 
 inline constexpr auto ccblock_fields =
-    detail::fieldList(detail::field("cc_type", &CCBLOCK::cc_type),
-                      detail::field("cc_precision", &CCBLOCK::cc_precision),
-                      detail::field("cc_flags", &CCBLOCK::cc_flags),
-                      detail::countOf<UINT16>("cc_ref_count", &CCBLOCK::cc_refs),
-                      detail::countOf<UINT16>("cc_val_count", &CCBLOCK::cc_vals),
-                      detail::field("cc_phy_range_min", &CCBLOCK::cc_phy_range_min),
-                      detail::field("cc_phy_range_max", &CCBLOCK::cc_phy_range_max));
+    detail::fieldList(detail::field<&CCBLOCK::cc_type>("cc_type"),
+                      detail::field<&CCBLOCK::cc_precision>("cc_precision"),
+                      detail::field<&CCBLOCK::cc_flags>("cc_flags"),
+                      detail::countOf<UINT16, &CCBLOCK::cc_refs>("cc_ref_count"),
+                      detail::countOf<UINT16, &CCBLOCK::cc_vals>("cc_val_count"),
+                      detail::field<&CCBLOCK::cc_phy_range_min>("cc_phy_range_min"),
+                      detail::field<&CCBLOCK::cc_phy_range_max>("cc_phy_range_max"));
 static_assert(detail::sizeWithLinks(CCBLOCK::cc_cc_inverse + 1, ccblock_fields) ==
               CCBLOCK::CCBLOCK_CONSTANT_SIZE);
 

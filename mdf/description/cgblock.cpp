@@ -18,7 +18,8 @@ CGBLOCK::CGBLOCK(LINK _nextCgblock, CG_FLAGS_t _groupType, UINT64 _recordId, LIN
 }
 
 // The nil links stay in front of the links read.
-CGBLOCK::CGBLOCK(std::istream& is) : CGBLOCK() {
+CGBLOCK::CGBLOCK(std::istream& is)
+    : GENERALBLOCK(MDF_CG_ID, CGBLOCK_SIZE, CG_BLOCK_LINKS_NUM, LinksFollow()) {
   detail::readFixedBlock<CGBLOCK_SIZE>(is, *this, cgblock_fields, detail::ShortRead::makes_bad);
 }
 

@@ -140,13 +140,13 @@ class CGBLOCK : public GENERALBLOCK {
 };
 
 inline constexpr auto cgblock_fields =
-    detail::fieldList(detail::field("cg_record_id", &CGBLOCK::cg_record_id),
-                      detail::field("cg_cycle_count", &CGBLOCK::cg_cycle_count),
-                      detail::field("cg_flags", &CGBLOCK::cg_flags),
-                      detail::field("cg_path_separator", &CGBLOCK::cg_path_separator),
-                      detail::reserved("cg_reserved", &CGBLOCK::cg_reserved),
-                      detail::field("cg_data_bytes", &CGBLOCK::cg_data_bytes),
-                      detail::field("cg_inval_bytes", &CGBLOCK::cg_inval_bytes));
+    detail::fieldList(detail::field<&CGBLOCK::cg_record_id>("cg_record_id"),
+                      detail::field<&CGBLOCK::cg_cycle_count>("cg_cycle_count"),
+                      detail::field<&CGBLOCK::cg_flags>("cg_flags"),
+                      detail::field<&CGBLOCK::cg_path_separator>("cg_path_separator"),
+                      detail::reserved<&CGBLOCK::cg_reserved>("cg_reserved"),
+                      detail::field<&CGBLOCK::cg_data_bytes>("cg_data_bytes"),
+                      detail::field<&CGBLOCK::cg_inval_bytes>("cg_inval_bytes"));
 static_assert(detail::sizeWithLinks(CGBLOCK::CG_BLOCK_LINKS_NUM, cgblock_fields) ==
               CGBLOCK::CGBLOCK_SIZE);
 

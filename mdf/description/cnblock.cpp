@@ -9,7 +9,13 @@ namespace mdf_v4_10 {
 namespace {
 
 constexpr std::size_t fixed_link_count = CNBLOCK::cn_md_comment + 1;
-constexpr std::size_t x_axis_link_count = 3;
+
+/// The links to the default X axis, behind all others.
+constexpr auto x_axis_links =
+    detail::fieldList(detail::field<&CNBLOCK::cn_default_x_dgblock>("cn_default_x_dgblock"),
+                      detail::field<&CNBLOCK::cn_default_x_cgblock>("cn_default_x_cgblock"),
+                      detail::field<&CNBLOCK::cn_default_x_cnblock>("cn_default_x_cnblock"));
+constexpr std::size_t x_axis_link_count = x_axis_links.width() / sizeof(LINK);
 
 /// Links that are not among the fixed ones: attachments and default X axis.
 std::size_t additionalLinkCount(const CNBLOCK& cnb) {
@@ -23,10 +29,12 @@ void printRange(detail::Dump& dump, const char* label, REAL min, REAL max) {
 
 }  // namespace
 
+CNBLOCK::CNBLOCK() : GENERALBLOCK(MDF_CN_ID, CNBLOCK_CONSTANT_SIZE, fixed_link_count) {}
+
 CNBLOCK::CNBLOCK(MDF_CN_CHANNELTYPE_t _channelType, MDF_CN_SYNCTYPE_t _syncType,
                  MDF_CN_DATATYPES_t _dataType, LINK _nextCnblock, LINK _nameTxblock,
                  LINK _datablock)
-    : GENERALBLOCK(MDF_CN_ID, CNBLOCK_CONSTANT_SIZE, fixed_link_count) {
+    : CNBLOCK() {
   setChannelType(_channelType);
   setSyncType(_syncType);
   setDataType(_dataType);
@@ -35,33 +43,20 @@ CNBLOCK::CNBLOCK(MDF_CN_CHANNELTYPE_t _channelType, MDF_CN_SYNCTYPE_t _syncType,
   setDatablock(_datablock);
 }
 
-CNBLOCK::CNBLOCK(std::istream& is)
-    : GENERALBLOCK(MDF_CN_ID, CNBLOCK_CONSTANT_SIZE, fixed_link_count) {
-  detail::BlockBody body;
-  if (!body.read(is, *this, cnblock_fields.width(), detail::LengthBits::low_32)) {
+CNBLOCK::CNBLOCK(std::istream& is) : CNBLOCK() {
+  detail::BlockBody body(is, *this, cnblock_fields.width(), detail::LengthBits::low_32);
+  if (!body.isReadable()) {
     return;
   }
-  const auto [attachment_count] = cnblock_fields.take(body.in, *this);
-  takeAttachements(attachment_count);
+  const auto [attachment_count] = cnblock_fields.take(body.in.position(), *this);
+  // The list starts at the file's first link, not behind its fixed ones, and takes one entry more
+  // than the count. Both are deliberate.
+  body.links.appendPartTo(cc_attachements, 0, detail::hostSize(attachment_count) + 1);
   if (isDefaultXAxis()) {
-    takeDefaultXAxis();
+    cn_default_x_dgblock = body.links.fromEnd(3);
+    cn_default_x_cgblock = body.links.fromEnd(2);
+    cn_default_x_cnblock = body.links.fromEnd(1);
   }
-  links.resize(fixed_link_count);
-}
-
-/// The list starts at the file's first link, since the links read stand behind the nil links, and
-/// takes one entry more than the count. Both are deliberate.
-void CNBLOCK::takeAttachements(UINT64 count) {
-  for (std::size_t i = fixed_link_count; i < links.size() && cc_attachements.size() <= count; ++i) {
-    cc_attachements.push_back(links[i]);
-  }
-}
-
-void CNBLOCK::takeDefaultXAxis() {
-  const std::size_t first = links.size() - x_axis_link_count;
-  cn_default_x_dgblock = links[first];
-  cn_default_x_cgblock = links[first + 1];
-  cn_default_x_cnblock = links[first + 2];
 }
 
 void CNBLOCK::setup(MDF_CN_CHANNELTYPE_t _channelType, MDF_CN_SYNCTYPE_t _syncType,
@@ -184,13 +179,12 @@ void CNBLOCK::printFlags(detail::Dump& dump) const {
 
 std::ostream& operator<<(std::ostream& os, const CNBLOCK& cnb) {
   detail::BlockWriter out(os);
-  out.header(cnb.header, cnb.getSize(), fixed_link_count + additionalLinkCount(cnb));
+  const std::size_t link_count = fixed_link_count + additionalLinkCount(cnb);
+  out.header(cnb.header, detail::sizeWithLinks(link_count, cnblock_fields), link_count);
   out.numbers(cnb.links);
   out.numbers(cnb.cc_attachements);
   if (cnb.isDefaultXAxis()) {
-    out.number(cnb.cn_default_x_dgblock);
-    out.number(cnb.cn_default_x_cgblock);
-    out.number(cnb.cn_default_x_cnblock);
+    out.fields(x_axis_links, cnb);
   }
   out.fields(cnblock_fields, cnb);
   return out.finish();

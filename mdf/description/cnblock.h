@@ -279,29 +279,28 @@ class CNBLOCK : public GENERALBLOCK {
   LINK cn_default_x_cnblock = 0;
 
  private:
-  void takeAttachements(UINT64 count);
-  void takeDefaultXAxis();
+  CNBLOCK();
   void printFlags(detail::Dump& dump) const;
 };
 
 inline constexpr auto cnblock_fields =
-    detail::fieldList(detail::field("cn_type", &CNBLOCK::cn_type),
-                      detail::field("cn_sync_type", &CNBLOCK::cn_sync_type),
-                      detail::field("cn_data_type", &CNBLOCK::cn_data_type),
-                      detail::field("cn_bit_offset", &CNBLOCK::cn_bit_offset),
-                      detail::field("cn_byte_offset", &CNBLOCK::cn_byte_offset),
-                      detail::field("cn_bit_count", &CNBLOCK::cn_bit_count),
-                      detail::field("cn_flags", &CNBLOCK::cn_flags),
-                      detail::field("cn_inval_bit_pos", &CNBLOCK::cn_inval_bit_pos),
-                      detail::field("cn_precision", &CNBLOCK::cn_precision),
-                      detail::reserved("cn_reserved", &CNBLOCK::cn_reserved),
-                      detail::countOf<UINT16>("cn_attachment_count", &CNBLOCK::cc_attachements),
-                      detail::field("cn_val_range_min", &CNBLOCK::cn_val_range_min),
-                      detail::field("cn_val_range_max", &CNBLOCK::cn_val_range_max),
-                      detail::field("cn_limit_min", &CNBLOCK::cn_limit_min),
-                      detail::field("cn_limit_max", &CNBLOCK::cn_limit_max),
-                      detail::field("cn_limit_ext_min", &CNBLOCK::cn_limit_ext_min),
-                      detail::field("cn_limit_ext_max", &CNBLOCK::cn_limit_ext_max));
+    detail::fieldList(detail::field<&CNBLOCK::cn_type>("cn_type"),
+                      detail::field<&CNBLOCK::cn_sync_type>("cn_sync_type"),
+                      detail::field<&CNBLOCK::cn_data_type>("cn_data_type"),
+                      detail::field<&CNBLOCK::cn_bit_offset>("cn_bit_offset"),
+                      detail::field<&CNBLOCK::cn_byte_offset>("cn_byte_offset"),
+                      detail::field<&CNBLOCK::cn_bit_count>("cn_bit_count"),
+                      detail::field<&CNBLOCK::cn_flags>("cn_flags"),
+                      detail::field<&CNBLOCK::cn_inval_bit_pos>("cn_inval_bit_pos"),
+                      detail::field<&CNBLOCK::cn_precision>("cn_precision"),
+                      detail::reserved<&CNBLOCK::cn_reserved>("cn_reserved"),
+                      detail::countOf<UINT16, &CNBLOCK::cc_attachements>("cn_attachment_count"),
+                      detail::field<&CNBLOCK::cn_val_range_min>("cn_val_range_min"),
+                      detail::field<&CNBLOCK::cn_val_range_max>("cn_val_range_max"),
+                      detail::field<&CNBLOCK::cn_limit_min>("cn_limit_min"),
+                      detail::field<&CNBLOCK::cn_limit_max>("cn_limit_max"),
+                      detail::field<&CNBLOCK::cn_limit_ext_min>("cn_limit_ext_min"),
+                      detail::field<&CNBLOCK::cn_limit_ext_max>("cn_limit_ext_max"));
 static_assert(detail::sizeWithLinks(CNBLOCK::cn_md_comment + 1, cnblock_fields) ==
               CNBLOCK::CNBLOCK_CONSTANT_SIZE);
 

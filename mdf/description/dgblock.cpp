@@ -15,7 +15,8 @@ DGBLOCK::DGBLOCK(LINK _nextdgblock, LINK _cgblock, LINK _data, MDF_DG_REC_ID_SIZ
 }
 
 // The nil links stay in front of the links read.
-DGBLOCK::DGBLOCK(std::istream& is) : GENERALBLOCK(MDF_DG_ID, DGBLOCK_SIZE, DG_BLOCK_LINKS_NUM) {
+DGBLOCK::DGBLOCK(std::istream& is)
+    : GENERALBLOCK(MDF_DG_ID, DGBLOCK_SIZE, DG_BLOCK_LINKS_NUM, LinksFollow()) {
   detail::readFixedBlock<DGBLOCK_SIZE>(is, *this, dgblock_fields, detail::ShortRead::makes_bad);
 }
 

@@ -78,8 +78,8 @@ class DGBLOCK : public GENERALBLOCK {
 };
 
 inline constexpr auto dgblock_fields =
-    detail::fieldList(detail::field("dg_rec_id_size", &DGBLOCK::dg_rec_id_size),
-                      detail::reserved("dg_reserved", &DGBLOCK::dg_reserved));
+    detail::fieldList(detail::field<&DGBLOCK::dg_rec_id_size>("dg_rec_id_size"),
+                      detail::reserved<&DGBLOCK::dg_reserved>("dg_reserved"));
 static_assert(detail::sizeWithLinks(DGBLOCK::DG_BLOCK_LINKS_NUM, dgblock_fields) ==
               DGBLOCK::DGBLOCK_SIZE);
 

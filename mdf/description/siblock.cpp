@@ -19,7 +19,8 @@ SIBLOCK::SIBLOCK(MDF_SI_SOURCETYPE_t _sourceType, MDF_SI_BUSTYPE_t _busType, boo
 }
 
 // The nil links stay in front of the links read.
-SIBLOCK::SIBLOCK(std::istream& is) : SIBLOCK() {
+SIBLOCK::SIBLOCK(std::istream& is)
+    : GENERALBLOCK(MDF_SI_ID, SIBLOCK_SIZE, SI_BLOCK_LINKS_NUM, LinksFollow()) {
   detail::readFixedBlock<SIBLOCK_SIZE>(is, *this, siblock_fields, detail::ShortRead::makes_bad);
 }
 

@@ -103,10 +103,10 @@ class SIBLOCK : public GENERALBLOCK {
 };
 
 inline constexpr auto siblock_fields =
-    detail::fieldList(detail::field("si_type", &SIBLOCK::si_type),
-                      detail::field("si_bus_type", &SIBLOCK::si_bus_type),
-                      detail::field("si_flags", &SIBLOCK::si_flags),
-                      detail::reserved("si_reserved", &SIBLOCK::si_reserved));
+    detail::fieldList(detail::field<&SIBLOCK::si_type>("si_type"),
+                      detail::field<&SIBLOCK::si_bus_type>("si_bus_type"),
+                      detail::field<&SIBLOCK::si_flags>("si_flags"),
+                      detail::reserved<&SIBLOCK::si_reserved>("si_reserved"));
 static_assert(detail::sizeWithLinks(SIBLOCK::SI_BLOCK_LINKS_NUM, siblock_fields) ==
               SIBLOCK::SIBLOCK_SIZE);
 

@@ -16,14 +16,15 @@ ATBLOCK::ATBLOCK(const char* _data, std::size_t _ndata) : GENERALBLOCK(MDF_AT_ID
   setEmbeddedDataFlag(true);
 }
 
-ATBLOCK::ATBLOCK(std::istream& is) : GENERALBLOCK(MDF_AT_ID) {
-  detail::BlockBody body;
-  if (!body.read(is, *this, atblock_fields.width(), detail::LengthBits::all_64)) {
+ATBLOCK::ATBLOCK(std::istream& is) : ATBLOCK() {
+  header.setLength(0);
+  detail::BlockBody body(is, *this, atblock_fields.width(), detail::LengthBits::all_64);
+  if (!body.isReadable()) {
     return;
   }
   const auto [embedded_size] = atblock_fields.take(body.in, *this);
-  const auto count = static_cast<std::size_t>(std::min<UINT64>(embedded_size, body.in.remaining()));
-  at_embedded_data.assign(body.in.position(), body.in.position() + count);
+  body.links.appendTo(links, 0);
+  body.takeList(embedded_size, at_embedded_data);
 }
 
 void ATBLOCK::setup(const char* _data, std::size_t _ndata) {

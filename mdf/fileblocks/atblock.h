@@ -126,12 +126,12 @@ class ATBLOCK : public GENERALBLOCK {
 };
 
 inline constexpr auto atblock_fields =
-    detail::fieldList(detail::field("at_flags", &ATBLOCK::at_flags),
-                      detail::field("at_creator_index", &ATBLOCK::at_creator_index),
-                      detail::reserved("at_reserved", &ATBLOCK::at_reserved),
-                      detail::field("at_md5_checksum", &ATBLOCK::at_md5_checksum),
-                      detail::field("at_original_size", &ATBLOCK::at_original_size),
-                      detail::countOf<UINT64>("at_embedded_size", &ATBLOCK::at_embedded_data));
+    detail::fieldList(detail::field<&ATBLOCK::at_flags>("at_flags"),
+                      detail::field<&ATBLOCK::at_creator_index>("at_creator_index"),
+                      detail::reserved<&ATBLOCK::at_reserved>("at_reserved"),
+                      detail::field<&ATBLOCK::at_md5_checksum>("at_md5_checksum"),
+                      detail::field<&ATBLOCK::at_original_size>("at_original_size"),
+                      detail::countOf<UINT64, &ATBLOCK::at_embedded_data>("at_embedded_size"));
 static_assert(detail::sizeWithLinks(ATBLOCK::AT_BLOCK_LINKS_NUM, atblock_fields) ==
               ATBLOCK::ATBLOCK_CONSTANT_SIZE);
 

@@ -9,7 +9,27 @@ namespace mdf_v4_10 {
 namespace {
 
 constexpr std::size_t fixed_link_count = CHBLOCK::ch_md_comment + 1;
-constexpr std::size_t links_per_element = 3;
+
+constexpr auto element_links =
+    detail::fieldList(detail::field<&CHBLOCK::CHBLOCK_CHANNEL_t::ch_element_dg>("ch_element_dg"),
+                      detail::field<&CHBLOCK::CHBLOCK_CHANNEL_t::ch_element_cg>("ch_element_cg"),
+                      detail::field<&CHBLOCK::CHBLOCK_CHANNEL_t::ch_element_cn>("ch_element_cn"));
+constexpr std::size_t links_per_element = element_links.width() / sizeof(LINK);
+
+/// Each element starts one link behind the one before, not three. This is deliberate.
+void takeChannels(CHBLOCK& chb, const detail::FileLinks& file_links) {
+  constexpr std::size_t links_before_the_last_start = fixed_link_count + links_per_element - 1;
+  if (file_links.size() <= links_before_the_last_start) {
+    return;
+  }
+  std::vector<CHBLOCK::CHBLOCK_CHANNEL_t> elements(file_links.size() - links_before_the_last_start);
+  const char* at = file_links.bytes() + fixed_link_count * sizeof(LINK);
+  for (CHBLOCK::CHBLOCK_CHANNEL_t& element : elements) {
+    element_links.take(at, element);
+    at += sizeof(LINK);
+  }
+  chb.channels.swap(elements);
+}
 
 }  // namespace
 
@@ -19,26 +39,14 @@ CHBLOCK::CHBLOCK(MDF_CH_TYPE_t type)
 }
 
 CHBLOCK::CHBLOCK(std::istream& is) : GENERALBLOCK(MDF_CH_ID) {
-  detail::BlockBody body;
-  if (!body.read(is, *this, chblock_fields.width(), detail::LengthBits::low_32)) {
+  detail::BlockBody body(is, *this, chblock_fields.width(), detail::LengthBits::low_32);
+  if (!body.isReadable()) {
     return;
   }
   // The elements follow from the links; their count in the file is not needed.
-  chblock_fields.take(body.in, *this);
-  takeChannels();
-  links.resize(fixed_link_count);
-}
-
-/// Each element starts one link behind the one before, not three. This is deliberate.
-void CHBLOCK::takeChannels() {
-  constexpr std::size_t links_of_one_element = fixed_link_count + links_per_element;
-  if (links.size() < links_of_one_element) {
-    return;
-  }
-  channels.reserve(links.size() - links_of_one_element + 1);
-  for (std::size_t i = fixed_link_count; i + links_per_element <= links.size(); ++i) {
-    addChannelElement(links[i], links[i + 1], links[i + 2]);
-  }
+  chblock_fields.take(body.in.position(), *this);
+  body.links.fill(links, fixed_link_count);
+  takeChannels(*this, body.links);
 }
 
 void CHBLOCK::setType(MDF_CH_TYPE_t type) {
@@ -138,9 +146,7 @@ std::ostream& operator<<(std::ostream& os, const CHBLOCK& chb) {
              static_cast<UINT32>(chb.channels.size() + fixed_link_count));
   out.numbers(chb.links);
   for (const CHBLOCK::CHBLOCK_CHANNEL_t& element : chb.channels) {
-    out.number(element.ch_element_dg);
-    out.number(element.ch_element_cg);
-    out.number(element.ch_element_cn);
+    out.fields(element_links, element);
   }
   out.fields(chblock_fields, chb);
   return out.finish();

@@ -118,13 +118,12 @@ class CHBLOCK : public GENERALBLOCK {
 
  private:
   bool mayPrecede(MDF_CH_TYPE_t next) const;
-  void takeChannels();
 };
 
 inline constexpr auto chblock_fields =
-    detail::fieldList(detail::countOf<UINT32>("ch_element_count", &CHBLOCK::channels),
-                      detail::field("ch_type", &CHBLOCK::ch_type),
-                      detail::reserved("ch_reserved", &CHBLOCK::ch_reserved));
+    detail::fieldList(detail::countOf<UINT32, &CHBLOCK::channels>("ch_element_count"),
+                      detail::field<&CHBLOCK::ch_type>("ch_type"),
+                      detail::reserved<&CHBLOCK::ch_reserved>("ch_reserved"));
 static_assert(detail::sizeWithLinks(CHBLOCK::ch_md_comment + 1, chblock_fields) ==
               CHBLOCK::CHBLOCK_CONSTANT_SIZE);
 

@@ -11,45 +11,37 @@ namespace {
 constexpr std::size_t fixed_link_count = EVBLOCK::ev_md_comment + 1;
 
 /// Links that are not among the fixed ones: scope and attachments.
-UINT64 additionalLinkCount(const EVBLOCK& evb) {
-  return UINT64{evb.ev_scope.size()} + evb.ev_at_reference.size();
-}
-
-/// The `count` links from index `first` on, or as many of them as there are.
-std::vector<LINK> linksFrom(const LinkSection& links, UINT64 first, UINT64 count) {
-  std::vector<LINK> taken;
-  for (UINT64 i = first; i < links.size() && taken.size() < count; ++i) {
-    taken.push_back(links[static_cast<std::size_t>(i)]);
-  }
-  return taken;
+std::size_t additionalLinkCount(const EVBLOCK& evb) {
+  return evb.ev_scope.size() + evb.ev_at_reference.size();
 }
 
 }  // namespace
 
+EVBLOCK::EVBLOCK(UINT64 length) : GENERALBLOCK(MDF_EV_ID, length, fixed_link_count) {}
+
 EVBLOCK::EVBLOCK(MDF_EV_TYPE_t type, MDF_EV_SYNCTYPE_t syncType, MDF_EV_RANGETYPE_t rangeType,
                  MDF_EV_CAUSETYPE_t causeType)
-    : GENERALBLOCK(MDF_EV_ID, EVBLOCK_CONSTANT_SIZE, fixed_link_count) {
+    : EVBLOCK(EVBLOCK_CONSTANT_SIZE) {
   setType(type);
   setSyncType(syncType);
   setRangeType(rangeType);
   setCause(causeType);
 }
 
-EVBLOCK::EVBLOCK(std::istream& is) : GENERALBLOCK(MDF_EV_ID, 0, fixed_link_count) {
-  detail::BlockBody body;
-  if (!body.read(is, *this, evblock_fields.width(), detail::LengthBits::low_32)) {
+EVBLOCK::EVBLOCK(std::istream& is) : EVBLOCK(UINT64{0}) {
+  detail::BlockBody body(is, *this, evblock_fields.width(), detail::LengthBits::low_32);
+  if (!body.isReadable()) {
     return;
   }
-  const auto [scope_count, attachment_count] = evblock_fields.take(body.in, *this);
-  // The lists start at the file's first link, not behind its fixed ones, since the links read stand
-  // behind the nil links. This is deliberate.
-  ev_scope = linksFrom(links, fixed_link_count, scope_count);
-  ev_at_reference = linksFrom(links, fixed_link_count + scope_count, attachment_count);
-  links.resize(fixed_link_count);
+  const auto [scope_count, attachment_count] = evblock_fields.take(body.in.position(), *this);
+  // The lists start at the file's first link, not behind its fixed ones. This is deliberate.
+  body.links.appendPartTo(ev_scope, 0, detail::hostSize(scope_count));
+  body.links.appendPartTo(ev_at_reference, detail::hostSize(scope_count),
+                          detail::hostSize(attachment_count));
 }
 
 std::uint64_t EVBLOCK::getSize() const {
-  return EVBLOCK_CONSTANT_SIZE + sizeof(LINK) * additionalLinkCount(*this);
+  return EVBLOCK_CONSTANT_SIZE + sizeof(LINK) * std::uint64_t{additionalLinkCount(*this)};
 }
 
 void EVBLOCK::print(std::ostream& os) const {
@@ -83,7 +75,8 @@ void EVBLOCK::print(std::ostream& os) const {
 
 std::ostream& operator<<(std::ostream& os, const EVBLOCK& evb) {
   detail::BlockWriter out(os);
-  out.header(evb.header, evb.getSize(), fixed_link_count + additionalLinkCount(evb));
+  const std::size_t link_count = fixed_link_count + additionalLinkCount(evb);
+  out.header(evb.header, detail::sizeWithLinks(link_count, evblock_fields), link_count);
   out.numbers(evb.links);
   out.numbers(evb.ev_scope);
   out.numbers(evb.ev_at_reference);

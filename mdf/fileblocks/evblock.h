@@ -173,19 +173,22 @@ class EVBLOCK : public GENERALBLOCK {
   REAL ev_sync_factor = 0;
   std::vector<LINK> ev_scope;
   std::vector<LINK> ev_at_reference;
+
+ private:
+  explicit EVBLOCK(UINT64 length);
 };
 
 inline constexpr auto evblock_fields = detail::fieldList(
-    detail::field("ev_type", &EVBLOCK::ev_type),
-    detail::field("ev_sync_type", &EVBLOCK::ev_sync_type),
-    detail::field("ev_range_type", &EVBLOCK::ev_range_type),
-    detail::field("ev_cause", &EVBLOCK::ev_cause), detail::field("ev_flags", &EVBLOCK::ev_flags),
-    detail::reserved("ev_reserved", &EVBLOCK::ev_reserved),
-    detail::countOf<UINT32>("ev_scope_count", &EVBLOCK::ev_scope),
-    detail::countOf<UINT16>("ev_attachment_count", &EVBLOCK::ev_at_reference),
-    detail::field("ev_creator_index", &EVBLOCK::ev_creator_index),
-    detail::field("ev_sync_base_value", &EVBLOCK::ev_sync_base_value),
-    detail::field("ev_sync_factor", &EVBLOCK::ev_sync_factor));
+    detail::field<&EVBLOCK::ev_type>("ev_type"),
+    detail::field<&EVBLOCK::ev_sync_type>("ev_sync_type"),
+    detail::field<&EVBLOCK::ev_range_type>("ev_range_type"),
+    detail::field<&EVBLOCK::ev_cause>("ev_cause"), detail::field<&EVBLOCK::ev_flags>("ev_flags"),
+    detail::reserved<&EVBLOCK::ev_reserved>("ev_reserved"),
+    detail::countOf<UINT32, &EVBLOCK::ev_scope>("ev_scope_count"),
+    detail::countOf<UINT16, &EVBLOCK::ev_at_reference>("ev_attachment_count"),
+    detail::field<&EVBLOCK::ev_creator_index>("ev_creator_index"),
+    detail::field<&EVBLOCK::ev_sync_base_value>("ev_sync_base_value"),
+    detail::field<&EVBLOCK::ev_sync_factor>("ev_sync_factor"));
 static_assert(detail::sizeWithLinks(EVBLOCK::ev_md_comment + 1, evblock_fields) ==
               EVBLOCK::EVBLOCK_CONSTANT_SIZE);
 

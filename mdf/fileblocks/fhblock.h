@@ -67,11 +67,11 @@ class FHBLOCK : public GENERALBLOCK {
 };
 
 inline constexpr auto fhblock_fields =
-    detail::fieldList(detail::field("fh_time_ns", &FHBLOCK::fh_time_ns),
-                      detail::field("fh_tz_offset_min", &FHBLOCK::fh_tz_offset_min),
-                      detail::field("fh_dst_offset_min", &FHBLOCK::fh_dst_offset_min),
-                      detail::field("fh_time_flags", &FHBLOCK::fh_time_flags),
-                      detail::reserved("fh_reserved", &FHBLOCK::fh_reserved));
+    detail::fieldList(detail::field<&FHBLOCK::fh_time_ns>("fh_time_ns"),
+                      detail::field<&FHBLOCK::fh_tz_offset_min>("fh_tz_offset_min"),
+                      detail::field<&FHBLOCK::fh_dst_offset_min>("fh_dst_offset_min"),
+                      detail::field<&FHBLOCK::fh_time_flags>("fh_time_flags"),
+                      detail::reserved<&FHBLOCK::fh_reserved>("fh_reserved"));
 static_assert(detail::sizeWithLinks(FHBLOCK::FH_BLOCK_LINKS_NUM, fhblock_fields) ==
               FHBLOCK::FHBLOCK_SIZE);
 

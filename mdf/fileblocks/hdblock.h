@@ -112,15 +112,15 @@ class HDBLOCK : public GENERALBLOCK {
 };
 
 inline constexpr auto hdblock_fields =
-    detail::fieldList(detail::field("hd_start_time_ns", &HDBLOCK::hd_start_time_ns),
-                      detail::field("hd_tz_offset_min", &HDBLOCK::hd_tz_offset_min),
-                      detail::field("hd_dst_offset_min", &HDBLOCK::hd_dst_offset_min),
-                      detail::field("hd_time_flags", &HDBLOCK::hd_time_flags),
-                      detail::field("hd_time_class", &HDBLOCK::hd_time_class),
-                      detail::field("hd_flags", &HDBLOCK::hd_flags),
-                      detail::reserved("hd_reserved", &HDBLOCK::hd_reserved),
-                      detail::field("hd_start_angle_rad", &HDBLOCK::hd_start_angle_rad),
-                      detail::field("hd_start_distance_m", &HDBLOCK::hd_start_distance_m));
+    detail::fieldList(detail::field<&HDBLOCK::hd_start_time_ns>("hd_start_time_ns"),
+                      detail::field<&HDBLOCK::hd_tz_offset_min>("hd_tz_offset_min"),
+                      detail::field<&HDBLOCK::hd_dst_offset_min>("hd_dst_offset_min"),
+                      detail::field<&HDBLOCK::hd_time_flags>("hd_time_flags"),
+                      detail::field<&HDBLOCK::hd_time_class>("hd_time_class"),
+                      detail::field<&HDBLOCK::hd_flags>("hd_flags"),
+                      detail::reserved<&HDBLOCK::hd_reserved>("hd_reserved"),
+                      detail::field<&HDBLOCK::hd_start_angle_rad>("hd_start_angle_rad"),
+                      detail::field<&HDBLOCK::hd_start_distance_m>("hd_start_distance_m"));
 static_assert(detail::sizeWithLinks(HDBLOCK::HD_BLOCK_LINKS_NUM, hdblock_fields) ==
               HDBLOCK::HDBLOCK_SIZE);
 

@@ -8,7 +8,9 @@
 
 namespace mdf_v4_10 {
 
-IDBLOCK::IDBLOCK(const char* _prog) : GENERALBLOCK(MDF_ID_ID, IDBLOCK_SIZE, 0) {
+IDBLOCK::IDBLOCK() : GENERALBLOCK(MDF_ID_ID, IDBLOCK_SIZE, 0) {}
+
+IDBLOCK::IDBLOCK(const char* _prog) : IDBLOCK() {
   std::copy_n(MDF_ID_FILE_STRING, MDF_ID_FILE, id_file.begin());
   std::copy_n(MDF_ID_VERS_STRING, MDF_ID_VERS, id_vers.begin());
   id_prog.fill(' ');
@@ -18,12 +20,11 @@ IDBLOCK::IDBLOCK(const char* _prog) : GENERALBLOCK(MDF_ID_ID, IDBLOCK_SIZE, 0) {
   id_ver = MDF_ID_VERS_NO;
 }
 
-IDBLOCK::IDBLOCK(std::istream& is) : GENERALBLOCK(MDF_ID_ID, IDBLOCK_SIZE, 0) {
+IDBLOCK::IDBLOCK(std::istream& is) : IDBLOCK() {
   std::array<char, IDBLOCK_SIZE> bytes;
   detail::readOrBad(is, bytes.data(), bytes.size());
   if (is.good()) {
-    detail::Decoder in(bytes.data(), bytes.size());
-    idblock_fields.take(in, *this);
+    idblock_fields.take(bytes.data(), *this);
   }
 }
 

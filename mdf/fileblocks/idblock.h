@@ -53,14 +53,17 @@ class IDBLOCK : public GENERALBLOCK {
   std::array<UINT8, 4> id_reserved1{};
   UINT16 id_ver = 0;
   std::array<UINT8, 34> id_reserved2{};
+
+ private:
+  IDBLOCK();
 };
 
 inline constexpr auto idblock_fields = detail::fieldList(
-    detail::field("id_file", &IDBLOCK::id_file), detail::field("id_vers", &IDBLOCK::id_vers),
-    detail::field("id_prog", &IDBLOCK::id_prog),
-    detail::reserved("id_reserved1", &IDBLOCK::id_reserved1),
-    detail::field("id_ver", &IDBLOCK::id_ver),
-    detail::field("id_reserved2", &IDBLOCK::id_reserved2));
+    detail::field<&IDBLOCK::id_file>("id_file"), detail::field<&IDBLOCK::id_vers>("id_vers"),
+    detail::field<&IDBLOCK::id_prog>("id_prog"),
+    detail::reserved<&IDBLOCK::id_reserved1>("id_reserved1"),
+    detail::field<&IDBLOCK::id_ver>("id_ver"),
+    detail::field<&IDBLOCK::id_reserved2>("id_reserved2"));
 static_assert(idblock_fields.width() == IDBLOCK::IDBLOCK_SIZE);
 
 /// Writes the 64 bytes of the block, without a header.

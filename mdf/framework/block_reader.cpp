@@ -19,20 +19,16 @@ void takeHeader(GENERALBLOCK& block, const char* bytes) {
   block.header.readFromByteArray(reinterpret_cast<const std::uint8_t*>(bytes));
 }
 
-/// Takes so many links, if they and the fields behind them are there.
-bool takeLinks(std::istream& is, GENERALBLOCK& block, UINT64 link_count, Decoder& in,
-               std::size_t fields_width) {
+/// Takes so many links, if they and the fields behind them are there; the stream becomes bad if
+/// not.
+FileLinks takeLinks(std::istream& is, UINT64 link_count, Decoder& in, std::size_t fields_width) {
   if (!linksAndFieldsFit(link_count, fields_width, in.remaining())) {
     is.clear(std::ios_base::badbit);
-    return false;
+    return {};
   }
-  block.links.reserve(block.links.size() + static_cast<std::size_t>(link_count));
-  for (UINT64 i = 0; i < link_count; ++i) {
-    LINK link = 0;
-    in.take(link);
-    block.links.push_back(link);
-  }
-  return true;
+  const FileLinks links(in.position(), static_cast<std::size_t>(link_count));
+  in.skip(links.size() * sizeof(LINK));
+  return links;
 }
 
 }  // namespace
@@ -44,31 +40,68 @@ void readOrBad(std::istream& is, char* bytes, std::size_t n) {
   }
 }
 
-bool readFixedBytes(std::istream& is, char* bytes, Decoder& in, ShortRead rule, GENERALBLOCK& block,
-                    std::size_t fields_width) {
+const char* readFixedBytes(std::istream& is, char* bytes, std::size_t size, ShortRead rule,
+                           GENERALBLOCK& block, std::size_t fields_width) {
   if (rule == ShortRead::makes_bad) {
-    readOrBad(is, bytes, in.remaining());
+    readOrBad(is, bytes, size);
   } else {
-    is.read(bytes, static_cast<std::streamsize>(in.remaining()));
+    is.read(bytes, static_cast<std::streamsize>(size));
   }
-  if (!is.good()) {
-    return false;
+  const std::size_t nil_links = hostSize(block.header.link_count);
+  Decoder in(bytes, size);
+  FileLinks links;
+  const bool taken = is.good();
+  if (taken) {
+    takeHeader(block, bytes);
+    in.skip(HeaderSection::HEADER_SIZE);
+    links = takeLinks(is, block.header.link_count, in, fields_width);
   }
-  takeHeader(block, bytes);
-  in.skip(HeaderSection::HEADER_SIZE);
-  return takeLinks(is, block, block.header.link_count, in, fields_width);
+  links.appendTo(block.links, nil_links);
+  return taken && is.good() ? in.position() : nullptr;
 }
 
-bool BlockBody::read(std::istream& is, GENERALBLOCK& block, std::size_t fields_width,
-                     LengthBits bits) {
-  return readWhole(is, block, bits) &&
-         takeLinks(is, block, block.header.link_count, in, fields_width);
+LINK FileLinks::fromEnd(std::size_t place) const {
+  return place <= count_ ? (*this)[count_ - place] : 0;
 }
 
-bool BlockBody::readWithoutLinks(std::istream& is, GENERALBLOCK& block, std::size_t fields_width,
-                                 LengthBits bits) {
-  return readWhole(is, block, bits) && takeLinks(is, block, 0, in, fields_width);
+void FileLinks::appendTo(std::vector<LINK>& list, std::size_t nil_links) const {
+  const std::size_t nil_end = list.size() + nil_links;
+  list.resize(nil_end + count_);
+  loadEachLe(bytes_, list.data() + nil_end, count_);
 }
+
+void FileLinks::fill(std::vector<LINK>& list, std::size_t count) const {
+  list.resize(count);
+  loadEachLe(bytes_, list.data(), std::min(count, count_));
+}
+
+void FileLinks::appendPartTo(std::vector<LINK>& list, std::size_t first, std::size_t count) const {
+  first = std::min(first, count_);
+  count = std::min(count, count_ - first);
+  FileLinks(bytes_ + first * sizeof(LINK), count).appendTo(list, 0);
+}
+
+BlockBody::BlockBody(std::istream& is, GENERALBLOCK& block, std::size_t fields_width,
+                     LengthBits bits, LinksInBody links_in_body) {
+  if (readWhole(is, block, bits)) {
+    const bool has_links = links_in_body == LinksInBody::as_counted;
+    links = takeLinks(is, has_links ? block.header.link_count : 0, in, fields_width);
+    readable_ = is.good();
+  }
+}
+
+BlockBody::~BlockBody() = default;
+
+template <class Number>
+void BlockBody::takeList(UINT64 count, std::vector<Number>& list) {
+  const UINT64 there = in.remaining() / sizeof(Number);
+  list.resize(static_cast<std::size_t>(std::min(count, there)));
+  loadEachLe(in.position(), list.data(), list.size());
+  in.skip(list.size() * sizeof(Number));
+}
+
+template void BlockBody::takeList(UINT64 count, std::vector<UINT8>& list);
+template void BlockBody::takeList(UINT64 count, std::vector<REAL>& list);
 
 bool BlockBody::readWhole(std::istream& is, GENERALBLOCK& block, LengthBits bits) {
   std::array<char, HeaderSection::HEADER_SIZE> header;

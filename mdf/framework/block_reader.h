@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <istream>
 #include <memory>
+#include <vector>
 
 #include "general_block.h"
 #include "types.h"
@@ -25,37 +26,79 @@ enum class ShortRead {
   left_as_read  ///< the stream's own end-of-file and fail bits stay
 };
 
-/// Reads a fixed-size block's bytes, its length, link count and links. Leaves `in` at the data
-/// section; false when there is nothing to take from it.
-bool readFixedBytes(std::istream& is, char* bytes, Decoder& in, ShortRead rule, GENERALBLOCK& block,
-                    std::size_t fields_width);
+/// Reads a fixed-size block's bytes, its length, link count and links. Returns where its data
+/// section is, or null when there is nothing to take from it.
+const char* readFixedBytes(std::istream& is, char* bytes, std::size_t size, ShortRead rule,
+                           GENERALBLOCK& block, std::size_t fields_width);
 
-/// Reads a whole fixed-size block. The links read are appended to those that the block has.
+/// Reads a whole fixed-size block. The links that the block has stay, as many nil links as its link
+/// count says follow, whether the block can be read or not, and then the links read.
 template <std::size_t Size, class Block, class Fields>
 void readFixedBlock(std::istream& is, Block& block, const Fields& fields, ShortRead rule) {
   std::array<char, Size> bytes;
-  Decoder in(bytes.data(), bytes.size());
-  if (readFixedBytes(is, bytes.data(), in, rule, block, fields.width())) {
-    fields.take(in, block);
+  if (const char* at = readFixedBytes(is, bytes.data(), Size, rule, block, fields.width())) {
+    fields.take(at, block);
   }
 }
+
+/// Links as they stand in the bytes of a block.
+class FileLinks {
+ public:
+  FileLinks() = default;
+  FileLinks(const char* bytes, std::size_t count) : bytes_(bytes), count_(count) {}
+
+  std::size_t size() const { return count_; }
+  const char* bytes() const { return bytes_; }
+  LINK operator[](std::size_t index) const { return loadLe<LINK>(bytes_ + index * sizeof(LINK)); }
+
+  /// The link at a place counted from the end, where 1 is the last one; nil where there are fewer.
+  LINK fromEnd(std::size_t place) const;
+
+  /// Appends so many nil links to a list, and then these. Takes memory once.
+  void appendTo(std::vector<LINK>& list, std::size_t nil_links) const;
+
+  /// Appends the links from one on to a list, as many as `count` says or as there are.
+  void appendPartTo(std::vector<LINK>& list, std::size_t first, std::size_t count) const;
+
+  /// Makes a list hold the first so many links, nil where there are fewer.
+  void fill(std::vector<LINK>& list, std::size_t count) const;
+
+ private:
+  const char* bytes_ = nullptr;
+  std::size_t count_ = 0;
+};
 
 /// How much of the length field says how many bytes a block has.
 enum class LengthBits { low_32, all_64 };
 
+/// Whether links stand in front of a block's data section.
+enum class LinksInBody {
+  none,       ///< the data section follows the header, whatever the link count says
+  as_counted  ///< as many as the link count says
+};
+
 /// The bytes of a variable-size block behind its header, read whole before anything is taken.
 class BlockBody {
  public:
-  /// Reads a block's header and body, and appends its links to those that the block has. Leaves
-  /// `in` at the data section; false when there is nothing to take from it.
-  bool read(std::istream& is, GENERALBLOCK& block, std::size_t fields_width, LengthBits bits);
+  /// Reads a block's header and body.
+  BlockBody(std::istream& is, GENERALBLOCK& block, std::size_t fields_width, LengthBits bits,
+            LinksInBody links_in_body = LinksInBody::as_counted);
+  ~BlockBody();
+  BlockBody(const BlockBody&) = delete;
+  BlockBody& operator=(const BlockBody&) = delete;
 
-  /// The same for a block whose data section follows its header, whatever its link count says.
-  bool readWithoutLinks(std::istream& is, GENERALBLOCK& block, std::size_t fields_width,
-                        LengthBits bits);
+  /// Whether there is something to take. If so `in` is at the data section.
+  bool isReadable() const { return readable_; }
+
+  /// Takes a list of bytes or reals: as many as `count` says or as there are.
+  template <class Number>
+  void takeList(UINT64 count, std::vector<Number>& list);
 
   /// What has not been taken yet. It points into this object.
   Decoder in{nullptr, 0};
+
+  /// The links that the block says it has. They point into this object, too.
+  FileLinks links;
 
  private:
   bool readWhole(std::istream& is, GENERALBLOCK& block, LengthBits bits);
@@ -65,6 +108,7 @@ class BlockBody {
   /// Bodies of fixed fields and a few links need no memory from the heap.
   std::array<char, 512> small_;
   std::unique_ptr<char[]> large_;
+  bool readable_ = false;
 };
 
 }  // namespace mdf_v4_10::detail

@@ -6,6 +6,7 @@
 #include <iosfwd>
 #include <vector>
 
+#include "general_block.h"
 #include "header_section.h"
 #include "types.h"
 #include "wire.h"
@@ -19,34 +20,30 @@ class BlockWriter {
  public:
   explicit BlockWriter(std::ostream& os) : os_(os) {}
 
+  /// The header as it is stored.
   void header(const HeaderSection& header) {
-    Encoder out = room(HeaderSection::HEADER_SIZE);
-    header.encode(out);
+    this->header(header, header.length, header.link_count);
   }
 
   /// The header with another length, for blocks whose length follows their contents.
-  void header(HeaderSection header, UINT64 length) {
-    header.setLength(length);
-    this->header(header);
+  void header(const HeaderSection& header, UINT64 length) {
+    this->header(header, length, header.link_count);
   }
 
   /// The header with another length and link count.
-  void header(HeaderSection header, UINT64 length, UINT64 link_count) {
-    header.setLinkCount(link_count);
-    this->header(header, length);
-  }
+  void header(const HeaderSection& header, UINT64 length, UINT64 link_count);
+
+  /// The header and the links as they are stored.
+  void headerAndLinks(const GENERALBLOCK& block);
 
   template <class Number>
   void number(Number value) {
-    room(sizeof value).put(value);
+    storeLe(room(sizeof value), value);
   }
 
+  /// Links or reals.
   template <class Number>
-  void numbers(const std::vector<Number>& values) {
-    for (const Number value : values) {
-      number(value);
-    }
-  }
+  void numbers(const std::vector<Number>& values);
 
   template <class Fields, class Block>
   void fields(const Fields& fields, const Block& block) {
@@ -62,14 +59,8 @@ class BlockWriter {
  private:
   static constexpr std::size_t frame_size = 1024;
 
-  Encoder room(std::size_t count) {
-    if (count > frame_size - used_) {
-      finish();
-    }
-    Encoder out(frame_.data() + used_);
-    used_ += count;
-    return out;
-  }
+  /// Where so many bytes are to be put.
+  char* room(std::size_t count);
 
   std::ostream& os_;
   std::size_t used_ = 0;
@@ -81,8 +72,7 @@ class BlockWriter {
 template <class Block, class Fields>
 std::ostream& writeStoredBlock(std::ostream& os, const Block& block, const Fields& fields) {
   BlockWriter out(os);
-  out.header(block.header);
-  out.numbers(block.links);
+  out.headerAndLinks(block);
   out.fields(fields, block);
   return out.finish();
 }

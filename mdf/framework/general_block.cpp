@@ -10,6 +10,13 @@ GENERALBLOCK::GENERALBLOCK(std::uint16_t id, UINT64 length, UINT64 linkCount)
   header.link_count = linkCount;
 }
 
+GENERALBLOCK::GENERALBLOCK(std::uint16_t id, UINT64 length, UINT64 linkCount,
+                           LinksFollow /*no_links_yet*/)
+    : header(MDF_Block_ID(id)) {
+  header.length = length;
+  header.link_count = linkCount;
+}
+
 LINK GENERALBLOCK::seekg(std::ifstream& ifs, LINK offs) const {
   ifs.seekg(static_cast<std::streamoff>(offs), std::ios_base::beg);
   return offs;

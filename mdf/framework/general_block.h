@@ -38,6 +38,11 @@ class GENERALBLOCK {
   std::uint8_t m_pad = 0;
 
  protected:
+  /// For a constructor from a stream: a block that says that it has `linkCount` nil links, and that
+  /// gets them together with the links that are read, so that memory is taken once.
+  struct LinksFollow {};
+  GENERALBLOCK(std::uint16_t id, UINT64 length, UINT64 linkCount, LinksFollow);
+
   /// Positions the stream at an absolute offset and returns the offset. A nil link is no special
   /// case: it leads to offset 0. Success or failure is in the stream's state.
   LINK seekg(std::ifstream& ifs, LINK offs) const;

@@ -13,13 +13,6 @@ void HeaderSection::readFromByteArray(const std::uint8_t* pdata) {
   in.take(link_count);
 }
 
-void HeaderSection::encode(detail::Encoder& out) const {
-  out.put(mdfID.idInternal);
-  out.put(reserved);
-  out.put(length);
-  out.put(link_count);
-}
-
 void HeaderSection::print(std::ostream& os) const {
   std::array<char, sizeof mdfID.idInternal> id_bytes;
   detail::storeLe(id_bytes.data(), mdfID.idInternal);
@@ -33,8 +26,7 @@ void HeaderSection::print(std::ostream& os) const {
 
 std::ostream& operator<<(std::ostream& os, const HeaderSection& header) {
   std::array<char, HeaderSection::HEADER_SIZE> bytes;
-  detail::Encoder out(bytes.data());
-  header.encode(out);
+  header.encode(bytes.data(), header.length, header.link_count);
   return os.write(bytes.data(), bytes.size());
 }
 

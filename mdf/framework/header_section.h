@@ -39,8 +39,14 @@ class HeaderSection {
   /// whatever the file held.
   void readFromByteArray(const std::uint8_t* pdata);
 
-  /// Puts the 24 bytes of the header.
-  void encode(detail::Encoder& out) const;
+  /// Puts the 24 bytes of the header, with this length and link count in them.
+  void encode(char* at, UINT64 length_there, UINT64 link_count_there) const {
+    detail::Encoder out(at);
+    out.put(mdfID.idInternal);
+    out.put(reserved);
+    out.put(length_there);
+    out.put(link_count_there);
+  }
 
   void print(std::ostream& os) const;
 

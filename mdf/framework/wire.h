@@ -67,22 +67,49 @@ Number loadLe(const char* at) {
   return value;
 }
 
+template <class Number>
+void loadLe(const char* at, Number& value) {
+  value = loadLe<Number>(at);
+}
+
+/// Bytes have no order to change.
+template <class Byte, std::size_t Count>
+void storeLe(char* at, const std::array<Byte, Count>& bytes) {
+  static_assert(sizeof(Byte) == 1);
+  std::memcpy(at, bytes.data(), Count);
+}
+
+template <class Byte, std::size_t Count>
+void loadLe(const char* at, std::array<Byte, Count>& bytes) {
+  static_assert(sizeof(Byte) == 1);
+  std::memcpy(bytes.data(), at, Count);
+}
+
+/// Loads numbers that were stored one behind the other. Of none, either pointer may be null.
+template <class Number>
+void loadEachLe(const char* at, Number* numbers, std::size_t count) {
+  if (count == 0) {
+    return;
+  }
+  if constexpr (!host_is_big_endian) {
+    std::memcpy(numbers, at, count * sizeof(Number));
+  } else {
+    for (std::size_t i = 0; i < count; ++i) {
+      loadLe(at + i * sizeof(Number), numbers[i]);
+    }
+  }
+}
+
 /// Puts values one behind the other. Whoever makes an encoder has seen to it that there is room.
 class Encoder {
  public:
   explicit Encoder(char* at) : at_(at) {}
 
-  template <class Number>
-  void put(Number value) {
+  /// A number or an array of bytes.
+  template <class Value>
+  void put(const Value& value) {
     storeLe(at_, value);
-    at_ += sizeof(Number);
-  }
-
-  template <class Byte, std::size_t Count>
-  void put(const std::array<Byte, Count>& bytes) {
-    static_assert(sizeof(Byte) == 1);
-    std::memcpy(at_, bytes.data(), Count);
-    at_ += Count;
+    at_ += sizeof(Value);
   }
 
  private:
@@ -99,17 +126,11 @@ class Decoder {
   const char* position() const { return at_; }
   void skip(std::size_t count) { at_ += count; }
 
-  template <class Number>
-  void take(Number& value) {
-    value = loadLe<Number>(at_);
-    at_ += sizeof(Number);
-  }
-
-  template <class Byte, std::size_t Count>
-  void take(std::array<Byte, Count>& bytes) {
-    static_assert(sizeof(Byte) == 1);
-    std::memcpy(bytes.data(), at_, Count);
-    at_ += Count;
+  /// A number or an array of bytes.
+  template <class Value>
+  void take(Value& value) {
+    loadLe(at_, value);
+    at_ += sizeof(Value);
   }
 
  private:

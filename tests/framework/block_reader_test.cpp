@@ -17,6 +17,7 @@ using namespace mdf_tests;
 using namespace mdf_v4_10;
 using detail::BlockBody;
 using detail::LengthBits;
+using detail::LinksInBody;
 using detail::ShortRead;
 
 namespace {
@@ -32,8 +33,8 @@ struct Sample : GENERALBLOCK {
   UINT32 other = 0;
 };
 
-constexpr auto sample_fields = detail::fieldList(detail::field("number", &Sample::number),
-                                                 detail::field("other", &Sample::other));
+constexpr auto sample_fields = detail::fieldList(detail::field<&Sample::number>("number"),
+                                                 detail::field<&Sample::other>("other"));
 
 std::string sampleBytes(std::uint64_t link_count) {
   return Bytes().header("??", 0x1234, link_count).links({11, 12}).u16(0x0102).u32(0x03040506);
@@ -71,6 +72,28 @@ TEST(ReadFixedBlock, AppendsToTheLinksThatTheBlockHas) {
   block.links = {0, 7};
   detail::readFixedBlock<Sample::size>(is, block, sample_fields, ShortRead::makes_bad);
   EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 7, 11, 12}));
+}
+
+TEST(ReadFixedBlock, NilLinksAsManyAsTheBlockCountsStandInFront) {
+  const struct {
+    std::string bytes;
+    std::vector<LINK> links;
+  } cases[] = {{sampleBytes(2), {0, 0, 0, 11, 12}},
+               {sampleBytes(0), {0, 0, 0}},
+               {sampleBytes(3), {0, 0, 0}},
+               {sampleBytes(2).substr(0, 45), {0, 0, 0}},
+               {"", {0, 0, 0}}};
+  for (const auto& [bytes, links] : cases) {
+    SCOPED_TRACE(bytes.size());
+    std::istringstream is(bytes);
+    Sample block;
+    block.header.link_count = 3;
+    const AllocationMeter meter;
+    detail::readFixedBlock<Sample::size>(is, block, sample_fields, ShortRead::left_as_read);
+    const std::size_t allocations = meter.count();
+    EXPECT_EQ(linksOf(block), links);
+    EXPECT_EQ(allocations, 1U);
+  }
 }
 
 TEST(ReadFixedBlock, FieldsFollowTheLastLink) {
@@ -141,7 +164,9 @@ std::string distinctBytes(std::size_t count) {
 struct VariableBlock {
   explicit VariableBlock(std::istream& is, std::size_t fields_width = 0,
                          LengthBits bits = LengthBits::all_64)
-      : taken(body.read(is, base, fields_width, bits)) {}
+      : body(is, base, fields_width, bits), taken(body.isReadable()) {
+    body.links.appendTo(base.links, 0);
+  }
 
   std::string rest() const { return {body.in.position(), body.in.remaining()}; }
 
@@ -269,12 +294,81 @@ TEST(BlockBody, TakesTheLinksAndStopsAtTheFields) {
   EXPECT_EQ(block.rest(), "fields");
 }
 
-TEST(BlockBody, AppendsToTheLinksThatTheBlockHas) {
-  std::istringstream is(Bytes().header("??", 24 + 8, 1).i64(11));
-  GENERALBLOCK base(0x5958, 0, 2);
-  BlockBody body;
-  EXPECT_TRUE(body.read(is, base, 0, LengthBits::all_64));
-  EXPECT_EQ(linksOf(base), (std::vector<LINK>{0, 0, 11}));
+std::string threeLinks() { return Bytes().links({11, -12, 13}); }
+
+TEST(FileLinks, AreAppendedToAListBehindNilOnes) {
+  const std::string bytes = threeLinks();
+  const detail::FileLinks links(bytes.data(), 3);
+  std::vector<LINK> list{7};
+  const AllocationMeter meter;
+  links.appendTo(list, 2);
+  const std::size_t allocations = meter.count();
+  EXPECT_EQ(list, (std::vector<LINK>{7, 0, 0, 11, -12, 13}));
+  EXPECT_EQ(allocations, 1U);
+  detail::FileLinks().appendTo(list, 0);
+  EXPECT_EQ(list.size(), 6U);
+  detail::FileLinks().appendTo(list, 1);
+  EXPECT_EQ(list, (std::vector<LINK>{7, 0, 0, 11, -12, 13, 0}));
+}
+
+TEST(FileLinks, APartEndsWhereTheLinksEnd) {
+  const std::string bytes = threeLinks();
+  const detail::FileLinks links(bytes.data(), 3);
+  const struct {
+    std::size_t first;
+    std::size_t count;
+    std::vector<LINK> part;
+  } cases[] = {{0, 0, {}},           {0, 2, {11, -12}}, {1, 1, {-12}}, {1, SIZE_MAX, {-12, 13}},
+               {2, 2, {13}},         {3, 1, {}},        {4, 1, {}},    {SIZE_MAX, SIZE_MAX, {}},
+               {0, 4, {11, -12, 13}}};
+  for (const auto& [first, count, part] : cases) {
+    SCOPED_TRACE(std::to_string(first) + " " + std::to_string(count));
+    std::vector<LINK> list;
+    links.appendPartTo(list, first, count);
+    EXPECT_EQ(list, part);
+  }
+}
+
+TEST(FileLinks, FillAListOfAnyLength) {
+  const std::string bytes = threeLinks();
+  const detail::FileLinks links(bytes.data(), 3);
+  std::vector<LINK> list;
+  links.fill(list, 2);
+  EXPECT_EQ(list, (std::vector<LINK>{11, -12}));
+  links.fill(list, 5);
+  EXPECT_EQ(list, (std::vector<LINK>{11, -12, 13, 0, 0}));
+  links.fill(list, 0);
+  EXPECT_TRUE(list.empty());
+}
+
+TEST(FileLinks, AreCountedFromTheEndAndNilBeforeTheFirst) {
+  const std::string bytes = threeLinks();
+  const detail::FileLinks links(bytes.data(), 3);
+  EXPECT_EQ(links.fromEnd(1), 13);
+  EXPECT_EQ(links.fromEnd(3), 11);
+  EXPECT_EQ(links.fromEnd(4), 0);
+  EXPECT_EQ(detail::FileLinks().fromEnd(1), 0);
+}
+
+TEST(BlockBody, TakesAsMuchOfAListAsThereIs) {
+  const struct {
+    std::uint64_t count;
+    std::vector<REAL> reals;
+    std::string rest;
+  } cases[] = {{0, {}, std::string(Bytes().f64(0.5).f64(-2).text("end"))},
+               {1, {0.5}, std::string(Bytes().f64(-2).text("end"))},
+               {2, {0.5, -2}, "end"},
+               {3, {0.5, -2}, "end"},
+               {UINT64_MAX, {0.5, -2}, "end"}};
+  for (const auto& [count, reals, rest] : cases) {
+    SCOPED_TRACE(count);
+    std::istringstream is(Bytes().header("??", 24 + 19, 0).f64(0.5).f64(-2).text("end"));
+    VariableBlock block(is);
+    std::vector<REAL> list;
+    block.body.takeList(count, list);
+    EXPECT_EQ(list, reals);
+    EXPECT_BYTES(block.rest(), rest);
+  }
 }
 
 TEST(BlockBody, LinksAndFieldsThatDoNotFitMakeTheStreamExactlyBad) {
@@ -316,8 +410,8 @@ TEST(BlockBody, WithoutLinksTheFieldsFollowTheHeader) {
     SCOPED_TRACE(link_count);
     std::istringstream is(Bytes().header("??", 24 + 10, link_count).text("fieldsrest"));
     GENERALBLOCK base(0x5958);
-    BlockBody body;
-    ASSERT_TRUE(body.readWithoutLinks(is, base, 6, LengthBits::all_64));
+    BlockBody body(is, base, 6, LengthBits::all_64, LinksInBody::none);
+    ASSERT_TRUE(body.isReadable());
     EXPECT_EQ(is.rdstate(), state_good);
     EXPECT_BYTES(written(base.header), Bytes().header("XY", 24 + 10, link_count));
     EXPECT_TRUE(base.links.empty());
@@ -334,8 +428,8 @@ TEST(BlockBody, WithoutLinksTheFieldsMustFit) {
     SCOPED_TRACE(length);
     std::istringstream is(Bytes().header("??", length, 0).text("fieldsrest"));
     GENERALBLOCK base(0x5958);
-    BlockBody body;
-    EXPECT_FALSE(body.readWithoutLinks(is, base, 6, LengthBits::all_64));
+    const BlockBody body(is, base, 6, LengthBits::all_64, LinksInBody::none);
+    EXPECT_FALSE(body.isReadable());
     EXPECT_EQ(is.rdstate(), state);
     EXPECT_BYTES(written(base.header), Bytes().header("XY", length, 0));
   }

@@ -28,11 +28,11 @@ struct Section {
 };
 
 constexpr auto section_fields = detail::fieldList(
-    detail::field("number", &Section::number), detail::countOf<UINT8>("list_count", &Section::list),
-    detail::field("offset", &Section::offset), detail::reserved("reserved", &Section::reserved),
-    detail::field("text", &Section::text), detail::countOf<UINT32>("byte_count", &Section::bytes),
-    detail::reserved("reserved_number", &Section::reserved_number),
-    detail::field("real", &Section::real), detail::field("link", &Section::link));
+    detail::field<&Section::number>("number"), detail::countOf<UINT8, &Section::list>("list_count"),
+    detail::field<&Section::offset>("offset"), detail::reserved<&Section::reserved>("reserved"),
+    detail::field<&Section::text>("text"), detail::countOf<UINT32, &Section::bytes>("byte_count"),
+    detail::reserved<&Section::reserved_number>("reserved_number"),
+    detail::field<&Section::real>("real"), detail::field<&Section::link>("link"));
 
 static_assert(section_fields.width() == 1 + 1 + 2 + 5 + 3 + 4 + 4 + 8 + 8);
 static_assert(detail::fieldList().width() == 0);
@@ -69,7 +69,7 @@ std::string distinctBytes() {
 
 std::string put(const Section& section) {
   std::array<char, section_fields.width()> bytes;
-  section_fields.put(detail::Encoder(bytes.data()), section);
+  section_fields.put(bytes.data(), section);
   return {bytes.data(), bytes.size()};
 }
 
