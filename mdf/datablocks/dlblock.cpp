@@ -53,7 +53,7 @@ DLBLOCK::DLBLOCK(bool _equalLength, LINK _dlNext)
 // The nil link stays in front of the links read.
 DLBLOCK::DLBLOCK(std::istream& is)
     : GENERALBLOCK(MDF_DL_ID, DLBLOCK_CONSTANT_SIZE, own_link_count, LinksFollow()) {
-  detail::BlockBody body(is, *this, dlblock_fields.width(), detail::LengthBits::all_64);
+  detail::BlockBody body(is, *this, dlblock_fields.width(), detail::BodyForm::all_64);
   if (body.isReadable()) {
     const auto [count] = dlblock_fields.take(body.in, *this);
     takePairs(*this, is, body, count);

@@ -16,8 +16,7 @@ DZBLOCK::DZBLOCK(std::uint16_t _org_block_type, DZ_ZIPTYPE_t _zipType, const std
 }
 
 DZBLOCK::DZBLOCK(std::istream& is) : GENERALBLOCK(MDF_DZ_ID, DZBLOCK_CONSTANT_SIZE, 0) {
-  detail::BlockBody body(is, *this, dzblock_fields.width(), detail::LengthBits::all_64,
-                         detail::LinksInBody::none);
+  detail::BlockBody body(is, *this, dzblock_fields.width(), detail::BodyForm::without_links);
   if (!body.isReadable()) {
     return;
   }

@@ -27,7 +27,7 @@ CCBLOCK::CCBLOCK(MDF_CC_TYPE_t _type) : CCBLOCK() {
 }
 
 CCBLOCK::CCBLOCK(std::istream& is) : CCBLOCK() {
-  detail::BlockBody body(is, *this, ccblock_fields.width(), detail::LengthBits::low_32);
+  detail::BlockBody body(is, *this, ccblock_fields.width(), detail::BodyForm::low_32);
   if (!body.isReadable()) {
     return;
   }
@@ -36,7 +36,7 @@ CCBLOCK::CCBLOCK(std::istream& is) : CCBLOCK() {
   // The references are the links behind the fixed ones, as many as the count says. Links beyond it
   // are dropped; deliberate.
   body.links.appendPartTo(cc_refs, fixed_link_count, detail::hostSize(reference_count));
-  body.takeList(value_count, cc_vals);
+  body.takeList(detail::hostSize(value_count), cc_vals);
 }
 
 std::uint64_t CCBLOCK::getSize() const {

@@ -44,7 +44,7 @@ CNBLOCK::CNBLOCK(MDF_CN_CHANNELTYPE_t _channelType, MDF_CN_SYNCTYPE_t _syncType,
 }
 
 CNBLOCK::CNBLOCK(std::istream& is) : CNBLOCK() {
-  detail::BlockBody body(is, *this, cnblock_fields.width(), detail::LengthBits::low_32);
+  detail::BlockBody body(is, *this, cnblock_fields.width(), detail::BodyForm::low_32);
   if (!body.isReadable()) {
     return;
   }

@@ -18,13 +18,13 @@ ATBLOCK::ATBLOCK(const char* _data, std::size_t _ndata) : GENERALBLOCK(MDF_AT_ID
 
 ATBLOCK::ATBLOCK(std::istream& is) : ATBLOCK() {
   header.setLength(0);
-  detail::BlockBody body(is, *this, atblock_fields.width(), detail::LengthBits::all_64);
+  detail::BlockBody body(is, *this, atblock_fields.width(), detail::BodyForm::all_64);
   if (!body.isReadable()) {
     return;
   }
   const auto [embedded_size] = atblock_fields.take(body.in, *this);
   body.links.appendTo(links, 0);
-  body.takeList(embedded_size, at_embedded_data);
+  body.takeList(detail::hostSize(embedded_size), at_embedded_data);
 }
 
 void ATBLOCK::setup(const char* _data, std::size_t _ndata) {

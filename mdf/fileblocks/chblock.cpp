@@ -39,7 +39,7 @@ CHBLOCK::CHBLOCK(MDF_CH_TYPE_t type)
 }
 
 CHBLOCK::CHBLOCK(std::istream& is) : GENERALBLOCK(MDF_CH_ID) {
-  detail::BlockBody body(is, *this, chblock_fields.width(), detail::LengthBits::low_32);
+  detail::BlockBody body(is, *this, chblock_fields.width(), detail::BodyForm::low_32);
   if (!body.isReadable()) {
     return;
   }

@@ -29,7 +29,7 @@ EVBLOCK::EVBLOCK(MDF_EV_TYPE_t type, MDF_EV_SYNCTYPE_t syncType, MDF_EV_RANGETYP
 }
 
 EVBLOCK::EVBLOCK(std::istream& is) : EVBLOCK(UINT64{0}) {
-  detail::BlockBody body(is, *this, evblock_fields.width(), detail::LengthBits::low_32);
+  detail::BlockBody body(is, *this, evblock_fields.width(), detail::BodyForm::low_32);
   if (!body.isReadable()) {
     return;
   }

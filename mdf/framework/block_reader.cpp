@@ -76,16 +76,16 @@ void FileLinks::fill(std::vector<LINK>& list, std::size_t count) const {
 }
 
 void FileLinks::appendPartTo(std::vector<LINK>& list, std::size_t first, std::size_t count) const {
-  first = std::min(first, count_);
-  count = std::min(count, count_ - first);
-  FileLinks(bytes_ + first * sizeof(LINK), count).appendTo(list, 0);
+  if (first < count_ && count != 0) {
+    FileLinks(bytes_ + first * sizeof(LINK), std::min(count, count_ - first)).appendTo(list, 0);
+  }
 }
 
 BlockBody::BlockBody(std::istream& is, GENERALBLOCK& block, std::size_t fields_width,
-                     LengthBits bits, LinksInBody links_in_body) {
-  if (readWhole(is, block, bits)) {
-    const bool has_links = links_in_body == LinksInBody::as_counted;
-    links = takeLinks(is, has_links ? block.header.link_count : 0, in, fields_width);
+                     BodyForm form) {
+  if (readWhole(is, block, form)) {
+    const UINT64 link_count = form == BodyForm::without_links ? 0 : block.header.link_count;
+    links = takeLinks(is, link_count, in, fields_width);
     readable_ = is.good();
   }
 }
@@ -93,17 +93,16 @@ BlockBody::BlockBody(std::istream& is, GENERALBLOCK& block, std::size_t fields_w
 BlockBody::~BlockBody() = default;
 
 template <class Number>
-void BlockBody::takeList(UINT64 count, std::vector<Number>& list) {
-  const UINT64 there = in.remaining() / sizeof(Number);
-  list.resize(static_cast<std::size_t>(std::min(count, there)));
+void BlockBody::takeList(std::size_t count, std::vector<Number>& list) {
+  list.resize(std::min(count, in.remaining() / sizeof(Number)));
   loadEachLe(in.position(), list.data(), list.size());
   in.skip(list.size() * sizeof(Number));
 }
 
-template void BlockBody::takeList(UINT64 count, std::vector<UINT8>& list);
-template void BlockBody::takeList(UINT64 count, std::vector<REAL>& list);
+template void BlockBody::takeList(std::size_t count, std::vector<UINT8>& list);
+template void BlockBody::takeList(std::size_t count, std::vector<REAL>& list);
 
-bool BlockBody::readWhole(std::istream& is, GENERALBLOCK& block, LengthBits bits) {
+bool BlockBody::readWhole(std::istream& is, GENERALBLOCK& block, BodyForm form) {
   std::array<char, HeaderSection::HEADER_SIZE> header;
   is.read(header.data(), header.size());
   if (!is.good()) {
@@ -111,7 +110,7 @@ bool BlockBody::readWhole(std::istream& is, GENERALBLOCK& block, LengthBits bits
   }
   takeHeader(block, header.data());
   const UINT64 length =
-      bits == LengthBits::low_32 ? static_cast<UINT32>(block.header.length) : block.header.length;
+      form == BodyForm::low_32 ? static_cast<UINT32>(block.header.length) : block.header.length;
   if (length < HeaderSection::HEADER_SIZE) {
     is.clear(std::ios_base::badbit);
     return false;

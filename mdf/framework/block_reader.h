@@ -68,21 +68,18 @@ class FileLinks {
   std::size_t count_ = 0;
 };
 
-/// How much of the length field says how many bytes a block has.
-enum class LengthBits { low_32, all_64 };
-
-/// Whether links stand in front of a block's data section.
-enum class LinksInBody {
-  none,       ///< the data section follows the header, whatever the link count says
-  as_counted  ///< as many as the link count says
+/// How many bits of its length a block's reader goes by, and what its body begins with.
+enum class BodyForm {
+  low_32,         ///< the low 32 bits, and the links
+  all_64,         ///< the whole length, and the links
+  without_links,  ///< the whole length, and the data section, whatever the link count says
 };
 
 /// The bytes of a variable-size block behind its header, read whole before anything is taken.
 class BlockBody {
  public:
   /// Reads a block's header and body.
-  BlockBody(std::istream& is, GENERALBLOCK& block, std::size_t fields_width, LengthBits bits,
-            LinksInBody links_in_body = LinksInBody::as_counted);
+  BlockBody(std::istream& is, GENERALBLOCK& block, std::size_t fields_width, BodyForm form);
   ~BlockBody();
   BlockBody(const BlockBody&) = delete;
   BlockBody& operator=(const BlockBody&) = delete;
@@ -92,7 +89,7 @@ class BlockBody {
 
   /// Takes a list of bytes or reals: as many as `count` says or as there are.
   template <class Number>
-  void takeList(UINT64 count, std::vector<Number>& list);
+  void takeList(std::size_t count, std::vector<Number>& list);
 
   /// What has not been taken yet. It points into this object.
   Decoder in{nullptr, 0};
@@ -101,14 +98,14 @@ class BlockBody {
   FileLinks links;
 
  private:
-  bool readWhole(std::istream& is, GENERALBLOCK& block, LengthBits bits);
+  bool readWhole(std::istream& is, GENERALBLOCK& block, BodyForm form);
   bool readBytes(std::istream& is, UINT64 count);
   bool readPieces(std::istream& is, UINT64 count);
 
+  bool readable_ = false;
+  std::unique_ptr<char[]> large_;
   /// Bodies of fixed fields and a few links need no memory from the heap.
   std::array<char, 512> small_;
-  std::unique_ptr<char[]> large_;
-  bool readable_ = false;
 };
 
 }  // namespace mdf_v4_10::detail

@@ -16,8 +16,7 @@
 using namespace mdf_tests;
 using namespace mdf_v4_10;
 using detail::BlockBody;
-using detail::LengthBits;
-using detail::LinksInBody;
+using detail::BodyForm;
 using detail::ShortRead;
 
 namespace {
@@ -163,8 +162,8 @@ std::string distinctBytes(std::size_t count) {
 /// A block's body together with the base that its header and links go to.
 struct VariableBlock {
   explicit VariableBlock(std::istream& is, std::size_t fields_width = 0,
-                         LengthBits bits = LengthBits::all_64)
-      : body(is, base, fields_width, bits), taken(body.isReadable()) {
+                         BodyForm form = BodyForm::all_64)
+      : body(is, base, fields_width, form), taken(body.isReadable()) {
     body.links.appendTo(base.links, 0);
   }
 
@@ -236,11 +235,11 @@ TEST(BlockBody, StreamCutInTheHeaderLeavesTheBlockAsItWas) {
 }
 
 TEST(BlockBody, LengthBelowTheHeadersMakesTheStreamExactlyBad) {
-  for (const LengthBits bits : {LengthBits::low_32, LengthBits::all_64}) {
+  for (const BodyForm form : {BodyForm::low_32, BodyForm::all_64}) {
     for (const std::uint64_t length : {0U, 1U, 23U}) {
       SCOPED_TRACE(length);
       std::istringstream is(Bytes().header("??", length, 1).zeros(100));
-      const VariableBlock block(is, 0, bits);
+      const VariableBlock block(is, 0, form);
       EXPECT_FALSE(block.taken);
       EXPECT_EQ(is.rdstate(), state_bad);
       EXPECT_BYTES(written(block.base.header), Bytes().header("XY", length, 1));
@@ -252,14 +251,14 @@ TEST(BlockBody, LengthBelowTheHeadersMakesTheStreamExactlyBad) {
 TEST(BlockBody, OnlyTheLowBitsOfALengthMayCount) {
   const std::uint64_t high = std::uint64_t{0xFFFFFFFF} << 32U;
   std::istringstream is(Bytes().header("??", high + 30, 0).text("abcdefgh"));
-  const VariableBlock block(is, 0, LengthBits::low_32);
+  const VariableBlock block(is, 0, BodyForm::low_32);
   EXPECT_TRUE(block.taken);
   EXPECT_EQ(is.rdstate(), state_good);
   EXPECT_EQ(block.rest(), "abcdef");
   EXPECT_EQ(block.base.header.length, high + 30);
 
   std::istringstream low_bits_too_small(Bytes().header("??", high + 23, 0).zeros(100));
-  EXPECT_FALSE(VariableBlock(low_bits_too_small, 0, LengthBits::low_32).taken);
+  EXPECT_FALSE(VariableBlock(low_bits_too_small, 0, BodyForm::low_32).taken);
   EXPECT_EQ(low_bits_too_small.rdstate(), state_bad);
 }
 
@@ -410,7 +409,7 @@ TEST(BlockBody, WithoutLinksTheFieldsFollowTheHeader) {
     SCOPED_TRACE(link_count);
     std::istringstream is(Bytes().header("??", 24 + 10, link_count).text("fieldsrest"));
     GENERALBLOCK base(0x5958);
-    BlockBody body(is, base, 6, LengthBits::all_64, LinksInBody::none);
+    BlockBody body(is, base, 6, BodyForm::without_links);
     ASSERT_TRUE(body.isReadable());
     EXPECT_EQ(is.rdstate(), state_good);
     EXPECT_BYTES(written(base.header), Bytes().header("XY", 24 + 10, link_count));
@@ -428,7 +427,7 @@ TEST(BlockBody, WithoutLinksTheFieldsMustFit) {
     SCOPED_TRACE(length);
     std::istringstream is(Bytes().header("??", length, 0).text("fieldsrest"));
     GENERALBLOCK base(0x5958);
-    const BlockBody body(is, base, 6, LengthBits::all_64, LinksInBody::none);
+    const BlockBody body(is, base, 6, BodyForm::without_links);
     EXPECT_FALSE(body.isReadable());
     EXPECT_EQ(is.rdstate(), state);
     EXPECT_BYTES(written(base.header), Bytes().header("XY", length, 0));
