@@ -100,19 +100,16 @@ void DLBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const DLBLOCK& dlb) {
-  detail::BlockWriter out(os);
-  out.header(dlb.header, dlb.getSize(), UINT64{dlb.dl_data.size()} + 1);
+  detail::Frame frame;
+  detail::BlockWriter out(os, frame);
+  out.header(dlb.header, dlb.getSize(), dlb.dl_data.size() + 1);
   out.numbers(dlb.links);
-  for (const auto& pair : dlb.dl_data) {
-    out.number(pair.first);
-  }
+  out.column(dlb.dl_data, &std::pair<LINK, UINT64>::first);
   out.fields(dlblock_fields, dlb);
   if (dlb.isEqualLengthFlag()) {
     out.fields(dlblock_equal_length_fields, dlb);
   } else {
-    for (const auto& pair : dlb.dl_data) {
-      out.number(pair.second);
-    }
+    out.column(dlb.dl_data, &std::pair<LINK, UINT64>::second);
   }
   return out.finish();
 }

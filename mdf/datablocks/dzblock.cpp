@@ -42,7 +42,8 @@ void DZBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const DZBLOCK& dzb) {
-  detail::BlockWriter out(os);
+  detail::Frame frame;
+  detail::BlockWriter out(os, frame);
   out.header(dzb.header, dzb.getSize(), 0);
   out.fields(dzblock_fields, dzb);
   out.bytes(dzb.dz_data);

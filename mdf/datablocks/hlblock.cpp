@@ -27,7 +27,8 @@ void HLBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const HLBLOCK& hlb) {
-  detail::BlockWriter out(os);
+  detail::Frame frame;
+  detail::BlockWriter out(os, frame);
   // The link is written but not announced; deliberate.
   out.header(hlb.header, HLBLOCK::HLBLOCK_SIZE, 0);
   out.numbers(hlb.links);

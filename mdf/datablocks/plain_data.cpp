@@ -36,7 +36,8 @@ void readPlainData(std::istream& is, HeaderSection& header, std::vector<UINT8>& 
 
 std::ostream& writePlainData(std::ostream& os, const HeaderSection& header,
                              const std::vector<UINT8>& data) {
-  BlockWriter out(os);
+  Frame frame;
+  BlockWriter out(os, frame);
   out.header(header, plainDataSize(data));
   out.bytes(data);
   return out.finish();

@@ -72,7 +72,8 @@ void CCBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const CCBLOCK& ccb) {
-  detail::BlockWriter out(os);
+  detail::Frame frame;
+  detail::BlockWriter out(os, frame);
   out.header(ccb.header, ccb.getSize(), linkCount(ccb));
   out.numbers(ccb.links);
   out.numbers(ccb.cc_refs);

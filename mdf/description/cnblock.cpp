@@ -178,7 +178,8 @@ void CNBLOCK::printFlags(detail::Dump& dump) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const CNBLOCK& cnb) {
-  detail::BlockWriter out(os);
+  detail::Frame frame;
+  detail::BlockWriter out(os, frame);
   const std::size_t link_count = fixed_link_count + additionalLinkCount(cnb);
   out.header(cnb.header, detail::sizeWithLinks(link_count, cnblock_fields), link_count);
   out.numbers(cnb.links);

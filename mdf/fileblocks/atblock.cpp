@@ -73,7 +73,8 @@ void ATBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const ATBLOCK& atb) {
-  detail::BlockWriter out(os);
+  detail::Frame frame;
+  detail::BlockWriter out(os, frame);
   out.header(atb.header, atb.getSize());
   out.numbers(atb.links);
   out.fields(atblock_fields, atb);

@@ -140,14 +140,13 @@ void CHBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const CHBLOCK& chb) {
-  detail::BlockWriter out(os);
+  detail::Frame frame;
+  detail::BlockWriter out(os, frame);
   // One link is counted for each element, although three are written; deliberate.
   out.header(chb.header, chb.getSize(),
              static_cast<UINT32>(chb.channels.size() + fixed_link_count));
   out.numbers(chb.links);
-  for (const CHBLOCK::CHBLOCK_CHANNEL_t& element : chb.channels) {
-    out.fields(element_links, element);
-  }
+  out.entries(element_links, chb.channels);
   out.fields(chblock_fields, chb);
   return out.finish();
 }

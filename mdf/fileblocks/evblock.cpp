@@ -74,7 +74,8 @@ void EVBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const EVBLOCK& evb) {
-  detail::BlockWriter out(os);
+  detail::Frame frame;
+  detail::BlockWriter out(os, frame);
   const std::size_t link_count = fixed_link_count + additionalLinkCount(evb);
   out.header(evb.header, detail::sizeWithLinks(link_count, evblock_fields), link_count);
   out.numbers(evb.links);

@@ -44,7 +44,8 @@ std::string IDBLOCK::getVers() const { return {id_vers.data(), id_vers.size()}; 
 std::string IDBLOCK::getProg() const { return {id_prog.data(), id_prog.size()}; }
 
 std::ostream& operator<<(std::ostream& os, const IDBLOCK& idb) {
-  detail::BlockWriter out(os);
+  detail::Frame frame;
+  detail::BlockWriter out(os, frame);
   out.fields(idblock_fields, idb);
   return out.finish();
 }

@@ -51,7 +51,8 @@ void readText(std::istream& is, HeaderSection& header, std::vector<UINT8>& data)
 
 std::ostream& writeText(std::ostream& os, const HeaderSection& header,
                         const std::vector<UINT8>& data) {
-  BlockWriter out(os);
+  Frame frame;
+  BlockWriter out(os, frame);
   out.header(header, textBlockSize(data));
   out.bytes(data);
   return out.finish();

@@ -20,12 +20,9 @@
 /// Writer, reader, size and any annotated view of the bytes derive from it.
 namespace mdf_v4_10::detail {
 
-/// What an entry is for.
-enum class EntryKind {
-  field,     ///< a number, or an array of bytes, that is written and read
-  reserved,  ///< reserved bytes: written as they stand in the block, passed over on reading
-  count      ///< the number of entries of one of the block's lists
-};
+/// What an entry is: a number or an array of bytes that is written and read, reserved bytes, which
+/// are written as they stand in the block and passed over on reading, or a list's count.
+enum class EntryKind { field, reserved, count };
 
 /// A member of a block as a part of its data section.
 template <EntryKind Kind, auto Member>
@@ -36,7 +33,6 @@ struct MemberEntry<Kind, Member> {
   const char* name;
   static constexpr EntryKind kind = Kind;
   static constexpr std::size_t width = sizeof(Value);
-  static constexpr std::size_t alignment = alignof(Value);
 
   /// Where the member stands in the bytes of the block.
   static std::ptrdiff_t position(const Block& block) {
@@ -46,14 +42,13 @@ struct MemberEntry<Kind, Member> {
   static void take(const char* at, Block& block) { loadLe(at, block.*Member); }
 };
 
-/// The number of entries of a list, cut to the width that the format gives it. The block has no
-/// member for it; reading hands it to the caller.
+/// The number of entries of one of the block's lists, cut to the width that the format gives it.
+/// The block has no member for it; reading hands it to the caller.
 template <class Count, auto List>
 struct CountEntry {
   const char* name;
   static constexpr EntryKind kind = EntryKind::count;
   static constexpr std::size_t width = sizeof(Count);
-  static constexpr std::size_t alignment = 1;
 
   template <class Block>
   static void put(char* at, const Block& block) {
@@ -62,26 +57,27 @@ struct CountEntry {
   static UINT64 take(const char* at) { return loadLe<Count>(at); }
 };
 
-/// Neighbours in the file that are neighbours in memory, too, are copied in one piece.
+/// Members that stand side by side in memory, as they do in the file, are copied in one run. The
+/// compiler knows which ones do: nothing of the comparing is left in the program.
 template <class... Entries>
 class FieldList {
  public:
   constexpr explicit FieldList(Entries... entries) : names_{entries.name...} {}
 
   /// Bytes of the whole list in the file.
-  static constexpr std::size_t width() { return (Entries::width + ... + 0U); }
+  static constexpr std::size_t width() { return offsetOf(entry_count); }
 
   /// Puts every field, one behind the other.
   template <class Block>
   static void put(char* at, const Block& block) {
-    putFrom<0>(at, block);
+    putEach(at, block, std::index_sequence_for<Entries...>());
   }
 
   /// Takes every field; returns the counts on the way, in file order.
   template <class Block>
   static auto take(const char* at, Block& block) {
     std::array<UINT64, ((Entries::kind == EntryKind::count ? 1U : 0U) + ... + 0U)> counts{};
-    takeFrom<0>(at, block, counts.data());
+    takeEach(at, block, counts.data(), std::index_sequence_for<Entries...>());
     return counts;
   }
 
@@ -95,104 +91,85 @@ class FieldList {
   /// Calls visit(name, offset in the data section, width) for each entry in file order.
   template <class Visit>
   void forEach(Visit&& visit) const {
-    std::size_t offset = 0;
     for (std::size_t i = 0; i < entry_count; ++i) {
-      visit(names_[i], offset, shapes[i].width);
-      offset += shapes[i].width;
+      visit(names_[i], offsetOf(i), widths[i]);
     }
   }
 
  private:
-  struct Shape {
-    EntryKind kind;
-    std::size_t width;
-    std::size_t alignment;
-  };
-
   static constexpr std::size_t entry_count = sizeof...(Entries);
-  static constexpr std::array<Shape, entry_count> shapes{
-      Shape{Entries::kind, Entries::width, Entries::alignment}...};
+  static constexpr std::array<std::size_t, entry_count> widths{Entries::width...};
 
   template <std::size_t Index>
   using Entry = std::tuple_element_t<Index, std::tuple<Entries...>>;
 
-  /// The bytes of so many entries from one on.
-  static constexpr std::size_t widthOf(std::size_t first, std::size_t count) {
-    std::size_t sum = 0;
-    for (std::size_t i = first; i < first + count; ++i) {
-      sum += shapes[i].width;
+  static constexpr std::size_t offsetOf(std::size_t index) {
+    std::size_t offset = 0;
+    for (std::size_t i = 0; i < index; ++i) {
+      offset += widths[i];
     }
-    return sum;
+    return offset;
   }
 
-  /// How many entries from one on stand in memory without a gap, unless the compiler has reasons of
-  /// its own: none needs to be aligned better than its place behind the first one is.
-  static constexpr std::size_t runLength(std::size_t first, bool reserved_too) {
-    std::size_t end = first + 1;
-    while (end < entry_count && shapes[end].kind != EntryKind::count &&
-           (reserved_too || shapes[end].kind == EntryKind::field) &&
-           shapes[end].alignment <= shapes[first].alignment &&
-           widthOf(first, end - first) % shapes[end].alignment == 0) {
-      ++end;
-    }
-    return end - first;
-  }
-
-  /// Whether the bytes of a run in memory are those in the file. Compilers know at compile time.
-  template <std::size_t First, class Block, std::size_t... Next>
-  static bool isOnePiece(const Block& block, std::index_sequence<Next...> /*but_the_last*/) {
-    return !host_is_big_endian && ((Entry<First + Next>::position(block) +
-                                        static_cast<std::ptrdiff_t>(Entry<First + Next>::width) ==
-                                    Entry<First + Next + 1>::position(block)) &&
-                                   ...);
-  }
-
-  template <std::size_t First, class Block>
-  static void putFrom(char* at, const Block& block) {
-    if constexpr (First < entry_count) {
-      constexpr std::size_t length =
-          shapes[First].kind == EntryKind::count ? 1 : runLength(First, true);
-      putRun<First>(at, block, std::make_index_sequence<length>());
-      putFrom<First + length>(at + widthOf(First, length), block);
-    }
-  }
-
-  template <std::size_t First, class Block, std::size_t... Next>
-  static void putRun(char* at, const Block& block, std::index_sequence<Next...> /*run*/) {
-    if constexpr (sizeof...(Next) > 1) {
-      if (isOnePiece<First>(block, std::make_index_sequence<sizeof...(Next) - 1>())) {
-        std::memcpy(at, reinterpret_cast<const char*>(&block) + Entry<First>::position(block),
-                    widthOf(First, sizeof...(Next)));
-        return;
+  /// Whether an entry is copied with the one before it. Entries up to kind `Last` are copied.
+  template <EntryKind Last, std::size_t Index, class Block>
+  static bool continuesRun(const Block& block) {
+    if constexpr (Index > 0 && Index < entry_count) {
+      using Before = Entry<Index - 1>;
+      using This = Entry<Index>;
+      if constexpr (Before::kind <= Last && This::kind <= Last) {
+        return This::position(block) - Before::position(block) == std::ptrdiff_t{Before::width};
       }
     }
-    (Entry<First + Next>::put(at + widthOf(First, Next), block), ...);
+    return false;
   }
 
-  template <std::size_t First, class Block>
-  static void takeFrom(const char* at, Block& block, UINT64* counts) {
-    if constexpr (First < entry_count) {
-      constexpr EntryKind kind = shapes[First].kind;
-      constexpr std::size_t length = kind == EntryKind::field ? runLength(First, false) : 1;
-      if constexpr (kind == EntryKind::field) {
-        takeRun<First>(at, block, std::make_index_sequence<length>());
-      } else if constexpr (kind == EntryKind::count) {
-        *counts++ = Entry<First>::take(at);
+  /// Bytes of an entry and of those that are copied with it.
+  template <EntryKind Last, std::size_t Index, class Block>
+  static std::size_t runWidth(const Block& block) {
+    if constexpr (Index + 1 < entry_count) {
+      if (continuesRun<Last, Index + 1>(block)) {
+        return widths[Index] + runWidth<Last, Index + 1>(block);
       }
-      takeFrom<First + length>(at + widthOf(First, length), block, counts);
+    }
+    return widths[Index];
+  }
+
+  template <class Block, std::size_t... Index>
+  static void putEach(char* at, const Block& block, std::index_sequence<Index...> /*all*/) {
+    (putEntry<Index>(at + offsetOf(Index), block), ...);
+  }
+
+  template <std::size_t Index, class Block>
+  static void putEntry(char* at, const Block& block) {
+    constexpr EntryKind last = EntryKind::reserved;
+    if constexpr (host_is_big_endian || Entry<Index>::kind > last) {
+      Entry<Index>::put(at, block);
+    } else if (!continuesRun<last, Index>(block)) {
+      const char* const from = reinterpret_cast<const char*>(&block);
+      std::memcpy(at, from + Entry<Index>::position(block), runWidth<last, Index>(block));
     }
   }
 
-  template <std::size_t First, class Block, std::size_t... Next>
-  static void takeRun(const char* at, Block& block, std::index_sequence<Next...> /*run*/) {
-    if constexpr (sizeof...(Next) > 1) {
-      if (isOnePiece<First>(block, std::make_index_sequence<sizeof...(Next) - 1>())) {
-        std::memcpy(reinterpret_cast<char*>(&block) + Entry<First>::position(block), at,
-                    widthOf(First, sizeof...(Next)));
-        return;
+  template <class Block, std::size_t... Index>
+  static void takeEach(const char* at, Block& block, UINT64* counts,
+                       std::index_sequence<Index...> /*all*/) {
+    (takeEntry<Index>(at + offsetOf(Index), block, counts), ...);
+  }
+
+  template <std::size_t Index, class Block>
+  static void takeEntry(const char* at, Block& block, UINT64*& counts) {
+    constexpr EntryKind last = EntryKind::field;
+    if constexpr (Entry<Index>::kind == EntryKind::count) {
+      *counts++ = Entry<Index>::take(at);
+    } else if constexpr (Entry<Index>::kind == last) {
+      if constexpr (host_is_big_endian) {
+        Entry<Index>::take(at, block);
+      } else if (!continuesRun<last, Index>(block)) {
+        char* const to = reinterpret_cast<char*>(&block);
+        std::memcpy(to + Entry<Index>::position(block), at, runWidth<last, Index>(block));
       }
     }
-    (Entry<First + Next>::take(at + widthOf(First, Next), block), ...);
   }
 
   std::array<const char*, entry_count> names_;

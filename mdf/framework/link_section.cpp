@@ -12,7 +12,8 @@ UINT64 LinkSection::getValidLinkLength() const {
 }
 
 std::ostream& operator<<(std::ostream& os, const LinkSection& links) {
-  detail::BlockWriter out(os);
+  detail::Frame frame;
+  detail::BlockWriter out(os, frame);
   out.numbers(links);
   return out.finish();
 }

@@ -100,6 +100,28 @@ void loadEachLe(const char* at, Number* numbers, std::size_t count) {
   }
 }
 
+/// Copies bytes, the number of which is a multiple of 8, and returns where the copy ends. Lists are
+/// mostly so short that calling a function for any number of bytes takes longer than the copying.
+inline char* copyEights(char* to, const void* from, std::size_t count) {
+  const char* const bytes = static_cast<const char*>(from);
+  std::size_t done = 0;
+  for (; count - done >= 64; done += 64) {
+    std::memcpy(to + done, bytes + done, 64);
+  }
+  if ((count & 32U) != 0) {
+    std::memcpy(to + done, bytes + done, 32);
+    done += 32;
+  }
+  if ((count & 16U) != 0) {
+    std::memcpy(to + done, bytes + done, 16);
+    done += 16;
+  }
+  if ((count & 8U) != 0) {
+    std::memcpy(to + done, bytes + done, 8);
+  }
+  return to + count;
+}
+
 /// Puts values one behind the other. Whoever makes an encoder has seen to it that there is room.
 class Encoder {
  public:

@@ -16,6 +16,7 @@
 using namespace mdf_tests;
 using namespace mdf_v4_10;
 using detail::BlockWriter;
+using detail::Frame;
 
 namespace {
 
@@ -56,7 +57,8 @@ template <class Put>
 void expectWrites(Put put, const std::string& bytes, const Writes& writes) {
   RecordingBuffer sink;
   std::ostream os(&sink);
-  BlockWriter out(os);
+  Frame frame;
+  BlockWriter out(os, frame);
   put(out);
   EXPECT_EQ(&out.finish(), &os);
   EXPECT_BYTES(sink.bytes, bytes);
@@ -119,14 +121,23 @@ TEST(BlockWriter, FinishingTwiceWritesOnce) {
       "\x01", {1});
 }
 
-TEST(BlockWriter, ListsGoInFrames) {
-  const struct {
-    std::size_t links;
-    Writes writes;
-  } cases[] = {{124, {1016}},          {125, {1024}},
-               {126, {1024, 8}},       {253, {1024, 1024}},
-               {254, {1024, 1024, 8}}, {1000, {1024, 1024, 1024, 1024, 1024, 1024, 1024, 856}}};
-  for (const auto& [count, writes] : cases) {
+/// What a list that does not fit the frame behind a header comes to. Where the bytes of numbers
+/// must be turned round it goes frame by frame, elsewhere straight from its vector.
+Writes writesOfLongList(std::size_t list_bytes) {
+  if (!detail::host_is_big_endian) {
+    return {24, list_bytes};
+  }
+  const std::size_t bytes = 24 + list_bytes;
+  Writes writes(bytes / 1024, 1024);
+  if (bytes % 1024 != 0) {
+    writes.push_back(bytes % 1024);
+  }
+  return writes;
+}
+
+TEST(BlockWriter, ListsThatFitTheFrameGoWithIt) {
+  for (const std::size_t count :
+       {0U, 1U, 2U, 3U, 4U, 7U, 8U, 9U, 15U, 16U, 31U, 100U, 124U, 125U}) {
     SCOPED_TRACE(count);
     const LinkSection links = distinctLinks(count);
     expectWrites(
@@ -134,7 +145,68 @@ TEST(BlockWriter, ListsGoInFrames) {
           out.header(header());
           out.numbers(links);
         },
+        Bytes().header("HD", 0, 0).text(bytesOf(links)), {24 + 8 * count});
+  }
+}
+
+TEST(BlockWriter, ListsThatDoNotFitTheFrame) {
+  for (const std::size_t count : {126U, 253U, 254U, 1000U}) {
+    SCOPED_TRACE(count);
+    const LinkSection links = distinctLinks(count);
+    expectWrites(
+        [&](BlockWriter& out) {
+          out.header(header());
+          out.numbers(links);
+        },
+        Bytes().header("HD", 0, 0).text(bytesOf(links)), writesOfLongList(8 * count));
+  }
+}
+
+TEST(BlockWriter, ColumnsGoInFrames) {
+  const struct {
+    std::size_t entries;
+    Writes writes;
+  } cases[] = {{0, {24}},        {1, {32}},           {124, {1016}},         {125, {1024}},
+               {126, {1024, 8}}, {253, {1024, 1024}}, {254, {1024, 1024, 8}}};
+  for (const auto& [count, writes] : cases) {
+    SCOPED_TRACE(count);
+    const LinkSection links = distinctLinks(count);
+    std::vector<std::pair<LINK, UINT64>> pairs;
+    for (const LINK link : links) {
+      pairs.emplace_back(-link, static_cast<UINT64>(link));
+    }
+    expectWrites(
+        [&, &all = pairs](BlockWriter& out) {
+          out.header(header());
+          out.column(all, &std::pair<LINK, UINT64>::second);
+        },
         Bytes().header("HD", 0, 0).text(bytesOf(links)), writes);
+  }
+}
+
+/// Two links in the order of the file.
+struct TwoLinks {
+  LINK first = 0;
+  LINK second = 0;
+};
+
+TEST(BlockWriter, EntriesOfLinksGoLikeLinks) {
+  constexpr auto fields = detail::fieldList(detail::field<&TwoLinks::first>("first"),
+                                            detail::field<&TwoLinks::second>("second"));
+  for (const std::size_t count : {0U, 1U, 62U, 63U, 500U}) {
+    SCOPED_TRACE(count);
+    const LinkSection links = distinctLinks(2 * count);
+    std::vector<TwoLinks> entries;
+    for (std::size_t i = 0; i < count; ++i) {
+      entries.push_back({links[2 * i], links[2 * i + 1]});
+    }
+    expectWrites(
+        [&](BlockWriter& out) {
+          out.header(header());
+          out.entries(fields, entries);
+        },
+        Bytes().header("HD", 0, 0).text(bytesOf(links)),
+        count < 63 ? Writes{24 + 16 * count} : writesOfLongList(16 * count));
   }
 }
 
@@ -191,7 +263,8 @@ TEST(BlockWriter, BytesInAnEmptyFrame) {
 
 /// A block that takes several writes: header and links, long data in between, and a number.
 void writeLongBlock(std::ostream& os) {
-  BlockWriter out(os);
+  Frame frame;
+  BlockWriter out(os, frame);
   out.header(header());
   out.numbers(distinctLinks(130));
   out.bytes(distinctBytes(1500));
