@@ -1,6 +1,5 @@
 // Writing blocks to files and reading them from there.
 
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <memory>
@@ -229,9 +228,8 @@ struct ReadDataFile {
   }
 
   void readMemory() const {
-    void* const memory = std::malloc(data.size());
-    readTo(memory);
-    std::free(memory);
+    const std::unique_ptr<char[]> memory(new char[data.size()]);
+    readTo(memory.get());
   }
 };
 
@@ -272,7 +270,7 @@ void registerCases() {
   const std::string reading = "read a DTBLOCK of 64 MiB from a file/";
   compare({reading + "vector", "a vector of that size and read(2)", 1.05},
           [] { return readDataBlock([](const ReadDataFile& file) { file.readVector(); }); });
-  compare({reading + "floor", "malloc and read(2)", 1.3},
+  compare({reading + "floor", "fresh memory and read(2)", 1.3},
           [] { return readDataBlock([](const ReadDataFile& file) { file.readMemory(); }); });
 }
 

@@ -9,7 +9,7 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <streambuf>
@@ -241,8 +241,10 @@ double nanoseconds(const timeval& time) {
 }
 
 unsigned long long recordsIn(const std::string& message) {
-  unsigned long long records = 0;
-  require(std::sscanf(message.c_str(), "recorded %llu", &records) == 1 && records > 0, message);
+  const std::string start = "recorded ";
+  require(message.compare(0, start.size(), start) == 0, message);
+  const unsigned long long records = std::strtoull(message.c_str() + start.size(), nullptr, 10);
+  require(records > 0, message);
   return records;
 }
 

@@ -97,12 +97,13 @@ void registerEveryClass(const std::string& sink_name) {
     compareWithCopy<Sink>(group + name, limit, block);
   });
   for (const std::size_t count : {0U, 1U, 16U, 1000U}) {
-    const std::string size = ", " + std::to_string(count);
-    forEachBlockOfBytes(count, [&](const std::string& name, const auto& block) {
-      compareWithCopy<Sink>(group + name + size + " bytes", limit, block);
+    const std::string bytes = ", " + std::to_string(count) + " bytes";
+    const std::string entries = ", " + std::to_string(count) + " entries";
+    forEachBlockOfBytes(count, [&](std::string name, const auto& block) {
+      compareWithCopy<Sink>(name.append(bytes).insert(0, group), limit, block);
     });
-    forEachBlockOfEntries(count, [&](const std::string& name, const auto& block) {
-      compareWithCopy<Sink>(group + name + size + " entries", limit, block);
+    forEachBlockOfEntries(count, [&](std::string name, const auto& block) {
+      compareWithCopy<Sink>(name.append(entries).insert(0, group), limit, block);
     });
   }
 }
