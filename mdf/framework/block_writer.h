@@ -72,7 +72,8 @@ class BlockWriterTo {
   void column(const std::vector<Entry>& entries, Number Entry::*member) {
     static_assert(sizeof(Number) == 8, "links and offsets come in lists");
     if (!entries.empty()) {
-      column(&(entries.front().*member), entries.size(), sizeof(Entry));
+      column(reinterpret_cast<const char*>(&(entries.front().*member)), entries.size(),
+             sizeof(Entry));
     }
   }
 
@@ -134,6 +135,7 @@ class BlockWriterTo {
     return at;
   }
 
+  /// Numbers of 8 bytes as they stand in memory.
   void eights(const void* from, std::size_t count) {
     if (count > left()) {
       straight(from, count);
@@ -142,20 +144,17 @@ class BlockWriterTo {
     }
   }
 
-  /// Numbers that stand so many bytes apart.
-  void column(const void* first, std::size_t count, std::size_t stride) {
-    const char* from = static_cast<const char*>(first);
-    while (count != 0) {
-      const std::size_t fitting = std::min(count, left() / sizeof(UINT64));
-      for (std::size_t i = 0; i < fitting; ++i) {
+  /// Numbers of 8 bytes that stand so many bytes apart.
+  void column(const char* first, std::size_t count, std::size_t stride) {
+    for (std::size_t i = 0; i < count;) {
+      const std::size_t end = i + std::min(count - i, left() / sizeof(UINT64));
+      for (; i < end; ++i) {
         UINT64 bits = 0;
-        std::memcpy(&bits, from, sizeof bits);
+        std::memcpy(&bits, first + i * stride, sizeof bits);
         storeLe(at_, bits);
         at_ += sizeof bits;
-        from += stride;
       }
-      count -= fitting;
-      if (count != 0) {
+      if (i < count) {
         flush();
       }
     }
