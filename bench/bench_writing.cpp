@@ -82,7 +82,7 @@ template <class Sink>
 void registerChannel(const std::string& sink_name) {
   const std::string group = "write a channel, " + sink_name + "/";
   compareWithCopy<Sink>(group + "CNBLOCK", 1.15, sampleChannel());
-  compare({group + "CNBLOCK against its fields", "29 writes, one for each field", 1.0 / 12}, [] {
+  compare({group + "CNBLOCK against its fields", "29 writes, one for each field", 1.0 / 14}, [] {
     const auto pair = std::make_shared<Pair<Sink>>(written(sampleChannel()));
     return Sides{writeBlock(pair, sampleChannel()), writeFields(pair),
                  [pair] { return pair->isRight(); }};
@@ -103,7 +103,10 @@ void registerEveryClass(const std::string& sink_name) {
       compareWithCopy<Sink>(name.append(bytes).insert(0, group), limit, block);
     });
     forEachBlockOfEntries(count, [&](std::string name, const auto& block) {
-      compareWithCopy<Sink>(name.append(entries).insert(0, group), limit, block);
+      // Long lists go straight from their vector, but for a data list's: in memory they are pairs.
+      const bool goes_straight = count == 1000 && name.compare(0, 2, "DL") != 0;
+      compareWithCopy<Sink>(name.append(entries).insert(0, group), goes_straight ? 1.1 : limit,
+                            block);
     });
   }
 }
