@@ -1,0 +1,196 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <pugixml.hpp>
+#include <string>
+
+#include "tools/support/file_builder.h"
+#include "tools/support/healthy_file.h"
+#include "tools/support/program.h"
+#include "tools/support/scratch_folder.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+
+namespace {
+
+/// The texts of a picture, each on a line.
+std::string textsOf(const std::string& svg) {
+  pugi::xml_document document;
+  const auto parsed = document.load_string(svg.c_str());
+  EXPECT_TRUE(parsed) << parsed.description();
+  EXPECT_STREQ(document.document_element().name(), "svg");
+  std::string texts;
+  for (const auto& text : document.select_nodes("//text")) {
+    texts += text.node().text().get() + std::string("\n");
+  }
+  return texts;
+}
+
+TEST(GraphCommand, SvgHasABoxForEachBlockAndAnArrowForEachLink) {
+  const TempFile file(healthyFile());
+  const ScratchFolder folder;
+  const std::string picture = folder / "graph.svg";
+  const RunResult result = run({"graph", "-o", picture, file.path()});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.messages, "");
+  const std::string texts = textsOf(bytesOf(picture));
+  for (const std::string text : {"HD \xc2\xa0"
+                                 "64 (0x40)\n",
+                                 "XX \xc2\xa0"
+                                 "264 (0x108)\n",
+                                 "\"vehicle speed\"\n", "cn_composition\n", "link 1\n",
+                                 "ch_element[0].dg\n", "ev_scope[0]\n"}) {
+    EXPECT_NE(texts.find(text), std::string::npos) << text << "in\n" << texts;
+  }
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
+}
+
+TEST(GraphCommand, PngOfAMap) {
+  const TempFile file(healthyFile());
+  const ScratchFolder folder;
+  const std::string picture = folder / "map.png";
+  EXPECT_EQ(run({"graph", "--map", "-o", picture, file.path(), file.path()}).exit_code, 0);
+  EXPECT_EQ(bytesOf(picture).substr(0, 8), "\x89PNG\r\n\x1a\n");
+}
+
+TEST(GraphCommand, MapIsWellFormed) {
+  const TempFile file(healthyFile() + std::string(100, 'x'));
+  const ScratchFolder folder;
+  const std::string picture = folder / "map.svg";
+  EXPECT_EQ(run({"graph", "--map", "-o", picture, file.path()}).exit_code, 0);
+  const std::string texts = textsOf(bytesOf(picture));
+  EXPECT_NE(texts.find("1,535 bytes\n"), std::string::npos) << texts;
+  EXPECT_NE(texts.find("TX \xc2\xa0"
+                       "1 block, 40 bytes\n"),
+            std::string::npos)
+      << texts;
+  EXPECT_NE(texts.find("no block \xc2\xa0"
+                       "109 bytes in 4 places\n"),
+            std::string::npos)
+      << texts;
+}
+
+TEST(GraphCommand, HostileNamesAreDrawnAsTheyAre) {
+  FileBuilder builder;
+  const std::string name = "]; \"<b>&lt;\\N\n\x01\xff{a|b}";
+  const std::uint64_t source = builder.add("SI", {builder.text(name), 0, 0}, std::string(8, '\0'));
+  builder.link(FileBuilder::header, 0, source);
+  const TempFile file(builder.bytes());
+  const ScratchFolder folder;
+  const std::string picture = folder / "graph.svg";
+  EXPECT_EQ(run({"graph", "-o", picture, file.path()}).exit_code, 0);
+  const std::string texts = textsOf(bytesOf(picture));
+  EXPECT_NE(texts.find("\"]; \"<b>&lt;\\N\\x0a\\x01\\xff{a|b}\"\n"), std::string::npos) << texts;
+}
+
+TEST(GraphCommand, DotGoesToAFileOrToStandardOutput) {
+  const TempFile file(healthyFile());
+  const ScratchFolder folder;
+  const std::string picture = folder / "graph.dot";
+  EXPECT_EQ(run({"graph", "-o", picture, "--no-text", "--depth", "1", file.path()}).exit_code, 0);
+  const RunResult result = run({"graph", "-o", "-", "--no-text", "--depth", "1", file.path()});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output, bytesOf(picture));
+  EXPECT_EQ(result.output.rfind("digraph mdf {\n", 0), 0U);
+}
+
+TEST(GraphCommand, JsonInsteadOfAPicture) {
+  const TempFile file(FileBuilder().bytes());
+  const RunResult graph = run({"graph", "--json", file.path()});
+  EXPECT_EQ(graph.output, R"({"schema":1,"file":")" + file.path() +
+                              R"(","is_shortened":false,"links_without_room":0,"nodes":[)"
+                              R"({"offset":64,"type":"HD","length":104,"name":""}],"links":[]})"
+                              "\n");
+  const RunResult map = run({"graph", "--json", "--map", file.path()});
+  EXPECT_EQ(map.output, R"({"schema":1,"file":")" + file.path() +
+                            R"(","size":168,"types":[{"type":"HD","blocks":1,"bytes":104},)"
+                            R"({"type":"ID","blocks":1,"bytes":64}],"gaps":0,"gap_bytes":0,)"
+                            R"("overlap_bytes":0})"
+                            "\n");
+}
+
+TEST(GraphCommand, BrokenFileIsDrawnAllTheSame) {
+  const TempFile file(healthyFile().substr(0, 1000));
+  const ScratchFolder folder;
+  const std::string picture = folder / "graph.svg";
+  const RunResult result = run({"graph", "-o", picture, file.path()});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_NE(result.messages.find("expected link 3 of ##HD to lead into the file"),
+            std::string::npos);
+  EXPECT_NE(textsOf(bytesOf(picture)).find("no block at\n1080\n"), std::string::npos);
+}
+
+TEST(GraphCommand, NoPictureWithoutAReadableFile) {
+  const ScratchFolder folder;
+  const std::string picture = folder / "graph.svg";
+  const RunResult result = run({"graph", "-o", picture, "/no/such/file"});
+  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.messages, "mdf: cannot open /no/such/file: No such file or directory\n");
+  EXPECT_FALSE(std::filesystem::exists(picture));
+}
+
+TEST(GraphCommand, WithoutGraphviz) {
+  const TempFile file(FileBuilder().bytes());
+  const ScratchFolder folder;
+  const std::string picture = folder / "graph.png";
+  folder.write("graph.png", "the one before");
+  RunOptions options;
+  options.environment = {"PATH=" + folder.path().string()};
+  const RunResult result = run({"graph", "-o", picture, file.path()}, options);
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.messages,
+            "mdf: cannot draw without the program neato, which is not there; install Graphviz, or "
+            "have a .dot file written\n");
+  EXPECT_EQ(bytesOf(picture), "the one before");
+}
+
+TEST(GraphCommand, GraphvizThatFails) {
+  const TempFile file(FileBuilder().bytes());
+  const ScratchFolder folder;
+  const std::string picture = folder / "graph.png";
+  folder.write("neato", "#!/bin/sh\necho half a picture\nexit 3\n");
+  std::filesystem::permissions(folder / "neato", std::filesystem::perms::owner_all);
+  RunOptions options;
+  options.environment = {"PATH=" + folder.path().string()};
+  const RunResult result = run({"graph", "-o", picture, file.path()}, options);
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.messages, "mdf: cannot draw: neato ended with exit code 3\n");
+  EXPECT_FALSE(std::filesystem::exists(picture));
+}
+
+TEST(GraphCommand, PlaceThatCannotBeWritten) {
+  const TempFile file(FileBuilder().bytes());
+  const RunResult result = run({"graph", "-o", "/no/such/folder/graph.dot", file.path()});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.messages,
+            "mdf: cannot open the folder /no/such/folder: No such file or directory\n");
+}
+
+TEST(GraphCommand, WrongArguments) {
+  const TempFile file(FileBuilder().bytes());
+  const auto refusal = [&](const std::vector<std::string>& arguments) {
+    const RunResult result = run(arguments);
+    EXPECT_EQ(result.exit_code, 2);
+    return result.messages;
+  };
+  EXPECT_EQ(refusal({"graph", file.path()}), "mdf: -o OUT or --json is required\n");
+  EXPECT_EQ(refusal({"graph", "-o", "a.jpg", file.path()}),
+            "mdf: --output: \"a.jpg\" ends in none of .svg, .png and .dot\n");
+  EXPECT_EQ(refusal({"graph", "-o", "-", "--map", "--depth", "3", file.path()}),
+            "mdf: --depth excludes --map\n");
+}
+
+TEST(GraphCommand, HelpTeachesWithExamples) {
+  const RunResult result = run({"graph", "--help"});
+  EXPECT_EQ(result.exit_code, 0);
+  for (const std::string text :
+       {"Usage: mdf graph [OPTIONS] FILE...", "Examples:\n  mdf graph -o trip.svg",
+        "Exit code: 0 fine, 1 problems"}) {
+    EXPECT_NE(result.output.find(text), std::string::npos) << text;
+  }
+}
+
+}  // namespace
