@@ -8,6 +8,7 @@
 #include <string>
 
 #include "expect.h"
+#include "finding_check.h"
 #include "memory_file.h"
 #include "reading/file_dump.h"
 #include "reading/finding.h"
@@ -52,18 +53,6 @@ struct Dump {
   std::string text;
   std::size_t findings = 0;
 };
-
-bool isPrintable(char character) { return character >= 0x20 && character < 0x7F; }
-
-void expectSentence(const mdf_tools::Finding& finding, std::uint64_t file_size) {
-  expect(finding.offset <= file_size, "a finding inside the file");
-  expect(finding.sentence.rfind("expected ", 0) == 0 &&
-             finding.sentence.find(", found ") != std::string::npos &&
-             std::all_of(finding.sentence.begin(), finding.sentence.end(), isPrintable),
-         "a finding to say what was expected and found, on one line");
-  expect(finding.sentence.rfind("expected memory", 0) != 0,
-         "memory for what the file holds to suffice");
-}
 
 Dump dumpFile(const std::string& path) {
   const MemoryOutput memory;

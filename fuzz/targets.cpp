@@ -57,9 +57,11 @@ std::string tryBlocks(std::string_view input) {
 const std::vector<std::pair<std::string, Target>>& targets() {
   static const auto all = [] {
     auto list = readersOf(AllBlocks{});
-    list.insert(
-        list.end(),
-        {{"blocks", tryBlocks}, {"build", tryBuild}, {"dump", tryDump}, {"check", tryCheck}});
+    list.insert(list.end(), {{"blocks", tryBlocks},
+                             {"build", tryBuild},
+                             {"dump", tryDump},
+                             {"check", tryCheck},
+                             {"draw", tryDraw}});
     return list;
   }();
   return all;

@@ -1,0 +1,27 @@
+#ifndef MDF_FUZZ_FINDING_CHECK_H_
+#define MDF_FUZZ_FINDING_CHECK_H_
+
+#include <algorithm>
+#include <cstdint>
+
+#include "expect.h"
+#include "reading/finding.h"
+
+namespace mdf_fuzz {
+
+inline bool isPrintable(char character) { return character >= 0x20 && character < 0x7F; }
+
+/// What every finding about a file must be like.
+inline void expectSentence(const mdf_tools::Finding& finding, std::uint64_t file_size) {
+  expect(finding.offset <= file_size, "a finding inside the file");
+  expect(finding.sentence.rfind("expected ", 0) == 0 &&
+             finding.sentence.find(", found ") != std::string::npos &&
+             std::all_of(finding.sentence.begin(), finding.sentence.end(), isPrintable),
+         "a finding to say what was expected and found, on one line");
+  expect(finding.sentence.rfind("expected memory", 0) != 0,
+         "memory for what the file holds to suffice");
+}
+
+}  // namespace mdf_fuzz
+
+#endif  // MDF_FUZZ_FINDING_CHECK_H_
