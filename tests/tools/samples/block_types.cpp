@@ -196,13 +196,15 @@ Sample unknownBlocks() {
 Sample newerLinks() {
   SampleFile file("MDF     ", 420);
   const std::uint64_t text = file.text("added later");
-  const std::uint64_t channel_name = file.text("v");
-  const std::uint64_t value = file.add("CN", {0, 0, channel_name, 0, 0, 0, 0, 0, text},
-                                       Bytes().u8s({0, 0, 0, 0}).u32(8).u32(16).zeros(60));
-  const std::uint64_t time = addChannel(file, timeMaster());
-  file.link(time, 0, value);
-  const std::uint64_t group =
-      file.add("CG", {0, time, 0, 0, 0, 0, text}, Bytes().u64(0).u64(3).zeros(8).u32(10).u32(0));
+  const std::uint64_t name = file.text("notes.txt");
+  const std::uint64_t attachment = file.add(
+      "AT", {0, name, 0, 0, text}, Bytes().u16(embedded).zeros(22).u64(3).u64(3).text("abc"));
+  file.link(FileBuilder::header, 3, attachment);
+  const std::uint64_t history = file.add("FH", {0, 0, text}, Bytes().zeros(16));
+  file.link(file.history(), 0, history);
+  std::vector<ChannelSpec> channels = countingChannels();
+  channels[1].source = file.add("SI", {name, 0, 0, text}, Bytes().u8s({1, 1, 0, 0, 0, 0, 0, 0}));
+  const std::uint64_t group = file.group(countingGroup(3), channels);
   const std::uint64_t data = file.add("DT", {}, countingRecords(3));
   const std::uint64_t data_group = file.add("DG", {0, group, data, 0, text}, Bytes().zeros(8));
   file.link(FileBuilder::header, 0, data_group);

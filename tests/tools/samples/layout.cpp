@@ -101,7 +101,9 @@ Sample zerosBehindTexts() {
   const std::uint64_t unit = file.add("TX", {}, std::string("V\0\0\0\0", 5));
   const std::uint64_t comment =
       file.add("MD", {}, "<CNcomment><TX>padded</TX></CNcomment>" + std::string(11, '\0'));
-  const std::uint64_t group = file.group(countingGroup(3), countingChannels());
+  std::vector<ChannelSpec> channels = countingChannels();
+  channels[1].name.clear();
+  const std::uint64_t group = file.group(countingGroup(3), channels);
   file.link(file.channels()[1], 2, name);
   file.link(file.channels()[1], 6, unit);
   file.link(file.channels()[1], 7, comment);

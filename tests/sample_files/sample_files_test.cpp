@@ -1,0 +1,281 @@
+// What the program says of each sample file: the values that the sample is made of, and golden
+// texts, one file for each command with a section for each sample.
+//
+// When samples or what a command prints have changed, the golden texts are renewed with
+//
+//   MDF_RENEW_GOLDEN=1 build/dev/tests/mdf_sample_tests --gtest_filter='SampleList.*'
+//
+// Nothing says that the new texts are right: each line of their difference is to be read.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <ostream>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tools/samples/sample.h"
+#include "tools/support/program.h"
+#include "tools/support/scratch_folder.h"
+
+namespace mdf_tests {
+
+/// What tests are called by.
+void PrintTo(const Sample* sample, std::ostream* out) { *out << sample->name; }
+
+}  // namespace mdf_tests
+
+using namespace mdf_tests;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::vector<std::string>& commandsWithGoldenTexts() {
+  static const std::vector<std::string> commands = {"info", "tree", "check"};
+  return commands;
+}
+
+fs::path goldenPath(const std::string& command) {
+  return fs::path(MDF_GOLDEN_TEXTS) / (command + ".txt");
+}
+
+std::string fileName(const Sample& sample) { return sample.name + ".mf4"; }
+
+/// What a run on the files of samples came to, with the files' names without their folder.
+RunResult runOn(const std::vector<const Sample*>& samples, const std::string& command) {
+  const ScratchFolder folder;
+  std::vector<std::string> arguments = {command};
+  for (const Sample* sample : samples) {
+    folder.write(fileName(*sample), sample->bytes);
+    arguments.push_back((folder / fileName(*sample)).string());
+  }
+  RunResult result = run(arguments);
+  const std::string before = folder.path().string() + '/';
+  for (std::string* text : {&result.output, &result.messages}) {
+    for (std::size_t at = text->find(before); at != std::string::npos;
+         at = text->find(before, at)) {
+      text->erase(at, before.size());
+    }
+  }
+  return result;
+}
+
+const std::string messages_heading = "-- on standard error:\n";
+const std::string exit_code_heading = "-- exit code ";
+
+/// The section of a golden text: standard output, and what there is beside it.
+std::string sectionOf(const RunResult& result) {
+  std::string text = result.output;
+  if (!result.messages.empty()) {
+    text += messages_heading + result.messages;
+  }
+  if (result.exit_code != 0) {
+    text += exit_code_heading + std::to_string(result.exit_code) + '\n';
+  }
+  return text;
+}
+
+/// The other way round.
+RunResult resultOf(std::string section) {
+  RunResult result;
+  const std::size_t code_at = section.find(exit_code_heading);
+  if (code_at != std::string::npos) {
+    result.exit_code = std::stoi(section.substr(code_at + exit_code_heading.size()));
+    section.resize(code_at);
+  } else {
+    result.exit_code = 0;
+  }
+  const std::size_t messages_at = section.find(messages_heading);
+  if (messages_at != std::string::npos) {
+    result.messages = section.substr(messages_at + messages_heading.size());
+    section.resize(messages_at);
+  }
+  result.output = section;
+  return result;
+}
+
+void renewGoldenText(const std::string& command) {
+  std::ofstream file(goldenPath(command), std::ios::binary);
+  for (const Sample& sample : allSamples()) {
+    file << "== " << sample.name << '\n' << sectionOf(runOn({&sample}, command)) << '\n';
+  }
+}
+
+/// The sections of a golden text, by their samples' names.
+std::map<std::string, std::string> goldenSections(const std::string& command) {
+  std::map<std::string, std::string> sections;
+  std::ifstream file(goldenPath(command), std::ios::binary);
+  std::string* section = nullptr;
+  for (std::string line; std::getline(file, line);) {
+    if (line.rfind("== ", 0) == 0) {
+      section = &sections[line.substr(3)];
+    } else if (section != nullptr) {
+      *section += line + '\n';
+    }
+  }
+  for (auto& [name, text] : sections) {
+    text.resize(text.size() - std::min<std::size_t>(text.size(), 1));  // the empty line behind each
+  }
+  return sections;
+}
+
+std::string withUnit(const Column& column) {
+  if (column.unit.empty()) {
+    return column.name;
+  }
+  return column.name + " [" + column.unit + ']';
+}
+
+/// The tables as they are exported, with an empty line between two.
+std::string csvOf(const std::vector<ValueTable>& tables) {
+  std::string text;
+  for (const ValueTable& table : tables) {
+    text += text.empty() ? "" : "\n";
+    std::string line;
+    for (const Column& column : table.columns) {
+      line += (line.empty() ? "" : ",") + withUnit(column);
+    }
+    text += line + '\n';
+    for (const std::string& row : table.rows) {
+      text += row + '\n';
+    }
+  }
+  return text;
+}
+
+/// What exporting a sample comes to.
+RunResult expectedExport(const Sample& sample) {
+  const bool is_unfinished = sample.bytes.rfind("UnFinMF ", 0) == 0;
+  RunResult result;
+  result.exit_code = 0;
+  result.output = csvOf(sample.tables);
+  if (is_unfinished) {
+    result.messages = "mdf: " + fileName(sample) +
+                      ": note: the file was not finished; its records are read as far as they go\n";
+  }
+  return result;
+}
+
+/// Names of parameters have letters, digits and underscores.
+std::string parameterName(const testing::TestParamInfo<const Sample*>& info) {
+  std::string name = info.param->name;
+  std::replace_if(
+      name.begin(), name.end(), [](char each) { return each == '-' || each == '.'; }, '_');
+  return name;
+}
+
+std::vector<const Sample*> pointersToAll() {
+  std::vector<const Sample*> pointers;
+  for (const Sample& sample : allSamples()) {
+    pointers.push_back(&sample);
+  }
+  return pointers;
+}
+
+class SampleFiles : public testing::TestWithParam<const Sample*> {
+ protected:
+  void compareWithGolden(const std::string& command) const {
+    const Sample& sample = *GetParam();
+    SCOPED_TRACE(sample.shows);
+    EXPECT_EQ(sectionOf(runOn({&sample}, command)), goldenSections(command)[sample.name]);
+  }
+};
+
+TEST_P(SampleFiles, Info) { compareWithGolden("info"); }
+
+TEST_P(SampleFiles, Tree) { compareWithGolden("tree"); }
+
+TEST_P(SampleFiles, Check) { compareWithGolden("check"); }
+
+TEST_P(SampleFiles, Export) {
+  const Sample& sample = *GetParam();
+  SCOPED_TRACE(sample.shows);
+  EXPECT_EQ(sectionOf(runOn({&sample}, "export")), sectionOf(expectedExport(sample)));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, SampleFiles, testing::ValuesIn(pointersToAll()), parameterName);
+
+TEST(SampleList, EachNameIsThereOnce) {
+  std::set<std::string> names;
+  for (const Sample& sample : allSamples()) {
+    EXPECT_TRUE(names.insert(sample.name).second) << sample.name;
+    EXPECT_FALSE(sample.shows.empty()) << sample.name;
+  }
+  EXPECT_GE(names.size(), 150U);
+}
+
+TEST(SampleList, GoldenTextsAreThereForEachSampleAndNoOther) {
+  std::set<std::string> names;
+  for (const Sample& sample : allSamples()) {
+    names.insert(sample.name);
+  }
+  for (const std::string& command : commandsWithGoldenTexts()) {
+    if (std::getenv("MDF_RENEW_GOLDEN") != nullptr) {
+      renewGoldenText(command);
+    }
+    std::set<std::string> sections;
+    for (const auto& [name, text] : goldenSections(command)) {
+      sections.insert(name);
+    }
+    EXPECT_EQ(sections, names) << command;
+  }
+}
+
+/// What one run on all files comes to, from what it comes to for each of them. What is printed for
+/// a file may have a heading, and a separator between it and the one before.
+RunResult joined(const std::vector<RunResult>& results, bool has_heading,
+                 const std::string& separator) {
+  RunResult all;
+  all.exit_code = 0;
+  for (std::size_t i = 0; i < results.size(); ++i) {
+    const RunResult& each = results[i];
+    if (!all.output.empty() && !each.output.empty()) {
+      all.output += separator;
+    }
+    all.output += has_heading ? fileName(allSamples()[i]) + ":\n" : "";
+    all.output += each.output;
+    all.messages += each.messages;
+    all.exit_code = std::max(all.exit_code, each.exit_code);
+  }
+  return all;
+}
+
+std::vector<RunResult> goldenResults(const std::string& command) {
+  const std::map<std::string, std::string> sections = goldenSections(command);
+  std::vector<RunResult> results;
+  for (const Sample& sample : allSamples()) {
+    results.push_back(resultOf(sections.at(sample.name)));
+  }
+  return results;
+}
+
+TEST(SampleList, InfoOfAllFilesAtOnce) {
+  EXPECT_EQ(sectionOf(runOn(pointersToAll(), "info")),
+            sectionOf(joined(goldenResults("info"), false, "\n")));
+}
+
+TEST(SampleList, TreeOfAllFilesAtOnce) {
+  EXPECT_EQ(sectionOf(runOn(pointersToAll(), "tree")),
+            sectionOf(joined(goldenResults("tree"), true, "")));
+}
+
+TEST(SampleList, CheckOfAllFilesAtOnce) {
+  EXPECT_EQ(sectionOf(runOn(pointersToAll(), "check")),
+            sectionOf(joined(goldenResults("check"), false, "")));
+}
+
+TEST(SampleList, ExportOfAllFilesAtOnce) {
+  std::vector<RunResult> results;
+  for (const Sample& sample : allSamples()) {
+    results.push_back(expectedExport(sample));
+  }
+  EXPECT_EQ(sectionOf(runOn(pointersToAll(), "export")), sectionOf(joined(results, false, "\n")));
+}
+
+}  // namespace
