@@ -21,7 +21,7 @@ int complain(const std::string& sentence) {
 }
 
 int run(int argc, char** argv) {
-  CLI::App app("Record, inspect and check ASAM MDF 4 measurement files.", "mdf");
+  CLI::App app("Record, inspect, check, draw and export ASAM MDF 4 measurement files.", "mdf");
   app.set_version_flag("--version", "mdf " MDF_PROGRAM_VERSION);
   app.require_subcommand(1);
   app.footer("Run 'mdf COMMAND --help' for what a command does, with examples.");
@@ -30,13 +30,13 @@ int run(int argc, char** argv) {
   mdf_tools::addRecordCommand(app, exit_code);
   mdf_tools::addInfoCommand(app, exit_code);
   mdf_tools::addListCommand(app, exit_code);
-  mdf_tools::addDumpCommand(app, exit_code);
-  mdf_tools::addExtractCommand(app, exit_code);
-  mdf_tools::addExportCommand(app, exit_code);
-  mdf_tools::addPlotCommand(app, exit_code);
   mdf_tools::addTreeCommand(app, exit_code);
+  mdf_tools::addDumpCommand(app, exit_code);
   mdf_tools::addCheckCommand(app, exit_code);
   mdf_tools::addGraphCommand(app, exit_code);
+  mdf_tools::addExportCommand(app, exit_code);
+  mdf_tools::addPlotCommand(app, exit_code);
+  mdf_tools::addExtractCommand(app, exit_code);
 
   if (argc == 1) {
     return complain("no command; run 'mdf --help' for what there is");

@@ -15,16 +15,16 @@ enum ExitCode : int {
 };
 
 /// Each adds one subcommand to the command line. When the subcommand runs it stores an ExitCode.
-void addCheckCommand(CLI::App& app, int& exit_code);
-void addDumpCommand(CLI::App& app, int& exit_code);
+void addRecordCommand(CLI::App& app, int& exit_code);
 void addInfoCommand(CLI::App& app, int& exit_code);
 void addListCommand(CLI::App& app, int& exit_code);
-void addExtractCommand(CLI::App& app, int& exit_code);
-void addRecordCommand(CLI::App& app, int& exit_code);
+void addTreeCommand(CLI::App& app, int& exit_code);
+void addDumpCommand(CLI::App& app, int& exit_code);
+void addCheckCommand(CLI::App& app, int& exit_code);
+void addGraphCommand(CLI::App& app, int& exit_code);
 void addExportCommand(CLI::App& app, int& exit_code);
 void addPlotCommand(CLI::App& app, int& exit_code);
-void addTreeCommand(CLI::App& app, int& exit_code);
-void addGraphCommand(CLI::App& app, int& exit_code);
+void addExtractCommand(CLI::App& app, int& exit_code);
 
 }  // namespace mdf_tools
 

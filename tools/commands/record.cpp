@@ -158,7 +158,7 @@ int run(const Request& request) {
 void addRecordCommand(CLI::App& app, int& exit_code) {
   const auto request = std::make_shared<Request>();
   CLI::App* const command =
-      app.add_subcommand("record", "Record the live signals of this machine in a new file.");
+      app.add_subcommand("record", "Record the live signals of this machine in a new file");
   command->add_option("OUT.mf4", request->path, "The file; one that is there is overwritten")
       ->required()
       ->type_name("FILE");
