@@ -237,6 +237,7 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
   inputs["dump"].push_back(fileWithAll(all));
   inputs["check"] = inputs["dump"];
   inputs["draw"] = inputs["dump"];
+  inputs["export"] = inputs["dump"];
   return inputs;
 }
 

@@ -61,7 +61,8 @@ const std::vector<std::pair<std::string, Target>>& targets() {
                              {"build", tryBuild},
                              {"dump", tryDump},
                              {"check", tryCheck},
-                             {"draw", tryDraw}});
+                             {"draw", tryDraw},
+                             {"export", tryExport}});
     return list;
   }();
   return all;

@@ -9,7 +9,8 @@
 /// What is tried with bytes from anywhere. A reader has its class's name in small letters; `blocks`
 /// reads, dumps and writes a block of a type that the first byte chooses; `build` does what the
 /// bytes say with a block; `dump` and `check` are what `mdf dump` and `mdf check` make of a file,
-/// `draw` what `mdf tree`, `mdf graph` and the options of `mdf dump` make of it.
+/// `draw` what `mdf tree`, `mdf graph` and the options of `mdf dump` make of it, `export` what
+/// `mdf export` and `mdf plot` make of it.
 namespace mdf_fuzz {
 
 /// Tries one input and says what became of it, in a few words.
@@ -26,6 +27,7 @@ std::string tryBuild(std::string_view input);
 std::string tryCheck(std::string_view input);
 std::string tryDump(std::string_view input);
 std::string tryDraw(std::string_view input);
+std::string tryExport(std::string_view input);
 
 }  // namespace mdf_fuzz
 

@@ -15,6 +15,7 @@ using mdf_v4_10::detail::loadLe;
 
 namespace {
 
+constexpr std::uint64_t most_collected = std::uint64_t{1} << 24U;
 constexpr std::uint64_t mark_distance = std::uint64_t{1} << 14U;
 
 /// Values in signal data: each behind its length in four bytes.
@@ -181,25 +182,79 @@ void Records::visitSorted(const ChannelGroup& group, const RecordVisitor& visit)
 
 void Records::visitUnsorted(const ChannelGroup& group, const RecordVisitor& visit) {
   lookThrough();
-  const Extent& extent = extents_[&group];
-  const std::uint64_t most = hasFinalCount(group) && group.cycles > 0
-                                 ? std::min(group.cycles, extent.count)
-                                 : extent.count;
-  compareCount(group, extent.count, extent.count < group.cycles);
+  const std::uint64_t there = extents_[&group].count;
+  const bool is_counted = hasFinalCount(group) && group.cycles > 0;
+  const std::uint64_t most = is_counted ? std::min(group.cycles, there) : there;
+  compareCount(group, there, there < group.cycles || !is_counted);
+  if (most == 0) {
+    return;
+  }
+  if (bytesOf(group) <= most_collected) {
+    visitCollected(group, most, visit);
+    return;
+  }
   std::uint64_t count = 0;
-  for (std::uint64_t position = extent.begin; count < most;) {
-    const Record record = format_.at(data_, position);
-    if (record.group == nullptr) {
-      return;
-    }
+  walk([&](const Record& record) {
+    return record.group != &group || (visit(record.bytes) && ++count < most);
+  });
+}
+
+/// Goes through unsorted data from the beginning, as long as the visitor says so.
+void Records::walk(const std::function<bool(const Record& record)>& visit) {
+  std::uint64_t position = 0;
+  for (Record record = format_.at(data_, position); record.group != nullptr && visit(record);
+       record = format_.at(data_, position)) {
     position = record.next;
-    if (record.group == &group) {
-      ++count;
-      if (!visit(record.bytes)) {
-        return;
-      }
+  }
+}
+
+std::uint64_t Records::bytesOf(const ChannelGroup& group) {
+  return extents_[&group].count * group.recordBytes();
+}
+
+/// Small groups are taken out of the data together with those that follow: there may be very many
+/// of them, and the data is not to be gone through for each.
+void Records::visitCollected(const ChannelGroup& group, std::uint64_t count,
+                             const RecordVisitor& visit) {
+  if (collected_.find(&group) == collected_.end()) {
+    collectFrom(group);
+  }
+  const std::string records = std::move(collected_[&group]);
+  collected_.erase(&group);
+  const auto size = static_cast<std::size_t>(group.recordBytes());
+  std::string_view rest = records;
+  for (std::uint64_t i = 0; i < count && size <= rest.size() && visit(rest.substr(0, size)); ++i) {
+    rest.remove_prefix(size);
+  }
+}
+
+void Records::collectFrom(const ChannelGroup& first) {
+  collected_.clear();
+  std::uint64_t bytes = 0;
+  std::uint64_t missing = 0;
+  bool is_behind = false;
+  for (const ChannelGroup& group : data_group_.groups) {
+    is_behind = is_behind || &group == &first;
+    if (!is_behind || group.holdsVariableLength()) {
+      continue;
+    }
+    bytes += bytesOf(group);
+    if (bytes > most_collected) {
+      break;
+    }
+    if (extents_[&group].count > 0) {
+      missing += extents_[&group].count;
+      collected_[&group].reserve(static_cast<std::size_t>(bytesOf(group)));
     }
   }
+  walk([&](const Record& record) {
+    const auto wanted = collected_.find(record.group);
+    if (wanted != collected_.end()) {
+      wanted->second += record.bytes;
+      --missing;
+    }
+    return missing > 0;
+  });
 }
 
 void Records::lookThrough() {
@@ -207,13 +262,13 @@ void Records::lookThrough() {
     return;
   }
   is_looked_through_ = true;
-  Record record;
   std::uint64_t position = 0;
-  for (record = format_.at(data_, position); record.group != nullptr;
-       record = format_.at(data_, position)) {
+  walk([&](const Record& record) {
     note(record, position);
     position = record.next;
-  }
+    return true;
+  });
+  const Record record = format_.at(data_, position);
   if (!record.is_end) {
     report_({data_group_.offset, "expected the record id of a channel group at byte " +
                                      std::to_string(position) + " of the data, found " +
@@ -223,9 +278,7 @@ void Records::lookThrough() {
 
 void Records::note(const Record& record, std::uint64_t position) {
   Extent& extent = extents_[record.group];
-  if (extent.count++ == 0) {
-    extent.begin = position;
-  }
+  ++extent.count;
   if (record.group->holdsVariableLength()) {
     if (extent.marks.empty() || position - extent.marks.back().position >= mark_distance) {
       extent.marks.push_back({extent.length, position});

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -37,8 +38,9 @@ class SignalValues {
 std::unique_ptr<SignalValues> signalDataAt(InputFile& file, std::uint64_t link, bool is_unfinished,
                                            const FindingSink& report);
 
-/// The records of one data group. Of sorted data they are read as they come; unsorted data is
-/// looked through once, and again for each channel group that is asked for.
+/// The records of one data group. Of sorted data they are read as they come. Unsorted data is
+/// looked through once, and again for each channel group that is asked for, or for some of them
+/// together. Up to 16 MiB of records are held in memory then.
 class Records {
  public:
   Records(InputFile& file, const Identification& identification, const DataGroup& data_group,
@@ -60,7 +62,6 @@ class Records {
   /// What looking through unsorted data has shown of a group.
   struct Extent {
     std::uint64_t count = 0;
-    std::uint64_t begin = 0;
     std::uint64_t length = 0;  ///< of all values
     std::vector<Mark> marks;   ///< for every 16 KiB of data
   };
@@ -72,6 +73,10 @@ class Records {
   void visitCounted(const ChannelGroup& group, const RecordVisitor& visit);
   void visitSorted(const ChannelGroup& group, const RecordVisitor& visit);
   void visitUnsorted(const ChannelGroup& group, const RecordVisitor& visit);
+  void visitCollected(const ChannelGroup& group, std::uint64_t count, const RecordVisitor& visit);
+  void collectFrom(const ChannelGroup& first);
+  void walk(const std::function<bool(const Record& record)>& visit);
+  std::uint64_t bytesOf(const ChannelGroup& group);
   void lookThrough();
   void note(const Record& record, std::uint64_t position);
   void compareCount(const ChannelGroup& group, std::uint64_t found, bool is_end);
@@ -83,6 +88,7 @@ class Records {
   DataStream data_;
   RecordFormat format_;
   std::unordered_map<const ChannelGroup*, Extent> extents_;
+  std::unordered_map<const ChannelGroup*, std::string> collected_;  ///< records side by side
   bool is_looked_through_ = false;
 };
 

@@ -7,6 +7,7 @@
 
 #include "reading/input_file.h"
 #include "sample_file.h"
+#include "support/allocation_counter.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
@@ -377,6 +378,83 @@ TEST(Table, VirtualChannelsAloneWithACountThatLies) {
       [](const std::string& /*note*/) {});
   EXPECT_EQ(counter.count, std::uint64_t{1} << 20U);
   EXPECT_EQ(findings, 1U);
+}
+
+/// Visits all samples of a file, and returns how many bytes that took at the most.
+std::size_t bytesToVisit(const std::string& path, Counter& counter) {
+  mdf_tools::InputFile file(path);
+  const AllocationMeter meter;
+  mdf_tools::visitTables(
+      file, {}, counter,
+      [](const mdf_tools::Finding& finding) { ADD_FAILURE() << finding.sentence; },
+      [](const std::string& /*note*/) {});
+  return meter.peakBytes();
+}
+
+TEST(Table, MemoryDoesNotGrowWithTheSamples) {
+  SampleFile contents;
+  constexpr std::uint64_t cycles = 500000;
+  constexpr std::uint32_t size = 200;
+  const std::uint64_t group = contents.group({cycles, size}, {contents.time()});
+  contents.dataGroup({group}, 0);
+  const std::uint64_t data = contents.data("");
+  contents.write(data + 8, Bytes().u64(24 + cycles * size));
+  contents.link(contents.bytes().find("##DG"), 2, data);
+  TempFile path(contents.bytes());
+  path.writeAt(data + 24 + cycles * size - 1,
+               std::string(1, '\0'));  // 100 MB, most of them no bytes
+  Counter counter;
+  EXPECT_LT(bytesToVisit(path.path(), counter), 1000000U);
+  EXPECT_EQ(counter.count, cycles);
+}
+
+TEST(Table, MemoryDoesNotGrowWithZippedBlocks) {
+  SampleFile contents;
+  const std::uint64_t group = contents.group({8000, 50}, {contents.time()});
+  std::vector<std::uint64_t> blocks;
+  for (int i = 0; i < 40; ++i) {
+    blocks.push_back(contents.zipped("DT", std::string(10000, '\0')));
+  }
+  contents.dataGroup({group}, contents.list(blocks));
+  const TempFile path(contents.bytes());
+  Counter counter;
+  EXPECT_LT(bytesToVisit(path.path(), counter), 100000U);
+  EXPECT_EQ(counter.count, 8000U);
+}
+
+TEST(Table, ManyUnsortedGroups) {
+  SampleFile file;
+  std::vector<std::uint64_t> groups;
+  Bytes records;
+  std::string expected;
+  for (std::uint16_t i = 0; i < 300; ++i) {
+    const std::string name = "c" + std::to_string(i);
+    groups.push_back(file.group({2, 1, 0, i}, {file.channel(firstByte(name))}));
+    records.u16(i).u8(static_cast<std::uint8_t>(i));
+    expected += (i == 0 ? "" : "\n") + name + "\n" + std::to_string(i % 256) + "\n" +
+                std::to_string((299 - i) % 256) + "\n";
+  }
+  for (std::uint16_t i = 0; i < 300; ++i) {
+    records.u16(static_cast<std::uint16_t>(299 - i)).u8(static_cast<std::uint8_t>(i));
+  }
+  file.dataGroup(groups, file.data(records), 2);
+  EXPECT_EQ(healthyCsvOf(file.bytes()), expected);
+}
+
+TEST(Table, UnsortedGroupsTooLargeToBeHeldInMemory) {
+  SampleFile contents;
+  constexpr std::uint32_t size = 200000;
+  const std::uint64_t large = contents.group({100, size, 0, 1}, {contents.channel(firstByte("a"))});
+  const std::uint64_t small = contents.group({100, 1, 0, 2}, {contents.channel(firstByte("b"))});
+  Bytes records;
+  for (int i = 0; i < 100; ++i) {
+    records.u8(1).zeros(size).u8(2).u8(7);
+  }
+  contents.dataGroup({large, small}, contents.data(records), 1);
+  const TempFile path(contents.bytes());
+  Counter counter;
+  EXPECT_LT(bytesToVisit(path.path(), counter), 2000000U);
+  EXPECT_EQ(counter.count, 200U);
 }
 
 TEST(Table, MembersOfStructures) {

@@ -1,0 +1,125 @@
+#include <csv.h>
+
+#include <cstddef>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "expect.h"
+#include "finding_check.h"
+#include "memory_file.h"
+#include "reading/finding.h"
+#include "reading/input_file.h"
+#include "sampling/chart.h"
+#include "sampling/table_writers.h"
+#include "sampling/text_encoding.h"
+#include "support/allocation_counter.h"
+#include "targets.h"
+
+namespace mdf_fuzz {
+
+namespace {
+
+using namespace mdf_tools;
+
+/// How many fields each line of CSV has.
+struct Lines {
+  std::vector<std::size_t> counts;
+  std::size_t fields = 0;
+};
+
+Lines linesOf(const std::string& text) {
+  Lines lines;
+  csv_parser parser;
+  expect(csv_init(&parser, CSV_STRICT | CSV_STRICT_FINI) == 0, "a parser of CSV");
+  const auto field = [](void* /*text*/, std::size_t /*size*/, void* data) {
+    ++static_cast<Lines*>(data)->fields;
+  };
+  const auto line = [](int /*end*/, void* data) {
+    auto* all = static_cast<Lines*>(data);
+    all->counts.push_back(all->fields);
+    all->fields = 0;
+  };
+  const std::size_t parsed = csv_parse(&parser, text.data(), text.size(), field, line, &lines);
+  const bool is_whole = csv_fini(&parser, field, line, &lines) == 0;
+  csv_free(&parser);
+  expect(parsed == text.size() && is_whole, "CSV in its strict form");
+  return lines;
+}
+
+/// Writes and draws the first samples of each table, and looks at what comes of it.
+class Trial : public TableVisitor {
+ public:
+  void begin(Table& table) override {
+    text_.str("");
+    samples_ = 0;
+    ++tables_;
+    columns_ = table.columns().size();
+    csv_.begin(table);
+    json_.begin(table);
+    collector_.begin(table);
+  }
+
+  bool sample(Table& table, const Sample& sample) override {
+    constexpr std::size_t most = 50;
+    constexpr std::size_t most_values = 20000;
+    values_ += columns_;
+    if (++samples_ > most || values_ > most_values) {
+      return false;
+    }
+    collector_.sample(table, sample);
+    return csv_.sample(table, sample) && json_.sample(table, sample);
+  }
+
+  void end() override {
+    const std::string text = text_.str();
+    expect(fromUtf8(text) == text, "text in UTF-8");
+    for (const std::size_t count : linesOf(text).counts) {
+      expect(count == columns_, "a field for each column");
+    }
+  }
+
+  std::size_t tables() const { return tables_; }
+  std::string script() const { return gnuplotScript(curves_, {ChartForm::Kind::svg, "title"}); }
+
+ private:
+  std::ostringstream text_;
+  std::ostringstream json_text_;
+  CsvWriter csv_{[this](const Table& /*table*/) { return &text_; }};
+  JsonLinesWriter json_{[this](const Table& /*table*/) {
+    json_text_.str("");
+    return &json_text_;
+  }};
+  std::vector<Curve> curves_;
+  CurveCollector collector_{curves_, 10, ""};
+  std::size_t tables_ = 0;
+  std::size_t columns_ = 0;
+  std::size_t samples_ = 0;
+  std::size_t values_ = 0;
+};
+
+}  // namespace
+
+std::string tryExport(std::string_view input) {
+  constexpr std::size_t always = std::size_t{1} << 26U;
+  constexpr std::size_t for_a_byte = 2200;  // of data that is zipped as small as can be
+  static const MemoryFile memory;
+  memory.hold(input);
+  InputFile file(memory.path());
+  Trial trial;
+  std::size_t findings = 0;
+  {
+    const mdf_tests::AllocationLimit limit(always + for_a_byte * input.size());
+    visitTables(
+        file, {}, trial,
+        [&](const Finding& finding) {
+          expectSentence(finding, file.size());
+          ++findings;
+        },
+        [](const std::string& /*note*/) {});
+  }
+  expect(!trial.script().empty(), "a picture of whatever there is");
+  return std::to_string(trial.tables()) + " tables, " + std::to_string(findings) + " findings";
+}
+
+}  // namespace mdf_fuzz
