@@ -14,6 +14,7 @@
 
 namespace mdf_tools {
 
+using mdf_v4_10::detail::hostSize;
 using mdf_v4_10::detail::loadLe;
 
 namespace {
@@ -57,7 +58,7 @@ std::string digestOfFile(InputFile& file, std::uint64_t offset, std::uint64_t si
 std::optional<std::string> inflateChecked(const Subject& subject, std::uint32_t index,
                                           std::uint64_t offset, std::uint64_t size,
                                           std::uint64_t stated) {
-  std::string stream(static_cast<std::size_t>(size), '\0');
+  std::string stream(hostSize(size), '\0');
   stream.resize(subject.file.readAt(offset, stream.data(), stream.size()));
   Inflated inflated = inflate(stream, stated);
   const std::string expected = "expected " + std::to_string(size) + " bytes that inflate to " +

@@ -7,11 +7,14 @@
 #include <utility>
 
 #include "data_check.h"
+#include "framework/wire.h"
 #include "reading/block_fields.h"
 #include "reading/inflate.h"
 #include "survey.h"
 
 namespace mdf_tools {
+
+using mdf_v4_10::detail::hostSize;
 
 namespace {
 
@@ -113,7 +116,7 @@ void DataReader::unzip(const RawBlock& block) {
   if (is_broken_) {
     return;
   }
-  std::string stream(static_cast<std::size_t>(size), '\0');
+  std::string stream(hostSize(size), '\0');
   stream.resize(subject_.file.readAt(fields.tailAt(), stream.data(), stream.size()));
   Inflated inflated = inflate(stream, fields.number("dz_org_data_length"));
   is_broken_ = inflated.state != Inflating::fine;

@@ -6,7 +6,11 @@
 #include <memory>
 #include <new>
 
+#include "framework/wire.h"
+
 namespace mdf_tools {
+
+using mdf_v4_10::detail::hostSize;
 
 namespace {
 
@@ -43,10 +47,10 @@ Inflated inflate(std::string_view stream, std::uint64_t stated_size) {
   constexpr std::uint64_t growth = 8;
   const std::uint64_t most = std::min(stated_size, stream.size() * most_from_a_byte);
   std::uint64_t room = std::min(most, stream.size() * usual_from_a_byte);
-  Inflated result = inflateInto(decompressor.get(), stream, static_cast<std::size_t>(room));
+  Inflated result = inflateInto(decompressor.get(), stream, hostSize(room));
   while (result.state == Inflating::too_long && room < most) {
     room = std::min(most, room * growth);
-    result = inflateInto(decompressor.get(), stream, static_cast<std::size_t>(room));
+    result = inflateInto(decompressor.get(), stream, hostSize(room));
   }
   if (result.state == Inflating::fine && room != stated_size) {
     result.state = Inflating::too_short;

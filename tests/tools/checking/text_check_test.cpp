@@ -1,0 +1,105 @@
+#include "checking/text_check.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+#include "tools/support/checked.h"
+#include "tools/support/small_file.h"
+
+using namespace mdf_tests;
+using mdf_tools::Utf8Check;
+
+namespace {
+
+/// All bytes at once and one by one come to the same.
+bool isUtf8(std::string_view bytes) {
+  Utf8Check whole;
+  whole.take(bytes);
+  Utf8Check pieces;
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    pieces.take(bytes.substr(i, 1));
+  }
+  EXPECT_EQ(whole.isFine(), pieces.isFine());
+  return whole.isFine();
+}
+
+TEST(Utf8Check, FirstAndLastCharactersOfEachLength) {
+  EXPECT_TRUE(isUtf8(""));
+  EXPECT_TRUE(isUtf8("\x01\x7F"));
+  EXPECT_TRUE(isUtf8("\xC2\x80\xDF\xBF"));
+  EXPECT_TRUE(isUtf8("\xE0\xA0\x80\xEF\xBF\xBF"));
+  EXPECT_TRUE(isUtf8("\xED\x9F\xBF\xEE\x80\x80"));
+  EXPECT_TRUE(isUtf8("\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"));
+}
+
+TEST(Utf8Check, LongerFormsThanNeeded) {
+  EXPECT_FALSE(isUtf8("\xC0\x80"));
+  EXPECT_FALSE(isUtf8("\xC1\xBF"));
+  EXPECT_FALSE(isUtf8("\xE0\x9F\xBF"));
+  EXPECT_FALSE(isUtf8("\xF0\x8F\xBF\xBF"));
+}
+
+TEST(Utf8Check, SurrogatesAndNumbersThatAreTooLarge) {
+  EXPECT_FALSE(isUtf8("\xED\xA0\x80"));
+  EXPECT_FALSE(isUtf8("\xED\xBF\xBF"));
+  EXPECT_FALSE(isUtf8("\xF4\x90\x80\x80"));
+  EXPECT_FALSE(isUtf8("\xF5\x80\x80\x80"));
+  EXPECT_FALSE(isUtf8("\xFF"));
+}
+
+TEST(Utf8Check, CharactersThatAreCutOrHaveNoBeginning) {
+  for (const std::string_view character : {"\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x9A\x97"}) {
+    for (std::size_t size = 1; size < character.size(); ++size) {
+      EXPECT_FALSE(isUtf8(character.substr(0, size)));
+      EXPECT_FALSE(isUtf8(std::string(character.substr(0, size)) + "a"));
+      EXPECT_FALSE(isUtf8(character.substr(size)));
+    }
+  }
+}
+
+TEST(TextCheck, CharacterOverTheBorderOfTwoPieces) {
+  for (const std::size_t before : {4093U, 4094U, 4095U, 4096U}) {
+    SmallFile file;
+    file.setComment(file.text(std::string(before, 'x') + "\xE2\x82\xAC" + std::string(5000, 'y')));
+    EXPECT_EQ(checkedBytes(file.bytes()), "") << before;
+  }
+}
+
+TEST(TextCheck, OnlyWhatIsInFrontOfTheZeroCounts) {
+  SmallFile file;
+  file.setComment(file.add("TX", {}, std::string("abc\0\xFF", 5)));
+  EXPECT_EQ(checkedBytes(file.bytes()), "");
+}
+
+TEST(TextCheck, LongTextWithoutTerminator) {
+  SmallFile file;
+  file.setComment(file.add("TX", {}, std::string(8192, 'x')));
+  EXPECT_EQ(checkedBytes(file.bytes()),
+            "768 warning text-not-terminated: expected a zero byte at the end of the text, found "
+            "none in 8192 bytes [HD.hd_md_comment/TX]\n");
+}
+
+TEST(TextCheck, MetadataThatIsNoText) {
+  SmallFile file;
+  file.setComment(file.metadata("<\xFF>"));
+  EXPECT_EQ(checkedCodes(file.bytes()), "text-not-utf8 1\n");
+}
+
+TEST(TextCheck, PlainTextInMetadata) {
+  SmallFile file;
+  file.setComment(file.metadata("a comment"));
+  EXPECT_EQ(checkedCodes(file.bytes()), "xml-not-well-formed 1\n");
+}
+
+TEST(TextCheck, SharedTextIsCheckedOnce) {
+  SmallFile file;
+  const auto text = file.text("\xFF");
+  file.setComment(text);
+  file.link(SmallFile::speed, 6, text);
+  file.link(SmallFile::time, 6, text);
+  EXPECT_EQ(checkedCodes(file.bytes()), "text-not-utf8 1\n");
+}
+
+}  // namespace
