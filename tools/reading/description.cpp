@@ -217,6 +217,8 @@ ArrayShape DescriptionReader::arrayShape(const BlockFields& array) {
   return shape;
 }
 
+std::string upToZero(std::string_view text) { return std::string(text.substr(0, text.find('\0'))); }
+
 }  // namespace
 
 bool Identification::isUnfinished() const { return file_word == "UnFinMF "; }
@@ -226,9 +228,8 @@ Identification readIdentification(InputFile& file) {
   file.readAt(0, bytes.data(), bytes.size());
   Identification id;
   id.file_word.assign(bytes.data(), 8);
-  id.version_text.assign(bytes.data() + 8, 8);
-  id.program.assign(bytes.data() + 16, 8);
-  id.program.resize(std::min(id.program.size(), id.program.find('\0')));
+  id.version_text = upToZero({bytes.data() + 8, 8});
+  id.program = upToZero({bytes.data() + 16, 8});
   id.version = loadLe<std::uint16_t>(bytes.data() + 28);
   id.standard_flags = loadLe<std::uint16_t>(bytes.data() + 60);
   id.custom_flags = loadLe<std::uint16_t>(bytes.data() + 62);

@@ -19,7 +19,7 @@ class InputFile;
 /// What the 64 bytes in front of a file say of it.
 struct Identification {
   std::string file_word;        ///< 8 bytes: "MDF     ", or "UnFinMF " for an unfinished file
-  std::string version_text;     ///< 8 bytes, such as "4.10    "
+  std::string version_text;     ///< 8 bytes up to a zero byte, such as "4.10    "
   std::string program;          ///< 8 bytes up to a zero byte
   unsigned version = 0;         ///< such as 410
   unsigned standard_flags = 0;  ///< what an unfinished file has left open, bit by bit
