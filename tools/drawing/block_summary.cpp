@@ -94,9 +94,14 @@ void Summarizer::hierarchy() {
 }
 
 void Summarizer::attachment() {
+  constexpr std::uint64_t embedded = 1;
   name(1);
   fact("media_type", text(block_.link(2)));
-  count("embedded_bytes", block_.number("at_embedded_size"), "bytes embedded");
+  if (block_.hasFlag("at_flags", embedded)) {
+    count("embedded_bytes", block_.number("at_embedded_size"), "bytes embedded");
+  } else {
+    fact("place", "stored elsewhere");
+  }
 }
 
 void Summarizer::event() {
@@ -106,9 +111,11 @@ void Summarizer::event() {
 }
 
 void Summarizer::dataGroup() {
+  constexpr std::uint64_t code_of_four_bytes =
+      3;  // of writers that do not store the number of bytes
   const std::uint64_t bytes = block_.number("dg_rec_id_size");
   if (bytes != 0) {
-    count("record_id_bytes", bytes, "bytes of record id");
+    count("record_id_bytes", bytes == code_of_four_bytes ? 4 : bytes, "bytes of record id");
   }
 }
 
