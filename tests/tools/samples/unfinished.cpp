@@ -67,6 +67,17 @@ Sample customFlags() {
           {countingTable(2)}};
 }
 
+/// An empty block that is not the last thing in the file, though the flags say that one is open.
+Sample emptyBlockBefore() {
+  SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
+  const std::uint64_t empty = file.add("DT", {});
+  file.sortedGroup(countingGroup(0), countingChannels(), empty);
+  return {"unfinished-last-data-open-before-others",
+          "an empty block with others behind is empty",
+          file.bytes(),
+          {countingTable(0)}};
+}
+
 /// A list whose last block is still open.
 Sample listWithOpenBlock() {
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
@@ -170,8 +181,8 @@ Sample openVariableLength() {
 
 Samples unfinishedSamples() {
   Samples samples = oneBlock();
-  for (const auto make : {customFlags, listWithOpenBlock, openList, openZippedList, openUnsorted,
-                          openVariableLength}) {
+  for (const auto make : {customFlags, emptyBlockBefore, listWithOpenBlock, openList,
+                          openZippedList, openUnsorted, openVariableLength}) {
     samples.push_back(make());
   }
   return samples;
