@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../framework/bits.h"
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -20,7 +21,7 @@ namespace mdf_v4_10 {
 ///
 /// The link to the next list stands in `links`; the links to the listed blocks are kept in
 /// `dl_data` and joined to it in the file only.
-class DLBLOCK : public GENERALBLOCK {
+class MDF_EXPORT DLBLOCK : public GENERALBLOCK {
  public:
   /// Size of an empty list without equal length.
   static constexpr std::size_t DLBLOCK_CONSTANT_SIZE = 40;
@@ -99,7 +100,7 @@ inline constexpr auto dlblock_equal_length_fields =
 /// Writes the block; length, link count and entry count in the file follow from the pairs. The link
 /// count takes one link besides theirs for granted: a block that was read writes all of `links`,
 /// and so more links than its link count and its length say.
-std::ostream& operator<<(std::ostream& os, const DLBLOCK& dlb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const DLBLOCK& dlb);
 
 }  // namespace mdf_v4_10
 

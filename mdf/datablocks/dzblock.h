@@ -6,6 +6,7 @@
 #include <iosfwd>
 #include <vector>
 
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -15,7 +16,7 @@ namespace mdf_v4_10 {
 /// A zipped data block: stands in place of a data, reduction data or signal data block whose
 /// content has been compressed. The library neither compresses nor decompresses: the caller hands
 /// in compressed bytes, and states the length that they had before.
-class DZBLOCK : public GENERALBLOCK {
+class MDF_EXPORT DZBLOCK : public GENERALBLOCK {
  public:
   /// Size without the compressed bytes.
   static constexpr std::size_t DZBLOCK_CONSTANT_SIZE = 48;
@@ -80,7 +81,7 @@ static_assert(detail::sizeWithLinks(0, dzblock_fields) == DZBLOCK::DZBLOCK_CONST
 
 /// Writes the block; the length and the compressed length in the file follow from the bytes, and
 /// the link count is 0.
-std::ostream& operator<<(std::ostream& os, const DZBLOCK& dzb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const DZBLOCK& dzb);
 
 }  // namespace mdf_v4_10
 

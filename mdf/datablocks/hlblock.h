@@ -7,6 +7,7 @@
 #include <iosfwd>
 
 #include "../framework/bits.h"
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -15,7 +16,7 @@
 namespace mdf_v4_10 {
 
 /// A header list block: heads a chain of data lists whose blocks are zipped, and says how.
-class HLBLOCK : public GENERALBLOCK {
+class MDF_EXPORT HLBLOCK : public GENERALBLOCK {
  public:
   static constexpr std::size_t HLBLOCK_SIZE = 40;
   static constexpr std::uint16_t MDF_HL_ID = 0x4C48;
@@ -68,7 +69,7 @@ static_assert(detail::sizeWithLinks(HLBLOCK::HL_BLOCK_LINKS_NUM, hlblock_fields)
               HLBLOCK::HLBLOCK_SIZE);
 
 /// Writes the block with its links, but a link count of 0.
-std::ostream& operator<<(std::ostream& os, const HLBLOCK& hlb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const HLBLOCK& hlb);
 
 }  // namespace mdf_v4_10
 

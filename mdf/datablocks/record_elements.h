@@ -4,12 +4,14 @@
 #include <cstdint>
 #include <iosfwd>
 
+#include "../framework/export.h"
+
 /// Elements for composing the bytes of records before they are put into a data block. They are no
 /// blocks of the format. Each writes its bytes packed and little-endian.
 namespace mdf_v4_10 {
 
 /// An 8-bit record id and a 32-bit time stamp: 5 bytes.
-class IDTSDATABLOCK {
+class MDF_EXPORT IDTSDATABLOCK {
  public:
   IDTSDATABLOCK(std::uint8_t _id, std::uint32_t _timestamp) : id(_id), timestamp(_timestamp) {}
 
@@ -18,7 +20,7 @@ class IDTSDATABLOCK {
 };
 
 /// A 16-bit record id and a 64-bit time stamp: 10 bytes.
-class IDTSDATABLOCK64 {
+class MDF_EXPORT IDTSDATABLOCK64 {
  public:
   IDTSDATABLOCK64(std::uint16_t _id, std::uint64_t _timestamp) : id(_id), timestamp(_timestamp) {}
 
@@ -27,7 +29,7 @@ class IDTSDATABLOCK64 {
 };
 
 /// The `valsize` low bytes of a value; at most 8 are written.
-class VALUEDATABLOCK {
+class MDF_EXPORT VALUEDATABLOCK {
  public:
   VALUEDATABLOCK(std::uint64_t _value, std::uint32_t _valsize) : value(_value), valsize(_valsize) {}
 
@@ -35,9 +37,9 @@ class VALUEDATABLOCK {
   std::uint32_t valsize;
 };
 
-std::ostream& operator<<(std::ostream& os, const IDTSDATABLOCK& element);
-std::ostream& operator<<(std::ostream& os, const IDTSDATABLOCK64& element);
-std::ostream& operator<<(std::ostream& os, const VALUEDATABLOCK& element);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const IDTSDATABLOCK& element);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const IDTSDATABLOCK64& element);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const VALUEDATABLOCK& element);
 
 }  // namespace mdf_v4_10
 

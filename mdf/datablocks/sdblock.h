@@ -6,6 +6,7 @@
 #include <iosfwd>
 #include <vector>
 
+#include "../framework/export.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -16,7 +17,7 @@ namespace mdf_v4_10 {
 ///
 /// In the file: the common header, then the bytes. The header's length in memory is not kept in
 /// step with the bytes; the writer and the dump compute it.
-class SDBLOCK : public GENERALBLOCK {
+class MDF_EXPORT SDBLOCK : public GENERALBLOCK {
  public:
   /// Size without the data.
   static constexpr std::size_t SDBLOCK_CONSTANT_SIZE = HeaderSection::HEADER_SIZE;
@@ -50,7 +51,7 @@ class SDBLOCK : public GENERALBLOCK {
 };
 
 /// Writes the header, its length following from the data, and the data.
-std::ostream& operator<<(std::ostream& os, const SDBLOCK& sdb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const SDBLOCK& sdb);
 
 }  // namespace mdf_v4_10
 

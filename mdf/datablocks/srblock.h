@@ -7,6 +7,7 @@
 #include <iosfwd>
 
 #include "../framework/bits.h"
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -15,7 +16,7 @@ namespace mdf_v4_10 {
 
 /// A sample reduction block: describes a condensed copy of a channel group's signals, one record
 /// per interval of time, angle, distance or record index. The blocks of one group form a chain.
-class SRBLOCK : public GENERALBLOCK {
+class MDF_EXPORT SRBLOCK : public GENERALBLOCK {
  public:
   static constexpr std::size_t SRBLOCK_SIZE = 64;
   static constexpr std::uint16_t MDF_SR_ID = 0x5253;
@@ -92,7 +93,7 @@ static_assert(detail::sizeWithLinks(SRBLOCK::SR_BLOCK_LINKS_NUM, srblock_fields)
 
 /// Writes the header and the links as they are stored, then the data section. A block that was
 /// read writes its nil links as well.
-std::ostream& operator<<(std::ostream& os, const SRBLOCK& srb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const SRBLOCK& srb);
 
 }  // namespace mdf_v4_10
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "../framework/bits.h"
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -22,7 +23,7 @@ namespace mdf_v4_10 {
 /// The four fixed links stand in `links`; the references that a conversion type needs are kept
 /// apart in `cc_refs` and joined to them in the file only. Length, link count and the two counts in
 /// the file always follow from the lists; the header in memory does not.
-class CCBLOCK : public GENERALBLOCK {
+class MDF_EXPORT CCBLOCK : public GENERALBLOCK {
  public:
   /// Size without references and values.
   static constexpr std::size_t CCBLOCK_CONSTANT_SIZE = 80;
@@ -196,7 +197,7 @@ static_assert(detail::sizeWithLinks(CCBLOCK::cc_cc_inverse + 1, ccblock_fields) 
 
 /// Writes the block; length, link count and the two counts in the file follow from its lists. The
 /// counts are 16 bits wide: of longer lists all entries are written, and the counts are cut.
-std::ostream& operator<<(std::ostream& os, const CCBLOCK& ccb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const CCBLOCK& ccb);
 
 }  // namespace mdf_v4_10
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "../framework/bits.h"
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -16,7 +17,7 @@ namespace mdf_v4_10 {
 
 /// A channel group block: one kind of record in a data group, how many of them there are and how
 /// many data and invalidation bytes each has. It leads to the record's channels.
-class CGBLOCK : public GENERALBLOCK {
+class MDF_EXPORT CGBLOCK : public GENERALBLOCK {
  public:
   static constexpr std::size_t CGBLOCK_SIZE = 104;
   static constexpr std::uint16_t MDF_CG_ID = 0x4743;
@@ -152,7 +153,7 @@ static_assert(detail::sizeWithLinks(CGBLOCK::CG_BLOCK_LINKS_NUM, cgblock_fields)
 
 /// Writes the header and the links as they are stored, then the data section. A block that was
 /// read writes its nil links as well.
-std::ostream& operator<<(std::ostream& os, const CGBLOCK& cgb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const CGBLOCK& cgb);
 
 }  // namespace mdf_v4_10
 

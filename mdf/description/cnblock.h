@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "../framework/bits.h"
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -24,7 +25,7 @@ class Dump;
 ///
 /// The eight fixed links stand in `links`; the links to attachments and, with the `default_x_axis`
 /// flag, the three links of the default X axis are kept apart and joined to them in the file only.
-class CNBLOCK : public GENERALBLOCK {
+class MDF_EXPORT CNBLOCK : public GENERALBLOCK {
  public:
   /// Size without attachments and default X axis.
   static constexpr std::size_t CNBLOCK_CONSTANT_SIZE = 160;
@@ -305,7 +306,7 @@ static_assert(detail::sizeWithLinks(CNBLOCK::cn_md_comment + 1, cnblock_fields) 
               CNBLOCK::CNBLOCK_CONSTANT_SIZE);
 
 /// Writes the block; length and link count in the file follow from its lists.
-std::ostream& operator<<(std::ostream& os, const CNBLOCK& cnb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const CNBLOCK& cnb);
 
 }  // namespace mdf_v4_10
 

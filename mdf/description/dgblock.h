@@ -7,6 +7,7 @@
 #include <iosfwd>
 #include <string>
 
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -15,7 +16,7 @@ namespace mdf_v4_10 {
 
 /// A data group block: one link in the chain of data groups. It leads to the group's first channel
 /// group and to its data, and says how many bytes of record id each record starts with.
-class DGBLOCK : public GENERALBLOCK {
+class MDF_EXPORT DGBLOCK : public GENERALBLOCK {
  public:
   static constexpr std::size_t DGBLOCK_SIZE = 64;
   static constexpr std::uint16_t MDF_DG_ID = 0x4744;
@@ -85,7 +86,7 @@ static_assert(detail::sizeWithLinks(DGBLOCK::DG_BLOCK_LINKS_NUM, dgblock_fields)
 
 /// Writes the header and the links as they are stored, then the data section. A block that was
 /// read writes its nil links as well.
-std::ostream& operator<<(std::ostream& os, const DGBLOCK& dgb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const DGBLOCK& dgb);
 
 }  // namespace mdf_v4_10
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "../framework/bits.h"
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -16,7 +17,7 @@ namespace mdf_v4_10 {
 
 /// A source information block: where the values of a channel or of a channel group came from, over
 /// what kind of bus, and whether the source was simulated.
-class SIBLOCK : public GENERALBLOCK {
+class MDF_EXPORT SIBLOCK : public GENERALBLOCK {
  public:
   static constexpr std::size_t SIBLOCK_SIZE = 56;
   static constexpr std::uint16_t MDF_SI_ID = 0x4953;
@@ -112,7 +113,7 @@ static_assert(detail::sizeWithLinks(SIBLOCK::SI_BLOCK_LINKS_NUM, siblock_fields)
 
 /// Writes the header and the links as they are stored, then the data section. A block that was
 /// read writes its nil links as well.
-std::ostream& operator<<(std::ostream& os, const SIBLOCK& sib);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const SIBLOCK& sib);
 
 }  // namespace mdf_v4_10
 

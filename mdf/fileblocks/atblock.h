@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../framework/bits.h"
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -20,7 +21,7 @@ namespace mdf_v4_10 {
 ///
 /// The block is constructed without links. The first link setter gives it the format's four, which
 /// a block in a file must have: a block whose links are all to be nil needs one setter call, too.
-class ATBLOCK : public GENERALBLOCK {
+class MDF_EXPORT ATBLOCK : public GENERALBLOCK {
  public:
   /// Size without embedded bytes.
   static constexpr std::size_t ATBLOCK_CONSTANT_SIZE = 96;
@@ -137,7 +138,7 @@ static_assert(detail::sizeWithLinks(ATBLOCK::AT_BLOCK_LINKS_NUM, atblock_fields)
 
 /// Writes the block, its length following from the embedded bytes. Links and link count are written
 /// as they are stored, whether there are four or not.
-std::ostream& operator<<(std::ostream& os, const ATBLOCK& atb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const ATBLOCK& atb);
 
 }  // namespace mdf_v4_10
 

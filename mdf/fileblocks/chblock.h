@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -20,7 +21,7 @@ namespace mdf_v4_10 {
 ///
 /// The four fixed links stand in `links`; the elements are kept apart and become links in the file
 /// only, three for each element.
-class CHBLOCK : public GENERALBLOCK {
+class MDF_EXPORT CHBLOCK : public GENERALBLOCK {
  public:
   /// Size without elements.
   static constexpr std::size_t CHBLOCK_CONSTANT_SIZE = 64;
@@ -129,7 +130,7 @@ static_assert(detail::sizeWithLinks(CHBLOCK::ch_md_comment + 1, chblock_fields) 
 
 /// Writes the block. Its length follows from its elements; the link count is the number of elements
 /// and 4, although each element takes three links, and deliberately so.
-std::ostream& operator<<(std::ostream& os, const CHBLOCK& chb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const CHBLOCK& chb);
 
 }  // namespace mdf_v4_10
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../framework/bits.h"
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -21,7 +22,7 @@ namespace mdf_v4_10 {
 ///
 /// The five fixed links stand in `links`; the event's scope (the channels or channel groups that it
 /// applies to) and its attachments are kept apart and joined to them in the file only.
-class EVBLOCK : public GENERALBLOCK {
+class MDF_EXPORT EVBLOCK : public GENERALBLOCK {
  public:
   /// Size without scope and attachments.
   static constexpr std::size_t EVBLOCK_CONSTANT_SIZE = 96;
@@ -193,7 +194,7 @@ static_assert(detail::sizeWithLinks(EVBLOCK::ev_md_comment + 1, evblock_fields) 
               EVBLOCK::EVBLOCK_CONSTANT_SIZE);
 
 /// Writes the block; length and link count in the file follow from its lists.
-std::ostream& operator<<(std::ostream& os, const EVBLOCK& evb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const EVBLOCK& evb);
 
 }  // namespace mdf_v4_10
 

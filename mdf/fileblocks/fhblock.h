@@ -8,6 +8,7 @@
 #include <iosfwd>
 #include <string>
 
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -16,7 +17,7 @@ namespace mdf_v4_10 {
 
 /// A file history block: one change of the file, when it happened and, in the linked comment, what
 /// tool did what.
-class FHBLOCK : public GENERALBLOCK {
+class MDF_EXPORT FHBLOCK : public GENERALBLOCK {
  public:
   static constexpr std::size_t FHBLOCK_SIZE = 56;
   static constexpr std::uint16_t MDF_FH_ID = 0x4846;
@@ -76,7 +77,7 @@ static_assert(detail::sizeWithLinks(FHBLOCK::FH_BLOCK_LINKS_NUM, fhblock_fields)
               FHBLOCK::FHBLOCK_SIZE);
 
 /// Writes the header and the links as they are stored, then the data section.
-std::ostream& operator<<(std::ostream& os, const FHBLOCK& fhb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const FHBLOCK& fhb);
 
 }  // namespace mdf_v4_10
 

@@ -7,6 +7,7 @@
 #include <iosfwd>
 #include <string>
 
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -15,7 +16,7 @@ namespace mdf_v4_10 {
 
 /// The header block, at file offset 64: the root of the file's blocks. It says when the recording
 /// started and, optionally, at what angle and distance.
-class HDBLOCK : public GENERALBLOCK {
+class MDF_EXPORT HDBLOCK : public GENERALBLOCK {
  public:
   static constexpr std::size_t HDBLOCK_SIZE = 104;
   static constexpr std::uint16_t MDF_HD_ID = 0x4448;
@@ -125,7 +126,7 @@ static_assert(detail::sizeWithLinks(HDBLOCK::HD_BLOCK_LINKS_NUM, hdblock_fields)
               HDBLOCK::HDBLOCK_SIZE);
 
 /// Writes the header and the links as they are stored, then the data section.
-std::ostream& operator<<(std::ostream& os, const HDBLOCK& hdb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const HDBLOCK& hdb);
 
 }  // namespace mdf_v4_10
 

@@ -7,6 +7,7 @@
 #include <iosfwd>
 #include <string>
 
+#include "../framework/export.h"
 #include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
@@ -16,7 +17,7 @@ namespace mdf_v4_10 {
 /// The identification block: the first 64 bytes of every file. They name the file format, its
 /// version and the program that wrote the file. Alone among the blocks it has no "##" header and no
 /// links in the file; the inherited header is neither written nor read.
-class IDBLOCK : public GENERALBLOCK {
+class MDF_EXPORT IDBLOCK : public GENERALBLOCK {
  public:
   static constexpr std::size_t IDBLOCK_SIZE = 64;
   static constexpr const char* MDF_ID_FILE_STRING = "MDF     ";
@@ -67,7 +68,7 @@ inline constexpr auto idblock_fields = detail::fieldList(
 static_assert(idblock_fields.width() == IDBLOCK::IDBLOCK_SIZE);
 
 /// Writes the 64 bytes of the block, without a header.
-std::ostream& operator<<(std::ostream& os, const IDBLOCK& idb);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const IDBLOCK& idb);
 
 }  // namespace mdf_v4_10
 

@@ -6,6 +6,7 @@
 #include <iosfwd>
 #include <vector>
 
+#include "../framework/export.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -14,7 +15,7 @@ namespace mdf_v4_10 {
 /// A metadata block: XML, for example a comment, with a terminating zero.
 ///
 /// In the file: the common header without links, then the bytes of `data`.
-class MDBLOCK : public GENERALBLOCK {
+class MDF_EXPORT MDBLOCK : public GENERALBLOCK {
  public:
   static constexpr std::uint16_t MDF_MD_ID = 0x444D;
 
@@ -46,7 +47,7 @@ class MDBLOCK : public GENERALBLOCK {
 };
 
 /// Writes the header, its length following from `data`, and the bytes of `data`.
-std::ostream& operator<<(std::ostream& os, const MDBLOCK& block);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const MDBLOCK& block);
 
 }  // namespace mdf_v4_10
 

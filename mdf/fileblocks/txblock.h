@@ -6,6 +6,7 @@
 #include <iosfwd>
 #include <vector>
 
+#include "../framework/export.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -14,7 +15,7 @@ namespace mdf_v4_10 {
 /// A text block: a name, a unit, a comment or another string, with a terminating zero.
 ///
 /// In the file: the common header without links, then the bytes of `data`.
-class TXBLOCK : public GENERALBLOCK {
+class MDF_EXPORT TXBLOCK : public GENERALBLOCK {
  public:
   static constexpr std::uint16_t MDF_TX_ID = 0x5854;
 
@@ -45,7 +46,7 @@ class TXBLOCK : public GENERALBLOCK {
 };
 
 /// Writes the header, its length following from `data`, and the bytes of `data`.
-std::ostream& operator<<(std::ostream& os, const TXBLOCK& block);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const TXBLOCK& block);
 
 }  // namespace mdf_v4_10
 

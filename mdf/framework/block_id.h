@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <iosfwd>
 
+#include "export.h"
+
 namespace mdf_v4_10 {
 
 /// The four bytes that say what a block is: "##" and the block type's two letters.
-class MDF_Block_ID {
+class MDF_EXPORT MDF_Block_ID {
  public:
   /// The characters "##" as a little-endian number.
   static constexpr std::uint16_t constantPart = 0x2323;
@@ -21,7 +23,7 @@ class MDF_Block_ID {
 };
 
 /// Writes the four identifier bytes.
-std::ostream& operator<<(std::ostream& os, const MDF_Block_ID& id);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const MDF_Block_ID& id);
 
 }  // namespace mdf_v4_10
 

@@ -8,6 +8,7 @@
 #include <ostream>
 #include <vector>
 
+#include "export.h"
 #include "header_section.h"
 #include "link_section.h"
 #include "types.h"
@@ -16,7 +17,7 @@ namespace mdf_v4_10 {
 
 /// The base of every block class: the common header and the links. Blocks are plain values; they
 /// know one another only by file offsets.
-class GENERALBLOCK {
+class MDF_EXPORT GENERALBLOCK {
  public:
   /// A block without links, its length not known yet.
   explicit GENERALBLOCK(std::uint16_t id) : header(MDF_Block_ID(id)) {}

@@ -7,6 +7,7 @@
 #include <iosfwd>
 
 #include "block_id.h"
+#include "export.h"
 #include "types.h"
 #include "wire.h"
 
@@ -20,7 +21,7 @@ namespace mdf_v4_10 {
 /// | 4      | 4     | `reserved`   |
 /// | 8      | 8     | `length`     |
 /// | 16     | 8     | `link_count` |
-class HeaderSection {
+class MDF_EXPORT HeaderSection {
  public:
   static constexpr std::size_t HEADER_SIZE = 24;
 
@@ -57,7 +58,7 @@ class HeaderSection {
 };
 
 /// Writes the 24 bytes of the header as they are stored.
-std::ostream& operator<<(std::ostream& os, const HeaderSection& header);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const HeaderSection& header);
 
 }  // namespace mdf_v4_10
 

@@ -4,12 +4,13 @@
 #include <iosfwd>
 #include <vector>
 
+#include "export.h"
 #include "types.h"
 
 namespace mdf_v4_10 {
 
 /// A block's links, in the order of its link index enumeration.
-class LinkSection : public std::vector<LINK> {
+class MDF_EXPORT LinkSection : public std::vector<LINK> {
  public:
   using std::vector<LINK>::vector;
 
@@ -18,7 +19,7 @@ class LinkSection : public std::vector<LINK> {
 };
 
 /// Writes every link, 8 bytes each.
-std::ostream& operator<<(std::ostream& os, const LinkSection& links);
+MDF_EXPORT std::ostream& operator<<(std::ostream& os, const LinkSection& links);
 
 }  // namespace mdf_v4_10
 
