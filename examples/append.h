@@ -13,9 +13,10 @@
 /// stands: the link for other blocks. The stream stands at the file's end.
 template <class Block>
 mdf_v4_10::LINK append(std::ostream& file, const Block& block) {
-  const auto end = static_cast<mdf_v4_10::LINK>(file.tellp());
-  const mdf_v4_10::LINK at = (end + 7) / 8 * 8;
-  file.write("\0\0\0\0\0\0\0", at - end);
+  auto at = static_cast<mdf_v4_10::LINK>(file.tellp());
+  for (; at % 8 != 0; ++at) {
+    file.put('\0');
+  }
   file << block;
   return at;
 }
