@@ -74,7 +74,7 @@ std::string pathOf(InputFile& file, const BlockTable& blocks, std::uint32_t inde
       return ".../" + path;
     }
     const BlockEntry& owner = blocks[head.parent];
-    path = segment(owner) + '.' + roleOf(file, owner, head.link) + '/' + path;
+    path.insert(0, segment(owner) + '.' + roleOf(file, owner, head.link) + '/');
     index = head.parent;
   }
 }
