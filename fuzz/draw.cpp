@@ -40,9 +40,12 @@ class Lines : public std::streambuf {
       line_ += each;
       return character;
     }
-    expect(mdf_tools::oneLine(line_, line_.size() + 1) == line_,
-           "lines of characters that do no harm");
-    expect(kind_ == Kind::text || mdf_tools::Json::accept(line_), "lines of JSON");
+    if (kind_ == Kind::json) {
+      expect(mdf_tools::Json::accept(line_), "lines of JSON");
+    } else {
+      expect(mdf_tools::oneLine(line_, line_.size() + 1) == line_,
+             "lines of characters that do no harm");
+    }
     line_.clear();
     ++count_;
     return character;

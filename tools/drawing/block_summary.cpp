@@ -50,7 +50,11 @@ class Summarizer {
       summary_.facts.push_back({key, words, std::nullopt});
     }
   }
-  void count(std::string_view key, std::uint64_t number, const std::string& unit) {
+  /// The first word of the unit stands in the plural.
+  void count(std::string_view key, std::uint64_t number, std::string unit) {
+    if (number == 1) {
+      unit.erase(std::min(unit.find(' '), unit.size()) - 1, 1);
+    }
     summary_.facts.push_back({key, std::to_string(number) + ' ' + unit, number});
   }
   unsigned small(std::string_view field) const {

@@ -22,7 +22,7 @@ TEST(TreeCommand, ChosenPartOfAFile) {
       "  cg_cn_first -> CN 480 (0x1e0) \"vehicle speed\" [vehicle speed], master, real LE, 32 "
       "bits\n"
       "  cg_si_acq_source -> SI 776 (0x308) \"vehicle speed\" bus, LIN\n"
-      "  cg_sr_first -> SR 832 (0x340) 1 records, interval 0.25\n");
+      "  cg_sr_first -> SR 832 (0x340) 1 record, interval 0.25\n");
   EXPECT_EQ(result.messages, "");
 }
 

@@ -33,7 +33,7 @@ const char* const healthy_tree =
     "        cn_composition -> XX 264 (0x108) 8 bytes\n"
     "          link 0 -> HD 64 (0x40) (cycle, leads back)\n"
     "          link 1 -> HL 1288 (0x508) Deflate\n"
-    "            hl_dl_first -> DL 1328 (0x530) 1 blocks\n"
+    "            hl_dl_first -> DL 1328 (0x530) 1 block\n"
     "              dl_data[0] -> DZ 1384 (0x568) 6 bytes zipped, 3 bytes stored\n"
     "        cn_tx_name -> TX 640 (0x280) \"vehicle speed\"\n"
     "        cn_cc_conversion -> CC 896 (0x380) [vehicle speed], linear\n"
@@ -44,12 +44,12 @@ const char* const healthy_tree =
     "      cg_si_acq_source -> SI 776 (0x308) \"vehicle speed\" bus, LIN\n"
     "        si_tx_name -> TX 640 (0x280) \"vehicle speed\" (shared, shown above)\n"
     "        si_md_comment -> MD 224 (0xe0)\n"
-    "      cg_sr_first -> SR 832 (0x340) 1 records, interval 0.25\n"
+    "      cg_sr_first -> SR 832 (0x340) 1 record, interval 0.25\n"
     "        sr_data -> RD 712 (0x2c8) 6 bytes\n"
     "    dg_data -> DT 744 (0x2e8) 4 bytes\n"
     "  hd_fh_first -> FH 168 (0xa8) 1970-01-01 00:00:05 UTC\n"
     "    fh_md_comment -> MD 224 (0xe0) (shared, shown above)\n"
-    "  hd_ch_first -> CH 992 (0x3e0) \"vehicle speed\" group, 1 elements\n"
+    "  hd_ch_first -> CH 992 (0x3e0) \"vehicle speed\" group, 1 element\n"
     "    ch_tx_name -> TX 640 (0x280) \"vehicle speed\" (shared, shown above)\n"
     "    ch_md_comment -> MD 224 (0xe0) (shared, shown above)\n"
     "    ch_element[0].dg -> DG 312 (0x138) (shared, shown above)\n"
@@ -85,7 +85,7 @@ TEST(TreeText, FromABlockDownToALevelWithoutTexts) {
       "    cn_cc_conversion -> CC 896 (0x380) [vehicle speed], linear\n"
       "    cn_data -> SD 680 (0x2a8) 8 bytes\n"
       "  cg_si_acq_source -> SI 776 (0x308) \"vehicle speed\" bus, LIN\n"
-      "  cg_sr_first -> SR 832 (0x340) 1 records, interval 0.25\n"
+      "  cg_sr_first -> SR 832 (0x340) 1 record, interval 0.25\n"
       "    sr_data -> RD 712 (0x2c8) 6 bytes\n");
 }
 
