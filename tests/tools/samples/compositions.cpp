@@ -105,51 +105,43 @@ Sample array(const std::string& name, const std::string& shows, const ArraySpec&
   return composed(name, shows, std::move(file), channel, records, table);
 }
 
+/// The time, and elements of the channel "v".
+std::vector<Column> elements(const std::vector<std::string>& indices) {
+  std::vector<Column> columns = {{"t", "s"}};
+  for (const std::string& index : indices) {
+    columns.push_back({"v" + index, ""});
+  }
+  return columns;
+}
+
 Samples arrays() {
-  ArraySpec row{0, 1, 0, {3}};
-  ArraySpec wide{0, 4, 0, {2}};
-  ArraySpec matrix{0, 1, 0, {2, 3}};
-  ArraySpec columns{64, 1, 0, {2, 3}};
-  ArraySpec cube{0, 1, 0, {2, 1, 2}};
-  ArraySpec backwards{0, -1, 0, {3}};
-  const std::vector<Column> v3 = {{"t", "s"}, {"v[0]", ""}, {"v[1]", ""}, {"v[2]", ""}};
+  const ArraySpec row{0, 1, 0, {3}};
+  const ArraySpec wide{0, 4, 0, {2}};
+  const ArraySpec matrix{0, 1, 0, {2, 3}};
+  const ArraySpec columns{64, 1, 0, {2, 3}};
+  const ArraySpec cube{0, 1, 0, {2, 1, 2}};
+  const ArraySpec backwards{0, -1, 0, {3}};
+  const std::vector<Column> three = elements({"[0]", "[1]", "[2]"});
   return {
       array("array", "three elements side by side", row, part("v", 8), {"010203", "0a0b0c"},
-            {v3, {"0,1,2,3", "0.5,10,11,12"}}),
+            {three, {"0,1,2,3", "0.5,10,11,12"}}),
       array("array-with-gaps", "elements of two bytes, four bytes apart", wide, part("v", 9, 16),
-            {"ff 0100 eeee 0200"}, {{{"t", "s"}, {"v[0]", ""}, {"v[1]", ""}}, {"0,1,2"}}),
+            {"ff 0100 eeee 0200"}, {elements({"[0]", "[1]"}), {"0,1,2"}}),
       array("array-of-two-dimensions", "rows one behind the other", matrix, part("v", 8),
             {"010203040506"},
-            {{{"t", "s"},
-              {"v[0][0]", ""},
-              {"v[0][1]", ""},
-              {"v[0][2]", ""},
-              {"v[1][0]", ""},
-              {"v[1][1]", ""},
-              {"v[1][2]", ""}},
+            {elements({"[0][0]", "[0][1]", "[0][2]", "[1][0]", "[1][1]", "[1][2]"}),
              {"0,1,2,3,4,5,6"}}),
       array("array-by-columns", "columns one behind the other", columns, part("v", 8),
             {"010203040506"},
-            {{{"t", "s"},
-              {"v[0][0]", ""},
-              {"v[1][0]", ""},
-              {"v[0][1]", ""},
-              {"v[1][1]", ""},
-              {"v[0][2]", ""},
-              {"v[1][2]", ""}},
+            {elements({"[0][0]", "[1][0]", "[0][1]", "[1][1]", "[0][2]", "[1][2]"}),
              {"0,1,2,3,4,5,6"}}),
       array("array-of-three-dimensions", "a dimension of one element among them", cube,
             part("v", 8), {"01020304"},
-            {{{"t", "s"},
-              {"v[0][0][0]", ""},
-              {"v[0][0][1]", ""},
-              {"v[1][0][0]", ""},
-              {"v[1][0][1]", ""}},
-             {"0,1,2,3,4"}}),
+            {elements({"[0][0][0]", "[0][0][1]", "[1][0][0]", "[1][0][1]"}), {"0,1,2,3,4"}}),
       array("array-backwards", "the first element stands last", backwards, part("v", 10),
-            {"010203"}, {v3, {"0,3,2,1"}}),
+            {"010203"}, {three, {"0,3,2,1"}}),
       array("array-of-bits", "elements within their bytes", row, part("v", 8, 4, 2), {"3cffc3"},
-            {v3, {"0,15,15,0"}}),
+            {three, {"0,15,15,0"}}),
   };
 }
 

@@ -105,6 +105,11 @@ Samples tables() {
                  {"06", "50"},
                  {"7f", "50"},
                  {"80", "0"}}),
+  };
+}
+
+Samples rangeTables() {
+  return {
       converted("conversion-range-table-integers", "both limits belong to a range of integers",
                 ranges({-1}),
                 {{"00", "-1"},
@@ -193,7 +198,7 @@ Samples uses() {
 
 Samples conversionSamples() {
   Samples samples = algebra();
-  for (const auto part : {tables, uses}) {
+  for (const auto part : {tables, rangeTables, uses}) {
     for (Sample& sample : part()) {
       samples.push_back(std::move(sample));
     }

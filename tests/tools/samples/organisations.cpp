@@ -87,6 +87,11 @@ Samples listedData() {
                  const std::uint64_t last = file.add("DT", {}, data.substr(20));
                  return addOffsetList(file, {first, empty, last}, {0, 20, 20});
                }),
+  };
+}
+
+Samples splitData() {
+  return {
       counting("organisation-records-across-blocks",
                "records that begin in one block and end in another", 6,
                [](SampleFile& file, const std::string& data) {
@@ -257,7 +262,7 @@ Sample severalGroups() {
 Samples organisationSamples() {
   Samples samples = plainData();
   samples.push_back(dataBehind());
-  for (const auto part : {listedData, zippedData, zippedLists, signalData}) {
+  for (const auto part : {listedData, splitData, zippedData, zippedLists, signalData}) {
     for (Sample& sample : part()) {
       samples.push_back(std::move(sample));
     }

@@ -117,7 +117,6 @@ Sample nestedRange() {
 Sample named() {
   SampleFile file;
   ChannelSpec channel = stored(0, 8);
-  channel.type = 0;
   channel.conversion =
       addConversion(file, {value_to_text, texts(file, {"first", "others"}), {1}, "", "status"});
   file.link(channel.conversion, 2, file.metadata("<CCcomment><TX>states</TX></CCcomment>"));
