@@ -64,7 +64,8 @@ bool Column::isValid(const Sample& sample) const {
   }
   const std::uint64_t bit = channel.invalidation_bit + source_.invalidation_shift;
   const std::string_view byte = slice(sample, source_.group->data_bytes + bit / 8, 1);
-  return byte.empty() || ((static_cast<unsigned char>(byte[0]) >> (bit % 8)) & 1U) == 0;
+  return byte.empty() ||
+         ((std::uint64_t{static_cast<unsigned char>(byte[0])} >> (bit % 8)) & 1U) == 0;
 }
 
 /// The bytes of the value in the record.
