@@ -29,7 +29,8 @@ struct AdditionalLink {
 AdditionalLink hierarchyLink(std::uint64_t index) {
   constexpr std::array<std::string_view, 3> parts = {".dg", ".cg", ".cn"};
   constexpr std::array<std::string_view, 3> targets = {"DG", "CG", "CN"};
-  return {{"ch_element", targets.at(index % 3)}, index / 3, parts.at(index % 3)};
+  const auto which = static_cast<std::size_t>(index % 3);
+  return {{"ch_element", targets.at(which)}, index / 3, parts.at(which)};
 }
 
 AdditionalLink channelLink(const BlockFields& block, std::uint64_t index) {
