@@ -16,7 +16,6 @@ namespace {
 
 constexpr std::size_t most_read_ahead = std::size_t{1} << 18U;
 constexpr std::size_t least_read_ahead = std::size_t{1} << 13U;
-constexpr std::size_t most_kept = std::size_t{1} << 25U;
 
 bool isHeaderList(const RawBlock& block) { return block.hasId() && block.letters() == "HL"; }
 
@@ -221,7 +220,7 @@ bool DataStream::show(std::uint64_t offset, std::size_t count) {
 
 bool DataStream::showPlain(const DataBlock& block, std::uint64_t begin, std::uint64_t offset,
                            std::size_t count) {
-  const bool goes_forward = offset == window_begin_ + window_.size();
+  const bool goes_forward = access_ == Access::forward && offset == window_begin_ + window_.size();
   const std::uint64_t wanted = std::max(count, goes_forward ? most_read_ahead : least_read_ahead);
   const std::uint64_t rest = endOf(last_piece_) - offset;
   plain_.resize(static_cast<std::size_t>(std::min(wanted, rest)));
@@ -235,8 +234,8 @@ bool DataStream::showPlain(const DataBlock& block, std::uint64_t begin, std::uin
 bool DataStream::mayUnzip(const DataBlock& block, const Piece& piece) {
   constexpr std::uint64_t always = std::uint64_t{1} << 28U;
   constexpr std::uint64_t times = 16;
-  unzipped_ += block.original;
-  if (access_ == Access::scattered && unzipped_ > always && unzipped_ / times > size_) {
+  unzipped_bytes_ += block.original;
+  if (access_ == Access::scattered && unzipped_bytes_ > always && unzipped_bytes_ / times > size_) {
     endAt(0, piece.block,
           "expected values in the order of their records, found them scattered "
           "over zipped blocks too much to go on");
@@ -246,32 +245,20 @@ bool DataStream::mayUnzip(const DataBlock& block, const Piece& piece) {
 }
 
 bool DataStream::showZipped(const DataBlock& block, const Piece& piece, std::uint64_t offset) {
-  const auto found = std::find_if(kept_.begin(), kept_.end(),
-                                  [&](const Kept& each) { return each.begin == piece.begin; });
-  if (found != kept_.end()) {
-    kept_.splice(kept_.begin(), kept_, found);
-  } else if (!mayUnzip(block, piece)) {
-    return false;
-  } else {
+  if (unzipped_block_ != piece.block) {
+    if (!mayUnzip(block, piece)) {
+      return false;
+    }
     Unzipped data = unzip(file_, block);
     if (!data.problem.empty()) {
       endAt(piece.begin + data.bytes.size(), piece.block, data.problem);
     }
-    keep(piece.begin, std::move(data.bytes));
+    unzipped_ = std::move(data.bytes);
+    unzipped_block_ = piece.block;
   }
-  window_ = kept_.front().bytes;
+  window_ = unzipped_;
   window_begin_ = piece.begin;
   return offset - window_begin_ < window_.size();
-}
-
-void DataStream::keep(std::uint64_t begin, std::string bytes) {
-  std::size_t room = access_ == Access::scattered ? most_kept : 0;
-  for (auto each = kept_.begin(); each != kept_.end();) {
-    const bool stays = each->bytes.size() <= room;
-    room -= stays ? each->bytes.size() : 0;
-    each = stays ? std::next(each) : kept_.erase(each);
-  }
-  kept_.push_front({begin, std::move(bytes)});
 }
 
 }  // namespace mdf_tools

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,7 +18,7 @@ namespace mdf_tools {
 /// The bytes that a link to data leads to, as if they stood in one piece: in one block, or in those
 /// of data lists, zipped or not. Blocks are looked for as far as they are asked for.
 ///
-/// It holds a window of the data or the last unzipped blocks in memory, and 16 bytes for each
+/// It holds a window of the data or the last unzipped block in memory, and 16 bytes for each
 /// block. What is wrong is reported, and the stream ends where it cannot go on.
 class DataStream {
  public:
@@ -50,15 +49,14 @@ class DataStream {
   /// How many bytes there are. It looks for all blocks.
   std::uint64_t size();
 
+  /// Bytes of the file that the blocks take which were looked for.
+  std::uint64_t storedBytes() const { return stored_; }
+
  private:
   /// A block of the stream: what it holds of data ends where the next one begins.
   struct Piece {
     std::uint64_t begin;  ///< in the stream
     std::uint64_t block;  ///< offset in the file
-  };
-  struct Kept {
-    std::uint64_t begin;
-    std::string bytes;
   };
 
   void enter(std::uint64_t link);
@@ -76,7 +74,6 @@ class DataStream {
                  std::size_t count);
   bool showZipped(const DataBlock& block, const Piece& piece, std::uint64_t offset);
   bool mayUnzip(const DataBlock& block, const Piece& piece);
-  void keep(std::uint64_t begin, std::string bytes);
   void endAt(std::uint64_t end, std::uint64_t offset, const std::string& sentence);
 
   InputFile& file_;
@@ -96,8 +93,9 @@ class DataStream {
   std::uint64_t window_begin_ = 0;
   std::size_t last_piece_ = 0;
   std::string plain_;     ///< what the window looks into, or
-  std::list<Kept> kept_;  ///< unzipped, the last one used in front
-  std::uint64_t unzipped_ = 0;
+  std::string unzipped_;  ///< a whole block
+  std::uint64_t unzipped_block_ = 0;
+  std::uint64_t unzipped_bytes_ = 0;  ///< of all blocks until now
   std::string joined_;
 };
 

@@ -50,6 +50,9 @@ class Records {
   /// or, where that is not final, as the data holds.
   void forEach(const ChannelGroup& group, const RecordVisitor& visit);
 
+  /// Bytes of the file that the data takes, as far as it was looked at.
+  std::uint64_t storedBytes() const { return data_.storedBytes(); }
+
   /// The records of a channel group as values of a variable-length channel.
   std::unique_ptr<SignalValues> valuesIn(const ChannelGroup& group);
 

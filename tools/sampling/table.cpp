@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <unordered_map>
 #include <utility>
 
 #include "column_list.h"
@@ -40,12 +41,12 @@ class Tables {
   std::size_t visit();
 
  private:
+  bool haveDataOfTheirOwn(const DataGroup& data_group);
   bool isWanted(const ChannelGroup& group) const;
   void visitGroup(const DataGroup& data_group, const ChannelGroup& group);
   std::vector<ColumnPlan> plansOf(const ChannelGroup& group) const;
-  ColumnSource sourceOf(const DataGroup& data_group, const ChannelGroup& group,
-                        const ColumnPlan& plan);
-  std::unique_ptr<SignalValues> valuesOf(const DataGroup& data_group, const Channel& channel);
+  ColumnSource sourceOf(const ChannelGroup& group, const ColumnPlan& plan);
+  std::unique_ptr<SignalValues> valuesOf(const Channel& channel);
   bool isInRange(Table& table, const Sample& sample) const;
   bool hasRange() const { return selection_.from || selection_.to; }
   bool isUnfinished() const { return measurement_.identification.isUnfinished(); }
@@ -58,6 +59,9 @@ class Tables {
   Measurement measurement_;
   Conversions conversions_;
   std::unique_ptr<Records> records_;  ///< of the data group that is being visited
+  std::unordered_map<std::uint64_t, const ChannelGroup*> groups_;  ///< of it, by their offsets
+  std::unordered_map<std::uint64_t, const Channel*> channels_;     ///< of one group, the same
+  std::uint64_t stored_ = 0;  ///< bytes of the file that the records take
   std::size_t count_ = 0;
 };
 
@@ -66,14 +70,34 @@ std::size_t Tables::visit() {
     note_("the file was not finished; its records are read as far as they go");
   }
   for (const DataGroup& data_group : measurement_.data_groups) {
+    groups_.clear();
+    for (const ChannelGroup& group : data_group.groups) {
+      groups_.emplace(group.offset, &group);
+    }
     for (const ChannelGroup& group : data_group.groups) {
       if (isWanted(group)) {
         visitGroup(data_group, group);
       }
     }
-    records_.reset();
+    if (!haveDataOfTheirOwn(data_group)) {
+      break;
+    }
   }
   return count_;
+}
+
+/// Whether the data groups up to this one do not go through the same blocks again and again.
+bool Tables::haveDataOfTheirOwn(const DataGroup& data_group) {
+  constexpr std::uint64_t times = 4;
+  stored_ += records_ ? records_->storedBytes() : 0;
+  records_.reset();
+  if (stored_ / times <= file_.size()) {
+    return true;
+  }
+  report_({data_group.offset,
+           "expected data groups with data of their own, found the same blocks again and again; "
+           "the other data groups are left out"});
+  return false;
 }
 
 bool Tables::isWanted(const ChannelGroup& group) const {
@@ -113,10 +137,14 @@ void Tables::visitGroup(const DataGroup& data_group, const ChannelGroup& group) 
   if (!records_) {
     records_ = std::make_unique<Records>(file_, measurement_.identification, data_group, report_);
   }
+  channels_.clear();
+  for (const Channel& channel : group.channels) {
+    channels_.emplace(channel.offset, &channel);
+  }
   std::vector<Column> columns;
   columns.reserve(plans.size());
   for (const ColumnPlan& plan : plans) {
-    columns.emplace_back(plan.name, sourceOf(data_group, group, plan), report_);
+    columns.emplace_back(plan.name, sourceOf(group, plan), report_);
   }
   Table table(group, std::move(columns), has_master);
   ++count_;
@@ -129,8 +157,7 @@ void Tables::visitGroup(const DataGroup& data_group, const ChannelGroup& group) 
   visitor_.end();
 }
 
-ColumnSource Tables::sourceOf(const DataGroup& data_group, const ChannelGroup& group,
-                              const ColumnPlan& plan) {
+ColumnSource Tables::sourceOf(const ChannelGroup& group, const ColumnPlan& plan) {
   const Channel& channel = *plan.channel;
   ColumnSource source;
   source.group = &group;
@@ -138,12 +165,10 @@ ColumnSource Tables::sourceOf(const DataGroup& data_group, const ChannelGroup& g
   source.byte_shift = plan.byte_shift;
   source.invalidation_shift = plan.invalidation_shift;
   if (channel.type == Channel::variable_length) {
-    source.values = valuesOf(data_group, channel);
+    source.values = valuesOf(channel);
   } else if (channel.type == Channel::maximum_length) {
-    const auto length =
-        std::find_if(group.channels.begin(), group.channels.end(),
-                     [&](const Channel& each) { return each.offset == channel.data; });
-    source.length_channel = length == group.channels.end() ? nullptr : &*length;
+    const auto length = channels_.find(channel.data);
+    source.length_channel = length == channels_.end() ? nullptr : length->second;
   }
   source.conversion = selection_.is_raw ? nullptr : conversions_.at(channel.conversion);
   return source;
@@ -151,15 +176,12 @@ ColumnSource Tables::sourceOf(const DataGroup& data_group, const ChannelGroup& g
 
 /// Where the values of a channel of variable length are: in signal data, or in the records of
 /// another channel group.
-std::unique_ptr<SignalValues> Tables::valuesOf(const DataGroup& data_group,
-                                               const Channel& channel) {
+std::unique_ptr<SignalValues> Tables::valuesOf(const Channel& channel) {
   const auto block = channel.data == 0 ? std::nullopt : readRawBlock(file_, channel.data);
   if (block && block->hasId() && block->letters() == "CG") {
-    const auto group =
-        std::find_if(data_group.groups.begin(), data_group.groups.end(),
-                     [&](const ChannelGroup& each) { return each.offset == channel.data; });
-    if (group != data_group.groups.end() && group->holdsVariableLength()) {
-      return records_->valuesIn(*group);
+    const auto group = groups_.find(channel.data);
+    if (group != groups_.end() && group->second->holdsVariableLength()) {
+      return records_->valuesIn(*group->second);
     }
     report_({channel.offset,
              "expected the values in a channel group for variable-length data of "

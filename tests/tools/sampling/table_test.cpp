@@ -457,6 +457,21 @@ TEST(Table, UnsortedGroupsTooLargeToBeHeldInMemory) {
   EXPECT_EQ(counter.count, 200U);
 }
 
+TEST(Table, DataGroupsThatShareTheirDataHaveALimit) {
+  SampleFile file;
+  const std::uint64_t data = file.data(std::string(100000, 'x'));
+  for (int i = 0; i < 20; ++i) {
+    file.dataGroup({file.group({1, 100000}, {file.channel(firstByte("c"))})}, data);
+  }
+  const Exported exported = csvOf(file.bytes());
+  EXPECT_EQ(exported.findings.size(), 1U);
+  std::string expected;
+  for (int i = 0; i < 5; ++i) {
+    expected += std::string(i == 0 ? "" : "\n") + "c\n120\n";
+  }
+  EXPECT_EQ(exported.text, expected);
+}
+
 TEST(Table, MembersOfStructures) {
   SampleFile file;
   const std::uint64_t x = file.channel(number("x", 0, 0, 8));
