@@ -6,6 +6,7 @@
 #include <string>
 
 #include "framework/wire.h"
+#include "reading/block_fields.h"
 #include "reading/input_file.h"
 
 namespace mdf_tools {
@@ -39,6 +40,42 @@ class SignalData : public SignalValues {
  private:
   DataStream data_;
 };
+
+/// The first link of a block from an index on that leads somewhere; 0 for none.
+std::uint64_t firstLink(InputFile& file, const RawBlock& block, std::uint64_t from) {
+  std::uint64_t first = 0;
+  forEachLink(file, block, [&](std::uint64_t index, std::int64_t link) {
+    if (index >= from && first == 0) {
+      first = static_cast<std::uint64_t>(link);
+    }
+  });
+  return first;
+}
+
+/// The type of the first block with data behind a link, of a zipped one the type that it is zipped
+/// from; "" for none.
+std::string firstTypeAt(InputFile& file, std::uint64_t link) {
+  auto block = readRawBlock(file, link);
+  if (block && block->hasId() && block->letters() == "HL") {
+    block = readRawBlock(file, firstLink(file, *block, 0));
+  }
+  if (block && isDataList(*block)) {
+    block = readRawBlock(file, firstLink(file, *block, 1));
+  }
+  if (!block || !isDataBlock(*block)) {
+    return "";
+  }
+  return block->letters() == "DZ"
+             ? std::string(BlockFields(file, *block).bytes("dz_org_block_type"))
+             : std::string(block->letters());
+}
+
+/// Bytes of a record without its record id. Since version 4.2 there is data without invalidation
+/// bytes, which stand in blocks of their own then and are not looked at.
+std::uint64_t storedRecordBytes(InputFile& file, std::uint64_t data, const ChannelGroup& group) {
+  const bool has_all = group.invalidation_bytes == 0 || firstTypeAt(file, data) != "DV";
+  return has_all ? group.recordBytes() : group.data_bytes;
+}
 
 /// Whether the counts of a file's channel groups say how many records there are.
 bool areCountsFinal(const Identification& id) {
@@ -164,7 +201,7 @@ void Records::visitCounted(const ChannelGroup& group, const RecordVisitor& visit
 }
 
 void Records::visitSorted(const ChannelGroup& group, const RecordVisitor& visit) {
-  const std::uint64_t size = format_.idBytes() + group.recordBytes();
+  const std::uint64_t size = format_.idBytes() + storedRecordBytes(file_, data_group_.data, group);
   const bool is_counted = hasFinalCount(group) && group.cycles > 0;
   const std::uint64_t most = is_counted ? group.cycles : std::numeric_limits<std::uint64_t>::max();
   std::uint64_t count = 0;

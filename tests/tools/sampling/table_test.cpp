@@ -320,6 +320,18 @@ TEST(Table, InvalidationBits) {
   EXPECT_EQ(healthyCsvOf(file.bytes()), "a,b,never\n1,2,\n,4,\n5,,\n");
 }
 
+TEST(Table, InvalidationBitsApartFromTheData) {
+  SampleFile file("MDF     ", 420);
+  const std::uint64_t group = file.group({4, 1, 1}, {file.channel(firstByte("a"))});
+  const std::uint64_t first = file.add("DV", {}, "AB");
+  const std::uint64_t second = file.add("DV", {}, "CD");
+  const std::uint64_t invalid = file.add("DI", {}, Bytes().zeros(2));
+  const std::uint64_t list =
+      file.add("LD", {0, first, second, invalid, invalid}, Bytes().u32(0x80000001U).u32(2).u64(2));
+  file.dataGroup({group}, list);
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "a\n65\n66\n67\n68\n");
+}
+
 TEST(Table, VirtualChannels) {
   SampleFile file;
   ChannelFields time;
