@@ -74,6 +74,7 @@ class Redirection {
 pid_t start(const std::vector<std::string>& command, const Redirection& redirection) {
   std::vector<std::string> words = command;
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) {
     arguments.push_back(word.data());
   }
