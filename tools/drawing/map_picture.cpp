@@ -14,7 +14,6 @@ namespace {
 
 // Lengths in points.
 constexpr double bar_width = 960;
-constexpr double row_height = 18;
 constexpr double row_step = 22;
 constexpr double line_step = 20;
 
