@@ -263,15 +263,10 @@ Samples almostEmpty() {
 }  // namespace
 
 Samples blockTypeSamples() {
-  Samples samples = attachments();
-  for (const auto make : {history, hierarchy, hierarchyTypes, sources, sourceTypes, reduction,
-                          unknownBlocks, newerLinks, channelReferences, busEvents}) {
-    samples.push_back(make());
-  }
-  for (Sample& sample : almostEmpty()) {
-    samples.push_back(std::move(sample));
-  }
-  return samples;
+  return together({attachments(),
+                   {history(), hierarchy(), hierarchyTypes(), sources(), sourceTypes(), reduction(),
+                    unknownBlocks(), newerLinks(), channelReferences(), busEvents()},
+                   almostEmpty()});
 }
 
 }  // namespace mdf_tests

@@ -201,23 +201,21 @@ Sample statedRange() {
           {countingTable(10)}};
 }
 
+Samples names() {
+  return {
+      named("name-of-many-characters", "a name in other scripts", "\u901F\u5EA6 \u03C9\u2032",
+            "\u901F\u5EA6 \u03C9\u2032"),
+      named("name-that-needs-quotes", "a name with a comma and quotes", "a \"b\", c",
+            "\"a \"\"b\"\", c\""),
+      named("name-twice", "two channels with one name", "t", "t (2)"),
+      named("name-missing", "a channel without a name", "", "unnamed"),
+  };
+}
+
 }  // namespace
 
 Samples channelDetailSamples() {
-  Samples samples = invalidations();
-  for (Sample& sample : units()) {
-    samples.push_back(std::move(sample));
-  }
-  samples.push_back(named("name-of-many-characters", "a name in other scripts",
-                          "\u901F\u5EA6 \u03C9\u2032", "\u901F\u5EA6 \u03C9\u2032"));
-  samples.push_back(named("name-that-needs-quotes", "a name with a comma and quotes", "a \"b\", c",
-                          "\"a \"\"b\"\", c\""));
-  samples.push_back(named("name-twice", "two channels with one name", "t", "t (2)"));
-  samples.push_back(named("name-missing", "a channel without a name", "", "unnamed"));
-  samples.push_back(sharedTexts());
-  samples.push_back(comments());
-  samples.push_back(statedRange());
-  return samples;
+  return together({invalidations(), units(), names(), {sharedTexts(), comments(), statedRange()}});
 }
 
 }  // namespace mdf_tests

@@ -212,14 +212,6 @@ Samples others() {
 
 }  // namespace
 
-Samples channelTypeSamples() {
-  Samples samples = variableLengths();
-  for (const auto part : {masters, others}) {
-    for (Sample& sample : part()) {
-      samples.push_back(std::move(sample));
-    }
-  }
-  return samples;
-}
+Samples channelTypeSamples() { return together({variableLengths(), masters(), others()}); }
 
 }  // namespace mdf_tests

@@ -190,12 +190,9 @@ Sample arrayInStructure() {
 }  // namespace
 
 Samples compositionSamples() {
-  Samples samples = arrays();
-  for (const auto make : {structure, nestedStructure, bitStructure, invalidElements, convertedArray,
-                          arrayInStructure}) {
-    samples.push_back(make());
-  }
-  return samples;
+  return together({arrays(),
+                   {structure(), nestedStructure(), bitStructure(), invalidElements(),
+                    convertedArray(), arrayInStructure()}});
 }
 
 }  // namespace mdf_tests

@@ -196,14 +196,6 @@ Samples uses() {
 
 }  // namespace
 
-Samples conversionSamples() {
-  Samples samples = algebra();
-  for (const auto part : {tables, rangeTables, uses}) {
-    for (Sample& sample : part()) {
-      samples.push_back(std::move(sample));
-    }
-  }
-  return samples;
-}
+Samples conversionSamples() { return together({algebra(), tables(), rangeTables(), uses()}); }
 
 }  // namespace mdf_tests

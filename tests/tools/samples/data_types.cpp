@@ -175,14 +175,8 @@ Samples canopen() {
 }  // namespace
 
 Samples dataTypeSamples() {
-  Samples samples;
-  for (const auto part :
-       {unsignedLittleEndian, unsignedBigEndian, signedIntegers, reals, textsAndBytes, canopen}) {
-    for (Sample& sample : part()) {
-      samples.push_back(std::move(sample));
-    }
-  }
-  return samples;
+  return together({unsignedLittleEndian(), unsignedBigEndian(), signedIntegers(), reals(),
+                   textsAndBytes(), canopen()});
 }
 
 }  // namespace mdf_tests

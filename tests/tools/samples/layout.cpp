@@ -216,16 +216,11 @@ Sample unusedBytes() {
 }  // namespace
 
 Samples layoutSamples() {
-  Samples samples = versions();
-  for (Sample& sample : times()) {
-    samples.push_back(std::move(sample));
-  }
-  for (const auto make :
-       {startPosition, programWithZeros, identificationWithZeros, gaps, zerosBehindTexts, backwards,
-        uncountedLink, severalKinds, withoutMaster, unusedBytes}) {
-    samples.push_back(make());
-  }
-  return samples;
+  return together(
+      {versions(),
+       times(),
+       {startPosition(), programWithZeros(), identificationWithZeros(), gaps(), zerosBehindTexts(),
+        backwards(), uncountedLink(), severalKinds(), withoutMaster(), unusedBytes()}});
 }
 
 }  // namespace mdf_tests

@@ -260,15 +260,14 @@ Sample severalGroups() {
 }  // namespace
 
 Samples organisationSamples() {
-  Samples samples = plainData();
-  samples.push_back(dataBehind());
-  for (const auto part : {listedData, splitData, zippedData, zippedLists, signalData}) {
-    for (Sample& sample : part()) {
-      samples.push_back(std::move(sample));
-    }
-  }
-  samples.push_back(severalGroups());
-  return samples;
+  return together({plainData(),
+                   {dataBehind()},
+                   listedData(),
+                   splitData(),
+                   zippedData(),
+                   zippedLists(),
+                   signalData(),
+                   {severalGroups()}});
 }
 
 }  // namespace mdf_tests

@@ -1,22 +1,20 @@
 #include "sample.h"
 
-#include <iterator>
-#include <utility>
-
 namespace mdf_tests {
 
+Samples together(const std::vector<Samples>& lists) {
+  Samples samples;
+  for (const Samples& list : lists) {
+    samples.insert(samples.end(), list.begin(), list.end());
+  }
+  return samples;
+}
+
 const Samples& allSamples() {
-  static const Samples all = [] {
-    Samples samples;
-    for (const auto part :
-         {dataTypeSamples, channelTypeSamples, conversionSamples, textConversionSamples,
-          channelDetailSamples, compositionSamples, organisationSamples, unsortedSamples,
-          unfinishedSamples, blockTypeSamples, eventSamples, layoutSamples}) {
-      Samples some = part();
-      std::move(some.begin(), some.end(), std::back_inserter(samples));
-    }
-    return samples;
-  }();
+  static const Samples all = together(
+      {dataTypeSamples(), channelTypeSamples(), conversionSamples(), textConversionSamples(),
+       channelDetailSamples(), compositionSamples(), organisationSamples(), unsortedSamples(),
+       unfinishedSamples(), blockTypeSamples(), eventSamples(), layoutSamples()});
   return all;
 }
 

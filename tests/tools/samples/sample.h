@@ -28,6 +28,9 @@ struct Sample {
 
 using Samples = std::vector<Sample>;
 
+/// The samples of several lists, one behind the other.
+Samples together(const std::vector<Samples>& lists);
+
 /// The samples of each part of the format.
 Samples dataTypeSamples();
 Samples channelTypeSamples();

@@ -144,14 +144,7 @@ Sample manyKeys() {
 }  // namespace
 
 Samples textConversionSamples() {
-  Samples samples = toText();
-  for (Sample& sample : fromText()) {
-    samples.push_back(std::move(sample));
-  }
-  for (const auto make : {nestedDefault, nestedRange, named, manyKeys}) {
-    samples.push_back(make());
-  }
-  return samples;
+  return together({toText(), fromText(), {nestedDefault(), nestedRange(), named(), manyKeys()}});
 }
 
 }  // namespace mdf_tests

@@ -180,12 +180,9 @@ Sample openVariableLength() {
 }  // namespace
 
 Samples unfinishedSamples() {
-  Samples samples = oneBlock();
-  for (const auto make : {customFlags, emptyBlockBefore, listWithOpenBlock, openList,
-                          openZippedList, openUnsorted, openVariableLength}) {
-    samples.push_back(make());
-  }
-  return samples;
+  return together({oneBlock(),
+                   {customFlags(), emptyBlockBefore(), listWithOpenBlock(), openList(),
+                    openZippedList(), openUnsorted(), openVariableLength()}});
 }
 
 }  // namespace mdf_tests

@@ -264,16 +264,10 @@ Sample twoVariableLengths() {
 }  // namespace
 
 Samples unsortedSamples() {
-  Samples samples = idSizes();
-  for (const auto part : {placements, variableLengths}) {
-    for (Sample& sample : part()) {
-      samples.push_back(std::move(sample));
-    }
-  }
-  for (const auto make : {manyGroups, emptyGroup, invalidUnsorted, twoVariableLengths}) {
-    samples.push_back(make());
-  }
-  return samples;
+  return together({idSizes(),
+                   placements(),
+                   variableLengths(),
+                   {manyGroups(), emptyGroup(), invalidUnsorted(), twoVariableLengths()}});
 }
 
 }  // namespace mdf_tests
