@@ -61,8 +61,8 @@ Sample sortedWithId(const std::string& name, const std::string& shows, std::uint
   for (std::size_t i = 0; i < 4; ++i) {
     data += idBytes(id, id_size) + record(i);
   }
-  file.dataGroup({file.group(groupWith(id, 4, 10), countingChannels())}, file.add("DT", {}, data),
-                 code);
+  const std::uint64_t group = file.group(groupWith(id, 4, 10), countingChannels());
+  file.dataGroup({group}, file.add("DT", {}, data), code);
   return {name, shows, file.bytes(), {countingTable(4)}};
 }
 
