@@ -4,15 +4,18 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <iostream>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
 
 #include "command.h"
 #include "reading/input_file.h"
 #include "reading/output_buffer.h"
+#include "showing/progress.h"
 
 namespace mdf_tools {
 
@@ -20,14 +23,24 @@ namespace {
 
 void complain(const std::string& sentence) { std::cerr << "mdf: " << sentence << '\n'; }
 
+/// Data on the same terminal shows by itself that work goes on.
+bool wantsProgress() { return isatty(STDERR_FILENO) != 0 && !outputIsTerminal(); }
+
 /// The work on one file; returns its exit code.
 int onFile(const std::string& path, bool is_one_of_several, std::ostream& out,
            const std::function<void(const FileContext&)>& work) {
   int exit_code = exit_fine;
   try {
     InputFile file(path);
+    std::optional<Progress> progress;
+    if (wantsProgress()) {
+      progress.emplace(file, std::cerr, std::chrono::seconds(1));
+    }
     const FindingSink report = [&](const Finding& finding) {
-      complain(file.name() + ": " + decimalAndHex(finding.offset) + ": " + finding.sentence);
+      const auto print = [&] {
+        complain(file.name() + ": " + decimalAndHex(finding.offset) + ": " + finding.sentence);
+      };
+      progress ? progress->interrupt(print) : print();
       exit_code = exit_problem;
     };
     work({file, out, report, is_one_of_several});

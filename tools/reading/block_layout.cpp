@@ -70,7 +70,8 @@ constexpr std::string_view text = "TX";
 constexpr std::string_view text_or_metadata = "TX MD";
 constexpr std::string_view record_data = "DT DZ DL HL LD";
 
-std::vector<BlockLayout> makeLayouts() {
+/// Blocks that describe the file.
+std::vector<BlockLayout> fileLayouts() {
   return {
       {"HD",
        "header",
@@ -114,6 +115,12 @@ std::vector<BlockLayout> makeLayouts() {
         {"ev_md_comment", text_or_metadata}},
        fieldsOf(evblock_fields),
        {}},
+  };
+}
+
+/// Blocks that describe channels and their groups.
+std::vector<BlockLayout> channelLayouts() {
+  return {
       {"DG",
        "data group",
        {{"dg_dg_next", "DG"},
@@ -162,6 +169,12 @@ std::vector<BlockLayout> makeLayouts() {
        {{"ca_composition", "CN CA"}},
        arrayFields(),
        {"ca_dim_size", FieldKind::unsigned_number, sizeof(UINT64)}},
+  };
+}
+
+/// Blocks with data, and lists of them.
+std::vector<BlockLayout> dataLayouts() {
+  return {
       {"DT", "data", {}, {}, {"dt_data"}},
       {"RD", "reduction data", {}, {}, {"rd_data"}},
       {"SD", "signal data", {}, {}, {"sd_data"}},
@@ -180,6 +193,14 @@ std::vector<BlockLayout> makeLayouts() {
   };
 }
 
+std::vector<BlockLayout> allLayouts() {
+  std::vector<BlockLayout> layouts = fileLayouts();
+  for (const auto& more : {channelLayouts(), dataLayouts()}) {
+    layouts.insert(layouts.end(), more.begin(), more.end());
+  }
+  return layouts;
+}
+
 }  // namespace
 
 std::size_t BlockLayout::fieldsWidth() const {
@@ -187,7 +208,7 @@ std::size_t BlockLayout::fieldsWidth() const {
 }
 
 const BlockLayout* findLayout(std::string_view letters) {
-  static const std::vector<BlockLayout> layouts = makeLayouts();
+  static const std::vector<BlockLayout> layouts = allLayouts();
   const auto layout = std::find_if(layouts.begin(), layouts.end(), [&](const BlockLayout& each) {
     return each.letters == letters;
   });

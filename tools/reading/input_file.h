@@ -43,6 +43,9 @@ class InputFile {
     return file_.read(offset, bytes, count);
   }
 
+  /// Bytes that have been read so far, see PagedFile.
+  std::uint64_t bytesRead() const { return file_.bytesRead(); }
+
   /// A good stream that stands at an offset, for the constructors of the library's blocks. It
   /// serves until the next call of streamAt() or readAt().
   std::istream& streamAt(std::uint64_t offset);

@@ -107,7 +107,7 @@ void PagedFile::loadRun(std::uint64_t first, std::size_t count) {
   }
 }
 
-std::size_t PagedFile::readFile(std::uint64_t offset, char* bytes, std::size_t count) const {
+std::size_t PagedFile::readFile(std::uint64_t offset, char* bytes, std::size_t count) {
   std::size_t done = 0;
   while (done < count) {
     const ssize_t got =
@@ -117,6 +117,7 @@ std::size_t PagedFile::readFile(std::uint64_t offset, char* bytes, std::size_t c
     }
     done += static_cast<std::size_t>(got);
   }
+  bytes_read_.fetch_add(done, std::memory_order_relaxed);
   return done;
 }
 

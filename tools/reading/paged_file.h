@@ -1,6 +1,7 @@
 #ifndef MDF_TOOLS_READING_PAGED_FILE_H_
 #define MDF_TOOLS_READING_PAGED_FILE_H_
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -31,6 +32,10 @@ class PagedFile {
   /// Copies up to `count` bytes and returns how many there were. Large pieces pass by the cache.
   std::size_t read(std::uint64_t offset, char* bytes, std::size_t count);
 
+  /// Bytes that have been read from the file so far, again and again where it was. Other threads
+  /// may ask for it.
+  std::uint64_t bytesRead() const { return bytes_read_.load(std::memory_order_relaxed); }
+
  private:
   struct Page {
     std::uint64_t number;  ///< offset in the file / page size
@@ -42,11 +47,12 @@ class PagedFile {
   std::size_t cachedBehind(std::uint64_t number) const;
   void load(std::uint64_t number);
   void loadRun(std::uint64_t first, std::size_t count);
-  std::size_t readFile(std::uint64_t offset, char* bytes, std::size_t count) const;
+  std::size_t readFile(std::uint64_t offset, char* bytes, std::size_t count);
 
   Descriptor file_;
   std::vector<Page> pages_;  ///< each page has one place in it where it may be
   std::unique_ptr<char[]> bytes_;
+  std::atomic<std::uint64_t> bytes_read_{0};
 };
 
 }  // namespace mdf_tools

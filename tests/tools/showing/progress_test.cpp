@@ -1,0 +1,79 @@
+#include "showing/progress.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <sstream>
+#include <string>
+#include <thread>
+
+#include "reading/input_file.h"
+#include "tools/support/program.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+using mdf_tools::InputFile;
+using mdf_tools::Progress;
+using mdf_tools::readSoFar;
+
+namespace {
+
+using std::chrono::milliseconds;
+
+TEST(ReadSoFar, InTheUnitOfTheWhole) {
+  EXPECT_EQ(readSoFar(0, 1000), "0 of 1000 bytes");
+  EXPECT_EQ(readSoFar(512, 2048), "0.5 of 2.0 KiB");
+  EXPECT_EQ(readSoFar(1U << 20U, 3U << 20U), "1.0 of 3.0 MiB");
+  EXPECT_EQ(readSoFar(3435973837, std::uint64_t{4} << 30U), "3.2 of 4.0 GiB");
+  EXPECT_EQ(readSoFar(4096, 4096), "4.0 of 4.0 KiB");
+}
+
+TEST(ReadSoFar, WhatIsReadAgainIsSaidAlone) {
+  EXPECT_EQ(readSoFar(2048, 1024), "2.0 KiB");
+  EXPECT_EQ(readSoFar(5U << 20U, 1024), "5.0 MiB");
+}
+
+TEST(Progress, ShortWorkShowsNothing) {
+  const TempFile temp(std::string(3000, 'x'));
+  const InputFile file(temp.path());
+  std::ostringstream terminal;
+  { const Progress progress(file, terminal, std::chrono::hours(1)); }
+  EXPECT_EQ(terminal.str(), "");
+}
+
+TEST(Progress, TheLineIsRenewedAndGoesAway) {
+  const TempFile temp(std::string(100'000, 'x'));
+  InputFile file(temp.path());
+  std::array<char, 70'000> bytes;
+  file.readAt(0, bytes.data(), bytes.size());
+  std::ostringstream terminal;
+  {
+    Progress progress(file, terminal, milliseconds(1));
+    std::string so_far;
+    while (so_far.find("KiB") == std::string::npos) {
+      std::this_thread::sleep_for(milliseconds(1));
+      progress.interrupt([&] { so_far = terminal.str(); });
+    }
+    progress.interrupt([&] { terminal << "a finding\n"; });
+  }
+  const std::string line = "\r\x1B[Kread 68.4 of 97.7 KiB";
+  const std::string text = terminal.str();
+  EXPECT_EQ(text.rfind(line, 0), 0U) << text;
+  EXPECT_NE(text.find("\r\x1B[Ka finding\n"), std::string::npos) << text;
+  const bool ends_clean =
+      text.substr(text.size() - 4) == "\r\x1B[K" || text.substr(text.size() - 10) == "a finding\n";
+  EXPECT_TRUE(ends_clean) << text;
+}
+
+TEST(Progress, OfAQuickCommandOnATerminalNothingIsSeen) {
+  const TempFile temp(std::string(10, 'x'));
+  RunOptions options;
+  options.error_is_terminal = true;
+  const RunResult result = run({"list", "blocks", temp.path()}, options);
+  EXPECT_EQ(result.messages,
+            "mdf: " + temp.path() +
+                ": 0 (0x0): expected 64 bytes of identification, found 10 up to the file's end\n");
+}
+
+}  // namespace
