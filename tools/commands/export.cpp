@@ -210,6 +210,8 @@ void addExportCommand(CLI::App& app, int& exit_code) {
       ->add_option("--format", request->format, "The form of the tables; csv unless said otherwise")
       ->check(CLI::IsMember({"csv", "jsonl"}))
       ->option_text("csv|jsonl");
+  command->add_flag_callback(
+      "--json", [request] { request->format = "jsonl"; }, "The same as --format jsonl");
   request->selection = addSelectionOptions(*command, false);
   command->footer(footer);
   command->callback([request, &exit_code] { exit_code = run(*request); });

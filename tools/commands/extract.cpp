@@ -54,6 +54,7 @@ void addExtractCommand(CLI::App& app, int& exit_code) {
                    "Only what is named so; * ? [...] match as in a shell")
       ->type_name("GLOB");
   command->add_flag("--force", options->replaces, "Replace files that are there");
+  command->add_flag("--json", options->as_json, "Print a JSON object for each attachment");
   command->footer(footer);
   command->callback([paths, options, &exit_code] { exit_code = extract(*paths, *options); });
 }

@@ -9,6 +9,7 @@
 #include "reading/attachments.h"
 #include "reading/description.h"
 #include "reading/input_file.h"
+#include "showing/json_output.h"
 
 namespace mdf_tools {
 
@@ -29,6 +30,8 @@ std::string damage(AttachmentData state) {
   return {};
 }
 
+std::string quoted(const Attachment& attachment) { return '"' + printable(attachment.name) + '"'; }
+
 class Extractor {
  public:
   Extractor(InputFile& file, const ExtractOptions& options, std::ostream& out,
@@ -39,6 +42,7 @@ class Extractor {
 
  private:
   std::string freeName(const Attachment& attachment);
+  void tell(const Attachment& attachment, const std::string& path, std::uint64_t size);
 
   InputFile& file_;
   const ExtractOptions& options_;
@@ -57,28 +61,50 @@ std::string Extractor::freeName(const Attachment& attachment) {
 }
 
 bool Extractor::extract(const Attachment& attachment) {
-  const std::string shown = '"' + printable(attachment.name) + '"';
   if (!attachment.is_embedded) {
-    out_ << shown << " is not in the file\n";
+    tell(attachment, "", 0);
     return true;
   }
   const std::string name = freeName(attachment);
   NewFile target(options_.folder, name);
-  const AttachmentData state =
-      readAttachmentData(file_, attachment, [&](std::string_view piece) { target.write(piece); });
+  std::uint64_t size = 0;
+  const AttachmentData state = readAttachmentData(file_, attachment, [&](std::string_view piece) {
+    target.write(piece);
+    size += piece.size();
+  });
   const std::string problem = damage(state);
   if (!problem.empty()) {
-    report_({attachment.offset, "expected the data of the attachment " + shown + ", " + problem});
+    report_({attachment.offset,
+             "expected the data of the attachment " + quoted(attachment) + ", " + problem});
     return false;
   }
+  const std::string path = options_.folder + '/' + name;
   if (!target.complete(options_.replaces)) {
-    report_({attachment.offset, "expected no file " + printable(options_.folder + '/' + name) +
-                                    ", found one; --force replaces it"});
+    report_({attachment.offset,
+             "expected no file " + printable(path) + ", found one; --force replaces it"});
     return false;
   }
-  out_ << printable(options_.folder + '/' + name) << ": " << attachment.original_size << " bytes"
-       << (attachment.has_digest ? ", digest verified" : "") << '\n';
+  tell(attachment, path, size);
   return true;
+}
+
+/// Says where an attachment has been written to; "" for one that is not in the file.
+void Extractor::tell(const Attachment& attachment, const std::string& path, std::uint64_t size) {
+  if (options_.as_json) {
+    Json line = {{"schema", json_schema},
+                 {"file", file_.name()},
+                 {"offset", attachment.offset},
+                 {"name", attachment.name}};
+    line["path"] = path.empty() ? Json() : Json(path);
+    line["bytes"] = size;
+    line["digest_verified"] = !path.empty() && attachment.has_digest;
+    out_ << jsonLine(line) << '\n';
+  } else if (path.empty()) {
+    out_ << quoted(attachment) << " is not in the file\n";
+  } else {
+    out_ << printable(path) << ": " << size << " bytes"
+         << (attachment.has_digest ? ", digest verified" : "") << '\n';
+  }
 }
 
 }  // namespace

@@ -15,6 +15,7 @@ struct ExtractOptions {
   std::string folder = ".";
   std::string name_pattern;  ///< with * ? [...] as in a shell, for stored names; "" for any
   bool replaces = false;     ///< files that are there under the same name
+  bool as_json = false;      ///< an object on each line of output
 };
 
 /// Writes the attachments that are embedded in a file to a folder, uncompressed, and a line for

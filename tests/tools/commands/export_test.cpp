@@ -65,6 +65,14 @@ TEST(ExportCommand, JsonLines) {
             "{\"schema\":1,\"group\":1,\"values\":{\"counter\":66}}\n");
 }
 
+TEST(ExportCommand, JsonIsAnotherWordForJsonLines) {
+  const TempFile file(twoTables());
+  const RunResult result = run({"export", "--json", file.path()});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output, run({"export", "--format", "jsonl", file.path()}).output);
+  EXPECT_EQ(result.output.rfind("{\"schema\":1,\"group\":0,", 0), 0U);
+}
+
 TEST(ExportCommand, OutputFile) {
   const TempFile file(twoTables());
   const ScratchFolder folder;

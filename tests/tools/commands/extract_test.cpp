@@ -44,6 +44,23 @@ TEST(ExtractCommand, PlainAndCompressed) {
   EXPECT_EQ(bytesOf(folder / "b.txt"), "abc");
 }
 
+TEST(ExtractCommand, AsJson) {
+  const TempFile file(
+      fileWith({{"logs/a.txt", "", 5, digestOfAbc(), 3, "abc"}, {"c.txt", "", 0, no_digest, 0, ""}})
+          .bytes());
+  const ScratchFolder folder;
+  const std::string to = folder.path();
+  const RunResult result = run({"extract", "--json", file.path(), "--to", to});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output,
+            "{\"schema\":1,\"file\":\"" + file.path() +
+                "\",\"offset\":208,\"name\":\"logs/a.txt\",\"path\":\"" + to +
+                "/a.txt\",\"bytes\":3,\"digest_verified\":true}\n{\"schema\":1,\"file\":\"" +
+                file.path() +
+                "\",\"offset\":344,\"name\":\"c.txt\",\"path\":null,\"bytes\":0,"
+                "\"digest_verified\":false}\n");
+}
+
 TEST(ExtractCommand, NeverLeavesTheFolder) {
   const ScratchFolder outer;
   std::filesystem::create_directory(outer / "inner");
