@@ -1,7 +1,5 @@
 #include "data_check.h"
 
-#include <md5.h>
-
 #include <algorithm>
 #include <array>
 #include <string>
@@ -10,6 +8,7 @@
 
 #include "framework/wire.h"
 #include "reading/block_layout.h"
+#include "reading/digest.h"
 #include "reading/inflate.h"
 
 namespace mdf_tools {
@@ -18,41 +17,6 @@ using mdf_v4_10::detail::hostSize;
 using mdf_v4_10::detail::loadLe;
 
 namespace {
-
-/// MD5 of bytes that come piece by piece.
-class Digest {
- public:
-  Digest() { MD5Init(&context_); }
-
-  void take(std::string_view bytes) {
-    MD5Update(&context_, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-  }
-
-  std::string bytes() {
-    std::array<std::uint8_t, MD5_DIGEST_LENGTH> digest{};
-    MD5Final(digest.data(), &context_);
-    return {digest.begin(), digest.end()};
-  }
-
- private:
-  MD5_CTX context_{};
-};
-
-std::string digestOfFile(InputFile& file, std::uint64_t offset, std::uint64_t size) {
-  std::vector<char> piece(65536);
-  Digest digest;
-  while (size > 0) {
-    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(size, piece.size()));
-    const std::size_t got = file.readAt(offset, piece.data(), wanted);
-    digest.take({piece.data(), got});
-    if (got < wanted) {
-      break;
-    }
-    offset += got;
-    size -= got;
-  }
-  return digest.bytes();
-}
 
 /// Inflates what stands in a block, and reports when it is not what the block says.
 std::optional<std::string> inflateChecked(const Subject& subject, std::uint32_t index,
@@ -78,16 +42,6 @@ std::optional<std::string> inflateChecked(const Subject& subject, std::uint32_t 
       break;
   }
   return std::nullopt;
-}
-
-std::string hexDigest(std::string_view bytes) {
-  static const char digits[] = "0123456789abcdef";
-  std::string text;
-  for (const char character : bytes) {
-    const auto byte = static_cast<unsigned char>(character);
-    text += {digits[byte >> 4U], digits[byte & 0xFU]};
-  }
-  return text;
 }
 
 /// Whether the sizes of an attachment fit each other and the block.
@@ -209,19 +163,19 @@ void checkAttachment(Subject& subject, const BlockFields& block, std::uint32_t i
       !(is_compressed || has_digest) || !subject.contents.take(size)) {
     return;
   }
-  std::string digest;
+  Md5 md5;
   if (is_compressed) {
     const auto original =
         inflateChecked(subject, index, block.tailAt(), size, block.number("at_original_size"));
     if (!original) {
       return;
     }
-    Digest inflated;
-    inflated.take(*original);
-    digest = inflated.bytes();
+    md5.add(*original);
   } else {
-    digest = digestOfFile(subject.file, block.tailAt(), size);
+    forEachPiece(subject.file, block.tailAt(), size,
+                 [&](std::string_view piece) { md5.add(piece); });
   }
+  const std::string digest = md5.digest();
   if (has_digest && digest != block.bytes("at_md5_checksum")) {
     subject.report(Code::attachment_digest_wrong, index,
                    "expected the digest " + hexDigest(block.bytes("at_md5_checksum")) +

@@ -1,13 +1,10 @@
 #include "attachments.h"
 
-// The system's header relies on names of this one.
-#include <md5.h>
-#include <sys/types.h>
-
 #include <algorithm>
 
 #include "block_fields.h"
 #include "description.h"
+#include "digest.h"
 #include "inflate.h"
 #include "input_file.h"
 
@@ -18,38 +15,6 @@ namespace {
 constexpr std::uint64_t embedded = 1;
 constexpr std::uint64_t compressed = 2;
 constexpr std::uint64_t digest_valid = 4;
-
-class Md5 {
- public:
-  Md5() { MD5Init(&context_); }
-  void add(std::string_view bytes) {
-    MD5Update(&context_, reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-  }
-  std::string digest() {
-    std::array<std::uint8_t, MD5_DIGEST_LENGTH> bytes;
-    MD5Final(bytes.data(), &context_);
-    return {bytes.begin(), bytes.end()};
-  }
-
- private:
-  MD5_CTX context_{};
-};
-
-/// Hands bytes of the file on piece by piece.
-void forEachPiece(InputFile& file, std::uint64_t offset, std::uint64_t count,
-                  const std::function<void(std::string_view)>& take) {
-  std::array<char, 65536> piece;
-  while (count > 0) {
-    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(count, piece.size()));
-    const std::size_t got = file.readAt(offset, piece.data(), wanted);
-    if (got == 0) {
-      return;
-    }
-    take({piece.data(), got});
-    offset += got;
-    count -= got;
-  }
-}
 
 Inflated inflateAttachment(InputFile& file, const Attachment& attachment) {
   std::string stream;
@@ -107,16 +72,6 @@ AttachmentData readAttachmentData(InputFile& file, const Attachment& attachment,
   }
   return !attachment.has_digest || md5.digest() == attachment.digest ? AttachmentData::fine
                                                                      : AttachmentData::wrong_digest;
-}
-
-std::string hexDigest(std::string_view digest) {
-  static const char digits[] = "0123456789abcdef";
-  std::string text;
-  for (const char character : digest) {
-    const auto byte = static_cast<unsigned char>(character);
-    text += {digits[byte >> 4U], digits[byte & 0xFU]};
-  }
-  return text;
 }
 
 }  // namespace mdf_tools

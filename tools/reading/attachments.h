@@ -49,9 +49,6 @@ enum class AttachmentData {
 AttachmentData readAttachmentData(InputFile& file, const Attachment& attachment,
                                   const std::function<void(std::string_view)>& take);
 
-/// "4f2a..." for a digest.
-std::string hexDigest(std::string_view digest);
-
 }  // namespace mdf_tools
 
 #endif  // MDF_TOOLS_READING_ATTACHMENTS_H_

@@ -6,10 +6,12 @@
 #include <sys/types.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "descriptor.h"
 
@@ -76,6 +78,21 @@ std::istream& InputFile::streamAt(std::uint64_t offset) {
   stream_.clear();
   stream_.seekg(static_cast<std::streamoff>(offset));
   return stream_;
+}
+
+void forEachPiece(InputFile& file, std::uint64_t offset, std::uint64_t count,
+                  const std::function<void(std::string_view)>& take) {
+  std::vector<char> piece(65536);
+  while (count > 0) {
+    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(count, piece.size()));
+    const std::size_t got = file.readAt(offset, piece.data(), wanted);
+    if (got == 0) {
+      return;
+    }
+    take({piece.data(), got});
+    offset += got;
+    count -= got;
+  }
 }
 
 }  // namespace mdf_tools

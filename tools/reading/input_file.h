@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <istream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "file_buffer.h"
 #include "paged_file.h"
@@ -57,6 +59,10 @@ class InputFile {
   std::istream stream_;
   std::uint64_t size_;
 };
+
+/// Hands bytes of a file on piece by piece, as many as wanted or as there are.
+void forEachPiece(InputFile& file, std::uint64_t offset, std::uint64_t count,
+                  const std::function<void(std::string_view)>& take);
 
 }  // namespace mdf_tools
 

@@ -11,6 +11,7 @@
 #include "reading/attachments.h"
 #include "reading/block_fields.h"
 #include "reading/description.h"
+#include "reading/digest.h"
 #include "reading/events.h"
 #include "reading/input_file.h"
 #include "reading/raw_block.h"

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "reading/digest.h"
 #include "reading/input_file.h"
 #include "support/bytes.h"
 #include "tools/support/attachment_blocks.h"
