@@ -41,7 +41,8 @@ AdditionalLink channelLink(const BlockFields& block, std::uint64_t index) {
   if (index < attachments) {
     return {{"cn_at_reference", "AT"}, index};
   }
-  if (index - attachments < x_axis.size()) {
+  constexpr std::uint64_t has_default_x = 1U << 12U;
+  if (index - attachments < x_axis.size() && block.hasFlag("cn_flags", has_default_x)) {
     return {x_axis.at(static_cast<std::size_t>(index - attachments))};
   }
   return {{"", ""}};
@@ -70,7 +71,8 @@ AdditionalLink additionalLink(const BlockFields& block, std::uint64_t index) {
   if (type == "EV") {
     return eventLink(block, index);
   }
-  if (type == "CG" && index == 0) {
+  constexpr std::uint64_t has_remote_master = 8;  // since version 4.2
+  if (type == "CG" && index == 0 && block.hasFlag("cg_flags", has_remote_master)) {
     return {{"cg_cg_master", "CG"}};
   }
   if (type == "CC") {

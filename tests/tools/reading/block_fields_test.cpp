@@ -178,6 +178,17 @@ TEST(LinkRole, ChannelsHaveAttachmentsAndDefaultAxis) {
                    "link 13 -> "}));
 }
 
+TEST(LinkRole, WithoutTheirFlagsChannelsAndGroupsHaveNoSuchLinks) {
+  FileBuilder file;
+  const auto channel =
+      file.add("CN", std::vector<std::uint64_t>(9), Bytes().zeros(22).u16(0).zeros(48));
+  EXPECT_EQ(behind(7, rolesOf(Block(file, channel), 9)),
+            (Roles{"cn_md_comment -> TX MD", "link 8 -> "}));
+  const auto group = file.add("CG", std::vector<std::uint64_t>(7), Bytes().zeros(32));
+  EXPECT_EQ(behind(5, rolesOf(Block(file, group), 7)),
+            (Roles{"cg_md_comment -> TX MD", "link 6 -> "}));
+}
+
 TEST(LinkRole, EventsHaveScopesAndAttachments) {
   FileBuilder file;
   const auto at = file.add("EV", std::vector<std::uint64_t>(9),
@@ -202,7 +213,8 @@ TEST(LinkRole, ListsHaveAsManyAsTheirLinks) {
 
 TEST(LinkRole, NewerLinksBehindTheKnownOnes) {
   FileBuilder file;
-  const auto group = file.add("CG", std::vector<std::uint64_t>(8), Bytes().zeros(32));
+  const auto group =
+      file.add("CG", std::vector<std::uint64_t>(8), Bytes().zeros(16).u16(8).zeros(14));
   EXPECT_EQ(behind(6, rolesOf(Block(file, group), 8)), (Roles{"cg_cg_master -> CG", "link 7 -> "}));
   const auto source = file.add("SI", std::vector<std::uint64_t>(4), Bytes().zeros(8));
   EXPECT_EQ(behind(3, rolesOf(Block(file, source), 4)), (Roles{"link 3 -> "}));
