@@ -364,7 +364,7 @@ TEST(BlockBody, TakesAsMuchOfAListAsThereIs) {
     std::istringstream is(Bytes().header("??", 24 + 19, 0).f64(0.5).f64(-2).text("end"));
     VariableBlock block(is);
     std::vector<REAL> list;
-    block.body.takeList(count, list);
+    block.body.takeList(detail::hostSize(count), list);
     EXPECT_EQ(list, reals);
     EXPECT_BYTES(block.rest(), rest);
   }

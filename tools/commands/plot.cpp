@@ -22,8 +22,6 @@
 #include "sample_options.h"
 #include "sampling/chart.h"
 
-extern char** environ;
-
 namespace mdf_tools {
 
 namespace {
