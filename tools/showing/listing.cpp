@@ -3,9 +3,8 @@
 #include <fnmatch.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
+#include "formatted.h"
 #include "json_output.h"
 #include "names.h"
 #include "reading/attachments.h"
@@ -191,12 +190,11 @@ class ChannelLister {
 
 /// A block's line for people: columns as wide as any offset of the file.
 void printBlock(const RawBlock& block, std::size_t width, std::ostream& out) {
-  std::array<char, 128> line;
-  std::snprintf(line.data(), line.size(), "%*llu  %-4s  %*llu  %llu\n", static_cast<int>(width),
-                static_cast<unsigned long long>(block.offset), printable(block.letters()).c_str(),
-                static_cast<int>(width), static_cast<unsigned long long>(block.length),
-                static_cast<unsigned long long>(block.linkCount()));
-  out << line.data();
+  out << formatted("%*llu  %-4s  %*llu  %llu\n", static_cast<int>(width),
+                   static_cast<unsigned long long>(block.offset),
+                   printable(block.letters()).c_str(), static_cast<int>(width),
+                   static_cast<unsigned long long>(block.length),
+                   static_cast<unsigned long long>(block.linkCount()));
 }
 
 void printBlockJson(InputFile& file, const RawBlock& block, const ListOptions& options,

@@ -1,8 +1,8 @@
 #include "progress.h"
 
 #include <array>
-#include <cstdio>
 
+#include "formatted.h"
 #include "reading/input_file.h"
 
 namespace mdf_tools {
@@ -33,14 +33,11 @@ std::string readSoFar(std::uint64_t bytes, std::uint64_t whole) {
   const Unit unit = unitFor(bytes <= whole ? whole : bytes);
   const int digits = unit.bytes == 1 ? 0 : 1;
   const double count = static_cast<double>(bytes) / unit.bytes;
-  std::array<char, 80> text;
-  if (bytes <= whole) {
-    std::snprintf(text.data(), text.size(), "%.*f of %.*f %s", digits, count, digits,
-                  static_cast<double>(whole) / unit.bytes, unit.name);
-  } else {
-    std::snprintf(text.data(), text.size(), "%.*f %s", digits, count, unit.name);
+  if (bytes > whole) {
+    return formatted("%.*f %s", digits, count, unit.name);
   }
-  return text.data();
+  return formatted("%.*f of %.*f %s", digits, count, digits,
+                   static_cast<double>(whole) / unit.bytes, unit.name);
 }
 
 Progress::Progress(const InputFile& file, std::ostream& terminal,

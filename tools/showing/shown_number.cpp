@@ -1,14 +1,9 @@
 #include "shown_number.h"
 
-#include <array>
-#include <cstdio>
+#include "formatted.h"
 
 namespace mdf_tools {
 
-std::string shownNumber(double number) {
-  std::array<char, 32> text;
-  std::snprintf(text.data(), text.size(), "%.6g", number);
-  return text.data();
-}
+std::string shownNumber(double number) { return formatted("%.6g", number); }
 
 }  // namespace mdf_tools

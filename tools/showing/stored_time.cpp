@@ -1,9 +1,9 @@
 #include "stored_time.h"
 
 #include <array>
-#include <cstdio>
 #include <cstdlib>
 
+#include "formatted.h"
 #include "reading/description.h"
 
 namespace mdf_tools {
@@ -45,7 +45,7 @@ Date dateAfter1970(std::int64_t days) {
   return {year, month, static_cast<int>(left) + 1};
 }
 
-std::string formatted(std::int64_t seconds, std::uint32_t nanoseconds) {
+std::string dateAndTime(std::int64_t seconds, std::uint32_t nanoseconds) {
   std::int64_t days = seconds / seconds_a_day;
   std::int64_t of_day = seconds % seconds_a_day;
   if (of_day < 0) {
@@ -53,17 +53,11 @@ std::string formatted(std::int64_t seconds, std::uint32_t nanoseconds) {
     --days;
   }
   const Date date = dateAfter1970(days);
-  std::array<char, 64> text;
-  std::snprintf(text.data(), text.size(), "%04lld-%02d-%02d %02d:%02d:%02d",
-                static_cast<long long>(date.year), date.month, date.day,
-                static_cast<int>(of_day / 3600), static_cast<int>(of_day / 60 % 60),
+  const std::string text =
+      formatted("%04lld-%02d-%02d %02d:%02d:%02d", static_cast<long long>(date.year), date.month,
+                date.day, static_cast<int>(of_day / 3600), static_cast<int>(of_day / 60 % 60),
                 static_cast<int>(of_day % 60));
-  std::string result = text.data();
-  if (nanoseconds != 0) {
-    std::snprintf(text.data(), text.size(), ".%09u", static_cast<unsigned>(nanoseconds));
-    result += text.data();
-  }
-  return result;
+  return nanoseconds == 0 ? text : text + formatted(".%09u", static_cast<unsigned>(nanoseconds));
 }
 
 }  // namespace
@@ -84,7 +78,7 @@ bool StoredTime::hasZone() const {
 }
 
 std::string StoredTime::shifted(int minutes) const {
-  return formatted(seconds_ + std::int64_t{60} * minutes, nanoseconds_);
+  return dateAndTime(seconds_ + std::int64_t{60} * minutes, nanoseconds_);
 }
 
 std::string StoredTime::utc() const {
@@ -106,10 +100,8 @@ std::string StoredTime::zone() const {
     return "";
   }
   const int minutes = zone_minutes_ + daylight_minutes_;
-  std::array<char, 32> text;
-  std::snprintf(text.data(), text.size(), "%c%02d:%02d", minutes < 0 ? '-' : '+',
-                std::abs(minutes) / 60, std::abs(minutes) % 60);
-  return text.data();
+  return formatted("%c%02d:%02d", minutes < 0 ? '-' : '+', std::abs(minutes) / 60,
+                   std::abs(minutes) % 60);
 }
 
 std::string StoredTime::sentence() const {
