@@ -4,7 +4,9 @@ set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR ${mdf_processor})
 set(CMAKE_CXX_COMPILER ${mdf_triplet}-g++)
 set(CMAKE_LIBRARY_ARCHITECTURE ${mdf_triplet})
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-${mdf_processor} -L /usr/${mdf_triplet})
+# Tests run programs with another PATH.
+find_program(MDF_QEMU_${mdf_processor} qemu-${mdf_processor} REQUIRED)
+set(CMAKE_CROSSCOMPILING_EMULATOR ${MDF_QEMU_${mdf_processor}} -L /usr/${mdf_triplet})
 
 cmake_path(SET packages NORMALIZE ${CMAKE_CURRENT_LIST_DIR}/../../build/packages/${mdf_architecture})
 set(CMAKE_FIND_ROOT_PATH ${packages})

@@ -95,14 +95,15 @@ int runGnuplot(const std::string& script, int output) {
   pid_t child = 0;
   const int error = posix_spawnp(&child, name.c_str(), &actions, nullptr, arguments, environ);
   posix_spawn_file_actions_destroy(&actions);
-  if (error == ENOENT) {
-    return complain("mdf plot needs gnuplot, which is not installed", exit_problem);
-  }
-  if (error != 0) {
+  if (error != 0 && error != ENOENT) {
     return complain("cannot start gnuplot: " + reasonOf(error), exit_problem);
   }
   int status = 0;
-  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  while (error == 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  // Where starting a program cannot tell at once that there is none, it seems to end with 127.
+  if (error == ENOENT || (WIFEXITED(status) && WEXITSTATUS(status) == 127)) {
+    return complain("mdf plot needs gnuplot, which is not installed", exit_problem);
   }
   return WIFEXITED(status) && WEXITSTATUS(status) == 0
              ? exit_fine

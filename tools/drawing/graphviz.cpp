@@ -71,6 +71,14 @@ class Redirection {
   posix_spawn_file_actions_t actions_;
 };
 
+/// Where starting a program cannot tell at once that there is none, it seems to end like this.
+constexpr int exit_code_without_program = 127;
+
+[[noreturn]] void failWithout(const std::string& name) {
+  throw DrawingFailed("cannot draw without the program " + name +
+                      ", which is not there; install Graphviz, or have a .dot file written");
+}
+
 pid_t start(const std::vector<std::string>& command, const Redirection& redirection) {
   std::vector<std::string> words = command;
   std::vector<char*> arguments;
@@ -83,8 +91,7 @@ pid_t start(const std::vector<std::string>& command, const Redirection& redirect
   const int error =
       posix_spawnp(&program, arguments[0], redirection.get(), nullptr, arguments.data(), environ);
   if (error == ENOENT) {
-    throw DrawingFailed("cannot draw without the program " + command[0] +
-                        ", which is not there; install Graphviz, or have a .dot file written");
+    failWithout(command[0]);
   }
   if (error != 0) {
     fail("start " + command[0], error);
@@ -102,6 +109,9 @@ void waitFor(pid_t program, const std::string& name) {
   if (WIFSIGNALED(status)) {
     throw DrawingFailed("cannot draw: " + name + " was ended by signal " +
                         std::to_string(WTERMSIG(status)));
+  }
+  if (WEXITSTATUS(status) == exit_code_without_program) {
+    failWithout(name);
   }
   if (WEXITSTATUS(status) != 0) {
     throw DrawingFailed("cannot draw: " + name + " ended with exit code " +
