@@ -39,7 +39,7 @@ int main() {
   std::ostringstream records;
   DLBLOCK list(true, 0), last_list(true, 0);
   LINK last_list_at = 0;
-  list.setEqualLength(record_bytes * block_records);  // of all blocks but the last
+  list.setEqualLength(UINT64{record_bytes} * block_records);  // of all blocks but the last
 
   const auto finishBlock = [&] {
     const std::string bytes = records.str();
