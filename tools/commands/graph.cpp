@@ -1,8 +1,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
-#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,11 +8,11 @@
 #include "command.h"
 #include "drawing/block_graph.h"
 #include "drawing/block_map.h"
-#include "drawing/graphviz.h"
+#include "drawing/drawing_program.h"
 #include "drawing/one_line.h"
-#include "extracting/new_file.h"
 #include "file_command.h"
 #include "offset_option.h"
+#include "picture_output.h"
 #include "reading/input_file.h"
 #include "showing/json_output.h"
 
@@ -119,25 +117,10 @@ void Picture::add(const FileContext& context) {
 }
 
 std::string drawn(const std::string& dot, const std::string& suffix) {
-  return suffix == ".dot" ? dot : drawnByGraphviz(dot, {"neato", "-n2", "-T" + suffix.substr(1)});
-}
-
-void writeFile(const std::string& path, const std::string& bytes) {
-  const std::filesystem::path whole(path);
-  const std::string folder = whole.parent_path().string();
-  NewFile file(folder.empty() ? "." : folder, whole.filename().string());
-  file.write(bytes);
-  file.complete(true);
-}
-
-void writePicture(const Picture& picture, const GraphArguments& arguments) {
-  const std::string bytes = drawn(picture.dot(), suffixOf(arguments.output));
-  if (arguments.output != "-") {
-    writeFile(arguments.output, bytes);
-  } else if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() ||
-             std::fflush(stdout) != 0) {
-    throw DrawingFailed("cannot write to standard output");
-  }
+  return suffix == ".dot" ? dot
+                          : drawnBy({{"neato", "-n2", "-T" + suffix.substr(1)},
+                                     "install Graphviz, or have a .dot file written"},
+                                    dot);
 }
 
 int graph(GraphArguments arguments) {
@@ -149,16 +132,9 @@ int graph(GraphArguments arguments) {
   if (arguments.is_json || picture.isEmpty()) {
     return exit_code;
   }
-  try {
-    writePicture(picture, arguments);
-  } catch (const DrawingFailed& error) {
-    std::cerr << "mdf: " << error.what() << '\n';
-    return std::max<int>(exit_code, exit_problem);
-  } catch (const Unwritable& error) {
-    std::cerr << "mdf: " << error.what() << '\n';
-    return std::max<int>(exit_code, exit_problem);
-  }
-  return exit_code;
+  const int drawing = writePicture(
+      arguments.output, [&] { return drawn(picture.dot(), suffixOf(arguments.output)); });
+  return std::max(exit_code, drawing);
 }
 
 }  // namespace

@@ -1,26 +1,23 @@
-#include <fcntl.h>
-#include <spawn.h>
 #include <sys/ioctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
+#include <cmath>
 #include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "command.h"
+#include "drawing/drawing_program.h"
 #include "file_command.h"
-#include "reading/descriptor.h"
+#include "picture_output.h"
 #include "reading/input_file.h"
 #include "sample_options.h"
 #include "sampling/chart.h"
+#include "showing/json_output.h"
 
 namespace mdf_tools {
 
@@ -30,13 +27,16 @@ constexpr const char* footer =
     R"TXT(Channels are drawn over the master channel of their channel group, mostly time, in a panel for each
 unit. Invalid samples are gaps. However many samples there are, a picture keeps the lowest and the
 highest value in each of its columns. Values that are texts are drawn as the numbers that stand for
-them in the file. gnuplot does the drawing and has to be installed.
+them in the file. gnuplot does the drawing and has to be installed; with --json standard output gets
+the points themselves, {"schema":1,"curves":[{"name":...,"unit":...,"over":...,"points":[[x,y],...]}]}
+with null for each gap, as many as a picture keeps.
 
 Examples:
   mdf plot trip.mf4 -c 'speed*' rpm -o trip.svg
   mdf plot trip.mf4 -c cpu_total --from 10 --to 20 -o cpu.png
   mdf plot monday.mf4 tuesday.mf4 -c speed -o both.svg      the same channel of two files
   mdf plot trip.mf4 -c speed -o - --format ascii            in the terminal
+  mdf plot trip.mf4 -c speed --json | jq '.curves[0].points[0]'
 
 Exit code: 0 fine, 1 problems found in the file or no picture, 2 wrong arguments or unreadable file.)TXT";
 
@@ -45,85 +45,11 @@ struct Request {
   std::shared_ptr<Selection> selection;
   std::string output = "-";
   std::string format;
+  bool is_json = false;
 };
 
 int complain(const std::string& sentence, ExitCode exit_code) {
   std::cerr << "mdf: " << sentence << '\n';
-  return exit_code;
-}
-
-std::string reasonOf(int error) { return std::generic_category().message(error); }
-
-/// A file that is gone with its descriptor, with a text to be read from its beginning.
-class ScriptFile {
- public:
-  explicit ScriptFile(const std::string& text) : file_(std::tmpfile()) {
-    if (file_ == nullptr || std::fwrite(text.data(), 1, text.size(), file_) < text.size() ||
-        std::fflush(file_) != 0 || lseek(fileno(file_), 0, SEEK_SET) != 0) {
-      error_ = errno;
-    }
-  }
-  ~ScriptFile() {
-    if (file_ != nullptr) {
-      (void)std::fclose(file_);
-    }
-  }
-  ScriptFile(const ScriptFile&) = delete;
-  ScriptFile& operator=(const ScriptFile&) = delete;
-
-  int error() const { return error_; }
-  int descriptor() const { return fileno(file_); }
-
- private:
-  std::FILE* file_;
-  int error_ = 0;
-};
-
-/// Lets gnuplot carry out a script. Without a shell, nothing in a file's name is a command.
-int runGnuplot(const std::string& script, int output) {
-  const ScriptFile input(script);
-  if (input.error() != 0) {
-    return complain("cannot write a temporary file: " + reasonOf(input.error()), exit_problem);
-  }
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, input.descriptor(), STDIN_FILENO);
-  posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
-  std::string name = "gnuplot";
-  std::string defaults = "-d";  // no settings of the user's own
-  char* const arguments[] = {name.data(), defaults.data(), nullptr};
-  pid_t child = 0;
-  const int error = posix_spawnp(&child, name.c_str(), &actions, nullptr, arguments, environ);
-  posix_spawn_file_actions_destroy(&actions);
-  if (error != 0 && error != ENOENT) {
-    return complain("cannot start gnuplot: " + reasonOf(error), exit_problem);
-  }
-  int status = 0;
-  while (error == 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
-  }
-  // Where starting a program cannot tell at once that there is none, it seems to end with 127.
-  if (error == ENOENT || (WIFEXITED(status) && WEXITSTATUS(status) == 127)) {
-    return complain("mdf plot needs gnuplot, which is not installed", exit_problem);
-  }
-  return WIFEXITED(status) && WEXITSTATUS(status) == 0
-             ? exit_fine
-             : complain("gnuplot could not draw the picture", exit_problem);
-}
-
-/// Draws to the output; a file that has become no picture is removed.
-int draw(const std::string& script, const std::string& path) {
-  if (path == "-") {
-    return runGnuplot(script, STDOUT_FILENO);
-  }
-  const Descriptor output(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-  if (output.number() < 0) {
-    return complain("cannot write to " + path + ": " + reasonOf(errno), exit_unusable);
-  }
-  const int exit_code = runGnuplot(script, output.number());
-  if (exit_code != exit_fine) {
-    std::error_code ignored;
-    std::filesystem::remove(path, ignored);
-  }
   return exit_code;
 }
 
@@ -157,24 +83,14 @@ ChartForm formOf(const Request& request, const std::string& format) {
   return form;
 }
 
-int run(const Request& request) {
-  const std::string format = formatOf(request);
-  if (format.empty()) {
-    return complain("cannot tell the picture's form from " + request.output +
-                        "; end it in .svg or .png, or add --format",
-                    exit_unusable);
-  }
-  if (format == "png" && request.output == "-" && outputIsTerminal()) {
-    return complain("a terminal shows no PNG; name a file with -o", exit_unusable);
-  }
-  const ChartForm form = formOf(request, format);
-  std::vector<Curve> curves;
+/// Takes the curves out of all files; returns the exit code.
+int collect(const Request& request, std::size_t width, std::vector<Curve>& curves) {
   int exit_code = exit_fine;
   const int reading = onEachFile(request.paths, [&](const FileContext& context) {
     const std::string& name = context.file.name();
     const std::string prefix =
         context.is_one_of_several ? std::filesystem::path(name).filename().string() + ": " : "";
-    CurveCollector collector(curves, form.width, prefix);
+    CurveCollector collector(curves, width, prefix);
     const NoteSink note = notesOf(name);
     const std::size_t count =
         visitTables(context.file, *request.selection, collector, context.report, note);
@@ -187,9 +103,56 @@ int run(const Request& request) {
       exit_code = exit_unusable;
     }
   });
-  exit_code = std::max(exit_code, reading);
-  return curves.empty() ? std::max<int>(exit_code, exit_problem)
-                        : std::max(exit_code, draw(gnuplotScript(curves, form), request.output));
+  return std::max(exit_code, reading);
+}
+
+Json pointsAsJson(const std::vector<Point>& points) {
+  Json array = Json::array();
+  for (const Point& point : points) {
+    array.push_back(std::isnan(point.y) ? Json() : Json::array({point.x, point.y}));
+  }
+  return array;
+}
+
+int printJson(const Request& request) {
+  std::vector<Curve> curves;
+  const int exit_code = collect(request, ChartForm().width, curves);
+  Json array = Json::array();
+  for (const Curve& curve : curves) {
+    array.push_back({{"name", curve.name},
+                     {"unit", curve.unit},
+                     {"over", curve.x_label},
+                     {"points", pointsAsJson(curve.points.points())}});
+  }
+  const Json document = {{"schema", json_schema}, {"curves", std::move(array)}};
+  return std::max(exit_code, printToOutput(jsonLine(document) + '\n'));
+}
+
+int drawPicture(const Request& request) {
+  const std::string format = formatOf(request);
+  if (format.empty()) {
+    return complain("cannot tell the picture's form from " + request.output +
+                        "; end it in .svg or .png, or add --format",
+                    exit_unusable);
+  }
+  if (format == "png" && request.output == "-" && outputIsTerminal()) {
+    return complain("a terminal shows no PNG; name a file with -o", exit_unusable);
+  }
+  const ChartForm form = formOf(request, format);
+  std::vector<Curve> curves;
+  const int exit_code = collect(request, form.width, curves);
+  if (curves.empty()) {
+    return std::max<int>(exit_code, exit_problem);
+  }
+  const int drawing = writePicture(request.output, [&] {
+    // No settings of the user's own.
+    return drawnBy({{"gnuplot", "-d"}, "install gnuplot"}, gnuplotScript(curves, form));
+  });
+  return std::max(exit_code, drawing);
+}
+
+int run(const Request& request) {
+  return request.is_json ? printJson(request) : drawPicture(request);
 }
 
 }  // namespace
@@ -201,13 +164,19 @@ void addPlotCommand(CLI::App& app, int& exit_code) {
       ->type_name("");
   request->selection = addSelectionOptions(*command, true);
   command->get_option("--channel")->required();
-  command
-      ->add_option("-o,--output", request->output,
-                   "The picture, by its ending .svg or .png; - is standard output")
-      ->type_name("OUT");
-  command->add_option("--format", request->format, "The form of the picture, if not by its ending")
-      ->check(CLI::IsMember({"svg", "png", "ascii"}))
-      ->option_text("svg|png|ascii");
+  CLI::Option* output =
+      command
+          ->add_option("-o,--output", request->output,
+                       "The picture, by its ending .svg or .png; - is standard output")
+          ->type_name("OUT");
+  CLI::Option* format =
+      command
+          ->add_option("--format", request->format, "The form of the picture, if not by its ending")
+          ->check(CLI::IsMember({"svg", "png", "ascii"}))
+          ->option_text("svg|png|ascii");
+  command->add_flag("--json", request->is_json, "Print the points as one JSON document instead")
+      ->excludes(output)
+      ->excludes(format);
   command->footer(footer);
   command->callback([request, &exit_code] {
     std::vector<std::string>& channels = request->selection->channels;

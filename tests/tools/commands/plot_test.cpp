@@ -89,6 +89,83 @@ TEST(PlotCommand, SeveralFilesInOnePicture) {
   EXPECT_NE(result.output.find(">b.mf4: speed<"), std::string::npos);
 }
 
+/// A time channel and one of bytes, of which the invalid ones are given as none.
+std::string fileWithAGap() {
+  SampleFile file;
+  const std::uint64_t time = file.time();
+  ChannelFields gear;
+  gear.name = "gear";
+  gear.byte_offset = 8;
+  gear.flags = 2;  // has an invalidation bit
+  const Bytes records = Bytes().f64(0.5).u8(1).u8(0).f64(1.5).u8(2).u8(1).f64(2.5).u8(3).u8(0);
+  file.dataGroup({file.group({3, 9, 1}, {time, file.channel(gear)})}, file.data(records));
+  return file.bytes();
+}
+
+TEST(PlotCommand, JsonHasThePointsAndNullForGaps) {
+  const TempFile file(fileWithAGap());
+  const RunResult result = run({"plot", file.path(), "-c", "gear", "--json"}, withoutGnuplot());
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.messages, "");
+  EXPECT_EQ(result.output, R"({"schema":1,"curves":[{"name":"gear","unit":"","over":"time [s]",)"
+                           R"("points":[[0.5,1.0],null,[2.5,3.0]]}]})"
+                           "\n");
+}
+
+TEST(PlotCommand, JsonWithoutCurvesIsADocumentToo) {
+  const TempFile file(risingFile());
+  const RunResult result = run({"plot", file.path(), "-c", "none", "--json"});
+  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.output, "{\"schema\":1,\"curves\":[]}\n");
+}
+
+TEST(PlotCommand, JsonOrAPicture) {
+  const TempFile file(risingFile());
+  EXPECT_EQ(run({"plot", file.path(), "-c", "speed", "--json", "-o", "out.svg"}).exit_code, 2);
+  EXPECT_EQ(run({"plot", file.path(), "-c", "speed", "--json", "--format", "svg"}).exit_code, 2);
+}
+
+TEST(PlotCommand, APictureTakesThePlaceOfTheOneBefore) {
+  const TempFile file(risingFile());
+  const ScratchFolder folder;
+  folder.write("out.svg", "before");
+  std::filesystem::create_symlink("out.svg", folder / "link.svg");
+  const RunResult result =
+      run({"plot", file.path(), "-c", "speed", "-o", (folder / "link.svg").string()});
+  EXPECT_EQ(result.messages, "");
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(folder / "link.svg"));
+  EXPECT_EQ(bytesOf((folder / "out.svg").string()).substr(0, 5), "<?xml");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 2);
+}
+
+TEST(PlotCommand, ADeviceStaysOne) {
+  const TempFile file(risingFile());
+  const std::vector<std::string> arguments = {"plot",     file.path(), "-c", "speed",
+                                              "--format", "svg",       "-o", ""};
+  const auto to = [&](const std::string& path) {
+    std::vector<std::string> all = arguments;
+    all.back() = path;
+    return run(all);
+  };
+  EXPECT_EQ(to("/dev/null").exit_code, 0);
+  EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+  EXPECT_EQ(to("/dev/stdout").output.substr(0, 5), "<?xml");
+  const RunResult full = to("/dev/full");
+  EXPECT_EQ(full.exit_code, 1);
+  EXPECT_EQ(full.messages, "mdf: cannot write to /dev/full\n");
+}
+
+TEST(PlotCommand, OutputThatCannotBeWritten) {
+  const TempFile file(risingFile());
+  const ScratchFolder folder;
+  const std::string path = (folder / "none" / "out.svg").string();
+  const RunResult result = run({"plot", file.path(), "-c", "speed", "-o", path});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.messages, "mdf: cannot open the folder " + (folder / "none").string() +
+                                 ": No such file or directory\n");
+}
+
 TEST(PlotCommand, NamesAreNoCommandsForGnuplot) {
   const ScratchFolder folder;
   const std::string proof = (folder / "proof").string();
@@ -107,7 +184,8 @@ TEST(PlotCommand, WithoutGnuplot) {
   const std::string path = (folder / "out.svg").string();
   const RunResult result = run({"plot", file.path(), "-c", "speed", "-o", path}, withoutGnuplot());
   EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.messages, "mdf: mdf plot needs gnuplot, which is not installed\n");
+  EXPECT_EQ(result.messages,
+            "mdf: cannot draw without the program gnuplot, which is not there; install gnuplot\n");
   EXPECT_FALSE(std::filesystem::exists(path));
 }
 

@@ -1,4 +1,4 @@
-#include "graphviz.h"
+#include "drawing_program.h"
 
 #include <spawn.h>
 #include <sys/mman.h>
@@ -74,34 +74,35 @@ class Redirection {
 /// Where starting a program cannot tell at once that there is none, it seems to end like this.
 constexpr int exit_code_without_program = 127;
 
-[[noreturn]] void failWithout(const std::string& name) {
-  throw DrawingFailed("cannot draw without the program " + name +
-                      ", which is not there; install Graphviz, or have a .dot file written");
+[[noreturn]] void failWithout(const DrawingProgram& program) {
+  throw DrawingFailed("cannot draw without the program " + program.command[0] +
+                      ", which is not there; " + program.remedy);
 }
 
-pid_t start(const std::vector<std::string>& command, const Redirection& redirection) {
-  std::vector<std::string> words = command;
+pid_t start(const DrawingProgram& program, const Redirection& redirection) {
+  std::vector<std::string> words = program.command;
   std::vector<char*> arguments;
   arguments.reserve(words.size() + 1);
   for (std::string& word : words) {
     arguments.push_back(word.data());
   }
   arguments.push_back(nullptr);
-  pid_t program = 0;
+  pid_t process = 0;
   const int error =
-      posix_spawnp(&program, arguments[0], redirection.get(), nullptr, arguments.data(), environ);
+      posix_spawnp(&process, arguments[0], redirection.get(), nullptr, arguments.data(), environ);
   if (error == ENOENT) {
-    failWithout(command[0]);
+    failWithout(program);
   }
   if (error != 0) {
-    fail("start " + command[0], error);
+    fail("start " + program.command[0], error);
   }
-  return program;
+  return process;
 }
 
-void waitFor(pid_t program, const std::string& name) {
+void waitFor(pid_t process, const DrawingProgram& program) {
+  const std::string& name = program.command[0];
   int status = 0;
-  while (waitpid(program, &status, 0) < 0) {
+  while (waitpid(process, &status, 0) < 0) {
     if (errno != EINTR) {
       fail("wait for " + name, errno);
     }
@@ -111,7 +112,7 @@ void waitFor(pid_t program, const std::string& name) {
                         std::to_string(WTERMSIG(status)));
   }
   if (WEXITSTATUS(status) == exit_code_without_program) {
-    failWithout(name);
+    failWithout(program);
   }
   if (WEXITSTATUS(status) != 0) {
     throw DrawingFailed("cannot draw: " + name + " ended with exit code " +
@@ -121,15 +122,15 @@ void waitFor(pid_t program, const std::string& name) {
 
 }  // namespace
 
-std::string drawnByGraphviz(const std::string& dot, const std::vector<std::string>& command) {
+std::string drawnBy(const DrawingProgram& program, const std::string& text) {
   const Descriptor input = memoryFile();
   const Descriptor output = memoryFile();
-  writeAll(input.number(), dot);
+  writeAll(input.number(), text);
   const Redirection redirection(input.number(), output.number());
-  waitFor(start(command, redirection), command[0]);
+  waitFor(start(program, redirection), program);
   std::string picture = readAll(output.number());
   if (picture.empty()) {
-    throw DrawingFailed("cannot draw: " + command[0] + " gave no picture");
+    throw DrawingFailed("cannot draw: " + program.command[0] + " gave no picture");
   }
   return picture;
 }

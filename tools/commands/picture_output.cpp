@@ -1,0 +1,70 @@
+#include "picture_output.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <system_error>
+
+#include "command.h"
+#include "drawing/drawing_program.h"
+#include "extracting/new_file.h"
+
+namespace mdf_tools {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+void writeToOutput(const std::string& bytes) {
+  if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() ||
+      std::fflush(stdout) != 0) {
+    throw Unwritable("cannot write to standard output: " + std::generic_category().message(errno));
+  }
+}
+
+/// A device or a pipe is written to, and nothing else takes its place.
+void writeToDevice(const fs::path& path, const std::string& bytes) {
+  std::ofstream device(path, std::ios::binary);
+  device << bytes;
+  if (!device.flush()) {
+    throw Unwritable("cannot write to " + path.string());
+  }
+}
+
+void writeToFile(const fs::path& path, const std::string& bytes) {
+  const std::string folder = path.parent_path().string();
+  NewFile file(folder.empty() ? "." : folder, path.filename().string());
+  file.write(bytes);
+  file.complete(true);
+}
+
+void write(const std::string& path, const std::string& bytes) {
+  std::error_code none;
+  if (path == "-") {
+    writeToOutput(bytes);
+  } else if (fs::is_other(path, none)) {
+    writeToDevice(path, bytes);
+  } else {
+    // A link stays one, and what it leads to is replaced.
+    const fs::path there = fs::canonical(path, none);
+    writeToFile(none ? fs::path(path) : there, bytes);
+  }
+}
+
+}  // namespace
+
+int writePicture(const std::string& path, const std::function<std::string()>& draw) {
+  try {
+    write(path, draw());
+    return exit_fine;
+  } catch (const DrawingFailed& error) {
+    std::cerr << "mdf: " << error.what() << '\n';
+  } catch (const Unwritable& error) {
+    std::cerr << "mdf: " << error.what() << '\n';
+  }
+  return exit_problem;
+}
+
+}  // namespace mdf_tools
