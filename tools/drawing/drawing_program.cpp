@@ -79,17 +79,35 @@ constexpr int exit_code_without_program = 127;
                       ", which is not there; " + program.remedy);
 }
 
+/// The words as the system wants them: their addresses, and none at the end.
+std::vector<char*> pointersTo(std::vector<std::string>& words) {
+  std::vector<char*> pointers;
+  pointers.reserve(words.size() + 1);
+  for (std::string& word : words) {
+    pointers.push_back(word.data());
+  }
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+/// This program's environment, but with texts in UTF-8, as those of the file are, whatever the
+/// user's language is.
+std::vector<std::string> environmentInUtf8() {
+  std::vector<std::string> variables = {"LC_ALL=C.UTF-8"};
+  for (char** variable = environ; *variable != nullptr; ++variable) {
+    if (std::string_view(*variable).substr(0, 7) != "LC_ALL=") {
+      variables.emplace_back(*variable);
+    }
+  }
+  return variables;
+}
+
 pid_t start(const DrawingProgram& program, const Redirection& redirection) {
   std::vector<std::string> words = program.command;
-  std::vector<char*> arguments;
-  arguments.reserve(words.size() + 1);
-  for (std::string& word : words) {
-    arguments.push_back(word.data());
-  }
-  arguments.push_back(nullptr);
+  std::vector<std::string> variables = environmentInUtf8();
   pid_t process = 0;
-  const int error =
-      posix_spawnp(&process, arguments[0], redirection.get(), nullptr, arguments.data(), environ);
+  const int error = posix_spawnp(&process, words[0].c_str(), redirection.get(), nullptr,
+                                 pointersTo(words).data(), pointersTo(variables).data());
   if (error == ENOENT) {
     failWithout(program);
   }

@@ -178,6 +178,15 @@ TEST(PlotCommand, NamesAreNoCommandsForGnuplot) {
   EXPECT_FALSE(std::filesystem::exists(proof));
 }
 
+TEST(PlotCommand, InAnyLocale) {
+  const TempFile file(risingFile("G\xc3\xa4nge"));
+  RunOptions options;
+  options.environment = {"LC_ALL=C"};
+  const RunResult result = run({"plot", file.path(), "-c", "*", "--format", "svg"}, options);
+  EXPECT_EQ(result.messages, "");
+  EXPECT_NE(result.output.find(">G\xc3\xa4nge [km/h]<"), std::string::npos);
+}
+
 TEST(PlotCommand, WithoutGnuplot) {
   const TempFile file(risingFile());
   const ScratchFolder folder;
