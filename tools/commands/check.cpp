@@ -11,6 +11,7 @@
 #include "command.h"
 #include "file_command.h"
 #include "reading/input_file.h"
+#include "reading/style.h"
 #include "showing/json_output.h"
 
 namespace mdf_tools {
@@ -45,12 +46,25 @@ std::string summary(Counts counts, std::uint64_t blocks) {
   return (text.empty() ? "nothing found, " : text) + counted(blocks, "block");
 }
 
+Style styleOf(Severity severity) {
+  switch (severity) {
+    case Severity::error:
+      return Style::error;
+    case Severity::warning:
+      return Style::warning;
+    case Severity::note:
+      break;
+  }
+  return Style::note;
+}
+
 void writeLine(const FileContext& context, const Problem& problem) {
   const CodeText& code = textOf(problem.code);
   context.out << context.file.name() << ": " << decimalAndHex(problem.offset) << ": "
-              << severityWord(code.severity) << ' ' << code.word << ": " << problem.sentence;
+              << styleOf(code.severity) << severityWord(code.severity) << Style::plain << ' '
+              << Style::strong << code.word << Style::plain << ": " << problem.sentence;
   if (!problem.path.empty()) {
-    context.out << " [" << problem.path << ']';
+    context.out << Style::faint << " [" << problem.path << ']' << Style::plain;
   }
   context.out << '\n';
 }

@@ -6,10 +6,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <iostream>
 #include <new>
 #include <optional>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 
 #include "command.h"
@@ -54,9 +56,23 @@ int onFile(const std::string& path, bool is_one_of_several, std::ostream& out,
   return exit_code;
 }
 
+std::string_view variable(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+/// Where colours are not wanted, NO_COLOR says so, as no-color.org asks of programs.
+bool outputHasColours() {
+  const std::string_view terminal = variable("TERM");
+  return !terminal.empty() && terminal != "dumb" && variable("NO_COLOR").empty();
+}
+
 OutputBuffer::Bytes outputForm() {
-  return outputIsTerminal() ? OutputBuffer::Bytes::for_a_terminal
-                            : OutputBuffer::Bytes::as_they_are;
+  if (!outputIsTerminal()) {
+    return OutputBuffer::Bytes::as_they_are;
+  }
+  return outputHasColours() ? OutputBuffer::Bytes::for_a_terminal_with_colours
+                            : OutputBuffer::Bytes::for_a_terminal;
 }
 
 /// Hands everything to the file; returns the exit code.

@@ -5,6 +5,7 @@
 
 #include "block_summary.h"
 #include "reading/input_file.h"
+#include "reading/style.h"
 #include "showing/json_output.h"
 
 namespace mdf_tools {
@@ -19,43 +20,43 @@ std::string indentation(std::size_t depth) {
 
 std::string typeOf(const TreeEntry& entry) { return printable(entry.raw.letters()); }
 
-std::string mark(const TreeEntry& entry) {
-  switch (entry.kind) {
-    case TreeEntry::shared:
-      return entry.was_left_out ? " (shared, left out above)" : " (shared, shown above)";
-    case TreeEntry::cycle:
-      return " (cycle, leads back)";
-    case TreeEntry::block:
-    case TreeEntry::nothing:
-    case TreeEntry::left_out:
-      break;
+void writeMark(const TreeEntry& entry, std::ostream& os) {
+  if (entry.kind == TreeEntry::shared) {
+    os << Style::faint
+       << (entry.was_left_out ? " (shared, left out above)" : " (shared, shown above)")
+       << Style::plain;
+  } else if (entry.kind == TreeEntry::cycle) {
+    os << Style::warning << " (cycle, leads back)" << Style::plain;
   }
-  return {};
 }
 
-std::string described(InputFile& file, const TreeEntry& entry) {
+void writeBlock(InputFile& file, const TreeEntry& entry, std::ostream& os) {
   const BlockSummary summary = summarize(file, entry.raw);
-  std::string text = typeOf(entry) + ' ' + decimalAndHex(entry.offset);
+  os << Style::strong << typeOf(entry) << Style::plain << ' ' << decimalAndHex(entry.offset);
   if (!summary.name.empty()) {
-    text += " \"" + summary.name + '"';
+    os << " \"" << summary.name << '"';
   }
   if (entry.kind == TreeEntry::block && !summary.facts.empty()) {
-    text += ' ' + summary.words();
+    os << ' ' << summary.words();
   }
-  return text + mark(entry);
+  writeMark(entry, os);
 }
 
-std::string lineOf(InputFile& file, const TreeEntry& entry) {
+void writeEntry(InputFile& file, const TreeEntry& entry, std::ostream& os) {
   if (entry.kind == TreeEntry::left_out) {
-    return "... " + std::to_string(entry.count) + " more " + typeOf(entry);
+    os << "... " << entry.count << " more " << typeOf(entry);
+    return;
   }
-  const std::string link = entry.role.empty() ? "" : entry.role + " -> ";
+  if (!entry.role.empty()) {
+    os << Style::faint << entry.role << " -> " << Style::plain;
+  }
   if (entry.kind == TreeEntry::nothing) {
     const auto target = static_cast<std::int64_t>(entry.offset);
-    return link + (target < 0 ? std::to_string(target) : decimalAndHex(entry.offset)) +
-           " no block there";
+    os << (target < 0 ? std::to_string(target) : decimalAndHex(entry.offset)) << Style::error
+       << " no block there" << Style::plain;
+  } else {
+    writeBlock(file, entry, os);
   }
-  return link + described(file, entry);
 }
 
 std::string kindName(TreeEntry::Kind kind) {
@@ -107,7 +108,9 @@ Json jsonOf(InputFile& file, const TreeEntry& entry) {
 void writeTree(InputFile& file, const TreeOptions& options, std::ostream& os,
                const FindingSink& report) {
   walkTree(file, options, report, [&](const TreeEntry& entry) {
-    os << indentation(entry.depth) << lineOf(file, entry) << '\n';
+    os << indentation(entry.depth);
+    writeEntry(file, entry, os);
+    os << '\n';
     return os.good();
   });
 }

@@ -7,6 +7,7 @@
 #include "block_types.h"
 #include "input_file.h"
 #include "mdf_v4_10.h"
+#include "style.h"
 #include "walker.h"
 
 namespace mdf_tools {
@@ -45,8 +46,8 @@ void reportTooLarge(const RawBlock& block, const FindingSink& report) {
 
 void writeHeadline(InputFile& file, const BlockFields& fields, std::ostream& os) {
   const RawBlock& block = fields.raw();
-  os << decimalAndHex(block.offset) << ' ' << block.name() << " length " << block.length
-     << " links " << block.link_count;
+  os << Style::strong << decimalAndHex(block.offset) << ' ' << block.name() << Style::plain
+     << " length " << block.length << " links " << block.link_count;
   const char* separator = ": ";
   forEachLink(file, block, [&](std::uint64_t index, std::int64_t link) {
     const LinkRole role = linkRole(fields, index);
@@ -57,7 +58,8 @@ void writeHeadline(InputFile& file, const BlockFields& fields, std::ostream& os)
 }
 
 void writeIdentificationLine(std::ostream& os) {
-  os << decimalAndHex(0) << " identification length " << header_block_offset << '\n';
+  os << Style::strong << decimalAndHex(0) << " identification" << Style::plain << " length "
+     << header_block_offset << '\n';
 }
 
 void dumpIdentification(InputFile& file, std::ostream& os) {

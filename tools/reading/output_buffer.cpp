@@ -14,13 +14,19 @@ constexpr std::size_t collected_bytes = 32768;
 }  // namespace
 
 OutputBuffer::OutputBuffer(std::FILE* file, Bytes bytes)
-    : file_(file), bytes_(bytes), collected_(bytes == Bytes::as_they_are ? collected_bytes : 0) {
+    : file_(file), bytes_(bytes), collected_(isForATerminal() ? 0 : collected_bytes) {
   setp(collected_.data(), collected_.data() + collected_.size());
 }
 
 void OutputBuffer::flush() {
   if (drain() && error_ == 0 && std::fflush(file_) != 0) {
     error_ = errno;
+  }
+}
+
+void OutputBuffer::command(std::string_view sequence) {
+  if (bytes_ == Bytes::for_a_terminal_with_colours) {
+    write(sequence.data(), sequence.size());
   }
 }
 
@@ -56,8 +62,7 @@ bool OutputBuffer::drain() {
 
 /// After a failure nothing is collected any more, so that every further character fails too.
 bool OutputBuffer::pass(const char* bytes, std::size_t count) {
-  const bool passed =
-      bytes_ == Bytes::for_a_terminal ? writeShown(bytes, count) : write(bytes, count);
+  const bool passed = isForATerminal() ? writeShown(bytes, count) : write(bytes, count);
   if (!passed) {
     setp(pbase(), pbase());
   }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <streambuf>
+#include <string_view>
 #include <vector>
 
 namespace mdf_tools {
@@ -16,7 +17,7 @@ namespace mdf_tools {
 /// appear in turn.
 class OutputBuffer : public std::streambuf {
  public:
-  enum class Bytes { as_they_are, for_a_terminal };
+  enum class Bytes { as_they_are, for_a_terminal, for_a_terminal_with_colours };
 
   OutputBuffer(std::FILE* file, Bytes bytes);
   ~OutputBuffer() override { flush(); }
@@ -25,6 +26,9 @@ class OutputBuffer : public std::streambuf {
 
   /// Hands everything to the file.
   void flush();
+
+  /// Gives a terminal with colours a command; others do not see it.
+  void command(std::string_view sequence);
 
   /// The error number of the first write that failed; 0 as long as none has.
   int error() const { return error_; }
@@ -38,6 +42,7 @@ class OutputBuffer : public std::streambuf {
   bool drain();
   bool pass(const char* bytes, std::size_t count);
   bool write(const char* bytes, std::size_t count);
+  bool isForATerminal() const { return bytes_ != Bytes::as_they_are; }
   bool writeShown(const char* bytes, std::size_t count);
   char shown(char character);
 

@@ -6,6 +6,7 @@
 #include "names.h"
 #include "reading/block_layout.h"
 #include "reading/input_file.h"
+#include "reading/style.h"
 #include "shown_number.h"
 #include "stored_time.h"
 #include "text_table.h"
@@ -75,7 +76,8 @@ std::string contentsSentence(const FileSummary& summary) {
 
 void printLine(std::ostream& out, std::string_view label, std::string_view value) {
   constexpr std::size_t label_width = 11;
-  out << label << std::string(label_width - label.size(), ' ') << onOneLine(value) << '\n';
+  out << Style::strong << label << Style::plain << std::string(label_width - label.size(), ' ')
+      << onOneLine(value) << '\n';
 }
 
 void printGroups(const FileSummary& summary, std::ostream& out) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "reading/style.h"
+
 namespace mdf_tools {
 
 namespace {
@@ -87,7 +89,9 @@ void TextTable::print(std::ostream& os) {
     widen(row.cells);
   }
   if (!titles.empty()) {
+    os << Style::strong;
     printRow(os, titles);
+    os << Style::plain;
   }
   for (const Row& row : rows_) {
     printRow(os, row.cells);

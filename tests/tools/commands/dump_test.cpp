@@ -209,6 +209,7 @@ TEST(DumpCommand, TerminalIsNotGivenControlCharacters) {
   const TempFile file(healthyFile());
   RunOptions options;
   options.output_is_terminal = true;
+  options.environment = {"TERM=dumb"};
   const RunResult result = run({"dump", file.path()}, options);
   std::string expected = healthyDump();
   for (char& character : expected) {
