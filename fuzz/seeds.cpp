@@ -1,4 +1,5 @@
-// Writes inputs to begin with into a folder for each fuzz target, made with the library's writers.
+// Writes inputs to begin with into a folder for each fuzz target: blocks by the library's writers,
+// and for the commands the sample files.
 
 #include <cstdio>
 #include <exception>
@@ -14,6 +15,7 @@
 #include "recording/recorder.h"
 #include "recording/signal_source.h"
 #include "targets.h"
+#include "tools/samples/sample.h"
 
 namespace mdf_fuzz {
 
@@ -235,9 +237,12 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
     }
   }
   inputs["dump"].push_back(fileWithAll(all));
-  inputs["check"] = inputs["dump"];
-  inputs["draw"] = inputs["dump"];
-  inputs["export"] = inputs["dump"];
+  for (const mdf_tests::Sample& sample : mdf_tests::allSamples()) {
+    inputs["dump"].push_back(sample.bytes);
+  }
+  for (const char* target : {"check", "draw", "export", "show"}) {
+    inputs[target] = inputs["dump"];
+  }
   return inputs;
 }
 

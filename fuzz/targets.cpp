@@ -62,7 +62,8 @@ const std::vector<std::pair<std::string, Target>>& targets() {
                              {"dump", tryDump},
                              {"check", tryCheck},
                              {"draw", tryDraw},
-                             {"export", tryExport}});
+                             {"export", tryExport},
+                             {"show", tryShow}});
     return list;
   }();
   return all;

@@ -28,6 +28,7 @@ std::string tryCheck(std::string_view input);
 std::string tryDump(std::string_view input);
 std::string tryDraw(std::string_view input);
 std::string tryExport(std::string_view input);
+std::string tryShow(std::string_view input);
 
 }  // namespace mdf_fuzz
 
