@@ -123,16 +123,21 @@ such a record can be read, for nobody knows how long it is.)"},
       {Code::record_cut_off, "record-cut-off", Severity::error,
        R"(The data of a data group with several channel groups ends in the middle of a record.)"},
       {Code::cycle_count_wrong, "cycle-count-wrong", Severity::error,
-       R"(A channel group's number of records is not the number that its data has. In a data group with
-one channel group the number of bytes decides: records times the size of one. In others the records
-are counted.)"},
+       R"(The number of records that a channel group or a sample reduction states is not the number that its
+data has. In a sample reduction, and in a data group with one channel group, the number of bytes
+decides: records times the size of one. In others the records are counted.)"},
       {Code::data_shared, "data-shared", Severity::warning,
-       R"(The same data block or data list is data of two data groups, or is there twice in one. It is
-counted once.)"},
+       R"(The same data block or data list is data of two data groups or sample reductions, or is there
+twice in one. It is counted once.)"},
       {Code::channel_outside_record, "channel-outside-record", Severity::error,
        R"(A channel's bits go past the data bytes of its channel group's records.)"},
       {Code::invalidation_bit_outside_record, "invalidation-bit-outside-record", Severity::error,
        R"(A channel's invalidation bit is behind the invalidation bytes of its channel group's records.)"},
+      {Code::value_outside_signal_data, "value-outside-signal-data", Severity::error,
+       R"(A channel of variable length has records without a value: the offset in the record, or the length
+that stands there, goes past the end of the channel's signal data. Where values are the records of
+another channel group, and where a record refers back to a value before the last one, the offset
+alone is looked at. Channels that share their signal data are not looked at but for the first.)"},
       {Code::master_missing, "master-missing", Severity::note,
        R"(A channel group has channels and records, and no master channel: there is no time, angle or
 distance to draw the channels over, but the number of the record.)"},

@@ -53,6 +53,7 @@ enum class Code {
   data_shared,
   channel_outside_record,
   invalidation_bit_outside_record,
+  value_outside_signal_data,
   master_missing,
   master_twice,
   masters_overlap,

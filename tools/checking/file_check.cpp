@@ -115,7 +115,7 @@ void checkBlock(Subject& subject, RecordCheck& records, std::uint32_t index) {
   }
   if (type == "TX" || type == "MD") {
     checkText(subject, *raw, index);
-  } else if (type == "CN" || type == "CG" || type == "DG") {
+  } else if (type == "CN" || type == "CG" || type == "DG" || type == "SR") {
     records.take(block, index);
   } else if (type == "DZ") {
     checkZippedData(subject, block, index);

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <unordered_map>
+#include <utility>
 
 #include "data_check.h"
 
@@ -30,12 +32,16 @@ std::vector<std::uint64_t> idBytesFor(std::uint64_t code) {
   }
 }
 
-std::uint64_t loadNumber(const char* bytes, std::uint64_t count) {
-  std::uint64_t number = 0;
-  for (std::uint64_t i = count; i-- > 0;) {
-    number = (number << 8U) | static_cast<unsigned char>(bytes[i]);
-  }
-  return number;
+/// Whether data is made of so many records.
+bool isMadeOf(std::uint64_t data_bytes, std::uint64_t records, std::uint64_t record_bytes) {
+  return record_bytes == 0 ? data_bytes == 0
+                           : data_bytes % record_bytes == 0 && data_bytes / record_bytes == records;
+}
+
+std::string wrongCount(std::uint64_t records, std::uint64_t record_bytes,
+                       std::uint64_t data_bytes) {
+  return "expected data for " + std::to_string(records) + " records of " +
+         std::to_string(record_bytes) + " bytes, found " + std::to_string(data_bytes) + " bytes";
 }
 
 }  // namespace
@@ -47,8 +53,10 @@ void RecordCheck::take(const BlockFields& block, std::uint32_t index) {
     enterDataGroup(block, index);
   } else if (type == "CG") {
     enterChannelGroup(block, index);
-  } else if (channel_group_) {
+  } else if (channel_group_ && type == "CN") {
     takeChannel(block, index);
+  } else if (channel_group_) {
+    checkReduction(block, index);
   }
 }
 
@@ -75,7 +83,7 @@ void RecordCheck::enterChannelGroup(const BlockFields& block, std::uint32_t inde
   const std::uint64_t invalidation_bytes = block.number("cg_inval_bytes");
   const std::uint64_t cycles = block.number("cg_cycle_count");
   groups_.push_back({index, block.number("cg_record_id"), cycles, data_bytes + invalidation_bytes,
-                     is_variable_length, 0});
+                     is_variable_length, Allowance(data_bytes)});
   if (!is_variable_length) {
     channel_group_ = {index,
                       data_bytes,
@@ -101,7 +109,12 @@ void RecordCheck::leaveChannelGroup() {
 }
 
 void RecordCheck::takeChannel(const BlockFields& block, std::uint32_t index) {
-  enum Type : std::uint64_t { master = 2, virtual_master = 3, virtual_data = 6 };
+  enum Type : std::uint64_t {
+    variable_length = 1,
+    master = 2,
+    virtual_master = 3,
+    virtual_data = 6
+  };
   const std::uint64_t type = block.number("cn_type");
   channel_group_->has_channels = true;
   const std::uint64_t first_bit =
@@ -112,6 +125,33 @@ void RecordCheck::takeChannel(const BlockFields& block, std::uint32_t index) {
   }
   if (type != virtual_master && type != virtual_data) {
     checkBits(block, index);
+  }
+  if (type == variable_length) {
+    takeVariableChannel(block, index);
+  }
+}
+
+/// Channels that share bits of the record, so that they would have it read again and again, are
+/// left out, and those without an offset in it.
+void RecordCheck::takeVariableChannel(const BlockFields& block, std::uint32_t index) {
+  constexpr std::uint64_t all_invalid = 1;
+  constexpr std::uint64_t has_invalidation_bit = 2;
+  constexpr std::uint64_t in_records = 0;
+  const std::uint64_t bit = 8 * channel_group_->data_bytes + block.number("cn_inval_bit_pos");
+  const VariableChannel channel{
+      index,
+      block.link(5),
+      block.number("cn_byte_offset"),
+      block.number("cn_bit_offset"),
+      block.number("cn_bit_count"),
+      block.hasFlag("cn_flags", has_invalidation_bit) ? bit : VariableChannel::none};
+  const auto array = readFields(subject_.file, block.link(1), "CA");
+  const bool has_values = !block.hasFlag("cn_flags", all_invalid) &&
+                          (!array || array->number("ca_storage") == in_records);
+  if (has_values && channel.bit_count > 0 && channel.bytes() <= sizeof(std::uint64_t) &&
+      channel.first_byte + channel.bytes() <= channel_group_->data_bytes &&
+      groups_.back().offset_bytes.take(channel.bytes())) {
+    groups_.back().variable_channels.push_back(channel);
   }
 }
 
@@ -183,7 +223,7 @@ bool RecordCheck::checkIds() {
                         " channel groups, found dg_rec_id_size 0");
     return false;
   }
-  std::sort(groups_.begin(), groups_.end(), [](const Group& left, const Group& right) {
+  std::sort(groups_.begin(), groups_.end(), [](const RecordGroup& left, const RecordGroup& right) {
     return std::tie(left.record_id, left.index) < std::tie(right.record_id, right.index);
   });
   bool are_different = true;
@@ -199,13 +239,44 @@ bool RecordCheck::checkIds() {
   return are_different;
 }
 
-void RecordCheck::checkData() {
-  const DataBlocks data = dataBlocksAt(subject_, data_link_, seen_data_);
+/// Finds the data of a data group or of a reduction, of which each has its own.
+DataBlocks RecordCheck::recordsAt(std::uint64_t link, std::string_view link_name,
+                                  std::uint32_t index) {
+  DataBlocks data = dataBlocksAt(subject_, link, seen_data_);
   if (data.is_shared) {
-    subject_.report(Code::data_shared, *data_group_,
-                    "expected data of its own behind dg_data, found some that was there before");
+    subject_.report(Code::data_shared, index,
+                    "expected data of its own behind " + std::string(link_name) +
+                        ", found some that was there before");
   }
-  if (data.is_shared || !data.is_known || subject_.is_unfinished || groups_.empty()) {
+  data.is_known = data.is_known && !data.is_shared;
+  return data;
+}
+
+std::uint64_t RecordCheck::bytesOf(const DataBlocks& data) const {
+  std::uint64_t bytes = 0;
+  for (const std::uint64_t offset : data.offsets) {
+    bytes += dataBytesOf(subject_, offset).value_or(0);
+  }
+  return bytes;
+}
+
+/// A record of a reduction has a record's data bytes three times: mean, least and greatest values.
+void RecordCheck::checkReduction(const BlockFields& block, std::uint32_t index) {
+  constexpr std::uint64_t has_invalidation_bytes = 1;
+  const DataBlocks data = recordsAt(block.link(1), "sr_data", index);
+  const std::uint64_t records = block.number("sr_cycle_count");
+  const std::uint64_t record_bytes =
+      3 * channel_group_->data_bytes +
+      (block.hasFlag("sr_flags", has_invalidation_bytes) ? channel_group_->invalidation_bytes : 0);
+  const std::uint64_t data_bytes = bytesOf(data);
+  if (data.is_known && !subject_.is_unfinished && !isMadeOf(data_bytes, records, record_bytes)) {
+    subject_.report(Code::cycle_count_wrong, index, wrongCount(records, record_bytes, data_bytes));
+  }
+}
+
+void RecordCheck::checkData() {
+  const DataBlocks data = recordsAt(data_link_, "dg_data", *data_group_);
+  if (!data.is_known || subject_.is_unfinished || groups_.empty()) {
     return;
   }
   if (groups_.size() == 1 && !groups_[0].is_variable_length) {
@@ -215,116 +286,105 @@ void RecordCheck::checkData() {
   }
 }
 
-bool RecordCheck::hasRightLength(std::uint64_t data_bytes, std::uint64_t id_bytes) const {
-  const std::uint64_t record_bytes = groups_[0].record_bytes + id_bytes;
-  return record_bytes == 0
-             ? data_bytes == 0
-             : data_bytes % record_bytes == 0 && data_bytes / record_bytes == groups_[0].cycles;
-}
-
-void RecordCheck::checkOnlyGroup(const DataBlocks& data) const {
-  std::uint64_t bytes = 0;
-  for (const std::uint64_t offset : data.offsets) {
-    bytes += dataBytesOf(subject_, offset).value_or(0);
-  }
+void RecordCheck::checkOnlyGroup(const DataBlocks& data) {
+  const RecordGroup& group = groups_[0];
+  const std::uint64_t bytes = bytesOf(data);
   const auto possible = idBytesFor(id_code_);
-  const bool is_right = std::any_of(possible.begin(), possible.end(), [&](std::uint64_t id_bytes) {
-    return hasRightLength(bytes, id_bytes);
+  const auto right = std::find_if(possible.begin(), possible.end(), [&](std::uint64_t id_bytes) {
+    return isMadeOf(bytes, group.cycles, group.record_bytes + id_bytes);
   });
-  if (!is_right) {
-    subject_.report(Code::cycle_count_wrong, groups_[0].index,
-                    "expected data for " + std::to_string(groups_[0].cycles) + " records of " +
-                        std::to_string(groups_[0].record_bytes + possible[0]) + " bytes, found " +
-                        std::to_string(bytes) + " bytes");
+  if (right != possible.end()) {
+    checkValues(data, *right);
+  } else {
+    subject_.report(Code::cycle_count_wrong, group.index,
+                    wrongCount(group.cycles, group.record_bytes + possible[0], bytes));
   }
 }
 
 void RecordCheck::countRecords(const DataBlocks& data) {
   const auto possible = idBytesFor(id_code_);
-  Walk result = walk(data, possible[0]);
-  if (possible.size() > 1 && (result.end != Walk::fine || !isAsCounted())) {
-    const Walk other = walk(data, possible[1]);
-    if (other.end == Walk::fine && isAsCounted()) {
-      return;
+  std::uint64_t id_bytes = possible[0];
+  RecordWalk result = walkRecords(subject_, groups_, data, id_bytes);
+  if (possible.size() > 1 && (result.end != RecordWalk::fine || !isAsCounted())) {
+    const RecordWalk other = walkRecords(subject_, groups_, data, possible[1]);
+    if (other.end == RecordWalk::fine && isAsCounted()) {
+      id_bytes = possible[1];
+      result = other;
+    } else {
+      result = walkRecords(subject_, groups_, data, id_bytes);
     }
-    result = walk(data, possible[0]);
   }
   reportWalk(result);
+  if (result.end == RecordWalk::fine) {
+    checkValues(data, id_bytes);
+  }
 }
 
-RecordCheck::Walk RecordCheck::walk(const DataBlocks& data, std::uint64_t id_bytes) {
-  for (Group& group : groups_) {
-    group.counted = 0;
+/// Goes through the records once more when there are channels with values elsewhere.
+void RecordCheck::checkValues(const DataBlocks& data, std::uint64_t id_bytes) {
+  prepareValueChecks();
+  const bool has_any = std::any_of(groups_.begin(), groups_.end(), [](const RecordGroup& group) {
+    return !group.value_checks.empty();
+  });
+  if (!has_any) {
+    return;
   }
-  DataReader reader(subject_, data.offsets);
-  Walk result{Walk::fine, 0, 0};
-  while (result.end == Walk::fine && !reader.isAtEnd()) {
-    result = walkRecord(reader, id_bytes);
+  walkRecords(subject_, groups_, data, id_bytes);
+  for (const RecordGroup& group : groups_) {
+    for (const auto& check : group.value_checks) {
+      check->report();
+    }
   }
-  if (reader.isBroken()) {
-    result.end = Walk::unreadable;
-  }
-  return result;
 }
 
-RecordCheck::Walk RecordCheck::walkRecord(DataReader& reader, std::uint64_t id_bytes) {
-  std::array<char, 8> bytes{};
-  Walk result{Walk::fine, reader.position(), 0};
-  if (!reader.read(bytes.data(), static_cast<std::size_t>(id_bytes))) {
-    result.end = Walk::cut_off;
-    return result;
-  }
-  auto group = groups_.begin();
-  if (id_bytes > 0) {
-    result.record_id = loadNumber(bytes.data(), id_bytes);
-    group =
-        std::lower_bound(groups_.begin(), groups_.end(), result.record_id,
-                         [](const Group& each, std::uint64_t id) { return each.record_id < id; });
-    if (group == groups_.end() || group->record_id != result.record_id) {
-      result.end = Walk::unknown_id;
-      return result;
+/// What channels share of signal data is looked at for the first of them.
+void RecordCheck::prepareValueChecks() {
+  std::unordered_map<std::uint64_t, std::uint64_t> value_bytes;  // by the groups' offsets
+  for (const RecordGroup& group : groups_) {
+    if (group.is_variable_length) {
+      value_bytes[subject_.blocks[group.index].offset] = group.value_bytes;
     }
   }
-  std::uint64_t length = group->record_bytes;
-  if (group->is_variable_length) {
-    constexpr std::size_t length_bytes = 4;
-    if (!reader.read(bytes.data(), length_bytes)) {
-      result.end = Walk::cut_off;
-      return result;
+  for (RecordGroup& group : groups_) {
+    for (const VariableChannel& channel : group.variable_channels) {
+      const auto values = value_bytes.find(channel.values);
+      if (values != value_bytes.end()) {
+        group.value_checks.push_back(std::make_unique<ValueCheck>(subject_, channel, values->second,
+                                                                  std::vector<std::uint64_t>()));
+        continue;
+      }
+      DataBlocks data = dataBlocksAt(subject_, channel.values, seen_values_);
+      if (data.is_known && !data.is_shared) {
+        group.value_checks.push_back(std::make_unique<ValueCheck>(subject_, channel, bytesOf(data),
+                                                                  std::move(data.offsets)));
+      }
     }
-    length = loadNumber(bytes.data(), length_bytes);
   }
-  if (!reader.skip(length)) {
-    result.end = Walk::cut_off;
-    return result;
-  }
-  ++group->counted;
-  return result;
 }
 
 bool RecordCheck::isAsCounted() const {
   return std::all_of(groups_.begin(), groups_.end(),
-                     [](const Group& group) { return group.counted == group.cycles; });
+                     [](const RecordGroup& group) { return group.counted == group.cycles; });
 }
 
-void RecordCheck::reportWalk(const Walk& walk) const {
+void RecordCheck::reportWalk(const RecordWalk& walk) const {
   const std::string record = "a record at byte " + std::to_string(walk.position) + " of the data";
   switch (walk.end) {
-    case Walk::unreadable:
+    case RecordWalk::unreadable:
       return;
-    case Walk::unknown_id:
+    case RecordWalk::unknown_id:
       subject_.report(Code::record_id_unknown, *data_group_,
                       "expected a channel group for each record id, found none for id " +
                           std::to_string(walk.record_id) + " of " + record);
       return;
-    case Walk::cut_off:
+    case RecordWalk::cut_off:
       subject_.report(Code::record_cut_off, *data_group_,
                       "expected the data to end with a whole record, found " + record + " cut off");
       return;
-    case Walk::fine:
+    case RecordWalk::fine:
       break;
   }
-  for (const Group& group : groups_) {
+  for (const RecordGroup& group : groups_) {
     if (group.counted != group.cycles) {
       subject_.report(Code::cycle_count_wrong, group.index,
                       "expected " + std::to_string(group.cycles) + " records with id " +

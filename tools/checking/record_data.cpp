@@ -148,6 +148,19 @@ bool DataReader::read(char* bytes, std::size_t count) {
   return true;
 }
 
+bool DataReader::read(std::string& bytes, std::uint64_t count) {
+  constexpr std::uint64_t piece = std::uint64_t{1} << 16U;
+  bytes.clear();
+  while (bytes.size() < count) {
+    const std::size_t there = bytes.size();
+    bytes.resize(there + static_cast<std::size_t>(std::min(piece, count - there)));
+    if (!read(&bytes[there], bytes.size() - there)) {
+      return false;
+    }
+  }
+  return true;
+}
+
 bool DataReader::skip(std::uint64_t count) {
   while (count > 0) {
     if (isAtEnd()) {

@@ -41,6 +41,9 @@ class DataReader {
   bool read(char* bytes, std::size_t count);
   bool skip(std::uint64_t count);
 
+  /// Reads into a string, which gets no longer than what there is and a piece.
+  bool read(std::string& bytes, std::uint64_t count);
+
  private:
   void enter(std::uint64_t offset);
   void unzip(const RawBlock& block);

@@ -375,6 +375,17 @@ BrokenFile invalidationBitOutsideRecord() {
                     speed_path + "]");
 }
 
+BrokenFile valueOutsideSignalData() {
+  SmallFile file;
+  file.setChannel(SmallFile::speed, {1, 0, 7, 0, 8, 8});
+  file.write(SmallFile::end - 1, "\x03");
+  file.link(SmallFile::speed, 5, file.add("SD", {}, Bytes().u32(2).text("ok")));
+  return broken(file,
+                "496 error value-outside-signal-data: expected a value of each record in the 6 "
+                "bytes of signal data, found 1 outside, first that of record 1 at byte 3 [" +
+                    speed_path + "]");
+}
+
 BrokenFile masterMissing() {
   SmallFile file;
   file.setChannel(SmallFile::time, {0, 0, 4, 0, 0, 64});
@@ -442,6 +453,7 @@ const std::map<std::string, std::function<BrokenFile()>>& brokenFiles() {
       {"data-shared", dataShared},
       {"channel-outside-record", channelOutsideRecord},
       {"invalidation-bit-outside-record", invalidationBitOutsideRecord},
+      {"value-outside-signal-data", valueOutsideSignalData},
       {"master-missing", masterMissing},
       {"master-twice", masterTwice},
       {"masters-overlap", mastersOverlap},

@@ -163,6 +163,35 @@ TEST(HostileFiles, ZippedDataThatSaysItHoldsAlmostEverything) {
   }
 }
 
+TEST(HostileFiles, VeryManyChannelsOfVariableLengthInTheSameBytes) {
+  constexpr std::uint64_t count = 5000;
+  SmallFile file;
+  std::uint64_t channel = 0;
+  for (std::uint64_t i = 0; i < count; ++i) {
+    channel = file.add("CN", {channel, 0, SmallFile::speed_name, 0, 0, 0, 0, 0},
+                       ChannelFields{1, 0, 7, 0, 8, 8}.bytes());
+  }
+  file.link(SmallFile::time, 0, channel);
+  file.link(channel, 1, SmallFile::speed);
+  file.setGroup({0, 100000, 0, 9, 0});
+  file.replaceData(file.add("DT", {}, Bytes().zeros(900000)));
+  const Outcome outcome = outcomeOf(file.bytes());
+  // A record has room for nine of them.
+  EXPECT_EQ(outcome.problems, 9U);
+  EXPECT_NE(outcome.last.find("value-outside-signal-data"), std::string::npos) << outcome.last;
+}
+
+TEST(HostileFiles, RecordsOfVariableLengthChannelsThatSayTheyAreHuge) {
+  SmallFile file;
+  file.setGroup({0, 1, 0, UINT32_MAX, UINT32_MAX});
+  file.setChannel(SmallFile::speed, {1, 0, 7, 0, UINT32_MAX - 8, 64});
+  file.replaceData(
+      file.add("DZ", {}, zippedFields(2 * std::uint64_t{UINT32_MAX}, zippedZeros(1000))));
+  const Outcome outcome = outcomeOf(file.bytes());
+  EXPECT_EQ(outcome.problems, 1U);
+  EXPECT_NE(outcome.last.find("zip-original-length-wrong"), std::string::npos) << outcome.last;
+}
+
 TEST(HostileFiles, NumbersThatLie) {
   const std::vector<std::uint64_t> numbers = {0,
                                               1,

@@ -1,0 +1,265 @@
+// Offsets in records against the signal data that they lead into.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/bytes.h"
+#include "tools/support/checked.h"
+#include "tools/support/small_file.h"
+
+using namespace mdf_tests;
+
+namespace {
+
+using Offsets = std::vector<std::uint64_t>;
+
+/// Values of 3, 0 and 5 bytes: they stand at 0, 7 and 11, and there are 20 bytes of them.
+std::string threeValues() { return Bytes().u32(3).text("one").u32(0).u32(5).text("three"); }
+
+std::string recordsWith(const Offsets& offsets) {
+  Bytes records;
+  for (const std::uint64_t offset : offsets) {
+    records.zeros(8).u64(offset);
+  }
+  return records;
+}
+
+/// The small file with a text channel in place of the speed, whose offset is the last 8 of 16
+/// bytes.
+class TextFile : public SmallFile {
+ public:
+  TextFile(const GroupFields& fields, const std::string& records) {
+    setGroup(fields);
+    setText({});
+    replaceData(add("DT", {}, records));
+  }
+
+  explicit TextFile(const Offsets& offsets)
+      : TextFile({0, offsets.size(), 0, 16, 0}, recordsWith(offsets)) {}
+
+  TextFile& setIdBytes(int count) {
+    write(data_group + 56, Bytes().u8s({count}));
+    return *this;
+  }
+
+  TextFile& setText(ChannelFields fields) {
+    fields.type = 1;
+    fields.data_type = 7;
+    fields.byte_offset = 8;
+    fields.bit_count = fields.bit_count == 0 ? 64 : fields.bit_count;
+    setChannel(speed, fields);
+    return *this;
+  }
+
+  TextFile& setValues(std::uint64_t block) {
+    link(speed, 5, block);
+    return *this;
+  }
+};
+
+std::string checkedText(const Offsets& offsets, const std::string& values = threeValues()) {
+  TextFile file(offsets);
+  file.setValues(file.add("SD", {}, values));
+  return checkedBytes(file.bytes());
+}
+
+std::string outside(const std::string& found, std::uint64_t bytes = 20) {
+  return "496 error value-outside-signal-data: expected a value of each record in the " +
+         std::to_string(bytes) + " bytes of signal data, found " + found +
+         " [HD.hd_dg_first/DG[0].dg_cg_first/CG[0].cg_cn_first/CN[1]]\n";
+}
+
+TEST(ValueCheck, OffsetsInAnyOrder) {
+  EXPECT_EQ(checkedText({0, 7, 11}), "");
+  EXPECT_EQ(checkedText({11, 0, 7, 7, 11}), "");
+}
+
+TEST(ValueCheck, OffsetsBehindTheLastLength) {
+  EXPECT_EQ(checkedText({0, 17, 11, 20, 7}),
+            outside("2 outside, first that of record 1 at byte 17"));
+}
+
+TEST(ValueCheck, LastOffsetThatHasALength) {
+  EXPECT_EQ(checkedText({16}, Bytes().zeros(20)), "");
+  EXPECT_EQ(checkedText({17}, Bytes().zeros(20)),
+            outside("1 outside, first that of record 0 at byte 17"));
+}
+
+TEST(ValueCheck, ValueThatGoesPastTheEnd) {
+  const std::string values = Bytes().u32(3).text("one").u32(2).text("x");
+  EXPECT_EQ(checkedText({0, 7}, values),
+            outside("1 outside, first that of record 1 at byte 7", 12));
+}
+
+TEST(ValueCheck, ValueThatGoesPastTheEndInTheMiddle) {
+  const std::string values = Bytes().u32(12).text("one").u32(UINT32_MAX).u32(0);
+  EXPECT_EQ(checkedText({0, 7, 11}, values),
+            outside("2 outside, first that of record 0 at byte 0", 15));
+}
+
+TEST(ValueCheck, RecordsThatShareAMissingValueAreEachCounted) {
+  EXPECT_EQ(checkedText({0, 0, 0}, Bytes().u32(1)),
+            outside("3 outside, first that of record 0 at byte 0", 4));
+}
+
+TEST(ValueCheck, OfValuesThatOneGoesBackToTheLengthIsNotLookedAt) {
+  EXPECT_EQ(checkedText({7, 0}, Bytes().u32(UINT32_MAX).text("one").u32(0)), "");
+}
+
+TEST(ValueCheck, SignalDataTooShortForALength) {
+  EXPECT_EQ(checkedText({0}, "abc"), outside("1 outside, first that of record 0 at byte 0", 3));
+}
+
+TEST(ValueCheck, RecordsWithoutSignalData) {
+  EXPECT_EQ(checkedBytes(TextFile({0, 0}).bytes()),
+            outside("2 outside, first that of record 0 at byte 0", 0));
+  EXPECT_EQ(checkedBytes(TextFile({}).bytes()), "");
+}
+
+TEST(ValueCheck, OffsetsNearTheEndOfAllNumbers) {
+  EXPECT_EQ(checkedText({UINT64_MAX, UINT64_MAX - 3, std::uint64_t{1} << 63U}),
+            outside("3 outside, first that of record 0 at byte 18446744073709551615"));
+}
+
+TEST(ValueCheck, SignalDataInListsZippedOrNot) {
+  TextFile file({0, 60, 64, 68, 60});
+  const auto zipped = file.add("DZ", {}, zippedFields(62, zippedZeros(62), "SD"));
+  const auto plain = file.add("SD", {}, Bytes().u16(0).u32(0).u32(1));
+  const auto list = file.add("DL", {0, zipped, plain}, Bytes().zeros(4).u32(2).u64(0).u64(62));
+  file.setValues(file.add("HL", {list}, Bytes().zeros(8)));
+  EXPECT_EQ(checkedBytes(file.bytes()),
+            outside("1 outside, first that of record 3 at byte 68", 72));
+}
+
+TEST(ValueCheck, ZippedSignalDataThatIsBrokenHasNoOtherFinding) {
+  TextFile file({0, 4});
+  std::string stream = zippedZeros(20);
+  stream.back() = 2;
+  file.setValues(file.add("DZ", {}, zippedFields(20, stream, "SD")));
+  EXPECT_EQ(checkedCodes(file.bytes()), "zip-broken 1\n");
+}
+
+TEST(ValueCheck, OffsetsOfFewerBits) {
+  // In the 16 bits of 0x47EF from the fourth one on there are 0x47E, in 5 bits 0x1E.
+  TextFile wide({0x47EF});
+  wide.setText({0, 0, 0, 4, 0, 12});
+  wide.setValues(wide.add("SD", {}, threeValues()));
+  EXPECT_EQ(checkedBytes(wide.bytes()), outside("1 outside, first that of record 0 at byte 1150"));
+  TextFile narrow({0x47EF});
+  narrow.setText({0, 0, 0, 4, 0, 5});
+  narrow.setValues(narrow.add("SD", {}, threeValues()));
+  EXPECT_EQ(checkedBytes(narrow.bytes()), outside("1 outside, first that of record 0 at byte 30"));
+}
+
+TEST(ValueCheck, InvalidValuesNeedNotBeThere) {
+  TextFile file({0, 2, 0, 16, 1}, Bytes().zeros(8).u64(99).u8(8).zeros(8).u64(98).u8(0xF7));
+  file.setText({0, 0, 0, 0, 0, 0, 2, 3});
+  file.setValues(file.add("SD", {}, threeValues()));
+  EXPECT_EQ(checkedBytes(file.bytes()), outside("1 outside, first that of record 1 at byte 98"));
+  file.setText({0, 0, 0, 0, 0, 0, 1});
+  EXPECT_EQ(checkedBytes(file.bytes()), "");
+}
+
+TEST(ValueCheck, RecordsWithAnIdThatAreTheOnlyOnes) {
+  TextFile file({7, 2, 0, 16, 0}, Bytes().u8(7).zeros(8).u64(7).u8(7).zeros(8).u64(40));
+  file.setIdBytes(1);
+  file.setValues(file.add("SD", {}, threeValues()));
+  EXPECT_EQ(checkedBytes(file.bytes()), outside("1 outside, first that of record 1 at byte 40"));
+}
+
+/// A file whose values are the records of a second group, with the id 2.
+TextFile fileWithValueGroup(std::uint64_t records, const std::string& data,
+                            const GroupFields& values) {
+  TextFile file({1, records, 0, 16, 0}, data);
+  const auto group = file.add("CG", {0, 0, 0, 0, 0, 0}, values.bytes());
+  file.link(SmallFile::group, 0, group);
+  file.setValues(group);
+  return file;
+}
+
+/// Values of 3 and 0 bytes, and a record in front of each.
+TextFile fileWithTwoValues(std::uint64_t second_offset) {
+  const Bytes first = Bytes().u8(1).zeros(8).u64(0).u8(2).u32(3).text("one");
+  const Bytes second = Bytes().u8(1).zeros(8).u64(second_offset).u8(2).u32(0);
+  return fileWithValueGroup(2, first.str() + second.str(), {2, 2, 1, 11, 0}).setIdBytes(1);
+}
+
+TEST(ValueCheck, ValuesThatAreRecordsOfAnotherGroup) {
+  EXPECT_EQ(checkedBytes(fileWithTwoValues(7).bytes()), "");
+  EXPECT_EQ(checkedBytes(fileWithTwoValues(8).bytes()),
+            outside("1 outside, first that of record 1 at byte 8", 11));
+}
+
+TEST(ValueCheck, RecordIdsOfEightBytesWithTheCodeFour) {
+  TextFile file = fileWithValueGroup(1, Bytes().u64(1).zeros(8).u64(5).u64(2).u32(1).text("x"),
+                                     {2, 1, 1, 5, 0});
+  file.setIdBytes(4);
+  EXPECT_EQ(checkedBytes(file.bytes()), outside("1 outside, first that of record 0 at byte 5", 5));
+}
+
+TEST(ValueCheck, ElementsWithDataOfTheirOwnElsewhere) {
+  TextFile file({99});
+  file.link(SmallFile::speed, 1,
+            file.add("CA", {0}, Bytes().u8s({0, 1}).u16(1).zeros(12).u64(1).u64(0)));
+  EXPECT_EQ(checkedBytes(file.bytes()), "");
+}
+
+TEST(ValueCheck, OffsetsOfAnUnfinishedFileAreNotFinal) {
+  TextFile file({99});
+  file.write(0, "UnFinMF ");
+  file.write(60, Bytes().u16(64));
+  file.setValues(file.add("SD", {}, threeValues()));
+  EXPECT_EQ(checkedCodes(file.bytes()), "file-unfinished 1\n");
+}
+
+TEST(ValueCheck, CountsThatAreWrongLeaveTheOffsetsOpen) {
+  TextFile file({99});
+  file.setGroup({0, 2, 0, 16, 0});
+  EXPECT_EQ(checkedCodes(file.bytes()), "cycle-count-wrong 1\n");
+}
+
+TEST(ValueCheck, OffsetThatIsNotInTheRecordOrHasTooManyBits) {
+  TextFile outside_record({99});
+  outside_record.setText({0, 0, 0, 0, 0, 65});
+  EXPECT_EQ(checkedCodes(outside_record.bytes()), "channel-outside-record 1\n");
+  TextFile too_many({0, 1, 0, 18, 0}, std::string(18, 'x'));
+  too_many.setText({0, 0, 0, 0, 0, 65});
+  EXPECT_EQ(checkedCodes(too_many.bytes()), "");
+}
+
+TEST(ValueCheck, ChannelsThatShareSignalData) {
+  TextFile file({0, 99});
+  const auto values = file.add("SD", {}, threeValues());
+  file.setValues(values);
+  file.link(SmallFile::speed, 0,
+            file.add("CN", {0, 0, SmallFile::speed_name, 0, 0, values, 0, 0},
+                     ChannelFields{1, 0, 7, 0, 0, 64}.bytes()));
+  EXPECT_EQ(checkedBytes(file.bytes()), outside("1 outside, first that of record 1 at byte 99"));
+}
+
+TEST(ValueCheck, LinksToValuesThatLeadElsewhere) {
+  TextFile text({99});
+  text.setValues(SmallFile::time_name);
+  EXPECT_EQ(checkedCodes(text.bytes()), "link-wrong-type 1\n");
+  TextFile records({99});
+  records.setValues(SmallFile::group);
+  EXPECT_EQ(checkedCodes(records.bytes()), "");
+  TextFile list({99});
+  const auto block = list.add("DL", {0, 0}, Bytes().zeros(4).u32(1).u64(0));
+  list.link(block, 1, block);
+  list.setValues(block);
+  EXPECT_EQ(checkedCodes(list.bytes()), "link-wrong-type 1\n");
+}
+
+TEST(ValueCheck, ListsOfSignalDataWithoutAnEnd) {
+  TextFile file({99});
+  const auto data = file.add("SD", {}, threeValues());
+  const auto list = file.add("DL", {0, data}, Bytes().zeros(4).u32(1).u64(0));
+  file.link(list, 0, list);
+  file.setValues(list);
+  EXPECT_EQ(checkedCodes(file.bytes()), "chain-endless 1\n");
+}
+
+}  // namespace
