@@ -54,25 +54,6 @@ PromisedNumbers promisedNumbers(const BlockFields& block) {
   return {};
 }
 
-void checkCounts(const Subject& subject, const BlockFields& block, std::uint32_t index) {
-  const std::uint64_t there = block.raw().linkCount() - block.layout()->links.size();
-  const std::uint64_t promised = promisedLinks(block);
-  if (promised > there) {
-    subject.report(Code::links_missing, index,
-                   "expected " + std::to_string(promised) + " links behind the first " +
-                       std::to_string(block.layout()->links.size()) +
-                       " by its counts and flags, found " + std::to_string(there));
-  }
-  const PromisedNumbers numbers = promisedNumbers(block);
-  const std::uint64_t room = block.tailBytes() / 8;
-  if (numbers.count > room) {
-    subject.report(Code::count_too_large, index,
-                   "expected room for the " + std::to_string(numbers.count) +
-                       " numbers of 8 bytes of " + std::string(numbers.count_field) +
-                       ", found room for " + std::to_string(room));
-  }
-}
-
 /// Whether the length holds header, links and fields.
 bool checkLength(const Subject& subject, const BlockFields& block, std::uint32_t index) {
   const RawBlock& raw = block.raw();
@@ -186,8 +167,32 @@ bool checkShape(const Subject& subject, const BlockFields& block, std::uint32_t 
   if (!checkLength(subject, block, index) || !is_whole || block.layout() == nullptr) {
     return false;
   }
-  checkCounts(subject, block, index);
+  checkMoreLinks(subject, block, index, promisedLinks(block));
+  const PromisedNumbers numbers = promisedNumbers(block);
+  checkNumbers(subject, block, index, numbers.count_field, numbers.count);
   return true;
+}
+
+void checkMoreLinks(const Subject& subject, const BlockFields& block, std::uint32_t index,
+                    std::uint64_t promised) {
+  const std::uint64_t own = block.layout()->links.size();
+  const std::uint64_t there = block.raw().linkCount() - own;
+  if (promised > there) {
+    subject.report(Code::links_missing, index,
+                   "expected " + countText(promised) + " links behind the first " +
+                       std::to_string(own) + " by its counts and flags, found " +
+                       std::to_string(there));
+  }
+}
+
+void checkNumbers(const Subject& subject, const BlockFields& block, std::uint32_t index,
+                  std::string_view fields, std::uint64_t promised) {
+  const std::uint64_t room = block.tailBytes() / 8;
+  if (promised > room) {
+    subject.report(Code::count_too_large, index,
+                   "expected room for the " + countText(promised) + " numbers of 8 bytes of " +
+                       std::string(fields) + ", found room for " + std::to_string(room));
+  }
 }
 
 void checkLinks(const Subject& subject, const BlockFields& block, std::uint32_t index) {

@@ -2,6 +2,7 @@
 #define MDF_TOOLS_CHECKING_BLOCK_CHECK_H_
 
 #include <cstdint>
+#include <string_view>
 
 #include "reading/block_fields.h"
 #include "subject.h"
@@ -11,6 +12,13 @@ namespace mdf_tools {
 /// Checks a block's place, length, number of links and counts. Returns whether its fields and what
 /// stands behind them are all there.
 bool checkShape(const Subject& subject, const BlockFields& block, std::uint32_t index);
+
+/// Checks that a block has so many links behind those of its type, or room for so many numbers of 8
+/// bytes behind its fields, see countText().
+void checkMoreLinks(const Subject& subject, const BlockFields& block, std::uint32_t index,
+                    std::uint64_t promised);
+void checkNumbers(const Subject& subject, const BlockFields& block, std::uint32_t index,
+                  std::string_view fields, std::uint64_t promised);
 
 /// Checks where each of a block's links leads.
 void checkLinks(const Subject& subject, const BlockFields& block, std::uint32_t index);

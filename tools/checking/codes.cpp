@@ -130,9 +130,11 @@ decides: records times the size of one. In others the records are counted.)"},
        R"(The same data block or data list is data of two data groups or sample reductions, or is there
 twice in one. It is counted once.)"},
       {Code::channel_outside_record, "channel-outside-record", Severity::error,
-       R"(A channel's bits go past the data bytes of its channel group's records.)"},
+       R"(A channel's bits, or those of an element of an array, are outside the data bytes of its channel
+group's records.)"},
       {Code::invalidation_bit_outside_record, "invalidation-bit-outside-record", Severity::error,
-       R"(A channel's invalidation bit is behind the invalidation bytes of its channel group's records.)"},
+       R"(A channel's invalidation bit, or that of an element of an array, is behind the invalidation bytes of
+its channel group's records.)"},
       {Code::value_outside_signal_data, "value-outside-signal-data", Severity::error,
        R"(A channel of variable length has records without a value: the offset in the record, or the length
 that stands there, goes past the end of the channel's signal data. Where values are the records of

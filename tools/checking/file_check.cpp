@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "array_check.h"
 #include "block_check.h"
 #include "data_check.h"
 #include "reading/description.h"
@@ -117,6 +118,10 @@ void checkBlock(Subject& subject, RecordCheck& records, std::uint32_t index) {
     checkText(subject, *raw, index);
   } else if (type == "CN" || type == "CG" || type == "DG" || type == "SR") {
     records.take(block, index);
+  } else if (type == "CA") {
+    if (const auto elements = checkArray(subject, block, index)) {
+      records.takeArray(block, index, *elements);
+    }
   } else if (type == "DZ") {
     checkZippedData(subject, block, index);
   } else if (type == "DL") {

@@ -38,6 +38,11 @@ bool isMadeOf(std::uint64_t data_bytes, std::uint64_t records, std::uint64_t rec
                            : data_bytes % record_bytes == 0 && data_bytes / record_bytes == records;
 }
 
+/// How many elements there is room for when so much room is behind the first of them.
+std::uint64_t roomFor(std::uint64_t behind, std::uint64_t step) {
+  return step == 0 ? UINT64_MAX : behind / step + 1;
+}
+
 std::string wrongCount(std::uint64_t records, std::uint64_t record_bytes,
                        std::uint64_t data_bytes) {
   return "expected data for " + std::to_string(records) + " records of " +
@@ -123,8 +128,12 @@ void RecordCheck::takeChannel(const BlockFields& block, std::uint32_t index) {
     const std::uint64_t bits = type == master ? block.number("cn_bit_count") : 0;
     masters_.push_back({index, block.number("cn_sync_type"), first_bit, first_bit + bits});
   }
+  extent_.reset();
   if (type != virtual_master && type != virtual_data) {
-    checkBits(block, index);
+    extent_ = extentOf(block, index);
+    if (!checkBits(*extent_)) {
+      extent_.reset();
+    }
   }
   if (type == variable_length) {
     takeVariableChannel(block, index);
@@ -155,25 +164,88 @@ void RecordCheck::takeVariableChannel(const BlockFields& block, std::uint32_t in
   }
 }
 
-void RecordCheck::checkBits(const BlockFields& block, std::uint32_t index) const {
+RecordCheck::Extent RecordCheck::extentOf(const BlockFields& channel, std::uint32_t index) {
   constexpr std::uint64_t has_invalidation_bit = 2;
-  const std::uint64_t end = 8 * block.number("cn_byte_offset") + block.number("cn_bit_offset") +
-                            block.number("cn_bit_count");
-  if (end > 8 * channel_group_->data_bytes) {
-    subject_.report(Code::channel_outside_record, index,
+  Extent extent{index, channel.number("cn_byte_offset"), 0, std::nullopt};
+  extent.end_bit =
+      8 * extent.first_byte + channel.number("cn_bit_offset") + channel.number("cn_bit_count");
+  if (channel.hasFlag("cn_flags", has_invalidation_bit)) {
+    extent.end_invalidation_bit = channel.number("cn_inval_bit_pos") + 1;
+  }
+  return extent;
+}
+
+/// Whether a channel is in the record.
+bool RecordCheck::checkBits(const Extent& extent) const {
+  bool is_inside = true;
+  if (extent.end_bit > 8 * channel_group_->data_bytes) {
+    is_inside = false;
+    subject_.report(Code::channel_outside_record, extent.index,
                     "expected the channel in the " + std::to_string(channel_group_->data_bytes) +
                         " data bytes of a record, found that it ends at bit " +
-                        std::to_string(end));
+                        std::to_string(extent.end_bit));
   }
-  const std::uint64_t invalidation_bit = block.number("cn_inval_bit_pos");
-  if (block.hasFlag("cn_flags", has_invalidation_bit) &&
-      invalidation_bit >= 8 * channel_group_->invalidation_bytes) {
-    subject_.report(Code::invalidation_bit_outside_record, index,
+  if (extent.end_invalidation_bit.value_or(0) > 8 * channel_group_->invalidation_bytes) {
+    is_inside = false;
+    subject_.report(Code::invalidation_bit_outside_record, extent.index,
                     "expected the invalidation bit in the " +
                         std::to_string(channel_group_->invalidation_bytes) +
                         " invalidation bytes of a record, found bit " +
-                        std::to_string(invalidation_bit));
+                        std::to_string(*extent.end_invalidation_bit - 1));
   }
+  return is_inside;
+}
+
+void RecordCheck::takeArray(const BlockFields& block, std::uint32_t index, std::uint64_t elements) {
+  constexpr std::uint64_t in_records = 0;
+  if (!extent_ || !channel_group_ || subject_.blocks[index].parent != extent_->index) {
+    return;
+  }
+  extent_->index = index;
+  const bool is_there = elements > 0 && block.number("ca_storage") == in_records;
+  if (!is_there || !checkElements(block, elements) || !checkInvalidationBits(block, elements)) {
+    extent_.reset();
+  }
+}
+
+/// Whether all elements of an array are in the record.
+bool RecordCheck::checkElements(const BlockFields& array, std::uint64_t elements) {
+  const std::int64_t step = array.signedNumber("ca_byte_offset_base");
+  const auto bytes = static_cast<std::uint64_t>(step < 0 ? -step : step);
+  const std::uint64_t behind = channel_group_->data_bytes - (extent_->end_bit + 7) / 8;
+  const std::uint64_t room = roomFor(step < 0 ? extent_->first_byte : behind, bytes);
+  if (elements > room) {
+    subject_.report(Code::channel_outside_record, extent_->index,
+                    "expected all elements of the array in the " +
+                        std::to_string(channel_group_->data_bytes) +
+                        " data bytes of a record, found room for " + std::to_string(room) + " of " +
+                        countText(elements));
+    return false;
+  }
+  const std::uint64_t last = bytes * (elements - 1);
+  extent_->first_byte -= step < 0 ? last : 0;
+  extent_->end_bit += step < 0 ? 0 : 8 * last;
+  return true;
+}
+
+/// Whether the invalidation bits of all elements of an array are in the record.
+bool RecordCheck::checkInvalidationBits(const BlockFields& array, std::uint64_t elements) {
+  if (!extent_->end_invalidation_bit) {
+    return true;
+  }
+  const std::uint64_t step = array.number("ca_inval_bit_pos_base");
+  const std::uint64_t bits = 8 * channel_group_->invalidation_bytes;
+  const std::uint64_t room = roomFor(bits - *extent_->end_invalidation_bit, step);
+  if (elements > room) {
+    subject_.report(Code::invalidation_bit_outside_record, extent_->index,
+                    "expected invalidation bits of all elements of the array in the " +
+                        std::to_string(channel_group_->invalidation_bytes) +
+                        " invalidation bytes of a record, found room for " + std::to_string(room) +
+                        " of " + std::to_string(elements));
+    return false;
+  }
+  *extent_->end_invalidation_bit += step * (elements - 1);
+  return true;
 }
 
 /// Masters next to each other, first by kind and then by place, tell what there is to tell of all.

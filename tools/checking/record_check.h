@@ -24,6 +24,9 @@ class RecordCheck {
   /// Takes a DG, CG, CN or SR block whose shape is right.
   void take(const BlockFields& block, std::uint32_t index);
 
+  /// Takes a CA block, which may be behind the latest channel or be an element of the latest array.
+  void takeArray(const BlockFields& block, std::uint32_t index, std::uint64_t elements);
+
   /// Leaves the groups that are being gone through.
   void leave();
 
@@ -33,6 +36,14 @@ class RecordCheck {
     std::uint64_t kind;
     std::uint64_t first_bit;
     std::uint64_t end_bit;
+  };
+
+  /// What a channel, with all elements of the arrays that it is a part of, takes of a record.
+  struct Extent {
+    std::uint32_t index;  ///< of the channel or the latest array
+    std::uint64_t first_byte;
+    std::uint64_t end_bit;
+    std::optional<std::uint64_t> end_invalidation_bit;
   };
 
   struct ChannelGroup {
@@ -49,7 +60,10 @@ class RecordCheck {
   void leaveChannelGroup();
   void takeChannel(const BlockFields& block, std::uint32_t index);
   void takeVariableChannel(const BlockFields& block, std::uint32_t index);
-  void checkBits(const BlockFields& block, std::uint32_t index) const;
+  static Extent extentOf(const BlockFields& channel, std::uint32_t index);
+  bool checkBits(const Extent& extent) const;
+  bool checkElements(const BlockFields& array, std::uint64_t elements);
+  bool checkInvalidationBits(const BlockFields& array, std::uint64_t elements);
   void checkMasters();
   void checkReduction(const BlockFields& block, std::uint32_t index);
 
@@ -73,6 +87,7 @@ class RecordCheck {
   std::vector<RecordGroup> groups_;
   std::optional<ChannelGroup> channel_group_;
   std::vector<Master> masters_;
+  std::optional<Extent> extent_;  ///< of what the next array may be made of
 };
 
 }  // namespace mdf_tools

@@ -33,6 +33,11 @@ inline std::string nameAt(std::string_view letters, std::uint64_t offset) {
   return "##" + std::string(letters) + " at " + decimalAndHex(offset);
 }
 
+/// A count, of which the largest stands for more too: "18446744073709551615 or more".
+inline std::string countText(std::uint64_t count) {
+  return std::to_string(count) + (count == UINT64_MAX ? " or more" : "");
+}
+
 }  // namespace mdf_tools
 
 #endif  // MDF_TOOLS_CHECKING_SUBJECT_H_

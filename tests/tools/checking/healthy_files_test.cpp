@@ -136,7 +136,8 @@ TEST(HealthyFiles, CompositionsBitOffsetsAndChannelsWithoutBits) {
   const auto last_bits = member(virtual_data, 0, 5, 8, 3);
   const auto integer_of_48_bits = member(last_bits, 0, 0, 2, 48);
   file.link(SmallFile::speed, 1, integer_of_48_bits);
-  const auto array = file.add("CA", {0}, Bytes().zeros(2).u16(1).zeros(4).u32(1).u32(0).u64(4));
+  const auto array =
+      file.add("CA", {0}, Bytes().zeros(2).u16(1).zeros(4).u32(0xFFFFFFFF).u32(0).u64(4));
   file.link(last_bits, 1, array);
   expectHealthy(file);
 }

@@ -192,7 +192,8 @@ TEST(HostileFiles, RecordsOfVariableLengthChannelsThatSayTheyAreHuge) {
   EXPECT_NE(outcome.last.find("zip-original-length-wrong"), std::string::npos) << outcome.last;
 }
 
-TEST(HostileFiles, NumbersThatLie) {
+/// Checks a file with each number in turn at each place for one.
+void checkWithLies(const FileBuilder& sample, std::uint64_t from) {
   const std::vector<std::uint64_t> numbers = {0,
                                               1,
                                               23,
@@ -205,16 +206,35 @@ TEST(HostileFiles, NumbersThatLie) {
                                               1ULL << 63,
                                               UINT64_MAX / 8,
                                               UINT64_MAX};
-  SmallFile sample;
-  sample.replaceData(sample.add("DZ", {}, zippedFields(18, zippedZeros(18))));
   const std::size_t size = sample.bytes().size();
-  for (std::uint64_t offset = 64; offset + 8 <= size; offset += 8) {
+  for (std::uint64_t offset = from; offset + 8 <= size; offset += 8) {
     for (const std::uint64_t number : numbers) {
-      SmallFile file = sample;
+      FileBuilder file = sample;
       file.write(offset, Bytes().u64(number));
       outcomeOf(file.bytes());
     }
   }
+}
+
+TEST(HostileFiles, NumbersThatLie) {
+  SmallFile sample;
+  sample.replaceData(sample.add("DZ", {}, zippedFields(18, zippedZeros(18))));
+  checkWithLies(sample, FileBuilder::header);
+}
+
+TEST(HostileFiles, NumbersThatLieInReductionsValuesAndArrays) {
+  SmallFile sample;
+  sample.setChannel(SmallFile::speed, {1, 0, 7, 0, 8, 8});
+  const auto data = sample.add("RD", {}, Bytes().zeros(27));
+  sample.link(SmallFile::group, 4,
+              sample.add("SR", {0, data}, Bytes().u64(1).f64(1).u8s({1, 0}).zeros(6)));
+  const auto values = sample.add("DZ", {}, zippedFields(18, zippedZeros(18), "SD"));
+  sample.link(SmallFile::speed, 5, sample.add("DL", {0, values}, Bytes().zeros(4).u32(1).u64(0)));
+  const auto inner = sample.add("CA", {0}, Bytes().zeros(2).u16(1).zeros(12).u64(1));
+  sample.link(SmallFile::speed, 1,
+              sample.add("CA", {inner}, Bytes().zeros(2).u16(2).zeros(12).u64(1).u64(1)));
+  ASSERT_EQ(checkedBytes(sample.bytes()), "");
+  checkWithLies(sample, SmallFile::group);
 }
 
 TEST(HostileFiles, EveryPrefixOfAFile) {

@@ -1,0 +1,223 @@
+// Arrays against the records that have their elements, and against their own counts.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "support/bytes.h"
+#include "tools/support/checked.h"
+#include "tools/support/small_file.h"
+
+using namespace mdf_tests;
+
+namespace {
+
+using Numbers = std::vector<std::uint64_t>;
+
+/// The fields of an array, and the numbers behind them: sizes of dimensions first.
+struct ArrayFields {
+  int storage = 0;
+  std::uint16_t dimensions = 1;
+  std::uint32_t flags = 0;
+  std::uint32_t byte_step = 1;
+  std::uint32_t invalidation_step = 0;
+  Numbers numbers;
+
+  std::string bytes() const {
+    Bytes bytes;
+    bytes.u8s({0, storage}).u16(dimensions).u32(flags).u32(byte_step).u32(invalidation_step);
+    for (const std::uint64_t number : numbers) {
+      bytes.u64(number);
+    }
+    return bytes;
+  }
+};
+
+/// The small file with records of 20 bytes, the last 12 of which are for the speed.
+class ArrayFile : public SmallFile {
+ public:
+  explicit ArrayFile(const ArrayFields& fields, const Numbers& links = {0}) {
+    setGroup({0, 0, 0, 20, 0});
+    replaceData(0);
+    array = add("CA", links, fields.bytes());
+    link(speed, 1, array);
+  }
+
+  std::uint64_t array;
+};
+
+const std::string path =
+    " [HD.hd_dg_first/DG[0].dg_cg_first/CG[0].cg_cn_first/CN[1]"
+    ".cn_composition/CA";
+
+std::string checkedArray(const ArrayFields& fields, const Numbers& links = {0}) {
+  return checkedBytes(ArrayFile(fields, links).bytes());
+}
+
+std::string outsideRecord(const std::string& found) {
+  return "768 error channel-outside-record: expected all elements of the array in the 20 data "
+         "bytes "
+         "of a record, found room for " +
+         found + path + "]\n";
+}
+
+std::string countTooLarge(const std::string& promised, const std::string& room) {
+  return "768 error count-too-large: expected room for the " + promised +
+         " numbers of 8 bytes of ca_dim_size, ca_axis_value and ca_cycle_count, found room for " +
+         room + path + "]\n";
+}
+
+std::string linksMissing(const std::string& promised, const std::string& there) {
+  return "768 error links-missing: expected " + promised +
+         " links behind the first 1 by its counts and flags, found " + there + path + "]\n";
+}
+
+TEST(ArrayCheck, ElementsUpToTheEndOfTheRecord) {
+  EXPECT_EQ(checkedArray({0, 1, 0, 1, 0, {12}}), "");
+  EXPECT_EQ(checkedArray({0, 2, 0, 1, 0, {3, 4}}), "");
+  EXPECT_EQ(checkedArray({0, 1, 0, 11, 0, {2}}), "");
+}
+
+TEST(ArrayCheck, ElementsBehindTheRecord) {
+  EXPECT_EQ(checkedArray({0, 1, 0, 1, 0, {13}}), outsideRecord("12 of 13"));
+  EXPECT_EQ(checkedArray({0, 3, 0, 1, 0, {2, 2, 4}}), outsideRecord("12 of 16"));
+  EXPECT_EQ(checkedArray({0, 1, 0, 12, 0, {2}}), outsideRecord("1 of 2"));
+}
+
+TEST(ArrayCheck, ElementsThatGoBackwards) {
+  EXPECT_EQ(checkedArray({0, 1, 0, 0xFFFFFFFF, 0, {9}}), "");
+  EXPECT_EQ(checkedArray({0, 1, 0, 0xFFFFFFFF, 0, {10}}), outsideRecord("9 of 10"));
+  EXPECT_EQ(checkedArray({0, 1, 0, 0x80000000, 0, {2}}), outsideRecord("1 of 2"));
+}
+
+TEST(ArrayCheck, ElementsOfSeveralBytesAndBits) {
+  for (const std::uint32_t bits : {25U, 32U}) {
+    ArrayFile fitting({0, 1, 0, 4, 0, {3}});
+    fitting.setChannel(SmallFile::speed, {0, 0, 0, 0, 8, bits});
+    EXPECT_EQ(checkedBytes(fitting.bytes()), "") << bits;
+  }
+  ArrayFile too_wide({0, 1, 0, 4, 0, {3}});
+  too_wide.setChannel(SmallFile::speed, {0, 0, 0, 1, 8, 32});
+  EXPECT_EQ(checkedBytes(too_wide.bytes()), outsideRecord("2 of 3"));
+}
+
+TEST(ArrayCheck, ElementsInTheSameBytes) {
+  EXPECT_EQ(checkedArray({0, 1, 0, 0, 0, {UINT64_MAX}}), "");
+}
+
+TEST(ArrayCheck, MoreElementsThanANumberSays) {
+  constexpr std::uint64_t half = std::uint64_t{1} << 32U;
+  EXPECT_EQ(checkedArray({0, 2, 0, 1, 0, {half, half}}),
+            outsideRecord("12 of 18446744073709551615 or more"));
+  EXPECT_EQ(checkedArray({0, 1, 0, 0x7FFFFFFF, 0, {std::uint64_t{1} << 63U}}),
+            outsideRecord("1 of 9223372036854775808"));
+  EXPECT_EQ(checkedArray({0, 3, 0, 1, 0, {UINT64_MAX, UINT64_MAX, 0}}), "");
+}
+
+TEST(ArrayCheck, ArrayOfArrays) {
+  ArrayFile file({0, 1, 0, 4, 0, {3}});
+  const auto inner = file.add("CA", {0}, ArrayFields{0, 1, 0, 1, 0, {4}}.bytes());
+  file.link(file.array, 0, inner);
+  EXPECT_EQ(checkedBytes(file.bytes()), "");
+  file.write(inner + 24 + 8 + 16, Bytes().u64(5));
+  EXPECT_EQ(checkedBytes(file.bytes()),
+            "824 error channel-outside-record: expected all elements of the array in the 20 data "
+            "bytes of a record, found room for 4 of 5" +
+                path + ".ca_composition/CA]\n");
+}
+
+TEST(ArrayCheck, ArrayOfArraysThatGoBackwards) {
+  ArrayFile file({0, 1, 0, 0xFFFFFFFC, 0, {3}});
+  const auto inner = file.add("CA", {0}, ArrayFields{0, 1, 0, 0xFFFFFFFF, 0, {2}}.bytes());
+  file.link(file.array, 0, inner);
+  EXPECT_EQ(checkedBytes(file.bytes()),
+            "824 error channel-outside-record: expected all elements of the array in the 20 data "
+            "bytes of a record, found room for 1 of 2" +
+                path + ".ca_composition/CA]\n");
+}
+
+TEST(ArrayCheck, ChannelOutsideTheRecordIsReportedAlone) {
+  ArrayFile file({0, 1, 0, 1, 0, {3}});
+  file.setChannel(SmallFile::speed, {0, 0, 0, 0, 20, 8});
+  EXPECT_EQ(checkedCodes(file.bytes()), "channel-outside-record 1\n");
+}
+
+TEST(ArrayCheck, InvalidationBitsOfTheElements) {
+  for (const std::uint64_t elements : {13U, 14U}) {
+    ArrayFile file({0, 1, 0, 0, 1, {elements}});
+    file.setGroup({0, 0, 0, 20, 2});
+    file.setChannel(SmallFile::speed, {0, 0, 0, 0, 8, 8, 2, 3});
+    EXPECT_EQ(checkedBytes(file.bytes()),
+              elements == 13 ? ""
+                             : "768 error invalidation-bit-outside-record: expected invalidation "
+                               "bits of all elements of the array in the 2 invalidation bytes of a "
+                               "record, found room for 13 of 14" +
+                                   path + "]\n");
+  }
+}
+
+TEST(ArrayCheck, ElementsWithRecordsOfTheirOwnHaveACountEach) {
+  for (const int storage : {1, 2}) {
+    const Numbers links = storage == 1 ? Numbers{0} : Numbers{0, 0, 0, 0, 0, 0, 0};
+    EXPECT_EQ(checkedArray({storage, 2, 0, 1, 0, {2, 3, 7, 7, 7, 7, 7, 7}}, links), "") << storage;
+    EXPECT_EQ(checkedArray({storage, 2, 0, 1, 0, {2, 3, 7, 7, 7, 7, 7}}, links),
+              countTooLarge("8", "7"))
+        << storage;
+  }
+}
+
+TEST(ArrayCheck, ElementsWithDataOfTheirOwnHaveALinkEach) {
+  EXPECT_EQ(checkedArray({2, 1, 0, 0, 0, {3, 0, 0, 0}}, {0, 0, 0}), linksMissing("3", "2"));
+}
+
+TEST(ArrayCheck, AxesHaveConversionsAndChannels) {
+  EXPECT_EQ(checkedArray({0, 2, 16, 1, 0, {2, 3}}, Numbers(9, 0)), "");
+  EXPECT_EQ(checkedArray({0, 2, 16, 1, 0, {2, 3}}, Numbers(8, 0)), linksMissing("8", "7"));
+}
+
+TEST(ArrayCheck, FixedAxesHaveConversionsAndValues) {
+  EXPECT_EQ(checkedArray({0, 2, 48, 1, 0, {2, 3, 1, 2, 3, 4, 5}}, {0, 0, 0}), "");
+  EXPECT_EQ(checkedArray({0, 2, 48, 1, 0, {2, 3, 1, 2, 3, 4}}, {0, 0}),
+            linksMissing("2", "1") + countTooLarge("7", "6"));
+}
+
+TEST(ArrayCheck, QuantitiesHaveThreeLinksEach) {
+  // Of each dimension its size and input; an output and a comparison.
+  EXPECT_EQ(checkedArray({0, 2, 15, 1, 0, {2, 3}}, Numbers(19, 0)), "");
+  EXPECT_EQ(checkedArray({0, 2, 15, 1, 0, {2, 3}}, Numbers(18, 0)), linksMissing("18", "17"));
+}
+
+TEST(ArrayCheck, SizesOfDimensionsThatAreNotThere) {
+  EXPECT_EQ(checkedArray({0, 2, 0, 1, 0, {99}}),
+            "768 error count-too-large: expected room for the 2 numbers of 8 bytes of ca_ndim, "
+            "found room for 1" +
+                path + "]\n");
+}
+
+TEST(ArrayCheck, CountsWhoseSumIsNoNumber) {
+  constexpr std::uint64_t half = std::uint64_t{1} << 63U;
+  EXPECT_EQ(checkedArray({2, 2, 32, 1, 0, {half, half}}),
+            linksMissing("18446744073709551615 or more", "0") +
+                countTooLarge("18446744073709551615 or more", "2"));
+}
+
+TEST(ArrayCheck, ArrayThatIsMadeOfItself) {
+  ArrayFile file({0, 1, 0, 1, 0, {2}});
+  file.link(file.array, 0, file.array);
+  EXPECT_EQ(checkedCodes(file.bytes()), "chain-endless 1\n");
+}
+
+TEST(ArrayCheck, ArrayThatTwoChannelsShareIsThatOfTheFirst) {
+  ArrayFile file({0, 1, 0, 8, 0, {2}});
+  file.link(SmallFile::time, 1, file.array);
+  EXPECT_EQ(checkedBytes(file.bytes()), "");
+}
+
+TEST(ArrayCheck, ArrayOfAVirtualChannelTakesNothingOfTheRecord) {
+  ArrayFile file({0, 1, 0, 8, 0, {200}});
+  file.setChannel(SmallFile::speed, {6, 0, 0, 0, 0, 0});
+  EXPECT_EQ(checkedBytes(file.bytes()), "");
+}
+
+}  // namespace

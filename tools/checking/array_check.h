@@ -1,0 +1,20 @@
+#ifndef MDF_TOOLS_CHECKING_ARRAY_CHECK_H_
+#define MDF_TOOLS_CHECKING_ARRAY_CHECK_H_
+
+#include <cstdint>
+#include <optional>
+
+#include "reading/block_fields.h"
+#include "subject.h"
+
+namespace mdf_tools {
+
+/// Checks that a channel array whose shape is right has the links and numbers that its dimensions,
+/// flags and storage speak of. Returns how many elements it has, UINT64_MAX standing for more too;
+/// nothing when the sizes of its dimensions are not there, or blocks overlap too much.
+std::optional<std::uint64_t> checkArray(Subject& subject, const BlockFields& block,
+                                        std::uint32_t index);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_CHECKING_ARRAY_CHECK_H_
