@@ -8,6 +8,7 @@
 
 #include "support/bytes.h"
 #include "tools/support/checked.h"
+#include "tools/support/healthy_file.h"
 #include "tools/support/small_file.h"
 
 using namespace mdf_tests;
@@ -20,6 +21,8 @@ void expectHealthy(const FileBuilder& file) { EXPECT_EQ(checkedBytes(file.bytes(
 void expectOnlyUnfinished(const FileBuilder& file) {
   EXPECT_EQ(checkedCodes(file.bytes()), "file-unfinished 1\n");
 }
+
+TEST(HealthyFiles, BlockOfEachType) { EXPECT_EQ(checkedBytes(healthyFile()), ""); }
 
 TEST(HealthyFiles, HeaderAlone) { expectHealthy(FileBuilder()); }
 

@@ -107,9 +107,9 @@ TEST(DumpCommand, FileCutInTheChannel) {
 }
 
 TEST(DumpCommand, FileCutInTheData) {
-  expectProblems(healthyFile().substr(0, 1434),
-                 healthyDumpBefore("1384 (0x568)") + "1384 (0x568) ##DZ length 51 links 0\n",
-                 {"1384 (0x568): expected the 51 bytes of ##DZ, found 50 up to the file's end"});
+  expectProblems(healthyFile().substr(0, 1448),
+                 healthyDumpBefore("1384 (0x568)") + "1384 (0x568) ##DZ length 65 links 0\n",
+                 {"1384 (0x568): expected the 65 bytes of ##DZ, found 64 up to the file's end"});
 }
 
 TEST(DumpCommand, NoMeasurementFile) {
@@ -137,7 +137,7 @@ TEST(DumpCommand, FileThatPointsOutsideItselfIsShownAllTheSame) {
                "##CG length 104 links 6: cg_cg_next=0 cg_cn_first=480 cg_tx_acq_name=640 "
                "cg_si_acq_source=776 cg_sr_first=832 cg_md_comment=-8\n");
   expectProblems(bytes, dump,
-                 {"376 (0x178): expected link 5 of ##CG to lead into the file of 1435 bytes, found "
+                 {"376 (0x178): expected link 5 of ##CG to lead into the file of 1449 bytes, found "
                   "-8"});
 }
 
@@ -330,7 +330,7 @@ TEST(DumpCommand, OffsetsWithoutABlock) {
             "mdf: " + file.path() +
                 ": 65 (0x41): expected a block \"##\" at 65 (0x41), found \"#HD\\x00\"\n" +
                 "mdf: " + file.path() +
-                ": 1435 (0x59b): expected a block \"##\" at 1152921504606846976 "
+                ": 1449 (0x5a9): expected a block \"##\" at 1152921504606846976 "
                 "(0x1000000000000000), found only 0 bytes up to the file's end\n");
 }
 
@@ -465,7 +465,7 @@ TEST(DumpCommand, JsonLines) {
           R"("tail_bytes":16,"links":[]})"
           "\n" +
           head +
-          R"(744,"type":"DT","length":28,"link_count":0,"fields":{},"tail_bytes":4,"links":[]})"
+          R"(744,"type":"DT","length":30,"link_count":0,"fields":{},"tail_bytes":6,"links":[]})"
           "\n");
 }
 

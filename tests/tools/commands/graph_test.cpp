@@ -62,13 +62,13 @@ TEST(GraphCommand, MapIsWellFormed) {
   const std::string picture = folder / "map.svg";
   EXPECT_EQ(run({"graph", "--map", "-o", picture, file.path()}).exit_code, 0);
   const std::string texts = textsOf(bytesOf(picture));
-  EXPECT_NE(texts.find("1,535 bytes\n"), std::string::npos) << texts;
+  EXPECT_NE(texts.find("1,549 bytes\n"), std::string::npos) << texts;
   EXPECT_NE(texts.find("TX \xc2\xa0"
                        "1 block, 40 bytes\n"),
             std::string::npos)
       << texts;
   EXPECT_NE(texts.find("no block \xc2\xa0"
-                       "109 bytes in 4 places\n"),
+                       "106 bytes in 4 places\n"),
             std::string::npos)
       << texts;
 }

@@ -18,8 +18,8 @@ TEST(TreeCommand, ChosenPartOfAFile) {
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(
       result.output,
-      "CG 376 (0x178) \"vehicle speed\" 2 records, 4 bytes each\n"
-      "  cg_cn_first -> CN 480 (0x1e0) \"vehicle speed\" [vehicle speed], master, real LE, 32 "
+      "CG 376 (0x178) \"vehicle speed\" 2 records, 3 bytes each\n"
+      "  cg_cn_first -> CN 480 (0x1e0) \"vehicle speed\" [vehicle speed], master, real LE, 16 "
       "bits\n"
       "  cg_si_acq_source -> SI 776 (0x308) \"vehicle speed\" bus, LIN\n"
       "  cg_sr_first -> SR 832 (0x340) 1 record, interval 0.25\n");

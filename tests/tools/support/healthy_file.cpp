@@ -46,13 +46,13 @@ std::string description() {
       .u16(2)
       .u16(46)
       .zeros(4)
-      .u32(3)
+      .u32(2)
       .u32(1)
       .header("CN", 160, 8)  // 480
       .links({0, 264, 640, 0, 896, 680, 640, 0})
       .u8s({2, 1, 4, 0})
+      .u32(0)
       .u32(16)
-      .u32(32)
       .u32(4 + 512)
       .u32(7)
       .u8s({3, 0})
@@ -70,12 +70,12 @@ std::string data() {
       .header("SD", 32, 0)  // 680
       .u32(4)
       .text("abcd")
-      .header("RD", 30, 0)  // 712
-      .u8s({1, 2, 3, 4, 5, 6})
-      .zeros(2)
-      .header("DT", 28, 0)  // 744
-      .u8s({0, 255, 27, 10})
-      .zeros(4);
+      .header("RD", 31, 0)  // 712
+      .u8s({1, 2, 3, 4, 5, 6, 7})
+      .zeros(1)
+      .header("DT", 30, 0)  // 744
+      .u8s({0, 255, 27, 10, 65, 66})
+      .zeros(2);
 }
 
 std::string details() {
@@ -107,7 +107,8 @@ std::string details() {
       .u16(5)
       .u16(0)
       .zeros(4)
-      .text("md5 of 16 bytes.")
+      .u8s({0x26, 0x96, 0x05, 0xD4, 0x5C, 0x10, 0x4F, 0x12})
+      .u8s({0xCB, 0xCD, 0xC8, 0xFB, 0x71, 0x43, 0x4A, 0xCC})
       .u64(5)
       .u64(5)
       .text("embed")
@@ -133,13 +134,15 @@ std::string zippedData() {
       .u8s({0, 0, 0, 0})
       .u32(1)
       .u64(7)
-      .header("DZ", 51, 0)  // 1384
+      .header("DZ", 65, 0)  // 1384
       .text("DT")
       .u8s({1, 0})
       .u32(3)
       .u64(6)
-      .u64(3)
-      .text("zip");
+      .u64(17)
+      .u8s({0x78, 0x01, 0x01, 6, 0, 249, 255})
+      .u8s({1, 2, 3, 4, 5, 6})
+      .u8s({0x00, 0x3E, 0x00, 0x16});
 }
 
 }  // namespace
