@@ -8,6 +8,7 @@
 #include "reading/input_file.h"
 #include "reading/number_texts.h"
 #include "reading/texts.h"
+#include "record_ids.h"
 #include "showing/names.h"
 #include "showing/stored_time.h"
 
@@ -115,11 +116,11 @@ void Summarizer::event() {
 }
 
 void Summarizer::dataGroup() {
-  constexpr std::uint64_t code_of_four_bytes =
-      3;  // of writers that do not store the number of bytes
-  const std::uint64_t bytes = block_.number("dg_rec_id_size");
-  if (bytes != 0) {
-    count("record_id_bytes", bytes == code_of_four_bytes ? 4 : bytes, "bytes of record id");
+  const auto bytes = recordIdBytes(file_, block_);
+  if (!bytes) {
+    fact("record_id", "4 or 8 bytes of record id");
+  } else if (*bytes != 0) {
+    count("record_id_bytes", *bytes, "bytes of record id");
   }
 }
 
