@@ -28,26 +28,22 @@ Inflated inflateAttachment(InputFile& file, const Attachment& attachment) {
 std::vector<Attachment> readAttachments(InputFile& file, std::uint64_t first, Texts& texts,
                                         const FindingSink& report) {
   std::vector<Attachment> attachments;
-  for (const std::uint64_t offset : chainOf(file, first, "AT", report)) {
-    const auto block = readFields(file, offset, "AT");
-    if (!block) {
-      break;  // the file has been changed meanwhile
-    }
+  forEachInChain(file, first, "AT", report, [&](const BlockFields& block) {
     Attachment attachment;
-    attachment.offset = offset;
-    attachment.name = texts.at(file, block->link(1));
-    attachment.mime_type = texts.at(file, block->link(2));
-    attachment.comment = texts.at(file, block->link(3));
-    attachment.is_embedded = block->hasFlag("at_flags", embedded);
-    attachment.is_compressed = block->hasFlag("at_flags", compressed);
-    attachment.has_digest = block->hasFlag("at_flags", digest_valid);
-    attachment.digest = block->bytes("at_md5_checksum");
-    attachment.original_size = block->number("at_original_size");
-    attachment.embedded_size = block->number("at_embedded_size");
-    attachment.data_at = block->tailAt();
-    attachment.data_there = std::min(attachment.embedded_size, block->tailBytes());
+    attachment.offset = block.offset();
+    attachment.name = texts.at(file, block.link(1));
+    attachment.mime_type = texts.at(file, block.link(2));
+    attachment.comment = texts.at(file, block.link(3));
+    attachment.is_embedded = block.hasFlag("at_flags", embedded);
+    attachment.is_compressed = block.hasFlag("at_flags", compressed);
+    attachment.has_digest = block.hasFlag("at_flags", digest_valid);
+    attachment.digest = block.bytes("at_md5_checksum");
+    attachment.original_size = block.number("at_original_size");
+    attachment.embedded_size = block.number("at_embedded_size");
+    attachment.data_at = block.tailAt();
+    attachment.data_there = std::min(attachment.embedded_size, block.tailBytes());
     attachments.push_back(std::move(attachment));
-  }
+  });
   return attachments;
 }
 

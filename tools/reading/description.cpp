@@ -261,9 +261,9 @@ Measurement readMeasurement(InputFile& file, const FindingSink& report,
   return measurement;
 }
 
-std::vector<std::uint64_t> chainOf(InputFile& file, std::uint64_t first, std::string_view letters,
-                                   const FindingSink& report) {
-  std::vector<std::uint64_t> offsets;
+void forEachInChain(InputFile& file, std::uint64_t first, std::string_view letters,
+                    const FindingSink& report,
+                    const std::function<void(const BlockFields& block)>& visit) {
   OffsetSet seen;
   std::uint64_t from = header_block_offset;
   for (std::uint64_t offset = first; offset != 0;) {
@@ -272,14 +272,13 @@ std::vector<std::uint64_t> chainOf(InputFile& file, std::uint64_t first, std::st
       report({from, "expected a link to a new block \"##" + std::string(letters) + "\" at " +
                         decimalAndHex(offset) + ", found " +
                         (block ? "one that was there before" : "none")});
-      break;
+      return;
     }
     seen.insert(offset);
-    offsets.push_back(offset);
+    visit(*block);
     from = offset;
     offset = block->link(0);
   }
-  return offsets;
 }
 
 Source readSource(InputFile& file, std::uint64_t offset, Texts& texts) {

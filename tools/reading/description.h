@@ -14,6 +14,7 @@
 
 namespace mdf_tools {
 
+class BlockFields;
 class InputFile;
 
 /// What the 64 bytes in front of a file say of it.
@@ -188,9 +189,11 @@ using ChannelVisitor = std::function<void(const ChannelGroup& group, const Chann
 Measurement readMeasurement(InputFile& file, const FindingSink& report,
                             const ChannelVisitor& visit);
 
-/// Offsets of the blocks of one type that a chain leads through, first to last, by their link 0.
-std::vector<std::uint64_t> chainOf(InputFile& file, std::uint64_t first, std::string_view letters,
-                                   const FindingSink& report);
+/// Visits the blocks of one type that a chain leads through, first to last, by their link 0. Where
+/// it leads elsewhere or back to where it has been, that is reported, and it ends.
+void forEachInChain(InputFile& file, std::uint64_t first, std::string_view letters,
+                    const FindingSink& report,
+                    const std::function<void(const BlockFields& block)>& visit);
 
 Identification readIdentification(InputFile& file);
 

@@ -113,7 +113,10 @@ void countBlocks(InputFile& file, FileSummary& summary, const FindingSink& repor
 
 /// Walking reports links and lengths; what is wrong with the chains in them is for `mdf check`.
 std::size_t lengthOfChain(InputFile& file, std::uint64_t first, std::string_view letters) {
-  return chainOf(file, first, letters, [](const Finding&) {}).size();
+  std::size_t length = 0;
+  forEachInChain(
+      file, first, letters, [](const Finding&) {}, [&](const BlockFields&) { ++length; });
+  return length;
 }
 
 }  // namespace

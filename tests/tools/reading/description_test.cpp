@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "reading/block_fields.h"
 #include "reading/input_file.h"
 #include "support/bytes.h"
 #include "tools/support/file_builder.h"
@@ -12,11 +13,12 @@
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::chainOf;
+using mdf_tools::BlockFields;
 using mdf_tools::Channel;
 using mdf_tools::ChannelGroup;
 using mdf_tools::DataGroup;
 using mdf_tools::Finding;
+using mdf_tools::forEachInChain;
 using mdf_tools::InputFile;
 using mdf_tools::Measurement;
 using mdf_tools::readIdentification;
@@ -371,7 +373,7 @@ TEST(Description, NoHeaderBlock) {
   EXPECT_TRUE(measurement.data_groups.empty());
 }
 
-TEST(ChainOf, EndsAtACycle) {
+TEST(ForEachInChain, EndsAtACycle) {
   FileBuilder builder;
   const auto first = builder.add("FH", {0, 0}, Bytes().zeros(16));
   const auto second = builder.add("FH", {first, 0}, Bytes().zeros(16));
@@ -382,10 +384,16 @@ TEST(ChainOf, EndsAtACycle) {
   const auto report = [&](const Finding& finding) {
     findings += std::to_string(finding.offset) + ": " + finding.sentence + '\n';
   };
-  EXPECT_EQ(chainOf(file, first, "FH", report), (std::vector<std::uint64_t>{first, second}));
+  const auto visited = [&](std::uint64_t from) {
+    std::vector<std::uint64_t> offsets;
+    forEachInChain(file, from, "FH", report,
+                   [&](const BlockFields& block) { offsets.push_back(block.offset()); });
+    return offsets;
+  };
+  EXPECT_EQ(visited(first), (std::vector<std::uint64_t>{first, second}));
   EXPECT_EQ(findings, std::to_string(second) + ": expected a link to a new block \"##FH\" at " +
                           mdf_tools::decimalAndHex(first) + ", found one that was there before\n");
-  EXPECT_TRUE(chainOf(file, 0, "FH", report).empty());
+  EXPECT_TRUE(visited(0).empty());
 }
 
 TEST(ReadSource, AllOfIt) {
