@@ -365,17 +365,20 @@ void RecordCheck::checkOnlyGroup(const DataBlocks& data) {
   const auto right = std::find_if(possible.begin(), possible.end(), [&](std::uint64_t id_bytes) {
     return isMadeOf(bytes, group.cycles, group.record_bytes + id_bytes);
   });
-  if (right != possible.end()) {
-    checkValues(data, *right);
-  } else {
+  if (right == possible.end()) {
     subject_.report(Code::cycle_count_wrong, group.index,
                     wrongCount(group.cycles, group.record_bytes + possible[0], bytes));
+  } else if (!group.variable_channels.empty() && records_left_.take(data.stored_bytes)) {
+    checkValues(data, *right);
   }
 }
 
 void RecordCheck::countRecords(const DataBlocks& data) {
   const auto possible = idBytesFor(id_code_);
   std::uint64_t id_bytes = possible[0];
+  if (!records_left_.take(data.stored_bytes)) {
+    return;
+  }
   RecordWalk result = walkRecords(subject_, groups_, data, id_bytes);
   if (possible.size() > 1 && (result.end != RecordWalk::fine || !isAsCounted())) {
     const RecordWalk other = walkRecords(subject_, groups_, data, possible[1]);
@@ -426,7 +429,7 @@ void RecordCheck::prepareValueChecks() {
         continue;
       }
       DataBlocks data = dataBlocksAt(subject_, channel.values, seen_values_);
-      if (data.is_known && !data.is_shared) {
+      if (data.is_known && !data.is_shared && values_left_.take(data.stored_bytes)) {
         group.value_checks.push_back(std::make_unique<ValueCheck>(subject_, channel, bytesOf(data),
                                                                   std::move(data.offsets)));
       }

@@ -19,7 +19,8 @@ namespace mdf_tools {
 /// a data group comes before its channel groups and these come before what belongs to them.
 class RecordCheck {
  public:
-  explicit RecordCheck(const Subject& subject) : subject_(subject) {}
+  explicit RecordCheck(const Subject& subject)
+      : subject_(subject), records_left_(subject.file.size()), values_left_(subject.file.size()) {}
 
   /// Takes a DG, CG, CN or SR block whose shape is right.
   void take(const BlockFields& block, std::uint32_t index);
@@ -81,6 +82,8 @@ class RecordCheck {
   const Subject& subject_;
   OffsetSet seen_data_;
   OffsetSet seen_values_;
+  Allowance records_left_;  ///< bytes of data that may still be gone through record by record
+  Allowance values_left_;   ///< the same of signal data
   std::optional<std::uint32_t> data_group_;
   std::uint64_t id_code_ = 0;
   std::uint64_t data_link_ = 0;

@@ -68,6 +68,8 @@ class DataCollector {
     if (take(offset)) {
       data_.is_known = dataBytesOf(subject_, offset).has_value();
       data_.offsets.push_back(offset);
+      const auto block = readRawBlock(subject_.file, offset);
+      data_.stored_bytes += block ? subject_.space.endOf(*block) - offset : 0;
     }
   }
 
@@ -112,7 +114,7 @@ void DataReader::unzip(const RawBlock& block) {
   const std::uint64_t type = fields.number("dz_zip_type");
   at_ = 0;
   end_ = 0;
-  is_broken_ = type > transposed || !unzipped_.take(size);
+  is_broken_ = type > transposed;
   if (is_broken_) {
     return;
   }

@@ -11,9 +11,10 @@
 
 namespace mdf_tools {
 
-/// The data of a data group, block by block.
+/// Data, block by block.
 struct DataBlocks {
   std::vector<std::uint64_t> offsets;
+  std::uint64_t stored_bytes = 0;  ///< of the file that the blocks take
   bool is_known = true;    ///< false: a link leads elsewhere, or to data of a kind not known
   bool is_shared = false;  ///< something was the data of a group before; what follows is left out
 };
@@ -22,11 +23,12 @@ struct DataBlocks {
 /// `seen`, so that however many groups share their data, each block is collected once.
 DataBlocks dataBlocksAt(const Subject& subject, std::uint64_t first, OffsetSet& seen);
 
-/// The bytes of data blocks one behind the other, unzipped.
+/// The bytes of data blocks one behind the other, unzipped. Blocks that overlap may hold more than
+/// the file in proportion: see DataBlocks::stored_bytes.
 class DataReader {
  public:
   DataReader(const Subject& subject, const std::vector<std::uint64_t>& offsets)
-      : subject_(subject), offsets_(offsets), unzipped_(subject.file.size()) {}
+      : subject_(subject), offsets_(offsets) {}
 
   /// Whether all has been read.
   bool isAtEnd();
@@ -50,7 +52,6 @@ class DataReader {
 
   const Subject& subject_;
   const std::vector<std::uint64_t>& offsets_;
-  Allowance unzipped_;
   std::size_t next_ = 0;      ///< index of the block behind the current one
   std::string inflated_;      ///< data of a zipped block
   bool is_inflated_ = false;  ///< whether the current block is one

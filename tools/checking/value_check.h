@@ -37,6 +37,7 @@ class ValueCheck {
   /// @param blocks with the values; none if lengths are not to be looked at
   ValueCheck(const Subject& subject, const VariableChannel& channel, std::uint64_t bytes,
              std::vector<std::uint64_t> blocks);
+  ~ValueCheck() = default;
   ValueCheck(const ValueCheck&) = delete;
   ValueCheck& operator=(const ValueCheck&) = delete;
 

@@ -181,6 +181,42 @@ TEST(HostileFiles, VeryManyChannelsOfVariableLengthInTheSameBytes) {
   EXPECT_NE(outcome.last.find("value-outside-signal-data"), std::string::npos) << outcome.last;
 }
 
+TEST(HostileFiles, RecordsInDataBlocksThatAllCoverTheSameBytes) {
+  constexpr std::uint32_t count = 100;
+  constexpr std::uint32_t shared = 1000000;
+  // In each block the headers of the others are a record with the id "#", and there are a million
+  // empty ones with the id 0 behind them.
+  FileBuilder file;
+  Bytes blocks;
+  std::uint64_t next = 0;
+  const std::uint64_t first_data = 168 + count * (64 + 2 * 104);
+  for (std::uint32_t i = count; i-- > 0;) {
+    const std::uint32_t headers = 24 * (count - 1 - i);
+    const auto empty = file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{0, 7, 0, 0, 0}.bytes());
+    const auto others =
+        file.add("CG", {empty, 0, 0, 0, 0, 0}, GroupFields{'#', 1, 0, headers - 1, 0}.bytes());
+    next = file.add("DG", {next, others, first_data + 24 * i, 0}, dataGroupFields(1));
+  }
+  for (std::uint32_t i = 0; i < count; ++i) {
+    blocks.header("DT", 24 * (count - i) + shared, 0);
+  }
+  file.link(FileBuilder::header, 0, next);
+  file.append(blocks.zeros(shared));
+  EXPECT_EQ(checkedCodes(file.bytes()), "blocks-overlap 99\ncycle-count-wrong 1\n");
+}
+
+TEST(HostileFiles, SignalDataThatCoversTheSameBytes) {
+  SmallFile file;
+  file.setChannel(SmallFile::speed, {1, 0, 7, 0, 8, 8});
+  file.setChannel(SmallFile::time, {1, 0, 7, 0, 0, 8});
+  const auto outer =
+      file.add("SD", {}, Bytes().u64(9999).header("SD", 4000, 0).u32(9999).zeros(4000));
+  file.link(SmallFile::time, 5, outer);
+  file.link(SmallFile::speed, 5, outer + 32);
+  EXPECT_EQ(checkedCodes(file.bytes()),
+            "blocks-overlap 1\nmaster-missing 1\nvalue-outside-signal-data 1\n");
+}
+
 TEST(HostileFiles, RecordsOfVariableLengthChannelsThatSayTheyAreHuge) {
   SmallFile file;
   file.setGroup({0, 1, 0, UINT32_MAX, UINT32_MAX});
