@@ -37,11 +37,12 @@ void ValueCheck::take(std::string_view record) {
 }
 
 bool ValueCheck::isInvalid(std::string_view record) const {
-  const std::uint64_t byte = channel_.invalidation_bit / 8;
-  return byte < record.size() &&
-         (static_cast<unsigned char>(record[static_cast<std::size_t>(byte)]) >>
-              (channel_.invalidation_bit % 8) &
-          1U) != 0;
+  const std::uint64_t at = channel_.invalidation_bit / 8;
+  if (at >= record.size()) {
+    return false;
+  }
+  const std::uint64_t byte = static_cast<unsigned char>(record[static_cast<std::size_t>(at)]);
+  return ((byte >> (channel_.invalidation_bit % 8)) & 1U) != 0;
 }
 
 std::uint64_t ValueCheck::offsetIn(std::string_view record) const {
