@@ -1,7 +1,6 @@
 #include "record_check.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -38,11 +37,6 @@ bool isMadeOf(std::uint64_t data_bytes, std::uint64_t records, std::uint64_t rec
                            : data_bytes % record_bytes == 0 && data_bytes / record_bytes == records;
 }
 
-/// How many elements there is room for when so much room is behind the first of them.
-std::uint64_t roomFor(std::uint64_t behind, std::uint64_t step) {
-  return step == 0 ? UINT64_MAX : behind / step + 1;
-}
-
 std::string wrongCount(std::uint64_t records, std::uint64_t record_bytes,
                        std::uint64_t data_bytes) {
   return "expected data for " + std::to_string(records) + " records of " +
@@ -58,10 +52,17 @@ void RecordCheck::take(const BlockFields& block, std::uint32_t index) {
     enterDataGroup(block, index);
   } else if (type == "CG") {
     enterChannelGroup(block, index);
-  } else if (channel_group_ && type == "CN") {
-    takeChannel(block, index);
-  } else if (channel_group_) {
+  } else if (channels_ && type == "CN") {
+    channels_->take(block, index);
+    takeVariableChannel(block, index);
+  } else if (channels_) {
     checkReduction(block, index);
+  }
+}
+
+void RecordCheck::takeArray(const BlockFields& block, std::uint32_t index, std::uint64_t elements) {
+  if (channels_) {
+    channels_->takeArray(block, index, elements);
   }
 }
 
@@ -74,6 +75,13 @@ void RecordCheck::leave() {
   groups_.clear();
 }
 
+void RecordCheck::leaveChannelGroup() {
+  if (channels_) {
+    channels_->leave();
+    channels_.reset();
+  }
+}
+
 void RecordCheck::enterDataGroup(const BlockFields& block, std::uint32_t index) {
   data_group_ = index;
   id_code_ = block.number("dg_rec_id_size");
@@ -81,199 +89,42 @@ void RecordCheck::enterDataGroup(const BlockFields& block, std::uint32_t index) 
 }
 
 void RecordCheck::enterChannelGroup(const BlockFields& block, std::uint32_t index) {
-  constexpr std::uint64_t has_remote_master = 8;
+  constexpr std::uint64_t variable_length = 1;
   leaveChannelGroup();
-  const bool is_variable_length = block.hasFlag("cg_flags", 1);
   const std::uint64_t data_bytes = block.number("cg_data_bytes");
-  const std::uint64_t invalidation_bytes = block.number("cg_inval_bytes");
-  const std::uint64_t cycles = block.number("cg_cycle_count");
-  groups_.push_back({index, block.number("cg_record_id"), cycles, data_bytes + invalidation_bytes,
-                     is_variable_length, Allowance(data_bytes)});
-  if (!is_variable_length) {
-    channel_group_ = {index,
-                      data_bytes,
-                      invalidation_bytes,
-                      cycles > 0,
-                      block.hasFlag("cg_flags", has_remote_master),
-                      false};
-  }
-}
-
-void RecordCheck::leaveChannelGroup() {
-  if (!channel_group_) {
-    return;
-  }
-  checkMasters();
-  const ChannelGroup& group = *channel_group_;
-  if (masters_.empty() && group.has_channels && group.has_records && !group.needs_no_master) {
-    subject_.report(Code::master_missing, group.index,
-                    "expected a master channel among the channels, found none");
-  }
-  channel_group_.reset();
-  masters_.clear();
-}
-
-void RecordCheck::takeChannel(const BlockFields& block, std::uint32_t index) {
-  enum Type : std::uint64_t {
-    variable_length = 1,
-    master = 2,
-    virtual_master = 3,
-    virtual_data = 6
-  };
-  const std::uint64_t type = block.number("cn_type");
-  channel_group_->has_channels = true;
-  const std::uint64_t first_bit =
-      8 * block.number("cn_byte_offset") + block.number("cn_bit_offset");
-  if (type == master || type == virtual_master) {
-    const std::uint64_t bits = type == master ? block.number("cn_bit_count") : 0;
-    masters_.push_back({index, block.number("cn_sync_type"), first_bit, first_bit + bits});
-  }
-  extent_.reset();
-  if (type != virtual_master && type != virtual_data) {
-    extent_ = extentOf(block, index);
-    if (!checkBits(*extent_)) {
-      extent_.reset();
-    }
-  }
-  if (type == variable_length) {
-    takeVariableChannel(block, index);
+  groups_.push_back({index, block.number("cg_record_id"), block.number("cg_cycle_count"),
+                     data_bytes, block.number("cg_inval_bytes"),
+                     block.hasFlag("cg_flags", variable_length), Allowance(data_bytes)});
+  if (!groups_.back().is_variable_length) {
+    channels_.emplace(subject_, block, index);
   }
 }
 
 /// Channels that share bits of the record, so that they would have it read again and again, are
 /// left out, and those without an offset in it.
 void RecordCheck::takeVariableChannel(const BlockFields& block, std::uint32_t index) {
+  constexpr std::uint64_t variable_length = 1;
   constexpr std::uint64_t all_invalid = 1;
   constexpr std::uint64_t has_invalidation_bit = 2;
   constexpr std::uint64_t in_records = 0;
-  const std::uint64_t bit = 8 * channel_group_->data_bytes + block.number("cn_inval_bit_pos");
-  const VariableChannel channel{
-      index,
-      block.link(5),
-      block.number("cn_byte_offset"),
-      block.number("cn_bit_offset"),
-      block.number("cn_bit_count"),
-      block.hasFlag("cn_flags", has_invalidation_bit) ? bit : VariableChannel::none};
-  const auto array = readFields(subject_.file, block.link(1), "CA");
-  const bool has_values = !block.hasFlag("cn_flags", all_invalid) &&
-                          (!array || array->number("ca_storage") == in_records);
-  if (has_values && channel.bit_count > 0 && channel.bytes() <= sizeof(std::uint64_t) &&
-      channel.first_byte + channel.bytes() <= channel_group_->data_bytes &&
-      groups_.back().offset_bytes.take(channel.bytes())) {
-    groups_.back().variable_channels.push_back(channel);
-  }
-}
-
-RecordCheck::Extent RecordCheck::extentOf(const BlockFields& channel, std::uint32_t index) {
-  constexpr std::uint64_t has_invalidation_bit = 2;
-  Extent extent{index, channel.number("cn_byte_offset"), 0, std::nullopt};
-  extent.end_bit =
-      8 * extent.first_byte + channel.number("cn_bit_offset") + channel.number("cn_bit_count");
-  if (channel.hasFlag("cn_flags", has_invalidation_bit)) {
-    extent.end_invalidation_bit = channel.number("cn_inval_bit_pos") + 1;
-  }
-  return extent;
-}
-
-/// Whether a channel is in the record.
-bool RecordCheck::checkBits(const Extent& extent) const {
-  bool is_inside = true;
-  if (extent.end_bit > 8 * channel_group_->data_bytes) {
-    is_inside = false;
-    subject_.report(Code::channel_outside_record, extent.index,
-                    "expected the channel in the " + std::to_string(channel_group_->data_bytes) +
-                        " data bytes of a record, found that it ends at bit " +
-                        std::to_string(extent.end_bit));
-  }
-  if (extent.end_invalidation_bit.value_or(0) > 8 * channel_group_->invalidation_bytes) {
-    is_inside = false;
-    subject_.report(Code::invalidation_bit_outside_record, extent.index,
-                    "expected the invalidation bit in the " +
-                        std::to_string(channel_group_->invalidation_bytes) +
-                        " invalidation bytes of a record, found bit " +
-                        std::to_string(*extent.end_invalidation_bit - 1));
-  }
-  return is_inside;
-}
-
-void RecordCheck::takeArray(const BlockFields& block, std::uint32_t index, std::uint64_t elements) {
-  constexpr std::uint64_t in_records = 0;
-  if (!extent_ || !channel_group_ || subject_.blocks[index].parent != extent_->index) {
+  if (block.number("cn_type") != variable_length || block.hasFlag("cn_flags", all_invalid)) {
     return;
   }
-  extent_->index = index;
-  const bool is_there = elements > 0 && block.number("ca_storage") == in_records;
-  if (!is_there || !checkElements(block, elements) || !checkInvalidationBits(block, elements)) {
-    extent_.reset();
-  }
-}
-
-/// Whether all elements of an array are in the record.
-bool RecordCheck::checkElements(const BlockFields& array, std::uint64_t elements) {
-  const std::int64_t step = array.signedNumber("ca_byte_offset_base");
-  const auto bytes = static_cast<std::uint64_t>(step < 0 ? -step : step);
-  const std::uint64_t behind = channel_group_->data_bytes - (extent_->end_bit + 7) / 8;
-  const std::uint64_t room = roomFor(step < 0 ? extent_->first_byte : behind, bytes);
-  if (elements > room) {
-    subject_.report(Code::channel_outside_record, extent_->index,
-                    "expected all elements of the array in the " +
-                        std::to_string(channel_group_->data_bytes) +
-                        " data bytes of a record, found room for " + std::to_string(room) + " of " +
-                        countText(elements));
-    return false;
-  }
-  const std::uint64_t last = bytes * (elements - 1);
-  extent_->first_byte -= step < 0 ? last : 0;
-  extent_->end_bit += step < 0 ? 0 : 8 * last;
-  return true;
-}
-
-/// Whether the invalidation bits of all elements of an array are in the record.
-bool RecordCheck::checkInvalidationBits(const BlockFields& array, std::uint64_t elements) {
-  if (!extent_->end_invalidation_bit) {
-    return true;
-  }
-  const std::uint64_t step = array.number("ca_inval_bit_pos_base");
-  const std::uint64_t bits = 8 * channel_group_->invalidation_bytes;
-  const std::uint64_t room = roomFor(bits - *extent_->end_invalidation_bit, step);
-  if (elements > room) {
-    subject_.report(Code::invalidation_bit_outside_record, extent_->index,
-                    "expected invalidation bits of all elements of the array in the " +
-                        std::to_string(channel_group_->invalidation_bytes) +
-                        " invalidation bytes of a record, found room for " + std::to_string(room) +
-                        " of " + std::to_string(elements));
-    return false;
-  }
-  *extent_->end_invalidation_bit += step * (elements - 1);
-  return true;
-}
-
-/// Masters next to each other, first by kind and then by place, tell what there is to tell of all.
-void RecordCheck::checkMasters() {
-  std::sort(masters_.begin(), masters_.end(), [](const Master& left, const Master& right) {
-    return std::tie(left.kind, left.index) < std::tie(right.kind, right.index);
-  });
-  for (std::size_t i = 1; i < masters_.size(); ++i) {
-    if (masters_[i].kind == masters_[i - 1].kind) {
-      const BlockEntry& other = subject_.blocks[masters_[i - 1].index];
-      subject_.report(Code::master_twice, masters_[i].index,
-                      "expected one master of synchronisation type " +
-                          std::to_string(masters_[i].kind) + ", found another, " +
-                          nameAt(other.letters(), other.offset));
-    }
-  }
-  std::sort(masters_.begin(), masters_.end(), [](const Master& left, const Master& right) {
-    return std::tie(left.first_bit, left.index) < std::tie(right.first_bit, right.index);
-  });
-  for (std::size_t i = 1; i < masters_.size(); ++i) {
-    if (masters_[i].first_bit < masters_[i - 1].end_bit &&
-        masters_[i].first_bit < masters_[i].end_bit) {
-      const BlockEntry& other = subject_.blocks[masters_[i - 1].index];
-      subject_.report(Code::masters_overlap, masters_[i].index,
-                      "expected masters with bits of their own, found that it shares bit " +
-                          std::to_string(masters_[i].first_bit) + " with " +
-                          nameAt(other.letters(), other.offset));
-    }
+  RecordGroup& group = groups_.back();
+  const VariableChannel channel{index,
+                                block.link(5),
+                                block.number("cn_byte_offset"),
+                                block.number("cn_bit_offset"),
+                                block.number("cn_bit_count"),
+                                block.hasFlag("cn_flags", has_invalidation_bit)
+                                    ? 8 * group.data_bytes + block.number("cn_inval_bit_pos")
+                                    : VariableChannel::none};
+  const auto array = readFields(subject_.file, block.link(1), "CA");
+  if ((!array || array->number("ca_storage") == in_records) && channel.bit_count > 0 &&
+      channel.bytes() <= sizeof(std::uint64_t) &&
+      channel.first_byte + channel.bytes() <= group.data_bytes &&
+      group.offset_bytes.take(channel.bytes())) {
+    group.variable_channels.push_back(channel);
   }
 }
 
@@ -337,9 +188,10 @@ void RecordCheck::checkReduction(const BlockFields& block, std::uint32_t index) 
   constexpr std::uint64_t has_invalidation_bytes = 1;
   const DataBlocks data = recordsAt(block.link(1), "sr_data", index);
   const std::uint64_t records = block.number("sr_cycle_count");
+  const RecordGroup& group = groups_.back();
   const std::uint64_t record_bytes =
-      3 * channel_group_->data_bytes +
-      (block.hasFlag("sr_flags", has_invalidation_bytes) ? channel_group_->invalidation_bytes : 0);
+      3 * group.data_bytes +
+      (block.hasFlag("sr_flags", has_invalidation_bytes) ? group.invalidation_bytes : 0);
   const std::uint64_t data_bytes = bytesOf(data);
   if (data.is_known && !subject_.is_unfinished && !isMadeOf(data_bytes, records, record_bytes)) {
     subject_.report(Code::cycle_count_wrong, index, wrongCount(records, record_bytes, data_bytes));
@@ -363,11 +215,11 @@ void RecordCheck::checkOnlyGroup(const DataBlocks& data) {
   const std::uint64_t bytes = bytesOf(data);
   const auto possible = idBytesFor(id_code_);
   const auto right = std::find_if(possible.begin(), possible.end(), [&](std::uint64_t id_bytes) {
-    return isMadeOf(bytes, group.cycles, group.record_bytes + id_bytes);
+    return isMadeOf(bytes, group.cycles, group.recordBytes() + id_bytes);
   });
   if (right == possible.end()) {
     subject_.report(Code::cycle_count_wrong, group.index,
-                    wrongCount(group.cycles, group.record_bytes + possible[0], bytes));
+                    wrongCount(group.cycles, group.recordBytes() + possible[0], bytes));
   } else if (!group.variable_channels.empty() && records_left_.take(data.stored_bytes)) {
     checkValues(data, *right);
   }

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "channel_check.h"
 #include "reading/block_fields.h"
 #include "reading/offset_set.h"
 #include "record_data.h"
@@ -32,40 +33,10 @@ class RecordCheck {
   void leave();
 
  private:
-  struct Master {
-    std::uint32_t index;
-    std::uint64_t kind;
-    std::uint64_t first_bit;
-    std::uint64_t end_bit;
-  };
-
-  /// What a channel, with all elements of the arrays that it is a part of, takes of a record.
-  struct Extent {
-    std::uint32_t index;  ///< of the channel or the latest array
-    std::uint64_t first_byte;
-    std::uint64_t end_bit;
-    std::optional<std::uint64_t> end_invalidation_bit;
-  };
-
-  struct ChannelGroup {
-    std::uint32_t index;
-    std::uint64_t data_bytes;
-    std::uint64_t invalidation_bytes;
-    bool has_records;
-    bool needs_no_master;
-    bool has_channels;
-  };
-
   void enterDataGroup(const BlockFields& block, std::uint32_t index);
   void enterChannelGroup(const BlockFields& block, std::uint32_t index);
   void leaveChannelGroup();
-  void takeChannel(const BlockFields& block, std::uint32_t index);
   void takeVariableChannel(const BlockFields& block, std::uint32_t index);
-  static Extent extentOf(const BlockFields& channel, std::uint32_t index);
-  bool checkBits(const Extent& extent) const;
-  bool checkElements(const BlockFields& array, std::uint64_t elements);
-  bool checkInvalidationBits(const BlockFields& array, std::uint64_t elements);
-  void checkMasters();
   void checkReduction(const BlockFields& block, std::uint32_t index);
 
   bool checkIds();
@@ -88,9 +59,7 @@ class RecordCheck {
   std::uint64_t id_code_ = 0;
   std::uint64_t data_link_ = 0;
   std::vector<RecordGroup> groups_;
-  std::optional<ChannelGroup> channel_group_;
-  std::vector<Master> masters_;
-  std::optional<Extent> extent_;  ///< of what the next array may be made of
+  std::optional<ChannelCheck> channels_;  ///< those of the last group, if its records have any
 };
 
 }  // namespace mdf_tools

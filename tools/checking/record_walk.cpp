@@ -79,7 +79,7 @@ RecordWalk Walker::walkRecord() {
 /// Goes over what stands behind a record's id; false when the data ends before.
 bool Walker::walkContents(RecordGroup& group) {
   constexpr std::uint64_t length_bytes = 4;
-  std::uint64_t length = group.record_bytes;
+  std::uint64_t length = group.recordBytes();
   if (group.is_variable_length) {
     if (!readNumber(length_bytes, length)) {
       return false;

@@ -17,11 +17,15 @@ struct RecordGroup {
   std::uint32_t index;
   std::uint64_t record_id;
   std::uint64_t cycles;
-  std::uint64_t record_bytes;  ///< without the record id
+  std::uint64_t data_bytes;  ///< of a record
+  std::uint64_t invalidation_bytes;
   bool is_variable_length;
   Allowance offset_bytes;  ///< of variable channels that share no bits of the record
   std::vector<VariableChannel> variable_channels{};
   std::vector<std::unique_ptr<ValueCheck>> value_checks{};  ///< each takes every record
+
+  /// Bytes of a record without its record id.
+  std::uint64_t recordBytes() const { return data_bytes + invalidation_bytes; }
 
   // What going through the records has shown.
   std::uint64_t counted = 0;

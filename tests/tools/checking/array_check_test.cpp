@@ -157,6 +157,18 @@ TEST(ArrayCheck, InvalidationBitsOfTheElements) {
   }
 }
 
+TEST(ArrayCheck, InvalidationBitsOfMoreElementsThanANumberSays) {
+  constexpr std::uint64_t half = std::uint64_t{1} << 32U;
+  ArrayFile file({0, 2, 0, 0, UINT32_MAX, {half, half}});
+  file.setGroup({0, 0, 0, 20, 1});
+  file.setChannel(SmallFile::speed, {0, 0, 0, 0, 8, 8, 2, 0});
+  EXPECT_EQ(checkedBytes(file.bytes()),
+            "768 error invalidation-bit-outside-record: expected invalidation bits of all elements "
+            "of the array in the 1 invalidation bytes of a record, found room for 1 of "
+            "18446744073709551615 or more" +
+                path + "]\n");
+}
+
 TEST(ArrayCheck, ElementsWithRecordsOfTheirOwnHaveACountEach) {
   for (const int storage : {1, 2}) {
     const Numbers links = storage == 1 ? Numbers{0} : Numbers{0, 0, 0, 0, 0, 0, 0};
