@@ -81,6 +81,11 @@ std::optional<BlockFields> DescriptionReader::follow(std::uint64_t from, std::ui
 
 Header DescriptionReader::header() {
   Header header;
+  const auto finding = identificationFinding(file_);
+  if (finding && !readFields(file_, header_block_offset, "HD")) {
+    report_(*finding);
+    return header;
+  }
   const auto block = follow(0, header_block_offset, "HD");
   if (!block) {
     return header;
@@ -220,6 +225,8 @@ ArrayShape DescriptionReader::arrayShape(const BlockFields& array) {
 std::string upToZero(std::string_view text) { return std::string(text.substr(0, text.find('\0'))); }
 
 }  // namespace
+
+bool Identification::isFinished() const { return file_word == "MDF     "; }
 
 bool Identification::isUnfinished() const { return file_word == "UnFinMF "; }
 

@@ -36,6 +36,7 @@ struct Identification {
     variable_length_offsets_open = 64,  ///< offsets of channels with such a group
   };
 
+  bool isFinished() const;
   bool isUnfinished() const;
 };
 

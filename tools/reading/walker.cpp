@@ -1,11 +1,11 @@
 #include "walker.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "description.h"
 #include "input_file.h"
 #include "offset_set.h"
 #include "raw_block.h"
@@ -61,18 +61,10 @@ class Walker {
 
 /// A file without the right words may still have blocks; one that ends here has none.
 bool Walker::hasIdentification() {
-  if (file_.size() < header_block_offset) {
-    report_({0, "expected 64 bytes of identification, " + upToTheEnd(file_.size())});
-    return false;
+  if (const auto finding = identificationFinding(file_)) {
+    report_(*finding);
   }
-  std::array<char, 8> words;
-  const std::size_t count = file_.readAt(0, words.data(), words.size());
-  const std::string_view found(words.data(), count);
-  if (found != "MDF     " && found != "UnFinMF ") {
-    report_(
-        {0, "expected the file identifier \"MDF     \" or \"UnFinMF \", found " + quoted(found)});
-  }
-  return true;
+  return file_.size() >= header_block_offset;
 }
 
 bool Walker::hasHeaderBlock() {
@@ -142,7 +134,29 @@ void Walker::reportLink(const RawBlock& from, std::uint64_t index,
                             " to lead " + expected_found});
 }
 
+/// "3.30" for 330.
+std::string versionText(unsigned version) {
+  const unsigned minor = version % 100;
+  return std::to_string(version / 100) + (minor < 10 ? ".0" : ".") + std::to_string(minor);
+}
+
 }  // namespace
+
+std::optional<Finding> identificationFinding(InputFile& file) {
+  constexpr unsigned first_version = 400;
+  if (file.size() < header_block_offset) {
+    return Finding{0, "expected 64 bytes of identification, " + upToTheEnd(file.size())};
+  }
+  const Identification id = readIdentification(file);
+  if (!id.isFinished() && !id.isUnfinished()) {
+    return Finding{0, "expected the file identifier \"MDF     \" or \"UnFinMF \", found " +
+                          quoted(id.file_word)};
+  }
+  if (id.version != 0 && id.version < first_version) {
+    return Finding{0, "expected a file of MDF 4, found one of MDF " + versionText(id.version)};
+  }
+  return std::nullopt;
+}
 
 std::vector<std::uint64_t> walkBlocks(InputFile& file, const FindingSink& report,
                                       std::uint64_t from) {

@@ -15,6 +15,9 @@ class InputFile;
 /// Where every file has its header block, right behind the identification.
 inline constexpr std::uint64_t header_block_offset = 64;
 
+/// What the first 64 bytes have that no file of MDF 4 has.
+std::optional<Finding> identificationFinding(InputFile& file);
+
 /// Finds every block that can be reached from the header block, or from another one, through any
 /// link of any block, each once, and returns their offsets in file order. What is wrong with the
 /// file is reported on the way; what is readable all the same is among the blocks. Blocks that lie

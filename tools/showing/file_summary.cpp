@@ -124,11 +124,12 @@ std::size_t lengthOfChain(InputFile& file, std::uint64_t first, std::string_view
 FileSummary summarise(InputFile& file, const FindingSink& report) {
   FileSummary summary;
   countBlocks(file, summary, report);
+  const FindingSink known = [](const Finding&) {};
   std::map<std::size_t, GroupChannels> channels;  // by the group's index
-  summary.measurement =
-      readMeasurement(file, report, [&](const ChannelGroup& group, const Channel& channel) {
-        channels[group.index].add(channel);
-      });
+  summary.measurement = readMeasurement(file, summary.blocks.empty() ? known : report,
+                                        [&](const ChannelGroup& group, const Channel& channel) {
+                                          channels[group.index].add(channel);
+                                        });
   const Header& header = summary.measurement.header;
   for (const DataGroup& data_group : summary.measurement.data_groups) {
     for (const ChannelGroup& group : data_group.groups) {

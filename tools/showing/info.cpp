@@ -37,7 +37,7 @@ std::vector<std::string> openParts(const Identification& id) {
 
 std::string stateSentence(const Identification& id) {
   if (!id.isUnfinished()) {
-    return "finished";
+    return id.isFinished() ? "finished" : "not stated";
   }
   std::string sentence = "unfinished";
   const char* separator = ", still open: ";
@@ -178,7 +178,7 @@ Json infoAsJson(InputFile& file, const FindingSink& report) {
                {"version", id.version},
                {"version_text", withoutBlanksBehind(id.version_text)},
                {"program", withoutBlanksBehind(id.program)},
-               {"finished", !id.isUnfinished()},
+               {"finished", id.isFinished()},
                {"still_open", openParts(id)},
                {"start", startAsJson(summary.measurement.header)}};
   json["duration"] = summary.duration ? Json(*summary.duration) : Json();

@@ -369,8 +369,16 @@ TEST(Description, NoHeaderBlock) {
   std::string findings;
   const Measurement measurement =
       readMeasurement(file, [&](const Finding& finding) { findings += finding.sentence; });
-  EXPECT_EQ(findings, "expected a link to a new block \"##HD\" at 64 (0x40), found none");
+  EXPECT_EQ(findings,
+            "expected the file identifier \"MDF     \" or \"UnFinMF \", found \"xxxxxxxx\"");
   EXPECT_TRUE(measurement.data_groups.empty());
+}
+
+TEST(Description, NoHeaderBlockInAMeasurementFile) {
+  FileBuilder builder;
+  builder.write(64, "####");
+  EXPECT_EQ(Described(builder).findings,
+            "0: expected a link to a new block \"##HD\" at 64 (0x40), found none\n");
 }
 
 TEST(ForEachInChain, EndsAtACycle) {

@@ -189,6 +189,19 @@ TEST(Walker, NoMeasurementFile) {
             "64: expected the header block \"##HD\", found \"PNG.\"\n");
 }
 
+TEST(Walker, FilesOfEarlierVersionsAreNamed) {
+  std::string bytes = fileHead({0, 0, 0, 0, 0, 0});
+  bytes.replace(28, 2, Bytes().u16(330));
+  bytes.replace(64, 4, std::string("HD\xA4\0", 4));
+  EXPECT_EQ(walked(bytes),
+            "0: expected a file of MDF 4, found one of MDF 3.30\n"
+            "64: expected the header block \"##HD\", found \"HD\\xa4\\x00\"\n");
+  bytes.replace(28, 2, Bytes().u16(201));
+  EXPECT_EQ(walked(bytes),
+            "0: expected a file of MDF 4, found one of MDF 2.01\n"
+            "64: expected the header block \"##HD\", found \"HD\\xa4\\x00\"\n");
+}
+
 TEST(Walker, DamagedIdentificationHidesNoBlocks) {
   std::string bytes = fileHead({168, 0, 0, 0, 0, 0}) + unknownBlock({});
   bytes[0] = 'm';
