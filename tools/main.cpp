@@ -1,18 +1,37 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "commands/command.h"
 
 namespace {
 
-/// The first word of the command line where a command belongs, if it is none.
-std::string unknownCommand(const CLI::App& app, int argc, char** argv) {
-  const std::string word = argc > 1 ? argv[1] : "";
-  const auto is_named_so = [&](const CLI::App* command) { return command->check_name(word); };
-  const bool is_option = word.empty() || word.front() == '-';
-  return is_option || !app.get_subcommands(is_named_so).empty() ? "" : word;
+/// What is wrong with the first words, which name a command; "" when nothing is.
+/// @param before the words before, with a blank behind, that name what has these commands
+std::string wrongCommand(const CLI::App& app, const std::string& before,
+                         const std::vector<std::string>& words) {
+  const std::string named_before = before.substr(0, before.find_last_of(' '));
+  const std::string behind = before.empty() ? "" : " behind \"" + named_before + '"';
+  const std::string advice = "; run 'mdf " + before + "--help' for what there is";
+  if (words.empty()) {
+    return "no command" + behind + advice;
+  }
+  const std::string& word = words.front();
+  if (!word.empty() && word.front() == '-') {
+    return "";
+  }
+  const auto named =
+      app.get_subcommands([&](const CLI::App* command) { return command->check_name(word); });
+  if (named.empty()) {
+    return "there is no command \"" + before + word + '"' + advice;
+  }
+  const bool is_whole = named.front()->get_require_subcommand_min() == 0;
+  return is_whole
+             ? ""
+             : wrongCommand(*named.front(), before + word + ' ', {words.begin() + 1, words.end()});
 }
 
 int complain(const std::string& sentence) {
@@ -38,12 +57,9 @@ int run(int argc, char** argv) {
   mdf_tools::addPlotCommand(app, exit_code);
   mdf_tools::addExtractCommand(app, exit_code);
 
-  if (argc == 1) {
-    return complain("no command; run 'mdf --help' for what there is");
-  }
-  const std::string unknown = unknownCommand(app, argc, argv);
-  if (!unknown.empty()) {
-    return complain("there is no command \"" + unknown + "\"; run 'mdf --help' for what there is");
+  const std::string wrong = wrongCommand(app, "", {argv + std::min(argc, 1), argv + argc});
+  if (!wrong.empty()) {
+    return complain(wrong);
   }
   try {
     app.parse(argc, argv);

@@ -1,16 +1,15 @@
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "block_type_option.h"
 #include "command.h"
 #include "drawing/block_json.h"
 #include "file_command.h"
+#include "number_option.h"
 #include "offset_option.h"
-#include "reading/block_layout.h"
 #include "reading/file_dump.h"
 #include "reading/input_file.h"
 
@@ -57,32 +56,6 @@ Examples:
 
 Exit code: 0 fine, 1 problems found in the file, 2 wrong arguments or unreadable file.)";
 
-bool isKnownType(std::string_view letters) {
-  // The identification, and block types of versions that came later.
-  constexpr std::string_view others = "ID LD DV DI RV RI GD";
-  return findLayout(letters) != nullptr ||
-         (letters.size() == 2 && letters.find(' ') == letters.npos &&
-          others.find(letters) != others.npos);
-}
-
-std::string upperCase(std::string letters) {
-  std::transform(letters.begin(), letters.end(), letters.begin(), [](char each) {
-    return each >= 'a' && each <= 'z' ? static_cast<char>(each - 'a' + 'A') : each;
-  });
-  return letters;
-}
-
-CLI::Validator isType() {
-  return CLI::Validator(
-      [](std::string& letters) {
-        letters = upperCase(letters);
-        return isKnownType(letters) ? std::string()
-                                    : "there is no block type \"" + letters +
-                                          "\"; types have two letters, such as CN or CC";
-      },
-      "");
-}
-
 BlockSelection selectionOf(const DumpArguments& arguments) {
   BlockSelection selection;
   selection.types = arguments.types;
@@ -120,7 +93,7 @@ void addDumpCommand(CLI::App& app, int& exit_code) {
       ->delimiter(',')
       ->allow_extra_args(false)
       ->type_name("TYPE,...")
-      ->transform(isType());
+      ->transform(isBlockType());
   command
       ->add_option(
           "--at", arguments->offsets,
@@ -139,6 +112,7 @@ void addDumpCommand(CLI::App& app, int& exit_code) {
           "--bytes", arguments->most_bytes,
           "With --hex and --json: how many bytes of data, text or values to show of a block")
       ->type_name("N")
+      ->check(isCount())
       ->default_val(256);
   command->footer(footer);
   command->callback([arguments, &exit_code] { exit_code = dump(*arguments); });

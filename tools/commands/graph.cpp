@@ -11,6 +11,7 @@
 #include "drawing/drawing_program.h"
 #include "drawing/one_line.h"
 #include "file_command.h"
+#include "number_option.h"
 #include "offset_option.h"
 #include "picture_output.h"
 #include "reading/input_file.h"
@@ -155,7 +156,8 @@ void addGraphCommand(CLI::App& app, int& exit_code) {
           ->check(isOffset());
   CLI::Option* depth =
       command->add_option("--depth", arguments->options.most_depth, "Go down so many levels")
-          ->type_name("N");
+          ->type_name("N")
+          ->check(isCount());
   CLI::Option* no_text =
       command->add_flag("--no-text", arguments->hides_texts, "Leave out text and metadata blocks");
   command->add_flag("--map", arguments->is_map, "Draw the file's bytes instead of its links")

@@ -3,8 +3,10 @@
 #include <string>
 #include <vector>
 
+#include "block_type_option.h"
 #include "command.h"
 #include "file_command.h"
+#include "number_option.h"
 #include "reading/input_file.h"
 #include "showing/listing.h"
 
@@ -41,7 +43,7 @@ void addList(CLI::App& list_command, const ListKind& kind, int& exit_code) {
   const bool has_groups = kind.list == listChannels;
   if (has_groups) {
     command->add_option("--group", options->group, "Only the channel group with this index")
-        ->check(CLI::NonNegativeNumber)
+        ->check(isCount())
         ->type_name("N");
   }
   if (kind.list != listBlocks) {
@@ -50,7 +52,12 @@ void addList(CLI::App& list_command, const ListKind& kind, int& exit_code) {
                      "Only what is named so; * ? [...] match as in a shell")
         ->type_name("GLOB");
   }
-  command->add_option("--type", options->types, kind.types)->delimiter(',')->type_name("TYPE,...");
+  CLI::Option* type = command->add_option("--type", options->types, kind.types)
+                          ->delimiter(',')
+                          ->type_name("TYPE,...");
+  if (kind.list == listBlocks) {
+    type->transform(isBlockType());
+  }
   command->add_option("--sort", options->sort_column, "Sort by this column")
       ->check(CLI::IsMember(kind.columns))
       ->type_name("COLUMN");

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "number_option.h"
+
 namespace mdf_tools {
 
 std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_several) {
@@ -13,11 +15,19 @@ std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_sev
       ->type_name("GLOB")
       ->allow_extra_args(takes_several);
   command.add_option("-g,--group", selection->group, "The channel group with this number alone")
-      ->type_name("N");
+      ->type_name("N")
+      ->check(isCount());
   command.add_option("--from", selection->from, "Samples from this time (master value) on")
-      ->type_name("T");
+      ->type_name("T")
+      ->check(isNumber());
   command.add_option("--to", selection->to, "Samples up to this time (master value)")
-      ->type_name("T");
+      ->type_name("T")
+      ->check(isNumber());
+  command.parse_complete_callback([selection] {
+    if (selection->from && selection->to && *selection->from > *selection->to) {
+      throw CLI::ValidationError("--from is behind --to");
+    }
+  });
   command.add_flag("--raw", selection->is_raw, "Values as they are stored, without conversions");
   return selection;
 }

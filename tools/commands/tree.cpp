@@ -6,6 +6,7 @@
 #include "command.h"
 #include "drawing/tree_text.h"
 #include "file_command.h"
+#include "number_option.h"
 #include "offset_option.h"
 #include "reading/input_file.h"
 
@@ -71,7 +72,8 @@ void addTreeCommand(CLI::App& app, int& exit_code) {
       ->type_name("OFFSET")
       ->check(isOffset());
   command->add_option("--depth", arguments->options.most_depth, "Go down so many levels")
-      ->type_name("N");
+      ->type_name("N")
+      ->check(isCount());
   command->add_flag("--no-text", arguments->hides_texts, "Leave out text and metadata blocks");
   command->add_flag("--all", arguments->shows_all, "Show long lists and chains whole");
   command->add_flag("--json", arguments->is_json, "Write JSON lines, one for each link");

@@ -258,7 +258,9 @@ void listChannels(InputFile& file, const ListOptions& options, std::ostream& out
   }
   if (options.group && *options.group >= group_count) {
     report({header_block_offset, "expected a channel group " + std::to_string(*options.group) +
-                                     ", found " + std::to_string(group_count) + " from 0 on"});
+                                     ", found " + std::to_string(group_count) +
+                                     (group_count == 1 ? " channel group" : " channel groups") +
+                                     ", counted from 0"});
   }
   entries.finish();
 }

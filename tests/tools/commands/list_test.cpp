@@ -108,8 +108,29 @@ TEST(ListCommand, AGroupThatIsNotThereIsReported) {
   const TempFile temp(threeChannels().bytes());
   const RunResult result = run({"list", "channels", "--group", "1", temp.path()});
   EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.messages, "mdf: " + temp.path() +
+                                 ": 64 (0x40): expected a channel group 1, found 1 channel "
+                                 "group, counted from 0\n");
+}
+
+TEST(ListCommand, BlockTypesThatThereAreNotAreRefused) {
+  const RunResult result = run({"list", "blocks", "--type", "CN,foo", "file"});
+  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.output, "");
   EXPECT_EQ(result.messages,
-            "mdf: " + temp.path() + ": 64 (0x40): expected a channel group 1, found 1 from 0 on\n");
+            "mdf: --type: there is no block type \"FOO\"; types have two letters, such as CN or "
+            "CC\n");
+}
+
+TEST(ListCommand, AFileOfAnEarlierVersionIsNamed) {
+  FileBuilder file("MDF     ", 310);
+  file.write(64, "HD  ");
+  const TempFile temp(file.bytes());
+  const RunResult result = run({"list", "events", temp.path()});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.output, "offset  position  unit  kind  range  cause  name  comment\n");
+  EXPECT_EQ(result.messages,
+            "mdf: " + temp.path() + ": 0 (0x0): expected a file of MDF 4, found one of MDF 3.10\n");
 }
 
 TEST(ListCommand, ChannelsAsJson) {
