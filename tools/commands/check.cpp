@@ -3,6 +3,7 @@
 #include <array>
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -108,16 +109,17 @@ int explain(const std::string& word) {
   if (code == nullptr) {
     throw CLI::ValidationError("there is no code \"" + word + "\"; 'mdf check --codes' lists them");
   }
-  std::cout << code->word << " (" << severityWord(code->severity) << ")\n\n"
-            << code->meaning << '\n';
-  return exit_fine;
+  std::ostringstream text;
+  text << code->word << " (" << severityWord(code->severity) << ")\n\n" << code->meaning << '\n';
+  return printToOutput(text.str());
 }
 
 int listCodes() {
+  std::ostringstream text;
   for (const CodeText& code : allCodes()) {
-    std::cout << severityWord(code.severity) << ' ' << code.word << '\n';
+    text << severityWord(code.severity) << ' ' << code.word << '\n';
   }
-  return exit_fine;
+  return printToOutput(text.str());
 }
 
 constexpr const char* footer =

@@ -161,6 +161,12 @@ TEST(CheckCommand, FullOutputIsAProblem) {
   const RunResult result = run({"check", file.path()}, options);
   EXPECT_EQ(result.exit_code, 1);
   EXPECT_NE(result.messages.find("mdf: cannot write to standard output: "), std::string::npos);
+  for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+           {"check", "--codes"}, {"check", "--explain", "link-outside-file"}}) {
+    const RunResult of_codes = run(arguments, options);
+    EXPECT_EQ(of_codes.exit_code, 1);
+    EXPECT_EQ(of_codes.messages, "mdf: cannot write to standard output: No space left on device\n");
+  }
 }
 
 TEST(CheckCommand, HelpTeachesWithExamples) {
