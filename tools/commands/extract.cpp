@@ -8,17 +8,30 @@
 #include "command.h"
 #include "extracting/new_file.h"
 #include "file_command.h"
+#include "reading/input_file.h"
 
 namespace mdf_tools {
 
 namespace {
 
+void noteNothing(const std::string& file_name, const std::string& name_pattern) {
+  std::cerr << "mdf: " << file_name << ": note: there is no attachment";
+  if (!name_pattern.empty()) {
+    std::cerr << " that fits \"" << name_pattern << '"';
+  }
+  std::cerr << '\n';
+}
+
 int extract(const std::vector<std::string>& paths, const ExtractOptions& options) {
   try {
     bool is_complete = true;
     const int exit_code = onEachFile(paths, [&](const FileContext& context) {
-      is_complete =
-          extractAttachments(context.file, options, context.out, context.report) && is_complete;
+      const Extracted extracted =
+          extractAttachments(context.file, options, context.out, context.report);
+      is_complete = extracted.is_complete && is_complete;
+      if (extracted.chosen == 0) {
+        noteNothing(context.file.name(), options.name_pattern);
+      }
     });
     return std::max<int>(exit_code, is_complete ? exit_fine : exit_problem);
   } catch (const Unwritable& error) {

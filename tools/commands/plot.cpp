@@ -128,6 +128,12 @@ int printJson(const Request& request) {
   return std::max(exit_code, printToOutput(jsonLine(document) + '\n'));
 }
 
+bool hasNumbers(const Curve& curve) {
+  const std::vector<Point> points = curve.points.points();
+  return std::any_of(points.begin(), points.end(),
+                     [](const Point& point) { return !std::isnan(point.y); });
+}
+
 int drawPicture(const Request& request) {
   const std::string format = formatOf(request);
   if (format.empty()) {
@@ -143,6 +149,9 @@ int drawPicture(const Request& request) {
   const int exit_code = collect(request, form.width, curves);
   if (curves.empty()) {
     return std::max<int>(exit_code, exit_problem);
+  }
+  if (std::none_of(curves.begin(), curves.end(), hasNumbers)) {
+    std::cerr << "mdf: note: there is nothing to draw: no sample chosen is a number\n";
   }
   const int drawing = writePicture(request.output, [&] {
     // No settings of the user's own.

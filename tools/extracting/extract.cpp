@@ -102,28 +102,29 @@ void Extractor::tell(const Attachment& attachment, const std::string& path, std:
   } else if (path.empty()) {
     out_ << quoted(attachment) << " is not in the file\n";
   } else {
-    out_ << printable(path) << ": " << size << " bytes"
+    out_ << printable(path) << ": " << size << (size == 1 ? " byte" : " bytes")
          << (attachment.has_digest ? ", digest verified" : "") << '\n';
   }
 }
 
 }  // namespace
 
-bool extractAttachments(InputFile& file, const ExtractOptions& options, std::ostream& out,
-                        const FindingSink& report) {
+Extracted extractAttachments(InputFile& file, const ExtractOptions& options, std::ostream& out,
+                             const FindingSink& report) {
   const Measurement measurement = readMeasurement(file, report);
   Extractor extractor(file, options, out, report);
-  bool is_complete = true;
+  Extracted extracted;
   for (const Attachment& attachment :
        readAttachments(file, measurement.header.first_attachment, *measurement.texts, report)) {
     const bool is_chosen =
         options.name_pattern.empty() ||
         fnmatch(options.name_pattern.c_str(), std::string(attachment.name).c_str(), 0) == 0;
     if (is_chosen) {
-      is_complete = extractor.extract(attachment) && is_complete;
+      ++extracted.chosen;
+      extracted.is_complete = extractor.extract(attachment) && extracted.is_complete;
     }
   }
-  return is_complete;
+  return extracted;
 }
 
 }  // namespace mdf_tools

@@ -18,13 +18,17 @@ struct ExtractOptions {
   bool as_json = false;      ///< an object on each line of output
 };
 
+struct Extracted {
+  std::size_t chosen = 0;   ///< attachments that the options choose
+  bool is_complete = true;  ///< whether all of them that are in the file have been written
+};
+
 /// Writes the attachments that are embedded in a file to a folder, uncompressed, and a line for
 /// each to `out`. Whatever the stored name says, the file is made in that folder; attachments with
 /// the same name get numbers. What is damaged is reported and not written.
-/// @return whether all that were chosen and are in the file have been written
 /// @throws Unwritable
-bool extractAttachments(InputFile& file, const ExtractOptions& options, std::ostream& out,
-                        const FindingSink& report);
+Extracted extractAttachments(InputFile& file, const ExtractOptions& options, std::ostream& out,
+                             const FindingSink& report);
 
 }  // namespace mdf_tools
 

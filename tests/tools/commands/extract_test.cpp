@@ -61,6 +61,20 @@ TEST(ExtractCommand, AsJson) {
                 "\"digest_verified\":false}\n");
 }
 
+TEST(ExtractCommand, NothingToExtractIsNoted) {
+  const TempFile file(fileWith({{"a", "", 1, no_digest, 1, "1"}}).bytes());
+  const RunResult unfit = run({"extract", file.path(), "--name", "b*"});
+  EXPECT_EQ(unfit.exit_code, 0);
+  EXPECT_EQ(unfit.output, "");
+  EXPECT_EQ(unfit.messages,
+            "mdf: " + file.path() + ": note: there is no attachment that fits \"b*\"\n");
+  const TempFile empty(FileBuilder().bytes());
+  const RunResult none = run({"extract", empty.path()});
+  EXPECT_EQ(none.exit_code, 0);
+  EXPECT_EQ(none.output, "");
+  EXPECT_EQ(none.messages, "mdf: " + empty.path() + ": note: there is no attachment\n");
+}
+
 TEST(ExtractCommand, NeverLeavesTheFolder) {
   const ScratchFolder outer;
   std::filesystem::create_directory(outer / "inner");
@@ -73,9 +87,9 @@ TEST(ExtractCommand, NeverLeavesTheFolder) {
   const std::string to = outer / "inner";
   const RunResult result = run({"extract", file.path(), "-o", to});
   EXPECT_EQ(result.exit_code, 0) << result.messages;
-  EXPECT_EQ(result.output, to + "/up: 1 bytes\n" + to + "/absolute: 1 bytes\n" + to +
-                               "/attachment: 1 bytes\n" + to + "/attachment (2): 1 bytes\n" + to +
-                               "/up (2): 1 bytes\n");
+  EXPECT_EQ(result.output, to + "/up: 1 byte\n" + to + "/absolute: 1 byte\n" + to +
+                               "/attachment: 1 byte\n" + to + "/attachment (2): 1 byte\n" + to +
+                               "/up (2): 1 byte\n");
   EXPECT_FALSE(std::filesystem::exists(outer / "up"));
   EXPECT_FALSE(std::filesystem::exists(outer / "absolute"));
 }

@@ -78,6 +78,15 @@ TEST(PlotCommand, PartOfTheTime) {
   EXPECT_NE(run(part).output.find(">5.2<"), std::string::npos);
 }
 
+TEST(PlotCommand, AnEmptyPictureIsNoted) {
+  const TempFile file(risingFile());
+  const RunResult result =
+      run({"plot", file.path(), "-c", "speed", "--from", "100", "--format", "svg"});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.messages, "mdf: note: there is nothing to draw: no sample chosen is a number\n");
+  EXPECT_NE(result.output.find("</svg>"), std::string::npos);
+}
+
 TEST(PlotCommand, SeveralFilesInOnePicture) {
   const ScratchFolder folder;
   folder.write("a.mf4", risingFile());
