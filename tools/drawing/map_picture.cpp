@@ -32,6 +32,11 @@ std::string grouped(std::uint64_t number) {
   return digits;
 }
 
+/// "1 block", "2,000 blocks".
+std::string counted(std::uint64_t number, const std::string& word) {
+  return grouped(number) + ' ' + word + (number == 1 ? "" : "s");
+}
+
 /// Boxes at given places.
 class MapDrawer {
  public:
@@ -116,23 +121,22 @@ void MapDrawer::legend(const BlockMap& map) {
   const std::size_t shown = std::min(map.types.size(), most_types);
   for (std::size_t i = 0; i < shown; ++i) {
     const TypeShare& share = map.types[i];
-    legendEntry(share.type + "  " + grouped(share.blocks) +
-                    (share.blocks == 1 ? " block, " : " blocks, ") + grouped(share.bytes) +
-                    " bytes",
-                fill(std::string(colourOf(familyOf(share.type)))));
+    legendEntry(
+        share.type + "  " + counted(share.blocks, "block") + ", " + counted(share.bytes, "byte"),
+        fill(std::string(colourOf(familyOf(share.type)))));
   }
   if (shown < map.types.size()) {
     legendEntry(grouped(map.types.size() - shown) + " more types",
                 fill(std::string(colourOf(BlockFamily::other))));
   }
-  legendEntry("no block  " + grouped(map.gap_bytes) + " bytes in " + grouped(map.gaps) + " places",
+  legendEntry("no block  " + counted(map.gap_bytes, "byte") + " in " + counted(map.gaps, "place"),
               fill("#ffffff") + ", color=\"#c0c0c0\"");
-  legendEntry("overlap  " + grouped(map.overlap_bytes) + " bytes", fill("#e02020"));
+  legendEntry("overlap  " + counted(map.overlap_bytes, "byte"), fill("#e02020"));
 }
 
 std::string MapDrawer::draw(const BlockMap& map, const std::string& title) {
   constexpr double label_width = 90;
-  text(0, bar_width, title + ", " + grouped(map.file_size) + " bytes", "fontsize=13");
+  text(0, bar_width, title + ", " + counted(map.file_size, "byte"), "fontsize=13");
   y_ += row_step;
   std::size_t row = SIZE_MAX;
   for (const MapRun& each : map.runs) {

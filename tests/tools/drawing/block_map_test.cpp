@@ -160,6 +160,18 @@ TEST(BlockMap, Picture) {
   EXPECT_NE(map.output.find("label=\"no block  0 bytes in 0 places\\l\""), std::string::npos);
 }
 
+TEST(BlockMap, PictureWithOneGap) {
+  FileBuilder file;
+  file.append("x");
+  const Dumped map =
+      drawn(file.bytes(), [](InputFile& input, std::ostream& os, const FindingSink& report) {
+        double height = 0;
+        os << mdf_tools::mapPart(mdf_tools::makeMap(input, report), "a.mf4", "f0_", height);
+      });
+  EXPECT_NE(map.output.find("label=\"no block  1 byte in 1 place\\l\""), std::string::npos)
+      << map.output;
+}
+
 TEST(BlockMap, Json) {
   FileBuilder file;
   file.append("x");
