@@ -148,11 +148,13 @@ Curve treeCurve(const Box& from, const Box& to, const std::string& role) {
   const double y = std::min(from.middle(), to.middle());
   const Point begin = {from.right(), from.top == to.top ? y : from.middle()};
   const Point goal = {end, from.top == to.top ? y : to.middle()};
+  // A curve that comes from above would run through a label above its end.
+  const double label_y = goal.y > begin.y ? goal.y + 6 : goal.y - 6;
   return {begin,
           {turn, begin.y},
           {turn - 48, goal.y},
           goal,
-          {to.left - 8 - labelWidth(role) / 2, goal.y - 6}};
+          {to.left - 8 - labelWidth(role) / 2, label_y}};
 }
 
 /// To a box that stands anywhere, from below the middle of the right side.

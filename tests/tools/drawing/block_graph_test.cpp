@@ -129,6 +129,24 @@ TEST(BlockGraph, TreesOfThreeHundredBlocksAreDrawnWhole) {
   EXPECT_NE(graphOf(wideTree(300, 12)).output.find("shortened"), std::string::npos);
 }
 
+TEST(BlockGraph, NamesOfLinksStandBelowCurvesThatComeFromAbove) {
+  FileBuilder file;
+  file.link(FileBuilder::header, 1, file.add("XX", {}));
+  file.link(FileBuilder::header, 3, file.add("XX", {}));
+  mdf_tools::GraphPicture picture;
+  const Dumped graph =
+      drawn(file.bytes(), [&](InputFile& input, std::ostream& os, const FindingSink& report) {
+        mdf_tools::addGraph(picture, mdf_tools::makeGraph(input, {}, report), "a", "f0_");
+        os << mdf_tools::dotOf(picture);
+      });
+  EXPECT_EQ(graph.output.substr(graph.output.find("  f0_0 ->")),
+            "  f0_0 -> f0_1 [pos=\"e,193.400,-44.000 83.400,-44.000 107.400,-44.000 59.400,-44.000 "
+            "187.400,-44.000\", label=\"hd_fh_first\", lp=\"161.200,-38.000\"];\n"
+            "  f0_0 -> f0_2 [pos=\"e,193.400,-96.000 83.400,-44.000 107.400,-44.000 59.400,-96.000 "
+            "187.400,-96.000\", label=\"hd_at_first\", lp=\"161.200,-102.000\"];\n"
+            "}\n");
+}
+
 TEST(BlockGraph, Picture) {
   FileBuilder file;
   const std::uint64_t source = file.add("SI", {file.text("a \"b\" \\n"), 0, 168}, Bytes().zeros(8));
