@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <string>
 
 #include "tools/samples/sample.h"
 
@@ -28,12 +29,13 @@ int writeTo(const std::filesystem::path& folder) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
+  const std::string folder = argc == 2 ? argv[1] : "";
+  if (folder.empty() || folder.front() == '-') {
     std::cerr << "Usage: make_sample_files FOLDER\n";
     return 2;
   }
   try {
-    return writeTo(argv[1]);
+    return writeTo(folder);
   } catch (const std::exception& error) {
     std::cerr << "make_sample_files: " << error.what() << '\n';
     return 1;
