@@ -4,7 +4,9 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <system_error>
@@ -108,6 +110,11 @@ class TableFile {
   std::ostream out_{nullptr};
 };
 
+/// What the names of a file's tables begin with.
+std::string stemOf(const std::string& path) {
+  return path == "-" ? "stdin" : std::filesystem::path(path).stem().string();
+}
+
 /// Where the tables of all files go.
 class Destination {
  public:
@@ -133,9 +140,8 @@ class Destination {
       return &out;
     }
     close();
-    const std::string stem = path == "-" ? "stdin" : std::filesystem::path(path).stem().string();
     const std::string name =
-        stem + '.' + std::to_string(table.group().index) + '.' + request_.format;
+        stemOf(path) + '.' + std::to_string(table.group().index) + '.' + request_.format;
     file_ = std::make_unique<TableFile>((std::filesystem::path(request_.output) / name).string());
     return file_->isOpen() ? &file_->out() : nullptr;
   }
@@ -170,9 +176,26 @@ bool overwritesInput(const Request& request) {
          });
 }
 
+/// Two files whose tables would have the same names in a folder, if there are such.
+std::optional<std::string> filesOfOneName(const Request& request) {
+  std::map<std::string, std::string> paths;  // by the beginning of their tables' names
+  for (const std::string& path : *request.paths) {
+    const auto [other, is_new] = paths.emplace(stemOf(path), path);
+    if (!is_new) {
+      return other->second + " and " + path;
+    }
+  }
+  return std::nullopt;
+}
+
 int run(const Request& request) {
   if (overwritesInput(request)) {
     return complain("the output " + request.output + " is one of the files to read", exit_unusable);
+  }
+  const auto files = request.isToFolder() ? filesOfOneName(request) : std::nullopt;
+  if (files) {
+    return complain("the tables of " + *files + " would have the same names in " + request.output,
+                    exit_unusable);
   }
   Destination destination(request);
   if (!destination.isOpen()) {
@@ -182,7 +205,7 @@ int run(const Request& request) {
   int exit_code = exit_fine;
   const int reading = onEachFile(*request.paths, [&](const FileContext& context) {
     const auto writer = writerOf(request.format, [&](const Table& table) {
-      return destination.next(context.file.name(), table, context.out);
+      return destination.next(context.path, table, context.out);
     });
     const std::size_t count = visitTables(context.file, *request.selection, *writer, context.report,
                                           notesOf(context.file.name()));

@@ -45,7 +45,7 @@ int onFile(const std::string& path, bool is_one_of_several, std::ostream& out,
       progress ? progress->interrupt(print) : print();
       exit_code = exit_problem;
     };
-    work({file, out, report, is_one_of_several});
+    work({file, out, report, path, is_one_of_several});
   } catch (const UnreadableFile& error) {
     complain(error.what());
     exit_code = exit_unusable;

@@ -22,6 +22,7 @@ struct FileContext {
   InputFile& file;
   std::ostream& out;          ///< data, on its way to standard output
   const FindingSink& report;  ///< problems, on their way to standard error
+  const std::string& path;    ///< the file as it was named, "-" for standard input
   bool is_one_of_several;     ///< several files were named: say which one is shown
 };
 

@@ -93,6 +93,34 @@ TEST(ExportCommand, OutputFolderGetsAFileForEachTable) {
   EXPECT_EQ(bytesOf(folder / "new/trip.1.csv"), second_table);
 }
 
+TEST(ExportCommand, TablesInAFolderDoNotOverwriteOneAnother) {
+  const ScratchFolder folder;
+  std::filesystem::create_directory(folder / "monday");
+  std::filesystem::create_directory(folder / "tuesday");
+  folder.write("monday/trip.mf4", twoTables());
+  folder.write("tuesday/trip.mf4", twoTables());
+  const std::string monday = (folder / "monday/trip.mf4").string();
+  const std::string tuesday = (folder / "tuesday/trip.mf4").string();
+  const std::string to = (folder / "new").string() + "/";
+  const RunResult result = run({"export", monday, tuesday, "-o", to});
+  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.messages, "mdf: the tables of " + monday + " and " + tuesday +
+                                 " would have the same names in " + to + "\n");
+  EXPECT_FALSE(std::filesystem::exists(folder / "new"));
+}
+
+TEST(ExportCommand, StandardInputToAFolder) {
+  const ScratchFolder folder;
+  RunOptions options;
+  options.input = twoTables();
+  const RunResult result = run({"export", "-", "-o", folder.path()}, options);
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.messages, "");
+  EXPECT_EQ(bytesOf(folder / "stdin.0.csv"), first_table);
+  EXPECT_EQ(bytesOf(folder / "stdin.1.csv"), second_table);
+}
+
 TEST(ExportCommand, OutputDoesNotOverwriteTheInput) {
   const TempFile file(twoTables());
   const RunResult result = run({"export", file.path(), "-o", file.path()});
