@@ -57,6 +57,7 @@ struct Header {
   std::string_view comment;
 
   enum TimeFlag : unsigned { is_local_time = 1, offsets_valid = 2 };
+  enum Flag : unsigned { start_angle_valid = 1, start_distance_valid = 2 };
 };
 
 /// The elements of a channel that is an array, as far as they stand in its records.

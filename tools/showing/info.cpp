@@ -60,6 +60,18 @@ StoredTime startTime(const Header& header) {
   return {header.start_time, header.zone_minutes, header.daylight_minutes, header.time_flags};
 }
 
+/// Where angles and distances begin, "" when neither is stated.
+std::string startPosition(const Header& header) {
+  std::string position;
+  if ((header.flags & Header::start_angle_valid) != 0) {
+    position = shownNumber(header.start_angle) + " rad";
+  }
+  if ((header.flags & Header::start_distance_valid) != 0) {
+    position += (position.empty() ? "" : ", ") + shownNumber(header.start_distance) + " m";
+  }
+  return position;
+}
+
 std::string countOf(std::size_t count, const std::string& one, const std::string& several) {
   return std::to_string(count) + ' ' + (count == 1 ? one : several);
 }
@@ -159,6 +171,9 @@ void printInfo(InputFile& file, std::ostream& out, const FindingSink& report) {
   printLine(out, "State:", stateSentence(id));
   printLine(
       out, "Start:", startTime(header).sentence() + ", clock: " + timeClassName(header.time_class));
+  if (const std::string position = startPosition(header); !position.empty()) {
+    printLine(out, "Begins at:", position);
+  }
   printLine(out,
             "Duration:", summary.duration ? shownNumber(*summary.duration) + " s" : "not stated");
   if (!header.comment.empty()) {

@@ -135,6 +135,23 @@ TEST(InfoCommand, WhatIsNoMeasurementFileIsSaidOnce) {
                                "                  6  outside blocks\n");
 }
 
+TEST(InfoCommand, WhereAnglesAndDistancesBegin) {
+  const auto position = [](std::uint8_t flags) {
+    FileBuilder file;
+    file.write(FileBuilder::header + 24 + 48 + 14, Bytes().u8(flags).u8(0).f64(0.25).f64(1200));
+    const TempFile temp(file.bytes());
+    const std::string page = run({"info", temp.path()}).output;
+    const std::size_t begin = page.find("Start:");
+    return page.substr(begin, page.find("Contents:") - begin);
+  };
+  const std::string start = "Start:     not stated, clock: local PC\n";
+  const std::string duration = "Duration:  not stated\n";
+  EXPECT_EQ(position(0), start + duration);
+  EXPECT_EQ(position(1), start + "Begins at: 0.25 rad\n" + duration);
+  EXPECT_EQ(position(2), start + "Begins at: 1200 m\n" + duration);
+  EXPECT_EQ(position(3), start + "Begins at: 0.25 rad, 1200 m\n" + duration);
+}
+
 TEST(InfoCommand, TheMastersRangeGivesDurationAndRate) {
   FileBuilder file;
   ChannelSpec time;
