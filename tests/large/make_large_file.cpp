@@ -38,8 +38,8 @@ LINK appendChannels(std::ofstream& file) {
   CCBLOCK seconds(CCBLOCK::CC_CONVTYPE_LINEAR);
   seconds.setupLinearConversion(0, 0.01);
   CNBLOCK time(CNBLOCK::CN_CHANNELTYPE_VIRTUALMASTER, CNBLOCK::CN_SYNCTYPE_TIME,
-               CNBLOCK::CN_DATATYPE_UINT_LE, append(file, speed),
-               append(file, TXBLOCK("time", 4)), 0);
+               CNBLOCK::CN_DATATYPE_UINT_LE, append(file, speed), append(file, TXBLOCK("time", 4)),
+               0);
   time.setUnitblock(append(file, TXBLOCK("s", 1)));
   time.setConversionCcblock(append(file, seconds));
   return append(file, time);
