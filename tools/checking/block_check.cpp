@@ -17,6 +17,7 @@ constexpr std::uint64_t alignment = 8;
 std::uint64_t promisedLinks(const BlockFields& block) {
   constexpr std::uint64_t has_default_x = 0x1000;
   constexpr std::uint64_t has_remote_master = 8;
+  constexpr std::uint64_t has_invalidation_data = 1U << 31U;
   const std::string_view type = block.raw().letters();
   if (type == "CN") {
     return block.number("cn_attachment_count") + (block.hasFlag("cn_flags", has_default_x) ? 3 : 0);
@@ -29,6 +30,9 @@ std::uint64_t promisedLinks(const BlockFields& block) {
   }
   if (type == "CH") {
     return 3 * block.number("ch_element_count");
+  }
+  if (type == "LD") {
+    return block.number("ld_count") * (block.hasFlag("ld_flags", has_invalidation_data) ? 2 : 1);
   }
   return type == "CG" && block.hasFlag("cg_flags", has_remote_master) ? 1 : 0;
 }
@@ -50,6 +54,10 @@ PromisedNumbers promisedNumbers(const BlockFields& block) {
   if (type == "DL") {
     const bool has_equal_length = block.hasFlag("dl_flags", 1);
     return {"dl_count", has_equal_length ? 1 : block.number("dl_count")};
+  }
+  if (type == "LD") {
+    const bool has_equal_count = block.hasFlag("ld_flags", 1);
+    return {"ld_count", has_equal_count ? 1 : block.number("ld_count")};
   }
   return {};
 }

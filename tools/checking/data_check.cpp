@@ -142,10 +142,14 @@ std::optional<std::uint64_t> dataBytesOf(const Subject& subject, std::uint64_t o
     return std::nullopt;
   }
   const std::string_view type = block->letters();
+  constexpr std::string_view counted = "DT SD RD";
   if (type == "DZ") {
-    return BlockFields(subject.file, *block).number("dz_org_data_length");
+    const BlockFields fields(subject.file, *block);
+    return fields.bytes("dz_org_block_type") == "DV"
+               ? std::nullopt  // counted by what stands in two places
+               : std::optional(fields.number("dz_org_data_length"));
   }
-  if (type != "DT" && type != "SD" && type != "RD") {
+  if (!isAmongTargets(counted, type)) {
     return std::nullopt;
   }
   const std::uint64_t begin =

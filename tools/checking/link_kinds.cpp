@@ -24,6 +24,7 @@ LinkKinds linkKinds(std::string_view letters) {
     case code('A', 'T'):
     case code('D', 'G'):
     case code('D', 'L'):
+    case code('L', 'D'):
     case code('S', 'R'):
       return {true, 0, false};
     case code('C', 'H'):  // the elements are groups and channels that have their place

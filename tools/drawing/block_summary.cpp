@@ -41,6 +41,7 @@ class Summarizer {
   void source();
   void reduction();
   void dataList();
+  void valueList();
   void headerList();
   void zippedData();
 
@@ -70,7 +71,7 @@ class Summarizer {
     std::string_view letters;
     void (Summarizer::*add)();
   };
-  static const std::array<Method, 15> methods;
+  static const std::array<Method, 16> methods;
 };
 
 std::string Summarizer::text(std::uint64_t offset) const {
@@ -126,6 +127,7 @@ void Summarizer::dataGroup() {
 
 void Summarizer::channelGroup() {
   constexpr std::uint64_t variable_length = 1;
+  constexpr std::uint64_t remote_master = 8;
   name(2);
   if (block_.hasFlag("cg_flags", variable_length)) {
     fact("kind", "values of variable length");
@@ -134,6 +136,7 @@ void Summarizer::channelGroup() {
   count("records", block_.number("cg_cycle_count"), "records");
   count("record_bytes", block_.number("cg_data_bytes") + block_.number("cg_inval_bytes"),
         "bytes each");
+  fact("master", block_.hasFlag("cg_flags", remote_master) ? "remote master" : "");
 }
 
 void Summarizer::channel() {
@@ -184,6 +187,13 @@ void Summarizer::reduction() {
 
 void Summarizer::dataList() { count("blocks", block_.number("dl_count"), "blocks"); }
 
+void Summarizer::valueList() {
+  constexpr std::uint64_t has_invalidation_data = 1U << 31U;
+  count("blocks", block_.number("ld_count"), "blocks");
+  fact("invalidation",
+       block_.hasFlag("ld_flags", has_invalidation_data) ? "invalidation apart" : "");
+}
+
 void Summarizer::headerList() {
   fact("compression", block_.number("hl_zip_type") == 0 ? "Deflate" : "transposed, Deflate");
 }
@@ -193,7 +203,7 @@ void Summarizer::zippedData() {
   count("zipped_bytes", block_.number("dz_data_length"), "bytes stored");
 }
 
-const std::array<Summarizer::Method, 15> Summarizer::methods = {{
+const std::array<Summarizer::Method, 16> Summarizer::methods = {{
     {"HD", &Summarizer::headerBlock},
     {"FH", &Summarizer::fileHistory},
     {"CH", &Summarizer::hierarchy},
@@ -207,6 +217,7 @@ const std::array<Summarizer::Method, 15> Summarizer::methods = {{
     {"SI", &Summarizer::source},
     {"SR", &Summarizer::reduction},
     {"DL", &Summarizer::dataList},
+    {"LD", &Summarizer::valueList},
     {"HL", &Summarizer::headerList},
     {"DZ", &Summarizer::zippedData},
 }};

@@ -180,6 +180,11 @@ TailElement tailElement(const BlockFields& block, std::uint64_t index) {
     return index == 0 ? TailElement{"dl_equal_length", tail.kind}
                       : element("further value", index - 1, tail.kind);
   }
+  constexpr std::uint64_t equal_sample_count = 1;
+  if (letters == "LD" && block.hasFlag("ld_flags", equal_sample_count)) {
+    return index == 0 ? TailElement{"ld_equal_sample_count", tail.kind}
+                      : element("further value", index - 1, tail.kind);
+  }
   const std::uint64_t dimensions = block.number("ca_ndim");
   if (letters == "CA" && index >= dimensions) {
     constexpr std::uint64_t fixed_axis = 32;

@@ -59,11 +59,27 @@ AdditionalLink eventLink(const BlockFields& block, std::uint64_t index) {
   return {{"", ""}};
 }
 
+/// A list of values has as many links to invalidation data as to values, or none.
+AdditionalLink valueListLink(const BlockFields& block, std::uint64_t index) {
+  constexpr std::uint64_t has_invalidation_data = 1U << 31U;
+  const std::uint64_t count = block.number("ld_count");
+  if (index < count) {
+    return {{"ld_data", "DV DT RV RD SD DZ"}, index};
+  }
+  if (index - count < count && block.hasFlag("ld_flags", has_invalidation_data)) {
+    return {{"ld_invalidation_data", "DI RI DZ"}, index - count};
+  }
+  return {{"", ""}};
+}
+
 /// What links may stand behind a type's own ones.
 AdditionalLink additionalLink(const BlockFields& block, std::uint64_t index) {
   const std::string_view type = block.layout()->letters;
   if (type == "DL") {
-    return {{"dl_data", "DT SD RD DZ"}, index};
+    return {{"dl_data", "DT SD RD DV RV DZ"}, index};
+  }
+  if (type == "LD") {
+    return valueListLink(block, index);
   }
   if (type == "CN") {
     return channelLink(block, index);

@@ -68,7 +68,7 @@ std::vector<FieldLayout> arrayFields() {
 
 constexpr std::string_view text = "TX";
 constexpr std::string_view text_or_metadata = "TX MD";
-constexpr std::string_view record_data = "DT DZ DL HL LD";
+constexpr std::string_view record_data = "DT DV DZ DL HL LD";
 
 /// Blocks that describe the file.
 std::vector<BlockLayout> fileLayouts() {
@@ -193,9 +193,25 @@ std::vector<BlockLayout> dataLayouts() {
   };
 }
 
+/// Blocks of version 4.2, which keep values apart from what says that they are invalid.
+std::vector<BlockLayout> separateDataLayouts() {
+  return {
+      {"DV", "data values", {}, {}, {"dv_data"}},
+      {"DI", "invalidation data", {}, {}, {"di_data"}},
+      {"RV", "reduction values", {}, {}, {"rv_data"}},
+      {"RI", "reduction invalidation data", {}, {}, {"ri_data"}},
+      {"LD",
+       "list of values",
+       {{"ld_next", "LD"}},
+       {{"ld_flags", FieldKind::unsigned_number, 0, 4},
+        {"ld_count", FieldKind::unsigned_number, 4, 4}},
+       {"ld_sample_offset", FieldKind::unsigned_number, sizeof(UINT64)}},
+  };
+}
+
 std::vector<BlockLayout> allLayouts() {
   std::vector<BlockLayout> layouts = fileLayouts();
-  for (const auto& more : {channelLayouts(), dataLayouts()}) {
+  for (const auto& more : {channelLayouts(), dataLayouts(), separateDataLayouts()}) {
     layouts.insert(layouts.end(), more.begin(), more.end());
   }
   return layouts;

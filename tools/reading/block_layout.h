@@ -47,7 +47,7 @@ struct BlockLayout {
 };
 
 /// The layout of the type with these letters: those of the library's classes, and the channel array
-/// block ("CA"), which it has no class for. Null for any other.
+/// block ("CA") and the blocks of version 4.2, which it has no classes for. Null for any other.
 const BlockLayout* findLayout(std::string_view letters);
 
 /// The fields of the 64 bytes of identification, from the file's first byte on.

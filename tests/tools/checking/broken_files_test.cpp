@@ -401,6 +401,14 @@ BrokenFile mastersOverlap() {
                     speed_path + "]");
 }
 
+/// What a file comes to whose list of values has these links behind the next one, and these fields.
+std::string checkedValueList(std::vector<std::uint64_t> links, const std::string& fields) {
+  SmallFile file("MDF     ", 420);
+  links.insert(links.begin(), 0);
+  file.replaceData(file.add("LD", links, fields));
+  return checkedBytes(file.bytes());
+}
+
 const std::vector<BrokenFile (*)()> makers = {notMdf,
                                               versionWrong,
                                               versionTextWrong,
@@ -460,6 +468,22 @@ class BrokenFiles : public testing::TestWithParam<std::string> {};
 TEST_P(BrokenFiles, RaiseTheirCodeAlone) {
   const BrokenFile file = brokenFiles().at(GetParam());
   EXPECT_EQ(checkedBytes(file.bytes), file.problem + "\n");
+}
+
+TEST(BrokenFiles, ListsOfValues) {
+  const std::string path = " [HD.hd_dg_first/DG[0].dg_data/LD[0]]\n";
+  EXPECT_EQ(checkedValueList({0, 0, 0}, Bytes().u32(0x80000001U).u32(2).u64(1)),
+            "768 error links-missing: expected 4 links behind the first 1 by its counts and "
+            "flags, found 3" +
+                path);
+  EXPECT_EQ(checkedValueList({0, 0}, Bytes().u32(0).u32(2).u64(0)),
+            "768 error count-too-large: expected room for the 2 numbers of 8 bytes of ld_count, "
+            "found room for 1" +
+                path);
+  EXPECT_EQ(checkedValueList({0, SmallFile::time}, Bytes().u32(0x80000001U).u32(1).u64(1)),
+            "768 error link-wrong-type: expected ld_invalidation_data[0] to lead to DI RI DZ, "
+            "found ##CN at 336 (0x150)" +
+                path);
 }
 
 std::vector<std::string> allWords() {

@@ -100,6 +100,25 @@ TEST(HealthyFiles, TypesAndLinksOfNewerVersions) {
   expectHealthy(file);
 }
 
+TEST(HealthyFiles, InvalidationDataApartAndZipped) {
+  SmallFile file("MDF     ", 420);
+  file.setGroup({0, 2, 0, 9, 1});
+  const auto values = file.add("DZ", {}, zippedFields(18, zippedZeros(18), "DV"));
+  const auto bits = file.add("DZ", {}, zippedFields(2, zippedZeros(2), "DI"));
+  const auto last = file.add("LD", {0, values, bits}, Bytes().u32(0x80000000U).u32(1).u64(0));
+  const auto first = file.add("LD", {last, 0, 0}, Bytes().u32(0x80000001U).u32(1).u64(2));
+  file.replaceData(file.add("HL", {first}, Bytes().zeros(8)));
+  expectHealthy(file);
+}
+
+/// How many records there are does not follow from a block that has their values alone.
+TEST(HealthyFiles, ZippedValuesWithoutTheirInvalidation) {
+  SmallFile file("MDF     ", 420);
+  file.setGroup({0, 2, 0, 9, 1});
+  file.replaceData(file.add("DZ", {}, zippedFields(18, zippedZeros(18), "DV")));
+  expectHealthy(file);
+}
+
 TEST(HealthyFiles, GroupThatHasItsMasterElsewhere) {
   SmallFile file;
   const auto channel = file.add("CN", {0, 0, SmallFile::speed_name, 0, 0, 0, 0, 0},

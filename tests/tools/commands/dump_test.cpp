@@ -400,6 +400,20 @@ TEST(DumpCommand, BytesOfDataAsFarAsWanted) {
                 "  ... 13 more bytes\n");
 }
 
+TEST(DumpCommand, BytesOfAListOfValues) {
+  FileBuilder file;
+  file.add("LD", {0, 0, 0}, Bytes().u32(0x80000001U).u32(1).u64(2).u64(3));
+  const std::string list = printed(file.bytes(), {"--hex", "--at", "168"});
+  EXPECT_EQ(list.substr(list.find("  0x000000c0")),
+            "  0x000000c0  00 00 00 00 00 00 00 00  ld_next = 0\n"
+            "  0x000000c8  00 00 00 00 00 00 00 00  ld_data[0] = 0\n"
+            "  0x000000d0  00 00 00 00 00 00 00 00  ld_invalidation_data[0] = 0\n"
+            "  0x000000d8  01 00 00 80              ld_flags = 2147483649\n"
+            "  0x000000dc  01 00 00 00              ld_count = 1\n"
+            "  0x000000e0  02 00 00 00 00 00 00 00  ld_equal_sample_count = 2\n"
+            "  0x000000e8  03 00 00 00 00 00 00 00  further value[0] = 3\n");
+}
+
 TEST(DumpCommand, BytesOfAListAndOfAnUnknownType) {
   const std::string offsets = printed(healthyFile(), {"--hex", "--at", "1328"});
   EXPECT_EQ(offsets.substr(offsets.find("  0x00000558")),

@@ -202,13 +202,26 @@ TEST(LinkRole, ListsHaveAsManyAsTheirLinks) {
   FileBuilder file;
   const auto list = file.add("DL", {0, 1, 2}, Bytes().u8s({0, 0, 0, 0}).u32(2).u64(0).u64(8));
   EXPECT_EQ(rolesOf(Block(file, list), 3),
-            (Roles{"dl_dl_next -> DL", "dl_data[0] -> DT SD RD DZ", "dl_data[1] -> DT SD RD DZ"}));
+            (Roles{"dl_dl_next -> DL", "dl_data[0] -> DT SD RD DV RV DZ",
+                   "dl_data[1] -> DT SD RD DV RV DZ"}));
   const auto conversion = file.add("CC", {0, 0, 0, 0, 1}, Bytes().zeros(24));
   EXPECT_EQ(behind(4, rolesOf(Block(file, conversion), 5)), (Roles{"cc_ref[0] -> TX MD CC"}));
   const auto hierarchy = file.add("CH", {0, 0, 0, 0, 1, 2, 3, 4}, Bytes().zeros(8));
   EXPECT_EQ(behind(4, rolesOf(Block(file, hierarchy), 8)),
             (Roles{"ch_element[0].dg -> DG", "ch_element[0].cg -> CG", "ch_element[0].cn -> CN",
                    "ch_element[1].dg -> DG"}));
+}
+
+TEST(LinkRole, ListsOfValuesMayHaveLinksToInvalidationData) {
+  FileBuilder file;
+  const auto values = file.add("LD", {0, 1, 2, 3, 4}, Bytes().u32(1).u32(2).u64(8));
+  const Roles data = {"ld_data[0] -> DV DT RV RD SD DZ", "ld_data[1] -> DV DT RV RD SD DZ"};
+  EXPECT_EQ(behind(1, rolesOf(Block(file, values), 5)),
+            (Roles{data[0], data[1], "link 3 -> ", "link 4 -> "}));
+  const auto both = file.add("LD", {0, 1, 2, 3, 4, 5}, Bytes().u32(0x80000001U).u32(2).u64(8));
+  EXPECT_EQ(behind(1, rolesOf(Block(file, both), 6)),
+            (Roles{data[0], data[1], "ld_invalidation_data[0] -> DI RI DZ",
+                   "ld_invalidation_data[1] -> DI RI DZ", "link 5 -> "}));
 }
 
 TEST(LinkRole, NewerLinksBehindTheKnownOnes) {

@@ -158,7 +158,7 @@ TEST(BlockLayout, DataGroup) {
             "data group\n"
             "dg_dg_next -> DG\n"
             "dg_cg_first -> CG\n"
-            "dg_data -> DT DZ DL HL LD\n"
+            "dg_data -> DT DV DZ DL HL LD\n"
             "dg_md_comment -> TX MD\n"
             "0 dg_rec_id_size unsigned 1\n"
             "1 dg_reserved reserved 7\n");
@@ -289,6 +289,19 @@ TEST(BlockLayout, DataBlocks) {
             "16 sr_sync_type unsigned 1\n"
             "17 sr_flags unsigned 1\n"
             "18 sr_reserved reserved 6\n");
+}
+
+TEST(BlockLayout, ValuesApartFromTheirInvalidation) {
+  EXPECT_EQ(shownLayout("DV"), "data values\ntail dv_data bytes 1\n");
+  EXPECT_EQ(shownLayout("DI"), "invalidation data\ntail di_data bytes 1\n");
+  EXPECT_EQ(shownLayout("RV"), "reduction values\ntail rv_data bytes 1\n");
+  EXPECT_EQ(shownLayout("RI"), "reduction invalidation data\ntail ri_data bytes 1\n");
+  EXPECT_EQ(shownLayout("LD"),
+            "list of values\n"
+            "ld_next -> LD\n"
+            "0 ld_flags unsigned 4\n"
+            "4 ld_count unsigned 4\n"
+            "tail ld_sample_offset unsigned 8\n");
 }
 
 TEST(BlockLayout, OtherTypesHaveNone) {
