@@ -9,6 +9,7 @@
 namespace mdf_tools {
 
 using mdf_v4_10::detail::Decoder;
+using mdf_v4_10::detail::loadLe;
 
 namespace {
 
@@ -71,6 +72,15 @@ std::uint64_t linksThere(const InputFile& file, const RawBlock& block) {
   return bytes < RawBlock::header_size
              ? 0
              : std::min(block.linkCount(), (bytes - RawBlock::header_size) / RawBlock::link_size);
+}
+
+std::uint64_t linkAt(InputFile& file, const RawBlock& block, std::uint64_t index) {
+  std::array<char, RawBlock::link_size> bytes{};
+  if (index < linksThere(file, block)) {
+    file.readAt(block.offset + RawBlock::header_size + index * RawBlock::link_size, bytes.data(),
+                bytes.size());
+  }
+  return loadLe<std::uint64_t>(bytes.data());
 }
 
 void forEachLink(InputFile& file, const RawBlock& block, const LinkVisitor& visit) {

@@ -46,6 +46,9 @@ bool isWhole(const InputFile& file, const RawBlock& block);
 /// How many links can be read: as far as the block's length and the file reach.
 std::uint64_t linksThere(const InputFile& file, const RawBlock& block);
 
+/// The link at an index; 0 when it is not there.
+std::uint64_t linkAt(InputFile& file, const RawBlock& block, std::uint64_t index);
+
 using LinkVisitor = std::function<void(std::uint64_t index, std::int64_t link)>;
 
 /// Visits the links that are there, in order. They are read piece by piece; the visitor may read

@@ -99,6 +99,14 @@ bool isDataBlock(const RawBlock& block) { return isOneOf(block, "DT SD RD DV DI 
 
 bool isDataList(const RawBlock& block) { return isOneOf(block, "DL LD"); }
 
+std::string originalType(InputFile& file, const RawBlock& block) {
+  if (!isDataBlock(block)) {
+    return "";
+  }
+  return block.letters() == "DZ" ? std::string(BlockFields(file, block).bytes("dz_org_block_type"))
+                                 : std::string(block.letters());
+}
+
 DataBlock findData(InputFile& file, const RawBlock& block, bool is_unfinished) {
   DataBlock found;
   if (block.letters() == "DZ") {

@@ -27,6 +27,9 @@ bool isDataBlock(const RawBlock& block);
 /// Whether a block's type is a list of data blocks.
 bool isDataList(const RawBlock& block);
 
+/// The type of a block's data: of a zipped block the one that it stands for; "" for no data block.
+std::string originalType(InputFile& file, const RawBlock& block);
+
 /// Finds a block's data.
 /// @param is_unfinished the block may be the last one of a file that was not finished: it says that
 ///   it is empty then, and has data up to the file's end. An empty block with another block behind

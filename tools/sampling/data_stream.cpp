@@ -1,117 +1,41 @@
 #include "data_stream.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <utility>
 
-#include "framework/wire.h"
 #include "reading/input_file.h"
 
 namespace mdf_tools {
-
-using mdf_v4_10::detail::loadLe;
 
 namespace {
 
 constexpr std::size_t most_read_ahead = std::size_t{1} << 18U;
 constexpr std::size_t least_read_ahead = std::size_t{1} << 13U;
 
-bool isHeaderList(const RawBlock& block) { return block.hasId() && block.letters() == "HL"; }
-
 }  // namespace
 
 DataStream::DataStream(InputFile& file, std::uint64_t link, bool is_unfinished, Access access,
                        const FindingSink& report)
-    : file_(file), report_(report), is_unfinished_(is_unfinished), access_(access) {
-  if (link != 0) {
-    enter(link);
+    : file_(file),
+      report_(report),
+      is_unfinished_(is_unfinished),
+      access_(access),
+      links_(file, link, report) {
+  if (!links_.isInLists()) {
+    extend();
   }
-}
-
-/// Takes in the block at the end of the link to the data: data, a list, or the header of lists.
-void DataStream::enter(std::uint64_t link) {
-  auto block = readRawBlock(file_, link);
-  if (block && isHeaderList(*block)) {
-    const std::uint64_t first = linkAt(*block, 0);
-    if (first == 0) {
-      return;
-    }
-    block = readRawBlock(file_, first);
-    if (block && !isDataList(*block)) {
-      block.reset();
-    }
-  }
-  if (block && isDataList(*block)) {
-    enterList(*block);
-  } else if (block && isDataBlock(*block)) {
-    append(*block);
-  } else {
-    endAt(0, std::min(link, file_.size()), "expected a block with data, found none");
-  }
-}
-
-void DataStream::enterList(const RawBlock& block) {
-  if (lists_.contains(block.offset)) {
-    endAt(size_, block.offset, "expected a chain of lists with an end, found this one again");
-    return;
-  }
-  lists_.insert(block.offset);
-  list_ = block;
-  next_link_ = 1;
-  list_links_ = linksThere(file_, block);
-  if (block.letters() == "LD") {
-    // Links to data come first, and there may be as many to invalidation data behind them.
-    const std::uint64_t fields =
-        block.offset + RawBlock::header_size + list_links_ * RawBlock::link_size;
-    std::array<char, 8> bytes{};
-    file_.readAt(fields, bytes.data(), bytes.size());
-    const std::uint64_t count = loadLe<std::uint32_t>(bytes.data() + 4);
-    list_links_ = std::min(list_links_, 1 + count);
-  }
-}
-
-std::uint64_t DataStream::linkAt(const RawBlock& block, std::uint64_t index) {
-  std::array<char, RawBlock::link_size> bytes{};
-  if (index < linksThere(file_, block)) {
-    file_.readAt(block.offset + RawBlock::header_size + index * RawBlock::link_size, bytes.data(),
-                 bytes.size());
-  }
-  return loadLe<std::uint64_t>(bytes.data());
-}
-
-/// The next link to data in the lists; 0 at their end. Lists that were made in advance have links
-/// in them that lead nowhere.
-std::uint64_t DataStream::nextLink() {
-  while (list_) {
-    while (next_link_ < list_links_) {
-      const std::uint64_t link = linkAt(*list_, next_link_++);
-      if (link != 0) {
-        return link;
-      }
-    }
-    const RawBlock list = *list_;
-    const std::uint64_t next = linkAt(list, 0);
-    list_.reset();
-    const auto block = next == 0 ? std::nullopt : readRawBlock(file_, next);
-    if (block && isDataList(*block)) {
-      enterList(*block);
-    } else if (next != 0) {
-      endAt(size_, list.offset, "expected a list at " + decimalAndHex(next) + ", found none");
-    }
-  }
-  return 0;
 }
 
 /// Looks for one more block; false at the end of all.
 bool DataStream::extend() {
-  const std::uint64_t link = nextLink();
-  if (link == 0) {
+  const auto part = links_.next();
+  if (!part) {
     return false;
   }
-  const auto block = readRawBlock(file_, link);
+  const auto block = readRawBlock(file_, part->data);
   if (!block || !isDataBlock(*block)) {
-    endAt(size_, list_->offset, "expected data at " + decimalAndHex(link) + ", found none");
+    endAt(size_, part->list, "expected data at " + decimalAndHex(part->data) + ", found none");
     return false;
   }
   append(*block);
@@ -137,7 +61,7 @@ void DataStream::append(const RawBlock& block) {
 /// Reports why the stream has no more bytes than up to here.
 void DataStream::endAt(std::uint64_t end, std::uint64_t offset, const std::string& sentence) {
   report_({offset, sentence});
-  list_.reset();
+  links_.stop();
   size_ = end;
   while (!pieces_.empty() && pieces_.back().begin >= end) {
     pieces_.pop_back();

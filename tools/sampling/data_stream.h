@@ -3,14 +3,13 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "data_block.h"
+#include "data_links.h"
 #include "reading/finding.h"
-#include "reading/offset_set.h"
 #include "reading/raw_block.h"
 
 namespace mdf_tools {
@@ -59,10 +58,6 @@ class DataStream {
     std::uint64_t block;  ///< offset in the file
   };
 
-  void enter(std::uint64_t link);
-  void enterList(const RawBlock& block);
-  std::uint64_t linkAt(const RawBlock& block, std::uint64_t index);
-  std::uint64_t nextLink();
   bool extend();
   void append(const RawBlock& block);
   std::uint64_t endOf(std::size_t piece) const;
@@ -81,13 +76,10 @@ class DataStream {
   bool is_unfinished_;
   Access access_;
 
+  DataLinks links_;
   std::vector<Piece> pieces_;
   std::uint64_t size_ = 0;    ///< of the pieces together
   std::uint64_t stored_ = 0;  ///< bytes of the file that they take
-  std::optional<RawBlock> list_;
-  std::uint64_t list_links_ = 0;
-  std::uint64_t next_link_ = 0;
-  OffsetSet lists_;
 
   std::string_view window_;
   std::uint64_t window_begin_ = 0;

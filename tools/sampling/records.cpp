@@ -6,7 +6,6 @@
 #include <string>
 
 #include "framework/wire.h"
-#include "reading/block_fields.h"
 #include "reading/input_file.h"
 
 namespace mdf_tools {
@@ -41,40 +40,12 @@ class SignalData : public SignalValues {
   DataStream data_;
 };
 
-/// The first link of a block from an index on that leads somewhere; 0 for none.
-std::uint64_t firstLink(InputFile& file, const RawBlock& block, std::uint64_t from) {
-  std::uint64_t first = 0;
-  forEachLink(file, block, [&](std::uint64_t index, std::int64_t link) {
-    if (index >= from && first == 0) {
-      first = static_cast<std::uint64_t>(link);
-    }
-  });
-  return first;
-}
-
-/// The type of the first block with data behind a link, of a zipped one the type that it is zipped
-/// from; "" for none.
+/// The type of the first block with data behind a link; "" for none.
 std::string firstTypeAt(InputFile& file, std::uint64_t link) {
-  auto block = readRawBlock(file, link);
-  if (block && block->hasId() && block->letters() == "HL") {
-    block = readRawBlock(file, firstLink(file, *block, 0));
-  }
-  if (block && isDataList(*block)) {
-    block = readRawBlock(file, firstLink(file, *block, 1));
-  }
-  if (!block || !isDataBlock(*block)) {
-    return "";
-  }
-  return block->letters() == "DZ"
-             ? std::string(BlockFields(file, *block).bytes("dz_org_block_type"))
-             : std::string(block->letters());
-}
-
-/// Bytes of a record without its record id. Since version 4.2 there is data without invalidation
-/// bytes, which stand in blocks of their own then and are not looked at.
-std::uint64_t storedRecordBytes(InputFile& file, std::uint64_t data, const ChannelGroup& group) {
-  const bool has_all = group.invalidation_bytes == 0 || firstTypeAt(file, data) != "DV";
-  return has_all ? group.recordBytes() : group.data_bytes;
+  const FindingSink silent = [](const Finding& /*finding*/) {};
+  const auto first = DataLinks(file, link, silent).next();
+  const auto block = first ? readRawBlock(file, first->data) : std::nullopt;
+  return block ? originalType(file, *block) : "";
 }
 
 /// Whether the counts of a file's channel groups say how many records there are.
@@ -169,8 +140,6 @@ void Records::forEach(const ChannelGroup& group, const RecordVisitor& visit) {
                "expected record ids to tell the records of several channel groups "
                "apart, found none"});
     }
-  } else if (format_.idBytes() + group.recordBytes() == 0) {
-    visitCounted(group, visit);
   } else {
     visitSorted(group, visit);
   }
@@ -187,34 +156,47 @@ bool Records::ownsAllRecords(const ChannelGroup& group) const {
                           : std::none_of(groups.begin(), groups.end(), is_another);
 }
 
-/// Records without a byte: what says how many there are is the count alone.
-void Records::visitCounted(const ChannelGroup& group, const RecordVisitor& visit) {
+/// How many records there may be, whatever the data holds. Of those without a byte the count alone
+/// says how many there are.
+std::uint64_t Records::mostRecords(const ChannelGroup& group, std::uint64_t size) {
   constexpr std::uint64_t believable = std::uint64_t{1} << 20U;
+  const bool is_counted = hasFinalCount(group) && group.cycles > 0;
   const std::uint64_t most = std::max(believable, file_.size());
+  if (size > 0) {
+    return is_counted ? group.cycles : std::numeric_limits<std::uint64_t>::max();
+  }
   if (group.cycles > most) {
     report_({group.offset, "expected at most " + std::to_string(most) +
                                " records without a byte of data, found a count of " +
                                std::to_string(group.cycles)});
   }
-  for (std::uint64_t i = 0; i < std::min(group.cycles, most) && visit({}); ++i) {
+  return std::min(group.cycles, most);
+}
+
+SortedRecords Records::sortedRecords(const ChannelGroup& group) {
+  // Since version 4.2 there is data without invalidation bytes.
+  const bool is_apart =
+      group.invalidation_bytes > 0 && firstTypeAt(file_, data_group_.data) == "DV";
+  const std::uint64_t size =
+      format_.idBytes() + (is_apart ? group.data_bytes : group.recordBytes());
+  SortedRecords records(data_, mostRecords(group, size), size, format_.idBytes());
+  if (is_apart && group.data_bytes > 0) {
+    records.join(std::make_unique<InvalidationData>(file_, data_group_.data, group,
+                                                    identification_.isUnfinished(), report_));
   }
+  return records;
 }
 
 void Records::visitSorted(const ChannelGroup& group, const RecordVisitor& visit) {
-  const std::uint64_t size = format_.idBytes() + storedRecordBytes(file_, data_group_.data, group);
-  const bool is_counted = hasFinalCount(group) && group.cycles > 0;
-  const std::uint64_t most = is_counted ? group.cycles : std::numeric_limits<std::uint64_t>::max();
+  SortedRecords records = sortedRecords(group);
   std::uint64_t count = 0;
-  for (std::uint64_t position = 0; count < most; position += size, ++count) {
-    const std::string_view record = data_.at(position, hostSize(size));
-    if (record.size() < size) {
-      compareCount(group, count, true);
+  for (auto record = records.at(0); record; record = records.at(count)) {
+    if (!visit(*record)) {
       return;
     }
-    if (!visit(record.substr(format_.idBytes()))) {
-      return;
-    }
+    ++count;
   }
+  compareCount(group, count, count < records.most());
 }
 
 void Records::visitUnsorted(const ChannelGroup& group, const RecordVisitor& visit) {

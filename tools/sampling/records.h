@@ -12,6 +12,7 @@
 
 #include "data_stream.h"
 #include "record_format.h"
+#include "sorted_records.h"
 
 namespace mdf_tools {
 
@@ -50,6 +51,13 @@ class Records {
   /// or, where that is not final, as the data holds.
   void forEach(const ChannelGroup& group, const RecordVisitor& visit);
 
+  /// Whether all records are of this group, side by side, so that one can be had by its number.
+  bool areSorted(const ChannelGroup& group) const { return !isUnsorted() && ownsAllRecords(group); }
+
+  /// Those of such a group. They use what this object reads of the data: it must outlast them, and
+  /// there is one group to be gone through at a time.
+  SortedRecords sortedRecords(const ChannelGroup& group);
+
   /// Bytes of the file that the data takes, as far as it was looked at.
   std::uint64_t storedBytes() const { return data_.storedBytes(); }
 
@@ -73,7 +81,7 @@ class Records {
   bool isUnsorted() const;
   bool ownsAllRecords(const ChannelGroup& group) const;
   bool hasFinalCount(const ChannelGroup& group) const;
-  void visitCounted(const ChannelGroup& group, const RecordVisitor& visit);
+  std::uint64_t mostRecords(const ChannelGroup& group, std::uint64_t size);
   void visitSorted(const ChannelGroup& group, const RecordVisitor& visit);
   void visitUnsorted(const ChannelGroup& group, const RecordVisitor& visit);
   void visitCollected(const ChannelGroup& group, std::uint64_t count, const RecordVisitor& visit);

@@ -65,7 +65,11 @@ void SampleFile::chain(const std::vector<std::uint64_t>& blocks) {
 std::uint64_t SampleFile::group(const GroupFields& fields,
                                 const std::vector<std::uint64_t>& channels) {
   chain(channels);
-  return add("CG", {0, channels.empty() ? 0 : channels[0], 0, 0, 0, 0},
+  std::vector<std::uint64_t> links = {0, channels.empty() ? 0 : channels[0], 0, 0, 0, 0};
+  if (fields.master != 0) {
+    links.push_back(fields.master);
+  }
+  return add("CG", links,
              Bytes()
                  .u64(fields.record_id)
                  .u64(fields.cycles)
@@ -161,6 +165,12 @@ std::string healthyCsvOf(const std::string& bytes, const mdf_tools::Selection& s
   const Exported exported = csvOf(bytes, selection);
   EXPECT_EQ(exported.findings, std::vector<std::string>());
   return exported.text;
+}
+
+void expectFinding(const Exported& exported, const std::string& text, const std::string& words) {
+  EXPECT_EQ(exported.text, text);
+  ASSERT_EQ(exported.findings.size(), 1U);
+  EXPECT_NE(exported.findings[0].find(words), std::string::npos) << exported.findings[0];
 }
 
 }  // namespace mdf_tests

@@ -41,6 +41,7 @@ struct GroupFields {
   std::uint32_t invalidation_bytes = 0;
   std::uint64_t record_id = 0;
   unsigned flags = 0;
+  std::uint64_t master = 0;  ///< the group with its master
 };
 
 /// A file with samples, put together by hand.
@@ -95,6 +96,9 @@ Exported jsonOf(const std::string& bytes, const mdf_tools::Selection& selection 
 
 /// The CSV of a file that has nothing wrong with it.
 std::string healthyCsvOf(const std::string& bytes, const mdf_tools::Selection& selection = {});
+
+/// Expects a text, and one finding with words in it.
+void expectFinding(const Exported& exported, const std::string& text, const std::string& words);
 
 }  // namespace mdf_tests
 
