@@ -27,7 +27,8 @@ namespace {
 constexpr const char* footer =
     R"TXT(The samples of each channel group are a table: a column for each channel with its name and unit,
 the master channel (mostly time, in seconds since the recording began) in front, and a row for each
-record. Numbers have as many digits as it takes to read the same number back. Invalid samples are
+record. A master channel that a group has in another one (MDF 4.2) stands in front all the same.
+Numbers have as many digits as it takes to read the same number back. Invalid samples are
 empty fields (null in jsonl), bytes are written as hexadecimal digits, dates as 2024-05-17T13:45:12.345.
 
 csv    a line "name [unit],..." and a line for each sample, quoted as in RFC 4180. Several tables

@@ -145,6 +145,10 @@ ChannelGroup DescriptionReader::channelGroup(const BlockFields& block) {
   group.flags = static_cast<unsigned>(block.number("cg_flags"));
   group.data_bytes = static_cast<std::uint32_t>(block.number("cg_data_bytes"));
   group.invalidation_bytes = static_cast<std::uint32_t>(block.number("cg_inval_bytes"));
+  if (group.hasRemoteMaster()) {
+    constexpr std::uint64_t behind_own_links = 6;
+    group.master_group = linkAt(file_, block.raw(), behind_own_links);
+  }
   readChannels(block.link(1), group);
   return group;
 }

@@ -132,6 +132,7 @@ struct ChannelGroup {
     is_variable_length = 1,  ///< its records are the values of a variable-length channel
     is_bus_event = 2,
     is_plain_bus_event = 4,
+    has_remote_master = 8,  ///< its master is that of another group, since version 4.2
   };
 
   std::uint64_t offset = 0;
@@ -145,9 +146,12 @@ struct ChannelGroup {
   std::uint32_t data_bytes = 0;  ///< of a record; for variable-length data see lengthOfAll()
   std::uint32_t invalidation_bytes = 0;  ///< of a record, behind the data bytes
   std::uint64_t first_reduction = 0;
-  std::vector<Channel> channels;  ///< each followed by its members; none if they are not kept
+  std::uint64_t master_group = 0;  ///< offset of the group with the remote master
+  std::vector<Channel> channels;   ///< each followed by its members; none if they are not kept
 
   bool holdsVariableLength() const { return (flags & is_variable_length) != 0; }
+
+  bool hasRemoteMaster() const { return (flags & has_remote_master) != 0; }
 
   /// Bytes of a record without its record id.
   std::uint64_t recordBytes() const { return std::uint64_t{data_bytes} + invalidation_bytes; }

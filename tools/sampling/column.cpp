@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "conversion.h"
+#include "remote_master.h"
 #include "text_encoding.h"
 
 namespace mdf_tools {
@@ -46,6 +47,9 @@ Column::Column(std::string name, ColumnSource source, const FindingSink& report)
   }
 }
 
+Column::Column(Column&& other) noexcept = default;
+Column::~Column() = default;
+
 /// Reports the first problem of the column: it may be there for each sample.
 void Column::tell(const std::string& sentence) {
   if (!has_told_) {
@@ -85,6 +89,15 @@ std::string_view Column::stored(const Sample& sample) const {
 }
 
 Value Column::raw(const Sample& sample) {
+  if (source_.elsewhere == nullptr) {
+    return own(sample);
+  }
+  const auto record = source_.elsewhere->at(sample.number);
+  return record ? own({*record, sample.number}) : Value();
+}
+
+/// The value in the records of the column's own group.
+Value Column::own(const Sample& sample) {
   if (!isValid(sample)) {
     return {};
   }

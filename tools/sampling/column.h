@@ -15,6 +15,7 @@
 namespace mdf_tools {
 
 class Conversion;
+class MasterRecords;
 
 /// A record and its number among those of its channel group, from 0 on.
 struct Sample {
@@ -26,17 +27,20 @@ struct Sample {
 struct ColumnSource {
   const ChannelGroup* group = nullptr;
   const Channel* channel = nullptr;
-  std::int64_t byte_shift = 0;              ///< of an array's element
-  std::uint64_t invalidation_shift = 0;     ///< bits
-  const Channel* length_channel = nullptr;  ///< what says how long each value is, or null
-  std::unique_ptr<SignalValues> values;     ///< where values of variable length are, or null
-  Conversion* conversion = nullptr;         ///< null to keep raw values
+  std::int64_t byte_shift = 0;               ///< of an array's element
+  std::uint64_t invalidation_shift = 0;      ///< bits
+  const Channel* length_channel = nullptr;   ///< what says how long each value is, or null
+  std::unique_ptr<SignalValues> values;      ///< where values of variable length are, or null
+  std::unique_ptr<MasterRecords> elsewhere;  ///< records in place of the samples' own, or null
+  Conversion* conversion = nullptr;          ///< null to keep raw values
 };
 
 /// A column of a table.
 class Column {
  public:
   Column(std::string name, ColumnSource source, const FindingSink& report);
+  Column(Column&& other) noexcept;
+  ~Column();
 
   /// Its channel's name, which no other column of the table has.
   const std::string& name() const { return name_; }
@@ -49,6 +53,7 @@ class Column {
   Value raw(const Sample& sample);
 
  private:
+  Value own(const Sample& sample);
   bool isValid(const Sample& sample) const;
   std::string_view stored(const Sample& sample) const;
   Value variable(const Sample& sample);

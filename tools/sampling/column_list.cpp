@@ -47,7 +47,10 @@ class Names {
 /// Adds the columns of one channel group.
 class Planner {
  public:
-  Planner(const ChannelGroup& group, const FindingSink& report) : group_(group), report_(report) {}
+  Planner(const ChannelGroup& group, const FindingSink& report, const std::string& taken)
+      : group_(group), report_(report) {
+    names_.unique(taken);
+  }
 
   std::vector<ColumnPlan> plan();
 
@@ -161,8 +164,9 @@ void Planner::add(ColumnPlan plan, const std::string& name) {
 
 }  // namespace
 
-std::vector<ColumnPlan> columnsOf(const ChannelGroup& group, const FindingSink& report) {
-  return Planner(group, report).plan();
+std::vector<ColumnPlan> columnsOf(const ChannelGroup& group, const FindingSink& report,
+                                  const std::string& taken) {
+  return Planner(group, report, taken).plan();
 }
 
 }  // namespace mdf_tools

@@ -24,7 +24,9 @@ struct ColumnPlan {
 /// of an array "name[0][1]", and the second channel of a name "name (2)".
 ///
 /// Columns are limited by what a record can hold, which is reported when it is too little.
-std::vector<ColumnPlan> columnsOf(const ChannelGroup& group, const FindingSink& report);
+/// @param taken a name that none of them may have.
+std::vector<ColumnPlan> columnsOf(const ChannelGroup& group, const FindingSink& report,
+                                  const std::string& taken = "");
 
 }  // namespace mdf_tools
 

@@ -10,6 +10,7 @@
 #include "column_list.h"
 #include "reading/input_file.h"
 #include "reading/raw_block.h"
+#include "remote_master.h"
 
 namespace mdf_tools {
 
@@ -36,7 +37,8 @@ class Tables {
         report_(report),
         note_(note),
         measurement_(readMeasurement(file, report)),
-        conversions_(file, report) {}
+        conversions_(file, report),
+        remote_masters_(file, measurement_, report) {}
 
   std::size_t visit();
 
@@ -44,7 +46,9 @@ class Tables {
   bool haveDataOfTheirOwn(const DataGroup& data_group);
   bool isWanted(const ChannelGroup& group) const;
   void visitGroup(const DataGroup& data_group, const ChannelGroup& group);
-  std::vector<ColumnPlan> plansOf(const ChannelGroup& group) const;
+  std::vector<ColumnPlan> plansOf(const ChannelGroup& group, const RemoteMaster* remote) const;
+  std::vector<Column> columnsFor(const ChannelGroup& group, const std::vector<ColumnPlan>& plans,
+                                 const RemoteMaster* remote);
   ColumnSource sourceOf(const ChannelGroup& group, const ColumnPlan& plan);
   std::unique_ptr<SignalValues> valuesOf(const Channel& channel);
   bool isInRange(Table& table, const Sample& sample) const;
@@ -58,6 +62,7 @@ class Tables {
   const NoteSink& note_;
   Measurement measurement_;
   Conversions conversions_;
+  RemoteMasters remote_masters_;
   std::unique_ptr<Records> records_;  ///< of the data group that is being visited
   std::unordered_map<std::uint64_t, const ChannelGroup*> groups_;  ///< of it, by their offsets
   std::unordered_map<std::uint64_t, const Channel*> channels_;     ///< of one group, the same
@@ -104,10 +109,13 @@ bool Tables::isWanted(const ChannelGroup& group) const {
   return !group.holdsVariableLength() && selection_.group.value_or(group.index) == group.index;
 }
 
-/// The columns that are wanted, the master channel's in front of them; none when no channel is.
-std::vector<ColumnPlan> Tables::plansOf(const ChannelGroup& group) const {
+/// The columns of a group that are wanted, its own master channel's in front of them; none when no
+/// channel is.
+std::vector<ColumnPlan> Tables::plansOf(const ChannelGroup& group,
+                                        const RemoteMaster* remote) const {
   const Channel* master = group.masterChannel();
-  std::vector<ColumnPlan> plans = columnsOf(group, report_);
+  std::vector<ColumnPlan> plans =
+      columnsOf(group, report_, remote == nullptr ? "" : remote->plan.name);
   std::stable_partition(plans.begin(), plans.end(),
                         [&](const ColumnPlan& plan) { return plan.channel == master; });
   const auto is_wanted = [&](const ColumnPlan& plan) {
@@ -124,11 +132,12 @@ std::vector<ColumnPlan> Tables::plansOf(const ChannelGroup& group) const {
 }
 
 void Tables::visitGroup(const DataGroup& data_group, const ChannelGroup& group) {
-  const std::vector<ColumnPlan> plans = plansOf(group);
+  const RemoteMaster* remote = remote_masters_.of(group);
+  const std::vector<ColumnPlan> plans = plansOf(group, remote);
   if (plans.empty()) {
     return;
   }
-  const bool has_master = plans.front().channel == group.masterChannel();
+  const bool has_master = remote != nullptr || plans.front().channel == group.masterChannel();
   if (hasRange() && !has_master) {
     note_("channel group " + std::to_string(group.index) +
           " is left out: it has no master channel to compare with --from and --to");
@@ -137,16 +146,7 @@ void Tables::visitGroup(const DataGroup& data_group, const ChannelGroup& group) 
   if (!records_) {
     records_ = std::make_unique<Records>(file_, measurement_.identification, data_group, report_);
   }
-  channels_.clear();
-  for (const Channel& channel : group.channels) {
-    channels_.emplace(channel.offset, &channel);
-  }
-  std::vector<Column> columns;
-  columns.reserve(plans.size());
-  for (const ColumnPlan& plan : plans) {
-    columns.emplace_back(plan.name, sourceOf(group, plan), report_);
-  }
-  Table table(group, std::move(columns), has_master);
+  Table table(group, columnsFor(group, plans, remote), has_master);
   ++count_;
   visitor_.begin(table);
   std::uint64_t number = 0;
@@ -155,6 +155,26 @@ void Tables::visitGroup(const DataGroup& data_group, const ChannelGroup& group) 
     return !isInRange(table, sample) || visitor_.sample(table, sample);
   });
   visitor_.end();
+}
+
+std::vector<Column> Tables::columnsFor(const ChannelGroup& group,
+                                       const std::vector<ColumnPlan>& plans,
+                                       const RemoteMaster* remote) {
+  channels_.clear();
+  for (const Channel& channel : group.channels) {
+    channels_.emplace(channel.offset, &channel);
+  }
+  std::vector<Column> columns;
+  columns.reserve(plans.size() + 1);
+  if (remote != nullptr) {
+    ColumnSource master = sourceOf(*remote->group, remote->plan);
+    master.elsewhere = remote_masters_.recordsFor(group, *remote);
+    columns.emplace_back(remote->plan.name, std::move(master), report_);
+  }
+  for (const ColumnPlan& plan : plans) {
+    columns.emplace_back(plan.name, sourceOf(group, plan), report_);
+  }
+  return columns;
 }
 
 ColumnSource Tables::sourceOf(const ChannelGroup& group, const ColumnPlan& plan) {

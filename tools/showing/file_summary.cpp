@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <unordered_map>
 
 #include "framework/wire.h"
 #include "reading/block_fields.h"
@@ -63,6 +64,15 @@ struct GroupChannels {
   bool areOverTime() const { return master && master->sync_type == 1; }
 };
 
+using ChannelsOfGroups = std::unordered_map<std::uint64_t, GroupChannels>;  // by their offsets
+
+/// The channels among which a group has its master: its own, or those of another group.
+const GroupChannels& groupWithMaster(const ChannelGroup& group, ChannelsOfGroups& channels) {
+  const GroupChannels& own = channels[group.offset];
+  const auto remote = group.hasRemoteMaster() ? channels.find(group.master_group) : channels.end();
+  return own.master || remote == channels.end() ? own : remote->second;
+}
+
 void addExtent(InputFile& file, GroupSummary& summary, const Channel& master) {
   summary.master_unit = master.unit;
   const auto extent = rawExtent(file, *summary.group, master);
@@ -77,17 +87,13 @@ void addExtent(InputFile& file, GroupSummary& summary, const Channel& master) {
 }
 
 GroupSummary summariseGroup(InputFile& file, const DataGroup& data_group, const ChannelGroup& group,
-                            const GroupChannels& channels, Texts& texts) {
-  GroupSummary summary{&data_group, &group, std::string(group.name), {}, {},
-                       {},          {},     channels.count};
+                            Texts& texts) {
+  GroupSummary summary{&data_group, &group, std::string(group.name), {}, {}, {}, {}, 0};
   const Source source = readSource(file, group.source, texts);
   summary.source = source.name;
   if (!source.path.empty() && source.path != source.name) {
     summary.source += summary.source.empty() ? "" : " ";
     summary.source += source.path;
-  }
-  if (channels.master && group.cycles > 0) {
-    addExtent(file, summary, *channels.master);
   }
   return summary;
 }
@@ -125,20 +131,23 @@ FileSummary summarise(InputFile& file, const FindingSink& report) {
   FileSummary summary;
   countBlocks(file, summary, report);
   const FindingSink known = [](const Finding&) {};
-  std::map<std::size_t, GroupChannels> channels;  // by the group's index
+  ChannelsOfGroups channels;
   summary.measurement = readMeasurement(file, summary.blocks.empty() ? known : report,
                                         [&](const ChannelGroup& group, const Channel& channel) {
-                                          channels[group.index].add(channel);
+                                          channels[group.offset].add(channel);
                                         });
   const Header& header = summary.measurement.header;
   for (const DataGroup& data_group : summary.measurement.data_groups) {
     for (const ChannelGroup& group : data_group.groups) {
-      const GroupChannels& its_channels = channels[group.index];
-      summary.groups.push_back(
-          summariseGroup(file, data_group, group, its_channels, *summary.measurement.texts));
-      const GroupSummary& added = summary.groups.back();
+      summary.groups.push_back(summariseGroup(file, data_group, group, *summary.measurement.texts));
+      GroupSummary& added = summary.groups.back();
+      added.channel_count = channels[group.offset].count;
       summary.channel_count += added.channel_count;
-      if (its_channels.areOverTime() && added.extent &&
+      const GroupChannels& with_master = groupWithMaster(group, channels);
+      if (with_master.master && group.cycles > 0) {
+        addExtent(file, added, *with_master.master);
+      }
+      if (with_master.areOverTime() && added.extent &&
           *added.extent >= summary.duration.value_or(0)) {
         summary.duration = added.extent;
       }

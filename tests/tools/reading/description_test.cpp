@@ -247,6 +247,28 @@ TEST(Description, ChannelsCanBeVisitedInsteadOfKept) {
   EXPECT_TRUE(measurement.data_groups.at(0).groups.at(0).channels.empty());
 }
 
+TEST(Description, RemoteMasters) {
+  FileBuilder builder;
+  GroupSpec spec;
+  spec.flags = 8;
+  spec.master = 4711;
+  addGroup(builder, spec, {}, 0);
+  const Described described(builder);
+  EXPECT_EQ(described.findings, "");
+  EXPECT_TRUE(described.group().hasRemoteMaster());
+  EXPECT_EQ(described.group().master_group, 4711U);
+}
+
+TEST(Description, LinksToAMasterMeanNothingWithoutTheFlag) {
+  FileBuilder builder;
+  GroupSpec spec;
+  spec.master = 4711;
+  addGroup(builder, spec, {}, 0);
+  const Described described(builder);
+  EXPECT_FALSE(described.group().hasRemoteMaster());
+  EXPECT_EQ(described.group().master_group, 0U);
+}
+
 TEST(Description, Arrays) {
   FileBuilder builder;
   const auto array = builder.add(

@@ -98,6 +98,23 @@ std::uint64_t addOffsetList(FileBuilder& file, const std::vector<std::uint64_t>&
   return addList(file, blocks, 0, offsets);
 }
 
+std::uint64_t addValueList(FileBuilder& file, const ValueListSpec& spec) {
+  const std::uint32_t invalidation_flag = spec.invalidation.empty() ? 0 : 0x80000000U;
+  std::vector<std::uint64_t> links = {0};
+  links.insert(links.end(), spec.data.begin(), spec.data.end());
+  links.insert(links.end(), spec.invalidation.begin(), spec.invalidation.end());
+  Bytes contents;
+  contents.u32(invalidation_flag | (spec.equal_count == 0 ? 0U : 1U));
+  contents.u32(static_cast<std::uint32_t>(spec.data.size()));
+  for (const std::uint64_t offset : spec.offsets) {
+    contents.u64(offset);
+  }
+  if (spec.equal_count != 0) {
+    contents.u64(spec.equal_count);
+  }
+  return file.add("LD", links, contents);
+}
+
 std::uint64_t addHeaderList(FileBuilder& file, std::uint64_t list, std::uint16_t flags,
                             std::uint8_t zip_type) {
   return file.add("HL", {list}, Bytes().u16(flags).u8(zip_type).zeros(5));

@@ -38,6 +38,15 @@ std::uint64_t addEqualList(FileBuilder& file, const std::vector<std::uint64_t>& 
 std::uint64_t addOffsetList(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
                             const std::vector<std::uint64_t>& offsets);
 
+/// What a list of values says beside its blocks.
+struct ValueListSpec {
+  std::vector<std::uint64_t> data;
+  std::vector<std::uint64_t> invalidation;  ///< as many, or none
+  std::vector<std::uint64_t> offsets;       ///< of each block's first sample, or
+  std::uint64_t equal_count = 0;            ///< samples in each of them
+};
+std::uint64_t addValueList(FileBuilder& file, const ValueListSpec& spec);
+
 /// A header of data lists.
 std::uint64_t addHeaderList(FileBuilder& file, std::uint64_t list, std::uint16_t flags,
                             std::uint8_t zip_type);

@@ -11,10 +11,11 @@ Samples together(const std::vector<Samples>& lists) {
 }
 
 const Samples& allSamples() {
-  static const Samples all = together(
-      {dataTypeSamples(), channelTypeSamples(), conversionSamples(), textConversionSamples(),
-       channelDetailSamples(), compositionSamples(), organisationSamples(), unsortedSamples(),
-       unfinishedSamples(), blockTypeSamples(), eventSamples(), layoutSamples()});
+  static const Samples all =
+      together({dataTypeSamples(), channelTypeSamples(), conversionSamples(),
+                textConversionSamples(), channelDetailSamples(), compositionSamples(),
+                organisationSamples(), separateDataSamples(), unsortedSamples(),
+                unfinishedSamples(), blockTypeSamples(), eventSamples(), layoutSamples()});
   return all;
 }
 

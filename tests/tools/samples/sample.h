@@ -39,6 +39,7 @@ Samples textConversionSamples();
 Samples channelDetailSamples();
 Samples compositionSamples();
 Samples organisationSamples();
+Samples separateDataSamples();
 Samples unsortedSamples();
 Samples unfinishedSamples();
 Samples blockTypeSamples();

@@ -34,7 +34,11 @@ std::uint64_t addChannel(FileBuilder& file, const ChannelSpec& spec) {
 std::uint64_t addChannelGroup(FileBuilder& file, const GroupSpec& spec) {
   const std::uint64_t name = textOrNone(file, spec.name);
   const std::uint64_t comment = textOrNone(file, spec.comment);
-  return file.add("CG", {0, 0, name, spec.source, 0, comment},
+  std::vector<std::uint64_t> links = {0, 0, name, spec.source, 0, comment};
+  if (spec.master != 0) {
+    links.push_back(spec.master);
+  }
+  return file.add("CG", links,
                   Bytes()
                       .u64(spec.record_id)
                       .u64(spec.cycles)

@@ -41,6 +41,7 @@ struct GroupSpec {
   std::uint32_t invalidation_bytes = 0;
   std::uint64_t source = 0;
   std::string comment;
+  std::uint64_t master = 0;  ///< the group with its master, which takes bit 3 of the flags
 };
 
 /// A conversion block in the making.

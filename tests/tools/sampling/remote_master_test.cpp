@@ -1,0 +1,266 @@
+#include "sampling/remote_master.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "reading/input_file.h"
+#include "sample_file.h"
+#include "sampling/chart.h"
+#include "support/allocation_counter.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+using mdf_tools::Selection;
+
+namespace {
+
+SampleFile newFile() { return SampleFile("MDF     ", 420); }
+
+/// A group of the time alone with so many records, half a second apart.
+std::uint64_t addTimes(SampleFile& file, std::uint64_t cycles, int records) {
+  Bytes data;
+  for (int i = 0; i < records; ++i) {
+    data.f64(0.5 * i);
+  }
+  const std::uint64_t group = file.group({cycles, 8}, {file.time()});
+  file.dataGroup({group}, file.add("DV", {}, data));
+  return group;
+}
+
+/// A group of a byte for each letter whose master is elsewhere.
+std::uint64_t addRemote(SampleFile& file, const std::string& letters, std::uint64_t master,
+                        const std::string& name = "a") {
+  GroupFields fields{letters.size(), 1};
+  fields.flags = 8;
+  fields.master = master;
+  const std::uint64_t group = file.group(fields, {file.channel(firstByte(name))});
+  file.dataGroup({group}, file.add("DV", {}, letters));
+  return group;
+}
+
+Selection onlyGroup(std::size_t group) {
+  Selection selection;
+  selection.group = group;
+  return selection;
+}
+
+TEST(RemoteMaster, StandsInFront) {
+  SampleFile file = newFile();
+  addRemote(file, "ABC", addTimes(file, 3, 3));
+  EXPECT_EQ(healthyCsvOf(file.bytes()), "time [s]\n0\n0.5\n1\n\ntime [s],a\n0,65\n0.5,66\n1,67\n");
+}
+
+TEST(RemoteMaster, StandsInFrontOfJsonLines) {
+  SampleFile file = newFile();
+  addRemote(file, "A", addTimes(file, 1, 1));
+  EXPECT_EQ(jsonOf(file.bytes(), onlyGroup(1)).text,
+            "{\"schema\":1,\"group\":1,\"name\":\"\",\"columns\":[{\"name\":\"time\",\"unit\":"
+            "\"s\"},{\"name\":\"a\",\"unit\":\"\"}]}\n"
+            "{\"schema\":1,\"group\":1,\"values\":{\"time\":0,\"a\":65}}\n");
+}
+
+TEST(RemoteMaster, LimitsTheRange) {
+  SampleFile file = newFile();
+  addRemote(file, "ABCDE", addTimes(file, 5, 5));
+  Selection selection = onlyGroup(1);
+  selection.from = 0.5;
+  selection.to = 1.5;
+  const Exported exported = csvOf(file.bytes(), selection);
+  EXPECT_EQ(exported.text, "time [s],a\n0.5,66\n1,67\n1.5,68\n");
+  EXPECT_EQ(exported.notes, std::vector<std::string>());
+}
+
+TEST(RemoteMaster, StandsInFrontOfWhatPatternsSelect) {
+  SampleFile file = newFile();
+  addRemote(file, "AB", addTimes(file, 2, 2));
+  Selection selection;
+  selection.channels = {"a"};
+  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "time [s],a\n0,65\n0.5,66\n");
+  selection.channels = {"time"};  // is a channel of the other group alone
+  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "time [s]\n0\n0.5\n");
+}
+
+TEST(RemoteMaster, IsConvertedUnlessRawValuesAreWanted) {
+  SampleFile file = newFile();
+  ChannelFields count = firstByte("count");
+  count.type = 2;
+  count.sync_type = 4;
+  count.conversion = file.conversion(1, {100, 2});
+  const std::uint64_t group = file.group({2, 1}, {file.channel(count)});
+  file.dataGroup({group}, file.data("\1\2"));
+  addRemote(file, "AB", group);
+  EXPECT_EQ(healthyCsvOf(file.bytes(), onlyGroup(1)), "count,a\n102,65\n104,66\n");
+  Selection raw = onlyGroup(1);
+  raw.is_raw = true;
+  EXPECT_EQ(healthyCsvOf(file.bytes(), raw), "count,a\n1,65\n2,66\n");
+}
+
+TEST(RemoteMaster, GivesWayToAMasterOfItsOwn) {
+  SampleFile file = newFile();
+  const std::uint64_t times = addTimes(file, 1, 1);
+  GroupFields fields{1, 8};
+  fields.flags = 8;
+  fields.master = times;
+  ChannelFields own = firstByte("own");
+  own.type = 2;
+  own.sync_type = 4;
+  file.dataGroup({file.group(fields, {file.channel(own)})}, file.data("ABCDEFGH"));
+  EXPECT_EQ(healthyCsvOf(file.bytes(), onlyGroup(1)), "own\n65\n");
+}
+
+TEST(RemoteMaster, IsDrawnOver) {
+  SampleFile file = newFile();
+  addRemote(file, "AB", addTimes(file, 2, 2));
+  const TempFile path(file.bytes());
+  mdf_tools::InputFile input(path.path());
+  std::vector<mdf_tools::Curve> curves;
+  mdf_tools::CurveCollector collector(curves, 100, "");
+  Selection selection;
+  selection.channels = {"a"};
+  mdf_tools::visitTables(
+      input, selection, collector,
+      [](const mdf_tools::Finding& finding) { ADD_FAILURE() << finding.sentence; },
+      [](const std::string& /*note*/) {});
+  ASSERT_EQ(curves.size(), 1U);
+  EXPECT_EQ(curves[0].x_label, "time [s]");
+}
+
+TEST(RemoteMaster, WithFewerSamplesIsEmptyWhereTheyMiss) {
+  SampleFile file = newFile();
+  addRemote(file, "ABCD", addTimes(file, 2, 2));
+  expectFinding(csvOf(file.bytes(), onlyGroup(1)), "time [s],a\n0,65\n0.5,66\n,67\n,68\n",
+                "for each record, found none for record 2");
+}
+
+TEST(RemoteMaster, CountEndsItsSamples) {
+  SampleFile file = newFile();
+  addRemote(file, "ABC", addTimes(file, 1, 3));
+  expectFinding(csvOf(file.bytes(), onlyGroup(1)), "time [s],a\n0,65\n,66\n,67\n",
+                "found none for record 1");
+}
+
+TEST(RemoteMaster, WithoutDataIsEmpty) {
+  SampleFile file = newFile();
+  addRemote(file, "AB", addTimes(file, 0, 0));
+  expectFinding(csvOf(file.bytes(), onlyGroup(1)), "time [s],a\n,65\n,66\n",
+                "found none for record 0");
+}
+
+TEST(RemoteMaster, AtALinkThatLeadsToNoChannelGroup) {
+  SampleFile file = newFile();
+  const std::uint64_t text = file.text("no group");
+  for (const std::uint64_t link : {text, std::uint64_t{1} << 40U, UINT64_MAX}) {
+    SampleFile each = file;
+    addRemote(each, "AB", link);
+    expectFinding(csvOf(each.bytes()), "a\n65\n66\n", ", found none of the file");
+  }
+}
+
+TEST(RemoteMaster, WithoutItsLink) {
+  SampleFile file = newFile();
+  GroupFields fields{1, 1};
+  fields.flags = 8;
+  file.dataGroup({file.group(fields, {file.channel(firstByte("a"))})}, file.data("A"));
+  expectFinding(csvOf(file.bytes()), "a\n65\n", ", found none of the file");
+}
+
+TEST(RemoteMaster, OfAGroupWithoutOne) {
+  SampleFile file = newFile();
+  const std::uint64_t other = file.group({1, 1}, {file.channel(firstByte("b"))});
+  file.dataGroup({other}, file.data("B"));
+  addRemote(file, "A", other);
+  expectFinding(csvOf(file.bytes(), onlyGroup(1)), "a\n65\n", ", found one without a master");
+}
+
+/// A master is where the link leads, and not at the end of several links.
+TEST(RemoteMaster, OfGroupsInACircle) {
+  SampleFile file = newFile();
+  const std::uint64_t first = addRemote(file, "A", 8);
+  const std::uint64_t second = addRemote(file, "B", first, "b");
+  file.link(first, 6, second);
+  const Exported exported = csvOf(file.bytes());
+  EXPECT_EQ(exported.text, "a\n65\n\nb\n66\n");
+  EXPECT_EQ(exported.findings.size(), 2U);
+  file.link(first, 6, first);
+  EXPECT_EQ(csvOf(file.bytes()).findings.size(), 2U);
+}
+
+TEST(RemoteMaster, InUnsortedData) {
+  SampleFile file = newFile();
+  const std::uint64_t times = file.group({1, 8, 0, 1}, {file.time()});
+  const std::uint64_t other = file.group({1, 1, 0, 2}, {file.channel(firstByte("b"))});
+  file.dataGroup({times, other}, file.data(Bytes().u8(1).f64(0).u8(2).u8(66)), 1);
+  addRemote(file, "A", times);
+  expectFinding(csvOf(file.bytes(), onlyGroup(2)), "a\n65\n",
+                "with its records side by side, found them unsorted");
+}
+
+TEST(RemoteMaster, WithoutAMasterSamplesHaveNoRange) {
+  SampleFile file = newFile();
+  addRemote(file, "A", 8);
+  Selection selection;
+  selection.from = 0;
+  const Exported exported = csvOf(file.bytes(), selection);
+  EXPECT_EQ(exported.text, "");
+  EXPECT_EQ(exported.findings.size(), 1U);
+  EXPECT_EQ(exported.notes.size(), 1U);
+}
+
+/// Each group takes as little of the file as there is to be shown of it.
+TEST(RemoteMaster, InLongRecordsHasALimit) {
+  SampleFile file = newFile();
+  constexpr std::uint32_t record = 1U << 20U;
+  const std::uint64_t group = file.group({1, record}, {file.time()});
+  file.dataGroup({group}, file.add("DV", {}, std::string(record, '\0')));
+  for (int i = 0; i < 400; ++i) {
+    addRemote(file, "A", group);
+  }
+  Selection selection;
+  selection.channels = {"a"};
+  const Exported exported = csvOf(file.bytes(), selection);
+  const std::string with_time = "time [s],a\n0,65\n";
+  const std::string without = "time [s],a\n,65\n";
+  EXPECT_EQ(exported.text.substr(0, with_time.size()), with_time);
+  EXPECT_EQ(exported.text.substr(exported.text.size() - without.size()), without);
+  ASSERT_FALSE(exported.findings.empty());
+  EXPECT_LT(exported.findings.size(), 200U);
+  EXPECT_NE(exported.findings[0].find("expected remote masters in short records, found"),
+            std::string::npos);
+}
+
+/// Counts samples.
+class Counter : public mdf_tools::TableVisitor {
+ public:
+  void begin(mdf_tools::Table& /*table*/) override {}
+  bool sample(mdf_tools::Table& table, const mdf_tools::Sample& sample) override {
+    const mdf_tools::Value time = table.columns().front().value(sample);
+    count += std::holds_alternative<double>(time) ? 1U : 0U;
+    return true;
+  }
+  void end() override {}
+
+  std::uint64_t count = 0;
+};
+
+TEST(RemoteMaster, MemoryDoesNotGrowWithTheSamples) {
+  SampleFile contents = newFile();
+  constexpr std::uint64_t cycles = 400000;
+  const std::uint64_t times = contents.group({cycles, 8}, {contents.time()});
+  contents.dataGroup({times}, contents.add("DV", {}, std::string(8 * cycles, '\0')));
+  addRemote(contents, std::string(cycles, 'A'), times);
+  const TempFile path(contents.bytes());
+  mdf_tools::InputFile file(path.path());
+  Counter counter;
+  const AllocationMeter meter;
+  mdf_tools::visitTables(
+      file, {}, counter,
+      [](const mdf_tools::Finding& finding) { ADD_FAILURE() << finding.sentence; },
+      [](const std::string& /*note*/) {});
+  EXPECT_LT(meter.peakBytes(), 1000000U);
+  EXPECT_EQ(counter.count, 2 * cycles);
+}
+
+}  // namespace
