@@ -55,6 +55,7 @@ void RecordCheck::take(const BlockFields& block, std::uint32_t index) {
   } else if (channels_ && type == "CN") {
     channels_->take(block, index);
     takeVariableChannel(block, index);
+    takeElements(block, index);
   } else if (channels_) {
     checkReduction(block, index);
   }
@@ -80,6 +81,7 @@ void RecordCheck::leaveChannelGroup() {
     channels_->leave();
     channels_.reset();
   }
+  addElements();
 }
 
 void RecordCheck::enterDataGroup(const BlockFields& block, std::uint32_t index) {
@@ -126,6 +128,27 @@ void RecordCheck::takeVariableChannel(const BlockFields& block, std::uint32_t in
       group.offset_bytes.take(channel.bytes())) {
     group.variable_channels.push_back(channel);
   }
+}
+
+/// Elements of an array may have records of their own, with record ids behind that of its group.
+/// One array of a channel group alone can have them.
+void RecordCheck::takeElements(const BlockFields& block, std::uint32_t index) {
+  const std::uint32_t found = subject_.blocks.find(block.link(1));
+  const bool is_own = found != BlockTable::none && subject_.blocks[found].parent == index;
+  const auto array = is_own ? readFields(subject_.file, block.link(1), "CA") : std::nullopt;
+  if (elements_.empty() && array && arrayStorage(*array) == ArrayStorage::channel_group) {
+    elements_ = readArrayElements(subject_.file, *array).elements;
+  }
+}
+
+/// Those behind the first element are groups of their own.
+void RecordCheck::addElements() {
+  for (std::size_t i = 1; i < elements_.size(); ++i) {
+    const RecordGroup& first = groups_[groups_.size() - i];
+    groups_.push_back({first.index, first.record_id + i, elements_[i].cycles, first.data_bytes,
+                       first.invalidation_bytes, false, Allowance(0)});
+  }
+  elements_.clear();
 }
 
 /// Whether the records can be told apart. Puts the groups in the order of their ids.

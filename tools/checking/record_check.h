@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "channel_check.h"
+#include "reading/array_elements.h"
 #include "reading/block_fields.h"
 #include "reading/offset_set.h"
 #include "record_data.h"
@@ -37,6 +38,8 @@ class RecordCheck {
   void enterChannelGroup(const BlockFields& block, std::uint32_t index);
   void leaveChannelGroup();
   void takeVariableChannel(const BlockFields& block, std::uint32_t index);
+  void takeElements(const BlockFields& block, std::uint32_t index);
+  void addElements();
   void checkReduction(const BlockFields& block, std::uint32_t index);
 
   bool checkIds();
@@ -59,6 +62,7 @@ class RecordCheck {
   std::uint64_t id_code_ = 0;
   std::uint64_t data_link_ = 0;
   std::vector<RecordGroup> groups_;
+  std::vector<ArrayElement> elements_;    ///< of an array of the last group, with their own records
   std::optional<ChannelCheck> channels_;  ///< those of the last group, if its records have any
 };
 

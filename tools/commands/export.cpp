@@ -40,6 +40,9 @@ Members of structures are called "structure.member", elements of arrays "name[0]
 channel with a name is "name (2)". Channel groups are counted from 0 on through the whole file. Where
 an output is a folder, each table gets a file there: FILE.N.csv for channel group N of FILE.
 
+Elements of an array that have records of their own are a table each, with the channels that they
+share: FILE.N.K.csv for element K of channel group N, counted from 0 on, which is "element" in jsonl.
+
 In formulas of conversions, log is the logarithm to the base 10 and ln that to the base e.
 
 Examples:
@@ -68,6 +71,12 @@ int complain(const std::string& sentence, ExitCode exit_code) {
 }
 
 std::string reasonOf(int error) { return std::generic_category().message(error); }
+
+/// "1", or "1.0" for an element with records of its own.
+std::string numbersOf(const ChannelGroup& group) {
+  return std::to_string(group.index) +
+         (group.element ? '.' + std::to_string(*group.element) : std::string());
+}
 
 /// A file that is written.
 class TableFile {
@@ -142,7 +151,7 @@ class Destination {
     }
     close();
     const std::string name =
-        stemOf(path) + '.' + std::to_string(table.group().index) + '.' + request_.format;
+        stemOf(path) + '.' + numbersOf(table.group()) + '.' + request_.format;
     file_ = std::make_unique<TableFile>((std::filesystem::path(request_.output) / name).string());
     return file_->isOpen() ? &file_->out() : nullptr;
   }

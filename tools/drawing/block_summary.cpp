@@ -172,6 +172,7 @@ void Summarizer::array() {
     sizes += (i == 0 ? "" : " x ") + std::to_string(unsignedNumber({bytes.data(), bytes.size()}));
   }
   fact("size", sizes + (dimensions < block_.number("ca_ndim") ? " x ..." : ""));
+  fact("storage", block_.number("ca_storage") == 0 ? "" : "each with records of its own");
 }
 
 void Summarizer::source() {

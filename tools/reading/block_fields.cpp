@@ -59,6 +59,17 @@ AdditionalLink eventLink(const BlockFields& block, std::uint64_t index) {
   return {{"", ""}};
 }
 
+/// An array whose elements have data of their own. Which of the links lead there cannot be told
+/// without its sizes where it has others behind them.
+AdditionalLink arrayLink(const BlockFields& block, std::uint64_t index) {
+  constexpr std::uint64_t has_further_links = 31;
+  constexpr std::uint64_t in_data_groups = 2;
+  return block.number("ca_storage") == in_data_groups &&
+                 !block.hasFlag("ca_flags", has_further_links)
+             ? AdditionalLink{{"ca_data", "DT DV DZ DL HL LD"}, index}
+             : AdditionalLink{{"", ""}};
+}
+
 /// A list of values has as many links to invalidation data as to values, or none.
 AdditionalLink valueListLink(const BlockFields& block, std::uint64_t index) {
   constexpr std::uint64_t has_invalidation_data = 1U << 31U;
@@ -93,6 +104,9 @@ AdditionalLink additionalLink(const BlockFields& block, std::uint64_t index) {
   }
   if (type == "CC") {
     return {{"cc_ref", "TX MD CC"}, index};
+  }
+  if (type == "CA") {
+    return arrayLink(block, index);
   }
   return type == "CH" ? hierarchyLink(index) : AdditionalLink{{"", ""}};
 }

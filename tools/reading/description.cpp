@@ -213,6 +213,7 @@ ArrayShape DescriptionReader::arrayShape(const BlockFields& array) {
   constexpr unsigned in_records = 0;  // ca_storage: the channel is the template of each element
   constexpr unsigned inverse_layout = 64;
   ArrayShape shape;
+  shape.offset = array.offset();
   shape.byte_step = array.signedNumber("ca_byte_offset_base");
   shape.invalidation_step = array.number("ca_inval_bit_pos_base");
   shape.in_records = array.number("ca_storage") == in_records;

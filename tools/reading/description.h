@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -62,10 +63,11 @@ struct Header {
 
 /// The elements of a channel that is an array, as far as they stand in its records.
 struct ArrayShape {
+  std::uint64_t offset = 0;  ///< of the array's block
   std::vector<std::uint64_t> dimensions;
   std::int64_t byte_step = 0;           ///< bytes from one element to the next
   std::uint64_t invalidation_step = 0;  ///< invalidation bits from one element to the next
-  bool in_records = true;               ///< false: each element has data of its own elsewhere
+  bool in_records = true;               ///< false: each element has records of its own
   bool is_column_oriented = false;
 };
 
@@ -147,7 +149,9 @@ struct ChannelGroup {
   std::uint32_t invalidation_bytes = 0;  ///< of a record, behind the data bytes
   std::uint64_t first_reduction = 0;
   std::uint64_t master_group = 0;  ///< offset of the group with the remote master
-  std::vector<Channel> channels;   ///< each followed by its members; none if they are not kept
+  /// The element that its records are of, where an array has its elements in records of their own.
+  std::optional<std::size_t> element;
+  std::vector<Channel> channels;  ///< each followed by its members; none if they are not kept
 
   bool holdsVariableLength() const { return (flags & is_variable_length) != 0; }
 

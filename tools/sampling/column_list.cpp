@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "reading/array_elements.h"
 #include "text_encoding.h"
 
 namespace mdf_tools {
@@ -12,13 +13,29 @@ namespace mdf_tools {
 namespace {
 
 constexpr std::size_t longest_name = 1024;
-constexpr std::uint64_t most_elements = 65536;
-constexpr std::size_t most_dimensions = 16;
+constexpr std::uint64_t most_elements = most_array_elements;
 
 /// The end of a long text, from a character on.
 std::string shortened(std::string text) {
   if (text.size() > longest_name) {
     text = fromUtf8(text.substr(text.size() - longest_name));
+  }
+  return text;
+}
+
+/// "[1][0]" for an element counted from 0 on. The last index counts fastest, or the first one in
+/// arrays that lie by columns.
+std::string indicesOf(const ArrayShape& array, std::uint64_t element) {
+  const std::size_t count = array.dimensions.size();
+  std::vector<std::uint64_t> indices(count);
+  for (std::size_t k = 0; k < count; ++k) {
+    const std::size_t at = array.is_column_oriented ? k : count - 1 - k;
+    indices[at] = element % array.dimensions[at];
+    element /= array.dimensions[at];
+  }
+  std::string text;
+  for (const std::uint64_t index : indices) {
+    text += '[' + std::to_string(index) + ']';
   }
   return text;
 }
@@ -92,16 +109,16 @@ std::vector<ColumnPlan> Planner::plan() {
   return std::move(columns_);
 }
 
+/// What is not to be had of arrays with their elements elsewhere was told when these were looked
+/// for.
 void Planner::addChannel(const ColumnPlan& plan) {
   const ArrayShape& array = plan.channel->array;
   if (array.dimensions.empty()) {
     add(plan, plan.path);
   } else if (array.in_records) {
     addElements(plan);
-  } else {
-    report_({plan.channel->offset,
-             "expected an array with its elements in the records, found one "
-             "with elements elsewhere, which is left out"});
+  } else if (group_.element) {
+    add(plan, plan.path + indicesOf(array, *group_.element));
   }
 }
 
@@ -121,27 +138,10 @@ std::uint64_t countOf(const std::vector<std::uint64_t>& dimensions) {
   return count;
 }
 
-/// "[1][0]" for an element counted from 0 on. The last index counts fastest, or the first one in
-/// arrays that lie by columns.
-std::string indicesOf(const ArrayShape& array, std::uint64_t element) {
-  const std::size_t count = array.dimensions.size();
-  std::vector<std::uint64_t> indices(count);
-  for (std::size_t k = 0; k < count; ++k) {
-    const std::size_t at = array.is_column_oriented ? k : count - 1 - k;
-    indices[at] = element % array.dimensions[at];
-    element /= array.dimensions[at];
-  }
-  std::string text;
-  for (const std::uint64_t index : indices) {
-    text += '[' + std::to_string(index) + ']';
-  }
-  return text;
-}
-
 void Planner::addElements(const ColumnPlan& plan) {
   const ArrayShape& array = plan.channel->array;
   const std::uint64_t count = countOf(array.dimensions);
-  if (elements_ + count > most_elements || array.dimensions.size() > most_dimensions ||
+  if (elements_ + count > most_elements || array.dimensions.size() > most_array_dimensions ||
       !areElementsInside(*plan.channel, count)) {
     report_({plan.channel->offset, "expected an array that fits into records of " +
                                        std::to_string(group_.data_bytes) + " bytes and " +

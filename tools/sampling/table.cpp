@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "column_list.h"
+#include "element_groups.h"
 #include "reading/input_file.h"
 #include "reading/raw_block.h"
 #include "remote_master.h"
@@ -38,7 +39,9 @@ class Tables {
         note_(note),
         measurement_(readMeasurement(file, report)),
         conversions_(file, report),
-        remote_masters_(file, measurement_, report) {}
+        remote_masters_(file, measurement_, report) {
+    splitElements(file, measurement_, report);
+  }
 
   std::size_t visit();
 
@@ -74,12 +77,15 @@ std::size_t Tables::visit() {
   if (isUnfinished()) {
     note_("the file was not finished; its records are read as far as they go");
   }
-  for (const DataGroup& data_group : measurement_.data_groups) {
+  ChannelGroup* with_channels = nullptr;
+  for (DataGroup& data_group : measurement_.data_groups) {
     groups_.clear();
     for (const ChannelGroup& group : data_group.groups) {
       groups_.emplace(group.offset, &group);
     }
-    for (const ChannelGroup& group : data_group.groups) {
+    for (ChannelGroup& group : data_group.groups) {
+      with_channels = group.element.value_or(0) == 0 ? &group : with_channels;
+      const LentChannels lent(*with_channels, group);
       if (isWanted(group)) {
         visitGroup(data_group, group);
       }

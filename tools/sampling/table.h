@@ -30,8 +30,8 @@ struct Selection {
 /// Takes sentences for people that tell of no problem.
 using NoteSink = std::function<void(const std::string& sentence)>;
 
-/// The samples of one channel group: a column for each channel that is wanted, the master channel's
-/// in front.
+/// The samples of one channel group, or of one element of an array in it whose elements have
+/// records of their own: a column for each channel that is wanted, the master channel's in front.
 class Table {
  public:
   Table(const ChannelGroup& group, std::vector<Column> columns, bool has_master)

@@ -121,6 +121,9 @@ void JsonLinesWriter::begin(Table& table) {
   }
   beginning_ = "{\"schema\":" + std::to_string(json_schema) +
                ",\"group\":" + std::to_string(table.group().index);
+  if (table.group().element) {
+    beginning_ += ",\"element\":" + std::to_string(*table.group().element);
+  }
   line_ = beginning_ + ",\"name\":";
   addJsonString(fromUtf8(table.group().name.substr(0, 1024)), line_);
   line_ += ",\"columns\":[";

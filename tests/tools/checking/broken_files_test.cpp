@@ -470,6 +470,27 @@ TEST_P(BrokenFiles, RaiseTheirCodeAlone) {
   EXPECT_EQ(checkedBytes(file.bytes), file.problem + "\n");
 }
 
+/// An array whose elements have the record ids 0 and 1.
+TEST(BrokenFiles, ElementsWithRecordsOfTheirOwn) {
+  SmallFile file;
+  const auto counts = [](std::uint64_t second) { return Bytes().u64(2).u64(1).u64(second).str(); };
+  const std::string fields = Bytes().u8(0).u8(1).u16(1).zeros(12);
+  const auto array = file.add("CA", {0}, fields + counts(1));
+  file.link(SmallFile::speed, 1, array);
+  file.setGroup({0, 1, 0, 9, 0});
+  file.write(SmallFile::data_group + 56, Bytes().u8(1));
+  file.replaceData(file.add("DT", {}, Bytes().zeros(10).u8(1).zeros(9)));
+  EXPECT_EQ(checkedBytes(file.bytes()), "");
+  file.write(array + 32 + fields.size(), counts(2));
+  EXPECT_EQ(checkedBytes(file.bytes()),
+            "232 error cycle-count-wrong: expected 2 records with id 1, found 1 "
+            "[HD.hd_dg_first/DG[0].dg_cg_first/CG[0]]\n");
+  file.write(array + 32 + 1, Bytes().u8(0));
+  EXPECT_EQ(checkedBytes(file.bytes()),
+            "232 error cycle-count-wrong: expected data for 1 records of 10 bytes, found 20 bytes "
+            "[HD.hd_dg_first/DG[0].dg_cg_first/CG[0]]\n");
+}
+
 TEST(BrokenFiles, ListsOfValues) {
   const std::string path = " [HD.hd_dg_first/DG[0].dg_data/LD[0]]\n";
   EXPECT_EQ(checkedValueList({0, 0, 0}, Bytes().u32(0x80000001U).u32(2).u64(1)),

@@ -121,6 +121,22 @@ TEST(ExportCommand, StandardInputToAFolder) {
   EXPECT_EQ(bytesOf(folder / "stdin.1.csv"), second_table);
 }
 
+TEST(ExportCommand, OutputFolderGetsAFileForEachElementWithRecordsOfItsOwn) {
+  SampleFile file;
+  ChannelFields array = firstByte("v");
+  array.composition =
+      file.add("CA", {0}, Bytes().u8(0).u8(1).u16(1).zeros(12).u64(2).u64(1).u64(1));
+  file.dataGroup({file.group({1, 1}, {file.channel(array)})}, file.data(Bytes().u8s({0, 7, 1, 8})),
+                 1);
+  const ScratchFolder folder;
+  folder.write("trip.mf4", file.bytes());
+  const RunResult result =
+      run({"export", (folder / "trip.mf4").string(), "-o", (folder / "new").string() + "/"});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(bytesOf(folder / "new/trip.0.0.csv"), "v[0]\n7\n");
+  EXPECT_EQ(bytesOf(folder / "new/trip.0.1.csv"), "v[1]\n8\n");
+}
+
 TEST(ExportCommand, OutputDoesNotOverwriteTheInput) {
   const TempFile file(twoTables());
   const RunResult result = run({"export", file.path(), "-o", file.path()});

@@ -224,6 +224,21 @@ TEST(LinkRole, ListsOfValuesMayHaveLinksToInvalidationData) {
                    "ld_invalidation_data[1] -> DI RI DZ", "link 5 -> "}));
 }
 
+TEST(LinkRole, ArraysMayHaveDataOfEachElement) {
+  FileBuilder file;
+  const auto rolesWith = [&](std::uint8_t storage, std::uint32_t flags) {
+    const auto array = file.add(
+        "CA", {0, 1, 2}, Bytes().u8(0).u8(storage).u16(1).u32(flags).zeros(8).u64(2).u64(1).u64(1));
+    return behind(1, rolesOf(Block(file, array), 3));
+  };
+  const Roles unknown = {"link 1 -> ", "link 2 -> "};
+  EXPECT_EQ(rolesWith(0, 0), unknown);
+  EXPECT_EQ(rolesWith(1, 0), unknown);
+  EXPECT_EQ(rolesWith(2, 0),
+            (Roles{"ca_data[0] -> DT DV DZ DL HL LD", "ca_data[1] -> DT DV DZ DL HL LD"}));
+  EXPECT_EQ(rolesWith(2, 16), unknown);
+}
+
 TEST(LinkRole, NewerLinksBehindTheKnownOnes) {
   FileBuilder file;
   const auto group =

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "data_blocks.h"
 #include "sample_file.h"
 
 namespace mdf_tests {
@@ -187,12 +188,97 @@ Sample arrayInStructure() {
                    {"0,9,10,11"}});
 }
 
+/// An array of bytes whose elements have records of their own, as many as is said for each.
+std::uint64_t addSplitArray(SampleFile& file, std::uint8_t storage,
+                            const std::vector<std::uint64_t>& dimensions,
+                            const std::vector<std::uint64_t>& counts,
+                            const std::vector<std::uint64_t>& data) {
+  std::vector<std::uint64_t> links = {0};
+  links.insert(links.end(), data.begin(), data.end());
+  Bytes contents;
+  contents.u8(0).u8(storage).u16(static_cast<std::uint16_t>(dimensions.size())).zeros(12);
+  for (const auto* numbers : {&dimensions, &counts}) {
+    for (const std::uint64_t number : *numbers) {
+      contents.u64(number);
+    }
+  }
+  return file.add("CA", links, contents);
+}
+
+/// The group of such an array: a time and a byte in each record.
+std::uint64_t splitGroup(SampleFile& file, std::uint64_t array, GroupSpec group) {
+  ChannelSpec element = part("v", 8);
+  element.composition = array;
+  group.data_bytes = 9;
+  return file.group(group, {timeMaster(), element});
+}
+
+Sample arrayOfChannelGroups() {
+  SampleFile file;
+  const std::uint64_t array = addSplitArray(file, 1, {3}, {2, 1, 3}, {});
+  GroupSpec group;
+  group.record_id = 5;
+  group.cycles = 2;
+  const std::uint64_t first = splitGroup(file, array, group);
+  GroupSpec other = countingGroup(1);
+  other.record_id = 9;
+  const std::uint64_t second = file.group(other, countingChannels());
+  Bytes data;
+  data.u8(7).f64(0).u8(30).u8(5).f64(0.5).u8(10).u8(6).f64(0.5).u8(20).u8(7).f64(1).u8(31);
+  data.u8(9).text(countingRecords(1)).u8(5).f64(1.5).u8(11).u8(7).f64(2).u8(32);
+  file.dataGroup({first, second}, file.add("DT", {}, data), 1);
+  return {"array-of-channel-groups",
+          "elements with records of their own, by record ids that go up, and another group",
+          file.bytes(),
+          {{elements({"[0]"}), {"0.5,10", "1.5,11"}},
+           {elements({"[1]"}), {"0.5,20"}},
+           {elements({"[2]"}), {"0,30", "1,31", "2,32"}},
+           countingTable(1)}};
+}
+
+Sample arrayOfDataGroups() {
+  SampleFile file;
+  const std::uint64_t first = file.add("DT", {}, Bytes().f64(0).u8(1).f64(1).u8(2));
+  const std::string records = Bytes().f64(0.5).u8(3).f64(1).u8(4).f64(1.5).u8(5);
+  const std::uint64_t second = addEqualList(file, addPieces(file, "DT", records, 10), 10);
+  const std::uint64_t last = addZipped(file, "DT", Bytes().f64(2).u8(6));
+  const std::uint64_t array =
+      addSplitArray(file, 2, {2, 2}, {2, 3, 0, 1}, {first, second, 0, last});
+  GroupSpec group;
+  group.cycles = 2;
+  file.dataGroup({splitGroup(file, array, group)}, first);
+  return {"array-of-data-groups",
+          "elements with data of their own: a block, a list, none, and zipped",
+          file.bytes(),
+          {{elements({"[0][0]"}), {"0,1", "1,2"}},
+           {elements({"[0][1]"}), {"0.5,3", "1,4", "1.5,5"}},
+           {elements({"[1][0]"}), {}},
+           {elements({"[1][1]"}), {"2,6"}}}};
+}
+
+/// Values of the axes stand in front of the counts.
+Sample arrayOfChannelGroupsWithAxis() {
+  SampleFile file;
+  const std::uint64_t array =
+      file.add("CA", {0},
+               Bytes().u8(0).u8(1).u16(1).u32(32).zeros(8).u64(2).f64(100).f64(200).u64(1).u64(1));
+  GroupSpec group;
+  group.cycles = 1;
+  const std::uint64_t block = splitGroup(file, array, group);
+  file.dataGroup({block}, file.add("DT", {}, Bytes().u8(0).f64(0).u8(1).u8(1).f64(0.5).u8(2)), 1);
+  return {"array-of-channel-groups-with-axis",
+          "elements with records of their own, and the values of an axis",
+          file.bytes(),
+          {{elements({"[0]"}), {"0,1"}}, {elements({"[1]"}), {"0.5,2"}}}};
+}
+
 }  // namespace
 
 Samples compositionSamples() {
   return together({arrays(),
                    {structure(), nestedStructure(), bitStructure(), invalidElements(),
-                    convertedArray(), arrayInStructure()}});
+                    convertedArray(), arrayInStructure(), arrayOfChannelGroups(),
+                    arrayOfChannelGroupsWithAxis(), arrayOfDataGroups()}});
 }
 
 }  // namespace mdf_tests
