@@ -137,7 +137,9 @@ void RecordCheck::takeElements(const BlockFields& block, std::uint32_t index) {
   const bool is_own = found != BlockTable::none && subject_.blocks[found].parent == index;
   const auto array = is_own ? readFields(subject_.file, block.link(1), "CA") : std::nullopt;
   if (elements_.empty() && array && arrayStorage(*array) == ArrayStorage::channel_group) {
-    elements_ = readArrayElements(subject_.file, *array).elements;
+    const std::uint64_t most = elements_left_.most(1);
+    elements_ = readArrayElements(subject_.file, *array, most).elements;
+    elements_left_.take(elements_.size());
   }
 }
 

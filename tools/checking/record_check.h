@@ -22,7 +22,10 @@ namespace mdf_tools {
 class RecordCheck {
  public:
   explicit RecordCheck(const Subject& subject)
-      : subject_(subject), records_left_(subject.file.size()), values_left_(subject.file.size()) {}
+      : subject_(subject),
+        records_left_(subject.file.size()),
+        values_left_(subject.file.size()),
+        elements_left_(subject.file.size()) {}
 
   /// Takes a DG, CG, CN or SR block whose shape is right.
   void take(const BlockFields& block, std::uint32_t index);
@@ -58,6 +61,7 @@ class RecordCheck {
   OffsetSet seen_values_;
   Allowance records_left_;  ///< bytes of data that may still be gone through record by record
   Allowance values_left_;   ///< the same of signal data
+  ElementAllowance elements_left_;
   std::optional<std::uint32_t> data_group_;
   std::uint64_t id_code_ = 0;
   std::uint64_t data_link_ = 0;

@@ -30,7 +30,8 @@ Sizes sizesOf(InputFile& file, const BlockFields& array) {
   constexpr std::uint64_t has_fixed_axes = 32;
   Sizes sizes;
   sizes.dimensions = array.number("ca_ndim");
-  const std::uint64_t there = std::min(sizes.dimensions, array.tailBytes() / 8);
+  const std::uint64_t there =
+      std::min<std::uint64_t>({sizes.dimensions, array.tailBytes() / 8, most_array_dimensions});
   for (std::uint64_t i = 0; i < there; ++i) {
     const std::uint64_t size = std::min(numberAt(file, array.tailAt() + 8 * i), too_many);
     sizes.elements = std::min(sizes.elements * size, too_many);
@@ -48,7 +49,7 @@ ArrayStorage arrayStorage(const BlockFields& array) {
              : ArrayStorage::unknown;
 }
 
-ArrayElements readArrayElements(InputFile& file, const BlockFields& array) {
+ArrayElements readArrayElements(InputFile& file, const BlockFields& array, std::uint64_t most) {
   constexpr std::uint64_t by_columns = 64;
   const Sizes sizes = sizesOf(file, array);
   const std::uint64_t in_front = sizes.dimensions + sizes.axis_values;
@@ -57,10 +58,9 @@ ArrayElements readArrayElements(InputFile& file, const BlockFields& array) {
   const std::string wanted =
       "for each of the array's " + std::to_string(sizes.elements) + " elements, found ";
   ArrayElements result;
-  if (sizes.elements == 0 || sizes.elements > most_array_elements ||
-      sizes.dimensions > most_array_dimensions) {
-    result.problem = "expected an array of 1 to " + std::to_string(most_array_elements) +
-                     " elements in up to " + std::to_string(most_array_dimensions) +
+  if (sizes.elements == 0 || sizes.elements > most || sizes.dimensions > most_array_dimensions) {
+    result.problem = "expected an array of 1 to " + std::to_string(most) + " elements in up to " +
+                     std::to_string(most_array_dimensions) +
                      " dimensions, found another number of them";
   } else if (array.tailBytes() / 8 < in_front + sizes.elements) {
     result.problem = "expected a cycle count " + wanted + "fewer";

@@ -11,6 +11,10 @@ namespace mdf_tools {
 
 class InputFile;
 
+/// More elements than this are none that anybody wants a column of.
+inline constexpr std::uint64_t most_array_elements = 65536;
+inline constexpr std::size_t most_array_dimensions = 16;
+
 /// Where the elements of a channel array have their values.
 enum class ArrayStorage : std::uint8_t {
   record = 0,     ///< side by side in each record
@@ -33,12 +37,26 @@ struct ArrayElements {
   std::string problem;  ///< a sentence, "" for none
 };
 
-/// Reads what an array block says of them. There are no more than it has bytes for.
-ArrayElements readArrayElements(InputFile& file, const BlockFields& array);
+/// Reads what an array block says of them, if there are not more than the most that are wanted.
+ArrayElements readArrayElements(InputFile& file, const BlockFields& array, std::uint64_t most);
 
-/// More elements than this are none that anybody wants a column of.
-inline constexpr std::uint64_t most_array_elements = 65536;
-inline constexpr std::size_t most_array_dimensions = 16;
+/// How many elements may have records of their own. Blocks may lie one over the other, so that
+/// what each of them has room for is no limit.
+class ElementAllowance {
+ public:
+  explicit ElementAllowance(std::uint64_t file_size)
+      : left_(most_array_elements + file_size / sizeof(std::uint64_t)) {}
+
+  /// Of an array, whose elements take so much of it each.
+  std::uint64_t most(std::uint64_t each) const {
+    return left_ / each < most_array_elements ? left_ / each : most_array_elements;
+  }
+  /// Takes no more than there is left.
+  void take(std::uint64_t count) { left_ -= count < left_ ? count : left_; }
+
+ private:
+  std::uint64_t left_;
+};
 
 }  // namespace mdf_tools
 

@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 
+#include "array_elements.h"
 #include "block_fields.h"
 #include "framework/wire.h"
 #include "input_file.h"
@@ -218,7 +219,9 @@ ArrayShape DescriptionReader::arrayShape(const BlockFields& array) {
   shape.invalidation_step = array.number("ca_inval_bit_pos_base");
   shape.in_records = array.number("ca_storage") == in_records;
   shape.is_column_oriented = array.hasFlag("ca_flags", inverse_layout);
-  const std::uint64_t count = std::min(array.number("ca_ndim"), array.tailBytes() / 8);
+  // One more than anybody takes tells enough: blocks may lie one over the other.
+  const std::uint64_t count = std::min<std::uint64_t>(
+      {array.number("ca_ndim"), array.tailBytes() / 8, most_array_dimensions + 1});
   for (std::uint64_t i = 0; i < count; ++i) {
     std::array<char, 8> bytes{};
     file_.readAt(array.tailAt() + 8 * i, bytes.data(), bytes.size());

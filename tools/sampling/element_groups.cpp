@@ -12,7 +12,8 @@ namespace {
 /// Splits the channel groups of one data group.
 class Splitter {
  public:
-  Splitter(InputFile& file, const FindingSink& report) : file_(file), report_(report) {}
+  Splitter(InputFile& file, const FindingSink& report)
+      : file_(file), report_(report), allowance_(file.size()) {}
 
   /// Adds the data group and those of its elements to a list.
   void split(DataGroup&& data_group, std::vector<DataGroup>& result);
@@ -23,6 +24,7 @@ class Splitter {
 
   InputFile& file_;
   const FindingSink& report_;
+  ElementAllowance allowance_;                   ///< for the columns of all their tables
   ArrayStorage storage_ = ArrayStorage::record;  ///< of the array that was found last
 };
 
@@ -73,7 +75,9 @@ std::vector<ArrayElement> Splitter::elementsOf(const DataGroup& data_group,
         "expected an array whose elements have data of their own in a data group with one channel "
         "group, found several";
   } else {
-    read = readArrayElements(file_, *array);
+    const std::uint64_t columns = group.channels.size();
+    read = readArrayElements(file_, *array, allowance_.most(columns));
+    allowance_.take(read.elements.size() * columns);
   }
   if (!read.problem.empty()) {
     report_({channel->offset, read.problem + "; the array is left out"});

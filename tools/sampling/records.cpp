@@ -121,8 +121,8 @@ Records::Records(InputFile& file, const Identification& identification, const Da
       report_(report),
       data_(file, data_group.data, identification.isUnfinished(), DataStream::Access::forward,
             report),
-      format_(data_group,
-              recordIdBytes(data_group, data_, areCountsFinal(identification), report)) {}
+      format_(data_group, recordIdBytes(data_group, data_, areCountsFinal(identification), report)),
+      first_type_(firstTypeAt(file, data_group.data)) {}
 
 bool Records::isUnsorted() const { return data_group_.groups.size() > 1 && format_.idBytes() > 0; }
 
@@ -173,22 +173,23 @@ std::uint64_t Records::mostRecords(const ChannelGroup& group, std::uint64_t size
   return std::min(group.cycles, most);
 }
 
+/// Since version 4.2 there is data without invalidation bytes.
+bool Records::hasInvalidationApart(const ChannelGroup& group) const {
+  return group.invalidation_bytes > 0 && first_type_ == "DV";
+}
+
 SortedRecords Records::sortedRecords(const ChannelGroup& group) {
-  // Since version 4.2 there is data without invalidation bytes.
-  const bool is_apart =
-      group.invalidation_bytes > 0 && firstTypeAt(file_, data_group_.data) == "DV";
   const std::uint64_t size =
-      format_.idBytes() + (is_apart ? group.data_bytes : group.recordBytes());
-  SortedRecords records(data_, mostRecords(group, size), size, format_.idBytes());
-  if (is_apart && group.data_bytes > 0) {
-    records.join(std::make_unique<InvalidationData>(file_, data_group_.data, group,
-                                                    identification_.isUnfinished(), report_));
-  }
-  return records;
+      format_.idBytes() + (hasInvalidationApart(group) ? group.data_bytes : group.recordBytes());
+  return {data_, mostRecords(group, size), size, format_.idBytes()};
 }
 
 void Records::visitSorted(const ChannelGroup& group, const RecordVisitor& visit) {
   SortedRecords records = sortedRecords(group);
+  if (hasInvalidationApart(group) && group.data_bytes > 0) {
+    records.join(std::make_unique<InvalidationData>(file_, data_group_.data, group,
+                                                    identification_.isUnfinished(), report_));
+  }
   std::uint64_t count = 0;
   for (auto record = records.at(0); record; record = records.at(count)) {
     if (!visit(*record)) {

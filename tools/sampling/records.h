@@ -54,8 +54,8 @@ class Records {
   /// Whether all records are of this group, side by side, so that one can be had by its number.
   bool areSorted(const ChannelGroup& group) const { return !isUnsorted() && ownsAllRecords(group); }
 
-  /// Those of such a group. They use what this object reads of the data: it must outlast them, and
-  /// there is one group to be gone through at a time.
+  /// Those of such a group, without invalidation bytes that stand apart. They use what this object
+  /// reads of the data: it must outlast them, and there is one group to be gone through at a time.
   SortedRecords sortedRecords(const ChannelGroup& group);
 
   /// Bytes of the file that the data takes, as far as it was looked at.
@@ -81,6 +81,7 @@ class Records {
   bool isUnsorted() const;
   bool ownsAllRecords(const ChannelGroup& group) const;
   bool hasFinalCount(const ChannelGroup& group) const;
+  bool hasInvalidationApart(const ChannelGroup& group) const;
   std::uint64_t mostRecords(const ChannelGroup& group, std::uint64_t size);
   void visitSorted(const ChannelGroup& group, const RecordVisitor& visit);
   void visitUnsorted(const ChannelGroup& group, const RecordVisitor& visit);
@@ -98,6 +99,7 @@ class Records {
   const FindingSink& report_;
   DataStream data_;
   RecordFormat format_;
+  std::string first_type_;  ///< of the blocks with the data
   std::unordered_map<const ChannelGroup*, Extent> extents_;
   std::unordered_map<const ChannelGroup*, std::string> collected_;  ///< records side by side
   bool is_looked_through_ = false;

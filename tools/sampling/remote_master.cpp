@@ -7,6 +7,14 @@
 
 namespace mdf_tools {
 
+namespace {
+
+constexpr const char* used_up =
+    "expected remote masters that take little reading, found long records to be read again and "
+    "again";
+
+}  // namespace
+
 bool MasterAllowance::isUsedUp() const {
   constexpr std::uint64_t always = std::uint64_t{1} << 28U;
   constexpr std::uint64_t times = 256;
@@ -29,7 +37,7 @@ std::optional<std::string_view> MasterRecords::at(std::uint64_t number) {
     allowance_.take(record->size() - std::min<std::uint64_t>(record->size(), is_short));
   }
   if (allowance_.isUsedUp()) {
-    endAt("expected remote masters in short records, found the same long ones again and again");
+    endAt(used_up);
     return std::nullopt;
   }
   return record;
@@ -54,12 +62,14 @@ const RemoteMaster* RemoteMasters::of(const ChannelGroup& group) {
   }
   const std::string expected =
       "expected the remote master in a channel group at " + decimalAndHex(group.master_group);
-  const RemoteMaster* master = masterAt(group.master_group);
+  RemoteMaster* master = masterAt(group.master_group);
   if (master == nullptr) {
     report_({group.offset, expected + ", found none of the file"});
   } else if (master->plan.channel == nullptr) {
     report_({group.offset, expected + ", found one without a master channel"});
-  } else if (!recordsOf(*master->data_group).areSorted(*master->group)) {
+  } else if (allowance_.isUsedUp()) {
+    report_({group.offset, used_up});
+  } else if (!areSorted(*master)) {
     report_({group.offset, expected + " with its records side by side, found them unsorted"});
   } else {
     return master;
@@ -68,7 +78,7 @@ const RemoteMaster* RemoteMasters::of(const ChannelGroup& group) {
 }
 
 /// The group at an offset with what it has for a master; null where there is no group.
-const RemoteMaster* RemoteMasters::masterAt(std::uint64_t group_offset) {
+RemoteMaster* RemoteMasters::masterAt(std::uint64_t group_offset) {
   if (masters_.empty()) {
     listGroups();
   }
@@ -77,8 +87,9 @@ const RemoteMaster* RemoteMasters::masterAt(std::uint64_t group_offset) {
     return nullptr;
   }
   RemoteMaster& master = found->second;
-  const Channel* channel = master.group->masterChannel();
-  if (master.plan.channel == nullptr && channel != nullptr) {
+  if (!master.is_looked_for) {
+    master.is_looked_for = true;
+    const Channel* channel = master.group->masterChannel();
     for (ColumnPlan& plan : columnsOf(*master.group, silent_)) {
       if (plan.channel == channel) {
         master.plan = std::move(plan);
@@ -89,10 +100,17 @@ const RemoteMaster* RemoteMasters::masterAt(std::uint64_t group_offset) {
   return &master;
 }
 
+bool RemoteMasters::areSorted(RemoteMaster& master) {
+  if (!master.are_sorted) {
+    master.are_sorted = recordsOf(*master.data_group).areSorted(*master.group);
+  }
+  return *master.are_sorted;
+}
+
 void RemoteMasters::listGroups() {
   for (const DataGroup& data_group : measurement_.data_groups) {
     for (const ChannelGroup& group : data_group.groups) {
-      masters_.emplace(group.offset, RemoteMaster{&data_group, &group, {}});
+      masters_.emplace(group.offset, RemoteMaster{&data_group, &group, {}, false, {}});
     }
   }
 }
@@ -100,7 +118,8 @@ void RemoteMasters::listGroups() {
 /// Many groups may have the same master: what was found out of its data is kept for the next one.
 Records& RemoteMasters::recordsOf(const DataGroup& data_group) {
   if (data_group_ != &data_group) {
-    allowance_.take(records_ ? records_->storedBytes() : 0);
+    constexpr std::uint64_t for_looking_again = 65536;
+    allowance_.take(for_looking_again + (records_ ? records_->storedBytes() : 0));
     records_ = std::make_unique<Records>(file_, measurement_.identification, data_group, silent_);
     data_group_ = &data_group;
   }

@@ -24,7 +24,9 @@ class InputFile;
 struct RemoteMaster {
   const DataGroup* data_group = nullptr;
   const ChannelGroup* group = nullptr;
-  ColumnPlan plan;
+  ColumnPlan plan;  ///< without a channel where there is none
+  bool is_looked_for = false;
+  std::optional<bool> are_sorted;  ///< its records, once that was looked for
 };
 
 /// What goes through masters takes of the file, all of them together: a small file must not make
@@ -77,7 +79,8 @@ class RemoteMasters {
 
  private:
   void listGroups();
-  const RemoteMaster* masterAt(std::uint64_t group_offset);
+  RemoteMaster* masterAt(std::uint64_t group_offset);
+  bool areSorted(RemoteMaster& master);
   Records& recordsOf(const DataGroup& data_group);
 
   InputFile& file_;

@@ -287,6 +287,19 @@ TEST(Description, Arrays) {
   EXPECT_FALSE(described.group().channels.at(0).is_structure);
 }
 
+TEST(Description, ArraysHaveNoMoreDimensionsThanAnybodyTakes) {
+  FileBuilder builder;
+  Bytes contents;
+  contents.u8(0).u8(0).u16(1000).zeros(12);
+  for (int i = 0; i < 1000; ++i) {
+    contents.u64(1);
+  }
+  ChannelSpec spec;
+  spec.composition = builder.add("CA", {0}, contents);
+  addGroup(builder, {}, {spec}, 0);
+  EXPECT_EQ(Described(builder).group().channels.at(0).array.dimensions.size(), 17U);
+}
+
 TEST(Description, ArraysWithLyingDimensionsHaveThoseThatAreThere) {
   FileBuilder builder;
   const auto array =

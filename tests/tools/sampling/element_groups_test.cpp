@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -126,7 +127,7 @@ TEST(SplitElements, SizesThatLie) {
   for (const auto& dimensions : std::vector<std::vector<std::uint64_t>>{
            {0}, {65537}, {UINT64_MAX, UINT64_MAX}, std::vector<std::uint64_t>(17, 1)}) {
     expectFinding(csvOf(idsFile({channel_group, dimensions, {2}, {}}, "\1Aa\1Cc")), without_array,
-                  "expected an array of 1 to 65536 elements in up to 16 dimensions");
+                  " elements in up to 16 dimensions, found another number of them");
   }
 }
 
@@ -183,6 +184,31 @@ TEST(SplitElements, DataThatTheyShareHasALimit) {
   const Exported exported = csvOf(file.bytes());
   EXPECT_EQ(exported.findings.size(), 1U);
   EXPECT_LT(exported.text.size(), std::size_t{6} * 50000 * 6 + 200);
+}
+
+/// Array blocks one over the other: each could have all the bytes behind it for counts.
+TEST(SplitElements, BlocksThatOverlapHaveALimit) {
+  SampleFile file;
+  std::vector<std::uint64_t> groups;
+  std::vector<std::uint64_t> arrays;
+  for (int i = 0; i < 40; ++i) {
+    ChannelFields fields = firstByte("v");
+    arrays.push_back(addArray(file, {channel_group, {20000}, {}, {}}));
+    fields.composition = arrays.back();
+    groups.push_back(file.group({0, 1, 0, 1}, {file.channel(fields)}));
+    file.dataGroup({groups.back()}, 0, 4);
+  }
+  file.data(std::string(20000 * 8, '\0'));
+  for (const std::uint64_t array : arrays) {
+    file.write(array + 8, Bytes().u64(file.bytes().size() - array));
+  }
+  const Exported exported = csvOf(file.bytes());
+  const auto refused = std::count_if(
+      exported.findings.begin(), exported.findings.end(), [](const std::string& finding) {
+        return finding.find("elements in up to 16 dimensions, found") != std::string::npos;
+      });
+  EXPECT_EQ(refused, 36);  // each but those of the first four
+  EXPECT_EQ(exported.text.substr(0, 11), "v[0]\n\nv[1]\n");
 }
 
 }  // namespace
