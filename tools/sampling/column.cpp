@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "conversion.h"
-#include "remote_master.h"
 #include "text_encoding.h"
 
 namespace mdf_tools {
@@ -46,9 +45,6 @@ Column::Column(std::string name, ColumnSource source, const FindingSink& report)
          " bits");
   }
 }
-
-Column::Column(Column&& other) noexcept = default;
-Column::~Column() = default;
 
 /// Reports the first problem of the column: it may be there for each sample.
 void Column::tell(const std::string& sentence) {

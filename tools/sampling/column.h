@@ -10,12 +10,12 @@
 #include "reading/description.h"
 #include "reading/finding.h"
 #include "records.h"
+#include "remote_master.h"
 #include "value.h"
 
 namespace mdf_tools {
 
 class Conversion;
-class MasterRecords;
 
 /// A record and its number among those of its channel group, from 0 on.
 struct Sample {
@@ -39,8 +39,6 @@ struct ColumnSource {
 class Column {
  public:
   Column(std::string name, ColumnSource source, const FindingSink& report);
-  Column(Column&& other) noexcept;
-  ~Column();
 
   /// Its channel's name, which no other column of the table has.
   const std::string& name() const { return name_; }
