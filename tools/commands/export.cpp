@@ -36,8 +36,8 @@ csv    a line "name [unit],..." and a line for each sample, quoted as in RFC 418
 jsonl  a line {"schema":1,"group":N,"name":...,"columns":[{"name":...,"unit":...},...]} for each
        table and a line {"schema":1,"group":N,"values":{"name":value,...}} for each sample.
 
-Members of structures are called "structure.member", elements of arrays "name[0][1]"; the second
-channel with a name is "name (2)". Channel groups are counted from 0 on through the whole file. Where
+Members of structures are called "structure.member", elements of arrays "name[0][1]", members of
+such an element "name[0].member"; the second channel with a name is "name (2)". Channel groups are counted from 0 on through the whole file. Where
 an output is a folder, each table gets a file there: FILE.N.csv for channel group N of FILE.
 
 Elements of an array that have records of their own are a table each, with the channels that they

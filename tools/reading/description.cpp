@@ -44,6 +44,7 @@ class DescriptionReader {
   void readChannels(std::uint64_t first, ChannelGroup& group);
   Channel channel(const BlockFields& block);
   ArrayShape arrayShape(const BlockFields& array);
+  Step readElements(BlockFields array, ArrayShape& shape);
   std::string_view text(std::uint64_t offset) { return texts_.at(file_, offset); }
 
   InputFile& file_;
@@ -171,6 +172,9 @@ void DescriptionReader::readChannels(std::uint64_t first, ChannelGroup& group) {
     if (readFields(file_, block->link(1), "CA")) {
       if (const auto array = follow(block->offset(), block->link(1), "CA")) {
         channel.array = arrayShape(*array);
+        const Step members = readElements(*array, channel.array);
+        channel.is_structure = members.offset != 0;
+        steps.push_back({members.from, members.offset, step.depth + 1});
       }
     } else if (block->link(1) != 0) {
       channel.is_structure = true;
@@ -228,6 +232,20 @@ ArrayShape DescriptionReader::arrayShape(const BlockFields& array) {
     shape.dimensions.push_back(loadLe<std::uint64_t>(bytes.data()));
   }
   return shape;
+}
+
+/// What the elements of an array are: arrays, as deep as they go, and then structures, whose first
+/// member is returned, or nothing more.
+DescriptionReader::Step DescriptionReader::readElements(BlockFields array, ArrayShape& shape) {
+  while (readFields(file_, array.link(0), "CA")) {
+    const auto inner = follow(array.offset(), array.link(0), "CA");
+    if (!inner) {
+      return {array.offset(), 0, 0};
+    }
+    shape.inner.push_back(arrayShape(*inner));
+    array = *inner;
+  }
+  return {array.offset(), array.link(0), 0};
 }
 
 std::string upToZero(std::string_view text) { return std::string(text.substr(0, text.find('\0'))); }

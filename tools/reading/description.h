@@ -69,6 +69,7 @@ struct ArrayShape {
   std::uint64_t invalidation_step = 0;  ///< invalidation bits from one element to the next
   bool in_records = true;               ///< false: each element has records of its own
   bool is_column_oriented = false;
+  std::vector<ArrayShape> inner;  ///< of arrays that the elements are, level by level
 };
 
 struct Channel {
@@ -117,7 +118,7 @@ struct Channel {
   std::uint64_t source = 0;  ///< offsets of blocks, 0 for none
   std::uint64_t conversion = 0;
   std::uint64_t data = 0;
-  bool is_structure = false;  ///< its members follow, one level deeper
+  bool is_structure = false;  ///< its members follow, one level deeper; those of each element
   ArrayShape array;           ///< without dimensions for a channel that is none
 
   bool isMaster() const { return type == master || type == virtual_master; }

@@ -155,7 +155,7 @@ class ChannelLister {
          {"byte_offset", channel.byte_offset},
          {"bit_count", channel.bit_count},
          {"flags", channel.flags},
-         {"dimensions", channel.array.dimensions},
+         {"dimensions", allDimensions(channel.array)},
          {"depth", channel.depth},
          {"cycles", group.cycles},
          {"conversion", conversion},
@@ -172,12 +172,18 @@ class ChannelLister {
     return block ? conversionTypeName(static_cast<unsigned>(block->number("cc_type"))) : "";
   }
 
-  static std::string dataName(const Channel& channel) {
-    if (channel.is_structure) {
-      return "structure";
+  /// Those of an array, and of the arrays that its elements are.
+  static std::vector<std::uint64_t> allDimensions(const ArrayShape& array) {
+    std::vector<std::uint64_t> dimensions = array.dimensions;
+    for (const ArrayShape& inner : array.inner) {
+      dimensions.insert(dimensions.end(), inner.dimensions.begin(), inner.dimensions.end());
     }
-    std::string name = dataTypeName(channel.data_type);
-    for (const std::uint64_t dimension : channel.array.dimensions) {
+    return dimensions;
+  }
+
+  static std::string dataName(const Channel& channel) {
+    std::string name = channel.is_structure ? "structure" : dataTypeName(channel.data_type);
+    for (const std::uint64_t dimension : allDimensions(channel.array)) {
       name += '[' + std::to_string(dimension) + ']';
     }
     return name;

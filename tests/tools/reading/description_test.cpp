@@ -287,6 +287,30 @@ TEST(Description, Arrays) {
   EXPECT_FALSE(described.group().channels.at(0).is_structure);
 }
 
+TEST(Description, ArraysOfArraysOfStructures) {
+  FileBuilder builder;
+  ChannelSpec member;
+  member.name = "member";
+  const auto fields = [](std::uint32_t step) {
+    return Bytes().u8(0).u8(0).u16(1).u32(0).u32(step).u32(0).u64(2);
+  };
+  const auto inner = builder.add("CA", {addChannel(builder, member)}, fields(1));
+  ChannelSpec spec;
+  spec.composition = builder.add("CA", {inner}, fields(8));
+  addGroup(builder, {}, {spec, {}}, 0);
+  const Described described(builder);
+  EXPECT_EQ(described.findings, "");
+  const auto& channels = described.group().channels;
+  ASSERT_EQ(channels.size(), 3U);
+  EXPECT_TRUE(channels[0].is_structure);
+  ASSERT_EQ(channels[0].array.inner.size(), 1U);
+  EXPECT_EQ(channels[0].array.byte_step, 8);
+  EXPECT_EQ(channels[0].array.inner[0].byte_step, 1);
+  EXPECT_EQ(channels[1].name, "member");
+  EXPECT_EQ(channels[1].depth, 1U);
+  EXPECT_EQ(channels[2].depth, 0U);
+}
+
 TEST(Description, ArraysHaveNoMoreDimensionsThanAnybodyTakes) {
   FileBuilder builder;
   Bytes contents;

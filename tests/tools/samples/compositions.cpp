@@ -188,6 +188,62 @@ Sample arrayInStructure() {
                    {"0,9,10,11"}});
 }
 
+/// Two points of three bytes each, four bytes apart.
+Sample arrayOfStructures() {
+  SampleFile file;
+  const std::uint64_t x = addChannel(file, part("x", 8));
+  const std::uint64_t y = addChannel(file, part("y", 9, 16));
+  chain(file, {x, y});
+  ChannelSpec points = part("point", 8, 24);
+  points.data_type = 10;
+  points.composition = addArray(file, {0, 4, 0, {2}}, x);
+  const std::uint64_t channel = addChannel(file, points);
+  file.link(channel, 0, addChannel(file, part("last", 15)));
+  return composed("array-of-structures", "elements with members, and a channel behind them",
+                  std::move(file), channel, {"010200ff03040005", "060007fe08000909"},
+                  {{{"t", "s"},
+                    {"point[0].x", ""},
+                    {"point[0].y", ""},
+                    {"point[1].x", ""},
+                    {"point[1].y", ""},
+                    {"last", ""}},
+                   {"0,1,2,3,4,5", "0.5,6,1792,8,2304,9"}});
+}
+
+/// Members that are arrays in turn.
+Sample arrayOfStructuresOfArrays() {
+  SampleFile file;
+  ChannelSpec wheels = part("wheel", 9);
+  wheels.composition = addArray(file, {0, 1, 0, {2}});
+  const std::uint64_t load = addChannel(file, part("load", 8));
+  chain(file, {load, addChannel(file, wheels)});
+  ChannelSpec axles = part("axle", 8, 24);
+  axles.data_type = 10;
+  axles.composition = addArray(file, {0, 3, 0, {2}}, load);
+  const std::uint64_t channel = addChannel(file, axles);
+  return composed("array-of-structures-of-arrays", "elements with a member that is an array",
+                  std::move(file), channel, {"010203040506"},
+                  {{{"t", "s"},
+                    {"axle[0].load", ""},
+                    {"axle[0].wheel[0]", ""},
+                    {"axle[0].wheel[1]", ""},
+                    {"axle[1].load", ""},
+                    {"axle[1].wheel[0]", ""},
+                    {"axle[1].wheel[1]", ""}},
+                   {"0,1,2,3,4,5,6"}});
+}
+
+Sample arrayOfArrays() {
+  SampleFile file;
+  const std::uint64_t inner = addArray(file, {0, 1, 0, {2}});
+  ChannelSpec outer = part("v", 8);
+  outer.composition = addArray(file, {0, 3, 0, {2}}, inner);
+  const std::uint64_t channel = addChannel(file, outer);
+  return composed("array-of-arrays", "elements of two bytes, three bytes apart", std::move(file),
+                  channel, {"0102ff0304"},
+                  {elements({"[0][0]", "[0][1]", "[1][0]", "[1][1]"}), {"0,1,2,3,4"}});
+}
+
 /// An array of bytes whose elements have records of their own, as many as is said for each.
 std::uint64_t addSplitArray(SampleFile& file, std::uint8_t storage,
                             const std::vector<std::uint64_t>& dimensions,
@@ -275,10 +331,11 @@ Sample arrayOfChannelGroupsWithAxis() {
 }  // namespace
 
 Samples compositionSamples() {
-  return together({arrays(),
-                   {structure(), nestedStructure(), bitStructure(), invalidElements(),
-                    convertedArray(), arrayInStructure(), arrayOfChannelGroups(),
-                    arrayOfChannelGroupsWithAxis(), arrayOfDataGroups()}});
+  return together(
+      {arrays(),
+       {structure(), nestedStructure(), bitStructure(), invalidElements(), convertedArray(),
+        arrayInStructure(), arrayOfChannelGroups(), arrayOfChannelGroupsWithAxis(),
+        arrayOfDataGroups(), arrayOfStructures(), arrayOfStructuresOfArrays(), arrayOfArrays()}});
 }
 
 }  // namespace mdf_tests

@@ -541,6 +541,77 @@ TEST(Table, ArraysThatDoNotFitAreLeftOut) {
   EXPECT_EQ(csvOf(arrayFile({2}, 1, 0, 1)).findings.size(), 1U);  // elements elsewhere
 }
 
+/// An array of arrays or structures, and a channel behind it.
+std::string composedFile(SampleFile file, const std::vector<std::uint64_t>& dimensions,
+                         std::uint64_t composition) {
+  ChannelFields fields = number("v", 0, 0, 8);
+  fields.composition = arrayOf(file, dimensions, 2);
+  file.link(fields.composition, 0, composition);
+  const std::uint64_t last = file.channel(number("last", 0, 6, 8));
+  file.dataGroup({file.group({1, 7}, {file.channel(fields), last})}, file.data("ABCDEFG"));
+  return file.bytes();
+}
+
+TEST(Table, ArraysOfStructures) {
+  SampleFile file;
+  const std::uint64_t a = file.channel(number("a", 0, 0, 8));
+  file.chain({a, file.channel(number("b", 0, 1, 8))});
+  const std::string bytes = composedFile(file, {3}, a);
+  EXPECT_EQ(healthyCsvOf(bytes),
+            "v[0].a,v[0].b,v[1].a,v[1].b,v[2].a,v[2].b,last\n65,66,67,68,69,70,71\n");
+  Selection selection;
+  selection.channels = {"v.b"};
+  EXPECT_EQ(healthyCsvOf(bytes, selection), "v[0].b,v[1].b,v[2].b\n66,68,70\n");
+}
+
+TEST(Table, ArraysOfArrays) {
+  SampleFile file;
+  const std::uint64_t inner = arrayOf(file, {2}, 1);
+  EXPECT_EQ(healthyCsvOf(composedFile(file, {3}, inner)),
+            "v[0][0],v[0][1],v[1][0],v[1][1],v[2][0],v[2][1],last\n65,66,67,68,69,70,71\n");
+}
+
+TEST(Table, ArraysOfStructuresThatDoNotFitAreLeftOut) {
+  SampleFile file;
+  const std::uint64_t a = file.channel(number("a", 0, 0, 8));
+  file.chain({a, file.channel(number("b", 0, 1, 8))});
+  for (const auto& dimensions : std::vector<std::vector<std::uint64_t>>{
+           {5}, {UINT64_MAX}, std::vector<std::uint64_t>(17, 1)}) {
+    expectFinding(csvOf(composedFile(file, dimensions, a)), "last\n71\n",
+                  "expected an array that fits into records of 7 bytes");
+  }
+  const std::uint64_t too_many = arrayOf(file, {65536}, 1);
+  const std::uint64_t elsewhere = arrayOf(file, {2}, 1, 0, 1);
+  for (const std::uint64_t inner : {too_many, elsewhere}) {
+    expectFinding(csvOf(composedFile(file, {1}, inner)), "last\n71\n",
+                  "expected an array that fits into records of 7 bytes");
+  }
+}
+
+/// Structures in arrays in structures, and so on: each level twice what there is below.
+TEST(Table, ArraysOfStructuresInOneAnotherHaveALimit) {
+  SampleFile file;
+  std::uint64_t member = file.channel(number("a", 0, 0, 8));
+  for (int i = 0; i < 30; ++i) {
+    ChannelFields fields = number("s", 10, 0, 8);
+    fields.composition = arrayOf(file, {2}, 1);
+    file.link(fields.composition, 0, member);
+    member = file.channel(fields);
+  }
+  file.dataGroup({file.group({1, 7}, {member})}, file.data("ABCDEFG"));
+  const Exported exported = csvOf(file.bytes());
+  EXPECT_FALSE(exported.findings.empty());
+  EXPECT_LT(exported.findings.size(), 65537U);
+}
+
+TEST(Table, CompositionsOfArraysInACircle) {
+  SampleFile file;
+  const std::uint64_t inner = arrayOf(file, {1}, 1);
+  file.link(inner, 0, inner);
+  const Exported exported = csvOf(composedFile(file, {3}, inner));
+  EXPECT_EQ(exported.findings.size(), 1U);
+}
+
 TEST(Table, ChannelsOfTheSameName) {
   SampleFile file;
   const std::uint64_t group = file.group(
