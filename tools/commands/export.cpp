@@ -150,8 +150,7 @@ class Destination {
       return &out;
     }
     close();
-    const std::string name =
-        stemOf(path) + '.' + numbersOf(table.group()) + '.' + request_.format;
+    const std::string name = stemOf(path) + '.' + numbersOf(table.group()) + '.' + request_.format;
     file_ = std::make_unique<TableFile>((std::filesystem::path(request_.output) / name).string());
     return file_->isOpen() ? &file_->out() : nullptr;
   }
