@@ -238,12 +238,13 @@ void addExportCommand(CLI::App& app, int& exit_code) {
       ->add_option("-o,--output", request->output,
                    "A file, a folder with / at its end, or - for standard output")
       ->type_name("OUT");
+  CLI::Option* format = command->add_option("--format", request->format,
+                                            "The form of the tables; csv unless said otherwise");
+  format->check(CLI::IsMember({"csv", "jsonl"}))->option_text("csv|jsonl");
   command
-      ->add_option("--format", request->format, "The form of the tables; csv unless said otherwise")
-      ->check(CLI::IsMember({"csv", "jsonl"}))
-      ->option_text("csv|jsonl");
-  command->add_flag_callback(
-      "--json", [request] { request->format = "jsonl"; }, "The same as --format jsonl");
+      ->add_flag_callback(
+          "--json", [request] { request->format = "jsonl"; }, "The same as --format jsonl")
+      ->excludes(format);
   request->selection = addSelectionOptions(*command, false);
   command->footer(footer);
   command->callback([request, &exit_code] { exit_code = run(*request); });

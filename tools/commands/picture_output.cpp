@@ -17,10 +17,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
+[[noreturn]] void fail(const std::string& place) {
+  throw Unwritable("cannot write to " + place + ": " + std::generic_category().message(errno));
+}
+
 void writeToOutput(const std::string& bytes) {
   if (std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() ||
       std::fflush(stdout) != 0) {
-    throw Unwritable("cannot write to standard output: " + std::generic_category().message(errno));
+    fail("standard output");
   }
 }
 
@@ -29,7 +33,7 @@ void writeToDevice(const fs::path& path, const std::string& bytes) {
   std::ofstream device(path, std::ios::binary);
   device << bytes;
   if (!device.flush()) {
-    throw Unwritable("cannot write to " + path.string());
+    fail(path.string());
   }
 }
 

@@ -17,15 +17,38 @@ namespace mdf_tools {
 
 namespace {
 
-bool fitsOneOf(const std::vector<std::string>& patterns, const ColumnPlan& plan) {
-  const auto fits = [](const std::string& pattern, const std::string& name) {
-    return fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
-  };
-  return patterns.empty() ||
-         std::any_of(patterns.begin(), patterns.end(), [&](const std::string& pattern) {
-           return fits(pattern, plan.own_name) || fits(pattern, plan.path);
-         });
-}
+/// The patterns that channels are chosen by, and which of them have found any.
+class Patterns {
+ public:
+  explicit Patterns(const std::vector<std::string>& patterns)
+      : patterns_(patterns), has_found_(patterns.size()) {}
+
+  /// Whether a column fits one of them, or there are none.
+  bool fit(const ColumnPlan& plan) {
+    bool fits = patterns_.empty();
+    for (std::size_t i = 0; i < patterns_.size(); ++i) {
+      const char* const pattern = patterns_[i].c_str();
+      if (fnmatch(pattern, plan.own_name.c_str(), 0) == 0 ||
+          fnmatch(pattern, plan.path.c_str(), 0) == 0) {
+        has_found_[i] = true;
+        fits = true;
+      }
+    }
+    return fits;
+  }
+
+  void noteThoseWithoutAny(const NoteSink& note) const {
+    for (std::size_t i = 0; i < patterns_.size(); ++i) {
+      if (!has_found_[i]) {
+        note("there is no channel that fits \"" + patterns_[i] + '"');
+      }
+    }
+  }
+
+ private:
+  const std::vector<std::string>& patterns_;
+  std::vector<bool> has_found_;
+};
 
 /// Goes through the tables of one file.
 class Tables {
@@ -37,6 +60,7 @@ class Tables {
         visitor_(visitor),
         report_(report),
         note_(note),
+        patterns_(selection.channels),
         measurement_(readMeasurement(file, report)),
         conversions_(file, report),
         remote_masters_(file, measurement_, report) {
@@ -49,7 +73,7 @@ class Tables {
   bool haveDataOfTheirOwn(const DataGroup& data_group);
   bool isWanted(const ChannelGroup& group) const;
   void visitGroup(const DataGroup& data_group, const ChannelGroup& group);
-  std::vector<ColumnPlan> plansOf(const ChannelGroup& group, const RemoteMaster* remote) const;
+  std::vector<ColumnPlan> plansOf(const ChannelGroup& group, const RemoteMaster* remote);
   std::vector<Column> columnsFor(const ChannelGroup& group, const std::vector<ColumnPlan>& plans,
                                  const RemoteMaster* remote);
   ColumnSource sourceOf(const ChannelGroup& group, const ColumnPlan& plan);
@@ -63,6 +87,7 @@ class Tables {
   TableVisitor& visitor_;
   const FindingSink& report_;
   const NoteSink& note_;
+  Patterns patterns_;
   Measurement measurement_;
   Conversions conversions_;
   RemoteMasters remote_masters_;
@@ -94,6 +119,9 @@ std::size_t Tables::visit() {
       break;
     }
   }
+  if (count_ > 0) {
+    patterns_.noteThoseWithoutAny(note_);
+  }
   return count_;
 }
 
@@ -117,16 +145,13 @@ bool Tables::isWanted(const ChannelGroup& group) const {
 
 /// The columns of a group that are wanted, its own master channel's in front of them; none when no
 /// channel is.
-std::vector<ColumnPlan> Tables::plansOf(const ChannelGroup& group,
-                                        const RemoteMaster* remote) const {
+std::vector<ColumnPlan> Tables::plansOf(const ChannelGroup& group, const RemoteMaster* remote) {
   const Channel* master = group.masterChannel();
   std::vector<ColumnPlan> plans =
       columnsOf(group, report_, remote == nullptr ? "" : remote->plan.name);
   std::stable_partition(plans.begin(), plans.end(),
                         [&](const ColumnPlan& plan) { return plan.channel == master; });
-  const auto is_wanted = [&](const ColumnPlan& plan) {
-    return fitsOneOf(selection_.channels, plan);
-  };
+  const auto is_wanted = [&](const ColumnPlan& plan) { return patterns_.fit(plan); };
   if (std::none_of(plans.begin(), plans.end(), is_wanted)) {
     return {};
   }

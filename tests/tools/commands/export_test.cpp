@@ -137,6 +137,20 @@ TEST(ExportCommand, OutputFolderGetsAFileForEachElementWithRecordsOfItsOwn) {
   EXPECT_EQ(bytesOf(folder / "new/trip.0.1.csv"), "v[1]\n8\n");
 }
 
+TEST(ExportCommand, APatternThatFitsNothingIsNoted) {
+  const TempFile file(twoTables());
+  const RunResult result =
+      run({"export", "-c", "speed", "-c", "spede", "-c", "count*", file.path()});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.messages,
+            "mdf: " + file.path() + ": note: there is no channel that fits \"spede\"\n");
+}
+
+TEST(ExportCommand, OneFormAlone) {
+  const TempFile file(twoTables());
+  EXPECT_EQ(run({"export", "--json", "--format", "csv", file.path()}).exit_code, 2);
+}
+
 TEST(ExportCommand, OutputDoesNotOverwriteTheInput) {
   const TempFile file(twoTables());
   const RunResult result = run({"export", file.path(), "-o", file.path()});

@@ -162,7 +162,7 @@ TEST(PlotCommand, ADeviceStaysOne) {
   EXPECT_EQ(to("/dev/stdout").output.substr(0, 5), "<?xml");
   const RunResult full = to("/dev/full");
   EXPECT_EQ(full.exit_code, 1);
-  EXPECT_EQ(full.messages, "mdf: cannot write to /dev/full\n");
+  EXPECT_EQ(full.messages, "mdf: cannot write to /dev/full: No space left on device\n");
 }
 
 TEST(PlotCommand, OutputThatCannotBeWritten) {
