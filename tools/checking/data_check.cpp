@@ -142,12 +142,9 @@ std::optional<std::uint64_t> dataBytesOf(const Subject& subject, std::uint64_t o
     return std::nullopt;
   }
   const std::string_view type = block->letters();
-  constexpr std::string_view counted = "DT SD RD";
+  constexpr std::string_view counted = "DT SD RD DV";
   if (type == "DZ") {
-    const BlockFields fields(subject.file, *block);
-    return fields.bytes("dz_org_block_type") == "DV"
-               ? std::nullopt  // counted by what stands in two places
-               : std::optional(fields.number("dz_org_data_length"));
+    return BlockFields(subject.file, *block).number("dz_org_data_length");
   }
   if (!isAmongTargets(counted, type)) {
     return std::nullopt;

@@ -230,7 +230,7 @@ void RecordCheck::checkData() {
   }
   if (groups_.size() == 1 && !groups_[0].is_variable_length) {
     checkOnlyGroup(data);
-  } else {
+  } else if (!data.are_values_alone) {
     countRecords(data);
   }
 }
@@ -238,14 +238,16 @@ void RecordCheck::checkData() {
 void RecordCheck::checkOnlyGroup(const DataBlocks& data) {
   const RecordGroup& group = groups_[0];
   const std::uint64_t bytes = bytesOf(data);
+  const std::uint64_t record_bytes = data.are_values_alone ? group.data_bytes : group.recordBytes();
   const auto possible = idBytesFor(id_code_);
   const auto right = std::find_if(possible.begin(), possible.end(), [&](std::uint64_t id_bytes) {
-    return isMadeOf(bytes, group.cycles, group.recordBytes() + id_bytes);
+    return isMadeOf(bytes, group.cycles, record_bytes + id_bytes);
   });
   if (right == possible.end()) {
     subject_.report(Code::cycle_count_wrong, group.index,
-                    wrongCount(group.cycles, group.recordBytes() + possible[0], bytes));
-  } else if (!group.variable_channels.empty() && records_left_.take(data.stored_bytes)) {
+                    wrongCount(group.cycles, record_bytes + possible[0], bytes));
+  } else if (record_bytes == group.recordBytes() && !group.variable_channels.empty() &&
+             records_left_.take(data.stored_bytes)) {
     checkValues(data, *right);
   }
 }

@@ -26,7 +26,10 @@ class DataCollector {
     const auto header_list = readFields(subject_.file, first, "HL");
     std::uint64_t next = header_list ? header_list->link(0) : first;
     while (next != 0 && isFine()) {
-      const auto list = readFields(subject_.file, next, "DL");
+      auto list = readFields(subject_.file, next, "DL");
+      if (!list) {
+        list = readFields(subject_.file, next, "LD");
+      }
       if (list) {
         addList(*list);
         next = list->link(0);
@@ -55,10 +58,13 @@ class DataCollector {
     if (!take(list.offset())) {
       return;
     }
+    // Behind the links to values there may be as many to invalidation data.
+    const std::uint64_t end =
+        list.raw().letters() == "LD" ? 1 + list.number("ld_count") : UINT64_MAX;
     forEachSurveyedLink(subject_.file, list.raw(),
                         subject_.blocks[subject_.blocks.find(list.offset())],
                         [&](std::uint64_t number, std::uint64_t target) {
-                          if (number > 0 && target != 0 && isFine()) {
+                          if (number > 0 && number < end && target != 0 && isFine()) {
                             add(target);
                           }
                         });
@@ -70,7 +76,14 @@ class DataCollector {
       data_.offsets.push_back(offset);
       const auto block = readRawBlock(subject_.file, offset);
       data_.stored_bytes += block ? subject_.space.endOf(*block) - offset : 0;
+      data_.are_values_alone = data_.are_values_alone || (block && holdsValuesAlone(*block));
     }
+  }
+
+  bool holdsValuesAlone(const RawBlock& block) const {
+    return block.letters() == "DV" ||
+           (block.letters() == "DZ" &&
+            BlockFields(subject_.file, block).bytes("dz_org_block_type") == "DV");
   }
 
   const Subject& subject_;

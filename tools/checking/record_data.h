@@ -15,12 +15,15 @@ namespace mdf_tools {
 struct DataBlocks {
   std::vector<std::uint64_t> offsets;
   std::uint64_t stored_bytes = 0;  ///< of the file that the blocks take
+  /// Whether they are values alone, without invalidation bytes, as there may be since version 4.2.
+  bool are_values_alone = false;
   bool is_known = true;    ///< false: a link leads elsewhere, or to data of a kind not known
   bool is_shared = false;  ///< something was the data of a group before; what follows is left out
 };
 
-/// Collects the blocks behind a data link through header and data lists. What is found is added to
-/// `seen`, so that however many groups share their data, each block is collected once.
+/// Collects the blocks behind a data link through header lists, data lists and lists of values.
+/// What is found is added to `seen`, so that however many groups share their data, each block is
+/// collected once.
 DataBlocks dataBlocksAt(const Subject& subject, std::uint64_t first, OffsetSet& seen);
 
 /// The bytes of data blocks one behind the other, unzipped. Blocks that overlap may hold more than

@@ -401,9 +401,11 @@ BrokenFile mastersOverlap() {
                     speed_path + "]");
 }
 
-/// What a file comes to whose list of values has these links behind the next one, and these fields.
+/// What a file without records comes to whose list of values has these links behind the next one,
+/// and these fields.
 std::string checkedValueList(std::vector<std::uint64_t> links, const std::string& fields) {
   SmallFile file("MDF     ", 420);
+  file.setGroup({0, 0, 0, 9, 0});
   links.insert(links.begin(), 0);
   file.replaceData(file.add("LD", links, fields));
   return checkedBytes(file.bytes());

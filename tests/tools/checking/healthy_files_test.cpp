@@ -89,7 +89,7 @@ TEST(HealthyFiles, LinksBackwardsAndSharedBlocks) {
 TEST(HealthyFiles, TypesAndLinksOfNewerVersions) {
   SmallFile file("MDF     ", 420);
   const auto data = file.add("DV", {}, Bytes().zeros(18));
-  file.link(SmallFile::data_group, 2, file.add("LD", {0, data}, Bytes().zeros(16)));
+  file.link(SmallFile::data_group, 2, file.add("LD", {0, data}, Bytes().u32(0).u32(1).u64(0)));
   file.write(SmallFile::data, Bytes().zeros(42));
   const auto unknown = file.add("QX", {SmallFile::group, 64, 0}, "...");
   file.link(SmallFile::speed, 1, unknown);
