@@ -183,11 +183,17 @@ std::uint64_t valueGroup(SampleFile& file, const std::string& name, std::size_t 
   return file.group(group, {channel});
 }
 
+/// A data group of such numbers.
+void addColumn(SampleFile& file, const std::string& name, std::size_t count, std::uint64_t master) {
+  const std::uint64_t data = file.add("DV", {}, values(count));
+  file.dataGroup({valueGroup(file, name, count, master)}, data);
+}
+
 Sample remoteMaster() {
   SampleFile file = newFile();
   const std::uint64_t time = timeGroup(file, 4);
   file.dataGroup({time}, file.add("DV", {}, times(4)));
-  file.dataGroup({valueGroup(file, "v", 4, time)}, file.add("DV", {}, values(4)));
+  addColumn(file, "v", 4, time);
   return {"remote-master",
           "a channel group whose time is in another one",
           file.bytes(),
@@ -199,8 +205,9 @@ Sample sharedMaster() {
   SampleFile file = newFile();
   const std::uint64_t time = timeGroup(file, 5);
   const std::uint64_t listed = addEqualList(file, addPieces(file, "DT", times(5), 12), 12);
-  file.dataGroup({valueGroup(file, "a", 5, time)}, file.add("DV", {}, values(5)));
-  file.dataGroup({valueGroup(file, "b", 3, time)}, addZipped(file, "DV", values(3), 2));
+  addColumn(file, "a", 5, time);
+  const std::uint64_t zipped = addZipped(file, "DV", values(3), 2);
+  file.dataGroup({valueGroup(file, "b", 3, time)}, zipped);
   file.dataGroup({valueGroup(file, "c", 0, time)}, 0);
   file.dataGroup({time}, listed);
   return {"remote-master-shared",
@@ -214,7 +221,7 @@ Sample masterInRecords() {
   SampleFile file = newFile();
   const std::uint64_t group = file.group(countingGroup(4), countingChannels());
   file.dataGroup({group}, file.add("DT", {}, countingRecords(4)));
-  file.dataGroup({valueGroup(file, "t", 4, group)}, file.add("DV", {}, values(4)));
+  addColumn(file, "t", 4, group);
   return {"remote-master-in-records",
           "the time of a group with records, and another channel of its name",
           file.bytes(),
@@ -231,7 +238,7 @@ Sample virtualRemoteMaster() {
   time.conversion = addConversion(file, {1, {}, {0, 0.5}, "", ""});
   const std::uint64_t group = file.group(columnOf(3, 0), {time});
   file.dataGroup({group}, 0);
-  file.dataGroup({valueGroup(file, "v", 3, group)}, file.add("DV", {}, values(3)));
+  addColumn(file, "v", 3, group);
   return {"remote-master-virtual",
           "a time that is counted, in another group",
           file.bytes(),
