@@ -8,28 +8,11 @@
 #include <utility>
 
 #include "data_check.h"
+#include "reading/description.h"
 
 namespace mdf_tools {
 
 namespace {
-
-/// The byte counts of record ids that a code may stand for. 3 is taken for 4; 4 is 4 bytes by the
-/// format, yet some write it for 8.
-std::vector<std::uint64_t> idBytesFor(std::uint64_t code) {
-  switch (code) {
-    case 0:
-    case 1:
-    case 2:
-    case 8:
-      return {code};
-    case 3:
-      return {4};
-    case 4:
-      return {4, 8};
-    default:
-      return {};
-  }
-}
 
 /// Whether data is made of so many records.
 bool isMadeOf(std::uint64_t data_bytes, std::uint64_t records, std::uint64_t record_bytes) {
@@ -155,7 +138,7 @@ void RecordCheck::addElements() {
 
 /// Whether the records can be told apart. Puts the groups in the order of their ids.
 bool RecordCheck::checkIds() {
-  const auto possible = idBytesFor(id_code_);
+  const auto possible = recordIdBytesFor(id_code_);
   if (possible.empty()) {
     subject_.report(Code::record_id_size_wrong, *data_group_,
                     "expected record ids of 0, 1, 2, 4 or 8 bytes, found dg_rec_id_size " +
@@ -239,7 +222,7 @@ void RecordCheck::checkOnlyGroup(const DataBlocks& data) {
   const RecordGroup& group = groups_[0];
   const std::uint64_t bytes = bytesOf(data);
   const std::uint64_t record_bytes = data.are_values_alone ? group.data_bytes : group.recordBytes();
-  const auto possible = idBytesFor(id_code_);
+  const auto possible = recordIdBytesFor(id_code_);
   const auto right = std::find_if(possible.begin(), possible.end(), [&](std::uint64_t id_bytes) {
     return isMadeOf(bytes, group.cycles, record_bytes + id_bytes);
   });
@@ -253,7 +236,7 @@ void RecordCheck::checkOnlyGroup(const DataBlocks& data) {
 }
 
 void RecordCheck::countRecords(const DataBlocks& data) {
-  const auto possible = idBytesFor(id_code_);
+  const auto possible = recordIdBytesFor(id_code_);
   std::uint64_t id_bytes = possible[0];
   if (!records_left_.take(data.stored_bytes)) {
     return;

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "reading/description.h"
 #include "reading/input_file.h"
 #include "reading/walker.h"
 
@@ -84,10 +85,10 @@ std::optional<std::uint64_t> countBytes(InputFile& file, std::uint64_t link) {
 }  // namespace
 
 std::optional<std::uint64_t> recordIdBytes(InputFile& file, const BlockFields& data_group) {
-  constexpr std::uint64_t code_of_four_bytes = 3;
   const std::uint64_t code = data_group.number("dg_rec_id_size");
-  if (code != 4) {
-    return code == code_of_four_bytes ? 4 : code;
+  const auto possible = recordIdBytesFor(code);
+  if (possible.size() < 2) {
+    return possible.empty() ? code : possible.front();
   }
   const auto counts = countRecords(file, data_group.link(1));
   if (counts && counts->has_large_id) {

@@ -10,9 +10,9 @@ namespace mdf_tools {
 
 class InputFile;
 
-/// The bytes of a data group's record ids by what stands in front of the data. Most writers store
-/// their number, others 3 for four and 4 for eight: whether a 4 is four or eight is told by the
-/// length of the data and the counts of its records. Nothing where these leave it open.
+/// The bytes of a data group's record ids by what stands in front of the data: which of those that
+/// its code may stand for is told by the length of the data and the counts of its records. Nothing
+/// where these leave it open.
 std::optional<std::uint64_t> recordIdBytes(InputFile& file, const BlockFields& data_group);
 
 }  // namespace mdf_tools

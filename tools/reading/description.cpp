@@ -256,6 +256,22 @@ bool Identification::isFinished() const { return file_word == "MDF     "; }
 
 bool Identification::isUnfinished() const { return file_word == "UnFinMF "; }
 
+std::vector<unsigned> recordIdBytesFor(std::uint64_t code) {
+  switch (code) {
+    case 0:
+    case 1:
+    case 2:
+    case 8:
+      return {static_cast<unsigned>(code)};
+    case 3:
+      return {4};
+    case 4:
+      return {4, 8};
+    default:
+      return {};
+  }
+}
+
 Identification readIdentification(InputFile& file) {
   std::array<char, header_block_offset> bytes{};
   file.readAt(0, bytes.data(), bytes.size());

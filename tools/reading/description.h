@@ -206,6 +206,11 @@ void forEachInChain(InputFile& file, std::uint64_t first, std::string_view lette
                     const FindingSink& report,
                     const std::function<void(const BlockFields& block)>& visit);
 
+/// The numbers of bytes that a data group's record ids may have by its code; none for a code that
+/// is not known. Most writers store the number. Others store 3 for four bytes and 4 for eight, so
+/// that a 4 leaves both: four bytes, as the format has it, come first.
+std::vector<unsigned> recordIdBytesFor(std::uint64_t code);
+
 Identification readIdentification(InputFile& file);
 
 /// A source block's texts.

@@ -91,22 +91,16 @@ Record RecordFormat::variable(DataStream& data, std::uint64_t position,
 
 unsigned recordIdBytes(const DataGroup& data_group, DataStream& data, bool has_counts,
                        const FindingSink& report) {
-  switch (data_group.record_id_code) {
-    case 0:
-    case 1:
-    case 2:
-    case 8:
-      return data_group.record_id_code;
-    case 3:
-      return 4;
-    case 4:
-      return !fits(data_group, data, 4, has_counts) && fits(data_group, data, 8, has_counts) ? 8
-                                                                                             : 4;
-    default:
-      report({data_group.offset, "expected record ids of 0, 1, 2, 4 or 8 bytes, found the code " +
-                                     std::to_string(data_group.record_id_code)});
-      return 0;
+  const auto possible = recordIdBytesFor(data_group.record_id_code);
+  if (possible.empty()) {
+    report({data_group.offset, "expected record ids of 0, 1, 2, 4 or 8 bytes, found the code " +
+                                   std::to_string(data_group.record_id_code)});
+    return 0;
   }
+  const bool is_the_last = possible.size() > 1 &&
+                           !fits(data_group, data, possible.front(), has_counts) &&
+                           fits(data_group, data, possible.back(), has_counts);
+  return is_the_last ? possible.back() : possible.front();
 }
 
 }  // namespace mdf_tools

@@ -38,9 +38,8 @@ class RecordFormat {
   std::unordered_map<std::uint64_t, const ChannelGroup*> groups_;
 };
 
-/// Bytes of the record ids by the code that a data group has. Most writers store the number of
-/// bytes, others 3 for four bytes and 4 for eight: where that leaves two readings of a 4, the data
-/// decides, and four bytes where it does not.
+/// Bytes of the record ids: of those that a data group's code may stand for the ones that the data
+/// bears out, and the first where it does not decide.
 /// @param has_counts the cycle counts of the groups are final.
 unsigned recordIdBytes(const DataGroup& data_group, DataStream& data, bool has_counts,
                        const FindingSink& report);

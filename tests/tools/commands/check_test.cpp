@@ -13,15 +13,6 @@ using namespace mdf_tests;
 
 namespace {
 
-/// The small file with a link that leads nowhere, a text that is no UTF-8 and no master channel.
-std::string faultyFile() {
-  SmallFile file;
-  file.setComment(739);
-  file.write(SmallFile::time_name + 24, "\xFF");
-  file.setChannel(SmallFile::time, {0, 0, 4, 0, 0, 64});
-  return file.bytes();
-}
-
 TEST(CheckCommand, HealthyFile) {
   const TempFile file(SmallFile().bytes());
   const RunResult result = run({"check", file.path()});

@@ -19,15 +19,6 @@ RunOptions terminal(const std::string& type, const std::string& no_color = "") {
   return options;
 }
 
-/// A file with a text that is no UTF-8, a link that leads nowhere and no master channel.
-std::string faultyFile() {
-  SmallFile file;
-  file.setComment(739);
-  file.write(SmallFile::time_name + 24, "\xFF");
-  file.setChannel(SmallFile::time, {0, 0, 4, 0, 0, 64});
-  return file.bytes();
-}
-
 TEST(Colours, CheckShowsSeverities) {
   const TempFile file(faultyFile());
   EXPECT_EQ(run({"check", file.path()}, terminal("xterm")).output,

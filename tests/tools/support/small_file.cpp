@@ -93,4 +93,12 @@ void SmallFile::replaceData(std::uint64_t block) {
   write(data, Bytes().zeros(static_cast<std::size_t>(end - data)));
 }
 
+std::string faultyFile() {
+  SmallFile file;
+  file.setComment(739);
+  file.write(SmallFile::time_name + 24, "\xFF");
+  file.setChannel(SmallFile::time, {0, 0, 4, 0, 0, 64});
+  return file.bytes();
+}
+
 }  // namespace mdf_tests

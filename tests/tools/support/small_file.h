@@ -77,6 +77,10 @@ class SmallFile : public FileBuilder {
   void replaceData(std::uint64_t block);
 };
 
+/// The small file with a link that leads nowhere, a text that is no UTF-8 and no master channel: an
+/// error, a warning and a note.
+std::string faultyFile();
+
 }  // namespace mdf_tests
 
 #endif  // MDF_TESTS_TOOLS_SUPPORT_SMALL_FILE_H_
