@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
-#include "reading/input_file.h"
-#include "reading/walker.h"
+#include "reader/blocks/walker.h"
+#include "reader/bytes/input_file.h"
 #include "recording/output_file.h"
 #include "recording/recorder.h"
 #include "support/comparison.h"
@@ -28,7 +28,7 @@ namespace mdf_bench {
 
 namespace {
 
-using mdf_tools::InputFile;
+using mdf_reader::InputFile;
 using mdf_v4_10::CNBLOCK;
 using mdf_v4_10::HDBLOCK;
 using mdf_v4_10::IDBLOCK;
@@ -59,7 +59,7 @@ void writeManyBlocks(const std::string& path) {
 }
 
 std::vector<std::uint64_t> walk(InputFile& file) {
-  return mdf_tools::walkBlocks(file, [](const mdf_tools::Finding& /*finding*/) {});
+  return mdf_reader::walkBlocks(file, [](const mdf_reader::Finding& /*finding*/) {});
 }
 
 /// A stream buffer over a file in memory.

@@ -5,7 +5,7 @@
 #include "checking/file_check.h"
 #include "expect.h"
 #include "memory_file.h"
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 #include "support/allocation_counter.h"
 #include "targets.h"
 
@@ -40,7 +40,7 @@ std::size_t memoryFor(std::string_view input) {
 std::string tryCheck(std::string_view input) {
   static const MemoryFile memory;
   memory.hold(input);
-  mdf_tools::InputFile file(memory.path());
+  mdf_reader::InputFile file(memory.path());
   std::size_t count = 0;
   const mdf_tests::AllocationLimit limit(memoryFor(input));
   mdf_tools::checkFile(file, [&](const Problem& problem) {

@@ -2,26 +2,26 @@
 #include <ostream>
 #include <string>
 
-#include "drawing/block_graph.h"
-#include "drawing/block_json.h"
-#include "drawing/block_map.h"
-#include "drawing/tree_text.h"
 #include "memory_file.h"
 #include "output_check.h"
-#include "reading/file_dump.h"
-#include "reading/input_file.h"
+#include "pictures/block_graph.h"
+#include "pictures/block_map.h"
+#include "printing/block_json.h"
+#include "printing/file_dump.h"
+#include "printing/tree_text.h"
+#include "reader/bytes/input_file.h"
 #include "targets.h"
 
 namespace mdf_fuzz {
 
-using mdf_tools::InputFile;
+using mdf_reader::InputFile;
 
 std::string tryDraw(std::string_view input) {
   static const MemoryFile memory;
   memory.hold(input);
   const std::string path = memory.path();
   const std::uint64_t most_links = mostLinks(input.size());
-  using mdf_tools::FindingSink;
+  using mdf_reader::FindingSink;
   const auto draw = [&](Lines::Kind kind, std::uint64_t most, const auto& write) {
     tryWriting(path, kind, most, write);
   };
@@ -32,7 +32,7 @@ std::string tryDraw(std::string_view input) {
          mdf_tools::writeTree(file, all, os, r);
        });
   draw(Lines::Kind::json, most_links, [&](InputFile& file, std::ostream& os, const FindingSink& r) {
-    mdf_tools::writeTreeAsJson(file, {mdf_tools::header_block_offset, 9, 3}, os, r);
+    mdf_tools::writeTreeAsJson(file, {mdf_reader::header_block_offset, 9, 3}, os, r);
   });
   draw(Lines::Kind::harmless, 10 * most_links + 100,
        [&](InputFile& file, std::ostream& os, const FindingSink& r) {

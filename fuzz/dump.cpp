@@ -10,10 +10,10 @@
 #include "expect.h"
 #include "finding_check.h"
 #include "memory_file.h"
-#include "reading/file_dump.h"
-#include "reading/finding.h"
-#include "reading/input_file.h"
-#include "reading/output_buffer.h"
+#include "printing/file_dump.h"
+#include "printing/output_buffer.h"
+#include "reader/blocks/finding.h"
+#include "reader/bytes/input_file.h"
 #include "support/allocation_counter.h"
 #include "targets.h"
 
@@ -56,14 +56,14 @@ struct Dump {
 
 Dump dumpFile(const std::string& path) {
   const MemoryOutput memory;
-  mdf_tools::InputFile file(path);
+  mdf_reader::InputFile file(path);
   OutputBuffer output(memory.file(), OutputBuffer::Bytes::as_they_are);
   std::ostream os(&output);
   Dump dump;
   {
     const mdf_tests::AllocationLimit limit((std::size_t{1} << 20U) +
                                            32 * static_cast<std::size_t>(file.size()));
-    mdf_tools::dumpFile(file, os, [&](const mdf_tools::Finding& finding) {
+    mdf_tools::dumpFile(file, os, [&](const mdf_reader::Finding& finding) {
       expectSentence(finding, file.size());
       ++dump.findings;
     });

@@ -8,11 +8,11 @@
 #include "expect.h"
 #include "finding_check.h"
 #include "memory_file.h"
-#include "reading/finding.h"
-#include "reading/input_file.h"
-#include "sampling/chart.h"
-#include "sampling/table_writers.h"
-#include "sampling/text_encoding.h"
+#include "pictures/chart.h"
+#include "printing/table_writers.h"
+#include "reader/blocks/finding.h"
+#include "reader/bytes/input_file.h"
+#include "reader/values/text_encoding.h"
 #include "support/allocation_counter.h"
 #include "targets.h"
 
@@ -20,6 +20,7 @@ namespace mdf_fuzz {
 
 namespace {
 
+using namespace mdf_reader;
 using namespace mdf_tools;
 
 /// How many fields each line of CSV has.

@@ -5,14 +5,14 @@
 #include <cstdint>
 
 #include "expect.h"
-#include "reading/finding.h"
+#include "reader/blocks/finding.h"
 
 namespace mdf_fuzz {
 
 inline bool isPrintable(char character) { return character >= 0x20 && character < 0x7F; }
 
 /// What every finding about a file must be like.
-inline void expectSentence(const mdf_tools::Finding& finding, std::uint64_t file_size) {
+inline void expectSentence(const mdf_reader::Finding& finding, std::uint64_t file_size) {
   expect(finding.offset <= file_size, "a finding inside the file");
   expect(finding.sentence.rfind("expected ", 0) == 0 &&
              finding.sentence.find(", found ") != std::string::npos &&

@@ -6,12 +6,12 @@
 #include <streambuf>
 #include <string>
 
-#include "drawing/one_line.h"
 #include "expect.h"
 #include "finding_check.h"
-#include "reading/input_file.h"
-#include "showing/json_output.h"
-#include "showing/text_table.h"
+#include "printing/json_output.h"
+#include "printing/one_line.h"
+#include "printing/text_table.h"
+#include "reader/bytes/input_file.h"
 #include "support/allocation_counter.h"
 
 namespace mdf_fuzz {
@@ -73,13 +73,14 @@ inline std::uint64_t mostLinks(std::size_t file_size) {
 template <class Write>
 void tryWriting(const std::string& path, Lines::Kind kind, std::uint64_t most_lines,
                 const Write& write) {
-  mdf_tools::InputFile file(path);
+  mdf_reader::InputFile file(path);
   const auto size = static_cast<std::size_t>(file.size());
   const mdf_tests::AllocationLimit limit((std::size_t{8} << 20U) + 64 * size);
   Lines lines(kind);
   std::ostream os(&lines);
   os.exceptions(std::ios_base::badbit);
-  write(file, os, [&](const mdf_tools::Finding& finding) { expectSentence(finding, file.size()); });
+  write(file, os,
+        [&](const mdf_reader::Finding& finding) { expectSentence(finding, file.size()); });
   lines.expectEnd();
   expect(lines.count() <= most_lines, "output in proportion to the file");
 }

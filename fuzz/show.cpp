@@ -8,16 +8,16 @@
 #include "extracting/extract.h"
 #include "memory_file.h"
 #include "output_check.h"
-#include "showing/info.h"
-#include "showing/listing.h"
+#include "printing/info.h"
+#include "printing/listing.h"
 #include "targets.h"
 
 namespace mdf_fuzz {
 
 namespace {
 
-using mdf_tools::FindingSink;
-using mdf_tools::InputFile;
+using mdf_reader::FindingSink;
+using mdf_reader::InputFile;
 
 /// A folder that is gone with the process.
 class Folder {

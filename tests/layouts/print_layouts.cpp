@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "reading/block_layout.h"
+#include "reader/blocks/block_layout.h"
 
-using namespace mdf_tools;
+using namespace mdf_reader;
 
 namespace {
 

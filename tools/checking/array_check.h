@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <optional>
 
-#include "reading/block_fields.h"
+#include "reader/blocks/block_fields.h"
 #include "subject.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 /// Checks that a channel array whose shape is right has the links and numbers that its dimensions,
 /// flags and storage speak of. Returns how many elements it has, UINT64_MAX standing for more too;

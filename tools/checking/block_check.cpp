@@ -3,11 +3,13 @@
 #include <string>
 #include <string_view>
 
-#include "link_kinds.h"
-#include "reading/walker.h"
-#include "survey.h"
+#include "reader/blocks/link_kinds.h"
+#include "reader/blocks/survey.h"
+#include "reader/blocks/walker.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <string_view>
 
-#include "reading/block_fields.h"
+#include "reader/blocks/block_fields.h"
 #include "subject.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 /// Checks a block's place, length, number of links and counts. Returns whether its fields and what
 /// stands behind them are all there.

@@ -5,10 +5,12 @@
 #include <optional>
 #include <vector>
 
-#include "reading/block_fields.h"
+#include "reader/blocks/block_fields.h"
 #include "subject.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 /// Checks the channels of a channel group against each other and against the length of its records.
 class ChannelCheck {

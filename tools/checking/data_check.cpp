@@ -7,11 +7,13 @@
 #include <vector>
 
 #include "framework/wire.h"
-#include "reading/block_layout.h"
-#include "reading/digest.h"
-#include "reading/inflate.h"
+#include "reader/blocks/block_layout.h"
+#include "reader/bytes/digest.h"
+#include "reader/bytes/inflate.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 using mdf_v4_10::detail::hostSize;
 using mdf_v4_10::detail::loadLe;

@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <optional>
 
-#include "reading/block_fields.h"
+#include "reader/blocks/block_fields.h"
 #include "subject.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 /// The bytes of data that a block holds, unzipped, by what it says itself. Nothing for an offset
 /// without a block and for types that hold none or are not known.

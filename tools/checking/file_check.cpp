@@ -7,21 +7,21 @@
 #include "array_check.h"
 #include "block_check.h"
 #include "data_check.h"
-#include "reading/description.h"
-#include "reading/input_file.h"
-#include "reading/raw_block.h"
-#include "reading/walker.h"
+#include "reader/blocks/raw_block.h"
+#include "reader/blocks/survey.h"
+#include "reader/blocks/walker.h"
+#include "reader/bytes/input_file.h"
+#include "reader/model/description.h"
 #include "record_check.h"
 #include "space.h"
 #include "subject.h"
-#include "survey.h"
 #include "text_check.h"
 
 namespace mdf_tools {
 
-namespace {
+using namespace mdf_reader;
 
-std::string quoted(std::string_view bytes) { return '"' + printable(bytes) + '"'; }
+namespace {
 
 bool hasHeaderBlock(InputFile& file) {
   const auto block = readRawBlock(file, header_block_offset);

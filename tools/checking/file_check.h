@@ -5,9 +5,13 @@
 
 #include "problem.h"
 
+namespace mdf_reader {
+class InputFile;
+}  // namespace mdf_reader
+
 namespace mdf_tools {
 
-class InputFile;
+using namespace mdf_reader;
 
 /// Checks a file of any version of MDF 4, by any program, and reports what is wrong as it is found.
 /// Returns how many blocks it has looked at. Time and memory are in proportion to the file, and to

@@ -8,9 +8,11 @@
 #include <utility>
 
 #include "data_check.h"
-#include "reading/description.h"
+#include "reader/model/description.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

@@ -7,14 +7,16 @@
 #include <vector>
 
 #include "channel_check.h"
-#include "reading/array_elements.h"
-#include "reading/block_fields.h"
-#include "reading/offset_set.h"
+#include "reader/blocks/block_fields.h"
+#include "reader/bytes/offset_set.h"
+#include "reader/model/array_elements.h"
 #include "record_data.h"
 #include "record_walk.h"
 #include "subject.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 /// Checks what data groups, channel groups, their reductions and channels say of records against
 /// each other and against the data. The blocks are handed in in the order of their table, in which

@@ -8,11 +8,13 @@
 
 #include "data_check.h"
 #include "framework/wire.h"
-#include "reading/block_fields.h"
-#include "reading/inflate.h"
-#include "survey.h"
+#include "reader/blocks/block_fields.h"
+#include "reader/blocks/survey.h"
+#include "reader/bytes/inflate.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 using mdf_v4_10::detail::hostSize;
 

@@ -6,10 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "reading/offset_set.h"
+#include "reader/bytes/offset_set.h"
 #include "subject.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 /// Data, block by block.
 struct DataBlocks {

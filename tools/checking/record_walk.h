@@ -5,12 +5,14 @@
 #include <memory>
 #include <vector>
 
-#include "allowance.h"
+#include "reader/bytes/allowance.h"
 #include "record_data.h"
 #include "subject.h"
 #include "value_check.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 /// A channel group and its records.
 struct RecordGroup {

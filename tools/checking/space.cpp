@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cstring>
 
-#include "reading/input_file.h"
-#include "reading/raw_block.h"
-#include "reading/walker.h"
-#include "survey.h"
+#include "reader/blocks/raw_block.h"
+#include "reader/blocks/survey.h"
+#include "reader/blocks/walker.h"
+#include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

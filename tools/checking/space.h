@@ -5,12 +5,16 @@
 #include <functional>
 #include <vector>
 
-#include "block_table.h"
-#include "reading/raw_block.h"
+#include "reader/blocks/block_table.h"
+#include "reader/blocks/raw_block.h"
+
+namespace mdf_reader {
+class InputFile;
+}  // namespace mdf_reader
 
 namespace mdf_tools {
 
-class InputFile;
+using namespace mdf_reader;
 
 using OverlapVisitor = std::function<void(std::uint64_t offset, std::uint64_t reached)>;
 using LostBlockVisitor = std::function<void(const RawBlock& block)>;

@@ -4,14 +4,16 @@
 #include <cstdint>
 #include <string>
 
-#include "allowance.h"
-#include "block_table.h"
 #include "problem.h"
-#include "reading/finding.h"
-#include "reading/input_file.h"
+#include "reader/blocks/block_table.h"
+#include "reader/blocks/finding.h"
+#include "reader/bytes/allowance.h"
+#include "reader/bytes/input_file.h"
 #include "space.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 /// What the checks of a file work with.
 struct Subject {

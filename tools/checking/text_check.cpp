@@ -7,9 +7,11 @@
 #include <pugixml.hpp>
 #include <string>
 
-#include "reading/texts.h"
+#include "reader/model/texts.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

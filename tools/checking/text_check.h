@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <string_view>
 
-#include "reading/raw_block.h"
+#include "reader/blocks/raw_block.h"
 #include "subject.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 /// Tells whether bytes, given piece by piece, are UTF-8: no surrogates, nothing behind U+10FFFF, no
 /// longer forms than needed.

@@ -5,9 +5,11 @@
 #include <string>
 #include <string_view>
 
-#include "reading/block_layout.h"
+#include "reader/blocks/block_layout.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

@@ -11,11 +11,13 @@
 #include "checking/file_check.h"
 #include "command.h"
 #include "file_command.h"
-#include "reading/input_file.h"
-#include "reading/style.h"
-#include "showing/json_output.h"
+#include "printing/json_output.h"
+#include "printing/style.h"
+#include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

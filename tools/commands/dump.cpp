@@ -6,14 +6,16 @@
 
 #include "block_type_option.h"
 #include "command.h"
-#include "drawing/block_json.h"
 #include "file_command.h"
 #include "number_option.h"
 #include "offset_option.h"
-#include "reading/file_dump.h"
-#include "reading/input_file.h"
+#include "printing/block_json.h"
+#include "printing/file_dump.h"
+#include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

@@ -15,12 +15,14 @@
 
 #include "command.h"
 #include "file_command.h"
-#include "reading/input_file.h"
-#include "reading/output_buffer.h"
+#include "printing/output_buffer.h"
+#include "printing/table_writers.h"
+#include "reader/bytes/input_file.h"
 #include "sample_options.h"
-#include "sampling/table_writers.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

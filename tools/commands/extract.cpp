@@ -8,9 +8,11 @@
 #include "command.h"
 #include "extracting/new_file.h"
 #include "file_command.h"
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

@@ -15,11 +15,13 @@
 #include <system_error>
 
 #include "command.h"
-#include "reading/input_file.h"
-#include "reading/output_buffer.h"
-#include "showing/progress.h"
+#include "printing/output_buffer.h"
+#include "printing/progress.h"
+#include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

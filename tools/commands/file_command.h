@@ -7,15 +7,19 @@
 #include <string>
 #include <vector>
 
-#include "reading/finding.h"
+#include "reader/blocks/finding.h"
 
 namespace CLI {
 class App;
 }
 
+namespace mdf_reader {
+class InputFile;
+}  // namespace mdf_reader
+
 namespace mdf_tools {
 
-class InputFile;
+using namespace mdf_reader;
 
 /// What a command that looks into files works with.
 struct FileContext {

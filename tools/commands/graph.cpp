@@ -6,18 +6,20 @@
 #include <vector>
 
 #include "command.h"
-#include "drawing/block_graph.h"
-#include "drawing/block_map.h"
-#include "drawing/drawing_program.h"
-#include "drawing/one_line.h"
 #include "file_command.h"
 #include "number_option.h"
 #include "offset_option.h"
 #include "picture_output.h"
-#include "reading/input_file.h"
-#include "showing/json_output.h"
+#include "pictures/block_graph.h"
+#include "pictures/block_map.h"
+#include "pictures/drawing_program.h"
+#include "printing/json_output.h"
+#include "printing/one_line.h"
+#include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "showing/info.h"
+#include "printing/info.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>

@@ -7,10 +7,12 @@
 #include "command.h"
 #include "file_command.h"
 #include "number_option.h"
-#include "reading/input_file.h"
-#include "showing/listing.h"
+#include "printing/listing.h"
+#include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <system_error>
 
 #include "command.h"
-#include "drawing/drawing_program.h"
 #include "extracting/new_file.h"
+#include "pictures/drawing_program.h"
 
 namespace mdf_tools {
 

@@ -11,15 +11,17 @@
 #include <vector>
 
 #include "command.h"
-#include "drawing/drawing_program.h"
 #include "file_command.h"
 #include "picture_output.h"
-#include "reading/input_file.h"
+#include "pictures/chart.h"
+#include "pictures/drawing_program.h"
+#include "printing/json_output.h"
+#include "reader/bytes/input_file.h"
 #include "sample_options.h"
-#include "sampling/chart.h"
-#include "showing/json_output.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

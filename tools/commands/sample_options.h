@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "sampling/table.h"
+#include "reader/values/table.h"
 
 namespace CLI {
 class App;
@@ -12,6 +12,8 @@ class Option;
 }  // namespace CLI
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 /// Adds the options that say which samples are wanted: --channel, --group, --from, --to, --raw.
 /// @param takes_several whether one --channel may be followed by several patterns.

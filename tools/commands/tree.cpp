@@ -4,13 +4,15 @@
 #include <vector>
 
 #include "command.h"
-#include "drawing/tree_text.h"
 #include "file_command.h"
 #include "number_option.h"
 #include "offset_option.h"
-#include "reading/input_file.h"
+#include "printing/tree_text.h"
+#include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

@@ -6,12 +6,14 @@
 
 #include "file_name.h"
 #include "new_file.h"
-#include "reading/attachments.h"
-#include "reading/description.h"
-#include "reading/input_file.h"
-#include "showing/json_output.h"
+#include "printing/json_output.h"
+#include "reader/bytes/input_file.h"
+#include "reader/model/attachments.h"
+#include "reader/model/description.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 namespace {
 

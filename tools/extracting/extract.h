@@ -5,11 +5,15 @@
 #include <ostream>
 #include <string>
 
-#include "reading/finding.h"
+#include "reader/blocks/finding.h"
+
+namespace mdf_reader {
+class InputFile;
+}  // namespace mdf_reader
 
 namespace mdf_tools {
 
-class InputFile;
+using namespace mdf_reader;
 
 struct ExtractOptions {
   std::string folder = ".";

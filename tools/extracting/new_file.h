@@ -5,9 +5,11 @@
 #include <string>
 #include <string_view>
 
-#include "reading/descriptor.h"
+#include "reader/bytes/descriptor.h"
 
 namespace mdf_tools {
+
+using namespace mdf_reader;
 
 /// A file that cannot be written; what() is one sentence that names it.
 class Unwritable : public std::runtime_error {

@@ -1,18 +1,18 @@
-#include "checking/block_table.h"
+#include "reader/blocks/block_table.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "checking/survey.h"
-#include "reading/input_file.h"
+#include "reader/blocks/survey.h"
+#include "reader/bytes/input_file.h"
 #include "tools/support/small_file.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::BlockEntry;
-using mdf_tools::BlockTable;
-using mdf_tools::InputFile;
+using mdf_reader::BlockEntry;
+using mdf_reader::BlockTable;
+using mdf_reader::InputFile;
 
 namespace {
 
@@ -35,7 +35,7 @@ TEST(BlockTable, FindsManyBlocksByTheirOffsetsAndNoOthers) {
 std::string pathsOf(const FileBuilder& file) {
   const TempFile written(file.bytes());
   InputFile input(written.path());
-  const BlockTable blocks = mdf_tools::surveyBlocks(input);
+  const BlockTable blocks = mdf_reader::surveyBlocks(input);
   std::string paths;
   for (std::uint32_t index = 0; index < blocks.size(); ++index) {
     paths += std::to_string(blocks[index].offset) + ' ' + pathOf(input, blocks, index) + '\n';

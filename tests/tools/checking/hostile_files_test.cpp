@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "checking/file_check.h"
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 #include "support/allocation_counter.h"
 #include "support/bytes.h"
 #include "tools/support/checked.h"
@@ -29,7 +29,7 @@ struct Outcome {
 /// What a check finds that must do with little memory. Offsets must be in the file.
 Outcome outcomeOf(const std::string& bytes) {
   const TempFile file(bytes);
-  mdf_tools::InputFile input(file.path());
+  mdf_reader::InputFile input(file.path());
   Outcome outcome;
   const AllocationLimit limit((std::size_t{1} << 21U) + 32 * bytes.size());
   mdf_tools::checkFile(input, [&](const Problem& problem) {

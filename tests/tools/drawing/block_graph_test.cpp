@@ -1,4 +1,4 @@
-#include "drawing/block_graph.h"
+#include "pictures/block_graph.h"
 
 #include <gtest/gtest.h>
 
@@ -10,9 +10,9 @@
 #include "tools/support/healthy_file.h"
 
 using namespace mdf_tests;
+using mdf_reader::FindingSink;
+using mdf_reader::InputFile;
 using mdf_tools::BlockGraph;
-using mdf_tools::FindingSink;
-using mdf_tools::InputFile;
 using mdf_tools::TreeEntry;
 using mdf_tools::TreeOptions;
 

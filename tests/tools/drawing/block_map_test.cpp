@@ -1,4 +1,4 @@
-#include "drawing/block_map.h"
+#include "pictures/block_map.h"
 
 #include <gtest/gtest.h>
 
@@ -11,9 +11,9 @@
 #include "tools/support/mdf_bytes.h"
 
 using namespace mdf_tests;
+using mdf_reader::FindingSink;
+using mdf_reader::InputFile;
 using mdf_tools::BlockMap;
-using mdf_tools::FindingSink;
-using mdf_tools::InputFile;
 using mdf_tools::MapRun;
 
 namespace {
@@ -137,7 +137,7 @@ TEST(BlockMap, ManyBlocksOverTheWholeFileTakeNoMoreTimeAndMemory) {
   InputFile input(file.path());
   const AllocationLimit limit(8000000);
   const BlockMap map = mdf_tools::makeMap(
-      input, [](const mdf_tools::Finding& finding) { FAIL() << finding.sentence; });
+      input, [](const mdf_reader::Finding& finding) { FAIL() << finding.sentence; });
   EXPECT_EQ(map.overlap_bytes, end - 200);
   EXPECT_EQ(map.gap_bytes, 0U);
   EXPECT_LT(map.runs.size(), 30U);

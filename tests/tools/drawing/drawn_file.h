@@ -6,8 +6,8 @@
 #include <sstream>
 #include <string>
 
-#include "reading/finding.h"
-#include "reading/input_file.h"
+#include "reader/blocks/finding.h"
+#include "reader/bytes/input_file.h"
 #include "tools/support/dumped.h"
 #include "tools/support/temp_file.h"
 
@@ -15,14 +15,14 @@ namespace mdf_tests {
 
 /// What is written about a file with these bytes, and what is reported.
 inline Dumped drawn(const std::string& bytes,
-                    const std::function<void(mdf_tools::InputFile& file, std::ostream& os,
-                                             const mdf_tools::FindingSink& report)>& draw) {
+                    const std::function<void(mdf_reader::InputFile& file, std::ostream& os,
+                                             const mdf_reader::FindingSink& report)>& draw) {
   const TempFile file(bytes);
-  mdf_tools::InputFile input(file.path());
+  mdf_reader::InputFile input(file.path());
   std::ostringstream os;
   Dumped result;
   draw(input, os,
-       [&](const mdf_tools::Finding& finding) { result.findings += findingLine(finding); });
+       [&](const mdf_reader::Finding& finding) { result.findings += findingLine(finding); });
   result.output = os.str();
   return result;
 }

@@ -1,14 +1,14 @@
 // What is told of the length of record ids without a look at records.
 
-#include "drawing/record_ids.h"
+#include "printing/record_ids.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "drawing/tree_text.h"
 #include "drawn_file.h"
+#include "printing/tree_text.h"
 #include "support/bytes.h"
 #include "tools/support/small_file.h"
 

@@ -4,9 +4,9 @@
 
 #include <string>
 
-#include "drawing/block_family.h"
-#include "drawing/dot_text.h"
-#include "drawing/one_line.h"
+#include "pictures/block_family.h"
+#include "pictures/dot_text.h"
+#include "printing/one_line.h"
 
 using mdf_tools::BlockFamily;
 using mdf_tools::dotString;

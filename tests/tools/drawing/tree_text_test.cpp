@@ -1,4 +1,4 @@
-#include "drawing/tree_text.h"
+#include "printing/tree_text.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +12,8 @@
 #include "tools/support/healthy_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::FindingSink;
-using mdf_tools::InputFile;
+using mdf_reader::FindingSink;
+using mdf_reader::InputFile;
 using mdf_tools::TreeOptions;
 
 namespace {
@@ -229,7 +229,7 @@ TEST(TreeText, DeepNestingTakesMemoryInProportion) {
   std::size_t entries = 0;
   const AllocationLimit limit(16 * bytes.size());
   mdf_tools::walkTree(
-      input, {}, [](const mdf_tools::Finding& finding) { ADD_FAILURE() << finding.sentence; },
+      input, {}, [](const mdf_reader::Finding& finding) { ADD_FAILURE() << finding.sentence; },
       [&](const mdf_tools::TreeEntry& entry) {
         EXPECT_EQ(entry.depth, entries);
         ++entries;
@@ -258,7 +258,7 @@ TEST(TreeText, VisitorEndsTheWalk) {
   InputFile input(file.path());
   int entries = 0;
   mdf_tools::walkTree(
-      input, {}, [](const mdf_tools::Finding&) {},
+      input, {}, [](const mdf_reader::Finding&) {},
       [&](const mdf_tools::TreeEntry&) { return ++entries < 5; });
   EXPECT_EQ(entries, 5);
 }

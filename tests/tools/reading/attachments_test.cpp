@@ -1,26 +1,26 @@
-#include "reading/attachments.h"
+#include "reader/model/attachments.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "reading/digest.h"
-#include "reading/input_file.h"
+#include "reader/bytes/digest.h"
+#include "reader/bytes/input_file.h"
 #include "support/bytes.h"
 #include "tools/support/attachment_blocks.h"
 #include "tools/support/measurement_blocks.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::Attachment;
-using mdf_tools::AttachmentData;
-using mdf_tools::Finding;
-using mdf_tools::hexDigest;
-using mdf_tools::InputFile;
-using mdf_tools::readAttachmentData;
-using mdf_tools::readAttachments;
-using mdf_tools::Texts;
+using mdf_reader::Attachment;
+using mdf_reader::AttachmentData;
+using mdf_reader::Finding;
+using mdf_reader::hexDigest;
+using mdf_reader::InputFile;
+using mdf_reader::readAttachmentData;
+using mdf_reader::readAttachments;
+using mdf_reader::Texts;
 
 namespace {
 

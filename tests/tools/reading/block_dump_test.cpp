@@ -1,4 +1,4 @@
-#include "reading/block_dump.h"
+#include "printing/block_dump.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "reading/block_layout.h"
-#include "reading/input_file.h"
+#include "reader/blocks/block_layout.h"
+#include "reader/bytes/input_file.h"
 #include "support/allocation_counter.h"
 #include "support/bytes.h"
 #include "tools/support/dumped.h"
@@ -16,11 +16,11 @@
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
+using mdf_reader::Finding;
+using mdf_reader::InputFile;
+using mdf_reader::RawBlock;
 using mdf_tools::dumpBlock;
 using mdf_tools::dumpIdentification;
-using mdf_tools::Finding;
-using mdf_tools::InputFile;
-using mdf_tools::RawBlock;
 
 namespace {
 
@@ -28,7 +28,7 @@ namespace {
 Dumped blockDump(InputFile& file, std::uint64_t offset) {
   std::ostringstream os;
   Dumped dump;
-  dumpBlock(file, *mdf_tools::readRawBlock(file, offset), os,
+  dumpBlock(file, *mdf_reader::readRawBlock(file, offset), os,
             [&](const Finding& finding) { dump.findings += findingLine(finding); });
   dump.output = os.str();
   return dump;
@@ -175,7 +175,7 @@ TEST(BlockDump, CompressedLengthMayBeSmaller) {
 }
 
 TEST(BlockDump, CompressedLengthThatLiesIsReportedAndCostsNoMemory) {
-  ASSERT_NE(mdf_tools::findLayout("DZ"), nullptr);  // the tables are made when first asked for
+  ASSERT_NE(mdf_reader::findLayout("DZ"), nullptr);  // the tables are made when first asked for
   for (const std::uint64_t lie :
        {std::uint64_t{4}, std::uint64_t{1} << 31U, std::uint64_t{1} << 63U, UINT64_MAX}) {
     const TempFile file(zipped(lie) + "following");

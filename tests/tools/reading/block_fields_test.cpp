@@ -1,22 +1,22 @@
-#include "reading/block_fields.h"
+#include "reader/blocks/block_fields.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 #include "support/bytes.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::BlockFields;
-using mdf_tools::InputFile;
-using mdf_tools::linkRole;
-using mdf_tools::RawBlock;
-using mdf_tools::readFields;
-using mdf_tools::readRawBlock;
+using mdf_reader::BlockFields;
+using mdf_reader::InputFile;
+using mdf_reader::linkRole;
+using mdf_reader::RawBlock;
+using mdf_reader::readFields;
+using mdf_reader::readRawBlock;
 
 namespace {
 

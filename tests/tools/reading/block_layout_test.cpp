@@ -1,16 +1,16 @@
-#include "reading/block_layout.h"
+#include "reader/blocks/block_layout.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-using mdf_tools::BlockLayout;
-using mdf_tools::FieldKind;
-using mdf_tools::FieldLayout;
-using mdf_tools::findLayout;
-using mdf_tools::identificationFields;
-using mdf_tools::mayLeadTo;
+using mdf_reader::BlockLayout;
+using mdf_reader::FieldKind;
+using mdf_reader::FieldLayout;
+using mdf_reader::findLayout;
+using mdf_reader::identificationFields;
+using mdf_reader::mayLeadTo;
 
 namespace {
 

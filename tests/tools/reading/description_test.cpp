@@ -1,30 +1,30 @@
-#include "reading/description.h"
+#include "reader/model/description.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "reading/block_fields.h"
-#include "reading/input_file.h"
+#include "reader/blocks/block_fields.h"
+#include "reader/bytes/input_file.h"
 #include "support/bytes.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/measurement_blocks.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::BlockFields;
-using mdf_tools::Channel;
-using mdf_tools::ChannelGroup;
-using mdf_tools::DataGroup;
-using mdf_tools::Finding;
-using mdf_tools::forEachInChain;
-using mdf_tools::InputFile;
-using mdf_tools::Measurement;
-using mdf_tools::readIdentification;
-using mdf_tools::readMeasurement;
-using mdf_tools::readSource;
-using mdf_tools::Texts;
+using mdf_reader::BlockFields;
+using mdf_reader::Channel;
+using mdf_reader::ChannelGroup;
+using mdf_reader::DataGroup;
+using mdf_reader::Finding;
+using mdf_reader::forEachInChain;
+using mdf_reader::InputFile;
+using mdf_reader::Measurement;
+using mdf_reader::readIdentification;
+using mdf_reader::readMeasurement;
+using mdf_reader::readSource;
+using mdf_reader::Texts;
 
 namespace {
 
@@ -371,7 +371,7 @@ TEST(Description, ALinkToAnotherTypeEndsItsChain) {
   const Described described(builder);
   EXPECT_EQ(described.findings,
             std::to_string(channel) + ": expected a link to a new block \"##CN\" at " +
-                mdf_tools::decimalAndHex(text) + ", found none\n" + std::to_string(group) +
+                mdf_reader::decimalAndHex(text) + ", found none\n" + std::to_string(group) +
                 ": expected a link to a new block \"##CG\" at 100001 (0x186a1), found none\n");
   EXPECT_EQ(outline(described.group()), "one/0 ");
 }
@@ -459,7 +459,7 @@ TEST(ForEachInChain, EndsAtACycle) {
   };
   EXPECT_EQ(visited(first), (std::vector<std::uint64_t>{first, second}));
   EXPECT_EQ(findings, std::to_string(second) + ": expected a link to a new block \"##FH\" at " +
-                          mdf_tools::decimalAndHex(first) + ", found one that was there before\n");
+                          mdf_reader::decimalAndHex(first) + ", found one that was there before\n");
   EXPECT_TRUE(visited(0).empty());
 }
 

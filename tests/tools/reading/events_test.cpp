@@ -1,20 +1,20 @@
-#include "reading/events.h"
+#include "reader/model/events.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 #include "support/bytes.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::Event;
-using mdf_tools::Finding;
-using mdf_tools::InputFile;
-using mdf_tools::readEvents;
-using mdf_tools::Texts;
+using mdf_reader::Event;
+using mdf_reader::Finding;
+using mdf_reader::InputFile;
+using mdf_reader::readEvents;
+using mdf_reader::Texts;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "reading/file_buffer.h"
+#include "reader/bytes/file_buffer.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -6,13 +6,13 @@
 #include <istream>
 #include <string>
 
-#include "reading/paged_file.h"
+#include "reader/bytes/paged_file.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::Descriptor;
-using mdf_tools::FileBuffer;
-using mdf_tools::PagedFile;
+using mdf_reader::Descriptor;
+using mdf_reader::FileBuffer;
+using mdf_reader::PagedFile;
 
 namespace {
 

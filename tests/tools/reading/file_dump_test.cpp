@@ -1,4 +1,4 @@
-#include "reading/file_dump.h"
+#include "printing/file_dump.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 #include <regex>
 #include <string>
 
-#include "reading/input_file.h"
-#include "reading/output_buffer.h"
+#include "printing/output_buffer.h"
+#include "reader/bytes/input_file.h"
 #include "support/bytes.h"
 #include "tools/support/c_file.h"
 #include "tools/support/dumped.h"
@@ -21,8 +21,8 @@
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::Finding;
-using mdf_tools::InputFile;
+using mdf_reader::Finding;
+using mdf_reader::InputFile;
 using mdf_tools::OutputBuffer;
 
 namespace {

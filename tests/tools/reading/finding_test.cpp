@@ -1,11 +1,11 @@
-#include "reading/finding.h"
+#include "reader/blocks/finding.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-using mdf_tools::decimalAndHex;
-using mdf_tools::printable;
+using mdf_reader::decimalAndHex;
+using mdf_reader::printable;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "reading/inflate.h"
+#include "reader/bytes/inflate.h"
 
 #include <gtest/gtest.h>
 
@@ -7,10 +7,10 @@
 #include "tools/support/attachment_blocks.h"
 
 using namespace mdf_tests;
-using mdf_tools::inflate;
-using mdf_tools::Inflated;
-using mdf_tools::Inflating;
-using mdf_tools::transposedBack;
+using mdf_reader::inflate;
+using mdf_reader::Inflated;
+using mdf_reader::Inflating;
+using mdf_reader::transposedBack;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -13,8 +13,8 @@
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::InputFile;
-using mdf_tools::UnreadableFile;
+using mdf_reader::InputFile;
+using mdf_reader::UnreadableFile;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "reading/offset_set.h"
+#include "reader/bytes/offset_set.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include "support/allocation_counter.h"
 
 using namespace mdf_tests;
-using mdf_tools::OffsetSet;
+using mdf_reader::OffsetSet;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "reading/output_buffer.h"
+#include "printing/output_buffer.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "reading/paged_file.h"
+#include "reader/bytes/paged_file.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -15,8 +15,8 @@
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::Descriptor;
-using mdf_tools::PagedFile;
+using mdf_reader::Descriptor;
+using mdf_reader::PagedFile;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "reading/raw_block.h"
+#include "reader/blocks/raw_block.h"
 
 #include <gtest/gtest.h>
 
@@ -6,16 +6,16 @@
 #include <utility>
 #include <vector>
 
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 #include "support/bytes.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::forEachLink;
-using mdf_tools::InputFile;
-using mdf_tools::linksThere;
-using mdf_tools::RawBlock;
-using mdf_tools::readRawBlock;
+using mdf_reader::forEachLink;
+using mdf_reader::InputFile;
+using mdf_reader::linksThere;
+using mdf_reader::RawBlock;
+using mdf_reader::readRawBlock;
 
 namespace {
 

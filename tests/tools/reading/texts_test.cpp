@@ -1,19 +1,19 @@
-#include "reading/texts.h"
+#include "reader/model/texts.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 #include "support/bytes.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::InputFile;
-using mdf_tools::plainText;
-using mdf_tools::readText;
-using mdf_tools::Texts;
+using mdf_reader::InputFile;
+using mdf_reader::plainText;
+using mdf_reader::readText;
+using mdf_reader::Texts;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "reading/walker.h"
+#include "reader/blocks/walker.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "reading/input_file.h"
-#include "reading/raw_block.h"
+#include "reader/blocks/raw_block.h"
+#include "reader/bytes/input_file.h"
 #include "support/allocation_counter.h"
 #include "support/bytes.h"
 #include "tools/support/dumped.h"
@@ -16,11 +16,11 @@
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::Finding;
-using mdf_tools::InputFile;
-using mdf_tools::RawBlock;
-using mdf_tools::readRawBlock;
-using mdf_tools::walkBlocks;
+using mdf_reader::Finding;
+using mdf_reader::InputFile;
+using mdf_reader::RawBlock;
+using mdf_reader::readRawBlock;
+using mdf_reader::walkBlocks;
 
 namespace {
 

@@ -1,11 +1,11 @@
-#include "sampling/chart.h"
+#include "pictures/chart.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 #include "sample_file.h"
 #include "tools/support/temp_file.h"
 
@@ -21,12 +21,12 @@ namespace {
 /// The curves of all channels of a file.
 std::vector<Curve> curvesOf(const SampleFile& contents, std::size_t* left_out = nullptr) {
   const TempFile path(contents.bytes());
-  mdf_tools::InputFile file(path.path());
+  mdf_reader::InputFile file(path.path());
   std::vector<Curve> curves;
   CurveCollector collector(curves, 100, "");
-  mdf_tools::visitTables(
+  mdf_reader::visitTables(
       file, {}, collector,
-      [](const mdf_tools::Finding& finding) { ADD_FAILURE() << finding.sentence; },
+      [](const mdf_reader::Finding& finding) { ADD_FAILURE() << finding.sentence; },
       [](const std::string& /*note*/) {});
   if (left_out != nullptr) {
     *left_out = collector.leftOut();

@@ -1,15 +1,15 @@
-#include "sampling/data_stream.h"
+#include "reader/data/data_stream.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 #include "sample_file.h"
 #include "tools/support/temp_file.h"
 
-using namespace mdf_tools;
+using namespace mdf_reader;
 using mdf_tests::Bytes;
 using mdf_tests::SampleFile;
 using mdf_tests::TempFile;

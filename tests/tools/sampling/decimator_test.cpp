@@ -1,4 +1,4 @@
-#include "sampling/decimator.h"
+#include "pictures/decimator.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "sampling/element_groups.h"
+#include "reader/model/element_groups.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include "sample_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::Selection;
+using mdf_reader::Selection;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "sampling/formula.h"
+#include "reader/values/formula.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-using mdf_tools::Formula;
+using mdf_reader::Formula;
 
 namespace {
 

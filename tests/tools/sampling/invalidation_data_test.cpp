@@ -1,4 +1,4 @@
-#include "sampling/invalidation_data.h"
+#include "reader/data/invalidation_data.h"
 
 #include <gtest/gtest.h>
 

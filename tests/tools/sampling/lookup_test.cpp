@@ -1,11 +1,11 @@
-#include "sampling/lookup.h"
+#include "reader/values/lookup.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 
-using namespace mdf_tools;
+using namespace mdf_reader;
 
 namespace {
 

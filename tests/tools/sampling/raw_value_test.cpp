@@ -1,4 +1,4 @@
-#include "sampling/raw_value.h"
+#include "reader/values/raw_value.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 #include "support/bytes.h"
 
-using namespace mdf_tools;
+using namespace mdf_reader;
 using mdf_tests::Bytes;
 
 namespace {

@@ -1,4 +1,4 @@
-#include "sampling/remote_master.h"
+#include "reader/values/remote_master.h"
 
 #include <gtest/gtest.h>
 
@@ -6,14 +6,14 @@
 #include <variant>
 #include <vector>
 
-#include "reading/input_file.h"
+#include "pictures/chart.h"
+#include "reader/bytes/input_file.h"
 #include "sample_file.h"
-#include "sampling/chart.h"
 #include "support/allocation_counter.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::Selection;
+using mdf_reader::Selection;
 
 namespace {
 
@@ -115,14 +115,14 @@ TEST(RemoteMaster, IsDrawnOver) {
   SampleFile file = newFile();
   addRemote(file, "AB", addTimes(file, 2, 2));
   const TempFile path(file.bytes());
-  mdf_tools::InputFile input(path.path());
+  mdf_reader::InputFile input(path.path());
   std::vector<mdf_tools::Curve> curves;
   mdf_tools::CurveCollector collector(curves, 100, "");
   Selection selection;
   selection.channels = {"a"};
-  mdf_tools::visitTables(
+  mdf_reader::visitTables(
       input, selection, collector,
-      [](const mdf_tools::Finding& finding) { ADD_FAILURE() << finding.sentence; },
+      [](const mdf_reader::Finding& finding) { ADD_FAILURE() << finding.sentence; },
       [](const std::string& /*note*/) {});
   ASSERT_EQ(curves.size(), 1U);
   EXPECT_EQ(curves[0].x_label, "time [s]");
@@ -232,11 +232,11 @@ TEST(RemoteMaster, InLongRecordsHasALimit) {
 }
 
 /// Counts samples.
-class Counter : public mdf_tools::TableVisitor {
+class Counter : public mdf_reader::TableVisitor {
  public:
-  void begin(mdf_tools::Table& /*table*/) override {}
-  bool sample(mdf_tools::Table& table, const mdf_tools::Sample& sample) override {
-    const mdf_tools::Value time = table.columns().front().value(sample);
+  void begin(mdf_reader::Table& /*table*/) override {}
+  bool sample(mdf_reader::Table& table, const mdf_reader::Sample& sample) override {
+    const mdf_reader::Value time = table.columns().front().value(sample);
     count += std::holds_alternative<double>(time) ? 1U : 0U;
     return true;
   }
@@ -252,12 +252,12 @@ TEST(RemoteMaster, MemoryDoesNotGrowWithTheSamples) {
   contents.dataGroup({times}, contents.add("DV", {}, std::string(8 * cycles, '\0')));
   addRemote(contents, std::string(cycles, 'A'), times);
   const TempFile path(contents.bytes());
-  mdf_tools::InputFile file(path.path());
+  mdf_reader::InputFile file(path.path());
   Counter counter;
   const AllocationMeter meter;
-  mdf_tools::visitTables(
+  mdf_reader::visitTables(
       file, {}, counter,
-      [](const mdf_tools::Finding& finding) { ADD_FAILURE() << finding.sentence; },
+      [](const mdf_reader::Finding& finding) { ADD_FAILURE() << finding.sentence; },
       [](const std::string& /*note*/) {});
   EXPECT_LT(meter.peakBytes(), 1000000U);
   EXPECT_EQ(counter.count, 2 * cycles);

@@ -4,8 +4,8 @@
 
 #include <sstream>
 
-#include "reading/input_file.h"
-#include "sampling/table_writers.h"
+#include "printing/table_writers.h"
+#include "reader/bytes/input_file.h"
 #include "tools/support/temp_file.h"
 
 namespace mdf_tests {
@@ -130,20 +130,20 @@ std::string zlibStored(const std::string& bytes) {
 namespace {
 
 template <class Writer>
-Exported exportedBy(const std::string& bytes, const mdf_tools::Selection& selection) {
+Exported exportedBy(const std::string& bytes, const mdf_reader::Selection& selection) {
   const TempFile path(bytes);
-  mdf_tools::InputFile file(path.path());
+  mdf_reader::InputFile file(path.path());
   Exported exported;
   std::ostringstream out;
   bool is_first = true;
-  Writer writer([&](const mdf_tools::Table&) {
+  Writer writer([&](const mdf_reader::Table&) {
     out << (is_first ? "" : "\n");
     is_first = false;
     return &out;
   });
-  mdf_tools::visitTables(
+  mdf_reader::visitTables(
       file, selection, writer,
-      [&](const mdf_tools::Finding& finding) {
+      [&](const mdf_reader::Finding& finding) {
         exported.findings.push_back(std::to_string(finding.offset) + ": " + finding.sentence);
       },
       [&](const std::string& note) { exported.notes.push_back(note); });
@@ -153,15 +153,15 @@ Exported exportedBy(const std::string& bytes, const mdf_tools::Selection& select
 
 }  // namespace
 
-Exported csvOf(const std::string& bytes, const mdf_tools::Selection& selection) {
+Exported csvOf(const std::string& bytes, const mdf_reader::Selection& selection) {
   return exportedBy<mdf_tools::CsvWriter>(bytes, selection);
 }
 
-Exported jsonOf(const std::string& bytes, const mdf_tools::Selection& selection) {
+Exported jsonOf(const std::string& bytes, const mdf_reader::Selection& selection) {
   return exportedBy<mdf_tools::JsonLinesWriter>(bytes, selection);
 }
 
-std::string healthyCsvOf(const std::string& bytes, const mdf_tools::Selection& selection) {
+std::string healthyCsvOf(const std::string& bytes, const mdf_reader::Selection& selection) {
   const Exported exported = csvOf(bytes, selection);
   EXPECT_EQ(exported.findings, std::vector<std::string>());
   return exported.text;

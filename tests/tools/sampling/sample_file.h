@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "sampling/table.h"
+#include "reader/values/table.h"
 #include "tools/support/file_builder.h"
 
 namespace mdf_tests {
@@ -91,11 +91,11 @@ struct Exported {
 };
 
 /// The tables of a file with these bytes.
-Exported csvOf(const std::string& bytes, const mdf_tools::Selection& selection = {});
-Exported jsonOf(const std::string& bytes, const mdf_tools::Selection& selection = {});
+Exported csvOf(const std::string& bytes, const mdf_reader::Selection& selection = {});
+Exported jsonOf(const std::string& bytes, const mdf_reader::Selection& selection = {});
 
 /// The CSV of a file that has nothing wrong with it.
-std::string healthyCsvOf(const std::string& bytes, const mdf_tools::Selection& selection = {});
+std::string healthyCsvOf(const std::string& bytes, const mdf_reader::Selection& selection = {});
 
 /// Expects a text, and one finding with words in it.
 void expectFinding(const Exported& exported, const std::string& text, const std::string& words);

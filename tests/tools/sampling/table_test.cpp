@@ -1,17 +1,17 @@
-#include "sampling/table.h"
+#include "reader/values/table.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 #include "sample_file.h"
 #include "support/allocation_counter.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::Selection;
+using mdf_reader::Selection;
 
 namespace {
 
@@ -362,10 +362,10 @@ TEST(Table, VirtualChannelsAlone) {
 }
 
 /// Counts samples.
-class Counter : public mdf_tools::TableVisitor {
+class Counter : public mdf_reader::TableVisitor {
  public:
-  void begin(mdf_tools::Table& /*table*/) override {}
-  bool sample(mdf_tools::Table& /*table*/, const mdf_tools::Sample& /*sample*/) override {
+  void begin(mdf_reader::Table& /*table*/) override {}
+  bool sample(mdf_reader::Table& /*table*/, const mdf_reader::Sample& /*sample*/) override {
     ++count;
     return true;
   }
@@ -382,11 +382,11 @@ TEST(Table, VirtualChannelsAloneWithACountThatLies) {
   index.type = 6;
   contents.dataGroup({contents.group({std::uint64_t{1} << 60U, 0}, {contents.channel(index)})}, 0);
   const TempFile path(contents.bytes());
-  mdf_tools::InputFile file(path.path());
+  mdf_reader::InputFile file(path.path());
   Counter counter;
   std::size_t findings = 0;
-  mdf_tools::visitTables(
-      file, {}, counter, [&](const mdf_tools::Finding& /*finding*/) { ++findings; },
+  mdf_reader::visitTables(
+      file, {}, counter, [&](const mdf_reader::Finding& /*finding*/) { ++findings; },
       [](const std::string& /*note*/) {});
   EXPECT_EQ(counter.count, std::uint64_t{1} << 20U);
   EXPECT_EQ(findings, 1U);
@@ -394,11 +394,11 @@ TEST(Table, VirtualChannelsAloneWithACountThatLies) {
 
 /// Visits all samples of a file, and returns how many bytes that took at the most.
 std::size_t bytesToVisit(const std::string& path, Counter& counter) {
-  mdf_tools::InputFile file(path);
+  mdf_reader::InputFile file(path);
   const AllocationMeter meter;
-  mdf_tools::visitTables(
+  mdf_reader::visitTables(
       file, {}, counter,
-      [](const mdf_tools::Finding& finding) { ADD_FAILURE() << finding.sentence; },
+      [](const mdf_reader::Finding& finding) { ADD_FAILURE() << finding.sentence; },
       [](const std::string& /*note*/) {});
   return meter.peakBytes();
 }

@@ -1,4 +1,4 @@
-#include "sampling/text_encoding.h"
+#include "reader/values/text_encoding.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 
 #include "support/bytes.h"
 
-using namespace mdf_tools;
+using namespace mdf_reader;
 using mdf_tests::Bytes;
 
 namespace {

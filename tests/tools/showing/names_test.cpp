@@ -1,4 +1,4 @@
-#include "showing/names.h"
+#include "printing/names.h"
 
 #include <gtest/gtest.h>
 

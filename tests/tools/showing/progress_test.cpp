@@ -1,4 +1,4 @@
-#include "showing/progress.h"
+#include "printing/progress.h"
 
 #include <gtest/gtest.h>
 
@@ -8,12 +8,12 @@
 #include <string>
 #include <thread>
 
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 #include "tools/support/program.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::InputFile;
+using mdf_reader::InputFile;
 using mdf_tools::Progress;
 using mdf_tools::readSoFar;
 

@@ -1,4 +1,4 @@
-#include "showing/stored_time.h"
+#include "printing/stored_time.h"
 
 #include <gtest/gtest.h>
 

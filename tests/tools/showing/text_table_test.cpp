@@ -1,4 +1,4 @@
-#include "showing/text_table.h"
+#include "printing/text_table.h"
 
 #include <gtest/gtest.h>
 

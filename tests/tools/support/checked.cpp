@@ -4,7 +4,7 @@
 #include <map>
 
 #include "checking/file_check.h"
-#include "reading/input_file.h"
+#include "reader/bytes/input_file.h"
 #include "temp_file.h"
 
 namespace mdf_tests {
@@ -13,7 +13,7 @@ namespace {
 
 void check(const std::string& bytes, const mdf_tools::ProblemSink& report) {
   const TempFile file(bytes);
-  mdf_tools::InputFile input(file.path());
+  mdf_reader::InputFile input(file.path());
   mdf_tools::checkFile(input, report);
 }
 

@@ -4,12 +4,12 @@
 #include <cstddef>
 #include <string>
 
-#include "reading/finding.h"
+#include "reader/blocks/finding.h"
 
 namespace mdf_tests {
 
 /// "offset: sentence" with the end of the line.
-std::string findingLine(const mdf_tools::Finding& finding);
+std::string findingLine(const mdf_reader::Finding& finding);
 
 /// What became of a file's dump.
 struct Dumped {

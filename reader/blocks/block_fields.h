@@ -1,0 +1,87 @@
+#ifndef MDF_READER_BLOCKS_BLOCK_FIELDS_H_
+#define MDF_READER_BLOCKS_BLOCK_FIELDS_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "block_layout.h"
+#include "raw_block.h"
+
+namespace mdf_reader {
+
+class InputFile;
+
+/// The links and fields of a block, read as the format defines them: the links in front, each where
+/// its layout says. What the block's length or the file cuts off reads as 0.
+class BlockFields {
+ public:
+  /// Reads the links that its type always has, and its fields. A block of a type without a layout
+  /// has neither.
+  BlockFields(InputFile& file, const RawBlock& block);
+
+  const RawBlock& raw() const { return raw_; }
+  std::uint64_t offset() const { return raw_.offset; }
+  /// Null for a type that is not known.
+  const BlockLayout* layout() const { return layout_; }
+
+  /// Whether the block has all the links and fields that its type has.
+  bool isComplete() const { return is_complete_; }
+
+  /// The link at an index among those that each block of the type has; 0 for none.
+  std::uint64_t link(std::size_t index) const { return index < links_.size() ? links_[index] : 0; }
+
+  /// A field by the format's name of it; 0 when the type has none or the block is cut off.
+  std::uint64_t number(std::string_view field) const;
+  std::int64_t signedNumber(std::string_view field) const;
+  double real(std::string_view field) const;
+  std::string_view bytes(std::string_view field) const;
+
+  /// Whether a bit is set in the type's flags ("cn_flags" and so on).
+  bool hasFlag(std::string_view field, std::uint64_t bit) const {
+    return (number(field) & bit) != 0;
+  }
+
+  /// The field's bytes as a number is to be shown: "12", "-60", "0.5", "00 ff 12".
+  std::string shown(const FieldLayout& field) const;
+
+  /// Offset in the file of the first byte behind the links, and of the first behind the fields.
+  std::uint64_t fieldsAt() const;
+  std::uint64_t tailAt() const;
+  /// Bytes from tailAt() to the block's end, as far as the file has them.
+  std::uint64_t tailBytes() const;
+
+ private:
+  void readLinks(InputFile& file);
+  void readFields(InputFile& file);
+  const FieldLayout* find(std::string_view field) const;
+
+  RawBlock raw_;
+  const BlockLayout* layout_;
+  std::uint64_t file_size_;
+  std::vector<std::uint64_t> links_;
+  std::string fields_;  ///< as many bytes as there are
+  bool is_complete_ = true;
+};
+
+/// The block at an offset, if it is one of the type with these letters; nothing for offset 0.
+std::optional<BlockFields> readFields(InputFile& file, std::uint64_t offset,
+                                      std::string_view letters);
+
+/// What the link at an index of a block is for: the type's own links, then those that its counts
+/// speak of. A link that the type knows nothing about has the role "link N" and may lead anywhere.
+struct LinkRole {
+  std::string name;  ///< with an index where there are several: "dl_data[2]"
+  LinkLayout layout;
+};
+LinkRole linkRole(const BlockFields& block, std::uint64_t index);
+
+/// The letters of the types that the link at an index may lead to, as LinkLayout has them.
+std::string_view linkTargets(const BlockFields& block, std::uint64_t index);
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_BLOCKS_BLOCK_FIELDS_H_

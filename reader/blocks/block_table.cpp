@@ -1,0 +1,82 @@
+#include "block_table.h"
+
+#include <new>
+#include <utility>
+
+#include "block_fields.h"
+#include "link_kinds.h"
+
+namespace mdf_reader {
+
+std::uint32_t BlockTable::add(const BlockEntry& entry) {
+  if (entries_.size() >= none) {
+    throw std::bad_alloc();
+  }
+  const auto index = static_cast<std::uint32_t>(entries_.size());
+  entries_.push_back(entry);
+  slots_[slotFor(entry.offset)] = index;
+  // Beyond three quarters the way to an empty slot becomes long.
+  if (entries_.size() > slots_.size() / 4 * 3) {
+    grow();
+  }
+  return index;
+}
+
+/// Where the block's index is, or the empty slot where it belongs.
+std::size_t BlockTable::slotFor(std::uint64_t offset) const {
+  // Blocks that lie together share cache lines here too. The golden ratio as a factor spreads the
+  // groups evenly.
+  constexpr std::uint64_t golden_ratio = 0x9E3779B97F4A7C15;
+  auto slot = static_cast<std::size_t>(offset / 256 * golden_ratio >> shift_);
+  while (slots_[slot] != none && entries_[slots_[slot]].offset != offset) {
+    slot = (slot + 1) & (slots_.size() - 1);
+  }
+  return slot;
+}
+
+void BlockTable::grow() {
+  const std::size_t size = 2 * slots_.size();
+  slots_.clear();
+  slots_.resize(size, none);
+  --shift_;
+  for (std::uint32_t index = 0; index < this->size(); ++index) {
+    slots_[slotFor(entries_[index].offset)] = index;
+  }
+}
+
+namespace {
+
+std::string roleOf(InputFile& file, const BlockEntry& block, std::uint32_t link) {
+  const auto fields = readFields(file, block.offset, block.letters());
+  return fields ? linkRole(*fields, link).name : "link " + std::to_string(link);
+}
+
+/// A block in a path: "DG[2]", or "TX" for a type that has no chains.
+std::string segment(const BlockEntry& block) {
+  std::string text(block.letters());
+  if (linkKinds(block.letters()).has_next) {
+    text += '[' + std::to_string(block.position) + ']';
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string pathOf(InputFile& file, const BlockTable& blocks, std::uint32_t index) {
+  constexpr int most_segments = 16;
+  std::string path = segment(blocks[index]);
+  for (int count = 1;; ++count) {
+    const BlockEntry& head = blocks[blocks[index].head];
+    if (head.parent == BlockTable::none) {
+      return path;
+    }
+    if (count == most_segments) {
+      return ".../" + path;
+    }
+    const BlockEntry& owner = blocks[head.parent];
+    path.insert(0, segment(owner) + '.' + roleOf(file, owner, head.link) + '/');
+    index = head.parent;
+  }
+}
+
+}  // namespace mdf_reader

@@ -1,0 +1,34 @@
+#ifndef MDF_READER_BLOCKS_FINDING_H_
+#define MDF_READER_BLOCKS_FINDING_H_
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace mdf_reader {
+
+/// A problem in a file.
+struct Finding {
+  std::uint64_t offset;  ///< of the block that has the problem
+  std::string sentence;  ///< what was expected and what was there
+};
+
+/// Takes findings as they are made: a file may hold more of them than memory does.
+using FindingSink = std::function<void(const Finding&)>;
+
+/// A number as people look for it in a dump and in a hex viewer: "64 (0x40)".
+std::string decimalAndHex(std::uint64_t number);
+
+/// Bytes on one line, whatever they are: those that are no ASCII characters as "\x1b".
+std::string printable(std::string_view bytes);
+
+/// The same in quotation marks.
+std::string quoted(std::string_view bytes);
+
+/// "found 12 up to the file's end".
+std::string upToTheEnd(std::uint64_t bytes);
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_BLOCKS_FINDING_H_

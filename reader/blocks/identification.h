@@ -1,0 +1,47 @@
+#ifndef MDF_READER_BLOCKS_IDENTIFICATION_H_
+#define MDF_READER_BLOCKS_IDENTIFICATION_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "finding.h"
+
+namespace mdf_reader {
+
+class InputFile;
+
+/// Where every file has its header block, right behind the identification.
+inline constexpr std::uint64_t header_block_offset = 64;
+
+/// What the 64 bytes in front of a file say of it.
+struct Identification {
+  std::string file_word;        ///< 8 bytes: "MDF     ", or "UnFinMF " for an unfinished file
+  std::string version_text;     ///< 8 bytes up to a zero byte, such as "4.10    "
+  std::string program;          ///< 8 bytes up to a zero byte
+  unsigned version = 0;         ///< such as 410
+  unsigned standard_flags = 0;  ///< what an unfinished file has left open, bit by bit
+  unsigned custom_flags = 0;    ///< the same by rules of the writing program
+
+  enum StandardFlag : unsigned {
+    cycle_counters_open = 1,            ///< cycle counts of channel groups are not final
+    reduction_counters_open = 2,        ///< cycle counts of sample reductions
+    last_data_open = 4,                 ///< length of the last data block
+    last_reduction_open = 8,            ///< length of the last reduction data block
+    last_list_open = 16,                ///< the last data list
+    variable_length_sizes_open = 32,    ///< data bytes of groups for variable-length data
+    variable_length_offsets_open = 64,  ///< offsets of channels with such a group
+  };
+
+  bool isFinished() const;
+  bool isUnfinished() const;
+};
+
+Identification readIdentification(InputFile& file);
+
+/// What the first 64 bytes have that no file of MDF 4 has.
+std::optional<Finding> identificationFinding(InputFile& file);
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_BLOCKS_IDENTIFICATION_H_

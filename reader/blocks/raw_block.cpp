@@ -1,0 +1,108 @@
+#include "raw_block.h"
+
+#include <algorithm>
+
+#include "../bytes/input_file.h"
+#include "finding.h"
+#include "framework/wire.h"
+
+namespace mdf_reader {
+
+using mdf_v4_10::detail::Decoder;
+using mdf_v4_10::detail::loadLe;
+
+namespace {
+
+/// Links of a block whose data section behind them has 8 bytes.
+std::uint64_t linksBeforeEightBytes(std::uint64_t length) {
+  constexpr std::uint64_t rest = RawBlock::header_size + 8;
+  return length < rest ? 0 : (length - rest) / RawBlock::link_size;
+}
+
+/// Links of a channel hierarchy block: four, and three for each element.
+std::uint64_t hierarchyLinks(std::uint64_t elements) {
+  constexpr std::uint64_t countable = UINT64_MAX / 4;
+  return 4 + 3 * std::min(elements, countable);
+}
+
+}  // namespace
+
+std::string RawBlock::name() const { return printable({id.data(), id.size()}); }
+
+std::uint64_t RawBlock::linkCount() const {
+  // Two types are written with a smaller count than links stand there: a header list with 0 for its
+  // one link, and a channel hierarchy with 4 + N for 4 + 3N links. Both have 8 bytes behind their
+  // links, so that the length tells the number, as long as it does not exceed what the type can
+  // have: a length that lies would turn the blocks behind into links.
+  if (letters() == "HL") {
+    return std::max(link_count, std::min<std::uint64_t>(linksBeforeEightBytes(length), 1));
+  }
+  if (letters() == "CH" && link_count >= 4) {
+    return std::max(link_count,
+                    std::min(linksBeforeEightBytes(length), hierarchyLinks(link_count - 4)));
+  }
+  return link_count;
+}
+
+bool RawBlock::holdsItsLinks() const {
+  return length >= header_size && linkCount() <= (length - header_size) / link_size;
+}
+
+std::optional<RawBlock> readRawBlock(InputFile& file, std::uint64_t offset) {
+  std::array<char, RawBlock::header_size> bytes;
+  if (file.readAt(offset, bytes.data(), bytes.size()) < bytes.size()) {
+    return std::nullopt;
+  }
+  RawBlock block;
+  block.offset = offset;
+  Decoder in(bytes.data(), bytes.size());
+  in.take(block.id);
+  in.skip(4);
+  in.take(block.length);
+  in.take(block.link_count);
+  return block;
+}
+
+bool isWhole(const InputFile& file, const RawBlock& block) {
+  return block.length <= file.sizeFrom(block.offset);
+}
+
+std::uint64_t linksThere(const InputFile& file, const RawBlock& block) {
+  const std::uint64_t bytes = std::min(block.length, file.sizeFrom(block.offset));
+  return bytes < RawBlock::header_size
+             ? 0
+             : std::min(block.linkCount(), (bytes - RawBlock::header_size) / RawBlock::link_size);
+}
+
+std::uint64_t linkAt(InputFile& file, const RawBlock& block, std::uint64_t index) {
+  std::array<char, RawBlock::link_size> bytes{};
+  if (index < linksThere(file, block)) {
+    file.readAt(block.offset + RawBlock::header_size + index * RawBlock::link_size, bytes.data(),
+                bytes.size());
+  }
+  return loadLe<std::uint64_t>(bytes.data());
+}
+
+void forEachLink(InputFile& file, const RawBlock& block, const LinkVisitor& visit) {
+  constexpr std::size_t piece_links = 1024;
+  const std::uint64_t count = linksThere(file, block);
+  std::array<char, piece_links * RawBlock::link_size> bytes;
+  std::uint64_t index = 0;
+  while (index < count) {
+    const auto wanted =
+        static_cast<std::size_t>(std::min<std::uint64_t>(count - index, piece_links));
+    const std::uint64_t offset = block.offset + RawBlock::header_size + index * RawBlock::link_size;
+    const std::size_t got = file.readAt(offset, bytes.data(), wanted * RawBlock::link_size);
+    Decoder in(bytes.data(), got);
+    for (; in.remaining() >= RawBlock::link_size; ++index) {
+      std::int64_t link = 0;
+      in.take(link);
+      visit(index, link);
+    }
+    if (got < wanted * RawBlock::link_size) {
+      return;
+    }
+  }
+}
+
+}  // namespace mdf_reader

@@ -1,0 +1,76 @@
+#include "inflate.h"
+
+#include <libdeflate.h>
+
+#include <algorithm>
+#include <memory>
+#include <new>
+
+#include "framework/wire.h"
+
+namespace mdf_reader {
+
+using mdf_v4_10::detail::hostSize;
+
+namespace {
+
+constexpr std::uint64_t most_from_a_byte = 1032;
+
+using Decompressor =
+    std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)>;
+
+/// Tries with a buffer of one size; too little room for the stream is `too_long`.
+Inflated inflateInto(libdeflate_decompressor* decompressor, std::string_view stream,
+                     std::size_t room) {
+  Inflated result{Inflating::broken, std::string(room, '\0')};
+  std::size_t size = 0;
+  const libdeflate_result outcome = libdeflate_zlib_decompress(
+      decompressor, stream.data(), stream.size(), result.bytes.data(), room, &size);
+  if (outcome == LIBDEFLATE_SUCCESS) {
+    result.state = size == room ? Inflating::fine : Inflating::too_short;
+  } else if (outcome == LIBDEFLATE_INSUFFICIENT_SPACE) {
+    result.state = Inflating::too_long;
+  }
+  result.bytes.resize(outcome == LIBDEFLATE_SUCCESS ? size : 0);
+  return result;
+}
+
+}  // namespace
+
+Inflated inflate(std::string_view stream, std::uint64_t stated_size) {
+  const Decompressor decompressor(libdeflate_alloc_decompressor(), libdeflate_free_decompressor);
+  if (!decompressor) {
+    throw std::bad_alloc();
+  }
+  // Room is added as it turns out to be needed: a stated size may lie.
+  constexpr std::uint64_t usual_from_a_byte = 16;
+  constexpr std::uint64_t growth = 8;
+  const std::uint64_t most = std::min(stated_size, stream.size() * most_from_a_byte);
+  std::uint64_t room = std::min(most, stream.size() * usual_from_a_byte);
+  Inflated result = inflateInto(decompressor.get(), stream, hostSize(room));
+  while (result.state == Inflating::too_long && room < most) {
+    room = std::min(most, room * growth);
+    result = inflateInto(decompressor.get(), stream, hostSize(room));
+  }
+  if (result.state == Inflating::fine && room != stated_size) {
+    result.state = Inflating::too_short;
+  }
+  return result;
+}
+
+std::string transposedBack(std::string_view bytes, std::uint64_t columns) {
+  std::string rows(bytes);
+  if (columns < 2 || columns > bytes.size()) {
+    return rows;
+  }
+  const auto width = static_cast<std::size_t>(columns);
+  const std::size_t height = bytes.size() / width;
+  for (std::size_t column = 0; column < width; ++column) {
+    for (std::size_t row = 0; row < height; ++row) {
+      rows[row * width + column] = bytes[column * height + row];
+    }
+  }
+  return rows;
+}
+
+}  // namespace mdf_reader

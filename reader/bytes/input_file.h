@@ -1,0 +1,69 @@
+#ifndef MDF_READER_BYTES_INPUT_FILE_H_
+#define MDF_READER_BYTES_INPUT_FILE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <istream>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "file_buffer.h"
+#include "paged_file.h"
+
+namespace mdf_reader {
+
+/// A file that cannot be opened or read at all; what() is one sentence that names it.
+class UnreadableFile : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The bytes of a file, at any offset. A regular file is read where it lies, however large;
+/// standard input and pipes, which know no offsets, are read into memory first.
+class InputFile {
+ public:
+  /// @param path the file's name; "-" is standard input.
+  /// @throws UnreadableFile
+  explicit InputFile(const std::string& path);
+
+  /// What messages call the file.
+  const std::string& name() const { return name_; }
+
+  /// The file's bytes when it was opened.
+  std::uint64_t size() const { return size_; }
+
+  /// The file's bytes now, which another program may have cut off or added to.
+  std::uint64_t sizeNow() const { return file_.size(); }
+
+  /// Bytes from an offset to the file's end; 0 at and behind the end.
+  std::uint64_t sizeFrom(std::uint64_t offset) const { return offset < size_ ? size_ - offset : 0; }
+
+  /// Reads up to `count` bytes and returns how many there were.
+  std::size_t readAt(std::uint64_t offset, char* bytes, std::size_t count) {
+    return file_.read(offset, bytes, count);
+  }
+
+  /// Bytes that have been read so far, see PagedFile.
+  std::uint64_t bytesRead() const { return file_.bytesRead(); }
+
+  /// A good stream that stands at an offset, for the constructors of the library's blocks. It
+  /// serves until the next call of streamAt() or readAt().
+  std::istream& streamAt(std::uint64_t offset);
+
+ private:
+  std::string name_;
+  PagedFile file_;
+  FileBuffer buffer_;
+  std::istream stream_;
+  std::uint64_t size_;
+};
+
+/// Hands bytes of a file on piece by piece, as many as wanted or as there are.
+void forEachPiece(InputFile& file, std::uint64_t offset, std::uint64_t count,
+                  const std::function<void(std::string_view)>& take);
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_BYTES_INPUT_FILE_H_

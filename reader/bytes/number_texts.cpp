@@ -1,0 +1,39 @@
+#include "number_texts.h"
+
+#include <array>
+#include <charconv>
+#include <cstddef>
+
+namespace mdf_reader {
+
+std::uint64_t unsignedNumber(std::string_view bytes) {
+  std::uint64_t number = 0;
+  for (std::size_t i = bytes.size(); i-- > 0;) {
+    number = (number << 8U) | static_cast<unsigned char>(bytes[i]);
+  }
+  return number;
+}
+
+std::string hexDigits(std::uint64_t number) {
+  std::array<char, 16> digits;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr;
+  return {digits.data(), end};
+}
+
+std::string hexBytes(std::string_view bytes) {
+  static const char digits[] = "0123456789abcdef";
+  std::string text;
+  for (const char character : bytes) {
+    const auto byte = static_cast<unsigned char>(character);
+    text += {digits[byte >> 4U], digits[byte & 0xFU], ' '};
+  }
+  return text.substr(0, text.empty() ? 0 : text.size() - 1);
+}
+
+std::string shortestReal(double number) {
+  std::array<char, 32> digits;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+  return {digits.data(), end};
+}
+
+}  // namespace mdf_reader

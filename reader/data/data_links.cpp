@@ -1,0 +1,113 @@
+#include "data_links.h"
+
+#include <algorithm>
+
+#include "../blocks/block_fields.h"
+#include "../bytes/input_file.h"
+#include "data_block.h"
+
+namespace mdf_reader {
+
+namespace {
+
+constexpr std::uint64_t invalidation_present = 1U << 31U;  // ld_flags
+
+bool isHeaderList(const RawBlock& block) { return block.hasId() && block.letters() == "HL"; }
+
+}  // namespace
+
+DataLinks::DataLinks(InputFile& file, std::uint64_t link, const FindingSink& report)
+    : file_(file), report_(report) {
+  if (link != 0) {
+    enter(link);
+  }
+}
+
+/// Takes in the block at the end of the link to the data: data, a list, or the header of lists.
+void DataLinks::enter(std::uint64_t link) {
+  auto block = readRawBlock(file_, link);
+  if (block && isHeaderList(*block)) {
+    const std::uint64_t first = linkAt(file_, *block, 0);
+    if (first == 0) {
+      return;
+    }
+    block = readRawBlock(file_, first);
+    if (block && !isDataList(*block)) {
+      block.reset();
+    }
+  }
+  if (block && isDataList(*block)) {
+    enterList(*block);
+  } else if (block && isDataBlock(*block)) {
+    single_ = DataPart{block->offset, 0, block->offset, false};
+  } else {
+    report_({std::min(link, file_.size()), "expected a block with data, found none"});
+  }
+}
+
+void DataLinks::enterList(const RawBlock& block) {
+  if (lists_.contains(block.offset)) {
+    list_.reset();
+    report_({block.offset, "expected a chain of lists with an end, found this one again"});
+    return;
+  }
+  lists_.insert(block.offset);
+  list_ = block;
+  next_link_ = 1;
+  end_link_ = linksThere(file_, block);
+  has_invalidation_ = false;
+  if (block.letters() == "LD") {
+    // Links to data come first, and there may be as many to invalidation data behind them.
+    const BlockFields fields(file_, block);
+    end_link_ = std::min(end_link_, 1 + fields.number("ld_count"));
+    has_invalidation_ = fields.hasFlag("ld_flags", invalidation_present);
+  }
+}
+
+void DataLinks::enterNextList() {
+  const RawBlock list = *list_;
+  const std::uint64_t next = linkAt(file_, list, 0);
+  list_.reset();
+  const auto block = next == 0 ? std::nullopt : readRawBlock(file_, next);
+  if (block && isDataList(*block)) {
+    enterList(*block);
+  } else if (next != 0) {
+    report_({list.offset, "expected a list at " + decimalAndHex(next) + ", found none"});
+  }
+}
+
+DataPart DataLinks::partAt(std::uint64_t index) {
+  DataPart part{linkAt(file_, *list_, index), 0, list_->offset, false};
+  if (has_invalidation_) {
+    const std::uint64_t beside = index + (end_link_ - 1);
+    part.invalidation = linkAt(file_, *list_, beside);
+    part.lacks_invalidation = beside >= linksThere(file_, *list_);
+  }
+  return part;
+}
+
+/// Lists that were made in advance have links in them that lead nowhere.
+std::optional<DataPart> DataLinks::next() {
+  if (single_) {
+    const DataPart part = *single_;
+    single_.reset();
+    return part;
+  }
+  while (list_) {
+    while (next_link_ < end_link_) {
+      const DataPart part = partAt(next_link_++);
+      if (part.data != 0) {
+        return part;
+      }
+    }
+    enterNextList();
+  }
+  return std::nullopt;
+}
+
+void DataLinks::stop() {
+  single_.reset();
+  list_.reset();
+}
+
+}  // namespace mdf_reader

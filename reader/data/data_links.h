@@ -1,0 +1,57 @@
+#ifndef MDF_READER_DATA_DATA_LINKS_H_
+#define MDF_READER_DATA_DATA_LINKS_H_
+
+#include <cstdint>
+#include <optional>
+
+#include "../blocks/finding.h"
+#include "../blocks/raw_block.h"
+#include "../bytes/offset_set.h"
+
+namespace mdf_reader {
+
+class InputFile;
+
+/// A block with data, and what a list says with it.
+struct DataPart {
+  std::uint64_t data = 0;           ///< offset of the block
+  std::uint64_t invalidation = 0;   ///< of the one with its invalidation bytes, 0 for none
+  std::uint64_t list = 0;           ///< of the list; of the block itself where there is no list
+  bool lacks_invalidation = false;  ///< the list has no such link although it says that it does
+};
+
+/// The blocks that a link to data leads to: one, or those of a chain of lists, one by one.
+class DataLinks {
+ public:
+  /// @param link where the data is; 0 for none.
+  DataLinks(InputFile& file, std::uint64_t link, const FindingSink& report);
+
+  /// Whether blocks are still to come from lists, which may be many.
+  bool isInLists() const { return list_.has_value(); }
+
+  /// The next block; nothing at the end of all, or where the chain cannot be followed, which is
+  /// reported.
+  std::optional<DataPart> next();
+
+  /// Lets nothing come any more.
+  void stop();
+
+ private:
+  void enter(std::uint64_t link);
+  void enterList(const RawBlock& block);
+  void enterNextList();
+  DataPart partAt(std::uint64_t index);
+
+  InputFile& file_;
+  const FindingSink& report_;
+  std::optional<DataPart> single_;
+  std::optional<RawBlock> list_;
+  std::uint64_t end_link_ = 0;  ///< behind the links to data
+  std::uint64_t next_link_ = 0;
+  bool has_invalidation_ = false;
+  OffsetSet lists_;
+};
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_DATA_DATA_LINKS_H_

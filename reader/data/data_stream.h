@@ -1,0 +1,96 @@
+#ifndef MDF_READER_DATA_DATA_STREAM_H_
+#define MDF_READER_DATA_DATA_STREAM_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "../blocks/finding.h"
+#include "../blocks/raw_block.h"
+#include "data_block.h"
+#include "data_links.h"
+
+namespace mdf_reader {
+
+/// The bytes that a link to data leads to, as if they stood in one piece: in one block, or in those
+/// of data lists, zipped or not. Blocks are looked for as far as they are asked for.
+///
+/// It holds a window of the data or the last unzipped block in memory, and 16 bytes for each
+/// block. What is wrong is reported, and the stream ends where it cannot go on.
+class DataStream {
+ public:
+  enum class Access {
+    forward,    ///< from the front to the end, as often as wanted
+    scattered,  ///< anywhere; there is a limit to unzipping the same blocks again and again
+  };
+
+  /// @param link where the data is; 0 for none.
+  /// @param is_unfinished whether the last block may go on to the file's end, see findData().
+  DataStream(InputFile& file, std::uint64_t link, bool is_unfinished, Access access,
+             const FindingSink& report);
+
+  /// Bytes from an offset on, as many as wanted or as there are. They last until the next call.
+  std::string_view at(std::uint64_t offset, std::size_t count) {
+    if (offset >= window_begin_ && offset - window_begin_ <= window_.size()) {
+      const auto skipped = static_cast<std::size_t>(offset - window_begin_);
+      if (count <= window_.size() - skipped) {
+        return window_.substr(skipped, count);
+      }
+    }
+    return outsideTheWindow(offset, count);
+  }
+
+  /// Whether there are bytes up to an offset.
+  bool reaches(std::uint64_t end);
+
+  /// How many bytes there are. It looks for all blocks.
+  std::uint64_t size();
+
+  /// Bytes of the file that the blocks take which were looked for.
+  std::uint64_t storedBytes() const { return stored_; }
+
+ private:
+  /// A block of the stream: what it holds of data ends where the next one begins.
+  struct Piece {
+    std::uint64_t begin;  ///< in the stream
+    std::uint64_t block;  ///< offset in the file
+  };
+
+  bool extend();
+  void append(const RawBlock& block);
+  std::uint64_t endOf(std::size_t piece) const;
+  std::size_t pieceWith(std::uint64_t offset) const;
+  std::string_view outsideTheWindow(std::uint64_t offset, std::size_t count);
+  std::string_view joined(std::uint64_t offset, std::size_t count);
+  bool show(std::uint64_t offset, std::size_t count);
+  bool showPlain(const DataBlock& block, std::uint64_t begin, std::uint64_t offset,
+                 std::size_t count);
+  bool showZipped(const DataBlock& block, const Piece& piece, std::uint64_t offset);
+  bool mayUnzip(const DataBlock& block, const Piece& piece);
+  void endAt(std::uint64_t end, std::uint64_t offset, const std::string& sentence);
+
+  InputFile& file_;
+  const FindingSink& report_;
+  bool is_unfinished_;
+  Access access_;
+
+  DataLinks links_;
+  std::vector<Piece> pieces_;
+  std::uint64_t size_ = 0;    ///< of the pieces together
+  std::uint64_t stored_ = 0;  ///< bytes of the file that they take
+
+  std::string_view window_;
+  std::uint64_t window_begin_ = 0;
+  std::size_t last_piece_ = 0;
+  std::string plain_;     ///< what the window looks into, or
+  std::string unzipped_;  ///< a whole block
+  std::uint64_t unzipped_block_ = 0;
+  std::uint64_t unzipped_bytes_ = 0;  ///< of all blocks until now
+  std::string joined_;
+};
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_DATA_DATA_STREAM_H_

@@ -1,0 +1,50 @@
+#ifndef MDF_READER_DATA_INVALIDATION_DATA_H_
+#define MDF_READER_DATA_INVALIDATION_DATA_H_
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "../blocks/finding.h"
+#include "../model/description.h"
+#include "data_links.h"
+#include "data_stream.h"
+
+namespace mdf_reader {
+
+/// The invalidation bytes of records that do not have them inside. Since version 4.2 they stand in
+/// blocks of their own, each for the records in one block with data. A block is held at a time.
+class InvalidationData {
+ public:
+  /// @param link where the data of the group's records is, whose lists name the blocks.
+  InvalidationData(InputFile& file, std::uint64_t link, const ChannelGroup& group,
+                   bool is_unfinished, const FindingSink& report);
+
+  /// The bytes of a record, whose number must not be less than the one before; none where the file
+  /// has none, which is a record with all values valid.
+  std::string_view at(std::uint64_t record);
+
+ private:
+  bool enterNextPart();
+  void open(const DataPart& part);
+  void compareLength(const DataPart& part);
+  void tell(std::uint64_t offset, const std::string& sentence);
+
+  InputFile& file_;
+  const ChannelGroup& group_;
+  bool is_unfinished_;
+  const FindingSink& report_;
+  FindingSink silent_;  ///< what is wrong with the data itself is reported where that is read
+  DataLinks links_;
+  std::uint64_t data_bytes_ = 0;  ///< up to the end of the part
+  std::uint64_t begin_ = 0;       ///< records of the part
+  std::uint64_t end_ = 0;
+  std::unique_ptr<DataStream> bytes_;  ///< of the part, null where all of it is valid
+  std::uint64_t stored_ = 0;           ///< bytes of the file that all parts until now take
+  bool has_told_ = false;
+};
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_DATA_INVALIDATION_DATA_H_

@@ -1,0 +1,46 @@
+#ifndef MDF_READER_DATA_SORTED_RECORDS_H_
+#define MDF_READER_DATA_SORTED_RECORDS_H_
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "data_stream.h"
+#include "invalidation_data.h"
+
+namespace mdf_reader {
+
+/// The records of a channel group side by side, with nothing but their record ids between them.
+class SortedRecords {
+ public:
+  /// @param most records that there are at the most, whatever the data holds.
+  /// @param size bytes of each in the data, which may be 0.
+  SortedRecords(DataStream& data, std::uint64_t most, std::uint64_t size, unsigned id_bytes)
+      : data_(data), most_(most), size_(size), id_bytes_(id_bytes) {}
+
+  /// Puts the invalidation bytes behind each record that have a place of their own.
+  void join(std::unique_ptr<InvalidationData> invalidation) {
+    invalidation_ = std::move(invalidation);
+  }
+
+  std::uint64_t most() const { return most_; }
+
+  /// The record of a number, counted from 0 on, without its id; nothing behind the last one.
+  /// Numbers go up. The bytes last until the next call.
+  std::optional<std::string_view> at(std::uint64_t number);
+
+ private:
+  DataStream& data_;
+  std::uint64_t most_;
+  std::uint64_t size_;
+  unsigned id_bytes_;
+  std::unique_ptr<InvalidationData> invalidation_;
+  std::string joined_;
+};
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_DATA_SORTED_RECORDS_H_

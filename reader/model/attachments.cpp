@@ -1,0 +1,73 @@
+#include "attachments.h"
+
+#include <algorithm>
+
+#include "../blocks/block_fields.h"
+#include "../bytes/digest.h"
+#include "../bytes/inflate.h"
+#include "../bytes/input_file.h"
+#include "description.h"
+
+namespace mdf_reader {
+
+namespace {
+
+constexpr std::uint64_t embedded = 1;
+constexpr std::uint64_t compressed = 2;
+constexpr std::uint64_t digest_valid = 4;
+
+Inflated inflateAttachment(InputFile& file, const Attachment& attachment) {
+  std::string stream;
+  forEachPiece(file, attachment.data_at, attachment.data_there,
+               [&](std::string_view piece) { stream += piece; });
+  return inflate(stream, attachment.original_size);
+}
+
+}  // namespace
+
+std::vector<Attachment> readAttachments(InputFile& file, std::uint64_t first, Texts& texts,
+                                        const FindingSink& report) {
+  std::vector<Attachment> attachments;
+  forEachInChain(file, first, "AT", report, [&](const BlockFields& block) {
+    Attachment attachment;
+    attachment.offset = block.offset();
+    attachment.name = texts.at(file, block.link(1));
+    attachment.mime_type = texts.at(file, block.link(2));
+    attachment.comment = texts.at(file, block.link(3));
+    attachment.is_embedded = block.hasFlag("at_flags", embedded);
+    attachment.is_compressed = block.hasFlag("at_flags", compressed);
+    attachment.has_digest = block.hasFlag("at_flags", digest_valid);
+    attachment.digest = block.bytes("at_md5_checksum");
+    attachment.original_size = block.number("at_original_size");
+    attachment.embedded_size = block.number("at_embedded_size");
+    attachment.data_at = block.tailAt();
+    attachment.data_there = std::min(attachment.embedded_size, block.tailBytes());
+    attachments.push_back(std::move(attachment));
+  });
+  return attachments;
+}
+
+AttachmentData readAttachmentData(InputFile& file, const Attachment& attachment,
+                                  const std::function<void(std::string_view)>& take) {
+  if (attachment.data_there < attachment.embedded_size) {
+    return AttachmentData::cut_off;
+  }
+  Md5 md5;
+  if (attachment.is_compressed) {
+    const Inflated inflated = inflateAttachment(file, attachment);
+    if (inflated.state != Inflating::fine) {
+      return AttachmentData::not_inflated;
+    }
+    md5.add(inflated.bytes);
+    take(inflated.bytes);
+  } else {
+    forEachPiece(file, attachment.data_at, attachment.data_there, [&](std::string_view piece) {
+      md5.add(piece);
+      take(piece);
+    });
+  }
+  return !attachment.has_digest || md5.digest() == attachment.digest ? AttachmentData::fine
+                                                                     : AttachmentData::wrong_digest;
+}
+
+}  // namespace mdf_reader

@@ -1,0 +1,326 @@
+#include "description.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <optional>
+
+#include "../blocks/block_fields.h"
+#include "../blocks/walker.h"
+#include "../bytes/input_file.h"
+#include "../bytes/offset_set.h"
+#include "array_elements.h"
+#include "framework/wire.h"
+
+namespace mdf_reader {
+
+using mdf_v4_10::detail::loadLe;
+
+namespace {
+
+/// Reads the description of a file block by block.
+class DescriptionReader {
+ public:
+  DescriptionReader(InputFile& file, const FindingSink& report, const ChannelVisitor& visit,
+                    Texts& texts)
+      : file_(file), report_(report), visit_(visit), texts_(texts) {}
+
+  Header header();
+  std::vector<DataGroup> dataGroups();
+
+ private:
+  /// A channel that is still to be read, and how deep it is nested.
+  struct Step {
+    std::uint64_t from;  ///< the block with the link
+    std::uint64_t offset;
+    std::size_t depth;
+  };
+
+  /// The block of this type at the end of a link, if it is one and new.
+  std::optional<BlockFields> follow(std::uint64_t from, std::uint64_t offset,
+                                    std::string_view letters);
+  DataGroup dataGroup(const BlockFields& block);
+  ChannelGroup channelGroup(const BlockFields& block);
+  void readChannels(std::uint64_t first, ChannelGroup& group);
+  Channel channel(const BlockFields& block);
+  ArrayShape arrayShape(const BlockFields& array);
+  Step readElements(BlockFields array, ArrayShape& shape);
+  std::string_view text(std::uint64_t offset) { return texts_.at(file_, offset); }
+
+  InputFile& file_;
+  const FindingSink& report_;
+  const ChannelVisitor& visit_;  ///< none for channels that are kept
+  Texts& texts_;
+  OffsetSet seen_;
+  std::uint64_t first_data_group_ = 0;
+  std::size_t group_count_ = 0;
+};
+
+std::optional<BlockFields> DescriptionReader::follow(std::uint64_t from, std::uint64_t offset,
+                                                     std::string_view letters) {
+  if (offset == 0) {
+    return std::nullopt;
+  }
+  const std::string expected = "expected a link to a new block \"##" + std::string(letters) +
+                               "\" at " + decimalAndHex(offset);
+  if (seen_.contains(offset)) {
+    report_({from, expected + ", found one that was there before"});
+    return std::nullopt;
+  }
+  auto block = readFields(file_, offset, letters);
+  if (!block) {
+    report_({from, expected + ", found none"});
+    return std::nullopt;
+  }
+  seen_.insert(offset);
+  if (!block->isComplete()) {
+    report_({offset, "expected all links and fields of " + block->raw().name() +
+                         ", found a length of " + std::to_string(block->raw().length) + " and " +
+                         std::to_string(block->raw().link_count) + " links"});
+  }
+  return block;
+}
+
+Header DescriptionReader::header() {
+  Header header;
+  const auto finding = identificationFinding(file_);
+  if (finding && !readFields(file_, header_block_offset, "HD")) {
+    report_(*finding);
+    return header;
+  }
+  const auto block = follow(0, header_block_offset, "HD");
+  if (!block) {
+    return header;
+  }
+  header.start_time = block->number("hd_start_time_ns");
+  header.zone_minutes = static_cast<int>(block->signedNumber("hd_tz_offset_min"));
+  header.daylight_minutes = static_cast<int>(block->signedNumber("hd_dst_offset_min"));
+  header.time_flags = static_cast<unsigned>(block->number("hd_time_flags"));
+  header.time_class = static_cast<unsigned>(block->number("hd_time_class"));
+  header.flags = static_cast<unsigned>(block->number("hd_flags"));
+  header.start_angle = block->real("hd_start_angle_rad");
+  header.start_distance = block->real("hd_start_distance_m");
+  first_data_group_ = block->link(0);
+  header.first_history = block->link(1);
+  header.first_hierarchy = block->link(2);
+  header.first_attachment = block->link(3);
+  header.first_event = block->link(4);
+  header.comment = text(block->link(5));
+  return header;
+}
+
+std::vector<DataGroup> DescriptionReader::dataGroups() {
+  std::vector<DataGroup> groups;
+  auto block = follow(header_block_offset, first_data_group_, "DG");
+  while (block) {
+    groups.push_back(dataGroup(*block));
+    groups.back().index = groups.size() - 1;
+    block = follow(block->offset(), block->link(0), "DG");
+  }
+  return groups;
+}
+
+DataGroup DescriptionReader::dataGroup(const BlockFields& block) {
+  DataGroup data_group;
+  data_group.offset = block.offset();
+  data_group.record_id_code = static_cast<unsigned>(block.number("dg_rec_id_size"));
+  data_group.data = block.link(2);
+  data_group.comment = text(block.link(3));
+  auto group = follow(block.offset(), block.link(1), "CG");
+  while (group) {
+    data_group.groups.push_back(channelGroup(*group));
+    group = follow(group->offset(), group->link(0), "CG");
+  }
+  return data_group;
+}
+
+ChannelGroup DescriptionReader::channelGroup(const BlockFields& block) {
+  ChannelGroup group;
+  group.offset = block.offset();
+  group.index = group_count_++;
+  group.name = text(block.link(2));
+  group.source = block.link(3);
+  group.first_reduction = block.link(4);
+  group.comment = text(block.link(5));
+  group.record_id = block.number("cg_record_id");
+  group.cycles = block.number("cg_cycle_count");
+  group.flags = static_cast<unsigned>(block.number("cg_flags"));
+  group.data_bytes = static_cast<std::uint32_t>(block.number("cg_data_bytes"));
+  group.invalidation_bytes = static_cast<std::uint32_t>(block.number("cg_inval_bytes"));
+  if (group.hasRemoteMaster()) {
+    constexpr std::uint64_t behind_own_links = 6;
+    group.master_group = linkAt(file_, block.raw(), behind_own_links);
+  }
+  readChannels(block.link(1), group);
+  return group;
+}
+
+/// Members of a structure come before the channel that follows it. There may be more levels of them
+/// than calls can be nested.
+void DescriptionReader::readChannels(std::uint64_t first, ChannelGroup& group) {
+  std::vector<Step> steps = {{group.offset, first, 0}};
+  while (!steps.empty()) {
+    const Step step = steps.back();
+    steps.pop_back();
+    const auto block = follow(step.from, step.offset, "CN");
+    if (!block) {
+      continue;
+    }
+    Channel channel = this->channel(*block);
+    channel.depth = step.depth;
+    steps.push_back({block->offset(), block->link(0), step.depth});
+    if (readFields(file_, block->link(1), "CA")) {
+      if (const auto array = follow(block->offset(), block->link(1), "CA")) {
+        channel.array = arrayShape(*array);
+        const Step members = readElements(*array, channel.array);
+        channel.is_structure = members.offset != 0;
+        steps.push_back({members.from, members.offset, step.depth + 1});
+      }
+    } else if (block->link(1) != 0) {
+      channel.is_structure = true;
+      steps.push_back({block->offset(), block->link(1), step.depth + 1});
+    }
+    if (visit_) {
+      visit_(group, channel);
+    } else {
+      group.channels.push_back(std::move(channel));
+    }
+  }
+}
+
+Channel DescriptionReader::channel(const BlockFields& block) {
+  Channel channel;
+  channel.offset = block.offset();
+  channel.name = text(block.link(2));
+  channel.source = block.link(3);
+  channel.conversion = block.link(4);
+  channel.data = block.link(5);
+  channel.unit = text(block.link(6));
+  channel.comment = text(block.link(7));
+  channel.type = static_cast<unsigned>(block.number("cn_type"));
+  channel.sync_type = static_cast<unsigned>(block.number("cn_sync_type"));
+  channel.data_type = static_cast<unsigned>(block.number("cn_data_type"));
+  channel.bit_offset = static_cast<unsigned>(block.number("cn_bit_offset"));
+  channel.byte_offset = static_cast<std::uint32_t>(block.number("cn_byte_offset"));
+  channel.bit_count = static_cast<std::uint32_t>(block.number("cn_bit_count"));
+  channel.flags = static_cast<std::uint32_t>(block.number("cn_flags"));
+  channel.invalidation_bit = static_cast<std::uint32_t>(block.number("cn_inval_bit_pos"));
+  channel.precision = static_cast<unsigned>(block.number("cn_precision"));
+  if (channel.unit.empty()) {
+    if (const auto conversion = readFields(file_, channel.conversion, "CC")) {
+      channel.unit = text(conversion->link(1));
+    }
+  }
+  return channel;
+}
+
+ArrayShape DescriptionReader::arrayShape(const BlockFields& array) {
+  constexpr unsigned in_records = 0;  // ca_storage: the channel is the template of each element
+  constexpr unsigned inverse_layout = 64;
+  ArrayShape shape;
+  shape.offset = array.offset();
+  shape.byte_step = array.signedNumber("ca_byte_offset_base");
+  shape.invalidation_step = array.number("ca_inval_bit_pos_base");
+  shape.in_records = array.number("ca_storage") == in_records;
+  shape.is_column_oriented = array.hasFlag("ca_flags", inverse_layout);
+  // One more than anybody takes tells enough: blocks may lie one over the other.
+  const std::uint64_t count = std::min<std::uint64_t>(
+      {array.number("ca_ndim"), array.tailBytes() / 8, most_array_dimensions + 1});
+  for (std::uint64_t i = 0; i < count; ++i) {
+    std::array<char, 8> bytes{};
+    file_.readAt(array.tailAt() + 8 * i, bytes.data(), bytes.size());
+    shape.dimensions.push_back(loadLe<std::uint64_t>(bytes.data()));
+  }
+  return shape;
+}
+
+/// What the elements of an array are: arrays, as deep as they go, and then structures, whose first
+/// member is returned, or nothing more.
+DescriptionReader::Step DescriptionReader::readElements(BlockFields array, ArrayShape& shape) {
+  while (readFields(file_, array.link(0), "CA")) {
+    const auto inner = follow(array.offset(), array.link(0), "CA");
+    if (!inner) {
+      return {array.offset(), 0, 0};
+    }
+    shape.inner.push_back(arrayShape(*inner));
+    array = *inner;
+  }
+  return {array.offset(), array.link(0), 0};
+}
+
+}  // namespace
+
+std::vector<unsigned> recordIdBytesFor(std::uint64_t code) {
+  switch (code) {
+    case 0:
+    case 1:
+    case 2:
+    case 8:
+      return {static_cast<unsigned>(code)};
+    case 3:
+      return {4};
+    case 4:
+      return {4, 8};
+    default:
+      return {};
+  }
+}
+
+const Channel* ChannelGroup::masterChannel() const {
+  const Channel* best = nullptr;
+  for (const Channel& channel : channels) {
+    if (channel.isBetterMasterThan(best)) {
+      best = &channel;
+    }
+  }
+  return best;
+}
+
+Measurement readMeasurement(InputFile& file, const FindingSink& report) {
+  return readMeasurement(file, report, nullptr);
+}
+
+Measurement readMeasurement(InputFile& file, const FindingSink& report,
+                            const ChannelVisitor& visit) {
+  Measurement measurement;
+  measurement.texts = std::make_unique<Texts>();
+  measurement.identification = readIdentification(file);
+  DescriptionReader reader(file, report, visit, *measurement.texts);
+  measurement.header = reader.header();
+  measurement.data_groups = reader.dataGroups();
+  return measurement;
+}
+
+void forEachInChain(InputFile& file, std::uint64_t first, std::string_view letters,
+                    const FindingSink& report,
+                    const std::function<void(const BlockFields& block)>& visit) {
+  OffsetSet seen;
+  std::uint64_t from = header_block_offset;
+  for (std::uint64_t offset = first; offset != 0;) {
+    const auto block = readFields(file, offset, letters);
+    if (!block || seen.contains(offset)) {
+      report({from, "expected a link to a new block \"##" + std::string(letters) + "\" at " +
+                        decimalAndHex(offset) + ", found " +
+                        (block ? "one that was there before" : "none")});
+      return;
+    }
+    seen.insert(offset);
+    visit(*block);
+    from = offset;
+    offset = block->link(0);
+  }
+}
+
+Source readSource(InputFile& file, std::uint64_t offset, Texts& texts) {
+  Source source;
+  if (const auto block = readFields(file, offset, "SI")) {
+    source.name = texts.at(file, block->link(0));
+    source.path = texts.at(file, block->link(1));
+    source.type = static_cast<unsigned>(block->number("si_type"));
+    source.bus_type = static_cast<unsigned>(block->number("si_bus_type"));
+    source.is_simulated = block->hasFlag("si_flags", 1);
+  }
+  return source;
+}
+
+}  // namespace mdf_reader

@@ -1,0 +1,134 @@
+#include "element_groups.h"
+
+#include <utility>
+
+#include "../bytes/input_file.h"
+#include "array_elements.h"
+
+namespace mdf_reader {
+
+namespace {
+
+/// Splits the channel groups of one data group.
+class Splitter {
+ public:
+  Splitter(InputFile& file, const FindingSink& report)
+      : file_(file), report_(report), allowance_(file.size()) {}
+
+  /// Adds the data group and those of its elements to a list.
+  void split(DataGroup&& data_group, std::vector<DataGroup>& result);
+
+ private:
+  const Channel* templateOf(const ChannelGroup& group);
+  std::vector<ArrayElement> elementsOf(const DataGroup& data_group, const ChannelGroup& group);
+
+  InputFile& file_;
+  const FindingSink& report_;
+  ElementAllowance allowance_;                   ///< for the columns of all their tables
+  ArrayStorage storage_ = ArrayStorage::record;  ///< of the array that was found last
+};
+
+/// The same group for the records of one of its elements.
+ChannelGroup groupOf(const ChannelGroup& first, std::size_t number, const ArrayElement& element,
+                     ArrayStorage storage) {
+  ChannelGroup group = first;
+  group.element = number;
+  group.cycles = element.cycles;
+  group.record_id += storage == ArrayStorage::channel_group ? number : 0;
+  return group;
+}
+
+/// The array that has its elements elsewhere; null for none, and where there are several, whose
+/// records nobody could tell apart.
+const Channel* Splitter::templateOf(const ChannelGroup& group) {
+  const Channel* found = nullptr;
+  for (const Channel& channel : group.channels) {
+    if (channel.array.dimensions.empty() || channel.array.in_records) {
+      continue;
+    }
+    if (found != nullptr) {
+      report_({channel.offset,
+               "expected one array whose elements have records of their own in a channel group, "
+               "found another one; they are left out"});
+      return nullptr;
+    }
+    found = &channel;
+  }
+  return found;
+}
+
+std::vector<ArrayElement> Splitter::elementsOf(const DataGroup& data_group,
+                                               const ChannelGroup& group) {
+  const Channel* channel = templateOf(group);
+  const auto array =
+      channel == nullptr ? std::nullopt : readFields(file_, channel->array.offset, "CA");
+  if (!array) {
+    return {};
+  }
+  storage_ = arrayStorage(*array);
+  ArrayElements read;
+  if (storage_ == ArrayStorage::unknown) {
+    read.problem = "expected a way to store arrays that is known, found " +
+                   std::to_string(array->number("ca_storage"));
+  } else if (storage_ == ArrayStorage::data_group && data_group.groups.size() > 1) {
+    read.problem =
+        "expected an array whose elements have data of their own in a data group with one channel "
+        "group, found several";
+  } else {
+    const std::uint64_t columns = group.channels.size();
+    read = readArrayElements(file_, *array, allowance_.most(columns));
+    allowance_.take(read.elements.size() * columns);
+  }
+  if (!read.problem.empty()) {
+    report_({channel->offset, read.problem + "; the array is left out"});
+  }
+  return std::move(read.elements);
+}
+
+void Splitter::split(DataGroup&& data_group, std::vector<DataGroup>& result) {
+  std::vector<ChannelGroup> groups;
+  std::vector<DataGroup> behind;
+  for (ChannelGroup& group : data_group.groups) {
+    const auto elements = elementsOf(data_group, group);
+    std::vector<Channel> channels;
+    channels.swap(group.channels);
+    const std::size_t at = groups.size();
+    groups.push_back(group);
+    for (std::size_t i = 1; i < elements.size(); ++i) {
+      ChannelGroup its_group = groupOf(group, i, elements[i], storage_);
+      if (storage_ == ArrayStorage::channel_group) {
+        groups.push_back(std::move(its_group));
+      } else {
+        behind.push_back({data_group.offset,
+                          data_group.index,
+                          data_group.record_id_code,
+                          elements[i].data,
+                          data_group.comment,
+                          {}});
+        behind.back().groups.push_back(std::move(its_group));
+      }
+    }
+    groups[at].channels = std::move(channels);
+    if (!elements.empty()) {
+      groups[at].element = 0;
+    }
+  }
+  data_group.groups = std::move(groups);
+  result.push_back(std::move(data_group));
+  for (DataGroup& each : behind) {
+    result.push_back(std::move(each));
+  }
+}
+
+}  // namespace
+
+void splitElements(InputFile& file, Measurement& measurement, const FindingSink& report) {
+  std::vector<DataGroup> result;
+  Splitter splitter(file, report);
+  for (DataGroup& data_group : measurement.data_groups) {
+    splitter.split(std::move(data_group), result);
+  }
+  measurement.data_groups = std::move(result);
+}
+
+}  // namespace mdf_reader

@@ -1,0 +1,31 @@
+#include "events.h"
+
+#include "../blocks/block_fields.h"
+#include "../bytes/input_file.h"
+#include "description.h"
+
+namespace mdf_reader {
+
+std::vector<Event> readEvents(InputFile& file, std::uint64_t first, Texts& texts,
+                              const FindingSink& report) {
+  std::vector<Event> events;
+  forEachInChain(file, first, "EV", report, [&](const BlockFields& block) {
+    Event event;
+    event.offset = block.offset();
+    event.name = texts.at(file, block.link(3));
+    event.comment = texts.at(file, block.link(4));
+    event.type = static_cast<unsigned>(block.number("ev_type"));
+    event.sync_type = static_cast<unsigned>(block.number("ev_sync_type"));
+    event.range_type = static_cast<unsigned>(block.number("ev_range_type"));
+    event.cause = static_cast<unsigned>(block.number("ev_cause"));
+    event.flags = static_cast<unsigned>(block.number("ev_flags"));
+    event.base_value = block.signedNumber("ev_sync_base_value");
+    event.factor = block.real("ev_sync_factor");
+    event.scope_count = block.number("ev_scope_count");
+    event.attachment_count = block.number("ev_attachment_count");
+    events.push_back(event);
+  });
+  return events;
+}
+
+}  // namespace mdf_reader

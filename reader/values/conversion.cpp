@@ -1,0 +1,455 @@
+#include "conversion.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <stdexcept>
+#include <utility>
+#include <variant>
+
+#include "../blocks/block_fields.h"
+#include "../bytes/input_file.h"
+#include "../model/texts.h"
+#include "formula.h"
+#include "framework/wire.h"
+#include "lookup.h"
+#include "text_encoding.h"
+
+namespace mdf_reader {
+
+using mdf_v4_10::detail::loadLe;
+
+namespace {
+
+constexpr std::size_t most_nested = 16;
+constexpr std::size_t longest_text = 1024;
+
+/// A conversion of numbers.
+class NumberConversion : public Conversion {
+ public:
+  Value physical(const Value& raw) final {
+    const auto number = numberOf(raw);
+    return number ? of(*number, raw) : raw;
+  }
+
+ private:
+  virtual Value of(double number, const Value& raw) = 0;
+};
+
+class Linear : public NumberConversion {
+ public:
+  Linear(double offset, double factor) : offset_(offset), factor_(factor) {}
+
+ private:
+  Value of(double number, const Value& /*raw*/) override { return offset_ + factor_ * number; }
+
+  double offset_;
+  double factor_;
+};
+
+class Rational : public NumberConversion {
+ public:
+  explicit Rational(std::vector<double> p) : p_(std::move(p)) {}
+
+ private:
+  Value of(double x, const Value& /*raw*/) override {
+    return (p_[0] * x * x + p_[1] * x + p_[2]) / (p_[3] * x * x + p_[4] * x + p_[5]);
+  }
+
+  std::vector<double> p_;
+};
+
+class Algebraic : public NumberConversion {
+ public:
+  explicit Algebraic(const std::string& formula) : formula_(formula) {}
+
+ private:
+  Value of(double number, const Value& /*raw*/) override { return formula_.at(number); }
+
+  Formula formula_;
+};
+
+class ValueTable : public NumberConversion {
+ public:
+  ValueTable(const std::vector<double>& pairs, bool interpolates)
+      : points_(pairs), interpolates_(interpolates) {}
+
+ private:
+  Value of(double number, const Value& raw) override {
+    if (points_.isEmpty() || std::isnan(number)) {
+      return raw;
+    }
+    return interpolates_ ? points_.between(number) : points_.nearest(number);
+  }
+
+  PointTable points_;
+  bool interpolates_;
+};
+
+bool isInteger(const Value& raw) { return !std::holds_alternative<double>(raw); }
+
+class RangeToValue : public NumberConversion {
+ public:
+  RangeToValue(RangeTable ranges, std::vector<double> values)
+      : ranges_(std::move(ranges)), values_(std::move(values)) {}
+
+ private:
+  Value of(double number, const Value& raw) override {
+    const std::size_t index = ranges_.find(number, isInteger(raw));
+    return index < values_.size() ? Value(values_[index]) : raw;
+  }
+
+  RangeTable ranges_;
+  std::vector<double> values_;  ///< one for each range, and the default
+};
+
+/// What a reference leads to: a text, a conversion to go on with, or nothing.
+struct Target {
+  const std::string* text = nullptr;
+  Conversion* conversion = nullptr;
+
+  Value of(const Value& raw) const {
+    if (text != nullptr) {
+      return *text;
+    }
+    return conversion != nullptr ? conversion->physical(raw) : raw;
+  }
+};
+
+/// A conversion that may lead on to others.
+class ScaleConversion : public NumberConversion {
+ public:
+  explicit ScaleConversion(std::vector<Target> targets) : targets_(std::move(targets)) {
+    for (const Target& target : targets_) {
+      height_ =
+          std::max(height_, target.conversion == nullptr ? 1 : 1 + target.conversion->height());
+    }
+  }
+  std::size_t height() const override { return height_; }
+
+ protected:
+  /// The default target stands behind the others.
+  Value target(std::size_t index, const Value& raw) const {
+    return index < targets_.size() ? targets_[index].of(raw) : raw;
+  }
+
+ private:
+  std::vector<Target> targets_;
+  std::size_t height_ = 1;
+};
+
+class ValueToText : public ScaleConversion {
+ public:
+  ValueToText(const std::vector<double>& keys, std::vector<Target> targets)
+      : ScaleConversion(std::move(targets)), keys_(keys) {}
+
+ private:
+  Value of(double number, const Value& raw) override { return target(keys_.find(number), raw); }
+
+  KeyTable keys_;
+};
+
+class RangeToText : public ScaleConversion {
+ public:
+  RangeToText(RangeTable ranges, std::vector<Target> targets)
+      : ScaleConversion(std::move(targets)), ranges_(std::move(ranges)) {}
+
+ private:
+  Value of(double number, const Value& raw) override {
+    return target(ranges_.find(number, isInteger(raw)), raw);
+  }
+
+  RangeTable ranges_;
+};
+
+/// A conversion of texts by a table with a default behind the others.
+class TextTable : public Conversion {
+ public:
+  TextTable(const std::vector<const std::string*>& keys, std::vector<Value> results)
+      : results_(std::move(results)) {
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+      if (keys[i] != nullptr) {
+        indices_.try_emplace(*keys[i], i);
+      }
+    }
+  }
+
+  Value physical(const Value& raw) override {
+    const auto* text = std::get_if<std::string>(&raw);
+    if (text == nullptr) {
+      return raw;
+    }
+    const auto found = indices_.find(*text);
+    const Value& result = found == indices_.end() ? results_.back() : results_.at(found->second);
+    return isNone(result) ? raw : result;
+  }
+
+ private:
+  std::map<std::string, std::size_t> indices_;
+  std::vector<Value> results_;  ///< without a value where the text stays
+};
+
+}  // namespace
+
+/// Makes the conversion of one block.
+class ConversionMaker {
+ public:
+  ConversionMaker(Conversions& conversions, const BlockFields& block)
+      : all_(conversions), block_(block) {}
+
+  std::unique_ptr<Conversion> make() {
+    const std::uint64_t room = block_.tailBytes() + 8 * linksThere(all_.file_, block_.raw());
+    if (!all_.mayKeep(room, block_.offset())) {
+      return nullptr;
+    }
+    readReferences();
+    readValues();
+    auto conversion = ofType(static_cast<unsigned>(block_.number("cc_type")));
+    if (conversion != nullptr && conversion->height() > most_nested) {
+      report("expected at most " + std::to_string(most_nested) +
+             " conversions in one another, found more");
+      return nullptr;
+    }
+    return conversion;
+  }
+
+ private:
+  void readReferences();
+  void readValues();
+  std::unique_ptr<Conversion> ofType(unsigned type);
+  std::unique_ptr<Conversion> ofNumbers(unsigned type);
+  std::unique_ptr<Conversion> algebraic();
+  std::unique_ptr<Conversion> rangeToValue();
+  std::unique_ptr<Conversion> rangeToText();
+  std::unique_ptr<Conversion> textToValue();
+  std::unique_ptr<Conversion> textToText();
+  std::vector<Target> targets(std::size_t entries);
+  RangeTable ranges(std::size_t count, std::size_t step) const;
+  bool has(std::size_t values, std::size_t references);
+  void report(const std::string& sentence) const { all_.report_({block_.offset(), sentence}); }
+
+  Conversions& all_;
+  const BlockFields& block_;
+  std::vector<double> values_;
+  std::vector<std::uint64_t> references_;
+};
+
+void ConversionMaker::readReferences() {
+  const std::uint64_t fixed = block_.layout()->links.size();
+  const std::uint64_t count = block_.number("cc_ref_count");
+  forEachLink(all_.file_, block_.raw(), [&](std::uint64_t index, std::int64_t link) {
+    if (index >= fixed && index - fixed < count) {
+      references_.push_back(static_cast<std::uint64_t>(link));
+    }
+  });
+}
+
+void ConversionMaker::readValues() {
+  const std::uint64_t count = std::min(block_.number("cc_val_count"), block_.tailBytes() / 8);
+  std::string bytes(static_cast<std::size_t>(8 * count), '\0');
+  bytes.resize(all_.file_.readAt(block_.tailAt(), bytes.data(), bytes.size()));
+  for (std::size_t at = 0; at + 8 <= bytes.size(); at += 8) {
+    values_.push_back(loadLe<double>(bytes.data() + at));
+  }
+}
+
+/// Whether there are as many parameters as the type needs at least.
+bool ConversionMaker::has(std::size_t values, std::size_t references) {
+  if (values_.size() >= values && references_.size() >= references) {
+    return true;
+  }
+  report("expected " + std::to_string(values) + " values and " + std::to_string(references) +
+         " references for the conversion's type " + std::to_string(block_.number("cc_type")) +
+         ", found " + std::to_string(values_.size()) + " and " +
+         std::to_string(references_.size()));
+  return false;
+}
+
+std::unique_ptr<Conversion> ConversionMaker::ofType(unsigned type) {
+  switch (type) {
+    case Conversion::identity:
+      return nullptr;
+    case Conversion::algebraic:
+      return algebraic();
+    case Conversion::range_to_value:
+      return rangeToValue();
+    case Conversion::value_to_text:
+      return has(0, 1) ? std::make_unique<ValueToText>(values_, targets(values_.size())) : nullptr;
+    case Conversion::range_to_text:
+      return rangeToText();
+    case Conversion::text_to_value:
+      return textToValue();
+    case Conversion::text_to_text:
+      return textToText();
+    default:
+      return ofNumbers(type);
+  }
+}
+
+std::unique_ptr<Conversion> ConversionMaker::ofNumbers(unsigned type) {
+  switch (type) {
+    case Conversion::linear:
+      if (!has(2, 0) || (values_[0] == 0 && values_[1] == 1)) {  // integers stay exact
+        return nullptr;
+      }
+      return std::make_unique<Linear>(values_[0], values_[1]);
+    case Conversion::rational:
+      return has(6, 0) ? std::make_unique<Rational>(values_) : nullptr;
+    case Conversion::value_to_value_interpolated:
+    case Conversion::value_to_value:
+      return has(2, 0) ? std::make_unique<ValueTable>(
+                             values_, type == Conversion::value_to_value_interpolated)
+                       : nullptr;
+    default:
+      report("expected a conversion's type that is known, found " + std::to_string(type));
+      return nullptr;
+  }
+}
+
+std::unique_ptr<Conversion> ConversionMaker::algebraic() {
+  if (!has(0, 1)) {
+    return nullptr;
+  }
+  const std::string* text = all_.textAt(references_[0]);
+  try {
+    return std::make_unique<Algebraic>(text == nullptr ? "" : *text);
+  } catch (const std::invalid_argument& error) {
+    report("expected a formula that can be evaluated, found " +
+           printable(text == nullptr ? "none" : "\"" + *text + "\"") + ": " +
+           printable(error.what()));
+    return nullptr;
+  }
+}
+
+RangeTable ConversionMaker::ranges(std::size_t count, std::size_t step) const {
+  std::vector<std::pair<double, double>> ranges;
+  for (std::size_t i = 0; i < count; ++i) {
+    ranges.emplace_back(values_[step * i], values_[step * i + 1]);
+  }
+  return RangeTable(std::move(ranges));
+}
+
+std::unique_ptr<Conversion> ConversionMaker::rangeToValue() {
+  if (!has(1, 0)) {
+    return nullptr;
+  }
+  const std::size_t count = values_.size() / 3;
+  std::vector<double> results;
+  for (std::size_t i = 0; i < count; ++i) {
+    results.push_back(values_[3 * i + 2]);
+  }
+  if (values_.size() % 3 != 0) {
+    results.push_back(values_[3 * count]);
+  }
+  return std::make_unique<RangeToValue>(ranges(count, 3), std::move(results));
+}
+
+std::unique_ptr<Conversion> ConversionMaker::rangeToText() {
+  const std::size_t count = values_.size() / 2;
+  return has(0, 1) ? std::make_unique<RangeToText>(ranges(count, 2), targets(count)) : nullptr;
+}
+
+/// The targets of a table's entries and the default one, with none for those that are missing.
+std::vector<Target> ConversionMaker::targets(std::size_t entries) {
+  std::vector<Target> targets(entries + 1);
+  for (std::size_t i = 0; i < std::min(targets.size(), references_.size()); ++i) {
+    targets[i].text = all_.textAt(references_[i]);
+    if (targets[i].text == nullptr) {
+      targets[i].conversion = all_.at(references_[i]);
+    }
+  }
+  return targets;
+}
+
+std::unique_ptr<Conversion> ConversionMaker::textToValue() {
+  if (!has(1, 0)) {
+    return nullptr;
+  }
+  std::vector<const std::string*> keys;
+  for (std::size_t i = 0; i < std::min(references_.size(), values_.size() - 1); ++i) {
+    keys.push_back(all_.textAt(references_[i]));
+  }
+  return std::make_unique<TextTable>(keys, std::vector<Value>(values_.begin(), values_.end()));
+}
+
+std::unique_ptr<Conversion> ConversionMaker::textToText() {
+  std::vector<const std::string*> keys;
+  std::vector<Value> results;
+  const auto result = [&](std::uint64_t reference) {
+    const std::string* text = all_.textAt(reference);
+    results.push_back(text == nullptr ? Value() : Value(*text));
+  };
+  for (std::size_t i = 0; i + 1 < references_.size(); i += 2) {
+    keys.push_back(all_.textAt(references_[i]));
+    result(references_[i + 1]);
+  }
+  result(references_.size() % 2 == 0 ? 0 : references_.back());
+  return std::make_unique<TextTable>(keys, std::move(results));
+}
+
+Conversion* Conversions::at(std::uint64_t offset) {
+  if (offset == 0) {
+    return nullptr;
+  }
+  if (depth_ >= most_nested) {
+    report_({std::min(offset, file_.size()), "expected at most " + std::to_string(most_nested) +
+                                                 " conversions in one another, found more"});
+    return nullptr;
+  }
+  const auto [entry, is_new] = entries_.try_emplace(offset);
+  Entry& kept = entry->second;
+  if (!is_new) {
+    if (kept.is_being_read) {
+      report_({offset, "expected conversions with an end, found this one to lead back to itself"});
+    }
+    return kept.conversion.get();
+  }
+  ++depth_;
+  const auto block = readFields(file_, offset, "CC");
+  if (block) {
+    kept.conversion = ConversionMaker(*this, *block).make();
+  } else {
+    report_({std::min(offset, file_.size()), "expected a conversion, found none"});
+  }
+  kept.is_being_read = false;
+  --depth_;
+  return kept.conversion.get();
+}
+
+const std::string* Conversions::textAt(std::uint64_t offset) {
+  const auto found = texts_.find(offset);
+  if (found != texts_.end()) {
+    return &found->second;
+  }
+  const auto block = offset == 0 ? std::nullopt : readRawBlock(file_, offset);
+  const bool is_text =
+      block && block->hasId() && (block->letters() == "TX" || block->letters() == "MD");
+  if (!is_text || !block->holdsItsLinks()) {
+    return nullptr;
+  }
+  const std::uint64_t head = RawBlock::header_size + block->linkCount() * RawBlock::link_size;
+  std::string text(
+      static_cast<std::size_t>(std::min<std::uint64_t>(block->length - head, longest_text)), '\0');
+  text.resize(file_.readAt(offset + head, text.data(), text.size()));
+  text = fromUtf8(block->letters() == "MD" ? plainText(text.substr(0, text.find('\0'))) : text);
+  if (!mayKeep(text.size(), offset)) {
+    return nullptr;
+  }
+  return &texts_.emplace(offset, std::move(text)).first->second;
+}
+
+bool Conversions::mayKeep(std::uint64_t bytes, std::uint64_t offset) {
+  kept_ += bytes;
+  if (kept_ <= file_.size()) {
+    return true;
+  }
+  if (!has_told_) {
+    report_({offset,
+             "expected conversions and their texts to lie side by side, found them to be "
+             "larger than the file"});
+    has_told_ = true;
+  }
+  return false;
+}
+
+}  // namespace mdf_reader

@@ -1,0 +1,82 @@
+#ifndef MDF_READER_VALUES_CONVERSION_H_
+#define MDF_READER_VALUES_CONVERSION_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "../blocks/finding.h"
+#include "value.h"
+
+namespace mdf_reader {
+
+class BlockFields;
+class InputFile;
+
+/// How raw values become physical ones.
+class Conversion {
+ public:
+  /// The `cc_type` of a conversion block.
+  enum Type : unsigned {
+    identity = 0,
+    linear = 1,
+    rational = 2,
+    algebraic = 3,
+    value_to_value_interpolated = 4,
+    value_to_value = 5,
+    range_to_value = 6,
+    value_to_text = 7,
+    range_to_text = 8,
+    text_to_value = 9,
+    text_to_text = 10,
+  };
+
+  Conversion() = default;
+  virtual ~Conversion() = default;
+  Conversion(const Conversion&) = delete;
+  Conversion& operator=(const Conversion&) = delete;
+
+  /// The physical value. A raw value that the conversion is not made for stays what it is.
+  virtual Value physical(const Value& raw) = 0;
+
+  /// How many conversions are nested in one another, with this one.
+  virtual std::size_t height() const { return 1; }
+};
+
+/// The conversions of a file, each read once, however many channels share it.
+class Conversions {
+ public:
+  Conversions(InputFile& file, const FindingSink& report) : file_(file), report_(report) {}
+
+  /// The conversion at an offset. Null where there is none that changes a value: at offset 0, for
+  /// the identity, and for one that cannot be used, which is reported.
+  Conversion* at(std::uint64_t offset);
+
+ private:
+  struct Entry {
+    std::unique_ptr<Conversion> conversion;
+    bool is_being_read = true;
+  };
+  friend class ConversionMaker;
+
+  /// Text at the end of a reference, which lasts as long as this object; null when there is none.
+  const std::string* textAt(std::uint64_t offset);
+
+  /// Counts bytes that are kept in memory. Blocks side by side are never more than the file.
+  bool mayKeep(std::uint64_t bytes, std::uint64_t offset);
+
+  InputFile& file_;
+  const FindingSink& report_;
+  std::unordered_map<std::uint64_t, Entry> entries_;
+  std::unordered_map<std::uint64_t, std::string> texts_;
+  std::uint64_t kept_ = 0;
+  bool has_told_ = false;
+  std::size_t depth_ = 0;
+};
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_VALUES_CONVERSION_H_

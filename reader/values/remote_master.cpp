@@ -1,0 +1,135 @@
+#include "remote_master.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "../bytes/input_file.h"
+
+namespace mdf_reader {
+
+namespace {
+
+constexpr const char* used_up =
+    "expected remote masters that take little reading, found long records to be read again and "
+    "again";
+
+}  // namespace
+
+bool MasterAllowance::isUsedUp() const {
+  constexpr std::uint64_t always = std::uint64_t{1} << 28U;
+  constexpr std::uint64_t times = 256;
+  return taken_ > always && taken_ / times > file_size_;
+}
+
+std::optional<std::string_view> MasterRecords::at(std::uint64_t number) {
+  constexpr std::uint64_t is_short = 64;  // as much as showing a sample costs anyway
+  if (has_ended_) {
+    return std::nullopt;
+  }
+  const auto record = records_.at(number);
+  if (!record) {
+    endAt("expected a sample of the remote master at " + decimalAndHex(group_.master_group) +
+          " for each record, found none for record " + std::to_string(number));
+    return std::nullopt;
+  }
+  if (number >= charged_) {
+    charged_ = number + 1;
+    allowance_.take(record->size() - std::min<std::uint64_t>(record->size(), is_short));
+  }
+  if (allowance_.isUsedUp()) {
+    endAt(used_up);
+    return std::nullopt;
+  }
+  return record;
+}
+
+void MasterRecords::endAt(const std::string& sentence) {
+  report_({group_.offset, sentence});
+  has_ended_ = true;
+}
+
+RemoteMasters::RemoteMasters(InputFile& file, const Measurement& measurement,
+                             const FindingSink& report)
+    : file_(file),
+      measurement_(measurement),
+      report_(report),
+      silent_([](const Finding& /*finding*/) {}),
+      allowance_(file.size()) {}
+
+const RemoteMaster* RemoteMasters::of(const ChannelGroup& group) {
+  if (!group.hasRemoteMaster() || group.masterChannel() != nullptr) {
+    return nullptr;
+  }
+  const std::string expected =
+      "expected the remote master in a channel group at " + decimalAndHex(group.master_group);
+  RemoteMaster* master = masterAt(group.master_group);
+  if (master == nullptr) {
+    report_({group.offset, expected + ", found none of the file"});
+  } else if (master->plan.channel == nullptr) {
+    report_({group.offset, expected + ", found one without a master channel"});
+  } else if (allowance_.isUsedUp()) {
+    report_({group.offset, used_up});
+  } else if (!areSorted(*master)) {
+    report_({group.offset, expected + " with its records side by side, found them unsorted"});
+  } else {
+    return master;
+  }
+  return nullptr;
+}
+
+/// The group at an offset with what it has for a master; null where there is no group.
+RemoteMaster* RemoteMasters::masterAt(std::uint64_t group_offset) {
+  if (masters_.empty()) {
+    listGroups();
+  }
+  const auto found = masters_.find(group_offset);
+  if (found == masters_.end()) {
+    return nullptr;
+  }
+  RemoteMaster& master = found->second;
+  if (!master.is_looked_for) {
+    master.is_looked_for = true;
+    const Channel* channel = master.group->masterChannel();
+    for (ColumnPlan& plan : columnsOf(*master.group, silent_)) {
+      if (plan.channel == channel) {
+        master.plan = std::move(plan);
+        break;
+      }
+    }
+  }
+  return &master;
+}
+
+bool RemoteMasters::areSorted(RemoteMaster& master) {
+  if (!master.are_sorted) {
+    master.are_sorted = recordsOf(*master.data_group).areSorted(*master.group);
+  }
+  return *master.are_sorted;
+}
+
+void RemoteMasters::listGroups() {
+  for (const DataGroup& data_group : measurement_.data_groups) {
+    for (const ChannelGroup& group : data_group.groups) {
+      masters_.emplace(group.offset, RemoteMaster{&data_group, &group, {}, false, {}});
+    }
+  }
+}
+
+/// Many groups may have the same master: what was found out of its data is kept for the next one.
+Records& RemoteMasters::recordsOf(const DataGroup& data_group) {
+  if (data_group_ != &data_group) {
+    constexpr std::uint64_t for_looking_again = 65536;
+    allowance_.take(for_looking_again + (records_ ? records_->storedBytes() : 0));
+    records_ = std::make_unique<Records>(file_, measurement_.identification, data_group, silent_);
+    data_group_ = &data_group;
+  }
+  return *records_;
+}
+
+std::unique_ptr<MasterRecords> RemoteMasters::recordsFor(const ChannelGroup& group,
+                                                         const RemoteMaster& master) {
+  return std::make_unique<MasterRecords>(recordsOf(*master.data_group).sortedRecords(*master.group),
+                                         group, allowance_, report_);
+}
+
+}  // namespace mdf_reader

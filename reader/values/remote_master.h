@@ -1,0 +1,99 @@
+#ifndef MDF_READER_VALUES_REMOTE_MASTER_H_
+#define MDF_READER_VALUES_REMOTE_MASTER_H_
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "../blocks/finding.h"
+#include "../data/records.h"
+#include "../data/sorted_records.h"
+#include "../model/description.h"
+#include "column_list.h"
+
+namespace mdf_reader {
+
+class InputFile;
+
+/// The master channel that a channel group has in another one, since version 4.2: each of its
+/// samples belongs to the sample of the same number there.
+struct RemoteMaster {
+  const DataGroup* data_group = nullptr;
+  const ChannelGroup* group = nullptr;
+  ColumnPlan plan;  ///< without a channel where there is none
+  bool is_looked_for = false;
+  std::optional<bool> are_sorted;  ///< its records, once that was looked for
+};
+
+/// What goes through masters takes of the file, all of them together: a small file must not make
+/// them read long records again and again.
+class MasterAllowance {
+ public:
+  explicit MasterAllowance(std::uint64_t file_size) : file_size_(file_size) {}
+
+  void take(std::uint64_t bytes) { taken_ += bytes; }
+  bool isUsedUp() const;
+
+ private:
+  std::uint64_t file_size_;
+  std::uint64_t taken_ = 0;
+};
+
+/// The records of the group with the master, one for each sample of the group without.
+class MasterRecords {
+ public:
+  MasterRecords(SortedRecords records, const ChannelGroup& group, MasterAllowance& allowance,
+                const FindingSink& report)
+      : records_(std::move(records)), group_(group), allowance_(allowance), report_(report) {}
+
+  /// The record of a number, which goes up; nothing where there is none. The first that is missing
+  /// is reported.
+  std::optional<std::string_view> at(std::uint64_t number);
+
+ private:
+  void endAt(const std::string& sentence);
+
+  SortedRecords records_;
+  const ChannelGroup& group_;
+  MasterAllowance& allowance_;
+  const FindingSink& report_;
+  std::uint64_t charged_ = 0;  ///< records that the allowance knows of
+  bool has_ended_ = false;
+};
+
+/// Finds the masters that channel groups have elsewhere in their file.
+class RemoteMasters {
+ public:
+  RemoteMasters(InputFile& file, const Measurement& measurement, const FindingSink& report);
+
+  /// Null for a group that has none, and, with a finding, where it cannot be had.
+  const RemoteMaster* of(const ChannelGroup& group);
+
+  /// The records with the master that was found last. They can be gone through until another is
+  /// looked for.
+  std::unique_ptr<MasterRecords> recordsFor(const ChannelGroup& group, const RemoteMaster& master);
+
+ private:
+  void listGroups();
+  RemoteMaster* masterAt(std::uint64_t group_offset);
+  bool areSorted(RemoteMaster& master);
+  Records& recordsOf(const DataGroup& data_group);
+
+  InputFile& file_;
+  const Measurement& measurement_;
+  const FindingSink& report_;
+  FindingSink silent_;  ///< what is wrong there is reported where that group is visited
+  /// By the offsets of their groups. The names of their columns are not known from the beginning.
+  std::unordered_map<std::uint64_t, RemoteMaster> masters_;
+  std::unique_ptr<Records> records_;
+  const DataGroup* data_group_ = nullptr;  ///< the one that they are of
+  MasterAllowance allowance_;
+};
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_VALUES_REMOTE_MASTER_H_

@@ -1,0 +1,262 @@
+#include "table.h"
+
+#include <fnmatch.h>
+
+#include <algorithm>
+#include <memory>
+#include <unordered_map>
+#include <utility>
+
+#include "../blocks/raw_block.h"
+#include "../bytes/input_file.h"
+#include "../model/element_groups.h"
+#include "column_list.h"
+#include "remote_master.h"
+
+namespace mdf_reader {
+
+namespace {
+
+/// The patterns that channels are chosen by, and which of them have found any.
+class Patterns {
+ public:
+  explicit Patterns(const std::vector<std::string>& patterns)
+      : patterns_(patterns), has_found_(patterns.size()) {}
+
+  /// Whether a column fits one of them, or there are none.
+  bool fit(const ColumnPlan& plan) {
+    bool fits = patterns_.empty();
+    for (std::size_t i = 0; i < patterns_.size(); ++i) {
+      const char* const pattern = patterns_[i].c_str();
+      if (fnmatch(pattern, plan.own_name.c_str(), 0) == 0 ||
+          fnmatch(pattern, plan.path.c_str(), 0) == 0) {
+        has_found_[i] = true;
+        fits = true;
+      }
+    }
+    return fits;
+  }
+
+  void noteThoseWithoutAny(const NoteSink& note) const {
+    for (std::size_t i = 0; i < patterns_.size(); ++i) {
+      if (!has_found_[i]) {
+        note("there is no channel that fits \"" + patterns_[i] + '"');
+      }
+    }
+  }
+
+ private:
+  const std::vector<std::string>& patterns_;
+  std::vector<bool> has_found_;
+};
+
+/// Goes through the tables of one file.
+class Tables {
+ public:
+  Tables(InputFile& file, const Selection& selection, TableVisitor& visitor,
+         const FindingSink& report, const NoteSink& note)
+      : file_(file),
+        selection_(selection),
+        visitor_(visitor),
+        report_(report),
+        note_(note),
+        patterns_(selection.channels),
+        measurement_(readMeasurement(file, report)),
+        conversions_(file, report),
+        remote_masters_(file, measurement_, report) {
+    splitElements(file, measurement_, report);
+  }
+
+  std::size_t visit();
+
+ private:
+  bool haveDataOfTheirOwn(const DataGroup& data_group);
+  bool isWanted(const ChannelGroup& group) const;
+  void visitGroup(const DataGroup& data_group, const ChannelGroup& group);
+  std::vector<ColumnPlan> plansOf(const ChannelGroup& group, const RemoteMaster* remote);
+  std::vector<Column> columnsFor(const ChannelGroup& group, const std::vector<ColumnPlan>& plans,
+                                 const RemoteMaster* remote);
+  ColumnSource sourceOf(const ChannelGroup& group, const ColumnPlan& plan);
+  std::unique_ptr<SignalValues> valuesOf(const Channel& channel);
+  bool isInRange(Table& table, const Sample& sample) const;
+  bool hasRange() const { return selection_.from || selection_.to; }
+  bool isUnfinished() const { return measurement_.identification.isUnfinished(); }
+
+  InputFile& file_;
+  const Selection& selection_;
+  TableVisitor& visitor_;
+  const FindingSink& report_;
+  const NoteSink& note_;
+  Patterns patterns_;
+  Measurement measurement_;
+  Conversions conversions_;
+  RemoteMasters remote_masters_;
+  std::unique_ptr<Records> records_;  ///< of the data group that is being visited
+  std::unordered_map<std::uint64_t, const ChannelGroup*> groups_;  ///< of it, by their offsets
+  std::unordered_map<std::uint64_t, const Channel*> channels_;     ///< of one group, the same
+  std::uint64_t stored_ = 0;  ///< bytes of the file that the records take
+  std::size_t count_ = 0;
+};
+
+std::size_t Tables::visit() {
+  if (isUnfinished()) {
+    note_("the file was not finished; its records are read as far as they go");
+  }
+  ChannelGroup* with_channels = nullptr;
+  for (DataGroup& data_group : measurement_.data_groups) {
+    groups_.clear();
+    for (const ChannelGroup& group : data_group.groups) {
+      groups_.emplace(group.offset, &group);
+    }
+    for (ChannelGroup& group : data_group.groups) {
+      with_channels = group.element.value_or(0) == 0 ? &group : with_channels;
+      const LentChannels lent(*with_channels, group);
+      if (isWanted(group)) {
+        visitGroup(data_group, group);
+      }
+    }
+    if (!haveDataOfTheirOwn(data_group)) {
+      break;
+    }
+  }
+  if (count_ > 0) {
+    patterns_.noteThoseWithoutAny(note_);
+  }
+  return count_;
+}
+
+/// Whether the data groups up to this one do not go through the same blocks again and again.
+bool Tables::haveDataOfTheirOwn(const DataGroup& data_group) {
+  constexpr std::uint64_t times = 4;
+  stored_ += records_ ? records_->storedBytes() : 0;
+  records_.reset();
+  if (stored_ / times <= file_.size()) {
+    return true;
+  }
+  report_({data_group.offset,
+           "expected data groups with data of their own, found the same blocks again and again; "
+           "the other data groups are left out"});
+  return false;
+}
+
+bool Tables::isWanted(const ChannelGroup& group) const {
+  return !group.holdsVariableLength() && selection_.group.value_or(group.index) == group.index;
+}
+
+/// The columns of a group that are wanted, its own master channel's in front of them; none when no
+/// channel is.
+std::vector<ColumnPlan> Tables::plansOf(const ChannelGroup& group, const RemoteMaster* remote) {
+  const Channel* master = group.masterChannel();
+  std::vector<ColumnPlan> plans =
+      columnsOf(group, report_, remote == nullptr ? "" : remote->plan.name);
+  std::stable_partition(plans.begin(), plans.end(),
+                        [&](const ColumnPlan& plan) { return plan.channel == master; });
+  const auto is_wanted = [&](const ColumnPlan& plan) { return patterns_.fit(plan); };
+  if (std::none_of(plans.begin(), plans.end(), is_wanted)) {
+    return {};
+  }
+  const auto is_left_out = [&](const ColumnPlan& plan) {
+    return plan.channel != master && !is_wanted(plan);
+  };
+  plans.erase(std::remove_if(plans.begin(), plans.end(), is_left_out), plans.end());
+  return plans;
+}
+
+void Tables::visitGroup(const DataGroup& data_group, const ChannelGroup& group) {
+  const RemoteMaster* remote = remote_masters_.of(group);
+  const std::vector<ColumnPlan> plans = plansOf(group, remote);
+  if (plans.empty()) {
+    return;
+  }
+  const bool has_master = remote != nullptr || plans.front().channel == group.masterChannel();
+  if (hasRange() && !has_master) {
+    note_("channel group " + std::to_string(group.index) +
+          " is left out: it has no master channel to compare with --from and --to");
+    return;
+  }
+  if (!records_) {
+    records_ = std::make_unique<Records>(file_, measurement_.identification, data_group, report_);
+  }
+  Table table(group, columnsFor(group, plans, remote), has_master);
+  ++count_;
+  visitor_.begin(table);
+  std::uint64_t number = 0;
+  records_->forEach(group, [&](std::string_view bytes) {
+    const Sample sample{bytes, number++};
+    return !isInRange(table, sample) || visitor_.sample(table, sample);
+  });
+  visitor_.end();
+}
+
+std::vector<Column> Tables::columnsFor(const ChannelGroup& group,
+                                       const std::vector<ColumnPlan>& plans,
+                                       const RemoteMaster* remote) {
+  channels_.clear();
+  for (const Channel& channel : group.channels) {
+    channels_.emplace(channel.offset, &channel);
+  }
+  std::vector<Column> columns;
+  columns.reserve(plans.size() + 1);
+  if (remote != nullptr) {
+    ColumnSource master = sourceOf(*remote->group, remote->plan);
+    master.elsewhere = remote_masters_.recordsFor(group, *remote);
+    columns.emplace_back(remote->plan.name, std::move(master), report_);
+  }
+  for (const ColumnPlan& plan : plans) {
+    columns.emplace_back(plan.name, sourceOf(group, plan), report_);
+  }
+  return columns;
+}
+
+ColumnSource Tables::sourceOf(const ChannelGroup& group, const ColumnPlan& plan) {
+  const Channel& channel = *plan.channel;
+  ColumnSource source;
+  source.group = &group;
+  source.channel = &channel;
+  source.byte_shift = plan.byte_shift;
+  source.invalidation_shift = plan.invalidation_shift;
+  if (channel.type == Channel::variable_length) {
+    source.values = valuesOf(channel);
+  } else if (channel.type == Channel::maximum_length) {
+    const auto length = channels_.find(channel.data);
+    source.length_channel = length == channels_.end() ? nullptr : length->second;
+  }
+  source.conversion = selection_.is_raw ? nullptr : conversions_.at(channel.conversion);
+  return source;
+}
+
+/// Where the values of a channel of variable length are: in signal data, or in the records of
+/// another channel group.
+std::unique_ptr<SignalValues> Tables::valuesOf(const Channel& channel) {
+  const auto block = channel.data == 0 ? std::nullopt : readRawBlock(file_, channel.data);
+  if (block && block->hasId() && block->letters() == "CG") {
+    const auto group = groups_.find(channel.data);
+    if (group != groups_.end() && group->second->holdsVariableLength()) {
+      return records_->valuesIn(*group->second);
+    }
+    report_({channel.offset,
+             "expected the values in a channel group for variable-length data of "
+             "the same data group, found " +
+                 decimalAndHex(channel.data)});
+    return nullptr;
+  }
+  return signalDataAt(file_, channel.data, isUnfinished(), report_);
+}
+
+bool Tables::isInRange(Table& table, const Sample& sample) const {
+  if (!hasRange()) {
+    return true;
+  }
+  const auto master = numberOf(table.columns().front().value(sample));
+  return master && (!selection_.from || *master >= *selection_.from) &&
+         (!selection_.to || *master <= *selection_.to);
+}
+
+}  // namespace
+
+std::size_t visitTables(InputFile& file, const Selection& selection, TableVisitor& visitor,
+                        const FindingSink& report, const NoteSink& note) {
+  return Tables(file, selection, visitor, report, note).visit();
+}
+
+}  // namespace mdf_reader

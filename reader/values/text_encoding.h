@@ -1,0 +1,17 @@
+#ifndef MDF_READER_VALUES_TEXT_ENCODING_H_
+#define MDF_READER_VALUES_TEXT_ENCODING_H_
+
+#include <string>
+#include <string_view>
+
+namespace mdf_reader {
+
+/// Each gives text up to its first zero character as UTF-8. What is no character of the encoding
+/// becomes U+FFFD.
+std::string fromLatin1(std::string_view bytes);
+std::string fromUtf8(std::string_view bytes);
+std::string fromUtf16(std::string_view bytes, bool is_big_endian);
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_VALUES_TEXT_ENCODING_H_

@@ -1,0 +1,66 @@
+#ifndef MDF_TOOLS_PICTURES_CHART_H_
+#define MDF_TOOLS_PICTURES_CHART_H_
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "decimator.h"
+#include "reader/values/table.h"
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+/// A curve of a chart.
+struct Curve {
+  std::string name;
+  std::string unit;
+  std::string x_label;  ///< what it is drawn over: "time [s]"
+  Decimator points;
+};
+
+/// Takes the curves of a chart out of tables. Values that are texts are drawn as the numbers that
+/// stand for them in the file, if there are any.
+class CurveCollector : public TableVisitor {
+ public:
+  /// @param columns of the picture.
+  /// @param prefix stands in front of the curves' names.
+  CurveCollector(std::vector<Curve>& curves, std::size_t columns, std::string prefix)
+      : curves_(curves), columns_(columns), prefix_(std::move(prefix)) {}
+
+  void begin(Table& table) override;
+  bool sample(Table& table, const Sample& sample) override;
+  void end() override {}
+
+  /// More curves than this are left out.
+  static constexpr std::size_t most_curves = 64;
+
+  /// Curves that were left out.
+  std::size_t leftOut() const { return left_out_; }
+
+ private:
+  std::vector<Curve>& curves_;
+  std::size_t columns_;
+  std::string prefix_;
+  std::size_t first_ = 0;  ///< the table's first curve
+  std::size_t left_out_ = 0;
+};
+
+/// How a chart is to be drawn.
+struct ChartForm {
+  enum class Kind { svg, png, ascii };
+
+  Kind kind = Kind::svg;
+  std::string title;
+  std::size_t width = 1200;  ///< pixels, or characters
+  std::size_t height = 0;    ///< the same; 0 for what the panels take
+};
+
+/// Commands for gnuplot that draw a chart to its standard output: a panel for each unit, one below
+/// the other. Texts of the file are in quotes where gnuplot finds nothing to carry out in them.
+std::string gnuplotScript(const std::vector<Curve>& curves, const ChartForm& form);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_PICTURES_CHART_H_

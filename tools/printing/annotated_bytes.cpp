@@ -1,0 +1,248 @@
+#include "annotated_bytes.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "block_dump.h"
+#include "framework/wire.h"
+#include "reader/blocks/finding.h"
+#include "reader/blocks/walker.h"
+#include "reader/bytes/input_file.h"
+#include "reader/bytes/number_texts.h"
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+using mdf_v4_10::detail::loadLe;
+
+namespace {
+
+constexpr std::size_t element_size = 8;
+
+std::string quoted(std::string_view bytes) { return '"' + printable(bytes) + '"'; }
+
+std::string linkText(std::int64_t link) {
+  return link <= 0 ? std::to_string(link) : decimalAndHex(static_cast<std::uint64_t>(link));
+}
+
+/// Writes lines "offset  bytes  what they are".
+class AnnotatedLines {
+ public:
+  AnnotatedLines(InputFile& file, std::uint64_t end, std::ostream& os)
+      : file_(file), end_(end), os_(os) {}
+
+  /// Bytes as far as they are there, 8 a line; what they are stands in the first. A value is left
+  /// out when not all of them are there.
+  void field(std::uint64_t offset, std::size_t width, std::string_view name,
+             const std::string& value);
+
+  /// Bytes with their characters, 16 a line.
+  void rows(std::uint64_t offset, std::uint64_t count);
+
+  void note(const std::string& text) { os_ << "  " << text << '\n'; }
+
+ private:
+  std::string_view read(std::uint64_t offset, std::uint64_t count);
+  void line(std::uint64_t offset, std::string_view bytes, std::size_t columns,
+            const std::string& what);
+
+  InputFile& file_;
+  std::uint64_t end_;
+  std::ostream& os_;
+  std::array<char, 16> bytes_{};
+};
+
+std::string_view AnnotatedLines::read(std::uint64_t offset, std::uint64_t count) {
+  const std::uint64_t there = offset < end_ ? end_ - offset : 0;
+  const auto wanted =
+      static_cast<std::size_t>(std::min<std::uint64_t>({count, there, bytes_.size()}));
+  return {bytes_.data(), file_.readAt(offset, bytes_.data(), wanted)};
+}
+
+void AnnotatedLines::line(std::uint64_t offset, std::string_view bytes, std::size_t columns,
+                          const std::string& what) {
+  std::string text = hexBytes(bytes);
+  if (!what.empty()) {
+    text.resize(std::max(text.size(), 3 * columns - 1), ' ');
+    text += "  " + what;
+  }
+  std::string digits = hexDigits(offset);
+  digits.insert(0, digits.size() < 8 ? 8 - digits.size() : 0, '0');
+  os_ << "  0x" << digits << "  " << text << '\n';
+}
+
+void AnnotatedLines::field(std::uint64_t offset, std::size_t width, std::string_view name,
+                           const std::string& value) {
+  constexpr std::size_t columns = 8;
+  std::string what(name);
+  if (offset + width > end_) {
+    what += " (cut off)";
+  } else if (!value.empty()) {
+    what += " = " + value;
+  }
+  for (std::size_t done = 0; done < width; done += columns) {
+    const std::string_view bytes = read(offset + done, std::min(width - done, columns));
+    if (bytes.empty()) {
+      return;
+    }
+    line(offset + done, bytes, columns, what);
+    what.clear();
+  }
+}
+
+void AnnotatedLines::rows(std::uint64_t offset, std::uint64_t count) {
+  constexpr std::uint64_t columns = 16;
+  for (std::uint64_t done = 0; done < count; done += columns) {
+    const std::string_view bytes = read(offset + done, std::min(count - done, columns));
+    if (bytes.empty()) {
+      return;
+    }
+    std::string characters(bytes);
+    std::replace_if(
+        characters.begin(), characters.end(), [](char each) { return each < 0x20 || each > 0x7E; },
+        '.');
+    line(offset + done, bytes, columns, '|' + characters + '|');
+  }
+}
+
+std::uint64_t endOf(const InputFile& file, const RawBlock& block) {
+  return block.offset + std::min(block.length, file.sizeFrom(block.offset));
+}
+
+void annotateHeader(const RawBlock& block, AnnotatedLines& lines) {
+  const std::uint64_t at = block.offset;
+  lines.field(at, 4, "id", quoted({block.id.data(), block.id.size()}));
+  lines.field(at + 4, 4, "reserved", "");
+  lines.field(at + 8, 8, "length", std::to_string(block.length));
+  lines.field(at + 16, 8, "link_count", std::to_string(block.link_count));
+}
+
+/// The value behind a field's name; nothing for what is no number and no characters.
+std::string valueOf(const BlockFields& fields, const FieldLayout& layout) {
+  switch (layout.kind) {
+    case FieldKind::unsigned_number:
+    case FieldKind::signed_number:
+    case FieldKind::real:
+      return fields.shown(layout);
+    case FieldKind::bytes:
+    case FieldKind::reserved:
+      break;
+  }
+  return {};
+}
+
+void annotateElements(InputFile& file, const BlockFields& fields, std::uint64_t bytes,
+                      AnnotatedLines& lines) {
+  for (std::uint64_t i = 0; i < bytes / element_size; ++i) {
+    const TailElement element = tailElement(fields, i);
+    const std::uint64_t offset = fields.tailAt() + element_size * i;
+    std::array<char, element_size> stored{};
+    file.readAt(offset, stored.data(), stored.size());
+    lines.field(offset, element_size, element.name, shownElement(stored.data(), element.kind));
+  }
+}
+
+void annotateTail(InputFile& file, const BlockFields& fields, std::uint64_t most_bytes,
+                  AnnotatedLines& lines) {
+  const std::uint64_t there = fields.tailBytes();
+  const std::uint64_t shown = std::min(there, most_bytes);
+  const BlockLayout* layout = fields.layout();
+  if (there == 0) {
+    return;
+  }
+  std::uint64_t done = 0;
+  if (layout != nullptr && layout->tail.width == element_size) {
+    annotateElements(file, fields, shown, lines);
+    done = shown / element_size * element_size;
+  } else {
+    const std::string_view name = layout == nullptr ? "" : layout->tail.name;
+    lines.note((name.empty() ? "further data" : std::string(name)) + ", " + std::to_string(there) +
+               " bytes");
+  }
+  const bool is_rest_of_elements = done != 0 && there - done >= element_size;
+  lines.rows(fields.tailAt() + done, is_rest_of_elements ? 0 : shown - done);
+  const std::uint64_t end = is_rest_of_elements ? done : shown;
+  if (end < there) {
+    lines.note("... " + std::to_string(there - end) + " more bytes");
+  }
+}
+
+}  // namespace
+
+TailElement tailElement(const BlockFields& block, std::uint64_t index) {
+  const TailLayout& tail = block.layout()->tail;
+  const std::string_view letters = block.layout()->letters;
+  const auto element = [](std::string_view name, std::uint64_t number, FieldKind kind) {
+    return TailElement{std::string(name) + '[' + std::to_string(number) + ']', kind};
+  };
+  constexpr std::uint64_t equal_length = 1;
+  if (letters == "DL" && block.hasFlag("dl_flags", equal_length)) {
+    return index == 0 ? TailElement{"dl_equal_length", tail.kind}
+                      : element("further value", index - 1, tail.kind);
+  }
+  constexpr std::uint64_t equal_sample_count = 1;
+  if (letters == "LD" && block.hasFlag("ld_flags", equal_sample_count)) {
+    return index == 0 ? TailElement{"ld_equal_sample_count", tail.kind}
+                      : element("further value", index - 1, tail.kind);
+  }
+  const std::uint64_t dimensions = block.number("ca_ndim");
+  if (letters == "CA" && index >= dimensions) {
+    constexpr std::uint64_t fixed_axis = 32;
+    constexpr std::uint64_t in_records = 0;
+    const bool has_axes = block.hasFlag("ca_flags", fixed_axis);
+    const bool has_counts = block.number("ca_storage") != in_records;
+    if (has_axes != has_counts) {
+      return has_axes ? element("ca_axis_value", index - dimensions, FieldKind::real)
+                      : element("ca_cycle_count", index - dimensions, tail.kind);
+    }
+    return element("further value", index - dimensions, tail.kind);
+  }
+  return element(tail.name, index, tail.kind);
+}
+
+std::string shownElement(const char* bytes, FieldKind kind) {
+  return kind == FieldKind::real ? shortestReal(loadLe<double>(bytes))
+                                 : std::to_string(loadLe<std::uint64_t>(bytes));
+}
+
+void annotateIdentification(InputFile& file, std::ostream& os) {
+  if (file.size() < header_block_offset) {
+    return;
+  }
+  std::array<char, header_block_offset> bytes{};
+  file.readAt(0, bytes.data(), bytes.size());
+  writeIdentificationLine(os);
+  AnnotatedLines lines(file, header_block_offset, os);
+  for (const FieldLayout& field : identificationFields()) {
+    const std::string_view stored(bytes.data() + field.offset, field.width);
+    const bool is_number = field.kind == FieldKind::unsigned_number;
+    const bool is_text = field.kind == FieldKind::bytes;
+    lines.field(field.offset, field.width, field.name,
+                is_number ? std::to_string(unsignedNumber(stored))
+                          : (is_text ? quoted(stored) : std::string()));
+  }
+}
+
+void annotateBlock(InputFile& file, const RawBlock& block, std::uint64_t most_bytes,
+                   std::ostream& os) {
+  const BlockFields fields(file, block);
+  writeHeadline(file, fields, os);
+  AnnotatedLines lines(file, std::max(endOf(file, block), block.offset + RawBlock::header_size),
+                       os);
+  annotateHeader(block, lines);
+  forEachLink(file, block, [&](std::uint64_t index, std::int64_t link) {
+    lines.field(block.offset + RawBlock::header_size + index * RawBlock::link_size,
+                RawBlock::link_size, linkRole(fields, index).name, linkText(link));
+  });
+  if (fields.layout() != nullptr) {
+    for (const FieldLayout& field : fields.layout()->fields) {
+      lines.field(fields.fieldsAt() + field.offset, field.width, field.name,
+                  valueOf(fields, field));
+    }
+  }
+  annotateTail(file, fields, most_bytes, lines);
+}
+
+}  // namespace mdf_tools

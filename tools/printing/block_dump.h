@@ -1,0 +1,35 @@
+#ifndef MDF_TOOLS_PRINTING_BLOCK_DUMP_H_
+#define MDF_TOOLS_PRINTING_BLOCK_DUMP_H_
+
+#include <ostream>
+
+#include "reader/blocks/block_fields.h"
+#include "reader/blocks/finding.h"
+#include "reader/blocks/raw_block.h"
+
+namespace mdf_reader {
+class InputFile;
+}  // namespace mdf_reader
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+/// Writes a line with offset and length of the identification, and the library's dump of it. A file
+/// that is too short for it gives nothing.
+void dumpIdentification(InputFile& file, std::ostream& os);
+
+/// Writes a line with a block's offset, identifier, length, link count and links as they are
+/// stored, each link behind the format's name of it where it has one: "dg_data=744".
+void writeHeadline(InputFile& file, const BlockFields& fields, std::ostream& os);
+void writeIdentificationLine(std::ostream& os);
+
+/// Writes the block's line, then the library's dump of the block, if the library knows its type and
+/// the file holds all that its class reads. A header that does not fit its type is reported.
+///
+/// The dump of data leaves the stream in hexadecimal mode.
+void dumpBlock(InputFile& file, const RawBlock& block, std::ostream& os, const FindingSink& report);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_PRINTING_BLOCK_DUMP_H_

@@ -1,0 +1,149 @@
+#include "block_json.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string>
+#include <string_view>
+
+#include "annotated_bytes.h"
+#include "framework/wire.h"
+#include "json_output.h"
+#include "reader/blocks/block_fields.h"
+#include "reader/blocks/walker.h"
+#include "reader/bytes/input_file.h"
+#include "reader/bytes/number_texts.h"
+#include "reader/model/texts.h"
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+using mdf_v4_10::detail::loadLe;
+
+namespace {
+
+/// JSON has no numbers beyond the finite ones: the others become words.
+Json realValue(double number) {
+  return std::isfinite(number) ? Json(number) : Json(shortestReal(number));
+}
+
+Json fieldValue(const BlockFields& block, const FieldLayout& field) {
+  switch (field.kind) {
+    case FieldKind::unsigned_number:
+      return block.number(field.name);
+    case FieldKind::signed_number:
+      return block.signedNumber(field.name);
+    case FieldKind::real:
+      return realValue(block.real(field.name));
+    case FieldKind::bytes:
+    case FieldKind::reserved:
+      break;
+  }
+  return block.shown(field);
+}
+
+/// The fields that are there, but for reserved ones.
+Json fieldValues(const BlockFields& block) {
+  Json fields = Json::object();
+  for (const FieldLayout& field : block.layout()->fields) {
+    if (field.kind != FieldKind::reserved && !block.bytes(field.name).empty()) {
+      fields[std::string(field.name)] = fieldValue(block, field);
+    }
+  }
+  return fields;
+}
+
+/// The values behind the fields, by name, as far as so many bytes go.
+Json tailValues(InputFile& file, const BlockFields& block, std::uint64_t most_bytes) {
+  Json values = Json::object();
+  const std::uint64_t count = std::min(block.tailBytes(), most_bytes) / 8;
+  for (std::uint64_t i = 0; i < count; ++i) {
+    std::array<char, 8> bytes{};
+    file.readAt(block.tailAt() + 8 * i, bytes.data(), bytes.size());
+    const TailElement element = tailElement(block, i);
+    Json& list = values[element.name.substr(0, element.name.find('['))];
+    list.push_back(element.kind == FieldKind::real ? realValue(loadLe<double>(bytes.data()))
+                                                   : Json(loadLe<std::uint64_t>(bytes.data())));
+  }
+  return values;
+}
+
+void addTail(InputFile& file, const BlockFields& block, std::uint64_t most_bytes, Json& line) {
+  const std::string_view letters = block.raw().letters();
+  if (letters == "TX" || letters == "MD") {
+    if (const auto text = readText(file, block.offset(), most_bytes)) {
+      line["text"] = *text;
+    }
+  } else if (block.layout()->tail.width == 8) {
+    line.update(tailValues(file, block, most_bytes));
+  }
+  if (!block.layout()->tail.name.empty()) {
+    line["tail_bytes"] = block.tailBytes();
+  }
+}
+
+Json lineOf(const InputFile& file, std::uint64_t offset, const std::string& type) {
+  Json line;
+  line["schema"] = json_schema;
+  line["file"] = file.name();
+  line["offset"] = offset;
+  line["type"] = type;
+  return line;
+}
+
+/// The links of a block may need more memory than all else, so they are written one by one.
+void writeLinks(InputFile& file, const BlockFields& block, std::ostream& os) {
+  const char* separator = "";
+  forEachLink(file, block.raw(), [&](std::uint64_t index, std::int64_t link) {
+    Json entry;
+    entry["role"] = linkRole(block, index).name;
+    entry["offset"] = link;
+    os << separator << jsonLine(entry);
+    separator = ",";
+  });
+}
+
+void writeBlock(InputFile& file, const RawBlock& raw, std::uint64_t most_bytes, std::ostream& os) {
+  const BlockFields block(file, raw);
+  Json line = lineOf(file, raw.offset, printable(raw.letters()));
+  line["length"] = raw.length;
+  line["link_count"] = raw.link_count;
+  if (block.layout() != nullptr) {
+    line["fields"] = fieldValues(block);
+    addTail(file, block, most_bytes, line);
+  }
+  std::string text = jsonLine(line);
+  text.pop_back();
+  os << text << ",\"links\":[";
+  writeLinks(file, block, os);
+  os << "]}\n";
+}
+
+void writeIdentification(InputFile& file, std::ostream& os) {
+  std::array<char, header_block_offset> bytes{};
+  file.readAt(0, bytes.data(), bytes.size());
+  Json line = lineOf(file, 0, "ID");
+  line["length"] = header_block_offset;
+  for (const FieldLayout& field : identificationFields()) {
+    const std::string_view stored(bytes.data() + field.offset, field.width);
+    if (field.kind == FieldKind::unsigned_number) {
+      line["fields"][std::string(field.name)] = unsignedNumber(stored);
+    } else if (field.kind == FieldKind::bytes) {
+      line["fields"][std::string(field.name)] = printable(stored);
+    }
+  }
+  os << jsonLine(line) << '\n';
+}
+
+}  // namespace
+
+void writeBlocksAsJson(InputFile& file, std::ostream& os, std::uint64_t most_bytes,
+                       const FindingSink& report, const BlockSelection& selection) {
+  workOnBlocks(file, selection,
+               {[&] { writeIdentification(file, os); },
+                [&](const RawBlock& block) { writeBlock(file, block, most_bytes, os); }},
+               os, report);
+}
+
+}  // namespace mdf_tools

@@ -1,0 +1,261 @@
+#include "block_summary.h"
+
+#include <algorithm>
+#include <array>
+
+#include "names.h"
+#include "one_line.h"
+#include "reader/blocks/block_fields.h"
+#include "reader/bytes/input_file.h"
+#include "reader/bytes/number_texts.h"
+#include "reader/model/texts.h"
+#include "record_ids.h"
+#include "stored_time.h"
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+namespace {
+
+constexpr std::uint64_t most_text_bytes = 4096;
+constexpr std::size_t most_name_characters = 60;
+
+/// Reads a block's links, fields and the beginnings of its texts, and collects what they say.
+class Summarizer {
+ public:
+  Summarizer(InputFile& file, const RawBlock& block) : file_(file), block_(file, block) {}
+
+  BlockSummary summary();
+
+ private:
+  void time(std::string_view key, const std::string& prefix);
+  void headerBlock();
+  void fileHistory();
+  void hierarchy();
+  void attachment();
+  void event();
+  void dataGroup();
+  void channelGroup();
+  void channel();
+  void conversion();
+  void array();
+  void source();
+  void reduction();
+  void dataList();
+  void valueList();
+  void headerList();
+  void zippedData();
+
+  std::string text(std::uint64_t offset) const;
+  void name(std::size_t link) { summary_.name = text(block_.link(link)); }
+  void fact(std::string_view key, const std::string& words) {
+    if (!words.empty()) {
+      summary_.facts.push_back({key, words, std::nullopt});
+    }
+  }
+  /// The first word of the unit stands in the plural.
+  void count(std::string_view key, std::uint64_t number, std::string unit) {
+    if (number == 1) {
+      unit.erase(std::min(unit.find(' '), unit.size()) - 1, 1);
+    }
+    summary_.facts.push_back({key, std::to_string(number) + ' ' + unit, number});
+  }
+  unsigned small(std::string_view field) const {
+    return static_cast<unsigned>(block_.number(field));
+  }
+
+  InputFile& file_;
+  BlockFields block_;
+  BlockSummary summary_;
+
+  struct Method {
+    std::string_view letters;
+    void (Summarizer::*add)();
+  };
+  static const std::array<Method, 16> methods;
+};
+
+std::string Summarizer::text(std::uint64_t offset) const {
+  const auto stored = readText(file_, offset, most_text_bytes);
+  return stored ? oneLine(plainText(*stored), most_name_characters) : "";
+}
+
+void Summarizer::time(std::string_view key, const std::string& prefix) {
+  const StoredTime time(block_.number(prefix + (key == "start" ? "_start_time_ns" : "_time_ns")),
+                        static_cast<int>(block_.signedNumber(prefix + "_tz_offset_min")),
+                        static_cast<int>(block_.signedNumber(prefix + "_dst_offset_min")),
+                        small(prefix + "_time_flags"));
+  const std::string local = time.local();
+  fact(key,
+       time.utc().empty() ? local + (local.empty() ? "" : " local time") : time.utc() + " UTC");
+}
+
+void Summarizer::headerBlock() { time("start", "hd"); }
+
+void Summarizer::fileHistory() { time("time", "fh"); }
+
+void Summarizer::hierarchy() {
+  name(2);
+  fact("kind", hierarchyTypeName(small("ch_type")));
+  count("elements", block_.number("ch_element_count"), "elements");
+}
+
+void Summarizer::attachment() {
+  constexpr std::uint64_t embedded = 1;
+  name(1);
+  fact("media_type", text(block_.link(2)));
+  if (block_.hasFlag("at_flags", embedded)) {
+    count("embedded_bytes", block_.number("at_embedded_size"), "bytes embedded");
+  } else {
+    fact("place", "stored elsewhere");
+  }
+}
+
+void Summarizer::event() {
+  name(3);
+  fact("kind", eventTypeName(small("ev_type")));
+  fact("range", eventRangeName(small("ev_range_type")));
+}
+
+void Summarizer::dataGroup() {
+  const auto bytes = recordIdBytes(file_, block_);
+  if (!bytes) {
+    fact("record_id", "4 or 8 bytes of record id");
+  } else if (*bytes != 0) {
+    count("record_id_bytes", *bytes, "bytes of record id");
+  }
+}
+
+void Summarizer::channelGroup() {
+  constexpr std::uint64_t variable_length = 1;
+  constexpr std::uint64_t remote_master = 8;
+  name(2);
+  if (block_.hasFlag("cg_flags", variable_length)) {
+    fact("kind", "values of variable length");
+    return;
+  }
+  count("records", block_.number("cg_cycle_count"), "records");
+  count("record_bytes", block_.number("cg_data_bytes") + block_.number("cg_inval_bytes"),
+        "bytes each");
+  fact("master", block_.hasFlag("cg_flags", remote_master) ? "remote master" : "");
+}
+
+void Summarizer::channel() {
+  name(2);
+  std::string unit = text(block_.link(6));
+  if (unit.empty()) {
+    const auto conversion = readFields(file_, block_.link(4), "CC");
+    unit = conversion ? text(conversion->link(1)) : "";
+  }
+  if (!unit.empty()) {
+    summary_.facts.push_back({"unit", unit, std::nullopt});
+  }
+  fact("channel_type", channelTypeName(small("cn_type")));
+  fact("data_type", dataTypeName(small("cn_data_type")));
+  count("bits", block_.number("cn_bit_count"), "bits");
+}
+
+void Summarizer::conversion() {
+  name(0);
+  const std::string unit = text(block_.link(1));
+  if (!unit.empty()) {
+    summary_.facts.push_back({"unit", unit, std::nullopt});
+  }
+  fact("kind", conversionTypeName(small("cc_type")));
+}
+
+void Summarizer::array() {
+  const std::uint64_t dimensions = std::min<std::uint64_t>(block_.number("ca_ndim"), 8);
+  std::string sizes;
+  for (std::uint64_t i = 0; i < std::min(dimensions, block_.tailBytes() / 8); ++i) {
+    std::array<char, 8> bytes{};
+    file_.readAt(block_.tailAt() + 8 * i, bytes.data(), bytes.size());
+    sizes += (i == 0 ? "" : " x ") + std::to_string(unsignedNumber({bytes.data(), bytes.size()}));
+  }
+  fact("size", sizes + (dimensions < block_.number("ca_ndim") ? " x ..." : ""));
+  fact("storage", block_.number("ca_storage") == 0 ? "" : "each with records of its own");
+}
+
+void Summarizer::source() {
+  name(0);
+  fact("kind", sourceTypeName(small("si_type")));
+  fact("bus", small("si_bus_type") == 0 ? "" : busTypeName(small("si_bus_type")));
+}
+
+void Summarizer::reduction() {
+  count("records", block_.number("sr_cycle_count"), "records");
+  fact("interval", "interval " + shortestReal(block_.real("sr_interval")));
+}
+
+void Summarizer::dataList() { count("blocks", block_.number("dl_count"), "blocks"); }
+
+void Summarizer::valueList() {
+  constexpr std::uint64_t has_invalidation_data = 1U << 31U;
+  count("blocks", block_.number("ld_count"), "blocks");
+  fact("invalidation",
+       block_.hasFlag("ld_flags", has_invalidation_data) ? "invalidation apart" : "");
+}
+
+void Summarizer::headerList() {
+  fact("compression", block_.number("hl_zip_type") == 0 ? "Deflate" : "transposed, Deflate");
+}
+
+void Summarizer::zippedData() {
+  count("bytes", block_.number("dz_org_data_length"), "bytes zipped");
+  count("zipped_bytes", block_.number("dz_data_length"), "bytes stored");
+}
+
+const std::array<Summarizer::Method, 16> Summarizer::methods = {{
+    {"HD", &Summarizer::headerBlock},
+    {"FH", &Summarizer::fileHistory},
+    {"CH", &Summarizer::hierarchy},
+    {"AT", &Summarizer::attachment},
+    {"EV", &Summarizer::event},
+    {"DG", &Summarizer::dataGroup},
+    {"CG", &Summarizer::channelGroup},
+    {"CN", &Summarizer::channel},
+    {"CC", &Summarizer::conversion},
+    {"CA", &Summarizer::array},
+    {"SI", &Summarizer::source},
+    {"SR", &Summarizer::reduction},
+    {"DL", &Summarizer::dataList},
+    {"LD", &Summarizer::valueList},
+    {"HL", &Summarizer::headerList},
+    {"DZ", &Summarizer::zippedData},
+}};
+
+BlockSummary Summarizer::summary() {
+  const std::string_view letters = block_.raw().hasId() ? block_.raw().letters() : "";
+  const auto* const method = std::find_if(
+      methods.begin(), methods.end(), [&](const Method& each) { return each.letters == letters; });
+  if (method != methods.end()) {
+    (this->*method->add)();
+  } else if (letters == "TX" || letters == "MD") {
+    summary_.name = text(block_.offset());
+  } else {
+    const std::uint64_t in_front =
+        RawBlock::header_size + linksThere(file_, block_.raw()) * RawBlock::link_size;
+    const std::uint64_t length = block_.raw().length;
+    count("bytes", length > in_front ? length - in_front : 0, "bytes");
+  }
+  return std::move(summary_);
+}
+
+}  // namespace
+
+std::string BlockFact::forPeople() const { return key == "unit" ? '[' + words + ']' : words; }
+
+std::string BlockSummary::words() const {
+  std::string text;
+  for (const BlockFact& fact : facts) {
+    text += (text.empty() ? "" : ", ") + fact.forPeople();
+  }
+  return text;
+}
+
+BlockSummary summarize(InputFile& file, const RawBlock& block) {
+  return Summarizer(file, block).summary();
+}
+
+}  // namespace mdf_tools

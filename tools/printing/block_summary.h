@@ -1,0 +1,44 @@
+#ifndef MDF_TOOLS_PRINTING_BLOCK_SUMMARY_H_
+#define MDF_TOOLS_PRINTING_BLOCK_SUMMARY_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "reader/blocks/raw_block.h"
+
+namespace mdf_reader {
+class InputFile;
+}  // namespace mdf_reader
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+/// Something about a block that tells it from others.
+struct BlockFact {
+  std::string_view key;  ///< for programs: "bits"
+  std::string words;     ///< "16 bits"
+  std::optional<std::uint64_t> number;
+
+  /// The words; a unit in brackets.
+  std::string forPeople() const;
+};
+
+/// What a block is in a few words.
+struct BlockSummary {
+  std::string name;  ///< as the file has it, or how a text begins; on one line
+  std::vector<BlockFact> facts;
+
+  /// The facts with commas between.
+  std::string words() const;
+};
+
+/// Reads what it takes: the block's fields and the beginnings of its texts.
+BlockSummary summarize(InputFile& file, const RawBlock& block);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_PRINTING_BLOCK_SUMMARY_H_

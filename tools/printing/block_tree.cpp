@@ -1,0 +1,277 @@
+#include "block_tree.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <vector>
+
+#include "reader/blocks/block_fields.h"
+#include "reader/blocks/reading_limit.h"
+#include "reader/bytes/input_file.h"
+#include "reader/bytes/number_texts.h"
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+namespace {
+
+/// A chain's link, which leads to a sibling and not to a child.
+bool leadsOn(const LinkLayout& link) {
+  constexpr std::string_view ending = "_next";
+  return link.role.size() > ending.size() &&
+         link.role.substr(link.role.size() - ending.size()) == ending;
+}
+
+bool isText(std::string_view letters) { return letters == "TX" || letters == "MD"; }
+
+class TreeWalk {
+ public:
+  TreeWalk(InputFile& file, const TreeOptions& options, const FindingSink& report,
+           const TreeVisitor& visit)
+      : file_(file),
+        options_(options),
+        visit_(visit),
+        limit_(file.size(), ignore_),
+        offsets_(walkBlocks(file, report, options.from)),
+        states_(offsets_.size(), State::unseen),
+        chains_(offsets_.size()) {}
+
+  void walk();
+
+ private:
+  enum class State : unsigned char {
+    unseen,
+    open,      ///< an entry below it is being visited
+    seen,      ///< itself and what is below it was visited
+    left_out,  ///< counted among those that were left out
+  };
+
+  /// A block whose links are being gone through.
+  struct Level {
+    BlockFields block;
+    std::size_t index;  ///< of its offset
+    std::size_t depth;
+    std::uint64_t links;     ///< how many can be read
+    std::uint64_t next = 0;  ///< the first of them that has not been gone through
+    std::uint64_t in_chain;  ///< blocks of its chain up to it
+    std::string_view list;   ///< the list that the latest link belongs to
+    std::uint64_t in_list = 0;
+  };
+
+  std::size_t indexOf(std::uint64_t offset) const;
+  bool isBlock(std::size_t index) const { return index < offsets_.size(); }
+  std::uint64_t readLink(const BlockFields& block, std::uint64_t index);
+  TreeEntry entryFor(const Level& level, std::size_t depth, std::uint64_t link,
+                     std::uint64_t target);
+  void enter(const RawBlock& raw, std::size_t depth, std::size_t chain, std::uint64_t in_chain);
+  void followNextLink();
+  void follow(const Level& level, std::uint64_t link, std::uint64_t target);
+  void leaveOutRestOfList(Level& level, std::uint64_t link);
+  void finish();
+  void followChain(const Level& level, std::uint64_t target);
+  void leaveOutRestOfChain(const Level& level, std::uint64_t target);
+  TreeEntry::Kind kindOf(std::size_t from, std::size_t target, bool in_chain) const;
+  void show(const TreeEntry& entry) { is_wanted_ = is_wanted_ && visit_(entry); }
+
+  InputFile& file_;
+  const TreeOptions& options_;
+  const TreeVisitor& visit_;
+  const FindingSink ignore_ = [](const Finding& /*the walk reports the same*/) {};
+  ReadingLimit limit_;
+  std::vector<std::uint64_t> offsets_;
+  std::vector<State> states_;
+  std::vector<std::size_t> chains_;  ///< index of the first block of the block's chain
+  std::vector<Level> levels_;
+  bool is_wanted_ = true;
+};
+
+std::size_t TreeWalk::indexOf(std::uint64_t offset) const {
+  const auto found = std::lower_bound(offsets_.begin(), offsets_.end(), offset);
+  const bool is_there = found != offsets_.end() && *found == offset;
+  return is_there ? static_cast<std::size_t>(found - offsets_.begin()) : offsets_.size();
+}
+
+std::uint64_t TreeWalk::readLink(const BlockFields& block, std::uint64_t index) {
+  std::array<char, RawBlock::link_size> bytes{};
+  file_.readAt(block.offset() + RawBlock::header_size + index * bytes.size(), bytes.data(),
+               bytes.size());
+  return unsignedNumber({bytes.data(), bytes.size()});
+}
+
+void TreeWalk::walk() {
+  const auto root = readRawBlock(file_, options_.from);
+  const std::size_t index = indexOf(options_.from);
+  if (!root || !isBlock(index)) {
+    return;
+  }
+  TreeEntry entry;
+  entry.offset = options_.from;
+  entry.raw = *root;
+  show(entry);
+  enter(*root, 0, index, 1);
+  while (is_wanted_ && !levels_.empty()) {
+    if (levels_.back().next < levels_.back().links) {
+      followNextLink();
+    } else {
+      finish();
+    }
+  }
+}
+
+void TreeWalk::enter(const RawBlock& raw, std::size_t depth, std::size_t chain,
+                     std::uint64_t in_chain) {
+  const std::size_t index = indexOf(raw.offset);
+  states_[index] = State::open;
+  chains_[index] = chain;
+  std::uint64_t links = linksThere(file_, raw);
+  if (depth >= options_.most_depth || !limit_.allows(raw, links * RawBlock::link_size)) {
+    links = 0;
+  }
+  levels_.push_back({BlockFields(file_, raw), index, depth, links, 0, in_chain, "", 0});
+}
+
+TreeEntry TreeWalk::entryFor(const Level& level, std::size_t depth, std::uint64_t link,
+                             std::uint64_t target) {
+  TreeEntry entry;
+  entry.depth = depth;
+  entry.from = level.block.offset();
+  entry.role = linkRole(level.block, link).name;
+  entry.offset = target;
+  if (const auto raw = readRawBlock(file_, target)) {
+    entry.raw = *raw;
+  }
+  return entry;
+}
+
+void TreeWalk::followNextLink() {
+  Level& level = levels_.back();
+  const std::uint64_t link = level.next++;
+  const std::uint64_t target = readLink(level.block, link);
+  if (target == 0) {
+    return;
+  }
+  const LinkRole role = linkRole(level.block, link);
+  if (link == 0 && leadsOn(role.layout)) {
+    return;  // when all else below the block is done
+  }
+  level.in_list = role.layout.role == level.list ? level.in_list + 1 : 1;
+  level.list = role.layout.role;
+  if (level.in_list > options_.list_limit) {
+    leaveOutRestOfList(level, link);
+  } else {
+    follow(level, link, target);
+  }
+}
+
+/// Links that have the same name but for an index are a list; it may hold nil links.
+void TreeWalk::leaveOutRestOfList(Level& level, std::uint64_t link) {
+  std::uint64_t count = 1;
+  for (; level.next < level.links; ++level.next) {
+    if (linkRole(level.block, level.next).layout.role != level.list) {
+      break;
+    }
+    count += readLink(level.block, level.next) == 0 ? 0U : 1U;
+  }
+  TreeEntry entry = entryFor(level, level.depth + 1, link, readLink(level.block, link));
+  entry.kind = TreeEntry::left_out;
+  entry.count = count;
+  show(entry);
+}
+
+TreeEntry::Kind TreeWalk::kindOf(std::size_t from, std::size_t target, bool in_chain) const {
+  if (!isBlock(target)) {
+    return TreeEntry::nothing;
+  }
+  switch (states_[target]) {
+    case State::unseen:
+      return TreeEntry::block;
+    case State::open:
+      return TreeEntry::cycle;
+    case State::seen:
+    case State::left_out:
+      break;
+  }
+  return in_chain && chains_[target] == chains_[from] ? TreeEntry::cycle : TreeEntry::shared;
+}
+
+void TreeWalk::follow(const Level& level, std::uint64_t link, std::uint64_t target) {
+  TreeEntry entry = entryFor(level, level.depth + 1, link, target);
+  const std::size_t index = indexOf(target);
+  if (isBlock(index) && !options_.with_texts && isText(entry.raw.letters())) {
+    return;
+  }
+  entry.kind = kindOf(level.index, index, false);
+  entry.was_left_out = isBlock(index) && states_[index] == State::left_out;
+  show(entry);
+  if (entry.kind == TreeEntry::block) {
+    enter(entry.raw, entry.depth, index, 1);
+  }
+}
+
+/// Goes on to the block's sibling, which takes its place.
+void TreeWalk::finish() {
+  const Level level = std::move(levels_.back());
+  levels_.pop_back();
+  states_[level.index] = State::seen;
+  const bool has_next = linksThere(file_, level.block.raw()) > 0 &&
+                        level.block.layout() != nullptr && leadsOn(linkRole(level.block, 0).layout);
+  const std::uint64_t target = has_next ? readLink(level.block, 0) : 0;
+  if (target != 0 && (level.depth > 0 || options_.from == header_block_offset)) {
+    followChain(level, target);
+  }
+}
+
+void TreeWalk::followChain(const Level& level, std::uint64_t target) {
+  const std::size_t index = indexOf(target);
+  TreeEntry entry = entryFor(level, level.depth, 0, target);
+  entry.kind = kindOf(level.index, index, true);
+  entry.was_left_out = isBlock(index) && states_[index] == State::left_out;
+  if (entry.kind == TreeEntry::block && level.in_chain >= options_.list_limit) {
+    leaveOutRestOfChain(level, target);
+    return;
+  }
+  show(entry);
+  if (entry.kind == TreeEntry::block) {
+    enter(entry.raw, entry.depth, chains_[level.index], level.in_chain + 1);
+  }
+}
+
+void TreeWalk::leaveOutRestOfChain(const Level& level, std::uint64_t target) {
+  TreeEntry entry = entryFor(level, level.depth, 0, target);
+  entry.kind = TreeEntry::left_out;
+  std::size_t from = level.index;
+  for (std::size_t index = indexOf(target); isBlock(index) && states_[index] == State::unseen;
+       index = indexOf(target)) {
+    ++entry.count;
+    states_[index] = State::left_out;
+    chains_[index] = chains_[level.index];
+    from = index;
+    const auto raw = readRawBlock(file_, offsets_[index]);
+    target = 0;
+    if (!raw || linksThere(file_, *raw) == 0) {
+      break;
+    }
+    const BlockFields block(file_, *raw);
+    if (block.layout() == nullptr || !leadsOn(linkRole(block, 0).layout)) {
+      break;
+    }
+    target = block.link(0);
+  }
+  show(entry);
+  if (target != 0) {
+    TreeEntry last = entryFor(level, level.depth, 0, target);
+    last.from = offsets_[from];
+    last.kind = kindOf(from, indexOf(target), true);
+    show(last);
+  }
+}
+
+}  // namespace
+
+void walkTree(InputFile& file, const TreeOptions& options, const FindingSink& report,
+              const TreeVisitor& visit) {
+  TreeWalk(file, options, report, visit).walk();
+}
+
+}  // namespace mdf_tools

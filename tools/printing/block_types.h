@@ -1,0 +1,39 @@
+#ifndef MDF_TOOLS_PRINTING_BLOCK_TYPES_H_
+#define MDF_TOOLS_PRINTING_BLOCK_TYPES_H_
+
+#include <cstdint>
+#include <istream>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "reader/blocks/raw_block.h"
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+/// Constructs a block of the library's class from a stream and writes its dump. Returns nothing,
+/// or, having written nothing, what was expected of the block and what was found.
+using DumpFromStream = std::string (*)(const RawBlock& block, std::istream& is, std::ostream& os);
+
+/// What a reading program needs to know about a block type that the library has a class for.
+struct BlockType {
+  /// The number of bytes of a type whose class reads as many as its length says.
+  static constexpr std::uint64_t by_length = 0;
+
+  std::string_view letters;
+  /// The bytes that the class reads whatever the block's length says, or by_length.
+  std::uint64_t fixed_size;
+  DumpFromStream dump;
+};
+
+/// The type with these two letters; null for one that the library has no class for.
+const BlockType* findBlockType(std::string_view letters);
+
+/// What to say of a block whose links and fields do not go into its length.
+std::string misfit(const RawBlock& block);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_PRINTING_BLOCK_TYPES_H_

@@ -1,0 +1,89 @@
+#include "file_dump.h"
+
+#include <algorithm>
+
+#include "annotated_bytes.h"
+#include "block_dump.h"
+#include "reader/blocks/reading_limit.h"
+#include "reader/blocks/walker.h"
+#include "reader/bytes/input_file.h"
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+namespace {
+
+/// What was cut off while it was read may have been shown as zeros, without any other finding.
+void checkThatNothingWasCutOff(InputFile& file, const FindingSink& report) {
+  const std::uint64_t size = file.sizeNow();
+  if (size < file.size()) {
+    report({size, "expected the file to keep its " + std::to_string(file.size()) +
+                      " bytes while it is read, found " + std::to_string(size)});
+  }
+}
+
+void workOnIdentification(InputFile& file, const BlockSelection& selection, const BlockWork& work) {
+  if (file.size() >= header_block_offset && selection.takes("ID")) {
+    work.on_identification();
+  }
+}
+
+}  // namespace
+
+bool BlockSelection::takes(std::string_view letters) const {
+  return types.empty() || std::find(types.begin(), types.end(), letters) != types.end();
+}
+
+void workOnBlocks(InputFile& file, const BlockSelection& selection, const BlockWork& work,
+                  const std::ostream& os, const FindingSink& report) {
+  const bool are_named = !selection.offsets.empty();
+  const auto offsets = are_named ? selection.offsets : walkBlocks(file, report);
+  if (!are_named) {
+    workOnIdentification(file, selection, work);
+  }
+  ReadingLimit limit(file.size(), report);
+  for (const std::uint64_t offset : offsets) {
+    if (!os.good()) {
+      return;
+    }
+    if (offset == 0) {
+      workOnIdentification(file, selection, work);
+      continue;
+    }
+    const auto block = are_named ? findBlock(file, offset, report) : readRawBlock(file, offset);
+    if (!block || !selection.takes(block->letters())) {
+      continue;
+    }
+    if (are_named) {
+      checkExtent(file, *block, report);
+    }
+    if (are_named || limit.allows(*block, std::min(block->length, file.sizeFrom(offset)))) {
+      work.on_block(*block);
+    }
+  }
+  checkThatNothingWasCutOff(file, report);
+}
+
+void dumpFile(InputFile& file, std::ostream& os, const FindingSink& report,
+              const BlockSelection& selection) {
+  const std::ios_base::fmtflags format = os.flags();
+  workOnBlocks(file, selection,
+               {[&] { dumpIdentification(file, os); },
+                [&](const RawBlock& block) {
+                  os.flags(format);
+                  dumpBlock(file, block, os, report);
+                }},
+               os, report);
+  os.flags(format);
+}
+
+void annotateFile(InputFile& file, std::ostream& os, std::uint64_t most_bytes,
+                  const FindingSink& report, const BlockSelection& selection) {
+  workOnBlocks(file, selection,
+               {[&] { annotateIdentification(file, os); },
+                [&](const RawBlock& block) { annotateBlock(file, block, most_bytes, os); }},
+               os, report);
+}
+
+}  // namespace mdf_tools

@@ -1,0 +1,23 @@
+#ifndef MDF_TOOLS_PRINTING_FORMATTED_H_
+#define MDF_TOOLS_PRINTING_FORMATTED_H_
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdio>
+#include <string>
+
+namespace mdf_tools {
+
+/// A short text as snprintf makes it; what is longer than 127 characters is cut.
+template <class... Values>
+std::string formatted(const char* format, Values... values) {
+  std::array<char, 128> text;
+  const int length = std::snprintf(text.data(), text.size(), format, values...);
+  const int most = static_cast<int>(text.size()) - 1;
+  return {text.data(), static_cast<std::size_t>(std::clamp(length, 0, most))};
+}
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_PRINTING_FORMATTED_H_

@@ -1,0 +1,221 @@
+#include "info.h"
+
+#include <string>
+
+#include "file_summary.h"
+#include "names.h"
+#include "reader/blocks/block_layout.h"
+#include "reader/bytes/input_file.h"
+#include "shown_number.h"
+#include "stored_time.h"
+#include "style.h"
+#include "text_table.h"
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+namespace {
+
+/// What an unfinished file has left open, by its standard flags.
+std::vector<std::string> openParts(const Identification& id) {
+  constexpr std::string_view parts[] = {"cycle counts of channel groups",
+                                        "cycle counts of sample reductions",
+                                        "length of the last data block",
+                                        "length of the last reduction data block",
+                                        "last data list",
+                                        "data bytes of variable-length groups",
+                                        "offsets of variable-length channels"};
+  std::vector<std::string> open;
+  unsigned flag = 1;
+  for (const std::string_view part : parts) {
+    if ((id.standard_flags & flag) != 0) {
+      open.emplace_back(part);
+    }
+    flag <<= 1U;
+  }
+  return open;
+}
+
+std::string stateSentence(const Identification& id) {
+  if (!id.isUnfinished()) {
+    return id.isFinished() ? "finished" : "not stated";
+  }
+  std::string sentence = "unfinished";
+  const char* separator = ", still open: ";
+  for (const std::string& part : openParts(id)) {
+    sentence += separator + part;
+    separator = ", ";
+  }
+  if (id.custom_flags != 0) {
+    sentence += "; custom flags " + std::to_string(id.custom_flags);
+  }
+  return sentence;
+}
+
+std::string withoutBlanksBehind(const std::string& text) {
+  const std::size_t end = text.find_last_not_of(' ');
+  return end == std::string::npos ? "" : text.substr(0, end + 1);
+}
+
+StoredTime startTime(const Header& header) {
+  return {header.start_time, header.zone_minutes, header.daylight_minutes, header.time_flags};
+}
+
+/// Where angles and distances begin, "" when neither is stated.
+std::string startPosition(const Header& header) {
+  std::string position;
+  if ((header.flags & Header::start_angle_valid) != 0) {
+    position = shownNumber(header.start_angle) + " rad";
+  }
+  if ((header.flags & Header::start_distance_valid) != 0) {
+    position += (position.empty() ? "" : ", ") + shownNumber(header.start_distance) + " m";
+  }
+  return position;
+}
+
+std::string countOf(std::size_t count, const std::string& one, const std::string& several) {
+  return std::to_string(count) + ' ' + (count == 1 ? one : several);
+}
+
+std::string contentsSentence(const FileSummary& summary) {
+  return countOf(summary.measurement.data_groups.size(), "data group", "data groups") + ", " +
+         countOf(summary.groups.size(), "channel group", "channel groups") + ", " +
+         countOf(summary.channel_count, "channel", "channels") + ", " +
+         countOf(summary.attachment_count, "attachment", "attachments") + ", " +
+         countOf(summary.event_count, "event", "events") + ", " +
+         countOf(summary.hierarchy_count, "hierarchy entry", "hierarchy entries") + ", " +
+         countOf(summary.history_count, "history entry", "history entries");
+}
+
+void printLine(std::ostream& out, std::string_view label, std::string_view value) {
+  constexpr std::size_t label_width = 11;
+  out << Style::strong << label << Style::plain << std::string(label_width - label.size(), ' ')
+      << onOneLine(value) << '\n';
+}
+
+void printGroups(const FileSummary& summary, std::ostream& out) {
+  using Align = TextTable::Align;
+  TextTable table({{"group", Align::right},
+                   {"data", Align::right},
+                   {"name"},
+                   {"source"},
+                   {"records", Align::right},
+                   {"rate"},
+                   {"record bytes", Align::right},
+                   {"channels", Align::right}});
+  for (const GroupSummary& each : summary.groups) {
+    const ChannelGroup& group = *each.group;
+    const std::string unit = each.master_unit.empty() ? "" : '/' + each.master_unit;
+    const bool is_variable = group.holdsVariableLength();
+    table.add({std::to_string(group.index), std::to_string(each.data_group->index),
+               is_variable && each.name.empty() ? "(variable-length data)" : each.name, each.source,
+               std::to_string(group.cycles), each.rate ? shownNumber(*each.rate) + unit : "",
+               is_variable ? "variable" : std::to_string(group.recordBytes()),
+               std::to_string(each.channel_count)});
+  }
+  if (!table.isEmpty()) {
+    out << '\n';
+    table.print(out);
+  }
+}
+
+void printBlocks(const FileSummary& summary, std::ostream& out) {
+  TextTable table(
+      {{"type"}, {"blocks", TextTable::Align::right}, {"bytes", TextTable::Align::right}, {""}});
+  for (const auto& [letters, count] : summary.blocks) {
+    const BlockLayout* layout = findLayout(letters);
+    table.add({letters, std::to_string(count.blocks), std::to_string(count.bytes),
+               layout == nullptr ? "(unknown type)" : std::string(layout->title)});
+  }
+  table.add({"", "", std::to_string(summary.gap_bytes), "outside blocks"});
+  out << '\n';
+  table.print(out);
+}
+
+Json groupAsJson(const GroupSummary& each) {
+  const ChannelGroup& group = *each.group;
+  Json json = {{"group", group.index},
+               {"data_group", each.data_group->index},
+               {"offset", group.offset},
+               {"name", each.name},
+               {"source", each.source},
+               {"comment", group.comment},
+               {"records", group.cycles},
+               {"record_bytes", group.recordBytes()},
+               {"variable_length", group.holdsVariableLength()},
+               {"channels", each.channel_count}};
+  json["extent"] = each.extent ? Json(*each.extent) : Json();
+  json["rate"] = each.rate ? Json(*each.rate) : Json();
+  json["master_unit"] = each.master_unit;
+  return json;
+}
+
+Json startAsJson(const Header& header) {
+  const StoredTime start = startTime(header);
+  return {{"stored", header.start_time}, {"unit", start.isInSeconds() ? "s" : "ns"},
+          {"utc", start.utc()},          {"local", start.local()},
+          {"zone", start.zone()},        {"class", timeClassName(header.time_class)}};
+}
+
+}  // namespace
+
+void printInfo(InputFile& file, std::ostream& out, const FindingSink& report) {
+  const FileSummary summary = summarise(file, report);
+  const Identification& id = summary.measurement.identification;
+  const Header& header = summary.measurement.header;
+  printLine(out, "File:", file.name() + ", " + std::to_string(file.size()) + " bytes");
+  printLine(out, "Format:",
+            '"' + printable(withoutBlanksBehind(id.file_word)) + "\" version \"" +
+                printable(withoutBlanksBehind(id.version_text)) + "\" (" +
+                std::to_string(id.version) + "), written by \"" +
+                printable(withoutBlanksBehind(id.program)) + '"');
+  printLine(out, "State:", stateSentence(id));
+  printLine(
+      out, "Start:", startTime(header).sentence() + ", clock: " + timeClassName(header.time_class));
+  if (const std::string position = startPosition(header); !position.empty()) {
+    printLine(out, "Begins at:", position);
+  }
+  printLine(out,
+            "Duration:", summary.duration ? shownNumber(*summary.duration) + " s" : "not stated");
+  if (!header.comment.empty()) {
+    printLine(out, "Comment:", header.comment);
+  }
+  printLine(out, "Contents:", contentsSentence(summary));
+  printGroups(summary, out);
+  printBlocks(summary, out);
+}
+
+Json infoAsJson(InputFile& file, const FindingSink& report) {
+  const FileSummary summary = summarise(file, report);
+  const Identification& id = summary.measurement.identification;
+  Json json = {{"file", file.name()},
+               {"bytes", file.size()},
+               {"identifier", withoutBlanksBehind(id.file_word)},
+               {"version", id.version},
+               {"version_text", withoutBlanksBehind(id.version_text)},
+               {"program", withoutBlanksBehind(id.program)},
+               {"finished", id.isFinished()},
+               {"still_open", openParts(id)},
+               {"start", startAsJson(summary.measurement.header)}};
+  json["duration"] = summary.duration ? Json(*summary.duration) : Json();
+  json["comment"] = summary.measurement.header.comment;
+  json["data_groups"] = summary.measurement.data_groups.size();
+  json["channels"] = summary.channel_count;
+  json["attachments"] = summary.attachment_count;
+  json["events"] = summary.event_count;
+  json["hierarchy_entries"] = summary.hierarchy_count;
+  json["history_entries"] = summary.history_count;
+  json["groups"] = Json::array();
+  for (const GroupSummary& group : summary.groups) {
+    json["groups"].push_back(groupAsJson(group));
+  }
+  json["blocks"] = Json::object();
+  for (const auto& [letters, count] : summary.blocks) {
+    json["blocks"][letters] = {{"blocks", count.blocks}, {"bytes", count.bytes}};
+  }
+  json["bytes_outside_blocks"] = summary.gap_bytes;
+  return json;
+}
+
+}  // namespace mdf_tools

@@ -1,0 +1,28 @@
+#ifndef MDF_TOOLS_PRINTING_JSON_OUTPUT_H_
+#define MDF_TOOLS_PRINTING_JSON_OUTPUT_H_
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace mdf_tools {
+
+/// An object whose members stay in the order in which they were added.
+using Json = nlohmann::ordered_json;
+
+/// What "schema" says in every document and every line. It grows when members are renamed or
+/// removed, or change their meaning; new members may come at any time.
+inline constexpr int json_schema = 1;
+
+/// One line without its end. Bytes that are no UTF-8 become U+FFFD, for JSON holds nothing else.
+inline std::string jsonLine(const Json& value) {
+  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+/// A document over several lines.
+inline std::string jsonDocument(const Json& value) {
+  return value.dump(2, ' ', false, Json::error_handler_t::replace);
+}
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_PRINTING_JSON_OUTPUT_H_

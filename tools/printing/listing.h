@@ -1,0 +1,48 @@
+#ifndef MDF_TOOLS_PRINTING_LISTING_H_
+#define MDF_TOOLS_PRINTING_LISTING_H_
+
+#include <cstddef>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "reader/blocks/finding.h"
+
+namespace mdf_reader {
+class InputFile;
+}  // namespace mdf_reader
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+/// What a list is to hold and how it is to look. Unset choices choose everything.
+struct ListOptions {
+  std::optional<std::size_t> group;  ///< index of a channel group
+  std::string name_pattern;          ///< with * ? [...] as in a shell; "" for any
+  std::vector<std::string> types;    ///< as the list shows them, or letters of blocks
+  std::string sort_column;           ///< a column's title; "" leaves the file's order
+  bool as_json = false;              ///< an object on each line
+  std::string file_name;             ///< said in each object, when there are several files
+};
+
+/// The columns that a list can be sorted by.
+std::vector<std::string> channelColumns();
+std::vector<std::string> blockColumns();
+std::vector<std::string> attachmentColumns();
+std::vector<std::string> eventColumns();
+
+void listChannels(InputFile& file, const ListOptions& options, std::ostream& out,
+                  const FindingSink& report);
+/// Blocks come in file order, however many they are, without being kept, unless they are sorted.
+void listBlocks(InputFile& file, const ListOptions& options, std::ostream& out,
+                const FindingSink& report);
+void listAttachments(InputFile& file, const ListOptions& options, std::ostream& out,
+                     const FindingSink& report);
+void listEvents(InputFile& file, const ListOptions& options, std::ostream& out,
+                const FindingSink& report);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_PRINTING_LISTING_H_

@@ -1,0 +1,52 @@
+#ifndef MDF_TOOLS_PRINTING_PROGRESS_H_
+#define MDF_TOOLS_PRINTING_PROGRESS_H_
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <ostream>
+#include <string>
+#include <thread>
+
+namespace mdf_reader {
+class InputFile;
+}  // namespace mdf_reader
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+/// A line on a terminal that says how much of a file has been read. It appears when work takes
+/// longer than an interval, is renewed after each more, and is gone when the object is.
+class Progress {
+ public:
+  Progress(const InputFile& file, std::ostream& terminal, std::chrono::milliseconds interval);
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  /// Prints something else to the terminal while the line is out of the way.
+  void interrupt(const std::function<void()>& print);
+
+ private:
+  void show();
+  void hide();
+
+  const InputFile& file_;
+  std::ostream& terminal_;
+  std::chrono::milliseconds interval_;
+  std::mutex mutex_;
+  std::condition_variable end_;
+  bool is_over_ = false;
+  bool is_shown_ = false;
+  std::thread thread_;
+};
+
+/// "3.2 of 4.0 GiB": how much of something has been read. What is read more than once exceeds the
+/// whole and is said alone: "5.1 GiB".
+std::string readSoFar(std::uint64_t bytes, std::uint64_t whole);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_PRINTING_PROGRESS_H_

@@ -1,0 +1,24 @@
+#ifndef MDF_TOOLS_PRINTING_RECORD_IDS_H_
+#define MDF_TOOLS_PRINTING_RECORD_IDS_H_
+
+#include <cstdint>
+#include <optional>
+
+#include "reader/blocks/block_fields.h"
+
+namespace mdf_reader {
+class InputFile;
+}  // namespace mdf_reader
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+/// The bytes of a data group's record ids by what stands in front of the data: which of those that
+/// its code may stand for is told by the length of the data and the counts of its records. Nothing
+/// where these leave it open.
+std::optional<std::uint64_t> recordIdBytes(InputFile& file, const BlockFields& data_group);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_PRINTING_RECORD_IDS_H_

@@ -1,0 +1,46 @@
+#ifndef MDF_TOOLS_PRINTING_STORED_TIME_H_
+#define MDF_TOOLS_PRINTING_STORED_TIME_H_
+
+#include <cstdint>
+#include <string>
+
+namespace mdf_tools {
+
+/// A time stamp of a file together with what its time flags say of it.
+class StoredTime {
+ public:
+  StoredTime(std::uint64_t stamp, int zone_minutes, int daylight_minutes, unsigned flags);
+
+  /// The format stores nanoseconds since 1970, some writers store seconds. What would be less than
+  /// nine seconds after the beginning of 1970 in nanoseconds is taken for seconds.
+  bool isInSeconds() const { return is_in_seconds_; }
+
+  /// A stamp of 0, or of what writers store when they know no time.
+  bool isUnset() const { return is_unset_; }
+
+  /// "2026-11-21 20:15:00.123456789"; "" when the file does not say it.
+  std::string utc() const;
+  /// The same at the place of recording.
+  std::string local() const;
+  /// "+01:00"; "" when the file does not say it.
+  std::string zone() const;
+
+  /// A line for people: both times, and which unit was assumed and why.
+  std::string sentence() const;
+
+ private:
+  bool hasZone() const;
+  std::string shifted(int minutes) const;
+
+  std::int64_t seconds_ = 0;
+  std::uint32_t nanoseconds_ = 0;
+  int zone_minutes_;
+  int daylight_minutes_;
+  unsigned flags_;
+  bool is_in_seconds_;
+  bool is_unset_;
+};
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_PRINTING_STORED_TIME_H_
