@@ -159,7 +159,7 @@ class AlignedCopy {
   char* at_;
 };
 
-/// Many small blocks one behind the other, or a single large one.
+/// Many small blocks one after another, or a single large one.
 std::size_t dataBlocksInFile(std::size_t size) {
   return std::max<std::size_t>(16 * mebi / size, 1);
 }
@@ -212,7 +212,7 @@ struct ReadDataFile {
     return DTBLOCK(stream);
   }
 
-  /// What is read after memory has been made for it.
+  /// What is read into memory made for it.
   void readTo(void* memory) const {
     char header[DTBLOCK::DTBLOCK_CONSTANT_SIZE];
     descriptor.goTo(0);

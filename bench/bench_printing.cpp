@@ -17,8 +17,8 @@ namespace mdf_bench {
 
 namespace {
 
-/// A line of a dump as one call of snprintf prints it: its words are the format, and its numbers
-/// are the values.
+/// A line of a dump as one call of snprintf prints it: the words are the format, the numbers are
+/// the values.
 class FormattedLine {
  public:
   explicit FormattedLine(const std::string& line) : is_real_(line.find('.') != std::string::npos) {

@@ -36,7 +36,7 @@ using mdf_v4_10::LINK;
 using mdf_v4_10::TXBLOCK;
 using mdf_v4_10::UINT64;
 
-/// A header, and channels each with a name behind it.
+/// A header, and channels each followed by a name.
 constexpr std::size_t blocks_in_file = 1000001;
 
 void writeManyBlocks(const std::string& path) {
@@ -127,7 +127,7 @@ Sides scanManyBlocks() {
           blocks_in_file};
 }
 
-/// Runs the program mdf; what it says to people goes to a file.
+/// Runs the program mdf, with its standard error in a file.
 rusage runProgram(const std::vector<std::string>& arguments, const std::string& messages) {
   std::string program = MDF_PROGRAM;
   std::vector<char*> argv = {program.data()};
@@ -151,7 +151,7 @@ rusage runProgram(const std::vector<std::string>& arguments, const std::string& 
   return used;
 }
 
-/// The system counts what the starting process had in memory as the program's, too.
+/// The system counts the starting process's memory as the program's, too.
 double mebibytesOfDump() {
   const ManyBlocks file;
   const ScratchFile messages{std::string()};
@@ -173,7 +173,7 @@ void writePlainFile(const std::string& path, const std::string& bytes) {
   }
 }
 
-/// A recording of signals such as a machine has, with values that are there already.
+/// A recording of signals such as a machine has, with ready values.
 struct Recording {
   static constexpr std::size_t records = 50000;
   static constexpr double rate = 100000;
@@ -248,7 +248,7 @@ unsigned long long recordsIn(const std::string& message) {
   return records;
 }
 
-/// The highest rate that can be asked for; what the machine cannot hold of it is left out.
+/// The highest rate that can be asked for; samples that come too late for it are left out.
 double recordAtHighestRate() {
   constexpr int repetitions = 9;
   const ScratchFile file{std::string()};

@@ -45,8 +45,8 @@ class Source {
   std::istringstream stream_;
 };
 
-/// What a block is when only what must be done is done: its fields where they were copied to, its
-/// links in a vector, and in another one what a reader puts into a list of its own.
+/// A block with the least work: its fields where they were copied to, its links in a vector, and in
+/// another one what a reader puts into a list of its own.
 struct PlainBlock {
   std::array<char, 160> fields;
   std::vector<LINK> links;
@@ -91,8 +91,8 @@ constexpr auto readInTwo = [](std::istream& is, const Layout& layout) {
   return block;
 };
 
-/// What reading and writing again brings back: of a channel's data section the part behind the
-/// number of attachments, which reading changes.
+/// The bytes that come back from reading and writing again: of a channel's data section, the part
+/// after the number of attachments, which reading changes.
 std::string endOf(const std::string& bytes, const Layout& layout) {
   constexpr std::size_t behind_counts = 48;
   return bytes.substr(bytes.size() - std::min(layout.data, behind_counts));

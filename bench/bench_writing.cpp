@@ -103,7 +103,7 @@ void registerEveryClass(const std::string& sink_name) {
       compareWithCopy<Sink>(name.append(bytes).insert(0, group), limit, block);
     });
     forEachBlockOfEntries(count, [&](std::string name, const auto& block) {
-      // Long lists go straight from their vector, but for a data list's: in memory they are pairs.
+      // Long lists go straight from their vector, except a data list's, which are pairs in memory.
       const bool goes_straight = count == 1000 && name.compare(0, 2, "DL") != 0;
       compareWithCopy<Sink>(name.append(entries).insert(0, group), goes_straight ? 1.1 : limit,
                             block);

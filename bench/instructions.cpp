@@ -1,5 +1,5 @@
 // Writes and reads blocks many times, each between two requests to the tool that counts
-// instructions; without that tool it does so for nothing.
+// instructions; without that tool the requests do nothing.
 
 #include <valgrind/callgrind.h>
 

@@ -15,7 +15,7 @@
 /// What must hold of every class, whatever the bytes.
 namespace mdf_fuzz {
 
-/// A block that was read, if the constructor returned, and what became of the stream.
+/// A block that was read, if the constructor returned, and the stream's state after it.
 template <class Block>
 struct Read {
   std::optional<Block> block;

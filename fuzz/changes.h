@@ -13,8 +13,8 @@
 #include "expect.h"
 #include "input.h"
 
-/// What can be done with a block: operations with arguments from an input, each with what must come
-/// of it.
+/// What can be done with a block: operations with arguments from an input, each with the expected
+/// result.
 namespace mdf_fuzz {
 
 /// One call of an operation of a block, with arguments from the input.
@@ -58,7 +58,7 @@ void setFlag(Block& block, Input& input) {
          "no flag to change another");
 }
 
-/// For what a rule of the block may refuse.
+/// For changes that a rule of the block may refuse.
 template <auto Set, auto Get, class Block>
 void setOrClear(Block& block, Input& input) {
   const auto value = input.take<decltype((block.*Get)())>();

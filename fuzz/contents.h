@@ -9,10 +9,10 @@ namespace mdf_fuzz {
 using namespace mdf_v4_10;
 using mdf_tests::oracle::Contents;
 
-/// What every class holds, but for the fixed fields.
+/// What every class holds, except the fixed fields.
 Contents frameOf(const GENERALBLOCK& block);
 
-/// Adds what the writer puts behind links and fixed fields, as it stands in the block's lists. A
+/// Adds what the writer puts after links and fixed fields, as it stands in the block's lists. A
 /// block of data is written without its links.
 inline void addLists(const GENERALBLOCK& /*block*/, Contents& /*contents*/) {}
 void addLists(const TXBLOCK& block, Contents& contents);

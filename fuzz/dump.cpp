@@ -74,7 +74,7 @@ Dump dumpFile(const std::string& path) {
   return dump;
 }
 
-/// What a terminal would be given of a dump.
+/// What a terminal would get of a dump.
 std::string shown(const std::string& text) {
   const MemoryOutput memory;
   OutputBuffer output(memory.file(), OutputBuffer::Bytes::for_a_terminal);

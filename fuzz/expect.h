@@ -8,7 +8,7 @@
 
 namespace mdf_fuzz {
 
-/// An input has shown that something is wrong; what() says what should have been.
+/// An input has shown that something is wrong; what() says what should have happened.
 class Violation : public std::logic_error {
  public:
   using std::logic_error::logic_error;
@@ -21,7 +21,7 @@ void expect(bool holds, const Text& what_should_be) {
   }
 }
 
-/// Equal bit by bit, so that a floating-point number that is none equals itself.
+/// Equal bit by bit, so that NaN equals itself.
 template <class Value>
 bool same(const Value& a, const Value& b) {
   static_assert(std::is_arithmetic_v<Value> || std::is_enum_v<Value>, "padding has no value");

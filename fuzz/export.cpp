@@ -48,7 +48,7 @@ Lines linesOf(const std::string& text) {
   return lines;
 }
 
-/// Writes and draws the first samples of each table, and looks at what comes of it.
+/// Writes and draws the first samples of each table, and checks the output.
 class Trial : public TableVisitor {
  public:
   void begin(Table& table) override {

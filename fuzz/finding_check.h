@@ -11,7 +11,7 @@ namespace mdf_fuzz {
 
 inline bool isPrintable(char character) { return character >= 0x20 && character < 0x7F; }
 
-/// What every finding about a file must be like.
+/// What must hold of every finding.
 inline void expectSentence(const mdf_reader::Finding& finding, std::uint64_t file_size) {
   expect(finding.offset <= file_size, "a finding inside the file");
   expect(finding.sentence.rfind("expected ", 0) == 0 &&

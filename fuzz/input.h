@@ -10,7 +10,7 @@
 
 namespace mdf_fuzz {
 
-/// An input as a row of values. When the bytes run out the values are zero.
+/// An input as a sequence of values. When the bytes run out the values are zero.
 class Input {
  public:
   explicit Input(std::string_view bytes) : bytes_(bytes) {}
@@ -32,7 +32,7 @@ class Input {
     }
   }
 
-  /// Some bytes, once or several times one behind the other: up to 2,040 bytes.
+  /// Some bytes, once or several times in a row: up to 2,040 bytes.
   std::string takeText() {
     const std::string_view bytes = takeBytes(take<unsigned char>());
     std::string text;

@@ -10,7 +10,7 @@
 
 namespace mdf_fuzz {
 
-/// A file that has a path and no place on a disk.
+/// A file with a path, in memory.
 class MemoryFile {
  public:
   MemoryFile() : descriptor_(memfd_create("mdf", 0)) {

@@ -16,7 +16,7 @@
 
 namespace mdf_fuzz {
 
-/// Looks at what is written, line by line, and keeps the latest line alone.
+/// Checks output line by line, and keeps only the latest line.
 class Lines : public std::streambuf {
  public:
   enum class Kind {
@@ -63,7 +63,7 @@ class Lines : public std::streambuf {
   std::uint64_t count_ = 0;
 };
 
-/// Lines that a file of this size may make: each link one, and links are gone through four times at
+/// Lines that a file of this size may make: one for each link, and links are visited four times at
 /// most.
 inline std::uint64_t mostLinks(std::size_t file_size) {
   return 4 * file_size / 8 + file_size / 24 + 10;

@@ -1,5 +1,5 @@
-// Writes inputs to begin with into a folder for each fuzz target: blocks by the library's writers,
-// and for the commands the sample files.
+// Writes first inputs into a folder for each fuzz target: blocks by the library's writers, and the
+// sample files for the commands.
 
 #include <cstdio>
 #include <exception>
@@ -30,13 +30,13 @@ std::string bytesOf(const Blocks&... blocks) {
   return os.str();
 }
 
-/// For the two types whose writers count fewer links than stand there.
+/// For the two types whose writers count fewer links than they write.
 std::string withLinkCount(std::string bytes, char count) {
   bytes[16] = count;
   return bytes;
 }
 
-/// The two long ones just go into what writers hand on at one go, and just do not.
+/// The two long ones are just small enough, and just too large, for what writers hand on in one go.
 template <class Block>
 Inputs plainData() {
   Inputs inputs;
@@ -137,7 +137,7 @@ std::map<std::string, Inputs> blockInputs() {
       {"chblock",
        {bytesOf(CHBLOCK(CHBLOCK::CH_TYPE_GROUP)), bytesOf(hierarchy()),
         withLinkCount(bytesOf(hierarchy()), 4 + 3 * 2)}},
-      // The second one is longer than what readers take at one go.
+      // The second one is longer than what readers take in one go.
       {"atblock",
        {bytesOf(attachment("an attachment of some bytes")),
         bytesOf(attachment(std::string(66000, 'a')))}},
@@ -161,7 +161,7 @@ std::map<std::string, Inputs> blockInputs() {
   };
 }
 
-/// Each class's number and bytes without a plan: whatever operations they happen to mean.
+/// Each class's number and arbitrary bytes: whatever operations they happen to mean.
 Inputs buildInputs() {
   Inputs inputs;
   std::uint32_t state = 1;
@@ -176,33 +176,33 @@ Inputs buildInputs() {
   return inputs;
 }
 
-/// A file whose header block leads to the first block behind it.
+/// A file whose header block links to the first block after it.
 std::string fileWith(const std::string& blocks) {
   const LINK first = IDBLOCK::IDBLOCK_SIZE + HDBLOCK::HDBLOCK_SIZE;
   return bytesOf(IDBLOCK("seeds"), HDBLOCK(0, first, 0, 0, HDBLOCK::TIME_LOCAL_PC, 0, 0)) + blocks;
 }
 
-/// A file with these blocks behind one of a type that nobody knows, which links to all of them and
-/// to the header block.
+/// A file with these blocks after one of an unknown type, which links to all of them and to the
+/// header block.
 std::string fileWithAll(const Inputs& blocks) {
   DTBLOCK index;
   index.header.mdfID = MDF_Block_ID(0x5858);
   index.header.link_count = blocks.size() + 1;
   std::size_t at =
       fileWith({}).size() + HeaderSection::HEADER_SIZE + (blocks.size() + 1) * sizeof(LINK);
-  std::string behind;
+  std::string following;
   std::vector<LINK> links = {IDBLOCK::IDBLOCK_SIZE};
   for (const std::string& block : blocks) {
-    links.push_back(static_cast<LINK>(at + behind.size()));
-    behind += block;
-    behind.append((8 - behind.size() % 8) % 8, '\0');
+    links.push_back(static_cast<LINK>(at + following.size()));
+    following += block;
+    following.append((8 - following.size() % 8) % 8, '\0');
   }
   for (const LINK link : links) {
     for (unsigned shift = 0; shift < 64; shift += 8) {
       index.addData(static_cast<UINT8>(static_cast<UINT64>(link) >> shift));
     }
   }
-  return fileWith(bytesOf(index) + behind);
+  return fileWith(bytesOf(index) + following);
 }
 
 std::string recordedFile(const std::filesystem::path& path) {

@@ -35,7 +35,7 @@ class Folder {
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;
 
-  /// Where files may come; beside it none may.
+  /// The only place where files may appear.
   std::string inner() const { return path_ + "/inner"; }
 
   void expectFilesAndEmpty() const {

@@ -27,7 +27,7 @@ std::vector<std::pair<std::string, Target>> readersOf(BlockList<Blocks...> /*blo
   return {{readerName<Blocks>(), tryReader<Blocks>}...};
 }
 
-/// What was read can be dumped and written, and what was written is read as the bytes say.
+/// A block that was read can be dumped and written; what was written reads back as the bytes say.
 template <class Block>
 std::string tryBlock(std::string_view input) {
   const Read<Block> read = readChecked<Block>(std::string(input));

@@ -6,14 +6,14 @@
 #include <utility>
 #include <vector>
 
-/// What is tried with bytes from anywhere. A reader has its class's name in small letters; `blocks`
+/// What is tried with arbitrary bytes. A reader has its class's name in small letters; `blocks`
 /// reads, dumps and writes a block of a type that the first byte chooses; `build` does what the
 /// bytes say with a block; `dump` and `check` are what `mdf dump` and `mdf check` make of a file,
-/// `draw` what `mdf tree`, `mdf graph` and the options of `mdf dump` make of it, `export` what
-/// `mdf export` and `mdf plot` make of it.
+/// `draw` what `mdf tree`, `mdf graph` and the options of `mdf dump` make of it, `export` what `mdf
+/// export` and `mdf plot` make of it.
 namespace mdf_fuzz {
 
-/// Tries one input and says what became of it, in a few words.
+/// Tries one input and says in a few words what came of it.
 /// @throws Violation when something is wrong.
 using Target = std::string (*)(std::string_view input);
 

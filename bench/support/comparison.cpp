@@ -18,7 +18,7 @@ double timeOf(const Batch& batch, std::size_t times) {
   return threadTime() - start;
 }
 
-/// So many times that the clock's own time does not matter.
+/// Often enough for the clock's own time not to matter.
 std::size_t timesPerRound(const Sides& sides) {
   std::size_t times = 1;
   while (timeOf(sides.baseline, times) < settings().round_nanoseconds) {

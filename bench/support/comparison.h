@@ -14,20 +14,20 @@
 
 namespace mdf_bench {
 
-/// Does a thing so many times, one after the other.
+/// Does a thing so many times in a row.
 using Batch = std::function<void(std::size_t times)>;
 
 /// Two ways of doing the same. What they need is made before, and grows no more.
 struct Sides {
   Batch subject;
   Batch baseline;
-  /// Whether both have done what they should; called once before and once behind all rounds.
+  /// Whether both have done what they should; called once before and once after all rounds.
   std::function<bool()> is_right;
   /// What is counted as one in the nanoseconds that are reported: the blocks of one time.
   std::size_t units = 1;
 };
 
-/// What a comparison's limit is for: the quotient of the two times, or the subject's time itself.
+/// What a comparison's limit is for: the ratio of the two times, or the subject's time itself.
 enum class Limit { times, nanoseconds };
 
 struct Case {
@@ -38,8 +38,9 @@ struct Case {
 };
 
 /// Registers a comparison. `make` is called when its turn comes, and what it made is gone before
-/// the next one's. The two sides take turns, and each says the median of its rounds; the time is
-/// the CPU time of the thread, so that what else the machine does counts as little as it can.
+/// the next one's turn. The two sides alternate, and the median of each side's rounds counts; the
+/// time is the CPU time of the thread, so that other work on the machine disturbs as little as
+/// possible.
 void compare(const Case& what, const std::function<Sides()>& make);
 
 /// Registers a figure with a limit of its own, in place of a baseline.

@@ -7,8 +7,8 @@
 
 namespace mdf_bench {
 
-/// A file in the folder for temporary files, removed with the object. What is timed writes over
-/// bytes that are there already.
+/// A file in the folder for temporary files, removed with the object. Timed writes go over existing
+/// bytes.
 class ScratchFile {
  public:
   explicit ScratchFile(const std::string& contents);
@@ -25,7 +25,7 @@ class ScratchFile {
   std::string path_;
 };
 
-/// A file as the system sees it; every call must do all that it is asked for.
+/// A file by its system calls; every call must do all that it is asked for.
 class Descriptor {
  public:
   explicit Descriptor(const std::string& path);

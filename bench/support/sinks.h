@@ -21,7 +21,7 @@ class NullSink {
   /// To be called before each block.
   void next() {}
 
-  /// Whether nothing but blocks of these bytes came.
+  /// Whether nothing came except blocks of these bytes.
   bool holds(const std::string& block) const {
     return buffer_.count != 0 && buffer_.count % block.size() == 0;
   }
@@ -46,7 +46,7 @@ class NullSink {
   std::ostream stream_{&buffer_};
 };
 
-/// A string stream with room for a number of blocks, which is gone through again and again.
+/// A string stream with room for a number of blocks, which is used again and again.
 class StringSink {
  public:
   explicit StringSink(std::size_t block_size)
