@@ -9,8 +9,8 @@
 // Files are easiest to write from the leaves to the root: a block is written after those that it
 // links to, and the header block, whose place is fixed, last.
 
-/// Writes a block behind the others, on an 8-byte boundary as the format wants it. Returns where it
-/// stands: the link for other blocks. The stream stands at the file's end.
+/// Appends a block to the file, on an 8-byte boundary as the format wants it. Returns its offset:
+/// the link for other blocks. The stream stands at the file's end.
 template <class Block>
 mdf_v4_10::LINK append(std::ostream& file, const Block& block) {
   auto at = static_cast<mdf_v4_10::LINK>(file.tellp());
@@ -25,7 +25,7 @@ inline mdf_v4_10::LINK appendText(std::ostream& file, const std::string& text) {
   return append(file, mdf_v4_10::TXBLOCK(text.data(), text.size()));
 }
 
-/// Writes a block once more, in the place that it has, with what has become known since.
+/// Writes a block once more in its place, with what has become known since.
 template <class Block>
 void rewrite(std::ostream& file, mdf_v4_10::LINK at, const Block& block) {
   file.seekp(at);

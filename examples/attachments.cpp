@@ -1,5 +1,5 @@
-// What belongs to a measurement besides its signals: files attached to it, things that happened
-// while it was recorded, and who wrote it.
+// What a measurement has besides its signals: attached files, events during the recording, and who
+// wrote it.
 
 #include <fstream>
 
@@ -33,7 +33,7 @@ int main() {
                   1700000000000000000, 0, 0);
   hd.setFHFirstblock(append(file, history));
 
-  // One attachment holds its file's bytes, the other one tells where the file is.
+  // One attachment holds its file's bytes, the other says where the file is.
   ATBLOCK outside;
   outside.setTXFilenameBlock(appendText(file, "camera/front.mp4"));
   outside.setTXMimetypeBlock(appendText(file, "video/mp4"));
@@ -46,7 +46,7 @@ int main() {
   const LINK settings_at = append(file, inside);
   hd.setATFirstblock(settings_at);
 
-  // A signal for the events to be about.
+  // A signal that the events are about.
   CNBLOCK cn(CNBLOCK::CN_CHANNELTYPE_FIXEDLENGTH, CNBLOCK::CN_SYNCTYPE_NONE,
              CNBLOCK::CN_DATATYPE_UINT_LE, 0, appendText(file, "speed"), 0);
   cn.setBitCount(8);
@@ -54,7 +54,7 @@ int main() {
                                           CGBLOCK::CG_PATHSEPARATOR_NONE, 1, 0));
   hd.setDGFirstblock(append(file, DGBLOCK(0, cg_at, 0, DGBLOCK::DG_WITHOUT)));
 
-  // A trigger, and a range that somebody marked: its end links to its beginning.
+  // A trigger, and a marked range: its end links to its beginning.
   EVBLOCK end =
       eventAt(EVBLOCK::EV_TYPE_MARKER, EVBLOCK::EV_RANGETYPE_END, EVBLOCK::EV_CAUSETYPE_USER, 4500);
   EVBLOCK begin = eventAt(EVBLOCK::EV_TYPE_MARKER, EVBLOCK::EV_RANGETYPE_BEGIN,

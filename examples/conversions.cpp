@@ -10,7 +10,8 @@
 using namespace mdf_v4_10;
 using Signals = std::vector<std::pair<std::string, CCBLOCK>>;
 
-/// A time in milliseconds and the signals, which all see the bytes behind it, each in its own way.
+/// A time in milliseconds and the signals, which all read the same bytes after it, each in its own
+/// way.
 static LINK appendChannels(std::ostream& file, const Signals& signals,
                            CNBLOCK::MDF_CN_DATATYPES_t type, UINT32 bits) {
   LINK next = 0;  // a channel links to the next one, which therefore comes first
@@ -57,7 +58,7 @@ int main() {
   setUp(texts, "text_number").setupTEXT2VTABConversion({{off, 0}, {run, 1}}, -1);
   setUp(texts, "text_text").setupTEXT2TEXTTABConversion({{off, run}, {run, off}}, fault);
 
-  // Record ids, one byte in front of each record, tell whose record it is.
+  // A record id, one byte before each record, tells which group the record is of.
   const LINK number_cn = appendChannels(file, numbers, CNBLOCK::CN_DATATYPE_UINT_LE, 8);
   const LINK text_cn = appendChannels(file, texts, CNBLOCK::CN_DATATYPE_STRING_UTF8, 24);
   const CGBLOCK second(0, CGBLOCK::no_flag, 2, text_cn, appendText(file, "texts"), 0, 0, 5,

@@ -5,7 +5,7 @@
 using namespace mdf_v4_10;
 
 int main() {
-  // The blocks behind the header each get a place, on an 8-byte boundary.
+  // Each block after the header gets a place on an 8-byte boundary.
   LINK end = IDBLOCK::IDBLOCK_SIZE + HDBLOCK::HDBLOCK_SIZE;
   const auto place = [&end](std::uint64_t size) {
     const LINK at = end;

@@ -1,5 +1,5 @@
 // Walks through a file with the library alone: walk FILE lists its channel groups and channels.
-// Readers leave the links of these blocks behind nil ones; docs/reading.md tells for each class.
+// Readers put the links of some blocks after nil ones; docs/reading.md has a row for each class.
 
 #include <algorithm>
 #include <fstream>
@@ -11,8 +11,8 @@
 
 using namespace mdf_v4_10;
 
-/// Positions the stream at a block, if there is a whole one of the expected type. The readers
-/// believe what the file says, so that this is the place to doubt it.
+/// Positions the stream at a block, if there is a whole one of the expected type. The readers trust
+/// what the file says, so this is the place to doubt it.
 static bool goTo(std::ifstream& file, LINK at, const std::string& id) {
   std::string bytes(HeaderSection::HEADER_SIZE, 0);
   file.seekg(0, std::ios::end);
@@ -32,7 +32,7 @@ static LINK linkAt(const LinkSection& links, std::size_t index) {
   return index < links.size() ? links[index] : 0;
 }
 
-/// Read as a data block, any block gives all bytes behind its header: here a text.
+/// Read as a data block, any block gives all bytes after its header: here a text.
 static std::string textAt(std::ifstream& file, LINK at) {
   if (!goTo(file, at, "##TX")) return "";
   const DTBLOCK text(file);
@@ -43,7 +43,7 @@ static std::string textAt(std::ifstream& file, LINK at) {
 static LINK printChannel(std::ifstream& file, LINK at) {
   const CNBLOCK cn(file);
   file.seekg(at);
-  const DLBLOCK raw(file);  // read as a data list, any block gives its links, behind a nil one
+  const DLBLOCK raw(file);  // read as a data list, any block gives its links, after a nil one
   const auto link = [&raw](std::size_t index) { return linkAt(raw.links, 1 + index); };
   std::cout << "  " << textAt(file, link(CNBLOCK::cn_tx_name)) << ": " << cn.getBitCount()
             << " bits at byte " << cn.getByteOffset() << '\n';

@@ -15,7 +15,7 @@ using namespace mdf_v4_10;
 constexpr UINT32 record_bytes = 4 + 4, block_records = 5000;
 
 /// All first bytes of the records, then all second ones, and so on: bytes that hardly change from
-/// record to record come together, which is what compression is good at.
+/// record to record come together and compress well.
 static std::string transposed(const std::string& records) {
   std::string columns;
   for (std::size_t column = 0; column < record_bytes; ++column) {
@@ -66,7 +66,7 @@ int main() {
   }
   HLBLOCK hl(append(file, list), false, DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE);
   const LINK hl_at = append(file, hl);
-  // The writer of this block states no links although it writes one; other programs look for it.
+  // The writer of this block counts no links although it writes one; other programs look for it.
   hl.header.setLinkCount(HLBLOCK::HL_BLOCK_LINKS_NUM);
   rewrite(file, hl_at, hl.header);
 

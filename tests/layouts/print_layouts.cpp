@@ -181,7 +181,7 @@ void printBlock(std::string_view letters) {
              unitOf(layout.tail.name));
   }
   if (further != further_links.end()) {
-    std::cout << "\nOffsets behind the further links are those of a block without any.\n";
+    std::cout << "\nOffsets after the further links are those of a block without any.\n";
   }
 }
 
@@ -192,7 +192,7 @@ bytes, the field under its name in the library, and its unit or the enumeration 
 that names its values. Numbers are little-endian. A link is the offset of a block in the file, and 0
 where there is none; the letters tell what types of block it may lead to.
 
-Fill bytes, which the length does not count, bring the next block to a multiple of 8.
+Padding, which the length does not count, brings the next block to a multiple of 8.
 
 ## IDBLOCK
 
