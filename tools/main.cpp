@@ -9,15 +9,15 @@
 
 namespace {
 
-/// What is wrong with the first words, which name a command; "" when nothing is.
-/// @param before the words before, with a blank behind, that name what has these commands
+/// What is wrong with the words that name a command; "" for nothing.
+/// @param before the words before, each followed by a blank, that name what has these commands
 std::string wrongCommand(const CLI::App& app, const std::string& before,
                          const std::vector<std::string>& words) {
   const std::string named_before = before.substr(0, before.find_last_of(' '));
-  const std::string behind = before.empty() ? "" : " behind \"" + named_before + '"';
-  const std::string advice = "; run 'mdf " + before + "--help' for what there is";
+  const std::string after = before.empty() ? "" : " after \"" + named_before + '"';
+  const std::string advice = "; run 'mdf " + before + "--help' for the commands";
   if (words.empty()) {
-    return "no command" + behind + advice;
+    return "no command" + after + advice;
   }
   const std::string& word = words.front();
   if (!word.empty() && word.front() == '-') {
@@ -26,7 +26,7 @@ std::string wrongCommand(const CLI::App& app, const std::string& before,
   const auto named =
       app.get_subcommands([&](const CLI::App* command) { return command->check_name(word); });
   if (named.empty()) {
-    return "there is no command \"" + before + word + '"' + advice;
+    return "unknown command \"" + before + word + '"' + advice;
   }
   const bool is_whole = named.front()->get_require_subcommand_min() == 0;
   return is_whole

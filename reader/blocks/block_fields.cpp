@@ -18,7 +18,7 @@ std::int64_t loadSigned(std::string_view bytes) {
   return static_cast<std::int64_t>(unsignedNumber(bytes) << unused_bits) >> unused_bits;
 }
 
-/// A link behind those that each block of a type has.
+/// A link after those that each block of a type has.
 struct AdditionalLink {
   LinkLayout layout;                                    ///< without a role where nothing is known
   std::optional<std::uint64_t> element = std::nullopt;  ///< which one of several
@@ -60,7 +60,7 @@ AdditionalLink eventLink(const BlockFields& block, std::uint64_t index) {
 }
 
 /// An array whose elements have data of their own. Which of the links lead there cannot be told
-/// without its sizes where it has others behind them.
+/// without its sizes when other links follow them.
 AdditionalLink arrayLink(const BlockFields& block, std::uint64_t index) {
   constexpr std::uint64_t has_further_links = 31;
   constexpr std::uint64_t in_data_groups = 2;
@@ -83,7 +83,7 @@ AdditionalLink valueListLink(const BlockFields& block, std::uint64_t index) {
   return {{"", ""}};
 }
 
-/// What links may stand behind a type's own ones.
+/// What links may follow a type's own ones.
 AdditionalLink additionalLink(const BlockFields& block, std::uint64_t index) {
   const std::string_view type = block.layout()->letters;
   if (type == "DL") {

@@ -15,7 +15,7 @@ namespace mdf_reader {
 
 class InputFile;
 
-/// The links and fields of a block, read as the format defines them: the links in front, each where
+/// The links and fields of a block, read as the format defines them: the links first, each where
 /// its layout says. What the block's length or the file cuts off reads as 0.
 class BlockFields {
  public:
@@ -45,10 +45,10 @@ class BlockFields {
     return (number(field) & bit) != 0;
   }
 
-  /// The field's bytes as a number is to be shown: "12", "-60", "0.5", "00 ff 12".
+  /// The field's value as it is shown: "12", "-60", "0.5", "00 ff 12".
   std::string shown(const FieldLayout& field) const;
 
-  /// Offset in the file of the first byte behind the links, and of the first behind the fields.
+  /// Offset in the file of the first byte after the links, and of the first after the fields.
   std::uint64_t fieldsAt() const;
   std::uint64_t tailAt() const;
   /// Bytes from tailAt() to the block's end, as far as the file has them.
@@ -72,7 +72,7 @@ std::optional<BlockFields> readFields(InputFile& file, std::uint64_t offset,
                                       std::string_view letters);
 
 /// What the link at an index of a block is for: the type's own links, then those that its counts
-/// speak of. A link that the type knows nothing about has the role "link N" and may lead anywhere.
+/// ask for. A link that the type does not define has the role "link N" and may lead anywhere.
 struct LinkRole {
   std::string name;  ///< with an index where there are several: "dl_data[2]"
   LinkLayout layout;

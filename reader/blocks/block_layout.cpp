@@ -193,7 +193,7 @@ std::vector<BlockLayout> dataLayouts() {
   };
 }
 
-/// Blocks of version 4.2, which keep values apart from what says that they are invalid.
+/// Blocks of version 4.2, which keep values apart from their invalidation bits.
 std::vector<BlockLayout> separateDataLayouts() {
   return {
       {"DV", "data values", {}, {}, {"dv_data"}},

@@ -9,14 +9,14 @@
 
 namespace mdf_reader {
 
-/// How the bytes of a field are to be understood.
+/// What the bytes of a field stand for.
 enum class FieldKind { unsigned_number, signed_number, real, bytes, reserved };
 
 /// A field of a data section.
 struct FieldLayout {
   std::string_view name;
   FieldKind kind;
-  std::size_t offset;  ///< from the first byte behind the links
+  std::size_t offset;  ///< from the first byte after the links
   std::size_t width;   ///< bytes
 };
 
@@ -24,10 +24,10 @@ struct FieldLayout {
 struct LinkLayout {
   std::string_view role;  ///< the format's name of it, such as "cn_cc_conversion"
   std::string_view
-      targets;  ///< letters of the types it may lead to, with blanks between; "" is any
+      targets;  ///< letters of the types it may lead to, separated by blanks; "" is any
 };
 
-/// What stands behind the fields, up to the block's end.
+/// What follows the fields, up to the block's end.
 struct TailLayout {
   std::string_view name;  ///< "" for nothing
   FieldKind kind = FieldKind::bytes;
@@ -37,7 +37,7 @@ struct TailLayout {
 /// How a block of one type is laid out: 24 bytes of header, links, fields, tail.
 struct BlockLayout {
   std::string_view letters;
-  std::string_view title;         ///< what people call the block: "channel group"
+  std::string_view title;         ///< the block's common name: "channel group"
   std::vector<LinkLayout> links;  ///< those that each block of the type has, in order
   std::vector<FieldLayout> fields;
   TailLayout tail;

@@ -22,7 +22,7 @@ std::uint32_t BlockTable::add(const BlockEntry& entry) {
   return index;
 }
 
-/// Where the block's index is, or the empty slot where it belongs.
+/// The slot with the block's index, or the empty slot where it belongs.
 std::size_t BlockTable::slotFor(std::uint64_t offset) const {
   // Blocks that lie together share cache lines here too. The golden ratio as a factor spreads the
   // groups evenly.

@@ -20,15 +20,15 @@ struct BlockEntry {
   std::uint32_t link = 0;      ///< index of that link
   std::uint32_t head = 0;      ///< index of the first block of its chain; its own outside a chain
   std::uint32_t position = 0;  ///< in its chain, from 0 on
-  std::uint32_t end = 0;       ///< one behind the last block that is reached through it
+  std::uint32_t end = 0;       ///< one past the last block that is reached through it
   std::array<char, 2> type{};
   bool by_reference = false;   ///< reached by a link that only refers to it
-  bool has_few_links = false;  ///< only the first ones are looked at: blocks overlap too much
+  bool has_few_links = false;  ///< only the first links are checked: blocks overlap too much
 
   std::string_view letters() const { return {type.data(), type.size()}; }
 };
 
-/// The blocks of a file in the order in which one comes by them: each before what it leads to. An
+/// The blocks of a file in the order in which they are reached: each before what it leads to. An
 /// entry takes 32 bytes, and up to 16 more to be found by its offset.
 class BlockTable {
  public:
@@ -53,8 +53,8 @@ class BlockTable {
   unsigned shift_ = 61;  ///< from a hash of 64 bits to a slot's index
 };
 
-/// How a block is reached, by the roles of the links: "HD.hd_dg_first/DG[2].dg_cg_first/CG[0]". Of
-/// a block that lies very deep the end alone is told.
+/// How a block is reached, by the roles of the links: "HD.hd_dg_first/DG[2].dg_cg_first/CG[0]". The
+/// path of a very deep block is cut to its end.
 std::string pathOf(InputFile& file, const BlockTable& blocks, std::uint32_t index);
 
 }  // namespace mdf_reader

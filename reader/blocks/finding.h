@@ -11,7 +11,7 @@ namespace mdf_reader {
 /// A problem in a file.
 struct Finding {
   std::uint64_t offset;  ///< of the block that has the problem
-  std::string sentence;  ///< what was expected and what was there
+  std::string sentence;  ///< what was expected and what was found
 };
 
 /// Takes findings as they are made: a file may hold more of them than memory does.
@@ -20,7 +20,7 @@ using FindingSink = std::function<void(const Finding&)>;
 /// A number as people look for it in a dump and in a hex viewer: "64 (0x40)".
 std::string decimalAndHex(std::uint64_t number);
 
-/// Bytes on one line, whatever they are: those that are no ASCII characters as "\x1b".
+/// Bytes on one line, whatever they are: bytes that are not ASCII characters become "\x1b".
 std::string printable(std::string_view bytes);
 
 /// The same in quotation marks.

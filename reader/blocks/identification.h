@@ -11,16 +11,16 @@ namespace mdf_reader {
 
 class InputFile;
 
-/// Where every file has its header block, right behind the identification.
+/// Where every file has its header block, right after the identification.
 inline constexpr std::uint64_t header_block_offset = 64;
 
-/// What the 64 bytes in front of a file say of it.
+/// What the first 64 bytes of a file say of it.
 struct Identification {
   std::string file_word;        ///< 8 bytes: "MDF     ", or "UnFinMF " for an unfinished file
   std::string version_text;     ///< 8 bytes up to a zero byte, such as "4.10    "
   std::string program;          ///< 8 bytes up to a zero byte
   unsigned version = 0;         ///< such as 410
-  unsigned standard_flags = 0;  ///< what an unfinished file has left open, bit by bit
+  unsigned standard_flags = 0;  ///< what an unfinished file leaves open, bit by bit
   unsigned custom_flags = 0;    ///< the same by rules of the writing program
 
   enum StandardFlag : unsigned {
@@ -39,7 +39,7 @@ struct Identification {
 
 Identification readIdentification(InputFile& file);
 
-/// What the first 64 bytes have that no file of MDF 4 has.
+/// What is wrong in the first 64 bytes for a file of MDF 4.
 std::optional<Finding> identificationFinding(InputFile& file);
 
 }  // namespace mdf_reader

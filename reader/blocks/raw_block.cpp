@@ -13,7 +13,7 @@ using mdf_v4_10::detail::loadLe;
 
 namespace {
 
-/// Links of a block whose data section behind them has 8 bytes.
+/// Links of a block whose data section has 8 bytes.
 std::uint64_t linksBeforeEightBytes(std::uint64_t length) {
   constexpr std::uint64_t rest = RawBlock::header_size + 8;
   return length < rest ? 0 : (length - rest) / RawBlock::link_size;
@@ -30,10 +30,10 @@ std::uint64_t hierarchyLinks(std::uint64_t elements) {
 std::string RawBlock::name() const { return printable({id.data(), id.size()}); }
 
 std::uint64_t RawBlock::linkCount() const {
-  // Two types are written with a smaller count than links stand there: a header list with 0 for its
-  // one link, and a channel hierarchy with 4 + N for 4 + 3N links. Both have 8 bytes behind their
-  // links, so that the length tells the number, as long as it does not exceed what the type can
-  // have: a length that lies would turn the blocks behind into links.
+  // Two types are written with a link count below the number of their links: a header list with 0
+  // for its one link, and a channel hierarchy with 4 + N for 4 + 3N links. Both have a data section
+  // of 8 bytes, so the length tells the number. It must not exceed what the type can have: a length
+  // that lies would turn the following blocks into links.
   if (letters() == "HL") {
     return std::max(link_count, std::min<std::uint64_t>(linksBeforeEightBytes(length), 1));
   }

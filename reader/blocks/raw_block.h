@@ -13,8 +13,8 @@ namespace mdf_reader {
 
 class InputFile;
 
-/// What the common header says about a block of any type, known or not. Nothing is believed: see
-/// linksThere() for what can be had.
+/// What the common header says about a block of any type, known or not. Nothing of it is trusted:
+/// linksThere() says how many links can be read.
 struct RawBlock {
   static constexpr std::size_t header_size = 24;
   static constexpr std::size_t link_size = 8;
@@ -37,7 +37,7 @@ struct RawBlock {
   bool holdsItsLinks() const;
 };
 
-/// Reads a header; nothing when the file ends in it.
+/// Reads a header; nothing when the file ends within it.
 std::optional<RawBlock> readRawBlock(InputFile& file, std::uint64_t offset);
 
 /// Whether the file holds as many bytes as the block says it has.

@@ -10,8 +10,8 @@ bool ReadingLimit::allows(const RawBlock& block, std::uint64_t bytes) {
   if (!is_reported_) {
     is_reported_ = true;
     report_({block.offset,
-             "expected blocks that lie beside one another, found several times the file's bytes in "
-             "blocks that overlap; not all of them are gone through"});
+             "expected blocks that do not overlap, found several times the file's bytes in "
+             "overlapping blocks; some of them are skipped"});
   }
   return false;
 }

@@ -8,16 +8,16 @@
 
 namespace mdf_reader {
 
-/// Keeps the work on a file in proportion to its size. Blocks lie beside one another and have no
-/// more bytes together than the file; a file whose blocks lie one over the other could make a
-/// reader go through the same bytes again for each of them. Some overlap is let through, so that
-/// a file with a few wrong lengths is shown whole.
+/// Keeps the work on a file proportional to its size. Blocks that do not overlap have no more bytes
+/// together than the file; overlapping blocks could make a reader go through the same bytes again
+/// for each of them. Some overlap is allowed, so that a file with a few wrong lengths is shown
+/// whole.
 class ReadingLimit {
  public:
   ReadingLimit(std::uint64_t file_size, const FindingSink& report)
       : left_(times * (file_size < most ? file_size : most)), report_(report) {}
 
-  /// Whether so many bytes of a block may still be gone through. The first refusal is reported.
+  /// Whether so many bytes of a block may still be read. The first refusal is reported.
   bool allows(const RawBlock& block, std::uint64_t bytes);
 
  private:

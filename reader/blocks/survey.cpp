@@ -18,7 +18,7 @@ using mdf_v4_10::detail::loadLe;
 
 namespace {
 
-/// As many as any type has without counting them.
+/// At least as many links as any type has without counting them.
 constexpr std::uint64_t few_links = 8;
 
 bool isCapital(char letter) { return letter >= 'A' && letter <= 'Z'; }
@@ -103,8 +103,8 @@ BlockEntry Survey::entryFor(const Step& step, const RawBlock& block) {
   return entry;
 }
 
-/// What belongs to a block comes before the next block of its chain, so that link goes to the
-/// bottom of the stack.
+/// What belongs to a block comes before the next block of its chain, so the link to that goes to
+/// the bottom of the stack.
 void Survey::followOwnLinks(std::uint32_t index, const RawBlock& block) {
   const LinkKinds kinds = linkKinds(block.letters());
   const auto before = static_cast<std::ptrdiff_t>(pending_.size());
@@ -145,7 +145,8 @@ void Survey::followReferences(std::uint32_t index) {
   std::reverse(pending_.begin(), pending_.end());
 }
 
-/// A block is behind the one that it belongs to, so that going backwards all its blocks are known.
+/// A block comes after the one that it belongs to: going backwards, all that belongs to a block is
+/// known before the block itself.
 void Survey::closeIntervals() {
   for (std::uint32_t index = blocks_.size(); index-- > 0;) {
     BlockEntry& entry = blocks_[index];

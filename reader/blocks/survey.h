@@ -15,13 +15,13 @@ struct RawBlock;
 bool looksLikeBlock(const RawBlock& block);
 
 /// Finds all blocks that links lead to from the header block, which must be there, each once. Lists
-/// and trees are gone through first, and only then what is merely referred to, so that each block
-/// is found in its place.
+/// and trees are followed first, and references after them, so that each block is found in its
+/// place.
 ///
-/// Memory and time are in proportion to the file, whatever its links and lengths say.
+/// Memory and time are proportional to the file, whatever its links and lengths say.
 BlockTable surveyBlocks(InputFile& file);
 
-/// Visits the links of a block, as many as the survey has looked at; nil ones too.
+/// Visits the links of a block that the survey has followed; nil ones too.
 void forEachSurveyedLink(InputFile& file, const RawBlock& block, const BlockEntry& entry,
                          const std::function<void(std::uint64_t index, std::uint64_t link)>& visit);
 

@@ -52,7 +52,7 @@ class Walker {
   OffsetSet seen_;
 };
 
-/// A file without the right words may still have blocks; one that ends here has none.
+/// A file without the right identification may still have blocks; one that ends here has none.
 bool Walker::hasIdentification() {
   if (const auto finding = identificationFinding(file_)) {
     report_(*finding);
@@ -86,7 +86,7 @@ bool Walker::hasBlock(std::uint64_t offset) {
 }
 
 void Walker::followLinksAt(std::uint64_t offset) {
-  // The header was there before; a file that has been cut meanwhile is found out at the end.
+  // The header was there before; a file that has been cut meanwhile is reported at the end.
   if (const auto block = readRawBlock(file_, offset)) {
     checkExtent(file_, *block, report_);
     if (!limit_.allows(*block, linksThere(file_, *block) * RawBlock::link_size)) {

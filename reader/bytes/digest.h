@@ -16,7 +16,7 @@ class Md5 {
   Md5();
   void add(std::string_view bytes);
 
-  /// The 16 bytes of the digest. Nothing can be added behind that.
+  /// The 16 bytes of the digest. Nothing can be added after that.
   std::string digest();
 
  private:

@@ -8,8 +8,8 @@
 
 namespace mdf_reader {
 
-/// Lets streams read a paged file. Going elsewhere drops what was read ahead, so one must go
-/// somewhere after the file has been read past this buffer.
+/// Lets streams read a paged file. Seeking drops what was read ahead, so seek after the file has
+/// been read by other means.
 class FileBuffer : public std::streambuf {
  public:
   explicit FileBuffer(PagedFile& file) : file_(file) {}

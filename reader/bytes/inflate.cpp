@@ -19,7 +19,7 @@ constexpr std::uint64_t most_from_a_byte = 1032;
 using Decompressor =
     std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)>;
 
-/// Tries with a buffer of one size; too little room for the stream is `too_long`.
+/// Tries a buffer of one size; a stream that does not fit is `too_long`.
 Inflated inflateInto(libdeflate_decompressor* decompressor, std::string_view stream,
                      std::size_t room) {
   Inflated result{Inflating::broken, std::string(room, '\0')};
@@ -42,7 +42,7 @@ Inflated inflate(std::string_view stream, std::uint64_t stated_size) {
   if (!decompressor) {
     throw std::bad_alloc();
   }
-  // Room is added as it turns out to be needed: a stated size may lie.
+  // The buffer grows as needed: a stated size may lie.
   constexpr std::uint64_t usual_from_a_byte = 16;
   constexpr std::uint64_t growth = 8;
   const std::uint64_t most = std::min(stated_size, stream.size() * most_from_a_byte);

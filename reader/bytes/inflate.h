@@ -8,10 +8,10 @@
 
 namespace mdf_reader {
 
-/// What came of inflating.
+/// The outcome of inflating.
 enum class Inflating {
   fine,
-  broken,    ///< the bytes are no complete zlib stream, or their checksum is wrong
+  broken,    ///< the bytes are not a complete zlib stream, or their checksum is wrong
   too_long,  ///< the stream holds more than was stated; nothing of it is kept
   too_short  ///< the stream holds less than was stated; `bytes` is what there was
 };
@@ -22,12 +22,12 @@ struct Inflated {
 };
 
 /// Inflates a zlib stream (RFC 1950) to at most `stated_size` bytes. A stated size that lies costs
-/// no more memory than some times the stream or what it holds: Deflate makes at most 1032 bytes of
+/// no more memory than a few times the stream or what it holds: Deflate makes at most 1032 bytes of
 /// one.
 Inflated inflate(std::string_view stream, std::uint64_t stated_size);
 
 /// Undoes the transposition of data that was stored column by column: of `columns` bytes in each
-/// row, first the first byte of all rows, then the second, and so on. Bytes behind the last whole
+/// row, first the first byte of all rows, then the second, and so on. Bytes after the last whole
 /// row stay as they are.
 std::string transposedBack(std::string_view bytes, std::uint64_t columns);
 

@@ -36,7 +36,7 @@ bool writeAll(int file, const char* bytes, std::size_t count) {
   return true;
 }
 
-/// Everything that a source still brings, as a file without a name that lies in memory.
+/// All that a source still has to give, as a file without a name in memory.
 Descriptor readIntoMemory(int source, const std::string& name) {
   Descriptor memory(memfd_create("mdf", MFD_CLOEXEC));
   if (memory.number() < 0) {
@@ -51,7 +51,7 @@ Descriptor readIntoMemory(int source, const std::string& name) {
   return memory;
 }
 
-/// Some regular files that the system makes up have no end to go to; they are read like a pipe.
+/// Some regular files that the system makes up have no known end; they are read like a pipe.
 bool hasOffsets(int file) {
   struct stat status {};
   return fstat(file, &status) == 0 && S_ISREG(status.st_mode) && lseek(file, 0, SEEK_END) >= 0;

@@ -20,8 +20,8 @@ class UnreadableFile : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The bytes of a file, at any offset. A regular file is read where it lies, however large;
-/// standard input and pipes, which know no offsets, are read into memory first.
+/// The bytes of a file, at any offset. A regular file is read in place, however large; standard
+/// input and pipes, which have no offsets, are read into memory first.
 class InputFile {
  public:
   /// @param path the file's name; "-" is standard input.
@@ -31,13 +31,13 @@ class InputFile {
   /// What messages call the file.
   const std::string& name() const { return name_; }
 
-  /// The file's bytes when it was opened.
+  /// The file's size in bytes when it was opened.
   std::uint64_t size() const { return size_; }
 
-  /// The file's bytes now, which another program may have cut off or added to.
+  /// The file's size now: another program may have cut it or added to it.
   std::uint64_t sizeNow() const { return file_.size(); }
 
-  /// Bytes from an offset to the file's end; 0 at and behind the end.
+  /// Bytes from an offset to the file's end; 0 at and beyond the end.
   std::uint64_t sizeFrom(std::uint64_t offset) const { return offset < size_ ? size_ - offset : 0; }
 
   /// Reads up to `count` bytes and returns how many there were.
@@ -60,7 +60,7 @@ class InputFile {
   std::uint64_t size_;
 };
 
-/// Hands bytes of a file on piece by piece, as many as wanted or as there are.
+/// Hands bytes of a file on piece by piece: as many as wanted, or as there are.
 void forEachPiece(InputFile& file, std::uint64_t offset, std::uint64_t count,
                   const std::function<void(std::string_view)>& take);
 

@@ -17,7 +17,7 @@ void OffsetSet::insert(std::uint64_t offset) {
   }
 }
 
-/// Where the offset is, or the empty slot where it belongs.
+/// The slot with the offset, or the empty slot where it belongs.
 std::size_t OffsetSet::slotFor(std::uint64_t offset) const {
   // Blocks that lie together share cache lines here too. The golden ratio as a factor spreads the
   // groups evenly.

@@ -74,7 +74,7 @@ std::size_t PagedFile::cachedBefore(std::uint64_t number) const {
   return count;
 }
 
-std::size_t PagedFile::cachedBehind(std::uint64_t number) const {
+std::size_t PagedFile::cachedAfter(std::uint64_t number) const {
   std::size_t count = 0;
   while (count < longest_run && isCached(number + count + 1)) {
     ++count;
@@ -83,16 +83,17 @@ std::size_t PagedFile::cachedBehind(std::uint64_t number) const {
 }
 
 /// Takes as many pages as the cache has next to this one, on the side that is approached: a reader
-/// that goes on the same way soon needs few calls, and one that leaps about reads single pages.
+/// that goes on in the same direction soon needs few calls, and one that jumps about reads single
+/// pages.
 void PagedFile::load(std::uint64_t number) {
   const std::size_t place = placeOf(number);
   const std::size_t before = cachedBefore(number);
-  const std::size_t behind = cachedBehind(number);
-  if (before >= behind) {
+  const std::size_t after = cachedAfter(number);
+  if (before >= after) {
     loadRun(number, std::min(std::max<std::size_t>(before, 1), page_count - place));
   } else {
     // A page's place is no higher than its number, so that the run begins in the file.
-    const std::size_t count = std::min(behind, place + 1);
+    const std::size_t count = std::min(after, place + 1);
     loadRun(number + 1 - count, count);
   }
 }

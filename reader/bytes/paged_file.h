@@ -16,8 +16,8 @@ namespace mdf_reader {
 /// elsewhere costs nothing, and blocks that lie together, in either direction, share a system call.
 ///
 /// The file is not mapped: when another program cuts a mapped file, touching what is gone raises
-/// SIGBUS, and no check beforehand can rule that out. A read comes back with less instead. Nor do
-/// large files fit into the address space of a 32-bit machine.
+/// SIGBUS, and no check beforehand can rule that out. A read returns less instead. Nor do large
+/// files fit into the address space of a 32-bit machine.
 class PagedFile {
  public:
   explicit PagedFile(Descriptor file);
@@ -32,8 +32,8 @@ class PagedFile {
   /// Copies up to `count` bytes and returns how many there were. Large pieces pass by the cache.
   std::size_t read(std::uint64_t offset, char* bytes, std::size_t count);
 
-  /// Bytes that have been read from the file so far, again and again where it was. Other threads
-  /// may ask for it.
+  /// Bytes that have been read from the file so far, counted each time. Other threads may call
+  /// this.
   std::uint64_t bytesRead() const { return bytes_read_.load(std::memory_order_relaxed); }
 
  private:
@@ -44,7 +44,7 @@ class PagedFile {
 
   bool isCached(std::uint64_t number) const;
   std::size_t cachedBefore(std::uint64_t number) const;
-  std::size_t cachedBehind(std::uint64_t number) const;
+  std::size_t cachedAfter(std::uint64_t number) const;
   void load(std::uint64_t number);
   void loadRun(std::uint64_t first, std::size_t count);
   std::size_t readFile(std::uint64_t offset, char* bytes, std::size_t count);

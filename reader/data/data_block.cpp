@@ -11,7 +11,7 @@ namespace mdf_reader {
 
 namespace {
 
-/// What a zipped block may hold at the most. Writers make them of some MiB.
+/// The most that a zipped block may hold. Writers make blocks of a few MiB.
 constexpr std::uint64_t most_unzipped = std::uint64_t{1} << 29U;
 constexpr std::uint64_t most_from_a_byte = 1032;
 
@@ -19,20 +19,19 @@ bool isOneOf(const RawBlock& block, std::string_view types) {
   return block.hasId() && types.find(block.letters()) != std::string_view::npos;
 }
 
-/// Whether a block's data is still to be counted: its writer has come to its end and no further.
+/// Whether a block's data is yet to be counted: its writer stopped within it.
 bool goesOn(InputFile& file, const RawBlock& block, std::uint64_t head) {
-  const std::uint64_t behind = block.offset + head;
-  if (block.length > head || file.sizeFrom(behind) == 0) {
+  const std::uint64_t data_at = block.offset + head;
+  if (block.length > head || file.sizeFrom(data_at) == 0) {
     return false;
   }
-  const auto next = readRawBlock(file, (behind + 7) / 8 * 8);
+  const auto next = readRawBlock(file, (data_at + 7) / 8 * 8);
   return !next || !next->hasId() || next->length < RawBlock::header_size;
 }
 
 void findPlainData(InputFile& file, const RawBlock& block, bool is_unfinished, DataBlock& found) {
   if (block.link_count > file.size() / RawBlock::link_size) {
-    found.problem = "expected a data block without links, found " +
-                    std::to_string(block.link_count) + " of them";
+    found.problem = "expected no links in a data block, found " + std::to_string(block.link_count);
     return;
   }
   const std::uint64_t head = RawBlock::header_size + block.link_count * RawBlock::link_size;
@@ -69,7 +68,7 @@ void findZippedData(InputFile& file, const RawBlock& block, DataBlock& found) {
     found.problem = "expected " + std::to_string(stated) + " zipped bytes, found " +
                     std::to_string(found.stored);
   } else if (type > transposed) {
-    found.problem = "expected a zip type that is known, found " + std::to_string(type);
+    found.problem = "expected a known zip type, found " + std::to_string(type);
   } else if (original > most) {
     found.problem = "expected at most " + std::to_string(most) + " bytes of zipped data, found " +
                     std::to_string(original);
@@ -83,7 +82,7 @@ std::string inflatingProblem(const Inflated& inflated, std::uint64_t stated) {
     case Inflating::fine:
       return "";
     case Inflating::broken:
-      return "expected zipped data, found what is none";
+      return "expected a zlib stream, found a damaged one or other bytes";
     case Inflating::too_long:
       return "expected " + std::to_string(stated) + " bytes of zipped data, found more";
     case Inflating::too_short:

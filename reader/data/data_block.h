@@ -11,7 +11,7 @@ namespace mdf_reader {
 
 class InputFile;
 
-/// Where a data block has its data. Of one that makes no sense nothing is taken.
+/// Where a data block has its data. A block that makes no sense gives none.
 struct DataBlock {
   std::uint64_t at = 0;        ///< offset in the file
   std::uint64_t stored = 0;    ///< bytes there
@@ -27,16 +27,17 @@ bool isDataBlock(const RawBlock& block);
 /// Whether a block's type is a list of data blocks.
 bool isDataList(const RawBlock& block);
 
-/// The type of a block's data: of a zipped block the one that it stands for; "" for no data block.
+/// The type of a block's data: for a zipped block, the type that it stands for; "" for no data
+/// block.
 std::string originalType(InputFile& file, const RawBlock& block);
 
 /// Finds a block's data.
-/// @param is_unfinished the block may be the last one of a file that was not finished: it says that
-///   it is empty then, and has data up to the file's end. An empty block with another block behind
-///   it, or nothing, is what it says.
+/// @param is_unfinished the block may be the last one of an unfinished file. If its length says
+///   that it is empty, its data goes on to the end of the file. An empty block that is followed by
+///   another block, or by nothing, is really empty.
 DataBlock findData(InputFile& file, const RawBlock& block, bool is_unfinished);
 
-/// What came of unzipping.
+/// The outcome of unzipping.
 struct Unzipped {
   std::string bytes;    ///< as far as there are
   std::string problem;  ///< a sentence, "" for none

@@ -23,7 +23,7 @@ DataLinks::DataLinks(InputFile& file, std::uint64_t link, const FindingSink& rep
   }
 }
 
-/// Takes in the block at the end of the link to the data: data, a list, or the header of lists.
+/// Takes the block that the link to the data leads to: data, a list, or a header of lists.
 void DataLinks::enter(std::uint64_t link) {
   auto block = readRawBlock(file_, link);
   if (block && isHeaderList(*block)) {
@@ -48,7 +48,7 @@ void DataLinks::enter(std::uint64_t link) {
 void DataLinks::enterList(const RawBlock& block) {
   if (lists_.contains(block.offset)) {
     list_.reset();
-    report_({block.offset, "expected a chain of lists with an end, found this one again"});
+    report_({block.offset, "expected the chain of lists to end, found this one again"});
     return;
   }
   lists_.insert(block.offset);
@@ -57,7 +57,7 @@ void DataLinks::enterList(const RawBlock& block) {
   end_link_ = linksThere(file_, block);
   has_invalidation_ = false;
   if (block.letters() == "LD") {
-    // Links to data come first, and there may be as many to invalidation data behind them.
+    // Links to data come first; as many to invalidation data may follow them.
     const BlockFields fields(file_, block);
     end_link_ = std::min(end_link_, 1 + fields.number("ld_count"));
     has_invalidation_ = fields.hasFlag("ld_flags", invalidation_present);
@@ -86,7 +86,7 @@ DataPart DataLinks::partAt(std::uint64_t index) {
   return part;
 }
 
-/// Lists that were made in advance have links in them that lead nowhere.
+/// Lists that were made in advance have links that lead nowhere.
 std::optional<DataPart> DataLinks::next() {
   if (single_) {
     const DataPart part = *single_;

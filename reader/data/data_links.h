@@ -12,12 +12,12 @@ namespace mdf_reader {
 
 class InputFile;
 
-/// A block with data, and what a list says with it.
+/// A block with data, and what its list says of it.
 struct DataPart {
   std::uint64_t data = 0;           ///< offset of the block
   std::uint64_t invalidation = 0;   ///< of the one with its invalidation bytes, 0 for none
   std::uint64_t list = 0;           ///< of the list; of the block itself where there is no list
-  bool lacks_invalidation = false;  ///< the list has no such link although it says that it does
+  bool lacks_invalidation = false;  ///< the list says that it has such links but lacks this one
 };
 
 /// The blocks that a link to data leads to: one, or those of a chain of lists, one by one.
@@ -29,11 +29,10 @@ class DataLinks {
   /// Whether blocks are still to come from lists, which may be many.
   bool isInLists() const { return list_.has_value(); }
 
-  /// The next block; nothing at the end of all, or where the chain cannot be followed, which is
-  /// reported.
+  /// The next block; nothing at the end, or where the chain cannot be followed, which is reported.
   std::optional<DataPart> next();
 
-  /// Lets nothing come any more.
+  /// Ends the sequence.
   void stop();
 
  private:
@@ -46,7 +45,7 @@ class DataLinks {
   const FindingSink& report_;
   std::optional<DataPart> single_;
   std::optional<RawBlock> list_;
-  std::uint64_t end_link_ = 0;  ///< behind the links to data
+  std::uint64_t end_link_ = 0;  ///< after the links to data
   std::uint64_t next_link_ = 0;
   bool has_invalidation_ = false;
   OffsetSet lists_;

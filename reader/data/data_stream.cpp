@@ -27,7 +27,7 @@ DataStream::DataStream(InputFile& file, std::uint64_t link, bool is_unfinished, 
   }
 }
 
-/// Looks for one more block; false at the end of all.
+/// Looks for one more block; false at the end.
 bool DataStream::extend() {
   const auto part = links_.next();
   if (!part) {
@@ -47,11 +47,12 @@ void DataStream::append(const RawBlock& block) {
   if (!data.problem.empty()) {
     report_({block.offset, data.problem});
   }
-  // Blocks side by side take no more than the file. Others must not make a small file long.
+  // Blocks that do not overlap take no more than the file. Others must not turn a small file into
+  // long data.
   stored_ += RawBlock::header_size + data.stored;
   if (stored_ > file_.size()) {
     endAt(size_, block.offset,
-          "expected the data's blocks to lie side by side, found them to be larger than the file");
+          "expected data blocks that do not overlap, found more bytes in them than in the file");
   } else if (data.original > 0) {
     pieces_.push_back({size_, block.offset});
     size_ += data.original;
@@ -94,10 +95,10 @@ std::size_t DataStream::pieceWith(std::uint64_t offset) const {
       return piece;
     }
   }
-  const auto behind =
+  const auto after =
       std::upper_bound(pieces_.begin(), pieces_.end(), offset,
                        [](std::uint64_t at, const Piece& piece) { return at < piece.begin; });
-  return static_cast<std::size_t>(behind - pieces_.begin()) - 1;
+  return static_cast<std::size_t>(after - pieces_.begin()) - 1;
 }
 
 std::string_view DataStream::outsideTheWindow(std::uint64_t offset, std::size_t count) {
@@ -154,15 +155,15 @@ bool DataStream::showPlain(const DataBlock& block, std::uint64_t begin, std::uin
   return !window_.empty();
 }
 
-/// Scattered values may make each block be unzipped for each of them.
+/// Scattered values may cause a block to be unzipped for each of them.
 bool DataStream::mayUnzip(const DataBlock& block, const Piece& piece) {
   constexpr std::uint64_t always = std::uint64_t{1} << 28U;
   constexpr std::uint64_t times = 16;
   unzipped_bytes_ += block.original;
   if (access_ == Access::scattered && unzipped_bytes_ > always && unzipped_bytes_ / times > size_) {
     endAt(0, piece.block,
-          "expected values in the order of their records, found them scattered "
-          "over zipped blocks too much to go on");
+          "expected values in the order of their records, found them too scattered "
+          "over zipped blocks to go on");
     return false;
   }
   return true;

@@ -15,14 +15,14 @@
 namespace mdf_reader {
 
 /// The bytes that a link to data leads to, as if they stood in one piece: in one block, or in those
-/// of data lists, zipped or not. Blocks are looked for as far as they are asked for.
+/// of data lists, zipped or not. Blocks are looked up only as far as they are needed.
 ///
 /// It holds a window of the data or the last unzipped block in memory, and 16 bytes for each
 /// block. What is wrong is reported, and the stream ends where it cannot go on.
 class DataStream {
  public:
   enum class Access {
-    forward,    ///< from the front to the end, as often as wanted
+    forward,    ///< from the first to the last, any number of times
     scattered,  ///< anywhere; there is a limit to unzipping the same blocks again and again
   };
 
@@ -31,7 +31,7 @@ class DataStream {
   DataStream(InputFile& file, std::uint64_t link, bool is_unfinished, Access access,
              const FindingSink& report);
 
-  /// Bytes from an offset on, as many as wanted or as there are. They last until the next call.
+  /// Bytes from an offset on: as many as wanted, or as there are. They last until the next call.
   std::string_view at(std::uint64_t offset, std::size_t count) {
     if (offset >= window_begin_ && offset - window_begin_ <= window_.size()) {
       const auto skipped = static_cast<std::size_t>(offset - window_begin_);
@@ -48,7 +48,7 @@ class DataStream {
   /// How many bytes there are. It looks for all blocks.
   std::uint64_t size();
 
-  /// Bytes of the file that the blocks take which were looked for.
+  /// Bytes of the file that the blocks found so far take.
   std::uint64_t storedBytes() const { return stored_; }
 
  private:

@@ -38,8 +38,8 @@ bool InvalidationData::enterNextPart() {
   end_ = data_bytes_ / group_.data_bytes + (data_bytes_ % group_.data_bytes == 0 ? 0 : 1);
   if (part->lacks_invalidation) {
     tell(part->list,
-         "expected as many links to invalidation data as to data in the list, found fewer; what "
-         "has none is taken as valid");
+         "expected as many links to invalidation data as to data in the list, found fewer; records "
+         "without one are taken as valid");
   }
   if (part->invalidation != 0) {
     open(*part);
@@ -57,12 +57,13 @@ void InvalidationData::open(const DataPart& part) {
   bytes_ = std::make_unique<DataStream>(file_, part.invalidation, is_unfinished_,
                                         DataStream::Access::forward, report_);
   compareLength(part);
-  // Blocks side by side take no more than the file. Others must not make a small file long.
+  // Blocks that do not overlap take no more than the file. Others must not turn a small file into
+  // long data.
   stored_ += bytes_->storedBytes();
   if (stored_ > file_.size()) {
     tell(part.list,
-         "expected the invalidation data's blocks to lie side by side, found them to be larger "
-         "than the file; further records are taken as valid");
+         "expected invalidation data blocks that do not overlap, found more bytes in them than in "
+         "the file; further records are taken as valid");
     bytes_.reset();
     links_.stop();
     end_ = UINT64_MAX;
@@ -81,7 +82,7 @@ void InvalidationData::compareLength(const DataPart& part) {
   }
 }
 
-/// Reports the first problem: it may be there for each part.
+/// Reports the first problem only: every part may have it.
 void InvalidationData::tell(std::uint64_t offset, const std::string& sentence) {
   if (!has_told_) {
     report_({offset, sentence});

@@ -13,8 +13,8 @@
 
 namespace mdf_reader {
 
-/// The invalidation bytes of records that do not have them inside. Since version 4.2 they stand in
-/// blocks of their own, each for the records in one block with data. A block is held at a time.
+/// The invalidation bytes of records that lack them. Since version 4.2 they may stand in blocks of
+/// their own, each for the records in one block with data. One block is held in memory at a time.
 class InvalidationData {
  public:
   /// @param link where the data of the group's records is, whose lists name the blocks.
@@ -22,7 +22,7 @@ class InvalidationData {
                    bool is_unfinished, const FindingSink& report);
 
   /// The bytes of a record, whose number must not be less than the one before; none where the file
-  /// has none, which is a record with all values valid.
+  /// has none: all values of that record are valid.
   std::string_view at(std::uint64_t record);
 
  private:
@@ -35,7 +35,7 @@ class InvalidationData {
   const ChannelGroup& group_;
   bool is_unfinished_;
   const FindingSink& report_;
-  FindingSink silent_;  ///< what is wrong with the data itself is reported where that is read
+  FindingSink silent_;  ///< problems of the data itself are reported where that is read
   DataLinks links_;
   std::uint64_t data_bytes_ = 0;  ///< up to the end of the part
   std::uint64_t begin_ = 0;       ///< records of the part

@@ -22,7 +22,7 @@ std::uint64_t loadId(std::string_view bytes) {
   return id;
 }
 
-/// Whether the data, or as much as shows it, is made of records with ids of so many bytes.
+/// Whether the data, or enough of it, consists of records with ids of so many bytes.
 bool fits(const DataGroup& data_group, DataStream& data, unsigned id_bytes, bool has_counts) {
   constexpr std::size_t enough = 10000;
   const RecordFormat format(data_group, id_bytes);

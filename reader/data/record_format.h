@@ -27,7 +27,8 @@ class RecordFormat {
 
   unsigned idBytes() const { return id_bytes_; }
 
-  /// The record that begins at a position of the data. Its bytes last as the stream says.
+  /// The record that begins at a position of the data. Its bytes are valid until the stream is read
+  /// again.
   Record at(DataStream& data, std::uint64_t position) const;
 
  private:
@@ -38,8 +39,8 @@ class RecordFormat {
   std::unordered_map<std::uint64_t, const ChannelGroup*> groups_;
 };
 
-/// Bytes of the record ids: of those that a data group's code may stand for the ones that the data
-/// bears out, and the first where it does not decide.
+/// Bytes of the record ids: of the sizes that a data group's code may stand for, the one that fits
+/// the data; the first where the data does not decide.
 /// @param has_counts the cycle counts of the groups are final.
 unsigned recordIdBytes(const DataGroup& data_group, DataStream& data, bool has_counts,
                        const FindingSink& report);

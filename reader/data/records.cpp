@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint64_t most_collected = std::uint64_t{1} << 24U;
 constexpr std::uint64_t mark_distance = std::uint64_t{1} << 14U;
 
-/// Values in signal data: each behind its length in four bytes.
+/// Values in signal data: each after its length in four bytes.
 class SignalData : public SignalValues {
  public:
   SignalData(InputFile& file, std::uint64_t link, bool is_unfinished, const FindingSink& report)
@@ -40,7 +40,7 @@ class SignalData : public SignalValues {
   DataStream data_;
 };
 
-/// The type of the first block with data behind a link; "" for none.
+/// The type of the first block with data that a link leads to; "" for none.
 std::string firstTypeAt(InputFile& file, std::uint64_t link) {
   const FindingSink silent = [](const Finding& /*finding*/) {};
   const auto first = DataLinks(file, link, silent).next();
@@ -60,8 +60,8 @@ std::unique_ptr<SignalValues> signalDataAt(InputFile& file, std::uint64_t link, 
   return std::make_unique<SignalData>(file, link, is_unfinished, report);
 }
 
-/// Values that are records among others. A value's offset counts the values of its group alone,
-/// each with the four bytes of its length.
+/// Values that are records among others. A value's offset counts only the values of its group, each
+/// with its length in four bytes.
 class Records::ValueRecords : public SignalValues {
  public:
   ValueRecords(Records& records, const ChannelGroup& group)
@@ -83,7 +83,7 @@ class Records::ValueRecords : public SignalValues {
       }
       if (record.group == &group_) {
         if (cursor_.offset == offset) {
-          return record.bytes;  // the cursor stays, for a value may be wanted again
+          return record.bytes;  // the cursor stays, since a value may be wanted again
         }
         cursor_.offset += 4 + record.bytes.size();
       }
@@ -97,10 +97,10 @@ class Records::ValueRecords : public SignalValues {
  private:
   /// Goes to the last mark before a value, unless the cursor is between the two.
   void startFor(std::uint64_t offset) {
-    const auto behind = std::upper_bound(
+    const auto after = std::upper_bound(
         extent_.marks.begin(), extent_.marks.end(), offset,
         [](std::uint64_t wanted, const Mark& mark) { return wanted < mark.offset; });
-    const Mark& mark = *(behind - 1);  // the first mark is at offset 0
+    const Mark& mark = *(after - 1);  // the first mark is at offset 0
     if (cursor_.offset > offset || cursor_.position < mark.position) {
       cursor_ = mark;
     }
@@ -126,7 +126,7 @@ Records::Records(InputFile& file, const Identification& identification, const Da
 
 bool Records::isUnsorted() const { return data_group_.groups.size() > 1 && format_.idBytes() > 0; }
 
-/// A count of 0 is what a writer begins with, whatever it says afterwards.
+/// A writer begins with a count of 0, whatever it stores later.
 bool Records::hasFinalCount(const ChannelGroup& group) const {
   return areCountsFinal(identification_) && (group.cycles > 0 || !identification_.isUnfinished());
 }
@@ -145,7 +145,7 @@ void Records::forEach(const ChannelGroup& group, const RecordVisitor& visit) {
   }
 }
 
-/// Whether no other group has records, as it is where there are no record ids.
+/// Whether no other group has records, as without record ids.
 bool Records::ownsAllRecords(const ChannelGroup& group) const {
   const auto is_another = [&](const ChannelGroup& each) { return &each != &group; };
   const auto has_records = [&](const ChannelGroup& each) {
@@ -156,8 +156,8 @@ bool Records::ownsAllRecords(const ChannelGroup& group) const {
                           : std::none_of(groups.begin(), groups.end(), is_another);
 }
 
-/// How many records there may be, whatever the data holds. Of those without a byte the count alone
-/// says how many there are.
+/// How many records there may be, whatever the data holds. Where records have no bytes, only the
+/// count says how many there are.
 std::uint64_t Records::mostRecords(const ChannelGroup& group, std::uint64_t size) {
   constexpr std::uint64_t believable = std::uint64_t{1} << 20U;
   const bool is_counted = hasFinalCount(group) && group.cycles > 0;
@@ -219,7 +219,7 @@ void Records::visitUnsorted(const ChannelGroup& group, const RecordVisitor& visi
   });
 }
 
-/// Goes through unsorted data from the beginning, as long as the visitor says so.
+/// Goes through unsorted data from the beginning, until the visitor ends it.
 void Records::walk(const std::function<bool(const Record& record)>& visit) {
   std::uint64_t position = 0;
   for (Record record = format_.at(data_, position); record.group != nullptr && visit(record);
@@ -232,8 +232,8 @@ std::uint64_t Records::bytesOf(const ChannelGroup& group) {
   return extents_[&group].count * group.recordBytes();
 }
 
-/// Small groups are taken out of the data together with those that follow: there may be very many
-/// of them, and the data is not to be gone through for each.
+/// Collects the records of several small groups at once: there may be very many of them, too many
+/// to go through the data for each.
 void Records::visitCollected(const ChannelGroup& group, std::uint64_t count,
                              const RecordVisitor& visit) {
   if (collected_.find(&group) == collected_.end()) {
@@ -307,7 +307,7 @@ void Records::note(const Record& record, std::uint64_t position) {
   }
 }
 
-/// Reports a count that the data does not bear out.
+/// Reports a count that does not match the data.
 void Records::compareCount(const ChannelGroup& group, std::uint64_t found, bool is_end) {
   if (is_end && hasFinalCount(group) && found != group.cycles) {
     report_({group.offset, "expected as many records as the cycle count " +

@@ -19,7 +19,7 @@ namespace mdf_reader {
 /// Takes the bytes of a record; says whether to go on.
 using RecordVisitor = std::function<bool(std::string_view record)>;
 
-/// The values of one channel that stand outside of its records.
+/// The values of one channel that stand outside its records.
 class SignalValues {
  public:
   SignalValues() = default;
@@ -31,7 +31,7 @@ class SignalValues {
   /// call.
   virtual std::optional<std::string_view> at(std::uint64_t offset) = 0;
 
-  /// Bytes of all values, about.
+  /// Roughly the bytes of all values.
   virtual std::uint64_t size() = 0;
 };
 
@@ -39,9 +39,9 @@ class SignalValues {
 std::unique_ptr<SignalValues> signalDataAt(InputFile& file, std::uint64_t link, bool is_unfinished,
                                            const FindingSink& report);
 
-/// The records of one data group. Of sorted data they are read as they come. Unsorted data is
-/// looked through once, and again for each channel group that is asked for, or for some of them
-/// together. Up to 16 MiB of records are held in memory then.
+/// The records of one data group. Sorted data is read as it comes. Unsorted data is read through
+/// once, and again for each channel group that is wanted, or for several of them together, with up
+/// to 16 MiB of records in memory.
 class Records {
  public:
   Records(InputFile& file, const Identification& identification, const DataGroup& data_group,
@@ -51,14 +51,14 @@ class Records {
   /// or, where that is not final, as the data holds.
   void forEach(const ChannelGroup& group, const RecordVisitor& visit);
 
-  /// Whether all records are of this group, side by side, so that one can be had by its number.
+  /// Whether all records are of this group, so that each can be found by its number.
   bool areSorted(const ChannelGroup& group) const { return !isUnsorted() && ownsAllRecords(group); }
 
-  /// Those of such a group, without invalidation bytes that stand apart. They use what this object
-  /// reads of the data: it must outlast them, and there is one group to be gone through at a time.
+  /// The records of such a group, without invalidation bytes that stand apart. They use this
+  /// object's view of the data: it must outlast them, and one group can be read at a time.
   SortedRecords sortedRecords(const ChannelGroup& group);
 
-  /// Bytes of the file that the data takes, as far as it was looked at.
+  /// Bytes of the file that the data takes, as far as it was read.
   std::uint64_t storedBytes() const { return data_.storedBytes(); }
 
   /// The records of a channel group as values of a variable-length channel.
@@ -70,7 +70,7 @@ class Records {
     std::uint64_t offset;    ///< of the value among all of its group
     std::uint64_t position;  ///< in the data
   };
-  /// What looking through unsorted data has shown of a group.
+  /// What reading through unsorted data has shown of a group.
   struct Extent {
     std::uint64_t count = 0;
     std::uint64_t length = 0;  ///< of all values

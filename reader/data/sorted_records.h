@@ -13,23 +13,24 @@
 
 namespace mdf_reader {
 
-/// The records of a channel group side by side, with nothing but their record ids between them.
+/// The records of a channel group that follow one another, with nothing but record ids between
+/// them.
 class SortedRecords {
  public:
-  /// @param most records that there are at the most, whatever the data holds.
+  /// @param most the most records that there are, whatever the data holds.
   /// @param size bytes of each in the data, which may be 0.
   SortedRecords(DataStream& data, std::uint64_t most, std::uint64_t size, unsigned id_bytes)
       : data_(data), most_(most), size_(size), id_bytes_(id_bytes) {}
 
-  /// Puts the invalidation bytes behind each record that have a place of their own.
+  /// Appends to each record its invalidation bytes, where they stand apart.
   void join(std::unique_ptr<InvalidationData> invalidation) {
     invalidation_ = std::move(invalidation);
   }
 
   std::uint64_t most() const { return most_; }
 
-  /// The record of a number, counted from 0 on, without its id; nothing behind the last one.
-  /// Numbers go up. The bytes last until the next call.
+  /// The record of a number, counted from 0, without its id; nothing after the last one. Numbers go
+  /// up. The bytes last until the next call.
   std::optional<std::string_view> at(std::uint64_t number);
 
  private:

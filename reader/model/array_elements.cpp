@@ -18,7 +18,7 @@ std::uint64_t numberAt(InputFile& file, std::uint64_t offset) {
   return loadLe<std::uint64_t>(bytes.data());
 }
 
-/// The sizes of an array by what stands behind its fields.
+/// The sizes of an array, from what follows its fields.
 struct Sizes {
   std::uint64_t dimensions = 0;
   std::uint64_t elements = 1;     ///< limited to one more than there may be
@@ -61,15 +61,15 @@ ArrayElements readArrayElements(InputFile& file, const BlockFields& array, std::
   if (sizes.elements == 0 || sizes.elements > most || sizes.dimensions > most_array_dimensions) {
     result.problem = "expected an array of 1 to " + std::to_string(most) + " elements in up to " +
                      std::to_string(most_array_dimensions) +
-                     " dimensions, found another number of them";
+                     " dimensions, found another number of elements or dimensions";
   } else if (array.tailBytes() / 8 < in_front + sizes.elements) {
     result.problem = "expected a cycle count " + wanted + "fewer";
   } else if (has_data && links < 1 + sizes.elements) {
     result.problem = "expected a link to data " + wanted + "fewer";
   } else if (sizes.dimensions > 1 && array.hasFlag("ca_flags", by_columns)) {
     result.problem =
-        "expected elements with records of their own to be counted by rows, found an array that "
-        "lies by columns";
+        "expected elements with records of their own to be counted by rows, found an array that is "
+        "counted by columns";
   } else {
     for (std::uint64_t i = 0; i < sizes.elements; ++i) {
       result.elements.push_back({numberAt(file, array.tailAt() + 8 * (in_front + i)),

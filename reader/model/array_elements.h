@@ -11,7 +11,7 @@ namespace mdf_reader {
 
 class InputFile;
 
-/// More elements than this are none that anybody wants a column of.
+/// Nobody wants a column for each of more elements than this.
 inline constexpr std::uint64_t most_array_elements = 65536;
 inline constexpr std::size_t most_array_dimensions = 16;
 
@@ -40,14 +40,14 @@ struct ArrayElements {
 /// Reads what an array block says of them, if there are not more than the most that are wanted.
 ArrayElements readArrayElements(InputFile& file, const BlockFields& array, std::uint64_t most);
 
-/// How many elements may have records of their own. Blocks may lie one over the other, so that
-/// what each of them has room for is no limit.
+/// How many elements may have records of their own. Blocks may overlap, so the room in each of them
+/// is no limit.
 class ElementAllowance {
  public:
   explicit ElementAllowance(std::uint64_t file_size)
       : left_(most_array_elements + file_size / sizeof(std::uint64_t)) {}
 
-  /// Of an array, whose elements take so much of it each.
+  /// For an array each of whose elements takes so much of it.
   std::uint64_t most(std::uint64_t each) const {
     return left_ / each < most_array_elements ? left_ / each : most_array_elements;
   }

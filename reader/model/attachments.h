@@ -31,7 +31,7 @@ struct Attachment {
   std::uint64_t data_there = 0;     ///< how many of them the block and the file have
 };
 
-/// Reads the chain of attachments from the first one on; what is wrong with it is reported.
+/// Reads the chain of attachments from the first one on and reports what is wrong with it.
 std::vector<Attachment> readAttachments(InputFile& file, std::uint64_t first, Texts& texts,
                                         const FindingSink& report);
 
@@ -44,8 +44,7 @@ enum class AttachmentData {
 };
 
 /// Hands the data of an embedded attachment, uncompressed, to `take` piece by piece. Data that is
-/// not compressed needs no memory; of compressed data nothing is handed on unless all of it is
-/// good.
+/// not compressed needs no memory; compressed data is handed on only when all of it is good.
 AttachmentData readAttachmentData(InputFile& file, const Attachment& attachment,
                                   const std::function<void(std::string_view)>& take);
 

@@ -36,7 +36,7 @@ class DescriptionReader {
     std::size_t depth;
   };
 
-  /// The block of this type at the end of a link, if it is one and new.
+  /// The block of this type that a link leads to, if there is one and it is new.
   std::optional<BlockFields> follow(std::uint64_t from, std::uint64_t offset,
                                     std::string_view letters);
   DataGroup dataGroup(const BlockFields& block);
@@ -64,7 +64,7 @@ std::optional<BlockFields> DescriptionReader::follow(std::uint64_t from, std::ui
   const std::string expected = "expected a link to a new block \"##" + std::string(letters) +
                                "\" at " + decimalAndHex(offset);
   if (seen_.contains(offset)) {
-    report_({from, expected + ", found one that was there before"});
+    report_({from, expected + ", found one that was visited before"});
     return std::nullopt;
   }
   auto block = readFields(file_, offset, letters);
@@ -155,8 +155,8 @@ ChannelGroup DescriptionReader::channelGroup(const BlockFields& block) {
   return group;
 }
 
-/// Members of a structure come before the channel that follows it. There may be more levels of them
-/// than calls can be nested.
+/// Members of a structure come before the channel that follows it. They may be nested deeper than
+/// calls can be.
 void DescriptionReader::readChannels(std::uint64_t first, ChannelGroup& group) {
   std::vector<Step> steps = {{group.offset, first, 0}};
   while (!steps.empty()) {
@@ -223,7 +223,7 @@ ArrayShape DescriptionReader::arrayShape(const BlockFields& array) {
   shape.invalidation_step = array.number("ca_inval_bit_pos_base");
   shape.in_records = array.number("ca_storage") == in_records;
   shape.is_column_oriented = array.hasFlag("ca_flags", inverse_layout);
-  // One more than anybody takes tells enough: blocks may lie one over the other.
+  // One more than anybody takes is enough to tell: blocks may overlap.
   const std::uint64_t count = std::min<std::uint64_t>(
       {array.number("ca_ndim"), array.tailBytes() / 8, most_array_dimensions + 1});
   for (std::uint64_t i = 0; i < count; ++i) {
@@ -301,7 +301,7 @@ void forEachInChain(InputFile& file, std::uint64_t first, std::string_view lette
     if (!block || seen.contains(offset)) {
       report({from, "expected a link to a new block \"##" + std::string(letters) + "\" at " +
                         decimalAndHex(offset) + ", found " +
-                        (block ? "one that was there before" : "none")});
+                        (block ? "one that was visited before" : "none")});
       return;
     }
     seen.insert(offset);

@@ -100,8 +100,8 @@ struct Channel {
   ArrayShape array;           ///< without dimensions for a channel that is none
 
   bool isMaster() const { return type == master || type == virtual_master; }
-  /// Whether this is a master channel and a better one to draw over than another, which may be
-  /// null: the kind of its synchronisation type comes first, time before angle, distance and index.
+  /// Whether this is a master channel and a better axis than another, which may be null: time is
+  /// better than angle, and then come distance and index.
   bool isBetterMasterThan(const Channel* other) const {
     return isMaster() && (other == nullptr || sync_type < other->sync_type);
   }
@@ -125,7 +125,7 @@ struct ChannelGroup {
   std::uint64_t cycles = 0;
   unsigned flags = 0;
   std::uint32_t data_bytes = 0;  ///< of a record; for variable-length data see lengthOfAll()
-  std::uint32_t invalidation_bytes = 0;  ///< of a record, behind the data bytes
+  std::uint32_t invalidation_bytes = 0;  ///< of a record, after the data bytes
   std::uint64_t first_reduction = 0;
   std::uint64_t master_group = 0;  ///< offset of the group with the remote master
   /// The element that its records are of, where an array has its elements in records of their own.
@@ -144,7 +144,7 @@ struct ChannelGroup {
     return (std::uint64_t{invalidation_bytes} << 32U) | data_bytes;
   }
 
-  /// The channel that the others are drawn over. Null when there is none.
+  /// The channel that is the axis of the others. Null when there is none.
   const Channel* masterChannel() const;
 };
 
@@ -157,29 +157,29 @@ struct DataGroup {
   std::vector<ChannelGroup> groups;
 };
 
-/// What a file is a measurement of: everything that its description says, and none of its data.
+/// The description of a measurement: all that a file has, except its data.
 struct Measurement {
   Identification identification;
   Header header;
   std::vector<DataGroup> data_groups;
-  std::unique_ptr<Texts> texts;  ///< what the views of texts look into
+  std::unique_ptr<Texts> texts;  ///< owns what the views of texts point to
 };
 
-/// Reads the description. What is wrong in it is reported; the rest of that chain is then left out.
-/// Memory and time are in proportion to the number of blocks, whatever they say: no block is taken
-/// in twice.
+/// Reads the description. Reports what is wrong in it, and leaves out the rest of that chain.
+/// Memory and time are proportional to the number of blocks, whatever they say: no block is read in
+/// twice.
 Measurement readMeasurement(InputFile& file, const FindingSink& report);
 
-/// Takes the channels of a file one by one, members behind their structure. Of the group it says
-/// all but the channels.
+/// Takes the channels of a file one by one, members after their structure. The group comes without
+/// its channels.
 using ChannelVisitor = std::function<void(const ChannelGroup& group, const Channel& channel)>;
 
 /// The same without keeping the channels: files may have millions of them.
 Measurement readMeasurement(InputFile& file, const FindingSink& report,
                             const ChannelVisitor& visit);
 
-/// Visits the blocks of one type that a chain leads through, first to last, by their link 0. Where
-/// it leads elsewhere or back to where it has been, that is reported, and it ends.
+/// Visits the blocks of one type that a chain leads through, first to last, by their link 0. A link
+/// that leads elsewhere, or back to a block of the chain, is reported and ends the chain.
 void forEachInChain(InputFile& file, std::uint64_t first, std::string_view letters,
                     const FindingSink& report,
                     const std::function<void(const BlockFields& block)>& visit);

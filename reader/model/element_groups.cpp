@@ -38,8 +38,8 @@ ChannelGroup groupOf(const ChannelGroup& first, std::size_t number, const ArrayE
   return group;
 }
 
-/// The array that has its elements elsewhere; null for none, and where there are several, whose
-/// records nobody could tell apart.
+/// The array that has its elements elsewhere; null for none, and for several, whose records could
+/// not be told apart.
 const Channel* Splitter::templateOf(const ChannelGroup& group) {
   const Channel* found = nullptr;
   for (const Channel& channel : group.channels) {
@@ -48,8 +48,9 @@ const Channel* Splitter::templateOf(const ChannelGroup& group) {
     }
     if (found != nullptr) {
       report_({channel.offset,
-               "expected one array whose elements have records of their own in a channel group, "
-               "found another one; they are left out"});
+               "expected at most one array in a channel group whose elements have records of their "
+               "own, "
+               "found another; all of them are left out"});
       return nullptr;
     }
     found = &channel;
@@ -68,8 +69,8 @@ std::vector<ArrayElement> Splitter::elementsOf(const DataGroup& data_group,
   storage_ = arrayStorage(*array);
   ArrayElements read;
   if (storage_ == ArrayStorage::unknown) {
-    read.problem = "expected a way to store arrays that is known, found " +
-                   std::to_string(array->number("ca_storage"));
+    read.problem =
+        "expected a known array storage, found " + std::to_string(array->number("ca_storage"));
   } else if (storage_ == ArrayStorage::data_group && data_group.groups.size() > 1) {
     read.problem =
         "expected an array whose elements have data of their own in a data group with one channel "
@@ -87,7 +88,7 @@ std::vector<ArrayElement> Splitter::elementsOf(const DataGroup& data_group,
 
 void Splitter::split(DataGroup&& data_group, std::vector<DataGroup>& result) {
   std::vector<ChannelGroup> groups;
-  std::vector<DataGroup> behind;
+  std::vector<DataGroup> following;
   for (ChannelGroup& group : data_group.groups) {
     const auto elements = elementsOf(data_group, group);
     std::vector<Channel> channels;
@@ -99,13 +100,13 @@ void Splitter::split(DataGroup&& data_group, std::vector<DataGroup>& result) {
       if (storage_ == ArrayStorage::channel_group) {
         groups.push_back(std::move(its_group));
       } else {
-        behind.push_back({data_group.offset,
-                          data_group.index,
-                          data_group.record_id_code,
-                          elements[i].data,
-                          data_group.comment,
-                          {}});
-        behind.back().groups.push_back(std::move(its_group));
+        following.push_back({data_group.offset,
+                             data_group.index,
+                             data_group.record_id_code,
+                             elements[i].data,
+                             data_group.comment,
+                             {}});
+        following.back().groups.push_back(std::move(its_group));
       }
     }
     groups[at].channels = std::move(channels);
@@ -115,7 +116,7 @@ void Splitter::split(DataGroup&& data_group, std::vector<DataGroup>& result) {
   }
   data_group.groups = std::move(groups);
   result.push_back(std::move(data_group));
-  for (DataGroup& each : behind) {
+  for (DataGroup& each : following) {
     result.push_back(std::move(each));
   }
 }

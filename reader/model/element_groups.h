@@ -8,13 +8,13 @@ namespace mdf_reader {
 
 class InputFile;
 
-/// Gives the elements of arrays that have records of their own a channel group each. The first one
-/// keeps the group that is there; the others come behind it, or behind its data group where they
-/// have data of their own. Of these the channels are not copied: see LentChannels. What does not
-/// allow it is reported, and such a group stays as it is, without elements.
+/// Gives the elements of arrays that have records of their own a channel group each. The first
+/// element keeps the existing group; the others come after it, or after its data group where they
+/// have data of their own. Their channels are not copied: see LentChannels. What prevents this is
+/// reported, and such a group stays as it is, without elements.
 void splitElements(InputFile& file, Measurement& measurement, const FindingSink& report);
 
-/// Lets the channel group of another element have the channels of the first one for a while.
+/// Lends the channels of the first element to the channel group of another one.
 class LentChannels {
  public:
   LentChannels(ChannelGroup& owner, ChannelGroup& borrower) : owner_(owner), borrower_(borrower) {
@@ -25,7 +25,7 @@ class LentChannels {
   LentChannels& operator=(const LentChannels&) = delete;
 
  private:
-  /// Either has them and the other has none.
+  /// One of the two has them, and the other has none.
   void move() {
     if (&owner_ != &borrower_) {
       owner_.channels.swap(borrower_.channels);

@@ -11,13 +11,12 @@ namespace mdf_reader {
 
 class InputFile;
 
-/// The bytes of a text or metadata block up to the first zero byte, or to the block's or the file's
-/// end where there is none, but not more than `most`. Nothing when there is no such block at the
-/// offset.
+/// The bytes of a text or metadata block up to the first zero byte, or else to the end of the block
+/// or file, but at most `most`. Nothing when there is no such block at the offset.
 std::optional<std::string> readText(InputFile& file, std::uint64_t offset,
                                     std::uint64_t most = UINT64_MAX);
 
-/// What a person reads in a comment: the TX element of an XML comment, or else the text as it is.
+/// The readable part of a comment: the TX element of an XML comment, or else the text as it is.
 std::string plainText(const std::string& comment);
 
 /// The texts of a file, each read once, however many blocks share it.

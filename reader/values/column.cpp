@@ -38,7 +38,7 @@ Column::Column(std::string name, ColumnSource source, const FindingSink& report)
     return;
   }
   if (!type_.isKnown()) {
-    tell("expected a data type that is known, found " + std::to_string(channel.data_type));
+    tell("expected a known data type, found " + std::to_string(channel.data_type));
   } else if (!is_inside_) {
     tell("expected the value inside the record's " + std::to_string(source_.group->data_bytes) +
          " bytes, found byte " + std::to_string(begin) + " and " + std::to_string(type_.bit_count) +
@@ -46,7 +46,7 @@ Column::Column(std::string name, ColumnSource source, const FindingSink& report)
   }
 }
 
-/// Reports the first problem of the column: it may be there for each sample.
+/// Reports the first problem of the column only: every sample may have it.
 void Column::tell(const std::string& sentence) {
   if (!has_told_) {
     report_({source_.channel->offset, sentence});
@@ -130,7 +130,7 @@ Value Column::variable(const Sample& sample) {
   return rawValue({type_.data_type, 0, std::uint64_t{bytes->size()} * 8}, *bytes);
 }
 
-/// Many records may share a value. Where it is a long one, that must have an end.
+/// Many records may share a value. Reading a long one again must have a limit.
 bool Column::mayGive(std::size_t bytes) {
   constexpr std::size_t is_long = 4096;
   constexpr std::uint64_t always = std::uint64_t{1} << 24U;
@@ -141,7 +141,7 @@ bool Column::mayGive(std::size_t bytes) {
   given_ += bytes;
   if (given_ > always && given_ / times > source_.values->size()) {
     tell(
-        "expected values of variable length for each record, found the same long ones again and "
+        "expected a value of variable length for each record, found the same long ones again and "
         "again");
     return false;
   }

@@ -23,13 +23,13 @@ struct Sample {
   std::uint64_t number;
 };
 
-/// What a column takes out of each record: a channel, or one element of a channel that is an array.
+/// What a column takes from each record: a channel, or one element of an array channel.
 struct ColumnSource {
   const ChannelGroup* group = nullptr;
   const Channel* channel = nullptr;
   std::int64_t byte_shift = 0;               ///< of an array's element
   std::uint64_t invalidation_shift = 0;      ///< bits
-  const Channel* length_channel = nullptr;   ///< what says how long each value is, or null
+  const Channel* length_channel = nullptr;   ///< the channel with each value's length, or null
   std::unique_ptr<SignalValues> values;      ///< where values of variable length are, or null
   std::unique_ptr<MasterRecords> elsewhere;  ///< records in place of the samples' own, or null
   Conversion* conversion = nullptr;          ///< null to keep raw values

@@ -40,7 +40,7 @@ std::string indicesOf(const ArrayShape& array, std::uint64_t element) {
   return text;
 }
 
-/// Makes each name different from the ones before.
+/// Makes all names different.
 class Names {
  public:
   std::string unique(const std::string& name) {
@@ -76,8 +76,8 @@ struct Place {
   }
 };
 
-/// Channels of a group from one up to another, those of the least depth being members of one
-/// structure, or of none.
+/// A range of a group's channels. Those at the least depth are members of one structure, or of
+/// none.
 struct Members {
   std::size_t begin = 0;
   std::size_t end = 0;
@@ -109,9 +109,9 @@ class Planner {
   const ChannelGroup& group_;
   const FindingSink& report_;
   std::vector<ColumnPlan> columns_;
-  std::uint64_t elements_ = 0;  ///< of arrays, and members of each, that were gone through
+  std::uint64_t elements_ = 0;  ///< of arrays, and members of each, visited so far
   std::size_t arrays_around_ = 0;
-  std::size_t others_ = 0;  ///< columns outside of arrays
+  std::size_t others_ = 0;  ///< columns outside arrays
   bool is_full_ = false;
   Names names_;
 };
@@ -142,8 +142,8 @@ void Planner::addMembers(const Members& members, const Place& around) {
   }
 }
 
-/// Whether there may be one more column outside of arrays: what channels of a bit each would need,
-/// each stored eight times.
+/// Whether there may be one more column outside arrays. The limit is eight channels for each bit of
+/// the record, and 256 more.
 bool Planner::hasRoom() {
   if (others_ < 256 + 64 * group_.recordBytes()) {
     ++others_;
@@ -165,8 +165,7 @@ std::uint64_t Planner::countOf(const ArrayShape& array) const {
   return array.in_records ? count : 1;
 }
 
-/// Whether the elements of an array find room in a record, which limits their number, and in a
-/// table.
+/// Whether the elements of an array fit in a record, which limits their number, and in a table.
 bool Planner::fits(const Channel& channel, std::uint64_t members) const {
   std::size_t dimensions = 0;
   std::uint64_t all = std::max<std::uint64_t>(members, 1);
@@ -203,16 +202,16 @@ std::vector<Place> Planner::elementsOf(const ArrayShape& array,
   return elements;
 }
 
-/// What is not to be had of arrays whose elements have records of their own was told when these
-/// were looked for.
+/// Problems of arrays whose elements have records of their own were reported when these were looked
+/// for.
 void Planner::addArray(const Channel& channel, const Members& members, const Place& place) {
   if (!channel.array.in_records && !group_.element) {
     return;
   }
   if (!fits(channel, members.end - members.begin)) {
-    report_({channel.offset, "expected an array that fits into records of " +
+    report_({channel.offset, "expected the array to fit into records of " +
                                  std::to_string(group_.data_bytes) + " bytes and " +
-                                 std::to_string(most_elements) + " columns, found none"});
+                                 std::to_string(most_elements) + " columns, found it larger"});
     return;
   }
   std::vector<Place> elements = elementsOf(channel.array, {place});

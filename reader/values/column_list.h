@@ -23,8 +23,8 @@ struct ColumnPlan {
 /// The columns of a channel group. A member of a structure is called "structure.member", an element
 /// of an array "name[0][1]", and the second channel of a name "name (2)".
 ///
-/// Columns are limited by what a record can hold, which is reported when it is too little.
-/// @param taken a name that none of them may have.
+/// The number of columns is limited by what a record can hold; columns beyond that are reported.
+/// @param taken a name that no column may have.
 std::vector<ColumnPlan> columnsOf(const ChannelGroup& group, const FindingSink& report,
                                   const std::string& taken = "");
 

@@ -128,7 +128,7 @@ class ScaleConversion : public NumberConversion {
   std::size_t height() const override { return height_; }
 
  protected:
-  /// The default target stands behind the others.
+  /// The default target comes last.
   Value target(std::size_t index, const Value& raw) const {
     return index < targets_.size() ? targets_[index].of(raw) : raw;
   }
@@ -162,7 +162,7 @@ class RangeToText : public ScaleConversion {
   RangeTable ranges_;
 };
 
-/// A conversion of texts by a table with a default behind the others.
+/// A conversion of texts by a table whose default comes last.
 class TextTable : public Conversion {
  public:
   TextTable(const std::vector<const std::string*>& keys, std::vector<Value> results)
@@ -206,8 +206,7 @@ class ConversionMaker {
     readValues();
     auto conversion = ofType(static_cast<unsigned>(block_.number("cc_type")));
     if (conversion != nullptr && conversion->height() > most_nested) {
-      report("expected at most " + std::to_string(most_nested) +
-             " conversions in one another, found more");
+      report("expected at most " + std::to_string(most_nested) + " nested conversions, found more");
       return nullptr;
     }
     return conversion;
@@ -301,7 +300,7 @@ std::unique_ptr<Conversion> ConversionMaker::ofNumbers(unsigned type) {
                              values_, type == Conversion::value_to_value_interpolated)
                        : nullptr;
     default:
-      report("expected a conversion's type that is known, found " + std::to_string(type));
+      report("expected a known conversion type, found " + std::to_string(type));
       return nullptr;
   }
 }
@@ -393,14 +392,15 @@ Conversion* Conversions::at(std::uint64_t offset) {
   }
   if (depth_ >= most_nested) {
     report_({std::min(offset, file_.size()), "expected at most " + std::to_string(most_nested) +
-                                                 " conversions in one another, found more"});
+                                                 " nested conversions, found more"});
     return nullptr;
   }
   const auto [entry, is_new] = entries_.try_emplace(offset);
   Entry& kept = entry->second;
   if (!is_new) {
     if (kept.is_being_read) {
-      report_({offset, "expected conversions with an end, found this one to lead back to itself"});
+      report_(
+          {offset, "expected the conversions to end, found that this one leads back to itself"});
     }
     return kept.conversion.get();
   }
@@ -445,8 +445,8 @@ bool Conversions::mayKeep(std::uint64_t bytes, std::uint64_t offset) {
   }
   if (!has_told_) {
     report_({offset,
-             "expected conversions and their texts to lie side by side, found them to be "
-             "larger than the file"});
+             "expected conversions and texts that do not overlap, found more bytes in them than "
+             "in the file"});
     has_told_ = true;
   }
   return false;

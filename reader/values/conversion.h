@@ -39,10 +39,10 @@ class Conversion {
   Conversion(const Conversion&) = delete;
   Conversion& operator=(const Conversion&) = delete;
 
-  /// The physical value. A raw value that the conversion is not made for stays what it is.
+  /// The physical value. A raw value of a kind that the conversion does not take stays as it is.
   virtual Value physical(const Value& raw) = 0;
 
-  /// How many conversions are nested in one another, with this one.
+  /// How deep conversions are nested, including this one.
   virtual std::size_t height() const { return 1; }
 };
 
@@ -51,8 +51,8 @@ class Conversions {
  public:
   Conversions(InputFile& file, const FindingSink& report) : file_(file), report_(report) {}
 
-  /// The conversion at an offset. Null where there is none that changes a value: at offset 0, for
-  /// the identity, and for one that cannot be used, which is reported.
+  /// The conversion at an offset. Null where no value changes: at offset 0, for the identity, and
+  /// for a conversion that cannot be used, which is reported.
   Conversion* at(std::uint64_t offset);
 
  private:
@@ -65,7 +65,7 @@ class Conversions {
   /// Text at the end of a reference, which lasts as long as this object; null when there is none.
   const std::string* textAt(std::uint64_t offset);
 
-  /// Counts bytes that are kept in memory. Blocks side by side are never more than the file.
+  /// Counts bytes that are kept in memory. Blocks that do not overlap are never more than the file.
   bool mayKeep(std::uint64_t bytes, std::uint64_t offset);
 
   InputFile& file_;

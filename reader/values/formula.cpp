@@ -14,7 +14,7 @@ namespace mdf_reader {
 
 namespace {
 
-/// Longer ones take the parser more time than it is worth.
+/// Longer ones are not worth the parser's time.
 constexpr std::size_t longest = 4096;
 
 /// Whole numbers that a double holds exactly; functions of bits work on these.

@@ -20,7 +20,7 @@ class Formula {
   Formula(const Formula&) = delete;
   Formula& operator=(const Formula&) = delete;
 
-  /// The value at X = x; no number where there is none.
+  /// The value at X = x; not a number where there is none.
   double at(double x);
 
  private:

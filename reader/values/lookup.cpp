@@ -53,7 +53,7 @@ std::size_t RangeTable::find(double number, bool is_integer) const {
     return static_cast<std::size_t>(std::find_if(ranges_.begin(), ranges_.end(), has_it) -
                                     ranges_.begin());
   }
-  // The first range that does not end before the number, or the first that ends behind it.
+  // The first range that does not end before the number, or the first that ends after it.
   const auto first =
       std::lower_bound(ranges_.begin(), ranges_.end(), number,
                        [](const Range& range, double wanted) { return range.second < wanted; });

@@ -26,8 +26,8 @@ class RangeTable {
   explicit RangeTable(std::vector<std::pair<double, double>> ranges);
 
   /// The index of the first range with the number in it; the count of ranges when there is none.
-  /// The upper limit belongs to the range for integers and does not for reals, but where it is the
-  /// lower one too.
+  /// The upper limit belongs to the range for integers; for reals only where it equals the lower
+  /// one.
   std::size_t find(double number, bool is_integer) const;
 
  private:
@@ -38,16 +38,16 @@ class RangeTable {
 /// Values at points.
 class PointTable {
  public:
-  /// @param pairs the points with the values behind each.
+  /// @param pairs the points, each followed by its value.
   explicit PointTable(const std::vector<double>& pairs);
 
   bool isEmpty() const { return points_.empty(); }
 
-  /// The value on the line between the two points around x; outside of all points that of the
+  /// The value on the line between the two points around x; outside all points, the value of the
   /// nearest. There is at least one point.
   double between(double x) const;
 
-  /// The value of the point nearest to x, of the lower one in the middle of two.
+  /// The value of the point nearest to x; in the middle of two, that of the lower one.
   double nearest(double x) const;
 
  private:

@@ -154,8 +154,8 @@ Value canopenTime(std::string_view bytes) {
     return ByteString{std::string(bytes)};
   }
   const std::uint32_t milliseconds = loadLe<std::uint32_t>(bytes.data()) & 0xFFFFFFFU;
-  // Days since 0000-03-01, so that a leap day is the last of its year. Four years are 1461 days but
-  // for centuries; of these, 2100 alone is in reach.
+  // Days since 0000-03-01, so that a leap day is the last of its year. Four years are 1461 days,
+  // except at centuries; only 2100 is in reach.
   constexpr unsigned to_1984 = 724581;
   constexpr unsigned in_400_years = 146097;
   const unsigned days = to_1984 + loadLe<std::uint16_t>(bytes.data() + 4);

@@ -28,7 +28,7 @@ struct RawType {
 };
 
 /// The value in the bytes that RawType::bytes() speaks of. Integers of more than 64 bits and reals
-/// of an unusual width are given as their bytes.
+/// of unusual widths come as bytes.
 Value rawValue(const RawType& type, std::string_view bytes);
 
 }  // namespace mdf_reader

@@ -10,7 +10,7 @@ namespace mdf_reader {
 namespace {
 
 constexpr const char* used_up =
-    "expected remote masters that take little reading, found long records to be read again and "
+    "expected remote masters that are quick to read, found long records to be read again and "
     "again";
 
 }  // namespace
@@ -22,7 +22,7 @@ bool MasterAllowance::isUsedUp() const {
 }
 
 std::optional<std::string_view> MasterRecords::at(std::uint64_t number) {
-  constexpr std::uint64_t is_short = 64;  // as much as showing a sample costs anyway
+  constexpr std::uint64_t is_short = 64;  // as much as printing a sample costs anyway
   if (has_ended_) {
     return std::nullopt;
   }
@@ -77,7 +77,7 @@ const RemoteMaster* RemoteMasters::of(const ChannelGroup& group) {
   return nullptr;
 }
 
-/// The group at an offset with what it has for a master; null where there is no group.
+/// The group at an offset and its master; null where there is no group.
 RemoteMaster* RemoteMasters::masterAt(std::uint64_t group_offset) {
   if (masters_.empty()) {
     listGroups();
@@ -115,7 +115,7 @@ void RemoteMasters::listGroups() {
   }
 }
 
-/// Many groups may have the same master: what was found out of its data is kept for the next one.
+/// Many groups may have the same master: what its data has shown is kept for the next one.
 Records& RemoteMasters::recordsOf(const DataGroup& data_group) {
   if (data_group_ != &data_group) {
     constexpr std::uint64_t for_looking_again = 65536;

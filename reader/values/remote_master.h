@@ -26,11 +26,11 @@ struct RemoteMaster {
   const ChannelGroup* group = nullptr;
   ColumnPlan plan;  ///< without a channel where there is none
   bool is_looked_for = false;
-  std::optional<bool> are_sorted;  ///< its records, once that was looked for
+  std::optional<bool> are_sorted;  ///< its records, once that is known
 };
 
-/// What goes through masters takes of the file, all of them together: a small file must not make
-/// them read long records again and again.
+/// How many bytes all readers of masters take of the file together: a small file must not make them
+/// read long records again and again.
 class MasterAllowance {
  public:
   explicit MasterAllowance(std::uint64_t file_size) : file_size_(file_size) {}
@@ -50,8 +50,8 @@ class MasterRecords {
                 const FindingSink& report)
       : records_(std::move(records)), group_(group), allowance_(allowance), report_(report) {}
 
-  /// The record of a number, which goes up; nothing where there is none. The first that is missing
-  /// is reported.
+  /// The record of a number; numbers go up. Nothing where there is none; the first missing one is
+  /// reported.
   std::optional<std::string_view> at(std::uint64_t number);
 
  private:
@@ -65,7 +65,7 @@ class MasterRecords {
   bool has_ended_ = false;
 };
 
-/// Finds the masters that channel groups have elsewhere in their file.
+/// Finds the masters that channel groups have in other groups.
 class RemoteMasters {
  public:
   RemoteMasters(InputFile& file, const Measurement& measurement, const FindingSink& report);
@@ -73,8 +73,7 @@ class RemoteMasters {
   /// Null for a group that has none, and, with a finding, where it cannot be had.
   const RemoteMaster* of(const ChannelGroup& group);
 
-  /// The records with the master that was found last. They can be gone through until another is
-  /// looked for.
+  /// The records with the master that was found last, valid until another is looked for.
   std::unique_ptr<MasterRecords> recordsFor(const ChannelGroup& group, const RemoteMaster& master);
 
  private:
@@ -86,8 +85,8 @@ class RemoteMasters {
   InputFile& file_;
   const Measurement& measurement_;
   const FindingSink& report_;
-  FindingSink silent_;  ///< what is wrong there is reported where that group is visited
-  /// By the offsets of their groups. The names of their columns are not known from the beginning.
+  FindingSink silent_;  ///< problems there are reported when that group is visited
+  /// By the offsets of their groups. The names of their columns are not known at first.
   std::unordered_map<std::uint64_t, RemoteMaster> masters_;
   std::unique_ptr<Records> records_;
   const DataGroup* data_group_ = nullptr;  ///< the one that they are of

@@ -17,13 +17,13 @@ namespace mdf_reader {
 
 namespace {
 
-/// The patterns that channels are chosen by, and which of them have found any.
+/// The patterns that choose channels, and which of them have matched.
 class Patterns {
  public:
   explicit Patterns(const std::vector<std::string>& patterns)
       : patterns_(patterns), has_found_(patterns.size()) {}
 
-  /// Whether a column fits one of them, or there are none.
+  /// Whether a column matches one of them, or there are none.
   bool fit(const ColumnPlan& plan) {
     bool fits = patterns_.empty();
     for (std::size_t i = 0; i < patterns_.size(); ++i) {
@@ -40,7 +40,7 @@ class Patterns {
   void noteThoseWithoutAny(const NoteSink& note) const {
     for (std::size_t i = 0; i < patterns_.size(); ++i) {
       if (!has_found_[i]) {
-        note("there is no channel that fits \"" + patterns_[i] + '"');
+        note("no channel matches \"" + patterns_[i] + '"');
       }
     }
   }
@@ -125,7 +125,8 @@ std::size_t Tables::visit() {
   return count_;
 }
 
-/// Whether the data groups up to this one do not go through the same blocks again and again.
+/// Whether the data groups up to this one have data of their own, not the same blocks again and
+/// again.
 bool Tables::haveDataOfTheirOwn(const DataGroup& data_group) {
   constexpr std::uint64_t times = 4;
   stored_ += records_ ? records_->storedBytes() : 0;
@@ -143,8 +144,7 @@ bool Tables::isWanted(const ChannelGroup& group) const {
   return !group.holdsVariableLength() && selection_.group.value_or(group.index) == group.index;
 }
 
-/// The columns of a group that are wanted, its own master channel's in front of them; none when no
-/// channel is.
+/// The wanted columns of a group, after its own master channel's; none when no channel is wanted.
 std::vector<ColumnPlan> Tables::plansOf(const ChannelGroup& group, const RemoteMaster* remote) {
   const Channel* master = group.masterChannel();
   std::vector<ColumnPlan> plans =

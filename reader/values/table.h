@@ -22,16 +22,16 @@ class InputFile;
 struct Selection {
   std::vector<std::string> channels;  ///< patterns as for file names; none for all channels
   std::optional<std::size_t> group;   ///< the number of a channel group among all of the file
-  std::optional<double> from;         ///< limits of the master channel's values, which are wanted
+  std::optional<double> from;         ///< limits of the master channel's values
   std::optional<double> to;
   bool is_raw = false;  ///< values as they are stored, without conversions
 };
 
-/// Takes sentences for people that tell of no problem.
+/// Takes sentences for people that are not about a problem.
 using NoteSink = std::function<void(const std::string& sentence)>;
 
 /// The samples of one channel group, or of one element of an array in it whose elements have
-/// records of their own: a column for each channel that is wanted, the master channel's in front.
+/// records of their own: a column for each wanted channel, the master channel's first.
 class Table {
  public:
   Table(const ChannelGroup& group, std::vector<Column> columns, bool has_master)
@@ -50,7 +50,7 @@ class Table {
   bool has_master_;
 };
 
-/// What is done with a table: it is shown the table, and then each of its samples.
+/// Receives a table, and then each of its samples.
 class TableVisitor {
  public:
   TableVisitor() = default;
@@ -64,9 +64,8 @@ class TableVisitor {
   virtual void end() = 0;
 };
 
-/// Goes through the channel groups of a file, but for those that hold values of others and those
-/// without a channel that is wanted. Memory does not grow with the samples. Returns how many tables
-/// there were.
+/// Visits the channel groups of a file, except those that hold values of others and those without a
+/// wanted channel. Memory does not grow with the samples. Returns how many tables there were.
 std::size_t visitTables(InputFile& file, const Selection& selection, TableVisitor& visitor,
                         const FindingSink& report, const NoteSink& note);
 

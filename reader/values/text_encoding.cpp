@@ -35,7 +35,7 @@ bool isBetween(char32_t code, char32_t first, char32_t last) {
   return first <= code && code <= last;
 }
 
-/// The length that a character's first byte tells; 0 for a byte that is none.
+/// A character's length, by its first byte; 0 for a byte that cannot be one.
 std::size_t lengthBy(unsigned char first) {
   if (first < 0x80) {
     return 1;
@@ -49,7 +49,7 @@ std::size_t lengthBy(unsigned char first) {
   return isBetween(first, 0xF0, 0xF4) ? 4 : 0;
 }
 
-/// The length of the UTF-8 character in front; 0 when there is none.
+/// The length of the UTF-8 character that a text begins with; 0 when there is none.
 std::size_t characterLength(std::string_view bytes) {
   const std::size_t length = lengthBy(static_cast<unsigned char>(bytes[0]));
   if (length < 2 || length > bytes.size()) {

@@ -6,8 +6,8 @@
 
 namespace mdf_reader {
 
-/// Each gives text up to its first zero character as UTF-8. What is no character of the encoding
-/// becomes U+FFFD.
+/// Each gives text up to its first zero character as UTF-8. Bytes that are not a character of the
+/// encoding become U+FFFD.
 std::string fromLatin1(std::string_view bytes);
 std::string fromUtf8(std::string_view bytes);
 std::string fromUtf16(std::string_view bytes, bool is_big_endian);

@@ -24,7 +24,7 @@ using Value =
 
 inline bool isNone(const Value& value) { return std::holds_alternative<std::monostate>(value); }
 
-/// A number as near as a double comes to it; nothing for what is no number.
+/// A number, as a double's nearest value; nothing for what is not a number.
 std::optional<double> numberOf(const Value& value);
 
 /// The value as it is printed: the shortest digits that read back to the same number, "nan",

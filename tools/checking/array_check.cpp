@@ -24,10 +24,10 @@ std::uint64_t productUpToMost(std::uint64_t left, std::uint64_t right) {
 
 struct ElementCounts {
   std::uint64_t in_all = 1;
-  std::uint64_t along_axes = 0;  ///< the sizes of the dimensions together
+  std::uint64_t along_axes = 0;  ///< the sum of the sizes of the dimensions
 };
 
-/// Where one dimension has no elements the array has none, however large the others are.
+/// An array with an empty dimension has no elements, however large the others are.
 ElementCounts countElements(const Subject& subject, const BlockFields& block) {
   ElementCounts counts;
   bool is_empty = false;
@@ -52,8 +52,8 @@ enum Flag : std::uint64_t {
   fixed_axis = 32,
 };
 
-/// Links behind the composition. A quantity is a channel, by the links of its two groups and its
-/// own.
+/// Links after the composition. A quantity is a channel, given by three links: its two groups and
+/// itself.
 std::uint64_t linksOf(const BlockFields& block, std::uint64_t elements) {
   constexpr std::uint64_t in_data_groups = 2;
   constexpr std::uint64_t quantity = 3;

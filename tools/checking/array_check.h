@@ -12,8 +12,9 @@ namespace mdf_tools {
 using namespace mdf_reader;
 
 /// Checks that a channel array whose shape is right has the links and numbers that its dimensions,
-/// flags and storage speak of. Returns how many elements it has, UINT64_MAX standing for more too;
-/// nothing when the sizes of its dimensions are not there, or blocks overlap too much.
+/// flags and storage require. Returns how many elements it has, where UINT64_MAX stands for any
+/// larger number too; nothing when the sizes of its dimensions are missing, or blocks overlap too
+/// much.
 std::optional<std::uint64_t> checkArray(Subject& subject, const BlockFields& block,
                                         std::uint32_t index);
 

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::uint64_t alignment = 8;
 
-/// The links behind its own ones that a block's counts and flags speak of.
+/// The links after the fixed ones that a block's counts and flags require.
 std::uint64_t promisedLinks(const BlockFields& block) {
   constexpr std::uint64_t has_default_x = 0x1000;
   constexpr std::uint64_t has_remote_master = 8;
@@ -39,7 +39,7 @@ std::uint64_t promisedLinks(const BlockFields& block) {
   return type == "CG" && block.hasFlag("cg_flags", has_remote_master) ? 1 : 0;
 }
 
-/// What a block's count says of the numbers of 8 bytes behind its fields.
+/// What a block's count says of the 8-byte numbers after its fields.
 struct PromisedNumbers {
   std::string_view count_field;
   std::uint64_t count = 0;
@@ -189,8 +189,8 @@ void checkMoreLinks(const Subject& subject, const BlockFields& block, std::uint3
   const std::uint64_t there = block.raw().linkCount() - own;
   if (promised > there) {
     subject.report(Code::links_missing, index,
-                   "expected " + countText(promised) + " links behind the first " +
-                       std::to_string(own) + " by its counts and flags, found " +
+                   "expected " + countText(promised) + " links after the first " +
+                       std::to_string(own) + ", as its counts and flags say, found " +
                        std::to_string(there));
   }
 }

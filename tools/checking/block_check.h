@@ -12,11 +12,11 @@ namespace mdf_tools {
 using namespace mdf_reader;
 
 /// Checks a block's place, length, number of links and counts. Returns whether its fields and what
-/// stands behind them are all there.
+/// follows them are all there.
 bool checkShape(const Subject& subject, const BlockFields& block, std::uint32_t index);
 
-/// Checks that a block has so many links behind those of its type, or room for so many numbers of 8
-/// bytes behind its fields, see countText().
+/// Checks that a block has so many links after those of its type, or room for so many 8-byte
+/// numbers after its fields; see countText().
 void checkMoreLinks(const Subject& subject, const BlockFields& block, std::uint32_t index,
                     std::uint64_t promised);
 void checkNumbers(const Subject& subject, const BlockFields& block, std::uint32_t index,

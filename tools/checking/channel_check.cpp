@@ -10,9 +10,9 @@ namespace {
 
 constexpr std::uint64_t has_remote_master = 8;
 
-/// How many elements there is room for when so much room is behind the first of them.
-std::uint64_t roomFor(std::uint64_t behind, std::uint64_t step) {
-  return step == 0 ? UINT64_MAX : behind / step + 1;
+/// How many elements fit when so much room follows the first of them.
+std::uint64_t roomFor(std::uint64_t after_first, std::uint64_t step) {
+  return step == 0 ? UINT64_MAX : after_first / step + 1;
 }
 
 }  // namespace
@@ -69,14 +69,15 @@ bool ChannelCheck::checkBits(const Extent& extent) const {
   if (extent.end_bit > 8 * data_bytes_) {
     is_inside = false;
     subject_.report(Code::channel_outside_record, extent.index,
-                    "expected the channel in the " + std::to_string(data_bytes_) +
-                        " data bytes of a record, found that it ends at bit " +
+                    "expected the channel within the " + std::to_string(data_bytes_) +
+                        " data bytes of a record, found its end at bit " +
                         std::to_string(extent.end_bit));
   }
   if (extent.end_invalidation_bit.value_or(0) > 8 * invalidation_bytes_) {
     is_inside = false;
     subject_.report(Code::invalidation_bit_outside_record, extent.index,
-                    "expected the invalidation bit in the " + std::to_string(invalidation_bytes_) +
+                    "expected the invalidation bit within the " +
+                        std::to_string(invalidation_bytes_) +
                         " invalidation bytes of a record, found bit " +
                         std::to_string(*extent.end_invalidation_bit - 1));
   }
@@ -100,11 +101,11 @@ void ChannelCheck::takeArray(const BlockFields& block, std::uint32_t index,
 bool ChannelCheck::checkElements(const BlockFields& array, std::uint64_t elements) {
   const std::int64_t step = array.signedNumber("ca_byte_offset_base");
   const auto bytes = static_cast<std::uint64_t>(step < 0 ? -step : step);
-  const std::uint64_t behind = data_bytes_ - (extent_->end_bit + 7) / 8;
-  const std::uint64_t room = roomFor(step < 0 ? extent_->first_byte : behind, bytes);
+  const std::uint64_t after = data_bytes_ - (extent_->end_bit + 7) / 8;
+  const std::uint64_t room = roomFor(step < 0 ? extent_->first_byte : after, bytes);
   if (elements > room) {
     subject_.report(Code::channel_outside_record, extent_->index,
-                    "expected all elements of the array in the " + std::to_string(data_bytes_) +
+                    "expected all elements of the array within the " + std::to_string(data_bytes_) +
                         " data bytes of a record, found room for " + std::to_string(room) + " of " +
                         countText(elements));
     return false;
@@ -125,7 +126,7 @@ bool ChannelCheck::checkInvalidationBits(const BlockFields& array, std::uint64_t
   const std::uint64_t room = roomFor(bits - *extent_->end_invalidation_bit, step);
   if (elements > room) {
     subject_.report(Code::invalidation_bit_outside_record, extent_->index,
-                    "expected invalidation bits of all elements of the array in the " +
+                    "expected the invalidation bits of all elements of the array within the " +
                         std::to_string(invalidation_bytes_) +
                         " invalidation bytes of a record, found room for " + std::to_string(room) +
                         " of " + countText(elements));
@@ -135,7 +136,7 @@ bool ChannelCheck::checkInvalidationBits(const BlockFields& array, std::uint64_t
   return true;
 }
 
-/// Masters next to each other, first by kind and then by place, tell what there is to tell of all.
+/// Sorted by kind and then by place, it is enough to compare neighbours.
 void ChannelCheck::checkMasters() {
   std::sort(masters_.begin(), masters_.end(), [](const Master& left, const Master& right) {
     return std::tie(left.kind, left.index) < std::tie(right.kind, right.index);

@@ -23,7 +23,7 @@ class ChannelCheck {
   /// Takes an array, which may belong to the latest channel or be an element of the latest array.
   void takeArray(const BlockFields& block, std::uint32_t index, std::uint64_t elements);
 
-  /// Checks what only all channels together tell.
+  /// Checks what shows only when all channels are known.
   void leave();
 
  private:
@@ -34,7 +34,7 @@ class ChannelCheck {
     std::uint64_t end_bit;
   };
 
-  /// What a channel, with all elements of the arrays that it is a part of, takes of a record.
+  /// The part of a record that a channel takes, with all elements of its arrays.
   struct Extent {
     std::uint32_t index;  ///< of the channel or the latest array
     std::uint64_t first_byte;

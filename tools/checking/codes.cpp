@@ -10,143 +10,226 @@ using Texts = std::vector<CodeText>;
 
 Texts fileCodes() {
   return {
-      {Code::not_mdf, "not-mdf", Severity::error,
-       R"(The file does not begin with "MDF     " or "UnFinMF ", or is too short for the 64 bytes that
-identify a measurement file. When a header block stands behind them all the same, it is followed.)"},
-      {Code::version_wrong, "version-wrong", Severity::error,
-       R"(The version number is none of MDF 4 (400 to 499). Files of versions 2 and 3 are laid out in
-another way; they need a program for those.)"},
+      {Code::not_mdf, "not-mdf", Severity::error, "The file does not begin like an MDF file",
+       R"(The file must begin with "MDF     " or "UnFinMF ", and have 64 bytes of identification.
+Where a header block follows all the same, the check goes on from there.)",
+       R"(Make sure that this is a measurement file and that it arrived whole.)"},
+      {Code::version_wrong, "version-wrong", Severity::error, "The version is not one of MDF 4",
+       R"(The version number is not in the range 400 to 499. Files of versions 2 and 3 have
+another layout.)",
+       R"(Use a program for that version.)"},
       {Code::version_text_wrong, "version-text-wrong", Severity::warning,
-       R"(The version stands in the file as a text and as a number, and the two differ. Programs that
-look at the one may refuse what those that look at the other accept.)"},
-      {Code::header_missing, "header-missing", Severity::error,
-       R"(There is no header block ("##HD") at offset 64, where every file has it. Nothing else can be
-found without it.)"},
-      {Code::file_unfinished, "file-unfinished", Severity::warning,
-       R"(The file was not closed by the program that wrote it: it begins with "UnFinMF ". What the flags
-at offset 60 say is open is named. A program that finishes such files can repair it; counts of
-records are not compared with the data.)"},
+       "The two statements of the version differ",
+       R"(The identification has the version as a text and as a number. Programs that read one of
+them may refuse the file where programs that read the other accept it.)",
+       R"(Correct the program that wrote the file.)"},
+      {Code::header_missing, "header-missing", Severity::error, "There is no header block",
+       R"(Every file has its header block ("##HD") at offset 64. Without it nothing else can be
+found.)",
+       R"(Restore the file from a copy: its first bytes were overwritten, or never written.)"},
+      {Code::file_unfinished, "file-unfinished", Severity::warning, "The file was not finished",
+       R"(The file begins with "UnFinMF ": the program that wrote it did not close it. The message
+names what the flags at offset 60 leave open. Record counts are not compared with the
+data.)",
+       R"(Finish the file with a program that can do so. Its data can be read up to the point
+where the recording ended.)"},
   };
 }
 
 Texts linkCodes() {
   return {
       {Code::link_outside_file, "link-outside-file", Severity::error,
-       R"(A link leads behind the end of the file, so close to it that not even a block's header of 24
-bytes follows, or is negative. The file has been cut off, or the link is damaged.)"},
+       "A link leads outside the file",
+       R"(The link is negative, or fewer than the 24 bytes of a block's header follow at the
+offset that it leads to.)",
+       R"(Compare the size of the file with that of the original: most often the file has been cut
+off. Otherwise the link is damaged.)"},
       {Code::link_misaligned, "link-misaligned", Severity::error,
-       R"(A link leads to an offset that is no multiple of 8, and there is no block. All blocks stand on
-multiples of 8.)"},
+       "A link leads to an offset that is not a multiple of 8",
+       R"(Blocks stand on multiples of 8, and there is no block at this offset.)",
+       R"(Look at the bytes around it with `mdf dump --hex --at`: a block nearby may be the one
+that is meant.)"},
       {Code::link_inside_block, "link-inside-block", Severity::error,
-       R"(A link leads into the middle of another block, or of the 64 bytes of identification.)"},
+       "A link leads into the middle of a block",
+       R"(The offset lies inside another block, or inside the 64 bytes of identification.)",
+       R"(If the length of the other block is damaged, correct that first. Otherwise the link is
+wrong.)"},
       {Code::link_to_no_block, "link-to-no-block", Severity::error,
-       R"(A link leads to bytes outside any block that do not begin like one: "##" and two capital
-letters.)"},
+       "A link leads to bytes that are not a block",
+       R"(The offset is outside all blocks, and the bytes there do not begin like one: "##" and
+two capital letters.)",
+       R"(The link is damaged, or the block was overwritten or never written.)"},
       {Code::link_wrong_type, "link-wrong-type", Severity::error,
-       R"(A link leads to a block of a type that does not belong there, such as a channel's conversion
-that is a text. Blocks of types that this program does not know may stand anywhere.)"},
-      {Code::chain_endless, "chain-endless", Severity::error,
-       R"(A link of a list or tree that must end leads back to where one has come from, so that it has no
-end. Programs that follow it without counting hang.)"},
+       "A link leads to a block of the wrong type",
+       R"(The format does not allow this type here: a text in place of a channel's conversion, for
+example. Types that this program does not know may stand anywhere.)",
+       R"(Correct the program that wrote the file. Other programs ignore the link or refuse the
+file.)"},
+      {Code::chain_endless, "chain-endless", Severity::error, "A list or tree leads back to itself",
+       R"(A link of a list or tree that must end leads back to a block that it comes from.
+Programs that follow it without counting hang.)",
+       R"(Correct the program that wrote the file, or set the link to 0.)"},
   };
 }
 
 Texts blockCodes() {
   return {
       {Code::block_misaligned, "block-misaligned", Severity::warning,
-       R"(A block stands at an offset that is no multiple of 8. Most programs read it all the same.)"},
+       "A block stands at an offset that is not a multiple of 8",
+       R"(Most programs read it all the same.)",
+       R"(Correct the program that wrote the file: round each offset up to a multiple of 8.)"},
       {Code::length_too_small, "length-too-small", Severity::error,
-       R"(A block's length does not hold its header, its links and the fields that its type has.)"},
+       "A block's length is too small for its type",
+       R"(The length does not hold the header, the links and the fields of the type.)",
+       R"(The length or the link count is damaged, or the writer left out fields.
+`mdf dump --hex --at` shows the bytes.)"},
       {Code::length_past_end, "length-past-end", Severity::error,
-       R"(A block's length goes past the end of the file. The file has been cut off, or the length is
-damaged.)"},
-      {Code::blocks_overlap, "blocks-overlap", Severity::error,
-       R"(A block is so long that another one begins inside it. It is reported once for each block that
-reaches into others.)"},
-      {Code::links_missing, "links-missing", Severity::error,
-       R"(A block has fewer links than its type must have, or than its counts and flags speak of.)"},
-      {Code::block_unreachable, "block-unreachable", Severity::warning,
-       R"(Bytes that no block covers look like a block: an identifier, a length that fits, on a multiple
-of 8. No link leads there. Either a program took the block out of its list, or a link to it is lost,
-and with it everything behind.)"},
+       "A block's length goes past the end of the file",
+       R"(Fewer bytes follow in the file than the block states.)",
+       R"(Compare the size of the file with that of the original: most often the file has been cut
+off. Otherwise the length is damaged.)"},
+      {Code::blocks_overlap, "blocks-overlap", Severity::error, "Two blocks overlap",
+       R"(A block is so long that another one begins inside it. This is reported once for each
+block that reaches into others.)",
+       R"(One of the two was written over the other, or the first one's length is wrong.
+`mdf graph --map` shows the places.)"},
+      {Code::links_missing, "links-missing", Severity::error, "A block has too few links",
+       R"(The link count is below what the type must have, or below what the counts and flags of
+the block require.)",
+       R"(Correct the program that wrote the file. Other programs read fields in place of links,
+or the reverse.)"},
+      {Code::block_unreachable, "block-unreachable", Severity::warning, "No link leads to a block",
+       R"(Bytes outside all blocks look like a block: an identifier and a length that fits, on a
+multiple of 8. Either a program took the block out of its list, or a link is lost, and
+with it all blocks that follow.)",
+       R"(Look at the block with `mdf dump --at`. If it was removed on purpose, nothing is wrong.)"},
       {Code::count_too_large, "count-too-large", Severity::error,
-       R"(A count speaks of more elements than there is room for in the block.)"},
+       "A count is larger than the block",
+       R"(The count stands for more elements than there is room for in the block.)",
+       R"(The count or the length is damaged.)"},
   };
 }
 
 Texts dataCodes() {
   return {
       {Code::list_count_wrong, "list-count-wrong", Severity::error,
-       R"(The number of data blocks that a data list states is not the number of its links to them.)"},
+       "A data list states a wrong number of blocks",
+       R"(The count of data blocks is not the number of links to them.)",
+       R"(Correct the program that wrote the file. Programs go by either number.)"},
       {Code::list_offsets_not_ascending, "list-offsets-not-ascending", Severity::error,
-       R"(The offsets of a data list go down, so that no block can be found by them.)"},
+       "The offsets of a data list go down",
+       R"(Programs find a block by its offset in the data, so the offsets must go up.)",
+       R"(Correct the program that wrote the file. The data itself can be read in the order of the
+links.)"},
       {Code::list_offsets_wrong, "list-offsets-wrong", Severity::error,
-       R"(Two neighbouring offsets of a data list are not as far apart as the data block between them is
-long.)"},
+       "An offset of a data list does not fit the data",
+       R"(Two neighbouring offsets must be as far apart as the data block between them is long.)",
+       R"(Either an offset is wrong, or a data block is shorter or longer than it was.)"},
       {Code::equal_length_broken, "equal-length-broken", Severity::error,
-       R"(A data list says that its blocks all hold the same number of bytes, and one that is not the
-last of all holds another number.)"},
+       "The blocks of a data list are not equally long",
+       R"(The list states one number of bytes for all of its blocks; a block other than the very
+last one holds another number.)",
+       R"(Correct the program that wrote the file: such a list needs offsets instead. Programs
+that compute the place of a record find other bytes.)"},
       {Code::zip_length_wrong, "zip-length-wrong", Severity::error,
-       R"(The compressed length of a zipped data block goes past the end of the block.)"},
-      {Code::zip_broken, "zip-broken", Severity::error,
-       R"(Compressed data cannot be inflated: it is damaged, cut off, or no zlib stream.)"},
+       "The compressed length goes past the end of the block",
+       R"(A zipped data block states more compressed bytes than it has.)",
+       R"(The block or the file was cut off, or the length is damaged.)"},
+      {Code::zip_broken, "zip-broken", Severity::error, "Compressed data cannot be inflated",
+       R"(The bytes are damaged, cut off, or not a zlib stream.)",
+       R"(Restore the file from a copy. Blocks before and after this one can still be read.)"},
       {Code::zip_original_length_wrong, "zip-original-length-wrong", Severity::error,
-       R"(Compressed data inflates to more or fewer bytes than the block says.)"},
+       "Compressed data has another length than stated",
+       R"(It inflates to more or fewer bytes than the block says.)",
+       R"(Correct the program that wrote the file, or restore the file from a copy.)"},
       {Code::text_not_terminated, "text-not-terminated", Severity::warning,
-       R"(A text or metadata block has no zero byte at the end of its text. Programs that look for one
-read on behind the block.)"},
-      {Code::text_not_utf8, "text-not-utf8", Severity::warning,
-       R"(A text is not encoded in UTF-8, as all texts of MDF 4 are.)"},
+       "A text has no zero byte at its end",
+       R"(A text or metadata block must end in a zero byte. Programs that look for one read on
+after the block.)",
+       R"(Correct the program that wrote the file: count the zero byte in the length.)"},
+      {Code::text_not_utf8, "text-not-utf8", Severity::warning, "A text is not UTF-8",
+       R"(All texts of MDF 4 are encoded in UTF-8. This one most likely has the encoding of the
+machine that wrote it.)",
+       R"(Correct the program that wrote the file. Programs show other characters or none.)"},
       {Code::xml_not_well_formed, "xml-not-well-formed", Severity::warning,
-       R"(The XML of a metadata block cannot be parsed. Programs ignore such a comment or show it as it
-stands.)"},
+       "The XML of a comment cannot be parsed",
+       R"(The text of a metadata block is not well-formed XML. Programs ignore such a comment, or
+show it as it stands.)",
+       R"(Correct the program that wrote the file: most often `&` or `<` was not escaped.)"},
       {Code::attachment_length_wrong, "attachment-length-wrong", Severity::error,
-       R"(An attachment's embedded size goes past the end of the block, or differs from its original size
-although it is not compressed.)"},
+       "The sizes of an attachment do not fit",
+       R"(The embedded size goes past the end of the block, or differs from the original size
+although the attachment is not compressed.)",
+       R"(The attachment was cut off, or one of its sizes is damaged.)"},
       {Code::attachment_digest_wrong, "attachment-digest-wrong", Severity::error,
-       R"(The MD5 digest of an embedded attachment is not the one that is stored with it: one of the two
-has been changed.)"},
+       "The digest of an attachment does not match",
+       R"(The MD5 digest of the embedded bytes is not the one that is stored with them.)",
+       R"(One of the two has been changed. Get the attached file from its source if its contents
+matter.)"},
   };
 }
 
 Texts recordCodes() {
   return {
       {Code::record_id_size_wrong, "record-id-size-wrong", Severity::error,
-       R"(The size of a data group's record ids is none of 0, 1, 2, 4 and 8 bytes (3 is taken for 4), or
-is 0 although the group has several channel groups.)"},
+       "The size of record ids is wrong",
+       R"(A data group's record ids must have 0, 1, 2, 4 or 8 bytes (3 is read as 4), and more
+than 0 when the group has several channel groups.)",
+       R"(Correct the program that wrote the file. The records cannot be told apart.)"},
       {Code::record_id_twice, "record-id-twice", Severity::error,
-       R"(Two channel groups of a data group have the same record id, so that their records cannot be
-told apart.)"},
-      {Code::record_id_unknown, "record-id-unknown", Severity::error,
-       R"(The data has a record with an id that no channel group of its data group has. Nothing behind
-such a record can be read, for nobody knows how long it is.)"},
-      {Code::record_cut_off, "record-cut-off", Severity::error,
-       R"(The data of a data group with several channel groups ends in the middle of a record.)"},
+       "Two channel groups have the same record id", R"(Their records cannot be told apart.)",
+       R"(Correct the program that wrote the file: ids must differ within a data group.)"},
+      {Code::record_id_unknown, "record-id-unknown", Severity::error, "A record has an unknown id",
+       R"(No channel group of the data group has this id. Nothing after such a record can be read,
+since its length is not known.)",
+       R"(The data is damaged at the byte that the message names, or the records before it have
+another length than their channel group states.)"},
+      {Code::record_cut_off, "record-cut-off", Severity::error, "The data ends with a torn record",
+       R"(The data of a data group with several channel groups ends in the middle of a record.)",
+       R"(The recording was interrupted, or the file was cut off. All records before it can be
+read.)"},
       {Code::cycle_count_wrong, "cycle-count-wrong", Severity::error,
-       R"(The number of records that a channel group or a sample reduction states is not the number that its
-data has. In a sample reduction, and in a data group with one channel group, the number of bytes
-decides: records times the size of one. In others the records are counted.)"},
-      {Code::data_shared, "data-shared", Severity::warning,
-       R"(The same data block or data list is data of two data groups or sample reductions, or is there
-twice in one. It is counted once.)"},
+       "The number of records is wrong",
+       R"(A channel group or a sample reduction states another number of records than its data
+has. With one channel group in a data group, and in a sample reduction, the length of
+the data decides: records times bytes of one. With several, the records are counted.)",
+       R"(Set the count to what was found, if the data is whole. If less was found than expected,
+data may be lost.)"},
+      {Code::data_shared, "data-shared", Severity::warning, "Data is used twice",
+       R"(Two data groups or sample reductions have the same data block or data list, or one has
+it twice. It is counted once.)",
+       R"(Correct the program that wrote the file, unless both are meant to have the same records.)"},
       {Code::channel_outside_record, "channel-outside-record", Severity::error,
-       R"(A channel's bits, or those of an element of an array, are outside the data bytes of its channel
-group's records.)"},
+       "A channel is outside the record",
+       R"(Bits of the channel, or of an element of an array, are outside the data bytes of its
+channel group's records.)",
+       R"(The channel's offset or bit count is wrong, or the group states too few data bytes.)"},
       {Code::invalidation_bit_outside_record, "invalidation-bit-outside-record", Severity::error,
-       R"(A channel's invalidation bit, or that of an element of an array, is behind the invalidation bytes of
-its channel group's records.)"},
+       "An invalidation bit is outside the record",
+       R"(The bit of the channel, or of an element of an array, is outside the invalidation bytes
+of its channel group's records.)",
+       R"(The bit's position is wrong, or the group states too few invalidation bytes.)"},
       {Code::value_outside_signal_data, "value-outside-signal-data", Severity::error,
-       R"(A channel of variable length has records without a value: the offset in the record, or the length
-that stands there, goes past the end of the channel's signal data. Where values are the records of
-another channel group, and where a record refers back to a value before the last one, the offset
-alone is looked at. Channels that share their signal data are not looked at but for the first.)"},
+       "Values of variable length are missing",
+       R"(The offset in a record, or the length that stands there, goes past the end of the
+channel's signal data. Only the offset is checked where values are the records of
+another channel group, and where a record refers back to a value before the last one.
+Signal data that several channels share is checked for the first of them.)",
+       R"(Signal data was lost: the file was cut off, or its list of data blocks is incomplete. The
+other records have their values.)"},
       {Code::master_missing, "master-missing", Severity::note,
-       R"(A channel group has channels and records, and no master channel: there is no time, angle or
-distance to draw the channels over, but the number of the record.)"},
+       "A channel group has no master channel",
+       R"(The group has channels and records, but no time, angle or distance. Programs draw the
+channels over the number of the record.)",
+       R"(Nothing is wrong if the samples have no time.)"},
       {Code::master_twice, "master-twice", Severity::warning,
-       R"(A channel group has two master channels of the same kind, such as time. Programs take either.)"},
+       "A channel group has two master channels of the same kind",
+       R"(Both are time, for example. Programs take either.)",
+       R"(Correct the program that wrote the file: make one of them an ordinary channel.)"},
       {Code::masters_overlap, "masters-overlap", Severity::error,
-       R"(Two master channels of a channel group share bits of the record.)"},
+       "Two master channels share bits of the record",
+       R"(Each master channel of a channel group must have bits of its own.)",
+       R"(One channel's offset or bit count is wrong.)"},
   };
 }
 

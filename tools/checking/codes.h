@@ -9,7 +9,7 @@ namespace mdf_tools {
 
 enum class Severity {
   note,     ///< allowed, and worth knowing
-  warning,  ///< against the format, yet readers lose nothing by it; or something is left open
+  warning,  ///< against the format, though readers lose nothing by it; or something was left open
   error,    ///< readers lose data, or find other data than was written
 };
 
@@ -59,12 +59,14 @@ enum class Code {
   masters_overlap,
 };
 
-/// What people are told of a code.
+/// What users are told of a code. docs/check.md is made of these texts.
 struct CodeText {
   Code code;
-  std::string_view word;  ///< never changes, for programs look for it
+  std::string_view word;  ///< never changes, since programs look for it
   Severity severity;
+  std::string_view title;    ///< a sentence without its full stop
   std::string_view meaning;  ///< lines without the last one's end
+  std::string_view advice;   ///< the same: what to do, or the usual cause
 };
 
 /// All codes, in the order of the enumeration.

@@ -20,7 +20,7 @@ using mdf_v4_10::detail::loadLe;
 
 namespace {
 
-/// Inflates what stands in a block, and reports when it is not what the block says.
+/// Inflates the data of a block, and reports when it is not what the block says.
 std::optional<std::string> inflateChecked(const Subject& subject, std::uint32_t index,
                                           std::uint64_t offset, std::uint64_t size,
                                           std::uint64_t stated) {
@@ -106,7 +106,7 @@ void ListCheck::checkEqualLengths() const {
     const auto bytes = dataBytesOf(subject_, dataLink(number));
     if (bytes && *bytes != stated) {
       subject_.report(Code::equal_length_broken, index_,
-                      "expected " + std::to_string(stated) + " bytes of data behind dl_data[" +
+                      "expected " + std::to_string(stated) + " bytes of data at dl_data[" +
                           std::to_string(number) + "], found " + std::to_string(*bytes));
       return;
     }
@@ -128,8 +128,7 @@ void ListCheck::checkOffsets() const {
     if (bytes && *bytes != offset - before) {
       subject_.report(Code::list_offsets_wrong, index_,
                       "expected dl_offset to go up by the " + std::to_string(*bytes) +
-                          " bytes of data behind dl_data[" + std::to_string(number - 1) + "]" +
-                          found);
+                          " bytes of data at dl_data[" + std::to_string(number - 1) + "]" + found);
       return;
     }
   }

@@ -11,11 +11,11 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// The bytes of data that a block holds, unzipped, by what it says itself. Nothing for an offset
-/// without a block and for types that hold none or are not known.
+/// How many bytes of data a block states that it holds, unzipped. Nothing for an offset without a
+/// block, and for types that hold no data or are unknown.
 std::optional<std::uint64_t> dataBytesOf(const Subject& subject, std::uint64_t offset);
 
-/// Check what stands in blocks whose shape is right.
+/// Check the contents of blocks whose shape is right.
 void checkAttachment(Subject& subject, const BlockFields& block, std::uint32_t index);
 void checkZippedData(Subject& subject, const BlockFields& block, std::uint32_t index);
 void checkDataList(const Subject& subject, const BlockFields& block, std::uint32_t index);

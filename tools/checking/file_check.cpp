@@ -28,7 +28,7 @@ bool hasHeaderBlock(InputFile& file) {
   return block && block->name() == "##HD";
 }
 
-/// What the flags of an unfinished file say is open, in words.
+/// What the flags of an unfinished file say was left open, in words.
 std::string openThings(const Identification& id) {
   struct Thing {
     unsigned flag;
@@ -87,7 +87,7 @@ bool checkIdentification(InputFile& file, const ProblemSink& report) {
   checkVersion(id, report);
   if (id.isUnfinished()) {
     report({Code::file_unfinished, 0, "",
-            "expected a file that was closed, found it open: " + openThings(id)});
+            "expected a finished file, found an unfinished one; still open: " + openThings(id)});
   }
   // Files of other versions have something else there.
   if (!has_header && id.version >= 400 && id.version <= 499) {

@@ -14,8 +14,8 @@ namespace mdf_tools {
 using namespace mdf_reader;
 
 /// Checks a file of any version of MDF 4, by any program, and reports what is wrong as it is found.
-/// Returns how many blocks it has looked at. Time and memory are in proportion to the file, and to
-/// what its zipped data holds.
+/// Returns how many blocks it has checked. Time and memory are proportional to the file and to what
+/// its zipped data holds.
 std::uint64_t checkFile(InputFile& file, const ProblemSink& report);
 
 }  // namespace mdf_tools

@@ -14,7 +14,7 @@ struct Problem {
   Code code;
   std::uint64_t offset;  ///< of the block that has it
   std::string path;      ///< how that block is reached from the header block; "" for none
-  std::string sentence;  ///< what was expected and what was there
+  std::string sentence;  ///< what was expected and what was found
 };
 
 /// Takes problems as they are found: a file may have more of them than memory holds.

@@ -16,7 +16,7 @@ using namespace mdf_reader;
 
 namespace {
 
-/// Whether data is made of so many records.
+/// Whether data is exactly so many records long.
 bool isMadeOf(std::uint64_t data_bytes, std::uint64_t records, std::uint64_t record_bytes) {
   return record_bytes == 0 ? data_bytes == 0
                            : data_bytes % record_bytes == 0 && data_bytes / record_bytes == records;
@@ -87,8 +87,8 @@ void RecordCheck::enterChannelGroup(const BlockFields& block, std::uint32_t inde
   }
 }
 
-/// Channels that share bits of the record, so that they would have it read again and again, are
-/// left out, and those without an offset in it.
+/// Leaves out channels that share bits of the record, which would have it read again and again, and
+/// those without an offset in it.
 void RecordCheck::takeVariableChannel(const BlockFields& block, std::uint32_t index) {
   constexpr std::uint64_t variable_length = 1;
   constexpr std::uint64_t all_invalid = 1;
@@ -115,8 +115,8 @@ void RecordCheck::takeVariableChannel(const BlockFields& block, std::uint32_t in
   }
 }
 
-/// Elements of an array may have records of their own, with record ids behind that of its group.
-/// One array of a channel group alone can have them.
+/// Elements of an array may have records of their own, with the record ids that follow that of its
+/// group. Only one array of a channel group can have them.
 void RecordCheck::takeElements(const BlockFields& block, std::uint32_t index) {
   const std::uint32_t found = subject_.blocks.find(block.link(1));
   const bool is_own = found != BlockTable::none && subject_.blocks[found].parent == index;
@@ -128,7 +128,7 @@ void RecordCheck::takeElements(const BlockFields& block, std::uint32_t index) {
   }
 }
 
-/// Those behind the first element are groups of their own.
+/// Those after the first element are groups of their own.
 void RecordCheck::addElements() {
   for (std::size_t i = 1; i < elements_.size(); ++i) {
     const RecordGroup& first = groups_[groups_.size() - i];
@@ -172,14 +172,14 @@ bool RecordCheck::checkIds() {
   return are_different;
 }
 
-/// Finds the data of a data group or of a reduction, of which each has its own.
+/// Finds the data of a data group or of a reduction, each of which must have its own.
 DataBlocks RecordCheck::recordsAt(std::uint64_t link, std::string_view link_name,
                                   std::uint32_t index) {
   DataBlocks data = dataBlocksAt(subject_, link, seen_data_);
   if (data.is_shared) {
     subject_.report(Code::data_shared, index,
-                    "expected data of its own behind " + std::string(link_name) +
-                        ", found some that was there before");
+                    "expected " + std::string(link_name) +
+                        " to lead to data of its own, found data that another link leads to");
   }
   data.is_known = data.is_known && !data.is_shared;
   return data;
@@ -259,7 +259,7 @@ void RecordCheck::countRecords(const DataBlocks& data) {
   }
 }
 
-/// Goes through the records once more when there are channels with values elsewhere.
+/// Goes through the records once more when channels have their values elsewhere.
 void RecordCheck::checkValues(const DataBlocks& data, std::uint64_t id_bytes) {
   prepareValueChecks();
   const bool has_any = std::any_of(groups_.begin(), groups_.end(), [](const RecordGroup& group) {
@@ -276,7 +276,7 @@ void RecordCheck::checkValues(const DataBlocks& data, std::uint64_t id_bytes) {
   }
 }
 
-/// What channels share of signal data is looked at for the first of them.
+/// Signal data that channels share is checked for the first of them.
 void RecordCheck::prepareValueChecks() {
   std::unordered_map<std::uint64_t, std::uint64_t> value_bytes;  // by the groups' offsets
   for (const RecordGroup& group : groups_) {
@@ -307,18 +307,18 @@ bool RecordCheck::isAsCounted() const {
 }
 
 void RecordCheck::reportWalk(const RecordWalk& walk) const {
-  const std::string record = "a record at byte " + std::to_string(walk.position) + " of the data";
+  const std::string record = " record at byte " + std::to_string(walk.position) + " of the data";
   switch (walk.end) {
     case RecordWalk::unreadable:
       return;
     case RecordWalk::unknown_id:
       subject_.report(Code::record_id_unknown, *data_group_,
                       "expected a channel group for each record id, found none for id " +
-                          std::to_string(walk.record_id) + " of " + record);
+                          std::to_string(walk.record_id) + " of the" + record);
       return;
     case RecordWalk::cut_off:
       subject_.report(Code::record_cut_off, *data_group_,
-                      "expected the data to end with a whole record, found " + record + " cut off");
+                      "expected the data to end with a whole record, found a torn" + record);
       return;
     case RecordWalk::fine:
       break;

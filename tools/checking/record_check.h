@@ -18,9 +18,9 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// Checks what data groups, channel groups, their reductions and channels say of records against
-/// each other and against the data. The blocks are handed in in the order of their table, in which
-/// a data group comes before its channel groups and these come before what belongs to them.
+/// Compares what data groups, channel groups, their reductions and channels say of records with
+/// each other and with the data. The blocks are handed in in the order of their table: a data group
+/// before its channel groups, and these before what belongs to them.
 class RecordCheck {
  public:
   explicit RecordCheck(const Subject& subject)
@@ -32,10 +32,11 @@ class RecordCheck {
   /// Takes a DG, CG, CN or SR block whose shape is right.
   void take(const BlockFields& block, std::uint32_t index);
 
-  /// Takes a CA block, which may be behind the latest channel or be an element of the latest array.
+  /// Takes a CA block, which may be the composition of the latest channel or an element of the
+  /// latest array.
   void takeArray(const BlockFields& block, std::uint32_t index, std::uint64_t elements);
 
-  /// Leaves the groups that are being gone through.
+  /// Finishes the current data group.
   void leave();
 
  private:
@@ -61,7 +62,7 @@ class RecordCheck {
   const Subject& subject_;
   OffsetSet seen_data_;
   OffsetSet seen_values_;
-  Allowance records_left_;  ///< bytes of data that may still be gone through record by record
+  Allowance records_left_;  ///< bytes of data that may still be read record by record
   Allowance values_left_;   ///< the same of signal data
   ElementAllowance elements_left_;
   std::optional<std::uint32_t> data_group_;

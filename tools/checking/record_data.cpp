@@ -46,7 +46,7 @@ class DataCollector {
  private:
   bool isFine() const { return data_.is_known && !data_.is_shared; }
 
-  /// Whether the block is one and new.
+  /// Whether the block is there and new.
   bool take(std::uint64_t offset) {
     data_.is_known = data_.is_known && subject_.blocks.find(offset) != BlockTable::none;
     data_.is_shared = data_.is_shared || seen_.contains(offset);
@@ -60,7 +60,7 @@ class DataCollector {
     if (!take(list.offset())) {
       return;
     }
-    // Behind the links to values there may be as many to invalidation data.
+    // After the links to values there may be as many to invalidation data.
     const std::uint64_t end =
         list.raw().letters() == "LD" ? 1 + list.number("ld_count") : UINT64_MAX;
     forEachSurveyedLink(subject_.file, list.raw(),

@@ -76,7 +76,7 @@ RecordWalk Walker::walkRecord() {
   return result;
 }
 
-/// Goes over what stands behind a record's id; false when the data ends before.
+/// Takes what follows a record's id; false when the data ends before.
 bool Walker::walkContents(RecordGroup& group) {
   constexpr std::uint64_t length_bytes = 4;
   std::uint64_t length = group.recordBytes();

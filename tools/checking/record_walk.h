@@ -34,7 +34,7 @@ struct RecordGroup {
   std::uint64_t value_bytes = 0;  ///< of records of variable length, each with its length
 };
 
-/// What came of going through the records of a data group.
+/// The outcome of going through the records of a data group.
 struct RecordWalk {
   enum End { fine, unreadable, unknown_id, cut_off } end;
   std::uint64_t position;   ///< of the last record in the data

@@ -40,16 +40,16 @@ std::uint64_t Space::endOf(const RawBlock& block) const {
 }
 
 std::uint64_t Space::blockAround(std::uint64_t offset) const {
-  const auto behind = std::upper_bound(offsets_.begin(), offsets_.end(), offset);
-  if (behind == offsets_.begin()) {
+  const auto after = std::upper_bound(offsets_.begin(), offsets_.end(), offset);
+  if (after == offsets_.begin()) {
     return 0;
   }
-  const auto block = readRawBlock(file_, *(behind - 1));
+  const auto block = readRawBlock(file_, *(after - 1));
   return block && offset < endOf(*block) ? block->offset : 0;
 }
 
-/// Where the bytes of a block end. A length beyond the file's end says nothing of it; then they go
-/// on to the next block.
+/// Where the bytes of a block end. A length beyond the file's end does not tell; such a block goes
+/// on to the next one.
 std::uint64_t Space::coveredUpTo(std::size_t index) const {
   const auto block = readRawBlock(file_, offsets_[index]);
   if (block && isWhole(file_, *block) && !isOpen(*block)) {

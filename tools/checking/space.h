@@ -31,7 +31,7 @@ class Space {
   /// Whether this is the last block of an unfinished file, and its data goes on to the file's end.
   bool isOpen(const RawBlock& block) const { return block.offset == open_block_; }
 
-  /// The block that covers an offset, or begins there: the nearest one in front of it. 0 for none.
+  /// The block that covers an offset or begins there: the last one before it. 0 for none.
   std::uint64_t blockAround(std::uint64_t offset) const;
 
   /// Visits each block that reaches into others, with the first of those, and what looks like a

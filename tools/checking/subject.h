@@ -15,7 +15,7 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// What the checks of a file work with.
+/// What the checks of a file share.
 struct Subject {
   InputFile& file;
   const BlockTable& blocks;
@@ -35,7 +35,7 @@ inline std::string nameAt(std::string_view letters, std::uint64_t offset) {
   return "##" + std::string(letters) + " at " + decimalAndHex(offset);
 }
 
-/// A count, of which the largest stands for more too: "18446744073709551615 or more".
+/// A count. The largest one stands for larger ones too: "18446744073709551615 or more".
 inline std::string countText(std::uint64_t count) {
   return std::to_string(count) + (count == UINT64_MAX ? " or more" : "");
 }

@@ -20,7 +20,7 @@ struct TextBytes {
   bool is_utf8 = false;
 };
 
-/// Looks at a text up to its first zero byte.
+/// Checks a text up to its first zero byte.
 TextBytes readTextBytes(InputFile& file, std::uint64_t offset, std::uint64_t size) {
   std::array<char, 4096> piece;
   TextBytes text;
@@ -41,7 +41,7 @@ TextBytes readTextBytes(InputFile& file, std::uint64_t offset, std::uint64_t siz
   return text;
 }
 
-/// Why a text is no XML; "" when it is.
+/// Why a text is not XML; "" when it is.
 std::string xmlFault(std::string text) {
   pugi::xml_document document;
   const pugi::xml_parse_result result = document.load_buffer_inplace(

@@ -11,13 +11,13 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// Tells whether bytes, given piece by piece, are UTF-8: no surrogates, nothing behind U+10FFFF, no
-/// longer forms than needed.
+/// Tells whether bytes, given piece by piece, are UTF-8: no surrogates, nothing beyond U+10FFFF, no
+/// overlong forms.
 class Utf8Check {
  public:
   void take(std::string_view bytes);
 
-  /// Whether all so far are, the last character being whole.
+  /// Whether everything so far is, and the last character is whole.
   bool isFine() const { return is_fine_ && missing_ == 0; }
 
  private:

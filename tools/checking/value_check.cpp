@@ -64,7 +64,7 @@ bool ValueCheck::isThere(std::uint64_t offset) {
   return offset != latest_ || is_latest_whole_;
 }
 
-/// Whether a value ends before the data does. One that cannot be read is not this channel's fault.
+/// Whether a value ends before the data does. Data that cannot be read is not the channel's fault.
 bool ValueCheck::isWhole(std::uint64_t offset) {
   std::array<char, length_bytes> bytes{};
   if (!reader_.skip(offset - reader_.position()) || !reader_.read(bytes.data(), bytes.size())) {

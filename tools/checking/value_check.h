@@ -10,7 +10,7 @@
 
 namespace mdf_tools {
 
-/// A channel whose records have no values but the offsets of values that stand elsewhere.
+/// A channel whose records hold the offsets of values that stand elsewhere.
 struct VariableChannel {
   std::uint32_t index;
   std::uint64_t values;  ///< link to signal data, or to a channel group whose records are values
@@ -25,16 +25,16 @@ struct VariableChannel {
   std::uint64_t bytes() const { return (bit_offset + bit_count + 7) / 8; }
 };
 
-/// Checks that such a channel's values are where its records say, each behind the four bytes of its
-/// length.
+/// Checks that such a channel's values are where its records say, each after its length in four
+/// bytes.
 ///
-/// The values are gone through once, from the front to the end, so that no zipped block is unzipped
-/// again however the offsets jump. A value in front of the one that was looked at before is not
-/// looked at: its length must be there, and may say anything.
+/// The values are read once, from the first to the last, so that no zipped block is unzipped twice
+/// however the offsets jump. Of a value that stands before the latest one only the offset is
+/// checked: its length must be there, and may say anything.
 class ValueCheck {
  public:
   /// @param bytes of all values with their lengths
-  /// @param blocks with the values; none if lengths are not to be looked at
+  /// @param blocks with the values; none if lengths are not to be checked
   ValueCheck(const Subject& subject, const VariableChannel& channel, std::uint64_t bytes,
              std::vector<std::uint64_t> blocks);
   ~ValueCheck() = default;
@@ -58,7 +58,7 @@ class ValueCheck {
   std::uint64_t bytes_;
   std::vector<std::uint64_t> blocks_;
   DataReader reader_;
-  std::uint64_t latest_ = UINT64_MAX;  ///< offset of the latest value that was looked at
+  std::uint64_t latest_ = UINT64_MAX;  ///< offset of the latest value that was read
   bool is_latest_whole_ = true;
   std::uint64_t records_ = 0;
   std::uint64_t missing_ = 0;

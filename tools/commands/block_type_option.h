@@ -7,7 +7,7 @@ class Validator;
 
 namespace mdf_tools {
 
-/// Makes small letters large, and refuses what is no type of blocks, with a sentence.
+/// Turns small letters into capitals, and refuses what is no block type.
 CLI::Validator isBlockType();
 
 }  // namespace mdf_tools

@@ -112,7 +112,9 @@ int explain(const std::string& word) {
     throw CLI::ValidationError("there is no code \"" + word + "\"; 'mdf check --codes' lists them");
   }
   std::ostringstream text;
-  text << code->word << " (" << severityWord(code->severity) << ")\n\n" << code->meaning << '\n';
+  text << code->word << " (" << severityWord(code->severity) << "): " << code->title << ".\n\n"
+       << code->meaning << "\n\n"
+       << code->advice << '\n';
   return printToOutput(text.str());
 }
 
@@ -125,27 +127,26 @@ int listCodes() {
 }
 
 constexpr const char* footer =
-    R"(Every block that can be reached is checked: where its links lead, its length, its counts against
-what is there; then texts, zipped data, digests of attachments, and the data of each channel group
-against its number of records. Files of MDF 4.0 to 4.2 by any program can be checked, and unfinished
-ones. Nothing is changed.
+    R"(Checks every block that can be reached: where its links lead, its length, and its counts; then
+texts, zipped data, digests of attachments, and the data of each channel group against its number of
+records. Takes files of MDF 4.0 to 4.2 by any program, finished or not, and changes nothing.
 
 Each problem is one line on standard output:
 
   FILE: OFFSET (HEX): SEVERITY CODE: what was expected and what was found [path to the block]
 
 The path names the links that lead to the block from the header block. The check goes on after a
-problem. Severities: an error means that programs lose data or read other data than was written; a
-warning that the format is broken or something is left open, though nothing is lost by it; a note
-tells what is allowed and worth knowing. A line on standard error counts them for each file.
+problem. Severities: with an error, programs lose data or read other data than was written; with a
+warning, the format is broken or something was left open, but nothing is lost; a note is about
+something allowed that is worth knowing. A line on standard error counts them for each file.
 
 Examples:
   mdf check trip.mf4                        check a file
   mdf check *.mf4 | grep ' error '          the errors of many
   mdf check --json trip.mf4 | jq .code      as JSON, an object a line
-  mdf check --explain link-outside-file     what a code means
+  mdf check --explain link-outside-file     what a code means, and what to do
 
-Exit code: 0 fine (notes may be there), 1 errors or warnings, 2 wrong arguments or unreadable file.)";
+Exit code: 0 fine (notes at most), 1 errors or warnings, 2 wrong arguments or unreadable file.)";
 
 }  // namespace
 
@@ -157,7 +158,9 @@ void addCheckCommand(CLI::App& app, int& exit_code) {
   command->add_flag(
       "--json", options->as_json,
       "Print an object a line, with schema, file, code, severity, offset, path, text");
-  command->add_option("--explain", options->explained, "Print what a code means, and no more")
+  command
+      ->add_option("--explain", options->explained,
+                   "Print what a code means and what to do, and no more")
       ->type_name("CODE");
   command->add_flag("--codes", options->lists_codes,
                     "Print all codes with their severities, and no more");

@@ -7,7 +7,7 @@ class App;
 
 namespace mdf_tools {
 
-/// What the program's exit code says.
+/// The program's exit codes.
 enum ExitCode : int {
   exit_fine = 0,
   exit_problem = 1,   ///< a file has problems, or the work could not be finished

@@ -29,23 +29,23 @@ struct DumpArguments {
 };
 
 constexpr const char* footer =
-    R"(Every block that can be reached from the header block is printed, in file order: a line with its
-offset, identifier, length, number of links and the links, each behind its name, all as they are
-stored, and then its fields as the library prints them. Where link fields say 0, look at the line. A
-block of an unknown type gets the line alone.
+    R"(Prints every block that can be reached from the header block, in file order: a line with its offset,
+identifier, length, number of links and the named links, all as they are stored, and then its fields
+as the library prints them. Where link fields say 0, look at the line. A block of an unknown type
+gets the line alone.
 
-With --hex the bytes themselves follow the line instead: those of the block's header, of each link
-and of each field with the format's name of it and its value, and of what stands behind the fields
-(values, data, texts) the first 256, or as many as --bytes says.
+With --hex the bytes follow the line instead: the block's header, each link and each field with the
+format's name for it and its value. What follows the fields (values, data, texts) is shown up to 256
+bytes, or as many as --bytes says.
 
 With --json each block is a line: schema, file, offset, type, length, link_count, links with role and
 offset, fields, the values of lists, the text of texts, and how many bytes of data there are. --bytes
 limits texts and values in the same way.
 
-Problems go to standard error, one line each with the block's offset, links counted from 0; what is
-readable is printed all the same. Data and texts are printed as the bytes that they are. When
-standard output is a terminal, control characters in them are shown as '.'. Several files are
-printed one behind the other, each after a line "FILE:".
+Problems go to standard error, one line each with the block's offset, links counted from 0; what can
+be read is printed all the same. Data and texts are printed byte for byte; on a terminal, control
+characters in them are shown as '.'. Several files are printed one after another, each after a line
+"FILE:".
 
 Examples:
   mdf dump trip.mf4 | less                   look through a file
@@ -54,7 +54,7 @@ Examples:
   mdf dump --hex --at 0x138 trip.mf4         the bytes of the block at an offset, field by field
   mdf dump --hex --type DT --bytes 64 *.mf4  how the data of several files begin
   mdf dump --json trip.mf4 | jq -r .type     for other programs
-  gunzip < trip.mf4.gz | mdf dump - > dump   dump what standard input brings
+  gunzip < trip.mf4.gz | mdf dump - > dump   dump standard input
 
 Exit code: 0 fine, 1 problems found in the file, 2 wrong arguments or unreadable file.)";
 

@@ -27,25 +27,26 @@ using namespace mdf_reader;
 namespace {
 
 constexpr const char* footer =
-    R"TXT(The samples of each channel group are a table: a column for each channel with its name and unit,
-the master channel (mostly time, in seconds since the recording began) in front, and a row for each
-record. A master channel that a group has in another one (MDF 4.2) stands in front all the same.
-Numbers have as many digits as it takes to read the same number back. Invalid samples are
-empty fields (null in jsonl), bytes are written as hexadecimal digits, dates as 2024-05-17T13:45:12.345.
+    R"TXT(The samples of each channel group become a table, with a row for each record and a column for each
+channel, headed by its name and unit. The master channel (mostly time, in seconds since the recording
+began) comes first, even where it belongs to another group (MDF 4.2). Numbers have as many digits as
+it takes to read the same number back. Invalid samples are empty fields (null in jsonl), bytes are
+written as hexadecimal digits, dates as 2024-05-17T13:45:12.345.
 
 csv    a line "name [unit],..." and a line for each sample, quoted as in RFC 4180. Several tables
-       stand one behind the other, with an empty line between them.
+       follow one another, with an empty line between them.
 jsonl  a line {"schema":1,"group":N,"name":...,"columns":[{"name":...,"unit":...},...]} for each
        table and a line {"schema":1,"group":N,"values":{"name":value,...}} for each sample.
 
 Members of structures are called "structure.member", elements of arrays "name[0][1]", members of
-such an element "name[0].member"; the second channel with a name is "name (2)". Channel groups are counted from 0 on through the whole file. Where
-an output is a folder, each table gets a file there: FILE.N.csv for channel group N of FILE.
+such an element "name[0].member"; the second channel with a name is "name (2)". Channel groups are
+numbered from 0 through the whole file. With a folder for OUT, each table gets a file there:
+FILE.N.csv for channel group N of FILE.
 
-Elements of an array that have records of their own are a table each, with the channels that they
-share: FILE.N.K.csv for element K of channel group N, counted from 0 on, which is "element" in jsonl.
+Array elements that have records of their own become a table each, with the channels that they
+share: FILE.N.K.csv for element K of channel group N, numbered from 0; jsonl has K as "element".
 
-In formulas of conversions, log is the logarithm to the base 10 and ln that to the base e.
+In conversion formulas, log is the logarithm to base 10 and ln the natural one.
 
 Examples:
   mdf export trip.mf4 > trip.csv
@@ -94,7 +95,7 @@ class TableFile {
   bool isOpen() const { return file_ != nullptr; }
   std::ostream& out() { return out_; }
 
-  /// Ends it, and says on standard error what has gone wrong since the beginning, if anything.
+  /// Closes it, and says on standard error what has gone wrong since the beginning, if anything.
   bool close() {
     if (buffer_ != nullptr) {
       buffer_->flush();
@@ -134,7 +135,7 @@ class Destination {
     if (request.isToFile()) {
       file_ = std::make_unique<TableFile>(request.output);
     } else if (request.isToFolder()) {
-      std::error_code ignored;  // a file in it tells
+      std::error_code ignored;  // opening a file in it fails then
       std::filesystem::create_directories(request.output, ignored);
     }
   }
@@ -142,7 +143,7 @@ class Destination {
   bool isOpen() const { return file_ == nullptr || file_->isOpen(); }
   bool hasFailed() const { return has_failed_; }
 
-  /// Where a table of an input file goes; the table before has ended.
+  /// Where a table of an input file goes; the previous table has ended.
   std::ostream* next(const std::string& path, const Table& table, std::ostream& standard_output) {
     if (!request_.isToFolder()) {
       std::ostream& out = file_ == nullptr ? standard_output : file_->out();
@@ -187,7 +188,7 @@ bool overwritesInput(const Request& request) {
          });
 }
 
-/// Two files whose tables would have the same names in a folder, if there are such.
+/// Two files whose tables would have the same names in a folder, if there are any.
 std::optional<std::string> filesOfOneName(const Request& request) {
   std::map<std::string, std::string> paths;  // by the beginning of their tables' names
   for (const std::string& path : *request.paths) {

@@ -17,9 +17,9 @@ using namespace mdf_reader;
 namespace {
 
 void noteNothing(const std::string& file_name, const std::string& name_pattern) {
-  std::cerr << "mdf: " << file_name << ": note: there is no attachment";
+  std::cerr << "mdf: " << file_name << ": note: no attachment";
   if (!name_pattern.empty()) {
-    std::cerr << " that fits \"" << name_pattern << '"';
+    std::cerr << " matches \"" << name_pattern << '"';
   }
   std::cerr << '\n';
 }
@@ -43,9 +43,9 @@ int extract(const std::vector<std::string>& paths, const ExtractOptions& options
 }
 
 constexpr const char* footer =
-    R"(Compressed attachments are inflated, and digests are verified: what is damaged is reported and not
-written. Files are made in the chosen folder and nowhere else, whatever path a stored name gives;
-attachments with the same name get numbers. 'mdf list attachments' shows what there is.
+    R"(Inflates compressed attachments and verifies their digests: what is damaged is reported and not
+written. Files go to the chosen folder and nowhere else, whatever path a stored name gives;
+attachments with the same name get numbers. 'mdf list attachments' shows what a file has.
 
 Examples:
   mdf extract trip.mf4                        into this folder
@@ -60,15 +60,15 @@ void addExtractCommand(CLI::App& app, int& exit_code) {
   CLI::App* command = app.add_subcommand("extract", "Write attachments to files");
   const auto paths = addFileArguments(*command);
   const auto options = std::make_shared<ExtractOptions>();
-  command->add_option("-o,--to", options->folder, "The folder, which must be there")
+  command->add_option("-o,--to", options->folder, "The folder, which must exist")
       ->check(CLI::ExistingDirectory)
       ->capture_default_str()
       ->type_name("FOLDER");
   command
       ->add_option("--name", options->name_pattern,
-                   "Only what is named so; * ? [...] match as in a shell")
+                   "Only names that match; * ? [...] as in a shell")
       ->type_name("GLOB");
-  command->add_flag("--force", options->replaces, "Replace files that are there");
+  command->add_flag("--force", options->replaces, "Replace existing files");
   command->add_flag("--json", options->as_json, "Print a JSON object for each attachment");
   command->footer(footer);
   command->callback([paths, options, &exit_code] { exit_code = extract(*paths, *options); });

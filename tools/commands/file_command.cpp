@@ -27,7 +27,7 @@ namespace {
 
 void complain(const std::string& sentence) { std::cerr << "mdf: " << sentence << '\n'; }
 
-/// Data on the same terminal shows by itself that work goes on.
+/// Data on the same terminal shows progress enough.
 bool wantsProgress() { return isatty(STDERR_FILENO) != 0 && !outputIsTerminal(); }
 
 /// The work on one file; returns its exit code.
@@ -52,7 +52,7 @@ int onFile(const std::string& path, bool is_one_of_several, std::ostream& out,
     complain(error.what());
     exit_code = exit_unusable;
   } catch (const std::bad_alloc&) {
-    complain(path + ": there is too little memory for what the file says of itself");
+    complain(path + ": not enough memory for the sizes that the file states");
     exit_code = exit_problem;
   }
   return exit_code;

@@ -21,7 +21,7 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// What a command that looks into files works with.
+/// What a command gets for each file.
 struct FileContext {
   InputFile& file;
   std::ostream& out;          ///< data, on its way to standard output
@@ -39,7 +39,7 @@ std::shared_ptr<std::vector<std::string>> addFileArguments(CLI::App& command);
 int onEachFile(const std::vector<std::string>& paths,
                const std::function<void(const FileContext&)>& work);
 
-/// Prints to standard output what was gathered from all files; returns the exit code.
+/// Prints what was gathered from all files to standard output; returns the exit code.
 int printToOutput(const std::string& text);
 
 /// Whether standard output is a terminal.

@@ -34,19 +34,18 @@ struct GraphArguments {
 };
 
 constexpr const char* footer =
-    R"(Without --map a box for each block, with type, offset, name and what tells it from others, and an
-arrow for each link with its name; dashed arrows lead to blocks that are drawn elsewhere. Of a file
-with more than 300 blocks only the first of each chain and list are drawn, and how many more there
-are. Colours tell the file's own blocks, groups, channels, conversions, texts and data apart.
+    R"(Without --map, draws a box for each block, with type, offset, name and main properties, and an arrow
+for each link, with its name; dashed arrows lead to blocks that are drawn elsewhere. Of a file with
+more than 300 blocks, only the first of each chain and list are drawn, with the number of the rest.
+Colours tell the file's own blocks, groups, channels, conversions, texts and data apart.
 
-With --map the file's bytes from beginning to end, row by row: blocks by colour, places without a
-block that the header leads to white, places where blocks overlap red, and the sums below.
+With --map, draws the file's bytes from beginning to end, row by row: blocks in the colours of their
+types, bytes outside all blocks in white, overlapping blocks in red, and the sums below.
 
-The suffix of OUT chooses the form: .svg and .png are drawn by Graphviz (its program neato), .dot is
-what Graphviz would be given, and - is the same on standard output. Several files go into one
-picture. OUT appears when it is complete. With --json standard output gets a line for each file: its
-boxes and arrows, or the sums of its map. Problems go to standard error, one line each with the
-block's offset.
+The suffix of OUT chooses the form. Graphviz (its program neato) draws .svg and .png; .dot is the
+input for Graphviz, and - writes that to standard output. Several files go into one picture. OUT
+appears when it is complete. With --json, standard output gets a line for each file: its boxes and
+arrows, or the sums of its map. Problems go to standard error, one line each with the block's offset.
 
 Examples:
   mdf graph -o trip.svg trip.mf4                  the whole file
@@ -54,7 +53,7 @@ Examples:
   mdf graph -o cg.svg --from 0x828 trip.mf4       a block and what is below it
   mdf graph -o top.svg --depth 2 trip.mf4         data groups and channel groups alone
   mdf graph -o map.png --map trip.mf4             where in the file the blocks are
-  mdf graph -o - trip.mf4 | neato -n2 -Tpdf > x   any other form that Graphviz knows
+  mdf graph -o - trip.mf4 | neato -n2 -Tpdf > x   any other format that Graphviz writes
 
 Exit code: 0 fine, 1 problems found in the file or no picture, 2 wrong arguments or unreadable file.)";
 
@@ -67,7 +66,7 @@ CLI::Validator isPicture() {
       [](const std::string& path) {
         const std::string suffix = suffixOf(path);
         const bool is_known = suffix == ".svg" || suffix == ".png" || suffix == ".dot";
-        return is_known ? std::string() : "\"" + path + "\" ends in none of .svg, .png and .dot";
+        return is_known ? std::string() : "\"" + path + "\" must end in .svg, .png or .dot";
       },
       "");
 }
@@ -122,7 +121,7 @@ void Picture::add(const FileContext& context) {
 std::string drawn(const std::string& dot, const std::string& suffix) {
   return suffix == ".dot" ? dot
                           : drawnBy({{"neato", "-n2", "-T" + suffix.substr(1)},
-                                     "install Graphviz, or have a .dot file written"},
+                                     "install Graphviz, or write a .dot file"},
                                     dot);
 }
 

@@ -32,10 +32,9 @@ int printDocument(const std::vector<std::string>& paths) {
 }
 
 constexpr const char* footer =
-    R"(The page says what the file is, when it was started and by what program, whether it is finished,
-and what is in it: channel groups with their records, and blocks by type. Only headers are read,
-however large the file is. Rate and duration are what the master channels state of themselves; "not
-stated" when they do not.
+    R"(Says what the file is, when and by what program it was started, whether it is finished, and what is
+in it: channel groups with their records, and blocks by type. Reads headers only, however large the
+file is. Rate and duration come from the range that the master channels state, or are "not stated".
 
 Examples:
   mdf info trip.mf4                                a page

@@ -51,7 +51,7 @@ void addList(CLI::App& list_command, const ListKind& kind, int& exit_code) {
   if (kind.list != listBlocks) {
     command
         ->add_option("--name", options->name_pattern,
-                     "Only what is named so; * ? [...] match as in a shell")
+                     "Only names that match; * ? [...] as in a shell")
         ->type_name("GLOB");
   }
   CLI::Option* type = command->add_option("--type", options->types, kind.types)
@@ -70,19 +70,19 @@ void addList(CLI::App& list_command, const ListKind& kind, int& exit_code) {
 }
 
 constexpr const char* channels_footer =
-    R"("at" is the byte in the record, and behind the point the bit in it. Members of a structure stand
-below it, moved to the right.
+    R"("at" is the channel's first byte in the record and, after the point, the first bit in that byte.
+Members of a structure are indented below it.
 
 Examples:
   mdf list channels trip.mf4                        all channels
   mdf list channels trip.mf4 --name '*speed*'       find one
-  mdf list channels trip.mf4 --type master          what they are drawn over
+  mdf list channels trip.mf4 --type master          the axes: time, angle and so on
   mdf list channels trip.mf4 --json | jq -r .name   for a script
 
 Exit code: 0 fine, 1 problems found in a file, 2 wrong arguments or unreadable file.)";
 
 constexpr const char* blocks_footer =
-    R"(Blocks that can be reached from the header block, in file order.
+    R"(Lists the blocks that can be reached from the header block, in file order.
 
 Examples:
   mdf list blocks trip.mf4 --type CN,CC
@@ -91,8 +91,8 @@ Examples:
 Exit code: 0 fine, 1 problems found in a file, 2 wrong arguments or unreadable file.)";
 
 constexpr const char* attachments_footer =
-    R"("bytes" is the size of the data before it was compressed. What is stored elsewhere is not in the
-file; its name says where it was. 'mdf extract' writes attachments to files.
+    R"("bytes" is the size of the data before compression. An attachment that is stored elsewhere is
+listed by the name of the place where it was. 'mdf extract' writes attachments to files.
 
 Exit code: 0 fine, 1 problems found in a file, 2 wrong arguments or unreadable file.)";
 

@@ -10,7 +10,7 @@
 
 namespace mdf_tools {
 
-/// Refuses what counts nothing, such as "-1" and "many", with a sentence.
+/// Refuses what is not a count, such as "-1" and "many".
 inline CLI::Validator isCount() {
   return CLI::Validator(
       [](const std::string& text) {
@@ -18,19 +18,19 @@ inline CLI::Validator isCount() {
         std::size_t count = 0;
         const auto parsed = std::from_chars(text.data(), end, count);
         const bool is_count = parsed.ec == std::errc() && parsed.ptr == end;
-        return is_count ? std::string() : '"' + text + "\" is no number such as 0, 1 or 20";
+        return is_count ? std::string() : '"' + text + "\" is not a number such as 0, 1 or 20";
       },
       "");
 }
 
-/// Refuses what is no number with or without a fraction, with a sentence.
+/// Refuses what is not a number, with or without a fraction.
 inline CLI::Validator isNumber() {
   return CLI::Validator(
       [](const std::string& text) {
         char* end = nullptr;
         const double number = std::strtod(text.c_str(), &end);
         const bool is_number = !text.empty() && *end == '\0' && !std::isnan(number);
-        return is_number ? std::string() : '"' + text + "\" is no number such as 20 or 1.5";
+        return is_number ? std::string() : '"' + text + "\" is not a number such as 20 or 1.5";
       },
       "");
 }

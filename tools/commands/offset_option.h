@@ -22,12 +22,12 @@ inline std::optional<std::uint64_t> parseOffset(const std::string& text) {
   return offset;
 }
 
-/// Refuses what is no offset, with a sentence.
+/// Refuses what is not an offset.
 inline CLI::Validator isOffset() {
   return CLI::Validator(
       [](const std::string& text) {
         return parseOffset(text) ? std::string()
-                                 : "\"" + text + "\" is no offset such as 312 or 0x138";
+                                 : "\"" + text + "\" is not an offset such as 312 or 0x138";
       },
       "");
 }

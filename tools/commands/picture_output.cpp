@@ -28,7 +28,7 @@ void writeToOutput(const std::string& bytes) {
   }
 }
 
-/// A device or a pipe is written to, and nothing else takes its place.
+/// A device or a pipe is written to, not replaced.
 void writeToDevice(const fs::path& path, const std::string& bytes) {
   std::ofstream device(path, std::ios::binary);
   device << bytes;
@@ -51,7 +51,7 @@ void write(const std::string& path, const std::string& bytes) {
   } else if (fs::is_other(path, none)) {
     writeToDevice(path, bytes);
   } else {
-    // A link stays one, and what it leads to is replaced.
+    // A symbolic link stays; the file that it points to is replaced.
     const fs::path there = fs::canonical(path, none);
     writeToFile(none ? fs::path(path) : there, bytes);
   }

@@ -7,7 +7,7 @@
 namespace mdf_tools {
 
 /// Draws a picture and writes it to a file, or to standard output for "-". A file appears when it
-/// is complete. Returns the exit code; what has gone wrong is said on standard error.
+/// is complete. Returns the exit code, and says on standard error what has gone wrong.
 /// @param draw may throw DrawingFailed.
 int writePicture(const std::string& path, const std::function<std::string()>& draw);
 

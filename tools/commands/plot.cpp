@@ -26,12 +26,12 @@ using namespace mdf_reader;
 namespace {
 
 constexpr const char* footer =
-    R"TXT(Channels are drawn over the master channel of their channel group, mostly time, in a panel for each
-unit. Invalid samples are gaps. However many samples there are, a picture keeps the lowest and the
-highest value in each of its columns. Values that are texts are drawn as the numbers that stand for
-them in the file. gnuplot does the drawing and has to be installed; with --json standard output gets
-the points themselves, {"schema":1,"curves":[{"name":...,"unit":...,"over":...,"points":[[x,y],...]}]}
-with null for each gap, as many as a picture keeps.
+    R"TXT(Draws channels over the master channel of their channel group, mostly time, in a panel for each unit.
+Invalid samples are gaps. However many samples there are, a picture keeps the lowest and the highest
+value in each of its columns. Text values are drawn as the numbers that stand for them in the file.
+gnuplot does the drawing and must be installed. With --json, standard output gets the points that a
+picture would keep, {"schema":1,"curves":[{"name":...,"unit":...,"over":...,"points":[[x,y],...]}]}
+with null for each gap.
 
 Examples:
   mdf plot trip.mf4 -c 'speed*' rpm -o trip.svg
@@ -55,7 +55,7 @@ int complain(const std::string& sentence, ExitCode exit_code) {
   return exit_code;
 }
 
-/// The form that is asked for by name or by the output's ending; "" for none.
+/// The format asked for by name or by the output's suffix; "" for none.
 std::string formatOf(const Request& request) {
   if (!request.format.empty()) {
     return request.format;
@@ -85,7 +85,7 @@ ChartForm formOf(const Request& request, const std::string& format) {
   return form;
 }
 
-/// Takes the curves out of all files; returns the exit code.
+/// Collects the curves of all files; returns the exit code.
 int collect(const Request& request, std::size_t width, std::vector<Curve>& curves) {
   int exit_code = exit_fine;
   const int reading = onEachFile(request.paths, [&](const FileContext& context) {
@@ -139,12 +139,12 @@ bool hasNumbers(const Curve& curve) {
 int drawPicture(const Request& request) {
   const std::string format = formatOf(request);
   if (format.empty()) {
-    return complain("cannot tell the picture's form from " + request.output +
+    return complain("cannot tell the picture's format from " + request.output +
                         "; end it in .svg or .png, or add --format",
                     exit_unusable);
   }
   if (format == "png" && request.output == "-" && outputIsTerminal()) {
-    return complain("a terminal shows no PNG; name a file with -o", exit_unusable);
+    return complain("a terminal cannot show PNG; name a file with -o", exit_unusable);
   }
   const ChartForm form = formOf(request, format);
   std::vector<Curve> curves;
@@ -153,10 +153,10 @@ int drawPicture(const Request& request) {
     return std::max<int>(exit_code, exit_problem);
   }
   if (std::none_of(curves.begin(), curves.end(), hasNumbers)) {
-    std::cerr << "mdf: note: there is nothing to draw: no sample chosen is a number\n";
+    std::cerr << "mdf: note: nothing to draw: none of the chosen samples is a number\n";
   }
   const int drawing = writePicture(request.output, [&] {
-    // No settings of the user's own.
+    // Without the user's own settings.
     return drawnBy({{"gnuplot", "-d"}, "install gnuplot"}, gnuplotScript(curves, form));
   });
   return std::max(exit_code, drawing);
@@ -175,14 +175,12 @@ void addPlotCommand(CLI::App& app, int& exit_code) {
       ->type_name("");
   request->selection = addSelectionOptions(*command, true);
   command->get_option("--channel")->required();
-  CLI::Option* output =
-      command
-          ->add_option("-o,--output", request->output,
-                       "The picture, by its ending .svg or .png; - is standard output")
-          ->type_name("OUT");
+  CLI::Option* output = command
+                            ->add_option("-o,--output", request->output,
+                                         "The picture, a .svg or .png file; - is standard output")
+                            ->type_name("OUT");
   CLI::Option* format =
-      command
-          ->add_option("--format", request->format, "The form of the picture, if not by its ending")
+      command->add_option("--format", request->format, "The picture's format, if OUT does not tell")
           ->check(CLI::IsMember({"svg", "png", "ascii"}))
           ->option_text("svg|png|ascii");
   command->add_flag("--json", request->is_json, "Print the points as one JSON document instead")

@@ -20,24 +20,24 @@ namespace mdf_tools {
 
 namespace {
 
-constexpr const char* footer = R"(Recorded are, from /proc and /sys:
+constexpr const char* footer = R"(Records these signals from /proc and /sys:
   cpu_total, cpu0, ...                 utilisation in %
   load_1min, load_5min, load_15min     load average
   mem_total, mem_free, mem_available, mem_buffers, mem_cached, swap_free   in KiB
   net_<interface>_rx_bytes, _rx_packets, _tx_bytes, _tx_packets            counters
   temp_<chip>_<sensor>                 in degrees Celsius, where there are sensors
-over the channel time, in seconds since the start.
+and the channel time, in seconds since the start.
 
-Ctrl-C ends a recording at once; the file is complete. So does SIGTERM. A recording that is cut
-off, by a power failure say, leaves a file that starts with UnFinMF in place of MDF.
-Samples that come too late for the rate are left out and counted as missed.
+Ctrl-C and SIGTERM end a recording at once; the file is complete. A recording that is cut off, by a
+power failure say, leaves a file that starts with UnFinMF in place of MDF. Samples that come too
+late for the rate are left out and counted as missed.
 
 Examples:
   mdf record drive.mf4                            ten seconds, 100 samples a second
   mdf record drive.mf4 --duration 1.5h --rate 10Hz
   mdf record drive.mf4 --duration 0               until Ctrl-C
 
-Exit code: 0 recorded, 1 the file could not be written to the end, 2 nothing was started.)";
+Exit code: 0 recorded, 1 the file could not be written to the end, 2 the recording could not start.)";
 
 struct Request {
   std::string path;
@@ -45,7 +45,7 @@ struct Request {
   std::string rate = "100Hz";
 };
 
-/// How a recording gets on, once a second on a terminal.
+/// Shows how a recording gets on, once a second on a terminal.
 class Progress {
  public:
   Progress() = default;
@@ -62,7 +62,7 @@ class Progress {
       shown_ = true;
     }
   }
-  /// Takes the line away, for what is printed next.
+  /// Clears the line for what is printed next.
   void end() {
     if (shown_) {
       (void)std::fputs("\r\033[K", stderr);
@@ -100,8 +100,9 @@ void summarise(const Recorder& recorder, const Request& request, double rate, do
                      counted(recorder.channels(), "channel").c_str(), seconds, request.path.c_str(),
                      counted(missed, "sample").c_str());
   if (missed > 0) {
-    (void)std::fprintf(stderr, "a rate of %s Hz could not be kept all the time\n",
-                       shortNumber(rate).c_str());
+    (void)std::fprintf(
+        stderr, "could not keep up %s Hz all the time; a lower --rate misses fewer samples\n",
+        shortNumber(rate).c_str());
   }
 }
 
@@ -159,7 +160,7 @@ void addRecordCommand(CLI::App& app, int& exit_code) {
   const auto request = std::make_shared<Request>();
   CLI::App* const command =
       app.add_subcommand("record", "Record the live signals of this machine in a new file");
-  command->add_option("OUT.mf4", request->path, "The file; one that is there is overwritten")
+  command->add_option("OUT.mf4", request->path, "The file; an existing one is overwritten")
       ->required()
       ->type_name("FILE");
   command

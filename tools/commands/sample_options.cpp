@@ -11,7 +11,7 @@ std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_sev
   auto selection = std::make_shared<Selection>();
   command
       .add_option("-c,--channel", selection->channels,
-                  "Channels whose name fits a pattern with *, ? and [...]; may be repeated")
+                  "Channels whose name matches a pattern with *, ? and [...]; may be repeated")
       ->type_name("GLOB")
       ->allow_extra_args(takes_several);
   command.add_option("-g,--group", selection->group, "The channel group with this number alone")
@@ -25,7 +25,7 @@ std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_sev
       ->check(isNumber());
   command.parse_complete_callback([selection] {
     if (selection->from && selection->to && *selection->from > *selection->to) {
-      throw CLI::ValidationError("--from is behind --to");
+      throw CLI::ValidationError("--from is after --to");
     }
   });
   command.add_flag("--raw", selection->is_raw, "Values as they are stored, without conversions");
@@ -33,9 +33,9 @@ std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_sev
 }
 
 void complainOfNothing(const std::string& file_name, const Selection& selection) {
-  std::cerr << "mdf: " << file_name << ": there is no ";
+  std::cerr << "mdf: " << file_name << ": no ";
   if (!selection.channels.empty()) {
-    std::cerr << "channel that fits";
+    std::cerr << "channel matches";
     for (const std::string& pattern : selection.channels) {
       std::cerr << " \"" << pattern << '"';
     }

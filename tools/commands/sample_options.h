@@ -15,11 +15,11 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// Adds the options that say which samples are wanted: --channel, --group, --from, --to, --raw.
+/// Adds the options that choose samples: --channel, --group, --from, --to, --raw.
 /// @param takes_several whether one --channel may be followed by several patterns.
 std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_several);
 
-/// Says on standard error that a file has none of the samples that are wanted.
+/// Says on standard error that a file has none of the chosen samples.
 void complainOfNothing(const std::string& file_name, const Selection& selection);
 
 /// Says a sentence about a file on standard error.

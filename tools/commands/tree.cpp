@@ -26,16 +26,16 @@ struct TreeArguments {
 };
 
 constexpr const char* footer =
-    R"(A line for each link of each block, from the header block down: the link's name, the block's type and
-offset, its name and what tells it from others. Blocks of a chain, such as the channels of a group,
-are on one level. A block is expanded where it is reached first; after that its line says "shared",
-or "cycle" where the link leads back to a block that it is below of or behind in the same chain.
+    R"(Prints a line for each link of each block, from the header block down: the link's name, and the
+block's type, offset, name and main properties. Blocks of a chain, such as the channels of a group,
+are on one level. A block is expanded where it is reached first; later its line says "shared", or
+"cycle" where the link leads back to a block above it or before it in the same chain.
 
-Of a list or chain of more than 100 the rest is counted, unless --all asks for every one.
+Lists and chains are shown up to 100 entries, and the rest is counted; --all shows every entry.
 
 With --json each line is an object: schema, file, entry ("block", "shared", "cycle", "nothing" where
-no block is, "left out"), depth, from, role, offset, and for blocks type, length, name and what else
-there is to say. Problems go to standard error, one line each with the block's offset.
+no block is, "left out"), depth, from, role, offset, and for blocks type, length, name and their
+properties. Problems go to standard error, one line each with the block's offset.
 
 Examples:
   mdf tree trip.mf4 | less                       look through a file

@@ -17,7 +17,7 @@ using namespace mdf_reader;
 
 namespace {
 
-/// Why an attachment's data is not written; "" when it is fine.
+/// Why an attachment's data is not written; "" when it is.
 std::string damage(AttachmentData state) {
   switch (state) {
     case AttachmentData::cut_off:
@@ -50,7 +50,7 @@ class Extractor {
   const ExtractOptions& options_;
   std::ostream& out_;
   const FindingSink& report_;
-  std::map<std::string, std::size_t> names_;  ///< and how many attachments wanted each
+  std::map<std::string, std::size_t> names_;  ///< and how many attachments asked for each
 };
 
 std::string Extractor::freeName(const Attachment& attachment) {
@@ -90,7 +90,7 @@ bool Extractor::extract(const Attachment& attachment) {
   return true;
 }
 
-/// Says where an attachment has been written to; "" for one that is not in the file.
+/// Says where an attachment was written; "" for one that is not in the file.
 void Extractor::tell(const Attachment& attachment, const std::string& path, std::uint64_t size) {
   if (options_.as_json) {
     Json line = {{"schema", json_schema},

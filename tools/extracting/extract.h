@@ -18,7 +18,7 @@ using namespace mdf_reader;
 struct ExtractOptions {
   std::string folder = ".";
   std::string name_pattern;  ///< with * ? [...] as in a shell, for stored names; "" for any
-  bool replaces = false;     ///< files that are there under the same name
+  bool replaces = false;     ///< existing files of the same name
   bool as_json = false;      ///< an object on each line of output
 };
 

@@ -6,7 +6,7 @@ namespace mdf_tools {
 
 namespace {
 
-/// Bytes of a name: the most is 255, and a number is to fit behind it.
+/// Bytes of a name: at most 255, and a number must fit after it.
 constexpr std::size_t longest = 200;
 
 bool isForbidden(char character) {

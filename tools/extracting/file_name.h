@@ -7,9 +7,9 @@
 
 namespace mdf_tools {
 
-/// A name for a file in a folder, made of a name or path that stands in a measurement file and may
-/// be anything: what is behind the last '/' or '\', without control characters, and not so long
-/// that no file can have it. Where nothing is left, or only points, it is "attachment".
+/// A file name made of a name or path that stands in a measurement file and may be anything: what
+/// follows the last '/' or '\', without control characters, and cut to the length that a file's
+/// name may have. It is "attachment" when nothing is left, or only points.
 std::string safeFileName(std::string_view stored);
 
 /// The same name with a number in front of its suffix: "log (2).txt".

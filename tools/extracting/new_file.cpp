@@ -42,7 +42,7 @@ NewFile::NewFile(const std::string& folder, const std::string& name)
 }
 
 NewFile::~NewFile() {
-  // It is gone after renaming; what is left of a failure goes away here.
+  // It is gone after renaming; what a failure left is removed here.
   unlinkat(folder_.number(), temporary_name_.c_str(), 0);
 }
 
@@ -66,7 +66,7 @@ bool NewFile::complete(bool replaces) {
     }
     return true;
   }
-  // A second name for the file can be given only where none is.
+  // A file can get a second name only where there is none.
   if (linkat(folder, temporary_name_.c_str(), folder, name_.c_str(), 0) != 0) {
     if (errno != EEXIST) {
       fail("write");

@@ -30,8 +30,8 @@ class NewFile {
   /// @throws Unwritable
   void write(std::string_view bytes);
 
-  /// Gives the file its name. One that is there is replaced or, unless `replaces`, left alone.
-  /// @return false when one was there and has been left alone.
+  /// Gives the file its name. An existing one is replaced or, unless `replaces`, left alone.
+  /// @return false when there was one, which has been left alone.
   /// @throws Unwritable
   bool complete(bool replaces);
 

@@ -10,8 +10,8 @@ namespace mdf_tools {
 enum class BlockFamily { file, group, channel, conversion, text, data, other };
 inline constexpr std::size_t family_count = 7;
 
-/// The family of a type by its letters, those of later versions and the identification ("ID")
-/// included.
+/// The family of a type by its letters, including types of later versions and the identification
+/// ("ID").
 BlockFamily familyOf(std::string_view letters);
 
 /// A colour as "#80b1d3".

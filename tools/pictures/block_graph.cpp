@@ -11,12 +11,12 @@ using namespace mdf_reader;
 
 namespace {
 
-constexpr std::size_t readable_nodes = 300;  // what a file may have to be drawn whole
+constexpr std::size_t readable_nodes = 300;  // at most so many for a file to be drawn whole
 constexpr std::size_t shortened_nodes = 150;
 constexpr std::size_t most_nodes = 500;
 constexpr std::size_t most_links = 1500;
 
-/// Takes up the entries of a tree as long as there is room for them.
+/// Takes the entries of a tree as long as there is room for them.
 class GraphMaker {
  public:
   GraphMaker(InputFile& file, std::size_t room) : file_(file), room_(room) {}
@@ -59,7 +59,7 @@ void GraphMaker::addNode(const TreeEntry& entry) {
 }
 
 void GraphMaker::addLink(const TreeEntry& entry, std::size_t target) {
-  // What a link comes from is drawn, or it is the last one of those that are left out.
+  // The link's origin is drawn, or is the last of those that are left out.
   const auto from = nodes_.find(entry.from);
   constexpr std::string_view ending = "_next";
   const bool is_on_level =
@@ -111,7 +111,7 @@ Json nodeAsJson(const GraphNode& node) {
 }  // namespace
 
 BlockGraph makeGraph(InputFile& file, const TreeOptions& options, const FindingSink& report) {
-  // What is wrong is reported the first time only.
+  // Problems are reported the first time only.
   const FindingSink silent = [](const Finding& /*finding*/) {};
   constexpr std::array<std::uint64_t, 5> limits = {100, 8, 5, 3, 2};
   for (const std::uint64_t limit : limits) {

@@ -14,7 +14,7 @@ namespace mdf_tools {
 
 /// A box of the graph.
 struct GraphNode {
-  TreeEntry::Kind kind = TreeEntry::block;  ///< a block, nothing where a block should be, or more
+  TreeEntry::Kind kind = TreeEntry::block;  ///< a block, a missing block, or more
                                             ///< blocks that are left out
   std::uint64_t offset = 0;
   std::string type;
@@ -41,11 +41,11 @@ struct BlockGraph {
   std::uint64_t left_out = 0;  ///< links that found no room at all
 };
 
-/// Makes a graph that can be looked at: of up to 300 blocks all, beyond that the first blocks of
+/// Makes a graph that people can take in: up to 300 blocks whole, beyond that the first blocks of
 /// each chain and list, and never more than 500 boxes.
 BlockGraph makeGraph(InputFile& file, const TreeOptions& options, const FindingSink& report);
 
-/// A picture that is put together from parts, one below the other. Lengths are in points.
+/// A picture made of parts, one below another. Lengths are in points.
 struct GraphPicture {
   std::string parts;
   double width = 0;
@@ -57,8 +57,8 @@ struct GraphPicture {
 void addGraph(GraphPicture& picture, const BlockGraph& graph, const std::string& title,
               const std::string& prefix);
 
-/// The picture in the DOT language, with places for all boxes, for Graphviz's program neato with
-/// the option -n2.
+/// The picture in the DOT language with the positions of all boxes, for Graphviz's program neato
+/// with the option -n2.
 std::string dotOf(const GraphPicture& picture);
 
 /// The graph as an object for programs.

@@ -59,7 +59,7 @@ class MapMaker {
 
   InputFile& file_;
   BlockMap map_;
-  std::vector<Cell> cells_;  ///< and one behind the file
+  std::vector<Cell> cells_;  ///< and one past the end of the file
   std::uint64_t covered_until_ = 0;
   std::uint64_t overlapped_until_ = 0;
   std::unordered_map<std::string, TypeShare> types_;
@@ -102,7 +102,7 @@ void MapMaker::addGap(std::uint64_t bytes) {
   ++map_.gaps;
 }
 
-/// Extents that come here do not overlap, so that each cell is filled once.
+/// These extents do not overlap, so that each cell is filled once.
 void MapMaker::occupy(Extent extent, std::uint64_t offset, std::string_view letters) {
   const auto family = static_cast<std::size_t>(familyOf(letters));
   while (extent.begin < extent.end) {
@@ -121,7 +121,7 @@ void MapMaker::occupy(Extent extent, std::uint64_t offset, std::string_view lett
   }
 }
 
-/// There may be as many of these as there are blocks, each over the whole file.
+/// There may be as many of these as blocks, each over the whole file.
 void MapMaker::overlap(Extent extent) {
   if (extent.size() == 0) {
     return;

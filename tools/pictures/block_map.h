@@ -17,7 +17,7 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// Neighbouring cells of one row of a map that hold the same.
+/// Neighbouring cells in a row of the map with the same content.
 struct MapRun {
   enum Kind { blocks, gap, overlap };
   Kind kind;
@@ -28,7 +28,7 @@ struct MapRun {
   std::uint64_t offset;  ///< of the block that fills them; 0 for several blocks, and gaps
 };
 
-/// What there is of one type.
+/// The blocks of one type.
 struct TypeShare {
   std::string type;
   std::uint64_t blocks = 0;
@@ -48,11 +48,11 @@ struct BlockMap {
   std::uint64_t overlap_bytes = 0;  ///< bytes that belong to more than one
 };
 
-/// The map takes the same memory for every file, but for the walk through its blocks.
+/// The map takes the same memory for every file, apart from the walk through its blocks.
 BlockMap makeMap(InputFile& file, const FindingSink& report);
 
-/// The map as a part of a picture in the DOT language, with places for all that it shows, beginning
-/// at a height in points; goes down and returns where it ends.
+/// The map as a part of a picture in the DOT language, with the positions of all that it shows,
+/// from a height in points downwards; returns the height where it ends.
 std::string mapPart(const BlockMap& map, const std::string& title, const std::string& prefix,
                     double& height);
 

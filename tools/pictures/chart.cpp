@@ -21,7 +21,7 @@ std::string labelOf(const std::string& name, const std::string& unit) {
   return unit.empty() ? name : name + " [" + unit + ']';
 }
 
-/// The number to draw for a value: of a text the one that the file has in its place.
+/// The number to draw for a value: for a text, the one that it stands for in the file.
 double drawnNumber(Column& column, const Sample& sample) {
   const Value value = column.value(sample);
   auto number = numberOf(value);
@@ -31,7 +31,7 @@ double drawnNumber(Column& column, const Sample& sample) {
   return number.value_or(no_number);
 }
 
-/// A text that is not longer than there is room for.
+/// A text, cut to the room that there is.
 std::string shortened(const std::string& text) {
   constexpr std::size_t longest = 60;
   if (text.size() <= longest) {
@@ -44,8 +44,7 @@ std::string shortened(const std::string& text) {
   return text.substr(0, end) + "...";
 }
 
-/// Text in quotes, cut where it is long, with codes for all characters that could mean something
-/// there.
+/// Text in quotes, cut if long, with codes for all characters that have a meaning there.
 std::string quoted(const std::string& text) {
   constexpr std::string_view plain = " ,.:;/()[]+-%_=";
   std::string result = "\"";
@@ -82,7 +81,7 @@ class Range {
     }
   }
   bool isEmpty() const { return low_ > high_; }
-  /// Whether all is at one place, which leaves gnuplot no range to draw.
+  /// Whether the range is a single point, which leaves gnuplot nothing to draw.
   bool isPoint() const { return low_ == high_; }
 
   /// "[0:1]", with some room around a point.
@@ -226,8 +225,8 @@ std::string Script::curveStyle(std::size_t curve, std::size_t place) const {
          " linetype " + std::to_string(place + 1);
 }
 
-/// Panels over the same axis show the same part of it. Up and down gnuplot finds good limits, but
-/// for a line that is level.
+/// Panels over the same axis show the same part of it. Vertically, gnuplot finds good limits
+/// itself, except for a level line.
 void Script::ranges(const Panel& panel) {
   Range x;
   Range y;

@@ -16,12 +16,12 @@ using namespace mdf_reader;
 struct Curve {
   std::string name;
   std::string unit;
-  std::string x_label;  ///< what it is drawn over: "time [s]"
+  std::string x_label;  ///< its horizontal axis: "time [s]"
   Decimator points;
 };
 
-/// Takes the curves of a chart out of tables. Values that are texts are drawn as the numbers that
-/// stand for them in the file, if there are any.
+/// Collects the curves of a chart from tables. Text values are drawn as the numbers that stand for
+/// them in the file, if there are any.
 class CurveCollector : public TableVisitor {
  public:
   /// @param columns of the picture.
@@ -54,11 +54,11 @@ struct ChartForm {
   Kind kind = Kind::svg;
   std::string title;
   std::size_t width = 1200;  ///< pixels, or characters
-  std::size_t height = 0;    ///< the same; 0 for what the panels take
+  std::size_t height = 0;    ///< the same; 0 for what the panels need
 };
 
 /// Commands for gnuplot that draw a chart to its standard output: a panel for each unit, one below
-/// the other. Texts of the file are in quotes where gnuplot finds nothing to carry out in them.
+/// another. Texts of the file are quoted so that gnuplot carries out nothing in them.
 std::string gnuplotScript(const std::vector<Curve>& curves, const ChartForm& form);
 
 }  // namespace mdf_tools

@@ -8,7 +8,7 @@ namespace mdf_tools {
 
 namespace {
 
-/// Larger numbers than this leave no room to compute with them.
+/// Computing with larger numbers than this overflows.
 constexpr double most = 1e300;
 
 bool canBeDrawn(double number) { return std::abs(number) <= most; }
@@ -34,7 +34,7 @@ void Decimator::Column::add(const Point& point) {
   ends_in_gap = false;
 }
 
-/// Takes in the column on the right.
+/// Merges the column on the right into this one.
 void Decimator::Column::append(const Column& right) {
   if (right.is_empty) {
     return;

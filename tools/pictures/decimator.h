@@ -8,12 +8,12 @@ namespace mdf_tools {
 
 struct Point {
   double x = 0;
-  double y = 0;  ///< no number where the line has a gap
+  double y = 0;  ///< not a number where the line has a gap
 };
 
-/// Keeps as much of a curve as a picture shows of it, however many points it has: of each column
-/// of the picture the first, the lowest, the highest and the last point. The columns are made wider
-/// as the curve goes on; a curve of few points is kept as it is.
+/// Keeps as much of a curve as a picture shows, however many points it has: the first, the lowest,
+/// the highest and the last point of each column of the picture. The columns widen as the curve
+/// goes on; a curve of few points is kept as it is.
 class Decimator {
  public:
   explicit Decimator(std::size_t columns) : column_count_(columns) {}
@@ -21,7 +21,7 @@ class Decimator {
   /// Adds a point. Where the curve has no value, or one beyond what can be drawn, there is a gap.
   void add(double x, double y);
 
-  /// The curve, from left to right when it was thinned out.
+  /// The curve; from left to right if it was thinned out.
   std::vector<Point> points() const;
 
  private:

@@ -55,7 +55,7 @@ std::string readAll(int file) {
   return text;
 }
 
-/// Which of its files a program gets as standard input and standard output.
+/// What a program gets as standard input and standard output.
 class Redirection {
  public:
   Redirection(int input, int output) {
@@ -73,15 +73,15 @@ class Redirection {
   posix_spawn_file_actions_t actions_;
 };
 
-/// Where starting a program cannot tell at once that there is none, it seems to end like this.
+/// A missing program seems to end with this code where starting it cannot fail at once.
 constexpr int exit_code_without_program = 127;
 
 [[noreturn]] void failWithout(const DrawingProgram& program) {
-  throw DrawingFailed("cannot draw without the program " + program.command[0] +
-                      ", which is not there; " + program.remedy);
+  throw DrawingFailed("cannot draw: the program " + program.command[0] + " is not installed; " +
+                      program.remedy);
 }
 
-/// The words as the system wants them: their addresses, and none at the end.
+/// The words as the system wants them: their addresses, and a null pointer at the end.
 std::vector<char*> pointersTo(std::vector<std::string>& words) {
   std::vector<char*> pointers;
   pointers.reserve(words.size() + 1);
@@ -92,8 +92,8 @@ std::vector<char*> pointersTo(std::vector<std::string>& words) {
   return pointers;
 }
 
-/// This program's environment, but with texts in UTF-8, as those of the file are, whatever the
-/// user's language is.
+/// This program's environment, but with texts in UTF-8, like those of the file, whatever the user's
+/// language.
 std::vector<std::string> environmentInUtf8() {
   std::vector<std::string> variables = {"LC_ALL=C.UTF-8"};
   for (char** variable = environ; *variable != nullptr; ++variable) {

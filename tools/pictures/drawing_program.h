@@ -17,11 +17,11 @@ class DrawingFailed : public std::runtime_error {
 /// other to its standard output.
 struct DrawingProgram {
   std::vector<std::string> command;  ///< the program, looked up like a shell does, and arguments
-  std::string remedy;                ///< what to do where it is not installed
+  std::string remedy;                ///< what to do when it is not installed
 };
 
-/// The picture that a program makes of a text. No shell is asked, so that nothing in the text or in
-/// a file's name is a command. What the program complains about goes to standard error.
+/// The picture that a program makes of a text. No shell is involved, so nothing in the text or in a
+/// file's name becomes a command. The program's complaints go to standard error.
 /// @throws DrawingFailed
 std::string drawnBy(const DrawingProgram& program, const std::string& text);
 

@@ -68,7 +68,7 @@ Box boxFor(const std::string& label) {
           line_height * static_cast<double>(lines) + margin};
 }
 
-/// Gives each box its place: what a node leads to begins beside it, what comes after that below.
+/// Gives each box its place: what a node leads to begins beside it, and goes on below.
 std::vector<Box> placed(const BlockGraph& graph, double top) {
   std::vector<Box> boxes;
   std::vector<double> widths;
@@ -217,7 +217,7 @@ std::string titleOf(const BlockGraph& graph, const std::string& title) {
     text += "\nlong chains and lists are shortened";
   }
   if (graph.left_out != 0) {
-    text += "\n" + std::to_string(graph.left_out) + " more links found no room";
+    text += "\n" + std::to_string(graph.left_out) + " more links are left out";
   }
   return text;
 }

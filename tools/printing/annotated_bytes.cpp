@@ -119,7 +119,7 @@ void annotateHeader(const RawBlock& block, AnnotatedLines& lines) {
   lines.field(at + 16, 8, "link_count", std::to_string(block.link_count));
 }
 
-/// The value behind a field's name; nothing for what is no number and no characters.
+/// The value to show after a field's name; nothing for what is neither a number nor characters.
 std::string valueOf(const BlockFields& fields, const FieldLayout& layout) {
   switch (layout.kind) {
     case FieldKind::unsigned_number:

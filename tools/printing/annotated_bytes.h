@@ -21,13 +21,13 @@ using namespace mdf_reader;
 void annotateIdentification(InputFile& file, std::ostream& os);
 
 /// Writes the line that dumpBlock() begins with, then a line for each field of the header, each
-/// link and each field of the data section: offset in the file, bytes, name and value. What stands
-/// behind the fields follows, an element or 16 bytes a line, up to `most_bytes`. Of a block that is
-/// cut off everything is shown that is there.
+/// link and each field of the data section: offset in the file, bytes, name and value. Then comes
+/// what follows the fields, an element or 16 bytes a line, up to `most_bytes`. Of a block that is
+/// cut off, everything that is there is shown.
 void annotateBlock(InputFile& file, const RawBlock& block, std::uint64_t most_bytes,
                    std::ostream& os);
 
-/// What an element behind the fields is: the name with its index, and how its bytes are understood.
+/// What an element after the fields is: the name with its index, and how its bytes are understood.
 struct TailElement {
   std::string name;
   FieldKind kind;

@@ -15,12 +15,12 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// Writes a line with offset and length of the identification, and the library's dump of it. A file
-/// that is too short for it gives nothing.
+/// Writes a line with offset and length of the identification, and the library's dump of it. Writes
+/// nothing for a file that is too short for it.
 void dumpIdentification(InputFile& file, std::ostream& os);
 
 /// Writes a line with a block's offset, identifier, length, link count and links as they are
-/// stored, each link behind the format's name of it where it has one: "dg_data=744".
+/// stored, each with the format's name for it where there is one: "dg_data=744".
 void writeHeadline(InputFile& file, const BlockFields& fields, std::ostream& os);
 void writeIdentificationLine(std::ostream& os);
 

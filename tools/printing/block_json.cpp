@@ -23,7 +23,7 @@ using mdf_v4_10::detail::loadLe;
 
 namespace {
 
-/// JSON has no numbers beyond the finite ones: the others become words.
+/// JSON has finite numbers only: the others become words.
 Json realValue(double number) {
   return std::isfinite(number) ? Json(number) : Json(shortestReal(number));
 }
@@ -43,7 +43,7 @@ Json fieldValue(const BlockFields& block, const FieldLayout& field) {
   return block.shown(field);
 }
 
-/// The fields that are there, but for reserved ones.
+/// The fields that are there, except reserved ones.
 Json fieldValues(const BlockFields& block) {
   Json fields = Json::object();
   for (const FieldLayout& field : block.layout()->fields) {
@@ -54,7 +54,7 @@ Json fieldValues(const BlockFields& block) {
   return fields;
 }
 
-/// The values behind the fields, by name, as far as so many bytes go.
+/// The values after the fields, by name, as far as so many bytes go.
 Json tailValues(InputFile& file, const BlockFields& block, std::uint64_t most_bytes) {
   Json values = Json::object();
   const std::uint64_t count = std::min(block.tailBytes(), most_bytes) / 8;

@@ -54,7 +54,7 @@ class Summarizer {
       summary_.facts.push_back({key, words, std::nullopt});
     }
   }
-  /// The first word of the unit stands in the plural.
+  /// The first word of the unit is in the plural.
   void count(std::string_view key, std::uint64_t number, std::string unit) {
     if (number == 1) {
       unit.erase(std::min(unit.find(' '), unit.size()) - 1, 1);

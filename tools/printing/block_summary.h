@@ -17,7 +17,7 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// Something about a block that tells it from others.
+/// A property of a block that tells it from others.
 struct BlockFact {
   std::string_view key;  ///< for programs: "bits"
   std::string words;     ///< "16 bits"
@@ -32,7 +32,7 @@ struct BlockSummary {
   std::string name;  ///< as the file has it, or how a text begins; on one line
   std::vector<BlockFact> facts;
 
-  /// The facts with commas between.
+  /// The facts, separated by commas.
   std::string words() const;
 };
 

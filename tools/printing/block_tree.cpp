@@ -47,13 +47,13 @@ class TreeWalk {
     left_out,  ///< counted among those that were left out
   };
 
-  /// A block whose links are being gone through.
+  /// A block whose links are being visited.
   struct Level {
     BlockFields block;
     std::size_t index;  ///< of its offset
     std::size_t depth;
     std::uint64_t links;     ///< how many can be read
-    std::uint64_t next = 0;  ///< the first of them that has not been gone through
+    std::uint64_t next = 0;  ///< the first of them that has not been visited
     std::uint64_t in_chain;  ///< blocks of its chain up to it
     std::string_view list;   ///< the list that the latest link belongs to
     std::uint64_t in_list = 0;
@@ -153,7 +153,7 @@ void TreeWalk::followNextLink() {
   }
   const LinkRole role = linkRole(level.block, link);
   if (link == 0 && leadsOn(role.layout)) {
-    return;  // when all else below the block is done
+    return;  // once all else below the block is done
   }
   level.in_list = role.layout.role == level.list ? level.in_list + 1 : 1;
   level.list = role.layout.role;

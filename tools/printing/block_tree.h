@@ -32,9 +32,9 @@ struct TreeOptions {
 struct TreeEntry {
   enum Kind {
     block,     ///< a block that is reached the first time; what is below it follows
-    shared,    ///< one that was there before
-    cycle,     ///< one that this one is below of, or that comes earlier in the same chain
-    nothing,   ///< no block is there
+    shared,    ///< one that was reached before
+    cycle,     ///< one above this one, or earlier in the same chain
+    nothing,   ///< there is no block
     left_out,  ///< the rest of a list or chain that is too long
   };
   Kind kind = block;
@@ -42,9 +42,9 @@ struct TreeEntry {
   std::uint64_t from = 0;  ///< the block with the link; 0 for the first block
   std::string role;        ///< the link's name
   std::uint64_t offset = 0;
-  RawBlock raw;               ///< unless nothing is there; of what is left out the first
+  RawBlock raw;               ///< unless there is no block; the first of those left out
   std::uint64_t count = 0;    ///< how many are left out
-  bool was_left_out = false;  ///< a shared one that is among those left out before
+  bool was_left_out = false;  ///< a shared one that was left out before
 };
 
 /// Returns whether to go on.
@@ -52,7 +52,7 @@ using TreeVisitor = std::function<bool(const TreeEntry&)>;
 
 /// Goes through the blocks that a block leads to, as a tree: each block is expanded where it is
 /// reached first. The blocks of a chain ("cn_cn_next") are on one level. Links that lead nowhere
-/// are reported and visited. Time and memory are in proportion to the file, whatever it contains.
+/// are reported and visited. Time and memory are proportional to the file, whatever it contains.
 void walkTree(InputFile& file, const TreeOptions& options, const FindingSink& report,
               const TreeVisitor& visit);
 

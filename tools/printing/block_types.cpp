@@ -22,9 +22,9 @@ std::string dumpFromStream(const RawBlock& raw, std::istream& is, std::ostream& 
   return {};
 }
 
-/// The class reads its data from behind the block, as much as the compressed length says. So that
-/// length must be compared with the block's own first, and a stream that ends while the data is
-/// read is no fault of a block that ends the file.
+/// The class reads its data from after the block, as much as the compressed length says. So compare
+/// that length with the block's own first. A stream that ends while the data is read is no fault of
+/// a block that ends the file.
 std::string dumpZippedData(const RawBlock& raw, std::istream& is, std::ostream& os) {
   const auto begin = is.tellg();
   std::array<char, DZBLOCK::DZBLOCK_CONSTANT_SIZE> bytes;

@@ -13,13 +13,13 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// Constructs a block of the library's class from a stream and writes its dump. Returns nothing,
-/// or, having written nothing, what was expected of the block and what was found.
+/// Constructs a block of the library's class from a stream and writes its dump. Returns nothing;
+/// or, without having written anything, what was expected of the block and what was found.
 using DumpFromStream = std::string (*)(const RawBlock& block, std::istream& is, std::ostream& os);
 
 /// What a reading program needs to know about a block type that the library has a class for.
 struct BlockType {
-  /// The number of bytes of a type whose class reads as many as its length says.
+  /// Stands for the size of a type whose class reads as many bytes as its length says.
   static constexpr std::uint64_t by_length = 0;
 
   std::string_view letters;
@@ -31,7 +31,7 @@ struct BlockType {
 /// The type with these two letters; null for one that the library has no class for.
 const BlockType* findBlockType(std::string_view letters);
 
-/// What to say of a block whose links and fields do not go into its length.
+/// What to say of a block whose length does not hold its links and fields.
 std::string misfit(const RawBlock& block);
 
 }  // namespace mdf_tools

@@ -22,7 +22,7 @@ using namespace mdf_reader;
 struct BlockSelection {
   /// Letters of the types, "ID" for the identification; none for all types.
   std::vector<std::string> types;
-  /// Where blocks are said to be, 0 for the identification; none for all that the walk finds.
+  /// Offsets of blocks, 0 for the identification; none for all that the walk finds.
   std::vector<std::uint64_t> offsets;
 
   bool takes(std::string_view letters) const;

@@ -51,7 +51,7 @@ std::optional<double> rawExtent(InputFile& file, const ChannelGroup& group, cons
   return block->real("cn_val_range_max") - block->real("cn_val_range_min");
 }
 
-/// What the channels say of their group, while they pass by.
+/// What is collected of a group while its channels pass by.
 struct GroupChannels {
   std::size_t count = 0;
   std::optional<Channel> master;
@@ -68,7 +68,7 @@ struct GroupChannels {
 
 using ChannelsOfGroups = std::unordered_map<std::uint64_t, GroupChannels>;  // by their offsets
 
-/// The channels among which a group has its master: its own, or those of another group.
+/// The channels that include a group's master: its own, or those of another group.
 const GroupChannels& groupWithMaster(const ChannelGroup& group, ChannelsOfGroups& channels) {
   const GroupChannels& own = channels[group.offset];
   const auto remote = group.hasRemoteMaster() ? channels.find(group.master_group) : channels.end();

@@ -25,14 +25,14 @@ struct TypeCount {
   std::uint64_t bytes = 0;  ///< as their lengths say, as far as the file reaches
 };
 
-/// What can be told of a channel group without its data.
+/// What is known of a channel group without its data.
 struct GroupSummary {
   const DataGroup* data_group;
   const ChannelGroup* group;
   std::string name;  ///< of the acquisition; failing that, of its source
   std::string source;
   /// From the first record to the last, in the unit of the master channel; nothing when no block
-  /// says it.
+  /// states it.
   std::optional<double> extent;
   std::optional<double> rate;  ///< records for each unit of the master channel
   std::string master_unit;

@@ -9,7 +9,7 @@
 
 namespace mdf_tools {
 
-/// A short text as snprintf makes it; what is longer than 127 characters is cut.
+/// A short text as snprintf makes it, cut after 127 characters.
 template <class... Values>
 std::string formatted(const char* format, Values... values) {
   std::array<char, 128> text;

@@ -17,7 +17,7 @@ using namespace mdf_reader;
 
 namespace {
 
-/// What an unfinished file has left open, by its standard flags.
+/// What an unfinished file leaves open, by its standard flags.
 std::vector<std::string> openParts(const Identification& id) {
   constexpr std::string_view parts[] = {"cycle counts of channel groups",
                                         "cycle counts of sample reductions",
@@ -53,7 +53,7 @@ std::string stateSentence(const Identification& id) {
   return sentence;
 }
 
-std::string withoutBlanksBehind(const std::string& text) {
+std::string withoutTrailingBlanks(const std::string& text) {
   const std::size_t end = text.find_last_not_of(' ');
   return end == std::string::npos ? "" : text.substr(0, end + 1);
 }
@@ -166,10 +166,10 @@ void printInfo(InputFile& file, std::ostream& out, const FindingSink& report) {
   const Header& header = summary.measurement.header;
   printLine(out, "File:", file.name() + ", " + std::to_string(file.size()) + " bytes");
   printLine(out, "Format:",
-            '"' + printable(withoutBlanksBehind(id.file_word)) + "\" version \"" +
-                printable(withoutBlanksBehind(id.version_text)) + "\" (" +
+            '"' + printable(withoutTrailingBlanks(id.file_word)) + "\" version \"" +
+                printable(withoutTrailingBlanks(id.version_text)) + "\" (" +
                 std::to_string(id.version) + "), written by \"" +
-                printable(withoutBlanksBehind(id.program)) + '"');
+                printable(withoutTrailingBlanks(id.program)) + '"');
   printLine(out, "State:", stateSentence(id));
   printLine(
       out, "Start:", startTime(header).sentence() + ", clock: " + timeClassName(header.time_class));
@@ -191,10 +191,10 @@ Json infoAsJson(InputFile& file, const FindingSink& report) {
   const Identification& id = summary.measurement.identification;
   Json json = {{"file", file.name()},
                {"bytes", file.size()},
-               {"identifier", withoutBlanksBehind(id.file_word)},
+               {"identifier", withoutTrailingBlanks(id.file_word)},
                {"version", id.version},
-               {"version_text", withoutBlanksBehind(id.version_text)},
-               {"program", withoutBlanksBehind(id.program)},
+               {"version_text", withoutTrailingBlanks(id.version_text)},
+               {"program", withoutTrailingBlanks(id.program)},
                {"finished", id.isFinished()},
                {"still_open", openParts(id)},
                {"start", startAsJson(summary.measurement.header)}};

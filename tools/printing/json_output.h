@@ -13,7 +13,7 @@ using Json = nlohmann::ordered_json;
 /// removed, or change their meaning; new members may come at any time.
 inline constexpr int json_schema = 1;
 
-/// One line without its end. Bytes that are no UTF-8 become U+FFFD, for JSON holds nothing else.
+/// One line without its end. Bytes that are not UTF-8 become U+FFFD, since JSON holds nothing else.
 inline std::string jsonLine(const Json& value) {
   return value.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

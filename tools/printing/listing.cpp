@@ -129,7 +129,7 @@ class EntryList {
   std::ostream& out_;
 };
 
-/// What is said of a channel group's channels one by one.
+/// Lists a channel group's channels one by one.
 class ChannelLister {
  public:
   ChannelLister(InputFile& file, EntryList& entries) : file_(file), entries_(entries) {}

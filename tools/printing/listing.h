@@ -17,7 +17,7 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// What a list is to hold and how it is to look. Unset choices choose everything.
+/// What a list holds and how it looks. What is not set chooses everything.
 struct ListOptions {
   std::optional<std::size_t> group;  ///< index of a channel group
   std::string name_pattern;          ///< with * ? [...] as in a shell; "" for any
@@ -35,7 +35,7 @@ std::vector<std::string> eventColumns();
 
 void listChannels(InputFile& file, const ListOptions& options, std::ostream& out,
                   const FindingSink& report);
-/// Blocks come in file order, however many they are, without being kept, unless they are sorted.
+/// Blocks come in file order. However many there are, they are not kept unless they are sorted.
 void listBlocks(InputFile& file, const ListOptions& options, std::ostream& out,
                 const FindingSink& report);
 void listAttachments(InputFile& file, const ListOptions& options, std::ostream& out,

@@ -6,7 +6,7 @@ namespace mdf_tools {
 
 namespace {
 
-/// The name at an index; "" stands for a value that the format leaves out.
+/// The name at an index; "" stands for a value that the format does not use.
 std::string named(std::initializer_list<const char*> names, unsigned value) {
   const std::string name = value < names.size() ? names.begin()[value] : "";
   return name.empty() ? "type " + std::to_string(value) : name;

@@ -5,7 +5,7 @@
 
 namespace mdf_tools {
 
-/// What people call the values of the format's enumerations: "master", "uint LE", "linear". A value
+/// Common names for the values of the format's enumerations: "master", "uint LE", "linear". A value
 /// that the format does not know is shown as "type 17".
 std::string channelTypeName(unsigned type);
 std::string syncTypeName(unsigned type);

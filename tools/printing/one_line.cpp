@@ -7,7 +7,7 @@ namespace mdf_tools {
 
 namespace {
 
-/// First bytes of a row of characters in UTF-8, and what their second byte may be.
+/// A range of first bytes in UTF-8, and what their second byte may be.
 struct Lead {
   unsigned char first;
   unsigned char last;

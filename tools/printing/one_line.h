@@ -7,10 +7,9 @@
 
 namespace mdf_tools {
 
-/// A text of a file as it may stand in a line, in a picture and in XML, whatever its bytes are:
-/// characters in UTF-8 stay, bytes that are none and characters that control a terminal or turn
-/// the direction of writing become "\x1b". A text of more characters than `most` is cut and ends
-/// in "...".
+/// A text of a file, made fit for a line, a picture and XML, whatever its bytes are: characters in
+/// UTF-8 stay; other bytes, and characters that control a terminal or the direction of writing,
+/// become "\x1b". A text of more characters than `most` is cut and ends in "...".
 std::string oneLine(std::string_view text, std::size_t most);
 
 }  // namespace mdf_tools

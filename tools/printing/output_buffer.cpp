@@ -60,7 +60,7 @@ bool OutputBuffer::drain() {
   return pass(pbase(), count);
 }
 
-/// After a failure nothing is collected any more, so that every further character fails too.
+/// A failure ends the collecting, so that every further character fails too.
 bool OutputBuffer::pass(const char* bytes, std::size_t count) {
   const bool passed = isForATerminal() ? writeShown(bytes, count) : write(bytes, count);
   if (!passed) {

@@ -12,9 +12,9 @@ namespace mdf_tools {
 /// Where dumps go: an open C file. The flush at the end of each line of a dump costs nothing, for
 /// short pieces are collected first, and large data passes without a copy.
 ///
-/// For a terminal, control characters other than line feed and tab are shown as '.', lest the bytes
-/// of a file give it commands. Nothing is collected then, so that the dump and messages about it
-/// appear in turn.
+/// For a terminal, control characters other than line feed and tab are shown as '.', so that the
+/// bytes of a file give it no commands. Nothing is collected then: the dump and messages about it
+/// appear in their order.
 class OutputBuffer : public std::streambuf {
  public:
   enum class Bytes { as_they_are, for_a_terminal, for_a_terminal_with_colours };
@@ -27,7 +27,7 @@ class OutputBuffer : public std::streambuf {
   /// Hands everything to the file.
   void flush();
 
-  /// Gives a terminal with colours a command; others do not see it.
+  /// Gives a command to a terminal with colours; other outputs do not get it.
   void command(std::string_view sequence);
 
   /// The error number of the first write that failed; 0 as long as none has.

@@ -18,7 +18,7 @@ namespace mdf_tools {
 using namespace mdf_reader;
 
 /// A line on a terminal that says how much of a file has been read. It appears when work takes
-/// longer than an interval, is renewed after each more, and is gone when the object is.
+/// longer than an interval, is renewed after each further one, and goes with the object.
 class Progress {
  public:
   Progress(const InputFile& file, std::ostream& terminal, std::chrono::milliseconds interval);
@@ -43,8 +43,8 @@ class Progress {
   std::thread thread_;
 };
 
-/// "3.2 of 4.0 GiB": how much of something has been read. What is read more than once exceeds the
-/// whole and is said alone: "5.1 GiB".
+/// "3.2 of 4.0 GiB": how much of something has been read. A count beyond the whole, where bytes are
+/// read again, stands alone: "5.1 GiB".
 std::string readSoFar(std::uint64_t bytes, std::uint64_t whole);
 
 }  // namespace mdf_tools

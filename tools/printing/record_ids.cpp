@@ -12,8 +12,8 @@ using namespace mdf_reader;
 
 namespace {
 
-/// Of more groups or data blocks nothing is told: however many data groups share them, each takes
-/// little time.
+/// With more groups or data blocks there is no answer: however many data groups share them, each
+/// takes little time.
 constexpr std::uint64_t most_blocks = 200;
 
 struct RecordCounts {
@@ -22,8 +22,8 @@ struct RecordCounts {
   bool has_large_id = false;
 };
 
-/// The sums over a chain of channel groups. Records of variable length have their bytes in all, low
-/// and high half, where others have those of one record.
+/// The sums over a chain of channel groups. Groups of variable-length values state their total
+/// bytes, in a low and a high half, where others state the bytes of one record.
 std::optional<RecordCounts> countRecords(InputFile& file, std::uint64_t first) {
   constexpr std::uint64_t is_variable_length = 1;
   RecordCounts counts;
@@ -44,7 +44,7 @@ std::optional<RecordCounts> countRecords(InputFile& file, std::uint64_t first) {
   return counts;
 }
 
-/// The bytes of data that a block says it has.
+/// How many bytes of data a block states.
 std::uint64_t dataBytes(const BlockFields& block) {
   if (block.raw().letters() == "DZ") {
     return block.number("dz_org_data_length");
@@ -53,7 +53,7 @@ std::uint64_t dataBytes(const BlockFields& block) {
   return end > block.fieldsAt() ? end - block.fieldsAt() : 0;
 }
 
-/// The bytes behind a link to data.
+/// How many bytes of data a link leads to.
 std::optional<std::uint64_t> countBytes(InputFile& file, std::uint64_t link) {
   if (const auto header = readFields(file, link, "HL")) {
     link = header->link(0);

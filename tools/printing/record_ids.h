@@ -14,9 +14,9 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// The bytes of a data group's record ids by what stands in front of the data: which of those that
-/// its code may stand for is told by the length of the data and the counts of its records. Nothing
-/// where these leave it open.
+/// The size of a data group's record ids, without reading the data: the length of the data and the
+/// counts of its records tell which of the sizes that the code may stand for it is. Nothing where
+/// these leave it open.
 std::optional<std::uint64_t> recordIdBytes(InputFile& file, const BlockFields& data_group);
 
 }  // namespace mdf_tools

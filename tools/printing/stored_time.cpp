@@ -116,7 +116,7 @@ std::string StoredTime::sentence() const {
     text += ", " + local() + " local time (" + zone() + ")";
   }
   if (is_in_seconds_) {
-    text += "; taken for seconds, since nanoseconds would be in the first moments of 1970";
+    text += "; read as seconds, since as nanoseconds it would be in the first moments of 1970";
   }
   return text;
 }

@@ -11,8 +11,8 @@ class StoredTime {
  public:
   StoredTime(std::uint64_t stamp, int zone_minutes, int daylight_minutes, unsigned flags);
 
-  /// The format stores nanoseconds since 1970, some writers store seconds. What would be less than
-  /// nine seconds after the beginning of 1970 in nanoseconds is taken for seconds.
+  /// The format stores nanoseconds since 1970, some writers store seconds. A stamp that would be
+  /// less than nine seconds after the beginning of 1970 as nanoseconds is read as seconds.
   bool isInSeconds() const { return is_in_seconds_; }
 
   /// A stamp of 0, or of what writers store when they know no time.

@@ -5,12 +5,12 @@
 
 namespace mdf_tools {
 
-/// How what follows is shown by a terminal that shows colours. Nothing that has a style says
-/// anything by it alone: other outputs get the same texts without.
+/// How a terminal with colours shows what follows. A style never carries meaning alone: other
+/// outputs get the same texts without it.
 enum class Style {
   plain,
   strong,   ///< titles, and what the eye looks for
-  faint,    ///< what mostly is passed over
+  faint,    ///< what readers mostly skip
   error,    ///< red
   warning,  ///< yellow
   note,     ///< blue

@@ -11,12 +11,12 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// Gives where a table is to be written. Null where that cannot be: the table is passed over.
+/// Gives the stream for a table. Null where there is none: the table is skipped.
 using TableOutput = std::function<std::ostream*(const Table& table)>;
 
 /// Tables as comma-separated values: a line with the names of the channels, "name [unit]" where
-/// there is a unit, and a line for each sample. A value that is missing is an empty field. Fields
-/// are in quotes as RFC 4180 has it where they need to be; lines end in a line feed.
+/// there is a unit, and a line for each sample. A missing value is an empty field. Fields that need
+/// quotes have them as in RFC 4180; lines end in a line feed.
 class CsvWriter : public TableVisitor {
  public:
   explicit CsvWriter(TableOutput output) : output_(std::move(output)) {}
@@ -35,9 +35,9 @@ class CsvWriter : public TableVisitor {
   std::string field_;
 };
 
-/// Tables as lines of JSON: one that tells of the channel group and its columns, and one for each
-/// sample. Numbers that are none in JSON are strings ("nan", "inf", "-inf"), bytes are strings of
-/// hexadecimal digits, a value that is missing is null.
+/// Tables as lines of JSON: one for the channel group and its columns, and one for each sample.
+/// Numbers that JSON lacks are strings ("nan", "inf", "-inf"), bytes are strings of hexadecimal
+/// digits, a missing value is null.
 class JsonLinesWriter : public TableVisitor {
  public:
   explicit JsonLinesWriter(TableOutput output) : output_(std::move(output)) {}

@@ -20,8 +20,8 @@ class TextTable {
 
   explicit TextTable(std::vector<Column> columns) : columns_(std::move(columns)) {}
 
-  /// Adds a row with as many cells as there are columns, and what else is to be said of it, which
-  /// is not printed.
+  /// Adds a row with as many cells as there are columns, and further facts, which are not part of
+  /// the table.
   void add(std::vector<std::string> cells, std::string rest = {}) {
     rows_.push_back({std::move(cells), std::move(rest)});
   }
@@ -35,10 +35,10 @@ class TextTable {
 
   /// Prints the rows and forgets them, the first time with the titles above. Columns are as wide as
   /// what has been printed so far needs. Cells are kept on their line: line ends and other control
-  /// characters in them become blanks. Nothing stands behind the last text of a line.
+  /// characters in them become blanks. Lines have no trailing blanks.
   void print(std::ostream& os);
 
-  /// Prints what else was said of the rows, each on a line, and forgets them.
+  /// Prints the further facts of the rows, each on a line, and forgets them.
   void printRests(std::ostream& os);
 
  private:
@@ -55,7 +55,7 @@ class TextTable {
   std::vector<std::size_t> widths_;  ///< none before the titles are printed
 };
 
-/// How many columns a text in UTF-8 takes on a terminal, with one for each character.
+/// How many columns a text in UTF-8 takes on a terminal, at one for each character.
 std::size_t shownWidth(std::string_view text);
 
 /// A text on one line: control characters become blanks, and what is longer than `most` characters

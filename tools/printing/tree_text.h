@@ -7,8 +7,8 @@
 
 namespace mdf_tools {
 
-/// Writes a file's tree, a line for each link: two blanks for each level, the link's name, what the
-/// block is and where. Beyond 40 levels the line begins with the level's number instead of more
+/// Writes a file's tree, a line for each link: two blanks for each level, the link's name, the
+/// block and its offset. Beyond 40 levels the line begins with the level's number instead of more
 /// blanks.
 void writeTree(InputFile& file, const TreeOptions& options, std::ostream& os,
                const FindingSink& report);

@@ -16,10 +16,10 @@ constexpr std::size_t iowait = 4;
 /// The shortest span in jiffies that a CPU's utilisation is taken from: 10 % is the finest step.
 constexpr UINT64 shortest_span = 10;
 
-/// A fraction of that span, in seconds, is how often the counters are looked at.
+/// How often the counters are read, in seconds: a fraction of that span.
 constexpr double reading_interval = 0.02;
 
-/// As a floating-point number, which no counters make overflow.
+/// A floating-point number, so that no counters make it overflow.
 double sum(const CpuUsage::Counters& counters) {
   return std::accumulate(counters.begin(), counters.end(), 0.0);
 }
@@ -29,7 +29,7 @@ struct CpuLine {
   CpuUsage::Counters counters;
 };
 
-/// A kernel may say less than all counters, but it says the first four.
+/// A kernel may give fewer counters, but it gives the first four.
 std::optional<CpuLine> parseLine(std::string_view line) {
   CpuLine cpu{takeWord(line), {}};
   if (cpu.label.substr(0, 3) != "cpu") {
@@ -110,7 +110,7 @@ void CpuSource::sample(double seconds) {
   }
 }
 
-/// The lines come in the same order each time, so the search starts behind the last one found.
+/// The lines come in the same order each time, so the search starts after the last one found.
 std::size_t CpuSource::find(std::string_view label) {
   for (std::size_t tried = 0; tried < labels_.size(); ++tried) {
     const std::size_t index = next_;

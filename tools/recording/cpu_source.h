@@ -14,7 +14,7 @@
 namespace mdf_tools {
 
 /// How busy a CPU was, from the counters of /proc/stat. They count jiffies, hundredths of a second,
-/// so a short span says nothing: the value changes only when enough of them have passed.
+/// so a short span is too coarse: the value changes only when enough of them have passed.
 class CpuUsage {
  public:
   /// User, nice, system, idle, iowait, irq, softirq and steal time in jiffies.
@@ -23,8 +23,8 @@ class CpuUsage {
   /// `shortest_span` is how many jiffies a value is to be taken from at least.
   CpuUsage(const Counters& counters, mdf_v4_10::UINT64 shortest_span);
 
-  /// Counters that went back count as not moved; when all in all they went back, as those of a CPU
-  /// that was taken away and came again, counting starts afresh.
+  /// A counter that went back counts as not moved. When their sum went back, as after a CPU was
+  /// taken away and came back, counting starts afresh.
   void update(const Counters& counters);
 
   /// 0 to 100; 0 as long as too little time has passed.

@@ -10,9 +10,8 @@
 
 namespace mdf_tools {
 
-/// Where the blocks of a file stand: one behind the other, each at the next multiple of 8. First
-/// every block gets its position, so that blocks can link to others wherever they stand; then all
-/// are written in one go.
+/// Where the blocks of a file stand: one after another, each at the next multiple of 8. First every
+/// block gets its position, so that blocks can link to any other; then all are written in one go.
 class FilePlan {
  public:
   /// Gives a block the next position and returns it. The block is written with the links that it

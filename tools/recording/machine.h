@@ -14,7 +14,7 @@ namespace mdf_tools {
 /// All signals that a Linux machine offers under /proc and /sys.
 class Machine {
  public:
-  /// `root` is the folder that proc and sys lie in.
+  /// `root` is the folder that holds proc and sys.
   explicit Machine(const std::filesystem::path& root = "/");
 
   /// No two signals have the same name.

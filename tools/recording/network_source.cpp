@@ -25,7 +25,7 @@ struct InterfaceLine {
   std::array<UINT64, counters.size()> values;
 };
 
-/// A line is "name: numbers"; the two heading lines are none.
+/// A line is "name: numbers", except the two heading lines.
 std::optional<InterfaceLine> parseLine(std::string_view line) {
   const std::size_t colon = line.rfind(':');
   if (colon == std::string_view::npos) {

@@ -26,7 +26,7 @@ std::string reasonNotOpened(const fs::path& path, const std::string& cause) {
   return cause;
 }
 
-/// Opened without waiting, for a pipe waits for its reader and a serial line for its other end.
+/// Opened without blocking: a pipe waits for its reader, and a serial line for its other end.
 bool canBePositioned(const fs::path& path) {
   const int descriptor = open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
   if (descriptor < 0) {
@@ -106,7 +106,7 @@ mdf_v4_10::UINT64 OutputFile::size() {
 bool OutputFile::cutTo(mdf_v4_10::UINT64 size) {
   const mdf_v4_10::UINT64 size_before = this->size();
   stream_.close();
-  // The path is all there is to cut a file by, so it had better still be this one's.
+  // A file can only be cut by its path, so the path must still be this file's.
   std::error_code error;
   if (fs::file_size(path_, error) != size_before || error) {
     return false;

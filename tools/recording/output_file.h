@@ -18,18 +18,18 @@ class UnusablePath : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The file that a recording goes to. Bytes go straight to it, so that after a failed write its
-/// size says what has been written. It stays the same file when it is moved meanwhile.
+/// The file that a recording goes to. Bytes go straight to it, so its size says what has been
+/// written after a write fails. It stays the same file when it is moved meanwhile.
 class OutputFile {
  public:
-  /// Makes the file, or empties the one that is there.
+  /// Makes the file, or empties an existing one.
   /// @throws UnusablePath when that cannot be done, or when the beginning of what is there cannot
   /// be rewritten later, as with a pipe or a terminal.
   explicit OutputFile(std::filesystem::path path);
 
   const std::filesystem::path& path() const { return path_; }
 
-  /// False when not all bytes could be written; cause() then says why.
+  /// False when not all bytes were written; cause() then says why.
   bool append(const char* bytes, std::size_t count);
 
   /// Calls write(stream), which positions the stream as it likes, for rewriting parts in place.

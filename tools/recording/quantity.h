@@ -7,7 +7,7 @@
 
 namespace mdf_tools {
 
-/// A text that is not the quantity that it should be. The message says what is wrong with it.
+/// A text that is not the expected quantity. The message says what is wrong with it.
 class BadQuantity : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

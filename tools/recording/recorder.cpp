@@ -44,7 +44,7 @@ Recorder::Recorder(OutputFile& file, const std::vector<Signal>& signals, const R
   if (!file_.append(bytes.data(), bytes.size())) {
     const std::string failure = cannotWrite(file_);
     file_.discard();
-    throw RecordingFailure(failure + "nothing is recorded");
+    throw RecordingFailure(failure + "nothing was recorded");
   }
 }
 
@@ -93,8 +93,9 @@ void Recorder::keepWhatIsWritten() {
   times_.reset();  // of the last record that is kept
   records_ = std::min(records_, (size - blocks_.size()) / blocks_.recordBytes());
   const bool kept = file_.cutTo(blocks_.size() + records_ * blocks_.recordBytes()) && complete();
-  throw RecordingFailure(failure + (kept ? count(records_) + " before that make a complete file"
-                                         : "the file still says that it is unfinished"));
+  throw RecordingFailure(failure +
+                         (kept ? count(records_) + " written before that make a complete file"
+                               : "the file still says that it is unfinished"));
 }
 
 }  // namespace mdf_tools

@@ -18,8 +18,8 @@ class RecordingFailure : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Writes a recording: first all that describes it, then record by record, at last what depends on
-/// their number. It needs the same memory however long the recording is.
+/// Writes a recording: first the description, then record by record, at last what depends on their
+/// number. It needs the same memory however long the recording is.
 class Recorder {
  public:
   /// `rate` in Hz says when the next record is to be expected.
@@ -28,7 +28,7 @@ class Recorder {
            double rate);
 
   /// Adds a record: its time in seconds since the start, and the bits of each signal's value. It is
-  /// in the file a second later at the latest.
+  /// in the file within a second.
   /// @throws RecordingFailure when the file takes no more; it is then complete with those records
   /// that were written whole.
   void append(double seconds, const std::vector<mdf_v4_10::UINT64>& values);

@@ -32,9 +32,9 @@ struct TimeRange {
 /// The blocks of a recording: everything that describes it, and last in the file, where it can
 /// grow, one data block with the records.
 ///
-/// Until it is finished a file says that it is not, in the standard's own way: by another file
-/// identifier, and by flags that say that the cycle count and the length of the last data block
-/// are still to be set.
+/// Until it is finished, the file says so in the standard's own way: by another file identifier,
+/// and by flags for the cycle count and the length of the last data block, which are still to be
+/// set.
 class RecordingBlocks {
  public:
   /// The first channel is the time master.

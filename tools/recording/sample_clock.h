@@ -40,7 +40,7 @@ class SampleSchedule {
   mdf_v4_10::UINT64 missed_ = 0;
 };
 
-/// Waits for one sample after the other, on a clock that nobody sets.
+/// Waits for one sample after another, on a clock that cannot be set.
 class SampleClock {
  public:
   /// Time starts now.

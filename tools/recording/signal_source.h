@@ -26,10 +26,11 @@ Signal uint64Signal(std::string name, std::string unit);
 mdf_v4_10::UINT64 bitsOf(double value);
 mdf_v4_10::UINT64 bitsOf(float value);
 
-/// A part of a signal's name: what is no ASCII letter, digit, dot or minus becomes an underscore.
+/// A part of a signal's name: everything except ASCII letters, digits, dot and minus becomes an
+/// underscore.
 std::string namePart(std::string_view text);
 
-/// Lets something happen only so often.
+/// Limits how often something happens.
 class Pace {
  public:
   /// Both in seconds.
@@ -47,9 +48,9 @@ class Pace {
   double next_;
 };
 
-/// Signals that come from the same place and are sampled together. Which ones there are is settled
-/// by the constructor. One that vanishes afterwards, a CPU or a network interface that is taken
-/// away, keeps the last value that it had.
+/// Signals that come from the same place and are sampled together. The constructor settles which
+/// ones there are. One that vanishes afterwards, with a CPU or a network interface that is taken
+/// away, keeps its last value.
 class SignalSource {
  public:
   SignalSource() = default;

@@ -18,7 +18,7 @@ bool startsWith(const std::string& text, std::string_view beginning) {
   return text.compare(0, beginning.size(), beginning) == 0;
 }
 
-/// The names in a folder that start like this, 2 before 10; none when there is no such folder.
+/// The names in a folder with this beginning, 2 before 10; none when there is no such folder.
 std::vector<std::string> namesIn(const fs::path& folder, std::string_view beginning) {
   std::vector<std::string> names;
   std::error_code error;
@@ -35,7 +35,7 @@ std::vector<std::string> namesIn(const fs::path& folder, std::string_view beginn
   return names;
 }
 
-/// The first line of a file, or another text when there is none.
+/// The first line of a file, or a fallback when there is none.
 std::string firstLine(const fs::path& path, const std::string& otherwise) {
   TextFile file(path);
   std::string_view text = file.read();

@@ -13,8 +13,8 @@ namespace mdf_tools {
 /// Temperatures in °C, from /sys/class/hwmon and, for thermal zones that do not show up there as
 /// well, from /sys/class/thermal.
 ///
-/// Reading a sensor may take milliseconds, for some lie behind a slow bus. So each is read ten
-/// times a second at most, and not all at the same time.
+/// Reading a sensor may take milliseconds, since some are on a slow bus. So each is read at most
+/// ten times a second, and not all at the same time.
 class TemperatureSource : public SignalSource {
  public:
   explicit TemperatureSource(const std::filesystem::path& root);

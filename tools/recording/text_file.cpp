@@ -12,7 +12,7 @@ namespace mdf_tools {
 
 namespace {
 
-/// Words are looked for in every line of every sample, so this does not go through a search.
+/// This runs on every line for every sample, so it avoids a general search.
 bool isBlank(char character) { return character == ' ' || character == '\t'; }
 
 template <class Number>

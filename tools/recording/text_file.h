@@ -30,13 +30,13 @@ class TextFile {
   std::string buffer_;
 };
 
-/// The text up to the next line end, which is taken off the front as well.
+/// Takes a line off the front of the text and returns it without its end.
 std::string_view takeLine(std::string_view& text);
 
-/// The next characters that are neither blanks nor tabulators; empty at the end.
+/// The next characters that are neither blanks nor tabs; empty at the end.
 std::string_view takeWord(std::string_view& line);
 
-/// The next word as a number; nothing when it is none or does not fit.
+/// The next word as a number; nothing when it is not one or does not fit.
 std::optional<mdf_v4_10::UINT64> takeUnsigned(std::string_view& line);
 std::optional<float> takeFloat(std::string_view& line);
 

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::string_view name_space = R"( xmlns="http://www.asam.net/mdf/v4">)";
 
-/// Bytes of a UTF-8 character that starts with this byte; 0 when none does.
+/// Bytes of a UTF-8 character that starts with this byte; 0 for none.
 std::size_t lengthFromFirstByte(unsigned char first) {
   if (first < 0x80) {
     return 1;
@@ -23,7 +23,7 @@ std::size_t lengthFromFirstByte(unsigned char first) {
   return first >= 0xF0 && first < 0xF5 ? 4 : 0;
 }
 
-/// XML's characters; the shortest code for each, so that overlong forms are none.
+/// XML's characters, in the shortest form only.
 bool isXmlCharacter(std::uint32_t code, std::size_t length) {
   constexpr std::uint32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
   if (code < 0x20) {

@@ -56,9 +56,8 @@ std::string checkedArray(const ArrayFields& fields, const Numbers& links = {0}) 
 }
 
 std::string outsideRecord(const std::string& found) {
-  return "768 error channel-outside-record: expected all elements of the array in the 20 data "
-         "bytes "
-         "of a record, found room for " +
+  return "768 error channel-outside-record: expected all elements of the array within the 20 data "
+         "bytes of a record, found room for " +
          found + path + "]\n";
 }
 
@@ -70,7 +69,7 @@ std::string countTooLarge(const std::string& promised, const std::string& room) 
 
 std::string linksMissing(const std::string& promised, const std::string& there) {
   return "768 error links-missing: expected " + promised +
-         " links behind the first 1 by its counts and flags, found " + there + path + "]\n";
+         " links after the first 1, as its counts and flags say, found " + there + path + "]\n";
 }
 
 TEST(ArrayCheck, ElementsUpToTheEndOfTheRecord) {
@@ -122,8 +121,8 @@ TEST(ArrayCheck, ArrayOfArrays) {
   EXPECT_EQ(checkedBytes(file.bytes()), "");
   file.write(inner + 24 + 8 + 16, Bytes().u64(5));
   EXPECT_EQ(checkedBytes(file.bytes()),
-            "824 error channel-outside-record: expected all elements of the array in the 20 data "
-            "bytes of a record, found room for 4 of 5" +
+            "824 error channel-outside-record: expected all elements of the array within the 20 "
+            "data bytes of a record, found room for 4 of 5" +
                 path + ".ca_composition/CA]\n");
 }
 
@@ -132,8 +131,8 @@ TEST(ArrayCheck, ArrayOfArraysThatGoBackwards) {
   const auto inner = file.add("CA", {0}, ArrayFields{0, 1, 0, 0xFFFFFFFF, 0, {2}}.bytes());
   file.link(file.array, 0, inner);
   EXPECT_EQ(checkedBytes(file.bytes()),
-            "824 error channel-outside-record: expected all elements of the array in the 20 data "
-            "bytes of a record, found room for 1 of 2" +
+            "824 error channel-outside-record: expected all elements of the array within the 20 "
+            "data bytes of a record, found room for 1 of 2" +
                 path + ".ca_composition/CA]\n");
 }
 
@@ -150,9 +149,9 @@ TEST(ArrayCheck, InvalidationBitsOfTheElements) {
     file.setChannel(SmallFile::speed, {0, 0, 0, 0, 8, 8, 2, 3});
     EXPECT_EQ(checkedBytes(file.bytes()),
               elements == 13 ? ""
-                             : "768 error invalidation-bit-outside-record: expected invalidation "
-                               "bits of all elements of the array in the 2 invalidation bytes of a "
-                               "record, found room for 13 of 14" +
+                             : "768 error invalidation-bit-outside-record: expected the "
+                               "invalidation bits of all elements of the array within the 2 "
+                               "invalidation bytes of a record, found room for 13 of 14" +
                                    path + "]\n");
   }
 }
@@ -163,9 +162,9 @@ TEST(ArrayCheck, InvalidationBitsOfMoreElementsThanANumberSays) {
   file.setGroup({0, 0, 0, 20, 1});
   file.setChannel(SmallFile::speed, {0, 0, 0, 0, 8, 8, 2, 0});
   EXPECT_EQ(checkedBytes(file.bytes()),
-            "768 error invalidation-bit-outside-record: expected invalidation bits of all elements "
-            "of the array in the 1 invalidation bytes of a record, found room for 1 of "
-            "18446744073709551615 or more" +
+            "768 error invalidation-bit-outside-record: expected the invalidation bits of all "
+            "elements of the array within the 1 invalidation bytes of a record, found room for 1 "
+            "of 18446744073709551615 or more" +
                 path + "]\n");
 }
 

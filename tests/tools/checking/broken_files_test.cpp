@@ -72,8 +72,8 @@ BrokenFile fileUnfinished() {
   SmallFile file("UnFinMF ");
   file.write(60, Bytes().u16(1 + 4));
   return broken(file,
-                "0 warning file-unfinished: expected a file that was closed, found it open: cycle "
-                "counters, length of the last data block");
+                "0 warning file-unfinished: expected a finished file, found an unfinished one; "
+                "still open: cycle counters, length of the last data block");
 }
 
 BrokenFile linkOutsideFile() {
@@ -201,15 +201,14 @@ BrokenFile listOffsetsNotAscending() {
 BrokenFile listOffsetsWrong() {
   return broken(fileWithList(Bytes().zeros(4).u32(2).u64(0).u64(8)),
                 "848 error list-offsets-wrong: expected dl_offset to go up by the 9 bytes of data "
-                "behind dl_data[0], found 0 and 8 at 1" +
+                "at dl_data[0], found 0 and 8 at 1" +
                     list_path);
 }
 
 BrokenFile equalLengthBroken() {
-  return broken(fileWithList(Bytes().u8s({1, 0, 0, 0}).u32(2).u64(8)),
-                "848 error equal-length-broken: expected 8 bytes of data behind dl_data[0], found "
-                "9" +
-                    list_path);
+  return broken(
+      fileWithList(Bytes().u8s({1, 0, 0, 0}).u32(2).u64(8)),
+      "848 error equal-length-broken: expected 8 bytes of data at dl_data[0], found 9" + list_path);
 }
 
 /// The small file with zipped data.
@@ -321,14 +320,13 @@ BrokenFile recordIdTwice() {
 BrokenFile recordIdUnknown() {
   return broken(fileWithTwoGroups(2, recordWithId(1, 9) + recordWithId(3, 1)),
                 "168 error record-id-unknown: expected a channel group for each record id, found "
-                "none for id 3 of a record at byte 10 of the data [HD.hd_dg_first/DG[0]]");
+                "none for id 3 of the record at byte 10 of the data [HD.hd_dg_first/DG[0]]");
 }
 
 BrokenFile recordCutOff() {
-  return broken(
-      fileWithTwoGroups(2, recordWithId(1, 9) + recordWithId(2, 1) + recordWithId(1, 8)),
-      "168 error record-cut-off: expected the data to end with a whole record, found a record at "
-      "byte 12 of the data cut off [HD.hd_dg_first/DG[0]]");
+  return broken(fileWithTwoGroups(2, recordWithId(1, 9) + recordWithId(2, 1) + recordWithId(1, 8)),
+                "168 error record-cut-off: expected the data to end with a whole record, found a "
+                "torn record at byte 12 of the data cut off [HD.hd_dg_first/DG[0]]");
 }
 
 BrokenFile cycleCountWrong() {
@@ -346,14 +344,14 @@ BrokenFile dataShared() {
   file.link(SmallFile::data_group, 0,
             file.add("DG", {0, group, SmallFile::data, 0}, dataGroupFields(0)));
   return broken(file,
-                "872 warning data-shared: expected data of its own behind dg_data, found some that "
-                "was there before [HD.hd_dg_first/DG[1]]");
+                "872 warning data-shared: expected dg_data to lead to data of its own, found data "
+                "that another link leads to [HD.hd_dg_first/DG[1]]");
 }
 
 BrokenFile channelOutsideRecord() {
   return broken(fileWithSpeed({0, 0, 0, 1, 8, 8}),
-                "496 error channel-outside-record: expected the channel in the 9 data bytes of a "
-                "record, found that it ends at bit 73 [" +
+                "496 error channel-outside-record: expected the channel within the 9 data bytes of "
+                "a record, found its end at bit 73 [" +
                     speed_path + "]");
 }
 
@@ -362,8 +360,8 @@ BrokenFile invalidationBitOutsideRecord() {
   file.setGroup({0, 2, 0, 8, 1});
   file.setChannel(SmallFile::speed, {0, 0, 0, 0, 7, 8, 2, 8});
   return broken(file,
-                "496 error invalidation-bit-outside-record: expected the invalidation bit in the 1 "
-                "invalidation bytes of a record, found bit 8 [" +
+                "496 error invalidation-bit-outside-record: expected the invalidation bit within "
+                "the 1 invalidation bytes of a record, found bit 8 [" +
                     speed_path + "]");
 }
 
@@ -496,8 +494,8 @@ TEST(BrokenFiles, ElementsWithRecordsOfTheirOwn) {
 TEST(BrokenFiles, ListsOfValues) {
   const std::string path = " [HD.hd_dg_first/DG[0].dg_data/LD[0]]\n";
   EXPECT_EQ(checkedValueList({0, 0, 0}, Bytes().u32(0x80000001U).u32(2).u64(1)),
-            "768 error links-missing: expected 4 links behind the first 1 by its counts and "
-            "flags, found 3" +
+            "768 error links-missing: expected 4 links after the first 1, as its counts and flags "
+            "say, found 3" +
                 path);
   EXPECT_EQ(checkedValueList({0, 0}, Bytes().u32(0).u32(2).u64(0)),
             "768 error count-too-large: expected room for the 2 numbers of 8 bytes of ld_count, "

@@ -94,8 +94,8 @@ TEST(Reduction, SharedDataIsCountedOnce) {
   const auto first = addReduction(file, data, 1, 0);
   file.link(first, 0, second);
   EXPECT_EQ(checkedBytes(file.bytes()),
-            "824 warning data-shared: expected data of its own behind sr_data, found some that was "
-            "there before [HD.hd_dg_first/DG[0].dg_cg_first/CG[0].cg_sr_first/SR[1]]\n");
+            "824 warning data-shared: expected sr_data to lead to data of its own, found data that "
+            "another link leads to [HD.hd_dg_first/DG[0].dg_cg_first/CG[0].cg_sr_first/SR[1]]\n");
 }
 
 TEST(Reduction, CountOfAnUnfinishedFileIsNotFinal) {

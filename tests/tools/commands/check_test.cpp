@@ -78,8 +78,8 @@ TEST(CheckCommand, WarningsAreProblems) {
   EXPECT_EQ(result.exit_code, 1);
   EXPECT_EQ(result.output,
             file.path() +
-                ": 0 (0x0): warning file-unfinished: expected a file that was closed, found it "
-                "open: nothing that the standard flags name\n");
+                ": 0 (0x0): warning file-unfinished: expected a finished file, found an unfinished "
+                "one; still open: nothing that the standard flags name\n");
 }
 
 TEST(CheckCommand, SeveralFilesGoOnAfterAnUnreadableOne) {
@@ -139,8 +139,9 @@ TEST(CheckCommand, ExplainsEachCode) {
     const RunResult result = run({"check", "--explain", std::string(code.word)});
     EXPECT_EQ(result.exit_code, 0);
     EXPECT_EQ(result.messages, "");
-    EXPECT_EQ(result.output, std::string(code.word) + " (" + severity + ")\n\n" +
-                                 std::string(code.meaning) + '\n');
+    EXPECT_EQ(result.output,
+              std::string(code.word) + " (" + severity + "): " + std::string(code.title) + ".\n\n" +
+                  std::string(code.meaning) + "\n\n" + std::string(code.advice) + '\n');
   }
   EXPECT_EQ(run({"check", "--codes"}).output, list);
 }

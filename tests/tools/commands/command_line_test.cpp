@@ -16,20 +16,19 @@ void expectRefused(const std::vector<std::string>& arguments, const std::string&
 }
 
 TEST(CommandLine, WithoutACommandIsRefused) {
-  expectRefused({}, "mdf: no command; run 'mdf --help' for what there is\n");
+  expectRefused({}, "mdf: no command; run 'mdf --help' for the commands\n");
 }
 
 TEST(CommandLine, UnknownCommandIsNamed) {
   expectRefused({"frob", "file"},
-                "mdf: there is no command \"frob\"; run 'mdf --help' for what there is\n");
+                "mdf: unknown command \"frob\"; run 'mdf --help' for the commands\n");
 }
 
 TEST(CommandLine, AListHasToBeNamed) {
   expectRefused({"list"},
-                "mdf: no command behind \"list\"; run 'mdf list --help' for what there is\n");
-  expectRefused(
-      {"list", "trip.mf4"},
-      "mdf: there is no command \"list trip.mf4\"; run 'mdf list --help' for what there is\n");
+                "mdf: no command after \"list\"; run 'mdf list --help' for the commands\n");
+  expectRefused({"list", "trip.mf4"},
+                "mdf: unknown command \"list trip.mf4\"; run 'mdf list --help' for the commands\n");
 }
 
 TEST(CommandLine, NumbersThatAreNoneAreRefused) {
@@ -37,23 +36,24 @@ TEST(CommandLine, NumbersThatAreNoneAreRefused) {
     expectRefused(words, "mdf: " + sentence + '\n');
   };
   refused({"list", "channels", "--group", "-1", "file"},
-          "--group: \"-1\" is no number such as 0, 1 or 20");
+          "--group: \"-1\" is not a number such as 0, 1 or 20");
   refused({"export", "--group", "first", "file"},
-          "--group: \"first\" is no number such as 0, 1 or 20");
-  refused({"tree", "--depth", "-1", "file"}, "--depth: \"-1\" is no number such as 0, 1 or 20");
+          "--group: \"first\" is not a number such as 0, 1 or 20");
+  refused({"tree", "--depth", "-1", "file"}, "--depth: \"-1\" is not a number such as 0, 1 or 20");
   refused({"graph", "-o", "a.svg", "--depth", "2.5", "file"},
-          "--depth: \"2.5\" is no number such as 0, 1 or 20");
+          "--depth: \"2.5\" is not a number such as 0, 1 or 20");
   refused({"dump", "--hex", "--bytes", "-1", "file"},
-          "--bytes: \"-1\" is no number such as 0, 1 or 20");
-  refused({"export", "--from", "noon", "file"}, "--from: \"noon\" is no number such as 20 or 1.5");
+          "--bytes: \"-1\" is not a number such as 0, 1 or 20");
+  refused({"export", "--from", "noon", "file"},
+          "--from: \"noon\" is not a number such as 20 or 1.5");
   refused({"plot", "-c", "speed", "--to", "10s", "file"},
-          "--to: \"10s\" is no number such as 20 or 1.5");
+          "--to: \"10s\" is not a number such as 20 or 1.5");
 }
 
 TEST(CommandLine, TimesTheWrongWayRoundAreRefused) {
-  expectRefused({"export", "--from", "2", "--to", "1.5", "file"}, "mdf: --from is behind --to\n");
+  expectRefused({"export", "--from", "2", "--to", "1.5", "file"}, "mdf: --from is after --to\n");
   expectRefused({"plot", "-c", "speed", "--to", "-3", "--from", "-2", "file"},
-                "mdf: --from is behind --to\n");
+                "mdf: --from is after --to\n");
 }
 
 TEST(CommandLine, UnknownOptionIsRefused) {

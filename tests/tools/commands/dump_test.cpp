@@ -265,7 +265,7 @@ TEST(DumpCommand, WrongArguments) {
   expectUnusable({"dump", "--type", "CN,Q1", file.path()},
                  "--type: there is no block type \"Q1\"; types have two letters, such as CN or CC");
   expectUnusable({"dump", "--at", "0x", file.path()},
-                 "--at: \"0x\" is no offset such as 312 or 0x138");
+                 "--at: \"0x\" is not an offset such as 312 or 0x138");
   expectUnusable({"dump", "--json", "--hex", file.path()}, "--hex excludes --json");
 }
 

@@ -142,8 +142,7 @@ TEST(ExportCommand, APatternThatFitsNothingIsNoted) {
   const RunResult result =
       run({"export", "-c", "speed", "-c", "spede", "-c", "count*", file.path()});
   EXPECT_EQ(result.exit_code, 0);
-  EXPECT_EQ(result.messages,
-            "mdf: " + file.path() + ": note: there is no channel that fits \"spede\"\n");
+  EXPECT_EQ(result.messages, "mdf: " + file.path() + ": note: no channel matches \"spede\"\n");
 }
 
 TEST(ExportCommand, OneFormAlone) {
@@ -179,12 +178,11 @@ TEST(ExportCommand, NothingThatIsWanted) {
   const TempFile file(twoTables());
   const RunResult channel = run({"export", file.path(), "-c", "a*", "-c", "b"});
   EXPECT_EQ(channel.exit_code, 2);
-  EXPECT_EQ(channel.messages,
-            "mdf: " + file.path() + ": there is no channel that fits \"a*\" \"b\"\n");
+  EXPECT_EQ(channel.messages, "mdf: " + file.path() + ": no channel matches \"a*\" \"b\"\n");
   const RunResult group = run({"export", file.path(), "-g", "7"});
   EXPECT_EQ(group.exit_code, 2);
   EXPECT_EQ(group.messages,
-            "mdf: " + file.path() + ": there is no channel group with channels and the number 7\n");
+            "mdf: " + file.path() + ": no channel group with channels and the number 7\n");
 }
 
 TEST(ExportCommand, ProblemsOfTheFile) {

@@ -66,13 +66,12 @@ TEST(ExtractCommand, NothingToExtractIsNoted) {
   const RunResult unfit = run({"extract", file.path(), "--name", "b*"});
   EXPECT_EQ(unfit.exit_code, 0);
   EXPECT_EQ(unfit.output, "");
-  EXPECT_EQ(unfit.messages,
-            "mdf: " + file.path() + ": note: there is no attachment that fits \"b*\"\n");
+  EXPECT_EQ(unfit.messages, "mdf: " + file.path() + ": note: no attachment matches \"b*\"\n");
   const TempFile empty(FileBuilder().bytes());
   const RunResult none = run({"extract", empty.path()});
   EXPECT_EQ(none.exit_code, 0);
   EXPECT_EQ(none.output, "");
-  EXPECT_EQ(none.messages, "mdf: " + empty.path() + ": note: there is no attachment\n");
+  EXPECT_EQ(none.messages, "mdf: " + empty.path() + ": note: no attachment\n");
 }
 
 TEST(ExtractCommand, NeverLeavesTheFolder) {

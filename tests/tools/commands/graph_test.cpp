@@ -142,8 +142,8 @@ TEST(GraphCommand, WithoutGraphviz) {
   const RunResult result = run({"graph", "-o", picture, file.path()}, options);
   EXPECT_EQ(result.exit_code, 1);
   EXPECT_EQ(result.messages,
-            "mdf: cannot draw without the program neato, which is not there; install Graphviz, or "
-            "have a .dot file written\n");
+            "mdf: cannot draw: the program neato is not installed; install Graphviz, or write a "
+            ".dot file\n");
   EXPECT_EQ(bytesOf(picture), "the one before");
 }
 
@@ -178,7 +178,7 @@ TEST(GraphCommand, WrongArguments) {
   };
   EXPECT_EQ(refusal({"graph", file.path()}), "mdf: -o OUT or --json is required\n");
   EXPECT_EQ(refusal({"graph", "-o", "a.jpg", file.path()}),
-            "mdf: --output: \"a.jpg\" ends in none of .svg, .png and .dot\n");
+            "mdf: --output: \"a.jpg\" must end in .svg, .png or .dot\n");
   EXPECT_EQ(refusal({"graph", "-o", "-", "--map", "--depth", "3", file.path()}),
             "mdf: --depth excludes --map\n");
 }

@@ -83,7 +83,8 @@ TEST(PlotCommand, AnEmptyPictureIsNoted) {
   const RunResult result =
       run({"plot", file.path(), "-c", "speed", "--from", "100", "--format", "svg"});
   EXPECT_EQ(result.exit_code, 0);
-  EXPECT_EQ(result.messages, "mdf: note: there is nothing to draw: no sample chosen is a number\n");
+  EXPECT_EQ(result.messages,
+            "mdf: note: nothing to draw: none of the chosen samples is a number\n");
   EXPECT_NE(result.output.find("</svg>"), std::string::npos);
 }
 
@@ -203,7 +204,7 @@ TEST(PlotCommand, WithoutGnuplot) {
   const RunResult result = run({"plot", file.path(), "-c", "speed", "-o", path}, withoutGnuplot());
   EXPECT_EQ(result.exit_code, 1);
   EXPECT_EQ(result.messages,
-            "mdf: cannot draw without the program gnuplot, which is not there; install gnuplot\n");
+            "mdf: cannot draw: the program gnuplot is not installed; install gnuplot\n");
   EXPECT_FALSE(std::filesystem::exists(path));
 }
 
@@ -212,7 +213,7 @@ TEST(PlotCommand, NothingThatIsWanted) {
   const RunResult result = run({"plot", file.path(), "-c", "none", "--format", "svg"});
   EXPECT_EQ(result.exit_code, 2);
   EXPECT_EQ(result.output, "");
-  EXPECT_EQ(result.messages, "mdf: " + file.path() + ": there is no channel that fits \"none\"\n");
+  EXPECT_EQ(result.messages, "mdf: " + file.path() + ": no channel matches \"none\"\n");
 }
 
 TEST(PlotCommand, WrongOptions) {
@@ -222,7 +223,7 @@ TEST(PlotCommand, WrongOptions) {
   const RunResult result = run({"plot", file.path(), "-c", "speed", "-o", "out.jpg"});
   EXPECT_EQ(result.exit_code, 2);
   EXPECT_EQ(result.messages,
-            "mdf: cannot tell the picture's form from out.jpg; end it in .svg or .png, or add "
+            "mdf: cannot tell the picture's format from out.jpg; end it in .svg or .png, or add "
             "--format\n");
 }
 

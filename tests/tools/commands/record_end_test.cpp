@@ -95,7 +95,7 @@ TEST(RecordMissed, RateThatCannotBeKeptIsReported) {
   expectSummary(result.messages, path, 0.5, 50000);
   EXPECT_GT(summaryOf(result.messages).missed, 0U);
   EXPECT_EQ(summaryOf(result.messages).rest,
-            "a rate of 100000 Hz could not be kept all the time\n");
+            "could not keep up 100000 Hz all the time; a lower --rate misses fewer samples\n");
 }
 
 TEST(RecordProgress, GivesWayToAComplaint) {

@@ -71,7 +71,7 @@ TEST(RecordFull, DeviceThatTakesNothing) {
   const RunResult result = record({"/dev/full", "--duration", "1s"});
   EXPECT_EQ(result.exit_code, 1);
   EXPECT_EQ(result.messages,
-            "mdf: cannot write to /dev/full at offset 0: No space left on device; nothing is "
+            "mdf: cannot write to /dev/full at offset 0: No space left on device; nothing was "
             "recorded\n");
   EXPECT_TRUE(fs::is_character_file("/dev/full"));
 }
@@ -97,7 +97,7 @@ bool recordWithLimit(const fs::path& path, std::uint64_t limit) {
     EXPECT_LE(file.bytes().size(), limit);
     EXPECT_GT(file.bytes().size() + file.recordBytes(), limit) << "no whole record is given away";
   } else {
-    EXPECT_EQ(result.messages, beginning + "nothing is recorded\n");
+    EXPECT_EQ(result.messages, beginning + "nothing was recorded\n");
   }
   return false;
 }

@@ -67,7 +67,7 @@ TEST(TreeCommand, WrongArguments) {
   EXPECT_EQ(run({"tree"}).messages, "mdf: FILE is required\n");
   const RunResult result = run({"tree", "--from", "12h", "trip.mf4"});
   EXPECT_EQ(result.exit_code, 2);
-  EXPECT_EQ(result.messages, "mdf: --from: \"12h\" is no offset such as 312 or 0x138\n");
+  EXPECT_EQ(result.messages, "mdf: --from: \"12h\" is not an offset such as 312 or 0x138\n");
 }
 
 TEST(TreeCommand, HelpTeachesWithExamples) {

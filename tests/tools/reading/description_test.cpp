@@ -390,7 +390,7 @@ TEST(Description, CyclesAreTakenInOnce) {
   builder.link(group, 0, group);
   const Described described(builder);
   EXPECT_EQ(outline(described.group()), "a/0 b/0 ");
-  const std::string again = "found one that was there before\n";
+  const std::string again = "found one that was visited before\n";
   std::size_t count = 0;
   for (std::size_t at = described.findings.find(again); at != std::string::npos;
        at = described.findings.find(again, at + 1)) {
@@ -459,7 +459,8 @@ TEST(ForEachInChain, EndsAtACycle) {
   };
   EXPECT_EQ(visited(first), (std::vector<std::uint64_t>{first, second}));
   EXPECT_EQ(findings, std::to_string(second) + ": expected a link to a new block \"##FH\" at " +
-                          mdf_reader::decimalAndHex(first) + ", found one that was there before\n");
+                          mdf_reader::decimalAndHex(first) +
+                          ", found one that was visited before\n");
   EXPECT_TRUE(visited(0).empty());
 }
 

@@ -360,8 +360,8 @@ TEST(Walker, BlocksThatOverlapAreFollowedInProportionToTheFile) {
   });
   EXPECT_LE(findings, 4 * end / 8 + 1);
   EXPECT_EQ(last,
-            "expected blocks that lie beside one another, found several times the file's bytes in "
-            "blocks that overlap; not all of them are gone through");
+            "expected blocks that do not overlap, found several times the file's bytes in "
+            "overlapping blocks; some of them are skipped");
 }
 
 }  // namespace

@@ -143,13 +143,13 @@ void expectCutRecording(const ScratchFolder& folder, std::uint64_t limit, double
   const std::string beginning = "cannot write to " + path.string() + " at offset " +
                                 std::to_string(limit) + ": File too large; ";
   if (limit < description_bytes) {
-    EXPECT_EQ(message, beginning + "nothing is recorded");
+    EXPECT_EQ(message, beginning + "nothing was recorded");
     EXPECT_FALSE(fs::exists(path));
     return;
   }
   const auto kept = static_cast<unsigned>((limit - description_bytes) / record_bytes);
   const std::string records = kept == 1 ? "1 record" : std::to_string(kept) + " records";
-  EXPECT_EQ(message, beginning + records + " before that make a complete file");
+  EXPECT_EQ(message, beginning + records + " written before that make a complete file");
   EXPECT_TRUE(bytesOf(path) == finishedFile(kept, true));
   fs::remove(path);
 }
@@ -170,7 +170,7 @@ TEST(Recorder, FileThatTakesNoMoreAtAnyByteIsCompleteWithItsWholeRecordsOrGone) 
 
 TEST(Recorder, DeviceThatTakesNothingIsReported) {
   EXPECT_EQ(record("/dev/full", 1, 1),
-            "cannot write to /dev/full at offset 0: No space left on device; nothing is recorded");
+            "cannot write to /dev/full at offset 0: No space left on device; nothing was recorded");
 }
 
 TEST(Recorder, FileThatCannotBeCompletedStillSaysThatItIsUnfinished) {

@@ -180,7 +180,7 @@ TEST(Conversion, UnknownType) {
   Converted conversion = converted(11, {1});
   EXPECT_TRUE(conversion.isNone());
   EXPECT_EQ(conversion.findings(),
-            std::vector<std::string>{"expected a conversion's type that is known, found 11"});
+            std::vector<std::string>{"expected a known conversion type, found 11"});
 }
 
 TEST(Conversion, NoConversionThere) {
@@ -225,8 +225,8 @@ TEST(Conversion, BlocksInsideOneAnotherAreNotKeptWithoutLimit) {
   Converted conversion(file, offset);
   ASSERT_EQ(conversion.findings().size(), 1U);
   EXPECT_EQ(conversion.findings()[0],
-            "expected conversions and their texts to lie side by side, found them to be larger "
-            "than the file");
+            "expected conversions and texts that do not overlap, found more bytes in them than in "
+            "the file");
   EXPECT_EQ(conversion.of(1), "2");
 }
 

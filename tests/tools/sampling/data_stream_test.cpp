@@ -156,7 +156,7 @@ TEST(DataStream, ListsInACircle) {
   SampleFile file;
   const std::uint64_t list = file.list({file.data("abc")});
   file.link(list, 0, list);
-  expectFinding(file, list, "expected a chain of lists with an end, found this one again", "abc");
+  expectFinding(file, list, "expected the chain of lists to end, found this one again", "abc");
 }
 
 TEST(DataStream, SameBlockAgainAndAgainIsLimitedByTheFile) {
@@ -186,8 +186,7 @@ TEST(DataStream, LinksOfADataBlockThatAreMoreThanTheFile) {
   SampleFile file;
   const std::uint64_t data = file.data("abc");
   file.write(data + 16, Bytes().u64(UINT64_MAX));
-  expectFinding(file, data,
-                "expected a data block without links, found 18446744073709551615 of them", "");
+  expectFinding(file, data, "expected no links in a data block, found 18446744073709551615", "");
 }
 
 TEST(DataStream, OpenLastBlockGoesOnToTheEnd) {
@@ -225,7 +224,8 @@ TEST(DataStream, BrokenZippedData) {
   const std::uint64_t a = file.data("abc");
   const std::uint64_t zipped = file.zipped("DT", "the quick brown fox");
   file.write(zipped + 48, "\x01\x02");
-  expectFinding(file, file.list({a, zipped, a}), "expected zipped data, found what is none", "abc");
+  expectFinding(file, file.list({a, zipped, a}),
+                "expected a zlib stream, found a damaged one or other bytes", "abc");
 }
 
 TEST(DataStream, ZippedDataOfAnotherLength) {
@@ -254,8 +254,7 @@ TEST(DataStream, ZippedBytesBeyondTheBlock) {
 
 TEST(DataStream, UnknownZipType) {
   SampleFile file;
-  expectFinding(file, file.zipped("DT", "abc", 7), "expected a zip type that is known, found 7",
-                "");
+  expectFinding(file, file.zipped("DT", "abc", 7), "expected a known zip type, found 7", "");
 }
 
 }  // namespace

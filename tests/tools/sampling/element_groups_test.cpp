@@ -126,14 +126,15 @@ TEST(SplitElements, InColumns) {
 TEST(SplitElements, SizesThatLie) {
   for (const auto& dimensions : std::vector<std::vector<std::uint64_t>>{
            {0}, {65537}, {UINT64_MAX, UINT64_MAX}, std::vector<std::uint64_t>(17, 1)}) {
-    expectFinding(csvOf(idsFile({channel_group, dimensions, {2}, {}}, "\1Aa\1Cc")), without_array,
-                  " elements in up to 16 dimensions, found another number of them");
+    expectFinding(
+        csvOf(idsFile({channel_group, dimensions, {2}, {}}, "\1Aa\1Cc")), without_array,
+        " elements in up to 16 dimensions, found another number of elements or dimensions");
   }
 }
 
 TEST(SplitElements, StoredInAnUnknownWay) {
   expectFinding(csvOf(idsFile({3, {2}, {2, 1}, {}}, "\1Aa\1Cc")), without_array,
-                "expected a way to store arrays that is known, found 3");
+                "expected a known array storage, found 3");
 }
 
 TEST(SplitElements, OfTwoArrays) {

@@ -578,13 +578,13 @@ TEST(Table, ArraysOfStructuresThatDoNotFitAreLeftOut) {
   for (const auto& dimensions : std::vector<std::vector<std::uint64_t>>{
            {5}, {UINT64_MAX}, std::vector<std::uint64_t>(17, 1)}) {
     expectFinding(csvOf(composedFile(file, dimensions, a)), "last\n71\n",
-                  "expected an array that fits into records of 7 bytes");
+                  "expected the array to fit into records of 7 bytes");
   }
   const std::uint64_t too_many = arrayOf(file, {65536}, 1);
   const std::uint64_t elsewhere = arrayOf(file, {2}, 1, 0, 1);
   for (const std::uint64_t inner : {too_many, elsewhere}) {
     expectFinding(csvOf(composedFile(file, {1}, inner)), "last\n71\n",
-                  "expected an array that fits into records of 7 bytes");
+                  "expected the array to fit into records of 7 bytes");
   }
 }
 

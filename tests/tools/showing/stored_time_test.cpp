@@ -75,8 +75,8 @@ TEST(StoredTime, Sentences) {
   EXPECT_EQ(StoredTime(1'600'000'000 * second, 0, 0, 1).sentence(),
             "2020-09-13 12:26:40 local time, the zone is not stated");
   EXPECT_EQ(StoredTime(1'600'000'000, 0, 0, 0).sentence(),
-            "2020-09-13 12:26:40 UTC; taken for seconds, since nanoseconds would be in the first "
-            "moments of 1970");
+            "2020-09-13 12:26:40 UTC; read as seconds, since as nanoseconds it would be in the "
+            "first moments of 1970");
 }
 
 }  // namespace
