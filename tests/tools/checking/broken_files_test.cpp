@@ -326,7 +326,7 @@ BrokenFile recordIdUnknown() {
 BrokenFile recordCutOff() {
   return broken(fileWithTwoGroups(2, recordWithId(1, 9) + recordWithId(2, 1) + recordWithId(1, 8)),
                 "168 error record-cut-off: expected the data to end with a whole record, found a "
-                "torn record at byte 12 of the data cut off [HD.hd_dg_first/DG[0]]");
+                "torn record at byte 12 of the data [HD.hd_dg_first/DG[0]]");
 }
 
 BrokenFile cycleCountWrong() {

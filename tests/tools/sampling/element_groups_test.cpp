@@ -144,8 +144,9 @@ TEST(SplitElements, OfTwoArrays) {
       {file.group({1, 1, 0, 1}, {arrayChannel(file, "v", array), arrayChannel(file, "w", array),
                                  file.channel(firstByte("last"))})},
       file.data("\1A"), 1);
-  expectFinding(csvOf(file.bytes()), "last\n65\n",
-                "expected one array whose elements have records of their own");
+  expectFinding(
+      csvOf(file.bytes()), "last\n65\n",
+      "expected at most one array in a channel group whose elements have records of their own");
 }
 
 TEST(SplitElements, WithDataOfTheirOwnInADataGroupOfSeveral) {
