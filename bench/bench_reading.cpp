@@ -94,8 +94,8 @@ constexpr auto readInTwo = [](std::istream& is, const Layout& layout) {
 /// The bytes that come back from reading and writing again: of a channel's data section, the part
 /// after the number of attachments, which reading changes.
 std::string endOf(const std::string& bytes, const Layout& layout) {
-  constexpr std::size_t behind_counts = 48;
-  return bytes.substr(bytes.size() - std::min(layout.data, behind_counts));
+  constexpr std::size_t after_counts = 48;
+  return bytes.substr(bytes.size() - std::min(layout.data, after_counts));
 }
 
 template <class Block, class ReadBaseline>

@@ -108,7 +108,7 @@ std::string tryDump(std::string_view input) {
   const std::string on_terminal = shown(dump.text);
   expect(std::equal(dump.text.begin(), dump.text.end(), on_terminal.begin(), on_terminal.end(),
                     isShownAs),
-         "the same bytes for a terminal, but for control characters");
+         "the same bytes for a terminal, except control characters");
   expect(std::all_of(on_terminal.begin(), on_terminal.end(), isHarmless),
          "no control characters for a terminal");
   return std::to_string(dump.findings) + " findings";

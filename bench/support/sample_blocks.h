@@ -74,7 +74,7 @@ void forEachFixedBlock(Visit visit) {
   visit("SRBLOCK", SRBLOCK(1, 0.5, SRBLOCK::SR_SYNCTYPE_TIME_SECONDS, 2, 3));
 }
 
-/// Calls visit(name, block) with a block of each class that holds bytes, so many of them.
+/// Calls visit(name, block) with a block of `count` bytes of each class that holds bytes.
 template <class Visit>
 void forEachBlockOfBytes(std::size_t count, Visit visit) {
   using namespace mdf_v4_10;
@@ -89,7 +89,7 @@ void forEachBlockOfBytes(std::size_t count, Visit visit) {
   visit("DZBLOCK", DZBLOCK(DTBLOCK::MDF_DT_ID, DZBLOCK::DZ_ZIPTYPE_DEFLATE, bytes, count));
 }
 
-/// Calls visit(name, block) with a block of each class that holds a list, with so many entries.
+/// Calls visit(name, block) with a block of `count` entries of each class that holds a list.
 template <class Visit>
 void forEachBlockOfEntries(std::size_t count, Visit visit) {
   using namespace mdf_v4_10;

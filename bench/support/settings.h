@@ -6,7 +6,7 @@ namespace mdf_bench {
 /// How long is measured.
 struct Settings {
   int rounds;                ///< of each side of a comparison; medians need nine
-  double round_nanoseconds;  ///< at the least
+  double round_nanoseconds;  ///< at least
 };
 
 /// As the command line says, which is read before anything is registered.

@@ -30,7 +30,7 @@ class Survey {
   BlockTable run() {
     visit({header_block_offset, BlockTable::none, 0, false});
     explore();
-    // The list grows while it is gone through.
+    // The list grows during the loop.
     for (std::size_t i = 0; i < referring_.size(); ++i) {
       followReferences(referring_[i]);
       explore();

@@ -23,7 +23,7 @@ class Walker {
     const bool is_rooted =
         from == header_block_offset ? hasIdentification() && hasHeaderBlock() : hasBlock(from);
     if (is_rooted) {
-      // The list grows while it is gone through.
+      // The list grows during the loop.
       for (std::size_t i = 0; i < offsets_.size(); ++i) {
         followLinksAt(offsets_[i]);
       }

@@ -252,10 +252,10 @@ void Records::collectFrom(const ChannelGroup& first) {
   collected_.clear();
   std::uint64_t bytes = 0;
   std::uint64_t missing = 0;
-  bool is_behind = false;
+  bool is_reached = false;
   for (const ChannelGroup& group : data_group_.groups) {
-    is_behind = is_behind || &group == &first;
-    if (!is_behind || group.holdsVariableLength()) {
+    is_reached = is_reached || &group == &first;
+    if (!is_reached || group.holdsVariableLength()) {
       continue;
     }
     bytes += bytesOf(group);

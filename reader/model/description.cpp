@@ -148,8 +148,8 @@ ChannelGroup DescriptionReader::channelGroup(const BlockFields& block) {
   group.data_bytes = static_cast<std::uint32_t>(block.number("cg_data_bytes"));
   group.invalidation_bytes = static_cast<std::uint32_t>(block.number("cg_inval_bytes"));
   if (group.hasRemoteMaster()) {
-    constexpr std::uint64_t behind_own_links = 6;
-    group.master_group = linkAt(file_, block.raw(), behind_own_links);
+    constexpr std::uint64_t after_own_links = 6;
+    group.master_group = linkAt(file_, block.raw(), after_own_links);
   }
   readChannels(block.link(1), group);
   return group;

@@ -24,7 +24,7 @@ std::string shortened(std::string text) {
 }
 
 /// "[1][0]" for an element counted from 0 on. The last index counts fastest, or the first one in
-/// arrays that lie by columns.
+/// arrays stored by columns.
 std::string indicesOf(const ArrayShape& array, std::uint64_t element) {
   const std::size_t count = array.dimensions.size();
   std::vector<std::uint64_t> indices(count);

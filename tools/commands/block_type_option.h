@@ -7,7 +7,7 @@ class Validator;
 
 namespace mdf_tools {
 
-/// Turns small letters into capitals, and refuses what is no block type.
+/// Turns small letters into capitals, and refuses what is not a block type.
 CLI::Validator isBlockType();
 
 }  // namespace mdf_tools

@@ -156,7 +156,7 @@ void addGraphCommand(CLI::App& app, int& exit_code) {
           ->type_name("OFFSET")
           ->check(isOffset());
   CLI::Option* depth =
-      command->add_option("--depth", arguments->options.most_depth, "Go down so many levels")
+      command->add_option("--depth", arguments->options.most_depth, "How many levels to go down")
           ->type_name("N")
           ->check(isCount());
   CLI::Option* no_text =

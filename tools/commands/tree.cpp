@@ -73,7 +73,7 @@ void addTreeCommand(CLI::App& app, int& exit_code) {
   command->add_option("--from", arguments->from, "Begin at the block at this offset")
       ->type_name("OFFSET")
       ->check(isOffset());
-  command->add_option("--depth", arguments->options.most_depth, "Go down so many levels")
+  command->add_option("--depth", arguments->options.most_depth, "How many levels to go down")
       ->type_name("N")
       ->check(isCount());
   command->add_flag("--no-text", arguments->hides_texts, "Leave out text and metadata blocks");

@@ -164,7 +164,7 @@ void TreeWalk::followNextLink() {
   }
 }
 
-/// Links that have the same name but for an index are a list; it may hold nil links.
+/// Links whose names differ only in an index are a list; it may hold nil links.
 void TreeWalk::leaveOutRestOfList(Level& level, std::uint64_t link) {
   std::uint64_t count = 1;
   for (; level.next < level.links; ++level.next) {
