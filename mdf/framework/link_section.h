@@ -2,6 +2,7 @@
 #define MDF_FRAMEWORK_LINK_SECTION_H_
 
 #include <iosfwd>
+#include <utility>
 #include <vector>
 
 #include "export.h"
@@ -13,6 +14,8 @@ namespace mdf_v4_10 {
 class MDF_EXPORT LinkSection : public std::vector<LINK> {
  public:
   using std::vector<LINK>::vector;
+  LinkSection() = default;
+  LinkSection(std::vector<LINK> links) : std::vector<LINK>(std::move(links)) {}
 
   /// Number of links that are not nil, wherever they stand.
   UINT64 getValidLinkLength() const;

@@ -2,6 +2,7 @@
 
 #include <sstream>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "mdf_v4_10.h"
@@ -17,6 +18,32 @@ namespace {
 TEST(LinkSection, IsAVectorOfSignedOffsets) {
   EXPECT_TRUE((std::is_base_of_v<std::vector<LINK>, LinkSection>));
   EXPECT_TRUE((std::is_same_v<LinkSection::value_type, std::int64_t>));
+}
+
+TEST(LinkSection, IsMadeFromAVector) {
+  std::vector<LINK> offsets{1, 0, -2};
+  const LinkSection copied = offsets;
+  EXPECT_EQ(copied, (LinkSection{1, 0, -2}));
+  const LINK* const memory = offsets.data();
+  const LinkSection moved(std::move(offsets));
+  EXPECT_EQ(moved, copied);
+  EXPECT_EQ(moved.data(), memory);
+}
+
+TEST(LinkSection, IsAssignedFromAVector) {
+  std::vector<LINK> offsets{1, 0, -2};
+  LinkSection links{9};
+  links = offsets;
+  EXPECT_EQ(links, (LinkSection{1, 0, -2}));
+  EXPECT_EQ(offsets.size(), 3U);
+  const LINK* const memory = offsets.data();
+  links = std::move(offsets);
+  EXPECT_EQ(links, (LinkSection{1, 0, -2}));
+  EXPECT_EQ(links.data(), memory);
+  links = {5, 6};
+  EXPECT_EQ(links, (LinkSection{5, 6}));
+  links = {};
+  EXPECT_TRUE(links.empty());
 }
 
 TEST(LinkSection, CountsTheLinksThatAreSet) {
