@@ -1,6 +1,7 @@
 #include "block_check.h"
 
-#include <array>
+#include <algorithm>
+#include <iterator>
 
 namespace mdf_fuzz {
 
@@ -23,7 +24,8 @@ void expectForm(const std::string& bytes, const std::string& letters, Contents c
 void expectUnread(const GENERALBLOCK& block, const std::string& letters) {
   expect(block.header.mdfID.idInternal == mdf_tests::oracle::numberAt("##" + letters, {0, 4}),
          "the identifier of the class");
-  expect(block.header.reserved == std::array<UINT8, 4>{}, "reserved bytes of the header zero");
+  expect(std::count(std::begin(block.header.reserved), std::end(block.header.reserved), 0) == 4,
+         "reserved bytes of the header zero");
   expect(block.getPadding() == 0, "no padding");
 }
 

@@ -1,6 +1,7 @@
 #include "contents.h"
 
 #include <cstring>
+#include <iterator>
 
 namespace mdf_fuzz {
 
@@ -32,7 +33,7 @@ void holdOnly(const std::vector<UINT8>& data, Contents& contents) {
 Contents frameOf(const GENERALBLOCK& block) {
   Contents contents{block.header.length, block.header.link_count, {}, {}, "", ""};
   append(contents.links, block.links);
-  contents.reserved.assign(block.header.reserved.begin(), block.header.reserved.end());
+  contents.reserved.assign(std::begin(block.header.reserved), std::end(block.header.reserved));
   return contents;
 }
 

@@ -28,7 +28,6 @@
 #include "fileblocks/mdblock.h"
 #include "fileblocks/txblock.h"
 #include "framework/block_id.h"
-#include "framework/dump.h"
 #include "framework/general_block.h"
 #include "framework/header_section.h"
 #include "framework/link_section.h"

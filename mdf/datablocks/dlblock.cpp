@@ -5,13 +5,14 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 
 namespace mdf_v4_10 {
 
 namespace {
 
 /// The next list's link.
-constexpr std::size_t own_link_count = DLBLOCK::dl_dl_next + 1;
+constexpr std::size_t own_link_count = detail::dlblock_links.size();
 
 /// The file's first link is the next list's. That the pairs start at it, and not at the first data
 /// link, is deliberate.
@@ -20,7 +21,7 @@ void takePairs(DLBLOCK& dlb, std::istream& is, detail::BlockBody& body, UINT64 c
   std::size_t offset_width = sizeof(UINT64);
   std::size_t pairs = body.links.size();
   if (dlb.isEqualLengthFlag()) {
-    if (body.in.remaining() < dlblock_equal_length_fields.width()) {
+    if (body.in.remaining() < detail::dlblock_equal_length_fields.width()) {
       // With the flag the equal length is one of the fixed fields, so without it the block is
       // unreadable, and nothing but the header is taken.
       dlb.dl_flags = 0;
@@ -28,7 +29,7 @@ void takePairs(DLBLOCK& dlb, std::istream& is, detail::BlockBody& body, UINT64 c
       is.clear(std::ios_base::badbit);
       return;
     }
-    dlblock_equal_length_fields.take(offset, dlb);
+    detail::dlblock_equal_length_fields.take(offset, dlb);
     // Every pair has the one length.
     offset_width = 0;
   } else {
@@ -50,12 +51,12 @@ DLBLOCK::DLBLOCK(bool _equalLength, LINK _dlNext)
   setNextDlblock(_dlNext);
 }
 
-// The nil link stays in front of the links read.
+// The nil link stays before the links read.
 DLBLOCK::DLBLOCK(std::istream& is)
     : GENERALBLOCK(MDF_DL_ID, DLBLOCK_CONSTANT_SIZE, own_link_count, LinksFollow()) {
-  detail::BlockBody body(is, *this, dlblock_fields.width(), detail::BodyForm::all_64);
+  detail::BlockBody body(is, *this, detail::dlblock_fields.takenWidth(), detail::BodyForm::all_64);
   if (body.isReadable()) {
-    const auto [count] = dlblock_fields.take(body.in, *this);
+    const auto [count] = detail::dlblock_fields.take(body.in, *this);
     takePairs(*this, is, body, count);
   }
   body.links.appendTo(links, own_link_count);
@@ -79,7 +80,8 @@ bool DLBLOCK::getDataAtIndex(UINT32 _elementIndex, LINK& _dt_sd_rd_dzblock, UINT
 std::uint64_t DLBLOCK::getSize() const {
   const std::uint64_t pairs = dl_data.size();
   if (isEqualLengthFlag()) {
-    return DLBLOCK_CONSTANT_SIZE + dlblock_equal_length_fields.width() + pairs * sizeof(LINK);
+    return DLBLOCK_CONSTANT_SIZE + detail::dlblock_equal_length_fields.width() +
+           pairs * sizeof(LINK);
   }
   return DLBLOCK_CONSTANT_SIZE + pairs * (sizeof(LINK) + sizeof(UINT64));
 }
@@ -105,9 +107,9 @@ std::ostream& operator<<(std::ostream& os, const DLBLOCK& dlb) {
   out.header(dlb.header, dlb.getSize(), dlb.dl_data.size() + 1);
   out.numbers(dlb.links);
   out.column(dlb.dl_data, &std::pair<LINK, UINT64>::first);
-  out.fields(dlblock_fields, dlb);
+  out.fields(detail::dlblock_fields, dlb);
   if (dlb.isEqualLengthFlag()) {
-    out.fields(dlblock_equal_length_fields, dlb);
+    out.fields(detail::dlblock_equal_length_fields, dlb);
   } else {
     out.column(dlb.dl_data, &std::pair<LINK, UINT64>::second);
   }

@@ -1,7 +1,6 @@
 #ifndef MDF_DATABLOCKS_DLBLOCK_H_
 #define MDF_DATABLOCKS_DLBLOCK_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
@@ -10,7 +9,6 @@
 
 #include "../framework/bits.h"
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -75,30 +73,19 @@ class MDF_EXPORT DLBLOCK : public GENERALBLOCK {
   LINK seekgNextDlblock(std::ifstream& ifs) const { return seekg(ifs, getNextDlblock()); }
 
   /// Bytes that the block takes in the file. Of a block that was read this leaves out the links
-  /// behind the first one, as the length that the writer states does.
+  /// after the first one, as the length that the writer states does.
   std::uint64_t getSize() const;
 
   void print(std::ostream& os) const;
 
   UINT8 dl_flags = 0;
-  std::array<UINT8, 3> dl_reserved{};
+  detail::Array<UINT8, 3> dl_reserved{};
   UINT64 dl_equal_length = 0;                    ///< bytes of data, if all blocks have as many
   std::vector<std::pair<LINK, UINT64>> dl_data;  ///< listed blocks and their offsets
 };
 
-inline constexpr auto dlblock_fields =
-    detail::fieldList(detail::field<&DLBLOCK::dl_flags>("dl_flags"),
-                      detail::reserved<&DLBLOCK::dl_reserved>("dl_reserved"),
-                      detail::countOf<UINT32, &DLBLOCK::dl_data>("dl_count"));
-static_assert(detail::sizeWithLinks(DLBLOCK::dl_dl_next + 1, dlblock_fields) ==
-              DLBLOCK::DLBLOCK_CONSTANT_SIZE);
-
-/// What stands behind the other fields, in place of the offsets, with the `equal_length` flag.
-inline constexpr auto dlblock_equal_length_fields =
-    detail::fieldList(detail::field<&DLBLOCK::dl_equal_length>("dl_equal_length"));
-
 /// Writes the block; length, link count and entry count in the file follow from the pairs. The link
-/// count takes one link besides theirs for granted: a block that was read writes all of `links`,
+/// count assumes one link besides theirs: a block that was read writes all of `links`,
 /// and so more links than its link count and its length say.
 MDF_EXPORT std::ostream& operator<<(std::ostream& os, const DLBLOCK& dlb);
 

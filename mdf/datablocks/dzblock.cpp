@@ -3,6 +3,7 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 #include "plain_data.h"
 
 namespace mdf_v4_10 {
@@ -16,11 +17,12 @@ DZBLOCK::DZBLOCK(std::uint16_t _org_block_type, DZ_ZIPTYPE_t _zipType, const std
 }
 
 DZBLOCK::DZBLOCK(std::istream& is) : GENERALBLOCK(MDF_DZ_ID, DZBLOCK_CONSTANT_SIZE, 0) {
-  detail::BlockBody body(is, *this, dzblock_fields.width(), detail::BodyForm::without_links);
+  detail::BlockBody body(is, *this, detail::dzblock_fields.takenWidth(),
+                         detail::BodyForm::without_links);
   if (!body.isReadable()) {
     return;
   }
-  const auto [compressed_length] = dzblock_fields.take(body.in.position(), *this);
+  const auto [compressed_length] = detail::dzblock_fields.take(body.in.position(), *this);
   // The body holds the compressed bytes, too, but the data is what follows the block; deliberate.
   detail::readSizedData(is, compressed_length, dz_data);
 }
@@ -45,7 +47,7 @@ std::ostream& operator<<(std::ostream& os, const DZBLOCK& dzb) {
   detail::Frame frame;
   detail::BlockWriter out(os, frame);
   out.header(dzb.header, dzb.getSize(), 0);
-  out.fields(dzblock_fields, dzb);
+  out.fields(detail::dzblock_fields, dzb);
   out.bytes(dzb.dz_data);
   return out.finish();
 }

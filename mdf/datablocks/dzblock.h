@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -34,8 +33,8 @@ class MDF_EXPORT DZBLOCK : public GENERALBLOCK {
 
   /// Reads the block at the stream's position. `dz_data` deliberately gets the bytes that follow
   /// the block in the stream, as many as its compressed length says, and not the block's own; the
-  /// stream ends up behind them. Where fewer follow, as at the end of a file, the stream becomes
-  /// bad, and `dz_data` keeps its stated size with zeros behind what came. A stream that ends in
+  /// stream ends up after them. Where fewer follow, as at the end of a file, the stream becomes
+  /// bad, and `dz_data` keeps its stated size with zeros after what came. A stream that ends in
   /// the block keeps its own end-of-file and fail bits and leaves fields of zero.
   /// @throws std::length_error or std::bad_alloc for a compressed length beyond memory.
   explicit DZBLOCK(std::istream& is);
@@ -69,15 +68,6 @@ class MDF_EXPORT DZBLOCK : public GENERALBLOCK {
   UINT64 dz_org_data_length = 0;  ///< bytes before compression
   std::vector<UINT8> dz_data;
 };
-
-inline constexpr auto dzblock_fields =
-    detail::fieldList(detail::field<&DZBLOCK::dz_org_block_type>("dz_org_block_type"),
-                      detail::field<&DZBLOCK::dz_zip_type>("dz_zip_type"),
-                      detail::reserved<&DZBLOCK::dz_reserved>("dz_reserved"),
-                      detail::field<&DZBLOCK::dz_zip_parameter>("dz_zip_parameter"),
-                      detail::field<&DZBLOCK::dz_org_data_length>("dz_org_data_length"),
-                      detail::countOf<UINT64, &DZBLOCK::dz_data>("dz_data_length"));
-static_assert(detail::sizeWithLinks(0, dzblock_fields) == DZBLOCK::DZBLOCK_CONSTANT_SIZE);
 
 /// Writes the block; the length and the compressed length in the file follow from the bytes, and
 /// the link count is 0.

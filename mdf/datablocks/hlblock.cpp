@@ -3,6 +3,7 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 
 namespace mdf_v4_10 {
 
@@ -14,7 +15,8 @@ HLBLOCK::HLBLOCK(LINK _dl_first, bool _equalLength, DZBLOCK::DZ_ZIPTYPE_t _zipTy
 }
 
 HLBLOCK::HLBLOCK(std::istream& is) : GENERALBLOCK(MDF_HL_ID, HLBLOCK_SIZE, 0) {
-  detail::readFixedBlock<HLBLOCK_SIZE>(is, *this, hlblock_fields, detail::ShortRead::left_as_read);
+  detail::readFixedBlock<HLBLOCK_SIZE>(is, *this, detail::hlblock_fields,
+                                       detail::ShortRead::left_as_read);
 }
 
 void HLBLOCK::print(std::ostream& os) const {
@@ -32,7 +34,7 @@ std::ostream& operator<<(std::ostream& os, const HLBLOCK& hlb) {
   // The link is written but not announced; deliberate.
   out.header(hlb.header, HLBLOCK::HLBLOCK_SIZE, 0);
   out.numbers(hlb.links);
-  out.fields(hlblock_fields, hlb);
+  out.fields(detail::hlblock_fields, hlb);
   return out.finish();
 }
 

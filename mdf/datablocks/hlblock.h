@@ -1,14 +1,12 @@
 #ifndef MDF_DATABLOCKS_HLBLOCK_H_
 #define MDF_DATABLOCKS_HLBLOCK_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 
 #include "../framework/bits.h"
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 #include "dzblock.h"
@@ -58,15 +56,8 @@ class MDF_EXPORT HLBLOCK : public GENERALBLOCK {
 
   UINT16 hl_flags = 0;
   UINT8 hl_zip_type = 0;  ///< a DZBLOCK::DZ_ZIPTYPE_t
-  std::array<UINT8, 5> hl_reserved{};
+  detail::Array<UINT8, 5> hl_reserved{};
 };
-
-inline constexpr auto hlblock_fields =
-    detail::fieldList(detail::field<&HLBLOCK::hl_flags>("hl_flags"),
-                      detail::field<&HLBLOCK::hl_zip_type>("hl_zip_type"),
-                      detail::reserved<&HLBLOCK::hl_reserved>("hl_reserved"));
-static_assert(detail::sizeWithLinks(HLBLOCK::HL_BLOCK_LINKS_NUM, hlblock_fields) ==
-              HLBLOCK::HLBLOCK_SIZE);
 
 /// Writes the block with its links, but a link count of 0.
 MDF_EXPORT std::ostream& operator<<(std::ostream& os, const HLBLOCK& hlb);

@@ -11,7 +11,7 @@
 namespace mdf_v4_10::detail {
 
 /// Reads `size` bytes. When fewer come, the stream becomes exactly bad, and `data` keeps its stated
-/// size with zeros behind what came. A size beyond memory raises the allocation's own exception.
+/// size with zeros after what came. A size beyond memory raises the allocation's own exception.
 void readSizedData(std::istream& is, UINT64 size, std::vector<UINT8>& data);
 
 void readPlainData(std::istream& is, HeaderSection& header, std::vector<UINT8>& data);

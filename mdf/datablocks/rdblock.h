@@ -26,9 +26,9 @@ class MDF_EXPORT RDBLOCK : public GENERALBLOCK {
   RDBLOCK(const std::uint8_t* _data, std::size_t _ndata);
 
   /// Reads the block at the stream's position, its data straight into `rd_data`. Links are not
-  /// read: everything behind the header is data. A stream that ends in the header keeps the state
+  /// read: everything after the header is data. A stream that ends in the header keeps the state
   /// that the read left and gives an empty block; one that ends in the data becomes bad, and
-  /// `rd_data` keeps its stated size with zeros behind what came.
+  /// `rd_data` keeps its stated size with zeros after what came.
   /// @throws std::length_error or std::bad_alloc for a length below 24 or beyond memory.
   explicit RDBLOCK(std::istream& is);
 

@@ -27,9 +27,9 @@ class MDF_EXPORT SDBLOCK : public GENERALBLOCK {
   SDBLOCK(const std::uint8_t* _data, std::size_t _ndata);
 
   /// Reads the block at the stream's position, its data straight into `sd_data`. Links are not
-  /// read: everything behind the header is data. A stream that ends in the header keeps the state
+  /// read: everything after the header is data. A stream that ends in the header keeps the state
   /// that the read left and gives an empty block; one that ends in the data becomes bad, and
-  /// `sd_data` keeps its stated size with zeros behind what came.
+  /// `sd_data` keeps its stated size with zeros after what came.
   /// @throws std::length_error or std::bad_alloc for a length below 24 or beyond memory.
   explicit SDBLOCK(std::istream& is);
 

@@ -3,6 +3,7 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 
 namespace mdf_v4_10 {
 
@@ -16,10 +17,11 @@ SRBLOCK::SRBLOCK(UINT64 _cycleCount, REAL _interval, MDF_SR_SYNCTYPE_t _syncType
   setNextSrblock(_nextSrblock);
 }
 
-// The nil links stay in front of the links read.
+// The nil links stay before the links read.
 SRBLOCK::SRBLOCK(std::istream& is)
     : GENERALBLOCK(MDF_SR_ID, SRBLOCK_SIZE, SR_BLOCK_LINKS_NUM, LinksFollow()) {
-  detail::readFixedBlock<SRBLOCK_SIZE>(is, *this, srblock_fields, detail::ShortRead::left_as_read);
+  detail::readFixedBlock<SRBLOCK_SIZE>(is, *this, detail::srblock_fields,
+                                       detail::ShortRead::left_as_read);
 }
 
 void SRBLOCK::print(std::ostream& os) const {
@@ -35,7 +37,7 @@ void SRBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const SRBLOCK& srb) {
-  return detail::writeStoredBlock(os, srb, srblock_fields);
+  return detail::writeStoredBlock(os, srb, detail::srblock_fields);
 }
 
 }  // namespace mdf_v4_10

@@ -1,14 +1,12 @@
 #ifndef MDF_DATABLOCKS_SRBLOCK_H_
 #define MDF_DATABLOCKS_SRBLOCK_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 
 #include "../framework/bits.h"
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -46,7 +44,7 @@ class MDF_EXPORT SRBLOCK : public GENERALBLOCK {
           LINK _nextSrblock);
 
   /// Reads the block at the stream's position. The links read stand in `links` from index 2 on,
-  /// behind two nil links: the link accessors, the dump and the writer see the nil ones. A short
+  /// after two nil links: the link accessors, the dump and the writer see the nil ones. A short
   /// stream keeps its own end-of-file and fail bits and leaves two nil links and fields of zero.
   explicit SRBLOCK(std::istream& is);
 
@@ -79,17 +77,8 @@ class MDF_EXPORT SRBLOCK : public GENERALBLOCK {
   REAL sr_interval = 0;       ///< in the unit that the sync type gives
   UINT8 sr_sync_type = 0;     ///< an MDF_SR_SYNCTYPE_t
   UINT8 sr_flags = 0;
-  std::array<UINT8, 6> sr_reserved{};
+  detail::Array<UINT8, 6> sr_reserved{};
 };
-
-inline constexpr auto srblock_fields =
-    detail::fieldList(detail::field<&SRBLOCK::sr_cycle_count>("sr_cycle_count"),
-                      detail::field<&SRBLOCK::sr_interval>("sr_interval"),
-                      detail::field<&SRBLOCK::sr_sync_type>("sr_sync_type"),
-                      detail::field<&SRBLOCK::sr_flags>("sr_flags"),
-                      detail::reserved<&SRBLOCK::sr_reserved>("sr_reserved"));
-static_assert(detail::sizeWithLinks(SRBLOCK::SR_BLOCK_LINKS_NUM, srblock_fields) ==
-              SRBLOCK::SRBLOCK_SIZE);
 
 /// Writes the header and the links as they are stored, then the data section. A block that was
 /// read writes its nil links as well.

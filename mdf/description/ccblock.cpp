@@ -5,15 +5,13 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 
 namespace mdf_v4_10 {
 
 namespace {
 
-constexpr std::size_t fixed_link_count = CCBLOCK::cc_cc_inverse + 1;
-
-/// Links in the file, references included.
-std::size_t linkCount(const CCBLOCK& ccb) { return fixed_link_count + ccb.cc_refs.size(); }
+constexpr std::size_t fixed_link_count = detail::ccblock_links.size();
 
 }  // namespace
 
@@ -27,13 +25,13 @@ CCBLOCK::CCBLOCK(MDF_CC_TYPE_t _type) : CCBLOCK() {
 }
 
 CCBLOCK::CCBLOCK(std::istream& is) : CCBLOCK() {
-  detail::BlockBody body(is, *this, ccblock_fields.width(), detail::BodyForm::low_32);
+  detail::BlockBody body(is, *this, detail::ccblock_fields.takenWidth(), detail::BodyForm::low_32);
   if (!body.isReadable()) {
     return;
   }
-  const auto [reference_count, value_count] = ccblock_fields.take(body.in, *this);
+  const auto [reference_count, value_count] = detail::ccblock_fields.take(body.in, *this);
   body.links.fill(links, fixed_link_count);
-  // The references are the links behind the fixed ones, as many as the count says. Links beyond it
+  // The references are the links after the fixed ones, as many as the count says. Links beyond it
   // are dropped; deliberate.
   body.links.appendPartTo(cc_refs, fixed_link_count, detail::hostSize(reference_count));
   body.takeList(detail::hostSize(value_count), cc_vals);
@@ -74,10 +72,10 @@ void CCBLOCK::print(std::ostream& os) const {
 std::ostream& operator<<(std::ostream& os, const CCBLOCK& ccb) {
   detail::Frame frame;
   detail::BlockWriter out(os, frame);
-  out.header(ccb.header, ccb.getSize(), linkCount(ccb));
+  out.header(ccb.header, ccb.getSize(), ccb.getLinkCount());
   out.numbers(ccb.links);
   out.numbers(ccb.cc_refs);
-  out.fields(ccblock_fields, ccb);
+  out.fields(detail::ccblock_fields, ccb);
   out.numbers(ccb.cc_vals);
   return out.finish();
 }

@@ -11,7 +11,6 @@
 
 #include "../framework/bits.h"
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -58,7 +57,7 @@ class MDF_EXPORT CCBLOCK : public GENERALBLOCK {
   explicit CCBLOCK(MDF_CC_TYPE_t _type);
 
   /// Reads the block at the stream's position. Exactly four links stand in `links` afterwards, nil
-  /// where the file has fewer; those behind them that the reference count covers stand in
+  /// where the file has fewer; those after them that the reference count covers stand in
   /// `cc_refs`, others are dropped. Values that the block's bytes do not hold are missing. Length
   /// and link count stay as found. A short stream keeps its own end-of-file and fail bits and
   /// leaves the block without links, its fields as a block for writing starts with them.
@@ -182,18 +181,10 @@ class MDF_EXPORT CCBLOCK : public GENERALBLOCK {
  private:
   CCBLOCK();
   void startSetup(MDF_CC_TYPE_t type);
+  /// Links in the file, references included.
+  std::size_t getLinkCount() const { return cc_cc_inverse + 1 + cc_refs.size(); }
+  friend std::ostream& operator<<(std::ostream& os, const CCBLOCK& ccb);
 };
-
-inline constexpr auto ccblock_fields =
-    detail::fieldList(detail::field<&CCBLOCK::cc_type>("cc_type"),
-                      detail::field<&CCBLOCK::cc_precision>("cc_precision"),
-                      detail::field<&CCBLOCK::cc_flags>("cc_flags"),
-                      detail::countOf<UINT16, &CCBLOCK::cc_refs>("cc_ref_count"),
-                      detail::countOf<UINT16, &CCBLOCK::cc_vals>("cc_val_count"),
-                      detail::field<&CCBLOCK::cc_phy_range_min>("cc_phy_range_min"),
-                      detail::field<&CCBLOCK::cc_phy_range_max>("cc_phy_range_max"));
-static_assert(detail::sizeWithLinks(CCBLOCK::cc_cc_inverse + 1, ccblock_fields) ==
-              CCBLOCK::CCBLOCK_CONSTANT_SIZE);
 
 /// Writes the block; length, link count and the two counts in the file follow from its lists. The
 /// counts are 16 bits wide: of longer lists all entries are written, and the counts are cut.

@@ -3,6 +3,7 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 
 namespace mdf_v4_10 {
 
@@ -17,10 +18,11 @@ CGBLOCK::CGBLOCK(LINK _nextCgblock, CG_FLAGS_t _groupType, UINT64 _recordId, LIN
         _firstSrblock, _cycleCount, _pathSeparator, _dataBytes, _invalidBytes);
 }
 
-// The nil links stay in front of the links read.
+// The nil links stay before the links read.
 CGBLOCK::CGBLOCK(std::istream& is)
     : GENERALBLOCK(MDF_CG_ID, CGBLOCK_SIZE, CG_BLOCK_LINKS_NUM, LinksFollow()) {
-  detail::readFixedBlock<CGBLOCK_SIZE>(is, *this, cgblock_fields, detail::ShortRead::makes_bad);
+  detail::readFixedBlock<CGBLOCK_SIZE>(is, *this, detail::cgblock_fields,
+                                       detail::ShortRead::makes_bad);
 }
 
 void CGBLOCK::setup(LINK _nextCgblock, CG_FLAGS_t _groupType, UINT64 _recordId, LINK _firstCnblock,
@@ -63,7 +65,7 @@ void CGBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const CGBLOCK& cgb) {
-  return detail::writeStoredBlock(os, cgb, cgblock_fields);
+  return detail::writeStoredBlock(os, cgb, detail::cgblock_fields);
 }
 
 }  // namespace mdf_v4_10

@@ -1,7 +1,6 @@
 #ifndef MDF_DESCRIPTION_CGBLOCK_H_
 #define MDF_DESCRIPTION_CGBLOCK_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
@@ -9,7 +8,6 @@
 
 #include "../framework/bits.h"
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -54,7 +52,7 @@ class MDF_EXPORT CGBLOCK : public GENERALBLOCK {
           CG_PATHSEPARATOR_t _pathSeparator, UINT32 _dataBytes, UINT32 _invalidBytes);
 
   /// Reads the block at the stream's position. The links read stand in `links` from index 6 on,
-  /// behind six nil links: the link accessors, the dump and the writer see the nil ones. A short
+  /// after six nil links: the link accessors, the dump and the writer see the nil ones. A short
   /// stream becomes bad and leaves six nil links and fields of zero.
   explicit CGBLOCK(std::istream& is);
 
@@ -135,21 +133,10 @@ class MDF_EXPORT CGBLOCK : public GENERALBLOCK {
   UINT64 cg_cycle_count = 0;
   UINT16 cg_flags = 0;
   UINT16 cg_path_separator = 0;  ///< a CG_PATHSEPARATOR_t
-  std::array<UINT8, 4> cg_reserved{};
+  detail::Array<UINT8, 4> cg_reserved{};
   UINT32 cg_data_bytes = 0;
   UINT32 cg_inval_bytes = 0;
 };
-
-inline constexpr auto cgblock_fields =
-    detail::fieldList(detail::field<&CGBLOCK::cg_record_id>("cg_record_id"),
-                      detail::field<&CGBLOCK::cg_cycle_count>("cg_cycle_count"),
-                      detail::field<&CGBLOCK::cg_flags>("cg_flags"),
-                      detail::field<&CGBLOCK::cg_path_separator>("cg_path_separator"),
-                      detail::reserved<&CGBLOCK::cg_reserved>("cg_reserved"),
-                      detail::field<&CGBLOCK::cg_data_bytes>("cg_data_bytes"),
-                      detail::field<&CGBLOCK::cg_inval_bytes>("cg_inval_bytes"));
-static_assert(detail::sizeWithLinks(CGBLOCK::CG_BLOCK_LINKS_NUM, cgblock_fields) ==
-              CGBLOCK::CGBLOCK_SIZE);
 
 /// Writes the header and the links as they are stored, then the data section. A block that was
 /// read writes its nil links as well.

@@ -3,14 +3,15 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 
 namespace mdf_v4_10 {
 
 namespace {
 
-constexpr std::size_t fixed_link_count = CNBLOCK::cn_md_comment + 1;
+constexpr std::size_t fixed_link_count = detail::cnblock_links.size();
 
-/// The links to the default X axis, behind all others.
+/// The links to the default X axis, after all others.
 constexpr auto x_axis_links =
     detail::fieldList(detail::field<&CNBLOCK::cn_default_x_dgblock>("cn_default_x_dgblock"),
                       detail::field<&CNBLOCK::cn_default_x_cgblock>("cn_default_x_cgblock"),
@@ -44,12 +45,12 @@ CNBLOCK::CNBLOCK(MDF_CN_CHANNELTYPE_t _channelType, MDF_CN_SYNCTYPE_t _syncType,
 }
 
 CNBLOCK::CNBLOCK(std::istream& is) : CNBLOCK() {
-  detail::BlockBody body(is, *this, cnblock_fields.width(), detail::BodyForm::low_32);
+  detail::BlockBody body(is, *this, detail::cnblock_fields.takenWidth(), detail::BodyForm::low_32);
   if (!body.isReadable()) {
     return;
   }
-  const auto [attachment_count] = cnblock_fields.take(body.in.position(), *this);
-  // The list starts at the file's first link, not behind its fixed ones, and takes one entry more
+  const auto [attachment_count] = detail::cnblock_fields.take(body.in.position(), *this);
+  // The list starts at the file's first link, not after its fixed ones, and takes one entry more
   // than the count. Both are deliberate.
   body.links.appendPartTo(cc_attachements, 0, detail::hostSize(attachment_count) + 1);
   if (isDefaultXAxis()) {
@@ -181,13 +182,13 @@ std::ostream& operator<<(std::ostream& os, const CNBLOCK& cnb) {
   detail::Frame frame;
   detail::BlockWriter out(os, frame);
   const std::size_t link_count = fixed_link_count + additionalLinkCount(cnb);
-  out.header(cnb.header, detail::sizeWithLinks(link_count, cnblock_fields), link_count);
+  out.header(cnb.header, detail::sizeWithLinks(link_count, detail::cnblock_fields), link_count);
   out.numbers(cnb.links);
   out.numbers(cnb.cc_attachements);
   if (cnb.isDefaultXAxis()) {
     out.fields(x_axis_links, cnb);
   }
-  out.fields(cnblock_fields, cnb);
+  out.fields(detail::cnblock_fields, cnb);
   return out.finish();
 }
 

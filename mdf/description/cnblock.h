@@ -9,7 +9,6 @@
 
 #include "../framework/bits.h"
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -283,27 +282,6 @@ class MDF_EXPORT CNBLOCK : public GENERALBLOCK {
   CNBLOCK();
   void printFlags(detail::Dump& dump) const;
 };
-
-inline constexpr auto cnblock_fields =
-    detail::fieldList(detail::field<&CNBLOCK::cn_type>("cn_type"),
-                      detail::field<&CNBLOCK::cn_sync_type>("cn_sync_type"),
-                      detail::field<&CNBLOCK::cn_data_type>("cn_data_type"),
-                      detail::field<&CNBLOCK::cn_bit_offset>("cn_bit_offset"),
-                      detail::field<&CNBLOCK::cn_byte_offset>("cn_byte_offset"),
-                      detail::field<&CNBLOCK::cn_bit_count>("cn_bit_count"),
-                      detail::field<&CNBLOCK::cn_flags>("cn_flags"),
-                      detail::field<&CNBLOCK::cn_inval_bit_pos>("cn_inval_bit_pos"),
-                      detail::field<&CNBLOCK::cn_precision>("cn_precision"),
-                      detail::reserved<&CNBLOCK::cn_reserved>("cn_reserved"),
-                      detail::countOf<UINT16, &CNBLOCK::cc_attachements>("cn_attachment_count"),
-                      detail::field<&CNBLOCK::cn_val_range_min>("cn_val_range_min"),
-                      detail::field<&CNBLOCK::cn_val_range_max>("cn_val_range_max"),
-                      detail::field<&CNBLOCK::cn_limit_min>("cn_limit_min"),
-                      detail::field<&CNBLOCK::cn_limit_max>("cn_limit_max"),
-                      detail::field<&CNBLOCK::cn_limit_ext_min>("cn_limit_ext_min"),
-                      detail::field<&CNBLOCK::cn_limit_ext_max>("cn_limit_ext_max"));
-static_assert(detail::sizeWithLinks(CNBLOCK::cn_md_comment + 1, cnblock_fields) ==
-              CNBLOCK::CNBLOCK_CONSTANT_SIZE);
 
 /// Writes the block; length and link count in the file follow from its lists.
 MDF_EXPORT std::ostream& operator<<(std::ostream& os, const CNBLOCK& cnb);

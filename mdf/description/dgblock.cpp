@@ -3,6 +3,7 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 
 namespace mdf_v4_10 {
 
@@ -14,10 +15,11 @@ DGBLOCK::DGBLOCK(LINK _nextdgblock, LINK _cgblock, LINK _data, MDF_DG_REC_ID_SIZ
   setRecordIdSize(_id);
 }
 
-// The nil links stay in front of the links read.
+// The nil links stay before the links read.
 DGBLOCK::DGBLOCK(std::istream& is)
     : GENERALBLOCK(MDF_DG_ID, DGBLOCK_SIZE, DG_BLOCK_LINKS_NUM, LinksFollow()) {
-  detail::readFixedBlock<DGBLOCK_SIZE>(is, *this, dgblock_fields, detail::ShortRead::makes_bad);
+  detail::readFixedBlock<DGBLOCK_SIZE>(is, *this, detail::dgblock_fields,
+                                       detail::ShortRead::makes_bad);
 }
 
 void DGBLOCK::print(std::ostream& os) const {
@@ -32,7 +34,7 @@ void DGBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const DGBLOCK& dgb) {
-  return detail::writeStoredBlock(os, dgb, dgblock_fields);
+  return detail::writeStoredBlock(os, dgb, detail::dgblock_fields);
 }
 
 }  // namespace mdf_v4_10

@@ -1,14 +1,12 @@
 #ifndef MDF_DESCRIPTION_DGBLOCK_H_
 #define MDF_DESCRIPTION_DGBLOCK_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <string>
 
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -42,7 +40,7 @@ class MDF_EXPORT DGBLOCK : public GENERALBLOCK {
   DGBLOCK(LINK _nextdgblock, LINK _cgblock, LINK _data, MDF_DG_REC_ID_SIZE_t _id);
 
   /// Reads the block at the stream's position. The links read stand in `links` from index 4 on,
-  /// behind four nil links: the link accessors, the dump and the writer see the nil ones. A short
+  /// after four nil links: the link accessors, the dump and the writer see the nil ones. A short
   /// stream becomes bad and leaves four nil links and fields of zero.
   explicit DGBLOCK(std::istream& is);
 
@@ -75,14 +73,8 @@ class MDF_EXPORT DGBLOCK : public GENERALBLOCK {
   void print(std::ostream& os) const;
 
   UINT8 dg_rec_id_size = 0;  ///< an MDF_DG_REC_ID_SIZE_t
-  std::array<UINT8, 7> dg_reserved{};
+  detail::Array<UINT8, 7> dg_reserved{};
 };
-
-inline constexpr auto dgblock_fields =
-    detail::fieldList(detail::field<&DGBLOCK::dg_rec_id_size>("dg_rec_id_size"),
-                      detail::reserved<&DGBLOCK::dg_reserved>("dg_reserved"));
-static_assert(detail::sizeWithLinks(DGBLOCK::DG_BLOCK_LINKS_NUM, dgblock_fields) ==
-              DGBLOCK::DGBLOCK_SIZE);
 
 /// Writes the header and the links as they are stored, then the data section. A block that was
 /// read writes its nil links as well.

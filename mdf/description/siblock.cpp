@@ -3,6 +3,7 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 
 namespace mdf_v4_10 {
 
@@ -18,10 +19,11 @@ SIBLOCK::SIBLOCK(MDF_SI_SOURCETYPE_t _sourceType, MDF_SI_BUSTYPE_t _busType, boo
   setPathTxblock(_txPath);
 }
 
-// The nil links stay in front of the links read.
+// The nil links stay before the links read.
 SIBLOCK::SIBLOCK(std::istream& is)
     : GENERALBLOCK(MDF_SI_ID, SIBLOCK_SIZE, SI_BLOCK_LINKS_NUM, LinksFollow()) {
-  detail::readFixedBlock<SIBLOCK_SIZE>(is, *this, siblock_fields, detail::ShortRead::makes_bad);
+  detail::readFixedBlock<SIBLOCK_SIZE>(is, *this, detail::siblock_fields,
+                                       detail::ShortRead::makes_bad);
 }
 
 void SIBLOCK::print(std::ostream& os) const {
@@ -37,7 +39,7 @@ void SIBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const SIBLOCK& sib) {
-  return detail::writeStoredBlock(os, sib, siblock_fields);
+  return detail::writeStoredBlock(os, sib, detail::siblock_fields);
 }
 
 }  // namespace mdf_v4_10

@@ -1,7 +1,6 @@
 #ifndef MDF_DESCRIPTION_SIBLOCK_H_
 #define MDF_DESCRIPTION_SIBLOCK_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
@@ -9,7 +8,6 @@
 
 #include "../framework/bits.h"
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -59,7 +57,7 @@ class MDF_EXPORT SIBLOCK : public GENERALBLOCK {
           LINK _txName, LINK _txPath);
 
   /// Reads the block at the stream's position. The links read stand in `links` from index 3 on,
-  /// behind three nil links: the link accessors, the dump and the writer see the nil ones. The
+  /// after three nil links: the link accessors, the dump and the writer see the nil ones. The
   /// flags are taken as they stand, a simulated tool included. A short stream becomes bad and
   /// leaves three nil links and fields of zero.
   explicit SIBLOCK(std::istream& is);
@@ -100,16 +98,8 @@ class MDF_EXPORT SIBLOCK : public GENERALBLOCK {
   UINT8 si_type = SI_SOURCETYPE_OTHER;  ///< an MDF_SI_SOURCETYPE_t
   UINT8 si_bus_type = SI_BUSTYPE_NONE;  ///< an MDF_SI_BUSTYPE_t
   UINT8 si_flags = 0;
-  std::array<UINT8, 5> si_reserved{};
+  detail::Array<UINT8, 5> si_reserved{};
 };
-
-inline constexpr auto siblock_fields =
-    detail::fieldList(detail::field<&SIBLOCK::si_type>("si_type"),
-                      detail::field<&SIBLOCK::si_bus_type>("si_bus_type"),
-                      detail::field<&SIBLOCK::si_flags>("si_flags"),
-                      detail::reserved<&SIBLOCK::si_reserved>("si_reserved"));
-static_assert(detail::sizeWithLinks(SIBLOCK::SI_BLOCK_LINKS_NUM, siblock_fields) ==
-              SIBLOCK::SIBLOCK_SIZE);
 
 /// Writes the header and the links as they are stored, then the data section. A block that was
 /// read writes its nil links as well.

@@ -6,6 +6,7 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 
 namespace mdf_v4_10 {
 
@@ -18,11 +19,11 @@ ATBLOCK::ATBLOCK(const char* _data, std::size_t _ndata) : GENERALBLOCK(MDF_AT_ID
 
 ATBLOCK::ATBLOCK(std::istream& is) : ATBLOCK() {
   header.setLength(0);
-  detail::BlockBody body(is, *this, atblock_fields.width(), detail::BodyForm::all_64);
+  detail::BlockBody body(is, *this, detail::atblock_fields.takenWidth(), detail::BodyForm::all_64);
   if (!body.isReadable()) {
     return;
   }
-  const auto [embedded_size] = atblock_fields.take(body.in, *this);
+  const auto [embedded_size] = detail::atblock_fields.take(body.in, *this);
   body.links.appendTo(links, 0);
   body.takeList(detail::hostSize(embedded_size), at_embedded_data);
 }
@@ -61,7 +62,7 @@ void ATBLOCK::print(std::ostream& os) const {
   dump.line("creator index = ", at_creator_index);
   if (isMD5Checksum()) {
     dump.part("md5 checksum = ");
-    dump.raw(at_md5_checksum.data(), at_md5_checksum.size());
+    dump.raw(at_md5_checksum, sizeof at_md5_checksum);
     dump.endLine();
   }
   dump.line("original size = ", at_original_size);
@@ -77,7 +78,7 @@ std::ostream& operator<<(std::ostream& os, const ATBLOCK& atb) {
   detail::BlockWriter out(os, frame);
   out.header(atb.header, atb.getSize());
   out.numbers(atb.links);
-  out.fields(atblock_fields, atb);
+  out.fields(detail::atblock_fields, atb);
   out.bytes(atb.at_embedded_data);
   return out.finish();
 }

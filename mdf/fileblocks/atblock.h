@@ -1,16 +1,15 @@
 #ifndef MDF_FILEBLOCKS_ATBLOCK_H_
 #define MDF_FILEBLOCKS_ATBLOCK_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include "../framework/bits.h"
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -79,7 +78,9 @@ class MDF_EXPORT ATBLOCK : public GENERALBLOCK {
   void setMD5Checksum(const char* checksum);
 
   /// The 16 bytes of `at_md5_checksum`.
-  std::string getMD5Checksum() const { return {at_md5_checksum.begin(), at_md5_checksum.end()}; }
+  std::string getMD5Checksum() const {
+    return {std::begin(at_md5_checksum), std::end(at_md5_checksum)};
+  }
 
   UINT16 getCreatorIndex() const { return at_creator_index; }
   void setCreatorIndex(UINT16 index) { at_creator_index = index; }
@@ -103,7 +104,7 @@ class MDF_EXPORT ATBLOCK : public GENERALBLOCK {
   LINK getMDBlock() const { return linkAt(at_md_comment); }
   LINK seekgMDBlock(std::ifstream& ifs) const { return seekg(ifs, getMDBlock()); }
 
-  /// The length that the writer stores, which takes it that the block has four links.
+  /// The length that the writer stores; it assumes that the block has four links.
   std::uint64_t getSize() const {
     return ATBLOCK_CONSTANT_SIZE + std::uint64_t{at_embedded_data.size()};
   }
@@ -117,24 +118,14 @@ class MDF_EXPORT ATBLOCK : public GENERALBLOCK {
 
   UINT16 at_flags = 0;
   UINT16 at_creator_index = 0;  ///< of the file history entry that made the attachment
-  std::array<UINT8, 4> at_reserved{};
-  std::array<UINT8, MDF_AT_MD5> at_md5_checksum{};  ///< of the attached content
-  UINT64 at_original_size = 0;                      ///< of the content, before compression
+  detail::Array<UINT8, 4> at_reserved{};
+  detail::Array<UINT8, MDF_AT_MD5> at_md5_checksum{};  ///< of the attached content
+  UINT64 at_original_size = 0;                         ///< of the content, before compression
   std::vector<UINT8> at_embedded_data;
 
  private:
   void storeLink(MDF_AT_BLOCK_LINKS index, LINK link);
 };
-
-inline constexpr auto atblock_fields =
-    detail::fieldList(detail::field<&ATBLOCK::at_flags>("at_flags"),
-                      detail::field<&ATBLOCK::at_creator_index>("at_creator_index"),
-                      detail::reserved<&ATBLOCK::at_reserved>("at_reserved"),
-                      detail::field<&ATBLOCK::at_md5_checksum>("at_md5_checksum"),
-                      detail::field<&ATBLOCK::at_original_size>("at_original_size"),
-                      detail::countOf<UINT64, &ATBLOCK::at_embedded_data>("at_embedded_size"));
-static_assert(detail::sizeWithLinks(ATBLOCK::AT_BLOCK_LINKS_NUM, atblock_fields) ==
-              ATBLOCK::ATBLOCK_CONSTANT_SIZE);
 
 /// Writes the block, its length following from the embedded bytes. Links and link count are written
 /// as they are stored, whether there are four or not.

@@ -3,12 +3,13 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 
 namespace mdf_v4_10 {
 
 namespace {
 
-constexpr std::size_t fixed_link_count = CHBLOCK::ch_md_comment + 1;
+constexpr std::size_t fixed_link_count = detail::chblock_links.size();
 
 constexpr auto element_links =
     detail::fieldList(detail::field<&CHBLOCK::CHBLOCK_CHANNEL_t::ch_element_dg>("ch_element_dg"),
@@ -16,7 +17,7 @@ constexpr auto element_links =
                       detail::field<&CHBLOCK::CHBLOCK_CHANNEL_t::ch_element_cn>("ch_element_cn"));
 constexpr std::size_t links_per_element = element_links.width() / sizeof(LINK);
 
-/// Each element starts one link behind the one before, not three. This is deliberate.
+/// Each element starts one link after the one before, not three. This is deliberate.
 void takeChannels(CHBLOCK& chb, const detail::FileLinks& file_links) {
   constexpr std::size_t links_before_the_last_start = fixed_link_count + links_per_element - 1;
   if (file_links.size() <= links_before_the_last_start) {
@@ -39,12 +40,12 @@ CHBLOCK::CHBLOCK(MDF_CH_TYPE_t type)
 }
 
 CHBLOCK::CHBLOCK(std::istream& is) : GENERALBLOCK(MDF_CH_ID) {
-  detail::BlockBody body(is, *this, chblock_fields.width(), detail::BodyForm::low_32);
+  detail::BlockBody body(is, *this, detail::chblock_fields.takenWidth(), detail::BodyForm::low_32);
   if (!body.isReadable()) {
     return;
   }
   // The elements follow from the links; their count in the file is not needed.
-  chblock_fields.take(body.in.position(), *this);
+  detail::chblock_fields.take(body.in.position(), *this);
   body.links.fill(links, fixed_link_count);
   takeChannels(*this, body.links);
 }
@@ -147,7 +148,7 @@ std::ostream& operator<<(std::ostream& os, const CHBLOCK& chb) {
              static_cast<UINT32>(chb.channels.size() + fixed_link_count));
   out.numbers(chb.links);
   out.entries(element_links, chb.channels);
-  out.fields(chblock_fields, chb);
+  out.fields(detail::chblock_fields, chb);
   return out.finish();
 }
 

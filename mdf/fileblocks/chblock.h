@@ -1,7 +1,6 @@
 #ifndef MDF_FILEBLOCKS_CHBLOCK_H_
 #define MDF_FILEBLOCKS_CHBLOCK_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
@@ -9,7 +8,6 @@
 #include <vector>
 
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -114,19 +112,12 @@ class MDF_EXPORT CHBLOCK : public GENERALBLOCK {
   void print(std::ostream& os) const;
 
   UINT8 ch_type = 0;  ///< an MDF_CH_TYPE_t
-  std::array<UINT8, 3> ch_reserved{};
+  detail::Array<UINT8, 3> ch_reserved{};
   std::vector<CHBLOCK_CHANNEL_t> channels;
 
  private:
   bool mayPrecede(MDF_CH_TYPE_t next) const;
 };
-
-inline constexpr auto chblock_fields =
-    detail::fieldList(detail::countOf<UINT32, &CHBLOCK::channels>("ch_element_count"),
-                      detail::field<&CHBLOCK::ch_type>("ch_type"),
-                      detail::reserved<&CHBLOCK::ch_reserved>("ch_reserved"));
-static_assert(detail::sizeWithLinks(CHBLOCK::ch_md_comment + 1, chblock_fields) ==
-              CHBLOCK::CHBLOCK_CONSTANT_SIZE);
 
 /// Writes the block. Its length follows from its elements; the link count is the number of elements
 /// and 4, although each element takes three links, and deliberately so.

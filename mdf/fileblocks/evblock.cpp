@@ -3,12 +3,13 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 
 namespace mdf_v4_10 {
 
 namespace {
 
-constexpr std::size_t fixed_link_count = EVBLOCK::ev_md_comment + 1;
+constexpr std::size_t fixed_link_count = detail::evblock_links.size();
 
 /// Links that are not among the fixed ones: scope and attachments.
 std::size_t additionalLinkCount(const EVBLOCK& evb) {
@@ -29,12 +30,13 @@ EVBLOCK::EVBLOCK(MDF_EV_TYPE_t type, MDF_EV_SYNCTYPE_t syncType, MDF_EV_RANGETYP
 }
 
 EVBLOCK::EVBLOCK(std::istream& is) : EVBLOCK(UINT64{0}) {
-  detail::BlockBody body(is, *this, evblock_fields.width(), detail::BodyForm::low_32);
+  detail::BlockBody body(is, *this, detail::evblock_fields.takenWidth(), detail::BodyForm::low_32);
   if (!body.isReadable()) {
     return;
   }
-  const auto [scope_count, attachment_count] = evblock_fields.take(body.in.position(), *this);
-  // The lists start at the file's first link, not behind its fixed ones. This is deliberate.
+  const auto [scope_count, attachment_count] =
+      detail::evblock_fields.take(body.in.position(), *this);
+  // The lists start at the file's first link, not after its fixed ones. This is deliberate.
   body.links.appendPartTo(ev_scope, 0, detail::hostSize(scope_count));
   body.links.appendPartTo(ev_at_reference, detail::hostSize(scope_count),
                           detail::hostSize(attachment_count));
@@ -77,11 +79,11 @@ std::ostream& operator<<(std::ostream& os, const EVBLOCK& evb) {
   detail::Frame frame;
   detail::BlockWriter out(os, frame);
   const std::size_t link_count = fixed_link_count + additionalLinkCount(evb);
-  out.header(evb.header, detail::sizeWithLinks(link_count, evblock_fields), link_count);
+  out.header(evb.header, detail::sizeWithLinks(link_count, detail::evblock_fields), link_count);
   out.numbers(evb.links);
   out.numbers(evb.ev_scope);
   out.numbers(evb.ev_at_reference);
-  out.fields(evblock_fields, evb);
+  out.fields(detail::evblock_fields, evb);
   return out.finish();
 }
 

@@ -1,7 +1,6 @@
 #ifndef MDF_FILEBLOCKS_EVBLOCK_H_
 #define MDF_FILEBLOCKS_EVBLOCK_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
@@ -10,7 +9,6 @@
 
 #include "../framework/bits.h"
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -168,7 +166,7 @@ class MDF_EXPORT EVBLOCK : public GENERALBLOCK {
   UINT8 ev_range_type = 0;  ///< an MDF_EV_RANGETYPE_t
   UINT8 ev_cause = 0;       ///< an MDF_EV_CAUSETYPE_t
   UINT8 ev_flags = 0;
-  std::array<UINT8, 3> ev_reserved{};
+  detail::Array<UINT8, 3> ev_reserved{};
   UINT16 ev_creator_index = 0;   ///< of the file history entry of the tool that made the event
   INT64 ev_sync_base_value = 0;  ///< times the factor: where in its domain the event happened
   REAL ev_sync_factor = 0;
@@ -178,20 +176,6 @@ class MDF_EXPORT EVBLOCK : public GENERALBLOCK {
  private:
   explicit EVBLOCK(UINT64 length);
 };
-
-inline constexpr auto evblock_fields = detail::fieldList(
-    detail::field<&EVBLOCK::ev_type>("ev_type"),
-    detail::field<&EVBLOCK::ev_sync_type>("ev_sync_type"),
-    detail::field<&EVBLOCK::ev_range_type>("ev_range_type"),
-    detail::field<&EVBLOCK::ev_cause>("ev_cause"), detail::field<&EVBLOCK::ev_flags>("ev_flags"),
-    detail::reserved<&EVBLOCK::ev_reserved>("ev_reserved"),
-    detail::countOf<UINT32, &EVBLOCK::ev_scope>("ev_scope_count"),
-    detail::countOf<UINT16, &EVBLOCK::ev_at_reference>("ev_attachment_count"),
-    detail::field<&EVBLOCK::ev_creator_index>("ev_creator_index"),
-    detail::field<&EVBLOCK::ev_sync_base_value>("ev_sync_base_value"),
-    detail::field<&EVBLOCK::ev_sync_factor>("ev_sync_factor"));
-static_assert(detail::sizeWithLinks(EVBLOCK::ev_md_comment + 1, evblock_fields) ==
-              EVBLOCK::EVBLOCK_CONSTANT_SIZE);
 
 /// Writes the block; length and link count in the file follow from its lists.
 MDF_EXPORT std::ostream& operator<<(std::ostream& os, const EVBLOCK& evb);

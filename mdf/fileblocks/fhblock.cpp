@@ -3,6 +3,7 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 #include "timestamp.h"
 
 namespace mdf_v4_10 {
@@ -17,7 +18,8 @@ FHBLOCK::FHBLOCK(LINK _mdBlock, std::uint64_t _ts, std::int16_t _utcOffset, LINK
 }
 
 FHBLOCK::FHBLOCK(std::istream& is) : GENERALBLOCK(MDF_FH_ID) {
-  detail::readFixedBlock<FHBLOCK_SIZE>(is, *this, fhblock_fields, detail::ShortRead::left_as_read);
+  detail::readFixedBlock<FHBLOCK_SIZE>(is, *this, detail::fhblock_fields,
+                                       detail::ShortRead::left_as_read);
 }
 
 void FHBLOCK::setDST(bool isDST) { fh_dst_offset_min = detail::dstOffset(isDST); }
@@ -43,7 +45,7 @@ void FHBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const FHBLOCK& fhb) {
-  return detail::writeStoredBlock(os, fhb, fhblock_fields);
+  return detail::writeStoredBlock(os, fhb, detail::fhblock_fields);
 }
 
 }  // namespace mdf_v4_10

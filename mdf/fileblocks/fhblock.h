@@ -1,7 +1,6 @@
 #ifndef MDF_FILEBLOCKS_FHBLOCK_H_
 #define MDF_FILEBLOCKS_FHBLOCK_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
@@ -9,7 +8,6 @@
 #include <string>
 
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -64,17 +62,8 @@ class MDF_EXPORT FHBLOCK : public GENERALBLOCK {
   INT16 fh_tz_offset_min = 0;
   INT16 fh_dst_offset_min = 0;
   UINT8 fh_time_flags = 0;  ///< bit 0: local time; bit 1: the two offsets are valid
-  std::array<UINT8, 3> fh_reserved{};
+  detail::Array<UINT8, 3> fh_reserved{};
 };
-
-inline constexpr auto fhblock_fields =
-    detail::fieldList(detail::field<&FHBLOCK::fh_time_ns>("fh_time_ns"),
-                      detail::field<&FHBLOCK::fh_tz_offset_min>("fh_tz_offset_min"),
-                      detail::field<&FHBLOCK::fh_dst_offset_min>("fh_dst_offset_min"),
-                      detail::field<&FHBLOCK::fh_time_flags>("fh_time_flags"),
-                      detail::reserved<&FHBLOCK::fh_reserved>("fh_reserved"));
-static_assert(detail::sizeWithLinks(FHBLOCK::FH_BLOCK_LINKS_NUM, fhblock_fields) ==
-              FHBLOCK::FHBLOCK_SIZE);
 
 /// Writes the header and the links as they are stored, then the data section.
 MDF_EXPORT std::ostream& operator<<(std::ostream& os, const FHBLOCK& fhb);

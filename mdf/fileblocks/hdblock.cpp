@@ -3,6 +3,7 @@
 #include "../framework/block_reader.h"
 #include "../framework/block_writer.h"
 #include "../framework/dump.h"
+#include "layouts.h"
 #include "timestamp.h"
 
 namespace mdf_v4_10 {
@@ -19,7 +20,8 @@ HDBLOCK::HDBLOCK(LINK _fhFirstBlock, LINK _dgFirstBlock, std::uint64_t _ts, std:
 }
 
 HDBLOCK::HDBLOCK(std::istream& is) : GENERALBLOCK(MDF_HD_ID) {
-  detail::readFixedBlock<HDBLOCK_SIZE>(is, *this, hdblock_fields, detail::ShortRead::left_as_read);
+  detail::readFixedBlock<HDBLOCK_SIZE>(is, *this, detail::hdblock_fields,
+                                       detail::ShortRead::left_as_read);
 }
 
 void HDBLOCK::setDST(bool isDST) { hd_dst_offset_min = detail::dstOffset(isDST); }
@@ -53,7 +55,7 @@ void HDBLOCK::print(std::ostream& os) const {
 }
 
 std::ostream& operator<<(std::ostream& os, const HDBLOCK& hdb) {
-  return detail::writeStoredBlock(os, hdb, hdblock_fields);
+  return detail::writeStoredBlock(os, hdb, detail::hdblock_fields);
 }
 
 }  // namespace mdf_v4_10

@@ -8,7 +8,6 @@
 #include <string>
 
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -111,19 +110,6 @@ class MDF_EXPORT HDBLOCK : public GENERALBLOCK {
   REAL hd_start_angle_rad = 0;
   REAL hd_start_distance_m = 0;
 };
-
-inline constexpr auto hdblock_fields =
-    detail::fieldList(detail::field<&HDBLOCK::hd_start_time_ns>("hd_start_time_ns"),
-                      detail::field<&HDBLOCK::hd_tz_offset_min>("hd_tz_offset_min"),
-                      detail::field<&HDBLOCK::hd_dst_offset_min>("hd_dst_offset_min"),
-                      detail::field<&HDBLOCK::hd_time_flags>("hd_time_flags"),
-                      detail::field<&HDBLOCK::hd_time_class>("hd_time_class"),
-                      detail::field<&HDBLOCK::hd_flags>("hd_flags"),
-                      detail::reserved<&HDBLOCK::hd_reserved>("hd_reserved"),
-                      detail::field<&HDBLOCK::hd_start_angle_rad>("hd_start_angle_rad"),
-                      detail::field<&HDBLOCK::hd_start_distance_m>("hd_start_distance_m"));
-static_assert(detail::sizeWithLinks(HDBLOCK::HD_BLOCK_LINKS_NUM, hdblock_fields) ==
-              HDBLOCK::HDBLOCK_SIZE);
 
 /// Writes the header and the links as they are stored, then the data section.
 MDF_EXPORT std::ostream& operator<<(std::ostream& os, const HDBLOCK& hdb);

@@ -1,14 +1,12 @@
 #ifndef MDF_FILEBLOCKS_IDBLOCK_H_
 #define MDF_FILEBLOCKS_IDBLOCK_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <string>
 
 #include "../framework/export.h"
-#include "../framework/field_list.h"
 #include "../framework/general_block.h"
 #include "../framework/types.h"
 
@@ -47,25 +45,19 @@ class MDF_EXPORT IDBLOCK : public GENERALBLOCK {
   std::string getProg() const;
   std::uint16_t getVersionNumber() const { return id_ver; }
 
-  std::array<char, MDF_ID_FILE> id_file{};
-  std::array<char, MDF_ID_VERS> id_vers{};
-  std::array<char, MDF_ID_PROG> id_prog{};
+  std::uint64_t getSize() const { return IDBLOCK_SIZE; }
+
+  detail::Array<char, MDF_ID_FILE> id_file{};
+  detail::Array<char, MDF_ID_VERS> id_vers{};
+  detail::Array<char, MDF_ID_PROG> id_prog{};
   /// Deliberately not taken from a file.
-  std::array<UINT8, 4> id_reserved1{};
+  detail::Array<UINT8, 4> id_reserved1{};
   UINT16 id_ver = 0;
-  std::array<UINT8, 34> id_reserved2{};
+  detail::Array<UINT8, 34> id_reserved2{};
 
  private:
   IDBLOCK();
 };
-
-inline constexpr auto idblock_fields = detail::fieldList(
-    detail::field<&IDBLOCK::id_file>("id_file"), detail::field<&IDBLOCK::id_vers>("id_vers"),
-    detail::field<&IDBLOCK::id_prog>("id_prog"),
-    detail::reserved<&IDBLOCK::id_reserved1>("id_reserved1"),
-    detail::field<&IDBLOCK::id_ver>("id_ver"),
-    detail::field<&IDBLOCK::id_reserved2>("id_reserved2"));
-static_assert(idblock_fields.width() == IDBLOCK::IDBLOCK_SIZE);
 
 /// Writes the 64 bytes of the block, without a header.
 MDF_EXPORT std::ostream& operator<<(std::ostream& os, const IDBLOCK& idb);

@@ -17,6 +17,8 @@ namespace mdf_v4_10 {
 /// In the file: the common header without links, then the bytes of `data`.
 class MDF_EXPORT MDBLOCK : public GENERALBLOCK {
  public:
+  /// Size without the text.
+  static constexpr std::size_t MDBLOCK_CONSTANT_SIZE = HeaderSection::HEADER_SIZE;
   static constexpr std::uint16_t MDF_MD_ID = 0x444D;
 
   /// The empty text: `data` is the terminating zero alone.
@@ -26,7 +28,7 @@ class MDF_EXPORT MDBLOCK : public GENERALBLOCK {
 
   /// Reads the block at the stream's position. The link count field is deliberately not consumed:
   /// `data` gets its 8 bytes and then the text without its last 8 bytes, which stay unread. A short
-  /// stream becomes bad; `data` then keeps its stated size with zeros behind what came, or stays
+  /// stream becomes bad; `data` then keeps its stated size with zeros after what came, or stays
   /// empty if the stream ended before it. Any block is read as text.
   explicit MDBLOCK(std::istream& is);
 
@@ -37,7 +39,7 @@ class MDF_EXPORT MDBLOCK : public GENERALBLOCK {
   const std::vector<UINT8>& getData() const { return data; }
 
   /// Bytes that the writer writes, fill bytes excluded.
-  std::uint64_t getSize() const { return HeaderSection::HEADER_SIZE + data.size(); }
+  std::uint64_t getSize() const { return MDBLOCK_CONSTANT_SIZE + data.size(); }
 
   /// Shows the text without its terminating zero; the end banner deliberately follows it on the
   /// same line.

@@ -17,6 +17,8 @@ namespace mdf_v4_10 {
 /// In the file: the common header without links, then the bytes of `data`.
 class MDF_EXPORT TXBLOCK : public GENERALBLOCK {
  public:
+  /// Size without the text.
+  static constexpr std::size_t TXBLOCK_CONSTANT_SIZE = HeaderSection::HEADER_SIZE;
   static constexpr std::uint16_t MDF_TX_ID = 0x5854;
 
   /// The empty text: `data` is the terminating zero alone.
@@ -26,7 +28,7 @@ class MDF_EXPORT TXBLOCK : public GENERALBLOCK {
 
   /// Reads the block at the stream's position. The link count field is deliberately not consumed:
   /// `data` gets its 8 bytes and then the text without its last 8 bytes, which stay unread. A short
-  /// stream becomes bad; `data` then keeps its stated size with zeros behind what came, or stays
+  /// stream becomes bad; `data` then keeps its stated size with zeros after what came, or stays
   /// empty if the stream ended before it. Any block is read as text.
   explicit TXBLOCK(std::istream& is);
 
@@ -37,7 +39,7 @@ class MDF_EXPORT TXBLOCK : public GENERALBLOCK {
   const std::vector<UINT8>& getData() const { return data; }
 
   /// Bytes that the writer writes, fill bytes excluded.
-  std::uint64_t getSize() const { return HeaderSection::HEADER_SIZE + data.size(); }
+  std::uint64_t getSize() const { return TXBLOCK_CONSTANT_SIZE + data.size(); }
 
   /// Shows the text without its terminating zero; a text that ends in no line feed gets a line end.
   void print(std::ostream& os) const;

@@ -8,7 +8,7 @@ namespace mdf_v4_10::detail {
 
 namespace {
 
-/// Up to here a body is read at one go; beyond, its length is believed piece by piece.
+/// A body up to this size is read in one go; the length of a longer one is trusted piece by piece.
 constexpr std::size_t first_piece = std::size_t{64} * 1024;
 
 bool linksAndFieldsFit(UINT64 link_count, std::size_t fields_width, std::size_t available) {
@@ -19,8 +19,8 @@ void takeHeader(GENERALBLOCK& block, const char* bytes) {
   block.header.readFromByteArray(reinterpret_cast<const std::uint8_t*>(bytes));
 }
 
-/// Takes so many links, if they and the fields behind them are there; the stream becomes bad if
-/// not.
+/// Takes that many links if they and the fields after them are there; if not, the stream becomes
+/// bad.
 FileLinks takeLinks(std::istream& is, UINT64 link_count, Decoder& in, std::size_t fields_width) {
   if (!linksAndFieldsFit(link_count, fields_width, in.remaining())) {
     is.clear(std::ios_base::badbit);

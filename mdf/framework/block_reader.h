@@ -12,9 +12,9 @@
 #include "wire.h"
 
 /// The bytes of a block are read first, then taken from a bounded decoder. A link count or a length
-/// that lies is met here, and nowhere else: a block whose links and fixed fields do not fit in its
-/// bytes is unreadable; its header's length and link count stay as read, nothing else is taken, and
-/// the stream becomes exactly bad.
+/// that lies is caught here, and nowhere else: a block whose links and fixed fields do not fit in
+/// its bytes is unreadable; its header's length and link count stay as read, nothing else is taken,
+/// and the stream becomes exactly bad.
 namespace mdf_v4_10::detail {
 
 /// Extracts `n` bytes. When fewer come, the stream's state becomes exactly bad.
@@ -36,7 +36,7 @@ const char* readFixedBytes(std::istream& is, char* bytes, std::size_t size, Shor
 template <std::size_t Size, class Block, class Fields>
 void readFixedBlock(std::istream& is, Block& block, const Fields& fields, ShortRead rule) {
   std::array<char, Size> bytes;
-  if (const char* at = readFixedBytes(is, bytes.data(), Size, rule, block, fields.width())) {
+  if (const char* at = readFixedBytes(is, bytes.data(), Size, rule, block, fields.takenWidth())) {
     fields.take(at, block);
   }
 }
@@ -54,13 +54,13 @@ class FileLinks {
   /// The link at a place counted from the end, where 1 is the last one; nil where there are fewer.
   LINK fromEnd(std::size_t place) const;
 
-  /// Appends so many nil links to a list, and then these. Takes memory once.
+  /// Appends that many nil links to a list, and then these. Takes memory once.
   void appendTo(std::vector<LINK>& list, std::size_t nil_links) const;
 
-  /// Appends the links from one on to a list, as many as `count` says or as there are.
+  /// Appends up to `count` links to a list, from the link at `first` on.
   void appendPartTo(std::vector<LINK>& list, std::size_t first, std::size_t count) const;
 
-  /// Makes a list hold the first so many links, nil where there are fewer.
+  /// Makes a list hold the first `count` links, nil where there are fewer.
   void fill(std::vector<LINK>& list, std::size_t count) const;
 
  private:
@@ -75,7 +75,7 @@ enum class BodyForm {
   without_links,  ///< the whole length, and the data section, whatever the link count says
 };
 
-/// The bytes of a variable-size block behind its header, read whole before anything is taken.
+/// The bytes of a variable-size block after its header, read whole before anything is taken.
 class BlockBody {
  public:
   /// Reads a block's header and body.

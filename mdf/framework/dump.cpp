@@ -1,14 +1,26 @@
 #include "dump.h"
 
+#include <array>
+#include <cstdio>
+
 namespace mdf_v4_10::detail {
 
-Dump::Dump(std::ostream& os, const char* name) : os_(os), name_(name) {
-  os_ << "[DEBUG] ==================== " << name_ << " ===================";
+Dump::Dump(std::ostream& os, const char* name) : os_(os), name_(name) { banner(""); }
+
+void Dump::end() { banner("End of "); }
+
+void Dump::banner(const char* before_name) {
+  std::array<char, 96> text;
+  static_cast<void>(
+      std::snprintf(text.data(), text.size(),
+                    "[DEBUG] ==================== %s%s ===================", before_name, name_));
+  os_ << text.data();
   endLine();
 }
 
-void Dump::end() {
-  os_ << "[DEBUG] ==================== End of " << name_ << " ===================";
+void Dump::line(const char* label, const char* text, std::size_t count) {
+  part(label);
+  os_.write(text, static_cast<std::streamsize>(count));
   endLine();
 }
 

@@ -1,7 +1,6 @@
 #ifndef MDF_FRAMEWORK_DUMP_H_
 #define MDF_FRAMEWORK_DUMP_H_
 
-#include <array>
 #include <cstddef>
 #include <ostream>
 #include <type_traits>
@@ -9,16 +8,12 @@
 
 #include "types.h"
 
-namespace mdf_v4_10 {
-
-/// Bytes per row for callers who lay out a dump of data bytes in rows.
-inline constexpr std::size_t HEXDUMP_DEFAULT_ROWSIZE = 16;
-
-namespace detail {
+namespace mdf_v4_10::detail {
 
 /// The form that all dumps share: a banner with the class name, one labelled value per line, an end
-/// banner. Every line end flushes the stream. Labels carry their separator; values are shown as the
-/// stream's format flags say, but an 8-bit value is always shown as a number.
+/// banner. A banner is inserted whole, so that a width set on the stream pads all of it. Every line
+/// end flushes the stream. Labels carry their separator; values are shown as the stream's format
+/// flags say, but an 8-bit value is always shown as a number.
 class Dump {
  public:
   /// Writes the banner.
@@ -33,13 +28,8 @@ class Dump {
     endLine();
   }
 
-  /// Characters, exactly as many as the array holds, embedded zero bytes included.
-  template <std::size_t Count>
-  void line(const char* label, const std::array<char, Count>& text) {
-    part(label);
-    os_.write(text.data(), Count);
-    endLine();
-  }
+  /// Characters, embedded zero bytes included.
+  void line(const char* label, const char* text, std::size_t count);
 
   /// A piece of a line that is put together by hand and ended with endLine().
   void part(const char* text);
@@ -65,11 +55,12 @@ class Dump {
   void hexDump(const std::vector<UINT8>& bytes);
 
  private:
+  void banner(const char* before_name);
+
   std::ostream& os_;
   const char* name_;
 };
 
-}  // namespace detail
-}  // namespace mdf_v4_10
+}  // namespace mdf_v4_10::detail
 
 #endif  // MDF_FRAMEWORK_DUMP_H_

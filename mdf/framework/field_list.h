@@ -5,24 +5,34 @@
 #include <cstddef>
 #include <cstring>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 
+#include "field.h"
+#include "field_runs.h"
 #include "header_section.h"
 #include "types.h"
 #include "wire.h"
 
 /// A block's data section is stated once, as a constexpr list of its fields in file order:
 ///
-///     inline constexpr auto dgblock_fields = detail::fieldList(
-///         detail::field<&DGBLOCK::dg_rec_id_size>("dg_rec_id_size"),
-///         detail::reserved<&DGBLOCK::dg_reserved>("dg_reserved"));
+///     inline constexpr auto dgblock_fields = fieldList(
+///         field<&DGBLOCK::dg_rec_id_size>("dg_rec_id_size"),
+///         reserved<&DGBLOCK::dg_reserved>("dg_reserved"));
 ///
 /// Writer, reader, size and any annotated view of the bytes derive from it.
 namespace mdf_v4_10::detail {
 
-/// What an entry is: a number or an array of bytes that is written and read, reserved bytes, which
-/// are written as they stand in the block and passed over on reading, or a list's count.
-enum class EntryKind { field, reserved, count };
+template <class Block, class Value>
+constexpr FieldKind kindOf(Value Block::* /*member*/) {
+  if (std::is_array_v<Value>) {
+    return FieldKind::bytes;
+  }
+  if (std::is_floating_point_v<Value>) {
+    return FieldKind::real;
+  }
+  return std::is_signed_v<Value> ? FieldKind::signed_number : FieldKind::unsigned_number;
+}
 
 /// A member of a block as a part of its data section.
 template <EntryKind Kind, auto Member>
@@ -31,6 +41,7 @@ struct MemberEntry;
 template <EntryKind Kind, class Block, class Value, Value Block::*Member>
 struct MemberEntry<Kind, Member> {
   const char* name;
+  FieldKind shown_as;
   static constexpr EntryKind kind = Kind;
   static constexpr std::size_t width = sizeof(Value);
 
@@ -47,6 +58,7 @@ struct MemberEntry<Kind, Member> {
 template <class Count, auto List>
 struct CountEntry {
   const char* name;
+  FieldKind shown_as = FieldKind::unsigned_number;
   static constexpr EntryKind kind = EntryKind::count;
   static constexpr std::size_t width = sizeof(Count);
 
@@ -57,17 +69,28 @@ struct CountEntry {
   static UINT64 take(const char* at) { return loadLe<Count>(at); }
 };
 
-/// Members that stand side by side in memory, as they do in the file, are copied in one run. The
-/// compiler knows which ones do: nothing of the comparing is left in the program.
 template <class... Entries>
 class FieldList {
  public:
-  constexpr explicit FieldList(Entries... entries) : names_{entries.name...} {}
+  constexpr explicit FieldList(Entries... entries)
+      : fields_{describe(std::index_sequence_for<Entries...>(), entries...)} {}
+
+  /// Every entry in file order.
+  constexpr const auto& fields() const { return fields_; }
 
   /// Bytes of the whole list in the file.
   static constexpr std::size_t width() { return offsetOf(entry_count); }
 
-  /// Puts every field, one behind the other.
+  /// Bytes of the list up to the end of the last entry that reading takes.
+  static constexpr std::size_t takenWidth() {
+    std::size_t taken = entry_count;
+    while (taken > 0 && kinds[taken - 1] == EntryKind::reserved) {
+      --taken;
+    }
+    return offsetOf(taken);
+  }
+
+  /// Puts every field, one after another.
   template <class Block>
   static void put(char* at, const Block& block) {
     putEach(at, block, std::index_sequence_for<Entries...>());
@@ -88,17 +111,10 @@ class FieldList {
     return counts;
   }
 
-  /// Calls visit(name, offset in the data section, width) for each entry in file order.
-  template <class Visit>
-  void forEach(Visit&& visit) const {
-    for (std::size_t i = 0; i < entry_count; ++i) {
-      visit(names_[i], offsetOf(i), widths[i]);
-    }
-  }
-
  private:
   static constexpr std::size_t entry_count = sizeof...(Entries);
   static constexpr std::array<std::size_t, entry_count> widths{Entries::width...};
+  static constexpr std::array<EntryKind, entry_count> kinds{Entries::kind...};
 
   template <std::size_t Index>
   using Entry = std::tuple_element_t<Index, std::tuple<Entries...>>;
@@ -111,28 +127,10 @@ class FieldList {
     return offset;
   }
 
-  /// Whether an entry is copied with the one before it. Entries up to kind `Last` are copied.
-  template <EntryKind Last, std::size_t Index, class Block>
-  static bool continuesRun(const Block& block) {
-    if constexpr (Index > 0 && Index < entry_count) {
-      using Before = Entry<Index - 1>;
-      using This = Entry<Index>;
-      if constexpr (Before::kind <= Last && This::kind <= Last) {
-        return This::position(block) - Before::position(block) == std::ptrdiff_t{Before::width};
-      }
-    }
-    return false;
-  }
-
-  /// Bytes of an entry and of those that are copied with it.
-  template <EntryKind Last, std::size_t Index, class Block>
-  static std::size_t runWidth(const Block& block) {
-    if constexpr (Index + 1 < entry_count) {
-      if (continuesRun<Last, Index + 1>(block)) {
-        return widths[Index] + runWidth<Last, Index + 1>(block);
-      }
-    }
-    return widths[Index];
+  template <std::size_t... Index>
+  static constexpr std::array<Field, entry_count> describe(std::index_sequence<Index...> /*all*/,
+                                                           const Entries&... entries) {
+    return {Field{entries.name, entries.shown_as, offsetOf(Index), Entries::width}...};
   }
 
   template <class Block, std::size_t... Index>
@@ -142,12 +140,12 @@ class FieldList {
 
   template <std::size_t Index, class Block>
   static void putEntry(char* at, const Block& block) {
-    constexpr EntryKind last = EntryKind::reserved;
-    if constexpr (host_is_big_endian || Entry<Index>::kind > last) {
+    using Runs = FieldRuns<EntryKind::reserved, Entries...>;
+    if constexpr (host_is_big_endian || Entry<Index>::kind == EntryKind::count) {
       Entry<Index>::put(at, block);
-    } else if (!continuesRun<last, Index>(block)) {
+    } else if (const std::size_t run = Runs::template widthFrom<Index>(block); run > 0) {
       const char* const from = reinterpret_cast<const char*>(&block);
-      std::memcpy(at, from + Entry<Index>::position(block), runWidth<last, Index>(block));
+      std::memcpy(at, from + Entry<Index>::position(block), run);
     }
   }
 
@@ -159,20 +157,20 @@ class FieldList {
 
   template <std::size_t Index, class Block>
   static void takeEntry(const char* at, Block& block, UINT64*& counts) {
-    constexpr EntryKind last = EntryKind::field;
+    using Runs = FieldRuns<EntryKind::field, Entries...>;
     if constexpr (Entry<Index>::kind == EntryKind::count) {
       *counts++ = Entry<Index>::take(at);
-    } else if constexpr (Entry<Index>::kind == last) {
-      if constexpr (host_is_big_endian) {
-        Entry<Index>::take(at, block);
-      } else if (!continuesRun<last, Index>(block)) {
-        char* const to = reinterpret_cast<char*>(&block);
-        std::memcpy(to + Entry<Index>::position(block), at, runWidth<last, Index>(block));
-      }
+    } else if constexpr (Entry<Index>::kind == EntryKind::reserved) {
+      return;
+    } else if constexpr (host_is_big_endian) {
+      Entry<Index>::take(at, block);
+    } else if (const std::size_t run = Runs::template widthFrom<Index>(block); run > 0) {
+      char* const to = reinterpret_cast<char*>(&block);
+      std::memcpy(to + Entry<Index>::position(block), at, run);
     }
   }
 
-  std::array<const char*, entry_count> names_;
+  std::array<Field, entry_count> fields_;
 };
 
 template <class... Entries>
@@ -186,14 +184,22 @@ constexpr std::size_t sizeWithLinks(std::size_t link_count, const FieldList<Entr
   return HeaderSection::HEADER_SIZE + link_count * sizeof(LINK) + fields.width();
 }
 
+/// A number or an array of bytes that is written and read.
 template <auto Member>
 constexpr MemberEntry<EntryKind::field, Member> field(const char* name) {
-  return {name};
+  return {name, kindOf(Member)};
 }
 
+/// Reserved bytes: written as they stand in the block, passed over on reading.
 template <auto Member>
 constexpr MemberEntry<EntryKind::reserved, Member> reserved(const char* name) {
-  return {name};
+  return {name, FieldKind::reserved};
+}
+
+/// Reserved bytes that reading takes, too.
+template <auto Member>
+constexpr MemberEntry<EntryKind::field, Member> keptReserved(const char* name) {
+  return {name, FieldKind::reserved};
 }
 
 template <class Count, auto List>

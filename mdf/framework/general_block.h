@@ -56,7 +56,7 @@ class MDF_EXPORT GENERALBLOCK {
   /// The link at `index`, or 0 when there are fewer links, as after a failed read.
   LINK linkAt(std::size_t index) const { return entryAt(links, index); }
 
-  /// Stores a link at `index`, with nil links in front of it if there are fewer.
+  /// Stores a link at `index`, with nil links before it if there are fewer.
   void setLinkAt(std::size_t index, LINK link);
 
   /// The entry at `index` of a list of links, or 0 when there is none. This serves the lists whose

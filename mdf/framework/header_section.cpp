@@ -1,8 +1,11 @@
 #include "header_section.h"
 
+#include <array>
 #include <ostream>
 
+#include "block_writer.h"
 #include "dump.h"
+#include "wire.h"
 
 namespace mdf_v4_10 {
 
@@ -18,7 +21,7 @@ void HeaderSection::print(std::ostream& os) const {
   detail::storeLe(id_bytes.data(), mdfID.idInternal);
 
   detail::Dump dump(os, "HeaderSection");
-  dump.line("mdfID = ", id_bytes);
+  dump.line("mdfID = ", id_bytes.data(), id_bytes.size());
   dump.line("length = ", length);
   dump.line("link_count = ", link_count);
   dump.end();
@@ -26,7 +29,7 @@ void HeaderSection::print(std::ostream& os) const {
 
 std::ostream& operator<<(std::ostream& os, const HeaderSection& header) {
   std::array<char, HeaderSection::HEADER_SIZE> bytes;
-  header.encode(bytes.data(), header.length, header.link_count);
+  detail::putHeader(bytes.data(), header, header.length, header.link_count);
   return os.write(bytes.data(), bytes.size());
 }
 

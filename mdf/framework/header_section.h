@@ -1,7 +1,6 @@
 #ifndef MDF_FRAMEWORK_HEADER_SECTION_H_
 #define MDF_FRAMEWORK_HEADER_SECTION_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
@@ -9,7 +8,6 @@
 #include "block_id.h"
 #include "export.h"
 #include "types.h"
-#include "wire.h"
 
 namespace mdf_v4_10 {
 
@@ -40,19 +38,10 @@ class MDF_EXPORT HeaderSection {
   /// whatever the file held.
   void readFromByteArray(const std::uint8_t* pdata);
 
-  /// Puts the 24 bytes of the header, with this length and link count in them.
-  void encode(char* at, UINT64 length_there, UINT64 link_count_there) const {
-    detail::Encoder out(at);
-    out.put(mdfID.idInternal);
-    out.put(reserved);
-    out.put(length_there);
-    out.put(link_count_there);
-  }
-
   void print(std::ostream& os) const;
 
   MDF_Block_ID mdfID;
-  std::array<UINT8, 4> reserved{};
+  detail::Array<UINT8, 4> reserved{};
   UINT64 length = 0;
   UINT64 link_count = 0;
 };

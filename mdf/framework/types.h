@@ -20,6 +20,17 @@ static_assert(sizeof(REAL) == 8, "REAL is the format's 64-bit floating-point num
 /// Absolute file offset of a block; 0 is the nil link.
 using LINK = std::int64_t;
 
+/// Bytes per row for callers who lay out a dump of data bytes in rows.
+inline constexpr std::size_t HEXDUMP_DEFAULT_ROWSIZE = 16;
+
+namespace detail {
+
+/// Bytes or characters of a block that are no number. They are plain arrays, which memcpy, memcmp
+/// and std::string(id_prog, 8) take as they are; a std::array would have to be asked for its data.
+template <class Byte, std::size_t Count>
+using Array = Byte[Count];
+
+}  // namespace detail
 }  // namespace mdf_v4_10
 
 #endif  // MDF_FRAMEWORK_TYPES_H_

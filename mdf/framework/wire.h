@@ -1,12 +1,13 @@
 #ifndef MDF_FRAMEWORK_WIRE_H_
 #define MDF_FRAMEWORK_WIRE_H_
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 #include <type_traits>
+
+#include "types.h"
 
 namespace mdf_v4_10::detail {
 
@@ -17,8 +18,8 @@ inline constexpr bool host_is_big_endian = true;
 inline constexpr bool host_is_big_endian = false;
 #endif
 
-/// A 64-bit size from a file or a caller as this host's own. One that the host cannot hold becomes
-/// the largest there is: it must fail where memory is asked for, not be cut to one that fits.
+/// A 64-bit size from a file or a caller as the host's own. One that the host cannot hold becomes
+/// the largest there is: it must fail when memory is asked for, not be cut to one that fits.
 constexpr std::size_t hostSize(std::uint64_t size) {
   constexpr std::size_t largest = std::numeric_limits<std::size_t>::max();
   return size < largest ? static_cast<std::size_t>(size) : largest;
@@ -74,18 +75,18 @@ void loadLe(const char* at, Number& value) {
 
 /// Bytes have no order to change.
 template <class Byte, std::size_t Count>
-void storeLe(char* at, const std::array<Byte, Count>& bytes) {
+void storeLe(char* at, const Array<Byte, Count>& bytes) {
   static_assert(sizeof(Byte) == 1);
-  std::memcpy(at, bytes.data(), Count);
+  std::memcpy(at, bytes, Count);
 }
 
 template <class Byte, std::size_t Count>
-void loadLe(const char* at, std::array<Byte, Count>& bytes) {
+void loadLe(const char* at, Array<Byte, Count>& bytes) {
   static_assert(sizeof(Byte) == 1);
-  std::memcpy(bytes.data(), at, Count);
+  std::memcpy(bytes, at, Count);
 }
 
-/// Loads numbers that were stored one behind the other. Of none, either pointer may be null.
+/// Loads numbers that were stored one after another. Of none, either pointer may be null.
 template <class Number>
 void loadEachLe(const char* at, Number* numbers, std::size_t count) {
   if (count == 0) {
@@ -122,7 +123,7 @@ inline char* copyEights(char* to, const void* from, std::size_t count) {
   return to + count;
 }
 
-/// Puts values one behind the other. Whoever makes an encoder has seen to it that there is room.
+/// Puts values one after another. The caller sees to it that there is room for them.
 class Encoder {
  public:
   explicit Encoder(char* at) : at_(at) {}
@@ -138,8 +139,8 @@ class Encoder {
   char* at_;
 };
 
-/// Takes values one behind the other. Nothing is checked on the way: whoever takes a run of values
-/// compares its width with remaining() first.
+/// Takes values one after another, without a check: the caller compares the width of what it takes
+/// with remaining() first.
 class Decoder {
  public:
   Decoder(const char* bytes, std::size_t count) : at_(bytes), end_(bytes + count) {}

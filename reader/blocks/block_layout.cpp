@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "mdf_v4_10.h"
+#include "layouts.h"
 
 namespace mdf_reader {
 
@@ -11,59 +11,32 @@ using namespace mdf_v4_10;
 
 namespace {
 
-constexpr std::array<std::string_view, 12> reals = {
-    "sr_interval",      "cc_phy_range_min",   "cc_phy_range_max", "cn_val_range_min",
-    "cn_val_range_max", "cn_limit_min",       "cn_limit_max",     "cn_limit_ext_min",
-    "cn_limit_ext_max", "hd_start_angle_rad", "ev_sync_factor",   "hd_start_distance_m"};
-constexpr std::array<std::string_view, 3> characters = {"id_file", "id_vers", "id_prog"};
-constexpr std::array<std::string_view, 6> signed_numbers = {
-    "ev_sync_base_value", "hd_tz_offset_min",  "hd_dst_offset_min",
-    "fh_tz_offset_min",   "fh_dst_offset_min", "ca_byte_offset_base"};
-
-template <class Names>
-bool isAmong(const Names& names, std::string_view name) {
-  return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-FieldKind kindOf(std::string_view name, std::size_t width) {
-  if (name.find("_reserved") != std::string_view::npos) {
-    return FieldKind::reserved;
-  }
-  if (isAmong(reals, name)) {
-    return FieldKind::real;
-  }
-  if (isAmong(signed_numbers, name)) {
-    return FieldKind::signed_number;
-  }
-  const bool is_number = width <= sizeof(UINT64) && !isAmong(characters, name);
-  return is_number ? FieldKind::unsigned_number : FieldKind::bytes;
-}
-
 /// The fields as the library's class states them.
 template <class Fields>
-std::vector<FieldLayout> fieldsOf(const Fields& fields) {
-  std::vector<FieldLayout> layouts;
-  fields.forEach([&](std::string_view name, std::size_t offset, std::size_t width) {
-    layouts.push_back({name, kindOf(name, width), offset, width});
-  });
-  return layouts;
+std::vector<FieldLayout> fieldsOf(const Fields& list) {
+  return {list.fields().begin(), list.fields().end()};
+}
+
+/// The links as the library's class names them, each with what it may lead to.
+template <std::size_t Count>
+std::vector<LinkLayout> linksOf(const std::array<const char*, Count>& roles,
+                                const std::array<std::string_view, Count>& targets) {
+  std::vector<LinkLayout> links;
+  for (std::size_t i = 0; i < Count; ++i) {
+    links.push_back({roles[i], targets[i]});
+  }
+  return links;
 }
 
 /// The fields of a channel array, which the library has no class for.
 std::vector<FieldLayout> arrayFields() {
-  std::vector<FieldLayout> layouts;
-  std::size_t offset = 0;
-  const auto add = [&](std::string_view name, std::size_t width) {
-    layouts.push_back({name, kindOf(name, width), offset, width});
-    offset += width;
-  };
-  add("ca_type", 1);
-  add("ca_storage", 1);
-  add("ca_ndim", 2);
-  add("ca_flags", 4);
-  add("ca_byte_offset_base", 4);
-  add("ca_inval_bit_pos_base", 4);
-  return layouts;
+  constexpr FieldKind unsigned_number = FieldKind::unsigned_number;
+  return {{"ca_type", unsigned_number, 0, 1},
+          {"ca_storage", unsigned_number, 1, 1},
+          {"ca_ndim", unsigned_number, 2, 2},
+          {"ca_flags", unsigned_number, 4, 4},
+          {"ca_byte_offset_base", FieldKind::signed_number, 8, 4},
+          {"ca_inval_bit_pos_base", unsigned_number, 12, 4}};
 }
 
 constexpr std::string_view text = "TX";
@@ -75,45 +48,30 @@ std::vector<BlockLayout> fileLayouts() {
   return {
       {"HD",
        "header",
-       {{"hd_dg_first", "DG"},
-        {"hd_fh_first", "FH"},
-        {"hd_ch_first", "CH"},
-        {"hd_at_first", "AT"},
-        {"hd_ev_first", "EV"},
-        {"hd_md_comment", text_or_metadata}},
-       fieldsOf(hdblock_fields),
+       linksOf(detail::hdblock_links, {"DG", "FH", "CH", "AT", "EV", text_or_metadata}),
+       fieldsOf(detail::hdblock_fields),
        {}},
       {"FH",
        "file history",
-       {{"fh_fh_next", "FH"}, {"fh_md_comment", text_or_metadata}},
-       fieldsOf(fhblock_fields),
+       linksOf(detail::fhblock_links, {"FH", text_or_metadata}),
+       fieldsOf(detail::fhblock_fields),
        {}},
       {"TX", "text", {}, {}, {"tx_data"}},
       {"MD", "metadata", {}, {}, {"md_data"}},
       {"CH",
        "channel hierarchy",
-       {{"ch_ch_next", "CH"},
-        {"ch_ch_first", "CH"},
-        {"ch_tx_name", text},
-        {"ch_md_comment", text_or_metadata}},
-       fieldsOf(chblock_fields),
+       linksOf(detail::chblock_links, {"CH", "CH", text, text_or_metadata}),
+       fieldsOf(detail::chblock_fields),
        {}},
       {"AT",
        "attachment",
-       {{"at_at_next", "AT"},
-        {"at_tx_filename", text},
-        {"at_tx_mimetype", text},
-        {"at_md_comment", text_or_metadata}},
-       fieldsOf(atblock_fields),
+       linksOf(detail::atblock_links, {"AT", text, text, text_or_metadata}),
+       fieldsOf(detail::atblock_fields),
        {"at_embedded_data"}},
       {"EV",
        "event",
-       {{"ev_ev_next", "EV"},
-        {"ev_ev_parent", "EV"},
-        {"ev_ev_range", "EV"},
-        {"ev_tx_name", text},
-        {"ev_md_comment", text_or_metadata}},
-       fieldsOf(evblock_fields),
+       linksOf(detail::evblock_links, {"EV", "EV", "EV", text, text_or_metadata}),
+       fieldsOf(detail::evblock_fields),
        {}},
   };
 }
@@ -123,46 +81,29 @@ std::vector<BlockLayout> channelLayouts() {
   return {
       {"DG",
        "data group",
-       {{"dg_dg_next", "DG"},
-        {"dg_cg_first", "CG"},
-        {"dg_data", record_data},
-        {"dg_md_comment", text_or_metadata}},
-       fieldsOf(dgblock_fields),
+       linksOf(detail::dgblock_links, {"DG", "CG", record_data, text_or_metadata}),
+       fieldsOf(detail::dgblock_fields),
        {}},
       {"CG",
        "channel group",
-       {{"cg_cg_next", "CG"},
-        {"cg_cn_first", "CN"},
-        {"cg_tx_acq_name", text},
-        {"cg_si_acq_source", "SI"},
-        {"cg_sr_first", "SR"},
-        {"cg_md_comment", text_or_metadata}},
-       fieldsOf(cgblock_fields),
+       linksOf(detail::cgblock_links, {"CG", "CN", text, "SI", "SR", text_or_metadata}),
+       fieldsOf(detail::cgblock_fields),
        {}},
       {"SI",
        "source",
-       {{"si_tx_name", text}, {"si_tx_path", text}, {"si_md_comment", text_or_metadata}},
-       fieldsOf(siblock_fields),
+       linksOf(detail::siblock_links, {text, text, text_or_metadata}),
+       fieldsOf(detail::siblock_fields),
        {}},
       {"CN",
        "channel",
-       {{"cn_cn_next", "CN"},
-        {"cn_composition", "CN CA"},
-        {"cn_tx_name", text},
-        {"cn_si_source", "SI"},
-        {"cn_cc_conversion", "CC"},
-        {"cn_data", "SD DZ DL HL CG AT CN"},
-        {"cn_md_unit", text_or_metadata},
-        {"cn_md_comment", text_or_metadata}},
-       fieldsOf(cnblock_fields),
+       linksOf(detail::cnblock_links, {"CN", "CN CA", text, "SI", "CC", "SD DZ DL HL CG AT CN",
+                                       text_or_metadata, text_or_metadata}),
+       fieldsOf(detail::cnblock_fields),
        {}},
       {"CC",
        "conversion",
-       {{"cc_tx_name", text},
-        {"cc_md_unit", text_or_metadata},
-        {"cc_md_comment", text_or_metadata},
-        {"cc_cc_inverse", "CC"}},
-       fieldsOf(ccblock_fields),
+       linksOf(detail::ccblock_links, {text, text_or_metadata, text_or_metadata, "CC"}),
+       fieldsOf(detail::ccblock_fields),
        {"cc_val", FieldKind::real, sizeof(REAL)}},
       {"CA",
        "channel array",
@@ -180,15 +121,19 @@ std::vector<BlockLayout> dataLayouts() {
       {"SD", "signal data", {}, {}, {"sd_data"}},
       {"DL",
        "data list",
-       {{"dl_dl_next", "DL"}},
-       fieldsOf(dlblock_fields),
+       linksOf(detail::dlblock_links, {"DL"}),
+       fieldsOf(detail::dlblock_fields),
        {"dl_offset", FieldKind::unsigned_number, sizeof(UINT64)}},
-      {"DZ", "zipped data", {}, fieldsOf(dzblock_fields), {"dz_data"}},
-      {"HL", "header list", {{"hl_dl_first", "DL LD"}}, fieldsOf(hlblock_fields), {}},
+      {"DZ", "zipped data", {}, fieldsOf(detail::dzblock_fields), {"dz_data"}},
+      {"HL",
+       "header list",
+       linksOf(detail::hlblock_links, {"DL LD"}),
+       fieldsOf(detail::hlblock_fields),
+       {}},
       {"SR",
        "sample reduction",
-       {{"sr_sr_next", "SR"}, {"sr_data", "RD DZ DL HL RV RI LD"}},
-       fieldsOf(srblock_fields),
+       linksOf(detail::srblock_links, {"SR", "RD DZ DL HL RV RI LD"}),
+       fieldsOf(detail::srblock_fields),
        {}},
   };
 }
@@ -232,7 +177,7 @@ const BlockLayout* findLayout(std::string_view letters) {
 }
 
 const std::vector<FieldLayout>& identificationFields() {
-  static const std::vector<FieldLayout> fields = fieldsOf(idblock_fields);
+  static const std::vector<FieldLayout> fields = fieldsOf(detail::idblock_fields);
   return fields;
 }
 

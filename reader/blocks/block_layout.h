@@ -7,18 +7,12 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/field.h"
+
 namespace mdf_reader {
 
-/// What the bytes of a field stand for.
-enum class FieldKind { unsigned_number, signed_number, real, bytes, reserved };
-
-/// A field of a data section.
-struct FieldLayout {
-  std::string_view name;
-  FieldKind kind;
-  std::size_t offset;  ///< from the first byte after the links
-  std::size_t width;   ///< bytes
-};
+using mdf_v4_10::detail::FieldKind;
+using FieldLayout = mdf_v4_10::detail::Field;
 
 /// A link of a block.
 struct LinkLayout {

@@ -56,8 +56,8 @@ std::optional<RawBlock> readRawBlock(InputFile& file, std::uint64_t offset) {
   RawBlock block;
   block.offset = offset;
   Decoder in(bytes.data(), bytes.size());
-  in.take(block.id);
-  in.skip(4);
+  std::copy_n(in.position(), block.id.size(), block.id.begin());
+  in.skip(8);
   in.take(block.length);
   in.take(block.link_count);
   return block;

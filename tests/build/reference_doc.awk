@@ -100,6 +100,10 @@ function declaration(text, note, is_new_paragraph,  at, head, name, kind, commen
     n = split(text, parts, " ")
     name = parts[n]
     sub(/ [^ ]*$/, "", text)
+    if (sub(/^detail::Array</, "", text)) {
+      sub(/, /, "[", text)
+      sub(/>$/, "]", text)
+    }
     fields = fields "| " code(name) " | " code(text) " | " cell(comment note) " |\n"
     return
   }

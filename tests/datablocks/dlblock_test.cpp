@@ -31,9 +31,9 @@ DLBLOCK distinctBlock() {
   block.addData(200, 0);
   block.addData(300, 1000);
   block.addData(400, 2000);
-  block.header.reserved = {1, 2, 3, 4};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
   block.dl_flags = 0xAA;
-  block.dl_reserved = {11, 12, 13};
+  setBytes(block.dl_reserved, {11, 12, 13});
   block.dl_equal_length = 500;
   return block;
 }
@@ -137,11 +137,11 @@ TEST(DLBLOCK, EnumerationValues) {
 }
 
 TEST(DLBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::dlblock_fields, 32),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::dlblock_fields, 32),
             "32 1 dl_flags\n"
             "33 3 dl_reserved\n"
             "36 4 dl_count\n");
-  EXPECT_EQ(layoutOf(mdf_v4_10::dlblock_equal_length_fields, 40), "40 8 dl_equal_length\n");
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::dlblock_equal_length_fields, 40), "40 8 dl_equal_length\n");
 }
 
 TEST(DLBLOCK, EmptyListIsFortyBytes) {
@@ -160,7 +160,7 @@ TEST(DLBLOCK, ConstructorLeavesEverythingElseZero) {
   EXPECT_EQ(block.getPadding(), 0);
   EXPECT_EQ(linksOf(block), (Links{77}));
   EXPECT_EQ(block.dl_flags, 1);
-  EXPECT_EQ(block.dl_reserved, (std::array<UINT8, 3>{}));
+  EXPECT_EQ(asArray(block.dl_reserved), (std::array<UINT8, 3>{}));
   EXPECT_EQ(block.dl_equal_length, 0U);
   EXPECT_EQ(block.dl_data, Pairs{});
   EXPECT_EQ(DLBLOCK(false, 77).dl_flags, 0);
@@ -180,7 +180,7 @@ TEST(DLBLOCK, WritesExtremeValues) {
   block.addData(-1, UINT64_MAX);
   block.setEqualLength(UINT64_MAX);
   block.dl_flags = 0xFF;
-  block.dl_reserved.fill(0xFF);
+  fillBytes(block.dl_reserved, 0xFF);
   EXPECT_BYTES(written(block), Bytes()
                                    .header("DL", 64, 3)
                                    .links({INT64_MIN, INT64_MAX, -1})
@@ -446,8 +446,8 @@ TEST(DLBLOCK, ReaderAppendsTheLinksBehindTheNilOne) {
 
 TEST(DLBLOCK, ReaderPassesOverReservedBytes) {
   const auto block = readBack<DLBLOCK>(distinctBytes());
-  EXPECT_EQ(block.header.reserved, (std::array<UINT8, 4>{}));
-  EXPECT_EQ(block.dl_reserved, (std::array<UINT8, 3>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.dl_reserved), (std::array<UINT8, 3>{}));
 }
 
 TEST(DLBLOCK, ReaderPairsOffsetsFromTheNextListOnAndLosesTheLastDataLink) {

@@ -33,7 +33,7 @@ DZBLOCK distinctBlock() {
   const Data data{0x78, 0x9C, 3, 0, 0x41};
   DZBLOCK block(SDBLOCK::MDF_SD_ID, DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE, data.data(),
                 data.size());
-  block.header.reserved = {1, 2, 3, 4};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
   block.dz_reserved = 9;
   block.setZipParameter(77);
   block.setOriginalLength(1234567);
@@ -102,7 +102,7 @@ TEST(DZBLOCK, EnumerationValues) {
 }
 
 TEST(DZBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::dzblock_fields, 24),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::dzblock_fields, 24),
             "24 2 dz_org_block_type\n"
             "26 1 dz_zip_type\n"
             "27 1 dz_reserved\n"
@@ -368,7 +368,7 @@ TEST(DZBLOCK, ReaderTakesTheBytesThatFollowTheBlock) {
   EXPECT_EQ(is.tellg(), 53 + 5);
   EXPECT_EQ(block.header.length, 53U);
   EXPECT_EQ(block.header.link_count, 0U);
-  EXPECT_EQ(block.header.reserved, (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<UINT8, 4>{}));
   EXPECT_EQ(linksOf(block), std::vector<LINK>{});
   expectDistinctFields(block);
   EXPECT_EQ(block.dz_data, (Data{'f', 'g', 'h', 'i', 'j'}));

@@ -82,7 +82,7 @@ static_assert(isEnumeration<B::DL_FLAGS_t>({
 }));
 
 static_assert(has<UINT8>                               (&B::dl_flags));
-static_assert(has<std::array<UINT8, 3>>                (&B::dl_reserved));
+static_assert(has<UINT8[3]>                (&B::dl_reserved));
 static_assert(has<UINT64>                              (&B::dl_equal_length));
 static_assert(has<std::vector<std::pair<LINK, UINT64>>>(&B::dl_data));
 
@@ -155,7 +155,7 @@ static_assert(isEnumeration<B::HL_FLAGS_t>({
 
 static_assert(has<UINT16>              (&B::hl_flags));
 static_assert(has<UINT8>               (&B::hl_zip_type));
-static_assert(has<std::array<UINT8, 5>>(&B::hl_reserved));
+static_assert(has<UINT8[5]>(&B::hl_reserved));
 
 static_assert(constructs<B, LINK, bool, DZBLOCK::DZ_ZIPTYPE_t>());
 
@@ -198,7 +198,7 @@ static_assert(has<UINT64>              (&B::sr_cycle_count));
 static_assert(has<REAL>                (&B::sr_interval));
 static_assert(has<UINT8>               (&B::sr_sync_type));
 static_assert(has<UINT8>               (&B::sr_flags));
-static_assert(has<std::array<UINT8, 6>>(&B::sr_reserved));
+static_assert(has<UINT8[6]>(&B::sr_reserved));
 
 static_assert(constructs<B, UINT64, REAL, B::MDF_SR_SYNCTYPE_t, LINK, LINK>());
 

@@ -119,7 +119,7 @@ TYPED_TEST_P(PlainData, BytesAreCopied) {
 
 TYPED_TEST_P(PlainData, WritesTheStoredHeaderWithAnotherLength) {
   auto block = this->blockOf("abc");
-  block.header.reserved = {1, 2, 3, 4};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
   block.header.length = 9999;
   block.header.link_count = 0x1112131415161718;
   EXPECT_BYTES(written(block), Bytes()
@@ -134,7 +134,7 @@ TYPED_TEST_P(PlainData, WritesTheStoredHeaderWithAnotherLength) {
 
 TYPED_TEST_P(PlainData, WritesExtremeValues) {
   auto block = this->blockOf(std::string(8, '\xFF'));
-  block.header.reserved.fill(255);
+  fillBytes(block.header.reserved, 255);
   block.header.length = UINT64_MAX;
   block.header.link_count = UINT64_MAX;
   EXPECT_BYTES(written(block), Bytes()
@@ -188,7 +188,7 @@ TYPED_TEST_P(PlainData, NothingIsWrittenToAFailedStream) {
 
 TYPED_TEST_P(PlainData, SetupReplacesTheDataAndLeavesTheHeader) {
   auto block = this->blockOf("something longer");
-  block.header.reserved = {1, 2, 3, 4};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
   block.header.length = 77;
   block.header.link_count = 3;
   const std::array<std::uint8_t, 2> bytes = {5, 6};
@@ -327,7 +327,7 @@ TYPED_TEST_P(PlainData, BlockOfAnotherTypeIsReadAsData) {
   const auto block =
       this->readBlock(Bytes().text("##DG").u8s({1, 2, 3, 4}).u64(64).u64(4).text(body));
   EXPECT_BYTES(dataOf(block), body);
-  EXPECT_EQ(block.header.reserved, (std::array<mdf_v4_10::UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<mdf_v4_10::UINT8, 4>{}));
   EXPECT_BYTES(written(block), this->fileBytes(body, 4));
 }
 

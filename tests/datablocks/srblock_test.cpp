@@ -27,9 +27,9 @@ using Links = std::vector<LINK>;
 
 SRBLOCK distinctBlock() {
   SRBLOCK block(1000, 0.25, SRBLOCK::SR_SYNCTYPE_DISTANCE_METER, 200, 100);
-  block.header.reserved = {1, 2, 3, 4};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
   block.sr_flags = 0xAB;
-  block.sr_reserved = {11, 12, 13, 14, 15, 16};
+  setBytes(block.sr_reserved, {11, 12, 13, 14, 15, 16});
   return block;
 }
 
@@ -77,7 +77,7 @@ TEST(SRBLOCK, LinkIndexesCarryTheNameOfTheSourceInformationBlocks) {
 }
 
 TEST(SRBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::srblock_fields, 40),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::srblock_fields, 40),
             "40 8 sr_cycle_count\n"
             "48 8 sr_interval\n"
             "56 1 sr_sync_type\n"
@@ -101,7 +101,7 @@ TEST(SRBLOCK, ConstructorLeavesEverythingElseZero) {
   EXPECT_EQ(block.header.link_count, 2U);
   EXPECT_EQ(block.getPadding(), 0);
   EXPECT_EQ(block.sr_flags, 0);
-  EXPECT_EQ(block.sr_reserved, (std::array<UINT8, 6>{}));
+  EXPECT_EQ(asArray(block.sr_reserved), (std::array<UINT8, 6>{}));
 }
 
 TEST(SRBLOCK, WritesEveryField) { EXPECT_BYTES(written(distinctBlock()), distinctBytes()); }
@@ -110,7 +110,7 @@ TEST(SRBLOCK, WritesExtremeValues) {
   SRBLOCK block(UINT64_MAX, -std::numeric_limits<REAL>::infinity(),
                 static_cast<SRBLOCK::MDF_SR_SYNCTYPE_t>(0x1FF), INT64_MAX, INT64_MIN);
   block.sr_flags = 255;
-  block.sr_reserved.fill(255);
+  fillBytes(block.sr_reserved, 255);
   EXPECT_BYTES(written(block), Bytes()
                                    .header("SR", 64, 2)
                                    .links({INT64_MIN, INT64_MAX})
@@ -312,8 +312,8 @@ TEST(SRBLOCK, ReaderAppendsTheLinksBehindTheNilOnes) {
   EXPECT_EQ(block.sr_interval, 0.25);
   EXPECT_EQ(block.sr_sync_type, 3);
   EXPECT_EQ(block.sr_flags, 0xAB);
-  EXPECT_EQ(block.header.reserved, (std::array<UINT8, 4>{}));
-  EXPECT_EQ(block.sr_reserved, (std::array<UINT8, 6>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.sr_reserved), (std::array<UINT8, 6>{}));
 }
 
 TEST(SRBLOCK, BlockThatWasWrittenIsReadBackWithItsDataLinkAtIndexThree) {

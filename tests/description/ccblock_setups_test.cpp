@@ -34,7 +34,7 @@ CCBLOCK filledBlock() {
   block.setPhysicalValueRangeMin(-1.5);
   block.setPhysicalValueRangeMax(2.25);
   block.setPadding(5);
-  block.header.reserved = {1, 2, 3, 4};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
   block.header.length = 9999;
   block.header.link_count = 77;
   block.cc_refs = {-1, -2, -3, -4, -5, -6, -7, -8};
@@ -342,7 +342,7 @@ TEST(CCBLOCKSetups, EntriesAddedAfterwardsStandBehindTheDefault) {
 
 TEST(CCBLOCKSetups, BlockThatWasReadCanBeSetUp) {
   auto block = readBack<CCBLOCK>(filledBytes(7, {10, 20, 30}, {1, 2}));
-  block.header.reserved = {1, 2, 3, 4};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
   block.setupTEXT2TEXTTABConversion({{1, 2}}, 3);
   EXPECT_BYTES(written(block), filledBytes(10, {1, 2, 3}, {}));
   EXPECT_EQ(block.header.length, 120U);

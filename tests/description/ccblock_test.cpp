@@ -75,7 +75,7 @@ CCBLOCK distinctBlock() {
   block.cc_flags = 0xA5C6;
   block.setPhysicalValueRangeMin(-1.5);
   block.setPhysicalValueRangeMax(2.25);
-  block.header.reserved = {1, 2, 3, 4};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
   block.cc_refs = {500, 600, 700};
   block.cc_vals = {0.5, 10, 1e100, -0.125};
   return block;
@@ -120,7 +120,7 @@ void expectNothingTaken(const CCBLOCK& block) {
   EXPECT_EQ(bitsOf(block.cc_phy_range_max), 0U);
   EXPECT_EQ(block.cc_refs, Links{});
   EXPECT_EQ(block.cc_vals, Values{});
-  EXPECT_EQ(block.header.reserved, (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<UINT8, 4>{}));
   EXPECT_EQ(block.getPadding(), 0);
 }
 
@@ -167,7 +167,7 @@ TEST(CCBLOCK, EnumerationValues) {
 }
 
 TEST(CCBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::ccblock_fields, 56),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::ccblock_fields, 56),
             "56 1 cc_type\n"
             "57 1 cc_precision\n"
             "58 2 cc_flags\n"
@@ -216,7 +216,7 @@ TEST(CCBLOCK, WritesExtremeValues) {
   block.setPhysicalValueRangeMin(realOf(odd_reals[8]));
   block.setPhysicalValueRangeMax(realOf(odd_reals[1]));
   block.cc_refs = {INT64_MIN, -1, 0, INT64_MAX};
-  block.header.reserved.fill(255);
+  fillBytes(block.header.reserved, 255);
   Bytes values;
   for (const std::uint64_t bits : odd_reals) {
     block.addValue(realOf(bits));
@@ -723,7 +723,7 @@ TEST(CCBLOCK, ReaderGivesBackWhatWasWritten) {
   const auto block = readBack<CCBLOCK>(distinctBytes());
   EXPECT_EQ(block.header.length, 136U);
   EXPECT_EQ(block.header.link_count, 7U);
-  EXPECT_EQ(block.header.reserved, (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<UINT8, 4>{}));
   EXPECT_EQ(linksOf(block), (Links{100, 200, 300, 400}));
   EXPECT_EQ(block.cc_type, 8);
   EXPECT_EQ(block.cc_precision, 3);

@@ -35,8 +35,8 @@ CGBLOCK distinctBlock() {
                 500, 0x3132333435363738, static_cast<CGBLOCK::CG_PATHSEPARATOR_t>(0x5152),
                 0x61626364, 0x71727374);
   block.setComment(600);
-  block.header.reserved = {1, 2, 3, 4};
-  block.cg_reserved = {11, 12, 13, 14};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
+  setBytes(block.cg_reserved, {11, 12, 13, 14});
   return block;
 }
 
@@ -93,7 +93,7 @@ TEST(CGBLOCK, EnumerationValues) {
 }
 
 TEST(CGBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::cgblock_fields, 72),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::cgblock_fields, 72),
             "72 8 cg_record_id\n"
             "80 8 cg_cycle_count\n"
             "88 2 cg_flags\n"
@@ -133,8 +133,8 @@ TEST(CGBLOCK, WritesExtremeValues) {
                 INT64_MAX, INT64_MIN, UINT64_MAX, static_cast<CGBLOCK::CG_PATHSEPARATOR_t>(0xFFFF),
                 UINT32_MAX, UINT32_MAX);
   block.setComment(-1);
-  block.header.reserved.fill(255);
-  block.cg_reserved.fill(255);
+  fillBytes(block.header.reserved, 255);
+  fillBytes(block.cg_reserved, 255);
   EXPECT_BYTES(written(block), Bytes()
                                    .text("##CG")
                                    .u32(UINT32_MAX)
@@ -323,8 +323,8 @@ TEST(CGBLOCK, ReaderAppendsTheLinksBehindTheNilOnes) {
   EXPECT_EQ(block.cg_path_separator, 0x5152);
   EXPECT_EQ(block.cg_data_bytes, 0x61626364U);
   EXPECT_EQ(block.cg_inval_bytes, 0x71727374U);
-  EXPECT_EQ(block.header.reserved, (std::array<UINT8, 4>{}));
-  EXPECT_EQ(block.cg_reserved, (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.cg_reserved), (std::array<UINT8, 4>{}));
 }
 
 TEST(CGBLOCK, DumpOfABlockThatWasReadShowsTheNilLinks) {

@@ -109,7 +109,7 @@ CNBLOCK distinctBlock() {
   CNBLOCK block = withAttachments(freshBlock(), {901, 902});
   setDistinctFields(block);
   block.setupDefaultXAxis(1001, 1002, 1003);
-  block.header.reserved = {1, 2, 3, 4};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
   block.links = {100, 200, 300, 400, 500, 600, 700, 800};
   return block;
 }
@@ -241,7 +241,7 @@ TEST(CNBLOCK, LinkIndexesAndFlagValues) {
 }
 
 TEST(CNBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::cnblock_fields, 88),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::cnblock_fields, 88),
             "88 1 cn_type\n"
             "89 1 cn_sync_type\n"
             "90 1 cn_data_type\n"
@@ -605,7 +605,7 @@ TEST(CNBLOCK, CopiesAreIndependent) {
   setupFlags(block, 0);
   block.setupDefaultXAxis(1, 2, 3);
   block.removeAttachementeAt(0);
-  block.header.reserved = {};
+  fillBytes(block.header.reserved, 0);
   EXPECT_BYTES(written(copy), distinctBytes());
   EXPECT_BYTES(written(assigned), distinctBytes());
 }
@@ -762,7 +762,7 @@ TEST(CNBLOCK, ReaderGivesNilLinksAndOneAttachmentMoreThanTheCount) {
   const auto block = readBack<CNBLOCK>(distinctBytes());
   EXPECT_EQ(block.header.length, 200U);
   EXPECT_EQ(block.header.link_count, 13U);
-  EXPECT_EQ(block.header.reserved, (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<UINT8, 4>{}));
   EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, 0, 0, 0, 0, 0, 0}));
   EXPECT_EQ(block.cc_attachements, (std::vector<LINK>{100, 200, 300}));
   EXPECT_EQ(block.getDefaultXAxisdgblock(), 1001);

@@ -16,8 +16,8 @@ namespace {
 DGBLOCK distinctBlock() {
   DGBLOCK block(100, 200, 300, DGBLOCK::DG_UINT32_LE);
   block.setComment(400);
-  block.header.reserved = {1, 2, 3, 4};
-  block.dg_reserved = {11, 12, 13, 14, 15, 16, 17};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
+  setBytes(block.dg_reserved, {11, 12, 13, 14, 15, 16, 17});
   return block;
 }
 
@@ -51,7 +51,7 @@ TEST(DGBLOCK, EnumerationValues) {
 }
 
 TEST(DGBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::dgblock_fields, 56),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::dgblock_fields, 56),
             "56 1 dg_rec_id_size\n"
             "57 7 dg_reserved\n");
 }
@@ -70,7 +70,7 @@ TEST(DGBLOCK, WritesEveryField) { EXPECT_BYTES(written(distinctBlock()), distinc
 TEST(DGBLOCK, WritesExtremeValues) {
   DGBLOCK block(INT64_MAX, INT64_MIN, -1, static_cast<DGBLOCK::MDF_DG_REC_ID_SIZE_t>(0x1FF));
   block.setComment(INT64_MAX);
-  block.dg_reserved.fill(255);
+  fillBytes(block.dg_reserved, 255);
   EXPECT_BYTES(written(block), Bytes()
                                    .header("DG", 64, 4)
                                    .links({INT64_MAX, INT64_MIN, -1, INT64_MAX})
@@ -158,8 +158,8 @@ TEST(DGBLOCK, ReaderAppendsTheLinksBehindTheNilOnes) {
   EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, 0, 0, 100, 200, 300, 400}));
   EXPECT_EQ(block.getNextDgblock(), 0);
   EXPECT_EQ(block.dg_rec_id_size, 3);
-  EXPECT_EQ(block.header.reserved, (std::array<mdf_v4_10::UINT8, 4>{}));
-  EXPECT_EQ(block.dg_reserved, (std::array<mdf_v4_10::UINT8, 7>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<mdf_v4_10::UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.dg_reserved), (std::array<mdf_v4_10::UINT8, 7>{}));
 }
 
 TEST(DGBLOCK, DumpOfABlockThatWasReadShowsTheNilLinks) {

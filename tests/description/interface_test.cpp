@@ -43,7 +43,7 @@ static_assert(isEnumeration<B::MDF_DG_BLOCK_LINKS>({
 }));
 
 static_assert(has<UINT8>               (&B::dg_rec_id_size));
-static_assert(has<std::array<UINT8, 7>>(&B::dg_reserved));
+static_assert(has<UINT8[7]>(&B::dg_reserved));
 
 static_assert(constructs<B, LINK, LINK, LINK, B::MDF_DG_REC_ID_SIZE_t>());
 
@@ -94,7 +94,7 @@ static_assert(has<UINT64>              (&B::cg_record_id));
 static_assert(has<UINT64>              (&B::cg_cycle_count));
 static_assert(has<UINT16>              (&B::cg_flags));
 static_assert(has<UINT16>              (&B::cg_path_separator));
-static_assert(has<std::array<UINT8, 4>>(&B::cg_reserved));
+static_assert(has<UINT8[4]>(&B::cg_reserved));
 static_assert(has<UINT32>              (&B::cg_data_bytes));
 static_assert(has<UINT32>              (&B::cg_inval_bytes));
 
@@ -343,7 +343,7 @@ static_assert(isEnumeration<B::MDF_SI_BLOCK_LINKS>({
 static_assert(has<UINT8>               (&B::si_type));
 static_assert(has<UINT8>               (&B::si_bus_type));
 static_assert(has<UINT8>               (&B::si_flags));
-static_assert(has<std::array<UINT8, 5>>(&B::si_reserved));
+static_assert(has<UINT8[5]>(&B::si_reserved));
 
 static_assert(constructs<B>());
 static_assert(constructs<B, B::MDF_SI_SOURCETYPE_t, B::MDF_SI_BUSTYPE_t, bool, LINK, LINK>());

@@ -23,8 +23,8 @@ SIBLOCK distinctBlock() {
   SIBLOCK block(SIBLOCK::SI_SOURCETYPE_USER, SIBLOCK::SI_BUSTYPE_ETHERNET, true, 100, 200);
   block.setComment(300);
   block.si_flags = 0xA3;
-  block.header.reserved = {1, 2, 3, 4};
-  block.si_reserved = {11, 12, 13, 14, 15};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
+  setBytes(block.si_reserved, {11, 12, 13, 14, 15});
   return block;
 }
 
@@ -68,7 +68,7 @@ TEST(SIBLOCK, EnumerationValues) {
 }
 
 TEST(SIBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::siblock_fields, 48),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::siblock_fields, 48),
             "48 1 si_type\n"
             "49 1 si_bus_type\n"
             "50 1 si_flags\n"
@@ -115,7 +115,7 @@ TEST(SIBLOCK, WritesExtremeValues) {
                 static_cast<SIBLOCK::MDF_SI_BUSTYPE_t>(0x2FE), true, INT64_MAX, INT64_MIN);
   block.setComment(-1);
   block.si_flags = 255;
-  block.si_reserved.fill(255);
+  fillBytes(block.si_reserved, 255);
   EXPECT_BYTES(written(block), Bytes()
                                    .header("SI", 56, 3)
                                    .links({INT64_MAX, INT64_MIN, -1})
@@ -295,8 +295,8 @@ TEST(SIBLOCK, ReaderAppendsTheLinksBehindTheNilOnes) {
   EXPECT_EQ(block.si_type, 5);
   EXPECT_EQ(block.si_bus_type, 7);
   EXPECT_EQ(block.si_flags, 0xA3);
-  EXPECT_EQ(block.header.reserved, (std::array<UINT8, 4>{}));
-  EXPECT_EQ(block.si_reserved, (std::array<UINT8, 5>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.si_reserved), (std::array<UINT8, 5>{}));
   EXPECT_EQ(block.getPadding(), 0);
 }
 

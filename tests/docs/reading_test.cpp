@@ -48,7 +48,7 @@ TEST(Reading, IDBLOCK) {
   EXPECT_EQ(block.getVers(), "4.10    ");
   EXPECT_EQ(block.getProg(), "program ");
   EXPECT_EQ(block.getVersionNumber(), 410);
-  EXPECT_EQ(block.id_reserved1, (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.id_reserved1), (std::array<UINT8, 4>{}));
   EXPECT_EQ(block.id_reserved2[33], 9);
   EXPECT_EQ(linksOf(block), Links{});
 }
@@ -121,7 +121,7 @@ TEST(Reading, CHBLOCK) {
   EXPECT_EQ(standsBehind(is, bytes), 0);
   EXPECT_EQ(linksOf(block), (Links{1, 2, 3, 4}));
   EXPECT_EQ(block.getFirstCHBlock(), 2);
-  EXPECT_EQ(block.ch_reserved, (std::array<UINT8, 3>{}));
+  EXPECT_EQ(asArray(block.ch_reserved), (std::array<UINT8, 3>{}));
   EXPECT_EQ(block.getElementCount(), 4U);
   for (std::size_t k = 0; k < 2; ++k) {
     const auto& element = block.channels[3 * k];
@@ -394,7 +394,7 @@ TEST(Reading, HLBLOCK) {
   EXPECT_EQ(block.getFirstDlblock(), 4096);
   EXPECT_TRUE(block.isEqualLengthFlag());
   EXPECT_EQ(block.getZipType(), DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE);
-  EXPECT_EQ(block.hl_reserved, (std::array<UINT8, 5>{}));
+  EXPECT_EQ(asArray(block.hl_reserved), (std::array<UINT8, 5>{}));
 }
 
 TEST(Reading, HLBLOCK_that_this_library_wrote) {

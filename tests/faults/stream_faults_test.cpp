@@ -304,7 +304,7 @@ struct Primitives : GENERALBLOCK {
 TEST(FrameworkStreamFaults, AreLeftToTheCaller) {
   expectOutputFaultsAreSeen([](std::ostream& os) { Primitives::writex(os, "bytes", 5); });
   HeaderSection header{MDF_Block_ID(0x4448)};
-  header.reserved = {1, 2, 3, 4};
+  setBytes(header.reserved, {1, 2, 3, 4});
   header.length = 0x1112131415161718;
   header.link_count = 0x2122232425262728;
   expectWritingFaultsAreSeen(header.mdfID);

@@ -39,10 +39,10 @@ ATBLOCK distinctBlock() {
   block.setMD5ChecksumFlag(true);
   block.setCreatorIndex(2);
   block.setOriginalSize(0x0102030405060708);
-  block.header.reserved = {1, 2, 3, 4};
-  block.at_reserved = {11, 12, 13, 14};
-  block.at_md5_checksum = {'m', 'd', '5', '-', 'c', 'h', 'e', 'c',
-                           'k', 's', 'u', 'm', '-', '1', '6', '.'};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
+  setBytes(block.at_reserved, {11, 12, 13, 14});
+  setBytes(block.at_md5_checksum,
+           {'m', 'd', '5', '-', 'c', 'h', 'e', 'c', 'k', 's', 'u', 'm', '-', '1', '6', '.'});
   return block;
 }
 
@@ -94,7 +94,7 @@ TEST(ATBLOCK, EnumerationValues) {
 }
 
 TEST(ATBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::atblock_fields, 56),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::atblock_fields, 56),
             "56 2 at_flags\n"
             "58 2 at_creator_index\n"
             "60 4 at_reserved\n"
@@ -175,8 +175,8 @@ TEST(ATBLOCK, WritesExtremeValues) {
   block.at_flags = 0xFFFF;
   block.setCreatorIndex(0xFFFF);
   block.setOriginalSize(UINT64_MAX);
-  block.at_reserved.fill(255);
-  block.at_md5_checksum.fill(255);
+  fillBytes(block.at_reserved, 255);
+  fillBytes(block.at_md5_checksum, 255);
   EXPECT_BYTES(written(block), Bytes()
                                    .header("AT", 97, 4)
                                    .links({INT64_MAX, INT64_MIN, -1, INT64_MAX})
@@ -372,7 +372,7 @@ TEST(ATBLOCK, ClearingTheEmbeddingLeavesTheCompression) {
 
 TEST(ATBLOCK, SetMD5ChecksumWritesIntoTheEmbeddedBytes) {
   ATBLOCK block("abcdefghijklmnopqrst", 20);
-  block.at_md5_checksum.fill(9);
+  fillBytes(block.at_md5_checksum, 9);
   block.setMD5Checksum(sixteen);
   EXPECT_EQ(embeddedIn(block), "0123456789ABCDEFqrst");
   EXPECT_EQ(block.getMD5Checksum(), std::string(16, 9));
@@ -419,7 +419,7 @@ TEST(ATBLOCK, SetMD5ChecksumWithSixteenEmbeddedBytesReplacesThemAll) {
 
 TEST(ATBLOCK, GetMD5ChecksumGivesSixteenCharacters) {
   ATBLOCK block;
-  block.at_md5_checksum = {1, 0, 255, 0, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 0};
+  setBytes(block.at_md5_checksum, {1, 0, 255, 0, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 0});
   EXPECT_EQ(block.getMD5Checksum(),
             std::string("\x01\x00\xFF\x00\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x00", 16));
 }
@@ -568,8 +568,8 @@ TEST(ATBLOCK, ReadsEveryField) {
 
 TEST(ATBLOCK, ReservedBytesAreNotTaken) {
   const auto block = readBack<ATBLOCK>(distinctBytes());
-  EXPECT_EQ(block.header.reserved, (std::array<UINT8, 4>{}));
-  EXPECT_EQ(block.at_reserved, (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.at_reserved), (std::array<UINT8, 4>{}));
 }
 
 TEST(ATBLOCK, WritingABlockThatWasReadWritesZeroForReservedBytes) {

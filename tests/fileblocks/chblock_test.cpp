@@ -56,8 +56,8 @@ CHBLOCK distinctBlock() {
   block.setMDBlock(400);
   block.addChannelElement(501, 502, 503);
   block.addChannelElement(601, 602, 603);
-  block.header.reserved = {1, 2, 3, 4};
-  block.ch_reserved = {11, 12, 13};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
+  setBytes(block.ch_reserved, {11, 12, 13});
   return block;
 }
 
@@ -107,7 +107,7 @@ TEST(CHBLOCK, EnumerationValues) {
 }
 
 TEST(CHBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::chblock_fields, 56),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::chblock_fields, 56),
             "56 4 ch_element_count\n"
             "60 1 ch_type\n"
             "61 3 ch_reserved\n");
@@ -155,7 +155,7 @@ TEST(CHBLOCK, WritesExtremeValues) {
   block.setMDBlock(INT64_MAX);
   block.addChannelElement(INT64_MIN, INT64_MAX, -1);
   block.ch_type = 255;
-  block.ch_reserved.fill(255);
+  fillBytes(block.ch_reserved, 255);
   EXPECT_BYTES(written(block), Bytes()
                                    .header("CH", 88, 5)
                                    .links({INT64_MAX, INT64_MIN, -1, INT64_MAX})
@@ -535,7 +535,7 @@ TEST(CHBLOCK, BlockWrittenWithOneElementReadsBackWithoutItAndWithATypeFromInside
   EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, 0, 400}));
   EXPECT_EQ(block.getElementCount(), 0U);
   EXPECT_EQ(block.ch_type, 0x25);
-  EXPECT_EQ(block.ch_reserved, (std::array<UINT8, 3>{}));
+  EXPECT_EQ(asArray(block.ch_reserved), (std::array<UINT8, 3>{}));
 }
 
 TEST(CHBLOCK, BlockWrittenWithTwoElementsReadsBackWithNone) {
@@ -608,8 +608,8 @@ TEST(CHBLOCK, ReservedBytesAreNotTaken) {
   std::string bytes = bytesWithLinks(4);
   bytes.replace(4, 4, "\x01\x02\x03\x04");
   const auto block = readBack<CHBLOCK>(bytes);
-  EXPECT_EQ(block.header.reserved, (std::array<UINT8, 4>{}));
-  EXPECT_EQ(block.ch_reserved, (std::array<UINT8, 3>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.ch_reserved), (std::array<UINT8, 3>{}));
   EXPECT_BYTES(written(block),
                Bytes().header("CH", 64, 4).links({1, 2, 3, 4}).u32(0).u8(1).zeros(3));
 }
@@ -710,8 +710,21 @@ TEST(CHBLOCK, LengthBelowTheHeaderSizeMakesTheStreamBad) {
   }
 }
 
-TEST(CHBLOCK, LengthTooShortForLinksAndFieldsMakesTheStreamBad) {
-  for (std::uint64_t length = 24; length < 64; ++length) {
+TEST(CHBLOCK, ReservedBytesNeedNotBeThere) {
+  for (const std::size_t length : {61U, 62U, 63U}) {
+    SCOPED_TRACE(length);
+    const std::string bytes =
+        Bytes().header("CH", length, 4).links({1, 2, 3, 4}).u32(0).u8(5).zeros(3);
+    const auto block = readBack<CHBLOCK>(bytes.substr(0, length));
+    EXPECT_EQ(block.header.length, length);
+    EXPECT_EQ(linksOf(block), (std::vector<LINK>{1, 2, 3, 4}));
+    EXPECT_EQ(block.ch_type, 5);
+    EXPECT_EQ(asArray(block.ch_reserved), (std::array<UINT8, 3>{}));
+  }
+}
+
+TEST(CHBLOCK, LengthTooShortForLinksAndTypeMakesTheStreamBad) {
+  for (std::uint64_t length = 24; length < 61; ++length) {
     SCOPED_TRACE(length);
     std::istringstream is(Bytes().header("CH", length, 4).zeros(100).str());
     const CHBLOCK block(is);

@@ -48,8 +48,8 @@ EVBLOCK distinctBlock() {
   block.setCreatorIndex(0x0102);
   block.setSyncBaseValue(-1000);
   block.setSyncBaseFactor(0.25);
-  block.header.reserved = {1, 2, 3, 4};
-  block.ev_reserved = {11, 12, 13};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
+  setBytes(block.ev_reserved, {11, 12, 13});
   return block;
 }
 
@@ -131,7 +131,7 @@ TEST(EVBLOCK, EnumerationValues) {
 }
 
 TEST(EVBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::evblock_fields, 64),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::evblock_fields, 64),
             "64 1 ev_type\n"
             "65 1 ev_sync_type\n"
             "66 1 ev_range_type\n"
@@ -212,7 +212,7 @@ TEST(EVBLOCK, WritesExtremeValues) {
   block.addScope(INT64_MIN);
   block.addAttachment(INT64_MAX);
   block.ev_flags = 255;
-  block.ev_reserved.fill(255);
+  fillBytes(block.ev_reserved, 255);
   block.setCreatorIndex(0xFFFF);
   block.setSyncBaseValue(INT64_MIN);
   block.setSyncBaseFactor(-std::numeric_limits<double>::infinity());
@@ -672,8 +672,8 @@ TEST(EVBLOCK, WrittenBlockReadsBackWithItsFixedLinksInItsLists) {
 
 TEST(EVBLOCK, ReservedBytesAreNotTaken) {
   const auto block = readBack<EVBLOCK>(distinctBytes());
-  EXPECT_EQ(block.header.reserved, (std::array<UINT8, 4>{}));
-  EXPECT_EQ(block.ev_reserved, (std::array<UINT8, 3>{}));
+  EXPECT_EQ(asArray(block.header.reserved), (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(block.ev_reserved), (std::array<UINT8, 3>{}));
 }
 
 TEST(EVBLOCK, WritingABlockThatWasReadWritesTheListsItHasNow) {

@@ -18,10 +18,10 @@ namespace {
 
 FHBLOCK distinctBlock() {
   FHBLOCK block(200, 0x0102030405060708, -60, 100);
-  block.header.reserved = {1, 2, 3, 4};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
   block.fh_dst_offset_min = 0x1112;
   block.fh_time_flags = 21;
-  block.fh_reserved = {22, 23, 24};
+  setBytes(block.fh_reserved, {22, 23, 24});
   return block;
 }
 
@@ -67,7 +67,7 @@ TEST(FHBLOCK, EnumerationValues) {
 }
 
 TEST(FHBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::fhblock_fields, 40),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::fhblock_fields, 40),
             "40 8 fh_time_ns\n"
             "48 2 fh_tz_offset_min\n"
             "50 2 fh_dst_offset_min\n"
@@ -93,7 +93,7 @@ TEST(FHBLOCK, WritesExtremeValues) {
   FHBLOCK block(INT64_MIN, UINT64_MAX, INT16_MIN, INT64_MAX);
   block.fh_dst_offset_min = INT16_MAX;
   block.fh_time_flags = 255;
-  block.fh_reserved.fill(255);
+  fillBytes(block.fh_reserved, 255);
   EXPECT_BYTES(written(block), Bytes()
                                    .header("FH", 56, 2)
                                    .links({INT64_MAX, INT64_MIN})

@@ -24,7 +24,7 @@ HDBLOCK distinctBlock() {
   block.setATFirstblock(400);
   block.setEVFirstblock(500);
   block.setMDCommentblock(600);
-  block.header.reserved = {1, 2, 3, 4};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
   block.hd_dst_offset_min = 0x1112;
   block.hd_time_flags = 21;
   block.hd_flags = 23;
@@ -84,7 +84,7 @@ TEST(HDBLOCK, EnumerationValues) {
 }
 
 TEST(HDBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::hdblock_fields, 72),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::hdblock_fields, 72),
             "72 8 hd_start_time_ns\n"
             "80 2 hd_tz_offset_min\n"
             "82 2 hd_dst_offset_min\n"

@@ -34,11 +34,11 @@ std::string distinctBytes() { return distinctBytesWith({1, 2, 3, 4}); }
 
 IDBLOCK distinctBlock() {
   IDBLOCK block("qrstuvwx");
-  block.id_file = {'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h'};
-  block.id_vers = {'i', 'j', 'k', 'l', 'm', 'n', 'o', 'p'};
-  block.id_reserved1 = {1, 2, 3, 4};
+  setBytes(block.id_file, {'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h'});
+  setBytes(block.id_vers, {'i', 'j', 'k', 'l', 'm', 'n', 'o', 'p'});
+  setBytes(block.id_reserved1, {1, 2, 3, 4});
   block.id_ver = 0x8102;
-  for (std::size_t i = 0; i < block.id_reserved2.size(); ++i) {
+  for (std::size_t i = 0; i < sizeof block.id_reserved2; ++i) {
     block.id_reserved2[i] = static_cast<UINT8>(100 + i);
   }
   return block;
@@ -63,7 +63,7 @@ TEST(IDBLOCK, Constants) {
 }
 
 TEST(IDBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::idblock_fields, 0),
+  EXPECT_EQ(layoutOf(mdf_v4_10::detail::idblock_fields, 0),
             "0 8 id_file\n"
             "8 8 id_vers\n"
             "16 8 id_prog\n"
@@ -101,11 +101,11 @@ TEST(IDBLOCK, WritesEveryField) { EXPECT_BYTES(written(distinctBlock()), distinc
 
 TEST(IDBLOCK, WritesExtremeValues) {
   IDBLOCK block("\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF");
-  block.id_file.fill('\xFF');
-  block.id_vers.fill('\xFF');
-  block.id_reserved1.fill(255);
+  fillBytes(block.id_file, '\xFF');
+  fillBytes(block.id_vers, '\xFF');
+  fillBytes(block.id_reserved1, 255);
   block.id_ver = UINT16_MAX;
-  block.id_reserved2.fill(255);
+  fillBytes(block.id_reserved2, 255);
   EXPECT_BYTES(written(block), std::string(64, '\xFF'));
 }
 
@@ -131,6 +131,7 @@ TEST(IDBLOCK, TextGettersReturnAllEightCharacters) {
   EXPECT_EQ(IDBLOCK("TEST").getVers(), "4.10    ");
   EXPECT_EQ(IDBLOCK("TEST").getProg(), "TEST    ");
   EXPECT_EQ(IDBLOCK("TEST").getVersionNumber(), 410);
+  EXPECT_EQ(IDBLOCK("TEST").getSize(), 64U);
   std::istringstream empty;
   EXPECT_EQ(IDBLOCK(empty).getProg(), std::string(8, '\0'));
 }
@@ -147,7 +148,7 @@ TEST(IDBLOCK, Dump) {
 
 TEST(IDBLOCK, DumpShowsEmbeddedZeroBytes) {
   IDBLOCK block("abcdefgh");
-  block.id_file = {'M', '\0', 'F', '\0', '\0', '\0', '\0', '\0'};
+  setBytes(block.id_file, {'M', '\0', 'F', '\0', '\0', '\0', '\0', '\0'});
   block.id_ver = UINT16_MAX;
   EXPECT_EQ(dumped(block),
             "[DEBUG] ==================== IDBLOCK ===================\n"

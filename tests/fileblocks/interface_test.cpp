@@ -34,12 +34,12 @@ static_assert(B::MDF_ID_VERS        == 8);
 static_assert(B::MDF_ID_PROG        == 8);
 static_assert(B::MDF_ID_ORDER_INTEL == 0);
 
-static_assert(has<std::array<char, 8>>  (&B::id_file));
-static_assert(has<std::array<char, 8>>  (&B::id_vers));
-static_assert(has<std::array<char, 8>>  (&B::id_prog));
-static_assert(has<std::array<UINT8, 4>> (&B::id_reserved1));
+static_assert(has<char[8]>  (&B::id_file));
+static_assert(has<char[8]>  (&B::id_vers));
+static_assert(has<char[8]>  (&B::id_prog));
+static_assert(has<UINT8[4]> (&B::id_reserved1));
 static_assert(has<UINT16>               (&B::id_ver));
-static_assert(has<std::array<UINT8, 34>>(&B::id_reserved2));
+static_assert(has<UINT8[34]>(&B::id_reserved2));
 
 static_assert(constructs<B, const char*>());
 
@@ -47,6 +47,7 @@ static_assert(has<std::string() const>  (&B::getKenn));
 static_assert(has<std::string() const>  (&B::getVers));
 static_assert(has<std::string() const>  (&B::getProg));
 static_assert(has<std::uint16_t() const>(&B::getVersionNumber));
+static_assert(has<std::uint64_t() const>(&B::getSize));
 
 }  // namespace idblock
 
@@ -152,7 +153,7 @@ static_assert(has<UINT64>              (&B::fh_time_ns));
 static_assert(has<INT16>               (&B::fh_tz_offset_min));
 static_assert(has<INT16>               (&B::fh_dst_offset_min));
 static_assert(has<UINT8>               (&B::fh_time_flags));
-static_assert(has<std::array<UINT8, 3>>(&B::fh_reserved));
+static_assert(has<UINT8[3]>(&B::fh_reserved));
 
 static_assert(constructs<B, LINK, std::uint64_t, std::int16_t, LINK>());
 
@@ -199,7 +200,7 @@ static_assert(has<LINK>(&Element::ch_element_cg));
 static_assert(has<LINK>(&Element::ch_element_cn));
 
 static_assert(has<UINT8>               (&B::ch_type));
-static_assert(has<std::array<UINT8, 3>>(&B::ch_reserved));
+static_assert(has<UINT8[3]>(&B::ch_reserved));
 static_assert(has<std::vector<Element>>(&B::channels));
 
 static_assert(constructs<B, B::MDF_CH_TYPE_t>());
@@ -250,8 +251,8 @@ static_assert(isEnumeration<B::AT_FLAGS_t>({
 
 static_assert(has<UINT16>               (&B::at_flags));
 static_assert(has<UINT16>               (&B::at_creator_index));
-static_assert(has<std::array<UINT8, 4>> (&B::at_reserved));
-static_assert(has<std::array<UINT8, 16>>(&B::at_md5_checksum));
+static_assert(has<UINT8[4]> (&B::at_reserved));
+static_assert(has<UINT8[16]>(&B::at_md5_checksum));
 static_assert(has<UINT64>               (&B::at_original_size));
 static_assert(has<std::vector<UINT8>>   (&B::at_embedded_data));
 
@@ -336,7 +337,7 @@ static_assert(has<UINT8>               (&B::ev_sync_type));
 static_assert(has<UINT8>               (&B::ev_range_type));
 static_assert(has<UINT8>               (&B::ev_cause));
 static_assert(has<UINT8>               (&B::ev_flags));
-static_assert(has<std::array<UINT8, 3>>(&B::ev_reserved));
+static_assert(has<UINT8[3]>(&B::ev_reserved));
 static_assert(has<UINT16>              (&B::ev_creator_index));
 static_assert(has<INT64>               (&B::ev_sync_base_value));
 static_assert(has<REAL>                (&B::ev_sync_factor));

@@ -19,7 +19,10 @@ struct Metadata {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(MDBLOCK, TextBlock, Metadata, KindName);
 
-TEST(MDBLOCK, Constants) { EXPECT_EQ(MDBLOCK::MDF_MD_ID, 0x444D); }
+TEST(MDBLOCK, Constants) {
+  EXPECT_EQ(MDBLOCK::MDBLOCK_CONSTANT_SIZE, 24U);
+  EXPECT_EQ(MDBLOCK::MDF_MD_ID, 0x444D);
+}
 
 TEST(MDBLOCK, DumpPutsTheEndBannerBehindTheText) {
   EXPECT_EQ(dumped(MDBLOCK("hello", 5)),

@@ -26,7 +26,7 @@ class TextBlock : public testing::Test {
 
   static Block distinctBlock() {
     Block block = blockWith("some text");
-    block.header.reserved = {1, 2, 3, 4};
+    setBytes(block.header.reserved, {1, 2, 3, 4});
     block.header.length = 9999;
     block.header.link_count = 0x1112131415161718;
     block.links = {100, 200};
@@ -133,7 +133,7 @@ TYPED_TEST_P(TextBlock, LongTextsAreWrittenWhole) {
 
 TYPED_TEST_P(TextBlock, SetupReplacesTheText) {
   auto block = this->blockWith("a text to be replaced");
-  block.header.reserved = {1, 2, 3, 4};
+  setBytes(block.header.reserved, {1, 2, 3, 4});
   block.setup("xy", 2);
   EXPECT_BYTES(written(block), Bytes()
                                    .text(std::string("##") + TypeParam::letters)
@@ -175,7 +175,7 @@ TYPED_TEST_P(TextBlock, WritesTheHeaderAsStoredButForItsLength) {
 
 TYPED_TEST_P(TextBlock, WritesExtremeValues) {
   typename TestFixture::Block block;
-  block.header.reserved.fill(255);
+  fillBytes(block.header.reserved, 255);
   block.header.length = block.header.link_count = UINT64_MAX;
   block.data.assign(3, 255);
   EXPECT_BYTES(written(block), Bytes()

@@ -123,7 +123,7 @@ struct ChangeTime {
     FHBLOCK block(200, 12345, -90, 100);
     block.fh_dst_offset_min = 17;
     block.fh_time_flags = 255;
-    block.fh_reserved = {7, 8, 9};
+    setBytes(block.fh_reserved, {7, 8, 9});
     return block;
   }
 

@@ -19,7 +19,10 @@ struct PlainText {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(TXBLOCK, TextBlock, PlainText, KindName);
 
-TEST(TXBLOCK, Constants) { EXPECT_EQ(TXBLOCK::MDF_TX_ID, 0x5854); }
+TEST(TXBLOCK, Constants) {
+  EXPECT_EQ(TXBLOCK::TXBLOCK_CONSTANT_SIZE, 24U);
+  EXPECT_EQ(TXBLOCK::MDF_TX_ID, 0x5854);
+}
 
 TEST(TXBLOCK, DumpPutsTheEndBannerOnItsOwnLine) {
   EXPECT_EQ(dumped(TXBLOCK("hello", 5)),

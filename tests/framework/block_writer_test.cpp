@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "framework/field_list.h"
 #include "mdf_v4_10.h"
 #include "support/allocation_counter.h"
 #include "support/blocks.h"
@@ -75,7 +76,7 @@ TEST(BlockWriter, WritesNothingWhenNothingWasPut) {
 TEST(BlockWriter, HandsABlockToTheStreamInOneWrite) {
   expectWrites(
       [](BlockWriter& out) {
-        out.header(header());
+        out.header(header(), 0);
         out.numbers(LinkSection{1, -1});
         out.number(UINT16{0x0102});
         out.bytes({7, 8, 9});
@@ -85,12 +86,12 @@ TEST(BlockWriter, HandsABlockToTheStreamInOneWrite) {
 
 TEST(BlockWriter, LengthAndLinkCountCanStandInForThoseOfTheHeader) {
   HeaderSection stored = header();
-  stored.reserved = {1, 2, 3, 4};
+  setBytes(stored.reserved, {1, 2, 3, 4});
   stored.length = 5;
   stored.link_count = 6;
   expectWrites(
       [&](BlockWriter& out) {
-        out.header(stored);
+        out.header(stored, stored.length);
         out.header(stored, 77);
         out.header(stored, 88, 99);
       },
@@ -142,7 +143,7 @@ TEST(BlockWriter, ListsThatFitTheFrameGoWithIt) {
     const LinkSection links = distinctLinks(count);
     expectWrites(
         [&](BlockWriter& out) {
-          out.header(header());
+          out.header(header(), 0);
           out.numbers(links);
         },
         Bytes().header("HD", 0, 0).text(bytesOf(links)), {24 + 8 * count});
@@ -155,7 +156,7 @@ TEST(BlockWriter, ListsThatDoNotFitTheFrame) {
     const LinkSection links = distinctLinks(count);
     expectWrites(
         [&](BlockWriter& out) {
-          out.header(header());
+          out.header(header(), 0);
           out.numbers(links);
         },
         Bytes().header("HD", 0, 0).text(bytesOf(links)), writesOfLongList(8 * count));
@@ -177,7 +178,7 @@ TEST(BlockWriter, ColumnsGoInFrames) {
     }
     expectWrites(
         [&, &all = pairs](BlockWriter& out) {
-          out.header(header());
+          out.header(header(), 0);
           out.column(all, &std::pair<LINK, UINT64>::second);
         },
         Bytes().header("HD", 0, 0).text(bytesOf(links)), writes);
@@ -216,7 +217,7 @@ TEST(BlockWriter, EntriesOfLinksGoLikeLinks) {
     }
     expectWrites(
         [&](BlockWriter& out) {
-          out.header(header());
+          out.header(header(), 0);
           out.entries(fields, entries);
         },
         Bytes().header("HD", 0, 0).text(bytesOf(links)),
@@ -238,7 +239,7 @@ TEST(BlockWriter, BytesThatFitTheFrameGoWithIt) {
     SCOPED_TRACE(count);
     expectWrites(
         [&](BlockWriter& out) {
-          out.header(header());
+          out.header(header(), 0);
           out.bytes(distinctBytes(count));
         },
         Bytes().header("HD", 0, 0).text(text(distinctBytes(count))), {24 + count});
@@ -250,7 +251,7 @@ TEST(BlockWriter, BytesThatDoNotFitTheFrameGoStraightFromTheirVector) {
     SCOPED_TRACE(count);
     expectWrites(
         [&](BlockWriter& out) {
-          out.header(header());
+          out.header(header(), 0);
           out.bytes(distinctBytes(count));
           out.number(UINT8{7});
         },
@@ -279,7 +280,7 @@ TEST(BlockWriter, BytesInAnEmptyFrame) {
 void writeLongBlock(std::ostream& os) {
   Frame frame;
   BlockWriter out(os, frame);
-  out.header(header());
+  out.header(header(), 0);
   out.numbers(distinctLinks(130));
   out.bytes(distinctBytes(1500));
   out.number(UINT64{5});

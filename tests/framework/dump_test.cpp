@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <iomanip>
 #include <limits>
 #include <sstream>
 #include <string>
@@ -54,6 +54,24 @@ void expectFlushesEveryLine(const Block& block) {
   EXPECT_FALSE(sink.flushes.empty());
 }
 
+/// A width that is set on the stream fills up the first line and changes no other.
+template <class Block>
+void expectPadsTheFirstLine(const Block& block) {
+  const std::string dump = dumped(block);
+  const std::size_t line_end = dump.find('\n');
+  ASSERT_NE(line_end, std::string::npos);
+  ASSERT_LT(line_end, 90U);
+  const std::string padding(90 - line_end, '*');
+  std::ostringstream left;
+  left << std::setfill('*') << std::left << std::setw(90);
+  block.print(left);
+  EXPECT_EQ(left.str(), dump.substr(0, line_end) + padding + dump.substr(line_end));
+  std::ostringstream right;
+  right << std::setfill('*') << std::right << std::setw(90);
+  block.print(right);
+  EXPECT_EQ(right.str(), padding + dump);
+}
+
 CHBLOCK hierarchyWithElement() {
   CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
   block.addChannelElement(1, 2, 3);
@@ -83,6 +101,44 @@ TEST(Dump, FramesItsLinesWithBanners) {
             "[DEBUG] ==================== XYBLOCK ===================\n"
             "size = 5\n"
             "[DEBUG] ==================== End of XYBLOCK ===================\n");
+}
+
+TEST(Dump, AWidthPadsAWholeBanner) {
+  const std::string begin = "[DEBUG] ==================== XYBLOCK ===================";
+  const std::string end = "[DEBUG] ==================== End of XYBLOCK ===================";
+  std::ostringstream os;
+  os << std::setfill('*') << std::right << std::setw(70);
+  Dump dump(os, "XYBLOCK");
+  EXPECT_EQ(os.width(), 0);
+  os << std::left << std::setw(80);
+  dump.end();
+  EXPECT_EQ(os.str(), std::string(70 - begin.size(), '*') + begin + "\n" + end +
+                          std::string(80 - end.size(), '*') + "\n");
+}
+
+TEST(Dump, AWidthPadsTheFirstLineOfEveryClass) {
+  expectPadsTheFirstLine(HeaderSection(MDF_Block_ID(0x4448)));
+  expectPadsTheFirstLine(IDBLOCK("TESTPROG"));
+  expectPadsTheFirstLine(HDBLOCK(1, 2, 3, 4, HDBLOCK::TIME_LOCAL_PC, 0, 0));
+  expectPadsTheFirstLine(FHBLOCK(1, 2, 3, 4));
+  expectPadsTheFirstLine(TXBLOCK("abc", 3));
+  expectPadsTheFirstLine(MDBLOCK("abc", 3));
+  expectPadsTheFirstLine(hierarchyWithElement());
+  expectPadsTheFirstLine(attachmentWithChecksum());
+  expectPadsTheFirstLine(eventWithLists());
+  expectPadsTheFirstLine(DGBLOCK(1, 2, 3, DGBLOCK::DG_UINT8));
+  expectPadsTheFirstLine(CGBLOCK());
+  expectPadsTheFirstLine(CNBLOCK(CNBLOCK::CN_CHANNELTYPE_MASTER, CNBLOCK::CN_SYNCTYPE_TIME,
+                                 CNBLOCK::CN_DATATYPE_UINT_LE, 1, 2, 3));
+  expectPadsTheFirstLine(SIBLOCK());
+  expectPadsTheFirstLine(CCBLOCK(CCBLOCK::CC_CONVTYPE_LINEAR));
+  expectPadsTheFirstLine(DTBLOCK());
+  expectPadsTheFirstLine(SDBLOCK());
+  expectPadsTheFirstLine(RDBLOCK(nullptr, 0));
+  expectPadsTheFirstLine(DLBLOCK(true, 1));
+  expectPadsTheFirstLine(DZBLOCK(DTBLOCK::MDF_DT_ID, DZBLOCK::DZ_ZIPTYPE_DEFLATE, nullptr, 0));
+  expectPadsTheFirstLine(HLBLOCK(1, true, DZBLOCK::DZ_ZIPTYPE_DEFLATE));
+  expectPadsTheFirstLine(SRBLOCK(1, 0.5, SRBLOCK::SR_SYNCTYPE_TIME_SECONDS, 1, 2));
 }
 
 TEST(Dump, ShowsIntegersInDecimal) {
@@ -119,7 +175,8 @@ TEST(Dump, ShowsRealsInTheDefaultForm) {
 }
 
 TEST(Dump, ShowsAllCharactersOfAFixedText) {
-  EXPECT_EQ(lineWith(std::array<char, 3>{'a', '\0', '\n'}), std::string("v = a\0\n\n", 8));
+  EXPECT_EQ(shown([](Dump& dump) { dump.line("v = ", "a\0\n", 3); }),
+            std::string("v = a\0\n\n", 8));
 }
 
 TEST(Dump, PutsALineTogetherFromParts) {

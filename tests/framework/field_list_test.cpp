@@ -18,8 +18,8 @@ namespace {
 struct Section {
   UINT8 number = 0;
   INT16 offset = 0;
-  std::array<char, 3> text{};
-  std::array<UINT8, 5> reserved{};
+  detail::Array<char, 3> text{};
+  detail::Array<UINT8, 5> reserved{};
   UINT32 reserved_number = 0;
   REAL real = 0;
   LINK link = 0;
@@ -36,6 +36,12 @@ constexpr auto section_fields = detail::fieldList(
 
 static_assert(section_fields.width() == 1 + 1 + 2 + 5 + 3 + 4 + 4 + 8 + 8);
 static_assert(detail::fieldList().width() == 0);
+static_assert(section_fields.takenWidth() == section_fields.width());
+static_assert(detail::fieldList().takenWidth() == 0);
+static_assert(detail::fieldList(detail::field<&Section::number>("number"),
+                                detail::reserved<&Section::reserved_number>("reserved_number"),
+                                detail::reserved<&Section::reserved>("reserved"))
+                  .takenWidth() == 1);
 static_assert(detail::sizeWithLinks(0, section_fields) == 24 + 36);
 static_assert(detail::sizeWithLinks(4, section_fields) == 24 + 32 + 36);
 
@@ -43,8 +49,8 @@ Section distinctSection() {
   Section section;
   section.number = 0x81;
   section.offset = -60;
-  section.text = {'a', '\0', 'c'};
-  section.reserved = {11, 12, 13, 14, 15};
+  setBytes(section.text, {'a', '\0', 'c'});
+  setBytes(section.reserved, {11, 12, 13, 14, 15});
   section.reserved_number = 0x21222324;
   section.real = -2.5;
   section.link = -2;
@@ -81,14 +87,14 @@ TEST(FieldList, TakesFieldsAndPassesOverReservedBytes) {
   const std::string bytes = distinctBytes() + "behind";
   detail::Decoder in(bytes.data(), bytes.size());
   Section section;
-  section.reserved = {91, 92, 93, 94, 95};
+  setBytes(section.reserved, {91, 92, 93, 94, 95});
   section.reserved_number = 96;
   section_fields.take(in, section);
   EXPECT_EQ(in.remaining(), 6U);
   EXPECT_EQ(section.number, 0x81);
   EXPECT_EQ(section.offset, -60);
-  EXPECT_EQ(section.text, (std::array<char, 3>{'a', '\0', 'c'}));
-  EXPECT_EQ(section.reserved, (std::array<UINT8, 5>{91, 92, 93, 94, 95}));
+  EXPECT_EQ(asArray(section.text), (std::array<char, 3>{'a', '\0', 'c'}));
+  EXPECT_EQ(asArray(section.reserved), (std::array<UINT8, 5>{91, 92, 93, 94, 95}));
   EXPECT_EQ(section.reserved_number, 96U);
   EXPECT_EQ(section.real, -2.5);
   EXPECT_EQ(section.link, -2);
@@ -115,6 +121,27 @@ TEST(FieldList, ShowsNamesOffsetsAndWidths) {
             "76 8 real\n"
             "84 8 link\n");
   EXPECT_EQ(layoutOf(detail::fieldList(), 24), "");
+}
+
+TEST(FieldList, TellsHowBytesAreToBeUnderstood) {
+  using detail::FieldKind;
+  std::vector<FieldKind> kinds;
+  for (const detail::Field& field : section_fields.fields()) {
+    kinds.push_back(field.kind);
+  }
+  EXPECT_EQ(kinds,
+            (std::vector<FieldKind>{FieldKind::unsigned_number, FieldKind::unsigned_number,
+                                    FieldKind::signed_number, FieldKind::reserved, FieldKind::bytes,
+                                    FieldKind::unsigned_number, FieldKind::reserved,
+                                    FieldKind::real, FieldKind::signed_number}));
+}
+
+TEST(FieldList, KeptReservedBytesAreTakenAndShownAsReserved) {
+  constexpr auto fields = detail::fieldList(detail::keptReserved<&Section::reserved>("reserved"));
+  EXPECT_EQ(fields.fields()[0].kind, detail::FieldKind::reserved);
+  Section section;
+  fields.take("\1\2\3\4\5", section);
+  EXPECT_EQ(asArray(section.reserved), (std::array<UINT8, 5>{1, 2, 3, 4, 5}));
 }
 
 }  // namespace

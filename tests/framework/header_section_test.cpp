@@ -17,7 +17,7 @@ namespace {
 
 HeaderSection distinctHeader() {
   HeaderSection header(MDF_Block_ID(0x4448));
-  header.reserved = {1, 2, 3, 4};
+  setBytes(header.reserved, {1, 2, 3, 4});
   header.length = 0x0102030405060708;
   header.link_count = 0x1112131415161718;
   return header;
@@ -36,7 +36,7 @@ TEST(HeaderSection, Size) { EXPECT_EQ(HeaderSection::HEADER_SIZE, 24U); }
 TEST(HeaderSection, StartsOutEmpty) {
   const HeaderSection header(MDF_Block_ID(0x4448));
   EXPECT_EQ(header.mdfID.idInternal, 0x44482323U);
-  EXPECT_EQ(header.reserved, (std::array<UINT8, 4>{}));
+  EXPECT_EQ(asArray(header.reserved), (std::array<UINT8, 4>{}));
   EXPECT_EQ(header.length, 0U);
   EXPECT_EQ(header.link_count, 0U);
 }
@@ -56,7 +56,7 @@ TEST(HeaderSection, WritesEveryField) {
 
 TEST(HeaderSection, WritesExtremeValues) {
   HeaderSection header(MDF_Block_ID(0xFFFF));
-  header.reserved.fill(255);
+  fillBytes(header.reserved, 255);
   header.length = UINT64_MAX;
   header.link_count = UINT64_MAX;
   EXPECT_BYTES(written(header), Bytes().text("##" + std::string(22, '\xFF')));

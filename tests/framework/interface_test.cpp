@@ -51,7 +51,7 @@ static_assert(isPlainValue<B>());
 static_assert(isConstant<std::size_t>(B::HEADER_SIZE, 24));
 
 static_assert(has<MDF_Block_ID>        (&B::mdfID));
-static_assert(has<std::array<UINT8, 4>>(&B::reserved));
+static_assert(has<UINT8[4]>(&B::reserved));
 static_assert(has<UINT64>              (&B::length));
 static_assert(has<UINT64>              (&B::link_count));
 

@@ -137,8 +137,10 @@ TEST(Encoder, PutsValuesOneBehindTheOther) {
   Encoder out(bytes.data());
   out.put(std::uint8_t{1});
   out.put(std::uint32_t{0x02030405});
-  out.put(std::array<char, 3>{'a', '\0', 'c'});
-  out.put(std::array<std::uint8_t, 1>{255});
+  const Array<char, 3> characters{'a', '\0', 'c'};
+  out.put(characters);
+  const Array<std::uint8_t, 1> byte{255};
+  out.put(byte);
   out.put(std::int16_t{-2});
   EXPECT_BYTES(std::string(bytes.data(), bytes.size()), Bytes()
                                                             .u8(1)
@@ -157,7 +159,7 @@ TEST(Decoder, TakesValuesOneBehindTheOther) {
   Decoder in(bytes.data(), bytes.size());
   std::uint8_t first;
   std::uint32_t second;
-  std::array<char, 3> characters;
+  Array<char, 3> characters;
   double real;
   in.take(first);
   in.take(second);
@@ -168,7 +170,7 @@ TEST(Decoder, TakesValuesOneBehindTheOther) {
   in.take(real);
   EXPECT_EQ(first, 1);
   EXPECT_EQ(second, 0x02030405U);
-  EXPECT_EQ(characters, (std::array<char, 3>{'a', '\0', 'c'}));
+  EXPECT_EQ(asArray(characters), (std::array<char, 3>{'a', '\0', 'c'}));
   EXPECT_EQ(real, -2.5);
   EXPECT_EQ(in.remaining(), 0U);
   EXPECT_EQ(in.position(), bytes.data() + bytes.size());

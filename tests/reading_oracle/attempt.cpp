@@ -1,5 +1,6 @@
 #include "reading_oracle/attempt.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace mdf_tests::oracle {
@@ -12,7 +13,13 @@ std::size_t sectionWidth(const Format& format) {
   return width;
 }
 
+std::size_t takenWidth(const Format& format) {
+  const int last = format.section.empty() ? 0 : format.section.back();
+  return sectionWidth(format) - static_cast<std::size_t>(std::max(0, -last));
+}
+
 std::string takenSection(const Format& format, std::string bytes) {
+  bytes.resize(sectionWidth(format));
   std::size_t offset = 0;
   for (const int field : format.section) {
     const auto width = static_cast<std::size_t>(std::abs(field));

@@ -48,6 +48,9 @@ struct Format {
 /// Bytes of the fixed fields.
 std::size_t sectionWidth(const Format& format);
 
+/// Bytes of them up to the last one that reading takes.
+std::size_t takenWidth(const Format& format);
+
 /// The fixed fields as an object takes them from these bytes.
 std::string takenSection(const Format& format, std::string bytes);
 

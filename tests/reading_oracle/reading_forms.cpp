@@ -1,5 +1,6 @@
 #include "reading_oracle/reading_forms.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace mdf_tests::oracle {
@@ -31,7 +32,7 @@ void takeHeader(Attempt& attempt) {
 
 /// Takes links and fixed fields from what stands behind the header, if they are there.
 bool takeLinksAndSection(Attempt& attempt, const std::string& bytes, std::uint64_t link_count) {
-  const std::size_t width = sectionWidth(attempt.format);
+  const std::size_t width = takenWidth(attempt.format);
   if (bytes.size() < width || link_count > (bytes.size() - width) / link_size) {
     attempt.reading.state = bad;
     return false;
@@ -95,7 +96,7 @@ void readVariable(Attempt& attempt, std::uint64_t length_bits) {
   }
   const std::size_t taken =
       static_cast<std::size_t>(attempt.block.link_count) * link_size + sectionWidth(attempt.format);
-  attempt.format.takeRest(attempt, body.substr(taken));
+  attempt.format.takeRest(attempt, body.substr(std::min(taken, body.size())));
   // Besides the body there are the links, and lists that may take three times their size to grow.
   const std::size_t lists = attempt.block.more_links.size() * link_size + attempt.block.tail.size();
   attempt.reading.heap_bytes += taken + 3 * lists;

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
 #include <initializer_list>
@@ -63,6 +65,25 @@ class Bytes {
 
   std::string bytes_;
 };
+
+/// Gives the bytes of a block other values.
+template <class Byte, std::size_t Count>
+void setBytes(Byte (&bytes)[Count], const std::array<Byte, Count>& values) {
+  std::copy(values.begin(), values.end(), bytes);
+}
+
+template <class Byte, std::size_t Count>
+void fillBytes(Byte (&bytes)[Count], int value) {
+  std::fill_n(bytes, Count, static_cast<Byte>(value));
+}
+
+/// The bytes of a block as a value, which can be compared.
+template <class Byte, std::size_t Count>
+std::array<Byte, Count> asArray(const Byte (&bytes)[Count]) {
+  std::array<Byte, Count> array;
+  std::copy_n(bytes, Count, array.begin());
+  return array;
+}
 
 /// Whether the bytes are the same; if not, what stands around the first difference.
 testing::AssertionResult sameBytes(const char* actual_text, const char* expected_text,

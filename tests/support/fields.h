@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <string>
 
+#include "layouts.h"
+
 namespace mdf_tests {
 
 /// A block's field list as text, one "offset width name" a line, offsets from the block's start,
@@ -12,10 +14,13 @@ namespace mdf_tests {
 template <class Fields>
 std::string layoutOf(const Fields& fields, std::size_t data_offset) {
   std::string layout;
-  fields.forEach([&](const char* name, std::size_t offset, std::size_t width) {
-    layout +=
-        std::to_string(data_offset + offset) + " " + std::to_string(width) + " " + name + "\n";
-  });
+  for (const mdf_v4_10::detail::Field& field : fields.fields()) {
+    layout
+        .append(std::to_string(data_offset + field.offset) + " " + std::to_string(field.width) +
+                " ")
+        .append(field.name)
+        .append("\n");
+  }
   return layout;
 }
 

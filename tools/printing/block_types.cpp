@@ -4,6 +4,7 @@
 #include <array>
 #include <iterator>
 
+#include "framework/wire.h"
 #include "mdf_v4_10.h"
 
 namespace mdf_tools {

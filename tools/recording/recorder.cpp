@@ -5,6 +5,8 @@
 #include <sstream>
 #include <string>
 
+#include "framework/wire.h"
+
 namespace mdf_tools {
 
 using mdf_v4_10::UINT32;

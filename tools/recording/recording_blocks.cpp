@@ -1,6 +1,7 @@
 #include "recording_blocks.h"
 
 #include <algorithm>
+#include <iterator>
 #include <ostream>
 #include <string_view>
 
@@ -35,7 +36,7 @@ IDBLOCK identification() { return IDBLOCK("mdf"); }
 
 IDBLOCK unfinishedIdentification() {
   IDBLOCK id = identification();
-  std::copy(unfinished_file.begin(), unfinished_file.end(), id.id_file.begin());
+  std::copy(unfinished_file.begin(), unfinished_file.end(), std::begin(id.id_file));
   id.id_reserved2[flags_in_reserved] = cycle_count_unset | last_data_length_unset;
   return id;
 }
