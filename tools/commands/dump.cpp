@@ -43,9 +43,9 @@ offset, fields, the values of lists, the text of texts, and how many bytes of da
 limits texts and values in the same way.
 
 Problems go to standard error, one line each with the block's offset, links counted from 0; what can
-be read is printed all the same. Data and texts are printed byte for byte; on a terminal, control
-characters in them are shown as '.'. Several files are printed one after another, each after a line
-"FILE:".
+be read is printed all the same. Data and texts are printed byte for byte; on a terminal,
+control characters in them are shown as '.'. Several files are printed one after another, each after
+a line "FILE:".
 
 Examples:
   mdf dump trip.mf4 | less                   look through a file
