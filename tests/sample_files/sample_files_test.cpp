@@ -1,5 +1,5 @@
 // What the program says of each sample file: the values that the sample is made of, and golden
-// texts, one file for each command with a section for each sample.
+// texts, one file for each command with a section for each sample, in the form of golden_text.h.
 //
 // When samples or what a command prints have changed, the golden texts are renewed with
 //
@@ -19,6 +19,7 @@
 #include <string>
 #include <vector>
 
+#include "golden_text.h"
 #include "tools/samples/sample.h"
 #include "tools/support/program.h"
 #include "tools/support/scratch_folder.h"
@@ -125,29 +126,24 @@ testing::AssertionResult isSame(const RunResult& result, const RunResult& expect
          << excerpt(actual_text, line_begin);
 }
 
-void renewGoldenText(const std::string& command) {
-  std::ofstream file(goldenPath(command), std::ios::binary);
-  for (const Sample& sample : allSamples()) {
-    file << "== " << sample.name << '\n' << sectionOf(runOn({&sample}, command)) << '\n';
-  }
+/// The golden text of a command as its sections by their samples' names.
+std::map<std::string, std::string> goldenSectionsOf(const std::string& command) {
+  const Sections sections = goldenSections(bytesOf(goldenPath(command)));
+  return {sections.begin(), sections.end()};
 }
 
-/// The sections of a golden text, by their samples' names.
-std::map<std::string, std::string> goldenSections(const std::string& command) {
-  std::map<std::string, std::string> sections;
-  std::ifstream file(goldenPath(command), std::ios::binary);
-  std::string* section = nullptr;
-  for (std::string line; std::getline(file, line);) {
-    if (line.rfind("== ", 0) == 0) {
-      section = &sections[line.substr(3)];
-    } else if (section != nullptr) {
-      *section += line + '\n';
-    }
+/// What a run on a sample comes to, by its section.
+RunResult goldenResult(const Sample& sample, const std::string& section) {
+  return resultOf(withPlaces(section, fileName(sample), sample.bytes));
+}
+
+void renewGoldenText(const std::string& command) {
+  Sections sections;
+  for (const Sample& sample : allSamples()) {
+    sections.emplace_back(sample.name, withoutPlaces(sectionOf(runOn({&sample}, command)),
+                                                     fileName(sample), sample.bytes));
   }
-  for (auto& [name, text] : sections) {
-    text.resize(text.size() - std::min<std::size_t>(text.size(), 1));  // the empty line behind each
-  }
-  return sections;
+  std::ofstream(goldenPath(command), std::ios::binary) << goldenText(sections);
 }
 
 std::string withUnit(const Column& column) {
@@ -208,7 +204,8 @@ class SampleFiles : public testing::TestWithParam<const Sample*> {
   void compareWithGolden(const std::string& command) const {
     const Sample& sample = *GetParam();
     SCOPED_TRACE(sample.shows);
-    EXPECT_TRUE(isSame(runOn({&sample}, command), resultOf(goldenSections(command)[sample.name])));
+    EXPECT_TRUE(isSame(runOn({&sample}, command),
+                       goldenResult(sample, goldenSectionsOf(command)[sample.name])));
   }
 };
 
@@ -245,7 +242,7 @@ TEST(SampleList, GoldenTextsAreThereForEachSampleAndNoOther) {
       renewGoldenText(command);
     }
     std::set<std::string> sections;
-    for (const auto& [name, text] : goldenSections(command)) {
+    for (const auto& [name, text] : goldenSectionsOf(command)) {
       sections.insert(name);
     }
     EXPECT_EQ(sections, names) << command;
@@ -272,10 +269,10 @@ RunResult joined(const std::vector<RunResult>& results, bool has_heading,
 }
 
 std::vector<RunResult> goldenResults(const std::string& command) {
-  const std::map<std::string, std::string> sections = goldenSections(command);
+  const std::map<std::string, std::string> sections = goldenSectionsOf(command);
   std::vector<RunResult> results;
   for (const Sample& sample : allSamples()) {
-    results.push_back(resultOf(sections.at(sample.name)));
+    results.push_back(goldenResult(sample, sections.at(sample.name)));
   }
   return results;
 }

@@ -38,7 +38,7 @@ struct ArrayFields {
 class ArrayFile : public SmallFile {
  public:
   explicit ArrayFile(const ArrayFields& fields, const Numbers& links = {0}) {
-    setGroup({0, 0, 0, 20, 0});
+    setGroup({0, 20});
     replaceData(0);
     array = add("CA", links, fields.bytes());
     link(speed, 1, array);
@@ -145,7 +145,7 @@ TEST(ArrayCheck, ChannelOutsideTheRecordIsReportedAlone) {
 TEST(ArrayCheck, InvalidationBitsOfTheElements) {
   for (const std::uint64_t elements : {13U, 14U}) {
     ArrayFile file({0, 1, 0, 0, 1, {elements}});
-    file.setGroup({0, 0, 0, 20, 2});
+    file.setGroup({0, 20, 2});
     file.setChannel(SmallFile::speed, {0, 0, 0, 0, 8, 8, 2, 3});
     EXPECT_EQ(checkedBytes(file.bytes()),
               elements == 13 ? ""
@@ -159,7 +159,7 @@ TEST(ArrayCheck, InvalidationBitsOfTheElements) {
 TEST(ArrayCheck, InvalidationBitsOfMoreElementsThanANumberSays) {
   constexpr std::uint64_t half = std::uint64_t{1} << 32U;
   ArrayFile file({0, 2, 0, 0, UINT32_MAX, {half, half}});
-  file.setGroup({0, 0, 0, 20, 1});
+  file.setGroup({0, 20, 1});
   file.setChannel(SmallFile::speed, {0, 0, 0, 0, 8, 8, 2, 0});
   EXPECT_EQ(checkedBytes(file.bytes()),
             "768 error invalidation-bit-outside-record: expected the invalidation bits of all "

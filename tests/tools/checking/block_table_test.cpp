@@ -69,7 +69,7 @@ TEST(PathOf, BlockThatIsAlsoReferredToIsFoundInItsPlace) {
 
 TEST(PathOf, BlockThatIsOnlyReferredTo) {
   FileBuilder file;
-  const auto channel = file.add("CN", {0, 0, 0, 0, 0, 0, 0, 0}, ChannelFields{}.bytes());
+  const auto channel = file.add("CN", {0, 0, 0, 0, 0, 0, 0, 0}, ChannelSpec{}.fields());
   const auto unknown = file.add("XX", {0, channel});
   const auto hierarchy =
       file.add("CH", {0, 0, 0, 0, 0, 0, 0, 0, 0, unknown}, Bytes().u32(2).zeros(4));

@@ -9,7 +9,9 @@
 
 #include "checking/codes.h"
 #include "support/bytes.h"
+#include "tools/support/attachment_blocks.h"
 #include "tools/support/checked.h"
+#include "tools/support/data_blocks.h"
 #include "tools/support/small_file.h"
 
 using namespace mdf_tests;
@@ -40,7 +42,7 @@ SmallFile commentedFile(std::uint64_t comment) {
   return file;
 }
 
-SmallFile fileWithSpeed(const ChannelFields& fields) {
+SmallFile fileWithSpeed(const ChannelSpec& fields) {
   SmallFile file;
   file.setChannel(SmallFile::speed, fields);
   return file;
@@ -274,9 +276,9 @@ BrokenFile xmlNotWellFormed() {
 
 BrokenFile attachmentLengthWrong() {
   SmallFile file;
-  file.link(
-      FileBuilder::header, 3,
-      file.add("AT", {0, 0, 0, 0}, attachmentFields(1, std::string(16, '\0'), 6, 6, "embed")));
+  const auto attachment = addAttachment(file, {"", "", 1, std::string(16, '\0'), 6, "embed"});
+  file.write(attachment + 88, Bytes().u64(6));
+  file.link(FileBuilder::header, 3, attachment);
   return broken(file,
                 "768 error attachment-length-wrong: expected the 6 embedded bytes in the block, "
                 "found room for 5 [HD.hd_at_first/AT[0]]");
@@ -284,8 +286,7 @@ BrokenFile attachmentLengthWrong() {
 
 BrokenFile attachmentDigestWrong() {
   SmallFile file;
-  file.link(FileBuilder::header, 3,
-            file.add("AT", {0, 0, 0, 0}, attachmentFields(5, "sixteen bytes...", 3, 3, "abc")));
+  file.link(FileBuilder::header, 3, addAttachment(file, {"", "", 5, "sixteen bytes...", 3, "abc"}));
   return broken(file,
                 "768 error attachment-digest-wrong: expected the digest "
                 "7369787465656e2062797465732e2e2e of the embedded bytes, found "
@@ -302,9 +303,8 @@ BrokenFile recordIdSizeWrong() {
 SmallFile fileWithTwoGroups(std::uint64_t second_id, const std::string& data) {
   SmallFile file;
   file.write(SmallFile::data_group + 56, Bytes().u8(1));
-  file.setGroup({1, 2, 0, 9, 0});
-  file.link(SmallFile::group, 0,
-            file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{second_id, 1, 0, 1, 0}.bytes()));
+  file.setGroup({2, 9, 0, 1});
+  file.link(SmallFile::group, 0, file.addChannelGroup({1, 1, 0, second_id}));
   file.replaceData(file.add("DT", {}, data));
   return file;
 }
@@ -331,7 +331,7 @@ BrokenFile recordCutOff() {
 
 BrokenFile cycleCountWrong() {
   SmallFile file;
-  file.setGroup({0, 3, 0, 9, 0});
+  file.setGroup({3, 9});
   return broken(file,
                 "232 error cycle-count-wrong: expected data for 3 records of 9 bytes, found 18 "
                 "bytes [" +
@@ -340,7 +340,7 @@ BrokenFile cycleCountWrong() {
 
 BrokenFile dataShared() {
   SmallFile file;
-  const auto group = file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{0, 18, 0, 1, 0}.bytes());
+  const auto group = file.addChannelGroup({18, 1});
   file.link(SmallFile::data_group, 0,
             file.add("DG", {0, group, SmallFile::data, 0}, dataGroupFields(0)));
   return broken(file,
@@ -357,7 +357,7 @@ BrokenFile channelOutsideRecord() {
 
 BrokenFile invalidationBitOutsideRecord() {
   SmallFile file;
-  file.setGroup({0, 2, 0, 8, 1});
+  file.setGroup({2, 8, 1});
   file.setChannel(SmallFile::speed, {0, 0, 0, 0, 7, 8, 2, 8});
   return broken(file,
                 "496 error invalidation-bit-outside-record: expected the invalidation bit within "
@@ -403,7 +403,7 @@ BrokenFile mastersOverlap() {
 /// and these fields.
 std::string checkedValueList(std::vector<std::uint64_t> links, const std::string& fields) {
   SmallFile file("MDF     ", 420);
-  file.setGroup({0, 0, 0, 9, 0});
+  file.setGroup({0, 9});
   links.insert(links.begin(), 0);
   file.replaceData(file.add("LD", links, fields));
   return checkedBytes(file.bytes());
@@ -477,7 +477,7 @@ TEST(BrokenFiles, ElementsWithRecordsOfTheirOwn) {
   const std::string fields = Bytes().u8(0).u8(1).u16(1).zeros(12);
   const auto array = file.add("CA", {0}, fields + counts(1));
   file.link(SmallFile::speed, 1, array);
-  file.setGroup({0, 1, 0, 9, 0});
+  file.setGroup({1, 9});
   file.write(SmallFile::data_group + 56, Bytes().u8(1));
   file.replaceData(file.add("DT", {}, Bytes().zeros(10).u8(1).zeros(9)));
   EXPECT_EQ(checkedBytes(file.bytes()), "");

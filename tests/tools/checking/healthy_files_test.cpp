@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "support/bytes.h"
+#include "tools/support/attachment_blocks.h"
 #include "tools/support/checked.h"
+#include "tools/support/data_blocks.h"
 #include "tools/support/healthy_file.h"
 #include "tools/support/small_file.h"
 
@@ -75,11 +77,11 @@ TEST(HealthyFiles, LinksBackwardsAndSharedBlocks) {
   std::uint64_t channel = 0;
   for (std::uint32_t byte = 24; byte-- > 0;) {
     const bool is_master = byte == 0;
-    channel = file.add("CN", {channel, 0, name, source, conversion, 0, unit, name},
-                       ChannelFields{is_master ? 2 : 0, is_master ? 1 : 0, 0, 0, byte, 8}.bytes());
+    channel =
+        file.add("CN", {channel, 0, name, source, conversion, 0, unit, name},
+                 ChannelSpec{is_master ? 2U : 0U, is_master ? 1U : 0U, 0, 0, byte, 8}.fields());
   }
-  const auto group =
-      file.add("CG", {0, channel, name, source, 0, name}, GroupFields{0, 1, 0, 24, 0}.bytes());
+  const auto group = file.add("CG", {0, channel, name, source, 0, name}, GroupSpec{1, 24}.fields());
   const auto data = file.add("DT", {}, Bytes().zeros(24));
   const auto data_group = file.add("DG", {0, group, data, name}, dataGroupFields(0));
   file.link(FileBuilder::header, 0, data_group);
@@ -102,7 +104,7 @@ TEST(HealthyFiles, TypesAndLinksOfNewerVersions) {
 
 TEST(HealthyFiles, InvalidationDataApartAndZipped) {
   SmallFile file("MDF     ", 420);
-  file.setGroup({0, 2, 0, 9, 1});
+  file.setGroup({2, 9, 1});
   const auto values = file.add("DZ", {}, zippedFields(18, zippedZeros(18), "DV"));
   const auto bits = file.add("DZ", {}, zippedFields(2, zippedZeros(2), "DI"));
   const auto last = file.add("LD", {0, values, bits}, Bytes().u32(0x80000000U).u32(1).u64(0));
@@ -114,7 +116,7 @@ TEST(HealthyFiles, InvalidationDataApartAndZipped) {
 /// How many records there are does not follow from a block that has their values alone.
 TEST(HealthyFiles, ZippedValuesWithoutTheirInvalidation) {
   SmallFile file("MDF     ", 420);
-  file.setGroup({0, 2, 0, 9, 1});
+  file.setGroup({2, 9, 1});
   file.replaceData(file.add("DZ", {}, zippedFields(18, zippedZeros(18), "DV")));
   expectHealthy(file);
 }
@@ -122,9 +124,9 @@ TEST(HealthyFiles, ZippedValuesWithoutTheirInvalidation) {
 TEST(HealthyFiles, GroupThatHasItsMasterElsewhere) {
   SmallFile file;
   const auto channel = file.add("CN", {0, 0, SmallFile::speed_name, 0, 0, 0, 0, 0},
-                                ChannelFields{0, 0, 0, 0, 0, 8}.bytes());
-  const auto group = file.add("CG", {0, channel, 0, 0, 0, 0, SmallFile::group},
-                              GroupFields{0, 2, 8, 1, 0}.bytes());
+                                ChannelSpec{0, 0, 0, 0, 0, 8}.fields());
+  const auto group =
+      file.add("CG", {0, channel, 0, 0, 0, 0, SmallFile::group}, GroupSpec{2, 1, 0, 0, 8}.fields());
   const auto data = file.add("DT", {}, Bytes().zeros(2));
   file.link(SmallFile::data_group, 0, file.add("DG", {0, group, data, 0}, dataGroupFields(0)));
   expectHealthy(file);
@@ -149,10 +151,10 @@ TEST(HealthyFiles, LinkCountsThatSayLessThanThereIs) {
 
 TEST(HealthyFiles, CompositionsBitOffsetsAndChannelsWithoutBits) {
   SmallFile file;
-  const auto member = [&](std::uint64_t next, int type, int bit_offset, std::uint32_t byte_offset,
-                          std::uint32_t bits) {
+  const auto member = [&](std::uint64_t next, unsigned type, unsigned bit_offset,
+                          std::uint32_t byte_offset, std::uint32_t bits) {
     return file.add("CN", {next, 0, SmallFile::speed_name, 0, 0, 0, 0, 0},
-                    ChannelFields{type, 0, 0, bit_offset, byte_offset, bits}.bytes());
+                    ChannelSpec{type, 0, 0, bit_offset, byte_offset, bits}.fields());
   };
   const auto virtual_data = member(0, 6, 0, 0, 0);
   const auto last_bits = member(virtual_data, 0, 5, 8, 3);
@@ -166,7 +168,7 @@ TEST(HealthyFiles, CompositionsBitOffsetsAndChannelsWithoutBits) {
 
 TEST(HealthyFiles, EmptyDataBlocksEvenAtTheEnd) {
   SmallFile file;
-  const auto group = file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{0, 0, 0, 4, 0}.bytes());
+  const auto group = file.addChannelGroup({0, 4});
   const auto data_group = file.add("DG", {0, group, 0, 0}, dataGroupFields(0));
   file.link(SmallFile::data_group, 0, data_group);
   file.link(data_group, 2, file.add("DT", {}));
@@ -178,13 +180,13 @@ TEST(HealthyFiles, SeveralMastersOfDifferentKinds) {
   file.setChannel(SmallFile::speed, {2, 3, 0, 0, 8, 8});
   file.link(SmallFile::speed, 0,
             file.add("CN", {0, 0, SmallFile::speed_name, 0, 0, 0, 0, 0},
-                     ChannelFields{3, 4, 0, 0, 0, 0}.bytes()));
+                     ChannelSpec{3, 4, 0, 0, 0, 0}.fields()));
   expectHealthy(file);
 }
 
 /// A data group of several channel groups: records of `n` bytes for group number `n`, one of each
 /// and group 0 twice, told apart by ids of `id_bytes` bytes, for which the file says `code`.
-FileBuilder unsortedFile(int code, std::size_t id_bytes, std::uint32_t groups) {
+FileBuilder unsortedFile(unsigned code, std::size_t id_bytes, std::uint32_t groups) {
   FileBuilder file;
   std::string data;
   std::uint64_t group = 0;
@@ -194,7 +196,7 @@ FileBuilder unsortedFile(int code, std::size_t id_bytes, std::uint32_t groups) {
   for (std::uint32_t number = groups; number-- > 0;) {
     data += record(number);
     group = file.add("CG", {group, 0, 0, 0, 0, 0},
-                     GroupFields{number, number == 0 ? 2U : 1U, 0, number, 0}.bytes());
+                     GroupSpec{number == 0 ? 2U : 1U, number, 0, number}.fields());
   }
   const auto data_block = file.add("DT", {}, data + record(0));
   file.link(FileBuilder::header, 0,
@@ -228,8 +230,8 @@ TEST(HealthyFiles, GroupOfVariableLengthLinkedAsNextGroupAndAsData) {
   for (const bool comes_first : {false, true}) {
     SmallFile file;
     file.write(SmallFile::data_group + 56, Bytes().u8(1));
-    file.setGroup({1, 2, 0, 9, 0});
-    const auto values = file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{2, 2, 1, 11, 0}.bytes());
+    file.setGroup({2, 9, 0, 1});
+    const auto values = file.addChannelGroup({2, 11, 0, 2, 1});
     file.link(comes_first ? values : SmallFile::group, 0, comes_first ? SmallFile::group : values);
     file.link(SmallFile::data_group, 1, comes_first ? values : SmallFile::group);
     file.setChannel(SmallFile::speed, {1, 0, 10, 0, 8, 8});
@@ -243,7 +245,7 @@ TEST(HealthyFiles, GroupOfVariableLengthLinkedAsNextGroupAndAsData) {
 
 TEST(HealthyFiles, ListsOfDataBlocks) {
   SmallFile file;
-  file.setGroup({0, 6, 0, 9, 0});
+  file.setGroup({6, 9});
   std::vector<std::uint64_t> data;
   for (const std::size_t size : {18U, 0U, 9U, 18U, 9U}) {
     data.push_back(file.add("DT", {}, Bytes().zeros(size)));
@@ -275,25 +277,21 @@ TEST(HealthyFiles, ZippedRecordsOfSeveralGroupsThatGoOverBlocks) {
   const auto end = file.add("DT", {}, Bytes().u8s({0, 0}));
   const auto list =
       file.add("DL", {0, zipped, plain, end}, Bytes().zeros(4).u32(3).u64(0).u64(8).u64(10));
-  const auto group = file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{0, 1, 0, 3, 0}.bytes());
-  const auto first = file.add("CG", {group, 0, 0, 0, 0, 0}, GroupFields{1, 2, 0, 3, 0}.bytes());
+  const auto group = file.addChannelGroup({1, 3});
+  const auto first = file.add("CG", {group, 0, 0, 0, 0, 0}, GroupSpec{2, 3, 0, 1}.fields());
   file.link(FileBuilder::header, 0, file.add("DG", {0, first, list, 0}, dataGroupFields(1)));
   expectHealthy(file);
 }
 
 TEST(HealthyFiles, Attachments) {
   SmallFile file;
-  const std::string digest = "\x90\x01\x50\x98\x3C\xD2\x4F\xB0\xD6\x96\x3F\x7D\x28\xE1\x7F\x72";
-  const std::string zipped =
-      Bytes().u8s({0x78, 0x01, 0x01, 3, 0, 252, 255}).text("abc").u8s({0x02, 0x4D, 0x01, 0x27});
-  const auto compressed =
-      file.add("AT", {0, 0, 0, 0}, attachmentFields(7, digest, 3, zipped.size(), zipped));
-  const auto without_digest =
-      file.add("AT", {compressed, 0, 0, 0}, attachmentFields(1, std::string(16, 'x'), 3, 3, "abc"));
-  const auto external = file.add("AT", {without_digest, SmallFile::speed_name, 0, 0},
-                                 attachmentFields(0, std::string(16, '\0'), 3, 0, ""));
-  file.link(FileBuilder::header, 3,
-            file.add("AT", {external, 0, 0, 0}, attachmentFields(5, digest, 3, 3, "abc")));
+  const std::string any(16, 'x');
+  const auto embedded = addAttachment(file, {"", "", 5, digestOfAbc(), 3, "abc"});
+  const auto external = addAttachment(file, {"elsewhere", "", 0, std::string(16, '\0'), 3, ""});
+  const auto without_digest = addAttachment(file, {"", "", 1, any, 3, "abc"});
+  const auto compressed = addAttachment(file, {"", "", 7, digestOfAbc(), 3, zippedAbc()});
+  file.chain({embedded, external, without_digest, compressed});
+  file.link(FileBuilder::header, 3, embedded);
   expectHealthy(file);
 }
 
@@ -312,7 +310,7 @@ TEST(HealthyFiles, UnfinishedOneWithRecordsBehindTheLastDataBlock) {
   for (const std::uint64_t length : {24U, 0U}) {
     SmallFile file("UnFinMF ");
     file.write(60, Bytes().u16(5));
-    file.setGroup({0, 0, 0, 9, 0});
+    file.setGroup({0, 9});
     file.write(SmallFile::data + 8, Bytes().u64(length));
     file.append("##TX is no block in records, nor what follows");
     expectOnlyUnfinished(file);
@@ -321,7 +319,7 @@ TEST(HealthyFiles, UnfinishedOneWithRecordsBehindTheLastDataBlock) {
 
 TEST(HealthyFiles, UnfinishedOneWithEmptyDataInFrontOfOtherBlocks) {
   SmallFile file("UnFinMF ");
-  const auto group = file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{0, 0, 0, 4, 0}.bytes());
+  const auto group = file.addChannelGroup({0, 4});
   const auto data_group = file.add("DG", {0, group, 0, 0}, dataGroupFields(0));
   file.link(SmallFile::data_group, 0, data_group);
   file.link(data_group, 2, file.add("DT", {}));

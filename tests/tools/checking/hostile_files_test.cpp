@@ -12,6 +12,7 @@
 #include "support/allocation_counter.h"
 #include "support/bytes.h"
 #include "tools/support/checked.h"
+#include "tools/support/data_blocks.h"
 #include "tools/support/small_file.h"
 #include "tools/support/temp_file.h"
 
@@ -51,13 +52,13 @@ TEST(HostileFiles, BlockThatLeadsToItself) {
 
 TEST(HostileFiles, TwoChainsThatLeadIntoEachOther) {
   SmallFile file;
-  const auto group = file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{0, 0, 0, 1, 0}.bytes());
+  const auto group = file.addChannelGroup({0, 1});
   const auto data_group = file.add("DG", {0, group, 0, 0}, dataGroupFields(0));
   file.link(SmallFile::data_group, 0, data_group);
   file.link(SmallFile::group, 0, group);
   file.link(group, 0, SmallFile::group);
   file.replaceData(0);
-  file.setGroup({0, 0, 0, 9, 0});
+  file.setGroup({0, 9});
   EXPECT_EQ(checkedCodes(file.bytes()), "chain-endless 1\n");
 }
 
@@ -95,7 +96,7 @@ TEST(HostileFiles, VeryDeepNestingWithAProblemInEachBlock) {
   for (std::uint64_t i = 1; i <= count; ++i) {
     const std::uint64_t next = i < count ? 768 + i * size : 0;
     channels.header("CN", size, 8).u64(0).u64(next).zeros(48);
-    channels.text(ChannelFields{0, 0, 0, 0, 99, 8}.bytes());
+    channels.text(ChannelSpec{0, 0, 0, 0, 99, 8}.fields());
   }
   file.append(Bytes().zeros(6).text(channels));
   file.link(SmallFile::speed, 1, 768);
@@ -169,11 +170,11 @@ TEST(HostileFiles, VeryManyChannelsOfVariableLengthInTheSameBytes) {
   std::uint64_t channel = 0;
   for (std::uint64_t i = 0; i < count; ++i) {
     channel = file.add("CN", {channel, 0, SmallFile::speed_name, 0, 0, 0, 0, 0},
-                       ChannelFields{1, 0, 7, 0, 8, 8}.bytes());
+                       ChannelSpec{1, 0, 7, 0, 8, 8}.fields());
   }
   file.link(SmallFile::time, 0, channel);
   file.link(channel, 1, SmallFile::speed);
-  file.setGroup({0, 100000, 0, 9, 0});
+  file.setGroup({100000, 9});
   file.replaceData(file.add("DT", {}, Bytes().zeros(900000)));
   const Outcome outcome = outcomeOf(file.bytes());
   // A record has room for nine of them.
@@ -192,9 +193,9 @@ TEST(HostileFiles, RecordsInDataBlocksThatAllCoverTheSameBytes) {
   const std::uint64_t first_data = 168 + count * (64 + 2 * 104);
   for (std::uint32_t i = count; i-- > 0;) {
     const std::uint32_t headers = 24 * (count - 1 - i);
-    const auto empty = file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{0, 7, 0, 0, 0}.bytes());
+    const auto empty = file.addChannelGroup({7, 0});
     const auto others =
-        file.add("CG", {empty, 0, 0, 0, 0, 0}, GroupFields{'#', 1, 0, headers - 1, 0}.bytes());
+        file.add("CG", {empty, 0, 0, 0, 0, 0}, GroupSpec{1, headers - 1, 0, '#'}.fields());
     next = file.add("DG", {next, others, first_data + 24 * i, 0}, dataGroupFields(1));
   }
   for (std::uint32_t i = 0; i < count; ++i) {
@@ -219,7 +220,7 @@ TEST(HostileFiles, SignalDataThatCoversTheSameBytes) {
 
 TEST(HostileFiles, RecordsOfVariableLengthChannelsThatSayTheyAreHuge) {
   SmallFile file;
-  file.setGroup({0, 1, 0, UINT32_MAX, UINT32_MAX});
+  file.setGroup({1, UINT32_MAX, UINT32_MAX});
   file.setChannel(SmallFile::speed, {1, 0, 7, 0, UINT32_MAX - 8, 64});
   file.replaceData(
       file.add("DZ", {}, zippedFields(2 * std::uint64_t{UINT32_MAX}, zippedZeros(1000))));
@@ -291,7 +292,7 @@ TEST(HostileFiles, EveryByteOfAFileChanged) {
 
 TEST(HostileFiles, RecordsWithoutBytes) {
   SmallFile file;
-  file.setGroup({0, UINT64_MAX, 0, 0, 0});
+  file.setGroup({UINT64_MAX, 0});
   EXPECT_NE(checkedCodes(file.bytes()).find("cycle-count-wrong 1\n"), std::string::npos);
 }
 

@@ -6,6 +6,7 @@
 
 #include "support/bytes.h"
 #include "tools/support/checked.h"
+#include "tools/support/data_blocks.h"
 #include "tools/support/small_file.h"
 
 using namespace mdf_tests;
@@ -40,7 +41,7 @@ TEST(Reduction, RecordHasDataBytesThreeTimes) {
 TEST(Reduction, RecordHasInvalidationBytesOnceIfItsFlagSaysSo) {
   for (const int flags : {0, 1}) {
     SmallFile file;
-    file.setGroup({0, 2, 0, 7, 2});
+    file.setGroup({2, 7, 2});
     file.setChannel(SmallFile::time, {2, 1, 0, 0, 0, 48});
     file.setChannel(SmallFile::speed, {0, 0, 0, 0, 6, 8});
     const std::size_t bytes = flags == 0 ? 21 : 23;
@@ -123,7 +124,7 @@ TEST(Reduction, CountsWhoseProductWithARecordIsNoNumber) {
 
 TEST(Reduction, RecordsWithoutBytes) {
   SmallFile file;
-  file.setGroup({0, 0, 0, 0, 0});
+  file.setGroup({0, 0});
   addReduction(file, 0, UINT64_MAX, 0);
   EXPECT_EQ(checkedCodes(file.bytes()), "channel-outside-record 2\ncycle-count-wrong 1\n");
 }

@@ -6,6 +6,7 @@
 
 #include "support/bytes.h"
 #include "tools/support/checked.h"
+#include "tools/support/data_blocks.h"
 #include "tools/support/small_file.h"
 
 using namespace mdf_tests;
@@ -16,7 +17,7 @@ namespace {
 /// records of 9 bytes, and the bytes of values that a test gives it.
 class FileOfValues : public SmallFile {
  public:
-  FileOfValues() : SmallFile("MDF     ", 420) { setGroup({0, 2, 0, 9, 1}); }
+  FileOfValues() : SmallFile("MDF     ", 420) { setGroup({2, 9, 1}); }
 
   std::uint64_t values(std::size_t bytes) { return add("DV", {}, Bytes().zeros(bytes)); }
   std::uint64_t zippedValues(std::uint16_t bytes) {

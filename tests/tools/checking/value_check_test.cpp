@@ -7,6 +7,7 @@
 
 #include "support/bytes.h"
 #include "tools/support/checked.h"
+#include "tools/support/data_blocks.h"
 #include "tools/support/small_file.h"
 
 using namespace mdf_tests;
@@ -30,21 +31,21 @@ std::string recordsWith(const Offsets& offsets) {
 /// bytes.
 class TextFile : public SmallFile {
  public:
-  TextFile(const GroupFields& fields, const std::string& records) {
+  TextFile(const GroupSpec& fields, const std::string& records) {
     setGroup(fields);
-    setText({});
+    setText({0, 0, 0, 0, 0, 64});
     replaceData(add("DT", {}, records));
   }
 
   explicit TextFile(const Offsets& offsets)
-      : TextFile({0, offsets.size(), 0, 16, 0}, recordsWith(offsets)) {}
+      : TextFile({offsets.size(), 16}, recordsWith(offsets)) {}
 
   TextFile& setIdBytes(int count) {
     write(data_group + 56, Bytes().u8s({count}));
     return *this;
   }
 
-  TextFile& setText(ChannelFields fields) {
+  TextFile& setText(ChannelSpec fields) {
     fields.type = 1;
     fields.data_type = 7;
     fields.byte_offset = 8;
@@ -154,7 +155,7 @@ TEST(ValueCheck, OffsetsOfFewerBits) {
 }
 
 TEST(ValueCheck, InvalidValuesNeedNotBeThere) {
-  TextFile file({0, 2, 0, 16, 1}, Bytes().zeros(8).u64(99).u8(8).zeros(8).u64(98).u8(0xF7));
+  TextFile file({2, 16, 1}, Bytes().zeros(8).u64(99).u8(8).zeros(8).u64(98).u8(0xF7));
   file.setText({0, 0, 0, 0, 0, 0, 2, 3});
   file.setValues(file.add("SD", {}, threeValues()));
   EXPECT_EQ(checkedBytes(file.bytes()), outside("1 outside, first that of record 1 at byte 98"));
@@ -163,7 +164,7 @@ TEST(ValueCheck, InvalidValuesNeedNotBeThere) {
 }
 
 TEST(ValueCheck, RecordsWithAnIdThatAreTheOnlyOnes) {
-  TextFile file({7, 2, 0, 16, 0}, Bytes().u8(7).zeros(8).u64(7).u8(7).zeros(8).u64(40));
+  TextFile file({2, 16, 0, 7}, Bytes().u8(7).zeros(8).u64(7).u8(7).zeros(8).u64(40));
   file.setIdBytes(1);
   file.setValues(file.add("SD", {}, threeValues()));
   EXPECT_EQ(checkedBytes(file.bytes()), outside("1 outside, first that of record 1 at byte 40"));
@@ -171,8 +172,8 @@ TEST(ValueCheck, RecordsWithAnIdThatAreTheOnlyOnes) {
 
 /// A file whose values are the records of a second group, with the id 2.
 TextFile fileWithValueGroup(std::uint64_t records, const std::string& data,
-                            const GroupFields& values) {
-  TextFile file({1, records, 0, 16, 0}, data);
+                            const GroupSpec& values) {
+  TextFile file({records, 16, 0, 1}, data);
   const auto group = file.add("CG", {0, 0, 0, 0, 0, 0}, values.bytes());
   file.link(SmallFile::group, 0, group);
   file.setValues(group);
@@ -216,7 +217,7 @@ TEST(ValueCheck, OffsetsOfAnUnfinishedFileAreNotFinal) {
 
 TEST(ValueCheck, CountsThatAreWrongLeaveTheOffsetsOpen) {
   TextFile file({99});
-  file.setGroup({0, 2, 0, 16, 0});
+  file.setGroup({2, 16});
   EXPECT_EQ(checkedCodes(file.bytes()), "cycle-count-wrong 1\n");
 }
 
@@ -224,7 +225,7 @@ TEST(ValueCheck, OffsetThatIsNotInTheRecordOrHasTooManyBits) {
   TextFile outside_record({99});
   outside_record.setText({0, 0, 0, 0, 0, 65});
   EXPECT_EQ(checkedCodes(outside_record.bytes()), "channel-outside-record 1\n");
-  TextFile too_many({0, 1, 0, 18, 0}, std::string(18, 'x'));
+  TextFile too_many({1, 18}, std::string(18, 'x'));
   too_many.setText({0, 0, 0, 0, 0, 65});
   EXPECT_EQ(checkedCodes(too_many.bytes()), "");
 }
@@ -235,7 +236,7 @@ TEST(ValueCheck, ChannelsThatShareSignalData) {
   file.setValues(values);
   file.link(SmallFile::speed, 0,
             file.add("CN", {0, 0, SmallFile::speed_name, 0, 0, values, 0, 0},
-                     ChannelFields{1, 0, 7, 0, 0, 64}.bytes()));
+                     ChannelSpec{1, 0, 7, 0, 0, 64}.fields()));
   EXPECT_EQ(checkedBytes(file.bytes()), outside("1 outside, first that of record 1 at byte 99"));
 }
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/sampling/sample_file.h"
+#include "tools/sampling/exported.h"
 #include "tools/support/program.h"
 #include "tools/support/scratch_folder.h"
 #include "tools/support/temp_file.h"
@@ -14,15 +14,16 @@ namespace {
 
 /// Two channel groups: time and speed, and a counter.
 std::string twoTables() {
-  SampleFile file;
-  const std::uint64_t time = file.time();
-  ChannelFields speed;
+  FileBuilder file;
+  const std::uint64_t time = file.addTime();
+  ChannelSpec speed;
   speed.name = "speed";
   speed.byte_offset = 8;
   speed.unit = "km/h";
-  file.dataGroup({file.group({2, 9}, {time, file.channel(speed)})},
-                 file.data(Bytes().f64(0).u8(10).f64(0.5).u8(20)));
-  file.dataGroup({file.group({2, 1}, {file.channel(firstByte("counter"))})}, file.data("AB"));
+  file.addDataGroup({file.addChannelGroup({2, 9}, {time, file.addChannel(speed)})},
+                    file.addData(Bytes().f64(0).u8(10).f64(0.5).u8(20)));
+  file.addDataGroup({file.addChannelGroup({2, 1}, {file.addChannel(firstByte("counter"))})},
+                    file.addData("AB"));
   return file.bytes();
 }
 
@@ -122,12 +123,12 @@ TEST(ExportCommand, StandardInputToAFolder) {
 }
 
 TEST(ExportCommand, OutputFolderGetsAFileForEachElementWithRecordsOfItsOwn) {
-  SampleFile file;
-  ChannelFields array = firstByte("v");
+  FileBuilder file;
+  ChannelSpec array = firstByte("v");
   array.composition =
       file.add("CA", {0}, Bytes().u8(0).u8(1).u16(1).zeros(12).u64(2).u64(1).u64(1));
-  file.dataGroup({file.group({1, 1}, {file.channel(array)})}, file.data(Bytes().u8s({0, 7, 1, 8})),
-                 1);
+  file.addDataGroup({file.addChannelGroup({1, 1}, {file.addChannel(array)})},
+                    file.addData(Bytes().u8s({0, 7, 1, 8})), 1);
   const ScratchFolder folder;
   folder.write("trip.mf4", file.bytes());
   const RunResult result =

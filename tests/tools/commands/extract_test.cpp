@@ -5,7 +5,7 @@
 
 #include "support/bytes.h"
 #include "tools/support/attachment_blocks.h"
-#include "tools/support/measurement_blocks.h"
+#include "tools/support/file_builder.h"
 #include "tools/support/program.h"
 #include "tools/support/scratch_folder.h"
 #include "tools/support/temp_file.h"
@@ -21,7 +21,7 @@ FileBuilder fileWith(const std::vector<AttachmentSpec>& specs) {
   for (const AttachmentSpec& spec : specs) {
     attachments.push_back(addAttachment(file, spec));
   }
-  chain(file, attachments);
+  file.chain(attachments);
   file.link(64, 3, attachments.at(0));
   return file;
 }

@@ -5,7 +5,7 @@
 
 #include "support/bytes.h"
 #include "tools/support/attachment_blocks.h"
-#include "tools/support/measurement_blocks.h"
+#include "tools/support/file_builder.h"
 #include "tools/support/program.h"
 #include "tools/support/temp_file.h"
 
@@ -19,8 +19,8 @@ FileBuilder twoGroups() {
   FileBuilder file;
   file.write(64 + 72, Bytes().u64(1'600'000'000'000'000'000).i16(60).i16(60).u8s({2, 10}));
   file.link(64, 5, file.metadata("<HDcomment><TX>a drive</TX></HDcomment>"));
-  const auto source = addSource(file, "engine", "ECU.engine", 1, 2);
-  const auto scale = addConversion(file, {1, {}, {0, 0.5}, "s", ""});
+  const auto source = file.addSource("engine", "ECU.engine", 1, 2);
+  const auto scale = file.addConversion({1, {}, {0, 0.5}, "s", ""});
   ChannelSpec time;
   time.name = "t";
   time.type = 3;
@@ -34,14 +34,11 @@ FileBuilder twoGroups() {
   group.cycles = 11;
   group.data_bytes = 1;
   group.source = source;
-  const auto first = addGroup(file, group, {time, speed}, 0);
+  file.addSortedGroup(group, {time, speed}, 0);
   group.name = "";
   group.source = 0;
   group.cycles = 3;
-  const auto second = addChannelGroup(file, group);
-  const auto data_group = addDataGroup(file, 0, 0);
-  file.link(data_group, 1, second);
-  file.link(first + 104, 0, data_group);  // the first data group stands behind its channel group
+  file.addSortedGroup(group, {}, 0);
   return file;
 }
 
@@ -165,7 +162,7 @@ TEST(InfoCommand, TheMastersRangeGivesDurationAndRate) {
   GroupSpec group;
   group.cycles = 201;
   group.data_bytes = 8;
-  addGroup(file, group, {time}, 0);
+  file.addSortedGroup(group, {time}, 0);
   const TempFile temp(file.bytes());
   const json document = json::parse(run({"info", "--json", temp.path()}).output);
   EXPECT_EQ(document["files"][0]["duration"], 20);

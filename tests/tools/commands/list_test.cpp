@@ -7,7 +7,7 @@
 
 #include "support/bytes.h"
 #include "tools/support/attachment_blocks.h"
-#include "tools/support/measurement_blocks.h"
+#include "tools/support/file_builder.h"
 #include "tools/support/program.h"
 #include "tools/support/temp_file.h"
 
@@ -32,8 +32,8 @@ FileBuilder threeChannels() {
   speed.byte_offset = 8;
   speed.bit_offset = 3;
   speed.bit_count = 12;
-  speed.source = addSource(file, "engine", "", 1, 2);
-  speed.conversion = addConversion(file, {1, {}, {0, 0.5}, "km/h", ""});
+  speed.source = file.addSource("engine", "", 1, 2);
+  speed.conversion = file.addConversion({1, {}, {0, 0.5}, "km/h", ""});
   speed.comment = "of the car";
   ChannelSpec member;
   member.name = "inner";
@@ -43,11 +43,11 @@ FileBuilder threeChannels() {
   outer.data_type = 10;
   outer.byte_offset = 10;
   outer.bit_count = 16;
-  outer.composition = addChannel(file, member);
+  outer.composition = file.addChannel(member);
   GroupSpec group;
   group.cycles = 5;
   group.data_bytes = 12;
-  addGroup(file, group, {time, speed, outer}, 0);
+  file.addSortedGroup(group, {time, speed, outer}, 0);
   return file;
 }
 
@@ -186,7 +186,7 @@ TEST(ListCommand, Attachments) {
   const auto first = addAttachment(file, {"a.txt", "text/plain", 7, digestOfAbc(), 3, zippedAbc()});
   const auto second = addAttachment(file, {"b.bin", "", 0, std::string(16, '\0'), 0, ""});
   const auto third = addAttachment(file, {"c.bin", "", 1, std::string(16, '\0'), 3, "abc"});
-  chain(file, {first, second, third});
+  file.chain({first, second, third});
   file.link(64, 3, first);
   EXPECT_EQ(listed(file, {"attachments"}),
             "offset  name   kind        bytes  stored      digest                            "
@@ -210,7 +210,7 @@ TEST(ListCommand, Events) {
   const auto early =
       file.add("EV", {0, 0, 0, 0, 0},
                Bytes().u8s({5, 1, 1, 1, 1, 0, 0, 0}).u32(2).u16(1).u16(0).i64(-1).f64(1));
-  chain(file, {late, early});
+  file.chain({late, early});
   file.link(64, 4, late);
   EXPECT_EQ(listed(file, {"events"}),
             "offset  position  unit  kind     range  cause  name  comment\n"

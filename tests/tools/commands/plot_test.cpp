@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/sampling/sample_file.h"
+#include "tools/sampling/exported.h"
 #include "tools/support/program.h"
 #include "tools/support/scratch_folder.h"
 #include "tools/support/temp_file.h"
@@ -15,9 +15,9 @@ namespace {
 
 /// Time and a channel with this name, which rises.
 std::string risingFile(const std::string& name = "speed") {
-  SampleFile file;
-  const std::uint64_t time = file.time();
-  ChannelFields speed;
+  FileBuilder file;
+  const std::uint64_t time = file.addTime();
+  ChannelSpec speed;
   speed.name = name;
   speed.byte_offset = 8;
   speed.unit = "km/h";
@@ -25,7 +25,8 @@ std::string risingFile(const std::string& name = "speed") {
   for (int i = 0; i < 200; ++i) {
     records.f64(0.1 * i).u8(static_cast<std::uint8_t>(i));
   }
-  file.dataGroup({file.group({200, 9}, {time, file.channel(speed)})}, file.data(records));
+  file.addDataGroup({file.addChannelGroup({200, 9}, {time, file.addChannel(speed)})},
+                    file.addData(records));
   return file.bytes();
 }
 
@@ -101,14 +102,15 @@ TEST(PlotCommand, SeveralFilesInOnePicture) {
 
 /// A time channel and one of bytes, of which the invalid ones are given as none.
 std::string fileWithAGap() {
-  SampleFile file;
-  const std::uint64_t time = file.time();
-  ChannelFields gear;
+  FileBuilder file;
+  const std::uint64_t time = file.addTime();
+  ChannelSpec gear;
   gear.name = "gear";
   gear.byte_offset = 8;
   gear.flags = 2;  // has an invalidation bit
   const Bytes records = Bytes().f64(0.5).u8(1).u8(0).f64(1.5).u8(2).u8(1).f64(2.5).u8(3).u8(0);
-  file.dataGroup({file.group({3, 9, 1}, {time, file.channel(gear)})}, file.data(records));
+  file.addDataGroup({file.addChannelGroup({3, 9, 1}, {time, file.addChannel(gear)})},
+                    file.addData(records));
   return file.bytes();
 }
 

@@ -10,6 +10,7 @@
 #include "drawn_file.h"
 #include "printing/tree_text.h"
 #include "support/bytes.h"
+#include "tools/support/data_blocks.h"
 #include "tools/support/small_file.h"
 
 using namespace mdf_tests;
@@ -61,7 +62,7 @@ TEST(RecordIds, AFourIsLeftOpenWhereLengthsDoNotTell) {
   EXPECT_EQ(groupLine(fileWith(4, 5)), open);
   SmallFile empty;
   empty.write(SmallFile::data_group + 56, Bytes().u8(4));
-  empty.setGroup({0, 0, 0, 9, 0});
+  empty.setGroup({0, 9});
   empty.replaceData(0);
   EXPECT_EQ(groupLine(empty), open);
   SmallFile nowhere = fileWith(4, 8);
@@ -77,16 +78,14 @@ TEST(RecordIds, ProgramsGetNoNumberWhereAFourIsLeftOpen) {
 
 TEST(RecordIds, AnIdBeyondFourBytesTellsWhatAFourIs) {
   SmallFile file = fileWith(4, 5);
-  file.link(SmallFile::group, 0,
-            file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{1ULL << 32U, 0, 0, 1, 0}.bytes()));
+  file.link(SmallFile::group, 0, file.addChannelGroup({0, 1, 0, 1ULL << 32U}));
   EXPECT_EQ(groupLine(file), " 8 bytes of record id\n");
 }
 
 TEST(RecordIds, DataInListsZippedOrNotOfSeveralGroups) {
   SmallFile file = fileWith(4, 0);
   // A value of 5 bytes with its length, among two records of 9 bytes.
-  file.link(SmallFile::group, 0,
-            file.add("CG", {0, 0, 0, 0, 0, 0}, GroupFields{2, 1, 1, 9, 0}.bytes()));
+  file.link(SmallFile::group, 0, file.addChannelGroup({1, 9, 0, 2, 1}));
   const auto zipped = file.add("DZ", {}, zippedFields(40, zippedZeros(40)));
   const auto plain = file.add("DT", {}, Bytes().zeros(11));
   const auto second = file.add("DL", {0, plain}, Bytes().zeros(8).u64(40));
@@ -113,7 +112,7 @@ TEST(RecordIds, VeryLongOrEndlessChainsLeaveAFourOpen) {
 
 TEST(RecordIds, NumbersThatLieLeaveAFourOpen) {
   SmallFile file = fileWith(4, 8);
-  file.setGroup({0, 1ULL << 63U, 0, UINT32_MAX, UINT32_MAX});
+  file.setGroup({1ULL << 63U, UINT32_MAX, UINT32_MAX});
   EXPECT_EQ(groupLine(file), " 4 or 8 bytes of record id\n");
 }
 

@@ -9,7 +9,7 @@
 #include "reader/bytes/input_file.h"
 #include "support/bytes.h"
 #include "tools/support/attachment_blocks.h"
-#include "tools/support/measurement_blocks.h"
+#include "tools/support/file_builder.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
@@ -105,7 +105,7 @@ TEST(Attachments, AChain) {
   FileBuilder builder;
   const auto first = addAttachment(builder, {"1", "", 1, std::string(16, '\0'), 0, ""});
   const auto second = addAttachment(builder, {"2", "", 0, std::string(16, '\0'), 0, ""});
-  chain(builder, {first, second});
+  builder.chain({first, second});
   const TempFile temp(builder.bytes());
   InputFile file(temp.path());
   Texts texts;

@@ -9,7 +9,6 @@
 #include "reader/bytes/input_file.h"
 #include "support/bytes.h"
 #include "tools/support/file_builder.h"
-#include "tools/support/measurement_blocks.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
@@ -104,8 +103,8 @@ TEST(Description, Header) {
 
 TEST(Description, ChannelWithEverything) {
   FileBuilder builder;
-  const auto conversion = addConversion(builder, {1, {}, {0, 0.5}, "km/h", "scaled"});
-  const auto source = addSource(builder, "engine", "ECU.engine", 1, 2);
+  const auto conversion = builder.addConversion({1, {}, {0, 0.5}, "km/h", "scaled"});
+  const auto source = builder.addSource("engine", "ECU.engine", 1, 2);
   ChannelSpec spec;
   spec.name = "speed";
   spec.type = 1;
@@ -128,7 +127,7 @@ TEST(Description, ChannelWithEverything) {
   group.invalidation_bytes = 2;
   group.source = source;
   group.comment = "fast";
-  addGroup(builder, group, {spec}, 0);
+  builder.addSortedGroup(group, {spec}, 0);
   const Described described(builder);
   EXPECT_EQ(described.findings, "");
   const ChannelGroup& read = described.group();
@@ -157,11 +156,11 @@ TEST(Description, ChannelWithEverything) {
 
 TEST(Description, TheChannelsOwnUnitComesFirst) {
   FileBuilder builder;
-  const auto conversion = addConversion(builder, {1, {}, {0, 0.5}, "km/h", ""});
+  const auto conversion = builder.addConversion({1, {}, {0, 0.5}, "km/h", ""});
   ChannelSpec spec;
   spec.unit = "m/s";
   spec.conversion = conversion;
-  addGroup(builder, {}, {spec}, 0);
+  builder.addSortedGroup({}, {spec}, 0);
   EXPECT_EQ(Described(builder).group().channels.at(0).unit, "m/s");
 }
 
@@ -171,7 +170,7 @@ TEST(Description, VariableLengthGroupsStateTheLengthOfAllValues) {
   spec.flags = 1;
   spec.data_bytes = 5;
   spec.invalidation_bytes = 2;
-  addGroup(builder, spec, {}, 0);
+  builder.addSortedGroup(spec, {}, 0);
   const Described described(builder);
   EXPECT_TRUE(described.group().holdsVariableLength());
   EXPECT_EQ(described.group().lengthOfAll(), 0x200000005U);
@@ -179,20 +178,13 @@ TEST(Description, VariableLengthGroupsStateTheLengthOfAllValues) {
 
 TEST(Description, GroupsAreCountedThroughTheFile) {
   FileBuilder builder;
-  std::vector<std::uint64_t> data_groups;
   for (const int count : {2, 0, 1}) {
     std::vector<std::uint64_t> groups;
     for (int i = 0; i < count; ++i) {
-      groups.push_back(addChannelGroup(builder, {}));
+      groups.push_back(builder.addChannelGroup({}));
     }
-    chain(builder, groups);
-    data_groups.push_back(addDataGroup(builder, 1, 500));
-    if (!groups.empty()) {
-      builder.link(data_groups.back(), 1, groups[0]);
-    }
+    builder.addDataGroup(groups, 500, 1);
   }
-  chain(builder, data_groups);
-  builder.link(64, 0, data_groups[0]);
   const Described described(builder);
   EXPECT_EQ(described.findings, "");
   ASSERT_EQ(described.measurement.data_groups.size(), 3U);
@@ -210,17 +202,15 @@ TEST(Description, MembersStandBehindTheirStructure) {
     ChannelSpec spec;
     spec.name = name;
     spec.composition = composition;
-    return addChannel(builder, spec);
+    return builder.addChannel(spec);
   };
   const auto inner = channel("inner", 0);
   const auto first = channel("first", inner);
   const auto second = channel("second", 0);
-  chain(builder, {first, second});
+  builder.chain({first, second});
   const auto outer = channel("outer", first);
   const auto last = channel("last", 0);
-  const auto group = addGroup(builder, {}, {}, 0);
-  chain(builder, {outer, last});
-  builder.link(group, 1, outer);
+  builder.addDataGroup({builder.addChannelGroup({}, {outer, last})}, 0);
   const Described described(builder);
   EXPECT_EQ(described.findings, "");
   EXPECT_EQ(outline(described.group()), "outer/0 first/1 inner/2 second/1 last/0 ");
@@ -234,7 +224,7 @@ TEST(Description, ChannelsCanBeVisitedInsteadOfKept) {
   spec.name = "one";
   GroupSpec group;
   group.cycles = 7;
-  addGroup(builder, group, {spec, spec}, 0);
+  builder.addSortedGroup(group, {spec, spec}, 0);
   const TempFile temp(builder.bytes());
   InputFile file(temp.path());
   std::string visited;
@@ -252,7 +242,7 @@ TEST(Description, RemoteMasters) {
   GroupSpec spec;
   spec.flags = 8;
   spec.master = 4711;
-  addGroup(builder, spec, {}, 0);
+  builder.addSortedGroup(spec, {}, 0);
   const Described described(builder);
   EXPECT_EQ(described.findings, "");
   EXPECT_TRUE(described.group().hasRemoteMaster());
@@ -263,7 +253,7 @@ TEST(Description, LinksToAMasterMeanNothingWithoutTheFlag) {
   FileBuilder builder;
   GroupSpec spec;
   spec.master = 4711;
-  addGroup(builder, spec, {}, 0);
+  builder.addSortedGroup(spec, {}, 0);
   const Described described(builder);
   EXPECT_FALSE(described.group().hasRemoteMaster());
   EXPECT_EQ(described.group().master_group, 0U);
@@ -275,7 +265,7 @@ TEST(Description, Arrays) {
       "CA", {0}, Bytes().u8(0).u8(0).u16(2).u32(64).u32(0xFFFFFFFE).u32(3).u64(4).u64(5).u64(99));
   ChannelSpec spec;
   spec.composition = array;
-  addGroup(builder, {}, {spec}, 0);
+  builder.addSortedGroup({}, {spec}, 0);
   const Described described(builder);
   EXPECT_EQ(described.findings, "");
   const auto& shape = described.group().channels.at(0).array;
@@ -294,10 +284,10 @@ TEST(Description, ArraysOfArraysOfStructures) {
   const auto fields = [](std::uint32_t step) {
     return Bytes().u8(0).u8(0).u16(1).u32(0).u32(step).u32(0).u64(2);
   };
-  const auto inner = builder.add("CA", {addChannel(builder, member)}, fields(1));
+  const auto inner = builder.add("CA", {builder.addChannel(member)}, fields(1));
   ChannelSpec spec;
   spec.composition = builder.add("CA", {inner}, fields(8));
-  addGroup(builder, {}, {spec, {}}, 0);
+  builder.addSortedGroup({}, {spec, {}}, 0);
   const Described described(builder);
   EXPECT_EQ(described.findings, "");
   const auto& channels = described.group().channels;
@@ -320,7 +310,7 @@ TEST(Description, ArraysHaveNoMoreDimensionsThanAnybodyTakes) {
   }
   ChannelSpec spec;
   spec.composition = builder.add("CA", {0}, contents);
-  addGroup(builder, {}, {spec}, 0);
+  builder.addSortedGroup({}, {spec}, 0);
   EXPECT_EQ(Described(builder).group().channels.at(0).array.dimensions.size(), 17U);
 }
 
@@ -330,7 +320,7 @@ TEST(Description, ArraysWithLyingDimensionsHaveThoseThatAreThere) {
       builder.add("CA", {0}, Bytes().u8(0).u8(1).u16(65535).u32(0).u32(0).u32(0).u64(4));
   ChannelSpec spec;
   spec.composition = array;
-  addGroup(builder, {}, {spec}, 0);
+  builder.addSortedGroup({}, {spec}, 0);
   const Described described(builder);
   const auto& shape = described.group().channels.at(0).array;
   EXPECT_EQ(shape.dimensions, (std::vector<std::uint64_t>{4}));
@@ -348,7 +338,7 @@ TEST(Description, TheMasterIsOverTimeIfThereIsOne) {
       spec.sync_type = sync;
       specs.push_back(spec);
     }
-    addGroup(builder, {}, specs, 0);
+    builder.addSortedGroup({}, specs, 0);
     const Described described(builder);
     const Channel* master = described.group().masterChannel();
     return master == nullptr ? "none" : std::string(master->name);
@@ -363,9 +353,9 @@ TEST(Description, ALinkToAnotherTypeEndsItsChain) {
   const auto text = builder.text("no channel");
   ChannelSpec spec;
   spec.name = "one";
-  const auto group = addGroup(builder, {}, {spec}, 0);
-  const Described healthy(builder);
-  const auto channel = healthy.group().channels.at(0).offset;
+  const auto group = builder.addGroupOf({}, {spec});
+  builder.addDataGroup({group}, 0);
+  const auto channel = builder.channels()[0];
   builder.link(channel, 0, text);
   builder.link(group, 0, 100001);
   const Described described(builder);
@@ -380,13 +370,12 @@ TEST(Description, CyclesAreTakenInOnce) {
   FileBuilder builder;
   ChannelSpec spec;
   spec.name = "a";
-  const auto first = addChannel(builder, spec);
+  const auto first = builder.addChannel(spec);
   spec.name = "b";
   spec.composition = first;
-  const auto second = addChannel(builder, spec);
-  chain(builder, {first, second, first});
-  const auto group = addGroup(builder, {}, {}, 0);
-  builder.link(group, 1, first);
+  const auto second = builder.addChannel(spec);
+  const auto group = builder.addChannelGroup({}, {first, second, first});
+  builder.addDataGroup({group}, 0);
   builder.link(group, 0, group);
   const Described described(builder);
   EXPECT_EQ(outline(described.group()), "a/0 b/0 ");
@@ -405,8 +394,7 @@ TEST(Description, DeepNestingNeedsNoDeepStack) {
   for (int depth = 0; depth < 200000; ++depth) {
     below = builder.add("CN", {0, below, 0, 0, 0, 0, 0, 0}, Bytes().zeros(72));
   }
-  const auto group = addGroup(builder, {}, {}, 0);
-  builder.link(group, 1, below);
+  builder.addDataGroup({builder.addChannelGroup({}, {below})}, 0);
   const Described described(builder);
   EXPECT_EQ(described.findings, "");
   EXPECT_EQ(described.group().channels.size(), 200000U);
@@ -466,7 +454,7 @@ TEST(ForEachInChain, EndsAtACycle) {
 
 TEST(ReadSource, AllOfIt) {
   FileBuilder builder;
-  const auto source = addSource(builder, "engine", "ECU.engine", 1, 2);
+  const auto source = builder.addSource("engine", "ECU.engine", 1, 2);
   builder.write(source + 24 + 24 + 2, "\x01");
   const TempFile temp(builder.bytes());
   InputFile file(temp.path());

@@ -2,8 +2,9 @@
 
 #include <utility>
 
-#include "data_blocks.h"
+#include "sample_file.h"
 #include "tools/support/attachment_blocks.h"
+#include "tools/support/data_blocks.h"
 
 namespace mdf_tests {
 
@@ -12,7 +13,7 @@ namespace {
 /// A file with a measurement of three records.
 SampleFile measurement() {
   SampleFile file;
-  file.sortedGroup(countingGroup(3), countingChannels(), file.add("DT", {}, countingRecords(3)));
+  file.addSortedGroup(countingGroup(3), countingChannels(), file.add("DT", {}, countingRecords(3)));
   return file;
 }
 
@@ -26,9 +27,10 @@ struct Parts {
 
 Parts partsOfMeasurement() {
   SampleFile file;
-  const std::uint64_t group = file.group(countingGroup(3), countingChannels());
+  const std::uint64_t group = file.addGroupOf(countingGroup(3), countingChannels());
   const std::uint64_t channel = file.channels()[1];
-  const std::uint64_t data_group = file.dataGroup({group}, file.add("DT", {}, countingRecords(3)));
+  const std::uint64_t data_group =
+      file.addDataGroup({group}, file.add("DT", {}, countingRecords(3)));
   return {std::move(file), data_group, group, channel};
 }
 
@@ -44,7 +46,7 @@ Sample history() {
   const std::uint64_t third =
       file.add("FH", {0, file.text("a plain comment")},
                Bytes().u64(1577836920'000000000).zeros(4).u8s({1, 0, 0, 0}));
-  chain(file, {file.history(), second, third});
+  file.chain({file.history(), second, third});
   return measured("block-file-history", "three programs worked on the file", file);
 }
 
@@ -65,13 +67,13 @@ Sample hierarchy() {
   const std::vector<std::uint64_t> element = {parts.data_group, parts.group, parts.channel};
   const std::uint64_t inner = addHierarchy(file, "inputs", 4, element);
   const std::uint64_t beside = addHierarchy(file, "locals", 6, {});
-  chain(file, {inner, beside});
+  file.chain({inner, beside});
   const std::uint64_t function = addHierarchy(file, "control", 1, {}, inner);
   std::vector<std::uint64_t> twice = element;
   twice.insert(twice.end(), element.begin(), element.end());
   const std::uint64_t group = addHierarchy(file, "favourites", 0, twice);
   file.link(group, 3, file.metadata("<CHcomment><TX>most wanted</TX></CHcomment>"));
-  chain(file, {function, group});
+  file.chain({function, group});
   file.link(FileBuilder::header, 2, function);
   return measured("block-channel-hierarchy", "functions, inputs and groups with their channels",
                   file);
@@ -83,7 +85,7 @@ Sample hierarchyTypes() {
   for (unsigned type = 0; type <= 8; ++type) {
     entries.push_back(addHierarchy(file, "type " + std::to_string(type), type, {}));
   }
-  chain(file, entries);
+  file.chain(entries);
   file.link(FileBuilder::header, 2, entries[0]);
   return measured("block-channel-hierarchy-types", "one entry of each kind", file);
 }
@@ -95,7 +97,7 @@ Sample attached(const std::string& name, const std::string& shows,
   for (const AttachmentSpec& spec : specs) {
     attachments.push_back(addAttachment(file, spec));
   }
-  chain(file, attachments);
+  file.chain(attachments);
   file.link(FileBuilder::header, 3, attachments[0]);
   return measured(name, shows, file);
 }
@@ -130,13 +132,13 @@ Samples attachments() {
 Sample sources() {
   SampleFile file;
   std::vector<ChannelSpec> channels = countingChannels();
-  channels[0].source = addSource(file, "clock", "", 3, 0);
-  channels[1].source = addSource(file, "engine", "ECU.engine", 1, 2);
+  channels[0].source = file.addSource("clock", "", 3, 0);
+  channels[1].source = file.addSource("engine", "ECU.engine", 1, 2);
   file.link(channels[1].source, 2, file.metadata("<SIcomment><TX>of the car</TX></SIcomment>"));
   GroupSpec group = countingGroup(3);
-  group.source = addSource(file, "CAN 1", "bus.CAN 1", 2, 2);
+  group.source = file.addSource("CAN 1", "bus.CAN 1", 2, 2);
   file.write(group.source + 24 + 3 * 8 + 2, Bytes().u8(1));
-  file.sortedGroup(group, channels, file.add("DT", {}, countingRecords(3)));
+  file.addSortedGroup(group, channels, file.add("DT", {}, countingRecords(3)));
   return measured("block-source", "where a group and its channels come from; the bus is simulated",
                   file);
 }
@@ -146,8 +148,8 @@ Sample sourceTypes() {
   std::vector<ValueTable> tables;
   for (unsigned type = 0; type <= 5; ++type) {
     GroupSpec group = countingGroup(1);
-    group.source = addSource(file, "type " + std::to_string(type), "", type, type == 2 ? 5 : type);
-    file.sortedGroup(group, countingChannels(), file.add("DT", {}, countingRecords(1)));
+    group.source = file.addSource("type " + std::to_string(type), "", type, type == 2 ? 5 : type);
+    file.addSortedGroup(group, countingChannels(), file.add("DT", {}, countingRecords(1)));
     tables.push_back(countingTable(1));
   }
   return {"block-source-types", "sources and buses of several kinds", file.bytes(), tables};
@@ -156,7 +158,7 @@ Sample sourceTypes() {
 /// Mean, least and greatest values of each second of four records.
 Sample reduction() {
   SampleFile file;
-  const std::uint64_t group = file.group(countingGroup(4), countingChannels());
+  const std::uint64_t group = file.addGroupOf(countingGroup(4), countingChannels());
   const auto interval = [](std::size_t first) {
     const auto record = [](double time, std::size_t value) {
       return Bytes().f64(time).u16(static_cast<std::uint16_t>(value)).str();
@@ -170,9 +172,9 @@ Sample reduction() {
       file.add("SR", {0, plain}, Bytes().u64(2).f64(1).u8s({1, 0, 0, 0, 0, 0, 0, 0}));
   const std::uint64_t minutes =
       file.add("SR", {0, zipped}, Bytes().u64(1).f64(60).u8s({1, 0, 0, 0, 0, 0, 0, 0}));
-  chain(file, {seconds, minutes});
+  file.chain({seconds, minutes});
   file.link(group, 4, seconds);
-  file.dataGroup({group}, file.add("DT", {}, countingRecords(4)));
+  file.addDataGroup({group}, file.add("DT", {}, countingRecords(4)));
   return {"block-sample-reduction",
           "reductions to seconds and to minutes",
           file.bytes(),
@@ -204,7 +206,7 @@ Sample newerLinks() {
   file.link(file.history(), 0, history);
   std::vector<ChannelSpec> channels = countingChannels();
   channels[1].source = file.add("SI", {name, 0, 0, text}, Bytes().u8s({1, 1, 0, 0, 0, 0, 0, 0}));
-  const std::uint64_t group = file.group(countingGroup(3), channels);
+  const std::uint64_t group = file.addGroupOf(countingGroup(3), channels);
   const std::uint64_t data = file.add("DT", {}, countingRecords(3));
   const std::uint64_t data_group = file.add("DG", {0, group, data, 0, text}, Bytes().zeros(8));
   file.link(FileBuilder::header, 0, data_group);
@@ -221,9 +223,10 @@ Sample channelReferences() {
   const std::uint64_t value =
       file.add("CN", {0, 0, name, 0, 0, 0, 0, 0, attachment, 0, 0, 0},
                Bytes().u8s({0, 0, 0, 0}).u32(8).u32(16).u32(4096).zeros(6).u16(1).zeros(48));
-  const std::uint64_t group = file.group(countingGroup(3), {timeMaster()});
+  const std::uint64_t group = file.addGroupOf(countingGroup(3), {timeMaster()});
   file.link(file.channels()[0], 0, value);
-  const std::uint64_t data_group = file.dataGroup({group}, file.add("DT", {}, countingRecords(3)));
+  const std::uint64_t data_group =
+      file.addDataGroup({group}, file.add("DT", {}, countingRecords(3)));
   file.link(value, 9, data_group);
   file.link(value, 10, group);
   file.link(value, 11, file.channels()[0]);
@@ -236,11 +239,11 @@ Sample busEvents() {
   SampleFile file;
   GroupSpec group = countingGroup(3);
   group.flags = 2 | 4;
-  group.source = addSource(file, "CAN 1", "CAN", 2, 2);
+  group.source = file.addSource("CAN 1", "CAN", 2, 2);
   group.name = "frames";
   std::vector<ChannelSpec> channels = countingChannels();
   channels[1].flags = 0x400;
-  file.sortedGroup(group, channels, file.add("DT", {}, countingRecords(3)));
+  file.addSortedGroup(group, channels, file.add("DT", {}, countingRecords(3)));
   return measured("block-bus-events", "a group of plain bus events", file);
 }
 
@@ -250,9 +253,9 @@ Sample nothing(const std::string& name, const std::string& shows, const SampleFi
 
 Samples almostEmpty() {
   SampleFile with_data_group;
-  with_data_group.dataGroup({}, 0);
+  with_data_group.addDataGroup({}, 0);
   SampleFile without_channels;
-  without_channels.sortedGroup({}, {}, 0);
+  without_channels.addSortedGroup({}, {}, 0);
   return {
       nothing("block-header-alone", "a file without a measurement", SampleFile()),
       nothing("block-data-group-alone", "a data group without channel groups", with_data_group),

@@ -28,7 +28,7 @@ Sample withInvalidation(const std::string& name, const std::string& shows, Sampl
   group.data_bytes = static_cast<std::uint32_t>(8 + hex(records[0]).size()) - invalidation_bytes;
   group.invalidation_bytes = invalidation_bytes;
   channels.insert(channels.begin(), timeMaster());
-  file.sortedGroup(group, channels, file.add("DT", {}, data));
+  file.addSortedGroup(group, channels, file.add("DT", {}, data));
   return {name, shows, file.bytes(), {table}};
 }
 
@@ -47,7 +47,7 @@ Sample invalidTexts() {
   ChannelSpec text = stored(7, 16);
   text.byte_offset = 8;
   text.flags = has_invalidation_bit;
-  text.conversion = addConversion(file, {10, {file.text("ok"), file.text("good"), 0}, {}, "", ""});
+  text.conversion = file.addConversion({10, {file.text("ok"), file.text("good"), 0}, {}, "", ""});
   return withInvalidation("invalidation-of-texts", "an invalid text is not converted",
                           std::move(file), {text}, 1, {"6f6b 00", "6f6b 01", "6f6e 00"},
                           {{{"t", "s"}, {"v", ""}}, {"0,good", "0.5,", "1,on"}});
@@ -86,7 +86,7 @@ Sample unit(const std::string& name, const std::string& shows, const std::string
   SampleFile file;
   ChannelSpec channel = stored(0, 8);
   channel.unit = own;
-  channel.conversion = addConversion(file, {1, {}, {0, 2}, of_conversion, ""});
+  channel.conversion = file.addConversion({1, {}, {0, 2}, of_conversion, ""});
   Sample sample = valueSample(name, shows, std::move(file), channel, {{"01", "2"}});
   sample.tables[0].columns[1].unit = shown;
   return sample;
@@ -99,7 +99,7 @@ Sample unitInMetadata() {
   group.data_bytes = 9;
   ChannelSpec value = stored(0, 8);
   value.byte_offset = 8;
-  file.sortedGroup(group, {timeMaster(), value}, file.add("DT", {}, Bytes().f64(0).u8(5)));
+  file.addSortedGroup(group, {timeMaster(), value}, file.add("DT", {}, Bytes().f64(0).u8(5)));
   file.link(file.channels()[1], 6, file.metadata("<CNunit><TX>N&#183;m</TX></CNunit>"));
   return {"unit-in-metadata",
           "a unit in XML",
@@ -139,7 +139,7 @@ Sample sharedTexts() {
   second.byte_offset = 9;
   GroupSpec group = countingGroup(1);
   group.source = source;
-  const std::uint64_t channel_group = file.group(group, {timeMaster(), first, second});
+  const std::uint64_t channel_group = file.addGroupOf(group, {timeMaster(), first, second});
   for (const std::size_t i : {1U, 2U}) {
     for (const std::size_t link : {2U, 6U, 7U}) {
       file.link(file.channels()[i], link, text);
@@ -147,7 +147,7 @@ Sample sharedTexts() {
   }
   file.link(channel_group, 2, text);
   file.link(channel_group, 5, text);
-  file.dataGroup({channel_group}, file.add("DT", {}, Bytes().f64(0).u8s({1, 2})));
+  file.addDataGroup({channel_group}, file.add("DT", {}, Bytes().f64(0).u8s({1, 2})));
   return {"texts-shared",
           "one text for all names, units and comments",
           file.bytes(),
@@ -159,20 +159,20 @@ Sample comments() {
   ChannelSpec value = stored(0, 8);
   value.byte_offset = 8;
   value.comment = "plain text";
-  value.source = addSource(file, "engine", "ECU.engine", 1, 2);
+  value.source = file.addSource("engine", "ECU.engine", 1, 2);
   GroupSpec group;
   group.name = "10 ms";
   group.cycles = 1;
   group.data_bytes = 9;
   group.comment = "of the engine";
-  group.source = addSource(file, "CAN 1", "bus", 2, 2);
-  const std::uint64_t channel_group = file.group(group, {timeMaster(), value});
+  group.source = file.addSource("CAN 1", "bus", 2, 2);
+  const std::uint64_t channel_group = file.addGroupOf(group, {timeMaster(), value});
   file.link(
       file.channels()[0], 7,
       file.metadata(
           "<CNcomment><TX>since the start</TX><names><display>time</display></names></CNcomment>"));
   const std::uint64_t data_group =
-      file.dataGroup({channel_group}, file.add("DT", {}, Bytes().f64(0).u8(1)));
+      file.addDataGroup({channel_group}, file.add("DT", {}, Bytes().f64(0).u8(1)));
   file.link(data_group, 3, file.metadata("<DGcomment><TX>first rig</TX></DGcomment>"));
   file.link(
       FileBuilder::header, 5,
@@ -193,7 +193,7 @@ Sample statedRange() {
   ChannelSpec value = countingChannels()[1];
   value.flags = has_value_range | has_precision;
   value.range_max = 63;
-  file.sortedGroup(countingGroup(10), {time, value}, file.add("DT", {}, countingRecords(10)));
+  file.addSortedGroup(countingGroup(10), {time, value}, file.add("DT", {}, countingRecords(10)));
   file.write(file.channels()[1] + 24 + 8 * 8 + 20, Bytes().u8(2));
   return {"range-of-values",
           "least and greatest values that are stated",

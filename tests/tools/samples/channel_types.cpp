@@ -81,7 +81,7 @@ Sample overOther(const std::string& name, const std::string& shows, unsigned syn
   over.unit = unit;
   ChannelSpec value = stored(0, 16);
   value.byte_offset = 8;
-  file.sortedGroup(countingGroup(3), {over, value}, file.add("DT", {}, countingRecords(3)));
+  file.addSortedGroup(countingGroup(3), {over, value}, file.add("DT", {}, countingRecords(3)));
   return {name, shows, file.bytes(), {{{{"x", unit}, {"v", ""}}, {"0,0", "0.5,7", "1,14"}}}};
 }
 
@@ -94,7 +94,7 @@ Sample virtualMaster(const std::string& name, const std::string& shows, unsigned
   over.name = "x";
   over.type = virtual_master;
   over.sync_type = sync_type;
-  over.conversion = linear.empty() ? 0 : addConversion(file, {1, {}, linear, "", ""});
+  over.conversion = linear.empty() ? 0 : file.addConversion({1, {}, linear, "", ""});
   over.unit = unit;
   GroupSpec group;
   group.cycles = cells.size();
@@ -105,7 +105,7 @@ Sample virtualMaster(const std::string& name, const std::string& shows, unsigned
     records.u8(static_cast<std::uint8_t>(200 + i));
     table.rows.push_back(cells[i] + ',' + std::to_string(200 + i));
   }
-  file.sortedGroup(group, {over, stored(0, 8)}, file.add("DT", {}, records));
+  file.addSortedGroup(group, {over, stored(0, 8)}, file.add("DT", {}, records));
   return {name, shows, file.bytes(), {table}};
 }
 
@@ -137,8 +137,8 @@ Sample twoMasters() {
   GroupSpec group;
   group.cycles = 2;
   group.data_bytes = 16;
-  file.sortedGroup(group, {angle, time},
-                   file.add("DT", {}, Bytes().f64(3).f64(0).f64(4.5).f64(0.5)));
+  file.addSortedGroup(group, {angle, time},
+                      file.add("DT", {}, Bytes().f64(3).f64(0).f64(4.5).f64(0.5)));
   return {"channel-two-masters",
           "an angle beside the time: the time comes first",
           file.bytes(),
@@ -184,7 +184,7 @@ Sample maximumLength(const std::string& name, const std::string& shows, unsigned
     records.f64(timeOf(i)).text(bytes);
     table.rows.push_back(timeCell(i) + ',' + std::to_string(int{bytes[0]}) + ',' + values[i].cell);
   }
-  file.sortedGroup(group, {timeMaster(), length, text}, file.add("DT", {}, records));
+  file.addSortedGroup(group, {timeMaster(), length, text}, file.add("DT", {}, records));
   file.link(file.channels()[2], 5, file.channels()[1]);
   return {name, shows, file.bytes(), {table}};
 }
@@ -194,7 +194,7 @@ Samples others() {
   index.type = virtual_data;
   SampleFile scaled_file;
   ChannelSpec scaled = index;
-  scaled.conversion = addConversion(scaled_file, {1, {}, {-1, 0.5}, "", ""});
+  scaled.conversion = scaled_file.addConversion({1, {}, {-1, 0.5}, "", ""});
   return {
       twoMasters(),
       synchronized(),

@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "data_blocks.h"
 #include "sample_file.h"
+#include "tools/support/data_blocks.h"
 
 namespace mdf_tests {
 
@@ -20,11 +20,11 @@ ChannelSpec part(const std::string& name, std::uint32_t byte_offset, std::uint32
 /// A structure's channel: its bytes, and its members.
 std::uint64_t addStructure(SampleFile& file, const std::string& name, std::uint32_t byte_offset,
                            std::uint32_t bytes, const std::vector<std::uint64_t>& members) {
-  chain(file, members);
+  file.chain(members);
   ChannelSpec channel = part(name, byte_offset, 8 * bytes);
   channel.data_type = 10;
   channel.composition = members[0];
-  return addChannel(file, channel);
+  return file.addChannel(channel);
 }
 
 /// A group over time whose second channel is there already.
@@ -38,16 +38,16 @@ Sample composed(const std::string& name, const std::string& shows, SampleFile fi
     data.f64(timeOf(i)).text(hex(records[i]));
     group.data_bytes = static_cast<std::uint32_t>(8 + hex(records[i]).size());
   }
-  const std::uint64_t channel_group = file.group(group, {timeMaster()});
+  const std::uint64_t channel_group = file.addGroupOf(group, {timeMaster()});
   file.link(file.channels()[0], 0, channel);
-  file.dataGroup({channel_group}, file.add("DT", {}, data));
+  file.addDataGroup({channel_group}, file.add("DT", {}, data));
   return {name, shows, file.bytes(), {table}};
 }
 
 Sample structure() {
   SampleFile file;
   const std::uint64_t channel = addStructure(
-      file, "point", 8, 3, {addChannel(file, part("x", 8)), addChannel(file, part("y", 9, 16))});
+      file, "point", 8, 3, {file.addChannel(part("x", 8)), file.addChannel(part("y", 9, 16))});
   return composed("structure", "a channel with two members", std::move(file), channel,
                   {"010200", "030004"},
                   {{{"t", "s"}, {"point.x", ""}, {"point.y", ""}}, {"0,1,2", "0.5,3,1024"}});
@@ -56,10 +56,10 @@ Sample structure() {
 Sample nestedStructure() {
   SampleFile file;
   const std::uint64_t inner = addStructure(
-      file, "inner", 9, 2, {addChannel(file, part("a", 9)), addChannel(file, part("b", 10))});
+      file, "inner", 9, 2, {file.addChannel(part("a", 9)), file.addChannel(part("b", 10))});
   const std::uint64_t outer =
-      addStructure(file, "outer", 8, 3, {addChannel(file, part("c", 8)), inner});
-  file.link(outer, 0, addChannel(file, part("last", 11)));
+      addStructure(file, "outer", 8, 3, {file.addChannel(part("c", 8)), inner});
+  file.link(outer, 0, file.addChannel(part("last", 11)));
   return composed(
       "structure-nested", "a structure in a structure, and a channel behind it", std::move(file),
       outer, {"01020304", "05060708"},
@@ -71,8 +71,8 @@ Sample bitStructure() {
   SampleFile file;
   const std::uint64_t channel =
       addStructure(file, "flags", 8, 1,
-                   {addChannel(file, part("ready", 8, 1)), addChannel(file, part("mode", 8, 3, 1)),
-                    addChannel(file, part("level", 8, 4, 4))});
+                   {file.addChannel(part("ready", 8, 1)), file.addChannel(part("mode", 8, 3, 1)),
+                    file.addChannel(part("level", 8, 4, 4))});
   return composed("structure-of-bits", "members that share a byte", std::move(file), channel,
                   {"a5", "5a"},
                   {{{"t", "s"}, {"flags.ready", ""}, {"flags.mode", ""}, {"flags.level", ""}},
@@ -102,7 +102,7 @@ Sample array(const std::string& name, const std::string& shows, const ArraySpec&
              const ValueTable& table) {
   SampleFile file;
   element.composition = addArray(file, spec);
-  const std::uint64_t channel = addChannel(file, element);
+  const std::uint64_t channel = file.addChannel(element);
   return composed(name, shows, std::move(file), channel, records, table);
 }
 
@@ -156,8 +156,9 @@ Sample invalidElements() {
   group.cycles = 2;
   group.data_bytes = 11;
   group.invalidation_bytes = 1;
-  file.sortedGroup(group, {timeMaster(), element},
-                   file.add("DT", {}, Bytes().f64(0).u8s({1, 2, 3, 2}).f64(0.5).u8s({4, 5, 6, 5})));
+  file.addSortedGroup(
+      group, {timeMaster(), element},
+      file.add("DT", {}, Bytes().f64(0).u8s({1, 2, 3, 2}).f64(0.5).u8s({4, 5, 6, 5})));
   return {"array-invalidation",
           "an invalidation bit for each element",
           file.bytes(),
@@ -168,9 +169,9 @@ Sample convertedArray() {
   SampleFile file;
   ChannelSpec element = part("v", 8);
   element.unit = "V";
-  element.conversion = addConversion(file, {1, {}, {0, 0.5}, "", ""});
+  element.conversion = file.addConversion({1, {}, {0, 0.5}, "", ""});
   element.composition = addArray(file, {0, 1, 0, {2}});
-  const std::uint64_t channel = addChannel(file, element);
+  const std::uint64_t channel = file.addChannel(element);
   return composed("array-converted", "a conversion of each element", std::move(file), channel,
                   {"0102", "03ff"},
                   {{{"t", "s"}, {"v[0]", "V"}, {"v[1]", "V"}}, {"0,0.5,1", "0.5,1.5,127.5"}});
@@ -180,8 +181,8 @@ Sample arrayInStructure() {
   SampleFile file;
   ChannelSpec wheel = part("wheel", 9);
   wheel.composition = addArray(file, {0, 1, 0, {2}});
-  const std::uint64_t channel = addStructure(
-      file, "axle", 8, 3, {addChannel(file, part("load", 8)), addChannel(file, wheel)});
+  const std::uint64_t channel =
+      addStructure(file, "axle", 8, 3, {file.addChannel(part("load", 8)), file.addChannel(wheel)});
   return composed("array-in-a-structure", "a member that is an array", std::move(file), channel,
                   {"090a0b"},
                   {{{"t", "s"}, {"axle.load", ""}, {"axle.wheel[0]", ""}, {"axle.wheel[1]", ""}},
@@ -191,14 +192,14 @@ Sample arrayInStructure() {
 /// Two points of three bytes each, four bytes apart.
 Sample arrayOfStructures() {
   SampleFile file;
-  const std::uint64_t x = addChannel(file, part("x", 8));
-  const std::uint64_t y = addChannel(file, part("y", 9, 16));
-  chain(file, {x, y});
+  const std::uint64_t x = file.addChannel(part("x", 8));
+  const std::uint64_t y = file.addChannel(part("y", 9, 16));
+  file.chain({x, y});
   ChannelSpec points = part("point", 8, 24);
   points.data_type = 10;
   points.composition = addArray(file, {0, 4, 0, {2}}, x);
-  const std::uint64_t channel = addChannel(file, points);
-  file.link(channel, 0, addChannel(file, part("last", 15)));
+  const std::uint64_t channel = file.addChannel(points);
+  file.link(channel, 0, file.addChannel(part("last", 15)));
   return composed("array-of-structures", "elements with members, and a channel behind them",
                   std::move(file), channel, {"010200ff03040005", "060007fe08000909"},
                   {{{"t", "s"},
@@ -215,12 +216,12 @@ Sample arrayOfStructuresOfArrays() {
   SampleFile file;
   ChannelSpec wheels = part("wheel", 9);
   wheels.composition = addArray(file, {0, 1, 0, {2}});
-  const std::uint64_t load = addChannel(file, part("load", 8));
-  chain(file, {load, addChannel(file, wheels)});
+  const std::uint64_t load = file.addChannel(part("load", 8));
+  file.chain({load, file.addChannel(wheels)});
   ChannelSpec axles = part("axle", 8, 24);
   axles.data_type = 10;
   axles.composition = addArray(file, {0, 3, 0, {2}}, load);
-  const std::uint64_t channel = addChannel(file, axles);
+  const std::uint64_t channel = file.addChannel(axles);
   return composed("array-of-structures-of-arrays", "elements with a member that is an array",
                   std::move(file), channel, {"010203040506"},
                   {{{"t", "s"},
@@ -238,7 +239,7 @@ Sample arrayOfArrays() {
   const std::uint64_t inner = addArray(file, {0, 1, 0, {2}});
   ChannelSpec outer = part("v", 8);
   outer.composition = addArray(file, {0, 3, 0, {2}}, inner);
-  const std::uint64_t channel = addChannel(file, outer);
+  const std::uint64_t channel = file.addChannel(outer);
   return composed("array-of-arrays", "elements of two bytes, three bytes apart", std::move(file),
                   channel, {"0102ff0304"},
                   {elements({"[0][0]", "[0][1]", "[1][0]", "[1][1]"}), {"0,1,2,3,4"}});
@@ -266,7 +267,7 @@ std::uint64_t splitGroup(SampleFile& file, std::uint64_t array, GroupSpec group)
   ChannelSpec element = part("v", 8);
   element.composition = array;
   group.data_bytes = 9;
-  return file.group(group, {timeMaster(), element});
+  return file.addGroupOf(group, {timeMaster(), element});
 }
 
 Sample arrayOfChannelGroups() {
@@ -278,11 +279,11 @@ Sample arrayOfChannelGroups() {
   const std::uint64_t first = splitGroup(file, array, group);
   GroupSpec other = countingGroup(1);
   other.record_id = 9;
-  const std::uint64_t second = file.group(other, countingChannels());
+  const std::uint64_t second = file.addGroupOf(other, countingChannels());
   Bytes data;
   data.u8(7).f64(0).u8(30).u8(5).f64(0.5).u8(10).u8(6).f64(0.5).u8(20).u8(7).f64(1).u8(31);
   data.u8(9).text(countingRecords(1)).u8(5).f64(1.5).u8(11).u8(7).f64(2).u8(32);
-  file.dataGroup({first, second}, file.add("DT", {}, data), 1);
+  file.addDataGroup({first, second}, file.add("DT", {}, data), 1);
   return {"array-of-channel-groups",
           "elements with records of their own, by record ids that go up, and another group",
           file.bytes(),
@@ -302,7 +303,7 @@ Sample arrayOfDataGroups() {
       addSplitArray(file, 2, {2, 2}, {2, 3, 0, 1}, {first, second, 0, last});
   GroupSpec group;
   group.cycles = 2;
-  file.dataGroup({splitGroup(file, array, group)}, first);
+  file.addDataGroup({splitGroup(file, array, group)}, first);
   return {"array-of-data-groups",
           "elements with data of their own: a block, a list, none, and zipped",
           file.bytes(),
@@ -321,7 +322,8 @@ Sample arrayOfChannelGroupsWithAxis() {
   GroupSpec group;
   group.cycles = 1;
   const std::uint64_t block = splitGroup(file, array, group);
-  file.dataGroup({block}, file.add("DT", {}, Bytes().u8(0).f64(0).u8(1).u8(1).f64(0.5).u8(2)), 1);
+  file.addDataGroup({block}, file.add("DT", {}, Bytes().u8(0).f64(0).u8(1).u8(1).f64(0.5).u8(2)),
+                    1);
   return {"array-of-channel-groups-with-axis",
           "elements with records of their own, and the values of an axis",
           file.bytes(),

@@ -24,7 +24,7 @@ Sample converted(const std::string& name, const std::string& shows,
                  const ChannelSpec& how = stored(2, 8)) {
   SampleFile file;
   ChannelSpec channel = how;
-  channel.conversion = addConversion(file, conversion);
+  channel.conversion = file.addConversion(conversion);
   return valueSample(name, shows, std::move(file), channel, values);
 }
 
@@ -32,7 +32,7 @@ Sample byFormula(const std::string& name, const std::string& shows, const std::s
                  const std::vector<StoredValue>& values) {
   SampleFile file;
   ChannelSpec channel = stored(2, 8);
-  channel.conversion = addConversion(file, {formula, {file.text(text)}, {}, "", ""});
+  channel.conversion = file.addConversion({formula, {file.text(text)}, {}, "", ""});
   return valueSample(name, shows, std::move(file), channel, values);
 }
 
@@ -137,8 +137,8 @@ Samples rangeTables() {
 /// Two channels that share a conversion with everything that one can have.
 Sample shared() {
   SampleFile file;
-  const std::uint64_t conversion = addConversion(file, {linear, {}, {0, 0.5}, "km/h", "half"});
-  const std::uint64_t inverse = addConversion(file, {linear, {}, {0, 2}, "", "double"});
+  const std::uint64_t conversion = file.addConversion({linear, {}, {0, 0.5}, "km/h", "half"});
+  const std::uint64_t inverse = file.addConversion({linear, {}, {0, 2}, "", "double"});
   file.link(conversion, 2, file.metadata("<CCcomment><TX>halves</TX></CCcomment>"));
   file.link(conversion, 3, inverse);
   // Precision 1, with it and the physical range valid.
@@ -151,8 +151,8 @@ Sample shared() {
   second.name = "w";
   second.byte_offset = 9;
   GroupSpec group = countingGroup(2);
-  file.sortedGroup(group, {timeMaster(), first, second},
-                   file.add("DT", {}, Bytes().f64(0).u8s({1, 2}).f64(0.5).u8s({255, 0})));
+  file.addSortedGroup(group, {timeMaster(), first, second},
+                      file.add("DT", {}, Bytes().f64(0).u8s({1, 2}).f64(0.5).u8s({255, 0})));
   return {"conversion-shared",
           "two channels with one conversion that has all its parts",
           file.bytes(),
@@ -165,13 +165,13 @@ Sample convertedMaster() {
   time.name = "t";
   time.type = 2;
   time.sync_type = 1;
-  time.conversion = addConversion(file, {linear, {}, {0, 0.125}, "s", ""});
+  time.conversion = file.addConversion({linear, {}, {0, 0.125}, "s", ""});
   ChannelSpec value = stored(0, 8);
   value.byte_offset = 2;
   GroupSpec group;
   group.cycles = 3;
   group.data_bytes = 3;
-  file.sortedGroup(group, {time, value}, file.add("DT", {}, hex("000001 080002 1c0003")));
+  file.addSortedGroup(group, {time, value}, file.add("DT", {}, hex("000001 080002 1c0003")));
   return {"conversion-of-the-master",
           "time in eighths of a second",
           file.bytes(),

@@ -2,8 +2,9 @@
 
 #include <utility>
 
-#include "data_blocks.h"
+#include "sample_file.h"
 #include "tools/support/attachment_blocks.h"
+#include "tools/support/data_blocks.h"
 
 namespace mdf_tests {
 
@@ -46,9 +47,9 @@ std::uint64_t addEvent(SampleFile& file, const EventSpec& spec) {
 
 Sample finish(const std::string& name, const std::string& shows, SampleFile file,
               const std::vector<std::uint64_t>& events) {
-  chain(file, events);
+  file.chain(events);
   file.link(FileBuilder::header, 4, events[0]);
-  file.sortedGroup(countingGroup(3), countingChannels(), file.add("DT", {}, countingRecords(3)));
+  file.addSortedGroup(countingGroup(3), countingChannels(), file.add("DT", {}, countingRecords(3)));
   return {name, shows, file.bytes(), {countingTable(3)}};
 }
 
@@ -131,7 +132,7 @@ Sample parent() {
 /// An event of a group and one of its channels, with an attachment and a comment.
 Sample scope() {
   SampleFile file;
-  const std::uint64_t group = file.group(countingGroup(3), countingChannels());
+  const std::uint64_t group = file.addGroupOf(countingGroup(3), countingChannels());
   EventSpec spec;
   spec.name = "note";
   spec.scopes = {group, file.channels()[1]};
@@ -141,7 +142,7 @@ Sample scope() {
   const std::uint64_t event = addEvent(file, spec);
   file.link(event, 4, file.metadata("<EVcomment><TX>seen from the car</TX></EVcomment>"));
   file.link(FileBuilder::header, 4, event);
-  file.dataGroup({group}, file.add("DT", {}, countingRecords(3)));
+  file.addDataGroup({group}, file.add("DT", {}, countingRecords(3)));
   return {"block-event-scope",
           "an event with scope, attachment and comment",
           file.bytes(),

@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <utility>
 
-#include "data_blocks.h"
+#include "sample_file.h"
+#include "tools/support/data_blocks.h"
 
 namespace mdf_tests {
 
 namespace {
 
 Sample counting(const std::string& name, const std::string& shows, SampleFile file) {
-  file.sortedGroup(countingGroup(3), countingChannels(), file.add("DT", {}, countingRecords(3)));
+  file.addSortedGroup(countingGroup(3), countingChannels(), file.add("DT", {}, countingRecords(3)));
   return {name, shows, file.bytes(), {countingTable(3)}};
 }
 
@@ -89,7 +90,7 @@ Sample gaps() {
   file.append(std::string(64, '\0'));
   const std::uint64_t data = file.add("DT", {}, countingRecords(3));
   file.append("left behind by an editor");
-  file.sortedGroup(countingGroup(3), countingChannels(), data);
+  file.addSortedGroup(countingGroup(3), countingChannels(), data);
   file.append(std::string(13, '\xFF'));
   return {"layout-gaps", "bytes that belong to no block", file.bytes(), {countingTable(3)}};
 }
@@ -103,11 +104,11 @@ Sample zerosBehindTexts() {
       file.add("MD", {}, "<CNcomment><TX>padded</TX></CNcomment>" + std::string(11, '\0'));
   std::vector<ChannelSpec> channels = countingChannels();
   channels[1].name.clear();
-  const std::uint64_t group = file.group(countingGroup(3), channels);
+  const std::uint64_t group = file.addGroupOf(countingGroup(3), channels);
   file.link(file.channels()[1], 2, name);
   file.link(file.channels()[1], 6, unit);
   file.link(file.channels()[1], 7, comment);
-  file.dataGroup({group}, file.add("DT", {}, countingRecords(3)));
+  file.addDataGroup({group}, file.add("DT", {}, countingRecords(3)));
   ValueTable table = countingTable(3);
   table.columns[1].unit = "V";
   return {
@@ -120,20 +121,15 @@ Sample backwards() {
   const std::uint64_t second_data = file.add("DT", {}, countingRecords(2));
   const std::uint64_t first_data = file.add("DT", {}, countingRecords(3));
   const auto group = [&file](std::size_t records) {
-    const std::uint64_t value = addChannel(file, countingChannels()[1]);
-    const std::uint64_t time = addChannel(file, timeMaster());
-    file.link(time, 0, value);
-    const std::uint64_t channel_group = addChannelGroup(file, countingGroup(records));
-    file.link(channel_group, 1, time);
-    return channel_group;
+    const std::uint64_t value = file.addChannel(countingChannels()[1]);
+    const std::uint64_t time = file.addChannel(timeMaster());
+    return file.addChannelGroup(countingGroup(records), {time, value});
   };
   const std::uint64_t second_group = group(2);
   const std::uint64_t first_group = group(3);
-  const std::uint64_t second = addDataGroup(file, 0, second_data);
-  file.link(second, 1, second_group);
-  const std::uint64_t first = addDataGroup(file, 0, first_data);
-  file.link(first, 1, first_group);
-  file.link(first, 0, second);
+  const std::uint64_t second = file.addDataGroup({second_group}, second_data);
+  const std::uint64_t first = file.addDataGroup({first_group}, first_data);
+  file.chain({first, second, 0});
   file.link(FileBuilder::header, 0, first);
   return {"layout-reverse-order",
           "the last blocks stand first",
@@ -148,7 +144,7 @@ Sample uncountedLink() {
   const std::uint64_t list = addEqualList(file, blocks, 30);
   const std::uint64_t header_list = addHeaderList(file, list, 1, 1);
   file.write(header_list + 16, Bytes().u64(0));
-  file.sortedGroup(countingGroup(6), countingChannels(), header_list);
+  file.addSortedGroup(countingGroup(6), countingChannels(), header_list);
   return {"layout-uncounted-link",
           "the header of a list that does not count its link",
           file.bytes(),
@@ -162,11 +158,11 @@ Sample severalKinds() {
   angle.name = "phi";
   angle.sync_type = 2;
   angle.unit = "rad";
-  file.sortedGroup(countingGroup(2), {angle, countingChannels()[1]},
-                   file.add("DT", {}, countingRecords(2)));
+  file.addSortedGroup(countingGroup(2), {angle, countingChannels()[1]},
+                      file.add("DT", {}, countingRecords(2)));
   GroupSpec named = countingGroup(4);
   named.name = "fast";
-  file.sortedGroup(named, countingChannels(), file.add("DT", {}, countingRecords(4)));
+  file.addSortedGroup(named, countingChannels(), file.add("DT", {}, countingRecords(4)));
   ValueTable first = countingTable(2);
   first.columns[0] = {"phi", "rad"};
   return {"layout-groups-of-different-kinds",
@@ -181,7 +177,7 @@ Sample withoutMaster() {
   GroupSpec group;
   group.cycles = 2;
   group.data_bytes = 2;
-  file.sortedGroup(group, {value}, file.add("DT", {}, hex("01000200")));
+  file.addSortedGroup(group, {value}, file.add("DT", {}, hex("01000200")));
   return {"layout-no-master",
           "a group that is drawn over nothing",
           file.bytes(),
@@ -205,8 +201,8 @@ Sample unusedBytes() {
   const auto record = [](double t, int a, int b) {
     return Bytes().u8s({a, 0xEE}).f64(t).zeros(5).u8s({b, 1, 2, 3, 4}).str();
   };
-  file.sortedGroup(group, {last, time, first},
-                   file.add("DT", {}, record(0, 1, 2) + record(0.5, 3, 4)));
+  file.addSortedGroup(group, {last, time, first},
+                      file.add("DT", {}, record(0, 1, 2) + record(0.5, 3, 4)));
   return {"layout-unused-bytes",
           "bytes of records that no channel takes, the time in the middle",
           file.bytes(),

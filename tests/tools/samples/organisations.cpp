@@ -3,7 +3,8 @@
 #include <functional>
 #include <utility>
 
-#include "data_blocks.h"
+#include "sample_file.h"
+#include "tools/support/data_blocks.h"
 
 namespace mdf_tests {
 
@@ -16,7 +17,7 @@ Sample counting(const std::string& name, const std::string& shows, std::size_t r
                 const Place& place) {
   SampleFile file;
   const std::uint64_t data = place(file, countingRecords(records));
-  file.sortedGroup(countingGroup(records), countingChannels(), data);
+  file.addSortedGroup(countingGroup(records), countingChannels(), data);
   return {name, shows, file.bytes(), {countingTable(records)}};
 }
 
@@ -53,7 +54,7 @@ Samples plainData() {
 /// The records behind everything else, so that the link to them leads forwards.
 Sample dataBehind() {
   SampleFile file;
-  const std::uint64_t data_group = file.sortedGroup(countingGroup(3), countingChannels(), 0);
+  const std::uint64_t data_group = file.addSortedGroup(countingGroup(3), countingChannels(), 0);
   file.link(data_group, 2, file.add("DT", {}, countingRecords(3)));
   return {"organisation-data-at-the-end",
           "the data block ends the file",
@@ -151,21 +152,21 @@ Samples zippedData() {
           [](SampleFile& file, const std::string& data) { return addZipped(file, "DT", data); }),
       counting("organisation-zipped-stored-in-pieces", "a zlib stream of several parts", 3,
                [](SampleFile& file, const std::string& data) {
-                 return addZipped(file, {"DT", 0, 30, storedStream(data, 7)});
+                 return file.add("DZ", {}, zippedFields(30, storedStream(data, 7)));
                }),
       counting("organisation-zipped", "compressed by the codes of the format", 10,
                [](SampleFile& file, const std::string&) {
-                 return addZipped(file, {"DT", 0, 100, compressedTen()});
+                 return file.add("DZ", {}, zippedFields(100, compressedTen()));
                }),
       counting("organisation-zipped-with-own-codes", "compressed by codes that the stream brings",
                40,
                [](SampleFile& file, const std::string&) {
-                 return addZipped(file, {"DT", 0, 400, compressedForty()});
+                 return file.add("DZ", {}, zippedFields(400, compressedForty()));
                }),
       counting("organisation-zipped-transposed",
                "the first bytes of all records, then the second ones", 10,
                [](SampleFile& file, const std::string&) {
-                 return addZipped(file, {"DT", 10, 100, compressedTransposed()});
+                 return file.add("DZ", {}, zippedFields(100, compressedTransposed(), "DT", 1, 10));
                }),
       counting("organisation-zipped-transposed-with-a-rest",
                "rows of which the last one is incomplete", 4,
@@ -250,7 +251,7 @@ Sample severalGroups() {
   std::vector<ValueTable> tables;
   for (const std::size_t records : {3U, 0U, 5U, 1U}) {
     const std::uint64_t data = records == 0 ? 0 : file.add("DT", {}, countingRecords(records));
-    file.sortedGroup(countingGroup(records), countingChannels(), data);
+    file.addSortedGroup(countingGroup(records), countingChannels(), data);
     tables.push_back(countingTable(records));
   }
   return {"organisation-several-data-groups", "each data group has its own data", file.bytes(),

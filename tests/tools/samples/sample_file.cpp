@@ -23,27 +23,6 @@ SampleFile SampleFile::unfinished(std::uint16_t standard_flags, std::uint16_t cu
   return file;
 }
 
-std::uint64_t SampleFile::group(const GroupSpec& spec, const std::vector<ChannelSpec>& channels) {
-  channels_.clear();
-  for (const ChannelSpec& channel : channels) {
-    channels_.push_back(addChannel(*this, channel));
-  }
-  chain(*this, channels_);
-  const std::uint64_t group = addChannelGroup(*this, spec);
-  link(group, 1, channels_.empty() ? 0 : channels_[0]);
-  return group;
-}
-
-std::uint64_t SampleFile::dataGroup(const std::vector<std::uint64_t>& groups, std::uint64_t data,
-                                    std::uint8_t record_id_size) {
-  const std::uint64_t data_group = addDataGroup(*this, record_id_size, data);
-  chain(*this, groups);
-  link(data_group, 1, groups.empty() ? 0 : groups[0]);
-  link(last_data_group_ == 0 ? header : last_data_group_, 0, data_group);
-  last_data_group_ = data_group;
-  return data_group;
-}
-
 std::string hex(const std::string& digits) {
   std::string bytes;
   std::string pair;
@@ -96,7 +75,7 @@ Sample valueSample(const std::string& name, const std::string& shows, SampleFile
     records.f64(timeOf(i)).text(bytes);
     table.rows.push_back(timeCell(i) + ',' + values[i].cell);
   }
-  file.sortedGroup(group, {timeMaster(), channel}, file.add("DT", {}, records));
+  file.addSortedGroup(group, {timeMaster(), channel}, file.add("DT", {}, records));
   return {name, shows, file.bytes(), {table}};
 }
 

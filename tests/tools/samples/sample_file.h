@@ -8,7 +8,6 @@
 
 #include "sample.h"
 #include "tools/support/file_builder.h"
-#include "tools/support/measurement_blocks.h"
 
 namespace mdf_tests {
 
@@ -20,27 +19,10 @@ class SampleFile : public FileBuilder {
   /// A file that was not closed, by its standard and custom flags.
   static SampleFile unfinished(std::uint16_t standard_flags, std::uint16_t custom_flags = 0);
 
-  /// A channel group with its channels, not yet in a data group. channels() are its channels'
-  /// blocks until the next one.
-  std::uint64_t group(const GroupSpec& spec, const std::vector<ChannelSpec>& channels);
-  const std::vector<std::uint64_t>& channels() const { return channels_; }
-
-  /// A data group, behind those that are there.
-  std::uint64_t dataGroup(const std::vector<std::uint64_t>& groups, std::uint64_t data,
-                          std::uint8_t record_id_size = 0);
-
-  /// A data group with one channel group, and no record ids.
-  std::uint64_t sortedGroup(const GroupSpec& spec, const std::vector<ChannelSpec>& channels,
-                            std::uint64_t data) {
-    return dataGroup({group(spec, channels)}, data);
-  }
-
   std::uint64_t history() const { return history_; }
 
  private:
   std::uint64_t history_;
-  std::uint64_t last_data_group_ = 0;
-  std::vector<std::uint64_t> channels_;
 };
 
 /// Bytes from pairs of hexadecimal digits, with blanks where they help.

@@ -3,7 +3,8 @@
 
 #include <utility>
 
-#include "data_blocks.h"
+#include "sample_file.h"
+#include "tools/support/data_blocks.h"
 
 namespace mdf_tests {
 
@@ -45,7 +46,7 @@ Sample invalidation(const std::string& name, const std::string& shows, SampleFil
   group.cycles = records.table.rows.size();
   group.data_bytes = 9;
   group.invalidation_bytes = 1;
-  file.sortedGroup(group, {timeMaster(), value}, data);
+  file.addSortedGroup(group, {timeMaster(), value}, data);
   return {name, shows, file.bytes(), {records.table}};
 }
 
@@ -105,7 +106,7 @@ Sample chainOfLists() {
   const std::uint64_t first = addValueList(file, {{values[0]}, {front}, {}, 2});
   const std::uint64_t second = addValueList(file, {{values[1], values[2]}, {}, {2, 4}, 0});
   const std::uint64_t third = addValueList(file, {{values[3]}, {back}, {6}, 0});
-  chain(file, {first, second, third});
+  file.chain({first, second, third});
   return invalidation("invalidation-apart-chain-of-lists",
                       "the second of three lists has values that are all valid", std::move(file),
                       records, first);
@@ -169,7 +170,7 @@ GroupSpec columnOf(std::size_t count, std::uint32_t bytes) {
 
 /// A group of the time alone.
 std::uint64_t timeGroup(SampleFile& file, std::size_t count) {
-  return file.group(columnOf(count, 8), {timeMaster()});
+  return file.addGroupOf(columnOf(count, 8), {timeMaster()});
 }
 
 /// A group of one number whose master is elsewhere.
@@ -180,19 +181,19 @@ std::uint64_t valueGroup(SampleFile& file, const std::string& name, std::size_t 
   group.master = master;
   ChannelSpec channel = stored(0, 16);
   channel.name = name;
-  return file.group(group, {channel});
+  return file.addGroupOf(group, {channel});
 }
 
 /// A data group of such numbers.
 void addColumn(SampleFile& file, const std::string& name, std::size_t count, std::uint64_t master) {
   const std::uint64_t data = file.add("DV", {}, values(count));
-  file.dataGroup({valueGroup(file, name, count, master)}, data);
+  file.addDataGroup({valueGroup(file, name, count, master)}, data);
 }
 
 Sample remoteMaster() {
   SampleFile file = newFile();
   const std::uint64_t time = timeGroup(file, 4);
-  file.dataGroup({time}, file.add("DV", {}, times(4)));
+  file.addDataGroup({time}, file.add("DV", {}, times(4)));
   addColumn(file, "v", 4, time);
   return {"remote-master",
           "a channel group whose time is in another one",
@@ -207,9 +208,9 @@ Sample sharedMaster() {
   const std::uint64_t listed = addEqualList(file, addPieces(file, "DT", times(5), 12), 12);
   addColumn(file, "a", 5, time);
   const std::uint64_t zipped = addZipped(file, "DV", values(3), 2);
-  file.dataGroup({valueGroup(file, "b", 3, time)}, zipped);
-  file.dataGroup({valueGroup(file, "c", 0, time)}, 0);
-  file.dataGroup({time}, listed);
+  file.addDataGroup({valueGroup(file, "b", 3, time)}, zipped);
+  file.addDataGroup({valueGroup(file, "c", 0, time)}, 0);
+  file.addDataGroup({time}, listed);
   return {"remote-master-shared",
           "three groups with the time of a fourth, which may have more samples",
           file.bytes(),
@@ -219,8 +220,8 @@ Sample sharedMaster() {
 /// The time is a channel among others of records.
 Sample masterInRecords() {
   SampleFile file = newFile();
-  const std::uint64_t group = file.group(countingGroup(4), countingChannels());
-  file.dataGroup({group}, file.add("DT", {}, countingRecords(4)));
+  const std::uint64_t group = file.addGroupOf(countingGroup(4), countingChannels());
+  file.addDataGroup({group}, file.add("DT", {}, countingRecords(4)));
   addColumn(file, "t", 4, group);
   return {"remote-master-in-records",
           "the time of a group with records, and another channel of its name",
@@ -235,9 +236,9 @@ Sample virtualRemoteMaster() {
   time.type = 3;
   time.data_type = 0;
   time.bit_count = 0;
-  time.conversion = addConversion(file, {1, {}, {0, 0.5}, "", ""});
-  const std::uint64_t group = file.group(columnOf(3, 0), {time});
-  file.dataGroup({group}, 0);
+  time.conversion = file.addConversion({1, {}, {0, 0.5}, "", ""});
+  const std::uint64_t group = file.addGroupOf(columnOf(3, 0), {time});
+  file.addDataGroup({group}, 0);
   addColumn(file, "v", 3, group);
   return {"remote-master-virtual",
           "a time that is counted, in another group",
@@ -252,16 +253,17 @@ Sample columns() {
   const auto time_blocks = addZippedPieces(file, "DV", times(6), 24, 8);
   const auto value_blocks = addZippedPieces(file, "DV", values(6), 6, 2);
   const std::uint64_t bits = addZipped(file, "DI", hex("000100"));
-  file.dataGroup({time}, addHeaderList(file, addValueList(file, {time_blocks, {}, {}, 3}), 1, 1));
+  file.addDataGroup({time},
+                    addHeaderList(file, addValueList(file, {time_blocks, {}, {}, 3}), 1, 1));
   GroupSpec spec = columnOf(6, 2);
   spec.flags = 8;
   spec.master = time;
   spec.invalidation_bytes = 1;
   ChannelSpec channel = stored(0, 16);
   channel.flags = 2;
-  const std::uint64_t group = file.group(spec, {channel});
+  const std::uint64_t group = file.addGroupOf(spec, {channel});
   const std::uint64_t list = addValueList(file, {value_blocks, {0, bits}, {}, 3});
-  file.dataGroup({group}, addHeaderList(file, list, 1, 1));
+  file.addDataGroup({group}, addHeaderList(file, list, 1, 1));
   return {"remote-master-and-invalidation-apart",
           "a column with its invalidation bits, and its time in another one",
           file.bytes(),

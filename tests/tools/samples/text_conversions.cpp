@@ -32,7 +32,7 @@ Sample byTexts(const std::string& name, const std::string& shows, unsigned type,
                const ChannelSpec& how, const std::vector<StoredValue>& values) {
   SampleFile file;
   ChannelSpec channel = how;
-  channel.conversion = addConversion(file, {type, texts(file, words), numbers, "", ""});
+  channel.conversion = file.addConversion({type, texts(file, words), numbers, "", ""});
   return valueSample(name, shows, std::move(file), channel, values);
 }
 
@@ -88,12 +88,12 @@ Samples fromText() {
 /// Up to 100 a number in percent, above a text.
 Sample nestedDefault() {
   SampleFile file;
-  const std::uint64_t percent = addConversion(file, {linear, {}, {0, 0.5}, "%", ""});
+  const std::uint64_t percent = file.addConversion({linear, {}, {0, 0.5}, "%", ""});
   Refs refs = texts(file, {"invalid", "no sensor"});
   refs.push_back(percent);
   ChannelSpec channel = stored(0, 8);
   channel.unit = "%";
-  channel.conversion = addConversion(file, {value_to_text, refs, {255, 254}, "", ""});
+  channel.conversion = file.addConversion({value_to_text, refs, {255, 254}, "", ""});
   return valueSample("conversion-value-to-text-with-numbers",
                      "a linear conversion for the values without a text", std::move(file), channel,
                      {{"00", "0"}, {"63", "49.5"}, {"fe", "no sensor"}, {"ff", "invalid"}});
@@ -102,12 +102,12 @@ Sample nestedDefault() {
 /// Ranges of which one leads to another conversion.
 Sample nestedRange() {
   SampleFile file;
-  const std::uint64_t scaled = addConversion(file, {linear, {}, {-100, 1}, "", ""});
+  const std::uint64_t scaled = file.addConversion({linear, {}, {-100, 1}, "", ""});
   Refs inner = texts(file, {"hot", "warm"});
-  Refs refs = {scaled, addConversion(file, {value_to_text, inner, {200}, "", ""}),
+  Refs refs = {scaled, file.addConversion({value_to_text, inner, {200}, "", ""}),
                file.text("error")};
   ChannelSpec channel = stored(0, 8);
-  channel.conversion = addConversion(file, {range_to_text, refs, {0, 199, 200, 210}, "", ""});
+  channel.conversion = file.addConversion({range_to_text, refs, {0, 199, 200, 210}, "", ""});
   return valueSample(
       "conversion-range-to-text-nested", "ranges that lead to other conversions", std::move(file),
       channel, {{"00", "-100"}, {"c7", "99"}, {"c8", "hot"}, {"c9", "warm"}, {"ff", "error"}});
@@ -118,7 +118,7 @@ Sample named() {
   SampleFile file;
   ChannelSpec channel = stored(0, 8);
   channel.conversion =
-      addConversion(file, {value_to_text, texts(file, {"first", "others"}), {1}, "", "status"});
+      file.addConversion({value_to_text, texts(file, {"first", "others"}), {1}, "", "status"});
   file.link(channel.conversion, 2, file.metadata("<CCcomment><TX>states</TX></CCcomment>"));
   return valueSample("conversion-with-name-and-comment", "a conversion that is named and described",
                      std::move(file), channel, {{"01", "first"}, {"02", "others"}});
@@ -135,7 +135,7 @@ Sample manyKeys() {
   }
   conversion.refs.push_back(file.text("no state"));
   ChannelSpec channel = stored(0, 16);
-  channel.conversion = addConversion(file, conversion);
+  channel.conversion = file.addConversion(conversion);
   return valueSample(
       "conversion-value-to-text-of-40-keys", "a large table", std::move(file), channel,
       {{"0000", "state 0"}, {"e803", "state 1"}, {"5898", "state 39"}, {"0100", "no state"}});

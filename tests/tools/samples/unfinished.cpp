@@ -2,7 +2,8 @@
 
 #include <utility>
 
-#include "data_blocks.h"
+#include "sample_file.h"
+#include "tools/support/data_blocks.h"
 
 namespace mdf_tests {
 
@@ -21,7 +22,8 @@ enum StandardFlag : std::uint16_t {
 Sample withBlock(const std::string& name, const std::string& shows, std::uint16_t flags,
                  std::size_t stated, std::size_t there) {
   SampleFile file = SampleFile::unfinished(flags);
-  const std::uint64_t data_group = file.sortedGroup(countingGroup(stated), countingChannels(), 0);
+  const std::uint64_t data_group =
+      file.addSortedGroup(countingGroup(stated), countingChannels(), 0);
   file.link(data_group, 2, file.add("DT", {}, countingRecords(there)));
   return {name, shows, file.bytes(), {countingTable(there)}};
 }
@@ -30,7 +32,7 @@ Sample withBlock(const std::string& name, const std::string& shows, std::uint16_
 Sample withOpenBlock(const std::string& name, const std::string& shows, const std::string& behind,
                      std::size_t records) {
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
-  const std::uint64_t data_group = file.sortedGroup(countingGroup(0), countingChannels(), 0);
+  const std::uint64_t data_group = file.addSortedGroup(countingGroup(0), countingChannels(), 0);
   file.link(data_group, 2, file.add("DT", {}));
   file.append(behind);
   return {name, shows, file.bytes(), {countingTable(records)}};
@@ -60,7 +62,7 @@ Samples oneBlock() {
 
 Sample customFlags() {
   SampleFile file = SampleFile::unfinished(cycle_counters_open, 0x8001);
-  file.sortedGroup(countingGroup(0), countingChannels(), file.add("DT", {}, countingRecords(2)));
+  file.addSortedGroup(countingGroup(0), countingChannels(), file.add("DT", {}, countingRecords(2)));
   return {"unfinished-custom-flags",
           "steps that only the writing program knows",
           file.bytes(),
@@ -71,7 +73,7 @@ Sample customFlags() {
 Sample emptyBlockBefore() {
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
   const std::uint64_t empty = file.add("DT", {});
-  file.sortedGroup(countingGroup(0), countingChannels(), empty);
+  file.addSortedGroup(countingGroup(0), countingChannels(), empty);
   return {"unfinished-last-data-open-before-others",
           "an empty block with others behind is empty",
           file.bytes(),
@@ -81,7 +83,7 @@ Sample emptyBlockBefore() {
 /// A list whose last block is still open.
 Sample listWithOpenBlock() {
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
-  const std::uint64_t data_group = file.sortedGroup(countingGroup(0), countingChannels(), 0);
+  const std::uint64_t data_group = file.addSortedGroup(countingGroup(0), countingChannels(), 0);
   const std::string data = countingRecords(9);
   const std::uint64_t first = file.add("DT", {}, data.substr(0, 40));
   const std::uint64_t list = addEqualList(file, {first, 0}, 40);
@@ -101,7 +103,7 @@ Sample openList() {
   const std::uint64_t first = file.add("DT", {}, data.substr(0, 40));
   const std::uint64_t second = file.add("DT", {}, data.substr(40));
   const std::uint64_t list = addEqualList(file, {first, second, 0, 0, 0}, 40);
-  file.sortedGroup(countingGroup(0), countingChannels(), list);
+  file.addSortedGroup(countingGroup(0), countingChannels(), list);
   return {"unfinished-last-list-open",
           "a list with room for more blocks",
           file.bytes(),
@@ -112,7 +114,7 @@ Sample openZippedList() {
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_list_open);
   const auto blocks = addZippedPieces(file, "DT", countingRecords(6), 30, 10);
   const std::uint64_t list = addOffsetList(file, {blocks[0], blocks[1], 0}, {0, 30, 0});
-  file.sortedGroup(countingGroup(0), countingChannels(), addHeaderList(file, list, 0, 1));
+  file.addSortedGroup(countingGroup(0), countingChannels(), addHeaderList(file, list, 0, 1));
   return {"unfinished-last-list-open-zipped",
           "an open list of zipped blocks",
           file.bytes(),
@@ -130,9 +132,9 @@ Sample openUnsorted() {
   GroupSpec second_spec;
   second_spec.record_id = 2;
   second_spec.data_bytes = 9;
-  const std::uint64_t first = file.group(first_spec, countingChannels());
-  const std::uint64_t second = file.group(second_spec, {timeMaster(), value});
-  const std::uint64_t data_group = file.dataGroup({first, second}, 0, 1);
+  const std::uint64_t first = file.addGroupOf(first_spec, countingChannels());
+  const std::uint64_t second = file.addGroupOf(second_spec, {timeMaster(), value});
+  const std::uint64_t data_group = file.addDataGroup({first, second}, 0, 1);
   file.link(data_group, 2, file.add("DT", {}));
   const std::string records = countingRecords(2);
   file.append(Bytes()
@@ -158,7 +160,7 @@ Sample openVariableLength() {
   GroupSpec value_spec;
   value_spec.record_id = 2;
   value_spec.flags = 1;
-  const std::uint64_t values = file.group(value_spec, {});
+  const std::uint64_t values = file.addGroupOf(value_spec, {});
   ChannelSpec text = stored(7, 64);
   text.byte_offset = 8;
   text.type = 1;
@@ -166,8 +168,8 @@ Sample openVariableLength() {
   GroupSpec spec;
   spec.record_id = 1;
   spec.data_bytes = 16;
-  const std::uint64_t group = file.group(spec, {timeMaster(), text});
-  const std::uint64_t data_group = file.dataGroup({group, values}, 0, 1);
+  const std::uint64_t group = file.addGroupOf(spec, {timeMaster(), text});
+  const std::uint64_t data_group = file.addDataGroup({group, values}, 0, 1);
   file.link(data_group, 2, file.add("DT", {}));
   file.append(Bytes().u8(2).u32(3).text("abc").u8(1).f64(0).u64(0));
   file.append(Bytes().u8(2).u32(1).text("d").u8(1).f64(0.5).u64(7));

@@ -3,7 +3,8 @@
 #include <functional>
 #include <utility>
 
-#include "data_blocks.h"
+#include "sample_file.h"
+#include "tools/support/data_blocks.h"
 
 namespace mdf_tests {
 
@@ -47,9 +48,9 @@ Sample twoGroups(const std::string& name, const std::string& shows, std::uint8_t
   const std::string b = idBytes(second_id, id_size);
   const std::string data = a + record(0) + b + timeRecord(0, 100) + a + record(1) + a + record(2) +
                            a + record(3) + b + timeRecord(3, 200) + a + record(4);
-  const std::uint64_t first = file.group(groupWith(first_id, 5, 10), countingChannels());
-  const std::uint64_t second = file.group(groupWith(second_id, 2, 9), byteChannels());
-  file.dataGroup({first, second}, file.add("DT", {}, data), code);
+  const std::uint64_t first = file.addGroupOf(groupWith(first_id, 5, 10), countingChannels());
+  const std::uint64_t second = file.addGroupOf(groupWith(second_id, 2, 9), byteChannels());
+  file.addDataGroup({first, second}, file.add("DT", {}, data), code);
   return {name, shows, file.bytes(), {countingTable(5), byteTable({"0,100", "1.5,200"})}};
 }
 
@@ -61,8 +62,8 @@ Sample sortedWithId(const std::string& name, const std::string& shows, std::uint
   for (std::size_t i = 0; i < 4; ++i) {
     data += idBytes(id, id_size) + record(i);
   }
-  const std::uint64_t group = file.group(groupWith(id, 4, 10), countingChannels());
-  file.dataGroup({group}, file.add("DT", {}, data), code);
+  const std::uint64_t group = file.addGroupOf(groupWith(id, 4, 10), countingChannels());
+  file.addDataGroup({group}, file.add("DT", {}, data), code);
   return {name, shows, file.bytes(), {countingTable(4)}};
 }
 
@@ -99,9 +100,9 @@ Sample placed(const std::string& name, const std::string& shows,
       data.u8(2).text(timeRecord(i, static_cast<std::uint8_t>(i)));
     }
   }
-  const std::uint64_t first = file.group(groupWith(1, 6, 10), countingChannels());
-  const std::uint64_t second = file.group(groupWith(2, 3, 9), byteChannels());
-  file.dataGroup({first, second}, place(file, data), 1);
+  const std::uint64_t first = file.addGroupOf(groupWith(1, 6, 10), countingChannels());
+  const std::uint64_t second = file.addGroupOf(groupWith(2, 3, 9), byteChannels());
+  file.addDataGroup({first, second}, place(file, data), 1);
   return {name, shows, file.bytes(), {countingTable(6), byteTable({"0.5,1", "1.5,3", "2.5,5"})}};
 }
 
@@ -135,18 +136,18 @@ Sample manyGroups() {
   }
   for (std::size_t i = 0; i < count; ++i) {
     const std::string name = "c" + std::to_string(i);
-    groups.push_back(file.group(groupWith(1000 + i, 2, 9), byteChannels(name)));
+    groups.push_back(file.addGroupOf(groupWith(1000 + i, 2, 9), byteChannels(name)));
     tables.push_back(byteTable({"0," + std::to_string(i), "0.5," + std::to_string(i + 100)}, name));
   }
-  file.dataGroup(groups, file.add("DT", {}, data), 2);
+  file.addDataGroup(groups, file.add("DT", {}, data), 2);
   return {"unsorted-thirty-groups", "thirty groups in one data group", file.bytes(), tables};
 }
 
 Sample emptyGroup() {
   SampleFile file;
-  const std::uint64_t first = file.group(groupWith(1, 0, 10), countingChannels());
-  const std::uint64_t second = file.group(groupWith(2, 1, 9), byteChannels());
-  file.dataGroup({first, second}, file.add("DT", {}, Bytes().u8(2).text(timeRecord(0, 5))), 1);
+  const std::uint64_t first = file.addGroupOf(groupWith(1, 0, 10), countingChannels());
+  const std::uint64_t second = file.addGroupOf(groupWith(2, 1, 9), byteChannels());
+  file.addDataGroup({first, second}, file.add("DT", {}, Bytes().u8(2).text(timeRecord(0, 5))), 1);
   return {"unsorted-group-without-records",
           "a group that no record belongs to",
           file.bytes(),
@@ -159,8 +160,8 @@ Sample invalidUnsorted() {
   channels[1].flags = 2;
   GroupSpec with_bits = groupWith(1, 2, 9);
   with_bits.invalidation_bytes = 1;
-  const std::uint64_t first = file.group(with_bits, channels);
-  const std::uint64_t second = file.group(groupWith(2, 1, 10), countingChannels());
+  const std::uint64_t first = file.addGroupOf(with_bits, channels);
+  const std::uint64_t second = file.addGroupOf(groupWith(2, 1, 10), countingChannels());
   const std::string data = Bytes()
                                .u8(1)
                                .text(timeRecord(0, 5))
@@ -170,7 +171,7 @@ Sample invalidUnsorted() {
                                .u8(1)
                                .text(timeRecord(1, 6))
                                .u8(0);
-  file.dataGroup({first, second}, file.add("DT", {}, data), 1);
+  file.addDataGroup({first, second}, file.add("DT", {}, data), 1);
   return {"unsorted-invalidation",
           "records with invalidation bytes among others",
           file.bytes(),
@@ -200,17 +201,17 @@ Sample variableLength(const std::string& name, const std::string& shows,
   // The length of all values, each with the four bytes of its length, as data bytes.
   GroupSpec value_spec = groupWith(3, texts.size(), static_cast<std::uint32_t>(offset));
   value_spec.flags = 1;
-  const std::uint64_t values = file.group(value_spec, {});
+  const std::uint64_t values = file.addGroupOf(value_spec, {});
   ChannelSpec text = stored(7, 64);
   text.byte_offset = 8;
   text.type = 1;
   text.data = values;
-  const std::uint64_t group = file.group(groupWith(1, texts.size(), 16), {timeMaster(), text});
+  const std::uint64_t group = file.addGroupOf(groupWith(1, texts.size(), 16), {timeMaster(), text});
   const auto groups = parts.is_values_first ? std::vector<std::uint64_t>{values, group}
                                             : std::vector<std::uint64_t>{group, values};
   const std::uint64_t block =
       parts.are_zipped ? addZipped(file, "DT", data) : file.add("DT", {}, data);
-  file.dataGroup(groups, block, parts.id_size);
+  file.addDataGroup(groups, block, parts.id_size);
   return {
       name, shows, file.bytes(), {{{{"t", "s"}, {"v", ""}}, {"0,first", "0.5,", "1,the third"}}}};
 }
@@ -245,7 +246,7 @@ Sample twoVariableLengths() {
   for (std::uint32_t i = 0; i < 2; ++i) {
     GroupSpec spec = groupWith(10 + i, 1 + i, lengths[i]);
     spec.flags = 1;
-    groups.push_back(file.group(spec, {}));
+    groups.push_back(file.addGroupOf(spec, {}));
     ChannelSpec text = stored(7, 64);
     text.name = i == 0 ? "a" : "b";
     text.byte_offset = 8 + 8 * i;
@@ -253,8 +254,8 @@ Sample twoVariableLengths() {
     text.data = groups.back();
     channels.push_back(text);
   }
-  groups.insert(groups.begin(), file.group(groupWith(1, 2, 24), channels));
-  file.dataGroup(groups, file.add("DT", {}, data), 1);
+  groups.insert(groups.begin(), file.addGroupOf(groupWith(1, 2, 24), channels));
+  file.addDataGroup(groups, file.add("DT", {}, data), 1);
   return {"unsorted-two-variable-lengths",
           "two channels with texts of their own",
           file.bytes(),

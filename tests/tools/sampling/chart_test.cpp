@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "exported.h"
 #include "reader/bytes/input_file.h"
-#include "sample_file.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
@@ -19,7 +19,7 @@ using mdf_tools::gnuplotScript;
 namespace {
 
 /// The curves of all channels of a file.
-std::vector<Curve> curvesOf(const SampleFile& contents, std::size_t* left_out = nullptr) {
+std::vector<Curve> curvesOf(const FileBuilder& contents, std::size_t* left_out = nullptr) {
   const TempFile path(contents.bytes());
   mdf_reader::InputFile file(path.path());
   std::vector<Curve> curves;
@@ -51,14 +51,14 @@ std::string plotsOf(const std::vector<Curve>& curves) {
 }
 
 TEST(CurveCollector, CurvesOverTheMaster) {
-  SampleFile file;
-  ChannelFields speed;
+  FileBuilder file;
+  ChannelSpec speed;
   speed.name = "speed";
   speed.unit = "km/h";
   speed.byte_offset = 8;
-  const std::uint64_t time = file.time();
-  file.dataGroup({file.group({2, 9}, {time, file.channel(speed)})},
-                 file.data(Bytes().f64(1).u8(50).f64(2).u8(60)));
+  const std::uint64_t time = file.addTime();
+  file.addDataGroup({file.addChannelGroup({2, 9}, {time, file.addChannel(speed)})},
+                    file.addData(Bytes().f64(1).u8(50).f64(2).u8(60)));
   const std::vector<Curve> curves = curvesOf(file);
   ASSERT_EQ(curves.size(), 1U);
   EXPECT_EQ(curves[0].name, "speed");
@@ -70,11 +70,12 @@ TEST(CurveCollector, CurvesOverTheMaster) {
 }
 
 TEST(CurveCollector, TextsAreDrawnAsTheirNumbersOverTheSamples) {
-  SampleFile file;
-  ChannelFields state;
+  FileBuilder file;
+  ChannelSpec state;
   state.name = "state";
-  state.conversion = file.conversion(7, {1}, {file.text("on"), file.text("off")});
-  file.dataGroup({file.group({3, 1}, {file.channel(state)})}, file.data(Bytes().u8s({0, 1, 5})));
+  state.conversion = file.addConversion({7, {file.text("on"), file.text("off")}, {1}});
+  file.addDataGroup({file.addChannelGroup({3, 1}, {file.addChannel(state)})},
+                    file.addData(Bytes().u8s({0, 1, 5})));
   const std::vector<Curve> curves = curvesOf(file);
   ASSERT_EQ(curves.size(), 1U);
   EXPECT_EQ(curves[0].x_label, "sample");
@@ -84,12 +85,12 @@ TEST(CurveCollector, TextsAreDrawnAsTheirNumbersOverTheSamples) {
 }
 
 TEST(CurveCollector, MoreCurvesThanAPictureHasRoomFor) {
-  SampleFile file;
+  FileBuilder file;
   std::vector<std::uint64_t> channels;
   for (int i = 0; i < 70; ++i) {
-    channels.push_back(file.channel(firstByte("c" + std::to_string(i))));
+    channels.push_back(file.addChannel(firstByte("c" + std::to_string(i))));
   }
-  file.dataGroup({file.group({1, 1}, channels)}, file.data("A"));
+  file.addDataGroup({file.addChannelGroup({1, 1}, channels)}, file.addData("A"));
   std::size_t left_out = 0;
   EXPECT_EQ(curvesOf(file, &left_out).size(), 64U);
   EXPECT_EQ(left_out, 6U);

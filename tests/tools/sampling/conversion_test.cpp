@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "exported.h"
 #include "reader/bytes/input_file.h"
-#include "sample_file.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_reader;
 using mdf_tests::Bytes;
-using mdf_tests::SampleFile;
+using mdf_tests::FileBuilder;
 using mdf_tests::TempFile;
 
 namespace {
@@ -19,7 +19,7 @@ namespace {
 /// A conversion of a file, and what was found wrong with it.
 class Converted {
  public:
-  Converted(const SampleFile& contents, std::uint64_t offset)
+  Converted(const FileBuilder& contents, std::uint64_t offset)
       : path_(contents.bytes()),
         file_(path_.path()),
         conversions_(file_, report_),
@@ -47,26 +47,26 @@ class Converted {
 };
 
 Converted converted(unsigned type, const std::vector<double>& values) {
-  SampleFile file;
-  const std::uint64_t offset = file.conversion(type, values);
+  FileBuilder file;
+  const std::uint64_t offset = file.addConversion({type, {}, values});
   return {file, offset};
 }
 
 /// With references to texts; "" is a reference that leads nowhere.
 Converted converted(unsigned type, const std::vector<double>& values,
                     const std::vector<std::string>& texts) {
-  SampleFile file;
+  FileBuilder file;
   std::vector<std::uint64_t> references;
   for (const std::string& text : texts) {
     references.push_back(text.empty() ? 0 : file.text(text));
   }
-  const std::uint64_t offset = file.conversion(type, values, references);
+  const std::uint64_t offset = file.addConversion({type, references, values});
   return {file, offset};
 }
 
 TEST(Conversion, IdentityIsNone) {
   EXPECT_TRUE(converted(0, {}).isNone());
-  EXPECT_TRUE(Converted(SampleFile(), 0).isNone());
+  EXPECT_TRUE(Converted(FileBuilder(), 0).isNone());
 }
 
 TEST(Conversion, Linear) {
@@ -141,10 +141,10 @@ TEST(Conversion, RangeToText) {
 }
 
 TEST(Conversion, ScaleConversionsLeadOnToOthers) {
-  SampleFile file;
-  const std::uint64_t scale = file.conversion(1, {0, 0.1});
+  FileBuilder file;
+  const std::uint64_t scale = file.addConversion({1, {}, {0, 0.1}});
   const std::uint64_t error = file.text("error");
-  const std::uint64_t offset = file.conversion(8, {254, 255}, {error, scale});
+  const std::uint64_t offset = file.addConversion({8, {error, scale}, {254, 255}});
   Converted conversion(file, offset);
   EXPECT_EQ(conversion.of(255), "error");
   EXPECT_EQ(conversion.of(20), "2");
@@ -184,7 +184,7 @@ TEST(Conversion, UnknownType) {
 }
 
 TEST(Conversion, NoConversionThere) {
-  const SampleFile file;
+  const FileBuilder file;
   EXPECT_EQ(Converted(file, 64).findings(),
             std::vector<std::string>{"expected a conversion, found none"});
   EXPECT_EQ(Converted(file, 999999).findings(),
@@ -192,8 +192,8 @@ TEST(Conversion, NoConversionThere) {
 }
 
 TEST(Conversion, ThatLeadsBackToItself) {
-  SampleFile file;
-  const std::uint64_t offset = file.conversion(7, {1}, {0, 0});
+  FileBuilder file;
+  const std::uint64_t offset = file.addConversion({7, {0, 0}, {1}});
   file.link(offset, 4, offset);
   Converted conversion(file, offset);
   EXPECT_EQ(conversion.of(1), "1");
@@ -201,10 +201,10 @@ TEST(Conversion, ThatLeadsBackToItself) {
 }
 
 TEST(Conversion, DeepNestingHasALimit) {
-  SampleFile file;
-  std::uint64_t offset = file.conversion(1, {0, 2});
+  FileBuilder file;
+  std::uint64_t offset = file.addConversion({1, {}, {0, 2}});
   for (int i = 0; i < 100; ++i) {
-    offset = file.conversion(7, {1}, {offset, 0});
+    offset = file.addConversion({7, {offset, 0}, {1}});
   }
   Converted conversion(file, offset);
   EXPECT_EQ(conversion.of(1), "1");
@@ -212,16 +212,16 @@ TEST(Conversion, DeepNestingHasALimit) {
 }
 
 TEST(Conversion, BlocksInsideOneAnotherAreNotKeptWithoutLimit) {
-  SampleFile file;
+  FileBuilder file;
   file.text(std::string(10000, ' '));
   std::vector<std::uint64_t> references;
   for (int i = 0; i < 50; ++i) {
     // Its values go on to the end of the file, through all blocks behind it.
-    references.push_back(file.conversion(1, {0, 2}));
+    references.push_back(file.addConversion({1, {}, {0, 2}}));
     file.write(references.back() + 8, Bytes().u64(1000000));
     file.write(references.back() + 24 + 32 + 6, Bytes().u16(65535));
   }
-  const std::uint64_t offset = file.conversion(7, std::vector<double>(50, 1.0), references);
+  const std::uint64_t offset = file.addConversion({7, references, std::vector<double>(50, 1.0)});
   Converted conversion(file, offset);
   ASSERT_EQ(conversion.findings().size(), 1U);
   EXPECT_EQ(conversion.findings()[0],
@@ -231,8 +231,8 @@ TEST(Conversion, BlocksInsideOneAnotherAreNotKeptWithoutLimit) {
 }
 
 TEST(Conversion, CountsBeyondTheBlock) {
-  SampleFile file;
-  const std::uint64_t offset = file.conversion(1, {5, 2});
+  FileBuilder file;
+  const std::uint64_t offset = file.addConversion({1, {}, {5, 2}});
   file.write(offset + 24 + 32 + 6, Bytes().u16(65535));  // cc_val_count
   EXPECT_EQ(Converted(file, offset).of(1), "7");
 }

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "sample_file.h"
+#include "exported.h"
 
 using namespace mdf_tests;
 using mdf_reader::Selection;
@@ -24,7 +24,7 @@ struct ArrayFields {
   std::uint32_t flags = 0;
 };
 
-std::uint64_t addArray(SampleFile& file, const ArrayFields& array) {
+std::uint64_t addArray(FileBuilder& file, const ArrayFields& array) {
   std::vector<std::uint64_t> links = {0};
   links.insert(links.end(), array.data.begin(), array.data.end());
   Bytes fields;
@@ -39,23 +39,24 @@ std::uint64_t addArray(SampleFile& file, const ArrayFields& array) {
 }
 
 /// A channel of one byte, which is an array.
-std::uint64_t arrayChannel(SampleFile& file, const std::string& name, const ArrayFields& array) {
-  ChannelFields fields = firstByte(name);
+std::uint64_t arrayChannel(FileBuilder& file, const std::string& name, const ArrayFields& array) {
+  ChannelSpec fields = firstByte(name);
   fields.composition = addArray(file, array);
-  return file.channel(fields);
+  return file.addChannel(fields);
 }
 
 /// A group with the record id 1 of such an array and of a channel "last" in the byte behind it.
-std::uint64_t arrayGroup(SampleFile& file, const ArrayFields& array, std::uint64_t cycles) {
-  ChannelFields last = firstByte("last");
+std::uint64_t arrayGroup(FileBuilder& file, const ArrayFields& array, std::uint64_t cycles) {
+  ChannelSpec last = firstByte("last");
   last.byte_offset = 1;
-  return file.group({cycles, 2, 0, 1}, {arrayChannel(file, "v", array), file.channel(last)});
+  return file.addChannelGroup({cycles, 2, 0, 1},
+                              {arrayChannel(file, "v", array), file.addChannel(last)});
 }
 
 /// Such a group with the record ids of two elements.
 std::string idsFile(const ArrayFields& array, const std::string& records = "\1Aa\2Bb\1Cc") {
-  SampleFile file;
-  file.dataGroup({arrayGroup(file, array, 2)}, file.data(records), 1);
+  FileBuilder file;
+  file.addDataGroup({arrayGroup(file, array, 2)}, file.addData(records), 1);
   return file.bytes();
 }
 
@@ -66,11 +67,12 @@ TEST(SplitElements, EachHasItsRecordId) {
 }
 
 TEST(SplitElements, EachHasItsData) {
-  SampleFile file;
-  const std::uint64_t first = file.data("Aa");
-  const std::uint64_t second = file.data("BbCc");
-  file.dataGroup({arrayGroup(file, {data_group, {2}, {1, 2}, {first, second}}, 1)}, first);
-  file.dataGroup({file.group({1, 1}, {file.channel(firstByte("behind"))})}, file.data("Z"));
+  FileBuilder file;
+  const std::uint64_t first = file.addData("Aa");
+  const std::uint64_t second = file.addData("BbCc");
+  file.addDataGroup({arrayGroup(file, {data_group, {2}, {1, 2}, {first, second}}, 1)}, first);
+  file.addDataGroup({file.addChannelGroup({1, 1}, {file.addChannel(firstByte("behind"))})},
+                    file.addData("Z"));
   EXPECT_EQ(healthyCsvOf(file.bytes()),
             "v[0],last\n65,97\n\nv[1],last\n66,98\n67,99\n\nbehind\n90\n");
 }
@@ -110,9 +112,9 @@ TEST(SplitElements, WithoutACountForEach) {
 }
 
 TEST(SplitElements, WithoutALinkForEach) {
-  SampleFile file;
-  const std::uint64_t data = file.data("AaCc");
-  file.dataGroup({arrayGroup(file, {data_group, {2}, {2, 0}, {data}}, 2)}, data);
+  FileBuilder file;
+  const std::uint64_t data = file.addData("AaCc");
+  file.addDataGroup({arrayGroup(file, {data_group, {2}, {2, 0}, {data}}, 2)}, data);
   expectFinding(csvOf(file.bytes()), without_array,
                 "expected a link to data for each of the array's 2 elements, found fewer");
 }
@@ -138,39 +140,39 @@ TEST(SplitElements, StoredInAnUnknownWay) {
 }
 
 TEST(SplitElements, OfTwoArrays) {
-  SampleFile file;
+  FileBuilder file;
   const ArrayFields array{channel_group, {2}, {1, 1}, {}};
-  file.dataGroup(
-      {file.group({1, 1, 0, 1}, {arrayChannel(file, "v", array), arrayChannel(file, "w", array),
-                                 file.channel(firstByte("last"))})},
-      file.data("\1A"), 1);
+  file.addDataGroup({file.addChannelGroup({1, 1, 0, 1}, {arrayChannel(file, "v", array),
+                                                         arrayChannel(file, "w", array),
+                                                         file.addChannel(firstByte("last"))})},
+                    file.addData("\1A"), 1);
   expectFinding(
       csvOf(file.bytes()), "last\n65\n",
       "expected at most one array in a channel group whose elements have records of their own");
 }
 
 TEST(SplitElements, WithDataOfTheirOwnInADataGroupOfSeveral) {
-  SampleFile file;
-  const std::uint64_t data = file.data("\1Aa\2B\1Cc");
-  const std::uint64_t other = file.group({1, 1, 0, 2}, {file.channel(firstByte("o"))});
-  file.dataGroup({arrayGroup(file, {data_group, {1}, {2}, {data}}, 2), other}, data, 1);
+  FileBuilder file;
+  const std::uint64_t data = file.addData("\1Aa\2B\1Cc");
+  const std::uint64_t other = file.addChannelGroup({1, 1, 0, 2}, {file.addChannel(firstByte("o"))});
+  file.addDataGroup({arrayGroup(file, {data_group, {1}, {2}, {data}}, 2), other}, data, 1);
   expectFinding(csvOf(file.bytes()), without_array + "\no\n66\n", "found several");
 }
 
 TEST(SplitElements, WithoutRecordIds) {
-  SampleFile file;
-  file.dataGroup({arrayGroup(file, {channel_group, {2}, {1, 1}, {}}, 1)}, file.data("AaBb"));
+  FileBuilder file;
+  file.addDataGroup({arrayGroup(file, {channel_group, {2}, {1, 1}, {}}, 1)}, file.addData("AaBb"));
   const Exported exported = csvOf(file.bytes());
   EXPECT_EQ(exported.text, "v[0],last\n\nv[1],last\n");
   EXPECT_EQ(exported.findings.size(), 2U);
 }
 
 TEST(SplitElements, LinksToDataThatLeadElsewhere) {
-  SampleFile file;
-  const std::uint64_t first = file.data("Aa");
+  FileBuilder file;
+  const std::uint64_t first = file.addData("Aa");
   const std::uint64_t text = file.text("no data");
   const ArrayFields array{data_group, {3}, {1, 1, 1}, {first, text, UINT64_MAX}};
-  file.dataGroup({arrayGroup(file, array, 1)}, first);
+  file.addDataGroup({arrayGroup(file, array, 1)}, first);
   const Exported exported = csvOf(file.bytes());
   EXPECT_EQ(exported.text, "v[0],last\n65,97\n\nv[1],last\n\nv[2],last\n");
   EXPECT_GE(exported.findings.size(), 2U);
@@ -178,11 +180,11 @@ TEST(SplitElements, LinksToDataThatLeadElsewhere) {
 
 /// Data that many elements have together is not gone through for each of them.
 TEST(SplitElements, DataThatTheyShareHasALimit) {
-  SampleFile file;
-  const std::uint64_t data = file.data(std::string(100000, 'A'));
+  FileBuilder file;
+  const std::uint64_t data = file.addData(std::string(100000, 'A'));
   const std::vector<std::uint64_t> counts(50, 50000);
   const std::vector<std::uint64_t> links(50, data);
-  file.dataGroup({arrayGroup(file, {data_group, {50}, counts, links}, 50000)}, data);
+  file.addDataGroup({arrayGroup(file, {data_group, {50}, counts, links}, 50000)}, data);
   const Exported exported = csvOf(file.bytes());
   EXPECT_EQ(exported.findings.size(), 1U);
   EXPECT_LT(exported.text.size(), std::size_t{6} * 50000 * 6 + 200);
@@ -190,17 +192,17 @@ TEST(SplitElements, DataThatTheyShareHasALimit) {
 
 /// Array blocks one over the other: each could have all the bytes behind it for counts.
 TEST(SplitElements, BlocksThatOverlapHaveALimit) {
-  SampleFile file;
+  FileBuilder file;
   std::vector<std::uint64_t> groups;
   std::vector<std::uint64_t> arrays;
   for (int i = 0; i < 40; ++i) {
-    ChannelFields fields = firstByte("v");
+    ChannelSpec fields = firstByte("v");
     arrays.push_back(addArray(file, {channel_group, {20000}, {}, {}}));
     fields.composition = arrays.back();
-    groups.push_back(file.group({0, 1, 0, 1}, {file.channel(fields)}));
-    file.dataGroup({groups.back()}, 0, 4);
+    groups.push_back(file.addChannelGroup({0, 1, 0, 1}, {file.addChannel(fields)}));
+    file.addDataGroup({groups.back()}, 0, 4);
   }
-  file.data(std::string(20000 * 8, '\0'));
+  file.addData(std::string(20000 * 8, '\0'));
   for (const std::uint64_t array : arrays) {
     file.write(array + 8, Bytes().u64(file.bytes().size() - array));
   }

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "sample_file.h"
+#include "exported.h"
 
 using namespace mdf_tests;
 
@@ -14,28 +14,29 @@ namespace {
 constexpr std::uint32_t has_invalidation = 0x80000000U;
 
 /// A list of values without numbers for its blocks.
-std::uint64_t valueList(SampleFile& file, std::uint32_t flags, std::uint32_t count,
+std::uint64_t valueList(FileBuilder& file, std::uint32_t flags, std::uint32_t count,
                         std::vector<std::uint64_t> blocks, std::uint64_t next = 0) {
   blocks.insert(blocks.begin(), next);
   return file.add("LD", blocks, Bytes().u32(flags | 1).u32(count).u64(2));
 }
 
-ChannelFields invalidable(const std::string& name) {
-  ChannelFields fields = firstByte(name);
+ChannelSpec invalidable(const std::string& name) {
+  ChannelSpec fields = firstByte(name);
   fields.flags = 2;
   return fields;
 }
 
 /// A file of a group "a" of so many records of a byte, with the data that a list leads to.
-SampleFile fileWith(SampleFile file, std::uint64_t cycles, std::uint64_t list) {
-  file.dataGroup({file.group({cycles, 1, 1}, {file.channel(invalidable("a"))})}, list);
+FileBuilder fileWith(FileBuilder file, std::uint64_t cycles, std::uint64_t list) {
+  file.addDataGroup({file.addChannelGroup({cycles, 1, 1}, {file.addChannel(invalidable("a"))})},
+                    list);
   return file;
 }
 
-SampleFile newFile() { return SampleFile("MDF     ", 420); }
+FileBuilder newFile() { return FileBuilder("MDF     ", 420); }
 
 TEST(InvalidationData, EachBlockGoesWithItsBlockOfData) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   const std::uint64_t list = valueList(
       file, has_invalidation, 2,
       {file.add("DV", {}, "AB"), file.add("DV", {}, "CDE"), file.add("DI", {}, Bytes().u8s({1, 0})),
@@ -44,15 +45,15 @@ TEST(InvalidationData, EachBlockGoesWithItsBlockOfData) {
 }
 
 TEST(InvalidationData, ChannelsWithoutABitAreAlwaysValid) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   const std::uint64_t list =
       valueList(file, has_invalidation, 1, {file.add("DV", {}, "AB"), file.add("DI", {}, "\3\3")});
-  file.dataGroup({file.group({2, 1, 1}, {file.channel(firstByte("a"))})}, list);
+  file.addDataGroup({file.addChannelGroup({2, 1, 1}, {file.addChannel(firstByte("a"))})}, list);
   EXPECT_EQ(healthyCsvOf(file.bytes()), "a\n65\n66\n");
 }
 
 TEST(InvalidationData, BlocksWithoutAByte) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   const std::uint64_t list =
       valueList(file, has_invalidation, 3,
                 {file.add("DV", {}, ""), file.add("DV", {}, "A"), file.add("DV", {}, ""),
@@ -62,7 +63,7 @@ TEST(InvalidationData, BlocksWithoutAByte) {
 
 /// A data block that a link is missing to takes its invalidation data with it.
 TEST(InvalidationData, NilLinksToData) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   const std::uint64_t list =
       valueList(file, has_invalidation, 2,
                 {0, file.add("DV", {}, "B"), file.add("DI", {}, "\1"), file.add("DI", {}, "\1")});
@@ -70,18 +71,18 @@ TEST(InvalidationData, NilLinksToData) {
 }
 
 TEST(InvalidationData, WithoutTheFlagLinksBehindMeanNothing) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   const std::uint64_t list =
       valueList(file, 0, 1, {file.add("DV", {}, "A"), file.add("DI", {}, "\1")});
   EXPECT_EQ(healthyCsvOf(fileWith(file, 1, list).bytes()), "a\n65\n");
 }
 
 TEST(InvalidationData, OfAnUnfinishedFileGoesOnToItsEnd) {
-  SampleFile file("UnFinMF ", 420);
+  FileBuilder file("UnFinMF ", 420);
   file.write(60, Bytes().u16(1 + 4));
   const std::uint64_t values = file.add("DV", {}, "AB");
   const std::uint64_t list = valueList(file, has_invalidation, 1, {values, 0});
-  file.dataGroup({file.group({0, 1, 1}, {file.channel(invalidable("a"))})}, list);
+  file.addDataGroup({file.addChannelGroup({0, 1, 1}, {file.addChannel(invalidable("a"))})}, list);
   const std::uint64_t bits = file.add("DI", {}, "");
   file.append(Bytes().u8s({0, 1}));
   file.link(list, 2, bits);
@@ -90,7 +91,7 @@ TEST(InvalidationData, OfAnUnfinishedFileGoesOnToItsEnd) {
 
 TEST(InvalidationData, TooShortOrTooLong) {
   for (const std::string& bits : {std::string("\1"), Bytes().u8s({1, 0, 1}).str()}) {
-    SampleFile file = newFile();
+    FileBuilder file = newFile();
     const std::uint64_t list =
         valueList(file, has_invalidation, 1, {file.add("DV", {}, "AB"), file.add("DI", {}, bits)});
     expectFinding(csvOf(fileWith(file, 2, list).bytes()), "a\n\"\"\n66\n",
@@ -99,7 +100,7 @@ TEST(InvalidationData, TooShortOrTooLong) {
 }
 
 TEST(InvalidationData, LinksThatAreMissing) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   const std::uint64_t list =
       valueList(file, has_invalidation, 2,
                 {file.add("DV", {}, "A"), file.add("DV", {}, "B"), file.add("DI", {}, "\1")});
@@ -108,12 +109,12 @@ TEST(InvalidationData, LinksThatAreMissing) {
 }
 
 TEST(InvalidationData, LinksThatLeadElsewhere) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   const std::uint64_t text = file.text("no data");
   const std::uint64_t other = file.add("DV", {}, "\1");
-  const std::uint64_t zipped = file.zipped("DV", "\1");
+  const std::uint64_t zipped = addZipped(file, "DV", "\1");
   for (const std::uint64_t link : {text, other, zipped, std::uint64_t{1} << 40U, UINT64_MAX}) {
-    SampleFile each = file;
+    FileBuilder each = file;
     const std::uint64_t list =
         valueList(each, has_invalidation, 1, {each.add("DV", {}, "A"), link});
     expectFinding(csvOf(fileWith(each, 1, list).bytes()), "a\n65\n",
@@ -122,8 +123,8 @@ TEST(InvalidationData, LinksThatLeadElsewhere) {
 }
 
 TEST(InvalidationData, ZippedDataThatIsBroken) {
-  SampleFile file = newFile();
-  const std::uint64_t zipped = file.zipped("DI", "\1\1\1");
+  FileBuilder file = newFile();
+  const std::uint64_t zipped = addZipped(file, "DI", "\1\1\1");
   file.write(zipped + 48, "xxxx");
   const std::uint64_t list =
       valueList(file, has_invalidation, 1, {file.add("DV", {}, "ABC"), zipped});
@@ -132,7 +133,7 @@ TEST(InvalidationData, ZippedDataThatIsBroken) {
 }
 
 TEST(InvalidationData, ACountOfLinksThatLies) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   const std::uint64_t list = valueList(file, has_invalidation, UINT32_MAX,
                                        {file.add("DV", {}, "A"), file.add("DV", {}, "B")});
   expectFinding(csvOf(fileWith(file, 2, list).bytes()), "a\n65\n66\n",
@@ -141,7 +142,7 @@ TEST(InvalidationData, ACountOfLinksThatLies) {
 
 /// A block that is unzipped for each of many parts.
 TEST(InvalidationData, OneBlockForAllPartsHasALimit) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   std::vector<std::uint64_t> blocks;
   std::string expected = "a\n";
   for (int i = 0; i < 100; ++i) {
@@ -159,13 +160,13 @@ TEST(InvalidationData, OneBlockForAllPartsHasALimit) {
 }
 
 TEST(InvalidationData, RecordsOfInvalidationBytesAlone) {
-  SampleFile file = newFile();
-  ChannelFields index = firstByte("index");
+  FileBuilder file = newFile();
+  ChannelSpec index = firstByte("index");
   index.bit_count = 0;
   index.type = 6;
   const std::uint64_t list =
       valueList(file, has_invalidation, 1, {file.add("DV", {}, ""), file.add("DI", {}, "\1\1")});
-  file.dataGroup({file.group({2, 0, 1}, {file.channel(index)})}, list);
+  file.addDataGroup({file.addChannelGroup({2, 0, 1}, {file.addChannel(index)})}, list);
   EXPECT_EQ(healthyCsvOf(file.bytes()), "index\n0\n1\n");
 }
 

@@ -6,9 +6,9 @@
 #include <variant>
 #include <vector>
 
+#include "exported.h"
 #include "pictures/chart.h"
 #include "reader/bytes/input_file.h"
-#include "sample_file.h"
 #include "support/allocation_counter.h"
 #include "tools/support/temp_file.h"
 
@@ -17,27 +17,27 @@ using mdf_reader::Selection;
 
 namespace {
 
-SampleFile newFile() { return SampleFile("MDF     ", 420); }
+FileBuilder newFile() { return FileBuilder("MDF     ", 420); }
 
 /// A group of the time alone with so many records, half a second apart.
-std::uint64_t addTimes(SampleFile& file, std::uint64_t cycles, int records) {
+std::uint64_t addTimes(FileBuilder& file, std::uint64_t cycles, int records) {
   Bytes data;
   for (int i = 0; i < records; ++i) {
     data.f64(0.5 * i);
   }
-  const std::uint64_t group = file.group({cycles, 8}, {file.time()});
-  file.dataGroup({group}, file.add("DV", {}, data));
+  const std::uint64_t group = file.addChannelGroup({cycles, 8}, {file.addTime()});
+  file.addDataGroup({group}, file.add("DV", {}, data));
   return group;
 }
 
 /// A group of a byte for each letter whose master is elsewhere.
-std::uint64_t addRemote(SampleFile& file, const std::string& letters, std::uint64_t master,
+std::uint64_t addRemote(FileBuilder& file, const std::string& letters, std::uint64_t master,
                         const std::string& name = "a") {
-  GroupFields fields{letters.size(), 1};
+  GroupSpec fields{letters.size(), 1};
   fields.flags = 8;
   fields.master = master;
-  const std::uint64_t group = file.group(fields, {file.channel(firstByte(name))});
-  file.dataGroup({group}, file.add("DV", {}, letters));
+  const std::uint64_t group = file.addChannelGroup(fields, {file.addChannel(firstByte(name))});
+  file.addDataGroup({group}, file.add("DV", {}, letters));
   return group;
 }
 
@@ -48,13 +48,13 @@ Selection onlyGroup(std::size_t group) {
 }
 
 TEST(RemoteMaster, StandsInFront) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   addRemote(file, "ABC", addTimes(file, 3, 3));
   EXPECT_EQ(healthyCsvOf(file.bytes()), "time [s]\n0\n0.5\n1\n\ntime [s],a\n0,65\n0.5,66\n1,67\n");
 }
 
 TEST(RemoteMaster, StandsInFrontOfJsonLines) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   addRemote(file, "A", addTimes(file, 1, 1));
   EXPECT_EQ(jsonOf(file.bytes(), onlyGroup(1)).text,
             "{\"schema\":1,\"group\":1,\"name\":\"\",\"columns\":[{\"name\":\"time\",\"unit\":"
@@ -63,7 +63,7 @@ TEST(RemoteMaster, StandsInFrontOfJsonLines) {
 }
 
 TEST(RemoteMaster, LimitsTheRange) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   addRemote(file, "ABCDE", addTimes(file, 5, 5));
   Selection selection = onlyGroup(1);
   selection.from = 0.5;
@@ -74,7 +74,7 @@ TEST(RemoteMaster, LimitsTheRange) {
 }
 
 TEST(RemoteMaster, StandsInFrontOfWhatPatternsSelect) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   addRemote(file, "AB", addTimes(file, 2, 2));
   Selection selection;
   selection.channels = {"a"};
@@ -84,13 +84,13 @@ TEST(RemoteMaster, StandsInFrontOfWhatPatternsSelect) {
 }
 
 TEST(RemoteMaster, IsConvertedUnlessRawValuesAreWanted) {
-  SampleFile file = newFile();
-  ChannelFields count = firstByte("count");
+  FileBuilder file = newFile();
+  ChannelSpec count = firstByte("count");
   count.type = 2;
   count.sync_type = 4;
-  count.conversion = file.conversion(1, {100, 2});
-  const std::uint64_t group = file.group({2, 1}, {file.channel(count)});
-  file.dataGroup({group}, file.data("\1\2"));
+  count.conversion = file.addConversion({1, {}, {100, 2}});
+  const std::uint64_t group = file.addChannelGroup({2, 1}, {file.addChannel(count)});
+  file.addDataGroup({group}, file.addData("\1\2"));
   addRemote(file, "AB", group);
   EXPECT_EQ(healthyCsvOf(file.bytes(), onlyGroup(1)), "count,a\n102,65\n104,66\n");
   Selection raw = onlyGroup(1);
@@ -99,20 +99,21 @@ TEST(RemoteMaster, IsConvertedUnlessRawValuesAreWanted) {
 }
 
 TEST(RemoteMaster, GivesWayToAMasterOfItsOwn) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   const std::uint64_t times = addTimes(file, 1, 1);
-  GroupFields fields{1, 8};
+  GroupSpec fields{1, 8};
   fields.flags = 8;
   fields.master = times;
-  ChannelFields own = firstByte("own");
+  ChannelSpec own = firstByte("own");
   own.type = 2;
   own.sync_type = 4;
-  file.dataGroup({file.group(fields, {file.channel(own)})}, file.data("ABCDEFGH"));
+  file.addDataGroup({file.addChannelGroup(fields, {file.addChannel(own)})},
+                    file.addData("ABCDEFGH"));
   EXPECT_EQ(healthyCsvOf(file.bytes(), onlyGroup(1)), "own\n65\n");
 }
 
 TEST(RemoteMaster, IsDrawnOver) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   addRemote(file, "AB", addTimes(file, 2, 2));
   const TempFile path(file.bytes());
   mdf_reader::InputFile input(path.path());
@@ -129,55 +130,56 @@ TEST(RemoteMaster, IsDrawnOver) {
 }
 
 TEST(RemoteMaster, WithFewerSamplesIsEmptyWhereTheyMiss) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   addRemote(file, "ABCD", addTimes(file, 2, 2));
   expectFinding(csvOf(file.bytes(), onlyGroup(1)), "time [s],a\n0,65\n0.5,66\n,67\n,68\n",
                 "for each record, found none for record 2");
 }
 
 TEST(RemoteMaster, CountEndsItsSamples) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   addRemote(file, "ABC", addTimes(file, 1, 3));
   expectFinding(csvOf(file.bytes(), onlyGroup(1)), "time [s],a\n0,65\n,66\n,67\n",
                 "found none for record 1");
 }
 
 TEST(RemoteMaster, WithoutDataIsEmpty) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   addRemote(file, "AB", addTimes(file, 0, 0));
   expectFinding(csvOf(file.bytes(), onlyGroup(1)), "time [s],a\n,65\n,66\n",
                 "found none for record 0");
 }
 
 TEST(RemoteMaster, AtALinkThatLeadsToNoChannelGroup) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   const std::uint64_t text = file.text("no group");
   for (const std::uint64_t link : {text, std::uint64_t{1} << 40U, UINT64_MAX}) {
-    SampleFile each = file;
+    FileBuilder each = file;
     addRemote(each, "AB", link);
     expectFinding(csvOf(each.bytes()), "a\n65\n66\n", ", found none of the file");
   }
 }
 
 TEST(RemoteMaster, WithoutItsLink) {
-  SampleFile file = newFile();
-  GroupFields fields{1, 1};
+  FileBuilder file = newFile();
+  GroupSpec fields{1, 1};
   fields.flags = 8;
-  file.dataGroup({file.group(fields, {file.channel(firstByte("a"))})}, file.data("A"));
+  file.addDataGroup({file.addChannelGroup(fields, {file.addChannel(firstByte("a"))})},
+                    file.addData("A"));
   expectFinding(csvOf(file.bytes()), "a\n65\n", ", found none of the file");
 }
 
 TEST(RemoteMaster, OfAGroupWithoutOne) {
-  SampleFile file = newFile();
-  const std::uint64_t other = file.group({1, 1}, {file.channel(firstByte("b"))});
-  file.dataGroup({other}, file.data("B"));
+  FileBuilder file = newFile();
+  const std::uint64_t other = file.addChannelGroup({1, 1}, {file.addChannel(firstByte("b"))});
+  file.addDataGroup({other}, file.addData("B"));
   addRemote(file, "A", other);
   expectFinding(csvOf(file.bytes(), onlyGroup(1)), "a\n65\n", ", found one without a master");
 }
 
 /// A master is where the link leads, and not at the end of several links.
 TEST(RemoteMaster, OfGroupsInACircle) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   const std::uint64_t first = addRemote(file, "A", 8);
   const std::uint64_t second = addRemote(file, "B", first, "b");
   file.link(first, 6, second);
@@ -189,17 +191,17 @@ TEST(RemoteMaster, OfGroupsInACircle) {
 }
 
 TEST(RemoteMaster, InUnsortedData) {
-  SampleFile file = newFile();
-  const std::uint64_t times = file.group({1, 8, 0, 1}, {file.time()});
-  const std::uint64_t other = file.group({1, 1, 0, 2}, {file.channel(firstByte("b"))});
-  file.dataGroup({times, other}, file.data(Bytes().u8(1).f64(0).u8(2).u8(66)), 1);
+  FileBuilder file = newFile();
+  const std::uint64_t times = file.addChannelGroup({1, 8, 0, 1}, {file.addTime()});
+  const std::uint64_t other = file.addChannelGroup({1, 1, 0, 2}, {file.addChannel(firstByte("b"))});
+  file.addDataGroup({times, other}, file.addData(Bytes().u8(1).f64(0).u8(2).u8(66)), 1);
   addRemote(file, "A", times);
   expectFinding(csvOf(file.bytes(), onlyGroup(2)), "a\n65\n",
                 "with its records side by side, found them unsorted");
 }
 
 TEST(RemoteMaster, WithoutAMasterSamplesHaveNoRange) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   addRemote(file, "A", 8);
   Selection selection;
   selection.from = 0;
@@ -211,10 +213,10 @@ TEST(RemoteMaster, WithoutAMasterSamplesHaveNoRange) {
 
 /// Each group takes as little of the file as there is to be shown of it.
 TEST(RemoteMaster, InLongRecordsHasALimit) {
-  SampleFile file = newFile();
+  FileBuilder file = newFile();
   constexpr std::uint32_t record = 1U << 20U;
-  const std::uint64_t group = file.group({1, record}, {file.time()});
-  file.dataGroup({group}, file.add("DV", {}, std::string(record, '\0')));
+  const std::uint64_t group = file.addChannelGroup({1, record}, {file.addTime()});
+  file.addDataGroup({group}, file.add("DV", {}, std::string(record, '\0')));
   for (int i = 0; i < 400; ++i) {
     addRemote(file, "A", group);
   }
@@ -246,10 +248,10 @@ class Counter : public mdf_reader::TableVisitor {
 };
 
 TEST(RemoteMaster, MemoryDoesNotGrowWithTheSamples) {
-  SampleFile contents = newFile();
+  FileBuilder contents = newFile();
   constexpr std::uint64_t cycles = 400000;
-  const std::uint64_t times = contents.group({cycles, 8}, {contents.time()});
-  contents.dataGroup({times}, contents.add("DV", {}, std::string(8 * cycles, '\0')));
+  const std::uint64_t times = contents.addChannelGroup({cycles, 8}, {contents.addTime()});
+  contents.addDataGroup({times}, contents.add("DV", {}, std::string(8 * cycles, '\0')));
   addRemote(contents, std::string(cycles, 'A'), times);
   const TempFile path(contents.bytes());
   mdf_reader::InputFile file(path.path());

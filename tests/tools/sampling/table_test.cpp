@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "exported.h"
 #include "reader/bytes/input_file.h"
-#include "sample_file.h"
 #include "support/allocation_counter.h"
 #include "tools/support/temp_file.h"
 
@@ -15,9 +15,9 @@ using mdf_reader::Selection;
 
 namespace {
 
-ChannelFields number(const std::string& name, unsigned data_type, std::uint32_t byte_offset,
-                     std::uint32_t bit_count) {
-  ChannelFields fields;
+ChannelSpec number(const std::string& name, unsigned data_type, std::uint32_t byte_offset,
+                   std::uint32_t bit_count) {
+  ChannelSpec fields;
   fields.name = name;
   fields.data_type = data_type;
   fields.byte_offset = byte_offset;
@@ -35,14 +35,14 @@ std::string timedRecords(int count, const std::string& in_front = "") {
 }
 
 /// A file with one channel group of time and speed.
-SampleFile timedFile(std::uint64_t cycles, const std::string& records,
-                     const std::string& file_word = "MDF     ") {
-  SampleFile file(file_word);
-  const std::uint64_t time = file.time();
-  ChannelFields speed = number("speed", 0, 8, 8);
+FileBuilder timedFile(std::uint64_t cycles, const std::string& records,
+                      const std::string& file_word = "MDF     ") {
+  FileBuilder file(file_word);
+  const std::uint64_t time = file.addTime();
+  ChannelSpec speed = number("speed", 0, 8, 8);
   speed.unit = "km/h";
-  const std::uint64_t group = file.group({cycles, 9}, {time, file.channel(speed)});
-  file.dataGroup({group}, records.empty() ? 0 : file.data(records));
+  const std::uint64_t group = file.addChannelGroup({cycles, 9}, {time, file.addChannel(speed)});
+  file.addDataGroup({group}, records.empty() ? 0 : file.addData(records));
   return file;
 }
 
@@ -76,7 +76,7 @@ TEST(Table, RecordsThatNobodyCounted) {
 }
 
 TEST(Table, UnfinishedFile) {
-  SampleFile file = timedFile(0, timedRecords(3) + "cut", "UnFinMF ");
+  FileBuilder file = timedFile(0, timedRecords(3) + "cut", "UnFinMF ");
   file.write(60, Bytes().u16(1 + 4));
   const Exported exported = csvOf(file.bytes());
   EXPECT_EQ(exported.text, three_rows);
@@ -85,49 +85,50 @@ TEST(Table, UnfinishedFile) {
 }
 
 TEST(Table, UnfinishedFileWithAnOpenLastBlock) {
-  SampleFile file("UnFinMF ");
+  FileBuilder file("UnFinMF ");
   file.write(60, Bytes().u16(1 + 4));
-  const std::uint64_t time = file.time();
-  const std::uint64_t group = file.group({0, 9}, {time, file.channel(number("n", 0, 8, 8))});
-  const std::uint64_t data_group = file.dataGroup({group}, 0);
-  const std::uint64_t first = file.data(timedRecords(2));
-  const std::uint64_t empty = file.data("");
-  const std::uint64_t last = file.data("");
-  file.link(data_group, 2, file.list({first, empty, last}));
+  const std::uint64_t time = file.addTime();
+  const std::uint64_t group =
+      file.addChannelGroup({0, 9}, {time, file.addChannel(number("n", 0, 8, 8))});
+  const std::uint64_t data_group = file.addDataGroup({group}, 0);
+  const std::uint64_t first = file.addData(timedRecords(2));
+  const std::uint64_t empty = file.addData("");
+  const std::uint64_t last = file.addData("");
+  file.link(data_group, 2, addList(file, {first, empty, last}));
   EXPECT_EQ(csvOf(file.bytes()).text, "time [s],n\n0,10\n0.5,11\n");
 
-  SampleFile open("UnFinMF ");
+  FileBuilder open("UnFinMF ");
   open.write(60, Bytes().u16(1 + 4));
-  const std::uint64_t channel = open.time();
-  const std::uint64_t records = open.group({0, 9}, {channel});
-  const std::uint64_t list = open.list({0, 0});
-  open.dataGroup({records}, list);
-  open.link(list, 1, open.data(timedRecords(2)));
-  open.link(list, 2, open.data(""));
+  const std::uint64_t channel = open.addTime();
+  const std::uint64_t records = open.addChannelGroup({0, 9}, {channel});
+  const std::uint64_t list = addList(open, {0, 0});
+  open.addDataGroup({records}, list);
+  open.link(list, 1, open.addData(timedRecords(2)));
+  open.link(list, 2, open.addData(""));
   open.append(timedRecords(3));
   EXPECT_EQ(csvOf(open.bytes()).text, "time [s]\n0\n0.5\n0\n0.5\n1\n");
 }
 
 TEST(Table, RecordIdsOfASortedGroup) {
   for (const unsigned size : {1U, 2U, 8U}) {
-    SampleFile file;
-    const std::uint64_t time = file.time();
-    const std::uint64_t group = file.group({2, 9}, {time});
-    file.dataGroup({group}, file.data(timedRecords(2, std::string(size, '\x07'))), size);
+    FileBuilder file;
+    const std::uint64_t time = file.addTime();
+    const std::uint64_t group = file.addChannelGroup({2, 9}, {time});
+    file.addDataGroup({group}, file.addData(timedRecords(2, std::string(size, '\x07'))), size);
     EXPECT_EQ(healthyCsvOf(file.bytes()), "time [s]\n0\n0.5\n");
   }
 }
 
 /// Two channel groups in one data group: time and a byte, and two bytes.
-SampleFile unsortedFile(unsigned code, const std::string& records, std::uint64_t first_id = 1,
-                        std::uint64_t second_id = 2) {
-  SampleFile file;
-  const std::uint64_t time = file.time();
+FileBuilder unsortedFile(unsigned code, const std::string& records, std::uint64_t first_id = 1,
+                         std::uint64_t second_id = 2) {
+  FileBuilder file;
+  const std::uint64_t time = file.addTime();
   const std::uint64_t first =
-      file.group({2, 9, 0, first_id}, {time, file.channel(number("a", 0, 8, 8))});
+      file.addChannelGroup({2, 9, 0, first_id}, {time, file.addChannel(number("a", 0, 8, 8))});
   const std::uint64_t second =
-      file.group({3, 2, 0, second_id}, {file.channel(number("b", 0, 0, 16))});
-  file.dataGroup({first, second}, file.data(records), code);
+      file.addChannelGroup({3, 2, 0, second_id}, {file.addChannel(number("b", 0, 0, 16))});
+  file.addDataGroup({first, second}, file.addData(records), code);
   return file;
 }
 
@@ -182,71 +183,75 @@ TEST(Table, RecordIdThatNoGroupHas) {
 }
 
 TEST(Table, UnsortedRecordsInPieces) {
-  SampleFile file = unsortedFile(1, "");
+  FileBuilder file = unsortedFile(1, "");
   const std::string records = mixedRecords(1);
-  const std::uint64_t list =
-      file.list({file.data(records.substr(0, 5)), file.zipped("DT", records.substr(5, 10)),
-                 file.data(records.substr(15))});
+  const std::uint64_t list = addList(
+      file, {file.addData(records.substr(0, 5)), addZipped(file, "DT", records.substr(5, 10)),
+             file.addData(records.substr(15))});
   const std::uint64_t data_group = file.bytes().find("##DG");
   file.link(data_group, 2, list);
   EXPECT_EQ(healthyCsvOf(file.bytes()), mixed_tables);
 }
 
 TEST(Table, GroupsWithoutRecordIdsWhereOneHasRecords) {
-  SampleFile file;
-  const std::uint64_t first = file.group({0, 2}, {file.channel(number("a", 0, 0, 16))});
-  const std::uint64_t second = file.group({2, 1}, {file.channel(number("b", 0, 0, 8))});
-  file.dataGroup({first, second}, file.data("AB"));
+  FileBuilder file;
+  const std::uint64_t first =
+      file.addChannelGroup({0, 2}, {file.addChannel(number("a", 0, 0, 16))});
+  const std::uint64_t second =
+      file.addChannelGroup({2, 1}, {file.addChannel(number("b", 0, 0, 8))});
+  file.addDataGroup({first, second}, file.addData("AB"));
   EXPECT_EQ(healthyCsvOf(file.bytes()), "a\n\nb\n65\n66\n");
 }
 
 /// A channel whose values are behind offsets of four bytes.
-ChannelFields variable(const std::string& name, unsigned data_type, std::uint64_t data,
-                       std::uint32_t byte_offset = 0) {
-  ChannelFields fields = number(name, data_type, byte_offset, 32);
+ChannelSpec variable(const std::string& name, unsigned data_type, std::uint64_t data,
+                     std::uint32_t byte_offset = 0) {
+  ChannelSpec fields = number(name, data_type, byte_offset, 32);
   fields.type = 1;
   fields.data = data;
   return fields;
 }
 
 TEST(Table, VariableLengthInSignalData) {
-  SampleFile file;
+  FileBuilder file;
   const std::uint64_t values =
       file.add("SD", {}, Bytes().u32(5).text("first").u32(0).u32(3).text("3rd"));
-  const std::uint64_t channel = file.channel(variable("text", 7, values));
-  const std::uint64_t group = file.group({4, 4}, {channel});
-  file.dataGroup({group}, file.data(Bytes().u32(0).u32(9).u32(13).u32(0)));
+  const std::uint64_t channel = file.addChannel(variable("text", 7, values));
+  const std::uint64_t group = file.addChannelGroup({4, 4}, {channel});
+  file.addDataGroup({group}, file.addData(Bytes().u32(0).u32(9).u32(13).u32(0)));
   EXPECT_EQ(healthyCsvOf(file.bytes()), "text\nfirst\n\"\"\n3rd\nfirst\n");
 }
 
 TEST(Table, VariableLengthInListsOfZippedSignalData) {
-  SampleFile file;
-  const std::uint64_t list = file.list({file.zipped("SD", Bytes().u32(5).text("fi")),
-                                        file.zipped("SD", Bytes().text("rst").u32(2).u8s({1, 2}))});
-  const std::uint64_t group = file.group({2, 4}, {file.channel(variable("bytes", 10, list))});
-  file.dataGroup({group}, file.data(Bytes().u32(9).u32(0)));
+  FileBuilder file;
+  const std::uint64_t list =
+      addList(file, {addZipped(file, "SD", Bytes().u32(5).text("fi")),
+                     addZipped(file, "SD", Bytes().text("rst").u32(2).u8s({1, 2}))});
+  const std::uint64_t group =
+      file.addChannelGroup({2, 4}, {file.addChannel(variable("bytes", 10, list))});
+  file.addDataGroup({group}, file.addData(Bytes().u32(9).u32(0)));
   EXPECT_EQ(healthyCsvOf(file.bytes()), "bytes\n0102\n6669727374\n");
 }
 
 TEST(Table, VariableLengthBeyondTheSignalData) {
-  SampleFile file;
+  FileBuilder file;
   const std::uint64_t values = file.add("SD", {}, Bytes().u32(2).text("ok").u32(99).text("cut"));
-  const std::uint64_t time = file.time();
-  const std::uint64_t channel = file.channel(variable("text", 7, values, 8));
-  const std::uint64_t group = file.group({4, 12}, {time, channel});
-  file.dataGroup({group},
-                 file.data(Bytes().f64(0).u32(0).f64(1).u32(6).f64(2).u32(999).f64(3).u32(0)));
+  const std::uint64_t time = file.addTime();
+  const std::uint64_t channel = file.addChannel(variable("text", 7, values, 8));
+  const std::uint64_t group = file.addChannelGroup({4, 12}, {time, channel});
+  file.addDataGroup(
+      {group}, file.addData(Bytes().f64(0).u32(0).f64(1).u32(6).f64(2).u32(999).f64(3).u32(0)));
   const Exported exported = csvOf(file.bytes());
   EXPECT_EQ(exported.text, "time [s],text\n0,ok\n1,\n2,\n3,ok\n");
   EXPECT_EQ(exported.findings.size(), 1U);  // the first one tells
 }
 
 TEST(Table, VariableLengthInAChannelGroup) {
-  SampleFile file;
-  const std::uint64_t time = file.time();
-  const std::uint64_t text = file.channel(variable("text", 7, 0, 8));
-  const std::uint64_t group = file.group({3, 12, 0, 1}, {time, text});
-  const std::uint64_t values = file.group({3, 0, 0, 2, 1}, {});
+  FileBuilder file;
+  const std::uint64_t time = file.addTime();
+  const std::uint64_t text = file.addChannel(variable("text", 7, 0, 8));
+  const std::uint64_t group = file.addChannelGroup({3, 12, 0, 1}, {time, text});
+  const std::uint64_t values = file.addChannelGroup({3, 0, 0, 2, 1}, {});
   file.link(text, 5, values);
   const std::string records = Bytes()
                                   .u8(2)
@@ -266,15 +271,15 @@ TEST(Table, VariableLengthInAChannelGroup) {
                                   .u8(1)
                                   .f64(2)
                                   .u32(13);
-  file.dataGroup({group, values}, file.data(records), 1);
+  file.addDataGroup({group, values}, file.addData(records), 1);
   EXPECT_EQ(healthyCsvOf(file.bytes()), "time [s],text\n0,first\n1,\n2,3rd\n");
 }
 
 TEST(Table, VariableLengthInManyRecordsBackwards) {
-  SampleFile file;
-  const std::uint64_t text = file.channel(variable("text", 7, 0));
-  const std::uint64_t group = file.group({2000, 4, 0, 1}, {text});
-  const std::uint64_t values = file.group({2000, 0, 0, 2, 1}, {});
+  FileBuilder file;
+  const std::uint64_t text = file.addChannel(variable("text", 7, 0));
+  const std::uint64_t group = file.addChannelGroup({2000, 4, 0, 1}, {text});
+  const std::uint64_t values = file.addChannelGroup({2000, 0, 0, 2, 1}, {});
   file.link(text, 5, values);
   Bytes records;
   std::string expected = "text\n";
@@ -286,78 +291,79 @@ TEST(Table, VariableLengthInManyRecordsBackwards) {
   for (std::uint32_t i = 0; i < 2000; ++i) {
     records.u8(1).u32(50 * (1999 - i));
   }
-  file.dataGroup({group, values}, file.data(records), 1);
+  file.addDataGroup({group, values}, file.addData(records), 1);
   EXPECT_EQ(healthyCsvOf(file.bytes()), expected);
 }
 
 TEST(Table, MaximumLength) {
-  SampleFile file;
-  const std::uint64_t size = file.channel(number("size", 0, 0, 8));
-  ChannelFields bytes = number("bytes", 10, 1, 32);
+  FileBuilder file;
+  const std::uint64_t size = file.addChannel(number("size", 0, 0, 8));
+  ChannelSpec bytes = number("bytes", 10, 1, 32);
   bytes.type = 5;
   bytes.data = size;
-  const std::uint64_t group = file.group({3, 5}, {size, file.channel(bytes)});
-  file.dataGroup({group}, file.data(Bytes()
-                                        .u8s({2, 0xA0, 0xA1, 0xA2, 0xA3})
-                                        .u8s({0, 0xB0, 0xB1, 0xB2, 0xB3})
-                                        .u8s({9, 0xC0, 0xC1, 0xC2, 0xC3})));
+  const std::uint64_t group = file.addChannelGroup({3, 5}, {size, file.addChannel(bytes)});
+  file.addDataGroup({group}, file.addData(Bytes()
+                                              .u8s({2, 0xA0, 0xA1, 0xA2, 0xA3})
+                                              .u8s({0, 0xB0, 0xB1, 0xB2, 0xB3})
+                                              .u8s({9, 0xC0, 0xC1, 0xC2, 0xC3})));
   EXPECT_EQ(healthyCsvOf(file.bytes()), "size,bytes\n2,a0a1\n0,\n9,c0c1c2c3\n");
 }
 
 TEST(Table, InvalidationBits) {
-  SampleFile file;
-  ChannelFields a = number("a", 0, 0, 8);
+  FileBuilder file;
+  ChannelSpec a = number("a", 0, 0, 8);
   a.flags = 2;
   a.invalidation_bit = 0;
-  ChannelFields b = number("b", 0, 1, 8);
+  ChannelSpec b = number("b", 0, 1, 8);
   b.flags = 2;
   b.invalidation_bit = 9;
-  ChannelFields never = number("never", 0, 0, 8);
+  ChannelSpec never = number("never", 0, 0, 8);
   never.flags = 1;
-  const std::uint64_t group =
-      file.group({3, 2, 2}, {file.channel(a), file.channel(b), file.channel(never)});
-  file.dataGroup({group}, file.data(Bytes().u8s({1, 2, 0, 0, 3, 4, 1, 0, 5, 6, 0xFE, 2})));
+  const std::uint64_t group = file.addChannelGroup(
+      {3, 2, 2}, {file.addChannel(a), file.addChannel(b), file.addChannel(never)});
+  file.addDataGroup({group}, file.addData(Bytes().u8s({1, 2, 0, 0, 3, 4, 1, 0, 5, 6, 0xFE, 2})));
   EXPECT_EQ(healthyCsvOf(file.bytes()), "a,b,never\n1,2,\n,4,\n5,,\n");
 }
 
 TEST(Table, InvalidationBitsApartFromTheData) {
-  SampleFile file("MDF     ", 420);
-  const std::uint64_t group = file.group({4, 1, 1}, {file.channel(firstByte("a"))});
+  FileBuilder file("MDF     ", 420);
+  const std::uint64_t group = file.addChannelGroup({4, 1, 1}, {file.addChannel(firstByte("a"))});
   const std::uint64_t first = file.add("DV", {}, "AB");
   const std::uint64_t second = file.add("DV", {}, "CD");
   const std::uint64_t invalid = file.add("DI", {}, Bytes().zeros(2));
   const std::uint64_t list =
       file.add("LD", {0, first, second, invalid, invalid}, Bytes().u32(0x80000001U).u32(2).u64(2));
-  file.dataGroup({group}, list);
+  file.addDataGroup({group}, list);
   EXPECT_EQ(healthyCsvOf(file.bytes()), "a\n65\n66\n67\n68\n");
 }
 
 TEST(Table, VirtualChannels) {
-  SampleFile file;
-  ChannelFields time;
+  FileBuilder file;
+  ChannelSpec time;
   time.name = "time";
   time.bit_count = 0;
   time.type = 3;
   time.sync_type = 1;
   time.unit = "s";
-  time.conversion = file.conversion(1, {10, 0.25});
-  ChannelFields index;
+  time.conversion = file.addConversion({1, {}, {10, 0.25}});
+  ChannelSpec index;
   index.name = "index";
   index.bit_count = 0;
   index.type = 6;
-  const std::uint64_t group = file.group(
-      {3, 1}, {file.channel(index), file.channel(time), file.channel(number("a", 0, 0, 8))});
-  file.dataGroup({group}, file.data("ABC"));
+  const std::uint64_t group = file.addChannelGroup(
+      {3, 1},
+      {file.addChannel(index), file.addChannel(time), file.addChannel(number("a", 0, 0, 8))});
+  file.addDataGroup({group}, file.addData("ABC"));
   EXPECT_EQ(healthyCsvOf(file.bytes()), "time [s],index,a\n10,0,65\n10.25,1,66\n10.5,2,67\n");
 }
 
 TEST(Table, VirtualChannelsAlone) {
-  SampleFile file;
-  ChannelFields index;
+  FileBuilder file;
+  ChannelSpec index;
   index.name = "index";
   index.bit_count = 0;
   index.type = 6;
-  file.dataGroup({file.group({3, 0}, {file.channel(index)})}, 0);
+  file.addDataGroup({file.addChannelGroup({3, 0}, {file.addChannel(index)})}, 0);
   EXPECT_EQ(healthyCsvOf(file.bytes()), "index\n0\n1\n2\n");
 }
 
@@ -375,12 +381,13 @@ class Counter : public mdf_reader::TableVisitor {
 };
 
 TEST(Table, VirtualChannelsAloneWithACountThatLies) {
-  SampleFile contents;
-  ChannelFields index;
+  FileBuilder contents;
+  ChannelSpec index;
   index.name = "index";
   index.bit_count = 0;
   index.type = 6;
-  contents.dataGroup({contents.group({std::uint64_t{1} << 60U, 0}, {contents.channel(index)})}, 0);
+  contents.addDataGroup(
+      {contents.addChannelGroup({std::uint64_t{1} << 60U, 0}, {contents.addChannel(index)})}, 0);
   const TempFile path(contents.bytes());
   mdf_reader::InputFile file(path.path());
   Counter counter;
@@ -404,12 +411,12 @@ std::size_t bytesToVisit(const std::string& path, Counter& counter) {
 }
 
 TEST(Table, MemoryDoesNotGrowWithTheSamples) {
-  SampleFile contents;
+  FileBuilder contents;
   constexpr std::uint64_t cycles = 500000;
   constexpr std::uint32_t size = 200;
-  const std::uint64_t group = contents.group({cycles, size}, {contents.time()});
-  contents.dataGroup({group}, 0);
-  const std::uint64_t data = contents.data("");
+  const std::uint64_t group = contents.addChannelGroup({cycles, size}, {contents.addTime()});
+  contents.addDataGroup({group}, 0);
+  const std::uint64_t data = contents.addData("");
   contents.write(data + 8, Bytes().u64(24 + cycles * size));
   contents.link(contents.bytes().find("##DG"), 2, data);
   TempFile path(contents.bytes());
@@ -421,13 +428,13 @@ TEST(Table, MemoryDoesNotGrowWithTheSamples) {
 }
 
 TEST(Table, MemoryDoesNotGrowWithZippedBlocks) {
-  SampleFile contents;
-  const std::uint64_t group = contents.group({8000, 50}, {contents.time()});
+  FileBuilder contents;
+  const std::uint64_t group = contents.addChannelGroup({8000, 50}, {contents.addTime()});
   std::vector<std::uint64_t> blocks;
   for (int i = 0; i < 40; ++i) {
-    blocks.push_back(contents.zipped("DT", std::string(10000, '\0')));
+    blocks.push_back(addZipped(contents, "DT", std::string(10000, '\0')));
   }
-  contents.dataGroup({group}, contents.list(blocks));
+  contents.addDataGroup({group}, addList(contents, blocks));
   const TempFile path(contents.bytes());
   Counter counter;
   EXPECT_LT(bytesToVisit(path.path(), counter), 100000U);
@@ -435,13 +442,13 @@ TEST(Table, MemoryDoesNotGrowWithZippedBlocks) {
 }
 
 TEST(Table, ManyUnsortedGroups) {
-  SampleFile file;
+  FileBuilder file;
   std::vector<std::uint64_t> groups;
   Bytes records;
   std::string expected;
   for (std::uint16_t i = 0; i < 300; ++i) {
     const std::string name = "c" + std::to_string(i);
-    groups.push_back(file.group({2, 1, 0, i}, {file.channel(firstByte(name))}));
+    groups.push_back(file.addChannelGroup({2, 1, 0, i}, {file.addChannel(firstByte(name))}));
     records.u16(i).u8(static_cast<std::uint8_t>(i));
     expected += (i == 0 ? "" : "\n") + name + "\n" + std::to_string(i % 256) + "\n" +
                 std::to_string((299 - i) % 256) + "\n";
@@ -449,20 +456,22 @@ TEST(Table, ManyUnsortedGroups) {
   for (std::uint16_t i = 0; i < 300; ++i) {
     records.u16(static_cast<std::uint16_t>(299 - i)).u8(static_cast<std::uint8_t>(i));
   }
-  file.dataGroup(groups, file.data(records), 2);
+  file.addDataGroup(groups, file.addData(records), 2);
   EXPECT_EQ(healthyCsvOf(file.bytes()), expected);
 }
 
 TEST(Table, UnsortedGroupsTooLargeToBeHeldInMemory) {
-  SampleFile contents;
+  FileBuilder contents;
   constexpr std::uint32_t size = 200000;
-  const std::uint64_t large = contents.group({100, size, 0, 1}, {contents.channel(firstByte("a"))});
-  const std::uint64_t small = contents.group({100, 1, 0, 2}, {contents.channel(firstByte("b"))});
+  const std::uint64_t large =
+      contents.addChannelGroup({100, size, 0, 1}, {contents.addChannel(firstByte("a"))});
+  const std::uint64_t small =
+      contents.addChannelGroup({100, 1, 0, 2}, {contents.addChannel(firstByte("b"))});
   Bytes records;
   for (int i = 0; i < 100; ++i) {
     records.u8(1).zeros(size).u8(2).u8(7);
   }
-  contents.dataGroup({large, small}, contents.data(records), 1);
+  contents.addDataGroup({large, small}, contents.addData(records), 1);
   const TempFile path(contents.bytes());
   Counter counter;
   EXPECT_LT(bytesToVisit(path.path(), counter), 2000000U);
@@ -470,10 +479,10 @@ TEST(Table, UnsortedGroupsTooLargeToBeHeldInMemory) {
 }
 
 TEST(Table, DataGroupsThatShareTheirDataHaveALimit) {
-  SampleFile file;
-  const std::uint64_t data = file.data(std::string(100000, 'x'));
+  FileBuilder file;
+  const std::uint64_t data = file.addData(std::string(100000, 'x'));
   for (int i = 0; i < 20; ++i) {
-    file.dataGroup({file.group({1, 100000}, {file.channel(firstByte("c"))})}, data);
+    file.addDataGroup({file.addChannelGroup({1, 100000}, {file.addChannel(firstByte("c"))})}, data);
   }
   const Exported exported = csvOf(file.bytes());
   EXPECT_EQ(exported.findings.size(), 1U);
@@ -485,22 +494,22 @@ TEST(Table, DataGroupsThatShareTheirDataHaveALimit) {
 }
 
 TEST(Table, MembersOfStructures) {
-  SampleFile file;
-  const std::uint64_t x = file.channel(number("x", 0, 0, 8));
-  const std::uint64_t y = file.channel(number("y", 0, 1, 8));
+  FileBuilder file;
+  const std::uint64_t x = file.addChannel(number("x", 0, 0, 8));
+  const std::uint64_t y = file.addChannel(number("y", 0, 1, 8));
   file.chain({x, y});
-  ChannelFields point = number("point", 10, 0, 16);
+  ChannelSpec point = number("point", 10, 0, 16);
   point.composition = x;
-  ChannelFields outer = number("outer", 10, 0, 16);
-  outer.composition = file.channel(point);
+  ChannelSpec outer = number("outer", 10, 0, 16);
+  outer.composition = file.addChannel(point);
   const std::uint64_t group =
-      file.group({1, 3}, {file.channel(outer), file.channel(number("z", 0, 2, 8))});
-  file.dataGroup({group}, file.data("ABC"));
+      file.addChannelGroup({1, 3}, {file.addChannel(outer), file.addChannel(number("z", 0, 2, 8))});
+  file.addDataGroup({group}, file.addData("ABC"));
   EXPECT_EQ(healthyCsvOf(file.bytes()), "outer.point.x,outer.point.y,z\n65,66,67\n");
 }
 
 /// A channel array block of unsigned bytes.
-std::uint64_t arrayOf(SampleFile& file, const std::vector<std::uint64_t>& dimensions,
+std::uint64_t arrayOf(FileBuilder& file, const std::vector<std::uint64_t>& dimensions,
                       std::uint32_t step, std::uint32_t flags = 0, std::uint8_t storage = 0) {
   Bytes fields;
   fields.u8(0).u8(storage).u16(static_cast<std::uint16_t>(dimensions.size())).u32(flags);
@@ -513,11 +522,12 @@ std::uint64_t arrayOf(SampleFile& file, const std::vector<std::uint64_t>& dimens
 
 std::string arrayFile(const std::vector<std::uint64_t>& dimensions, std::uint32_t step,
                       std::uint32_t flags = 0, std::uint8_t storage = 0) {
-  SampleFile file;
-  ChannelFields fields = number("map", 0, 0, 8);
+  FileBuilder file;
+  ChannelSpec fields = number("map", 0, 0, 8);
   fields.composition = arrayOf(file, dimensions, step, flags, storage);
-  const std::uint64_t last = file.channel(number("last", 0, 6, 8));
-  file.dataGroup({file.group({1, 7}, {file.channel(fields), last})}, file.data("ABCDEFG"));
+  const std::uint64_t last = file.addChannel(number("last", 0, 6, 8));
+  file.addDataGroup({file.addChannelGroup({1, 7}, {file.addChannel(fields), last})},
+                    file.addData("ABCDEFG"));
   return file.bytes();
 }
 
@@ -542,20 +552,21 @@ TEST(Table, ArraysThatDoNotFitAreLeftOut) {
 }
 
 /// An array of arrays or structures, and a channel behind it.
-std::string composedFile(SampleFile file, const std::vector<std::uint64_t>& dimensions,
+std::string composedFile(FileBuilder file, const std::vector<std::uint64_t>& dimensions,
                          std::uint64_t composition) {
-  ChannelFields fields = number("v", 0, 0, 8);
+  ChannelSpec fields = number("v", 0, 0, 8);
   fields.composition = arrayOf(file, dimensions, 2);
   file.link(fields.composition, 0, composition);
-  const std::uint64_t last = file.channel(number("last", 0, 6, 8));
-  file.dataGroup({file.group({1, 7}, {file.channel(fields), last})}, file.data("ABCDEFG"));
+  const std::uint64_t last = file.addChannel(number("last", 0, 6, 8));
+  file.addDataGroup({file.addChannelGroup({1, 7}, {file.addChannel(fields), last})},
+                    file.addData("ABCDEFG"));
   return file.bytes();
 }
 
 TEST(Table, ArraysOfStructures) {
-  SampleFile file;
-  const std::uint64_t a = file.channel(number("a", 0, 0, 8));
-  file.chain({a, file.channel(number("b", 0, 1, 8))});
+  FileBuilder file;
+  const std::uint64_t a = file.addChannel(number("a", 0, 0, 8));
+  file.chain({a, file.addChannel(number("b", 0, 1, 8))});
   const std::string bytes = composedFile(file, {3}, a);
   EXPECT_EQ(healthyCsvOf(bytes),
             "v[0].a,v[0].b,v[1].a,v[1].b,v[2].a,v[2].b,last\n65,66,67,68,69,70,71\n");
@@ -565,16 +576,16 @@ TEST(Table, ArraysOfStructures) {
 }
 
 TEST(Table, ArraysOfArrays) {
-  SampleFile file;
+  FileBuilder file;
   const std::uint64_t inner = arrayOf(file, {2}, 1);
   EXPECT_EQ(healthyCsvOf(composedFile(file, {3}, inner)),
             "v[0][0],v[0][1],v[1][0],v[1][1],v[2][0],v[2][1],last\n65,66,67,68,69,70,71\n");
 }
 
 TEST(Table, ArraysOfStructuresThatDoNotFitAreLeftOut) {
-  SampleFile file;
-  const std::uint64_t a = file.channel(number("a", 0, 0, 8));
-  file.chain({a, file.channel(number("b", 0, 1, 8))});
+  FileBuilder file;
+  const std::uint64_t a = file.addChannel(number("a", 0, 0, 8));
+  file.chain({a, file.addChannel(number("b", 0, 1, 8))});
   for (const auto& dimensions : std::vector<std::vector<std::uint64_t>>{
            {5}, {UINT64_MAX}, std::vector<std::uint64_t>(17, 1)}) {
     expectFinding(csvOf(composedFile(file, dimensions, a)), "last\n71\n",
@@ -590,22 +601,22 @@ TEST(Table, ArraysOfStructuresThatDoNotFitAreLeftOut) {
 
 /// Structures in arrays in structures, and so on: each level twice what there is below.
 TEST(Table, ArraysOfStructuresInOneAnotherHaveALimit) {
-  SampleFile file;
-  std::uint64_t member = file.channel(number("a", 0, 0, 8));
+  FileBuilder file;
+  std::uint64_t member = file.addChannel(number("a", 0, 0, 8));
   for (int i = 0; i < 30; ++i) {
-    ChannelFields fields = number("s", 10, 0, 8);
+    ChannelSpec fields = number("s", 10, 0, 8);
     fields.composition = arrayOf(file, {2}, 1);
     file.link(fields.composition, 0, member);
-    member = file.channel(fields);
+    member = file.addChannel(fields);
   }
-  file.dataGroup({file.group({1, 7}, {member})}, file.data("ABCDEFG"));
+  file.addDataGroup({file.addChannelGroup({1, 7}, {member})}, file.addData("ABCDEFG"));
   const Exported exported = csvOf(file.bytes());
   EXPECT_FALSE(exported.findings.empty());
   EXPECT_LT(exported.findings.size(), 65537U);
 }
 
 TEST(Table, CompositionsOfArraysInACircle) {
-  SampleFile file;
+  FileBuilder file;
   const std::uint64_t inner = arrayOf(file, {1}, 1);
   file.link(inner, 0, inner);
   const Exported exported = csvOf(composedFile(file, {3}, inner));
@@ -613,19 +624,19 @@ TEST(Table, CompositionsOfArraysInACircle) {
 }
 
 TEST(Table, ChannelsOfTheSameName) {
-  SampleFile file;
-  const std::uint64_t group = file.group(
-      {1, 4}, {file.channel(number("a", 0, 0, 8)), file.channel(number("a (2)", 0, 1, 8)),
-               file.channel(number("a", 0, 2, 8)), file.channel(number("", 0, 3, 8))});
-  file.dataGroup({group}, file.data("ABCD"));
+  FileBuilder file;
+  const std::uint64_t group = file.addChannelGroup(
+      {1, 4}, {file.addChannel(number("a", 0, 0, 8)), file.addChannel(number("a (2)", 0, 1, 8)),
+               file.addChannel(number("a", 0, 2, 8)), file.addChannel(number("", 0, 3, 8))});
+  file.addDataGroup({group}, file.addData("ABCD"));
   EXPECT_EQ(healthyCsvOf(file.bytes()), "a,a (2),a (3),unnamed\n65,66,67,68\n");
 }
 
 TEST(Table, ValuesOutsideTheRecord) {
-  SampleFile file;
-  const std::uint64_t group = file.group(
-      {1, 2}, {file.channel(number("a", 0, 0, 16)), file.channel(number("b", 0, 1, 16))});
-  file.dataGroup({group}, file.data("AB"));
+  FileBuilder file;
+  const std::uint64_t group = file.addChannelGroup(
+      {1, 2}, {file.addChannel(number("a", 0, 0, 16)), file.addChannel(number("b", 0, 1, 16))});
+  file.addDataGroup({group}, file.addData("AB"));
   const Exported exported = csvOf(file.bytes());
   EXPECT_EQ(exported.text, "a,b\n16961,\n");
   ASSERT_EQ(exported.findings.size(), 1U);
@@ -635,12 +646,13 @@ TEST(Table, ValuesOutsideTheRecord) {
 }
 
 TEST(Table, SharedConversions) {
-  SampleFile file;
-  ChannelFields a = number("a", 0, 0, 8);
-  a.conversion = file.conversion(7, {65}, {file.text("letter"), file.text("other")});
-  ChannelFields b = number("b", 0, 1, 8);
+  FileBuilder file;
+  ChannelSpec a = number("a", 0, 0, 8);
+  a.conversion = file.addConversion({7, {file.text("letter"), file.text("other")}, {65}});
+  ChannelSpec b = number("b", 0, 1, 8);
   b.conversion = a.conversion;
-  file.dataGroup({file.group({2, 2}, {file.channel(a), file.channel(b)})}, file.data("ABBA"));
+  file.addDataGroup({file.addChannelGroup({2, 2}, {file.addChannel(a), file.addChannel(b)})},
+                    file.addData("ABBA"));
   EXPECT_EQ(healthyCsvOf(file.bytes()), "a,b\nletter,other\nother,letter\n");
   Selection raw;
   raw.is_raw = true;
@@ -648,8 +660,9 @@ TEST(Table, SharedConversions) {
 }
 
 TEST(Table, PatternsSelectChannels) {
-  SampleFile file = timedFile(2, timedRecords(2));
-  file.dataGroup({file.group({1, 1}, {file.channel(number("other", 0, 0, 8))})}, file.data("A"));
+  FileBuilder file = timedFile(2, timedRecords(2));
+  file.addDataGroup({file.addChannelGroup({1, 1}, {file.addChannel(number("other", 0, 0, 8))})},
+                    file.addData("A"));
   Selection selection;
   selection.channels = {"sp*"};
   EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "time [s],speed [km/h]\n0,10\n0.5,11\n");
@@ -662,8 +675,9 @@ TEST(Table, PatternsSelectChannels) {
 }
 
 TEST(Table, GroupsAreCountedThroughTheFile) {
-  SampleFile file = timedFile(1, timedRecords(1));
-  file.dataGroup({file.group({1, 1}, {file.channel(number("other", 0, 0, 8))})}, file.data("A"));
+  FileBuilder file = timedFile(1, timedRecords(1));
+  file.addDataGroup({file.addChannelGroup({1, 1}, {file.addChannel(number("other", 0, 0, 8))})},
+                    file.addData("A"));
   Selection selection;
   selection.group = 1;
   EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "other\n65\n");
@@ -672,8 +686,9 @@ TEST(Table, GroupsAreCountedThroughTheFile) {
 }
 
 TEST(Table, RangeOfTheMaster) {
-  SampleFile file = timedFile(5, timedRecords(5));
-  file.dataGroup({file.group({1, 1}, {file.channel(number("other", 0, 0, 8))})}, file.data("A"));
+  FileBuilder file = timedFile(5, timedRecords(5));
+  file.addDataGroup({file.addChannelGroup({1, 1}, {file.addChannel(number("other", 0, 0, 8))})},
+                    file.addData("A"));
   Selection selection;
   selection.from = 0.5;
   selection.to = 1;
@@ -683,37 +698,39 @@ TEST(Table, RangeOfTheMaster) {
 }
 
 TEST(Table, CsvFieldsAreQuotedWhereTheyNeedToBe) {
-  SampleFile file;
-  ChannelFields text = number("a, \"b\"", 7, 0, 32);
+  FileBuilder file;
+  ChannelSpec text = number("a, \"b\"", 7, 0, 32);
   text.unit = "x\ny";
   const std::string records =
       Bytes().text("a,b").zeros(1).text("\"q\"").zeros(1).text("a\r\nb pad");
-  file.dataGroup({file.group({4, 4}, {file.channel(text), file.channel(number("n", 0, 0, 8))})},
-                 file.data(records));
+  file.addDataGroup({file.addChannelGroup(
+                        {4, 4}, {file.addChannel(text), file.addChannel(number("n", 0, 0, 8))})},
+                    file.addData(records));
   EXPECT_EQ(
       healthyCsvOf(file.bytes()),
       "\"a, \"\"b\"\" [x\ny]\",n\n\"a,b\",97\n\"\"\"q\"\"\",34\n\"a\r\nb\",97\n\" pad\",32\n");
 }
 
 TEST(Table, JsonLines) {
-  SampleFile file;
-  ChannelFields real = number("r \"q\"", 4, 0, 32);
+  FileBuilder file;
+  ChannelSpec real = number("r \"q\"", 4, 0, 32);
   real.unit =
       "\xC2\xB0"
       "C";
-  ChannelFields text = number("t", 6, 4, 16);
+  ChannelSpec text = number("t", 6, 4, 16);
   text.flags = 2;
-  const std::uint64_t group = file.group({3, 6, 1}, {file.channel(real), file.channel(text)});
-  file.dataGroup({group}, file.data(Bytes()
-                                        .u32(0x3FC00000)
-                                        .text("\\\n")
-                                        .u8(0)
-                                        .u32(0x7FC00000)
-                                        .text("ab")
-                                        .u8(1)
-                                        .u32(0xFF800000)
-                                        .text("\xE9\"")
-                                        .u8(0)));
+  const std::uint64_t group =
+      file.addChannelGroup({3, 6, 1}, {file.addChannel(real), file.addChannel(text)});
+  file.addDataGroup({group}, file.addData(Bytes()
+                                              .u32(0x3FC00000)
+                                              .text("\\\n")
+                                              .u8(0)
+                                              .u32(0x7FC00000)
+                                              .text("ab")
+                                              .u8(1)
+                                              .u32(0xFF800000)
+                                              .text("\xE9\"")
+                                              .u8(0)));
   const Exported exported = jsonOf(file.bytes());
   EXPECT_EQ(exported.findings, std::vector<std::string>());
   EXPECT_EQ(
@@ -727,24 +744,25 @@ TEST(Table, JsonLines) {
 }
 
 TEST(Table, ManyChannelsForFewBytesAreLimited) {
-  SampleFile file;
+  FileBuilder file;
   std::vector<std::uint64_t> channels;
   for (int i = 0; i < 400; ++i) {
-    channels.push_back(file.channel(number("c" + std::to_string(i), 0, 0, 8)));
+    channels.push_back(file.addChannel(number("c" + std::to_string(i), 0, 0, 8)));
   }
-  file.dataGroup({file.group({1, 1}, channels)}, file.data("A"));
+  file.addDataGroup({file.addChannelGroup({1, 1}, channels)}, file.addData("A"));
   const Exported exported = csvOf(file.bytes());
   EXPECT_EQ(exported.findings.size(), 1U);
   EXPECT_EQ(exported.text.substr(exported.text.find('\n') + 1, 6), "65,65,");
 }
 
 TEST(Table, LongValuesAreNotGivenWithoutEnd) {
-  SampleFile file;
+  FileBuilder file;
   const std::string value(60000, 'v');
   const std::uint64_t values =
       file.add("SD", {}, Bytes().u32(static_cast<std::uint32_t>(value.size())).text(value));
-  const std::uint64_t group = file.group({1000, 4}, {file.channel(variable("v", 7, values))});
-  file.dataGroup({group}, file.data(std::string(4000, '\0')));
+  const std::uint64_t group =
+      file.addChannelGroup({1000, 4}, {file.addChannel(variable("v", 7, values))});
+  file.addDataGroup({group}, file.addData(std::string(4000, '\0')));
   const Exported exported = csvOf(file.bytes());
   EXPECT_EQ(exported.findings.size(), 1U);
   EXPECT_LT(exported.text.size(), 20000000U);

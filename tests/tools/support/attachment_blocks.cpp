@@ -3,7 +3,7 @@
 namespace mdf_tests {
 
 std::uint64_t addAttachment(FileBuilder& file, const AttachmentSpec& spec) {
-  const std::uint64_t name = file.text(spec.name);
+  const std::uint64_t name = spec.name.empty() ? 0 : file.text(spec.name);
   const std::uint64_t mime_type = spec.mime_type.empty() ? 0 : file.text(spec.mime_type);
   return file.add("AT", {0, name, mime_type, 0},
                   Bytes()

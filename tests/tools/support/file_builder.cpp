@@ -19,7 +19,40 @@ std::string versionText(unsigned version) {
   return text;
 }
 
+std::uint8_t byteOf(unsigned value) { return static_cast<std::uint8_t>(value); }
+
 }  // namespace
+
+std::string ChannelSpec::fields() const {
+  return Bytes()
+      .u8(byteOf(type))
+      .u8(byteOf(sync_type))
+      .u8(byteOf(data_type))
+      .u8(byteOf(bit_offset))
+      .u32(byte_offset)
+      .u32(bit_count)
+      .u32(flags)
+      .u32(invalidation_bit)
+      .zeros(2)
+      .u16(attachments)
+      .f64(range_min)
+      .f64(range_max)
+      .zeros(32);
+}
+
+std::string GroupSpec::fields() const {
+  return Bytes()
+      .u64(record_id)
+      .u64(cycles)
+      .u16(flags)
+      .zeros(6)
+      .u32(data_bytes)
+      .u32(invalidation_bytes);
+}
+
+std::string dataGroupFields(unsigned record_id_size) {
+  return Bytes().u8(byteOf(record_id_size)).zeros(7);
+}
 
 FileBuilder::FileBuilder(const std::string& file_word, unsigned version) {
   bytes_ = Bytes()
@@ -43,6 +76,88 @@ std::uint64_t FileBuilder::add(const std::string& letters, const std::vector<std
   }
   bytes_ += block.text(contents).str();
   return offset;
+}
+
+std::uint64_t FileBuilder::textOrNone(const std::string& text) {
+  return text.empty() ? 0 : this->text(text);
+}
+
+std::uint64_t FileBuilder::addChannel(const ChannelSpec& spec) {
+  const std::uint64_t name = textOrNone(spec.name);
+  const std::uint64_t unit = textOrNone(spec.unit);
+  const std::uint64_t comment = textOrNone(spec.comment);
+  return add("CN",
+             {0, spec.composition, name, spec.source, spec.conversion, spec.data, unit, comment},
+             spec.fields());
+}
+
+std::uint64_t FileBuilder::addTime(std::uint32_t byte_offset) {
+  ChannelSpec time{2, 1, 4, 0, byte_offset, 64};
+  time.name = "time";
+  time.unit = "s";
+  return addChannel(time);
+}
+
+std::uint64_t FileBuilder::addChannelGroup(const GroupSpec& spec,
+                                           const std::vector<std::uint64_t>& channels) {
+  chain(channels);
+  const std::uint64_t name = textOrNone(spec.name);
+  const std::uint64_t comment = textOrNone(spec.comment);
+  std::vector<std::uint64_t> links = {
+      0, channels.empty() ? 0 : channels[0], name, spec.source, 0, comment};
+  if (spec.master != 0) {
+    links.push_back(spec.master);
+  }
+  return add("CG", links, spec.fields());
+}
+
+std::uint64_t FileBuilder::addGroupOf(const GroupSpec& spec,
+                                      const std::vector<ChannelSpec>& channels) {
+  channels_.clear();
+  for (const ChannelSpec& channel : channels) {
+    channels_.push_back(addChannel(channel));
+  }
+  return addChannelGroup(spec, channels_);
+}
+
+std::uint64_t FileBuilder::addDataGroup(const std::vector<std::uint64_t>& groups,
+                                        std::uint64_t data, unsigned record_id_size) {
+  chain(groups);
+  const std::uint64_t data_group =
+      add("DG", {0, groups.empty() ? 0 : groups[0], data, 0}, dataGroupFields(record_id_size));
+  link(last_data_group_ == 0 ? header : last_data_group_, 0, data_group);
+  last_data_group_ = data_group;
+  return data_group;
+}
+
+std::uint64_t FileBuilder::addConversion(const ConversionSpec& spec) {
+  std::vector<std::uint64_t> links = {textOrNone(spec.name), textOrNone(spec.unit), 0, 0};
+  links.insert(links.end(), spec.refs.begin(), spec.refs.end());
+  Bytes contents;
+  contents.u8(byteOf(spec.type))
+      .u8(0)
+      .u16(0)
+      .u16(static_cast<std::uint16_t>(spec.refs.size()))
+      .u16(static_cast<std::uint16_t>(spec.values.size()))
+      .zeros(16);
+  for (const double value : spec.values) {
+    contents.f64(value);
+  }
+  return add("CC", links, contents);
+}
+
+std::uint64_t FileBuilder::addSource(const std::string& name, const std::string& path,
+                                     unsigned type, unsigned bus_type) {
+  const std::uint64_t name_text = textOrNone(name);
+  const std::uint64_t path_text = textOrNone(path);
+  return add("SI", {name_text, path_text, 0},
+             Bytes().u8(byteOf(type)).u8(byteOf(bus_type)).zeros(6));
+}
+
+void FileBuilder::chain(const std::vector<std::uint64_t>& blocks) {
+  for (std::size_t i = 1; i < blocks.size(); ++i) {
+    link(blocks[i - 1], 0, blocks[i]);
+  }
 }
 
 void FileBuilder::link(std::uint64_t block, std::size_t index, std::uint64_t target) {

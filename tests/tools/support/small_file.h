@@ -8,48 +8,6 @@
 
 namespace mdf_tests {
 
-/// The fields of a channel, behind its links.
-struct ChannelFields {
-  int type = 0;
-  int sync_type = 0;
-  int data_type = 0;
-  int bit_offset = 0;
-  std::uint32_t byte_offset = 0;
-  std::uint32_t bit_count = 0;
-  std::uint32_t flags = 0;
-  std::uint32_t invalidation_bit = 0;
-  std::uint16_t attachments = 0;
-
-  std::string bytes() const;
-};
-
-/// The fields of a channel group.
-struct GroupFields {
-  std::uint64_t record_id = 0;
-  std::uint64_t cycles = 0;
-  std::uint16_t flags = 0;
-  std::uint32_t data_bytes = 0;
-  std::uint32_t invalidation_bytes = 0;
-
-  std::string bytes() const;
-};
-
-/// The fields of a data group.
-std::string dataGroupFields(int record_id_size);
-
-/// A zlib stream with fewer than 65536 zeros, not compressed.
-std::string zippedZeros(std::uint16_t count);
-
-/// The contents of a zipped data block that says how many bytes come of its stream.
-std::string zippedFields(std::uint64_t original_size, const std::string& stream,
-                         const std::string& type = "DT", int zip_type = 0,
-                         std::uint32_t columns = 0);
-
-/// The contents of an attachment with embedded bytes.
-std::string attachmentFields(std::uint16_t flags, const std::string& digest,
-                             std::uint64_t original_size, std::uint64_t embedded_size,
-                             const std::string& embedded);
-
 /// A file without a fault, to be broken in one place or added to: a data group with a channel group
 /// of two channels, two records of a time and a speed, 9 bytes each. Its blocks stand where the
 /// constants say; the file ends at `end`.
@@ -67,8 +25,8 @@ class SmallFile : public FileBuilder {
   static constexpr std::uint64_t end = 762;
 
   /// Replaces the fields of a channel, or those of the group.
-  void setChannel(std::uint64_t channel, const ChannelFields& fields);
-  void setGroup(const GroupFields& fields);
+  void setChannel(std::uint64_t channel, const ChannelSpec& spec);
+  void setGroup(const GroupSpec& spec);
 
   /// Makes a block the header's comment.
   void setComment(std::uint64_t block) { link(header, 5, block); }

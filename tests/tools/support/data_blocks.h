@@ -1,34 +1,38 @@
-#ifndef MDF_TESTS_TOOLS_SAMPLES_DATA_BLOCKS_H_
-#define MDF_TESTS_TOOLS_SAMPLES_DATA_BLOCKS_H_
+#ifndef MDF_TESTS_TOOLS_SUPPORT_DATA_BLOCKS_H_
+#define MDF_TESTS_TOOLS_SUPPORT_DATA_BLOCKS_H_
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "sample_file.h"
+#include "file_builder.h"
 
 namespace mdf_tests {
 
 /// A zlib stream that stores bytes as they are (RFC 1950, RFC 1951), in pieces of up to so many.
 std::string storedStream(const std::string& bytes, std::size_t piece = 65535);
 
-/// The first bytes of all rows, then the second ones, and so on; an incomplete row stays behind
-/// them.
+/// The first bytes of all rows, then the second ones, and so on; an incomplete row stays at
+/// their end.
 std::string transposed(const std::string& bytes, std::size_t columns);
 
-/// A zipped data block in the making.
-struct ZippedSpec {
-  std::string type = "DT";    ///< of the block that it stands for
-  std::uint32_t columns = 0;  ///< bytes of a row of transposed data; 0 for data as it is
-  std::uint64_t original_size = 0;
-  std::string stream;
-};
-std::uint64_t addZipped(FileBuilder& file, const ZippedSpec& spec);
+/// A stream of zeros that are stored.
+std::string zippedZeros(std::size_t count);
 
-/// The same for bytes that are stored, transposed before when there are columns.
+/// The contents of a zipped data block that says how many bytes come of its stream.
+std::string zippedFields(std::uint64_t original_size, const std::string& stream,
+                         const std::string& type = "DT", unsigned zip_type = 0,
+                         std::uint32_t columns = 0);
+
+/// A zipped data block in the place of one of this type, with bytes that are stored, transposed
+/// before when there are columns.
 std::uint64_t addZipped(FileBuilder& file, const std::string& type, const std::string& bytes,
                         std::uint32_t columns = 0);
+
+/// A data list that says of each block that it begins the data, and the list that comes next.
+std::uint64_t addList(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
+                      std::uint64_t next = 0);
 
 /// A data list whose blocks all hold so many bytes, but for the last one.
 std::uint64_t addEqualList(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
@@ -60,4 +64,4 @@ std::vector<std::uint64_t> addZippedPieces(FileBuilder& file, const std::string&
 
 }  // namespace mdf_tests
 
-#endif  // MDF_TESTS_TOOLS_SAMPLES_DATA_BLOCKS_H_
+#endif  // MDF_TESTS_TOOLS_SUPPORT_DATA_BLOCKS_H_

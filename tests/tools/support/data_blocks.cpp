@@ -26,15 +26,14 @@ std::vector<std::string> piecesOf(const std::string& bytes, std::size_t size) {
   return pieces;
 }
 
-std::uint64_t addList(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
-                      std::uint8_t flags, const std::vector<std::uint64_t>& numbers) {
-  std::vector<std::uint64_t> links = {0};
-  links.insert(links.end(), blocks.begin(), blocks.end());
+std::uint64_t addNumberedList(FileBuilder& file, std::vector<std::uint64_t> links,
+                              std::uint8_t flags, const std::vector<std::uint64_t>& numbers) {
   Bytes contents;
-  contents.u8(flags).zeros(3).u32(static_cast<std::uint32_t>(blocks.size()));
+  contents.u8(flags).zeros(3).u32(static_cast<std::uint32_t>(links.size()));
   for (const std::uint64_t number : numbers) {
     contents.u64(number);
   }
+  links.insert(links.begin(), 0);
   return file.add("DL", links, contents);
 }
 
@@ -70,32 +69,44 @@ std::string transposed(const std::string& bytes, std::size_t columns) {
   return result + bytes.substr(rows * columns);
 }
 
-std::uint64_t addZipped(FileBuilder& file, const ZippedSpec& spec) {
-  return file.add("DZ", {},
-                  Bytes()
-                      .text(spec.type)
-                      .u8(spec.columns == 0 ? 0 : 1)
-                      .u8(0)
-                      .u32(spec.columns)
-                      .u64(spec.original_size)
-                      .u64(spec.stream.size())
-                      .text(spec.stream));
+std::string zippedZeros(std::size_t count) { return storedStream(std::string(count, '\0')); }
+
+std::string zippedFields(std::uint64_t original_size, const std::string& stream,
+                         const std::string& type, unsigned zip_type, std::uint32_t columns) {
+  return Bytes()
+      .text(type)
+      .u8(static_cast<std::uint8_t>(zip_type))
+      .u8(0)
+      .u32(columns)
+      .u64(original_size)
+      .u64(stream.size())
+      .text(stream);
 }
 
 std::uint64_t addZipped(FileBuilder& file, const std::string& type, const std::string& bytes,
                         std::uint32_t columns) {
-  const std::string stored = columns == 0 ? bytes : transposed(bytes, columns);
-  return addZipped(file, {type, columns, bytes.size(), storedStream(stored)});
+  const bool is_transposed = columns != 0;
+  const std::string stream = storedStream(is_transposed ? transposed(bytes, columns) : bytes);
+  return file.add("DZ", {},
+                  zippedFields(bytes.size(), stream, type, is_transposed ? 1 : 0, columns));
+}
+
+std::uint64_t addList(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
+                      std::uint64_t next) {
+  const std::vector<std::uint64_t> offsets(blocks.size(), 0);
+  const std::uint64_t list = addNumberedList(file, blocks, 0, offsets);
+  file.link(list, 0, next);
+  return list;
 }
 
 std::uint64_t addEqualList(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
                            std::uint64_t length) {
-  return addList(file, blocks, 1, {length});
+  return addNumberedList(file, blocks, 1, {length});
 }
 
 std::uint64_t addOffsetList(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
                             const std::vector<std::uint64_t>& offsets) {
-  return addList(file, blocks, 0, offsets);
+  return addNumberedList(file, blocks, 0, offsets);
 }
 
 std::uint64_t addValueList(FileBuilder& file, const ValueListSpec& spec) {
