@@ -34,7 +34,7 @@ TEST(HealthyFiles, EveryVersionOfMdf4) {
   }
 }
 
-TEST(HealthyFiles, GapsAndBytesBehindTheLastBlock) {
+TEST(HealthyFiles, GapsAndBytesAfterTheLastBlock) {
   SmallFile file;
   file.append(Bytes().zeros(50));
   file.setComment(file.text("behind a gap"));
@@ -266,7 +266,7 @@ TEST(HealthyFiles, LastBlockOfEqualOnesIsShorter) {
 }
 
 TEST(HealthyFiles, ZippedRecordsOfSeveralGroupsThatGoOverBlocks) {
-  // Columns of two records of 3 bytes: both ids, and then the data behind each.
+  // Columns of two records of 3 bytes: both ids, and then the data of each.
   const std::string stream = Bytes()
                                  .u8s({0x78, 0x01, 0x01, 8, 0, 247, 255})
                                  .u8s({1, 1, 0, 0, 0, 0, 0, 0})
@@ -306,7 +306,7 @@ TEST(HealthyFiles, EventsThatReferToEachOther) {
   expectHealthy(file);
 }
 
-TEST(HealthyFiles, UnfinishedOneWithRecordsBehindTheLastDataBlock) {
+TEST(HealthyFiles, UnfinishedOneWithRecordsAfterTheLastDataBlock) {
   for (const std::uint64_t length : {24U, 0U}) {
     SmallFile file("UnFinMF ");
     file.write(60, Bytes().u16(5));

@@ -186,7 +186,7 @@ TEST(HostileFiles, RecordsInDataBlocksThatAllCoverTheSameBytes) {
   constexpr std::uint32_t count = 100;
   constexpr std::uint32_t shared = 1000000;
   // In each block the headers of the others are a record with the id "#", and there are a million
-  // empty ones with the id 0 behind them.
+  // empty ones with the id 0 after them.
   FileBuilder file;
   Bytes blocks;
   std::uint64_t next = 0;
@@ -296,7 +296,7 @@ TEST(HostileFiles, RecordsWithoutBytes) {
   EXPECT_NE(checkedCodes(file.bytes()).find("cycle-count-wrong 1\n"), std::string::npos);
 }
 
-TEST(HostileFiles, ChannelThatEndsFarBehindAnyRecord) {
+TEST(HostileFiles, ChannelThatEndsFarBeyondAnyRecord) {
   SmallFile file;
   file.setChannel(SmallFile::speed, {0, 0, 0, 255, UINT32_MAX, UINT32_MAX, 2, UINT32_MAX});
   EXPECT_EQ(checkedCodes(file.bytes()),

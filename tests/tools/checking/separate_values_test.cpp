@@ -32,41 +32,36 @@ class FileOfValues : public SmallFile {
   }
 };
 
-std::string wrongCount(const std::string& bytes) {
-  return "232 error cycle-count-wrong: expected data for 2 records of 9 bytes, found " + bytes +
-         " bytes [HD.hd_dg_first/DG[0].dg_cg_first/CG[0]]\n";
-}
-
 TEST(SeparateValues, AreCountedWithoutInvalidationBytes) {
   FileOfValues file;
   file.replaceData(file.values(18));
-  EXPECT_EQ(checkedBytes(file.bytes()), "");
+  EXPECT_EQ(problemsIn(file.bytes()), "");
 }
 
-TEST(SeparateValues, InAListAreCountedWithoutWhatIsBehindThem) {
+TEST(SeparateValues, InAListAreCountedWithoutWhatFollowsThem) {
   FileOfValues file;
   file.replaceData(file.list(file.values(9), file.zippedValues(9)));
-  EXPECT_EQ(checkedBytes(file.bytes()), "");
+  EXPECT_EQ(problemsIn(file.bytes()), "");
 }
 
 TEST(SeparateValues, TooFew) {
   FileOfValues file;
   file.replaceData(file.values(17));
-  EXPECT_EQ(checkedBytes(file.bytes()), wrongCount("17"));
+  EXPECT_EQ(problemsIn(file.bytes()), "232 cycle-count-wrong 2 9 17\n");
 }
 
 TEST(SeparateValues, TooManyInAChainOfLists) {
   FileOfValues file;
   const auto last = file.list(file.values(9), file.values(9));
   file.replaceData(file.list(file.values(9), file.zippedValues(9), last));
-  EXPECT_EQ(checkedBytes(file.bytes()), wrongCount("36"));
+  EXPECT_EQ(problemsIn(file.bytes()), "232 cycle-count-wrong 2 9 36\n");
 }
 
 TEST(SeparateValues, RecordsInAListHaveTheirInvalidationBytes) {
   FileOfValues file;
   const auto records = file.add("DT", {}, Bytes().zeros(20));
   file.replaceData(file.add("LD", {0, records}, Bytes().u32(0).u32(1).u64(0)));
-  EXPECT_EQ(checkedBytes(file.bytes()), "");
+  EXPECT_EQ(problemsIn(file.bytes()), "");
 }
 
 TEST(SeparateValues, OfAListThatLeadsToItself) {

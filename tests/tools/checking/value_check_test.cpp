@@ -63,13 +63,13 @@ class TextFile : public SmallFile {
 std::string checkedText(const Offsets& offsets, const std::string& values = threeValues()) {
   TextFile file(offsets);
   file.setValues(file.add("SD", {}, values));
-  return checkedBytes(file.bytes());
+  return problemsIn(file.bytes());
 }
 
-std::string outside(const std::string& found, std::uint64_t bytes = 20) {
-  return "496 error value-outside-signal-data: expected a value of each record in the " +
-         std::to_string(bytes) + " bytes of signal data, found " + found +
-         " [HD.hd_dg_first/DG[0].dg_cg_first/CG[0].cg_cn_first/CN[1]]\n";
+/// So many values are outside the bytes of signal data, first that of a record at a byte.
+std::string outside(int count, int record, std::uint64_t byte, std::uint64_t bytes = 20) {
+  return "496 value-outside-signal-data " + std::to_string(bytes) + ' ' + std::to_string(count) +
+         ' ' + std::to_string(record) + ' ' + std::to_string(byte) + '\n';
 }
 
 TEST(ValueCheck, OffsetsInAnyOrder) {
@@ -77,32 +77,27 @@ TEST(ValueCheck, OffsetsInAnyOrder) {
   EXPECT_EQ(checkedText({11, 0, 7, 7, 11}), "");
 }
 
-TEST(ValueCheck, OffsetsBehindTheLastLength) {
-  EXPECT_EQ(checkedText({0, 17, 11, 20, 7}),
-            outside("2 outside, first that of record 1 at byte 17"));
+TEST(ValueCheck, OffsetsAfterTheLastLength) {
+  EXPECT_EQ(checkedText({0, 17, 11, 20, 7}), outside(2, 1, 17));
 }
 
 TEST(ValueCheck, LastOffsetThatHasALength) {
   EXPECT_EQ(checkedText({16}, Bytes().zeros(20)), "");
-  EXPECT_EQ(checkedText({17}, Bytes().zeros(20)),
-            outside("1 outside, first that of record 0 at byte 17"));
+  EXPECT_EQ(checkedText({17}, Bytes().zeros(20)), outside(1, 0, 17));
 }
 
 TEST(ValueCheck, ValueThatGoesPastTheEnd) {
   const std::string values = Bytes().u32(3).text("one").u32(2).text("x");
-  EXPECT_EQ(checkedText({0, 7}, values),
-            outside("1 outside, first that of record 1 at byte 7", 12));
+  EXPECT_EQ(checkedText({0, 7}, values), outside(1, 1, 7, 12));
 }
 
 TEST(ValueCheck, ValueThatGoesPastTheEndInTheMiddle) {
   const std::string values = Bytes().u32(12).text("one").u32(UINT32_MAX).u32(0);
-  EXPECT_EQ(checkedText({0, 7, 11}, values),
-            outside("2 outside, first that of record 0 at byte 0", 15));
+  EXPECT_EQ(checkedText({0, 7, 11}, values), outside(2, 0, 0, 15));
 }
 
 TEST(ValueCheck, RecordsThatShareAMissingValueAreEachCounted) {
-  EXPECT_EQ(checkedText({0, 0, 0}, Bytes().u32(1)),
-            outside("3 outside, first that of record 0 at byte 0", 4));
+  EXPECT_EQ(checkedText({0, 0, 0}, Bytes().u32(1)), outside(3, 0, 0, 4));
 }
 
 TEST(ValueCheck, OfValuesThatOneGoesBackToTheLengthIsNotLookedAt) {
@@ -110,18 +105,17 @@ TEST(ValueCheck, OfValuesThatOneGoesBackToTheLengthIsNotLookedAt) {
 }
 
 TEST(ValueCheck, SignalDataTooShortForALength) {
-  EXPECT_EQ(checkedText({0}, "abc"), outside("1 outside, first that of record 0 at byte 0", 3));
+  EXPECT_EQ(checkedText({0}, "abc"), outside(1, 0, 0, 3));
 }
 
 TEST(ValueCheck, RecordsWithoutSignalData) {
-  EXPECT_EQ(checkedBytes(TextFile({0, 0}).bytes()),
-            outside("2 outside, first that of record 0 at byte 0", 0));
-  EXPECT_EQ(checkedBytes(TextFile({}).bytes()), "");
+  EXPECT_EQ(problemsIn(TextFile({0, 0}).bytes()), outside(2, 0, 0, 0));
+  EXPECT_EQ(problemsIn(TextFile({}).bytes()), "");
 }
 
 TEST(ValueCheck, OffsetsNearTheEndOfAllNumbers) {
   EXPECT_EQ(checkedText({UINT64_MAX, UINT64_MAX - 3, std::uint64_t{1} << 63U}),
-            outside("3 outside, first that of record 0 at byte 18446744073709551615"));
+            outside(3, 0, UINT64_MAX));
 }
 
 TEST(ValueCheck, SignalDataInListsZippedOrNot) {
@@ -130,8 +124,7 @@ TEST(ValueCheck, SignalDataInListsZippedOrNot) {
   const auto plain = file.add("SD", {}, Bytes().u16(0).u32(0).u32(1));
   const auto list = file.add("DL", {0, zipped, plain}, Bytes().zeros(4).u32(2).u64(0).u64(62));
   file.setValues(file.add("HL", {list}, Bytes().zeros(8)));
-  EXPECT_EQ(checkedBytes(file.bytes()),
-            outside("1 outside, first that of record 3 at byte 68", 72));
+  EXPECT_EQ(problemsIn(file.bytes()), outside(1, 3, 68, 72));
 }
 
 TEST(ValueCheck, ZippedSignalDataThatIsBrokenHasNoOtherFinding) {
@@ -147,34 +140,34 @@ TEST(ValueCheck, OffsetsOfFewerBits) {
   TextFile wide({0x47EF});
   wide.setText({0, 0, 0, 4, 0, 12});
   wide.setValues(wide.add("SD", {}, threeValues()));
-  EXPECT_EQ(checkedBytes(wide.bytes()), outside("1 outside, first that of record 0 at byte 1150"));
+  EXPECT_EQ(problemsIn(wide.bytes()), outside(1, 0, 1150));
   TextFile narrow({0x47EF});
   narrow.setText({0, 0, 0, 4, 0, 5});
   narrow.setValues(narrow.add("SD", {}, threeValues()));
-  EXPECT_EQ(checkedBytes(narrow.bytes()), outside("1 outside, first that of record 0 at byte 30"));
+  EXPECT_EQ(problemsIn(narrow.bytes()), outside(1, 0, 30));
 }
 
 TEST(ValueCheck, InvalidValuesNeedNotBeThere) {
   TextFile file({2, 16, 1}, Bytes().zeros(8).u64(99).u8(8).zeros(8).u64(98).u8(0xF7));
   file.setText({0, 0, 0, 0, 0, 0, 2, 3});
   file.setValues(file.add("SD", {}, threeValues()));
-  EXPECT_EQ(checkedBytes(file.bytes()), outside("1 outside, first that of record 1 at byte 98"));
+  EXPECT_EQ(problemsIn(file.bytes()), outside(1, 1, 98));
   file.setText({0, 0, 0, 0, 0, 0, 1});
-  EXPECT_EQ(checkedBytes(file.bytes()), "");
+  EXPECT_EQ(problemsIn(file.bytes()), "");
 }
 
 TEST(ValueCheck, RecordsWithAnIdThatAreTheOnlyOnes) {
   TextFile file({2, 16, 0, 7}, Bytes().u8(7).zeros(8).u64(7).u8(7).zeros(8).u64(40));
   file.setIdBytes(1);
   file.setValues(file.add("SD", {}, threeValues()));
-  EXPECT_EQ(checkedBytes(file.bytes()), outside("1 outside, first that of record 1 at byte 40"));
+  EXPECT_EQ(problemsIn(file.bytes()), outside(1, 1, 40));
 }
 
 /// A file whose values are the records of a second group, with the id 2.
 TextFile fileWithValueGroup(std::uint64_t records, const std::string& data,
                             const GroupSpec& values) {
   TextFile file({records, 16, 0, 1}, data);
-  const auto group = file.add("CG", {0, 0, 0, 0, 0, 0}, values.bytes());
+  const auto group = file.add("CG", {0, 0, 0, 0, 0, 0}, values.fields());
   file.link(SmallFile::group, 0, group);
   file.setValues(group);
   return file;
@@ -184,27 +177,26 @@ TextFile fileWithValueGroup(std::uint64_t records, const std::string& data,
 TextFile fileWithTwoValues(std::uint64_t second_offset) {
   const Bytes first = Bytes().u8(1).zeros(8).u64(0).u8(2).u32(3).text("one");
   const Bytes second = Bytes().u8(1).zeros(8).u64(second_offset).u8(2).u32(0);
-  return fileWithValueGroup(2, first.str() + second.str(), {2, 2, 1, 11, 0}).setIdBytes(1);
+  return fileWithValueGroup(2, first.str() + second.str(), {2, 11, 0, 2, 1}).setIdBytes(1);
 }
 
 TEST(ValueCheck, ValuesThatAreRecordsOfAnotherGroup) {
-  EXPECT_EQ(checkedBytes(fileWithTwoValues(7).bytes()), "");
-  EXPECT_EQ(checkedBytes(fileWithTwoValues(8).bytes()),
-            outside("1 outside, first that of record 1 at byte 8", 11));
+  EXPECT_EQ(problemsIn(fileWithTwoValues(7).bytes()), "");
+  EXPECT_EQ(problemsIn(fileWithTwoValues(8).bytes()), outside(1, 1, 8, 11));
 }
 
 TEST(ValueCheck, RecordIdsOfEightBytesWithTheCodeFour) {
   TextFile file = fileWithValueGroup(1, Bytes().u64(1).zeros(8).u64(5).u64(2).u32(1).text("x"),
-                                     {2, 1, 1, 5, 0});
+                                     {1, 5, 0, 2, 1});
   file.setIdBytes(4);
-  EXPECT_EQ(checkedBytes(file.bytes()), outside("1 outside, first that of record 0 at byte 5", 5));
+  EXPECT_EQ(problemsIn(file.bytes()), outside(1, 0, 5, 5));
 }
 
 TEST(ValueCheck, ElementsWithDataOfTheirOwnElsewhere) {
   TextFile file({99});
   file.link(SmallFile::speed, 1,
             file.add("CA", {0}, Bytes().u8s({0, 1}).u16(1).zeros(12).u64(1).u64(0)));
-  EXPECT_EQ(checkedBytes(file.bytes()), "");
+  EXPECT_EQ(problemsIn(file.bytes()), "");
 }
 
 TEST(ValueCheck, OffsetsOfAnUnfinishedFileAreNotFinal) {
@@ -237,7 +229,7 @@ TEST(ValueCheck, ChannelsThatShareSignalData) {
   file.link(SmallFile::speed, 0,
             file.add("CN", {0, 0, SmallFile::speed_name, 0, 0, values, 0, 0},
                      ChannelSpec{1, 0, 7, 0, 0, 64}.fields()));
-  EXPECT_EQ(checkedBytes(file.bytes()), outside("1 outside, first that of record 1 at byte 99"));
+  EXPECT_EQ(problemsIn(file.bytes()), outside(1, 1, 99));
 }
 
 TEST(ValueCheck, LinksToValuesThatLeadElsewhere) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "tools/support/program.h"
 #include "tools/support/scratch_folder.h"
 #include "tools/support/temp_file.h"
+#include "tools/support/walker_findings.h"
 
 using namespace mdf_tests;
 
@@ -33,29 +35,34 @@ TEST(DumpCommand, StandardInput) {
   EXPECT_EQ(result.messages, "");
 }
 
+/// Lines "64: expected ..." as the program writes them about a file.
+std::string messagesOf(const std::string& findings, const std::string& path) {
+  std::string messages;
+  std::istringstream lines(findings);
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t colon = line.find(':');
+    messages += "mdf: " + path + ": " + mdf_reader::decimalAndHex(std::stoull(line)) +
+                line.substr(colon) + '\n';
+  }
+  return messages;
+}
+
 TEST(DumpCommand, FaultyStandardInputIsNamed) {
   RunOptions options;
   options.input = healthyFile().substr(0, 80);
   const RunResult result = run({"dump", "-"}, options);
   EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.messages,
-            "mdf: standard input: 64 (0x40): expected the header block's 24 bytes of common "
-            "header, found 16 up to the file's end\n");
+  EXPECT_EQ(result.messages, messagesOf(headerBlockCut(16), "standard input"));
 }
 
-/// Runs the program on a file with these bytes; what it says must be these lines, the program's and
-/// the file's name and a colon before each.
+/// Runs the program on a file with these bytes, in which it must find this.
 void expectProblems(const std::string& bytes, const std::string& output,
-                    std::initializer_list<std::string> messages) {
+                    const std::string& findings) {
   const TempFile file(bytes);
   const RunResult result = run({"dump", file.path()});
-  std::string expected;
-  for (const std::string& message : messages) {
-    expected += "mdf: " + file.path() + ": " + message + "\n";
-  }
   EXPECT_EQ(result.exit_code, 1);
   EXPECT_EQ(result.output, output);
-  EXPECT_EQ(result.messages, expected);
+  EXPECT_EQ(result.messages, messagesOf(findings, file.path()));
 }
 
 /// The healthy file's dump up to the line of a block, which is left out.
@@ -64,28 +71,21 @@ std::string healthyDumpBefore(const std::string& line) {
   return dump.substr(0, dump.find(line));
 }
 
-TEST(DumpCommand, EmptyFile) {
-  expectProblems("", "",
-                 {"0 (0x0): expected 64 bytes of identification, found 0 up to the file's end"});
-}
+TEST(DumpCommand, EmptyFile) { expectProblems("", "", identificationCut(0)); }
 
 TEST(DumpCommand, FileCutInTheIdentification) {
-  expectProblems(healthyFile().substr(0, 63), "",
-                 {"0 (0x0): expected 64 bytes of identification, found 63 up to the file's end"});
+  expectProblems(healthyFile().substr(0, 63), "", identificationCut(63));
 }
 
-TEST(DumpCommand, FileCutBehindTheIdentification) {
-  expectProblems(healthyFile().substr(0, 64), healthyDumpBefore("64 (0x40)"),
-                 {"64 (0x40): expected the header block's 24 bytes of common header, found 0 up to "
-                  "the file's end"});
+TEST(DumpCommand, FileCutAfterTheIdentification) {
+  expectProblems(healthyFile().substr(0, 64), healthyDumpBefore("64 (0x40)"), headerBlockCut(0));
 }
 
 TEST(DumpCommand, FileCutInTheHeaderBlock) {
   expectProblems(
       healthyFile().substr(0, 97),
       healthyDumpBefore("64 (0x40)") + "64 (0x40) ##HD length 104 links 6: hd_dg_first=312\n",
-      {"64 (0x40): expected the 104 bytes of ##HD, found 33 up to the file's end",
-       "64 (0x40): expected link 0 of ##HD to lead into the file of 97 bytes, found 312 (0x138)"});
+      blockCut(64, "HD", 104, 33) + linkOutside(64, "HD", 0, 97, 312));
 }
 
 TEST(DumpCommand, FileCutInTheChannel) {
@@ -93,23 +93,17 @@ TEST(DumpCommand, FileCutInTheChannel) {
       healthyFile().substr(0, 528),
       healthyDumpBefore("480 (0x1e0)") +
           "480 (0x1e0) ##CN length 160 links 8: cn_cn_next=0 cn_composition=264 cn_tx_name=640\n",
-      {"64 (0x40): expected link 2 of ##HD to lead into the file of 528 bytes, found 992 (0x3e0)",
-       "64 (0x40): expected link 3 of ##HD to lead into the file of 528 bytes, found 1080 (0x438)",
-       "64 (0x40): expected link 4 of ##HD to lead into the file of 528 bytes, found 1184 (0x4a0)",
-       "312 (0x138): expected link 2 of ##DG to lead into the file of 528 bytes, found 744 (0x2e8)",
-       "376 (0x178): expected link 2 of ##CG to lead into the file of 528 bytes, found 640 (0x280)",
-       "376 (0x178): expected link 3 of ##CG to lead into the file of 528 bytes, found 776 (0x308)",
-       "376 (0x178): expected link 4 of ##CG to lead into the file of 528 bytes, found 832 (0x340)",
-       "480 (0x1e0): expected the 160 bytes of ##CN, found 48 up to the file's end",
-       "480 (0x1e0): expected link 2 of ##CN to lead into the file of 528 bytes, found 640 (0x280)",
-       "264 (0x108): expected link 1 of ##XX to lead into the file of 528 bytes, found 1288 "
-       "(0x508)"});
+      linkOutside(64, "HD", 2, 528, 992) + linkOutside(64, "HD", 3, 528, 1080) +
+          linkOutside(64, "HD", 4, 528, 1184) + linkOutside(312, "DG", 2, 528, 744) +
+          linkOutside(376, "CG", 2, 528, 640) + linkOutside(376, "CG", 3, 528, 776) +
+          linkOutside(376, "CG", 4, 528, 832) + blockCut(480, "CN", 160, 48) +
+          linkOutside(480, "CN", 2, 528, 640) + linkOutside(264, "XX", 1, 528, 1288));
 }
 
 TEST(DumpCommand, FileCutInTheData) {
   expectProblems(healthyFile().substr(0, 1448),
                  healthyDumpBefore("1384 (0x568)") + "1384 (0x568) ##DZ length 65 links 0\n",
-                 {"1384 (0x568): expected the 65 bytes of ##DZ, found 64 up to the file's end"});
+                 blockCut(1384, "DZ", 65, 64));
 }
 
 TEST(DumpCommand, NoMeasurementFile) {
@@ -121,9 +115,7 @@ TEST(DumpCommand, NoMeasurementFile) {
                  "programm identfier = xxxxxxxx\n"
                  "version number = 30840\n"
                  "[DEBUG] ==================== End of IDBLOCK ===================\n",
-                 {"0 (0x0): expected the file identifier \"MDF     \" or \"UnFinMF \", found "
-                  "\"xxxxxxxx\"",
-                  "64 (0x40): expected the header block \"##HD\", found \"xxxx\""});
+                 notMdf("xxxxxxxx") + noHeaderBlock("xxxx"));
 }
 
 TEST(DumpCommand, FileThatPointsOutsideItselfIsShownAllTheSame) {
@@ -136,9 +128,7 @@ TEST(DumpCommand, FileThatPointsOutsideItselfIsShownAllTheSame) {
   dump.replace(dump.find(line), line.size(),
                "##CG length 104 links 6: cg_cg_next=0 cg_cn_first=480 cg_tx_acq_name=640 "
                "cg_si_acq_source=776 cg_sr_first=832 cg_md_comment=-8\n");
-  expectProblems(bytes, dump,
-                 {"376 (0x178): expected link 5 of ##CG to lead into the file of 1449 bytes, found "
-                  "-8"});
+  expectProblems(bytes, dump, linkOutside(376, "CG", 5, 1449, -8));
 }
 
 TEST(DumpCommand, HeaderThatDoesNotFitItsType) {
@@ -146,9 +136,7 @@ TEST(DumpCommand, HeaderThatDoesNotFitItsType) {
   bytes.replace(176, 8, Bytes().u64(55));  // the file history's length
   std::string dump = healthyDump();
   dump.replace(dump.find("##FH length 56"), 14, "##FH length 55");
-  expectProblems(bytes, dump,
-                 {"168 (0xa8): expected length and link count to fit ##FH, found length 55 and 2 "
-                  "links"});
+  expectProblems(bytes, dump, doesNotFit(168, "FH", 55, 2));
 }
 
 TEST(DumpCommand, BlocksBeyondFourGibibytes) {
@@ -176,13 +164,9 @@ TEST(DumpCommand, BlocksBeyondFourGibibytes) {
       "[DEBUG] ==================== End of FHBLOCK ===================\n"
       "4294967360 (0x100000040) ##XX length 32 links 1: 4294967392\n");
   EXPECT_EQ(result.messages,
-            "mdf: " + file.path() +
-                ": 4294967304 (0x100000008): expected link 1 of ##FH to lead to a block \"##\", "
-                "found \"\\x00\\x00\\x00\\x00\" at 168 (0xa8)\n"
-                "mdf: " +
-                file.path() +
-                ": 4294967360 (0x100000040): expected link 0 of ##XX to lead into the file of "
-                "4294967392 bytes, found 4294967392 (0x100000060)\n");
+            messagesOf(linkToNoBlock(4294967304, "FH", 1, "\\x00\\x00\\x00\\x00", 168) +
+                           linkOutside(4294967360, "XX", 0, 4294967392, 4294967392),
+                       file.path()));
 }
 
 TEST(DumpCommand, BlocksBeyondOneTebibyte) {
@@ -274,8 +258,9 @@ TEST(DumpCommand, HelpTeachesWithExamples) {
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.messages, "");
   for (const std::string text :
-       {"Usage: mdf dump [OPTIONS] FILE...", "- is standard input", "control characters",
-        "Examples:\n  mdf dump trip.mf4 | less", "Exit code: 0 fine, 1 problems"}) {
+       {"Usage: mdf dump [OPTIONS] FILE...", "- is standard input",
+        "characters in them are shown as", "Examples:\n  mdf dump trip.mf4 | less",
+        "Exit code: 0 fine, 1 problems"}) {
     EXPECT_NE(result.output.find(text), std::string::npos) << text;
   }
 }
@@ -443,9 +428,7 @@ TEST(DumpCommand, BytesOfABlockThatIsCutOff) {
   const TempFile file(healthyFile().substr(0, 346));
   const RunResult result = run({"dump", "--hex", "--at", "312", file.path()});
   EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.messages,
-            "mdf: " + file.path() +
-                ": 312 (0x138): expected the 64 bytes of ##DG, found 34 up to the file's end\n");
+  EXPECT_EQ(result.messages, messagesOf(blockCut(312, "DG", 64, 34), file.path()));
   EXPECT_EQ(result.output,
             "312 (0x138) ##DG length 64 links 4: dg_dg_next=0\n"
             "  0x00000138  23 23 44 47              id = \"##DG\"\n"

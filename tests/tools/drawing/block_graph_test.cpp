@@ -96,7 +96,7 @@ TEST(BlockGraph, LongChainsAreShortenedBeyondWhatCanBeRead) {
   EXPECT_NE(all.find("\nshortened\n"), std::string::npos);
 }
 
-/// Blocks of an unknown type, each with links to so many that come behind it.
+/// Blocks of an unknown type, each with links to so many that come after it.
 std::string wideTree(std::uint64_t count, std::uint64_t children) {
   std::string bytes = FileBuilder().bytes();
   const std::uint64_t size = 24 + 8 * children;

@@ -17,7 +17,7 @@ using namespace mdf_tests;
 
 namespace {
 
-/// The line of the first data group in a file's tree, from behind its offset on.
+/// The line of the first data group in a file's tree, from after its offset on.
 std::string groupLine(const FileBuilder& builder, bool as_json = false) {
   const Dumped tree = drawn(builder.bytes(), [&](auto& file, auto& os, const auto& report) {
     mdf_tools::TreeOptions options;

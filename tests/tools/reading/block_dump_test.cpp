@@ -159,10 +159,10 @@ std::string zippedDump(const std::string& data) {
          data + "[DEBUG] ==================== End of DZBLOCK ===================\n";
 }
 
-TEST(BlockDump, ZippedDataIsReadFromBehindTheBlock) {
-  for (const auto& [behind, read] : std::vector<std::pair<std::string, std::string>>{
+TEST(BlockDump, ZippedDataIsReadFromAfterTheBlock) {
+  for (const auto& [after, read] : std::vector<std::pair<std::string, std::string>>{
            {"following", "fol"}, {"fo", {'f', 'o', '\0'}}, {"", {'\0', '\0', '\0'}}}) {
-    const Dumped dump = blockDump(zipped(3) + behind);
+    const Dumped dump = blockDump(zipped(3) + after);
     EXPECT_EQ(dump.output, zippedDump(read));
     EXPECT_EQ(dump.findings, "");
   }

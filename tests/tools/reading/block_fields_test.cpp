@@ -69,7 +69,7 @@ TEST(BlockFields, ReadsLinksAndFieldsOfTheFormat) {
   EXPECT_EQ(block->tailBytes(), 0U);
 }
 
-TEST(BlockFields, FieldsStandBehindTheLinksThatTheBlockSaysItHas) {
+TEST(BlockFields, FieldsFollowTheLinksThatTheBlockSaysItHas) {
   FileBuilder file;
   const auto at = file.add("DG", {1, 2, 3, 4, 99, 98}, Bytes().u8(8).zeros(7));
   const Block block(file, at);
@@ -162,7 +162,7 @@ std::vector<std::string> rolesOf(const Block& block, std::uint64_t count) {
   return roles;
 }
 
-std::vector<std::string> behind(std::size_t count, std::vector<std::string> roles) {
+std::vector<std::string> after(std::size_t count, std::vector<std::string> roles) {
   roles.erase(roles.begin(), roles.begin() + static_cast<std::ptrdiff_t>(count));
   return roles;
 }
@@ -172,7 +172,7 @@ using Roles = std::vector<std::string>;
 TEST(LinkRole, ChannelsHaveAttachmentsAndDefaultAxis) {
   FileBuilder file;
   const auto at = file.add("CN", std::vector<std::uint64_t>(14), channelContents(2));
-  EXPECT_EQ(behind(7, rolesOf(Block(file, at), 14)),
+  EXPECT_EQ(after(7, rolesOf(Block(file, at), 14)),
             (Roles{"cn_md_comment -> TX MD", "cn_at_reference[0] -> AT", "cn_at_reference[1] -> AT",
                    "cn_default_x_dg -> DG", "cn_default_x_cg -> CG", "cn_default_x_cn -> CN",
                    "link 13 -> "}));
@@ -182,10 +182,10 @@ TEST(LinkRole, WithoutTheirFlagsChannelsAndGroupsHaveNoSuchLinks) {
   FileBuilder file;
   const auto channel =
       file.add("CN", std::vector<std::uint64_t>(9), Bytes().zeros(22).u16(0).zeros(48));
-  EXPECT_EQ(behind(7, rolesOf(Block(file, channel), 9)),
+  EXPECT_EQ(after(7, rolesOf(Block(file, channel), 9)),
             (Roles{"cn_md_comment -> TX MD", "link 8 -> "}));
   const auto group = file.add("CG", std::vector<std::uint64_t>(7), Bytes().zeros(32));
-  EXPECT_EQ(behind(5, rolesOf(Block(file, group), 7)),
+  EXPECT_EQ(after(5, rolesOf(Block(file, group), 7)),
             (Roles{"cg_md_comment -> TX MD", "link 6 -> "}));
 }
 
@@ -193,7 +193,7 @@ TEST(LinkRole, EventsHaveScopesAndAttachments) {
   FileBuilder file;
   const auto at = file.add("EV", std::vector<std::uint64_t>(9),
                            Bytes().zeros(8).u32(2).u16(1).u16(0).zeros(16));
-  EXPECT_EQ(behind(4, rolesOf(Block(file, at), 9)),
+  EXPECT_EQ(after(4, rolesOf(Block(file, at), 9)),
             (Roles{"ev_md_comment -> TX MD", "ev_scope[0] -> CN CG", "ev_scope[1] -> CN CG",
                    "ev_at_reference[0] -> AT", "link 8 -> "}));
 }
@@ -205,9 +205,9 @@ TEST(LinkRole, ListsHaveAsManyAsTheirLinks) {
             (Roles{"dl_dl_next -> DL", "dl_data[0] -> DT SD RD DV RV DZ",
                    "dl_data[1] -> DT SD RD DV RV DZ"}));
   const auto conversion = file.add("CC", {0, 0, 0, 0, 1}, Bytes().zeros(24));
-  EXPECT_EQ(behind(4, rolesOf(Block(file, conversion), 5)), (Roles{"cc_ref[0] -> TX MD CC"}));
+  EXPECT_EQ(after(4, rolesOf(Block(file, conversion), 5)), (Roles{"cc_ref[0] -> TX MD CC"}));
   const auto hierarchy = file.add("CH", {0, 0, 0, 0, 1, 2, 3, 4}, Bytes().zeros(8));
-  EXPECT_EQ(behind(4, rolesOf(Block(file, hierarchy), 8)),
+  EXPECT_EQ(after(4, rolesOf(Block(file, hierarchy), 8)),
             (Roles{"ch_element[0].dg -> DG", "ch_element[0].cg -> CG", "ch_element[0].cn -> CN",
                    "ch_element[1].dg -> DG"}));
 }
@@ -216,10 +216,10 @@ TEST(LinkRole, ListsOfValuesMayHaveLinksToInvalidationData) {
   FileBuilder file;
   const auto values = file.add("LD", {0, 1, 2, 3, 4}, Bytes().u32(1).u32(2).u64(8));
   const Roles data = {"ld_data[0] -> DV DT RV RD SD DZ", "ld_data[1] -> DV DT RV RD SD DZ"};
-  EXPECT_EQ(behind(1, rolesOf(Block(file, values), 5)),
+  EXPECT_EQ(after(1, rolesOf(Block(file, values), 5)),
             (Roles{data[0], data[1], "link 3 -> ", "link 4 -> "}));
   const auto both = file.add("LD", {0, 1, 2, 3, 4, 5}, Bytes().u32(0x80000001U).u32(2).u64(8));
-  EXPECT_EQ(behind(1, rolesOf(Block(file, both), 6)),
+  EXPECT_EQ(after(1, rolesOf(Block(file, both), 6)),
             (Roles{data[0], data[1], "ld_invalidation_data[0] -> DI RI DZ",
                    "ld_invalidation_data[1] -> DI RI DZ", "link 5 -> "}));
 }
@@ -229,7 +229,7 @@ TEST(LinkRole, ArraysMayHaveDataOfEachElement) {
   const auto rolesWith = [&](std::uint8_t storage, std::uint32_t flags) {
     const auto array = file.add(
         "CA", {0, 1, 2}, Bytes().u8(0).u8(storage).u16(1).u32(flags).zeros(8).u64(2).u64(1).u64(1));
-    return behind(1, rolesOf(Block(file, array), 3));
+    return after(1, rolesOf(Block(file, array), 3));
   };
   const Roles unknown = {"link 1 -> ", "link 2 -> "};
   EXPECT_EQ(rolesWith(0, 0), unknown);
@@ -239,13 +239,13 @@ TEST(LinkRole, ArraysMayHaveDataOfEachElement) {
   EXPECT_EQ(rolesWith(2, 16), unknown);
 }
 
-TEST(LinkRole, NewerLinksBehindTheKnownOnes) {
+TEST(LinkRole, NewerLinksAfterTheKnownOnes) {
   FileBuilder file;
   const auto group =
       file.add("CG", std::vector<std::uint64_t>(8), Bytes().zeros(16).u16(8).zeros(14));
-  EXPECT_EQ(behind(6, rolesOf(Block(file, group), 8)), (Roles{"cg_cg_master -> CG", "link 7 -> "}));
+  EXPECT_EQ(after(6, rolesOf(Block(file, group), 8)), (Roles{"cg_cg_master -> CG", "link 7 -> "}));
   const auto source = file.add("SI", std::vector<std::uint64_t>(4), Bytes().zeros(8));
-  EXPECT_EQ(behind(3, rolesOf(Block(file, source), 4)), (Roles{"link 3 -> "}));
+  EXPECT_EQ(after(3, rolesOf(Block(file, source), 4)), (Roles{"link 3 -> "}));
 }
 
 }  // namespace

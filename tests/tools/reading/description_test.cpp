@@ -196,7 +196,7 @@ TEST(Description, GroupsAreCountedThroughTheFile) {
   EXPECT_EQ(described.group(2, 0).index, 2U);
 }
 
-TEST(Description, MembersStandBehindTheirStructure) {
+TEST(Description, MembersFollowTheirStructure) {
   FileBuilder builder;
   const auto channel = [&](const std::string& name, std::uint64_t composition) {
     ChannelSpec spec;

@@ -19,6 +19,7 @@
 #include "tools/support/mdf_bytes.h"
 #include "tools/support/scratch_folder.h"
 #include "tools/support/temp_file.h"
+#include "tools/support/walker_findings.h"
 
 using namespace mdf_tests;
 using mdf_reader::Finding;
@@ -118,8 +119,7 @@ TEST(FileDump, EndsWhenTheOutputFails) {
   mdf_tools::dumpFile(input, os, [&](const Finding&) { ++findings; });
   EXPECT_EQ(output.error(), ENOSPC);
   EXPECT_EQ(findings, 0);
-  EXPECT_EQ(dumpedBytes(bytes).findings,
-            "32168: expected length and link count to fit ##HD, found length 103 and 6 links\n");
+  EXPECT_EQ(dumpedBytes(bytes).findings, doesNotFit(32168, "HD", 103, 6));
 }
 
 /// Dumps the healthy file to a new file that takes so many bytes.

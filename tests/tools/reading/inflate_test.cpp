@@ -46,7 +46,7 @@ TEST(TransposedBack, ColumnsBecomeRows) {
   EXPECT_EQ(transposedBack("acbd", 2), "abcd");
 }
 
-TEST(TransposedBack, BytesBehindTheLastRowStay) {
+TEST(TransposedBack, BytesAfterTheLastRowStay) {
   EXPECT_EQ(transposedBack("adbecfXY", 3), "abcdefXY");
   EXPECT_EQ(transposedBack("abcX", 3), "abcX");
   EXPECT_EQ(transposedBack("XY", 3), "XY");

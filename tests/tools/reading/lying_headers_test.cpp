@@ -11,6 +11,7 @@
 #include "tools/support/dumped.h"
 #include "tools/support/mdf_bytes.h"
 #include "tools/support/temp_file.h"
+#include "tools/support/walker_findings.h"
 
 using namespace mdf_tests;
 
@@ -18,13 +19,13 @@ namespace {
 
 constexpr std::uint64_t kibi64 = 65536;
 constexpr std::uint64_t block_offset = 168;
-constexpr std::uint64_t bytes_behind = 24;
+constexpr std::uint64_t bytes_after = 24;
 
 struct Type {
   std::string letters;
   std::size_t length;
   std::uint64_t links;
-  std::uint64_t fields;  ///< bytes that the library's class takes from behind the links
+  std::uint64_t fields;  ///< bytes that the library's class takes from after the links
   enum { unknown, fixed_size, links_and_fields, fields_only } reading;
 };
 
@@ -61,18 +62,12 @@ std::vector<std::uint64_t> liesAbout(std::uint64_t truth) {
 }
 
 /// A file whose header block links to a block of the type with this header. Its links are nil, and
-/// so are the bytes behind it.
+/// so are the bytes after it.
 Dumped dumpOf(const Type& type, std::uint64_t length, std::uint64_t link_count) {
-  const TempFile file(fileHead({0, block_offset, 0, 0, 0, 0}) +
-                      Bytes()
-                          .header(type.letters, length, link_count)
-                          .zeros(type.length - 24 + bytes_behind)
-                          .str());
+  const TempFile file(
+      fileHead({0, block_offset, 0, 0, 0, 0}) +
+      Bytes().header(type.letters, length, link_count).zeros(type.length - 24 + bytes_after).str());
   return dumpedFile(file.path(), kibi64);
-}
-
-std::string sentence(const std::string& text) {
-  return std::to_string(block_offset) + ": expected " + text + "\n";
 }
 
 bool fitInto(std::uint64_t length, std::uint64_t links, std::uint64_t fields) {
@@ -100,27 +95,24 @@ bool isReadable(const Type& type, std::uint64_t length, std::uint64_t links) {
 }
 
 std::string expectedFindings(const Type& type, std::uint64_t length, std::uint64_t links) {
-  const std::uint64_t there = type.length + bytes_behind;
+  const std::uint64_t there = type.length + bytes_after;
   const std::uint64_t standing = standingLinks(type, length, links);
   std::string findings;
   if (!fitInto(length, standing, 0)) {
-    findings += sentence("the length of ##" + type.letters + " to hold its header and " +
-                         std::to_string(standing) + " links, found " + std::to_string(length));
+    findings += lengthTooSmall(block_offset, type.letters, standing, length);
   }
   if (length > there) {
-    findings += sentence("the " + std::to_string(length) + " bytes of ##" + type.letters +
-                         ", found " + std::to_string(there) + " up to the file's end");
+    findings += blockCut(block_offset, type.letters, length, there);
   }
   const bool is_too_short = type.reading == Type::fixed_size && length < type.length;
   if (findings.empty() && (is_too_short || !isReadable(type, length, links))) {
-    findings += sentence("length and link count to fit ##" + type.letters + ", found length " +
-                         std::to_string(length) + " and " + std::to_string(links) + " links");
+    findings += doesNotFit(block_offset, type.letters, length, links);
   }
   return findings;
 }
 
 bool isShown(const Type& type, std::uint64_t length, std::uint64_t links) {
-  const std::uint64_t there = type.length + bytes_behind;
+  const std::uint64_t there = type.length + bytes_after;
   return type.reading != Type::unknown && isReadable(type, length, links) &&
          (type.reading == Type::fixed_size || (length >= 24 && length <= there));
 }

@@ -67,11 +67,11 @@ TEST(PagedFile, BytesAtAnOffsetReachToThePagesEndOrTheFilesEnd) {
   EXPECT_EQ(file.bytesAt(4095), bytes.substr(4095, 1));
   EXPECT_EQ(file.bytesAt(4096), bytes.substr(4096));
   EXPECT_EQ(file.bytesAt(4999), bytes.substr(4999));
-  for (const std::uint64_t behind :
+  for (const std::uint64_t outside :
        {std::uint64_t{5000}, std::uint64_t{8192}, std::uint64_t{1} << 63U, UINT64_MAX}) {
-    EXPECT_EQ(file.bytesAt(behind), "") << behind;
-    EXPECT_EQ(readText(file, behind, 10), "") << behind;
-    EXPECT_EQ(readText(file, behind, 100000), "") << behind;
+    EXPECT_EQ(file.bytesAt(outside), "") << outside;
+    EXPECT_EQ(readText(file, outside, 10), "") << outside;
+    EXPECT_EQ(readText(file, outside, 100000), "") << outside;
   }
 }
 

@@ -14,6 +14,7 @@
 #include "tools/support/file_reads.h"
 #include "tools/support/mdf_bytes.h"
 #include "tools/support/temp_file.h"
+#include "tools/support/walker_findings.h"
 
 using namespace mdf_tests;
 using mdf_reader::Finding;
@@ -111,82 +112,56 @@ TEST(Walker, BlockInsideTheIdentificationIsABlock) {
 }
 
 TEST(Walker, LinkOutsideTheFile) {
-  EXPECT_EQ(
-      walkedFrom168(unknownBlock({208, 207, INT64_MAX})),
-      "##HD 64 104 6\n"
-      "##XX 168 48 3\n"
-      "168: expected link 0 of ##XX to lead to the 24 bytes of a block header, found only 8 at 208 "
-      "(0xd0)\n"
-      "168: expected link 1 of ##XX to lead to the 24 bytes of a block header, found only 9 at 207 "
-      "(0xcf)\n"
-      "168: expected link 2 of ##XX to lead into the file of 216 bytes, found "
-      "9223372036854775807 (0x7fffffffffffffff)\n");
+  EXPECT_EQ(walkedFrom168(unknownBlock({208, 207, INT64_MAX})),
+            "##HD 64 104 6\n"
+            "##XX 168 48 3\n" +
+                linkToCutHeader(168, "XX", 0, 8, 208) + linkToCutHeader(168, "XX", 1, 9, 207) +
+                linkOutside(168, "XX", 2, 216, INT64_MAX));
 }
 
-TEST(Walker, FirstByteBehindTheFileIsOutside) {
-  EXPECT_EQ(
-      walked(fileHead({0, 167, 168, 169, 0, 0})),
-      "##HD 64 104 6\n"
-      "64: expected link 1 of ##HD to lead to the 24 bytes of a block header, found only 1 at 167 "
-      "(0xa7)\n"
-      "64: expected link 2 of ##HD to lead into the file of 168 bytes, found 168 (0xa8)\n"
-      "64: expected link 3 of ##HD to lead into the file of 168 bytes, found 169 (0xa9)\n");
+TEST(Walker, FirstByteAfterTheFileIsOutside) {
+  EXPECT_EQ(walked(fileHead({0, 167, 168, 169, 0, 0})),
+            "##HD 64 104 6\n" + linkToCutHeader(64, "HD", 1, 1, 167) +
+                linkOutside(64, "HD", 2, 168, 168) + linkOutside(64, "HD", 3, 168, 169));
 }
 
 TEST(Walker, NegativeLink) {
   EXPECT_EQ(walked(fileHead({-1, 0, 0, 0, 0, INT64_MIN})),
-            "##HD 64 104 6\n"
-            "64: expected link 0 of ##HD to lead into the file of 168 bytes, found -1\n"
-            "64: expected link 5 of ##HD to lead into the file of 168 bytes, found "
-            "-9223372036854775808\n");
+            "##HD 64 104 6\n" + linkOutside(64, "HD", 0, 168, -1) +
+                linkOutside(64, "HD", 5, 168, INT64_MIN));
 }
 
 TEST(Walker, LinkToSomethingElseThanABlock) {
   EXPECT_EQ(walked(fileHead({0, 65, 8, 0, 8, 0})),
-            "##HD 64 104 6\n"
-            "64: expected link 1 of ##HD to lead to a block \"##\", found \"#HD\\x00\" at 65 "
-            "(0x41)\n"
-            "64: expected link 2 of ##HD to lead to a block \"##\", found \"4.10\" at 8 (0x8)\n"
-            "64: expected link 4 of ##HD to lead to a block \"##\", found \"4.10\" at 8 (0x8)\n");
+            "##HD 64 104 6\n" + linkToNoBlock(64, "HD", 1, "#HD\\x00", 65) +
+                linkToNoBlock(64, "HD", 2, "4.10", 8) + linkToNoBlock(64, "HD", 4, "4.10", 8));
 }
 
 TEST(Walker, BadLinksHideNoGoodOnes) {
   EXPECT_EQ(walkedFrom168(unknownBlock({-1, 1000, 8, 224}) + unknownBlock({})),
             "##HD 64 104 6\n"
             "##XX 168 56 4\n"
-            "##XX 224 24 0\n"
-            "168: expected link 0 of ##XX to lead into the file of 248 bytes, found -1\n"
-            "168: expected link 1 of ##XX to lead into the file of 248 bytes, found 1000 (0x3e8)\n"
-            "168: expected link 2 of ##XX to lead to a block \"##\", found \"4.10\" at 8 (0x8)\n");
+            "##XX 224 24 0\n" +
+                linkOutside(168, "XX", 0, 248, -1) + linkOutside(168, "XX", 1, 248, 1000) +
+                linkToNoBlock(168, "XX", 2, "4.10", 8));
 }
 
 TEST(Walker, FileTooShortForTheIdentification) {
-  EXPECT_EQ(walked(""), "0: expected 64 bytes of identification, found 0 up to the file's end\n");
-  EXPECT_EQ(walked(fileHead({}).substr(0, 63)),
-            "0: expected 64 bytes of identification, found 63 up to the file's end\n");
+  EXPECT_EQ(walked(""), identificationCut(0));
+  EXPECT_EQ(walked(fileHead({}).substr(0, 63)), identificationCut(63));
 }
 
 TEST(Walker, FileTooShortForTheHeaderBlock) {
   const std::string bytes = fileHead({0, 0, 0, 0, 0, 0});
-  EXPECT_EQ(walked(bytes.substr(0, 64)),
-            "64: expected the header block's 24 bytes of common header, found 0 up to the file's "
-            "end\n");
-  EXPECT_EQ(walked(bytes.substr(0, 87)),
-            "64: expected the header block's 24 bytes of common header, found 23 up to the file's "
-            "end\n");
-  EXPECT_EQ(walked(bytes.substr(0, 88)),
-            "##HD 64 104 6\n"
-            "64: expected the 104 bytes of ##HD, found 24 up to the file's end\n");
-  EXPECT_EQ(walked(bytes.substr(0, 167)),
-            "##HD 64 104 6\n"
-            "64: expected the 104 bytes of ##HD, found 103 up to the file's end\n");
+  EXPECT_EQ(walked(bytes.substr(0, 64)), headerBlockCut(0));
+  EXPECT_EQ(walked(bytes.substr(0, 87)), headerBlockCut(23));
+  EXPECT_EQ(walked(bytes.substr(0, 88)), "##HD 64 104 6\n" + blockCut(64, "HD", 104, 24));
+  EXPECT_EQ(walked(bytes.substr(0, 167)), "##HD 64 104 6\n" + blockCut(64, "HD", 104, 103));
 }
 
 TEST(Walker, NoMeasurementFile) {
   EXPECT_EQ(walked(std::string(64, '\n') + "PNG." + std::string(100, 'x')),
-            "0: expected the file identifier \"MDF     \" or \"UnFinMF \", found "
-            "\"\\x0a\\x0a\\x0a\\x0a\\x0a\\x0a\\x0a\\x0a\"\n"
-            "64: expected the header block \"##HD\", found \"PNG.\"\n");
+            notMdf("\\x0a\\x0a\\x0a\\x0a\\x0a\\x0a\\x0a\\x0a") + noHeaderBlock("PNG."));
 }
 
 TEST(Walker, FilesOfEarlierVersionsAreNamed) {
@@ -194,12 +169,10 @@ TEST(Walker, FilesOfEarlierVersionsAreNamed) {
   bytes.replace(28, 2, Bytes().u16(330));
   bytes.replace(64, 4, std::string("HD\xA4\0", 4));
   EXPECT_EQ(walked(bytes),
-            "0: expected a file of MDF 4, found one of MDF 3.30\n"
-            "64: expected the header block \"##HD\", found \"HD\\xa4\\x00\"\n");
+            "0: expected a file of MDF 4, found one of MDF 3.30\n" + noHeaderBlock("HD\\xa4\\x00"));
   bytes.replace(28, 2, Bytes().u16(201));
   EXPECT_EQ(walked(bytes),
-            "0: expected a file of MDF 4, found one of MDF 2.01\n"
-            "64: expected the header block \"##HD\", found \"HD\\xa4\\x00\"\n");
+            "0: expected a file of MDF 4, found one of MDF 2.01\n" + noHeaderBlock("HD\\xa4\\x00"));
 }
 
 TEST(Walker, DamagedIdentificationHidesNoBlocks) {
@@ -207,8 +180,8 @@ TEST(Walker, DamagedIdentificationHidesNoBlocks) {
   bytes[0] = 'm';
   EXPECT_EQ(walked(bytes),
             "##HD 64 104 6\n"
-            "##XX 168 24 0\n"
-            "0: expected the file identifier \"MDF     \" or \"UnFinMF \", found \"mDF     \"\n");
+            "##XX 168 24 0\n" +
+                notMdf("mDF     "));
 }
 
 TEST(Walker, OtherBlockInTheHeaderBlocksPlace) {
@@ -216,8 +189,8 @@ TEST(Walker, OtherBlockInTheHeaderBlocksPlace) {
   bytes.replace(66, 2, "DG");
   EXPECT_EQ(walked(bytes),
             "##DG 64 104 6\n"
-            "##XX 168 24 0\n"
-            "64: expected the header block \"##HD\", found \"##DG\"\n");
+            "##XX 168 24 0\n" +
+                noHeaderBlock("##DG"));
 }
 
 TEST(Walker, LengthTooSmallForHeaderAndLinks) {
@@ -225,29 +198,27 @@ TEST(Walker, LengthTooSmallForHeaderAndLinks) {
                           unknownBlock({})),
             "##HD 64 104 6\n"
             "##XX 168 39 2\n"
-            "##XX 208 24 0\n"
-            "168: expected the length of ##XX to hold its header and 2 links, found 39\n");
+            "##XX 208 24 0\n" +
+                lengthTooSmall(168, "XX", 2, 39));
   EXPECT_EQ(walkedFrom168(Bytes().header("XX", 0, 0)),
             "##HD 64 104 6\n"
-            "##XX 168 0 0\n"
-            "168: expected the length of ##XX to hold its header and 0 links, found 0\n");
+            "##XX 168 0 0\n" +
+                lengthTooSmall(168, "XX", 0, 0));
 }
 
 TEST(Walker, BlockRunsPastTheEndOfTheFile) {
   EXPECT_EQ(walkedFrom168(Bytes().header("XX", 58, 4).links({64, -1, 64})),
             "##HD 64 104 6\n"
-            "##XX 168 58 4\n"
-            "168: expected the 58 bytes of ##XX, found 48 up to the file's end\n"
-            "168: expected link 1 of ##XX to lead into the file of 216 bytes, found -1\n");
+            "##XX 168 58 4\n" +
+                blockCut(168, "XX", 58, 48) + linkOutside(168, "XX", 1, 216, -1));
 }
 
 TEST(Walker, BothLengthAndLinkCountLie) {
   EXPECT_EQ(walkedFrom168(Bytes().header("XX", std::uint64_t{1} << 63U, UINT64_MAX).i64(64)),
             "##HD 64 104 6\n"
-            "##XX 168 9223372036854775808 18446744073709551615\n"
-            "168: expected the length of ##XX to hold its header and 18446744073709551615 links, "
-            "found 9223372036854775808\n"
-            "168: expected the 9223372036854775808 bytes of ##XX, found 32 up to the file's end\n");
+            "##XX 168 9223372036854775808 18446744073709551615\n" +
+                lengthTooSmall(168, "XX", UINT64_MAX, std::uint64_t{1} << 63U) +
+                blockCut(168, "XX", std::uint64_t{1} << 63U, 32));
 }
 
 TEST(Walker, LinkOfAHeaderListThatCountsNoneIsFollowed) {
@@ -335,9 +306,7 @@ TEST(Walker, FromAnotherBlock) {
   std::string findings;
   const auto report = [&](const Finding& finding) { findings += findingLine(finding); };
   EXPECT_EQ(walkBlocks(input, report, 168), (std::vector<std::uint64_t>{168, 208}));
-  EXPECT_EQ(findings,
-            "168: expected link 0 of ##XX to lead to a block \"##\", found "
-            "\"\\xd0\\x00\\x00\\x00\" at 200 (0xc8)\n");
+  EXPECT_EQ(findings, linkToNoBlock(168, "XX", 0, "\\xd0\\x00\\x00\\x00", 200));
   findings.clear();
   EXPECT_EQ(walkBlocks(input, report, 169), std::vector<std::uint64_t>());
   EXPECT_EQ(findings, "169: expected a block \"##\" at 169 (0xa9), found \"#XX\\x00\"\n");

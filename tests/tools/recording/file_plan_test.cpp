@@ -39,7 +39,7 @@ TEST(FilePlan, EveryBlockStandsOnAMultipleOf8) {
   }
   EXPECT_EQ(positions,
             (std::vector<mdf_v4_10::LINK>{0, 32, 64, 96, 128, 160, 192, 224, 256, 296, 336}));
-  EXPECT_EQ(plan.end(), 371U) << "no fill behind the last block";
+  EXPECT_EQ(plan.end(), 371U) << "no padding after the last block";
 
   const std::string bytes = written(plan);
   ASSERT_EQ(bytes.size(), 371U);

@@ -52,7 +52,7 @@ std::string frame() {
       .zeros(1 + 7);
 }
 
-/// Each text once, behind it its terminating zero and the fill.
+/// Each text once, then its terminating zero and the padding.
 std::string texts() {
   return Bytes()
       .header("TX", 39, 0)

@@ -181,7 +181,7 @@ Sample reduction() {
           {countingTable(4)}};
 }
 
-/// A block of another type behind a source.
+/// A block of another type that a source leads to.
 Sample unknownBlocks() {
   Parts parts = partsOfMeasurement();
   SampleFile& file = parts.file;
@@ -190,8 +190,8 @@ Sample unknownBlocks() {
   const std::uint64_t extended =
       file.add("SI", {file.text("source"), 0, 0, unknown}, Bytes().u8s({1, 1, 0, 0, 0, 0, 0, 0}));
   file.link(parts.channel, 3, extended);
-  return measured("block-of-unknown-type",
-                  "a type that nobody knows behind a link of a newer version", file);
+  return measured("block-of-unknown-type", "a type that nobody knows at a link of a newer version",
+                  file);
 }
 
 /// Blocks with a link more than version 4.10 gives them.
@@ -210,10 +210,10 @@ Sample newerLinks() {
   const std::uint64_t data = file.add("DT", {}, countingRecords(3));
   const std::uint64_t data_group = file.add("DG", {0, group, data, 0, text}, Bytes().zeros(8));
   file.link(FileBuilder::header, 0, data_group);
-  return measured("block-links-of-newer-versions", "links behind those that are known", file);
+  return measured("block-links-of-newer-versions", "links after those that are known", file);
 }
 
-/// A channel with attachments and with a default axis, whose links stand behind the first eight.
+/// A channel with attachments and with a default axis, whose links follow the first eight.
 Sample channelReferences() {
   SampleFile file;
   const std::uint64_t attachment =

@@ -57,7 +57,7 @@ Samples invalidations() {
   const std::vector<Column> columns = {{"t", "s"}, {"a", ""}, {"b", ""}};
   return {
       withInvalidation(
-          "invalidation-bit", "a bit behind the data for each of two channels", SampleFile(),
+          "invalidation-bit", "a bit after the data for each of two channels", SampleFile(),
           {byteAt("a", 8, has_invalidation_bit, 0), byteAt("b", 9, has_invalidation_bit, 7)}, 1,
           {"0102 00", "0304 01", "0506 80", "0708 81", "090a 7e"},
           {columns, {"0,1,2", "0.5,,4", "1,5,", "1.5,,", "2,9,10"}}),

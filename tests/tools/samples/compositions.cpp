@@ -61,7 +61,7 @@ Sample nestedStructure() {
       addStructure(file, "outer", 8, 3, {file.addChannel(part("c", 8)), inner});
   file.link(outer, 0, file.addChannel(part("last", 11)));
   return composed(
-      "structure-nested", "a structure in a structure, and a channel behind it", std::move(file),
+      "structure-nested", "a structure in a structure, and a channel after it", std::move(file),
       outer, {"01020304", "05060708"},
       {{{"t", "s"}, {"outer.c", ""}, {"outer.inner.a", ""}, {"outer.inner.b", ""}, {"last", ""}},
        {"0,1,2,3,4", "0.5,5,6,7,8"}});
@@ -128,11 +128,11 @@ Samples arrays() {
             {three, {"0,1,2,3", "0.5,10,11,12"}}),
       array("array-with-gaps", "elements of two bytes, four bytes apart", wide, part("v", 9, 16),
             {"ff 0100 eeee 0200"}, {elements({"[0]", "[1]"}), {"0,1,2"}}),
-      array("array-of-two-dimensions", "rows one behind the other", matrix, part("v", 8),
+      array("array-of-two-dimensions", "rows one after another", matrix, part("v", 8),
             {"010203040506"},
             {elements({"[0][0]", "[0][1]", "[0][2]", "[1][0]", "[1][1]", "[1][2]"}),
              {"0,1,2,3,4,5,6"}}),
-      array("array-by-columns", "columns one behind the other", columns, part("v", 8),
+      array("array-by-columns", "columns one after another", columns, part("v", 8),
             {"010203040506"},
             {elements({"[0][0]", "[1][0]", "[0][1]", "[1][1]", "[0][2]", "[1][2]"}),
              {"0,1,2,3,4,5,6"}}),
@@ -200,7 +200,7 @@ Sample arrayOfStructures() {
   points.composition = addArray(file, {0, 4, 0, {2}}, x);
   const std::uint64_t channel = file.addChannel(points);
   file.link(channel, 0, file.addChannel(part("last", 15)));
-  return composed("array-of-structures", "elements with members, and a channel behind them",
+  return composed("array-of-structures", "elements with members, and a channel after them",
                   std::move(file), channel, {"010200ff03040005", "060007fe08000909"},
                   {{{"t", "s"},
                     {"point[0].x", ""},

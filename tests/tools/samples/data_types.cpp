@@ -136,7 +136,7 @@ Samples reals() {
 
 Samples textsAndBytes() {
   return {
-      valueSample("data-type-string-latin1", "a byte for each character, zero bytes behind",
+      valueSample("data-type-string-latin1", "a byte for each character, zero bytes after them",
                   stored(latin1, 48),
                   {{"4772fcdf6500", "Grüße"}, {"616263646566", "abcdef"}, {"000000000000", ""}}),
       valueSample("data-type-string-utf8", "characters of one, two, three and four bytes",

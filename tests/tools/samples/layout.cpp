@@ -74,14 +74,14 @@ Sample startPosition() {
 Sample programWithZeros() {
   SampleFile file;
   file.write(16, std::string("ab\0\0\0\0\0\0", 8));
-  return counting("program-name-with-zeros", "zero bytes behind the name of the program",
+  return counting("program-name-with-zeros", "zero bytes after the name of the program",
                   std::move(file));
 }
 
 Sample identificationWithZeros() {
   SampleFile file;
   file.write(8, std::string("4.10\0\0\0\0", 8));
-  return counting("version-text-with-zeros", "zero bytes behind the text of the version",
+  return counting("version-text-with-zeros", "zero bytes after the text of the version",
                   std::move(file));
 }
 
@@ -96,7 +96,7 @@ Sample gaps() {
 }
 
 /// Texts whose blocks end in more zero bytes than one, and at any length.
-Sample zerosBehindTexts() {
+Sample zerosAfterTexts() {
   SampleFile file;
   const std::uint64_t name = file.add("TX", {}, std::string("v\0\0\0\0\0\0\0", 8));
   const std::uint64_t unit = file.add("TX", {}, std::string("V\0\0\0\0", 5));
@@ -215,7 +215,7 @@ Samples layoutSamples() {
   return together(
       {versions(),
        times(),
-       {startPosition(), programWithZeros(), identificationWithZeros(), gaps(), zerosBehindTexts(),
+       {startPosition(), programWithZeros(), identificationWithZeros(), gaps(), zerosAfterTexts(),
         backwards(), uncountedLink(), severalKinds(), withoutMaster(), unusedBytes()}});
 }
 

@@ -21,7 +21,7 @@ Sample counting(const std::string& name, const std::string& shows, std::size_t r
   return {name, shows, file.bytes(), {countingTable(records)}};
 }
 
-/// Two lists, one behind the other. The blocks hold the data in pieces of 20 bytes.
+/// Two lists, one after another. The blocks hold the data in pieces of 20 bytes.
 std::uint64_t twoLists(FileBuilder& file, const std::vector<std::uint64_t>& blocks,
                        bool are_equal) {
   const std::vector<std::uint64_t> front(blocks.begin(), blocks.begin() + 2);
@@ -51,8 +51,8 @@ Samples plainData() {
   };
 }
 
-/// The records behind everything else, so that the link to them leads forwards.
-Sample dataBehind() {
+/// The records after everything else, so that the link to them leads forwards.
+Sample dataAtTheEnd() {
   SampleFile file;
   const std::uint64_t data_group = file.addSortedGroup(countingGroup(3), countingChannels(), 0);
   file.link(data_group, 2, file.add("DT", {}, countingRecords(3)));
@@ -102,7 +102,7 @@ Samples splitData() {
                [](SampleFile& file, const std::string& data) {
                  return addEqualList(file, addPieces(file, "DT", data, 3), 3);
                }),
-      counting("organisation-chain-of-lists-of-equal-length", "two lists, one behind the other", 9,
+      counting("organisation-chain-of-lists-of-equal-length", "two lists, one after another", 9,
                [](SampleFile& file, const std::string& data) {
                  return twoLists(file, addPieces(file, "DT", data, 20), true);
                }),
@@ -180,7 +180,7 @@ Samples zippedData() {
 
 Samples zippedLists() {
   return {
-      counting("organisation-list-of-zipped", "zipped blocks behind the header of a list", 9,
+      counting("organisation-list-of-zipped", "zipped blocks under the header of a list", 9,
                [](SampleFile& file, const std::string& data) {
                  const auto blocks = addZippedPieces(file, "DT", data, 40);
                  return addHeaderList(file, addEqualList(file, blocks, 40), 1, 0);
@@ -204,7 +204,7 @@ Samples zippedLists() {
                  const auto list = addOffsetList(file, {first, second, third}, {0, 25, 35});
                  return addHeaderList(file, list, 0, 1);
                }),
-      counting("organisation-chain-of-zipped-lists", "two lists of zipped blocks behind one header",
+      counting("organisation-chain-of-zipped-lists", "two lists of zipped blocks under one header",
                9,
                [](SampleFile& file, const std::string& data) {
                  const auto blocks = addZippedPieces(file, "DT", data, 20, 10);
@@ -262,7 +262,7 @@ Sample severalGroups() {
 
 Samples organisationSamples() {
   return together({plainData(),
-                   {dataBehind()},
+                   {dataAtTheEnd()},
                    listedData(),
                    splitData(),
                    zippedData(),

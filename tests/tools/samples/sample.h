@@ -28,7 +28,7 @@ struct Sample {
 
 using Samples = std::vector<Sample>;
 
-/// The samples of several lists, one behind the other.
+/// The samples of several lists, one after another.
 Samples together(const std::vector<Samples>& lists);
 
 /// The samples of each part of the format.

@@ -93,7 +93,7 @@ Sample zippedInvalidation() {
   const auto bits = addZippedPieces(file, "DI", records.invalidation, 4);
   const std::uint64_t list = addValueList(file, {values, bits, {}, 4});
   const std::uint64_t header = addHeaderList(file, list, 1, 1);
-  return invalidation("invalidation-apart-zipped", "both are zipped, behind the header of a list",
+  return invalidation("invalidation-apart-zipped", "both are zipped, under the header of a list",
                       std::move(file), records, header);
 }
 

@@ -28,13 +28,13 @@ Sample withBlock(const std::string& name, const std::string& shows, std::uint16_
   return {name, shows, file.bytes(), {countingTable(there)}};
 }
 
-/// A file whose last data block says that it is empty, with what was written behind it.
-Sample withOpenBlock(const std::string& name, const std::string& shows, const std::string& behind,
+/// A file whose last data block says that it is empty, with what was written after it.
+Sample withOpenBlock(const std::string& name, const std::string& shows, const std::string& after,
                      std::size_t records) {
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
   const std::uint64_t data_group = file.addSortedGroup(countingGroup(0), countingChannels(), 0);
   file.link(data_group, 2, file.add("DT", {}));
-  file.append(behind);
+  file.append(after);
   return {name, shows, file.bytes(), {countingTable(records)}};
 }
 
@@ -51,7 +51,7 @@ Samples oneBlock() {
                 reduction_counters_open | last_reduction_open, 3, 3),
       withOpenBlock("unfinished-last-data-open", "records up to the end of the file",
                     countingRecords(7), 7),
-      withOpenBlock("unfinished-last-data-open-empty", "an open block without a byte behind", "",
+      withOpenBlock("unfinished-last-data-open-empty", "an open block without a byte after it", "",
                     0),
       withOpenBlock("unfinished-last-data-open-half-a-record", "the last record is cut off",
                     countingRecords(4).substr(0, 36), 3),
@@ -75,7 +75,7 @@ Sample emptyBlockBefore() {
   const std::uint64_t empty = file.add("DT", {});
   file.addSortedGroup(countingGroup(0), countingChannels(), empty);
   return {"unfinished-last-data-open-before-others",
-          "an empty block with others behind is empty",
+          "an empty block with others after it is empty",
           file.bytes(),
           {countingTable(0)}};
 }

@@ -221,8 +221,8 @@ Samples variableLengths() {
       variableLength("unsorted-variable-length", "texts in the records of another group", {}),
       variableLength("unsorted-variable-length-group-first", "the group with the texts comes first",
                      {1, true, false}),
-      variableLength("unsorted-variable-length-record-id-4",
-                     "texts behind record ids of four bytes", {4, false, false}),
+      variableLength("unsorted-variable-length-record-id-4", "texts after record ids of four bytes",
+                     {4, false, false}),
       variableLength("unsorted-variable-length-zipped", "texts among records in a zipped block",
                      {1, false, true}),
   };

@@ -44,7 +44,7 @@ Curve curve(const std::string& name, const std::string& unit, std::vector<double
   return curve;
 }
 
-/// The script behind the lines that set the style.
+/// The script after the lines that set the style.
 std::string plotsOf(const std::vector<Curve>& curves) {
   const std::string script = gnuplotScript(curves, {ChartForm::Kind::svg, "title"});
   return script.substr(script.find("set multiplot"));

@@ -216,7 +216,7 @@ TEST(Conversion, BlocksInsideOneAnotherAreNotKeptWithoutLimit) {
   file.text(std::string(10000, ' '));
   std::vector<std::uint64_t> references;
   for (int i = 0; i < 50; ++i) {
-    // Its values go on to the end of the file, through all blocks behind it.
+    // Its values go on to the end of the file, through all blocks after it.
     references.push_back(file.addConversion({1, {}, {0, 2}}));
     file.write(references.back() + 8, Bytes().u64(1000000));
     file.write(references.back() + 24 + 32 + 6, Bytes().u16(65535));

@@ -14,7 +14,7 @@ using namespace mdf_tests;
 
 namespace {
 
-/// The stream behind a link of a file.
+/// The data that a link of a file leads to.
 class Streamed {
  public:
   Streamed(const std::string& bytes, std::uint64_t link, bool is_unfinished = false,

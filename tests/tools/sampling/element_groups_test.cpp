@@ -45,7 +45,7 @@ std::uint64_t arrayChannel(FileBuilder& file, const std::string& name, const Arr
   return file.addChannel(fields);
 }
 
-/// A group with the record id 1 of such an array and of a channel "last" in the byte behind it.
+/// A group with the record id 1 of such an array and of a channel "last" in the byte after it.
 std::uint64_t arrayGroup(FileBuilder& file, const ArrayFields& array, std::uint64_t cycles) {
   ChannelSpec last = firstByte("last");
   last.byte_offset = 1;
@@ -190,7 +190,7 @@ TEST(SplitElements, DataThatTheyShareHasALimit) {
   EXPECT_LT(exported.text.size(), std::size_t{6} * 50000 * 6 + 200);
 }
 
-/// Array blocks one over the other: each could have all the bytes behind it for counts.
+/// Array blocks that overlap: each could have all the bytes after it for counts.
 TEST(SplitElements, BlocksThatOverlapHaveALimit) {
   FileBuilder file;
   std::vector<std::uint64_t> groups;

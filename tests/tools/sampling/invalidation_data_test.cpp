@@ -70,7 +70,7 @@ TEST(InvalidationData, NilLinksToData) {
   EXPECT_EQ(healthyCsvOf(fileWith(file, 1, list).bytes()), "a\n\"\"\n");
 }
 
-TEST(InvalidationData, WithoutTheFlagLinksBehindMeanNothing) {
+TEST(InvalidationData, WithoutTheFlagFurtherLinksMeanNothing) {
   FileBuilder file = newFile();
   const std::uint64_t list =
       valueList(file, 0, 1, {file.add("DV", {}, "A"), file.add("DI", {}, "\1")});

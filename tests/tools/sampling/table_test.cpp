@@ -203,7 +203,7 @@ TEST(Table, GroupsWithoutRecordIdsWhereOneHasRecords) {
   EXPECT_EQ(healthyCsvOf(file.bytes()), "a\n\nb\n65\n66\n");
 }
 
-/// A channel whose values are behind offsets of four bytes.
+/// A channel whose values are found by offsets of four bytes.
 ChannelSpec variable(const std::string& name, unsigned data_type, std::uint64_t data,
                      std::uint32_t byte_offset = 0) {
   ChannelSpec fields = number(name, data_type, byte_offset, 32);
@@ -547,11 +547,11 @@ TEST(Table, ArraysThatDoNotFitAreLeftOut) {
     EXPECT_EQ(exported.text, "last\n71\n");
     EXPECT_EQ(exported.findings.size(), 1U);
   }
-  EXPECT_EQ(csvOf(arrayFile({2}, 0)).findings.size(), 1U);        // elements one over the other
+  EXPECT_EQ(csvOf(arrayFile({2}, 0)).findings.size(), 1U);        // elements that overlap
   EXPECT_EQ(csvOf(arrayFile({2}, 1, 0, 1)).findings.size(), 1U);  // elements elsewhere
 }
 
-/// An array of arrays or structures, and a channel behind it.
+/// An array of arrays or structures, and a channel after it.
 std::string composedFile(FileBuilder file, const std::vector<std::uint64_t>& dimensions,
                          std::uint64_t composition) {
   ChannelSpec fields = number("v", 0, 0, 8);

@@ -9,7 +9,7 @@ using namespace mdf_tools;
 
 namespace {
 
-/// The names of values from 0 on, each behind the one before and a comma.
+/// The names of values from 0 on, each after the one before and a comma.
 std::string namesOf(const std::function<std::string(unsigned)>& name, unsigned count) {
   std::string text;
   for (unsigned i = 0; i < count; ++i) {

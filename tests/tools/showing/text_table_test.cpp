@@ -25,7 +25,7 @@ TextTable fruits() {
   return table;
 }
 
-TEST(TextTable, AlignsColumnsAndLeavesNothingBehindALine) {
+TEST(TextTable, AlignsColumnsAndEndsLinesWithoutBlanks) {
   EXPECT_EQ(printed(fruits()),
             "name   count  note\n"
             "pear      10\n"

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <map>
+#include <regex>
 
 #include "checking/file_check.h"
 #include "reader/bytes/input_file.h"
@@ -15,6 +16,10 @@ void check(const std::string& bytes, const mdf_tools::ProblemSink& report) {
   const TempFile file(bytes);
   mdf_reader::InputFile input(file.path());
   mdf_tools::checkFile(input, report);
+}
+
+std::string wordOf(const mdf_tools::Problem& problem) {
+  return std::string(mdf_tools::textOf(problem.code).word);
 }
 
 }  // namespace
@@ -33,11 +38,25 @@ std::string checkedBytes(const std::string& bytes) {
   return lines;
 }
 
+std::string problemsIn(const std::string& bytes) {
+  static const std::regex in_parentheses(" \\(0x[0-9a-f]+\\)");
+  static const std::regex number("[0-9]+");
+  std::string lines;
+  check(bytes, [&](const mdf_tools::Problem& problem) {
+    lines += std::to_string(problem.offset) + ' ' + wordOf(problem);
+    const std::string sentence = std::regex_replace(problem.sentence, in_parentheses, "");
+    for (std::sregex_iterator each(sentence.begin(), sentence.end(), number), end; each != end;
+         ++each) {
+      lines += ' ' + each->str();
+    }
+    lines += '\n';
+  });
+  return lines;
+}
+
 std::string checkedCodes(const std::string& bytes) {
   std::map<std::string, std::size_t> counts;
-  check(bytes, [&](const mdf_tools::Problem& problem) {
-    ++counts[std::string(mdf_tools::textOf(problem.code).word)];
-  });
+  check(bytes, [&](const mdf_tools::Problem& problem) { ++counts[wordOf(problem)]; });
   std::string lines;
   for (const auto& [word, count] : counts) {
     lines += word + ' ' + std::to_string(count) + '\n';

@@ -53,7 +53,7 @@ std::vector<std::string> environmentWith(const std::vector<std::string>& additio
   return all;
 }
 
-/// Makes a new process what its program expects. Calls what may be called behind a fork only.
+/// Makes a new process what its program expects. Calls only what may be called after a fork.
 void prepareProcess(const RunOptions& options, const Streams& streams) {
   dup2(streams.input, STDIN_FILENO);
   dup2(streams.output, STDOUT_FILENO);

@@ -11,7 +11,7 @@
 
 namespace mdf_tests {
 
-/// The command that runs the program mdf: its path, behind the words of the environment variable
+/// The command that runs the program mdf: its path, after the words of the environment variable
 /// MDF_EMULATOR, as for a program that is built for another machine.
 std::vector<std::string> mdfCommand();
 

@@ -11,7 +11,7 @@ namespace mdf_tests {
 
 namespace {
 
-/// At most `count` bytes from an offset, which may lie behind the end.
+/// At most `count` bytes from an offset, which may lie after the end.
 std::string slice(const std::string& bytes, std::uint64_t offset, std::uint64_t count) {
   const std::uint64_t from = std::min<std::uint64_t>(offset, bytes.size());
   return bytes.substr(static_cast<std::size_t>(from), static_cast<std::size_t>(count));
@@ -159,7 +159,7 @@ void RecordedFile::expectNoGaps() const {
     EXPECT_EQ(slice(bytes_, end, position - end).find_first_not_of('\0'), std::string::npos);
     end = position + block.length;
   }
-  EXPECT_EQ(end, bytes_.size()) << "bytes behind the last block";
+  EXPECT_EQ(end, bytes_.size()) << "bytes after the last block";
 }
 
 void RecordedFile::expectChannelsTileRecords() const {

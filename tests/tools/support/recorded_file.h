@@ -15,7 +15,7 @@ struct RecordedBlock {
   std::uint64_t length = 0;
   std::string type;  ///< "##HD" and so on
   std::vector<std::uint64_t> links;
-  std::string data;  ///< all behind the links
+  std::string data;  ///< all after the links
 };
 
 struct RecordedChannel {

@@ -1,0 +1,229 @@
+// How records stand in the data: their ids, their lengths and their counts.
+
+#include "reader/data/records.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "reader/bytes/input_file.h"
+#include "tools/support/file_builder.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_reader;
+using mdf_tests::Bytes;
+using mdf_tests::FileBuilder;
+using mdf_tests::TempFile;
+
+namespace {
+
+ChannelGroup groupOf(std::uint64_t record_id, std::uint64_t cycles, std::uint32_t bytes,
+                     unsigned flags = 0) {
+  ChannelGroup group;
+  group.offset = 1000 + record_id;
+  group.record_id = record_id;
+  group.cycles = cycles;
+  group.data_bytes = bytes;
+  group.flags = flags;
+  return group;
+}
+
+/// A data group whose data is in a block of a file.
+class GroupInFile {
+ public:
+  GroupInFile(unsigned code, const std::vector<ChannelGroup>& groups, const std::string& data)
+      : path_(contentsWith(data)), file_(path_.path()) {
+    group_.offset = 900;
+    group_.record_id_code = code;
+    group_.data = 168;
+    group_.groups = groups;
+    identification_.file_word = "MDF     ";
+  }
+
+  GroupInFile& setUnfinished(unsigned flags) {
+    identification_.file_word = "UnFinMF ";
+    identification_.standard_flags = flags;
+    return *this;
+  }
+
+  const DataGroup& group() const { return group_; }
+  const std::string& findings() const { return findings_; }
+  DataStream stream() { return {file_, group_.data, false, DataStream::Access::forward, report_}; }
+  Records records() { return {file_, identification_, group_, report_}; }
+  const FindingSink& report() const { return report_; }
+
+ private:
+  static std::string contentsWith(const std::string& data) {
+    FileBuilder contents;
+    contents.addData(data);
+    return contents.bytes();
+  }
+
+  TempFile path_;
+  InputFile file_;
+  Identification identification_;
+  DataGroup group_;
+  std::string findings_;  ///< their offsets
+  FindingSink report_ = [this](const Finding& finding) {
+    findings_ += std::to_string(finding.offset) + ' ';
+  };
+};
+
+std::string operator""_b(const char* bytes, std::size_t size) { return {bytes, size}; }
+
+TEST(RecordFormat, TellsRecordsByTheirIds) {
+  struct Case {
+    unsigned id_bytes;
+    std::string data;
+    std::string records;  ///< "ID:BYTES " of each, and how they end
+  };
+  const std::vector<Case> cases = {
+      {1, "\1ab\1cd"_b, "1:ab 1:cd end"},
+      {2, "\1\0ab\2\1x"_b, "1:ab 258:x end"},
+      {4, "\1\0\0\0ab"_b, "1:ab end"},
+      {8, "\1\0\0\0\0\0\0\0ab"_b, "1:ab end"},
+      {0, "xyz"_b, "0:x 0:y 0:z end"},
+      {1, "\7\3\0\0\0xyz\1ab\7\0\0\0\0"_b, "7:xyz 1:ab 7: end"},
+      {1, "\1ab\5"_b, "1:ab no group 5"},
+      {2, "\1\0ab\1"_b, "1:ab end"},          // a torn id
+      {1, "\1ab\1c"_b, "1:ab end"},           // a torn record
+      {1, "\1ab\7\3\0\0"_b, "1:ab end"},      // a torn length
+      {1, "\1ab\7\3\0\0\0xy"_b, "1:ab end"},  // a torn value
+      {1, "\7\xFF\xFF\xFF\xFFxyz"_b, "end"},  // a length that lies
+      {1, ""_b, "end"},
+  };
+  for (const Case& each : cases) {
+    GroupInFile file(each.id_bytes,
+                     {groupOf(1, 0, 2), groupOf(258, 0, 1), groupOf(0, 0, 1), groupOf(7, 0, 0, 1)},
+                     each.data);
+    const RecordFormat format(file.group(), each.id_bytes);
+    DataStream data = file.stream();
+    std::string text;
+    Record record = format.at(data, 0);
+    for (; record.group != nullptr; record = format.at(data, record.next)) {
+      text += std::to_string(record.group->record_id) + ':' + std::string(record.bytes) + ' ';
+    }
+    text += record.is_end ? "end" : "no group " + std::to_string(record.unknown_id);
+    EXPECT_EQ(text, each.records) << testing::PrintToString(each.data);
+  }
+}
+
+TEST(RecordFormat, SizesOfRecordIds) {
+  const std::string four = "\1\0\0\0a\2\0\0\0b"_b;
+  const std::string eight = "\1\0\0\0\0\0\0\0a\2\0\0\0\0\0\0\0b"_b;
+  struct Case {
+    unsigned code;
+    std::string data;
+    unsigned bytes;
+    std::string findings;
+  };
+  for (const Case& each : std::vector<Case>{{0, "ab", 0, ""},
+                                            {1, "\1a\2b", 1, ""},
+                                            {2, "\1\0a\2\0b"_b, 2, ""},
+                                            {3, four, 4, ""},
+                                            {4, four, 4, ""},
+                                            {4, eight, 8, ""},
+                                            {4, "neither", 4, ""},
+                                            {8, eight, 8, ""},
+                                            {5, four, 0, "900 "}}) {
+    GroupInFile file(each.code, {groupOf(1, 1, 1), groupOf(2, 1, 1)}, each.data);
+    DataStream data = file.stream();
+    EXPECT_EQ(recordIdBytes(file.group(), data, true, file.report()), each.bytes) << each.code;
+    EXPECT_EQ(file.findings(), each.findings) << each.code;
+  }
+}
+
+/// The records of all groups, each with a blank, and a bar at each group's end.
+std::string recordsOf(GroupInFile& file) {
+  Records records = file.records();
+  std::string text;
+  for (const ChannelGroup& group : file.group().groups) {
+    records.forEach(group, [&](std::string_view record) {
+      text += std::string(record) + ' ';
+      return true;
+    });
+    text += '|';
+  }
+  return text;
+}
+
+TEST(Records, AreAsManyAsTheirCountOrTheDataSays) {
+  constexpr unsigned open = Identification::cycle_counters_open;
+  struct Case {
+    unsigned code;
+    std::vector<ChannelGroup> groups;
+    std::string data;
+    std::string records;
+    std::string findings;
+    int unfinished = -1;  ///< the flags of an unfinished file
+  };
+  const ChannelGroup two = groupOf(1, 2, 2);
+  const std::string mixed = "\1ab\2x\1cd\2y"_b;
+  const std::vector<Case> cases = {
+      {0, {two}, "abcd", "ab cd |", ""},
+      {0, {two}, "abcdef", "ab cd |", ""},
+      {0, {two}, "abc", "ab |", "1001 "},
+      {0, {groupOf(1, 0, 2)}, "", "|", ""},
+      {0, {groupOf(1, 0, 2)}, "ab", "ab |", "1001 "},
+      {0, {groupOf(1, 0, 2)}, "abc", "ab |", "", open},
+      {0, {groupOf(1, 1, 2)}, "abcd", "ab cd |", "", open},
+      {0, {groupOf(1, 0, 2)}, "abcd", "ab cd |", "", 0},
+      {0, {two}, "ab", "ab |", "1001 ", 0},
+      {0, {groupOf(1, 3, 0)}, "", "   |", ""},
+      {1, {two}, "\1ab\1cd", "ab cd |", ""},
+      {1, {two, groupOf(2, 2, 1)}, mixed, "ab cd |x y |", ""},
+      {1, {two, groupOf(2, 1, 1)}, mixed, "ab cd |x |", ""},
+      {1, {two, groupOf(2, 3, 1)}, mixed, "ab cd |x y |", "1002 "},
+      {1, {two, groupOf(2, 0, 1)}, mixed, "ab cd |x y |", "", open},
+      {1, {two, groupOf(3, 2, 1)}, mixed, "ab ||", "900 1001 1003 "},
+      {1, {two, groupOf(2, 2, 1)}, mixed + "\1e", "ab cd |x y |", ""},
+      {0, {two, groupOf(2, 2, 1)}, "abcd", "||", "1001 1002 "},
+      {0, {two, groupOf(2, 0, 1)}, "abcd", "ab cd ||", ""},
+  };
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    const Case& each = cases[i];
+    GroupInFile file(each.code, each.groups, each.data);
+    if (each.unfinished >= 0) {
+      file.setUnfinished(static_cast<unsigned>(each.unfinished));
+    }
+    EXPECT_EQ(recordsOf(file), each.records) << i;
+    EXPECT_EQ(file.findings(), each.findings) << i;
+  }
+}
+
+TEST(Records, EndWhereTheVisitorWantsNoMore) {
+  for (const unsigned code : {0U, 1U}) {
+    const std::string data = code == 0 ? "ab" : "\1a\2x\1b";
+    std::vector<ChannelGroup> groups = {groupOf(1, 2, 1)};
+    if (code == 1) {
+      groups.push_back(groupOf(2, 1, 1));
+    }
+    GroupInFile file(code, groups, data);
+    Records records = file.records();
+    EXPECT_EQ(records.areSorted(file.group().groups[0]), code == 0);
+    int visited = 0;
+    records.forEach(file.group().groups[0], [&](std::string_view) {
+      ++visited;
+      return false;
+    });
+    EXPECT_EQ(visited, 1);
+    EXPECT_EQ(file.findings(), "");
+  }
+}
+
+TEST(Records, ValuesHaveTheOffsetsOfTheirGroupAlone) {
+  GroupInFile file(1, {groupOf(1, 1, 1), groupOf(2, 2, 0, 1)},
+                   "\2\3\0\0\0one\1a\2\0\0\0\0\2\2\0\0\0zz"_b);
+  Records records = file.records();
+  const auto values = records.valuesIn(file.group().groups[1]);
+  EXPECT_EQ(values->size(), 7U + 4 + 6);
+  EXPECT_EQ(values->at(11), "zz");
+  EXPECT_EQ(values->at(0), "one");
+  EXPECT_EQ(values->at(7), "");
+  for (const std::uint64_t offset : {std::uint64_t{1}, std::uint64_t{17}, UINT64_MAX}) {
+    EXPECT_FALSE(values->at(offset)) << offset;
+  }
+}
+
+}  // namespace
