@@ -43,7 +43,7 @@ TEST(LargeFile, BlocksBeyondFourGibibytesAndOneTebibyteAreWrittenAndFollowed) {
   EXPECT_EQ(hd.seekgFirstDGBlock(ifs), dg_at);
   EXPECT_EQ(static_cast<LINK>(ifs.tellg()), dg_at);
   DGBLOCK dg(ifs);
-  // The links read stand behind the nil ones.
+  // The links read stand after the nil ones.
   EXPECT_EQ(linksOf(dg), (std::vector<LINK>{0, 0, 0, 0, 0, 0, dt_at, 0}));
   dg.setDatablock(dg.links[6]);
   EXPECT_EQ(dg.seekgData(ifs), dt_at);

@@ -29,7 +29,7 @@ constexpr LINK dt = 2176, sd = 2208, rd = 2248, sr1 = 2280, sr2 = 2344;
 constexpr LINK hl = 2408, dl1 = 2448, dl2 = 2504, dz1 = 2560, dz2 = 2616, end = 2672;
 }  // namespace at
 
-/// Puts blocks one behind the other, each on an 8-byte boundary, as their getSize() says.
+/// Puts blocks one after another, each on an 8-byte boundary, as their getSize() says.
 class ImageBuilder {
  public:
   template <class Block>

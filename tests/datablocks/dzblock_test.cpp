@@ -5,13 +5,11 @@
 #include <cstdint>
 #include <sstream>
 #include <stdexcept>
-#include <type_traits>
 #include <vector>
 
 #include "mdf_v4_10.h"
 #include "support/blocks.h"
 #include "support/bytes.h"
-#include "support/fields.h"
 
 using namespace mdf_tests;
 using mdf_v4_10::DTBLOCK;
@@ -55,14 +53,6 @@ std::string distinctBytes() {
       .u8s({0x78, 0x9C, 3, 0, 0x41});
 }
 
-std::string withLength(std::string bytes, std::uint64_t length) {
-  return bytes.replace(8, 8, Bytes().u64(length).str());
-}
-
-std::string withLinkCount(std::string bytes, std::uint64_t link_count) {
-  return bytes.replace(16, 8, Bytes().u64(link_count).str());
-}
-
 std::string withCompressedLength(std::string bytes, std::uint64_t length) {
   return bytes.replace(40, 8, Bytes().u64(length).str());
 }
@@ -73,42 +63,6 @@ void expectDistinctFields(const DZBLOCK& block) {
   EXPECT_EQ(block.dz_reserved, 0);
   EXPECT_EQ(block.dz_zip_parameter, 77U);
   EXPECT_EQ(block.dz_org_data_length, 1234567U);
-}
-
-/// Expects that nothing but the header's length and link count was taken.
-void expectNothingTaken(const DZBLOCK& block, std::uint64_t length, std::uint64_t link_count) {
-  EXPECT_EQ(block.header.length, length);
-  EXPECT_EQ(block.header.link_count, link_count);
-  EXPECT_EQ(linksOf(block), std::vector<LINK>{});
-  EXPECT_EQ(block.dz_org_block_type, 0);
-  EXPECT_EQ(block.dz_zip_type, 0);
-  EXPECT_EQ(block.dz_reserved, 0);
-  EXPECT_EQ(block.dz_zip_parameter, 0U);
-  EXPECT_EQ(block.dz_org_data_length, 0U);
-  EXPECT_EQ(block.dz_data, Data{});
-}
-
-TEST(DZBLOCK, Constants) {
-  EXPECT_EQ(DZBLOCK::DZBLOCK_CONSTANT_SIZE, 48U);
-  EXPECT_EQ(DZBLOCK::MDF_DZ_ID, 0x5A44);
-  static_assert(std::is_same_v<decltype(DZBLOCK::DZBLOCK_CONSTANT_SIZE), const std::size_t>);
-  static_assert(std::is_same_v<decltype(DZBLOCK::MDF_DZ_ID), const std::uint16_t>);
-  static_assert(!std::is_polymorphic_v<DZBLOCK>);
-}
-
-TEST(DZBLOCK, EnumerationValues) {
-  EXPECT_EQ(DZBLOCK::DZ_ZIPTYPE_t{DZBLOCK::DZ_ZIPTYPE_DEFLATE}, 0);
-  EXPECT_EQ(DZBLOCK::DZ_ZIPTYPE_t{DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE}, 1);
-}
-
-TEST(DZBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::detail::dzblock_fields, 24),
-            "24 2 dz_org_block_type\n"
-            "26 1 dz_zip_type\n"
-            "27 1 dz_reserved\n"
-            "28 4 dz_zip_parameter\n"
-            "32 8 dz_org_data_length\n"
-            "40 8 dz_data_length\n");
 }
 
 TEST(DZBLOCK, TenBytesAreWrittenAsFiftyEight) {
@@ -179,7 +133,7 @@ TEST(DZBLOCK, StoredLinksAreNotWritten) {
   EXPECT_BYTES(written(block), distinctBytes());
 }
 
-TEST(DZBLOCK, DataOfAnySizeIsWrittenBehindTheFields) {
+TEST(DZBLOCK, DataOfAnySizeIsWrittenAfterTheFields) {
   for (const std::size_t size : {0U, 1U, 975U, 976U, 977U, 70000U}) {
     SCOPED_TRACE(size);
     const DZBLOCK block = blockOf(Data(size, 0xA5));
@@ -246,43 +200,6 @@ TEST(DZBLOCK, DataIsCopied) {
   EXPECT_EQ(block.dz_data, (Data{1, 2, 3}));
 }
 
-TEST(DZBLOCK, Accessors) {
-  DZBLOCK block = blockOf({1});
-  EXPECT_EQ(block.getOriginalBlockType(), 0x5444);
-  EXPECT_EQ(block.getZipType(), DZBLOCK::DZ_ZIPTYPE_DEFLATE);
-  EXPECT_EQ(block.getZipParameter(), 0U);
-  EXPECT_EQ(block.getOriginalLength(), 0U);
-  block.setOriginalBlockType(RDBLOCK::MDF_RD_ID);
-  block.setZipType(DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE);
-  block.setZipParameter(UINT32_MAX);
-  block.setOriginalLength(UINT64_MAX);
-  EXPECT_EQ(block.dz_org_block_type, 0x4452);
-  EXPECT_EQ(block.dz_zip_type, 1);
-  EXPECT_EQ(block.dz_zip_parameter, UINT32_MAX);
-  EXPECT_EQ(block.dz_org_data_length, UINT64_MAX);
-  EXPECT_EQ(block.getOriginalBlockType(), 0x4452);
-  EXPECT_EQ(block.getZipType(), DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE);
-  EXPECT_EQ(block.getZipParameter(), UINT32_MAX);
-  EXPECT_EQ(block.getOriginalLength(), UINT64_MAX);
-  block.dz_zip_type = 200;
-  EXPECT_EQ(static_cast<int>(block.getZipType()), 200);
-}
-
-TEST(DZBLOCK, Dump) {
-  DZBLOCK block = blockOf({0x41, 0x42});
-  block.setZipParameter(UINT32_MAX);
-  block.setOriginalLength(UINT64_MAX);
-  EXPECT_EQ(dumped(block),
-            "[DEBUG] ==================== DZBLOCK ===================\n"
-            "block size = 50\n"
-            "orig block type = 21572\n"
-            "zip type = 0\n"
-            "zip parameter = 4294967295\n"
-            "original size = 18446744073709551615\n"
-            "zipped data size = 2\n"
-            "data hex dump: AB[DEBUG] ==================== End of DZBLOCK ===================\n");
-}
-
 TEST(DZBLOCK, DumpShowsBytesAsTheCharactersTheyAre) {
   EXPECT_EQ(dumped(distinctBlock()),
             std::string("[DEBUG] ==================== DZBLOCK ===================\n"
@@ -302,15 +219,7 @@ TEST(DZBLOCK, DumpWithoutDataLeavesTheStreamDecimal) {
   const DZBLOCK block(SDBLOCK::MDF_SD_ID, static_cast<DZBLOCK::DZ_ZIPTYPE_t>(255), nullptr, 0);
   block.print(os);
   EXPECT_EQ(os.flags(), std::ostringstream().flags());
-  EXPECT_EQ(os.str(),
-            "[DEBUG] ==================== DZBLOCK ===================\n"
-            "block size = 48\n"
-            "orig block type = 17491\n"
-            "zip type = 255\n"
-            "zip parameter = 0\n"
-            "original size = 0\n"
-            "zipped data size = 0\n"
-            "data hex dump: [DEBUG] ==================== End of DZBLOCK ===================\n");
+  EXPECT_EQ(valuesIn(os.str()), "48 17491 255 0 0 0");
 }
 
 TEST(DZBLOCK, DumpWithDataLeavesTheStreamHexadecimal) {
@@ -329,36 +238,17 @@ TEST(DZBLOCK, SecondDumpIsHexadecimal) {
   os.str("");
   DZBLOCK block = blockOf(Data(29, 'B'));
   block.setZipType(static_cast<DZBLOCK::DZ_ZIPTYPE_t>(17));
-  block.setZipParameter(30);
-  block.setOriginalLength(1234567);
+  block.setZipParameter(UINT32_MAX);
+  block.setOriginalLength(UINT64_MAX);
   block.print(os);
-  EXPECT_EQ(os.str(),
-            "[DEBUG] ==================== DZBLOCK ===================\n"
-            "block size = 4d\n"
-            "orig block type = 5444\n"
-            "zip type = 11\n"
-            "zip parameter = 1e\n"
-            "original size = 12d687\n"
-            "zipped data size = 1d\n"
-            "data hex dump: BBBBBBBBBBBBBBBBBBBBBBBBBBBBB"
-            "[DEBUG] ==================== End of DZBLOCK ===================\n");
+  EXPECT_EQ(valuesIn(os.str()), "4d 5444 11 ffffffff ffffffffffffffff 1d");
+  EXPECT_NE(os.str().find(" " + std::string(29, 'B') + "[DEBUG]"), std::string::npos);
 }
 
 TEST(DZBLOCK, OfTheNumbersInTheDumpOnlyTheZipTypeIsSigned) {
-  std::ostringstream os;
-  os << std::showpos;
   DZBLOCK block = distinctBlock();
   block.setupZipData(nullptr, 0);
-  block.print(os);
-  EXPECT_EQ(os.str(),
-            "[DEBUG] ==================== DZBLOCK ===================\n"
-            "block size = 48\n"
-            "orig block type = 17491\n"
-            "zip type = +1\n"
-            "zip parameter = 77\n"
-            "original size = 1234567\n"
-            "zipped data size = 0\n"
-            "data hex dump: [DEBUG] ==================== End of DZBLOCK ===================\n");
+  EXPECT_EQ(shownValues(block, std::showpos), "48 17491 +1 77 1234567 0");
 }
 
 TEST(DZBLOCK, ReaderTakesTheBytesThatFollowTheBlock) {
@@ -374,178 +264,12 @@ TEST(DZBLOCK, ReaderTakesTheBytesThatFollowTheBlock) {
   EXPECT_EQ(block.dz_data, (Data{'f', 'g', 'h', 'i', 'j'}));
 }
 
-TEST(DZBLOCK, SixteenCompressedBytesBecomeTheSixteenBytesThatFollow) {
-  const std::string bytes = written(blockOf(Data(16, 0x5A))) + "0123456789abcdef";
-  const auto block = readBack<DZBLOCK>(bytes);
-  EXPECT_EQ(std::string(block.dz_data.begin(), block.dz_data.end()), "0123456789abcdef");
-}
-
-TEST(DZBLOCK, WritingABlockThatWasReadWritesTheBytesThatFollowedIt) {
-  EXPECT_BYTES(
-      written(readBack<DZBLOCK>(distinctBytes() + "fghij")),
-      Bytes().header("DZ", 53, 0).text("SD").u8(1).u8(0).u32(77).u64(1234567).u64(5).text("fghij"));
-}
-
 TEST(DZBLOCK, BlockAtTheEndOfAFileLeavesTheStreamBadAndZerosInTheData) {
   std::istringstream is(distinctBytes());
   const DZBLOCK block(is);
   EXPECT_EQ(is.rdstate(), state_bad);
   expectDistinctFields(block);
   EXPECT_EQ(block.dz_data, Data(5, 0));
-}
-
-TEST(DZBLOCK, BlockWithoutDataAtTheEndOfAFileIsRead) {
-  const auto block = readBack<DZBLOCK>(written(blockOf({})));
-  EXPECT_EQ(block.dz_org_block_type, DTBLOCK::MDF_DT_ID);
-  EXPECT_EQ(block.dz_data, Data{});
-}
-
-TEST(DZBLOCK, CutStream) {
-  const std::string bytes = distinctBytes() + "fghij";
-  forEachPrefix(bytes, [&](std::istream& is, std::size_t length) {
-    const DZBLOCK block(is);
-    if (length < 24) {
-      EXPECT_EQ(is.rdstate(), state_eof_fail);
-      expectNothingTaken(block, 48, 0);
-    } else if (length < 53) {
-      EXPECT_EQ(is.rdstate(), state_eof_fail);
-      expectNothingTaken(block, 53, 0);
-    } else {
-      EXPECT_EQ(is.rdstate(), state_bad);
-      expectDistinctFields(block);
-      Data expected(bytes.begin() + 53, bytes.begin() + static_cast<std::ptrdiff_t>(length));
-      expected.resize(5);
-      EXPECT_EQ(block.dz_data, expected);
-    }
-  });
-}
-
-TEST(DZBLOCK, LongBlockInACutStream) {
-  const std::string bytes = written(blockOf(Data(70000, 7)));
-  for (const std::size_t length :
-       {std::size_t{48}, std::size_t{24 + 65535}, std::size_t{24 + 65536}, bytes.size() - 1}) {
-    SCOPED_TRACE(length);
-    std::istringstream is(bytes.substr(0, length));
-    const DZBLOCK block(is);
-    EXPECT_EQ(is.rdstate(), state_eof_fail);
-    expectNothingTaken(block, 70048, 0);
-  }
-  const std::string following(70000, 'x');
-  EXPECT_EQ(readBack<DZBLOCK>(bytes + following).dz_data, Data(70000, 'x'));
-}
-
-TEST(DZBLOCK, ReadsFromTheMiddleOfAStream) {
-  std::istringstream is("before" + distinctBytes() + "fghij" + written(blockOf({})) + "after");
-  is.seekg(6);
-  EXPECT_EQ(DZBLOCK(is).dz_data, (Data{'f', 'g', 'h', 'i', 'j'}));
-  EXPECT_EQ(DZBLOCK(is).dz_org_block_type, DTBLOCK::MDF_DT_ID);
-  EXPECT_EQ(is.tellg(), 6 + 58 + 48);
-  EXPECT_EQ(is.rdstate(), state_good);
-}
-
-TEST(DZBLOCK, FailedStreamIsNotRead) {
-  for (const auto state : {std::ios_base::failbit, std::ios_base::badbit, std::ios_base::eofbit}) {
-    std::istringstream is(distinctBytes());
-    is.setstate(state);
-    const DZBLOCK block(is);
-    EXPECT_EQ(is.rdstate(), state | std::ios_base::failbit);
-    expectNothingTaken(block, 48, 0);
-    is.clear();
-    EXPECT_EQ(is.tellg(), 0);
-  }
-}
-
-TEST(DZBLOCK, FailedStreamIsNotWritten) {
-  std::ostringstream os;
-  os.setstate(std::ios_base::failbit);
-  EXPECT_EQ(&(os << distinctBlock()), &os);
-  EXPECT_EQ(os.rdstate() & ~std::ios_base::badbit, std::ios_base::failbit);
-  EXPECT_EQ(os.str(), "");
-}
-
-TEST(DZBLOCK, AnyIdentifierIsRead) {
-  std::string bytes = distinctBytes() + "fghij";
-  bytes.replace(0, 4, "XYZ!");
-  const auto block = readBack<DZBLOCK>(bytes);
-  expectDistinctFields(block);
-  EXPECT_EQ(written(block).substr(0, 4), "##DZ");
-}
-
-TEST(DZBLOCK, FieldsFollowTheHeaderWhateverTheLinkCountSays) {
-  for (const std::uint64_t link_count :
-       {std::uint64_t{1}, std::uint64_t{3}, std::uint64_t{4}, std::uint64_t{UINT32_MAX},
-        (std::uint64_t{1} << 32U) + 1, std::uint64_t{1} << 61U, std::uint64_t{1} << 63U,
-        UINT64_MAX}) {
-    SCOPED_TRACE(link_count);
-    const auto block = readBack<DZBLOCK>(withLinkCount(distinctBytes() + "fghij", link_count));
-    EXPECT_EQ(block.header.link_count, link_count);
-    EXPECT_EQ(linksOf(block), std::vector<LINK>{});
-    expectDistinctFields(block);
-    EXPECT_EQ(block.dz_data, (Data{'f', 'g', 'h', 'i', 'j'}));
-    EXPECT_EQ(written(block).substr(16, 8), std::string(8, '\0'));
-  }
-}
-
-TEST(DZBLOCK, LengthThatDoesNotHoldTheFieldsMakesTheStreamBad) {
-  for (const std::uint64_t length : {0U, 1U, 23U, 24U, 25U, 40U, 47U}) {
-    SCOPED_TRACE(length);
-    std::istringstream is(withLength(distinctBytes() + "fghij", length));
-    const DZBLOCK block(is);
-    EXPECT_EQ(is.rdstate(), state_bad);
-    expectNothingTaken(block, length, 0);
-  }
-}
-
-TEST(DZBLOCK, DataIsTakenFromWhereTheLengthEnds) {
-  const std::string bytes = distinctBytes() + "fghij";
-  for (const std::size_t length : {48U, 49U, 52U, 53U}) {
-    SCOPED_TRACE(length);
-    std::istringstream is(withLength(bytes, length));
-    const DZBLOCK block(is);
-    EXPECT_EQ(is.rdstate(), state_good);
-    EXPECT_EQ(static_cast<std::size_t>(is.tellg()), length + 5);
-    EXPECT_EQ(block.header.length, length);
-    expectDistinctFields(block);
-    EXPECT_EQ(std::string(block.dz_data.begin(), block.dz_data.end()), bytes.substr(length, 5));
-  }
-}
-
-TEST(DZBLOCK, LengthBeyondTheStreamKeepsTheStateOfTheRead) {
-  for (const std::uint64_t length :
-       {std::uint64_t{59}, std::uint64_t{INT32_MAX}, std::uint64_t{1} << 31U,
-        std::uint64_t{UINT32_MAX}, (std::uint64_t{1} << 32U) + 24, (std::uint64_t{1} << 32U) + 53,
-        std::uint64_t{1} << 40U, std::uint64_t{INT64_MAX}, std::uint64_t{1} << 63U, UINT64_MAX}) {
-    SCOPED_TRACE(length);
-    std::istringstream is(withLength(distinctBytes() + "fghij", length));
-    const DZBLOCK block(is);
-    EXPECT_EQ(is.rdstate(), state_eof_fail);
-    expectNothingTaken(block, length, 0);
-  }
-}
-
-TEST(DZBLOCK, CompressedLengthDecidesHowManyBytesAreTaken) {
-  const std::string bytes = distinctBytes() + "fghij";
-  for (const std::size_t count : {0U, 1U, 4U, 5U}) {
-    SCOPED_TRACE(count);
-    std::istringstream is(withCompressedLength(bytes, count));
-    const DZBLOCK block(is);
-    EXPECT_EQ(is.rdstate(), state_good);
-    EXPECT_EQ(static_cast<std::size_t>(is.tellg()), 53 + count);
-    EXPECT_EQ(std::string(block.dz_data.begin(), block.dz_data.end()), bytes.substr(53, count));
-  }
-}
-
-TEST(DZBLOCK, CompressedLengthBeyondTheStreamLeavesZerosBehindWhatCame) {
-  for (const std::size_t count : {6U, 23U, 24U, 25U, 100000U}) {
-    SCOPED_TRACE(count);
-    std::istringstream is(withCompressedLength(distinctBytes() + "fghij", count));
-    const DZBLOCK block(is);
-    EXPECT_EQ(is.rdstate(), state_bad);
-    expectDistinctFields(block);
-    Data expected{'f', 'g', 'h', 'i', 'j'};
-    expected.resize(count);
-    EXPECT_EQ(block.dz_data, expected);
-  }
 }
 
 TEST(DZBLOCK, CompressedLengthBeyondMemoryRaisesTheLengthError) {
@@ -556,25 +280,6 @@ TEST(DZBLOCK, CompressedLengthBeyondMemoryRaisesTheLengthError) {
     EXPECT_EQ(is.rdstate(), state_good);
     EXPECT_EQ(is.tellg(), 53);
   }
-}
-
-TEST(DZBLOCK, ReadsFromFiles) {
-  const LinkTargetFile file(std::string(64, '\0') + distinctBytes() + "fghij");
-  std::ifstream ifs = file.open();
-  ifs.seekg(64);
-  const DZBLOCK block(ifs);
-  EXPECT_EQ(ifs.rdstate(), state_good);
-  EXPECT_EQ(ifs.tellg(), 64 + 58);
-  expectDistinctFields(block);
-  EXPECT_EQ(block.dz_data, (Data{'f', 'g', 'h', 'i', 'j'}));
-}
-
-TEST(DZBLOCK, CopiesAreIndependent) {
-  const DZBLOCK block = distinctBlock();
-  DZBLOCK copy = block;
-  copy.setupZipData(nullptr, 0);
-  copy.setZipParameter(1);
-  EXPECT_BYTES(written(block), distinctBytes());
 }
 
 }  // namespace

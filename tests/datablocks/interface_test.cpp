@@ -1,5 +1,5 @@
 /// What the blocks that carry data, and the record elements, offer to programs. Compiling this file
-/// is the test.
+/// is the test; the accessors of links, flags and values are stated in accessors_test.cpp.
 
 #include <array>
 #include <cstddef>
@@ -94,11 +94,6 @@ static_assert(has<void(UINT32)>                      (&B::removeDataAtIndex));
 static_assert(has<LINK(std::ifstream&, UINT32) const>(&B::seekgDataAt));
 static_assert(has<UINT32() const>                    (&B::getDataLength));
 
-static_assert(hasValue<UINT64>(&B::getEqualLength, &B::setEqualLength));
-static_assert(hasFlag(&B::setEqualLengthFlag, &B::isEqualLengthFlag));
-
-static_assert(hasLink(&B::setNextDlblock, &B::getNextDlblock, &B::seekgNextDlblock));
-
 static_assert(has<std::uint64_t() const>(&B::getSize));
 
 }  // namespace dlblock
@@ -127,11 +122,6 @@ static_assert(constructs<B, std::uint16_t, B::DZ_ZIPTYPE_t, const std::uint8_t*,
 
 static_assert(has<void(const std::uint8_t*, std::size_t)>(&B::setupZipData));
 
-static_assert(hasValue<UINT16>         (&B::getOriginalBlockType, &B::setOriginalBlockType));
-static_assert(hasValue<B::DZ_ZIPTYPE_t>(&B::getZipType,           &B::setZipType));
-static_assert(hasValue<UINT32>         (&B::getZipParameter,      &B::setZipParameter));
-static_assert(hasValue<UINT64>         (&B::getOriginalLength,    &B::setOriginalLength));
-
 static_assert(has<std::uint64_t() const>(&B::getSize));
 
 }  // namespace dzblock
@@ -158,11 +148,6 @@ static_assert(has<UINT8>               (&B::hl_zip_type));
 static_assert(has<UINT8[5]>(&B::hl_reserved));
 
 static_assert(constructs<B, LINK, bool, DZBLOCK::DZ_ZIPTYPE_t>());
-
-static_assert(hasLink(&B::setFirstDlblock, &B::getFirstDlblock, &B::seekgFirstDlblock));
-
-static_assert(hasFlag(&B::setEqualLengthFlag, &B::isEqualLengthFlag));
-static_assert(hasValue<DZBLOCK::DZ_ZIPTYPE_t>(&B::getZipType, &B::setZipType));
 
 static_assert(has<std::uint64_t() const>(&B::getSize));
 
@@ -201,15 +186,6 @@ static_assert(has<UINT8>               (&B::sr_flags));
 static_assert(has<UINT8[6]>(&B::sr_reserved));
 
 static_assert(constructs<B, UINT64, REAL, B::MDF_SR_SYNCTYPE_t, LINK, LINK>());
-
-static_assert(hasLink(&B::setNextSrblock, &B::getNextSrblock, &B::seekgNextSrblock));
-static_assert(hasLink(&B::setDatablock,   &B::getDatablock,   &B::seekgDatablock));
-
-static_assert(hasValue<UINT64>              (&B::getCycleCount, &B::setCycleCount));
-static_assert(hasValue<REAL>                (&B::getInterval,   &B::setInterval));
-static_assert(hasValue<B::MDF_SR_SYNCTYPE_t>(&B::getSyncType,   &B::setSyncType));
-
-static_assert(hasFlag(&B::setValidationBytesFlag, &B::isValidationBytesFlag));
 
 static_assert(has<std::uint64_t() const>(&B::getSize));
 

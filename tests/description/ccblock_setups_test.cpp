@@ -332,7 +332,7 @@ TEST(CCBLOCKSetups, LastSetUpWinsEntirely) {
   EXPECT_BYTES(written(block), filledBytes(0, {}, {}));
 }
 
-TEST(CCBLOCKSetups, EntriesAddedAfterwardsStandBehindTheDefault) {
+TEST(CCBLOCKSetups, EntriesAddedAfterwardsStandAfterTheDefault) {
   CCBLOCK block = filledBlock();
   block.setupTEXT2VTABConversion({{5000, 1.5}}, -1);
   block.addReference(6000);

@@ -1,4 +1,5 @@
-/// What the blocks that describe a measurement offer to programs. Compiling this file is the test.
+/// What the blocks that describe a measurement offer to programs. Compiling this file is the test;
+/// the accessors of links, flags and values are stated in accessors_test.cpp.
 
 #include <array>
 #include <cstddef>
@@ -46,13 +47,6 @@ static_assert(has<UINT8>               (&B::dg_rec_id_size));
 static_assert(has<UINT8[7]>(&B::dg_reserved));
 
 static_assert(constructs<B, LINK, LINK, LINK, B::MDF_DG_REC_ID_SIZE_t>());
-
-static_assert(hasLink(&B::setNextDgblock,  &B::getNextDgblock,  &B::seekgNextDgblock));
-static_assert(hasLink(&B::setFirstCgblock, &B::getFirstCgblock, &B::seekgFirstCgblock));
-static_assert(hasLink(&B::setDatablock,    &B::getDatablock,    &B::seekgData));
-static_assert(hasLink(&B::setComment,      &B::getComment,      &B::seekgComment));
-
-static_assert(hasValue<B::MDF_DG_REC_ID_SIZE_t>(&B::getRecordIdSize, &B::setRecordIdSize));
 
 static_assert(has<std::uint64_t() const>(&B::getSize));
 static_assert(has<std::string() const>  (&B::getValidMDXMLSchemaName));
@@ -105,23 +99,7 @@ static_assert(constructs<B, LINK, B::CG_FLAGS_t, UINT64, LINK, LINK, LINK, LINK,
 static_assert(has<void(LINK, B::CG_FLAGS_t, UINT64, LINK, LINK, LINK, LINK, UINT64,
                        B::CG_PATHSEPARATOR_t, UINT32, UINT32)>(&B::setup));
 
-static_assert(hasLink(&B::setNextCgblock,      &B::getNextCgblock,      &B::seekgNextCgblock));
-static_assert(hasLink(&B::setFirstCnblock,     &B::getFirstCnblock,     &B::seekgFirstCnblock));
-static_assert(hasLink(&B::setAcqTxNameblock,   &B::getAcqTxNameblock,   &B::seekgAcqNameTxblock));
-static_assert(hasLink(&B::setAcqSourceSiblock, &B::getAcqSourceSiblock, &B::seekgAcqSourceSiblock));
-static_assert(hasLink(&B::setFirstSrblock,     &B::getFirstSrblock,     &B::seekgFirstSrblock));
-static_assert(hasLink(&B::setComment,          &B::getComment,          &B::seekgCommentblock));
-
-static_assert(hasValue<UINT64>               (&B::getRecordId,      &B::setRecordId));
-static_assert(hasValue<UINT64>               (&B::getCycleCount,    &B::setCycleCount));
 static_assert(has<void()>                    (&B::incCycleCount));
-static_assert(hasValue<B::CG_PATHSEPARATOR_t>(&B::getPathSeparator, &B::setPathSeparator));
-static_assert(hasValue<UINT32>               (&B::getDataBytes,     &B::setDataBytes));
-static_assert(hasValue<UINT32>               (&B::getInvalidBytes,  &B::setInvalidBytes));
-
-static_assert(hasFlag(&B::setVLSDChannelGroup,          &B::isVLSDChannelGroup));
-static_assert(hasFlag(&B::setBusEventGroup,             &B::isBusEventGroup));
-static_assert(hasFlag(&B::setPlainBusEventChannelGroup, &B::isPlainBusEventChannelGroup));
 
 static_assert(has<std::uint64_t() const>(&B::getSize));
 static_assert(has<std::string() const>  (&B::getValidMDXMLSchemaName));
@@ -235,23 +213,6 @@ static_assert(has<void(B::MDF_CN_CHANNELTYPE_t, B::MDF_CN_SYNCTYPE_t, B::MDF_CN_
                        REAL, REAL)>(&B::setup));        // extended limits
 static_assert(has<void(LINK, LINK, LINK)>(&B::setupDefaultXAxis));
 
-static_assert(hasLink(&B::setNextCnblock,       &B::getNextCnblock,
-                      &B::seekgNextCnblock));
-static_assert(hasLink(&B::setCompositionblock,  &B::getCompositionblock,
-                      &B::seekgCompositionblock));
-static_assert(hasLink(&B::setNameTxblock,       &B::getNameTxblock,
-                      &B::seekgNameTxblock));
-static_assert(hasLink(&B::setSourceSiblock,     &B::getSourceSiblock,
-                      &B::seekgSourceSiblock));
-static_assert(hasLink(&B::setConversionCcblock, &B::getConversionCcblock,
-                      &B::seekgConversionCcblock));
-static_assert(hasLink(&B::setDatablock,         &B::getDatablock,
-                      &B::seekgDatablock));
-static_assert(hasLink(&B::setUnitblock,         &B::getUnitblock,
-                      &B::seekgUnitblock));
-static_assert(hasLink(&B::setCommentblock,      &B::getCommentblock,
-                      &B::seekgCommentblock));
-
 static_assert(has<LINK() const>              (&B::getDefaultXAxisdgblock));
 static_assert(has<LINK() const>              (&B::getDefaultXAxiscgblock));
 static_assert(has<LINK() const>              (&B::getDefaultXAxiscnblock));
@@ -264,35 +225,6 @@ static_assert(has<void(LINK)>                        (&B::addAttachement));
 static_assert(has<LINK(UINT16) const>                (&B::getAttachementAt));
 static_assert(has<void(UINT16)>                      (&B::removeAttachementeAt));
 static_assert(has<LINK(std::ifstream&, UINT16) const>(&B::seekgAttachementAt));
-
-static_assert(hasValue<B::MDF_CN_CHANNELTYPE_t>(&B::getChannelType,      &B::setChannelType));
-static_assert(hasValue<B::MDF_CN_SYNCTYPE_t>   (&B::getSyncType,         &B::setSyncType));
-static_assert(hasValue<B::MDF_CN_DATATYPES_t>  (&B::getDataType,         &B::setDataType));
-static_assert(hasValue<UINT8>                  (&B::getBitOffset,        &B::setBitOffset));
-static_assert(hasValue<UINT32>                 (&B::getByteOffset,       &B::setByteOffset));
-static_assert(hasValue<UINT32>                 (&B::getBitCount,         &B::setBitCount));
-static_assert(hasValue<UINT32>                 (&B::getInvalidBitPos,    &B::setInvalidBitPos));
-static_assert(hasValue<UINT8>                  (&B::getPrecision,        &B::setPrecision));
-static_assert(hasValue<REAL>                   (&B::getValueRangeMin,    &B::setValueRangeMin));
-static_assert(hasValue<REAL>                   (&B::getValueRangeMax,    &B::setValueRangeMax));
-static_assert(hasValue<REAL>                   (&B::getLimitMin,         &B::setLimitMin));
-static_assert(hasValue<REAL>                   (&B::getLimitMax,         &B::setLimitMax));
-static_assert(hasValue<REAL>                   (&B::getLimitExtendedMin, &B::setLimitExtendedMin));
-static_assert(hasValue<REAL>                   (&B::getLimitExtendedMax, &B::setLimitExtendedMax));
-
-static_assert(hasFlag(&B::setInvalidFlag,                 &B::isInvalid));
-static_assert(hasFlag(&B::setInvalidationBitFlag,         &B::isInvalidationBit));
-static_assert(hasFlag(&B::setPrecisionValidFlag,          &B::isPrecisionValid));
-static_assert(hasFlag(&B::setValueRangeValidFlag,         &B::isValueRangeValid));
-static_assert(hasFlag(&B::setLimitRangeValidFlag,         &B::isLimitRangeValid));
-static_assert(hasFlag(&B::setExtendedLimitRangeValidFlag, &B::isExtendedLimitRangeValid));
-static_assert(hasFlag(&B::setDiscreteValueFlag,           &B::isDiscreteValue));
-static_assert(hasFlag(&B::setCalibrationFlag,             &B::isCalibration));
-static_assert(hasFlag(&B::setCalculatedFlag,              &B::isCalculated));
-static_assert(hasFlag(&B::setVirtualFlag,                 &B::isVirtual));
-static_assert(hasFlag(&B::setBusEventFlag,                &B::isBusEvent));
-static_assert(hasFlag(&B::setMonotonousFlag,              &B::isMonotonous));
-static_assert(hasFlag(&B::setDefaultXAxisFlag,            &B::isDefaultXAxis));
 
 static_assert(has<std::uint64_t() const>(&B::getSize));
 static_assert(has<std::string() const>  (&B::getValidMDXMLSchemaName));
@@ -348,15 +280,6 @@ static_assert(has<UINT8[5]>(&B::si_reserved));
 static_assert(constructs<B>());
 static_assert(constructs<B, B::MDF_SI_SOURCETYPE_t, B::MDF_SI_BUSTYPE_t, bool, LINK, LINK>());
 
-static_assert(hasFlag(&B::setSimulatedSource, &B::isSimulatedSource));
-
-static_assert(hasLink(&B::setNameTxblock, &B::getNameTxblock, &B::seekgNameTxblock));
-static_assert(hasLink(&B::setPathTxblock, &B::getPathTxblock, &B::seekgPathTxblock));
-static_assert(hasLink(&B::setComment,     &B::getComment,     &B::seekgCommentblock));
-
-static_assert(hasValue<B::MDF_SI_SOURCETYPE_t>(&B::getSourceType, &B::setSourceType));
-static_assert(hasValue<B::MDF_SI_BUSTYPE_t>   (&B::getBusType,    &B::setBusType));
-
 static_assert(has<std::uint64_t() const>(&B::getSize));
 static_assert(has<std::string() const>  (&B::getValidMDXMLSchemaName));
 
@@ -407,20 +330,6 @@ static_assert(has<std::vector<LINK>>(&B::cc_refs));
 static_assert(has<std::vector<REAL>>(&B::cc_vals));
 
 static_assert(constructs<B, B::MDF_CC_TYPE_t>());
-
-static_assert(hasLink(&B::setNameTxblock,    &B::getNameTxblock,    &B::seekgNameTxblock));
-static_assert(hasLink(&B::setUnitblock,      &B::getUnitblock,      &B::seekgUnitblock));
-static_assert(hasLink(&B::setCommentblock,   &B::getCommentblock,   &B::seekgCommentblock));
-static_assert(hasLink(&B::setInverseCcblock, &B::getInverseCcblock, &B::seekgInverseCcblock));
-
-static_assert(hasValue<B::MDF_CC_TYPE_t>(&B::getConversionType, &B::setConversionType));
-static_assert(hasValue<UINT8>           (&B::getPrecision,      &B::setPrecision));
-static_assert(hasValue<REAL>(&B::getPhysicalValueRangeMin, &B::setPhysicalValueRangeMin));
-static_assert(hasValue<REAL>(&B::getPhysicalValueRangeMax, &B::setPhysicalValueRangeMax));
-
-static_assert(hasFlag(&B::setPrecisionValidFlag,          &B::isPrecisionValid));
-static_assert(hasFlag(&B::setPhysicalValueRangeValidFlag, &B::isPhysicalValueRangeValid));
-static_assert(hasFlag(&B::setStatusStringFlag,            &B::isStatusString));
 
 static_assert(has<void(LINK)>                        (&B::addReference));
 static_assert(has<bool(UINT16, LINK&) const>         (&B::getReferenceAtIndex));

@@ -22,15 +22,15 @@ using Links = std::vector<LINK>;
 constexpr LINK at = 16;
 const std::string behind = "what follows the block in its file";
 
-/// A stream over a file that holds the block at offset 16 and other bytes behind it.
+/// A stream over a file that holds the block at offset 16 and other bytes after it.
 std::istringstream fileWith(const std::string& block_bytes) {
   std::istringstream is(std::string(at, '#') + block_bytes + behind);
   is.seekg(at);
   return is;
 }
 
-/// How far behind the end of the block the stream stands; it is good.
-long standsBehind(std::istringstream& is, const std::string& block_bytes) {
+/// How far after the end of the block the stream stands; it is good.
+long standsAfter(std::istringstream& is, const std::string& block_bytes) {
   EXPECT_EQ(is.rdstate(), state_good);
   return static_cast<long>(is.tellg()) - static_cast<long>(at) -
          static_cast<long>(block_bytes.size());
@@ -43,7 +43,7 @@ TEST(Reading, IDBLOCK) {
       Bytes().text("MDF     4.10    program ").u8s({1, 2, 3, 4}).u16(410).zeros(33).u8(9);
   auto is = fileWith(bytes);
   const IDBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(block.getKenn(), "MDF     ");
   EXPECT_EQ(block.getVers(), "4.10    ");
   EXPECT_EQ(block.getProg(), "program ");
@@ -65,7 +65,7 @@ TEST(Reading, HDBLOCK) {
                                 .f64(2.5);
   auto is = fileWith(bytes);
   const HDBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(block.getDGFirstblock(), 1);
   EXPECT_EQ(block.getMDCommentblock(), 6);
   EXPECT_BYTES(written(block), std::string(bytes).replace(87, 1, 1, '\0'));
@@ -75,7 +75,7 @@ TEST(Reading, TXBLOCK) {
   const std::string bytes = Bytes().header("TX", 24 + 12, 0).text("hello world").u8(0);
   auto is = fileWith(bytes);
   const TXBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), -8);
+  EXPECT_EQ(standsAfter(is, bytes), -8);
   EXPECT_EQ(linksOf(block), Links{});
   EXPECT_EQ(text(block.getData()), std::string(8, '\0') + "hell");
   {
@@ -89,7 +89,7 @@ TEST(Reading, MDBLOCK) {
   const std::string bytes = Bytes().header("MD", 24 + 12, 0).text("<a>text</a>").u8(0);
   auto is = fileWith(bytes);
   const MDBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), -8);
+  EXPECT_EQ(standsAfter(is, bytes), -8);
   EXPECT_EQ(linksOf(block), Links{});
   EXPECT_EQ(text(block.getData()), std::string(8, '\0') + "<a>t");
   {
@@ -104,7 +104,7 @@ TEST(Reading, FHBLOCK) {
       Bytes().header("FH", 56, 2).links({1, 2}).u64(3).i16(-4).i16(5).u8(2).u8s({9, 9, 9});
   auto is = fileWith(bytes);
   const FHBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(block.getNextFHBlock(), 1);
   EXPECT_EQ(block.getMDBlock(), 2);
   EXPECT_BYTES(written(block), std::string(bytes).replace(53, 3, 3, '\0'));
@@ -118,7 +118,7 @@ TEST(Reading, CHBLOCK) {
                                 .u8s({CHBLOCK::CH_TYPE_GROUP, 9, 9, 9});
   auto is = fileWith(bytes);
   const CHBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(linksOf(block), (Links{1, 2, 3, 4}));
   EXPECT_EQ(block.getFirstCHBlock(), 2);
   EXPECT_EQ(asArray(block.ch_reserved), (std::array<UINT8, 3>{}));
@@ -140,7 +140,7 @@ TEST(Reading, CHBLOCK_that_this_library_wrote) {
   auto is = fileWith(bytes);
   {
     const CHBLOCK block(is);
-    EXPECT_EQ(standsBehind(is, bytes), 0);
+    EXPECT_EQ(standsAfter(is, bytes), 0);
     EXPECT_EQ(linksOf(block), (Links{0, 2, 0, 0}));
     EXPECT_EQ(block.getElementCount(), 0U);
     EXPECT_NE(block.ch_type, CHBLOCK::CH_TYPE_STRUCTURE);
@@ -170,7 +170,7 @@ TEST(Reading, ATBLOCK) {
                                 .text("abc");
   auto is = fileWith(bytes);
   const ATBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(block.getTXMimetypeBlock(), 3);
   EXPECT_BYTES(written(block), bytes);
 }
@@ -187,7 +187,7 @@ TEST(Reading, EVBLOCK) {
                                 .f64(0.5);
   auto is = fileWith(bytes);
   const EVBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(linksOf(block), (Links{0, 0, 0, 0, 0}));
   EXPECT_EQ(block.ev_scope, (Links{1, 2}));
   EXPECT_EQ(block.ev_at_reference, (Links{3}));
@@ -209,7 +209,7 @@ TEST(Reading, DGBLOCK) {
       Bytes().header("DG", 64, 4).links({1, 2, 3, 4}).u8(1).u8s({9, 9, 9, 9, 9, 9, 9});
   auto is = fileWith(bytes);
   const DGBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(linksOf(block), (Links{0, 0, 0, 0, 1, 2, 3, 4}));
   EXPECT_EQ(block.getFirstCgblock(), 0);
   EXPECT_EQ(block.getRecordIdSize(), DGBLOCK::DG_UINT8);
@@ -230,7 +230,7 @@ TEST(Reading, CGBLOCK) {
                                 .u32(11);
   auto is = fileWith(bytes);
   const CGBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(linksOf(block), (Links{0, 0, 0, 0, 0, 0, 1, 2, 3, 4, 5, 6}));
   EXPECT_EQ(block.getCycleCount(), 8U);
   EXPECT_EQ(block.getInvalidBytes(), 11U);
@@ -243,7 +243,7 @@ TEST(Reading, SIBLOCK) {
       Bytes().header("SI", 56, 3).links({1, 2, 3}).u8s({4, 2, 1, 9, 9, 9, 9, 9});
   auto is = fileWith(bytes);
   const SIBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(linksOf(block), (Links{0, 0, 0, 1, 2, 3}));
   EXPECT_EQ(block.getSourceType(), SIBLOCK::SI_SOURCETYPE_TOOL);
   EXPECT_TRUE(block.isSimulatedSource());
@@ -275,7 +275,7 @@ TEST(Reading, CNBLOCK) {
   const std::string bytes = channelBytes();
   auto is = fileWith(bytes);
   const CNBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(linksOf(block), (Links{0, 0, 0, 0, 0, 0, 0, 0}));
   EXPECT_EQ(block.cc_attachements, (Links{1, 2, 3}));
   EXPECT_EQ(block.getDefaultXAxisdgblock(), 21);
@@ -307,7 +307,7 @@ TEST(Reading, CCBLOCK) {
                                 .f64(2.5);
   auto is = fileWith(bytes);
   const CCBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(block.getInverseCcblock(), 4);
   EXPECT_EQ(block.cc_refs, (Links{11, 12}));
   EXPECT_BYTES(written(block), bytes);
@@ -316,13 +316,13 @@ TEST(Reading, CCBLOCK) {
   EXPECT_EQ(CCBLOCK(further).cc_refs, Links{});
 }
 
-/// Everything behind the header is data, links as well, and the block writes what it read.
+/// Everything after the header is data, links as well, and the block writes what it read.
 template <class Block>
 void expectPlainData(const std::string& letters, const std::vector<UINT8> Block::*data) {
   const std::string bytes = Bytes().header(letters, 24 + 12, 1).i64(77).text("abcd");
   auto is = fileWith(bytes);
   const Block block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(linksOf(block), Links{});
   EXPECT_BYTES(text(block.*data), Bytes().i64(77).text("abcd"));
   EXPECT_BYTES(written(block), bytes);
@@ -344,7 +344,7 @@ TEST(Reading, DLBLOCK) {
                                 .u64(500);
   auto is = fileWith(bytes);
   const DLBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(linksOf(block), (Links{0, 1, 11, 12}));
   EXPECT_EQ(block.getNextDlblock(), 0);
   EXPECT_EQ(block.dl_data, (std::vector<std::pair<LINK, UINT64>>{{1, 0}, {11, 500}}));
@@ -359,7 +359,7 @@ TEST(Reading, DLBLOCK) {
       Bytes().header("DL", 48 + 8 * 2, 3).links({1, 11, 12}).u8s({1, 9, 9, 9}).u32(2).u64(500);
   auto equal_is = fileWith(equal_bytes);
   const DLBLOCK equal(equal_is);
-  EXPECT_EQ(standsBehind(equal_is, equal_bytes), 0);
+  EXPECT_EQ(standsAfter(equal_is, equal_bytes), 0);
   EXPECT_EQ(equal.dl_data, (std::vector<std::pair<LINK, UINT64>>{{1, 500}, {11, 500}, {12, 500}}));
 }
 
@@ -368,7 +368,7 @@ TEST(Reading, DZBLOCK) {
       Bytes().header("DZ", 48 + 5, 0).text("DT").u8s({1, 9}).u32(8).u64(100).u64(5).text("zzzzz");
   auto is = fileWith(bytes);
   DZBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 5);
+  EXPECT_EQ(standsAfter(is, bytes), 5);
   EXPECT_EQ(linksOf(block), Links{});
   EXPECT_EQ(block.getOriginalLength(), 100U);
   EXPECT_EQ(text(block.dz_data), "what ");
@@ -390,7 +390,7 @@ TEST(Reading, HLBLOCK) {
       Bytes().header("HL", 40, 1).links({4096}).u16(1).u8(1).u8s({9, 9, 9, 9, 9});
   auto is = fileWith(bytes);
   const HLBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(block.getFirstDlblock(), 4096);
   EXPECT_TRUE(block.isEqualLengthFlag());
   EXPECT_EQ(block.getZipType(), DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE);
@@ -402,7 +402,7 @@ TEST(Reading, HLBLOCK_that_this_library_wrote) {
   auto is = fileWith(bytes);
   {
     const HLBLOCK block(is);
-    EXPECT_EQ(standsBehind(is, bytes), 0);
+    EXPECT_EQ(standsAfter(is, bytes), 0);
     EXPECT_EQ(linksOf(block), Links{});
     EXPECT_EQ(block.hl_flags, 0x5678);
     EXPECT_EQ(block.hl_zip_type, 0x34);
@@ -424,7 +424,7 @@ TEST(Reading, SRBLOCK) {
       Bytes().header("SR", 64, 2).links({1, 2}).u64(3).f64(0.5).u8s({1, 1, 9, 9, 9, 9, 9, 9});
   auto is = fileWith(bytes);
   const SRBLOCK block(is);
-  EXPECT_EQ(standsBehind(is, bytes), 0);
+  EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(linksOf(block), (Links{0, 0, 1, 2}));
   EXPECT_EQ(block.getDatablock(), 0);
   EXPECT_EQ(block.getCycleCount(), 3U);
@@ -461,7 +461,7 @@ TEST(Reading, AnyBlockAsAnyOther) {
   EXPECT_EQ(text(block.getData()), channelBytes().substr(24));
 }
 
-TEST(Reading, AsADataListNeedsSixteenBytesBehindTheLinks) {
+TEST(Reading, AsADataListNeedsSixteenBytesAfterTheLinks) {
   for (const std::size_t count : {std::size_t{8}, std::size_t{16}}) {
     std::istringstream is(Bytes().header("XX", 24 + 8 + count, 1).i64(5).u8(255).zeros(count - 1));
     const DLBLOCK raw(is);

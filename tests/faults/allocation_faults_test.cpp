@@ -183,7 +183,9 @@ TYPED_TEST(AllocationFaults, SetupThrowsAndLeavesAUsableBlock) {
 }
 
 TYPED_TEST(AllocationFaults, WriterAndDumpTakeNoMemory) {
-  for (const TypeParam& block : sampleBlocks<TypeParam>()) {
+  std::vector<TypeParam> blocks = sampleBlocks<TypeParam>();
+  blocks.push_back(largeBlock<TypeParam>());
+  for (const TypeParam& block : blocks) {
     FaultyBuffer buffer;
     std::ostream os(&buffer);
     EXPECT_FALSE(failsAfter(0, [&] {
@@ -195,7 +197,7 @@ TYPED_TEST(AllocationFaults, WriterAndDumpTakeNoMemory) {
   }
 }
 
-TEST(AllocationFailure, IsTheOneBehindSoManyOthers) {
+TEST(AllocationFailure, IsTheOneAfterSoManyOthers) {
   EXPECT_EQ(forEachFailure([] {
               const std::vector<int> first(5);
               const std::string second(100, 'x');

@@ -264,7 +264,7 @@ Block largeBlock() {
 }
 
 /// What a stream must hold for reading each of the class's golden blocks: the block, and for a
-/// zipped block's reader, which takes the data from behind it, as much again.
+/// zipped block's reader, which takes the data from after it, as much again.
 template <class Block>
 std::vector<std::string> goldenStreams() {
   std::vector<std::string> streams;

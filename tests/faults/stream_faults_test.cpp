@@ -8,7 +8,6 @@
 #include <ostream>
 #include <sstream>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "block_making.h"
@@ -145,25 +144,22 @@ void expectDumpingFaultsAreSeen(const Value& value) {
   expectOutputFaultsAreSeen([&](std::ostream& os) { value.print(os); });
 }
 
-template <class Block, class... Blocks>
-constexpr bool isOneOf = (std::is_same_v<Block, Blocks> || ...);
-
 /// Whether the class has lists or bytes without a limit.
 template <class Block>
 constexpr bool is_variable =
-    !isOneOf<Block, IDBLOCK, HDBLOCK, FHBLOCK, DGBLOCK, CGBLOCK, SIBLOCK, HLBLOCK, SRBLOCK>;
+    !is_one_of<Block, IDBLOCK, HDBLOCK, FHBLOCK, DGBLOCK, CGBLOCK, SIBLOCK, HLBLOCK, SRBLOCK>;
 
 /// The byte from which on the class's reader compares the number of bytes that came with the number
 /// that it asked for.
 template <class Block>
 std::size_t firstComparedByte(std::size_t block_size) {
-  if (isOneOf<Block, IDBLOCK, TXBLOCK, MDBLOCK, DGBLOCK, CGBLOCK, SIBLOCK>) {
+  if (is_one_of<Block, IDBLOCK, TXBLOCK, MDBLOCK, DGBLOCK, CGBLOCK, SIBLOCK>) {
     return 0;
   }
-  if (isOneOf<Block, DTBLOCK, RDBLOCK, SDBLOCK>) {
+  if (is_one_of<Block, DTBLOCK, RDBLOCK, SDBLOCK>) {
     return HeaderSection::HEADER_SIZE;
   }
-  return isOneOf<Block, DZBLOCK> ? block_size : SIZE_MAX;
+  return is_one_of<Block, DZBLOCK> ? block_size : SIZE_MAX;
 }
 
 /// What a reader's caller sees when the stream throws or ends. What the stream may throw for the
@@ -188,7 +184,7 @@ std::string writtenWhenReadFrom(const std::string& bytes) {
 }
 
 /// Reads the block with a fault, and expects what the caller sees, that nothing is taken from
-/// behind the fault, and that the block is as when the stream ends there. All memory is given back.
+/// after the fault, and that the block is as when the stream ends there. All memory is given back.
 template <class Block>
 void expectFaultIsSeen(FaultyBuffer& buffer, const std::string& stream,
                        const FaultyTransfer& transfer, bool compared) {

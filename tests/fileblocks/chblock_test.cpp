@@ -1,17 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
-#include <ios>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "mdf_v4_10.h"
 #include "support/blocks.h"
 #include "support/bytes.h"
-#include "support/fields.h"
 
 using namespace mdf_tests;
 using mdf_v4_10::CHBLOCK;
@@ -25,11 +21,9 @@ using Type = CHBLOCK::MDF_CH_TYPE_t;
 using Element = CHBLOCK::CHBLOCK_CHANNEL_t;
 
 constexpr int type_count = 9;
-constexpr std::uint64_t above_32_bits = std::uint64_t{1} << 32U;
-
 Type typeOf(int value) { return static_cast<Type>(value); }
 
-/// The links of all elements, one element behind the other.
+/// The links of all elements, one element after another.
 std::vector<LINK> elementLinksOf(const CHBLOCK& block) {
   std::vector<LINK> links;
   for (const Element& element : block.channels) {
@@ -84,33 +78,17 @@ std::string bytesWithLinks(unsigned link_count) {
   return bytes.u32(77).u8(1).u8s({21, 22, 23});
 }
 
-TEST(CHBLOCK, Constants) {
-  EXPECT_EQ(CHBLOCK::CHBLOCK_CONSTANT_SIZE, 64U);
-  EXPECT_EQ(CHBLOCK::MDF_CH_ID, 0x4843);
-  EXPECT_EQ(CHBLOCK::MDF_CH_ID, 18499);
-}
-
-TEST(CHBLOCK, EnumerationValues) {
-  EXPECT_EQ(CHBLOCK::CH_TYPE_GROUP, 0);
-  EXPECT_EQ(CHBLOCK::CH_TYPE_FUNCTION, 1);
-  EXPECT_EQ(CHBLOCK::CH_TYPE_STRUCTURE, 2);
-  EXPECT_EQ(CHBLOCK::CH_TYPE_MAP_LIST, 3);
-  EXPECT_EQ(CHBLOCK::CH_TYPE_IN_MEASUREMENT, 4);
-  EXPECT_EQ(CHBLOCK::CH_TYPE_OUT_MEASUREMENT, 5);
-  EXPECT_EQ(CHBLOCK::CH_TYPE_LOC_MEASUREMENT, 6);
-  EXPECT_EQ(CHBLOCK::CH_TYPE_DEF_CHARACTERISTIC, 7);
-  EXPECT_EQ(CHBLOCK::CH_TYPE_REF_CHARACTERISTIC, 8);
-  EXPECT_EQ(CHBLOCK::ch_ch_next, 0);
-  EXPECT_EQ(CHBLOCK::ch_ch_first, 1);
-  EXPECT_EQ(CHBLOCK::ch_tx_name, 2);
-  EXPECT_EQ(CHBLOCK::ch_md_comment, 3);
-}
-
-TEST(CHBLOCK, FieldsStandWhereTheLayoutSays) {
-  EXPECT_EQ(layoutOf(mdf_v4_10::detail::chblock_fields, 56),
-            "56 4 ch_element_count\n"
-            "60 1 ch_type\n"
-            "61 3 ch_reserved\n");
+TEST(CHBLOCK, ReservedBytesNeedNotBeThere) {
+  for (const std::size_t length : {61U, 62U, 63U}) {
+    SCOPED_TRACE(length);
+    const std::string bytes =
+        Bytes().header("CH", length, 4).links({1, 2, 3, 4}).u32(0).u8(5).zeros(3);
+    const auto block = readBack<CHBLOCK>(bytes.substr(0, length));
+    EXPECT_EQ(block.header.length, length);
+    EXPECT_EQ(linksOf(block), (std::vector<LINK>{1, 2, 3, 4}));
+    EXPECT_EQ(block.ch_type, 5);
+    EXPECT_EQ(asArray(block.ch_reserved), (std::array<UINT8, 3>{}));
+  }
 }
 
 TEST(CHBLOCK, NewBlockOfAnyTypeWrites64Bytes) {
@@ -414,79 +392,27 @@ TEST(CHBLOCK, RemovingFromAnEmptyListDoesNothing) {
   }
 }
 
-TEST(CHBLOCK, Accessors) {
-  CHBLOCK block(CHBLOCK::CH_TYPE_FUNCTION);
-  block.setNextCHBlock(11, CHBLOCK::CH_TYPE_FUNCTION);
-  block.setFirstCHBlock(12);
-  block.setTXNameBlock(13);
-  block.setMDBlock(14);
-  EXPECT_EQ(linksOf(block), (std::vector<LINK>{11, 12, 13, 14}));
-  EXPECT_EQ(block.getNextCHBlock(), 11);
-  EXPECT_EQ(block.getFirstCHBlock(), 12);
-  EXPECT_EQ(block.getTXNameBlock(), 13);
-  EXPECT_EQ(block.getMDBlock(), 14);
-  EXPECT_EQ(block.getType(), CHBLOCK::CH_TYPE_FUNCTION);
-  EXPECT_EQ(block.getSize(), 64U);
-  EXPECT_EQ(block.getValidMDXMLSchemaName(), "ch_comment.xsd");
-}
-
-TEST(CHBLOCK, FollowsItsLinks) {
-  const LinkTargetFile file;
-  const CHBLOCK block = distinctBlock();
-  file.expectFollows([&](std::ifstream& ifs) { return block.seekgNextCHBlock(ifs); }, 100);
-  file.expectFollows([&](std::ifstream& ifs) { return block.seekgFirstCHBlock(ifs); }, 200);
-  file.expectFollows([&](std::ifstream& ifs) { return block.seekgTXNameBlock(ifs); }, 300);
-  file.expectFollows([&](std::ifstream& ifs) { return block.seekgMDBlock(ifs); }, 400);
-}
-
-TEST(CHBLOCK, FollowingANilLinkLeadsToOffsetZero) {
-  const LinkTargetFile file;
-  const CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
-  file.expectFollows([&](std::ifstream& ifs) { return block.seekgNextCHBlock(ifs); }, 0);
-  file.expectFollows([&](std::ifstream& ifs) { return block.seekgFirstCHBlock(ifs); }, 0);
-  file.expectFollows([&](std::ifstream& ifs) { return block.seekgTXNameBlock(ifs); }, 0);
-  file.expectFollows([&](std::ifstream& ifs) { return block.seekgMDBlock(ifs); }, 0);
-}
-
-const char* const distinct_dump =
-    "[DEBUG] ==================== CHBLOCK ===================\n"
-    "block size = 112\n"
-    "next file ch history block (pointer) = 100\n"
-    "first (sibling) file ch history block (pointer) = 400\n"
-    "name text (pointer) = 300\n"
-    "file comment (pointer) = 400\n"
-    "element count = 2\n"
-    "element DG (pointer) = 501\n"
-    "element CG (pointer) = 502\n"
-    "element CN (pointer) = 503\n"
-    "element DG (pointer) = 601\n"
-    "element CG (pointer) = 602\n"
-    "element CN (pointer) = 603\n"
-    "type = 2\n"
-    "[DEBUG] ==================== End of CHBLOCK ===================\n";
-
 TEST(CHBLOCK, DumpShowsTheCommentLinkInPlaceOfTheFirstChild) {
-  EXPECT_EQ(dumped(distinctBlock()), distinct_dump);
-}
-
-TEST(CHBLOCK, DumpDoesNotChangeWithBoolalpha) {
-  std::ostringstream os;
-  os << std::boolalpha;
-  distinctBlock().print(os);
-  EXPECT_EQ(os.str(), distinct_dump);
+  EXPECT_EQ(dumped(distinctBlock()),
+            "[DEBUG] ==================== CHBLOCK ===================\n"
+            "block size = 112\n"
+            "next file ch history block (pointer) = 100\n"
+            "first (sibling) file ch history block (pointer) = 400\n"
+            "name text (pointer) = 300\n"
+            "file comment (pointer) = 400\n"
+            "element count = 2\n"
+            "element DG (pointer) = 501\n"
+            "element CG (pointer) = 502\n"
+            "element CN (pointer) = 503\n"
+            "element DG (pointer) = 601\n"
+            "element CG (pointer) = 602\n"
+            "element CN (pointer) = 603\n"
+            "type = 2\n"
+            "[DEBUG] ==================== End of CHBLOCK ===================\n");
 }
 
 TEST(CHBLOCK, DumpOfANewBlock) {
-  EXPECT_EQ(dumped(CHBLOCK(CHBLOCK::CH_TYPE_REF_CHARACTERISTIC)),
-            "[DEBUG] ==================== CHBLOCK ===================\n"
-            "block size = 64\n"
-            "next file ch history block (pointer) = 0\n"
-            "first (sibling) file ch history block (pointer) = 0\n"
-            "name text (pointer) = 0\n"
-            "file comment (pointer) = 0\n"
-            "element count = 0\n"
-            "type = 8\n"
-            "[DEBUG] ==================== End of CHBLOCK ===================\n");
+  EXPECT_EQ(shownValues(CHBLOCK(CHBLOCK::CH_TYPE_REF_CHARACTERISTIC)), "64 0 0 0 0 0 8");
 }
 
 TEST(CHBLOCK, DumpShowsZeroForMissingLinksAndSignedLinks) {
@@ -494,35 +420,10 @@ TEST(CHBLOCK, DumpShowsZeroForMissingLinksAndSignedLinks) {
   block.links = {-1};
   block.addChannelElement(INT64_MIN, INT64_MAX, -2);
   block.ch_type = 255;
-  EXPECT_EQ(dumped(block),
-            "[DEBUG] ==================== CHBLOCK ===================\n"
-            "block size = 88\n"
-            "next file ch history block (pointer) = -1\n"
-            "first (sibling) file ch history block (pointer) = 0\n"
-            "name text (pointer) = 0\n"
-            "file comment (pointer) = 0\n"
-            "element count = 1\n"
-            "element DG (pointer) = -9223372036854775808\n"
-            "element CG (pointer) = 9223372036854775807\n"
-            "element CN (pointer) = -2\n"
-            "type = 255\n"
-            "[DEBUG] ==================== End of CHBLOCK ===================\n");
+  EXPECT_EQ(shownValues(block), "88 -1 0 0 0 1 -9223372036854775808 9223372036854775807 -2 255");
   EXPECT_EQ(block.getFirstCHBlock(), 0);
   EXPECT_EQ(block.getTXNameBlock(), 0);
   EXPECT_EQ(block.getMDBlock(), 0);
-}
-
-TEST(CHBLOCK, BlockWithoutElementsReadsBackExactly) {
-  const std::string bytes =
-      Bytes().header("CH", 64, 4).links({100, 200, 300, 400}).u32(0).u8(1).zeros(3);
-  const auto block = readBack<CHBLOCK>(bytes);
-  EXPECT_EQ(block.header.length, 64U);
-  EXPECT_EQ(block.header.link_count, 4U);
-  EXPECT_EQ(linksOf(block), (std::vector<LINK>{100, 200, 300, 400}));
-  EXPECT_EQ(block.getElementCount(), 0U);
-  EXPECT_EQ(block.getType(), CHBLOCK::CH_TYPE_FUNCTION);
-  EXPECT_EQ(block.getPadding(), 0);
-  EXPECT_BYTES(written(block), bytes);
 }
 
 TEST(CHBLOCK, BlockWrittenWithOneElementReadsBackWithoutItAndWithATypeFromInsideIt) {
@@ -538,223 +439,11 @@ TEST(CHBLOCK, BlockWrittenWithOneElementReadsBackWithoutItAndWithATypeFromInside
   EXPECT_EQ(asArray(block.ch_reserved), (std::array<UINT8, 3>{}));
 }
 
-TEST(CHBLOCK, BlockWrittenWithTwoElementsReadsBackWithNone) {
-  const auto block = readBack<CHBLOCK>(distinctBytes());
-  EXPECT_EQ(block.header.length, 112U);
-  EXPECT_EQ(block.header.link_count, 6U);
-  EXPECT_EQ(linksOf(block), (std::vector<LINK>{100, 200, 300, 400}));
-  EXPECT_EQ(block.getElementCount(), 0U);
-  // Six links end before the first element's channel, 503, whose fifth byte is 0.
-  EXPECT_EQ(block.ch_type, 0);
-}
-
 TEST(CHBLOCK, TenLinksGiveFourOverlappingElements) {
   const auto block = readBack<CHBLOCK>(bytesWithLinks(10));
   EXPECT_EQ(linksOf(block), (std::vector<LINK>{1, 2, 3, 4}));
   EXPECT_EQ(elementLinksOf(block), (std::vector<LINK>{5, 6, 7, 6, 7, 8, 7, 8, 9, 8, 9, 10}));
   EXPECT_EQ(block.getType(), CHBLOCK::CH_TYPE_FUNCTION);
-}
-
-TEST(CHBLOCK, ElementsReadAdvanceByOneLink) {
-  for (unsigned link_count = 0; link_count <= 40; ++link_count) {
-    SCOPED_TRACE(link_count);
-    const auto block = readBack<CHBLOCK>(bytesWithLinks(link_count));
-    std::vector<LINK> expected;
-    for (LINK i = 5; i + 2 <= link_count; ++i) {
-      expected.insert(expected.end(), {i, i + 1, i + 2});
-    }
-    EXPECT_EQ(elementLinksOf(block), expected);
-    EXPECT_EQ(block.getElementCount(), link_count < 7 ? 0 : link_count - 6);
-    EXPECT_EQ(block.header.link_count, link_count);
-    EXPECT_EQ(block.header.length, 32 + 8 * link_count);
-    EXPECT_EQ(block.ch_type, 1);
-  }
-}
-
-TEST(CHBLOCK, ThreeLinksForEachOfMElementsGiveThreeTimesMLessTwo) {
-  for (unsigned m = 1; m <= 10; ++m) {
-    EXPECT_EQ(readBack<CHBLOCK>(bytesWithLinks(4 + 3 * m)).getElementCount(), 3 * m - 2) << m;
-  }
-}
-
-TEST(CHBLOCK, FewerThanFourLinksAreFilledUpWithNilOnes) {
-  const std::vector<LINK> links_read[] = {
-      {0, 0, 0, 0}, {1, 0, 0, 0}, {1, 2, 0, 0}, {1, 2, 3, 0}, {1, 2, 3, 4}};
-  for (unsigned link_count = 0; link_count <= 4; ++link_count) {
-    SCOPED_TRACE(link_count);
-    const auto block = readBack<CHBLOCK>(bytesWithLinks(link_count));
-    EXPECT_EQ(linksOf(block), links_read[link_count]);
-    EXPECT_EQ(block.header.link_count, link_count);
-  }
-}
-
-TEST(CHBLOCK, ElementCountInTheFileIsNotUsed) {
-  for (const UINT32 element_count : {UINT32{0}, UINT32{1}, UINT32{4}, UINT32{5}, UINT32_MAX}) {
-    SCOPED_TRACE(element_count);
-    const auto block = readBack<CHBLOCK>(
-        Bytes().header("CH", 88, 7).links({1, 2, 3, 4, 5, 6, 7}).u32(element_count).u8(2).zeros(3));
-    EXPECT_EQ(elementLinksOf(block), (std::vector<LINK>{5, 6, 7}));
-    EXPECT_LE(block.channels.capacity(), 7U);
-  }
-}
-
-TEST(CHBLOCK, LyingElementCountReservesNoRoom) {
-  const auto block =
-      readBack<CHBLOCK>(Bytes().header("CH", 64, 4).zeros(32).u32(UINT32_MAX).u8(2).zeros(3));
-  EXPECT_EQ(block.channels.capacity(), 0U);
-}
-
-TEST(CHBLOCK, ReservedBytesAreNotTaken) {
-  std::string bytes = bytesWithLinks(4);
-  bytes.replace(4, 4, "\x01\x02\x03\x04");
-  const auto block = readBack<CHBLOCK>(bytes);
-  EXPECT_EQ(asArray(block.header.reserved), (std::array<UINT8, 4>{}));
-  EXPECT_EQ(asArray(block.ch_reserved), (std::array<UINT8, 3>{}));
-  EXPECT_BYTES(written(block),
-               Bytes().header("CH", 64, 4).links({1, 2, 3, 4}).u32(0).u8(1).zeros(3));
-}
-
-TEST(CHBLOCK, WritingABlockThatWasReadWritesTheOverlappingElements) {
-  EXPECT_BYTES(written(readBack<CHBLOCK>(bytesWithLinks(10))),
-               Bytes()
-                   .header("CH", 160, 8)
-                   .links({1, 2, 3, 4})
-                   .links({5, 6, 7, 6, 7, 8, 7, 8, 9, 8, 9, 10})
-                   .u32(4)
-                   .u8(1)
-                   .zeros(3));
-}
-
-TEST(CHBLOCK, WritingABlockThatWasReadWithoutLinksWritesFour) {
-  EXPECT_BYTES(written(readBack<CHBLOCK>(bytesWithLinks(0))),
-               Bytes().header("CH", 64, 4).zeros(32).u32(0).u8(1).zeros(3));
-}
-
-TEST(CHBLOCK, AnyIdentifierIsRead) {
-  std::string bytes = bytesWithLinks(4);
-  bytes.replace(0, 4, "XYZ!");
-  EXPECT_BYTES(written(readBack<CHBLOCK>(bytes)),
-               Bytes().header("CH", 64, 4).links({1, 2, 3, 4}).u32(0).u8(1).zeros(3));
-}
-
-TEST(CHBLOCK, BytesBehindTheDataSectionAreReadOver) {
-  const auto block = readBack<CHBLOCK>(
-      Bytes().header("CH", 75, 4).links({1, 2, 3, 4}).u32(0).u8(5).zeros(3).text("leftovers!!"));
-  EXPECT_EQ(block.header.length, 75U);
-  EXPECT_EQ(linksOf(block), (std::vector<LINK>{1, 2, 3, 4}));
-  EXPECT_EQ(block.ch_type, 5);
-}
-
-TEST(CHBLOCK, ReaderStopsAtTheEndOfTheBlock) {
-  std::istringstream is(bytesWithLinks(8) + bytesWithLinks(4));
-  const CHBLOCK first(is);
-  EXPECT_EQ(is.tellg(), 96);
-  const CHBLOCK second(is);
-  EXPECT_EQ(is.rdstate(), state_good);
-  EXPECT_EQ(is.tellg(), 160);
-  EXPECT_EQ(first.getElementCount(), 2U);
-  EXPECT_EQ(second.getElementCount(), 0U);
-}
-
-TEST(CHBLOCK, LengthCountsModulo32Bits) {
-  const auto block = readBack<CHBLOCK>(
-      Bytes().header("CH", 7 * above_32_bits + 64, 4).links({1, 2, 3, 4}).u32(0).u8(5).zeros(3));
-  EXPECT_EQ(block.header.length, 7 * above_32_bits + 64);
-  EXPECT_EQ(linksOf(block), (std::vector<LINK>{1, 2, 3, 4}));
-  EXPECT_EQ(block.ch_type, 5);
-}
-
-/// Expects that nothing but the header was taken.
-void expectHeaderOnly(const CHBLOCK& block, std::uint64_t length, std::uint64_t link_count) {
-  EXPECT_EQ(block.header.length, length);
-  EXPECT_EQ(block.header.link_count, link_count);
-  EXPECT_EQ(linksOf(block), std::vector<LINK>{});
-  EXPECT_EQ(block.getElementCount(), 0U);
-  // What is left writes no links, and all else as zero.
-  EXPECT_BYTES(written(block), Bytes().header("CH", 64, 4).zeros(8));
-}
-
-TEST(CHBLOCK, CutStreamKeepsItsOwnState) {
-  for (const unsigned link_count : {4U, 10U, 200U}) {
-    forEachPrefix(bytesWithLinks(link_count), [&](std::istream& is, std::size_t length) {
-      const CHBLOCK block(is);
-      EXPECT_EQ(is.rdstate(), state_eof_fail);
-      if (length < 24) {
-        expectHeaderOnly(block, 0, 0);
-      } else {
-        expectHeaderOnly(block, 32 + 8 * link_count, link_count);
-      }
-    });
-  }
-}
-
-TEST(CHBLOCK, FailedStreamIsNotRead) {
-  for (const auto state : {std::ios_base::failbit, std::ios_base::badbit, std::ios_base::eofbit}) {
-    std::istringstream is(bytesWithLinks(10));
-    is.setstate(state);
-    const CHBLOCK block(is);
-    EXPECT_EQ(is.rdstate(), state | std::ios_base::failbit);
-    expectHeaderOnly(block, 0, 0);
-  }
-}
-
-TEST(CHBLOCK, LengthBelowTheHeaderSizeMakesTheStreamBad) {
-  for (const std::uint64_t low_bits : {0U, 1U, 8U, 23U}) {
-    for (const std::uint64_t length : {low_bits, above_32_bits + low_bits}) {
-      SCOPED_TRACE(length);
-      std::istringstream is(Bytes().header("CH", length, 4).zeros(100).str());
-      const CHBLOCK block(is);
-      EXPECT_EQ(is.rdstate(), state_bad);
-      expectHeaderOnly(block, length, 4);
-    }
-  }
-}
-
-TEST(CHBLOCK, ReservedBytesNeedNotBeThere) {
-  for (const std::size_t length : {61U, 62U, 63U}) {
-    SCOPED_TRACE(length);
-    const std::string bytes =
-        Bytes().header("CH", length, 4).links({1, 2, 3, 4}).u32(0).u8(5).zeros(3);
-    const auto block = readBack<CHBLOCK>(bytes.substr(0, length));
-    EXPECT_EQ(block.header.length, length);
-    EXPECT_EQ(linksOf(block), (std::vector<LINK>{1, 2, 3, 4}));
-    EXPECT_EQ(block.ch_type, 5);
-    EXPECT_EQ(asArray(block.ch_reserved), (std::array<UINT8, 3>{}));
-  }
-}
-
-TEST(CHBLOCK, LengthTooShortForLinksAndTypeMakesTheStreamBad) {
-  for (std::uint64_t length = 24; length < 61; ++length) {
-    SCOPED_TRACE(length);
-    std::istringstream is(Bytes().header("CH", length, 4).zeros(100).str());
-    const CHBLOCK block(is);
-    EXPECT_EQ(is.rdstate(), state_bad);
-    expectHeaderOnly(block, length, 4);
-  }
-}
-
-TEST(CHBLOCK, LengthBeyondTheStreamKeepsTheStreamsOwnState) {
-  for (const std::uint64_t length :
-       {std::uint64_t{65}, std::uint64_t{0x7FFFFFFF}, std::uint64_t{0x80000000},
-        std::uint64_t{0xFFFFFFFF}, std::uint64_t{UINT64_MAX}}) {
-    SCOPED_TRACE(length);
-    std::istringstream is(Bytes().header("CH", length, 4).zeros(40).str());
-    const CHBLOCK block(is);
-    EXPECT_EQ(is.rdstate(), state_eof_fail);
-    expectHeaderOnly(block, length, 4);
-  }
-}
-
-TEST(CHBLOCK, LinkCountThatDoesNotFitMakesTheStreamBad) {
-  for (const std::uint64_t link_count :
-       {std::uint64_t{5}, std::uint64_t{1} << 32U, std::uint64_t{1} << 61U,
-        (std::uint64_t{1} << 61U) + 4, std::uint64_t{INT64_MAX}, UINT64_MAX}) {
-    SCOPED_TRACE(link_count);
-    std::istringstream is(Bytes().header("CH", 64, link_count).zeros(40).str());
-    const CHBLOCK block(is);
-    EXPECT_EQ(is.rdstate(), state_bad);
-    expectHeaderOnly(block, 64, link_count);
-  }
 }
 
 }  // namespace

@@ -75,20 +75,4 @@ TYPED_TEST(Allocations, ReaderTakesMemoryOnceForEachList) {
   EXPECT_EQ(allocations, expectedAllocations<TypeParam>());
 }
 
-TYPED_TEST(Allocations, WriterTakesNoMemory) {
-  for (const std::string& bytes : goldenBlocks<TypeParam>()) {
-    SCOPED_TRACE(bytes.size());
-    std::istringstream is(bytes + bytes);
-    const TypeParam block(is);
-    RecordingBuffer to;
-    std::ostream os(&to);
-    const AllocationMeter meter;
-    os << block;
-    const std::size_t allocations = meter.count();
-    EXPECT_EQ(os.rdstate(), state_good);
-    EXPECT_FALSE(to.bytes.empty());
-    EXPECT_EQ(allocations, 0U);
-  }
-}
-
 }  // namespace

@@ -184,7 +184,7 @@ void expectModestPeak(std::size_t peak, std::size_t arrived) {
 constexpr std::size_t body_sizes[] = {0,     1,     511,    512,    513,    65535,
                                       65536, 65537, 131072, 131073, 200000, 1000000};
 
-TEST(BlockBody, HoldsTheBytesBehindTheHeader) {
+TEST(BlockBody, HoldsTheBytesAfterTheHeader) {
   for (const std::size_t size : body_sizes) {
     SCOPED_TRACE(size);
     const std::string bytes = distinctBytes(size);
@@ -295,7 +295,7 @@ TEST(BlockBody, TakesTheLinksAndStopsAtTheFields) {
 
 std::string threeLinks() { return Bytes().links({11, -12, 13}); }
 
-TEST(FileLinks, AreAppendedToAListBehindNilOnes) {
+TEST(FileLinks, AreAppendedToAListAfterNilOnes) {
   const std::string bytes = threeLinks();
   const detail::FileLinks links(bytes.data(), 3);
   std::vector<LINK> list{7};

@@ -11,7 +11,6 @@
 
 #include "mdf_v4_10.h"
 #include "support/blocks.h"
-#include "support/recording_buffer.h"
 
 using namespace mdf_tests;
 using namespace mdf_v4_10;
@@ -32,64 +31,6 @@ std::string shown(Show show) {
 template <class Value>
 std::string lineWith(Value value) {
   return shown([&](Dump& dump) { dump.line("v = ", value); });
-}
-
-/// The positions behind the line ends of a text.
-std::vector<std::size_t> behindLineEnds(const std::string& text) {
-  std::vector<std::size_t> positions;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\n') {
-      positions.push_back(i + 1);
-    }
-  }
-  return positions;
-}
-
-template <class Block>
-void expectFlushesEveryLine(const Block& block) {
-  RecordingBuffer sink;
-  std::ostream os(&sink);
-  block.print(os);
-  EXPECT_EQ(sink.flushes, behindLineEnds(sink.bytes)) << sink.bytes;
-  EXPECT_FALSE(sink.flushes.empty());
-}
-
-/// A width that is set on the stream fills up the first line and changes no other.
-template <class Block>
-void expectPadsTheFirstLine(const Block& block) {
-  const std::string dump = dumped(block);
-  const std::size_t line_end = dump.find('\n');
-  ASSERT_NE(line_end, std::string::npos);
-  ASSERT_LT(line_end, 90U);
-  const std::string padding(90 - line_end, '*');
-  std::ostringstream left;
-  left << std::setfill('*') << std::left << std::setw(90);
-  block.print(left);
-  EXPECT_EQ(left.str(), dump.substr(0, line_end) + padding + dump.substr(line_end));
-  std::ostringstream right;
-  right << std::setfill('*') << std::right << std::setw(90);
-  block.print(right);
-  EXPECT_EQ(right.str(), padding + dump);
-}
-
-CHBLOCK hierarchyWithElement() {
-  CHBLOCK block(CHBLOCK::CH_TYPE_GROUP);
-  block.addChannelElement(1, 2, 3);
-  return block;
-}
-
-ATBLOCK attachmentWithChecksum() {
-  ATBLOCK block("abc", 3);
-  block.setMD5ChecksumFlag(true);
-  return block;
-}
-
-EVBLOCK eventWithLists() {
-  EVBLOCK block(EVBLOCK::EV_TYPE_MARKER, EVBLOCK::EV_SYNCTYPE_SECONDS, EVBLOCK::EV_RANGETYPE_POINT,
-                EVBLOCK::EV_CAUSETYPE_USER);
-  block.addScope(1);
-  block.addAttachment(2);
-  return block;
 }
 
 TEST(Dump, FramesItsLinesWithBanners) {
@@ -114,31 +55,6 @@ TEST(Dump, AWidthPadsAWholeBanner) {
   dump.end();
   EXPECT_EQ(os.str(), std::string(70 - begin.size(), '*') + begin + "\n" + end +
                           std::string(80 - end.size(), '*') + "\n");
-}
-
-TEST(Dump, AWidthPadsTheFirstLineOfEveryClass) {
-  expectPadsTheFirstLine(HeaderSection(MDF_Block_ID(0x4448)));
-  expectPadsTheFirstLine(IDBLOCK("TESTPROG"));
-  expectPadsTheFirstLine(HDBLOCK(1, 2, 3, 4, HDBLOCK::TIME_LOCAL_PC, 0, 0));
-  expectPadsTheFirstLine(FHBLOCK(1, 2, 3, 4));
-  expectPadsTheFirstLine(TXBLOCK("abc", 3));
-  expectPadsTheFirstLine(MDBLOCK("abc", 3));
-  expectPadsTheFirstLine(hierarchyWithElement());
-  expectPadsTheFirstLine(attachmentWithChecksum());
-  expectPadsTheFirstLine(eventWithLists());
-  expectPadsTheFirstLine(DGBLOCK(1, 2, 3, DGBLOCK::DG_UINT8));
-  expectPadsTheFirstLine(CGBLOCK());
-  expectPadsTheFirstLine(CNBLOCK(CNBLOCK::CN_CHANNELTYPE_MASTER, CNBLOCK::CN_SYNCTYPE_TIME,
-                                 CNBLOCK::CN_DATATYPE_UINT_LE, 1, 2, 3));
-  expectPadsTheFirstLine(SIBLOCK());
-  expectPadsTheFirstLine(CCBLOCK(CCBLOCK::CC_CONVTYPE_LINEAR));
-  expectPadsTheFirstLine(DTBLOCK());
-  expectPadsTheFirstLine(SDBLOCK());
-  expectPadsTheFirstLine(RDBLOCK(nullptr, 0));
-  expectPadsTheFirstLine(DLBLOCK(true, 1));
-  expectPadsTheFirstLine(DZBLOCK(DTBLOCK::MDF_DT_ID, DZBLOCK::DZ_ZIPTYPE_DEFLATE, nullptr, 0));
-  expectPadsTheFirstLine(HLBLOCK(1, true, DZBLOCK::DZ_ZIPTYPE_DEFLATE));
-  expectPadsTheFirstLine(SRBLOCK(1, 0.5, SRBLOCK::SR_SYNCTYPE_TIME_SECONDS, 1, 2));
 }
 
 TEST(Dump, ShowsIntegersInDecimal) {
@@ -223,32 +139,5 @@ TEST(Dump, LeavesTheFormatOfTheStreamAsItWas) {
   EXPECT_EQ(os.precision(), 6);
   EXPECT_EQ(os.fill(), ' ');
 }
-
-TEST(Dump, EveryLineEndFlushesTheStream) {
-  expectFlushesEveryLine(HeaderSection(MDF_Block_ID(0x4448)));
-  expectFlushesEveryLine(IDBLOCK("TESTPROG"));
-  expectFlushesEveryLine(HDBLOCK(1, 2, 3, 4, HDBLOCK::TIME_LOCAL_PC, 0, 0));
-  expectFlushesEveryLine(FHBLOCK(1, 2, 3, 4));
-  expectFlushesEveryLine(TXBLOCK("abc", 3));
-  expectFlushesEveryLine(MDBLOCK("abc", 3));
-  expectFlushesEveryLine(hierarchyWithElement());
-  expectFlushesEveryLine(attachmentWithChecksum());
-  expectFlushesEveryLine(eventWithLists());
-  expectFlushesEveryLine(DGBLOCK(1, 2, 3, DGBLOCK::DG_UINT8));
-  expectFlushesEveryLine(CGBLOCK());
-  expectFlushesEveryLine(CNBLOCK(CNBLOCK::CN_CHANNELTYPE_MASTER, CNBLOCK::CN_SYNCTYPE_TIME,
-                                 CNBLOCK::CN_DATATYPE_UINT_LE, 1, 2, 3));
-  expectFlushesEveryLine(SIBLOCK());
-  expectFlushesEveryLine(CCBLOCK(CCBLOCK::CC_CONVTYPE_LINEAR));
-  expectFlushesEveryLine(DTBLOCK());
-  expectFlushesEveryLine(SDBLOCK());
-  expectFlushesEveryLine(RDBLOCK(nullptr, 0));
-  expectFlushesEveryLine(DLBLOCK(true, 1));
-  expectFlushesEveryLine(DZBLOCK(DTBLOCK::MDF_DT_ID, DZBLOCK::DZ_ZIPTYPE_DEFLATE, nullptr, 0));
-  expectFlushesEveryLine(HLBLOCK(1, true, DZBLOCK::DZ_ZIPTYPE_DEFLATE));
-  expectFlushesEveryLine(SRBLOCK(1, 0.5, SRBLOCK::SR_SYNCTYPE_TIME_SECONDS, 1, 2));
-}
-
-TEST(Dump, RowSizeForCallersWhoLayOutRows) { EXPECT_EQ(HEXDUMP_DEFAULT_ROWSIZE, 16U); }
 
 }  // namespace

@@ -131,7 +131,7 @@ TEST(Wire, OnABigEndianHostTheBytesAreReversed) {
   EXPECT_EQ(host_is_big_endian, first == 0);
 }
 
-TEST(Encoder, PutsValuesOneBehindTheOther) {
+TEST(Encoder, PutsValuesOneAfterAnother) {
   std::array<char, 12> bytes;
   bytes.fill('|');
   Encoder out(bytes.data());
@@ -153,7 +153,7 @@ TEST(Encoder, PutsValuesOneBehindTheOther) {
                                                             .text("|"));
 }
 
-TEST(Decoder, TakesValuesOneBehindTheOther) {
+TEST(Decoder, TakesValuesOneAfterAnother) {
   const std::string bytes =
       Bytes().u8(1).u8s({5, 4, 3, 2}).text("skip").text("a").u8(0).text("c").f64(-2.5);
   Decoder in(bytes.data(), bytes.size());

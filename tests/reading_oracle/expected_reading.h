@@ -28,9 +28,9 @@ struct Contents {
   std::uint64_t length;
   std::uint64_t link_count;
   Links links;
-  Links more_links;     ///< of the lists that the writer puts behind the links
+  Links more_links;     ///< of the lists that the writer puts after the links
   std::string section;  ///< the fixed fields, reserved bytes zero
-  std::string tail;     ///< what the writer puts behind them
+  std::string tail;     ///< what the writer puts after them
   std::vector<std::int64_t> unwritten = {};
   std::string reserved = std::string(4, '\0');  ///< in the header
 };

@@ -30,7 +30,7 @@ void takeHeader(Attempt& attempt) {
   attempt.block.link_count = numberAt(attempt.stream, {16, 8});
 }
 
-/// Takes links and fixed fields from what stands behind the header, if they are there.
+/// Takes links and fixed fields from what stands after the header, if they are there.
 bool takeLinksAndSection(Attempt& attempt, const std::string& bytes, std::uint64_t link_count) {
   const std::size_t width = takenWidth(attempt.format);
   if (bytes.size() < width || link_count > (bytes.size() - width) / link_size) {
@@ -70,7 +70,7 @@ void readFixed(Attempt& attempt, std::ios_base::iostate when_short) {
   takeLinksAndSection(attempt, bytes, attempt.block.link_count);
 }
 
-/// The bytes behind the header, read through a buffer that may take twice what arrives.
+/// The bytes after the header, read through a buffer that may take twice what arrives.
 bool readBody(Attempt& attempt, std::uint64_t length_bits, std::string& body) {
   if (!advance(attempt, header_size, eof_fail)) {
     return false;

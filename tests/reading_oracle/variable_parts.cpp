@@ -6,7 +6,7 @@ namespace mdf_tests::oracle {
 
 namespace {
 
-/// Appends entries of the links to the lists that are written behind them; returns how many.
+/// Appends entries of the links to the lists that are written after them; returns how many.
 std::uint64_t appendLinks(Attempt& attempt, std::uint64_t first, std::uint64_t count) {
   const Links& links = attempt.block.links;
   std::uint64_t appended = 0;
@@ -40,7 +40,7 @@ void takeScopesAndAttachments(Attempt& attempt, const std::string& /*rest*/) {
   std::string& section = attempt.block.section;
   const std::uint64_t scopes = numberAt(section, {8, 4});
   const std::uint64_t attachments = numberAt(section, {12, 2});
-  // From the file's first link on, which stands behind the five nil links.
+  // From the file's first link on, which stands after the five nil links.
   setNumber(section, {8, 4}, appendLinks(attempt, 5, scopes));
   setNumber(section, {12, 2}, appendLinks(attempt, 5 + scopes, attachments));
   attempt.block.links.resize(5);
@@ -49,7 +49,7 @@ void takeScopesAndAttachments(Attempt& attempt, const std::string& /*rest*/) {
 void takeAttachmentsAndXAxis(Attempt& attempt, const std::string& /*rest*/) {
   std::string& section = attempt.block.section;
   const std::uint64_t flags = numberAt(section, {12, 4});
-  // One more than there are, from the file's first link on behind the eight nil links.
+  // One more than there are, from the file's first link on after the eight nil links.
   setNumber(section, {22, 2}, appendLinks(attempt, 8, numberAt(section, {22, 2}) + 1));
   if ((flags & 0x1000U) != 0) {
     const Links& links = attempt.block.links;
@@ -82,7 +82,7 @@ void takePairs(Attempt& attempt, const std::string& rest) {
   if (!has_equal_length) {
     pairs = std::min({pairs, numberAt(block.section, {4, 4}), std::uint64_t{rest.size() / 8}});
   }
-  // From the file's next-list link on, which stands behind the nil link.
+  // From the file's next-list link on, which stands after the nil link.
   appendLinks(attempt, 1, pairs);
   setNumber(block.section, {4, 4}, pairs);
   block.tail = rest.substr(0, has_equal_length ? 8 : static_cast<std::size_t>(pairs) * 8);

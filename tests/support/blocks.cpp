@@ -9,6 +9,20 @@
 
 namespace mdf_tests {
 
+std::string valuesIn(const std::string& dump) {
+  std::string values;
+  for (std::size_t at = dump.find_first_of("=:("); at != std::string::npos;
+       at = dump.find_first_of("=:(", at + 1)) {
+    const std::size_t begin = at + (dump.compare(at + 1, 1, " ") == 0 ? 2 : 1);
+    const std::size_t end = dump.find_first_not_of("-+.0123456789abcdefinrstul", begin);
+    if (end != std::string::npos && end > begin &&
+        std::string("\n,) ").find(dump[end]) != std::string::npos) {
+      values += (values.empty() ? "" : " ") + dump.substr(begin, end - begin);
+    }
+  }
+  return values;
+}
+
 LinkTargetFile::LinkTargetFile() : LinkTargetFile(std::string(4096, '\0')) {}
 
 LinkTargetFile::LinkTargetFile(const std::string& contents) {

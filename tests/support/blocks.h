@@ -45,7 +45,25 @@ std::string dumped(const Block& block) {
   return os.str();
 }
 
-/// Reads a block from bytes that hold all of it, and expects that the stream stands behind it.
+/// The values that a dump shows, in its order and without its labels, separated by blanks.
+std::string valuesIn(const std::string& dump);
+
+/// The values that a block's dump shows.
+template <class Block>
+std::string shownValues(const Block& block) {
+  return valuesIn(dumped(block));
+}
+
+/// The same in a stream that is told so beforehand: `shownValues(block, std::hex, std::boolalpha)`.
+template <class Block, class... Manipulators>
+std::string shownValues(const Block& block, Manipulators... manipulators) {
+  std::ostringstream os;
+  (os << ... << manipulators);
+  block.print(os);
+  return valuesIn(os.str());
+}
+
+/// Reads a block from bytes that hold all of it, and expects that the stream stands after it.
 template <class Block>
 Block readBack(const std::string& bytes) {
   std::istringstream is(bytes);

@@ -33,7 +33,7 @@ std::string hierarchy(std::uint64_t link_count) {
       .u8s({0xB1, 0xB2, 0xB3});
 }
 
-/// A channel with links behind its eight fixed ones.
+/// A channel with links after its eight fixed ones.
 std::string channel(const std::string& more_links, std::uint32_t flags, std::uint16_t attachments) {
   return header("CN", 160 + more_links.size(), 8 + more_links.size() / 8)
       .links({0x2401, 0x2402, 0x2403, 0x2404, 0x2405, 0x2406, 0x2407, 0x2408})

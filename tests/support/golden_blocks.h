@@ -67,11 +67,14 @@ std::vector<std::string> goldenBlocks<mdf_v4_10::HLBLOCK>();
 template <>
 std::vector<std::string> goldenBlocks<mdf_v4_10::SRBLOCK>();
 
+template <class Block, class... Blocks>
+constexpr bool is_one_of = (std::is_same_v<Block, Blocks> || ...);
+
 /// Names the tests of a typed suite over EveryBlock after their classes.
 struct BlockNames {
   template <class Block>
   static std::string GetName(int /*index*/) {
-    // All but the identification block have their letters behind the two "#".
+    // All but the identification block have their letters after the two "#".
     const bool is_identification = std::is_same_v<Block, mdf_v4_10::IDBLOCK>;
     return (is_identification ? "ID" : goldenBlocks<Block>().front().substr(2, 2)) + "BLOCK";
   }

@@ -29,23 +29,9 @@ constexpr bool hasStatic(Signature* /*operation*/) {
   return true;
 }
 
-/// The setter, the getter and the link-following operation of a link.
-template <class Set, class Get, class Follow>
-constexpr bool hasLink(void (Set::* /*set*/)(mdf_v4_10::LINK),
-                       mdf_v4_10::LINK (Get::* /*get*/)() const,
-                       mdf_v4_10::LINK (Follow::* /*follow*/)(std::ifstream&) const) {
-  return true;
-}
-
 /// The getter and the setter of a value.
 template <class Value, class Get, class Set>
 constexpr bool hasValue(Value (Get::* /*get*/)() const, void (Set::* /*set*/)(Value)) {
-  return true;
-}
-
-/// The setter and the test of a flag.
-template <class Set, class Test>
-constexpr bool hasFlag(void (Set::* /*set*/)(bool), bool (Test::* /*test*/)() const) {
   return true;
 }
 
