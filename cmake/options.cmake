@@ -10,8 +10,10 @@ target_compile_options(mdf_compile_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnull-dereference
   $<$<BOOL:${MDF_WARNINGS_AS_ERRORS}>:-Werror>)
 if(MDF_COVERAGE)
-  target_compile_options(mdf_compile_options INTERFACE --coverage)
-  target_link_options(mdf_compile_options INTERFACE --coverage)
+  # Paths relative to the build folder, so that ccache finds the objects of any clone.
+  target_compile_options(mdf_compile_options INTERFACE
+    -fprofile-instr-generate -fcoverage-mapping -fcoverage-compilation-dir=.)
+  target_link_options(mdf_compile_options INTERFACE -fprofile-instr-generate)
 endif()
 if(MDF_SANITIZE)
   target_compile_options(mdf_compile_options INTERFACE
