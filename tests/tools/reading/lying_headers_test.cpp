@@ -33,7 +33,7 @@ const std::vector<Type> types = {
     {"HD", 104, 6, 32, Type::fixed_size},       {"FH", 56, 2, 16, Type::fixed_size},
     {"DG", 64, 4, 8, Type::fixed_size},         {"CG", 104, 6, 32, Type::fixed_size},
     {"SI", 56, 3, 8, Type::fixed_size},         {"SR", 64, 2, 24, Type::fixed_size},
-    {"HL", 40, 1, 8, Type::fixed_size},         {"CH", 64, 4, 8, Type::links_and_fields},
+    {"HL", 40, 1, 8, Type::fixed_size},         {"CH", 64, 4, 5, Type::links_and_fields},
     {"AT", 96, 4, 40, Type::links_and_fields},  {"EV", 96, 5, 32, Type::links_and_fields},
     {"CN", 160, 8, 72, Type::links_and_fields}, {"CC", 80, 4, 24, Type::links_and_fields},
     {"DL", 40, 1, 8, Type::links_and_fields},   {"DZ", 48, 0, 24, Type::fields_only},
