@@ -13,9 +13,7 @@
 #include "support/recording_buffer.h"
 
 using namespace mdf_tests;
-using mdf_v4_10::IDTSDATABLOCK;
-using mdf_v4_10::IDTSDATABLOCK64;
-using mdf_v4_10::VALUEDATABLOCK;
+using namespace mdf_v4_10;
 
 namespace {
 
@@ -26,13 +24,14 @@ static_assert(std::is_same_v<decltype(IDTSDATABLOCK64::timestamp), std::uint64_t
 static_assert(std::is_same_v<decltype(VALUEDATABLOCK::value), std::uint64_t>);
 static_assert(std::is_same_v<decltype(VALUEDATABLOCK::valsize), std::uint32_t>);
 
-/// Expects a plain value class of its own: no block, no virtual operations.
+/// A plain value class of its own: no block, no virtual operations.
 template <class Element>
-void expectPlainValue() {
-  EXPECT_FALSE((std::is_base_of_v<mdf_v4_10::GENERALBLOCK, Element>));
-  EXPECT_FALSE(std::is_polymorphic_v<Element>);
-  EXPECT_FALSE(std::is_default_constructible_v<Element>);
-}
+constexpr bool is_plain_value =
+    !std::is_base_of_v<GENERALBLOCK, Element> && !std::is_polymorphic_v<Element> &&
+    !std::is_default_constructible_v<Element>;
+static_assert(is_plain_value<IDTSDATABLOCK>);
+static_assert(is_plain_value<IDTSDATABLOCK64>);
+static_assert(is_plain_value<VALUEDATABLOCK>);
 
 /// The number of bytes in each write call that an element makes, after which it must have handed
 /// back the stream.
@@ -52,67 +51,39 @@ std::string writtenWithFormat(const Element& element) {
   return os.str();
 }
 
-TEST(IDTSDATABLOCK, WritesIdAndTimestamp) {
-  EXPECT_BYTES(written(IDTSDATABLOCK(7, 258)), Bytes().u8s({0x07, 0x02, 0x01, 0x00, 0x00}));
-  EXPECT_BYTES(written(IDTSDATABLOCK(0x11, 0x21222324)),
-               Bytes().u8s({0x11, 0x24, 0x23, 0x22, 0x21}));
-}
-
-TEST(IDTSDATABLOCK, WritesExtremeValues) {
-  EXPECT_BYTES(written(IDTSDATABLOCK(0, 0)), Bytes().zeros(5));
-  EXPECT_BYTES(written(IDTSDATABLOCK(UINT8_MAX, UINT32_MAX)), std::string(5, '\xFF'));
-}
-
 TEST(IDTSDATABLOCK, MembersAreStoredAndWritten) {
   IDTSDATABLOCK element(1, 2);
   EXPECT_EQ(element.id, 1);
   EXPECT_EQ(element.timestamp, 2U);
-  const IDTSDATABLOCK copy = element;
   element.id = 3;
   element.timestamp = 4;
-  EXPECT_BYTES(written(element), Bytes().u8s({3, 4, 0, 0, 0}));
-  EXPECT_BYTES(written(copy), Bytes().u8s({1, 2, 0, 0, 0}));
-  expectPlainValue<IDTSDATABLOCK>();
+  EXPECT_BYTES(written(element), u8(3, 4, 0, 0, 0));
 }
 
 TEST(IDTSDATABLOCK, WritesUnformattedInTwoCalls) {
-  const IDTSDATABLOCK element(7, 258);
+  const IDTSDATABLOCK element(0x87, 0x91222324);
   EXPECT_EQ(writeCalls(element), (std::vector<std::size_t>{1, 4}));
-  EXPECT_BYTES(writtenWithFormat(element), Bytes().u8s({7, 2, 1, 0, 0}));
-}
-
-TEST(IDTSDATABLOCK64, WritesIdAndTimestamp) {
-  EXPECT_BYTES(written(IDTSDATABLOCK64(258, 1)),
-               Bytes().u8s({0x02, 0x01, 0x01, 0, 0, 0, 0, 0, 0, 0}));
-  EXPECT_BYTES(written(IDTSDATABLOCK64(0x1112, 0x2122232425262728)),
-               Bytes().u8s({0x12, 0x11, 0x28, 0x27, 0x26, 0x25, 0x24, 0x23, 0x22, 0x21}));
-}
-
-TEST(IDTSDATABLOCK64, WritesExtremeValues) {
-  EXPECT_BYTES(written(IDTSDATABLOCK64(0, 0)), Bytes().zeros(10));
-  EXPECT_BYTES(written(IDTSDATABLOCK64(UINT16_MAX, UINT64_MAX)), std::string(10, '\xFF'));
+  EXPECT_BYTES(writtenWithFormat(element), u8(0x87, 0x24, 0x23, 0x22, 0x91));
 }
 
 TEST(IDTSDATABLOCK64, MembersAreStoredAndWritten) {
   IDTSDATABLOCK64 element(1, 2);
   EXPECT_EQ(element.id, 1);
   EXPECT_EQ(element.timestamp, 2U);
-  const IDTSDATABLOCK64 copy = element;
   element.id = 3;
   element.timestamp = 4;
-  EXPECT_BYTES(written(element), Bytes().u8s({3, 0, 4, 0, 0, 0, 0, 0, 0, 0}));
-  EXPECT_BYTES(written(copy), Bytes().u8s({1, 0, 2, 0, 0, 0, 0, 0, 0, 0}));
-  expectPlainValue<IDTSDATABLOCK64>();
+  EXPECT_BYTES(written(element), u8(3, 0, 4, 0, 0, 0, 0, 0, 0, 0));
 }
 
 TEST(IDTSDATABLOCK64, WritesUnformattedInTwoCalls) {
-  const IDTSDATABLOCK64 element(258, 1);
+  const IDTSDATABLOCK64 element(0x9112, 0xA122232425262728);
   EXPECT_EQ(writeCalls(element), (std::vector<std::size_t>{2, 8}));
-  EXPECT_BYTES(writtenWithFormat(element), Bytes().u8s({2, 1, 1, 0, 0, 0, 0, 0, 0, 0}));
+  EXPECT_BYTES(writtenWithFormat(element),
+               u8(0x12, 0x91, 0x28, 0x27, 0x26, 0x25, 0x24, 0x23, 0x22, 0xA1));
 }
 
 TEST(VALUEDATABLOCK, WritesTheLowBytesOfTheValue) {
-  const std::string bytes = Bytes().u8s({0x88, 0x77, 0x66, 0x55, 0x44, 0x33, 0x22, 0x11});
+  const std::string bytes = u8(0x88, 0x77, 0x66, 0x55, 0x44, 0x33, 0x22, 0x11);
   for (std::uint32_t size = 0; size <= 8; ++size) {
     EXPECT_BYTES(written(VALUEDATABLOCK(0x1122334455667788, size)), bytes.substr(0, size));
   }
@@ -121,31 +92,23 @@ TEST(VALUEDATABLOCK, WritesTheLowBytesOfTheValue) {
 TEST(VALUEDATABLOCK, SizeAboveEightWritesTheEightBytes) {
   for (const std::uint32_t size : {9U, 256U, 264U, 0x80000000U, UINT32_MAX}) {
     EXPECT_BYTES(written(VALUEDATABLOCK(0x1122334455667788, size)),
-                 Bytes().u8s({0x88, 0x77, 0x66, 0x55, 0x44, 0x33, 0x22, 0x11}));
+                 u8(0x88, 0x77, 0x66, 0x55, 0x44, 0x33, 0x22, 0x11));
   }
-}
-
-TEST(VALUEDATABLOCK, WritesExtremeValues) {
-  EXPECT_BYTES(written(VALUEDATABLOCK(0, 8)), Bytes().zeros(8));
-  EXPECT_BYTES(written(VALUEDATABLOCK(UINT64_MAX, 8)), std::string(8, '\xFF'));
 }
 
 TEST(VALUEDATABLOCK, MembersAreStoredAndWritten) {
   VALUEDATABLOCK element(1, 2);
   EXPECT_EQ(element.value, 1U);
   EXPECT_EQ(element.valsize, 2U);
-  const VALUEDATABLOCK copy = element;
   element.value = 3;
   element.valsize = 4;
-  EXPECT_BYTES(written(element), Bytes().u8s({3, 0, 0, 0}));
-  EXPECT_BYTES(written(copy), Bytes().u8s({1, 0}));
-  expectPlainValue<VALUEDATABLOCK>();
+  EXPECT_BYTES(written(element), u8(3, 0, 0, 0));
 }
 
 TEST(VALUEDATABLOCK, WritesUnformattedInOneCall) {
   const VALUEDATABLOCK element(0x1122334455667788, 3);
   EXPECT_EQ(writeCalls(element), (std::vector<std::size_t>{3}));
-  EXPECT_BYTES(writtenWithFormat(element), Bytes().u8s({0x88, 0x77, 0x66}));
+  EXPECT_BYTES(writtenWithFormat(element), u8(0x88, 0x77, 0x66));
 }
 
 TEST(RecordElements, NothingIsWrittenToAFailedStream) {
@@ -162,9 +125,8 @@ TEST(RecordElements, ComposeTheBytesOfADataBlock) {
   const std::string records = os.str();
   const mdf_v4_10::DTBLOCK block(reinterpret_cast<const std::uint8_t*>(records.data()),
                                  records.size());
-  EXPECT_BYTES(
-      written(block),
-      Bytes().header("DT", 41, 0).u8s({1, 2, 0, 0, 0, 4, 3, 5, 0, 6, 0, 0, 0, 0, 0, 0, 0}));
+  EXPECT_BYTES(written(block),
+               header("DT", 41, 0) + u8(1, 2, 0, 0, 0, 4, 3, 5, 0, 6, 0, 0, 0, 0, 0, 0, 0));
 }
 
 }  // namespace

@@ -20,11 +20,11 @@ namespace {
 using Links = std::vector<LINK>;
 
 constexpr LINK at = 16;
-const std::string behind = "what follows the block in its file";
+const std::string following = "what follows the block in its file";
 
 /// A stream over a file that holds the block at offset 16 and other bytes after it.
 std::istringstream fileWith(const std::string& block_bytes) {
-  std::istringstream is(std::string(at, '#') + block_bytes + behind);
+  std::istringstream is(std::string(at, '#') + block_bytes + following);
   is.seekg(at);
   return is;
 }
@@ -40,7 +40,7 @@ std::string text(const std::vector<UINT8>& bytes) { return {bytes.begin(), bytes
 
 TEST(Reading, IDBLOCK) {
   const std::string bytes =
-      Bytes().text("MDF     4.10    program ").u8s({1, 2, 3, 4}).u16(410).zeros(33).u8(9);
+      std::string("MDF     4.10    program ") + u8(1, 2, 3, 4) + u16(410) + zeros(33) + u8(9);
   auto is = fileWith(bytes);
   const IDBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -54,15 +54,8 @@ TEST(Reading, IDBLOCK) {
 }
 
 TEST(Reading, HDBLOCK) {
-  const std::string bytes = Bytes()
-                                .header("HD", 104, 6)
-                                .links({1, 2, 3, 4, 5, 6})
-                                .u64(7)
-                                .i16(-8)
-                                .i16(9)
-                                .u8s({3, 10, 3, 99})
-                                .f64(1.5)
-                                .f64(2.5);
+  const std::string bytes = header("HD", 104, 6) + links(1, 2, 3, 4, 5, 6) + u64(7) + u16(-8, 9) +
+                            u8(3, 10, 3, 99) + f64(1.5, 2.5);
   auto is = fileWith(bytes);
   const HDBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -72,7 +65,7 @@ TEST(Reading, HDBLOCK) {
 }
 
 TEST(Reading, TXBLOCK) {
-  const std::string bytes = Bytes().header("TX", 24 + 12, 0).text("hello world").u8(0);
+  const std::string bytes = header("TX", 24 + 12, 0) + "hello world" + u8(0);
   auto is = fileWith(bytes);
   const TXBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), -8);
@@ -86,7 +79,7 @@ TEST(Reading, TXBLOCK) {
 }
 
 TEST(Reading, MDBLOCK) {
-  const std::string bytes = Bytes().header("MD", 24 + 12, 0).text("<a>text</a>").u8(0);
+  const std::string bytes = header("MD", 24 + 12, 0) + "<a>text</a>" + u8(0);
   auto is = fileWith(bytes);
   const MDBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), -8);
@@ -101,7 +94,7 @@ TEST(Reading, MDBLOCK) {
 
 TEST(Reading, FHBLOCK) {
   const std::string bytes =
-      Bytes().header("FH", 56, 2).links({1, 2}).u64(3).i16(-4).i16(5).u8(2).u8s({9, 9, 9});
+      header("FH", 56, 2) + links(1, 2) + u64(3) + u16(-4, 5) + u8(2) + u8(9, 9, 9);
   auto is = fileWith(bytes);
   const FHBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -111,11 +104,9 @@ TEST(Reading, FHBLOCK) {
 }
 
 TEST(Reading, CHBLOCK) {
-  const std::string bytes = Bytes()
-                                .header("CH", 64 + 24 * 2, 4 + 3 * 2)
-                                .links({1, 2, 3, 4, 11, 12, 13, 21, 22, 23})
-                                .u32(2)
-                                .u8s({CHBLOCK::CH_TYPE_GROUP, 9, 9, 9});
+  const std::string bytes = header("CH", 64 + 24 * 2, 4 + 3 * 2) +
+                            links(1, 2, 3, 4, 11, 12, 13, 21, 22, 23) + u32(2) +
+                            u8(CHBLOCK::CH_TYPE_GROUP, 9, 9, 9);
   auto is = fileWith(bytes);
   const CHBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -158,16 +149,8 @@ TEST(Reading, CHBLOCK_that_this_library_wrote) {
 }
 
 TEST(Reading, ATBLOCK) {
-  const std::string bytes = Bytes()
-                                .header("AT", 96 + 3, 4)
-                                .links({1, 2, 3, 4})
-                                .u16(5)
-                                .u16(6)
-                                .zeros(4)
-                                .text("0123456789abcdef")
-                                .u64(7)
-                                .u64(3)
-                                .text("abc");
+  const std::string bytes = header("AT", 96 + 3, 4) + links(1, 2, 3, 4) + u16(5, 6) + zeros(4) +
+                            "0123456789abcdef" + u64(7, 3) + "abc";
   auto is = fileWith(bytes);
   const ATBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -176,15 +159,8 @@ TEST(Reading, ATBLOCK) {
 }
 
 TEST(Reading, EVBLOCK) {
-  const std::string bytes = Bytes()
-                                .header("EV", 96 + 8 * 3, 5 + 3)
-                                .links({1, 2, 3, 4, 5, 11, 12, 21})
-                                .u8s({6, 1, 0, 4, 1, 9, 9, 9})
-                                .u32(2)
-                                .u16(1)
-                                .u16(7)
-                                .i64(-8)
-                                .f64(0.5);
+  const std::string bytes = header("EV", 96 + 8 * 3, 5 + 3) + links(1, 2, 3, 4, 5, 11, 12, 21) +
+                            u8(6, 1, 0, 4, 1, 9, 9, 9) + u32(2) + u16(1, 7) + links(-8) + f64(0.5);
   auto is = fileWith(bytes);
   const EVBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -206,7 +182,7 @@ TEST(Reading, EVBLOCK) {
 
 TEST(Reading, DGBLOCK) {
   const std::string bytes =
-      Bytes().header("DG", 64, 4).links({1, 2, 3, 4}).u8(1).u8s({9, 9, 9, 9, 9, 9, 9});
+      header("DG", 64, 4) + links(1, 2, 3, 4) + u8(1) + u8(9, 9, 9, 9, 9, 9, 9);
   auto is = fileWith(bytes);
   const DGBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -218,16 +194,8 @@ TEST(Reading, DGBLOCK) {
 }
 
 TEST(Reading, CGBLOCK) {
-  const std::string bytes = Bytes()
-                                .header("CG", 104, 6)
-                                .links({1, 2, 3, 4, 5, 6})
-                                .u64(7)
-                                .u64(8)
-                                .u16(2)
-                                .u16(46)
-                                .u32(99)
-                                .u32(10)
-                                .u32(11);
+  const std::string bytes =
+      header("CG", 104, 6) + links(1, 2, 3, 4, 5, 6) + u64(7, 8) + u16(2, 46) + u32(99, 10, 11);
   auto is = fileWith(bytes);
   const CGBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -239,8 +207,7 @@ TEST(Reading, CGBLOCK) {
 }
 
 TEST(Reading, SIBLOCK) {
-  const std::string bytes =
-      Bytes().header("SI", 56, 3).links({1, 2, 3}).u8s({4, 2, 1, 9, 9, 9, 9, 9});
+  const std::string bytes = header("SI", 56, 3) + links(1, 2, 3) + u8(4, 2, 1, 9, 9, 9, 9, 9);
   auto is = fileWith(bytes);
   const SIBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -253,22 +220,8 @@ TEST(Reading, SIBLOCK) {
 
 /// A channel with two attachments and a default X axis.
 std::string channelBytes() {
-  return Bytes()
-      .header("CN", 160 + 8 * 5, 8 + 5)
-      .links({1, 2, 3, 4, 5, 6, 7, 8, 11, 12, 21, 22, 23})
-      .u8s({2, 1, 4, 3})
-      .u32(0xFFFF)
-      .u32(64)
-      .u32(4096)
-      .u32(5)
-      .u8s({6, 9})
-      .u16(2)
-      .f64(1)
-      .f64(2)
-      .f64(3)
-      .f64(4)
-      .f64(5)
-      .f64(6);
+  return header("CN", 160 + 8 * 5, 8 + 5) + links(1, 2, 3, 4, 5, 6, 7, 8, 11, 12, 21, 22, 23) +
+         u8(2, 1, 4, 3) + u32(0xFFFF, 64, 4096, 5) + u8(6, 9) + u16(2) + f64(1, 2, 3, 4, 5, 6);
 }
 
 TEST(Reading, CNBLOCK) {
@@ -295,16 +248,8 @@ TEST(Reading, CNBLOCK) {
 }
 
 TEST(Reading, CCBLOCK) {
-  const std::string bytes = Bytes()
-                                .header("CC", 80 + 8 * 2 + 8 * 1, 4 + 2)
-                                .links({1, 2, 3, 4, 11, 12})
-                                .u8s({7, 3})
-                                .u16(7)
-                                .u16(2)
-                                .u16(1)
-                                .f64(-1)
-                                .f64(1)
-                                .f64(2.5);
+  const std::string bytes = header("CC", 80 + 8 * 2 + 8 * 1, 4 + 2) + links(1, 2, 3, 4, 11, 12) +
+                            u8(7, 3) + u16(7, 2, 1) + f64(-1, 1, 2.5);
   auto is = fileWith(bytes);
   const CCBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -312,19 +257,19 @@ TEST(Reading, CCBLOCK) {
   EXPECT_EQ(block.cc_refs, (Links{11, 12}));
   EXPECT_BYTES(written(block), bytes);
 
-  auto further = fileWith(Bytes().header("CC", 80 + 8, 5).links({1, 2, 3, 4, 11}).zeros(24));
+  auto further = fileWith(header("CC", 80 + 8, 5) + links(1, 2, 3, 4, 11) + zeros(24));
   EXPECT_EQ(CCBLOCK(further).cc_refs, Links{});
 }
 
 /// Everything after the header is data, links as well, and the block writes what it read.
 template <class Block>
 void expectPlainData(const std::string& letters, const std::vector<UINT8> Block::*data) {
-  const std::string bytes = Bytes().header(letters, 24 + 12, 1).i64(77).text("abcd");
+  const std::string bytes = header(letters, 24 + 12, 1) + links(77) + "abcd";
   auto is = fileWith(bytes);
   const Block block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
   EXPECT_EQ(linksOf(block), Links{});
-  EXPECT_BYTES(text(block.*data), Bytes().i64(77).text("abcd"));
+  EXPECT_BYTES(text(block.*data), links(77) + "abcd");
   EXPECT_BYTES(written(block), bytes);
 }
 
@@ -335,13 +280,8 @@ TEST(Reading, RDBLOCK) { expectPlainData<RDBLOCK>("RD", &RDBLOCK::rd_data); }
 TEST(Reading, SDBLOCK) { expectPlainData<SDBLOCK>("SD", &SDBLOCK::sd_data); }
 
 TEST(Reading, DLBLOCK) {
-  const std::string bytes = Bytes()
-                                .header("DL", 40 + 16 * 2, 3)
-                                .links({1, 11, 12})
-                                .u8s({0, 9, 9, 9})
-                                .u32(2)
-                                .u64(0)
-                                .u64(500);
+  const std::string bytes =
+      header("DL", 40 + 16 * 2, 3) + links(1, 11, 12) + u8(0, 9, 9, 9) + u32(2) + u64(0, 500);
   auto is = fileWith(bytes);
   const DLBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -356,7 +296,7 @@ TEST(Reading, DLBLOCK) {
   }
 
   const std::string equal_bytes =
-      Bytes().header("DL", 48 + 8 * 2, 3).links({1, 11, 12}).u8s({1, 9, 9, 9}).u32(2).u64(500);
+      header("DL", 48 + 8 * 2, 3) + links(1, 11, 12) + u8(1, 9, 9, 9) + u32(2) + u64(500);
   auto equal_is = fileWith(equal_bytes);
   const DLBLOCK equal(equal_is);
   EXPECT_EQ(standsAfter(equal_is, equal_bytes), 0);
@@ -365,7 +305,7 @@ TEST(Reading, DLBLOCK) {
 
 TEST(Reading, DZBLOCK) {
   const std::string bytes =
-      Bytes().header("DZ", 48 + 5, 0).text("DT").u8s({1, 9}).u32(8).u64(100).u64(5).text("zzzzz");
+      header("DZ", 48 + 5, 0) + "DT" + u8(1, 9) + u32(8) + u64(100, 5) + "zzzzz";
   auto is = fileWith(bytes);
   DZBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 5);
@@ -386,8 +326,7 @@ TEST(Reading, DZBLOCK) {
 }
 
 TEST(Reading, HLBLOCK) {
-  const std::string bytes =
-      Bytes().header("HL", 40, 1).links({4096}).u16(1).u8(1).u8s({9, 9, 9, 9, 9});
+  const std::string bytes = header("HL", 40, 1) + links(4096) + u16(1) + u8(1) + u8(9, 9, 9, 9, 9);
   auto is = fileWith(bytes);
   const HLBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -421,7 +360,7 @@ TEST(Reading, HLBLOCK_that_this_library_wrote) {
 
 TEST(Reading, SRBLOCK) {
   const std::string bytes =
-      Bytes().header("SR", 64, 2).links({1, 2}).u64(3).f64(0.5).u8s({1, 1, 9, 9, 9, 9, 9, 9});
+      header("SR", 64, 2) + links(1, 2) + u64(3) + f64(0.5) + u8(1, 1, 9, 9, 9, 9, 9, 9);
   auto is = fileWith(bytes);
   const SRBLOCK block(is);
   EXPECT_EQ(standsAfter(is, bytes), 0);
@@ -436,7 +375,7 @@ TEST(Reading, SRBLOCK) {
 /// A block whose length claims 100 bytes more than its type has.
 template <class Block>
 void expectReadByItsSize(std::size_t size) {
-  std::istringstream is(Bytes().header("XX", size + 100, 0).zeros(size + 100));
+  std::istringstream is(header("XX", size + 100, 0) + zeros(size + 100));
   const Block block(is);
   EXPECT_EQ(is.rdstate(), state_good);
   EXPECT_EQ(static_cast<std::size_t>(is.tellg()), size);
@@ -463,7 +402,7 @@ TEST(Reading, AnyBlockAsAnyOther) {
 
 TEST(Reading, AsADataListNeedsSixteenBytesAfterTheLinks) {
   for (const std::size_t count : {std::size_t{8}, std::size_t{16}}) {
-    std::istringstream is(Bytes().header("XX", 24 + 8 + count, 1).i64(5).u8(255).zeros(count - 1));
+    std::istringstream is(header("XX", 24 + 8 + count, 1) + links(5) + u8(255) + zeros(count - 1));
     const DLBLOCK raw(is);
     EXPECT_EQ(is.good(), count == 16);
     EXPECT_EQ(linksOf(raw), count == 16 ? (Links{0, 5}) : Links{0});

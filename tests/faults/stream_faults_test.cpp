@@ -81,8 +81,8 @@ void forEachFault(std::size_t bytes, const std::vector<std::size_t>& call_starts
     SCOPED_TRACE(manner == Fault::Manner::throws ? "the buffer throws" : "the buffer refuses");
     for (std::size_t byte = 0; byte < bytes && !testing::Test::HasFailure(); byte += byte_step) {
       SCOPED_TRACE("at byte " + std::to_string(byte));
-      const auto behind = std::upper_bound(call_starts.begin(), call_starts.end(), byte);
-      const auto call = static_cast<std::size_t>(behind - call_starts.begin()) - 1;
+      const auto after = std::upper_bound(call_starts.begin(), call_starts.end(), byte);
+      const auto call = static_cast<std::size_t>(after - call_starts.begin()) - 1;
       check(FaultyTransfer{{Fault::Unit::byte, manner, byte}, byte, call});
     }
     for (std::size_t call = 0; call < call_starts.size() && !testing::Test::HasFailure(); ++call) {

@@ -100,15 +100,8 @@ struct StartTime {
   }
 
   static std::string bytes(std::uint64_t stamp_written, std::int16_t dst_offset_written) {
-    return Bytes()
-        .header("HD", 104, 6)
-        .links({100, 200, 0, 0, 0, 0})
-        .u64(stamp_written)
-        .i16(-90)
-        .i16(dst_offset_written)
-        .u8s({255, 10, 3, 9})
-        .f64(1.5)
-        .f64(1.5);
+    return header("HD", 104, 6) + links(100, 200, 0, 0, 0, 0) + u64(stamp_written) +
+           u16(-90, dst_offset_written) + u8(255, 10, 3, 9) + f64(1.5, 1.5);
   }
 };
 
@@ -128,13 +121,8 @@ struct ChangeTime {
   }
 
   static std::string bytes(std::uint64_t stamp_written, std::int16_t dst_offset_written) {
-    return Bytes()
-        .header("FH", 56, 2)
-        .links({100, 200})
-        .u64(stamp_written)
-        .i16(-90)
-        .i16(dst_offset_written)
-        .u8s({255, 7, 8, 9});
+    return header("FH", 56, 2) + links(100, 200) + u64(stamp_written) +
+           u16(-90, dst_offset_written) + u8(255, 7, 8, 9);
   }
 };
 

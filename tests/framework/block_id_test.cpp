@@ -25,14 +25,14 @@ TEST(MDF_Block_ID, JoinsTheTypeToTheConstantPart) {
 }
 
 TEST(MDF_Block_ID, WritesTheBytesInFileOrder) {
-  EXPECT_BYTES(written(MDF_Block_ID(0x4448)), Bytes().u8s({0x23, 0x23, 0x48, 0x44}));
+  EXPECT_BYTES(written(MDF_Block_ID(0x4448)), u8(0x23, 0x23, 0x48, 0x44));
   EXPECT_BYTES(written(MDF_Block_ID(0x5854)), "##TX");
 }
 
 TEST(MDF_Block_ID, WritesWhateverIsStored) {
   MDF_Block_ID id(0);
   id.idInternal = 0xFF000A80;
-  EXPECT_BYTES(written(id), Bytes().u8s({0x80, 0x0A, 0x00, 0xFF}));
+  EXPECT_BYTES(written(id), u8(0x80, 0x0A, 0x00, 0xFF));
 }
 
 TEST(MDF_Block_ID, WriterReturnsTheStream) {

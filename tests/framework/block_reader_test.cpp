@@ -36,7 +36,7 @@ constexpr auto sample_fields = detail::fieldList(detail::field<&Sample::number>(
                                                  detail::field<&Sample::other>("other"));
 
 std::string sampleBytes(std::uint64_t link_count) {
-  return Bytes().header("??", 0x1234, link_count).links({11, 12}).u16(0x0102).u32(0x03040506);
+  return header("??", 0x1234, link_count) + links(11, 12) + u16(0x0102) + u32(0x03040506);
 }
 
 Sample readSample(std::istream& is, ShortRead rule) {
@@ -46,7 +46,7 @@ Sample readSample(std::istream& is, ShortRead rule) {
 }
 
 void expectUntouched(const Sample& block) {
-  EXPECT_BYTES(written(block.header), Bytes().header("XY", 0, 0));
+  EXPECT_BYTES(written(block.header), header("XY", 0, 0));
   EXPECT_TRUE(block.links.empty());
   EXPECT_EQ(block.number, 0);
   EXPECT_EQ(block.other, 0U);
@@ -54,11 +54,11 @@ void expectUntouched(const Sample& block) {
 
 TEST(ReadFixedBlock, TakesLengthLinksAndFields) {
   for (const ShortRead rule : {ShortRead::makes_bad, ShortRead::left_as_read}) {
-    std::istringstream is(sampleBytes(2) + "behind");
+    std::istringstream is(sampleBytes(2) + "after");
     const Sample block = readSample(is, rule);
     EXPECT_EQ(is.rdstate(), state_good);
     EXPECT_EQ(is.tellg(), 46);
-    EXPECT_BYTES(written(block.header), Bytes().header("XY", 0x1234, 2));
+    EXPECT_BYTES(written(block.header), header("XY", 0x1234, 2));
     EXPECT_EQ(linksOf(block), (std::vector<LINK>{11, 12}));
     EXPECT_EQ(block.number, 0x0102);
     EXPECT_EQ(block.other, 0x03040506U);
@@ -96,7 +96,7 @@ TEST(ReadFixedBlock, NilLinksAsManyAsTheBlockCountsStandInFront) {
 }
 
 TEST(ReadFixedBlock, FieldsFollowTheLastLink) {
-  std::istringstream is(Bytes().header("??", 46, 1).i64(11).u16(0x0102).u32(0x03040506).zeros(8));
+  std::istringstream is(header("??", 46, 1) + links(11) + u16(0x0102) + u32(0x03040506) + zeros(8));
   const Sample block = readSample(is, ShortRead::makes_bad);
   EXPECT_EQ(is.rdstate(), state_good);
   EXPECT_EQ(linksOf(block), (std::vector<LINK>{11}));
@@ -127,7 +127,7 @@ TEST(ReadFixedBlock, LinkCountThatDoesNotFitMakesTheStreamExactlyBad) {
       std::istringstream is(sampleBytes(link_count));
       const Sample block = readSample(is, rule);
       EXPECT_EQ(is.rdstate(), state_bad);
-      EXPECT_BYTES(written(block.header), Bytes().header("XY", 0x1234, link_count));
+      EXPECT_BYTES(written(block.header), header("XY", 0x1234, link_count));
       EXPECT_TRUE(block.links.empty());
       EXPECT_EQ(block.number, 0);
       EXPECT_EQ(block.other, 0U);
@@ -188,21 +188,21 @@ TEST(BlockBody, HoldsTheBytesAfterTheHeader) {
   for (const std::size_t size : body_sizes) {
     SCOPED_TRACE(size);
     const std::string bytes = distinctBytes(size);
-    std::istringstream is(Bytes().header("??", 24 + size, 0).text(bytes).text("behind"));
+    std::istringstream is(header("??", 24 + size, 0) + bytes + "after");
     const AllocationMeter meter;
     const VariableBlock block(is);
     const std::size_t peak = meter.peakBytes();
     ASSERT_TRUE(block.taken);
     EXPECT_EQ(is.rdstate(), state_good);
     EXPECT_EQ(static_cast<std::size_t>(is.tellg()), 24 + size);
-    EXPECT_BYTES(written(block.base.header), Bytes().header("XY", 24 + size, 0));
+    EXPECT_BYTES(written(block.base.header), header("XY", 24 + size, 0));
     EXPECT_TRUE(block.rest() == bytes);
     expectModestPeak(peak, size);
   }
 }
 
 TEST(BlockBody, SmallBodiesNeedNoMemoryFromTheHeap) {
-  std::istringstream is(Bytes().header("??", 24 + 512, 0).zeros(512));
+  std::istringstream is(header("??", 24 + 512, 0) + zeros(512));
   const AllocationMeter meter;
   const VariableBlock block(is);
   const std::size_t allocations = meter.count();
@@ -216,21 +216,21 @@ TEST(BlockBody, CutStreamKeepsItsOwnState) {
       continue;
     }
     SCOPED_TRACE(size);
-    std::istringstream is(Bytes().header("??", 24 + size, 0).text(distinctBytes(size - 1)));
+    std::istringstream is(header("??", 24 + size, 0) + distinctBytes(size - 1));
     const VariableBlock block(is);
     EXPECT_FALSE(block.taken);
     EXPECT_EQ(is.rdstate(), state_eof_fail);
-    EXPECT_BYTES(written(block.base.header), Bytes().header("XY", 24 + size, 0));
+    EXPECT_BYTES(written(block.base.header), header("XY", 24 + size, 0));
     EXPECT_TRUE(block.base.links.empty());
   }
 }
 
 TEST(BlockBody, StreamCutInTheHeaderLeavesTheBlockAsItWas) {
-  forEachPrefix(Bytes().header("??", 24, 0), [](std::istream& is, std::size_t) {
+  forEachPrefix(header("??", 24, 0), [](std::istream& is, std::size_t) {
     const VariableBlock block(is);
     EXPECT_FALSE(block.taken);
     EXPECT_EQ(is.rdstate(), state_eof_fail);
-    EXPECT_BYTES(written(block.base.header), Bytes().header("XY", 0, 0));
+    EXPECT_BYTES(written(block.base.header), header("XY", 0, 0));
   });
 }
 
@@ -238,11 +238,11 @@ TEST(BlockBody, LengthBelowTheHeadersMakesTheStreamExactlyBad) {
   for (const BodyForm form : {BodyForm::low_32, BodyForm::all_64}) {
     for (const std::uint64_t length : {0U, 1U, 23U}) {
       SCOPED_TRACE(length);
-      std::istringstream is(Bytes().header("??", length, 1).zeros(100));
+      std::istringstream is(header("??", length, 1) + zeros(100));
       const VariableBlock block(is, 0, form);
       EXPECT_FALSE(block.taken);
       EXPECT_EQ(is.rdstate(), state_bad);
-      EXPECT_BYTES(written(block.base.header), Bytes().header("XY", length, 1));
+      EXPECT_BYTES(written(block.base.header), header("XY", length, 1));
       EXPECT_TRUE(block.base.links.empty());
     }
   }
@@ -250,20 +250,20 @@ TEST(BlockBody, LengthBelowTheHeadersMakesTheStreamExactlyBad) {
 
 TEST(BlockBody, OnlyTheLowBitsOfALengthMayCount) {
   const std::uint64_t high = std::uint64_t{0xFFFFFFFF} << 32U;
-  std::istringstream is(Bytes().header("??", high + 30, 0).text("abcdefgh"));
+  std::istringstream is(header("??", high + 30, 0) + "abcdefgh");
   const VariableBlock block(is, 0, BodyForm::low_32);
   EXPECT_TRUE(block.taken);
   EXPECT_EQ(is.rdstate(), state_good);
   EXPECT_EQ(block.rest(), "abcdef");
   EXPECT_EQ(block.base.header.length, high + 30);
 
-  std::istringstream low_bits_too_small(Bytes().header("??", high + 23, 0).zeros(100));
+  std::istringstream low_bits_too_small(header("??", high + 23, 0) + zeros(100));
   EXPECT_FALSE(VariableBlock(low_bits_too_small, 0, BodyForm::low_32).taken);
   EXPECT_EQ(low_bits_too_small.rdstate(), state_bad);
 }
 
 TEST(BlockBody, AllBitsOfALengthMayCount) {
-  std::istringstream is(Bytes().header("??", (std::uint64_t{1} << 32U) + 30, 0).text("abcdefgh"));
+  std::istringstream is(header("??", (std::uint64_t{1} << 32U) + 30, 0) + "abcdefgh");
   EXPECT_FALSE(VariableBlock(is).taken);
   EXPECT_EQ(is.rdstate(), state_eof_fail);
 }
@@ -274,7 +274,7 @@ TEST(BlockBody, ALyingLengthTakesNoMoreMemoryThanAboutTwiceWhatArrives) {
          {std::uint64_t{arrived} + 25, std::uint64_t{arrived} + 400000, std::uint64_t{1} << 31U,
           std::uint64_t{UINT32_MAX}, std::uint64_t{1} << 63U, UINT64_MAX}) {
       SCOPED_TRACE(std::to_string(length) + " said, arrived " + std::to_string(arrived));
-      std::istringstream is(Bytes().header("??", length, 0).zeros(arrived));
+      std::istringstream is(header("??", length, 0) + zeros(arrived));
       const AllocationMeter meter;
       const VariableBlock block(is);
       const std::size_t peak = meter.peakBytes();
@@ -286,14 +286,14 @@ TEST(BlockBody, ALyingLengthTakesNoMoreMemoryThanAboutTwiceWhatArrives) {
 }
 
 TEST(BlockBody, TakesTheLinksAndStopsAtTheFields) {
-  std::istringstream is(Bytes().header("??", 24 + 22, 2).links({11, -12}).text("fields"));
+  std::istringstream is(header("??", 24 + 22, 2) + links(11, -12) + "fields");
   const VariableBlock block(is, 6);
   ASSERT_TRUE(block.taken);
   EXPECT_EQ(linksOf(block.base), (std::vector<LINK>{11, -12}));
   EXPECT_EQ(block.rest(), "fields");
 }
 
-std::string threeLinks() { return Bytes().links({11, -12, 13}); }
+std::string threeLinks() { return links(11, -12, 13); }
 
 TEST(FileLinks, AreAppendedToAListAfterNilOnes) {
   const std::string bytes = threeLinks();
@@ -354,14 +354,14 @@ TEST(BlockBody, TakesAsMuchOfAListAsThereIs) {
     std::uint64_t count;
     std::vector<REAL> reals;
     std::string rest;
-  } cases[] = {{0, {}, std::string(Bytes().f64(0.5).f64(-2).text("end"))},
-               {1, {0.5}, std::string(Bytes().f64(-2).text("end"))},
+  } cases[] = {{0, {}, std::string(f64(0.5, -2) + "end")},
+               {1, {0.5}, std::string(f64(-2) + "end")},
                {2, {0.5, -2}, "end"},
                {3, {0.5, -2}, "end"},
                {UINT64_MAX, {0.5, -2}, "end"}};
   for (const auto& [count, reals, rest] : cases) {
     SCOPED_TRACE(count);
-    std::istringstream is(Bytes().header("??", 24 + 19, 0).f64(0.5).f64(-2).text("end"));
+    std::istringstream is(header("??", 24 + 19, 0) + f64(0.5, -2) + "end");
     VariableBlock block(is);
     std::vector<REAL> list;
     block.body.takeList(detail::hostSize(count), list);
@@ -387,17 +387,17 @@ TEST(BlockBody, LinksAndFieldsThatDoNotFitMakeTheStreamExactlyBad) {
                {200000, 6, 25000}};
   for (const auto& [body_size, fields_width, link_count] : cases) {
     SCOPED_TRACE(link_count);
-    std::istringstream is(Bytes().header("??", 24 + body_size, link_count).zeros(body_size));
+    std::istringstream is(header("??", 24 + body_size, link_count) + zeros(body_size));
     const VariableBlock block(is, fields_width);
     EXPECT_FALSE(block.taken);
     EXPECT_EQ(is.rdstate(), state_bad);
-    EXPECT_BYTES(written(block.base.header), Bytes().header("XY", 24 + body_size, link_count));
+    EXPECT_BYTES(written(block.base.header), header("XY", 24 + body_size, link_count));
     EXPECT_TRUE(block.base.links.empty());
   }
 }
 
 TEST(BlockBody, AsManyLinksAsFitAreTaken) {
-  std::istringstream is(Bytes().header("??", 24 + 200000, 24999).zeros(200000));
+  std::istringstream is(header("??", 24 + 200000, 24999) + zeros(200000));
   const VariableBlock block(is, 8);
   EXPECT_TRUE(block.taken);
   EXPECT_EQ(block.base.links.size(), 24999U);
@@ -407,12 +407,12 @@ TEST(BlockBody, AsManyLinksAsFitAreTaken) {
 TEST(BlockBody, WithoutLinksTheFieldsFollowTheHeader) {
   for (const std::uint64_t link_count : {std::uint64_t{0}, std::uint64_t{1}, UINT64_MAX}) {
     SCOPED_TRACE(link_count);
-    std::istringstream is(Bytes().header("??", 24 + 10, link_count).text("fieldsrest"));
+    std::istringstream is(header("??", 24 + 10, link_count) + "fieldsrest");
     GENERALBLOCK base(0x5958);
     BlockBody body(is, base, 6, BodyForm::without_links);
     ASSERT_TRUE(body.isReadable());
     EXPECT_EQ(is.rdstate(), state_good);
-    EXPECT_BYTES(written(base.header), Bytes().header("XY", 24 + 10, link_count));
+    EXPECT_BYTES(written(base.header), header("XY", 24 + 10, link_count));
     EXPECT_TRUE(base.links.empty());
     EXPECT_EQ(std::string(body.in.position(), body.in.remaining()), "fieldsrest");
   }
@@ -425,19 +425,19 @@ TEST(BlockBody, WithoutLinksTheFieldsMustFit) {
   } cases[] = {{23, state_bad}, {24 + 5, state_bad}, {24 + 11, state_eof_fail}};
   for (const auto& [length, state] : cases) {
     SCOPED_TRACE(length);
-    std::istringstream is(Bytes().header("??", length, 0).text("fieldsrest"));
+    std::istringstream is(header("??", length, 0) + "fieldsrest");
     GENERALBLOCK base(0x5958);
     const BlockBody body(is, base, 6, BodyForm::without_links);
     EXPECT_FALSE(body.isReadable());
     EXPECT_EQ(is.rdstate(), state);
-    EXPECT_BYTES(written(base.header), Bytes().header("XY", length, 0));
+    EXPECT_BYTES(written(base.header), header("XY", length, 0));
   }
 }
 
 TEST(BlockBody, AStreamThatThrowsMayThrow) {
   for (const std::size_t size : {100U, 600U, 200000U}) {
     SCOPED_TRACE(size);
-    const std::string bytes = Bytes().header("??", 24 + size, 0).text(distinctBytes(size));
+    const std::string bytes = header("??", 24 + size, 0) + distinctBytes(size);
     std::istringstream whole(bytes);
     whole.exceptions(every_exception);
     EXPECT_TRUE(VariableBlock(whole).taken);
@@ -449,11 +449,11 @@ TEST(BlockBody, AStreamThatThrowsMayThrow) {
 }
 
 TEST(BlockBody, AStreamThatThrowsMayThrowForALyingBlock) {
-  std::istringstream length(Bytes().header("??", 23, 0));
+  std::istringstream length(header("??", 23, 0));
   length.exceptions(every_exception);
   EXPECT_THROW(VariableBlock{length}, std::ios_base::failure);
   EXPECT_EQ(length.rdstate(), state_bad);
-  std::istringstream link_count(Bytes().header("??", 32, 2).zeros(8));
+  std::istringstream link_count(header("??", 32, 2) + zeros(8));
   link_count.exceptions(every_exception);
   EXPECT_THROW(VariableBlock{link_count}, std::ios_base::failure);
   EXPECT_EQ(link_count.rdstate(), state_bad);
@@ -469,7 +469,7 @@ TEST(ReadBlock, AStreamThatThrowsMayThrow) {
   const auto tx = [](std::istream& is) { return TXBLOCK(is).data.size(); };
   EXPECT_EQ(readFrom(id, std::string(64, '\1')), 257);
   EXPECT_THROW(readFrom(id, std::string(63, '\1')), std::ios_base::failure);
-  const std::string text = Bytes().header("TX", 34, 0).text("abcdefghij");
+  const std::string text = header("TX", 34, 0) + "abcdefghij";
   EXPECT_EQ(readFrom(tx, text), 10U);
   for (const std::size_t cut : {0U, 7U, 8U, 15U, 16U, 25U}) {
     EXPECT_THROW(readFrom(tx, text.substr(0, cut)), std::ios_base::failure) << cut;

@@ -23,7 +23,7 @@ namespace {
 
 using Writes = std::vector<std::size_t>;
 
-HeaderSection header() { return HeaderSection(MDF_Block_ID(0x4448)); }
+HeaderSection hdHeader() { return HeaderSection(MDF_Block_ID(0x4448)); }
 
 /// Bytes that differ from their neighbours, and from those a whole frame further on.
 std::vector<UINT8> distinctBytes(std::size_t count) {
@@ -43,14 +43,6 @@ LinkSection distinctLinks(std::size_t count) {
     links.push_back(static_cast<LINK>(i * 0x0101010101010101));
   }
   return links;
-}
-
-std::string bytesOf(const LinkSection& links) {
-  Bytes bytes;
-  for (const LINK link : links) {
-    bytes.i64(link);
-  }
-  return bytes;
 }
 
 /// Calls put(writer) and compares what the stream is given, whole and by pieces.
@@ -76,16 +68,16 @@ TEST(BlockWriter, WritesNothingWhenNothingWasPut) {
 TEST(BlockWriter, HandsABlockToTheStreamInOneWrite) {
   expectWrites(
       [](BlockWriter& out) {
-        out.header(header(), 0);
+        out.header(hdHeader(), 0);
         out.numbers(LinkSection{1, -1});
         out.number(UINT16{0x0102});
         out.bytes({7, 8, 9});
       },
-      Bytes().header("HD", 0, 0).links({1, -1}).u16(0x0102).u8s({7, 8, 9}), {45});
+      header("HD", 0, 0) + links(1, -1) + u16(0x0102) + u8(7, 8, 9), {45});
 }
 
 TEST(BlockWriter, LengthAndLinkCountCanStandInForThoseOfTheHeader) {
-  HeaderSection stored = header();
+  HeaderSection stored = hdHeader();
   setBytes(stored.reserved, {1, 2, 3, 4});
   stored.length = 5;
   stored.link_count = 6;
@@ -95,19 +87,8 @@ TEST(BlockWriter, LengthAndLinkCountCanStandInForThoseOfTheHeader) {
         out.header(stored, 77);
         out.header(stored, 88, 99);
       },
-      Bytes()
-          .text("##HD")
-          .u8s({1, 2, 3, 4})
-          .u64(5)
-          .u64(6)
-          .text("##HD")
-          .u8s({1, 2, 3, 4})
-          .u64(77)
-          .u64(6)
-          .text("##HD")
-          .u8s({1, 2, 3, 4})
-          .u64(88)
-          .u64(99),
+      header("HD", 5, 6, {1, 2, 3, 4}) + "##HD" + u8(1, 2, 3, 4) + u64(77, 6) + "##HD" +
+          u8(1, 2, 3, 4) + u64(88, 99),
       {72});
   EXPECT_EQ(stored.length, 5U);
   EXPECT_EQ(stored.link_count, 6U);
@@ -143,10 +124,10 @@ TEST(BlockWriter, ListsThatFitTheFrameGoWithIt) {
     const LinkSection links = distinctLinks(count);
     expectWrites(
         [&](BlockWriter& out) {
-          out.header(header(), 0);
+          out.header(hdHeader(), 0);
           out.numbers(links);
         },
-        Bytes().header("HD", 0, 0).text(bytesOf(links)), {24 + 8 * count});
+        header("HD", 0, 0) + listed(links), {24 + 8 * count});
   }
 }
 
@@ -156,10 +137,10 @@ TEST(BlockWriter, ListsThatDoNotFitTheFrame) {
     const LinkSection links = distinctLinks(count);
     expectWrites(
         [&](BlockWriter& out) {
-          out.header(header(), 0);
+          out.header(hdHeader(), 0);
           out.numbers(links);
         },
-        Bytes().header("HD", 0, 0).text(bytesOf(links)), writesOfLongList(8 * count));
+        header("HD", 0, 0) + listed(links), writesOfLongList(8 * count));
   }
 }
 
@@ -178,10 +159,10 @@ TEST(BlockWriter, ColumnsGoInFrames) {
     }
     expectWrites(
         [&, &all = pairs](BlockWriter& out) {
-          out.header(header(), 0);
+          out.header(hdHeader(), 0);
           out.column(all, &std::pair<LINK, UINT64>::second);
         },
-        Bytes().header("HD", 0, 0).text(bytesOf(links)), writes);
+        header("HD", 0, 0) + listed(links), writes);
   }
 }
 
@@ -217,10 +198,10 @@ TEST(BlockWriter, EntriesOfLinksGoLikeLinks) {
     }
     expectWrites(
         [&](BlockWriter& out) {
-          out.header(header(), 0);
+          out.header(hdHeader(), 0);
           out.entries(fields, entries);
         },
-        Bytes().header("HD", 0, 0).text(bytesOf(links)),
+        header("HD", 0, 0) + listed(links),
         count < 63 ? Writes{24 + 16 * count} : writesOfLongEntries(16 * count));
   }
 }
@@ -231,7 +212,7 @@ TEST(BlockWriter, NumbersThatDoNotFitTheRestOfAFrameStayWhole) {
         out.bytes(distinctBytes(1017));
         out.number(UINT64{0x0102030405060708});
       },
-      Bytes().text(text(distinctBytes(1017))).u64(0x0102030405060708), {1017, 8});
+      text(distinctBytes(1017)) + u64(0x0102030405060708), {1017, 8});
 }
 
 TEST(BlockWriter, BytesThatFitTheFrameGoWithIt) {
@@ -239,10 +220,10 @@ TEST(BlockWriter, BytesThatFitTheFrameGoWithIt) {
     SCOPED_TRACE(count);
     expectWrites(
         [&](BlockWriter& out) {
-          out.header(header(), 0);
+          out.header(hdHeader(), 0);
           out.bytes(distinctBytes(count));
         },
-        Bytes().header("HD", 0, 0).text(text(distinctBytes(count))), {24 + count});
+        header("HD", 0, 0) + text(distinctBytes(count)), {24 + count});
   }
 }
 
@@ -251,11 +232,11 @@ TEST(BlockWriter, BytesThatDoNotFitTheFrameGoStraightFromTheirVector) {
     SCOPED_TRACE(count);
     expectWrites(
         [&](BlockWriter& out) {
-          out.header(header(), 0);
+          out.header(hdHeader(), 0);
           out.bytes(distinctBytes(count));
           out.number(UINT8{7});
         },
-        Bytes().header("HD", 0, 0).text(text(distinctBytes(count))).u8(7), {24, count, 1});
+        header("HD", 0, 0) + text(distinctBytes(count)) + u8(7), {24, count, 1});
   }
 }
 
@@ -272,7 +253,7 @@ TEST(BlockWriter, BytesInAnEmptyFrame) {
           out.bytes(bytes);
           out.number(UINT8{7});
         },
-        Bytes().text(text(bytes)).u8(7), writes);
+        text(bytes) + u8(7), writes);
   }
 }
 
@@ -280,7 +261,7 @@ TEST(BlockWriter, BytesInAnEmptyFrame) {
 void writeLongBlock(std::ostream& os) {
   Frame frame;
   BlockWriter out(os, frame);
-  out.header(header(), 0);
+  out.header(hdHeader(), 0);
   out.numbers(distinctLinks(130));
   out.bytes(distinctBytes(1500));
   out.number(UINT64{5});
@@ -288,11 +269,7 @@ void writeLongBlock(std::ostream& os) {
 }
 
 std::string longBlockBytes() {
-  return Bytes()
-      .header("HD", 0, 0)
-      .text(bytesOf(distinctLinks(130)))
-      .text(text(distinctBytes(1500)))
-      .u64(5);
+  return header("HD", 0, 0) + listed(distinctLinks(130)) + text(distinctBytes(1500)) + u64(5);
 }
 
 TEST(BlockWriter, AFailureAtAnyByteStaysInTheStream) {

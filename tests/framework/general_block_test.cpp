@@ -34,15 +34,15 @@ class Block : public GENERALBLOCK {
 
 TEST(GENERALBLOCK, StartsOutWithoutLengthAndLinks) {
   const Block block(0x4448);
-  EXPECT_BYTES(written(block.header), Bytes().header("HD", 0, 0));
+  EXPECT_BYTES(written(block.header), header("HD", 0, 0));
   EXPECT_TRUE(block.links.empty());
   EXPECT_EQ(block.m_pad, 0);
 }
 
 TEST(GENERALBLOCK, StartsOutWithTheLengthAndTheNilLinksAskedFor) {
   const Block block(0x4448, 64, 4);
-  EXPECT_BYTES(written(block.header), Bytes().header("HD", 64, 4));
-  EXPECT_BYTES(written(block.links), Bytes().zeros(32));
+  EXPECT_BYTES(written(block.header), header("HD", 64, 4));
+  EXPECT_BYTES(written(block.links), zeros(32));
   EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, 0, 0}));
   EXPECT_EQ(block.m_pad, 0);
 }
@@ -77,7 +77,7 @@ TEST(GENERALBLOCK, PaddingIsNotWritten) {
   TXBLOCK block;
   block.set8BytePadding();
   EXPECT_EQ(block.getPadding(), 7);
-  EXPECT_BYTES(written(block), Bytes().header("TX", 25, 0).zeros(1));
+  EXPECT_BYTES(written(block), header("TX", 25, 0) + zeros(1));
 }
 
 TEST(GENERALBLOCK, HeaderCanBeChanged) {
@@ -85,7 +85,7 @@ TEST(GENERALBLOCK, HeaderCanBeChanged) {
   block.getHeader().setLength(72);
   block.getHeader().setLinkCount(5);
   EXPECT_EQ(&block.getHeader(), &block.header);
-  EXPECT_BYTES(written(static_cast<const Block&>(block).getHeader()), Bytes().header("HD", 72, 5));
+  EXPECT_BYTES(written(static_cast<const Block&>(block).getHeader()), header("HD", 72, 5));
 }
 
 TEST(GENERALBLOCK, CopiesAreIndependent) {

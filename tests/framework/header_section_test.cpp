@@ -34,54 +34,50 @@ void readFrom(HeaderSection& header, const std::string& bytes) {
 TEST(HeaderSection, Size) { EXPECT_EQ(HeaderSection::HEADER_SIZE, 24U); }
 
 TEST(HeaderSection, StartsOutEmpty) {
-  const HeaderSection header(MDF_Block_ID(0x4448));
-  EXPECT_EQ(header.mdfID.idInternal, 0x44482323U);
-  EXPECT_EQ(asArray(header.reserved), (std::array<UINT8, 4>{}));
-  EXPECT_EQ(header.length, 0U);
-  EXPECT_EQ(header.link_count, 0U);
+  const HeaderSection section(MDF_Block_ID(0x4448));
+  EXPECT_EQ(section.mdfID.idInternal, 0x44482323U);
+  EXPECT_EQ(asArray(section.reserved), (std::array<UINT8, 4>{}));
+  EXPECT_EQ(section.length, 0U);
+  EXPECT_EQ(section.link_count, 0U);
 }
 
 TEST(HeaderSection, WritesTheDefaultHeader) {
-  EXPECT_BYTES(written(HeaderSection(MDF_Block_ID(0x4448))), Bytes().text("##HD").zeros(20));
+  EXPECT_BYTES(written(HeaderSection(MDF_Block_ID(0x4448))), std::string("##HD") + zeros(20));
 }
 
 TEST(HeaderSection, WritesEveryField) {
-  EXPECT_BYTES(written(distinctHeader()),
-               Bytes()
-                   .text("##HD")
-                   .u8s({1, 2, 3, 4})
-                   .u8s({8, 7, 6, 5, 4, 3, 2, 1})
-                   .u8s({0x18, 0x17, 0x16, 0x15, 0x14, 0x13, 0x12, 0x11}));
+  EXPECT_BYTES(written(distinctHeader()), std::string("##HD") + u8(1, 2, 3, 4) +
+                                              u8(8, 7, 6, 5, 4, 3, 2, 1) +
+                                              u8(0x18, 0x17, 0x16, 0x15, 0x14, 0x13, 0x12, 0x11));
 }
 
 TEST(HeaderSection, WritesExtremeValues) {
-  HeaderSection header(MDF_Block_ID(0xFFFF));
-  fillBytes(header.reserved, 255);
-  header.length = UINT64_MAX;
-  header.link_count = UINT64_MAX;
-  EXPECT_BYTES(written(header), Bytes().text("##" + std::string(22, '\xFF')));
+  HeaderSection section(MDF_Block_ID(0xFFFF));
+  fillBytes(section.reserved, 255);
+  section.length = UINT64_MAX;
+  section.link_count = UINT64_MAX;
+  EXPECT_BYTES(written(section), std::string("##" + std::string(22, '\xFF')));
 }
 
 TEST(HeaderSection, Accessors) {
-  HeaderSection header(MDF_Block_ID(0x4448));
-  header.setLength(UINT64_MAX);
-  header.setLinkCount(7);
-  EXPECT_EQ(header.getLength(), UINT64_MAX);
-  EXPECT_EQ(header.getLinkCount(), 7U);
-  EXPECT_BYTES(written(header), Bytes().header("HD", UINT64_MAX, 7));
+  HeaderSection section(MDF_Block_ID(0x4448));
+  section.setLength(UINT64_MAX);
+  section.setLinkCount(7);
+  EXPECT_EQ(section.getLength(), UINT64_MAX);
+  EXPECT_EQ(section.getLinkCount(), 7U);
+  EXPECT_BYTES(written(section), header("HD", UINT64_MAX, 7));
 }
 
 TEST(HeaderSection, ReadingTakesLengthAndLinkCountOnly) {
-  HeaderSection header = distinctHeader();
-  readFrom(header, Bytes().text("@@XY").u8s({91, 92, 93, 94}).u64(0xA1A2A3A4A5A6A7A8).u64(5));
-  EXPECT_BYTES(written(header),
-               Bytes().text("##HD").u8s({1, 2, 3, 4}).u64(0xA1A2A3A4A5A6A7A8).u64(5));
+  HeaderSection section = distinctHeader();
+  readFrom(section, std::string("@@XY") + u8(91, 92, 93, 94) + u64(0xA1A2A3A4A5A6A7A8, 5));
+  EXPECT_BYTES(written(section), header("HD", 0xA1A2A3A4A5A6A7A8, 5, {1, 2, 3, 4}));
 }
 
 TEST(HeaderSection, ReadingTakesExtremeValues) {
-  HeaderSection header(MDF_Block_ID(0x4448));
-  readFrom(header, std::string(24, '\xFF'));
-  EXPECT_BYTES(written(header), Bytes().header("HD", UINT64_MAX, UINT64_MAX));
+  HeaderSection section(MDF_Block_ID(0x4448));
+  readFrom(section, std::string(24, '\xFF'));
+  EXPECT_BYTES(written(section), header("HD", UINT64_MAX, UINT64_MAX));
 }
 
 TEST(HeaderSection, Dump) {
@@ -94,11 +90,11 @@ TEST(HeaderSection, Dump) {
 }
 
 TEST(HeaderSection, DumpShowsTheIdentifierBytesRawAndNumbersUnsigned) {
-  HeaderSection header(MDF_Block_ID(0));
-  header.mdfID.idInternal = 0xFF0A0041;
-  header.length = UINT64_MAX;
-  header.link_count = UINT64_MAX;
-  EXPECT_EQ(dumped(header),
+  HeaderSection section(MDF_Block_ID(0));
+  section.mdfID.idInternal = 0xFF0A0041;
+  section.length = UINT64_MAX;
+  section.link_count = UINT64_MAX;
+  EXPECT_EQ(dumped(section),
             std::string("[DEBUG] ==================== HeaderSection ===================\n"
                         "mdfID = A") +
                 '\0' +

@@ -50,10 +50,9 @@ using B = HeaderSection;
 static_assert(isPlainValue<B>());
 static_assert(isConstant<std::size_t>(B::HEADER_SIZE, 24));
 
-static_assert(has<MDF_Block_ID>        (&B::mdfID));
+static_assert(has<MDF_Block_ID>(&B::mdfID));
 static_assert(has<UINT8[4]>(&B::reserved));
-static_assert(has<UINT64>              (&B::length));
-static_assert(has<UINT64>              (&B::link_count));
+static_assert(has<UINT64>(&B::length, &B::link_count));
 
 static_assert(constructs<B, MDF_Block_ID>());
 
@@ -89,8 +88,8 @@ using B = GENERALBLOCK;
 static_assert(isPlainValue<B>());
 
 static_assert(has<HeaderSection>(&B::header));
-static_assert(has<LinkSection>  (&B::links));
-static_assert(has<std::uint8_t> (&B::m_pad));
+static_assert(has<LinkSection>(&B::links));
+static_assert(has<std::uint8_t>(&B::m_pad));
 
 static_assert(constructs<B, std::uint16_t>());
 static_assert(constructs<B, std::uint16_t, UINT64, UINT64>());
@@ -106,7 +105,7 @@ struct Block : GENERALBLOCK {
   using GENERALBLOCK::writex;
 };
 
-static_assert(has<LINK(std::ifstream&, LINK) const>                   (&Block::seekg));
+static_assert(has<LINK(std::ifstream&, LINK) const>(&Block::seekg));
 static_assert(hasStatic<void(std::istream&, void*, std::size_t)>      (&Block::read));
 static_assert(hasStatic<void(std::ostream&, const void*, std::size_t)>(&Block::writex));
 

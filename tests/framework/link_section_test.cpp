@@ -55,13 +55,10 @@ TEST(LinkSection, CountsTheLinksThatAreSet) {
 }
 
 TEST(LinkSection, WritesEveryLinkInItsOrder) {
-  EXPECT_BYTES(written(LinkSection{0x0102030405060708, 0, -2, INT64_MAX, INT64_MIN}),
-               Bytes()
-                   .u8s({8, 7, 6, 5, 4, 3, 2, 1})
-                   .zeros(8)
-                   .u8s({0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF})
-                   .u8s({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F})
-                   .u8s({0, 0, 0, 0, 0, 0, 0, 0x80}));
+  EXPECT_BYTES(
+      written(LinkSection{0x0102030405060708, 0, -2, INT64_MAX, INT64_MIN}),
+      u8(8, 7, 6, 5, 4, 3, 2, 1) + zeros(8) + u8(0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF) +
+          u8(0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F) + u8(0, 0, 0, 0, 0, 0, 0, 0x80));
 }
 
 TEST(LinkSection, WritesNothingWhenEmpty) { EXPECT_BYTES(written(LinkSection{}), ""); }

@@ -38,7 +38,7 @@ Number loaded(const std::string& bytes) {
 }
 
 std::string littleEndian(std::uint64_t bits, std::size_t width) {
-  return Bytes().u64(bits).str().substr(0, width);
+  return u64(bits).substr(0, width);
 }
 
 template <class Number>
@@ -79,14 +79,13 @@ TYPED_TEST(WireInteger, Limits) {
 }
 
 TEST(Wire, LowByteComesFirst) {
-  EXPECT_BYTES(stored(std::uint8_t{0x81}), Bytes().u8s({0x81}));
-  EXPECT_BYTES(stored(std::uint16_t{0x8102}), Bytes().u8s({0x02, 0x81}));
-  EXPECT_BYTES(stored(std::uint32_t{0x81020304}), Bytes().u8s({0x04, 0x03, 0x02, 0x81}));
+  EXPECT_BYTES(stored(std::uint8_t{0x81}), u8(0x81));
+  EXPECT_BYTES(stored(std::uint16_t{0x8102}), u8(0x02, 0x81));
+  EXPECT_BYTES(stored(std::uint32_t{0x81020304}), u8(0x04, 0x03, 0x02, 0x81));
   EXPECT_BYTES(stored(std::uint64_t{0x8102030405060708}),
-               Bytes().u8s({0x08, 0x07, 0x06, 0x05, 0x04, 0x03, 0x02, 0x81}));
-  EXPECT_BYTES(stored(std::int16_t{-60}), Bytes().u8s({0xC4, 0xFF}));
-  EXPECT_BYTES(stored(std::int64_t{-2}),
-               Bytes().u8s({0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}));
+               u8(0x08, 0x07, 0x06, 0x05, 0x04, 0x03, 0x02, 0x81));
+  EXPECT_BYTES(stored(std::int16_t{-60}), u8(0xC4, 0xFF));
+  EXPECT_BYTES(stored(std::int64_t{-2}), u8(0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF));
 }
 
 TEST(Wire, RealPowersOfTwoAndTheirNeighbours) {
@@ -114,9 +113,9 @@ TEST(Wire, RealsThatAreNoPlainNumbers) {
   expectCrosses(-2.5, 0xC004000000000000);
   expectCrosses(Limits::infinity(), 0x7FF0000000000000);
   expectCrosses(-Limits::infinity(), 0xFFF0000000000000);
-  EXPECT_BYTES(stored(-0.0), Bytes().zeros(7).u8(0x80));
-  EXPECT_TRUE(std::signbit(loaded<double>(Bytes().zeros(7).u8(0x80))));
-  EXPECT_TRUE(std::isnan(loaded<double>(Bytes().zeros(6).u8s({0xF8, 0x7F}))));
+  EXPECT_BYTES(stored(-0.0), zeros(7) + u8(0x80));
+  EXPECT_TRUE(std::signbit(loaded<double>(zeros(7) + u8(0x80))));
+  EXPECT_TRUE(std::isnan(loaded<double>(zeros(6) + u8(0xF8, 0x7F))));
   EXPECT_TRUE(std::isnan(loaded<double>(stored(Limits::quiet_NaN()))));
 }
 
@@ -142,20 +141,12 @@ TEST(Encoder, PutsValuesOneAfterAnother) {
   const Array<std::uint8_t, 1> byte{255};
   out.put(byte);
   out.put(std::int16_t{-2});
-  EXPECT_BYTES(std::string(bytes.data(), bytes.size()), Bytes()
-                                                            .u8(1)
-                                                            .u8s({5, 4, 3, 2})
-                                                            .text("a")
-                                                            .u8(0)
-                                                            .text("c")
-                                                            .u8(255)
-                                                            .u8s({0xFE, 0xFF})
-                                                            .text("|"));
+  EXPECT_BYTES(std::string(bytes.data(), bytes.size()),
+               u8(1) + u8(5, 4, 3, 2) + "a" + u8(0) + "c" + u8(255) + u8(0xFE, 0xFF) + "|");
 }
 
 TEST(Decoder, TakesValuesOneAfterAnother) {
-  const std::string bytes =
-      Bytes().u8(1).u8s({5, 4, 3, 2}).text("skip").text("a").u8(0).text("c").f64(-2.5);
+  const std::string bytes = u8(1) + u8(5, 4, 3, 2) + "skip" + "a" + u8(0) + "c" + f64(-2.5);
   Decoder in(bytes.data(), bytes.size());
   std::uint8_t first;
   std::uint32_t second;

@@ -27,8 +27,8 @@ std::string bytesAfter(std::size_t count) {
   return bytes;
 }
 
-constexpr std::size_t few_behind = 40;
-constexpr std::size_t many_behind = 100000;
+constexpr std::size_t few_after = 40;
+constexpr std::size_t many_after = 100000;
 
 /// More than there are in any stream here.
 constexpr std::size_t data_limit = std::size_t{1} << 20U;
@@ -105,7 +105,7 @@ class HostileReader {
 void checkEveryPrefix(const Subject& subject) {
   const HostileReader reader(subject);
   for (const std::string& block : subject.blocks) {
-    const std::string bytes = block + bytesAfter(few_behind);
+    const std::string bytes = block + bytesAfter(few_after);
     for (std::size_t length = 0; length <= bytes.size(); ++length) {
       reader.check(bytes.substr(0, length), "stream of ", length, " bytes");
     }
@@ -128,8 +128,8 @@ void checkLyingNumbers(const Subject& subject) {
   const HostileReader reader(subject);
   for (const std::string& block : subject.blocks) {
     const std::vector<Number> numbers = numbersOf(subject.letters, block);
-    for (const std::size_t behind : {std::size_t{0}, few_behind, many_behind}) {
-      std::string bytes = block + bytesAfter(behind);
+    for (const std::size_t after : {std::size_t{0}, few_after, many_after}) {
+      std::string bytes = block + bytesAfter(after);
       checkLyingNumbers(reader, numbers, block.size(), bytes);
       setNumber(bytes, length_field, bytes.size());
       checkLyingNumbers(reader, numbers, block.size(), bytes);
@@ -142,7 +142,7 @@ void checkEveryLengthWithEveryLinkCount(const Subject& subject) {
   // More than fit in any block but the one with many values.
   constexpr std::size_t most_links = 24;
   for (const std::string& block : subject.blocks) {
-    std::string bytes = block + bytesAfter(few_behind);
+    std::string bytes = block + bytesAfter(few_after);
     for (std::size_t length = 0; length <= block.size() + 8; ++length) {
       setNumber(bytes, length_field, length);
       for (std::size_t link_count = 0; link_count <= most_links; ++link_count) {
@@ -158,7 +158,7 @@ void checkAsManyLinksAsFit(const Subject& subject) {
   // A header, and the largest set of fixed fields.
   constexpr std::size_t other_bytes = 24 + 72;
   for (const std::string& block : subject.blocks) {
-    std::string bytes = block + bytesAfter(many_behind);
+    std::string bytes = block + bytesAfter(many_after);
     setNumber(bytes, length_field, bytes.size());
     const std::size_t most = bytes.size() / 8;
     for (std::size_t link_count = most - other_bytes / 8; link_count <= most; ++link_count) {
@@ -171,12 +171,12 @@ void checkAsManyLinksAsFit(const Subject& subject) {
 void checkFlippedBytes(const Subject& subject) {
   const HostileReader reader(subject);
   for (const std::string& block : subject.blocks) {
-    for (const std::size_t behind : {std::size_t{0}, few_behind}) {
-      std::string bytes = block + bytesAfter(behind);
+    for (const std::size_t after : {std::size_t{0}, few_after}) {
+      std::string bytes = block + bytesAfter(after);
       for (std::size_t offset = 0; offset < block.size(); ++offset) {
         for (const unsigned flip : {0x01U, 0x80U, 0xFFU}) {
           bytes[offset] = static_cast<char>(static_cast<unsigned char>(block[offset]) ^ flip);
-          reader.check(bytes, "byte ", offset, " flipped with ", flip, ", ", behind, " behind");
+          reader.check(bytes, "byte ", offset, " flipped with ", flip, ", ", after, " after");
         }
         bytes[offset] = block[offset];
       }

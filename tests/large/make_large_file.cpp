@@ -15,7 +15,7 @@ namespace {
 constexpr std::uint64_t record_count = 100'000'000;
 constexpr std::uint32_t record_bytes = 43;
 
-/// Writes a block behind the others, on an 8-byte boundary, and returns where it is.
+/// Writes a block after the others, on an 8-byte boundary, and returns where it is.
 template <class Block>
 LINK append(std::ofstream& file, const Block& block) {
   file.seekp((static_cast<std::streamoff>(file.tellp()) + 7) / 8 * 8);

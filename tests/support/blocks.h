@@ -45,6 +45,12 @@ std::string dumped(const Block& block) {
   return os.str();
 }
 
+/// A dump with these lines between its banners.
+inline std::string inBanners(const std::string& name, const std::string& lines) {
+  return "[DEBUG] ==================== " + name + " ===================\n" + lines +
+         "[DEBUG] ==================== End of " + name + " ===================\n";
+}
+
 /// The values that a dump shows, in its order and without its labels, separated by blanks.
 std::string valuesIn(const std::string& dump);
 

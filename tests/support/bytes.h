@@ -66,6 +66,53 @@ class Bytes {
   std::string bytes_;
 };
 
+// The same as pieces to join: `header("DT", 29, 0) + u8(1, 2) + u16(3) + "xy"`.
+
+/// A header with these bytes, or zeros, in front of its length.
+inline std::string header(const std::string& letters, std::uint64_t length,
+                          std::uint64_t link_count, std::initializer_list<int> reserved = {}) {
+  return Bytes()
+      .text("##" + letters)
+      .u8s(reserved)
+      .zeros(4 - reserved.size())
+      .u64(length)
+      .u64(link_count);
+}
+inline std::string zeros(std::size_t count) { return std::string(count, '\0'); }
+template <class... Values>
+std::string u8(Values... values) {
+  return Bytes().u8s({static_cast<int>(values)...});
+}
+template <class... Values>
+std::string u16(Values... values) {
+  return (Bytes().u16(static_cast<std::uint16_t>(values)).str() + ...);
+}
+template <class... Values>
+std::string u32(Values... values) {
+  return (Bytes().u32(static_cast<std::uint32_t>(values)).str() + ...);
+}
+template <class... Values>
+std::string u64(Values... values) {
+  return (Bytes().u64(static_cast<std::uint64_t>(values)).str() + ...);
+}
+template <class... Values>
+std::string f64(Values... values) {
+  return (Bytes().f64(static_cast<double>(values)).str() + ...);
+}
+template <class... Values>
+std::string links(Values... values) {
+  return u64(values...);
+}
+/// Every link of a list.
+template <class Links>
+std::string listed(const Links& list) {
+  Bytes bytes;
+  for (const std::int64_t link : list) {
+    bytes.i64(link);
+  }
+  return bytes;
+}
+
 /// Gives the bytes of a block other values.
 template <class Byte, std::size_t Count>
 void setBytes(Byte (&bytes)[Count], const std::array<Byte, Count>& values) {

@@ -16,10 +16,10 @@
 /// missing or has another type does not compile, and the compiler shows the line that lists it.
 namespace mdf_tests {
 
-/// A data member of exactly that type, or an operation of exactly that signature:
+/// Data members of exactly that type, or operations of exactly that signature:
 /// `has<LINK() const>(&DGBLOCK::getComment)`. Picks from overloaded operations.
-template <class Type, class Class>
-constexpr bool has(Type Class::* /*member*/) {
+template <class Type, class... Classes>
+constexpr bool has([[maybe_unused]] Type Classes::*... members) {
   return true;
 }
 
@@ -89,7 +89,7 @@ constexpr bool isPlainValue() {
 }
 
 /// What every block class offers: it is a plain value derived publicly from GENERALBLOCK, read by a
-/// constructor, written with `<<` and dumped with `print`.
+/// constructor, written with `<<` and dumped with `print`, and knows its size in a file.
 template <class Block>
 constexpr bool isBlock() {
   static_assert(isPlainValue<Block>());
@@ -97,6 +97,7 @@ constexpr bool isBlock() {
   static_assert(std::is_constructible_v<Block, std::istream&>);
   static_assert(writes<Block>());
   static_assert(has<void(std::ostream&) const>(&Block::print));
+  static_assert(has<std::uint64_t() const>(&Block::getSize));
   return true;
 }
 
