@@ -20,7 +20,7 @@ DLBLOCK distinctBlock() {
   DLBLOCK block(false, 100);
   block.addData(200, 0);
   block.addData(300, 1000);
-  block.addData(400, 2000);
+  block.addData(400, UINT64_MAX);
   setBytes(block.header.reserved, {1, 2, 3, 4});
   block.dl_flags = 0xAA;
   setBytes(block.dl_reserved, {11, 12, 13});
@@ -30,7 +30,7 @@ DLBLOCK distinctBlock() {
 
 std::string distinctBytes() {
   return header("DL", 88, 4, {1, 2, 3, 4}) + links(100, 200, 300, 400) + u8(0xAA) + u8(11, 12, 13) +
-         u32(3) + u64(0, 1000, 2000);
+         u32(3) + u64(0, 1000, UINT64_MAX);
 }
 
 DLBLOCK distinctBlockOfEqualLength() {
@@ -109,7 +109,7 @@ TEST(DLBLOCK, NilLinkIsNotAdded) {
 TEST(DLBLOCK, PairsAreGotAndFollowedByTheirIndex) {
   const LinkTargetFile file;
   const DLBLOCK block = distinctBlock();
-  const Pairs pairs = {{200, 0}, {300, 1000}, {400, 2000}};
+  const Pairs pairs = {{200, 0}, {300, 1000}, {400, UINT64_MAX}};
   for (const UINT32 index : {UINT32{0}, UINT32{1}, UINT32{2}, UINT32{3}, UINT32{4}, UINT32_MAX}) {
     SCOPED_TRACE(index);
     const auto follow = [&](std::ifstream& ifs) { return block.seekgDataAt(ifs, index); };
@@ -121,9 +121,9 @@ TEST(DLBLOCK, PairsAreGotAndFollowedByTheirIndex) {
 }
 
 TEST(DLBLOCK, RemovingMovesTheLaterPairsForward) {
-  const std::pair<UINT32, Pairs> removals[] = {{3, {{200, 0}, {300, 1000}, {400, 2000}}},
-                                               {UINT32_MAX, {{200, 0}, {300, 1000}, {400, 2000}}},
-                                               {0, {{300, 1000}, {400, 2000}}},
+  const std::pair<UINT32, Pairs> removals[] = {{3, {{200, 0}, {300, 1000}, {400, UINT64_MAX}}},
+                                               {UINT32_MAX, {{200, 0}, {300, 1000}, {400, UINT64_MAX}}},
+                                               {0, {{300, 1000}, {400, UINT64_MAX}}},
                                                {1, {{300, 1000}}},
                                                {0, {}},
                                                {0, {}}};
@@ -144,11 +144,11 @@ TEST(DLBLOCK, Dump) {
                                                "data + offset pairs:\n"
                                                "data ptr = 200, offset = 0\n"
                                                "data ptr = 300, offset = 1000\n"
-                                               "data ptr = 400, offset = 2000\n"));
+                                               "data ptr = 400, offset = 18446744073709551615\n"));
 }
 
 TEST(DLBLOCK, DumpOfEqualLength) {
-  EXPECT_EQ(shownValues(distinctBlockOfEqualLength()), "72 100 1 500 200 0 300 1000 400 2000");
+  EXPECT_EQ(shownValues(distinctBlockOfEqualLength()), "72 100 1 500 200 0 300 1000 400 18446744073709551615");
 }
 
 TEST(DLBLOCK, DumpOfAnEmptyListWithoutLinksShowsANilNextList) {
@@ -159,7 +159,7 @@ TEST(DLBLOCK, DumpOfAnEmptyListWithoutLinksShowsANilNextList) {
 
 TEST(DLBLOCK, DumpFollowsTheFormatOfTheStream) {
   EXPECT_EQ(shownValues(distinctBlockOfEqualLength(), std::hex, std::boolalpha),
-            "48 64 true 1f4 c8 0 12c 3e8 190 7d0");
+            "48 64 true 1f4 c8 0 12c 3e8 190 ffffffffffffffff");
 }
 
 TEST(DLBLOCK, ReaderKeepsPairsWithNilLinks) {

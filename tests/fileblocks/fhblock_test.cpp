@@ -13,7 +13,7 @@ using namespace mdf_v4_10;
 namespace {
 
 FHBLOCK distinctBlock() {
-  FHBLOCK block(200, 0x0102030405060708, -60, 100);
+  FHBLOCK block(200, 0x8102030405060708, -60, 100);
   setBytes(block.header.reserved, {1, 2, 3, 4});
   block.fh_dst_offset_min = 0x1112;
   block.fh_time_flags = 21;
@@ -32,7 +32,7 @@ TEST(FHBLOCK, WritesEveryFieldAndTheHeaderAndTheLinksAsTheyAreStored) {
   block.header.link_count = 77;
   block.links = {5, 6, 7};
   EXPECT_BYTES(written(block), header("FH", 9999, 77, {1, 2, 3, 4}) + links(5, 6, 7) +
-                                   u8(8, 7, 6, 5, 4, 3, 2, 1, 0xC4, 0xFF, 0x12, 0x11) +
+                                   u8(8, 7, 6, 5, 4, 3, 2, 0x81, 0xC4, 0xFF, 0x12, 0x11) +
                                    u8(21, 22, 23, 24));
 }
 
@@ -41,7 +41,7 @@ TEST(FHBLOCK, Dump) {
                                                "block size = 56\n"
                                                "next file history block (pointer) = 100\n"
                                                "file comment (pointer) = 200\n"
-                                               "time = 72623859790382856\n"
+                                               "time = 9295995896645158664\n"
                                                "UTC time offset = -60\n"
                                                "DST time offset = 4370\n"
                                                "time flags = 21\n"));

@@ -15,7 +15,7 @@ using namespace mdf_v4_10;
 namespace {
 
 HDBLOCK distinctBlock() {
-  HDBLOCK block(200, 100, 0x0102030405060708, -60, HDBLOCK::TIME_EXT_ABSOLUTE_SYNC, 0, 0);
+  HDBLOCK block(200, 100, 0x8102030405060708, -60, HDBLOCK::TIME_EXT_ABSOLUTE_SYNC, 0, 0);
   block.setCHFirstblock(300);
   block.setATFirstblock(400);
   block.setEVFirstblock(500);
@@ -43,7 +43,7 @@ TEST(HDBLOCK, WritesEveryFieldAndTheHeaderAndTheLinksAsTheyAreStored) {
   block.links.push_back(700);
   EXPECT_BYTES(written(block), header("HD", 9999, 77, {1, 2, 3, 4}) +
                                    links(100, 200, 300, 400, 500, 600, 700) +
-                                   u8(8, 7, 6, 5, 4, 3, 2, 1, 0xC4, 0xFF, 0x12, 0x11) +
+                                   u8(8, 7, 6, 5, 4, 3, 2, 0x81, 0xC4, 0xFF, 0x12, 0x11) +
                                    u8(21, 16, 23, 24) + f64(1.5, -2.5));
 }
 
@@ -56,7 +56,7 @@ TEST(HDBLOCK, Dump) {
                                                "first attachement block (pointer) = 400\n"
                                                "first event block (pointer) = 500\n"
                                                "file comment (pointer) = 600\n"
-                                               "start time = 72623859790382856\n"
+                                               "start time = 9295995896645158664\n"
                                                "UTC time offset = -60\n"
                                                "DST time offset = 4370\n"
                                                "time flags = 21\n"
