@@ -90,6 +90,21 @@ TYPED_TEST(EveryBlockClass, DumpFlushesTheStreamAtEveryLineEnd) {
   }
 }
 
+// But for the base: raw data leave the stream in hexadecimal mode.
+TYPED_TEST(EveryBlockClass, DumpLeavesTheFormatOfTheStream) {
+  constexpr auto may_change = is_one_of<TypeParam, DTBLOCK, RDBLOCK, SDBLOCK, DZBLOCK>
+                                  ? std::ios_base::basefield
+                                  : std::ios_base::fmtflags{};
+  for (const TypeParam& block : sampleBlocks<TypeParam>()) {
+    std::ostringstream os;
+    os << std::oct << std::showbase << std::boolalpha << std::scientific << std::setprecision(3);
+    const std::ios_base::fmtflags before = os.flags();
+    block.print(os);
+    EXPECT_EQ(os.flags() & ~may_change, before & ~may_change);
+    EXPECT_EQ(os.precision(), 3);
+  }
+}
+
 TYPED_TEST(EveryBlockClass, AWidthPadsTheFirstLineOfADumpAlone) {
   for (const TypeParam& block : sampleBlocks<TypeParam>()) {
     const std::string dump = dumped(block);

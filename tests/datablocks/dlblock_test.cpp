@@ -121,12 +121,13 @@ TEST(DLBLOCK, PairsAreGotAndFollowedByTheirIndex) {
 }
 
 TEST(DLBLOCK, RemovingMovesTheLaterPairsForward) {
-  const std::pair<UINT32, Pairs> removals[] = {{3, {{200, 0}, {300, 1000}, {400, UINT64_MAX}}},
-                                               {UINT32_MAX, {{200, 0}, {300, 1000}, {400, UINT64_MAX}}},
-                                               {0, {{300, 1000}, {400, UINT64_MAX}}},
-                                               {1, {{300, 1000}}},
-                                               {0, {}},
-                                               {0, {}}};
+  const std::pair<UINT32, Pairs> removals[] = {
+      {3, {{200, 0}, {300, 1000}, {400, UINT64_MAX}}},
+      {UINT32_MAX, {{200, 0}, {300, 1000}, {400, UINT64_MAX}}},
+      {0, {{300, 1000}, {400, UINT64_MAX}}},
+      {1, {{300, 1000}}},
+      {0, {}},
+      {0, {}}};
   DLBLOCK block = distinctBlock();
   for (const auto& [index, left] : removals) {
     block.removeDataAtIndex(index);
@@ -148,7 +149,8 @@ TEST(DLBLOCK, Dump) {
 }
 
 TEST(DLBLOCK, DumpOfEqualLength) {
-  EXPECT_EQ(shownValues(distinctBlockOfEqualLength()), "72 100 1 500 200 0 300 1000 400 18446744073709551615");
+  EXPECT_EQ(shownValues(distinctBlockOfEqualLength()),
+            "72 100 1 500 200 0 300 1000 400 18446744073709551615");
 }
 
 TEST(DLBLOCK, DumpOfAnEmptyListWithoutLinksShowsANilNextList) {

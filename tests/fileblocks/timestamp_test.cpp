@@ -302,33 +302,4 @@ TYPED_TEST(TimeStamp, TheLowBitsAreSigned) {
                            fullCalendar(calendar(2038, 1, 19, 3, 14, 7, 0), 2, 18, 0, "UTC"));
 }
 
-TYPED_TEST(TimeStamp, SetDaylightSavingIsGivenBack) {
-  const TimeZone time_zone(utc);
-  auto block = TypeParam::block();
-  std::tm time{};
-  block.setDST(true);
-  block.getDateAndTime(time);
-  EXPECT_EQ(time.tm_isdst, 1);
-  block.setDST(false);
-  block.getDateAndTime(time);
-  EXPECT_EQ(time.tm_isdst, 0);
-}
-
-TYPED_TEST(TimeStamp, CalendarTimesComeBack) {
-  const struct {
-    const char* zone;
-    std::tm time;
-  } cases[] = {{utc, fullCalendar(calendar(2000, 1, 1, 12, 0, 0, 0), 6, 0, 0, "UTC")},
-               {berlin, fullCalendar(calendar(2000, 7, 1, 12, 0, 0, 1), 6, 182, 7200, "CEST")},
-               {kathmandu, fullCalendar(calendar(1960, 1, 1, 0, 0, 0, 0), 5, 0, 20700, "+0545")}};
-  for (const auto& [zone, time] : cases) {
-    const TimeZone time_zone(zone);
-    auto block = TypeParam::block();
-    block.setDateAndTime(time);
-    std::tm back{};
-    block.getDateAndTime(back);
-    expectSameCalendar(back, time);
-  }
-}
-
 }  // namespace
