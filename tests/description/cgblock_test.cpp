@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <string>
 
 #include "mdf_v4_10.h"
 #include "support/blocks.h"

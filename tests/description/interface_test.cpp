@@ -1,7 +1,6 @@
 /// What the blocks that describe a measurement offer to programs. Compiling this file is the test;
 /// the accessors of links, flags and values are stated in accessors_test.cpp.
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <fstream>

@@ -1,9 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <limits>
 #include <string>
-#include <vector>
 
 #include "mdf_v4_10.h"
 #include "support/blocks.h"

@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "mdf_v4_10.h"
 #include "support/blocks.h"
 #include "support/bytes.h"

@@ -1,10 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cfloat>
-#include <cmath>
-#include <string>
-#include <vector>
-
 #include "mdf_v4_10.h"
 #include "support/blocks.h"
 #include "support/bytes.h"

@@ -1,6 +1,5 @@
 /// What the framework offers to programs and to the blocks. Compiling this file is the test.
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
