@@ -100,6 +100,7 @@ class LinkCheck {
  private:
   void checkFound(std::uint64_t number, std::uint32_t found) const;
   void checkLost(std::uint64_t number, std::uint64_t target) const;
+  bool isShared(const BlockEntry& target, std::uint64_t number) const;
 
   void report(Code code, std::uint64_t number, const std::string& expected_found) const {
     subject_.report(code, index_,
@@ -115,14 +116,32 @@ class LinkCheck {
 void LinkCheck::checkFound(std::uint64_t number, std::uint32_t found) const {
   const BlockEntry& target = subject_.blocks[found];
   const std::string_view targets = linkTargets(block_, number);
-  if (!isAmongTargets(targets, target.letters()) && findLayout(target.letters()) != nullptr) {
-    report(Code::link_wrong_type, number,
-           "to " + std::string(targets) + ", found " + nameAt(target.letters(), target.offset));
-  } else if (!kinds_.refers(number) && found <= index_ && index_ < target.end) {
+  const auto found_block = [&] { return ", found " + nameAt(target.letters(), target.offset); };
+  if (!isAmongTargets(targets, target.letters())) {
+    const bool is_known = findLayout(target.letters()) != nullptr;
+    if (is_known || !kinds_.refers(number)) {
+      report(is_known ? Code::link_wrong_type : Code::link_unknown_type, number,
+             "to " + std::string(targets) + found_block());
+    }
+  } else if (kinds_.refers(number)) {
+    return;
+  } else if (found <= index_ && index_ < target.end) {
     report(Code::chain_endless, number,
-           "on to the end of its list or tree, found " + nameAt(target.letters(), target.offset) +
-               ", which leads here");
+           "on to the end of its list or tree" + found_block() + ", which leads here");
+  } else if (isShared(target, number)) {
+    const BlockEntry& owner = subject_.blocks[target.parent];
+    report(Code::chain_shared, number,
+           "to a block of its own" + found_block() + ", which " +
+               nameAt(owner.letters(), owner.offset) + " leads to");
   }
+}
+
+/// Whether a block that belongs in one list or tree has its place in another. Texts, sources,
+/// conversions and data may have several that lead to them.
+bool LinkCheck::isShared(const BlockEntry& target, std::uint64_t number) const {
+  constexpr std::string_view with_a_place = "DG CG CN CA SR CH EV AT FH";
+  return isAmongTargets(with_a_place, target.letters()) && !target.by_reference &&
+         (target.parent != index_ || target.link != number);
 }
 
 void LinkCheck::checkLost(std::uint64_t number, std::uint64_t target) const {

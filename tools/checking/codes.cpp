@@ -62,13 +62,27 @@ two capital letters.)",
       {Code::link_wrong_type, "link-wrong-type", Severity::error,
        "A link leads to a block of the wrong type",
        R"(The format does not allow this type here: a text in place of a channel's conversion, for
-example. Types that this program does not know may stand anywhere.)",
+example.)",
        R"(Correct the program that wrote the file. Other programs ignore the link or refuse the
 file.)"},
+      {Code::link_unknown_type, "link-unknown-type", Severity::error,
+       "A list or tree goes on with a block of an unknown type",
+       R"(No version from 4.0 to 4.2 has blocks of this type. A list, such as a chain of channels,
+ends here for programs that do not know it. Links that only refer to a block may lead to
+types that are not known.)",
+       R"(If the file is of a later version, use a program for that one. Otherwise the link or the
+block's identifier is damaged.)"},
       {Code::chain_endless, "chain-endless", Severity::error, "A list or tree leads back to itself",
        R"(A link of a list or tree that must end leads back to a block that it comes from.
 Programs that follow it without counting hang.)",
        R"(Correct the program that wrote the file, or set the link to 0.)"},
+      {Code::chain_shared, "chain-shared", Severity::error,
+       "A list or tree leads to a block of another one",
+       R"(The block has its place in another list or tree: the channels of one channel group lead on
+to those of another, for example. Programs end the list here, or read the channels with
+records that they do not belong to.)",
+       R"(Correct the program that wrote the file. If a link is damaged, the blocks after it may be
+lost: `mdf check` then names them as block-unreachable.)"},
   };
 }
 
@@ -98,11 +112,27 @@ block that reaches into others.)",
 the block require.)",
        R"(Correct the program that wrote the file. Other programs read fields in place of links,
 or the reverse.)"},
+      {Code::link_count_wrong, "link-count-wrong", Severity::warning,
+       "A block has more links than it states",
+       R"(By its length, a header list (HL) or a channel hierarchy (CH) has more links than its link
+count says. Programs that believe the count take links for fields.)",
+       R"(Correct the program that wrote the file. This program goes by the length.)"},
+      {Code::data_with_links, "data-with-links", Severity::error, "A data block has links",
+       R"(No block with data has links. Some programs read the data from the header on, others from
+the links on.)",
+       R"(Set the link count to 0, unless links do stand before the data.)"},
       {Code::block_unreachable, "block-unreachable", Severity::warning, "No link leads to a block",
        R"(Bytes outside all blocks look like a block: an identifier and a length that fits, on a
 multiple of 8. Either a program took the block out of its list, or a link is lost, and
 with it all blocks that follow.)",
        R"(Look at the block with `mdf dump --at`. If it was removed on purpose, nothing is wrong.)"},
+      {Code::bytes_outside_blocks, "bytes-outside-blocks", Severity::warning,
+       "There are bytes outside all blocks",
+       R"(Between two blocks, or after the last one, there are bytes that are not padding up to the
+next multiple of 8, not zero and not a block. They are counted from the first to the last
+that is not zero. After the last data block of an unfinished file such bytes are its data.)",
+       R"(Look at them with a hex viewer: something was appended to the file, data was lost, or the
+length of the block before them is too small.)"},
       {Code::count_too_large, "count-too-large", Severity::error,
        "A count is larger than the block",
        R"(The count stands for more elements than there is room for in the block.)",
@@ -209,6 +239,17 @@ channel group's records.)",
        R"(The bit of the channel, or of an element of an array, is outside the invalidation bytes
 of its channel group's records.)",
        R"(The bit's position is wrong, or the group states too few invalidation bytes.)"},
+      {Code::channel_without_bits, "channel-without-bits", Severity::warning,
+       "A channel has no bits in the record",
+       R"(The channel has 0 bits, but it is neither virtual nor a structure. Programs read 0 for each
+of its values, or leave it out.)",
+       R"(Correct the program that wrote the file: state the number of bits, or make the channel
+virtual.)"},
+      {Code::signal_data_unused, "signal-data-unused", Severity::error,
+       "A channel has signal data that it does not use",
+       R"(The channel is not of variable length, but its link to data leads to signal data, or to a
+channel group with values. Programs do not read them.)",
+       R"(Correct the program that wrote the file: either the channel's type or the link is wrong.)"},
       {Code::value_outside_signal_data, "value-outside-signal-data", Severity::error,
        "Values of variable length are missing",
        R"(The offset in a record, or the length that stands there, goes past the end of the
@@ -230,6 +271,12 @@ channels over the number of the record.)",
        "Two master channels share bits of the record",
        R"(Each master channel of a channel group must have bits of its own.)",
        R"(One channel's offset or bit count is wrong.)"},
+      {Code::event_factor_zero, "event-factor-zero", Severity::warning,
+       "The position of an event is multiplied by 0",
+       R"(An event's position is its base value times its factor. With a factor of 0 every position
+becomes 0, the start of the measurement.)",
+       R"(Correct the program that wrote the file: the factor is 1 where the base value is already
+in seconds, radians or metres.)"},
   };
 }
 

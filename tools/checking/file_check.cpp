@@ -7,6 +7,7 @@
 #include "array_check.h"
 #include "block_check.h"
 #include "data_check.h"
+#include "field_check.h"
 #include "reader/blocks/raw_block.h"
 #include "reader/blocks/survey.h"
 #include "reader/blocks/walker.h"
@@ -114,6 +115,7 @@ void checkBlock(Subject& subject, RecordCheck& records, std::uint32_t index) {
   if (!is_readable) {
     return;
   }
+  checkFields(subject, block, index);
   if (type == "TX" || type == "MD") {
     checkText(subject, *raw, index);
   } else if (type == "CN" || type == "CG" || type == "DG" || type == "SR") {
@@ -144,7 +146,12 @@ void checkSpace(const Subject& subject) {
                       nameAt(block.letters(), block.offset) + " of " +
                       std::to_string(block.length) + " bytes"});
   };
-  subject.space.review(overlap, lost);
+  const auto stray = [&](std::uint64_t offset, std::uint64_t count) {
+    subject.sink({Code::bytes_outside_blocks, offset, "",
+                  "expected each byte in a block, found " + std::to_string(count) +
+                      (count == 1 ? " byte" : " bytes") + " outside"});
+  };
+  subject.space.review({overlap, lost, stray});
 }
 
 }  // namespace

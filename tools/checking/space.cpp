@@ -1,7 +1,8 @@
 #include "space.h"
 
 #include <algorithm>
-#include <cstring>
+#include <array>
+#include <string_view>
 
 #include "reader/blocks/raw_block.h"
 #include "reader/blocks/survey.h"
@@ -18,18 +19,63 @@ bool isData(std::string_view letters) {
   return letters == "DT" || letters == "SD" || letters == "RD" || letters == "DV";
 }
 
+constexpr std::uint64_t alignment = 8;
+
+std::uint64_t aligned(std::uint64_t offset) {
+  return (offset + alignment - 1) / alignment * alignment;
+}
+
+bool mayBeBlock(const std::array<char, alignment>& bytes) {
+  return bytes[0] == '#' && bytes[1] == '#';
+}
+
+/// Those that are not zero, from the first to the last.
+class StrayBytes {
+ public:
+  explicit StrayBytes(const SpaceVisitor& visitor) : visitor_(visitor) {}
+
+  void take(std::uint64_t offset, std::string_view bytes) {
+    for (const char byte : bytes) {
+      if (byte != 0) {
+        first_ = end_ == 0 ? offset : first_;
+        end_ = offset + 1;
+      }
+      ++offset;
+    }
+  }
+
+  /// What comes next is a block, or the file's end.
+  void end() {
+    if (end_ != 0) {
+      visitor_.on_stray_bytes(first_, end_ - first_);
+    }
+    end_ = 0;
+  }
+
+ private:
+  const SpaceVisitor& visitor_;
+  std::uint64_t first_ = 0;
+  std::uint64_t end_ = 0;  ///< 0 while there are none
+};
+
 }  // namespace
 
-Space::Space(InputFile& file, const BlockTable& blocks, bool last_data_open) : file_(file) {
+Space::Space(InputFile& file, const BlockTable& blocks, bool is_unfinished)
+    : file_(file), is_unfinished_(is_unfinished) {
   offsets_.reserve(blocks.size());
   for (std::uint32_t index = 0; index < blocks.size(); ++index) {
-    offsets_.push_back(blocks[index].offset);
+    const BlockEntry& block = blocks[index];
+    offsets_.push_back(block.offset);
+    if (isData(block.letters())) {
+      std::uint64_t& last = block.letters() == "RD" ? last_reduction_ : last_data_;
+      last = std::max(last, block.offset);
+    }
   }
   if (!std::is_sorted(offsets_.begin(), offsets_.end())) {
     std::sort(offsets_.begin(), offsets_.end());
   }
   const auto last = offsets_.empty() ? std::nullopt : readRawBlock(file, offsets_.back());
-  if (last_data_open && last && isData(last->letters()) &&
+  if (is_unfinished && last && isData(last->letters()) &&
       (last->length == 0 || last->length == RawBlock::header_size)) {
     open_block_ = last->offset;
   }
@@ -58,36 +104,46 @@ std::uint64_t Space::coveredUpTo(std::size_t index) const {
   return index + 1 < offsets_.size() ? offsets_[index + 1] : file_.size();
 }
 
-void Space::review(const OverlapVisitor& overlap, const LostBlockVisitor& lost) const {
+void Space::review(const SpaceVisitor& visitor) const {
   std::uint64_t covered = header_block_offset;
+  bool is_open = false;
   for (std::size_t index = 0; index < offsets_.size(); ++index) {
-    if (offsets_[index] > covered) {
-      searchGap(covered, offsets_[index], lost);
-    }
+    const std::uint64_t offset = offsets_[index];
+    searchGap(covered, offset, is_open, visitor);
     const std::uint64_t end = coveredUpTo(index);
     if (index + 1 < offsets_.size() && end > offsets_[index + 1]) {
-      overlap(offsets_[index], offsets_[index + 1]);
+      visitor.on_overlap(offset, offsets_[index + 1]);
     }
     covered = std::max(covered, end);
+    is_open = is_unfinished_ && (offset == last_data_ || offset == last_reduction_);
   }
-  searchGap(covered, file_.size(), lost);
+  searchGap(covered, file_.size(), is_open, visitor);
 }
 
-void Space::searchGap(std::uint64_t from, std::uint64_t to, const LostBlockVisitor& lost) const {
-  constexpr std::uint64_t alignment = 8;
-  std::uint64_t at = (from + alignment - 1) / alignment * alignment;
-  while (at + RawBlock::header_size <= to) {
-    const auto block = readRawBlock(file_, at);
-    if (!block) {
-      return;
+/// @param is_open whether the bytes may be data of the block in front of them. Those after a data
+/// block that no link leads to may be so likewise.
+void Space::searchGap(std::uint64_t from, std::uint64_t to, bool is_open,
+                      const SpaceVisitor& visitor) const {
+  StrayBytes stray(visitor);
+  std::uint64_t at = aligned(from);
+  while (at < to) {
+    std::array<char, alignment> bytes{};
+    const std::size_t count = file_.readAt(
+        at, bytes.data(), static_cast<std::size_t>(std::min<std::uint64_t>(to - at, alignment)));
+    const auto block = mayBeBlock(bytes) ? readRawBlock(file_, at) : std::nullopt;
+    is_open = is_open || (is_unfinished_ && block && isData(block->letters()));
+    if (block && looksLikeBlock(*block) && block->holdsItsLinks() && block->length <= to - at) {
+      stray.end();
+      visitor.on_lost_block(*block);
+      at += aligned(block->length);
+      continue;
     }
-    if (looksLikeBlock(*block) && block->holdsItsLinks() && block->length <= to - at) {
-      lost(*block);
-      at += (block->length + alignment - 1) / alignment * alignment;
-    } else {
-      at += alignment;
+    if (!is_open) {
+      stray.take(at, {bytes.data(), count});
     }
+    at += alignment;
   }
+  stray.end();
 }
 
 }  // namespace mdf_tools

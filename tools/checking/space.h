@@ -16,14 +16,21 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-using OverlapVisitor = std::function<void(std::uint64_t offset, std::uint64_t reached)>;
-using LostBlockVisitor = std::function<void(const RawBlock& block)>;
+/// What is done with what a review of the file's bytes finds.
+struct SpaceVisitor {
+  /// A block that reaches into others, and the first of those.
+  std::function<void(std::uint64_t offset, std::uint64_t reached)> on_overlap;
+  /// What looks like a block on a multiple of 8 between the file's blocks.
+  std::function<void(const RawBlock& block)> on_lost_block;
+  /// Bytes from the first to the last between two blocks that is neither zero nor padding.
+  std::function<void(std::uint64_t offset, std::uint64_t count)> on_stray_bytes;
+};
 
 /// Which bytes of a file its blocks take.
 class Space {
  public:
-  /// @param last_data_open whether the last block may be data whose length was never written
-  Space(InputFile& file, const BlockTable& blocks, bool last_data_open);
+  /// @param is_unfinished whether the length of the last data block may never have been written
+  Space(InputFile& file, const BlockTable& blocks, bool is_unfinished);
 
   /// Where the block ends by its length, or at the file's end.
   std::uint64_t endOf(const RawBlock& block) const;
@@ -34,17 +41,20 @@ class Space {
   /// The block that covers an offset or begins there: the last one before it. 0 for none.
   std::uint64_t blockAround(std::uint64_t offset) const;
 
-  /// Visits each block that reaches into others, with the first of those, and what looks like a
-  /// block on a multiple of 8 between the file's blocks.
-  void review(const OverlapVisitor& overlap, const LostBlockVisitor& lost) const;
+  /// Goes through the file's blocks and once through the bytes between them.
+  void review(const SpaceVisitor& visitor) const;
 
  private:
   std::uint64_t coveredUpTo(std::size_t index) const;
-  void searchGap(std::uint64_t from, std::uint64_t to, const LostBlockVisitor& lost) const;
+  void searchGap(std::uint64_t from, std::uint64_t to, bool is_open,
+                 const SpaceVisitor& visitor) const;
 
   InputFile& file_;
   std::vector<std::uint64_t> offsets_;  ///< of the blocks, ascending
+  bool is_unfinished_;
   std::uint64_t open_block_ = 0;
+  std::uint64_t last_data_ = 0;  ///< last blocks with data, in the file's order
+  std::uint64_t last_reduction_ = 0;
 };
 
 }  // namespace mdf_tools

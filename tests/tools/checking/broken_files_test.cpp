@@ -108,6 +108,21 @@ std::string endlessChain() {
   return file.bytes();
 }
 
+/// A chain of channels that goes on with a block of a type that nobody knows.
+std::string chainToUnknown() {
+  SmallFile file;
+  file.link(SmallFile::speed, 0, file.add("QX", {}, "..."));
+  return file.bytes();
+}
+
+/// A second channel group whose channels are those of the first one.
+std::string chainsThatRunTogether() {
+  SmallFile file;
+  const auto group = file.add("CG", {0, SmallFile::speed, 0, 0, 0, 0}, GroupSpec{0, 9}.fields());
+  file.link(SmallFile::data_group, 0, file.add("DG", {0, group, 0, 0}, dataGroupFields(0)));
+  return file.bytes();
+}
+
 BrokenFiles brokenLinks() {
   const std::string comment = ": expected hd_md_comment to lead to ";
   return {
@@ -130,6 +145,13 @@ BrokenFiles brokenLinks() {
        "found ##CN at 336 (0x150), which leads here" +
            in_speed,
        endlessChain()},
+      {"496 error link-unknown-type: expected cn_cn_next to lead to CN, found ##QX at 768 (0x300)" +
+           in_speed,
+       chainToUnknown()},
+      {"768 error chain-shared: expected cg_cn_first to lead to a block of its own, found ##CN at "
+       "496 (0x1f0), which ##CN at 336 (0x150) leads to "
+       "[HD.hd_dg_first/DG[1].dg_cg_first/CG[0]]",
+       chainsThatRunTogether()},
   };
 }
 
@@ -151,6 +173,29 @@ std::string withValueList(std::vector<std::uint64_t> links, const std::string& f
   file.setGroup({0, 9});
   links.insert(links.begin(), 0);
   file.replaceData(file.add("LD", links, fields));
+  return file.bytes();
+}
+
+/// A header list whose link count says nothing of its link.
+std::string withUncountedLink() {
+  SmallFile file;
+  const auto list =
+      file.add("DL", {0, file.addData(Bytes().zeros(18))}, Bytes().zeros(4).u32(1).u64(0));
+  const auto header_list = file.add("HL", {list}, Bytes().zeros(8));
+  file.replaceData(header_list);
+  file.write(header_list + 16, Bytes().u64(0));
+  return file.bytes();
+}
+
+std::string withLinksBeforeData() {
+  SmallFile file;
+  file.replaceData(file.add("DT", {0}, Bytes().zeros(18)));
+  return file.bytes();
+}
+
+std::string withBytesAfter(const std::string& bytes) {
+  SmallFile file;
+  file.append(bytes);
   return file.bytes();
 }
 
@@ -184,6 +229,14 @@ BrokenFiles brokenBlocks() {
       {"768 warning block-unreachable: expected a link to each block, found none to ##TX at 768 "
        "(0x300) of 29 bytes",
        lostText()},
+      {"872 warning link-count-wrong: expected the link count 1 by the length of 40, found 0 "
+       "[HD.hd_dg_first/DG[0].dg_data/HL]",
+       withUncountedLink()},
+      {"768 error data-with-links: expected data without links, found 1 "
+       "[HD.hd_dg_first/DG[0].dg_data/DT]",
+       withLinksBeforeData()},
+      {"769 warning bytes-outside-blocks: expected each byte in a block, found 4 bytes outside",
+       withBytesAfter(Bytes().zeros(7).text("lost").zeros(9))},
       {"768 error count-too-large: expected room for the 3 numbers of 8 bytes of cc_val_count, "
        "found room for 2 [" +
            speed_path + ".cn_cc_conversion/CC]",
@@ -372,6 +425,19 @@ std::string withoutMaster() {
   return file.bytes();
 }
 
+std::string withUnusedValues() {
+  SmallFile file;
+  file.link(SmallFile::speed, 5, file.add("SD", {}));
+  return file.bytes();
+}
+
+std::string withEventFactor(double factor) {
+  SmallFile file;
+  const Bytes fields = Bytes().u8s({6, 1, 0, 0, 0, 0, 0, 0}).zeros(8).u64(5).f64(factor);
+  file.link(FileBuilder::header, 4, file.add("EV", {0, 0, 0, 0, 0}, fields));
+  return file.bytes();
+}
+
 BrokenFiles brokenChannels() {
   return {
       {"496 error channel-outside-record: expected the channel within the 9 data bytes of a "
@@ -394,6 +460,17 @@ BrokenFiles brokenChannels() {
        "of the array within the 1 invalidation bytes of a record, found room for 8 of 9" +
            in_array,
        withArray(9, 0, 1)},
+      {"496 warning channel-without-bits: expected bits in the record for a channel of type 0, "
+       "found cn_bit_count 0" +
+           in_speed,
+       withSpeed({0, 0, 0, 0, 8, 0})},
+      {"496 error signal-data-unused: expected cn_data of a channel of type 0 to lead to no "
+       "values, found ##SD at 768 (0x300)" +
+           in_speed,
+       withUnusedValues()},
+      {"768 warning event-factor-zero: expected ev_sync_factor to make a position of the base "
+       "value 5, found 0 [HD.hd_ev_first/EV[0]]",
+       withEventFactor(0)},
       {"496 error value-outside-signal-data: expected a value of each record in the 6 bytes of "
        "signal data, found 1 outside, first that of record 1 at byte 3" +
            in_speed,

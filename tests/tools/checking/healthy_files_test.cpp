@@ -94,10 +94,9 @@ TEST(HealthyFiles, TypesAndLinksOfNewerVersions) {
   file.link(SmallFile::data_group, 2, file.add("LD", {0, data}, Bytes().u32(0).u32(1).u64(0)));
   file.write(SmallFile::data, Bytes().zeros(42));
   const auto unknown = file.add("QX", {SmallFile::group, 64, 0}, "...");
-  file.link(SmallFile::speed, 1, unknown);
   file.setComment(file.add("TX", {unknown}, std::string("with a link\0", 12)));
   const auto event = file.add("EV", {0, 0, 0, 0, 0, SmallFile::speed, unknown},
-                              Bytes().u8s({6, 1, 0, 0, 0, 0, 0, 0}).u32(1).zeros(4).zeros(16));
+                              Bytes().u8s({6, 1, 0, 0, 0, 0, 0, 0}).u32(2).zeros(4).u64(0).f64(1));
   file.link(FileBuilder::header, 4, event);
   expectHealthy(file);
 }
@@ -297,7 +296,7 @@ TEST(HealthyFiles, Attachments) {
 
 TEST(HealthyFiles, EventsThatReferToEachOther) {
   SmallFile file;
-  const std::string fields = Bytes().zeros(8).u32(1).u16(0).zeros(18);
+  const std::string fields = Bytes().zeros(8).u32(1).u16(0).zeros(10).f64(1);
   const auto end = file.add("EV", {0, 0, 0, 0, 0, SmallFile::speed}, fields);
   const auto begin = file.add("EV", {end, 0, end, 0, 0, SmallFile::group}, fields);
   file.link(end, 2, begin);
