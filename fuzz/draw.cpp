@@ -34,10 +34,12 @@ std::string tryDraw(std::string_view input) {
   draw(Lines::Kind::json, most_links, [&](InputFile& file, std::ostream& os, const FindingSink& r) {
     mdf_tools::writeTreeAsJson(file, {mdf_reader::header_block_offset, 9, 3}, os, r);
   });
-  draw(Lines::Kind::harmless, 10 * most_links + 100,
-       [&](InputFile& file, std::ostream& os, const FindingSink& r) {
-         mdf_tools::annotateFile(file, os, 64, r);
-       });
+  for (const bool with_bytes : {true, false}) {
+    draw(Lines::Kind::harmless, 10 * most_links + 100,
+         [&](InputFile& file, std::ostream& os, const FindingSink& r) {
+           mdf_tools::annotateFile(file, os, {with_bytes, 64}, r);
+         });
+  }
   draw(Lines::Kind::json, most_links, [&](InputFile& file, std::ostream& os, const FindingSink& r) {
     mdf_tools::writeBlocksAsJson(file, os, 64, r);
   });

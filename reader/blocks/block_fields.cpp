@@ -13,11 +13,6 @@ using mdf_v4_10::detail::loadLe;
 
 namespace {
 
-std::int64_t loadSigned(std::string_view bytes) {
-  const auto unused_bits = static_cast<unsigned>(64 - 8 * bytes.size());
-  return static_cast<std::int64_t>(unsignedNumber(bytes) << unused_bits) >> unused_bits;
-}
-
 /// A link after those that each block of a type has.
 struct AdditionalLink {
   LinkLayout layout;                                    ///< without a role where nothing is known
@@ -170,27 +165,12 @@ std::uint64_t BlockFields::number(std::string_view field) const {
 
 std::int64_t BlockFields::signedNumber(std::string_view field) const {
   const std::string_view stored = bytes(field);
-  return stored.empty() ? 0 : loadSigned(stored);
+  return stored.empty() ? 0 : mdf_reader::signedNumber(stored);
 }
 
 double BlockFields::real(std::string_view field) const {
   const std::string_view stored = bytes(field);
   return stored.size() == sizeof(double) ? loadLe<double>(stored.data()) : 0.0;
-}
-
-std::string BlockFields::shown(const FieldLayout& field) const {
-  switch (field.kind) {
-    case FieldKind::unsigned_number:
-      return std::to_string(number(field.name));
-    case FieldKind::signed_number:
-      return std::to_string(signedNumber(field.name));
-    case FieldKind::real:
-      return shortestReal(real(field.name));
-    case FieldKind::bytes:
-    case FieldKind::reserved:
-      break;
-  }
-  return hexBytes(bytes(field.name));
 }
 
 std::uint64_t BlockFields::fieldsAt() const {
@@ -207,6 +187,24 @@ std::uint64_t BlockFields::tailBytes() const {
   const std::uint64_t end =
       raw_.offset + std::min(raw_.length, file_size_ - std::min(raw_.offset, file_size_));
   return tailAt() < end ? end - tailAt() : 0;
+}
+
+std::string shownField(const FieldLayout& field, std::string_view bytes) {
+  if (bytes.size() < field.width) {
+    return {};
+  }
+  switch (field.kind) {
+    case FieldKind::unsigned_number:
+      return std::to_string(unsignedNumber(bytes));
+    case FieldKind::signed_number:
+      return std::to_string(signedNumber(bytes));
+    case FieldKind::real:
+      return shortestReal(loadLe<double>(bytes.data()));
+    case FieldKind::bytes:
+    case FieldKind::reserved:
+      break;
+  }
+  return hexBytes(bytes);
 }
 
 std::optional<BlockFields> readFields(InputFile& file, std::uint64_t offset,

@@ -45,9 +45,6 @@ class BlockFields {
     return (number(field) & bit) != 0;
   }
 
-  /// The field's value as it is shown: "12", "-60", "0.5", "00 ff 12".
-  std::string shown(const FieldLayout& field) const;
-
   /// Offset in the file of the first byte after the links, and of the first after the fields.
   std::uint64_t fieldsAt() const;
   std::uint64_t tailAt() const;
@@ -66,6 +63,10 @@ class BlockFields {
   std::string fields_;  ///< as many bytes as there are
   bool is_complete_ = true;
 };
+
+/// The bytes of a field as its kind is to be shown: "12", "-60", "0.5", "00 ff 12".
+/// Nothing for a field that is cut off.
+std::string shownField(const FieldLayout& field, std::string_view bytes);
 
 /// The block at an offset, if it is one of the type with these letters; nothing for offset 0.
 std::optional<BlockFields> readFields(InputFile& file, std::uint64_t offset,

@@ -14,6 +14,11 @@ std::uint64_t unsignedNumber(std::string_view bytes) {
   return number;
 }
 
+std::int64_t signedNumber(std::string_view bytes) {
+  const auto unused_bits = static_cast<unsigned>(64 - 8 * bytes.size());
+  return static_cast<std::int64_t>(unsignedNumber(bytes) << unused_bits) >> unused_bits;
+}
+
 std::string hexDigits(std::uint64_t number) {
   std::array<char, 16> digits;
   const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr;

@@ -10,6 +10,9 @@ namespace mdf_reader {
 /// Up to 8 bytes as the unsigned number that they store.
 std::uint64_t unsignedNumber(std::string_view bytes);
 
+/// 1 to 8 bytes as the signed number that they store.
+std::int64_t signedNumber(std::string_view bytes);
+
 /// "1f", without a prefix.
 std::string hexDigits(std::uint64_t number);
 

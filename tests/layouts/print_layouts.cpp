@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "layouts.h"
 #include "reader/blocks/block_layout.h"
 
 using namespace mdf_reader;
@@ -204,7 +205,8 @@ The identification block, the first 64 bytes of the file.
 int main() {
   std::cout << introduction;
   printTableHead();
-  printFields(identificationFields(), 0);
+  const auto& identification = mdf_v4_10::detail::idblock_fields.fields();
+  printFields({identification.begin(), identification.end()}, 0);
   for (const char* letters : {"HD", "TX", "MD", "FH", "CH", "AT", "EV", "DG", "CG", "SI", "CN",
                               "CC", "DT", "RD", "SD", "DL", "DZ", "HL", "SR"}) {
     printBlock(letters);

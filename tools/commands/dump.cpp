@@ -24,32 +24,39 @@ struct DumpArguments {
   std::vector<std::string> types;
   std::vector<std::string> offsets;
   std::uint64_t most_bytes = 256;
-  bool is_annotated = false;
+  bool has_bytes = false;
+  bool is_library = false;
   bool is_json = false;
 };
 
 constexpr const char* footer =
     R"(Prints every block that can be reached from the header block, in file order: a line with its offset,
-identifier, length, number of links and the named links, all as they are stored, and then its fields
-as the library prints them. Where link fields say 0, look at the line. A block of an unknown type
-gets the line alone.
+identifier, length and number of links, and then its links and fields as the format has them, each
+with the format's name for it and its value. Reserved bytes are shown as hexadecimal digits. What
+follows the fields (values, data, texts) is shown up to 256 bytes, or as many as --bytes says. A
+block of an unknown type has links and data. The flags of unfinished files are id_unfin_flags and
+id_custom_unfin_flags of the identification.
 
-With --hex the bytes follow the line instead: the block's header, each link and each field with the
-format's name for it and its value. What follows the fields (values, data, texts) is shown up to 256
-bytes, or as many as --bytes says.
+With --hex each value stands next to its offset in the file and its bytes.
 
-With --json each block is a line: schema, file, offset, type, length, link_count, links with role and
-offset, fields, the values of lists, the text of texts, and how many bytes of data there are. --bytes
-limits texts and values in the same way.
+With --json each block is a line: schema, file, offset, type, length, link_count, reserved, links with
+role and offset, fields, the values of lists, the text of texts, and how many bytes of data there are.
+Characters are a string with one character for each byte (a zero byte is \u0000); other bytes and
+reserved ones are a string of hexadecimal digits, such as "00 ff 12". Infinite numbers are strings.
+
+With --library each block is printed as the library prints it after reading: links may be shifted, as
+the blocks' readers have it, so that the line in front names them as they are stored. Data and texts
+are printed byte for byte.
 
 Problems go to standard error, one line each with the block's offset, links counted from 0; what can
-be read is printed all the same. Data and texts are printed byte for byte; on a terminal,
-control characters in them are shown as '.'. Several files are printed one after another, each after
-a line "FILE:".
+be read is printed all the same. Control characters in texts are shown as \x1b and so on; with
+--library, as '.' on a terminal. Several files are printed one after another, each after a line
+"FILE:".
 
 Examples:
   mdf dump trip.mf4 | less                   look through a file
   mdf dump trip.mf4 | grep -a '^[0-9]* (0x'  list its blocks
+  mdf dump trip.mf4 | grep id_unfin_flags    what an unfinished file has left open
   mdf dump --type CN,CC trip.mf4             channels and conversions alone
   mdf dump --hex --at 0x138 trip.mf4         the bytes of the block at an offset, field by field
   mdf dump --hex --type DT --bytes 64 *.mf4  how the data of several files begin
@@ -77,10 +84,11 @@ int dump(const DumpArguments& arguments) {
     if (context.is_one_of_several) {
       context.out << context.file.name() << ":\n";
     }
-    if (arguments.is_annotated) {
-      annotateFile(context.file, context.out, arguments.most_bytes, context.report, selection);
-    } else {
+    if (arguments.is_library) {
       dumpFile(context.file, context.out, context.report, selection);
+    } else {
+      annotateFile(context.file, context.out, {arguments.has_bytes, arguments.most_bytes},
+                   context.report, selection);
     }
   });
 }
@@ -104,15 +112,19 @@ void addDumpCommand(CLI::App& app, int& exit_code) {
       ->allow_extra_args(false)
       ->type_name("OFFSET")
       ->check(isOffset());
-  CLI::Option* hex = command->add_flag("--hex", arguments->is_annotated,
+  CLI::Option* hex = command->add_flag("--hex", arguments->has_bytes,
                                        "Show the bytes, each with the field it belongs to");
   CLI::Option* json =
       command->add_flag("--json", arguments->is_json, "Write JSON lines, one for each block");
   json->excludes(hex);
   command
-      ->add_option(
-          "--bytes", arguments->most_bytes,
-          "With --hex and --json: how many bytes of data, text or values to show of a block")
+      ->add_flag("--library", arguments->is_library,
+                 "Print what the library prints of a block that it has read")
+      ->excludes(hex)
+      ->excludes(json);
+  command
+      ->add_option("--bytes", arguments->most_bytes,
+                   "How many bytes of data, text or values to show of a block; not for --library")
       ->type_name("N")
       ->check(isCount())
       ->default_val(256);

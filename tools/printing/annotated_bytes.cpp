@@ -6,10 +6,12 @@
 
 #include "block_dump.h"
 #include "framework/wire.h"
+#include "one_line.h"
 #include "reader/blocks/finding.h"
 #include "reader/blocks/walker.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/number_texts.h"
+#include "reader/model/texts.h"
 
 namespace mdf_tools {
 
@@ -21,17 +23,17 @@ namespace {
 
 constexpr std::size_t element_size = 8;
 
-std::string quoted(std::string_view bytes) { return '"' + printable(bytes) + '"'; }
-
 std::string linkText(std::int64_t link) {
   return link <= 0 ? std::to_string(link) : decimalAndHex(static_cast<std::uint64_t>(link));
 }
 
-/// Writes lines "offset  bytes  what they are".
+/// Writes lines "offset  bytes  what they are", or what they are alone.
 class AnnotatedLines {
  public:
-  AnnotatedLines(InputFile& file, std::uint64_t end, std::ostream& os)
-      : file_(file), end_(end), os_(os) {}
+  AnnotatedLines(InputFile& file, std::uint64_t end, bool with_bytes, std::ostream& os)
+      : file_(file), end_(end), with_bytes_(with_bytes), os_(os) {}
+
+  bool withBytes() const { return with_bytes_; }
 
   /// Bytes as far as they are there, 8 a line; what they are stands in the first. A value is left
   /// out when not all of them are there.
@@ -50,6 +52,7 @@ class AnnotatedLines {
 
   InputFile& file_;
   std::uint64_t end_;
+  bool with_bytes_;
   std::ostream& os_;
   std::array<char, 16> bytes_{};
 };
@@ -82,6 +85,12 @@ void AnnotatedLines::field(std::uint64_t offset, std::size_t width, std::string_
   } else if (!value.empty()) {
     what += " = " + value;
   }
+  if (!with_bytes_) {
+    if (offset < end_) {
+      note(what);
+    }
+    return;
+  }
   for (std::size_t done = 0; done < width; done += columns) {
     const std::string_view bytes = read(offset + done, std::min(width - done, columns));
     if (bytes.empty()) {
@@ -111,26 +120,30 @@ std::uint64_t endOf(const InputFile& file, const RawBlock& block) {
   return block.offset + std::min(block.length, file.sizeFrom(block.offset));
 }
 
-void annotateHeader(const RawBlock& block, AnnotatedLines& lines) {
+std::string storedAt(InputFile& file, std::uint64_t offset, std::size_t width) {
+  std::string bytes(width, '\0');
+  bytes.resize(file.readAt(offset, bytes.data(), width));
+  return bytes;
+}
+
+void annotateHeader(InputFile& file, const RawBlock& block, AnnotatedLines& lines) {
   const std::uint64_t at = block.offset;
+  if (!lines.withBytes()) {
+    lines.field(at + 4, 4, "reserved", hexBytes(storedAt(file, at + 4, 4)));
+    return;
+  }
   lines.field(at, 4, "id", quoted({block.id.data(), block.id.size()}));
   lines.field(at + 4, 4, "reserved", "");
   lines.field(at + 8, 8, "length", std::to_string(block.length));
   lines.field(at + 16, 8, "link_count", std::to_string(block.link_count));
 }
 
-/// The value to show after a field's name; nothing for what is neither a number nor characters.
-std::string valueOf(const BlockFields& fields, const FieldLayout& layout) {
-  switch (layout.kind) {
-    case FieldKind::unsigned_number:
-    case FieldKind::signed_number:
-    case FieldKind::real:
-      return fields.shown(layout);
-    case FieldKind::bytes:
-    case FieldKind::reserved:
-      break;
-  }
-  return {};
+/// A field's line. What is neither a number nor characters is its bytes.
+void annotateField(const FieldLayout& field, std::uint64_t at, std::string_view bytes,
+                   AnnotatedLines& lines) {
+  const bool is_bytes = field.kind == FieldKind::bytes || field.kind == FieldKind::reserved;
+  lines.field(at + field.offset, field.width, field.name,
+              is_bytes && lines.withBytes() ? "" : shownField(field, bytes));
 }
 
 void annotateElements(InputFile& file, const BlockFields& fields, std::uint64_t bytes,
@@ -141,6 +154,20 @@ void annotateElements(InputFile& file, const BlockFields& fields, std::uint64_t 
     std::array<char, element_size> stored{};
     file.readAt(offset, stored.data(), stored.size());
     lines.field(offset, element_size, element.name, shownElement(stored.data(), element.kind));
+  }
+}
+
+/// A text up to its zero byte, line by line.
+void annotateText(InputFile& file, const BlockFields& fields, std::uint64_t most_bytes,
+                  AnnotatedLines& lines) {
+  const std::string text = readText(file, fields.offset(), most_bytes).value_or("");
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end = std::min(text.find('\n', begin), text.size());
+    lines.note("  " + oneLine(std::string_view(text).substr(begin, end - begin), text.size()));
+    begin = end + 1;
+  }
+  if (text.size() == most_bytes && most_bytes < fields.tailBytes()) {
+    lines.note("... " + std::to_string(fields.tailBytes() - most_bytes) + " more bytes");
   }
 }
 
@@ -160,6 +187,10 @@ void annotateTail(InputFile& file, const BlockFields& fields, std::uint64_t most
     const std::string_view name = layout == nullptr ? "" : layout->tail.name;
     lines.note((name.empty() ? "further data" : std::string(name)) + ", " + std::to_string(there) +
                " bytes");
+    if (!lines.withBytes() && (name == "tx_data" || name == "md_data")) {
+      annotateText(file, fields, most_bytes, lines);
+      return;
+    }
   }
   const bool is_rest_of_elements = done != 0 && there - done >= element_size;
   lines.rows(fields.tailAt() + done, is_rest_of_elements ? 0 : shown - done);
@@ -207,42 +238,44 @@ std::string shownElement(const char* bytes, FieldKind kind) {
                                  : std::to_string(loadLe<std::uint64_t>(bytes));
 }
 
-void annotateIdentification(InputFile& file, std::ostream& os) {
+void annotateIdentification(InputFile& file, const BlockForm& form, std::ostream& os) {
   if (file.size() < header_block_offset) {
     return;
   }
-  std::array<char, header_block_offset> bytes{};
-  file.readAt(0, bytes.data(), bytes.size());
   writeIdentificationLine(os);
-  AnnotatedLines lines(file, header_block_offset, os);
+  const std::string bytes = storedAt(file, 0, header_block_offset);
+  AnnotatedLines lines(file, header_block_offset, form.with_bytes, os);
   for (const FieldLayout& field : identificationFields()) {
-    const std::string_view stored(bytes.data() + field.offset, field.width);
-    const bool is_number = field.kind == FieldKind::unsigned_number;
-    const bool is_text = field.kind == FieldKind::bytes;
-    lines.field(field.offset, field.width, field.name,
-                is_number ? std::to_string(unsignedNumber(stored))
-                          : (is_text ? quoted(stored) : std::string()));
+    const std::string_view stored = std::string_view(bytes).substr(field.offset, field.width);
+    if (field.kind == FieldKind::bytes) {
+      lines.field(field.offset, field.width, field.name, quoted(stored));
+    } else {
+      annotateField(field, 0, stored, lines);
+    }
   }
 }
 
-void annotateBlock(InputFile& file, const RawBlock& block, std::uint64_t most_bytes,
+void annotateBlock(InputFile& file, const RawBlock& block, const BlockForm& form,
                    std::ostream& os) {
   const BlockFields fields(file, block);
-  writeHeadline(file, fields, os);
-  AnnotatedLines lines(file, std::max(endOf(file, block), block.offset + RawBlock::header_size),
-                       os);
-  annotateHeader(block, lines);
+  if (form.with_bytes) {
+    writeHeadlineWithLinks(file, fields, os);
+  } else {
+    writeHeadline(fields, os);
+  }
+  const std::uint64_t end = std::max(endOf(file, block), block.offset + RawBlock::header_size);
+  AnnotatedLines lines(file, end, form.with_bytes, os);
+  annotateHeader(file, block, lines);
   forEachLink(file, block, [&](std::uint64_t index, std::int64_t link) {
     lines.field(block.offset + RawBlock::header_size + index * RawBlock::link_size,
                 RawBlock::link_size, linkRole(fields, index).name, linkText(link));
   });
   if (fields.layout() != nullptr) {
     for (const FieldLayout& field : fields.layout()->fields) {
-      lines.field(fields.fieldsAt() + field.offset, field.width, field.name,
-                  valueOf(fields, field));
+      annotateField(field, fields.fieldsAt(), fields.bytes(field.name), lines);
     }
   }
-  annotateTail(file, fields, most_bytes, lines);
+  annotateTail(file, fields, form.most_bytes, lines);
 }
 
 }  // namespace mdf_tools

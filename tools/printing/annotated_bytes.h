@@ -16,16 +16,21 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// Writes the line that dumpIdentification() begins with, then a line for each field: offset in the
-/// file, bytes, name and value.
-void annotateIdentification(InputFile& file, std::ostream& os);
+/// How blocks are shown.
+struct BlockForm {
+  bool with_bytes = true;          ///< each value next to its offset and its bytes
+  std::uint64_t most_bytes = 256;  ///< of what follows the fields
+};
 
-/// Writes the line that dumpBlock() begins with, then a line for each field of the header, each
-/// link and each field of the data section: offset in the file, bytes, name and value. Then comes
-/// what follows the fields, an element or 16 bytes a line, up to `most_bytes`. Of a block that is
-/// cut off, everything that is there is shown.
-void annotateBlock(InputFile& file, const RawBlock& block, std::uint64_t most_bytes,
-                   std::ostream& os);
+/// Writes the line that dumpIdentification() begins with, then a line for each field.
+void annotateIdentification(InputFile& file, const BlockForm& form, std::ostream& os);
+
+/// Writes a line about the block, then one for each field of the header, each link and each field
+/// of the data section, in the places where the format has them. What follows the fields comes
+/// next: an element or 16 bytes a line, or a text. Of a block that is cut off everything is shown
+/// that is there. Without the bytes the header is left to the first line, except for its reserved
+/// bytes.
+void annotateBlock(InputFile& file, const RawBlock& block, const BlockForm& form, std::ostream& os);
 
 /// What an element after the fields is: the name with its index, and how its bytes are understood.
 struct TailElement {

@@ -39,6 +39,11 @@ void writeDump(InputFile& file, const RawBlock& block, const BlockType& type, st
   }
 }
 
+void beginHeadline(const RawBlock& block, std::ostream& os) {
+  os << Style::strong << decimalAndHex(block.offset) << ' ' << block.name() << Style::plain
+     << " length " << block.length << " links " << block.link_count;
+}
+
 void reportTooLarge(const RawBlock& block, const FindingSink& report) {
   report({block.offset, "expected memory for the " + std::to_string(block.length) + " bytes of " +
                             block.name() + ", found too little"});
@@ -46,10 +51,14 @@ void reportTooLarge(const RawBlock& block, const FindingSink& report) {
 
 }  // namespace
 
-void writeHeadline(InputFile& file, const BlockFields& fields, std::ostream& os) {
+void writeHeadline(const BlockFields& fields, std::ostream& os) {
+  beginHeadline(fields.raw(), os);
+  os << '\n';
+}
+
+void writeHeadlineWithLinks(InputFile& file, const BlockFields& fields, std::ostream& os) {
   const RawBlock& block = fields.raw();
-  os << Style::strong << decimalAndHex(block.offset) << ' ' << block.name() << Style::plain
-     << " length " << block.length << " links " << block.link_count;
+  beginHeadline(block, os);
   const char* separator = ": ";
   forEachLink(file, block, [&](std::uint64_t index, std::int64_t link) {
     const LinkRole role = linkRole(fields, index);
@@ -74,7 +83,7 @@ void dumpIdentification(InputFile& file, std::ostream& os) {
 
 void dumpBlock(InputFile& file, const RawBlock& block, std::ostream& os,
                const FindingSink& report) {
-  writeHeadline(file, BlockFields(file, block), os);
+  writeHeadlineWithLinks(file, BlockFields(file, block), os);
   const BlockType* type = findBlockType(block.letters());
   if (type == nullptr) {
     return;

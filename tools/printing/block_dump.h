@@ -19,9 +19,12 @@ using namespace mdf_reader;
 /// nothing for a file that is too short for it.
 void dumpIdentification(InputFile& file, std::ostream& os);
 
+/// Writes a line with a block's offset, identifier, length and link count.
+void writeHeadline(const BlockFields& fields, std::ostream& os);
+
 /// Writes a line with a block's offset, identifier, length, link count and links as they are
 /// stored, each with the format's name for it where there is one: "dg_data=744".
-void writeHeadline(InputFile& file, const BlockFields& fields, std::ostream& os);
+void writeHeadlineWithLinks(InputFile& file, const BlockFields& fields, std::ostream& os);
 void writeIdentificationLine(std::ostream& os);
 
 /// Writes the block's line, then the library's dump of the block, if the library knows its type and

@@ -28,27 +28,42 @@ Json realValue(double number) {
   return std::isfinite(number) ? Json(number) : Json(shortestReal(number));
 }
 
-Json fieldValue(const BlockFields& block, const FieldLayout& field) {
+/// A character for each byte, whatever it is.
+std::string asUtf8(std::string_view bytes) {
+  std::string text;
+  for (const char character : bytes) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (byte < 0x80) {
+      text += character;
+    } else {
+      text += {static_cast<char>(0xC0U | (byte >> 6U)), static_cast<char>(0x80U | (byte & 0x3FU))};
+    }
+  }
+  return text;
+}
+
+Json fieldValue(const FieldLayout& field, std::string_view bytes) {
   switch (field.kind) {
     case FieldKind::unsigned_number:
-      return block.number(field.name);
+      return unsignedNumber(bytes);
     case FieldKind::signed_number:
-      return block.signedNumber(field.name);
+      return signedNumber(bytes);
     case FieldKind::real:
-      return realValue(block.real(field.name));
+      return realValue(loadLe<double>(bytes.data()));
     case FieldKind::bytes:
     case FieldKind::reserved:
       break;
   }
-  return block.shown(field);
+  return hexBytes(bytes);
 }
 
-/// The fields that are there, except reserved ones.
+/// The fields that are there.
 Json fieldValues(const BlockFields& block) {
   Json fields = Json::object();
   for (const FieldLayout& field : block.layout()->fields) {
-    if (field.kind != FieldKind::reserved && !block.bytes(field.name).empty()) {
-      fields[std::string(field.name)] = fieldValue(block, field);
+    const std::string_view bytes = block.bytes(field.name);
+    if (!bytes.empty()) {
+      fields[std::string(field.name)] = fieldValue(field, bytes);
     }
   }
   return fields;
@@ -104,11 +119,18 @@ void writeLinks(InputFile& file, const BlockFields& block, std::ostream& os) {
   });
 }
 
+/// Those of the block's header.
+std::string reservedBytes(InputFile& file, const RawBlock& raw) {
+  std::array<char, 4> bytes{};
+  return hexBytes({bytes.data(), file.readAt(raw.offset + raw.id.size(), bytes.data(), 4)});
+}
+
 void writeBlock(InputFile& file, const RawBlock& raw, std::uint64_t most_bytes, std::ostream& os) {
   const BlockFields block(file, raw);
   Json line = lineOf(file, raw.offset, printable(raw.letters()));
   line["length"] = raw.length;
   line["link_count"] = raw.link_count;
+  line["reserved"] = reservedBytes(file, raw);
   if (block.layout() != nullptr) {
     line["fields"] = fieldValues(block);
     addTail(file, block, most_bytes, line);
@@ -127,11 +149,8 @@ void writeIdentification(InputFile& file, std::ostream& os) {
   line["length"] = header_block_offset;
   for (const FieldLayout& field : identificationFields()) {
     const std::string_view stored(bytes.data() + field.offset, field.width);
-    if (field.kind == FieldKind::unsigned_number) {
-      line["fields"][std::string(field.name)] = unsignedNumber(stored);
-    } else if (field.kind == FieldKind::bytes) {
-      line["fields"][std::string(field.name)] = printable(stored);
-    }
+    line["fields"][std::string(field.name)] =
+        field.kind == FieldKind::bytes ? Json(asUtf8(stored)) : fieldValue(field, stored);
   }
   os << jsonLine(line) << '\n';
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "annotated_bytes.h"
 #include "block_dump.h"
 #include "reader/blocks/reading_limit.h"
 #include "reader/blocks/walker.h"
@@ -78,11 +77,11 @@ void dumpFile(InputFile& file, std::ostream& os, const FindingSink& report,
   os.flags(format);
 }
 
-void annotateFile(InputFile& file, std::ostream& os, std::uint64_t most_bytes,
+void annotateFile(InputFile& file, std::ostream& os, const BlockForm& form,
                   const FindingSink& report, const BlockSelection& selection) {
   workOnBlocks(file, selection,
-               {[&] { annotateIdentification(file, os); },
-                [&](const RawBlock& block) { annotateBlock(file, block, most_bytes, os); }},
+               {[&] { annotateIdentification(file, form, os); },
+                [&](const RawBlock& block) { annotateBlock(file, block, form, os); }},
                os, report);
 }
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "annotated_bytes.h"
 #include "reader/blocks/finding.h"
 #include "reader/blocks/raw_block.h"
 
@@ -44,8 +45,8 @@ void workOnBlocks(InputFile& file, const BlockSelection& selection, const BlockW
 void dumpFile(InputFile& file, std::ostream& os, const FindingSink& report,
               const BlockSelection& selection = {});
 
-/// Writes the bytes of the selected blocks, each with what it is; see annotateBlock().
-void annotateFile(InputFile& file, std::ostream& os, std::uint64_t most_bytes,
+/// Writes the fields of the selected blocks as the format has them; see annotateBlock().
+void annotateFile(InputFile& file, std::ostream& os, const BlockForm& form,
                   const FindingSink& report, const BlockSelection& selection = {});
 
 }  // namespace mdf_tools

@@ -62,9 +62,13 @@ TEST(BlockLayout, Identification) {
             "0 id_file bytes 8\n"
             "8 id_vers bytes 8\n"
             "16 id_prog bytes 8\n"
-            "24 id_reserved1 reserved 4\n"
+            "24 id_default_byte_order unsigned 2\n"
+            "26 id_float_format unsigned 2\n"
             "28 id_ver unsigned 2\n"
-            "30 id_reserved2 reserved 34\n");
+            "30 id_code_page unsigned 2\n"
+            "32 id_reserved reserved 28\n"
+            "60 id_unfin_flags unsigned 2\n"
+            "62 id_custom_unfin_flags unsigned 2\n");
 }
 
 TEST(BlockLayout, Header) {
