@@ -20,6 +20,38 @@ std::string versionText(unsigned version) {
   return std::to_string(version / 100) + (minor < 10 ? ".0" : ".") + std::to_string(minor);
 }
 
+bool hasHeaderBlock(InputFile& file) {
+  std::array<char, 4> bytes{};
+  file.readAt(header_block_offset, bytes.data(), bytes.size());
+  return std::string_view(bytes.data(), bytes.size()) == "##HD";
+}
+
+/// What an MDF file would not have, in words.
+std::string strangeness(InputFile& file, bool begins_like_one) {
+  if (file.size() == 0) {
+    return "it is empty";
+  }
+  if (begins_like_one) {
+    return "it has only " + std::to_string(file.size()) + " of the 64 bytes of identification";
+  }
+  std::array<char, 8> bytes{};
+  return "it begins with " + quoted({bytes.data(), file.readAt(0, bytes.data(), bytes.size())});
+}
+
+/// The version where it is not one of MDF 4, such as "3.30"; "" where it is, or is not told. Before
+/// version 4 the number may have its bytes in the other order, so the text comes first.
+std::string otherVersion(const Identification& id) {
+  const std::string text = id.version_text.substr(0, id.version_text.find(' '));
+  const auto is_digit = [](char each) { return each >= '0' && each <= '9'; };
+  if (text.size() >= 3 && is_digit(text[0]) && text[1] == '.' && is_digit(text[2])) {
+    return text[0] == '4' ? "" : text;
+  }
+  constexpr unsigned first = 400;
+  constexpr unsigned last = 499;
+  return id.version == 0 || (id.version >= first && id.version <= last) ? ""
+                                                                        : versionText(id.version);
+}
+
 }  // namespace
 
 bool Identification::isFinished() const { return file_word == "MDF     "; }
@@ -53,6 +85,21 @@ std::optional<Finding> identificationFinding(InputFile& file) {
     return Finding{0, "expected a file of MDF 4, found one of MDF " + versionText(id.version)};
   }
   return std::nullopt;
+}
+
+std::optional<Refusal> refusalOf(InputFile& file) {
+  const Identification id = readIdentification(file);
+  const bool is_mdf = id.isFinished() || id.isUnfinished();
+  if (file.size() >= header_block_offset && hasHeaderBlock(file)) {
+    return std::nullopt;
+  }
+  if (!is_mdf || file.size() < header_block_offset) {
+    return Refusal{false, "this is not an MDF file: " + strangeness(file, is_mdf)};
+  }
+  const std::string version = otherVersion(id);
+  return version.empty()
+             ? std::nullopt
+             : std::optional(Refusal{true, "this is MDF " + version + "; only 4.x is read"});
 }
 
 }  // namespace mdf_reader

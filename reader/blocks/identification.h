@@ -39,6 +39,16 @@ struct Identification {
 
 Identification readIdentification(InputFile& file);
 
+/// Why a file cannot be read at all.
+struct Refusal {
+  bool is_other_version;  ///< of MDF; otherwise it is not an MDF file
+  std::string sentence;   ///< to follow the file's name and a colon
+};
+
+/// Nothing for a file of MDF 4, whatever is wrong with it, and for any that has a header block
+/// where it should be.
+std::optional<Refusal> refusalOf(InputFile& file);
+
 /// What is wrong in the first 64 bytes for a file of MDF 4.
 std::optional<Finding> identificationFinding(InputFile& file);
 

@@ -65,10 +65,11 @@ TEST(Findings, EveryFileIsDumpedByTheProgram) {
   int files = 0;
   for (const fs::directory_entry& entry : fs::directory_iterator(folder() / "dump")) {
     SCOPED_TRACE(entry.path());
-    const RunResult result = run({"dump", entry.path().string()});
+    const RunResult result = run({"dump", "--library", entry.path().string()});
     const auto lines = std::count(result.messages.begin(), result.messages.end(), '\n');
     EXPECT_EQ(std::to_string(lines) + " findings", outcomeOf("dump", entry.path()));
-    EXPECT_EQ(result.exit_code, lines == 0 ? 0 : 1);
+    const bool is_mdf = fs::file_size(entry) >= 64;
+    EXPECT_EQ(result.exit_code, !is_mdf ? 2 : lines == 0 ? 0 : 1);
     ++files;
   }
   EXPECT_GT(files, 0);

@@ -71,10 +71,9 @@ void checkVersion(const Identification& id, const ProblemSink& report) {
 
 /// Whether there is a header block to go on from.
 bool checkIdentification(InputFile& file, const ProblemSink& report) {
-  if (file.size() < header_block_offset) {
-    report({Code::not_mdf, 0, "",
-            "expected 64 bytes of identification, found " + std::to_string(file.size()) +
-                " up to the end of the file"});
+  if (const auto refusal = refusalOf(file)) {
+    const Code code = refusal->is_other_version ? Code::version_wrong : Code::not_mdf;
+    report({code, 0, "", refusal->sentence});
     return false;
   }
   const Identification id = readIdentification(file);

@@ -13,6 +13,7 @@
 #include "file_command.h"
 #include "printing/json_output.h"
 #include "printing/style.h"
+#include "reader/blocks/identification.h"
 #include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
@@ -87,7 +88,7 @@ void writeJson(const FileContext& context, const Problem& problem) {
 
 int check(const std::vector<std::string>& paths, bool as_json) {
   int worst = exit_fine;
-  const int exit_code = onEachFile(paths, [&](const FileContext& context) {
+  const auto work = [&](const FileContext& context) {
     Counts counts;
     const std::uint64_t blocks = checkFile(context.file, [&](const Problem& problem) {
       ++counts[textOf(problem.code).severity];
@@ -98,11 +99,16 @@ int check(const std::vector<std::string>& paths, bool as_json) {
       }
     });
     context.out.flush();
+    if (refusalOf(context.file)) {
+      worst = exit_unusable;
+      return;
+    }
     std::cerr << "mdf: " << context.file.name() << ": " << summary(counts, blocks) << '\n';
     if (!counts.areFine()) {
-      worst = exit_problem;
+      worst = std::max<int>(worst, exit_problem);
     }
-  });
+  };
+  const int exit_code = onEachFile(paths, work, Input::anything);
   return std::max(worst, exit_code);
 }
 

@@ -17,6 +17,7 @@
 #include "command.h"
 #include "printing/output_buffer.h"
 #include "printing/progress.h"
+#include "reader/blocks/identification.h"
 #include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
@@ -31,11 +32,15 @@ void complain(const std::string& sentence) { std::cerr << "mdf: " << sentence <<
 bool wantsProgress() { return isatty(STDERR_FILENO) != 0 && !outputIsTerminal(); }
 
 /// The work on one file; returns its exit code.
-int onFile(const std::string& path, bool is_one_of_several, std::ostream& out,
+int onFile(const std::string& path, bool is_one_of_several, Input input, std::ostream& out,
            const std::function<void(const FileContext&)>& work) {
   int exit_code = exit_fine;
   try {
     InputFile file(path);
+    const auto refusal = input == Input::mdf4 ? refusalOf(file) : std::nullopt;
+    if (refusal) {
+      throw UnreadableFile(file.name() + ": " + refusal->sentence);
+    }
     std::optional<Progress> progress;
     if (wantsProgress()) {
       progress.emplace(file, std::cerr, std::chrono::seconds(1));
@@ -98,12 +103,12 @@ std::shared_ptr<std::vector<std::string>> addFileArguments(CLI::App& command) {
 }
 
 int onEachFile(const std::vector<std::string>& paths,
-               const std::function<void(const FileContext&)>& work) {
+               const std::function<void(const FileContext&)>& work, Input input) {
   OutputBuffer output(stdout, outputForm());
   int exit_code = exit_fine;
   for (const std::string& path : paths) {
     std::ostream out(&output);
-    exit_code = std::max(exit_code, onFile(path, paths.size() > 1, out, work));
+    exit_code = std::max(exit_code, onFile(path, paths.size() > 1, input, out, work));
     const int output_code = finish(output);
     if (output_code != exit_fine) {
       return std::max(exit_code, output_code);

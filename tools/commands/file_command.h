@@ -33,11 +33,17 @@ struct FileContext {
 /// Adds the argument FILE... to a command.
 std::shared_ptr<std::vector<std::string>> addFileArguments(CLI::App& command);
 
+/// What the work of a command is done on.
+enum class Input {
+  mdf4,     ///< other files are refused with a sentence
+  anything  ///< the work tells what is wrong with a file that is none of MDF 4
+};
+
 /// Does a command's work on each file in turn, and returns the exit code for all: problems that are
-/// reported, files that cannot be opened and failing output count. Work on a file goes on after a
-/// finding, and on the other files after an unreadable one.
+/// reported, files that cannot be opened or read and failing output count. Work on a file goes on
+/// after a finding, and on the other files after an unreadable one.
 int onEachFile(const std::vector<std::string>& paths,
-               const std::function<void(const FileContext&)>& work);
+               const std::function<void(const FileContext&)>& work, Input input = Input::mdf4);
 
 /// Prints what was gathered from all files to standard output; returns the exit code.
 int printToOutput(const std::string& text);

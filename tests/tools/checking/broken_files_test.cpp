@@ -82,8 +82,7 @@ BrokenFiles brokenFrames() {
       {"0 error not-mdf: expected \"MDF     \" or \"UnFinMF \" at the beginning, found "
        "\"mDF     \"",
        changed(0, "m")},
-      {"0 error not-mdf: expected 64 bytes of identification, found 3 up to the end of the file",
-       "MDF"},
+      {"0 error not-mdf: this is not an MDF file: it begins with \"MDF\"", "MDF"},
       {"0 error version-wrong: expected a version number from 400 to 499, found 510",
        SmallFile("MDF     ", 510).bytes()},
       {"0 warning version-text-wrong: expected the version text \"4.10\" for the version number "

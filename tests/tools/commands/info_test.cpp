@@ -106,32 +106,6 @@ TEST(InfoCommand, UnfinishedFilesSayWhatIsOpen) {
           "                  0  outside blocks\n");
 }
 
-TEST(InfoCommand, WhatIsNoMeasurementFileIsSaidOnce) {
-  const TempFile temp("a letter, and nothing that anybody has measured, in more than 64 bytes");
-  const RunResult result = run({"info", temp.path()});
-  EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.messages,
-            "mdf: " + temp.path() +
-                ": 0 (0x0): expected the file identifier \"MDF     \" or \"UnFinMF \", found \"a "
-                "letter\"\n"
-                "mdf: " +
-                temp.path() +
-                ": 64 (0x40): expected the header block's 24 bytes of common header, found 6 up to "
-                "the file's end\n");
-  EXPECT_EQ(result.output, "File:      " + temp.path() +
-                               ", 70 bytes\n"
-                               "Format:    \"a letter\" version \", and no\" (31086), written by "
-                               "\"thing th\"\n"
-                               "State:     not stated\n"
-                               "Start:     not stated, clock: local PC\n"
-                               "Duration:  not stated\n"
-                               "Contents:  0 data groups, 0 channel groups, 0 channels, 0 "
-                               "attachments, 0 events, 0 hierarchy entries, 0 history entries\n"
-                               "\n"
-                               "type  blocks  bytes\n"
-                               "                  6  outside blocks\n");
-}
-
 TEST(InfoCommand, WhereAnglesAndDistancesBegin) {
   const auto position = [](std::uint8_t flags) {
     FileBuilder file;
@@ -221,13 +195,6 @@ TEST(InfoCommand, SeveralFilesAndOneThatIsNotThere) {
   const json document =
       json::parse(run({"info", "--json", one.path(), "/nowhere/a.mf4", one.path()}).output);
   EXPECT_EQ(document["files"].size(), 2U);
-}
-
-TEST(InfoCommand, WhatIsNoMeasurementFileIsAProblem) {
-  const TempFile temp(std::string("hello\n"));
-  const RunResult result = run({"info", temp.path()});
-  EXPECT_EQ(result.exit_code, 1);
-  EXPECT_NE(result.messages.find("expected 64 bytes of identification"), std::string::npos);
 }
 
 TEST(InfoCommand, BytesThatAreNoUtf8StayOutOfJson) {

@@ -72,8 +72,7 @@ TEST(Progress, OfAQuickCommandOnATerminalNothingIsSeen) {
   options.error_is_terminal = true;
   const RunResult result = run({"list", "blocks", temp.path()}, options);
   EXPECT_EQ(result.messages,
-            "mdf: " + temp.path() +
-                ": 0 (0x0): expected 64 bytes of identification, found 10 up to the file's end\n");
+            "mdf: " + temp.path() + ": this is not an MDF file: it begins with \"xxxxxxxx\"\n");
 }
 
 }  // namespace
