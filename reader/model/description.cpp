@@ -140,6 +140,7 @@ ChannelGroup DescriptionReader::channelGroup(const BlockFields& block) {
   group.index = group_count_++;
   group.name = text(block.link(2));
   group.source = block.link(3);
+  group.source_name = readSource(file_, group.source, texts_).name;
   group.first_reduction = block.link(4);
   group.comment = text(block.link(5));
   group.record_id = block.number("cg_record_id");

@@ -121,6 +121,7 @@ struct ChannelGroup {
   std::string_view name;  ///< the acquisition's
   std::string_view comment;
   std::uint64_t source = 0;
+  std::string_view source_name;
   std::uint64_t record_id = 0;
   std::uint64_t cycles = 0;
   unsigned flags = 0;
@@ -131,6 +132,9 @@ struct ChannelGroup {
   /// The element that its records are of, where an array has its elements in records of their own.
   std::optional<std::size_t> element;
   std::vector<Channel> channels;  ///< each followed by its members; none if they are not kept
+
+  /// The acquisition's name or, where it has none, its source's.
+  std::string_view shownName() const { return name.empty() ? source_name : name; }
 
   bool holdsVariableLength() const { return (flags & is_variable_length) != 0; }
 

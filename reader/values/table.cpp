@@ -10,6 +10,7 @@
 #include "../blocks/raw_block.h"
 #include "../bytes/input_file.h"
 #include "../model/element_groups.h"
+#include "../model/group_choice.h"
 #include "column_list.h"
 #include "remote_master.h"
 
@@ -141,7 +142,7 @@ bool Tables::haveDataOfTheirOwn(const DataGroup& data_group) {
 }
 
 bool Tables::isWanted(const ChannelGroup& group) const {
-  return !group.holdsVariableLength() && selection_.group.value_or(group.index) == group.index;
+  return !group.holdsVariableLength() && isChosen(group, selection_.group);
 }
 
 /// The wanted columns of a group, after its own master channel's; none when no channel is wanted.

@@ -21,7 +21,7 @@ class InputFile;
 /// Which samples are wanted, and how.
 struct Selection {
   std::vector<std::string> channels;  ///< patterns as for file names; none for all channels
-  std::optional<std::size_t> group;   ///< the number of a channel group among all of the file
+  std::string group;                  ///< see isChosen(); "" for all channel groups
   std::optional<double> from;         ///< limits of the master channel's values
   std::optional<double> to;
   bool is_raw = false;  ///< values as they are stored, without conversions

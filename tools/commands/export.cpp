@@ -221,9 +221,9 @@ int run(const Request& request) {
     });
     const std::size_t count = visitTables(context.file, *request.selection, *writer, context.report,
                                           notesOf(context.file.name()));
-    if (count == 0 && (!request.selection->channels.empty() || request.selection->group)) {
-      complainOfNothing(context.file.name(), *request.selection);
-      exit_code = exit_unusable;
+    if (count == 0 && !(request.selection->channels.empty() && request.selection->group.empty())) {
+      notesOf(context.file.name())(nothingChosen(*request.selection));
+      exit_code = exit_problem;
     }
   });
   destination.close();

@@ -1,4 +1,6 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -6,7 +8,7 @@
 #include "block_type_option.h"
 #include "command.h"
 #include "file_command.h"
-#include "number_option.h"
+#include "group_option.h"
 #include "printing/listing.h"
 #include "reader/bytes/input_file.h"
 
@@ -29,13 +31,20 @@ struct ListKind {
 };
 
 int runList(const ListKind& kind, const std::vector<std::string>& paths, ListOptions options) {
-  return onEachFile(paths, [&](const FileContext& context) {
+  bool is_chosen = true;
+  const int exit_code = onEachFile(paths, [&](const FileContext& context) {
     options.file_name = context.is_one_of_several ? context.file.name() : "";
+    options.no_such_group = [&] {
+      is_chosen = false;
+      std::cerr << "mdf: " << context.file.name() << ": note: " << noGroupChosen(options.group)
+                << '\n';
+    };
     if (context.is_one_of_several && !options.as_json) {
       context.out << context.file.name() << ":\n";
     }
     kind.list(context.file, options, context.out, context.report);
   });
+  return std::max<int>(exit_code, is_chosen ? exit_fine : exit_problem);
 }
 
 void addList(CLI::App& list_command, const ListKind& kind, int& exit_code) {
@@ -44,9 +53,7 @@ void addList(CLI::App& list_command, const ListKind& kind, int& exit_code) {
   const auto options = std::make_shared<ListOptions>();
   const bool has_groups = kind.list == listChannels;
   if (has_groups) {
-    command->add_option("--group", options->group, "Only the channel group with this index")
-        ->check(isCount())
-        ->type_name("N");
+    addGroupOption(*command, options->group);
   }
   if (kind.list != listBlocks) {
     command

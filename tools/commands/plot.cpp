@@ -101,8 +101,8 @@ int collect(const Request& request, std::size_t width, std::vector<Curve>& curve
            std::to_string(collector.leftOut()) + " more are left out");
     }
     if (count == 0) {
-      complainOfNothing(name, *request.selection);
-      exit_code = exit_unusable;
+      note(nothingChosen(*request.selection));
+      exit_code = exit_problem;
     }
   });
   return std::max(exit_code, reading);

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "group_option.h"
 #include "number_option.h"
 
 namespace mdf_tools {
@@ -14,9 +15,7 @@ std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_sev
                   "Channels whose name matches a pattern with *, ? and [...]; may be repeated")
       ->type_name("GLOB")
       ->allow_extra_args(takes_several);
-  command.add_option("-g,--group", selection->group, "The channel group with this number alone")
-      ->type_name("N")
-      ->check(isCount());
+  addGroupOption(command, selection->group);
   command.add_option("--from", selection->from, "Samples from this time (master value) on")
       ->type_name("T")
       ->check(isNumber());
@@ -32,21 +31,16 @@ std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_sev
   return selection;
 }
 
-void complainOfNothing(const std::string& file_name, const Selection& selection) {
-  std::cerr << "mdf: " << file_name << ": no ";
-  if (!selection.channels.empty()) {
-    std::cerr << "channel matches";
-    for (const std::string& pattern : selection.channels) {
-      std::cerr << " \"" << pattern << '"';
-    }
-  } else {
-    std::cerr << "channel group with channels";
+std::string nothingChosen(const Selection& selection) {
+  if (selection.channels.empty()) {
+    return noGroupChosen(selection.group);
   }
-  if (selection.group) {
-    std::cerr << (selection.channels.empty() ? " and the number " : " in channel group ")
-              << *selection.group;
+  std::string sentence = "no channel matches";
+  for (const std::string& pattern : selection.channels) {
+    sentence += " \"" + pattern + '"';
   }
-  std::cerr << '\n';
+  return sentence +
+         (selection.group.empty() ? "" : " in a channel group \"" + selection.group + '"');
 }
 
 NoteSink notesOf(const std::string& file_name) {

@@ -19,8 +19,8 @@ using namespace mdf_reader;
 /// @param takes_several whether one --channel may be followed by several patterns.
 std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_several);
 
-/// Says on standard error that a file has none of the chosen samples.
-void complainOfNothing(const std::string& file_name, const Selection& selection);
+/// "no channel matches ...", for a file that has none of the samples that are wanted.
+std::string nothingChosen(const Selection& selection);
 
 /// Says a sentence about a file on standard error.
 NoteSink notesOf(const std::string& file_name);

@@ -15,6 +15,7 @@
 #include "reader/model/attachments.h"
 #include "reader/model/description.h"
 #include "reader/model/events.h"
+#include "reader/model/group_choice.h"
 #include "shown_number.h"
 #include "text_table.h"
 
@@ -253,22 +254,18 @@ void listChannels(InputFile& file, const ListOptions& options, std::ostream& out
                   const FindingSink& report) {
   EntryList entries(channelTable(), options, out);
   ChannelLister lister(file, entries);
-  const Measurement measurement =
-      readMeasurement(file, report, [&](const ChannelGroup& group, const Channel& channel) {
-        if ((!options.group || *options.group == group.index) && isNamedSo(channel.name, options) &&
-            isOfType(channelTypeName(channel.type), options)) {
-          lister.add(group, channel);
-        }
-      });
-  std::size_t group_count = 0;
-  for (const DataGroup& data_group : measurement.data_groups) {
-    group_count += data_group.groups.size();
-  }
-  if (options.group && *options.group >= group_count) {
-    report({header_block_offset, "expected a channel group " + std::to_string(*options.group) +
-                                     ", found " + std::to_string(group_count) +
-                                     (group_count == 1 ? " channel group" : " channel groups") +
-                                     ", counted from 0"});
+  bool is_chosen = options.group.empty();
+  readMeasurement(file, report, [&](const ChannelGroup& group, const Channel& channel) {
+    if (!isChosen(group, options.group)) {
+      return;
+    }
+    is_chosen = true;
+    if (isNamedSo(channel.name, options) && isOfType(channelTypeName(channel.type), options)) {
+      lister.add(group, channel);
+    }
+  });
+  if (!is_chosen) {
+    options.no_such_group();
   }
   entries.finish();
 }

@@ -1,8 +1,7 @@
 #ifndef MDF_TOOLS_PRINTING_LISTING_H_
 #define MDF_TOOLS_PRINTING_LISTING_H_
 
-#include <cstddef>
-#include <optional>
+#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -19,12 +18,13 @@ using namespace mdf_reader;
 
 /// What a list holds and how it looks. What is not set chooses everything.
 struct ListOptions {
-  std::optional<std::size_t> group;  ///< index of a channel group
-  std::string name_pattern;          ///< with * ? [...] as in a shell; "" for any
-  std::vector<std::string> types;    ///< as the list shows them, or letters of blocks
-  std::string sort_column;           ///< a column's title; "" leaves the file's order
-  bool as_json = false;              ///< an object on each line
-  std::string file_name;             ///< said in each object, when there are several files
+  std::string group;               ///< see isChosen(); "" for all channel groups
+  std::string name_pattern;        ///< with * ? [...] as in a shell; "" for any
+  std::vector<std::string> types;  ///< as the list shows them, or letters of blocks
+  std::string sort_column;         ///< a column's title; "" leaves the file's order
+  bool as_json = false;            ///< an object on each line
+  std::string file_name;           ///< said in each object, when there are several files
+  std::function<void()> no_such_group = [] {};  ///< called when no group with channels is chosen
 };
 
 /// The columns that a list can be sorted by.

@@ -35,10 +35,6 @@ TEST(CommandLine, NumbersThatAreNoneAreRefused) {
   const auto refused = [](const std::vector<std::string>& words, const std::string& sentence) {
     expectRefused(words, "mdf: " + sentence + '\n');
   };
-  refused({"list", "channels", "--group", "-1", "file"},
-          "--group: \"-1\" is not a number such as 0, 1 or 20");
-  refused({"export", "--group", "first", "file"},
-          "--group: \"first\" is not a number such as 0, 1 or 20");
   refused({"tree", "--depth", "-1", "file"}, "--depth: \"-1\" is not a number such as 0, 1 or 20");
   refused({"graph", "-o", "a.svg", "--depth", "2.5", "file"},
           "--depth: \"2.5\" is not a number such as 0, 1 or 20");

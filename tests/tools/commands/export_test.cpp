@@ -178,12 +178,12 @@ TEST(ExportCommand, FullDisk) {
 TEST(ExportCommand, NothingThatIsWanted) {
   const TempFile file(twoTables());
   const RunResult channel = run({"export", file.path(), "-c", "a*", "-c", "b"});
-  EXPECT_EQ(channel.exit_code, 2);
-  EXPECT_EQ(channel.messages, "mdf: " + file.path() + ": no channel matches \"a*\" \"b\"\n");
-  const RunResult group = run({"export", file.path(), "-g", "7"});
-  EXPECT_EQ(group.exit_code, 2);
-  EXPECT_EQ(group.messages,
-            "mdf: " + file.path() + ": no channel group with channels and the number 7\n");
+  EXPECT_EQ(channel.exit_code, 1);
+  EXPECT_EQ(channel.messages, "mdf: " + file.path() + ": note: no channel matches \"a*\" \"b\"\n");
+  const RunResult group = run({"export", file.path(), "-g", "1", "-c", "none"});
+  EXPECT_EQ(group.exit_code, 1);
+  EXPECT_EQ(group.messages, "mdf: " + file.path() +
+                                ": note: no channel matches \"none\" in a channel group \"1\"\n");
 }
 
 TEST(ExportCommand, ProblemsOfTheFile) {

@@ -104,15 +104,6 @@ TEST(ListCommand, ChannelsChosenAndSorted) {
   EXPECT_EQ(names({"--sort", "bits"}), "inner speed outer t ");
 }
 
-TEST(ListCommand, AGroupThatIsNotThereIsReported) {
-  const TempFile temp(threeChannels().bytes());
-  const RunResult result = run({"list", "channels", "--group", "1", temp.path()});
-  EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.messages, "mdf: " + temp.path() +
-                                 ": 64 (0x40): expected a channel group 1, found 1 channel "
-                                 "group, counted from 0\n");
-}
-
 TEST(ListCommand, BlockTypesThatThereAreNotAreRefused) {
   const RunResult result = run({"list", "blocks", "--type", "CN,foo", "file"});
   EXPECT_EQ(result.exit_code, 2);
@@ -120,17 +111,6 @@ TEST(ListCommand, BlockTypesThatThereAreNotAreRefused) {
   EXPECT_EQ(result.messages,
             "mdf: --type: there is no block type \"FOO\"; types have two letters, such as CN or "
             "CC\n");
-}
-
-TEST(ListCommand, AFileOfAnEarlierVersionIsNamed) {
-  FileBuilder file("MDF     ", 310);
-  file.write(64, "HD  ");
-  const TempFile temp(file.bytes());
-  const RunResult result = run({"list", "events", temp.path()});
-  EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.output, "offset  position  unit  kind  range  cause  name  comment\n");
-  EXPECT_EQ(result.messages,
-            "mdf: " + temp.path() + ": 0 (0x0): expected a file of MDF 4, found one of MDF 3.10\n");
 }
 
 TEST(ListCommand, ChannelsAsJson) {
@@ -242,7 +222,6 @@ TEST(ListCommand, WrongArguments) {
   EXPECT_EQ(run({"list", "wheels", temp.path()}).exit_code, 2);
   EXPECT_EQ(run({"list", "blocks", "--sort", "colour", temp.path()}).exit_code, 2);
   EXPECT_EQ(run({"list", "blocks", "--group", "1", temp.path()}).exit_code, 2);
-  EXPECT_EQ(run({"list", "channels", "--group", "-1", temp.path()}).exit_code, 2);
 }
 
 TEST(ListCommand, ProblemsGoToStandardError) {

@@ -213,9 +213,9 @@ TEST(PlotCommand, WithoutGnuplot) {
 TEST(PlotCommand, NothingThatIsWanted) {
   const TempFile file(risingFile());
   const RunResult result = run({"plot", file.path(), "-c", "none", "--format", "svg"});
-  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.exit_code, 1);
   EXPECT_EQ(result.output, "");
-  EXPECT_EQ(result.messages, "mdf: " + file.path() + ": no channel matches \"none\"\n");
+  EXPECT_EQ(result.messages, "mdf: " + file.path() + ": note: no channel matches \"none\"\n");
 }
 
 TEST(PlotCommand, WrongOptions) {

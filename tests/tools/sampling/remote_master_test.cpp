@@ -43,7 +43,7 @@ std::uint64_t addRemote(FileBuilder& file, const std::string& letters, std::uint
 
 Selection onlyGroup(std::size_t group) {
   Selection selection;
-  selection.group = group;
+  selection.group = std::to_string(group);
   return selection;
 }
 

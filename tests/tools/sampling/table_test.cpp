@@ -679,9 +679,9 @@ TEST(Table, GroupsAreCountedThroughTheFile) {
   file.addDataGroup({file.addChannelGroup({1, 1}, {file.addChannel(number("other", 0, 0, 8))})},
                     file.addData("A"));
   Selection selection;
-  selection.group = 1;
+  selection.group = "1";
   EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "other\n65\n");
-  selection.group = 2;
+  selection.group = "2";
   EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "");
 }
 
