@@ -179,16 +179,11 @@ const BlockLayout* findLayout(std::string_view letters) {
 const std::vector<FieldLayout>& identificationFields() {
   constexpr FieldKind number = FieldKind::unsigned_number;
   static const std::vector<FieldLayout> fields = {
-      {"id_file", FieldKind::bytes, 0, 8},
-      {"id_vers", FieldKind::bytes, 8, 8},
-      {"id_prog", FieldKind::bytes, 16, 8},
-      {"id_default_byte_order", number, 24, 2},
-      {"id_float_format", number, 26, 2},
-      {"id_ver", number, 28, 2},
-      {"id_code_page", number, 30, 2},
-      {"id_reserved", FieldKind::reserved, 32, 28},
-      {"id_unfin_flags", number, 60, 2},
-      {"id_custom_unfin_flags", number, 62, 2}};
+      {"id_file", FieldKind::bytes, 0, 8},  {"id_vers", FieldKind::bytes, 8, 8},
+      {"id_prog", FieldKind::bytes, 16, 8}, {"id_default_byte_order", number, 24, 2},
+      {"id_float_format", number, 26, 2},   {"id_ver", number, 28, 2},
+      {"id_code_page", number, 30, 2},      {"id_reserved", FieldKind::reserved, 32, 28},
+      {"id_unfin_flags", number, 60, 2},    {"id_custom_unfin_flags", number, 62, 2}};
   return fields;
 }
 

@@ -44,8 +44,8 @@ struct BlockLayout {
 /// block ("CA") and the blocks of version 4.2, which it has no classes for. Null for any other.
 const BlockLayout* findLayout(std::string_view letters);
 
-/// The fields of the 64 bytes of identification, from the file's first byte on. Those that version 4
-/// reserves are named as the versions before name them, and the flags of unfinished files apart.
+/// The fields of the 64 bytes of identification, from the file's first byte on. Those that version
+/// 4 reserves are named as the versions before name them, and the flags of unfinished files apart.
 /// Bytes are characters here.
 const std::vector<FieldLayout>& identificationFields();
 

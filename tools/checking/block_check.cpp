@@ -137,9 +137,9 @@ void LinkCheck::checkFound(std::uint64_t number, std::uint32_t found) const {
 }
 
 /// Whether a block that belongs in one list or tree has its place in another. Texts, sources,
-/// conversions and data may have several that lead to them.
+/// arrays, conversions and data may have several that lead to them.
 bool LinkCheck::isShared(const BlockEntry& target, std::uint64_t number) const {
-  constexpr std::string_view with_a_place = "DG CG CN CA SR CH EV AT FH";
+  constexpr std::string_view with_a_place = "DG CG CN SR CH EV AT FH";
   return isAmongTargets(with_a_place, target.letters()) && !target.by_reference &&
          (target.parent != index_ || target.link != number);
 }

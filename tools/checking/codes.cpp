@@ -229,6 +229,11 @@ data may be lost.)"},
        R"(Two data groups or sample reductions have the same data block or data list, or one has
 it twice. It is counted once.)",
        R"(Correct the program that wrote the file, unless both are meant to have the same records.)"},
+  };
+}
+
+Texts channelCodes() {
+  return {
       {Code::channel_outside_record, "channel-outside-record", Severity::error,
        "A channel is outside the record",
        R"(Bits of the channel, or of an element of an array, are outside the data bytes of its
@@ -285,7 +290,8 @@ in seconds, radians or metres.)"},
 const Texts& allCodes() {
   static const Texts all = [] {
     Texts codes;
-    for (const Texts& part : {fileCodes(), linkCodes(), blockCodes(), dataCodes(), recordCodes()}) {
+    for (const Texts& part :
+         {fileCodes(), linkCodes(), blockCodes(), dataCodes(), recordCodes(), channelCodes()}) {
       codes.insert(codes.end(), part.begin(), part.end());
     }
     return codes;

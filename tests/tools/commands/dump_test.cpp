@@ -240,9 +240,8 @@ TEST(DumpCommand, HelpTeachesWithExamples) {
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.messages, "");
   for (const std::string text :
-       {"Usage: mdf dump [OPTIONS] FILE...", "- is standard input",
-        "Control characters", "Examples:\n  mdf dump trip.mf4 | less",
-        "Exit code: 0 fine, 1 problems"}) {
+       {"Usage: mdf dump [OPTIONS] FILE...", "- is standard input", "Control characters",
+        "Examples:\n  mdf dump trip.mf4 | less", "Exit code: 0 fine, 1 problems"}) {
     EXPECT_NE(result.output.find(text), std::string::npos) << text;
   }
 }

@@ -127,7 +127,7 @@ TEST(PlotCommand, JsonHasThePointsAndNullForGaps) {
 TEST(PlotCommand, JsonWithoutCurvesIsADocumentToo) {
   const TempFile file(risingFile());
   const RunResult result = run({"plot", file.path(), "-c", "none", "--json"});
-  EXPECT_EQ(result.exit_code, 2);
+  EXPECT_EQ(result.exit_code, 1);
   EXPECT_EQ(result.output, "{\"schema\":1,\"curves\":[]}\n");
 }
 

@@ -53,7 +53,7 @@ RunResult runOn(std::vector<std::string> words, const std::string& path) {
 }
 
 /// An identification of an earlier version, without the "##" of version 4 after it.
-std::string earlierFile(const std::string& version_text, unsigned version) {
+std::string earlierFile(const std::string& version_text, std::uint16_t version) {
   return Bytes()
       .text("MDF     " + version_text + "    testprog")
       .zeros(4)

@@ -111,7 +111,7 @@ TEST(BlockFields, ShowsNumbersAndBytes) {
   const Block block(file, at);
   std::string text;
   for (const auto& field : block->layout()->fields) {
-    text += block->shown(field) + '\n';
+    text += mdf_reader::shownField(field, block->bytes(field.name)) + '\n';
   }
   EXPECT_EQ(text, "5\n-60\n60\n1\n2\n3\n04\n0.1\n1e+300\n");
   EXPECT_EQ(block->signedNumber("hd_tz_offset_min"), -60);
