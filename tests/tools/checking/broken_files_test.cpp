@@ -256,6 +256,16 @@ std::string withList(const std::string& list_fields) {
   return file.bytes();
 }
 
+/// The same with a list for each block. The first one's block is longer than it says.
+std::string withListsOfEqualLength() {
+  SmallFile file;
+  const auto first = file.addData(Bytes().zeros(9));
+  const auto second = file.addData(Bytes().zeros(9));
+  const auto last = file.add("DL", {0, second}, Bytes().u8s({1, 0, 0, 0}).u32(1).u64(9));
+  file.replaceData(file.add("DL", {last, first}, Bytes().u8s({1, 0, 0, 0}).u32(1).u64(8)));
+  return file.bytes();
+}
+
 std::string withZip(std::uint64_t original_size, const std::string& stream,
                     std::uint64_t stream_size = 29) {
   SmallFile file;
@@ -280,6 +290,8 @@ BrokenFiles brokenData() {
        withList(Bytes().zeros(4).u32(2).u64(0).u64(8))},
       {"848 error equal-length-broken: expected 8 bytes of data at dl_data[0], found 9" + in_list,
        withList(Bytes().u8s({1, 0, 0, 0}).u32(2).u64(8))},
+      {"904 error equal-length-broken: expected 8 bytes of data at dl_data[0], found 9" + in_list,
+       withListsOfEqualLength()},
       {"768 error zip-length-wrong: expected the 30 compressed bytes in the block, found room for "
        "29" +
            in_zip,

@@ -352,6 +352,13 @@ TEST(DumpCommand, BytesWithTheirFields) {
             "  0x000003d8  00 00 00 00 00 00 00 40  cc_val[1] = 2\n");
 }
 
+TEST(DumpCommand, CharactersBesideBytesAreThoseOfAscii) {
+  FileBuilder file;
+  const auto at = file.text(" ~\x1f\x7f\x80");
+  EXPECT_NE(printed(file.bytes(), {"--hex", "--at", std::to_string(at)}).find("| ~....|\n"),
+            std::string::npos);
+}
+
 TEST(DumpCommand, BytesOfDataAsFarAsWanted) {
   const std::string line =
       "224 (0xe0) ##MD length 40 links 0\n"

@@ -37,6 +37,12 @@ TEST(TreeCommand, LongChainsAreWholeWhenAllIsWanted) {
   const TempFile file(builder.bytes());
   const std::string rest = run({"tree", file.path()}).output;
   EXPECT_EQ(rest.substr(rest.size() - 17), "  ... 50 more FH\n");
+  const std::string json = run({"tree", "--json", file.path()}).output;
+  EXPECT_EQ(json.substr(json.rfind('{')),
+            R"({"schema":1,"file":")" + file.path() +
+                R"(","entry":"left out","depth":1,"from":5712,"role":"fh_fh_next","offset":5768,)"
+                R"("type":"FH","count":50})"
+                "\n");
   const std::string all = run({"tree", "--all", file.path()}).output;
   EXPECT_EQ(all.substr(all.size() - 33), "  fh_fh_next -> FH 8512 (0x2140)\n");
 }
