@@ -13,7 +13,7 @@ namespace mdf_fuzz {
 
 namespace {
 
-using mdf_tools::Problem;
+using Problem = mdf_reader::Finding;
 
 bool isPrintable(char character) { return character >= 0x20 && character < 0x7F; }
 
@@ -32,7 +32,7 @@ void expectSound(const Problem& problem, std::uint64_t file_size) {
 /// Zipped data may hold much more than its block; everything else is in proportion to the file.
 std::size_t memoryFor(std::string_view input) {
   constexpr std::size_t most_from_a_byte = 1032;
-  return (std::size_t{1} << 20U) + 4 * most_from_a_byte * input.size();
+  return (std::size_t{1} << 26U) + 4 * most_from_a_byte * input.size();
 }
 
 }  // namespace

@@ -28,4 +28,11 @@ std::string upToTheEnd(std::uint64_t bytes) {
   return "found " + std::to_string(bytes) + " up to the file's end";
 }
 
+std::string notRead(std::uint64_t bytes) {
+  if (bytes == 0) {
+    return "";
+  }
+  return "; " + std::to_string(bytes) + (bytes == 1 ? " byte was" : " bytes were") + " not read";
+}
+
 }  // namespace mdf_reader

@@ -6,12 +6,16 @@
 #include <string>
 #include <string_view>
 
+#include "codes.h"
+
 namespace mdf_reader {
 
 /// A problem in a file.
 struct Finding {
-  std::uint64_t offset;  ///< of the block that has the problem
+  Code code;             ///< says how bad it is, see textOf()
+  std::uint64_t offset;  ///< of the block that has the problem, or of the first byte that has it
   std::string sentence;  ///< what was expected and what was found
+  std::string path{};    ///< how the block is reached from the header block; "" where nobody asked
 };
 
 /// Takes findings as they are made: a file may hold more of them than memory does.
@@ -28,6 +32,9 @@ std::string quoted(std::string_view bytes);
 
 /// "found 12 up to the file's end".
 std::string upToTheEnd(std::uint64_t bytes);
+
+/// "; 12 bytes were not read"; "" for none.
+std::string notRead(std::uint64_t bytes);
 
 }  // namespace mdf_reader
 

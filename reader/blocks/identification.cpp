@@ -74,15 +74,18 @@ Identification readIdentification(InputFile& file) {
 std::optional<Finding> identificationFinding(InputFile& file) {
   constexpr unsigned first_version = 400;
   if (file.size() < header_block_offset) {
-    return Finding{0, "expected 64 bytes of identification, " + upToTheEnd(file.size())};
+    return Finding{Code::not_mdf, 0,
+                   "expected 64 bytes of identification, " + upToTheEnd(file.size())};
   }
   const Identification id = readIdentification(file);
   if (!id.isFinished() && !id.isUnfinished()) {
-    return Finding{0, "expected the file identifier \"MDF     \" or \"UnFinMF \", found " +
-                          quoted(id.file_word)};
+    return Finding{
+        Code::not_mdf, 0,
+        "expected the file identifier \"MDF     \" or \"UnFinMF \", found " + quoted(id.file_word)};
   }
   if (id.version != 0 && id.version < first_version) {
-    return Finding{0, "expected a file of MDF 4, found one of MDF " + versionText(id.version)};
+    return Finding{Code::version_wrong, 0,
+                   "expected a file of MDF 4, found one of MDF " + versionText(id.version)};
   }
   return std::nullopt;
 }

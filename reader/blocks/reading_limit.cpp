@@ -9,7 +9,7 @@ bool ReadingLimit::allows(const RawBlock& block, std::uint64_t bytes) {
   }
   if (!is_reported_) {
     is_reported_ = true;
-    report_({block.offset,
+    report_({Code::work_limited, block.offset,
              "expected blocks that do not overlap, found several times the file's bytes in "
              "overlapping blocks; some of them are skipped"});
   }

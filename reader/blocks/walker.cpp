@@ -38,7 +38,8 @@ class Walker {
   bool hasBlock(std::uint64_t offset);
   void followLinksAt(std::uint64_t offset);
   void follow(const RawBlock& from, std::uint64_t index, std::int64_t link);
-  void reportLink(const RawBlock& from, std::uint64_t index, const std::string& expected_found);
+  void reportLink(Code code, const RawBlock& from, std::uint64_t index,
+                  const std::string& expected_found);
 
   void add(const RawBlock& block) {
     seen_.insert(block.offset);
@@ -63,13 +64,14 @@ bool Walker::hasIdentification() {
 bool Walker::hasHeaderBlock() {
   const auto root = readRawBlock(file_, header_block_offset);
   if (!root) {
-    report_({header_block_offset, "expected the header block's 24 bytes of common header, " +
-                                      upToTheEnd(file_.sizeFrom(header_block_offset))});
+    report_({Code::header_missing, header_block_offset,
+             "expected the header block's 24 bytes of common header, " +
+                 upToTheEnd(file_.sizeFrom(header_block_offset))});
     return false;
   }
   if (root->name() != "##HD") {
-    report_(
-        {header_block_offset, "expected the header block \"##HD\", found \"" + root->name() + '"'});
+    report_({Code::header_missing, header_block_offset,
+             "expected the header block \"##HD\", found \"" + root->name() + '"'});
   }
   if (root->hasId()) {
     add(*root);
@@ -103,28 +105,29 @@ void Walker::follow(const RawBlock& from, std::uint64_t index, std::int64_t link
     return;
   }
   if (link < 0 || target >= file_.size()) {
-    reportLink(from, index,
+    reportLink(Code::link_outside_file, from, index,
                "into the file of " + std::to_string(file_.size()) + " bytes, found " +
                    (link < 0 ? std::to_string(link) : decimalAndHex(target)));
     return;
   }
   const auto block = readRawBlock(file_, target);
   if (!block) {
-    reportLink(from, index,
+    reportLink(Code::link_outside_file, from, index,
                "to the 24 bytes of a block header, found only " +
                    std::to_string(file_.sizeFrom(target)) + " at " + decimalAndHex(target));
   } else if (!block->hasId()) {
-    reportLink(from, index,
+    reportLink(Code::link_to_no_block, from, index,
                "to a block \"##\", found \"" + block->name() + "\" at " + decimalAndHex(target));
   } else {
     add(*block);
   }
 }
 
-void Walker::reportLink(const RawBlock& from, std::uint64_t index,
+void Walker::reportLink(Code code, const RawBlock& from, std::uint64_t index,
                         const std::string& expected_found) {
-  report_({from.offset, "expected link " + std::to_string(index) + " of " + from.name() +
-                            " to lead " + expected_found});
+  report_({code, from.offset,
+           "expected link " + std::to_string(index) + " of " + from.name() + " to lead " +
+               expected_found});
 }
 
 }  // namespace
@@ -141,22 +144,25 @@ std::optional<RawBlock> findBlock(InputFile& file, std::uint64_t offset,
     return block;
   }
   const std::uint64_t where = std::min(offset, file.size());
-  report({where, "expected a block \"##\" at " + decimalAndHex(offset) + ", found " +
-                     (block ? quoted({block->id.data(), block->id.size()})
-                            : "only " + std::to_string(file.sizeFrom(offset)) +
-                                  " bytes up to the file's end")});
+  report({Code::request_failed, where,
+          "expected a block \"##\" at " + decimalAndHex(offset) + ", found " +
+              (block ? quoted({block->id.data(), block->id.size()})
+                     : "only " + std::to_string(file.sizeFrom(offset)) +
+                           " bytes up to the file's end")});
   return std::nullopt;
 }
 
 void checkExtent(const InputFile& file, const RawBlock& block, const FindingSink& report) {
   if (!block.holdsItsLinks()) {
-    report({block.offset, "expected the length of " + block.name() + " to hold its header and " +
-                              std::to_string(block.linkCount()) + " links, found " +
-                              std::to_string(block.length)});
+    report({Code::length_too_small, block.offset,
+            "expected the length of " + block.name() + " to hold its header and " +
+                std::to_string(block.linkCount()) + " links, found " +
+                std::to_string(block.length)});
   }
   if (!isWhole(file, block)) {
-    report({block.offset, "expected the " + std::to_string(block.length) + " bytes of " +
-                              block.name() + ", " + upToTheEnd(file.sizeFrom(block.offset))});
+    report({Code::length_past_end, block.offset,
+            "expected the " + std::to_string(block.length) + " bytes of " + block.name() + ", " +
+                upToTheEnd(file.sizeFrom(block.offset))});
   }
 }
 

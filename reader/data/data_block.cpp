@@ -6,6 +6,7 @@
 #include "../blocks/block_fields.h"
 #include "../bytes/inflate.h"
 #include "../bytes/input_file.h"
+#include "data_file.h"
 
 namespace mdf_reader {
 
@@ -19,38 +20,34 @@ bool isOneOf(const RawBlock& block, std::string_view types) {
   return block.hasId() && types.find(block.letters()) != std::string_view::npos;
 }
 
-/// Whether a block's data is yet to be counted: its writer stopped within it.
-bool goesOn(InputFile& file, const RawBlock& block, std::uint64_t head) {
-  const std::uint64_t data_at = block.offset + head;
-  if (block.length > head || file.sizeFrom(data_at) == 0) {
-    return false;
-  }
-  const auto next = readRawBlock(file, (data_at + 7) / 8 * 8);
-  return !next || !next->hasId() || next->length < RawBlock::header_size;
+void fail(DataBlock& found, Code code, const std::string& sentence) {
+  found.code = code;
+  found.problem = sentence;
 }
 
-void findPlainData(InputFile& file, const RawBlock& block, bool is_unfinished, DataBlock& found) {
+void findPlainData(DataFile& data_file, const RawBlock& block, DataBlock& found) {
+  const InputFile& file = data_file.bytes();
   if (block.link_count > file.size() / RawBlock::link_size) {
-    found.problem = "expected no links in a data block, found " + std::to_string(block.link_count);
+    fail(found, Code::count_too_large,
+         "expected no links in a data block, found " + std::to_string(block.link_count));
     return;
   }
   const std::uint64_t head = RawBlock::header_size + block.link_count * RawBlock::link_size;
+  const std::uint64_t end = data_file.endOf(block);
   found.at = block.offset + head;
-  const std::uint64_t there = file.sizeFrom(found.at);
-  if (is_unfinished && goesOn(file, block, head)) {
-    found.stored = there;
-  } else if (block.length < head) {
-    found.problem = "expected a length of at least " + std::to_string(head) + ", found " +
-                    std::to_string(block.length);
-  } else {
-    found.stored = std::min(block.length - head, there);
-    if (found.stored < block.length - head && !is_unfinished) {
-      found.problem = "expected the " + std::to_string(block.length) + " bytes of " + block.name() +
-                      ", found " + std::to_string(file.sizeFrom(block.offset)) +
-                      " up to the file's end";
-    }
+  if (block.length < head && !data_file.isOpen(block)) {
+    fail(found, Code::length_too_small,
+         "expected a length of at least " + std::to_string(head) + ", found " +
+             std::to_string(block.length));
+    return;
   }
+  found.stored = end > found.at ? end - found.at : 0;
   found.original = found.stored;
+  if (!isWhole(file, block) && !data_file.isUnfinished()) {
+    fail(found, Code::length_past_end,
+         "expected the " + std::to_string(block.length) + " bytes of " + block.name() + ", " +
+             upToTheEnd(file.sizeFrom(block.offset)));
+  }
 }
 
 void findZippedData(InputFile& file, const RawBlock& block, DataBlock& found) {
@@ -65,13 +62,15 @@ void findZippedData(InputFile& file, const RawBlock& block, DataBlock& found) {
   found.columns = type == transposed ? fields.number("dz_zip_parameter") : 0;
   const std::uint64_t most = std::min(most_unzipped, most_from_a_byte * found.stored);
   if (found.stored < stated) {
-    found.problem = "expected " + std::to_string(stated) + " zipped bytes, found " +
-                    std::to_string(found.stored);
+    fail(found, Code::zip_length_wrong,
+         "expected " + std::to_string(stated) + " zipped bytes, found " +
+             std::to_string(found.stored));
   } else if (type > transposed) {
-    found.problem = "expected a known zip type, found " + std::to_string(type);
+    fail(found, Code::zip_type_unknown, "expected a known zip type, found " + std::to_string(type));
   } else if (original > most) {
-    found.problem = "expected at most " + std::to_string(most) + " bytes of zipped data, found " +
-                    std::to_string(original);
+    fail(found, Code::zip_original_length_wrong,
+         "expected at most " + std::to_string(most) + " bytes of zipped data, found " +
+             std::to_string(original));
   } else {
     found.original = original;
   }
@@ -96,6 +95,8 @@ std::string inflatingProblem(const Inflated& inflated, std::uint64_t stated) {
 
 bool isDataBlock(const RawBlock& block) { return isOneOf(block, "DT SD RD DV DI DZ"); }
 
+bool isPlainData(const RawBlock& block) { return isOneOf(block, "DT SD RD DV DI"); }
+
 bool isDataList(const RawBlock& block) { return isOneOf(block, "DL LD"); }
 
 std::string originalType(InputFile& file, const RawBlock& block) {
@@ -106,12 +107,12 @@ std::string originalType(InputFile& file, const RawBlock& block) {
                                  : std::string(block.letters());
 }
 
-DataBlock findData(InputFile& file, const RawBlock& block, bool is_unfinished) {
+DataBlock findData(DataFile& file, const RawBlock& block) {
   DataBlock found;
   if (block.letters() == "DZ") {
-    findZippedData(file, block, found);
+    findZippedData(file.bytes(), block, found);
   } else {
-    findPlainData(file, block, is_unfinished, found);
+    findPlainData(file, block, found);
   }
   return found;
 }
@@ -121,7 +122,9 @@ Unzipped unzip(InputFile& file, const DataBlock& block) {
   stream.resize(file.readAt(block.at, stream.data(), stream.size()));
   Inflated inflated = inflate(stream, block.original);
   const std::string problem = inflatingProblem(inflated, block.original);
-  Unzipped unzipped{std::move(inflated.bytes), problem};
+  const Code code =
+      inflated.state == Inflating::broken ? Code::zip_broken : Code::zip_original_length_wrong;
+  Unzipped unzipped{std::move(inflated.bytes), code, problem};
   if (block.columns > 1) {
     unzipped.bytes = transposedBack(unzipped.bytes, block.columns);
   }

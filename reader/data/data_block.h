@@ -5,10 +5,12 @@
 #include <cstdint>
 #include <string>
 
+#include "../blocks/finding.h"
 #include "../blocks/raw_block.h"
 
 namespace mdf_reader {
 
+class DataFile;
 class InputFile;
 
 /// Where a data block has its data. A block that makes no sense gives none.
@@ -18,11 +20,15 @@ struct DataBlock {
   std::uint64_t original = 0;  ///< bytes of data, which are more in a zipped block
   std::uint64_t columns = 0;  ///< bytes of a row, for data that was transposed before it was zipped
   bool is_zipped = false;
+  Code code{};          ///< of the problem
   std::string problem;  ///< a sentence, "" for none
 };
 
 /// Whether a block's type is one with data, zipped or not.
 bool isDataBlock(const RawBlock& block);
+
+/// The same for data that is not zipped.
+bool isPlainData(const RawBlock& block);
 
 /// Whether a block's type is a list of data blocks.
 bool isDataList(const RawBlock& block);
@@ -32,14 +38,12 @@ bool isDataList(const RawBlock& block);
 std::string originalType(InputFile& file, const RawBlock& block);
 
 /// Finds a block's data.
-/// @param is_unfinished the block may be the last one of an unfinished file. If its length says
-///   that it is empty, its data goes on to the end of the file. An empty block that is followed by
-///   another block, or by nothing, is really empty.
-DataBlock findData(InputFile& file, const RawBlock& block, bool is_unfinished);
+DataBlock findData(DataFile& file, const RawBlock& block);
 
 /// The outcome of unzipping.
 struct Unzipped {
   std::string bytes;    ///< as far as there are
+  Code code{};          ///< of the problem
   std::string problem;  ///< a sentence, "" for none
 };
 

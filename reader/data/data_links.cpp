@@ -16,16 +16,21 @@ bool isHeaderList(const RawBlock& block) { return block.hasId() && block.letters
 
 }  // namespace
 
-DataLinks::DataLinks(InputFile& file, std::uint64_t link, const FindingSink& report)
+DataLinks::DataLinks(InputFile& file, DataLink link, const FindingSink& report)
     : file_(file), report_(report) {
-  if (link != 0) {
+  if (link.to != 0) {
     enter(link);
   }
 }
 
+void DataLinks::fail(const Finding& finding) {
+  have_failed_ = true;
+  report_(finding);
+}
+
 /// Takes the block that the link to the data leads to: data, a list, or a header of lists.
-void DataLinks::enter(std::uint64_t link) {
-  auto block = readRawBlock(file_, link);
+void DataLinks::enter(DataLink link) {
+  auto block = readRawBlock(file_, link.to);
   if (block && isHeaderList(*block)) {
     const std::uint64_t first = linkAt(file_, *block, 0);
     if (first == 0) {
@@ -41,14 +46,16 @@ void DataLinks::enter(std::uint64_t link) {
   } else if (block && isDataBlock(*block)) {
     single_ = DataPart{block->offset, 0, block->offset, false};
   } else {
-    report_({std::min(link, file_.size()), "expected a block with data, found none"});
+    fail({Code::link_wrong_type, link.from,
+          "expected a block with data at " + decimalAndHex(link.to) + ", found none"});
   }
 }
 
 void DataLinks::enterList(const RawBlock& block) {
   if (lists_.contains(block.offset)) {
     list_.reset();
-    report_({block.offset, "expected the chain of lists to end, found this one again"});
+    fail({Code::chain_endless, block.offset,
+          "expected the chain of lists to end, found this one again"});
     return;
   }
   lists_.insert(block.offset);
@@ -72,7 +79,8 @@ void DataLinks::enterNextList() {
   if (block && isDataList(*block)) {
     enterList(*block);
   } else if (next != 0) {
-    report_({list.offset, "expected a list at " + decimalAndHex(next) + ", found none"});
+    fail({Code::link_wrong_type, list.offset,
+          "expected a list at " + decimalAndHex(next) + ", found none"});
   }
 }
 

@@ -12,6 +12,12 @@ namespace mdf_reader {
 
 class InputFile;
 
+/// A link to data.
+struct DataLink {
+  std::uint64_t from;  ///< the block that has the link
+  std::uint64_t to;    ///< 0 for none
+};
+
 /// A block with data, and what its list says of it.
 struct DataPart {
   std::uint64_t data = 0;           ///< offset of the block
@@ -23,11 +29,13 @@ struct DataPart {
 /// The blocks that a link to data leads to: one, or those of a chain of lists, one by one.
 class DataLinks {
  public:
-  /// @param link where the data is; 0 for none.
-  DataLinks(InputFile& file, std::uint64_t link, const FindingSink& report);
+  DataLinks(InputFile& file, DataLink link, const FindingSink& report);
 
   /// Whether blocks are still to come from lists, which may be many.
   bool isInLists() const { return list_.has_value(); }
+
+  /// Whether they could not be followed to their end.
+  bool haveFailed() const { return have_failed_; }
 
   /// The next block; nothing at the end, or where the chain cannot be followed, which is reported.
   std::optional<DataPart> next();
@@ -36,7 +44,8 @@ class DataLinks {
   void stop();
 
  private:
-  void enter(std::uint64_t link);
+  void fail(const Finding& finding);
+  void enter(DataLink link);
   void enterList(const RawBlock& block);
   void enterNextList();
   DataPart partAt(std::uint64_t index);
@@ -48,6 +57,7 @@ class DataLinks {
   std::uint64_t end_link_ = 0;  ///< after the links to data
   std::uint64_t next_link_ = 0;
   bool has_invalidation_ = false;
+  bool have_failed_ = false;
   OffsetSet lists_;
 };
 

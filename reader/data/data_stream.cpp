@@ -15,13 +15,12 @@ constexpr std::size_t least_read_ahead = std::size_t{1} << 13U;
 
 }  // namespace
 
-DataStream::DataStream(InputFile& file, std::uint64_t link, bool is_unfinished, Access access,
-                       const FindingSink& report)
+DataStream::DataStream(DataFile& file, DataLink link, Access access, const FindingSink& report)
     : file_(file),
       report_(report),
-      is_unfinished_(is_unfinished),
+      link_(link),
       access_(access),
-      links_(file, link, report) {
+      links_(file.bytes(), link, report) {
   if (!links_.isInLists()) {
     extend();
   }
@@ -33,9 +32,10 @@ bool DataStream::extend() {
   if (!part) {
     return false;
   }
-  const auto block = readRawBlock(file_, part->data);
+  const auto block = readRawBlock(file_.bytes(), part->data);
   if (!block || !isDataBlock(*block)) {
-    endAt(size_, part->list, "expected data at " + decimalAndHex(part->data) + ", found none");
+    endAt(size_, {Code::link_wrong_type, part->list,
+                  "expected data at " + decimalAndHex(part->data) + ", found none"});
     return false;
   }
   append(*block);
@@ -43,26 +43,45 @@ bool DataStream::extend() {
 }
 
 void DataStream::append(const RawBlock& block) {
-  const DataBlock data = findData(file_, block, is_unfinished_);
+  const DataBlock data = findData(file_, block);
   if (!data.problem.empty()) {
-    report_({block.offset, data.problem});
+    is_damaged_ = true;
+    report_({data.code, block.offset, data.problem});
   }
   // Blocks that do not overlap take no more than the file. Others must not turn a small file into
   // long data.
   stored_ += RawBlock::header_size + data.stored;
-  if (stored_ > file_.size()) {
-    endAt(size_, block.offset,
-          "expected data blocks that do not overlap, found more bytes in them than in the file");
+  if (stored_ > file_.bytes().size()) {
+    endAt(size_,
+          {Code::work_limited, block.offset,
+           "expected data blocks that do not overlap, found more bytes in them than in the file"});
   } else if (data.original > 0) {
     pieces_.push_back({size_, block.offset});
     size_ += data.original;
   }
 }
 
-/// Reports why the stream has no more bytes than up to here.
-void DataStream::endAt(std::uint64_t end, std::uint64_t offset, const std::string& sentence) {
-  report_({offset, sentence});
+/// Bytes of data in the blocks that were not looked for yet.
+std::uint64_t DataStream::bytesToCome() {
+  std::uint64_t bytes = 0;
+  std::uint64_t stored = stored_;
+  for (auto part = links_.next(); part && stored <= file_.bytes().size(); part = links_.next()) {
+    const auto block = readRawBlock(file_.bytes(), part->data);
+    if (block && isDataBlock(*block)) {
+      const DataBlock data = findData(file_, *block);
+      stored += RawBlock::header_size + data.stored;
+      bytes += data.original;
+    }
+  }
+  return bytes;
+}
+
+/// Reports why the stream has no more bytes than up to here, and how many these are.
+void DataStream::endAt(std::uint64_t end, const Finding& why) {
+  const std::uint64_t rest = size_ - end + bytesToCome();
+  report_({why.code, why.offset, why.sentence + notRead(rest)});
   links_.stop();
+  is_damaged_ = true;
   size_ = end;
   while (!pieces_.empty() && pieces_.back().begin >= end) {
     pieces_.pop_back();
@@ -101,6 +120,22 @@ std::size_t DataStream::pieceWith(std::uint64_t offset) const {
   return static_cast<std::size_t>(after - pieces_.begin()) - 1;
 }
 
+std::uint64_t DataStream::placeOf(std::uint64_t offset) {
+  if (pieces_.empty()) {
+    return link_.from;
+  }
+  const std::size_t piece = offset < size_ ? pieceWith(offset) : pieces_.size() - 1;
+  const auto block = readRawBlock(file_.bytes(), pieces_[piece].block);
+  if (!block) {
+    return link_.from;
+  }
+  const DataBlock data = findData(file_, *block);
+  if (data.is_zipped) {
+    return offset < size_ ? block->offset : data.at + data.stored;
+  }
+  return std::min(data.at + (offset - pieces_[piece].begin), data.at + data.stored);
+}
+
 std::string_view DataStream::outsideTheWindow(std::uint64_t offset, std::size_t count) {
   const std::uint64_t most = std::numeric_limits<std::uint64_t>::max() - offset;
   if (count > most || !reaches(offset + count)) {
@@ -134,11 +169,11 @@ bool DataStream::show(std::uint64_t offset, std::size_t count) {
   }
   last_piece_ = pieceWith(offset);
   const Piece piece = pieces_[last_piece_];
-  const auto block = readRawBlock(file_, piece.block);
+  const auto block = readRawBlock(file_.bytes(), piece.block);
   if (!block) {
     return false;
   }
-  const DataBlock data = findData(file_, *block, is_unfinished_);
+  const DataBlock data = findData(file_, *block);
   return data.is_zipped ? showZipped(data, piece, offset)
                         : showPlain(data, piece.begin, offset, count);
 }
@@ -149,7 +184,7 @@ bool DataStream::showPlain(const DataBlock& block, std::uint64_t begin, std::uin
   const std::uint64_t wanted = std::max(count, goes_forward ? most_read_ahead : least_read_ahead);
   const std::uint64_t rest = endOf(last_piece_) - offset;
   plain_.resize(static_cast<std::size_t>(std::min(wanted, rest)));
-  plain_.resize(file_.readAt(block.at + (offset - begin), plain_.data(), plain_.size()));
+  plain_.resize(file_.bytes().readAt(block.at + (offset - begin), plain_.data(), plain_.size()));
   window_ = plain_;
   window_begin_ = offset;
   return !window_.empty();
@@ -161,9 +196,9 @@ bool DataStream::mayUnzip(const DataBlock& block, const Piece& piece) {
   constexpr std::uint64_t times = 16;
   unzipped_bytes_ += block.original;
   if (access_ == Access::scattered && unzipped_bytes_ > always && unzipped_bytes_ / times > size_) {
-    endAt(0, piece.block,
-          "expected values in the order of their records, found them too scattered "
-          "over zipped blocks to go on");
+    endAt(0, {Code::work_limited, piece.block,
+              "expected values in the order of their records, found them too scattered over zipped "
+              "blocks to go on"});
     return false;
   }
   return true;
@@ -174,9 +209,9 @@ bool DataStream::showZipped(const DataBlock& block, const Piece& piece, std::uin
     if (!mayUnzip(block, piece)) {
       return false;
     }
-    Unzipped data = unzip(file_, block);
+    Unzipped data = unzip(file_.bytes(), block);
     if (!data.problem.empty()) {
-      endAt(piece.begin + data.bytes.size(), piece.block, data.problem);
+      endAt(piece.begin + data.bytes.size(), {data.code, piece.block, data.problem});
     }
     unzipped_ = std::move(data.bytes);
     unzipped_block_ = piece.block;

@@ -10,6 +10,7 @@
 #include "../blocks/finding.h"
 #include "../blocks/raw_block.h"
 #include "data_block.h"
+#include "data_file.h"
 #include "data_links.h"
 
 namespace mdf_reader {
@@ -26,10 +27,7 @@ class DataStream {
     scattered,  ///< anywhere; there is a limit to unzipping the same blocks again and again
   };
 
-  /// @param link where the data is; 0 for none.
-  /// @param is_unfinished whether the last block may go on to the file's end, see findData().
-  DataStream(InputFile& file, std::uint64_t link, bool is_unfinished, Access access,
-             const FindingSink& report);
+  DataStream(DataFile& file, DataLink link, Access access, const FindingSink& report);
 
   /// Bytes from an offset on: as many as wanted, or as there are. They last until the next call.
   std::string_view at(std::uint64_t offset, std::size_t count) {
@@ -47,6 +45,14 @@ class DataStream {
 
   /// How many bytes there are. It looks for all blocks.
   std::uint64_t size();
+
+  /// Whether something was wrong with the blocks or the links to them, which was reported, so that
+  /// there is less data than there should be.
+  bool isDamaged() const { return is_damaged_ || links_.haveFailed(); }
+
+  /// Where a byte stands in the file, or the zipped block that it is in; of the stream's end where
+  /// its last block ends.
+  std::uint64_t placeOf(std::uint64_t offset);
 
   /// Bytes of the file that the blocks found so far take.
   std::uint64_t storedBytes() const { return stored_; }
@@ -69,15 +75,17 @@ class DataStream {
                  std::size_t count);
   bool showZipped(const DataBlock& block, const Piece& piece, std::uint64_t offset);
   bool mayUnzip(const DataBlock& block, const Piece& piece);
-  void endAt(std::uint64_t end, std::uint64_t offset, const std::string& sentence);
+  void endAt(std::uint64_t end, const Finding& why);
+  std::uint64_t bytesToCome();
 
-  InputFile& file_;
+  DataFile& file_;
   const FindingSink& report_;
-  bool is_unfinished_;
+  DataLink link_;
   Access access_;
 
   DataLinks links_;
   std::vector<Piece> pieces_;
+  bool is_damaged_ = false;
   std::uint64_t size_ = 0;    ///< of the pieces together
   std::uint64_t stored_ = 0;  ///< bytes of the file that they take
 

@@ -5,14 +5,18 @@
 
 namespace mdf_reader {
 
-InvalidationData::InvalidationData(InputFile& file, std::uint64_t link, const ChannelGroup& group,
-                                   bool is_unfinished, const FindingSink& report)
+InvalidationData::InvalidationData(DataFile& file, DataLink link, const ChannelGroup& group,
+                                   const FindingSink& report)
     : file_(file),
       group_(group),
-      is_unfinished_(is_unfinished),
       report_(report),
       silent_([](const Finding& /*finding*/) {}),
-      links_(file, link, silent_) {}
+      links_(file.bytes(), link, silent_) {}
+
+void InvalidationData::examine(std::uint64_t records) {
+  while (end_ < records && enterNextPart()) {
+  }
+}
 
 std::string_view InvalidationData::at(std::uint64_t record) {
   while (record >= end_) {
@@ -29,11 +33,11 @@ std::string_view InvalidationData::at(std::uint64_t record) {
 bool InvalidationData::enterNextPart() {
   bytes_.reset();
   const auto part = links_.next();
-  const auto block = part ? readRawBlock(file_, part->data) : std::nullopt;
+  const auto block = part ? readRawBlock(file_.bytes(), part->data) : std::nullopt;
   if (!block || !isDataBlock(*block)) {
     return false;
   }
-  data_bytes_ += findData(file_, *block, is_unfinished_).original;
+  data_bytes_ += findData(file_, *block).original;
   begin_ = end_;
   end_ = data_bytes_ / group_.data_bytes + (data_bytes_ % group_.data_bytes == 0 ? 0 : 1);
   if (part->lacks_invalidation) {
@@ -49,18 +53,18 @@ bool InvalidationData::enterNextPart() {
 
 void InvalidationData::open(const DataPart& part) {
   const std::string there = "invalidation data at " + decimalAndHex(part.invalidation);
-  const auto block = readRawBlock(file_, part.invalidation);
-  if (!block || originalType(file_, *block) != "DI") {
+  const auto block = readRawBlock(file_.bytes(), part.invalidation);
+  if (!block || originalType(file_.bytes(), *block) != "DI") {
     tell(part.list, "expected " + there + ", found none; its records are taken as valid");
     return;
   }
-  bytes_ = std::make_unique<DataStream>(file_, part.invalidation, is_unfinished_,
+  bytes_ = std::make_unique<DataStream>(file_, DataLink{part.list, part.invalidation},
                                         DataStream::Access::forward, report_);
   compareLength(part);
   // Blocks that do not overlap take no more than the file. Others must not turn a small file into
   // long data.
   stored_ += bytes_->storedBytes();
-  if (stored_ > file_.size()) {
+  if (stored_ > file_.bytes().size()) {
     tell(part.list,
          "expected invalidation data blocks that do not overlap, found more bytes in them than in "
          "the file; further records are taken as valid");
@@ -74,7 +78,7 @@ void InvalidationData::compareLength(const DataPart& part) {
   const std::uint64_t records = end_ - begin_;
   const std::uint64_t expected = records * group_.invalidation_bytes;
   const std::uint64_t found = bytes_->size();
-  if (found != expected && !is_unfinished_) {
+  if (found != expected && !file_.isUnfinished()) {
     tell(part.invalidation, "expected " + std::to_string(expected) +
                                 " bytes of invalidation data for the " + std::to_string(records) +
                                 " records in the data at " + decimalAndHex(part.data) + ", found " +
@@ -85,7 +89,7 @@ void InvalidationData::compareLength(const DataPart& part) {
 /// Reports the first problem only: every part may have it.
 void InvalidationData::tell(std::uint64_t offset, const std::string& sentence) {
   if (!has_told_) {
-    report_({offset, sentence});
+    report_({Code::invalidation_data_wrong, offset, sentence});
     has_told_ = true;
   }
 }

@@ -18,8 +18,11 @@ namespace mdf_reader {
 class InvalidationData {
  public:
   /// @param link where the data of the group's records is, whose lists name the blocks.
-  InvalidationData(InputFile& file, std::uint64_t link, const ChannelGroup& group,
-                   bool is_unfinished, const FindingSink& report);
+  InvalidationData(DataFile& file, DataLink link, const ChannelGroup& group,
+                   const FindingSink& report);
+
+  /// Reports what is wrong with the blocks for so many records, without reading them.
+  void examine(std::uint64_t records);
 
   /// The bytes of a record, whose number must not be less than the one before; none where the file
   /// has none: all values of that record are valid.
@@ -31,9 +34,8 @@ class InvalidationData {
   void compareLength(const DataPart& part);
   void tell(std::uint64_t offset, const std::string& sentence);
 
-  InputFile& file_;
+  DataFile& file_;
   const ChannelGroup& group_;
-  bool is_unfinished_;
   const FindingSink& report_;
   FindingSink silent_;  ///< problems of the data itself are reported where that is read
   DataLinks links_;

@@ -22,58 +22,90 @@ std::uint64_t loadId(std::string_view bytes) {
   return id;
 }
 
-/// Whether the data, or enough of it, consists of records with ids of so many bytes.
-bool fits(const DataGroup& data_group, DataStream& data, unsigned id_bytes, bool has_counts) {
+/// What reading data with record ids of a width comes to.
+struct Trial {
+  bool fits = false;           ///< it is made of whole records, or as much of it as shows that
+  std::uint64_t position = 0;  ///< as far as there are records
+};
+
+Trial tryIdBytes(const DataGroup& data_group, DataStream& data, unsigned id_bytes,
+                 bool has_counts) {
   constexpr std::size_t enough = 10000;
   const RecordFormat format(data_group, id_bytes);
   std::unordered_map<const ChannelGroup*, std::uint64_t> counts;
-  std::uint64_t position = 0;
+  Trial trial;
   for (std::size_t i = 0; i < enough; ++i) {
-    const Record record = format.at(data, position);
+    const Record record = format.at(data, trial.position);
     if (record.group == nullptr) {
-      const bool is_counted =
-          std::all_of(data_group.groups.begin(), data_group.groups.end(),
-                      [&](const ChannelGroup& group) { return counts[&group] == group.cycles; });
-      return record.is_end && (!has_counts || (position == data.size() && is_counted));
+      const auto is_counted = [&](const ChannelGroup& group) {
+        return counts[&group] == group.cycles;
+      };
+      trial.fits = has_counts ? record.kind == Record::end &&
+                                    std::all_of(data_group.groups.begin(), data_group.groups.end(),
+                                                is_counted)
+                              : record.kind != Record::unknown_id;
+      return trial;
     }
     ++counts[record.group];
-    position = record.next;
+    trial.position = record.next;
   }
-  return true;
+  trial.fits = true;
+  return trial;
 }
 
 }  // namespace
 
 RecordFormat::RecordFormat(const DataGroup& data_group, unsigned id_bytes) : id_bytes_(id_bytes) {
-  for (const ChannelGroup& group : data_group.groups) {
-    groups_.emplace(group.record_id, &group);
+  constexpr std::uint64_t is_small = 256;
+  if (id_bytes == 0 && data_group.groups.size() == 1) {
+    only_ = &data_group.groups.front();
   }
+  for (const ChannelGroup& group : data_group.groups) {
+    if (group.record_id >= is_small) {
+      large_ids_.emplace(group.record_id, &group);
+      continue;
+    }
+    const auto id = static_cast<std::size_t>(group.record_id);
+    small_ids_.resize(std::max(small_ids_.size(), id + 1));
+    small_ids_[id] = small_ids_[id] == nullptr ? &group : small_ids_[id];
+  }
+}
+
+const ChannelGroup* RecordFormat::groupOf(std::uint64_t id) const {
+  if (only_ != nullptr) {
+    return only_;
+  }
+  if (id < small_ids_.size()) {
+    return small_ids_[static_cast<std::size_t>(id)];
+  }
+  const auto group = large_ids_.find(id);
+  return group == large_ids_.end() ? nullptr : group->second;
 }
 
 Record RecordFormat::at(DataStream& data, std::uint64_t position) const {
   const std::string_view id_bytes = data.at(position, id_bytes_);
-  Record record;
   if (id_bytes.size() < id_bytes_) {
-    return record;
+    return id_bytes.empty() ? Record() : Record{Record::torn, nullptr, {}, position, id_bytes_};
   }
   const std::uint64_t id = loadId(id_bytes);
-  const auto group = groups_.find(id);
-  if (group == groups_.end()) {
-    record.unknown_id = id;
-    record.is_end = false;
-    return record;
+  const ChannelGroup* const group = groupOf(id);
+  if (group == nullptr) {
+    return {Record::unknown_id, nullptr, {}, position, id};
   }
-  return group->second->holdsVariableLength() ? variable(data, position, *group->second)
-                                              : fixed(data, position, *group->second);
+  return group->holdsVariableLength() ? variable(data, position, *group)
+                                      : fixed(data, position, *group);
 }
 
 Record RecordFormat::fixed(DataStream& data, std::uint64_t position,
                            const ChannelGroup& group) const {
   const std::uint64_t size = id_bytes_ + group.recordBytes();
   const std::string_view bytes = data.at(position, hostSize(size));
-  return bytes.size() < size || size == 0
-             ? Record()
-             : Record{&group, bytes.substr(id_bytes_), position + size, 0, false};
+  if (bytes.empty()) {
+    return {};
+  }
+  return bytes.size() < size
+             ? Record{Record::torn, nullptr, {}, position, size}
+             : Record{Record::whole, &group, bytes.substr(id_bytes_), position + size, 0};
 }
 
 Record RecordFormat::variable(DataStream& data, std::uint64_t position,
@@ -81,26 +113,26 @@ Record RecordFormat::variable(DataStream& data, std::uint64_t position,
   const std::size_t head = id_bytes_ + length_bytes;
   std::string_view bytes = data.at(position, head);
   if (bytes.size() < head) {
-    return {};
+    return bytes.empty() ? Record() : Record{Record::torn, nullptr, {}, position, head};
   }
-  const std::uint64_t size = head + std::uint64_t{loadLe<std::uint32_t>(bytes.data() + id_bytes_)};
-  bytes = data.at(position, hostSize(size));
-  return bytes.size() < size ? Record()
-                             : Record{&group, bytes.substr(head), position + size, 0, false};
+  const std::uint64_t length = loadLe<std::uint32_t>(bytes.data() + id_bytes_);
+  bytes = data.at(position, hostSize(head + length));
+  return bytes.size() < head + length
+             ? Record{Record::past_end, nullptr, {}, position, length}
+             : Record{Record::whole, &group, bytes.substr(head), position + head + length, 0};
 }
 
-unsigned recordIdBytes(const DataGroup& data_group, DataStream& data, bool has_counts,
-                       const FindingSink& report) {
+unsigned recordIdBytes(const DataGroup& data_group, DataStream& data, bool has_counts) {
   const auto possible = recordIdBytesFor(data_group.record_id_code);
-  if (possible.empty()) {
-    report({data_group.offset, "expected record ids of 0, 1, 2, 4 or 8 bytes, found the code " +
-                                   std::to_string(data_group.record_id_code)});
-    return 0;
+  if (possible.size() < 2) {
+    return possible.empty() ? 0 : possible.front();
   }
-  const bool is_the_last = possible.size() > 1 &&
-                           !fits(data_group, data, possible.front(), has_counts) &&
-                           fits(data_group, data, possible.back(), has_counts);
-  return is_the_last ? possible.back() : possible.front();
+  const Trial first = tryIdBytes(data_group, data, possible.front(), has_counts);
+  if (first.fits) {
+    return possible.front();
+  }
+  const Trial last = tryIdBytes(data_group, data, possible.back(), has_counts);
+  return last.fits || last.position > first.position ? possible.back() : possible.front();
 }
 
 }  // namespace mdf_reader

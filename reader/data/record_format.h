@@ -4,19 +4,27 @@
 #include <cstdint>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "../model/description.h"
 #include "data_stream.h"
 
 namespace mdf_reader {
 
-/// A record in the data of a data group.
+/// A record in the data of a data group, or why there is none.
 struct Record {
-  const ChannelGroup* group = nullptr;  ///< null where there is none
+  enum Kind {
+    whole,
+    end,         ///< the data has ended
+    unknown_id,  ///< no channel group has the record id
+    torn,        ///< the data ends before the record does
+    past_end,    ///< the same, by the length that a record of variable length states
+  };
+  Kind kind = end;
+  const ChannelGroup* group = nullptr;  ///< of a whole one
   std::string_view bytes;               ///< without record id, and without its length
   std::uint64_t next = 0;               ///< where the next one begins
-  std::uint64_t unknown_id = 0;         ///< with no group: a record id that no group has, or
-  bool is_end = true;                   ///< that the data has ended
+  std::uint64_t number = 0;  ///< the unknown id, the bytes that there should be, or the length
 };
 
 /// How the records of one data group tell which channel group each belongs to.
@@ -35,15 +43,19 @@ class RecordFormat {
   Record fixed(DataStream& data, std::uint64_t position, const ChannelGroup& group) const;
   Record variable(DataStream& data, std::uint64_t position, const ChannelGroup& group) const;
 
+  const ChannelGroup* groupOf(std::uint64_t id) const;
+
   unsigned id_bytes_;
-  std::unordered_map<std::uint64_t, const ChannelGroup*> groups_;
+  const ChannelGroup* only_ = nullptr;  ///< the group of all records without ids
+  std::vector<const ChannelGroup*> small_ids_;
+  std::unordered_map<std::uint64_t, const ChannelGroup*> large_ids_;
 };
 
-/// Bytes of the record ids: of the sizes that a data group's code may stand for, the one that fits
-/// the data; the first where the data does not decide.
+/// Bytes of the record ids of a data group. Of those that its code may stand for they are the ones
+/// that its data is made of or, where none fits, that more of it can be read with; the first where
+/// the data does not decide. Of a code that is not known it is 0.
 /// @param has_counts the cycle counts of the groups are final.
-unsigned recordIdBytes(const DataGroup& data_group, DataStream& data, bool has_counts,
-                       const FindingSink& report);
+unsigned recordIdBytes(const DataGroup& data_group, DataStream& data, bool has_counts);
 
 }  // namespace mdf_reader
 

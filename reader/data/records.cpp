@@ -4,6 +4,7 @@
 #include <limits>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "../bytes/input_file.h"
 #include "framework/wire.h"
@@ -21,8 +22,8 @@ constexpr std::uint64_t mark_distance = std::uint64_t{1} << 14U;
 /// Values in signal data: each after its length in four bytes.
 class SignalData : public SignalValues {
  public:
-  SignalData(InputFile& file, std::uint64_t link, bool is_unfinished, const FindingSink& report)
-      : data_(file, link, is_unfinished, DataStream::Access::scattered, report) {}
+  SignalData(DataFile& file, DataLink link, const FindingSink& report)
+      : data_(file, link, DataStream::Access::scattered, report) {}
 
   std::optional<std::string_view> at(std::uint64_t offset) override {
     const std::string_view length_bytes = data_.at(offset, 4);
@@ -40,24 +41,35 @@ class SignalData : public SignalValues {
   DataStream data_;
 };
 
+const FindingSink silent = [](const Finding& /*finding*/) {};
+
 /// The type of the first block with data that a link leads to; "" for none.
-std::string firstTypeAt(InputFile& file, std::uint64_t link) {
-  const FindingSink silent = [](const Finding& /*finding*/) {};
+std::string firstTypeAt(InputFile& file, DataLink link) {
   const auto first = DataLinks(file, link, silent).next();
   const auto block = first ? readRawBlock(file, first->data) : std::nullopt;
   return block ? originalType(file, *block) : "";
 }
 
-/// Whether the counts of a file's channel groups say how many records there are.
-bool areCountsFinal(const Identification& id) {
-  return !id.isUnfinished() || (id.standard_flags & Identification::cycle_counters_open) == 0;
-}
-
 }  // namespace
 
-std::unique_ptr<SignalValues> signalDataAt(InputFile& file, std::uint64_t link, bool is_unfinished,
+std::string countProblem(std::uint64_t data_bytes, std::uint64_t records,
+                         std::uint64_t record_bytes) {
+  const bool is_right =
+      record_bytes == 0 ? data_bytes == 0
+                        : data_bytes % record_bytes == 0 && data_bytes / record_bytes == records;
+  if (is_right) {
+    return "";
+  }
+  const std::uint64_t whole = record_bytes == 0 ? 0 : data_bytes / record_bytes;
+  const std::uint64_t read = (records == 0 ? whole : std::min(whole, records)) * record_bytes;
+  return "expected data for " + std::to_string(records) + " records of " +
+         std::to_string(record_bytes) + " bytes, found " + std::to_string(data_bytes) + " bytes" +
+         notRead(data_bytes - read);
+}
+
+std::unique_ptr<SignalValues> signalDataAt(DataFile& file, DataLink link,
                                            const FindingSink& report) {
-  return std::make_unique<SignalData>(file, link, is_unfinished, report);
+  return std::make_unique<SignalData>(file, link, report);
 }
 
 /// Values that are records among others. A value's offset counts only the values of its group, each
@@ -68,8 +80,7 @@ class Records::ValueRecords : public SignalValues {
       : group_(group),
         extent_(records.extents_[&group]),
         format_(records.format_),
-        data_(records.file_, records.data_group_.data, records.identification_.isUnfinished(),
-              DataStream::Access::scattered, records.report_) {}
+        data_(records.file_, records.link(), DataStream::Access::scattered, records.report_) {}
 
   std::optional<std::string_view> at(std::uint64_t offset) override {
     if (offset >= extent_.length) {
@@ -113,34 +124,172 @@ class Records::ValueRecords : public SignalValues {
   Mark cursor_{0, 0};
 };
 
-Records::Records(InputFile& file, const Identification& identification, const DataGroup& data_group,
-                 const FindingSink& report)
+Records::Records(DataFile& file, const DataGroup& data_group, const FindingSink& report)
     : file_(file),
-      identification_(identification),
       data_group_(data_group),
       report_(report),
-      data_(file, data_group.data, identification.isUnfinished(), DataStream::Access::forward,
-            report),
-      format_(data_group, recordIdBytes(data_group, data_, areCountsFinal(identification), report)),
-      first_type_(firstTypeAt(file, data_group.data)) {}
+      unzipping_report_([&report](const Finding& finding) {
+        if (finding.code == Code::zip_broken || finding.code == Code::zip_original_length_wrong) {
+          report(finding);
+        }
+      }),
+      data_(file, link(), DataStream::Access::forward, report),
+      format_(data_group, recordIdBytes(data_group, data_, file.areCountsFinal())),
+      first_type_(firstTypeAt(file.bytes(), link())) {}
 
-bool Records::isUnsorted() const { return data_group_.groups.size() > 1 && format_.idBytes() > 0; }
+/// Whether one has to go through the records to tell where each begins.
+bool Records::areFramed() const {
+  const auto& groups = data_group_.groups;
+  return groups.size() > 1 ? format_.idBytes() > 0
+                           : !groups.empty() && groups.front().holdsVariableLength();
+}
 
-/// A writer begins with a count of 0, whatever it stores later.
-bool Records::hasFinalCount(const ChannelGroup& group) const {
-  return areCountsFinal(identification_) && (group.cycles > 0 || !identification_.isUnfinished());
+void Records::examine() {
+  if (std::exchange(is_examined_, true)) {
+    return;
+  }
+  const auto& groups = data_group_.groups;
+  const auto owner = std::find_if(groups.begin(), groups.end(),
+                                  [&](const ChannelGroup& group) { return ownsAllRecords(group); });
+  const bool can_read = areFramed() || owner != groups.end();
+  if (recordIdBytesFor(data_group_.record_id_code).empty()) {
+    report_({Code::record_id_size_wrong, data_group_.offset,
+             "expected record ids of 0, 1, 2, 4 or 8 bytes, found dg_rec_id_size " +
+                 std::to_string(data_group_.record_id_code) +
+                 (can_read ? "" : notRead(data_.size()))});
+  } else if (!can_read) {
+    examineUnowned();
+  }
+  if (areFramed()) {
+    examineFramed();
+  } else if (can_read) {
+    examineSorted(*owner);
+  }
+}
+
+/// Of records side by side the number of bytes tells how many there are.
+void Records::examineSorted(const ChannelGroup& group) {
+  const std::uint64_t size = storedSize(group);
+  const std::uint64_t there = data_.size();
+  const std::uint64_t most = mostRecords(group, size);
+  const std::string problem = countProblem(there, group.cycles, size);
+  if (!file_.isCountFinal(group)) {
+    const std::uint64_t rest = size == 0 ? there : there % size;
+    if (rest > 0) {
+      reportRest({Record::torn, nullptr, {}, 0, size}, there - rest);
+    }
+  } else if (!problem.empty() && !data_.isDamaged()) {
+    report_({Code::cycle_count_wrong, group.offset, problem});
+  } else if (size == 0 && group.cycles > most) {
+    report_({Code::cycle_count_wrong, group.offset,
+             "expected at most " + std::to_string(most) +
+                 " records without a byte of data, found a count of " +
+                 std::to_string(group.cycles)});
+  }
+  const std::uint64_t count = size == 0 ? 0 : std::min(there / size, most);
+  if (count > 0 && hasInvalidationApart(group) && group.data_bytes > 0) {
+    InvalidationData(file_, link(), group, report_).examine(count);
+  }
+}
+
+/// Without record ids the records of several groups cannot be told apart.
+void Records::examineUnowned() {
+  const std::uint64_t there = data_.size();
+  if (there > 0 && !data_group_.groups.empty()) {
+    report_({Code::record_id_size_wrong, data_group_.offset,
+             "expected record ids for " + std::to_string(data_group_.groups.size()) +
+                 " channel groups, found dg_rec_id_size 0" + notRead(there)});
+    return;
+  }
+  std::for_each(data_group_.groups.begin(), data_group_.groups.end(),
+                [&](const ChannelGroup& group) { compareCount(group); });
+}
+
+void Records::examineFramed() {
+  const bool can_compare = haveIdsOfTheirOwn();
+  std::uint64_t position = 0;
+  const Record last = lookThrough(position);
+  if (last.kind != Record::end) {
+    reportRest(last, position);
+  } else if (can_compare) {
+    for (const ChannelGroup& group : data_group_.groups) {
+      compareCount(group);
+    }
+  }
+}
+
+bool Records::haveIdsOfTheirOwn() {
+  bool are_different = true;
+  std::unordered_map<std::uint64_t, const ChannelGroup*> groups;
+  for (const ChannelGroup& group : data_group_.groups) {
+    const auto [other, is_new] = groups.emplace(group.record_id, &group);
+    if (!is_new) {
+      are_different = false;
+      report_({Code::record_id_twice, group.offset,
+               "expected a record id of its own, found " + std::to_string(group.record_id) +
+                   " as of ##CG at " + decimalAndHex(other->second->offset)});
+    }
+  }
+  return are_different;
+}
+
+/// Reports the bytes from a position on, where there is no whole record.
+void Records::reportRest(const Record& record, std::uint64_t position) {
+  const std::uint64_t rest = data_.size() - position;
+  const std::string end = " up to " + std::to_string(data_.placeOf(data_.size()));
+  const std::string number = std::to_string(record.number);
+  const bool is_unfinished = file_.isUnfinished();
+  Finding finding{Code::bytes_not_read, data_.placeOf(position), {}};
+  if (record.kind == Record::past_end) {
+    finding.code = Code::record_past_end;
+    finding.sentence = "expected a record of variable length" + end + ", found one that states " +
+                       number + " bytes";
+  } else if (record.kind == Record::unknown_id) {
+    finding.code = is_unfinished ? Code::bytes_not_read : Code::record_id_unknown;
+    finding.sentence =
+        "expected records" + end + ", found record id " + number + " of no channel group";
+  } else {
+    finding.code = is_unfinished ? Code::bytes_not_read : Code::record_cut_off;
+    finding.sentence =
+        "expected " + number + " bytes of a record" + end + ", found " + std::to_string(rest);
+  }
+  finding.sentence += notRead(rest);
+  report_(finding);
+}
+
+/// Reports a count that is not that of the records which were gone through.
+void Records::compareCount(const ChannelGroup& group) {
+  const std::uint64_t found = extents_[&group].count;
+  if (!file_.isCountFinal(group) || found == group.cycles) {
+    return;
+  }
+  const std::uint64_t beyond = isLimited(group) && found > group.cycles ? found - group.cycles : 0;
+  report_({Code::cycle_count_wrong, group.offset,
+           "expected " + std::to_string(group.cycles) + " records with id " +
+               std::to_string(group.record_id) + ", found " + std::to_string(found) +
+               (group.holdsVariableLength() ? "" : notRead(beyond * storedSize(group)))});
+}
+
+std::optional<std::uint64_t> Records::countOf(const ChannelGroup& group) {
+  examine();
+  if (file_.isCountFinal(group)) {
+    return group.cycles;
+  }
+  if (areFramed()) {
+    return extents_[&group].count;
+  }
+  const std::uint64_t size = storedSize(group);
+  if (!ownsAllRecords(group) || (size == 0 && data_.size() > 0)) {
+    return std::nullopt;
+  }
+  return size == 0 ? mostRecords(group, size) : data_.size() / size;
 }
 
 void Records::forEach(const ChannelGroup& group, const RecordVisitor& visit) {
-  if (isUnsorted()) {
+  examine();
+  if (areFramed()) {
     visitUnsorted(group, visit);
-  } else if (!ownsAllRecords(group)) {
-    if (group.cycles > 0) {
-      report_({group.offset,
-               "expected record ids to tell the records of several channel groups "
-               "apart, found none"});
-    }
-  } else {
+  } else if (ownsAllRecords(group)) {
     visitSorted(group, visit);
   }
 }
@@ -158,19 +307,17 @@ bool Records::ownsAllRecords(const ChannelGroup& group) const {
 
 /// How many records there may be, whatever the data holds. Where records have no bytes, only the
 /// count says how many there are.
-std::uint64_t Records::mostRecords(const ChannelGroup& group, std::uint64_t size) {
+std::uint64_t Records::mostRecords(const ChannelGroup& group, std::uint64_t size) const {
   constexpr std::uint64_t believable = std::uint64_t{1} << 20U;
-  const bool is_counted = hasFinalCount(group) && group.cycles > 0;
-  const std::uint64_t most = std::max(believable, file_.size());
   if (size > 0) {
-    return is_counted ? group.cycles : std::numeric_limits<std::uint64_t>::max();
+    return isLimited(group) ? group.cycles : std::numeric_limits<std::uint64_t>::max();
   }
-  if (group.cycles > most) {
-    report_({group.offset, "expected at most " + std::to_string(most) +
-                               " records without a byte of data, found a count of " +
-                               std::to_string(group.cycles)});
-  }
-  return std::min(group.cycles, most);
+  return std::min(group.cycles, std::max(believable, file_.bytes().size()));
+}
+
+/// Whether records beyond the count are left out. A count of 0 is what writers begin with.
+bool Records::isLimited(const ChannelGroup& group) const {
+  return file_.isCountFinal(group) && group.cycles > 0;
 }
 
 /// Since version 4.2 there is data without invalidation bytes.
@@ -178,34 +325,30 @@ bool Records::hasInvalidationApart(const ChannelGroup& group) const {
   return group.invalidation_bytes > 0 && first_type_ == "DV";
 }
 
+/// Bytes of a record in the data.
+std::uint64_t Records::storedSize(const ChannelGroup& group) const {
+  return format_.idBytes() + (hasInvalidationApart(group) ? group.data_bytes : group.recordBytes());
+}
+
 SortedRecords Records::sortedRecords(const ChannelGroup& group) {
-  const std::uint64_t size =
-      format_.idBytes() + (hasInvalidationApart(group) ? group.data_bytes : group.recordBytes());
+  const std::uint64_t size = storedSize(group);
   return {data_, mostRecords(group, size), size, format_.idBytes()};
 }
 
 void Records::visitSorted(const ChannelGroup& group, const RecordVisitor& visit) {
   SortedRecords records = sortedRecords(group);
   if (hasInvalidationApart(group) && group.data_bytes > 0) {
-    records.join(std::make_unique<InvalidationData>(file_, data_group_.data, group,
-                                                    identification_.isUnfinished(), report_));
+    records.join(std::make_unique<InvalidationData>(file_, link(), group, unzipping_report_));
   }
   std::uint64_t count = 0;
-  for (auto record = records.at(0); record; record = records.at(count)) {
-    if (!visit(*record)) {
-      return;
-    }
+  for (auto record = records.at(0); record && visit(*record); record = records.at(count)) {
     ++count;
   }
-  compareCount(group, count, count < records.most());
 }
 
 void Records::visitUnsorted(const ChannelGroup& group, const RecordVisitor& visit) {
-  lookThrough();
   const std::uint64_t there = extents_[&group].count;
-  const bool is_counted = hasFinalCount(group) && group.cycles > 0;
-  const std::uint64_t most = is_counted ? std::min(group.cycles, there) : there;
-  compareCount(group, there, there < group.cycles || !is_counted);
+  const std::uint64_t most = isLimited(group) ? std::min(group.cycles, there) : there;
   if (most == 0) {
     return;
   }
@@ -277,23 +420,14 @@ void Records::collectFrom(const ChannelGroup& first) {
   });
 }
 
-void Records::lookThrough() {
-  if (is_looked_through_) {
-    return;
-  }
-  is_looked_through_ = true;
-  std::uint64_t position = 0;
+/// Returns what stands after the last whole record.
+Record Records::lookThrough(std::uint64_t& position) {
   walk([&](const Record& record) {
     note(record, position);
     position = record.next;
     return true;
   });
-  const Record record = format_.at(data_, position);
-  if (!record.is_end) {
-    report_({data_group_.offset, "expected the record id of a channel group at byte " +
-                                     std::to_string(position) + " of the data, found " +
-                                     std::to_string(record.unknown_id)});
-  }
+  return format_.at(data_, position);
 }
 
 void Records::note(const Record& record, std::uint64_t position) {
@@ -307,17 +441,8 @@ void Records::note(const Record& record, std::uint64_t position) {
   }
 }
 
-/// Reports a count that does not match the data.
-void Records::compareCount(const ChannelGroup& group, std::uint64_t found, bool is_end) {
-  if (is_end && hasFinalCount(group) && found != group.cycles) {
-    report_({group.offset, "expected as many records as the cycle count " +
-                               std::to_string(group.cycles) + " says, found " +
-                               std::to_string(found)});
-  }
-}
-
 std::unique_ptr<SignalValues> Records::valuesIn(const ChannelGroup& group) {
-  lookThrough();
+  examine();
   return std::make_unique<ValueRecords>(*this, group);
 }
 

@@ -16,6 +16,11 @@
 
 namespace mdf_reader {
 
+/// Why data is not made of so many records side by side, and what is not read of it; "" when it is.
+/// A count of 0 limits nothing: whole records are read all the same.
+std::string countProblem(std::uint64_t data_bytes, std::uint64_t records,
+                         std::uint64_t record_bytes);
+
 /// Takes the bytes of a record; says whether to go on.
 using RecordVisitor = std::function<bool(std::string_view record)>;
 
@@ -36,7 +41,7 @@ class SignalValues {
 };
 
 /// Values in signal data blocks.
-std::unique_ptr<SignalValues> signalDataAt(InputFile& file, std::uint64_t link, bool is_unfinished,
+std::unique_ptr<SignalValues> signalDataAt(DataFile& file, DataLink link,
                                            const FindingSink& report);
 
 /// The records of one data group. Sorted data is read as it comes. Unsorted data is read through
@@ -44,15 +49,25 @@ std::unique_ptr<SignalValues> signalDataAt(InputFile& file, std::uint64_t link, 
 /// to 16 MiB of records in memory.
 class Records {
  public:
-  Records(InputFile& file, const Identification& identification, const DataGroup& data_group,
-          const FindingSink& report);
+  Records(DataFile& file, const DataGroup& data_group, const FindingSink& report);
 
-  /// Visits the records of a channel group in order. There are as many as its cycle count says,
-  /// or, where that is not final, as the data holds.
+  /// Compares the data with what the data group and its channel groups say of it, and reports what
+  /// does not fit, with the bytes that are not read. It is done once, and first of all by whatever
+  /// visits or counts records.
+  void examine();
+
+  /// Bytes of the record id in front of each record.
+  unsigned idBytes() const { return format_.idBytes(); }
+
+  /// How many records a channel group has: its cycle count or, where that is not final, as many as
+  /// the data holds. Nothing where nobody can tell.
+  std::optional<std::uint64_t> countOf(const ChannelGroup& group);
+
+  /// Visits the records of a channel group in order, as many as countOf() says and there are.
   void forEach(const ChannelGroup& group, const RecordVisitor& visit);
 
   /// Whether all records are of this group, so that each can be found by its number.
-  bool areSorted(const ChannelGroup& group) const { return !isUnsorted() && ownsAllRecords(group); }
+  bool areSorted(const ChannelGroup& group) const { return !areFramed() && ownsAllRecords(group); }
 
   /// The records of such a group, without invalidation bytes that stand apart. They use this
   /// object's view of the data: it must outlast them, and one group can be read at a time.
@@ -78,31 +93,38 @@ class Records {
   };
   class ValueRecords;
 
-  bool isUnsorted() const;
+  bool areFramed() const;
   bool ownsAllRecords(const ChannelGroup& group) const;
-  bool hasFinalCount(const ChannelGroup& group) const;
+  bool isLimited(const ChannelGroup& group) const;
   bool hasInvalidationApart(const ChannelGroup& group) const;
-  std::uint64_t mostRecords(const ChannelGroup& group, std::uint64_t size);
+  std::uint64_t storedSize(const ChannelGroup& group) const;
+  std::uint64_t mostRecords(const ChannelGroup& group, std::uint64_t size) const;
+  void examineSorted(const ChannelGroup& group);
+  void examineUnowned();
+  void examineFramed();
+  bool haveIdsOfTheirOwn();
+  void reportRest(const Record& record, std::uint64_t position);
+  void compareCount(const ChannelGroup& group);
+  DataLink link() const { return {data_group_.offset, data_group_.data}; }
   void visitSorted(const ChannelGroup& group, const RecordVisitor& visit);
   void visitUnsorted(const ChannelGroup& group, const RecordVisitor& visit);
   void visitCollected(const ChannelGroup& group, std::uint64_t count, const RecordVisitor& visit);
   void collectFrom(const ChannelGroup& first);
   void walk(const std::function<bool(const Record& record)>& visit);
   std::uint64_t bytesOf(const ChannelGroup& group);
-  void lookThrough();
+  Record lookThrough(std::uint64_t& position);
   void note(const Record& record, std::uint64_t position);
-  void compareCount(const ChannelGroup& group, std::uint64_t found, bool is_end);
 
-  InputFile& file_;
-  const Identification& identification_;
+  DataFile& file_;
   const DataGroup& data_group_;
   const FindingSink& report_;
+  FindingSink unzipping_report_;  ///< takes what shows only when invalidation data is unzipped
   DataStream data_;
   RecordFormat format_;
   std::string first_type_;  ///< of the blocks with the data
   std::unordered_map<const ChannelGroup*, Extent> extents_;
   std::unordered_map<const ChannelGroup*, std::string> collected_;  ///< records side by side
-  bool is_looked_through_ = false;
+  bool is_examined_ = false;
 };
 
 }  // namespace mdf_reader

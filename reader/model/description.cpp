@@ -64,19 +64,20 @@ std::optional<BlockFields> DescriptionReader::follow(std::uint64_t from, std::ui
   const std::string expected = "expected a link to a new block \"##" + std::string(letters) +
                                "\" at " + decimalAndHex(offset);
   if (seen_.contains(offset)) {
-    report_({from, expected + ", found one that was visited before"});
+    report_({Code::chain_endless, from, expected + ", found one that was visited before"});
     return std::nullopt;
   }
   auto block = readFields(file_, offset, letters);
   if (!block) {
-    report_({from, expected + ", found none"});
+    report_({Code::link_wrong_type, from, expected + ", found none"});
     return std::nullopt;
   }
   seen_.insert(offset);
   if (!block->isComplete()) {
-    report_({offset, "expected all links and fields of " + block->raw().name() +
-                         ", found a length of " + std::to_string(block->raw().length) + " and " +
-                         std::to_string(block->raw().link_count) + " links"});
+    report_({Code::length_too_small, offset,
+             "expected all links and fields of " + block->raw().name() + ", found a length of " +
+                 std::to_string(block->raw().length) + " and " +
+                 std::to_string(block->raw().link_count) + " links"});
   }
   return block;
 }
@@ -183,7 +184,9 @@ void DescriptionReader::readChannels(std::uint64_t first, ChannelGroup& group) {
     }
     if (visit_) {
       visit_(group, channel);
-    } else {
+    }
+    const bool has_records = !channel.array.dimensions.empty() && !channel.array.in_records;
+    if (!visit_ || has_records) {
       group.channels.push_back(std::move(channel));
     }
   }
@@ -300,9 +303,10 @@ void forEachInChain(InputFile& file, std::uint64_t first, std::string_view lette
   for (std::uint64_t offset = first; offset != 0;) {
     const auto block = readFields(file, offset, letters);
     if (!block || seen.contains(offset)) {
-      report({from, "expected a link to a new block \"##" + std::string(letters) + "\" at " +
-                        decimalAndHex(offset) + ", found " +
-                        (block ? "one that was visited before" : "none")});
+      report({block ? Code::chain_endless : Code::link_wrong_type, from,
+              "expected a link to a new block \"##" + std::string(letters) + "\" at " +
+                  decimalAndHex(offset) + ", found " +
+                  (block ? "one that was visited before" : "none")});
       return;
     }
     seen.insert(offset);

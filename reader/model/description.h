@@ -131,7 +131,7 @@ struct ChannelGroup {
   std::uint64_t master_group = 0;  ///< offset of the group with the remote master
   /// The element that its records are of, where an array has its elements in records of their own.
   std::optional<std::size_t> element;
-  std::vector<Channel> channels;  ///< each followed by its members; none if they are not kept
+  std::vector<Channel> channels;  ///< each followed by its members, as far as they are kept
 
   /// The acquisition's name or, where it has none, its source's.
   std::string_view shownName() const { return name.empty() ? source_name : name; }
@@ -178,7 +178,8 @@ Measurement readMeasurement(InputFile& file, const FindingSink& report);
 /// its channels.
 using ChannelVisitor = std::function<void(const ChannelGroup& group, const Channel& channel)>;
 
-/// The same without keeping the channels: files may have millions of them.
+/// The same without keeping the channels, of which files may have millions, but for arrays whose
+/// elements have records of their own.
 Measurement readMeasurement(InputFile& file, const FindingSink& report,
                             const ChannelVisitor& visit);
 

@@ -47,7 +47,7 @@ const Channel* Splitter::templateOf(const ChannelGroup& group) {
       continue;
     }
     if (found != nullptr) {
-      report_({channel.offset,
+      report_({Code::array_unreadable, channel.offset,
                "expected at most one array in a channel group whose elements have records of their "
                "own, "
                "found another; all of them are left out"});
@@ -81,7 +81,7 @@ std::vector<ArrayElement> Splitter::elementsOf(const DataGroup& data_group,
     allowance_.take(read.elements.size() * columns);
   }
   if (!read.problem.empty()) {
-    report_({channel->offset, read.problem + "; the array is left out"});
+    report_({Code::array_unreadable, channel->offset, read.problem + "; the array is left out"});
   }
   return std::move(read.elements);
 }

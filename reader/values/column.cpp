@@ -38,18 +38,20 @@ Column::Column(std::string name, ColumnSource source, const FindingSink& report)
     return;
   }
   if (!type_.isKnown()) {
-    tell("expected a known data type, found " + std::to_string(channel.data_type));
+    tell(Code::data_type_unknown,
+         "expected a known data type, found " + std::to_string(channel.data_type));
   } else if (!is_inside_) {
-    tell("expected the value inside the record's " + std::to_string(source_.group->data_bytes) +
-         " bytes, found byte " + std::to_string(begin) + " and " + std::to_string(type_.bit_count) +
-         " bits");
+    tell(Code::channel_outside_record, "expected the value inside the record's " +
+                                           std::to_string(source_.group->data_bytes) +
+                                           " bytes, found byte " + std::to_string(begin) + " and " +
+                                           std::to_string(type_.bit_count) + " bits");
   }
 }
 
 /// Reports the first problem of the column only: every sample may have it.
-void Column::tell(const std::string& sentence) {
+void Column::tell(Code code, const std::string& sentence) {
   if (!has_told_) {
-    report_({source_.channel->offset, sentence});
+    report_({code, source_.channel->offset, sentence});
     has_told_ = true;
   }
 }
@@ -104,30 +106,38 @@ Value Column::own(const Sample& sample) {
     return {};
   }
   if (source_.channel->type == Channel::variable_length) {
-    return variable(sample);
+    const auto bytes = found(sample);
+    return bytes ? rawValue({type_.data_type, 0, std::uint64_t{bytes->size()} * 8}, *bytes)
+                 : Value();
   }
   return rawValue(type_, stored(sample));
 }
 
+void Column::look(const Sample& sample) {
+  if (source_.elsewhere != nullptr) {
+    source_.elsewhere->at(sample.number);
+  } else if (source_.channel->type == Channel::variable_length && is_inside_ && isValid(sample)) {
+    found(sample);
+  }
+}
+
 /// A value that stands elsewhere: the record has its offset there.
-Value Column::variable(const Sample& sample) {
+std::optional<std::string_view> Column::found(const Sample& sample) {
   if (source_.values == nullptr) {
-    return {};
+    return std::nullopt;
   }
   const RawType offset_type{Channel::unsigned_le, type_.bit_offset, type_.bit_count};
   const Value offset = rawValue(offset_type, stored(sample));
   const auto* number = std::get_if<std::uint64_t>(&offset);
   const auto bytes = number == nullptr ? std::nullopt : source_.values->at(*number);
   if (!bytes) {
-    tell("expected a value of variable length for each record, found none at offset " +
-         (number == nullptr ? "?" : std::to_string(*number)) + " of the signal data for record " +
-         std::to_string(sample.number));
-    return {};
+    tell(Code::value_outside_signal_data,
+         "expected a value of variable length for each record, found none at offset " +
+             (number == nullptr ? "?" : std::to_string(*number)) +
+             " of the signal data for record " + std::to_string(sample.number));
+    return std::nullopt;
   }
-  if (!mayGive(bytes->size())) {
-    return {};
-  }
-  return rawValue({type_.data_type, 0, std::uint64_t{bytes->size()} * 8}, *bytes);
+  return mayGive(bytes->size()) ? bytes : std::nullopt;
 }
 
 /// Many records may share a value. Reading a long one again must have a limit.
@@ -140,9 +150,9 @@ bool Column::mayGive(std::size_t bytes) {
   }
   given_ += bytes;
   if (given_ > always && given_ / times > source_.values->size()) {
-    tell(
-        "expected a value of variable length for each record, found the same long ones again and "
-        "again");
+    tell(Code::work_limited,
+         "expected a value of variable length for each record, found the same long ones again and "
+         "again");
     return false;
   }
   return true;

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -49,14 +50,22 @@ class Column {
   Value value(const Sample& sample);
   /// The same before any conversion.
   Value raw(const Sample& sample);
+  /// Whether all values stand in the records themselves.
+  bool isInRecords() const {
+    return source_.elsewhere == nullptr && source_.channel->type != Channel::variable_length;
+  }
+  /// Bytes of its values in the record, which may be those of another column.
+  std::uint64_t storedBytes() const { return type_.bytes(); }
+  /// Looks for a value that stands elsewhere, as raw() does, and reports when there is none.
+  void look(const Sample& sample);
 
  private:
   Value own(const Sample& sample);
   bool isValid(const Sample& sample) const;
   std::string_view stored(const Sample& sample) const;
-  Value variable(const Sample& sample);
+  std::optional<std::string_view> found(const Sample& sample);
   bool mayGive(std::size_t bytes);
-  void tell(const std::string& sentence);
+  void tell(Code code, const std::string& sentence);
 
   std::string name_;
   std::string unit_;

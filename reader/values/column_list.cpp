@@ -150,9 +150,9 @@ bool Planner::hasRoom() {
     return true;
   }
   is_full_ = true;
-  report_({group_.offset, "expected no more channels than records of " +
-                              std::to_string(group_.recordBytes()) + " bytes can hold, found " +
-                              std::to_string(group_.channels.size())});
+  report_({Code::work_limited, group_.offset,
+           "expected no more channels than records of " + std::to_string(group_.recordBytes()) +
+               " bytes can hold, found " + std::to_string(group_.channels.size())});
   return false;
 }
 
@@ -209,9 +209,9 @@ void Planner::addArray(const Channel& channel, const Members& members, const Pla
     return;
   }
   if (!fits(channel, members.end - members.begin)) {
-    report_({channel.offset, "expected the array to fit into records of " +
-                                 std::to_string(group_.data_bytes) + " bytes and " +
-                                 std::to_string(most_elements) + " columns, found it larger"});
+    report_({Code::channel_outside_record, channel.offset,
+             "expected the array to fit into records of " + std::to_string(group_.data_bytes) +
+                 " bytes and " + std::to_string(most_elements) + " columns, found it larger"});
     return;
   }
   std::vector<Place> elements = elementsOf(channel.array, {place});

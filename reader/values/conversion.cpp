@@ -225,7 +225,9 @@ class ConversionMaker {
   std::vector<Target> targets(std::size_t entries);
   RangeTable ranges(std::size_t count, std::size_t step) const;
   bool has(std::size_t values, std::size_t references);
-  void report(const std::string& sentence) const { all_.report_({block_.offset(), sentence}); }
+  void report(const std::string& sentence) const {
+    all_.report_({Code::conversion_unreadable, block_.offset(), sentence});
+  }
 
   Conversions& all_;
   const BlockFields& block_;
@@ -391,16 +393,17 @@ Conversion* Conversions::at(std::uint64_t offset) {
     return nullptr;
   }
   if (depth_ >= most_nested) {
-    report_({std::min(offset, file_.size()), "expected at most " + std::to_string(most_nested) +
-                                                 " nested conversions, found more"});
+    report_(
+        {Code::conversion_unreadable, std::min(offset, file_.size()),
+         "expected at most " + std::to_string(most_nested) + " nested conversions, found more"});
     return nullptr;
   }
   const auto [entry, is_new] = entries_.try_emplace(offset);
   Entry& kept = entry->second;
   if (!is_new) {
     if (kept.is_being_read) {
-      report_(
-          {offset, "expected the conversions to end, found that this one leads back to itself"});
+      report_({Code::conversion_unreadable, offset,
+               "expected the conversions to end, found that this one leads back to itself"});
     }
     return kept.conversion.get();
   }
@@ -409,7 +412,8 @@ Conversion* Conversions::at(std::uint64_t offset) {
   if (block) {
     kept.conversion = ConversionMaker(*this, *block).make();
   } else {
-    report_({std::min(offset, file_.size()), "expected a conversion, found none"});
+    report_({Code::conversion_unreadable, std::min(offset, file_.size()),
+             "expected a conversion, found none"});
   }
   kept.is_being_read = false;
   --depth_;
@@ -444,7 +448,7 @@ bool Conversions::mayKeep(std::uint64_t bytes, std::uint64_t offset) {
     return true;
   }
   if (!has_told_) {
-    report_({offset,
+    report_({Code::work_limited, offset,
              "expected conversions and texts that do not overlap, found more bytes in them than "
              "in the file"});
     has_told_ = true;

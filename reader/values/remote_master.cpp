@@ -28,8 +28,9 @@ std::optional<std::string_view> MasterRecords::at(std::uint64_t number) {
   }
   const auto record = records_.at(number);
   if (!record) {
-    endAt("expected a sample of the remote master at " + decimalAndHex(group_.master_group) +
-          " for each record, found none for record " + std::to_string(number));
+    endAt(Code::remote_master_missing,
+          "expected a sample of the remote master at " + decimalAndHex(group_.master_group) +
+              " for each record, found none for record " + std::to_string(number));
     return std::nullopt;
   }
   if (number >= charged_) {
@@ -37,24 +38,24 @@ std::optional<std::string_view> MasterRecords::at(std::uint64_t number) {
     allowance_.take(record->size() - std::min<std::uint64_t>(record->size(), is_short));
   }
   if (allowance_.isUsedUp()) {
-    endAt(used_up);
+    endAt(Code::work_limited, used_up);
     return std::nullopt;
   }
   return record;
 }
 
-void MasterRecords::endAt(const std::string& sentence) {
-  report_({group_.offset, sentence});
+void MasterRecords::endAt(Code code, const std::string& sentence) {
+  report_({code, group_.offset, sentence});
   has_ended_ = true;
 }
 
-RemoteMasters::RemoteMasters(InputFile& file, const Measurement& measurement,
+RemoteMasters::RemoteMasters(DataFile& file, const Measurement& measurement,
                              const FindingSink& report)
     : file_(file),
       measurement_(measurement),
       report_(report),
       silent_([](const Finding& /*finding*/) {}),
-      allowance_(file.size()) {}
+      allowance_(file.bytes().size()) {}
 
 const RemoteMaster* RemoteMasters::of(const ChannelGroup& group) {
   if (!group.hasRemoteMaster() || group.masterChannel() != nullptr) {
@@ -64,13 +65,15 @@ const RemoteMaster* RemoteMasters::of(const ChannelGroup& group) {
       "expected the remote master in a channel group at " + decimalAndHex(group.master_group);
   RemoteMaster* master = masterAt(group.master_group);
   if (master == nullptr) {
-    report_({group.offset, expected + ", found none of the file"});
+    report_({Code::remote_master_missing, group.offset, expected + ", found none of the file"});
   } else if (master->plan.channel == nullptr) {
-    report_({group.offset, expected + ", found one without a master channel"});
+    report_({Code::remote_master_missing, group.offset,
+             expected + ", found one without a master channel"});
   } else if (allowance_.isUsedUp()) {
-    report_({group.offset, used_up});
+    report_({Code::work_limited, group.offset, used_up});
   } else if (!areSorted(*master)) {
-    report_({group.offset, expected + " with its records side by side, found them unsorted"});
+    report_({Code::remote_master_missing, group.offset,
+             expected + " with its records side by side, found them unsorted"});
   } else {
     return master;
   }
@@ -120,7 +123,7 @@ Records& RemoteMasters::recordsOf(const DataGroup& data_group) {
   if (data_group_ != &data_group) {
     constexpr std::uint64_t for_looking_again = 65536;
     allowance_.take(for_looking_again + (records_ ? records_->storedBytes() : 0));
-    records_ = std::make_unique<Records>(file_, measurement_.identification, data_group, silent_);
+    records_ = std::make_unique<Records>(file_, data_group, silent_);
     data_group_ = &data_group;
   }
   return *records_;

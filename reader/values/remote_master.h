@@ -17,8 +17,6 @@
 
 namespace mdf_reader {
 
-class InputFile;
-
 /// The master channel that a channel group has in another one, since version 4.2: each of its
 /// samples belongs to the sample of the same number there.
 struct RemoteMaster {
@@ -55,7 +53,7 @@ class MasterRecords {
   std::optional<std::string_view> at(std::uint64_t number);
 
  private:
-  void endAt(const std::string& sentence);
+  void endAt(Code code, const std::string& sentence);
 
   SortedRecords records_;
   const ChannelGroup& group_;
@@ -68,7 +66,7 @@ class MasterRecords {
 /// Finds the masters that channel groups have in other groups.
 class RemoteMasters {
  public:
-  RemoteMasters(InputFile& file, const Measurement& measurement, const FindingSink& report);
+  RemoteMasters(DataFile& file, const Measurement& measurement, const FindingSink& report);
 
   /// Null for a group that has none, and, with a finding, where it cannot be had.
   const RemoteMaster* of(const ChannelGroup& group);
@@ -82,7 +80,7 @@ class RemoteMasters {
   bool areSorted(RemoteMaster& master);
   Records& recordsOf(const DataGroup& data_group);
 
-  InputFile& file_;
+  DataFile& file_;
   const Measurement& measurement_;
   const FindingSink& report_;
   FindingSink silent_;  ///< problems there are reported when that group is visited

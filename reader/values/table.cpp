@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "../blocks/raw_block.h"
+#include "../bytes/allowance.h"
 #include "../bytes/input_file.h"
 #include "../model/element_groups.h"
 #include "../model/group_choice.h"
@@ -63,15 +64,21 @@ class Tables {
         note_(note),
         patterns_(selection.channels),
         measurement_(readMeasurement(file, report)),
+        data_file_(file),
         conversions_(file, report),
-        remote_masters_(file, measurement_, report) {
+        remote_masters_(data_file_, measurement_, report) {
     splitElements(file, measurement_, report);
   }
 
   std::size_t visit();
+  void examine();
 
  private:
+  void enter(const DataGroup& data_group);
+  void makeRecords(const DataGroup& data_group);
+  void examineWhatIsNoTable(const DataGroup& data_group);
   bool haveDataOfTheirOwn(const DataGroup& data_group);
+  void examineGroup(const ChannelGroup& group);
   bool isWanted(const ChannelGroup& group) const;
   void visitGroup(const DataGroup& data_group, const ChannelGroup& group);
   std::vector<ColumnPlan> plansOf(const ChannelGroup& group, const RemoteMaster* remote);
@@ -81,7 +88,6 @@ class Tables {
   std::unique_ptr<SignalValues> valuesOf(const Channel& channel);
   bool isInRange(Table& table, const Sample& sample) const;
   bool hasRange() const { return selection_.from || selection_.to; }
-  bool isUnfinished() const { return measurement_.identification.isUnfinished(); }
 
   InputFile& file_;
   const Selection& selection_;
@@ -90,25 +96,22 @@ class Tables {
   const NoteSink& note_;
   Patterns patterns_;
   Measurement measurement_;
+  DataFile data_file_;
   Conversions conversions_;
   RemoteMasters remote_masters_;
   std::unique_ptr<Records> records_;  ///< of the data group that is being visited
   std::unordered_map<std::uint64_t, const ChannelGroup*> groups_;  ///< of it, by their offsets
   std::unordered_map<std::uint64_t, const Channel*> channels_;     ///< of one group, the same
-  std::uint64_t stored_ = 0;  ///< bytes of the file that the records take
   std::size_t count_ = 0;
 };
 
 std::size_t Tables::visit() {
-  if (isUnfinished()) {
+  if (data_file_.isUnfinished()) {
     note_("the file was not finished; its records are read as far as they go");
   }
   ChannelGroup* with_channels = nullptr;
   for (DataGroup& data_group : measurement_.data_groups) {
-    groups_.clear();
-    for (const ChannelGroup& group : data_group.groups) {
-      groups_.emplace(group.offset, &group);
-    }
+    enter(data_group);
     for (ChannelGroup& group : data_group.groups) {
       with_channels = group.element.value_or(0) == 0 ? &group : with_channels;
       const LentChannels lent(*with_channels, group);
@@ -116,6 +119,7 @@ std::size_t Tables::visit() {
         visitGroup(data_group, group);
       }
     }
+    examineWhatIsNoTable(data_group);
     if (!haveDataOfTheirOwn(data_group)) {
       break;
     }
@@ -126,16 +130,81 @@ std::size_t Tables::visit() {
   return count_;
 }
 
+/// Data that makes no table is read all the same when everything is wanted: what cannot be read of
+/// it must not go unsaid.
+void Tables::examineWhatIsNoTable(const DataGroup& data_group) {
+  if (selection_.channels.empty() && !selection_.group) {
+    makeRecords(data_group);
+    records_->examine();
+  }
+}
+
+void Tables::makeRecords(const DataGroup& data_group) {
+  if (!records_) {
+    records_ = std::make_unique<Records>(data_file_, data_group, report_);
+  }
+}
+
+/// The same without values that are in the records.
+void Tables::examine() {
+  ChannelGroup* with_channels = nullptr;
+  for (DataGroup& data_group : measurement_.data_groups) {
+    enter(data_group);
+    makeRecords(data_group);
+    records_->examine();
+    for (ChannelGroup& group : data_group.groups) {
+      with_channels = group.element.value_or(0) == 0 ? &group : with_channels;
+      const LentChannels lent(*with_channels, group);
+      if (isWanted(group)) {
+        examineGroup(group);
+      }
+    }
+    if (!haveDataOfTheirOwn(data_group)) {
+      break;
+    }
+  }
+}
+
+void Tables::examineGroup(const ChannelGroup& group) {
+  const RemoteMaster* remote = remote_masters_.of(group);
+  const std::vector<ColumnPlan> plans = plansOf(group, remote);
+  if (plans.empty()) {
+    return;
+  }
+  std::vector<Column> columns = columnsFor(group, plans, remote);
+  std::vector<Column*> elsewhere;
+  // Channels that share bytes of the record would have it read again and again.
+  Allowance bytes(group.data_bytes);
+  for (Column& column : columns) {
+    if (!column.isInRecords() && bytes.take(column.storedBytes())) {
+      elsewhere.push_back(&column);
+    }
+  }
+  std::uint64_t number = 0;
+  records_->forEach(group, [&](std::string_view bytes) {
+    const Sample sample{bytes, number++};
+    std::for_each(elsewhere.begin(), elsewhere.end(),
+                  [&](Column* column) { column->look(sample); });
+    return !elsewhere.empty();
+  });
+}
+
+void Tables::enter(const DataGroup& data_group) {
+  groups_.clear();
+  for (const ChannelGroup& group : data_group.groups) {
+    groups_.emplace(group.offset, &group);
+  }
+}
+
 /// Whether the data groups up to this one have data of their own, not the same blocks again and
 /// again.
 bool Tables::haveDataOfTheirOwn(const DataGroup& data_group) {
-  constexpr std::uint64_t times = 4;
-  stored_ += records_ ? records_->storedBytes() : 0;
+  const std::uint64_t stored = records_ ? records_->storedBytes() : 0;
   records_.reset();
-  if (stored_ / times <= file_.size()) {
+  if (data_file_.mayGoOnAfter(stored)) {
     return true;
   }
-  report_({data_group.offset,
+  report_({Code::work_limited, data_group.offset,
            "expected data groups with data of their own, found the same blocks again and again; "
            "the other data groups are left out"});
   return false;
@@ -175,9 +244,7 @@ void Tables::visitGroup(const DataGroup& data_group, const ChannelGroup& group) 
           " is left out: it has no master channel to compare with --from and --to");
     return;
   }
-  if (!records_) {
-    records_ = std::make_unique<Records>(file_, measurement_.identification, data_group, report_);
-  }
+  makeRecords(data_group);
   Table table(group, columnsFor(group, plans, remote), has_master);
   ++count_;
   visitor_.begin(table);
@@ -235,13 +302,13 @@ std::unique_ptr<SignalValues> Tables::valuesOf(const Channel& channel) {
     if (group != groups_.end() && group->second->holdsVariableLength()) {
       return records_->valuesIn(*group->second);
     }
-    report_({channel.offset,
+    report_({Code::link_wrong_type, channel.offset,
              "expected the values in a channel group for variable-length data of "
              "the same data group, found " +
                  decimalAndHex(channel.data)});
     return nullptr;
   }
-  return signalDataAt(file_, channel.data, isUnfinished(), report_);
+  return signalDataAt(data_file_, {channel.offset, channel.data}, report_);
 }
 
 bool Tables::isInRange(Table& table, const Sample& sample) const {
@@ -258,6 +325,18 @@ bool Tables::isInRange(Table& table, const Sample& sample) const {
 std::size_t visitTables(InputFile& file, const Selection& selection, TableVisitor& visitor,
                         const FindingSink& report, const NoteSink& note) {
   return Tables(file, selection, visitor, report, note).visit();
+}
+
+void examineTables(InputFile& file, const FindingSink& report) {
+  class Nobody : public TableVisitor {
+   public:
+    void begin(Table& /*table*/) override {}
+    bool sample(Table& /*table*/, const Sample& /*sample*/) override { return false; }
+    void end() override {}
+  };
+  Nobody nobody;
+  const Selection raw{{}, {}, {}, {}, true};
+  Tables(file, raw, nobody, report, [](const std::string& /*note*/) {}).examine();
 }
 
 }  // namespace mdf_reader

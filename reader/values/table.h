@@ -69,6 +69,10 @@ class TableVisitor {
 std::size_t visitTables(InputFile& file, const Selection& selection, TableVisitor& visitor,
                         const FindingSink& report, const NoteSink& note);
 
+/// Goes over the records of a file as visitTables() does, and reports what that would, but for the
+/// conversions. Of the values those alone are looked for that do not stand in the records.
+void examineTables(InputFile& file, const FindingSink& report);
+
 }  // namespace mdf_reader
 
 #endif  // MDF_READER_VALUES_TABLE_H_

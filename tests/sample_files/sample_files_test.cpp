@@ -16,6 +16,7 @@
 #include <map>
 #include <ostream>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -179,6 +180,13 @@ RunResult expectedExport(const Sample& sample) {
   if (is_unfinished) {
     result.messages = "mdf: " + fileName(sample) +
                       ": note: the file was not finished; its records are read as far as they go\n";
+  }
+  for (const Complaint& complaint : sample.complaints) {
+    std::ostringstream line;
+    line << "mdf: " << fileName(sample) << ": " << complaint.offset << " (0x" << std::hex
+         << complaint.offset << "): " << complaint.sentence << '\n';
+    result.messages += line.str();
+    result.exit_code = 1;
   }
   return result;
 }

@@ -176,15 +176,15 @@ bool checkShape(const Subject& subject, const BlockFields& block, std::uint32_t 
         Code::block_misaligned, index,
         "expected the block to stand on a multiple of 8, found " + decimalAndHex(raw.offset));
   }
+  if (subject.data_file.isOpen(raw)) {
+    return false;
+  }
   const bool is_whole = isWhole(subject.file, raw);
   if (!is_whole) {
     subject.report(Code::length_past_end, index,
                    "expected the " + std::to_string(raw.length) + " bytes of the block, found " +
                        std::to_string(subject.file.sizeFrom(raw.offset)) +
                        " up to the end of the file");
-  }
-  if (subject.space.isOpen(raw)) {
-    return false;
   }
   const std::size_t own_links = block.layout() == nullptr ? 0 : block.layout()->links.size();
   if (raw.linkCount() < own_links) {

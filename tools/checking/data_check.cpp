@@ -10,6 +10,7 @@
 #include "reader/blocks/block_layout.h"
 #include "reader/bytes/digest.h"
 #include "reader/bytes/inflate.h"
+#include "reader/data/data_block.h"
 
 namespace mdf_tools {
 
@@ -150,10 +151,7 @@ std::optional<std::uint64_t> dataBytesOf(const Subject& subject, std::uint64_t o
   if (!isAmongTargets(counted, type)) {
     return std::nullopt;
   }
-  const std::uint64_t begin =
-      offset + RawBlock::header_size + linksThere(subject.file, *block) * RawBlock::link_size;
-  const std::uint64_t end = subject.space.endOf(*block);
-  return begin < end ? end - begin : 0;
+  return findData(subject.data_file, *block).original;
 }
 
 void checkAttachment(Subject& subject, const BlockFields& block, std::uint32_t index) {
@@ -201,7 +199,7 @@ void checkZippedData(Subject& subject, const BlockFields& block, std::uint32_t i
 void checkDataList(const Subject& subject, const BlockFields& block, std::uint32_t index) {
   const std::uint64_t links = block.raw().linkCount() - 1;
   const bool has_equal_length = block.hasFlag("dl_flags", 1);
-  if (subject.is_unfinished || subject.blocks[index].has_few_links) {
+  if (subject.data_file.isUnfinished() || subject.blocks[index].has_few_links) {
     return;
   }
   if (block.number("dl_count") != links) {

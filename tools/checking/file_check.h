@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "problem.h"
+#include "reader/blocks/finding.h"
 
 namespace mdf_reader {
 class InputFile;
@@ -16,7 +16,7 @@ using namespace mdf_reader;
 /// Checks a file of any version of MDF 4, by any program, and reports what is wrong as it is found.
 /// Returns how many blocks it has checked. Time and memory are proportional to the file and to what
 /// its zipped data holds.
-std::uint64_t checkFile(InputFile& file, const ProblemSink& report);
+std::uint64_t checkFile(InputFile& file, const FindingSink& report);
 
 }  // namespace mdf_tools
 

@@ -8,16 +8,13 @@
 #include "reader/blocks/survey.h"
 #include "reader/blocks/walker.h"
 #include "reader/bytes/input_file.h"
+#include "reader/data/data_block.h"
 
 namespace mdf_tools {
 
 using namespace mdf_reader;
 
 namespace {
-
-bool isData(std::string_view letters) {
-  return letters == "DT" || letters == "SD" || letters == "RD" || letters == "DV";
-}
 
 constexpr std::uint64_t alignment = 8;
 
@@ -60,29 +57,14 @@ class StrayBytes {
 
 }  // namespace
 
-Space::Space(InputFile& file, const BlockTable& blocks, bool is_unfinished)
-    : file_(file), is_unfinished_(is_unfinished) {
+Space::Space(DataFile& file, const BlockTable& blocks) : file_(file) {
   offsets_.reserve(blocks.size());
   for (std::uint32_t index = 0; index < blocks.size(); ++index) {
-    const BlockEntry& block = blocks[index];
-    offsets_.push_back(block.offset);
-    if (isData(block.letters())) {
-      std::uint64_t& last = block.letters() == "RD" ? last_reduction_ : last_data_;
-      last = std::max(last, block.offset);
-    }
+    offsets_.push_back(blocks[index].offset);
   }
   if (!std::is_sorted(offsets_.begin(), offsets_.end())) {
     std::sort(offsets_.begin(), offsets_.end());
   }
-  const auto last = offsets_.empty() ? std::nullopt : readRawBlock(file, offsets_.back());
-  if (is_unfinished && last && isData(last->letters()) &&
-      (last->length == 0 || last->length == RawBlock::header_size)) {
-    open_block_ = last->offset;
-  }
-}
-
-std::uint64_t Space::endOf(const RawBlock& block) const {
-  return isWhole(file_, block) && !isOpen(block) ? block.offset + block.length : file_.size();
 }
 
 std::uint64_t Space::blockAround(std::uint64_t offset) const {
@@ -90,48 +72,45 @@ std::uint64_t Space::blockAround(std::uint64_t offset) const {
   if (after == offsets_.begin()) {
     return 0;
   }
-  const auto block = readRawBlock(file_, *(after - 1));
-  return block && offset < endOf(*block) ? block->offset : 0;
+  const auto block = readRawBlock(file_.bytes(), *(after - 1));
+  return block && offset < file_.endOf(*block) ? block->offset : 0;
 }
 
 /// Where the bytes of a block end. A length beyond the file's end does not tell; such a block goes
 /// on to the next one.
 std::uint64_t Space::coveredUpTo(std::size_t index) const {
-  const auto block = readRawBlock(file_, offsets_[index]);
-  if (block && isWhole(file_, *block) && !isOpen(*block)) {
-    return block->offset + block->length;
+  const auto block = readRawBlock(file_.bytes(), offsets_[index]);
+  if (block && (isWhole(file_.bytes(), *block) || file_.isOpen(*block))) {
+    return file_.endOf(*block);
   }
-  return index + 1 < offsets_.size() ? offsets_[index + 1] : file_.size();
+  return index + 1 < offsets_.size() ? offsets_[index + 1] : file_.bytes().size();
 }
 
 void Space::review(const SpaceVisitor& visitor) const {
   std::uint64_t covered = header_block_offset;
-  bool is_open = false;
   for (std::size_t index = 0; index < offsets_.size(); ++index) {
     const std::uint64_t offset = offsets_[index];
-    searchGap(covered, offset, is_open, visitor);
+    searchGap(covered, offset, visitor);
     const std::uint64_t end = coveredUpTo(index);
     if (index + 1 < offsets_.size() && end > offsets_[index + 1]) {
       visitor.on_overlap(offset, offsets_[index + 1]);
     }
     covered = std::max(covered, end);
-    is_open = is_unfinished_ && (offset == last_data_ || offset == last_reduction_);
   }
-  searchGap(covered, file_.size(), is_open, visitor);
+  searchGap(covered, file_.bytes().size(), visitor);
 }
 
-/// @param is_open whether the bytes may be data of the block in front of them. Those after a data
-/// block that no link leads to may be so likewise.
-void Space::searchGap(std::uint64_t from, std::uint64_t to, bool is_open,
-                      const SpaceVisitor& visitor) const {
+/// Bytes after a data block of an unfinished file that no link leads to may be its data.
+void Space::searchGap(std::uint64_t from, std::uint64_t to, const SpaceVisitor& visitor) const {
   StrayBytes stray(visitor);
+  bool is_open = false;
   std::uint64_t at = aligned(from);
   while (at < to) {
     std::array<char, alignment> bytes{};
-    const std::size_t count = file_.readAt(
+    const std::size_t count = file_.bytes().readAt(
         at, bytes.data(), static_cast<std::size_t>(std::min<std::uint64_t>(to - at, alignment)));
-    const auto block = mayBeBlock(bytes) ? readRawBlock(file_, at) : std::nullopt;
-    is_open = is_open || (is_unfinished_ && block && isData(block->letters()));
+    const auto block = mayBeBlock(bytes) ? readRawBlock(file_.bytes(), at) : std::nullopt;
+    is_open = is_open || (file_.isUnfinished() && block && isPlainData(*block));
     if (block && looksLikeBlock(*block) && block->holdsItsLinks() && block->length <= to - at) {
       stray.end();
       visitor.on_lost_block(*block);

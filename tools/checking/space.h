@@ -7,10 +7,7 @@
 
 #include "reader/blocks/block_table.h"
 #include "reader/blocks/raw_block.h"
-
-namespace mdf_reader {
-class InputFile;
-}  // namespace mdf_reader
+#include "reader/data/data_file.h"
 
 namespace mdf_tools {
 
@@ -29,14 +26,7 @@ struct SpaceVisitor {
 /// Which bytes of a file its blocks take.
 class Space {
  public:
-  /// @param is_unfinished whether the length of the last data block may never have been written
-  Space(InputFile& file, const BlockTable& blocks, bool is_unfinished);
-
-  /// Where the block ends by its length, or at the file's end.
-  std::uint64_t endOf(const RawBlock& block) const;
-
-  /// Whether this is the last block of an unfinished file, and its data goes on to the file's end.
-  bool isOpen(const RawBlock& block) const { return block.offset == open_block_; }
+  Space(DataFile& file, const BlockTable& blocks);
 
   /// The block that covers an offset or begins there: the last one before it. 0 for none.
   std::uint64_t blockAround(std::uint64_t offset) const;
@@ -46,15 +36,10 @@ class Space {
 
  private:
   std::uint64_t coveredUpTo(std::size_t index) const;
-  void searchGap(std::uint64_t from, std::uint64_t to, bool is_open,
-                 const SpaceVisitor& visitor) const;
+  void searchGap(std::uint64_t from, std::uint64_t to, const SpaceVisitor& visitor) const;
 
-  InputFile& file_;
+  DataFile& file_;
   std::vector<std::uint64_t> offsets_;  ///< of the blocks, ascending
-  bool is_unfinished_;
-  std::uint64_t open_block_ = 0;
-  std::uint64_t last_data_ = 0;  ///< last blocks with data, in the file's order
-  std::uint64_t last_reduction_ = 0;
 };
 
 }  // namespace mdf_tools

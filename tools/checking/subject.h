@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <string>
 
-#include "problem.h"
 #include "reader/blocks/block_table.h"
 #include "reader/blocks/finding.h"
 #include "reader/bytes/allowance.h"
 #include "reader/bytes/input_file.h"
+#include "reader/data/data_file.h"
 #include "space.h"
 
 namespace mdf_tools {
@@ -19,14 +19,14 @@ using namespace mdf_reader;
 struct Subject {
   InputFile& file;
   const BlockTable& blocks;
+  DataFile& data_file;
   const Space& space;
-  bool is_unfinished;  ///< counts are not final
-  const ProblemSink& sink;
+  const FindingSink& sink;
   Allowance contents;  ///< bytes of texts, zipped data and attachments that may still be read
 
   /// Reports a problem of a block.
   void report(Code code, std::uint32_t index, const std::string& sentence) const {
-    sink({code, blocks[index].offset, pathOf(file, blocks, index), sentence});
+    sink({code, blocks[index].offset, sentence, pathOf(file, blocks, index)});
   }
 };
 

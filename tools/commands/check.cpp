@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "checking/codes.h"
 #include "checking/file_check.h"
 #include "command.h"
 #include "file_command.h"
 #include "printing/json_output.h"
 #include "printing/style.h"
+#include "reader/blocks/codes.h"
 #include "reader/blocks/identification.h"
 #include "reader/bytes/input_file.h"
 
@@ -62,7 +62,7 @@ Style styleOf(Severity severity) {
   return Style::note;
 }
 
-void writeLine(const FileContext& context, const Problem& problem) {
+void writeLine(const FileContext& context, const Finding& problem) {
   const CodeText& code = textOf(problem.code);
   context.out << context.file.name() << ": " << decimalAndHex(problem.offset) << ": "
               << styleOf(code.severity) << severityWord(code.severity) << Style::plain << ' '
@@ -73,7 +73,7 @@ void writeLine(const FileContext& context, const Problem& problem) {
   context.out << '\n';
 }
 
-void writeJson(const FileContext& context, const Problem& problem) {
+void writeJson(const FileContext& context, const Finding& problem) {
   const CodeText& code = textOf(problem.code);
   Json line;
   line["schema"] = json_schema;
@@ -90,7 +90,7 @@ int check(const std::vector<std::string>& paths, bool as_json) {
   int worst = exit_fine;
   const auto work = [&](const FileContext& context) {
     Counts counts;
-    const std::uint64_t blocks = checkFile(context.file, [&](const Problem& problem) {
+    const std::uint64_t blocks = checkFile(context.file, [&](const Finding& problem) {
       ++counts[textOf(problem.code).severity];
       if (as_json) {
         writeJson(context, problem);

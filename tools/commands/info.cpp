@@ -34,7 +34,8 @@ int printDocument(const std::vector<std::string>& paths) {
 constexpr const char* footer =
     R"(Says what the file is, when and by what program it was started, whether it is finished, and what is
 in it: channel groups with their records, and blocks by type. Reads headers only, however large the
-file is. Rate and duration come from the range that the master channels state, or are "not stated".
+file is; only of an unfinished file the records are counted, and said to be. Rate and duration come
+from the range that the master channels state, or are "not stated".
 
 Examples:
   mdf info trip.mf4                                a page

@@ -3,6 +3,7 @@
 #include <fnmatch.h>
 
 #include <map>
+#include <optional>
 
 #include "file_name.h"
 #include "new_file.h"
@@ -17,19 +18,26 @@ using namespace mdf_reader;
 
 namespace {
 
-/// Why an attachment's data is not written; "" when it is.
-std::string damage(AttachmentData state) {
+/// Why an attachment's data is not written.
+struct Damage {
+  Code code;
+  std::string found;  ///< words
+};
+
+/// Nothing for data that is fine.
+std::optional<Damage> damageOf(AttachmentData state) {
   switch (state) {
     case AttachmentData::cut_off:
-      return "found less in the block";
+      return Damage{Code::attachment_length_wrong, "found less in the block"};
     case AttachmentData::not_inflated:
-      return "found a compressed stream that is damaged or has another size than stated";
+      return Damage{Code::zip_broken,
+                    "found a compressed stream that is damaged or has another size than stated"};
     case AttachmentData::wrong_digest:
-      return "found another MD5 digest than stated";
+      return Damage{Code::attachment_digest_wrong, "found another MD5 digest than stated"};
     case AttachmentData::fine:
       break;
   }
-  return {};
+  return std::nullopt;
 }
 
 std::string quoted(const Attachment& attachment) { return '"' + printable(attachment.name) + '"'; }
@@ -74,15 +82,14 @@ bool Extractor::extract(const Attachment& attachment) {
     target.write(piece);
     size += piece.size();
   });
-  const std::string problem = damage(state);
-  if (!problem.empty()) {
-    report_({attachment.offset,
-             "expected the data of the attachment " + quoted(attachment) + ", " + problem});
+  if (const auto damage = damageOf(state)) {
+    report_({damage->code, attachment.offset,
+             "expected the data of the attachment " + quoted(attachment) + ", " + damage->found});
     return false;
   }
   const std::string path = options_.folder + '/' + name;
   if (!target.complete(options_.replaces)) {
-    report_({attachment.offset,
+    report_({Code::request_failed, attachment.offset,
              "expected no file " + printable(path) + ", found one; --force replaces it"});
     return false;
   }

@@ -19,7 +19,8 @@ constexpr std::size_t most_links = 1500;
 /// Takes the entries of a tree as long as there is room for them.
 class GraphMaker {
  public:
-  GraphMaker(InputFile& file, std::size_t room) : file_(file), room_(room) {}
+  GraphMaker(InputFile& file, std::size_t room, RecordFacts& facts)
+      : file_(file), facts_(facts), room_(room) {}
 
   /// Whether there was room.
   bool add(const TreeEntry& entry);
@@ -30,6 +31,7 @@ class GraphMaker {
   void addLink(const TreeEntry& entry, std::size_t target);
 
   InputFile& file_;
+  RecordFacts& facts_;
   std::size_t room_;
   BlockGraph graph_;
   std::unordered_map<std::uint64_t, std::size_t> nodes_;  ///< by offset
@@ -47,7 +49,7 @@ void GraphMaker::addNode(const TreeEntry& entry) {
     node.length = entry.raw.length;
   }
   if (entry.kind == TreeEntry::block) {
-    node.summary = summarize(file_, entry.raw);
+    node.summary = summarize(file_, entry.raw, facts_);
     nodes_.emplace(entry.offset, graph_.nodes.size());
   }
   if (entry.kind == TreeEntry::left_out) {
@@ -113,13 +115,15 @@ Json nodeAsJson(const GraphNode& node) {
 BlockGraph makeGraph(InputFile& file, const TreeOptions& options, const FindingSink& report) {
   // Problems are reported the first time only.
   const FindingSink silent = [](const Finding& /*finding*/) {};
+  RecordFacts facts(file, report);
   constexpr std::array<std::uint64_t, 5> limits = {100, 8, 5, 3, 2};
   for (const std::uint64_t limit : limits) {
     const bool is_first = limit == limits.front();
     const bool is_last = limit == limits.back();
     TreeOptions shortened = options;
     shortened.list_limit = limit;
-    GraphMaker maker(file, is_first ? readable_nodes : (is_last ? most_nodes : shortened_nodes));
+    const std::size_t room = is_first ? readable_nodes : (is_last ? most_nodes : shortened_nodes);
+    GraphMaker maker(file, room, facts);
     bool has_room = true;
     walkTree(file, shortened, is_first ? report : silent, [&](const TreeEntry& entry) {
       has_room = maker.add(entry) && has_room;

@@ -35,7 +35,7 @@ void writeDump(InputFile& file, const RawBlock& block, const BlockType& type, st
   }
   // The walk has reported what is wrong with length and links in themselves.
   if (!problem.empty() && block.holdsItsLinks() && isWhole(file, block)) {
-    report({block.offset, problem});
+    report({Code::length_too_small, block.offset, problem});
   }
 }
 
@@ -45,8 +45,9 @@ void beginHeadline(const RawBlock& block, std::ostream& os) {
 }
 
 void reportTooLarge(const RawBlock& block, const FindingSink& report) {
-  report({block.offset, "expected memory for the " + std::to_string(block.length) + " bytes of " +
-                            block.name() + ", found too little"});
+  report({Code::work_limited, block.offset,
+          "expected memory for the " + std::to_string(block.length) + " bytes of " + block.name() +
+              ", found too little"});
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/number_texts.h"
 #include "reader/model/texts.h"
-#include "record_ids.h"
 #include "stored_time.h"
 
 namespace mdf_tools {
@@ -24,7 +23,8 @@ constexpr std::size_t most_name_characters = 60;
 /// Reads a block's links, fields and the beginnings of its texts, and collects what they say.
 class Summarizer {
  public:
-  Summarizer(InputFile& file, const RawBlock& block) : file_(file), block_(file, block) {}
+  Summarizer(InputFile& file, const RawBlock& block, RecordFacts& facts)
+      : file_(file), facts_(facts), block_(file, block) {}
 
   BlockSummary summary();
 
@@ -37,6 +37,7 @@ class Summarizer {
   void event();
   void dataGroup();
   void channelGroup();
+  void records();
   void channel();
   void conversion();
   void array();
@@ -66,6 +67,7 @@ class Summarizer {
   }
 
   InputFile& file_;
+  RecordFacts& facts_;
   BlockFields block_;
   BlockSummary summary_;
 
@@ -119,11 +121,9 @@ void Summarizer::event() {
 }
 
 void Summarizer::dataGroup() {
-  const auto bytes = recordIdBytes(file_, block_);
-  if (!bytes) {
-    fact("record_id", "4 or 8 bytes of record id");
-  } else if (*bytes != 0) {
-    count("record_id_bytes", *bytes, "bytes of record id");
+  const std::uint64_t bytes = facts_.idBytesOf(block_.offset(), block_.number("dg_rec_id_size"));
+  if (bytes != 0) {
+    count("record_id_bytes", bytes, "bytes of record id");
   }
 }
 
@@ -135,10 +135,21 @@ void Summarizer::channelGroup() {
     fact("kind", "values of variable length");
     return;
   }
-  count("records", block_.number("cg_cycle_count"), "records");
+  records();
   count("record_bytes", block_.number("cg_data_bytes") + block_.number("cg_inval_bytes"),
         "bytes each");
   fact("master", block_.hasFlag("cg_flags", remote_master) ? "remote master" : "");
+}
+
+void Summarizer::records() {
+  const RecordCount there = facts_.recordsOf(block_.offset(), block_.number("cg_cycle_count"));
+  summary_.are_records_counted = there.is_counted;
+  if (!there.records) {
+    summary_.facts.push_back({"records", "unknown number of records", std::nullopt});
+    return;
+  }
+  count("records", *there.records, "records");
+  summary_.facts.back().words += there.is_counted ? " (counted)" : "";
 }
 
 void Summarizer::channel() {
@@ -236,8 +247,11 @@ BlockSummary Summarizer::summary() {
   } else {
     const std::uint64_t in_front =
         RawBlock::header_size + linksThere(file_, block_.raw()) * RawBlock::link_size;
-    const std::uint64_t length = block_.raw().length;
+    const bool is_open = facts_.file().isOpen(block_.raw());
+    const std::uint64_t length =
+        is_open ? facts_.file().endOf(block_.raw()) - block_.offset() : block_.raw().length;
     count("bytes", length > in_front ? length - in_front : 0, "bytes");
+    summary_.facts.back().words += is_open ? " (length not stated)" : "";
   }
   return std::move(summary_);
 }
@@ -254,8 +268,8 @@ std::string BlockSummary::words() const {
   return text;
 }
 
-BlockSummary summarize(InputFile& file, const RawBlock& block) {
-  return Summarizer(file, block).summary();
+BlockSummary summarize(InputFile& file, const RawBlock& block, RecordFacts& facts) {
+  return Summarizer(file, block, facts).summary();
 }
 
 }  // namespace mdf_tools

@@ -8,10 +8,7 @@
 #include <vector>
 
 #include "reader/blocks/raw_block.h"
-
-namespace mdf_reader {
-class InputFile;
-}  // namespace mdf_reader
+#include "reader/data/record_facts.h"
 
 namespace mdf_tools {
 
@@ -31,13 +28,15 @@ struct BlockFact {
 struct BlockSummary {
   std::string name;  ///< as the file has it, or how a text begins; on one line
   std::vector<BlockFact> facts;
+  bool are_records_counted = false;  ///< in the data, for the file leaves their count open
 
   /// The facts, separated by commas.
   std::string words() const;
 };
 
 /// Reads what it takes: the block's fields and the beginnings of its texts.
-BlockSummary summarize(InputFile& file, const RawBlock& block);
+/// @param facts of the file that the block is in
+BlockSummary summarize(InputFile& file, const RawBlock& block, RecordFacts& facts);
 
 }  // namespace mdf_tools
 

@@ -17,8 +17,9 @@ namespace {
 void checkThatNothingWasCutOff(InputFile& file, const FindingSink& report) {
   const std::uint64_t size = file.sizeNow();
   if (size < file.size()) {
-    report({size, "expected the file to keep its " + std::to_string(file.size()) +
-                      " bytes while it is read, found " + std::to_string(size)});
+    report({Code::file_shrunk, size,
+            "expected the file to keep its " + std::to_string(file.size()) +
+                " bytes while it is read, found " + std::to_string(size)});
   }
 }
 

@@ -39,10 +39,10 @@ std::optional<double> linearFactor(InputFile& file, std::uint64_t conversion) {
 }
 
 /// From the least to the greatest raw value of a master channel.
-std::optional<double> rawExtent(InputFile& file, const ChannelGroup& group, const Channel& master) {
+std::optional<double> rawExtent(InputFile& file, std::uint64_t records, const Channel& master) {
   constexpr std::uint64_t value_range_valid = 8;
   if (master.type == Channel::virtual_master) {  // its raw value is the record's index
-    return static_cast<double>(group.cycles - 1);
+    return static_cast<double>(records - 1);
   }
   const auto block = readFields(file, master.offset, "CN");
   if (!block || !block->hasFlag("cn_flags", value_range_valid)) {
@@ -77,20 +77,21 @@ const GroupChannels& groupWithMaster(const ChannelGroup& group, ChannelsOfGroups
 
 void addExtent(InputFile& file, GroupSummary& summary, const Channel& master) {
   summary.master_unit = master.unit;
-  const auto extent = rawExtent(file, *summary.group, master);
+  const std::uint64_t records = *summary.records.records;
+  const auto extent = rawExtent(file, records, master);
   const auto factor = linearFactor(file, master.conversion);
   if (!extent || !factor) {
     return;
   }
   summary.extent = std::abs(*extent * *factor);
   if (std::isfinite(*summary.extent) && *summary.extent > 0) {
-    summary.rate = static_cast<double>(summary.group->cycles - 1) / *summary.extent;
+    summary.rate = static_cast<double>(records - 1) / *summary.extent;
   }
 }
 
 GroupSummary summariseGroup(InputFile& file, const DataGroup& data_group, const ChannelGroup& group,
                             Texts& texts) {
-  GroupSummary summary{&data_group, &group, std::string(group.name), {}, {}, {}, {}, 0};
+  GroupSummary summary{&data_group, &group, {}, std::string(group.name), {}, {}, {}, {}, 0};
   const Source source = readSource(file, group.source, texts);
   summary.source = source.name;
   if (!source.path.empty() && source.path != source.name) {
@@ -100,7 +101,8 @@ GroupSummary summariseGroup(InputFile& file, const DataGroup& data_group, const 
   return summary;
 }
 
-void countBlocks(InputFile& file, FileSummary& summary, const FindingSink& report) {
+void countBlocks(DataFile& data_file, FileSummary& summary, const FindingSink& report) {
+  InputFile& file = data_file.bytes();
   summary.block_bytes = std::min(file.size(), header_block_offset);
   std::uint64_t covered = summary.block_bytes;
   for (const std::uint64_t offset : walkBlocks(file, report)) {
@@ -108,7 +110,7 @@ void countBlocks(InputFile& file, FileSummary& summary, const FindingSink& repor
     if (!block) {
       break;  // the file has been cut meanwhile
     }
-    const std::uint64_t bytes = std::min(block->length, file.sizeFrom(offset));
+    const std::uint64_t bytes = data_file.endOf(*block) - offset;
     TypeCount& count = summary.blocks[printable(block->letters())];
     ++count.blocks;
     count.bytes += bytes;
@@ -131,7 +133,8 @@ std::size_t lengthOfChain(InputFile& file, std::uint64_t first, std::string_view
 
 FileSummary summarise(InputFile& file, const FindingSink& report) {
   FileSummary summary;
-  countBlocks(file, summary, report);
+  RecordFacts facts(file, report);
+  countBlocks(facts.file(), summary, report);
   const FindingSink known = [](const Finding&) {};
   ChannelsOfGroups channels;
   summary.measurement = readMeasurement(file, summary.blocks.empty() ? known : report,
@@ -146,7 +149,8 @@ FileSummary summarise(InputFile& file, const FindingSink& report) {
       added.channel_count = channels[group.offset].count;
       summary.channel_count += added.channel_count;
       const GroupChannels& with_master = groupWithMaster(group, channels);
-      if (with_master.master && group.cycles > 0) {
+      added.records = facts.recordsOf(group.offset, group.cycles);
+      if (with_master.master && added.records.records.value_or(0) > 0) {
         addExtent(file, added, *with_master.master);
       }
       if (with_master.areOverTime() && added.extent &&

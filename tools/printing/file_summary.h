@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "reader/blocks/finding.h"
+#include "reader/data/record_facts.h"
 #include "reader/model/description.h"
 
 namespace mdf_reader {
@@ -25,10 +26,11 @@ struct TypeCount {
   std::uint64_t bytes = 0;  ///< as their lengths say, as far as the file reaches
 };
 
-/// What is known of a channel group without its data.
+/// What is known of a channel group without its data, and how many records it has.
 struct GroupSummary {
   const DataGroup* data_group;
   const ChannelGroup* group;
+  RecordCount records;
   std::string name;  ///< of the acquisition; failing that, of its source
   std::string source;
   /// From the first record to the last, in the unit of the master channel; nothing when no block
@@ -55,7 +57,8 @@ struct FileSummary {
   std::uint64_t gap_bytes = 0;
 };
 
-/// Reads everything but data.
+/// Reads everything but data, and that only to count records where the file leaves their number
+/// open.
 FileSummary summarise(InputFile& file, const FindingSink& report);
 
 }  // namespace mdf_tools

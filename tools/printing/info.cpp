@@ -88,6 +88,34 @@ std::string contentsSentence(const FileSummary& summary) {
          countOf(summary.history_count, "history entry", "history entries");
 }
 
+/// "84,730"
+std::string withCommas(std::uint64_t number) {
+  std::string text = std::to_string(number);
+  for (std::size_t at = text.size(); at > 3;) {
+    at -= 3;
+    text.insert(at, 1, ',');
+  }
+  return text;
+}
+
+/// What was counted in place of what the file states; "" where it leaves nothing open.
+std::string countedSentence(const FileSummary& summary) {
+  std::uint64_t counted = 0;
+  std::uint64_t stated = 0;
+  bool has_any = false;
+  for (const GroupSummary& each : summary.groups) {
+    if (each.records.is_counted && each.records.records && !each.group->holdsVariableLength()) {
+      counted += *each.records.records;
+      stated += each.group->cycles;
+      has_any = true;
+    }
+  }
+  return has_any ? "unfinished; " + withCommas(counted) +
+                       (counted == 1 ? " record was" : " records were") +
+                       " counted, the file states " + withCommas(stated)
+                 : "";
+}
+
 void printLine(std::ostream& out, std::string_view label, std::string_view value) {
   constexpr std::size_t label_width = 11;
   out << Style::strong << label << Style::plain << std::string(label_width - label.size(), ' ')
@@ -110,7 +138,7 @@ void printGroups(const FileSummary& summary, std::ostream& out) {
     const bool is_variable = group.holdsVariableLength();
     table.add({std::to_string(group.index), std::to_string(each.data_group->index),
                is_variable && each.name.empty() ? "(variable-length data)" : each.name, each.source,
-               std::to_string(group.cycles), each.rate ? shownNumber(*each.rate) + unit : "",
+               shownRecords(each.records), each.rate ? shownNumber(*each.rate) + unit : "",
                is_variable ? "variable" : std::to_string(group.recordBytes()),
                std::to_string(each.channel_count)});
   }
@@ -141,7 +169,8 @@ Json groupAsJson(const GroupSummary& each) {
                {"name", each.name},
                {"source", each.source},
                {"comment", group.comment},
-               {"records", group.cycles},
+               {"records", each.records.records ? Json(*each.records.records) : Json()},
+               {"records_counted", each.records.is_counted},
                {"record_bytes", group.recordBytes()},
                {"variable_length", group.holdsVariableLength()},
                {"channels", each.channel_count}};
@@ -182,6 +211,9 @@ void printInfo(InputFile& file, std::ostream& out, const FindingSink& report) {
     printLine(out, "Comment:", header.comment);
   }
   printLine(out, "Contents:", contentsSentence(summary));
+  if (const std::string counted = countedSentence(summary); !counted.empty()) {
+    printLine(out, "Records:", counted);
+  }
   printGroups(summary, out);
   printBlocks(summary, out);
 }

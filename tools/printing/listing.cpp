@@ -12,6 +12,7 @@
 #include "reader/blocks/walker.h"
 #include "reader/bytes/digest.h"
 #include "reader/bytes/input_file.h"
+#include "reader/data/record_facts.h"
 #include "reader/model/attachments.h"
 #include "reader/model/description.h"
 #include "reader/model/events.h"
@@ -133,19 +134,20 @@ class EntryList {
 /// Lists a channel group's channels one by one.
 class ChannelLister {
  public:
-  ChannelLister(InputFile& file, EntryList& entries) : file_(file), entries_(entries) {}
+  ChannelLister(InputFile& file, EntryList& entries, const FindingSink& report)
+      : file_(file), facts_(file, report), entries_(entries) {}
 
   void add(const ChannelGroup& group, const Channel& channel) {
     const std::string conversion = conversionName(channel);
     const Source source = readSource(file_, channel.source, texts_);
+    const RecordCount count = facts_.recordsOf(group.offset, group.cycles);
     entries_.add(
         {std::to_string(group.index),
          std::string(2 * std::min<std::size_t>(channel.depth, 20), ' ') + std::string(channel.name),
          std::string(channel.unit), channelTypeName(channel.type), syncTypeName(channel.sync_type),
          dataName(channel), std::to_string(channel.bit_count),
          std::to_string(channel.byte_offset) + '.' + std::to_string(channel.bit_offset), conversion,
-         std::to_string(group.cycles), std::string(source.name),
-         onOneLine(channel.comment, comment_width)},
+         shownRecords(count), std::string(source.name), onOneLine(channel.comment, comment_width)},
         {{"group", group.index},
          {"name", channel.name},
          {"unit", channel.unit},
@@ -161,6 +163,8 @@ class ChannelLister {
          {"dimensions", allDimensions(channel.array)},
          {"depth", channel.depth},
          {"cycles", group.cycles},
+         {"records", count.records ? Json(*count.records) : Json()},
+         {"records_counted", count.is_counted},
          {"conversion", conversion},
          {"source", source.name},
          {"comment", channel.comment},
@@ -193,6 +197,7 @@ class ChannelLister {
   }
 
   InputFile& file_;
+  RecordFacts facts_;
   EntryList& entries_;
   Texts texts_;  ///< of sources
 };
@@ -253,7 +258,7 @@ std::vector<std::string> eventColumns() { return titlesOf(eventTable()); }
 void listChannels(InputFile& file, const ListOptions& options, std::ostream& out,
                   const FindingSink& report) {
   EntryList entries(channelTable(), options, out);
-  ChannelLister lister(file, entries);
+  ChannelLister lister(file, entries, report);
   bool is_chosen = options.group.empty();
   readMeasurement(file, report, [&](const ChannelGroup& group, const Channel& channel) {
     if (!isChosen(group, options.group)) {

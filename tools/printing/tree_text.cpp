@@ -32,8 +32,8 @@ void writeMark(const TreeEntry& entry, std::ostream& os) {
   }
 }
 
-void writeBlock(InputFile& file, const TreeEntry& entry, std::ostream& os) {
-  const BlockSummary summary = summarize(file, entry.raw);
+void writeBlock(InputFile& file, const TreeEntry& entry, RecordFacts& facts, std::ostream& os) {
+  const BlockSummary summary = summarize(file, entry.raw, facts);
   os << Style::strong << typeOf(entry) << Style::plain << ' ' << decimalAndHex(entry.offset);
   if (!summary.name.empty()) {
     os << " \"" << summary.name << '"';
@@ -44,7 +44,7 @@ void writeBlock(InputFile& file, const TreeEntry& entry, std::ostream& os) {
   writeMark(entry, os);
 }
 
-void writeEntry(InputFile& file, const TreeEntry& entry, std::ostream& os) {
+void writeEntry(InputFile& file, const TreeEntry& entry, RecordFacts& facts, std::ostream& os) {
   if (entry.kind == TreeEntry::left_out) {
     os << "... " << entry.count << " more " << typeOf(entry);
     return;
@@ -57,7 +57,7 @@ void writeEntry(InputFile& file, const TreeEntry& entry, std::ostream& os) {
     os << (target < 0 ? std::to_string(target) : decimalAndHex(entry.offset)) << Style::error
        << " no block there" << Style::plain;
   } else {
-    writeBlock(file, entry, os);
+    writeBlock(file, entry, facts, os);
   }
 }
 
@@ -77,17 +77,23 @@ std::string kindName(TreeEntry::Kind kind) {
   return "block";
 }
 
-void addBlock(InputFile& file, const TreeEntry& entry, Json& line) {
-  const BlockSummary summary = summarize(file, entry.raw);
+void addBlock(InputFile& file, const TreeEntry& entry, RecordFacts& facts, Json& line) {
+  const BlockSummary summary = summarize(file, entry.raw, facts);
   line["type"] = typeOf(entry);
   line["length"] = entry.raw.length;
   line["name"] = summary.name;
   for (const BlockFact& fact : summary.facts) {
-    line[std::string(fact.key)] = fact.number ? Json(*fact.number) : Json(fact.words);
+    const bool is_unknown = fact.key == "records" && !fact.number;
+    line[std::string(fact.key)] = is_unknown    ? Json()
+                                  : fact.number ? Json(*fact.number)
+                                                : Json(fact.words);
+  }
+  if (summary.are_records_counted) {
+    line["records_counted"] = true;
   }
 }
 
-Json jsonOf(InputFile& file, const TreeEntry& entry) {
+Json jsonOf(InputFile& file, const TreeEntry& entry, RecordFacts& facts) {
   Json line;
   line["schema"] = json_schema;
   line["file"] = file.name();
@@ -100,7 +106,7 @@ Json jsonOf(InputFile& file, const TreeEntry& entry) {
     line["type"] = typeOf(entry);
     line["count"] = entry.count;
   } else if (entry.kind != TreeEntry::nothing) {
-    addBlock(file, entry, line);
+    addBlock(file, entry, facts, line);
   }
   return line;
 }
@@ -109,9 +115,10 @@ Json jsonOf(InputFile& file, const TreeEntry& entry) {
 
 void writeTree(InputFile& file, const TreeOptions& options, std::ostream& os,
                const FindingSink& report) {
+  RecordFacts facts(file, report);
   walkTree(file, options, report, [&](const TreeEntry& entry) {
     os << indentation(entry.depth);
-    writeEntry(file, entry, os);
+    writeEntry(file, entry, facts, os);
     os << '\n';
     return os.good();
   });
@@ -119,8 +126,9 @@ void writeTree(InputFile& file, const TreeOptions& options, std::ostream& os,
 
 void writeTreeAsJson(InputFile& file, const TreeOptions& options, std::ostream& os,
                      const FindingSink& report) {
+  RecordFacts facts(file, report);
   walkTree(file, options, report, [&](const TreeEntry& entry) {
-    os << jsonLine(jsonOf(file, entry)) << '\n';
+    os << jsonLine(jsonOf(file, entry, facts)) << '\n';
     return os.good();
   });
 }

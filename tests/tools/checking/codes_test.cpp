@@ -1,16 +1,16 @@
-#include "checking/codes.h"
+#include "reader/blocks/codes.h"
 
 #include <gtest/gtest.h>
 
 #include <set>
 #include <string>
 
-using mdf_tools::allCodes;
-using mdf_tools::CodeText;
-using mdf_tools::findCode;
-using mdf_tools::Severity;
-using mdf_tools::severityWord;
-using mdf_tools::textOf;
+using mdf_reader::allCodes;
+using mdf_reader::CodeText;
+using mdf_reader::findCode;
+using mdf_reader::Severity;
+using mdf_reader::severityWord;
+using mdf_reader::textOf;
 
 namespace {
 

@@ -17,7 +17,7 @@
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_tools::Problem;
+using Problem = mdf_reader::Finding;
 
 namespace {
 

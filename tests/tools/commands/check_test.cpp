@@ -5,7 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include "checking/codes.h"
+#include "reader/blocks/codes.h"
 #include "reader/blocks/finding.h"
 #include "tools/support/checked.h"
 #include "tools/support/program.h"
@@ -124,7 +124,7 @@ TEST(CheckCommand, WrongArguments) {
 
 TEST(CheckCommand, ExplainsEachCode) {
   std::string list;
-  for (const mdf_tools::CodeText& code : mdf_tools::allCodes()) {
+  for (const mdf_reader::CodeText& code : mdf_reader::allCodes()) {
     const std::string severity(severityWord(code.severity));
     list += severity + ' ' + std::string(code.word) + '\n';
     const RunResult result = run({"check", "--explain", std::string(code.word)});

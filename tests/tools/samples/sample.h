@@ -1,6 +1,7 @@
 #ifndef MDF_TESTS_TOOLS_SAMPLES_SAMPLE_H_
 #define MDF_TESTS_TOOLS_SAMPLES_SAMPLE_H_
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -18,12 +19,19 @@ struct ValueTable {
   std::vector<std::string> rows;  ///< cells with commas between, quoted where they must be
 };
 
+/// What exporting a sample complains of.
+struct Complaint {
+  std::uint64_t offset;
+  std::string sentence;
+};
+
 /// A measurement file that shows a feature of the format, and what there is to read in it.
 struct Sample {
   std::string name;   ///< also the file's name, without ".mf4"
   std::string shows;  ///< the feature
   std::string bytes;
   std::vector<ValueTable> tables;  ///< of each channel group with values, in file order
+  std::vector<Complaint> complaints{};
 };
 
 using Samples = std::vector<Sample>;

@@ -28,14 +28,28 @@ Sample withBlock(const std::string& name, const std::string& shows, std::uint16_
   return {name, shows, file.bytes(), {countingTable(there)}};
 }
 
+/// That a record is torn at the end of a file.
+Complaint tornRecord(const std::string& bytes, std::size_t whole, std::size_t there) {
+  return {bytes.size() - there, "expected " + std::to_string(whole) + " bytes of a record up to " +
+                                    std::to_string(bytes.size()) + ", found " +
+                                    std::to_string(there) + "; " + std::to_string(there) +
+                                    " bytes were not read"};
+}
+
 /// A file whose last data block says that it is empty, with what was written after it.
 Sample withOpenBlock(const std::string& name, const std::string& shows, const std::string& after,
                      std::size_t records) {
+  constexpr std::size_t record_bytes = 10;
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
   const std::uint64_t data_group = file.addSortedGroup(countingGroup(0), countingChannels(), 0);
   file.link(data_group, 2, file.add("DT", {}));
   file.append(after);
-  return {name, shows, file.bytes(), {countingTable(records)}};
+  Sample sample{name, shows, file.bytes(), {countingTable(records)}};
+  const std::size_t torn = after.size() - records * record_bytes;
+  if (torn > 0) {
+    sample.complaints = {tornRecord(sample.bytes, record_bytes, torn)};
+  }
+  return sample;
 }
 
 Samples oneBlock() {
@@ -150,7 +164,8 @@ Sample openUnsorted() {
   return {"unfinished-unsorted",
           "unsorted records up to the end of the file",
           file.bytes(),
-          {countingTable(2), {{{"t", "s"}, {"b", ""}}, {"0.25,9"}}}};
+          {countingTable(2), {{{"t", "s"}, {"b", ""}}, {"0.25,9"}}},
+          {tornRecord(file.bytes(), 10, 4)}};
 }
 
 /// Values of variable length among records, whose sizes nobody has added up.

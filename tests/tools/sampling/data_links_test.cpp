@@ -41,7 +41,7 @@ std::string partsAt(const LinkedFile& contents, std::uint64_t link) {
   const mdf_reader::FindingSink report = [&](const Finding& finding) {
     text += "?" + std::to_string(finding.offset) + ' ';
   };
-  DataLinks links(file, link, report);
+  DataLinks links(file, {FileBuilder::header, link}, report);
   for (auto part = links.next(); part; part = links.next()) {
     text += std::to_string(part->data) + (part->lacks_invalidation ? "!" : "");
     text += part->invalidation != 0 ? '/' + std::to_string(part->invalidation) + ' ' : " ";
@@ -72,9 +72,9 @@ TEST(DataLinks, LeadToBlocksAndFindings) {
        [](LinkedFile& f) { return addList(f, {168}, addList(f, {}, addList(f, {200}))); }},
       {"a header list", "168 ", [](LinkedFile& f) { return f.lists(addList(f, {168})); }},
       {"an empty header list", "", [](LinkedFile& f) { return f.lists(0); }},
-      {"a header list that leads to data", "?264 ", [](LinkedFile& f) { return f.lists(168); }},
+      {"a header list that leads to data", "?64 ", [](LinkedFile& f) { return f.lists(168); }},
       {"another block", "?64 ", [](LinkedFile&) { return 64; }},
-      {"beyond the file", "?257 ", [](LinkedFile&) { return 9999; }},
+      {"beyond the file", "?64 ", [](LinkedFile&) { return 9999; }},
       {"a list that goes on elsewhere", "168 ?264 ",
        [](LinkedFile& f) { return addList(f, {168}, 64); }},
       {"a circle", "168 ?264 ",
@@ -124,11 +124,11 @@ TEST(DataLinks, EachPartTellsItsList) {
   const mdf_reader::FindingSink sink = [](const Finding& finding) {
     ADD_FAILURE() << finding.sentence;
   };
-  DataLinks links(file, first, sink);
+  DataLinks links(file, {FileBuilder::header, first}, sink);
   EXPECT_TRUE(links.isInLists());
   EXPECT_EQ(links.next()->list, first);
   EXPECT_EQ(links.next()->list, second);
-  DataLinks single(file, 168, sink);
+  DataLinks single(file, {FileBuilder::header, 168}, sink);
   EXPECT_FALSE(single.isInLists());
   EXPECT_EQ(single.next()->list, 168U);
 }
@@ -139,7 +139,7 @@ TEST(DataLinks, NothingComesOnceTheyAreStopped) {
   const TempFile path(contents.bytes());
   mdf_reader::InputFile file(path.path());
   const mdf_reader::FindingSink sink = [](const Finding&) {};
-  DataLinks links(file, list, sink);
+  DataLinks links(file, {FileBuilder::header, list}, sink);
   EXPECT_EQ(links.next()->data, 168U);
   links.stop();
   EXPECT_FALSE(links.next());

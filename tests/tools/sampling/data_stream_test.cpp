@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -17,9 +18,12 @@ namespace {
 /// The data that a link of a file leads to.
 class Streamed {
  public:
-  Streamed(const std::string& bytes, std::uint64_t link, bool is_unfinished = false,
+  Streamed(const std::string& bytes, std::uint64_t link,
            DataStream::Access access = DataStream::Access::forward)
-      : path_(bytes), file_(path_.path()), stream_(file_, link, is_unfinished, access, report_) {}
+      : path_(bytes),
+        input_(path_.path()),
+        file_(input_),
+        stream_(file_, {FileBuilder::header, link}, access, report_) {}
 
   /// All bytes, in pieces of seven.
   std::string all() {
@@ -36,7 +40,8 @@ class Streamed {
 
  private:
   TempFile path_;
-  InputFile file_;
+  InputFile input_;
+  DataFile file_;
   std::vector<std::string> findings_;
   FindingSink report_ = [this](const Finding& finding) { findings_.push_back(finding.sentence); };
   DataStream stream_;
@@ -119,7 +124,7 @@ TEST(DataStream, AnyOffsetOfAListOfBoth) {
       addList(file, {addZipped(file, "SD", "0123456789"), file.add("SD", {}, "abcdefghij"),
                      addZipped(file, "SD", "ABCDEFGHIJ")});
   const std::string expected = "0123456789abcdefghijABCDEFGHIJ";
-  Streamed streamed(file.bytes(), list, false, DataStream::Access::scattered);
+  Streamed streamed(file.bytes(), list, DataStream::Access::scattered);
   for (const std::size_t offset : {25U, 0U, 15U, 9U, 29U, 19U, 5U}) {
     for (const std::size_t count : {1U, 4U, 12U, 30U}) {
       EXPECT_EQ(streamed.stream().at(offset, count), expected.substr(offset, count));
@@ -141,15 +146,15 @@ void expectData(const FileBuilder& file, std::uint64_t link, const std::string& 
 
 TEST(DataStream, LinkToSomethingElse) {
   const FileBuilder file;
-  expectData(file, 64, "expected a block with data, found none", "");
-  expectData(file, 99999, "expected a block with data, found none", "");
+  expectData(file, 64, "expected a block with data at 64 (0x40), found none", "");
+  expectData(file, 99999, "expected a block with data at 99999 (0x1869f), found none", "");
 }
 
 TEST(DataStream, ListWithALinkToSomethingElse) {
   FileBuilder file;
   const std::uint64_t a = file.addData("abc");
   const std::uint64_t list = addList(file, {a, FileBuilder::header, a});
-  expectData(file, list, "expected data at 64 (0x40), found none", "abc");
+  expectData(file, list, "expected data at 64 (0x40), found none; 3 bytes were not read", "abc");
 }
 
 TEST(DataStream, ListsInACircle) {
@@ -189,34 +194,96 @@ TEST(DataStream, LinksOfADataBlockThatAreMoreThanTheFile) {
   expectData(file, data, "expected no links in a data block, found 18446744073709551615", "");
 }
 
-TEST(DataStream, OpenLastBlockGoesOnToTheEnd) {
-  for (const std::uint64_t length : {0U, 24U}) {
-    FileBuilder file;
-    const std::uint64_t data = file.addData("abcdefgh, and so on");
-    file.write(data + 8, Bytes().u64(length));
-    Streamed unfinished(file.bytes(), data, true);
-    EXPECT_EQ(unfinished.all(), "abcdefgh, and so on");
-    EXPECT_EQ(unfinished.findings(), std::vector<std::string>());
-    EXPECT_EQ(Streamed(file.bytes(), data, false).all(), "");
+/// A file with a data group and the data that a test gives it.
+class OpenFile : public FileBuilder {
+ public:
+  /// @param flags of an unfinished file; -1 for a finished one
+  explicit OpenFile(int flags) : FileBuilder(flags < 0 ? "MDF     " : "UnFinMF ") {
+    write(60, Bytes().u16(static_cast<std::uint16_t>(std::max(flags, 0))));
+    data_group_ = addDataGroup({}, 0);
+  }
+
+  std::uint64_t setData(std::uint64_t block) {
+    link(data_group_, 2, block);
+    return block;
+  }
+  void setLength(std::uint64_t block, std::uint64_t length) {
+    write(block + 8, Bytes().u64(length));
+  }
+
+ private:
+  std::uint64_t data_group_ = 0;
+};
+
+constexpr int last_data_open = 4;
+
+TEST(DataStream, OpenLastBlockGoesOnToTheEndWhateverItsLengthSays) {
+  for (const std::uint64_t length : {0U, 24U, 25U, 30U, 42U, 44U, 1000U}) {
+    OpenFile file(last_data_open);
+    const std::uint64_t data = file.setData(file.addData("abcdefgh, and so on"));
+    file.setLength(data, length);
+    EXPECT_EQ(bytesAt(file, data), "abcdefgh, and so on") << length;
   }
 }
 
+TEST(DataStream, WithoutTheFlagAnEmptyLastBlockIsOpenAndNoOther) {
+  OpenFile file(0);
+  const std::uint64_t data = file.setData(file.addData("abcdefgh, and so on"));
+  file.setLength(data, 24);
+  EXPECT_EQ(bytesAt(file, data), "abcdefgh, and so on");
+  file.setLength(data, 27);
+  EXPECT_EQ(bytesAt(file, data), "abc");
+  OpenFile finished(-1);
+  const std::uint64_t empty = finished.setData(finished.addData("abc"));
+  finished.setLength(empty, 24);
+  EXPECT_EQ(bytesAt(finished, empty), "");
+}
+
+TEST(DataStream, OpenLastBlockEndsWhereTheNextBlockBegins) {
+  OpenFile file(last_data_open);
+  const std::uint64_t data = file.setData(file.addData("abcdefgh"));
+  file.link(FileBuilder::header, 5, file.text("a comment after the data"));
+  for (const std::uint64_t length : {0U, 24U, 27U, 32U, 35U}) {
+    file.setLength(data, length);
+    EXPECT_EQ(bytesAt(file, data), "abcdefgh") << length;
+  }
+}
+
+TEST(DataStream, BlocksBeforeTheLastOneEndByTheirLength) {
+  OpenFile file(last_data_open);
+  const std::uint64_t first = file.addData("abcdefgh");
+  const std::uint64_t last = file.addData("ijklmnop");
+  file.setData(addList(file, {first, last}));
+  file.setLength(first, 27);
+  EXPECT_EQ(bytesAt(file, first), "abc");
+}
+
 TEST(DataStream, EmptyBlocksBeforeOthersStayEmptyInAnUnfinishedFile) {
-  FileBuilder file;
+  OpenFile file(last_data_open);
   const std::uint64_t empty = file.addData("");
-  file.text("behind it");
-  EXPECT_EQ(Streamed(file.bytes(), empty, true).all(), "");
-  const std::uint64_t last = file.addData("");
-  EXPECT_EQ(Streamed(file.bytes(), last, true).all(), "");
+  file.text("that no link leads to");
+  EXPECT_EQ(bytesAt(file, file.setData(empty)), "");
+  EXPECT_EQ(bytesAt(file, file.setData(file.addData(""))), "");
 }
 
 TEST(DataStream, LengthBeyondTheFileIsNoFindingInAnUnfinishedFile) {
+  OpenFile file(0);
+  const std::uint64_t data = file.setData(file.addData("abc"));
+  file.setLength(data, 100);
+  EXPECT_EQ(bytesAt(file, data), "abc");
+}
+
+TEST(DataStream, TellsWhereItsBytesStandInTheFile) {
   FileBuilder file;
-  const std::uint64_t data = file.addData("abc");
-  file.write(data + 8, Bytes().u64(100));
-  Streamed unfinished(file.bytes(), data, true);
-  EXPECT_EQ(unfinished.all(), "abc");
-  EXPECT_EQ(unfinished.findings(), std::vector<std::string>());
+  const std::uint64_t plain = file.addData("abc");
+  const std::uint64_t zipped = addZipped(file, "DT", "defgh");
+  Streamed streamed(file.bytes(), addList(file, {plain, zipped, plain}));
+  EXPECT_EQ(streamed.stream().size(), 11U);
+  EXPECT_EQ(streamed.stream().placeOf(2), plain + 24 + 2);
+  EXPECT_EQ(streamed.stream().placeOf(3), zipped);
+  EXPECT_EQ(streamed.stream().placeOf(8), plain + 24);
+  EXPECT_EQ(streamed.stream().placeOf(11), plain + 24 + 3);
+  EXPECT_EQ(Streamed(file.bytes(), 0).stream().placeOf(0), FileBuilder::header);
 }
 
 TEST(DataStream, BrokenZippedData) {
@@ -225,16 +292,19 @@ TEST(DataStream, BrokenZippedData) {
   const std::uint64_t zipped = addZipped(file, "DT", "the quick brown fox");
   file.write(zipped + 48, "\x01\x02");
   expectData(file, addList(file, {a, zipped, a}),
-             "expected a zlib stream, found a damaged one or other bytes", "abc");
+             "expected a zlib stream, found a damaged one or other bytes; 22 bytes were not read",
+             "abc");
 }
 
 TEST(DataStream, ZippedDataOfAnotherLength) {
   FileBuilder file;
   const std::uint64_t zipped = addZipped(file, "DT", "the quick");
   file.write(zipped + 32, Bytes().u64(8));
-  expectData(file, zipped, "expected 8 bytes of zipped data, found more", "");
+  expectData(file, zipped, "expected 8 bytes of zipped data, found more; 8 bytes were not read",
+             "");
   file.write(zipped + 32, Bytes().u64(10));
-  expectData(file, zipped, "expected 10 bytes of zipped data, found 9", "the quick");
+  expectData(file, zipped, "expected 10 bytes of zipped data, found 9; 1 byte was not read",
+             "the quick");
 }
 
 TEST(DataStream, ZippedDataThatCannotBeAsLongAsItSays) {

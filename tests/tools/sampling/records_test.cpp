@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -32,37 +33,34 @@ ChannelGroup groupOf(std::uint64_t record_id, std::uint64_t cycles, std::uint32_
 /// A data group whose data is in a block of a file.
 class GroupInFile {
  public:
-  GroupInFile(unsigned code, const std::vector<ChannelGroup>& groups, const std::string& data)
-      : path_(contentsWith(data)), file_(path_.path()) {
+  /// @param unfinished the flags of an unfinished file; -1 for a finished one
+  GroupInFile(unsigned code, const std::vector<ChannelGroup>& groups, const std::string& data,
+              int unfinished = -1)
+      : path_(contentsWith(data, unfinished)), input_(path_.path()), file_(input_) {
     group_.offset = 900;
     group_.record_id_code = code;
     group_.data = 168;
     group_.groups = groups;
-    identification_.file_word = "MDF     ";
-  }
-
-  GroupInFile& setUnfinished(unsigned flags) {
-    identification_.file_word = "UnFinMF ";
-    identification_.standard_flags = flags;
-    return *this;
   }
 
   const DataGroup& group() const { return group_; }
   const std::string& findings() const { return findings_; }
-  DataStream stream() { return {file_, group_.data, false, DataStream::Access::forward, report_}; }
-  Records records() { return {file_, identification_, group_, report_}; }
-  const FindingSink& report() const { return report_; }
+  DataStream stream() {
+    return {file_, {group_.offset, group_.data}, DataStream::Access::forward, report_};
+  }
+  Records records() { return {file_, group_, report_}; }
 
  private:
-  static std::string contentsWith(const std::string& data) {
-    FileBuilder contents;
+  static std::string contentsWith(const std::string& data, int unfinished) {
+    FileBuilder contents(unfinished < 0 ? "MDF     " : "UnFinMF ");
     contents.addData(data);
+    contents.write(60, Bytes().u16(static_cast<std::uint16_t>(std::max(unfinished, 0))));
     return contents.bytes();
   }
 
   TempFile path_;
-  InputFile file_;
-  Identification identification_;
+  InputFile input_;
+  DataFile file_;
   DataGroup group_;
   std::string findings_;  ///< their offsets
   FindingSink report_ = [this](const Finding& finding) {
@@ -86,11 +84,11 @@ TEST(RecordFormat, TellsRecordsByTheirIds) {
       {0, "xyz"_b, "0:x 0:y 0:z end"},
       {1, "\7\3\0\0\0xyz\1ab\7\0\0\0\0"_b, "7:xyz 1:ab 7: end"},
       {1, "\1ab\5"_b, "1:ab no group 5"},
-      {2, "\1\0ab\1"_b, "1:ab end"},          // a torn id
-      {1, "\1ab\1c"_b, "1:ab end"},           // a torn record
-      {1, "\1ab\7\3\0\0"_b, "1:ab end"},      // a torn length
-      {1, "\1ab\7\3\0\0\0xy"_b, "1:ab end"},  // a torn value
-      {1, "\7\xFF\xFF\xFF\xFFxyz"_b, "end"},  // a length that lies
+      {2, "\1\0ab\1"_b, "1:ab torn 2"},
+      {1, "\1ab\1c"_b, "1:ab torn 3"},
+      {1, "\1ab\7\3\0\0"_b, "1:ab torn 5"},
+      {1, "\1ab\7\3\0\0\0xy"_b, "1:ab past the end 3"},
+      {1, "\7\xFF\xFF\xFF\xFFxyz"_b, "past the end 4294967295"},
       {1, ""_b, "end"},
   };
   for (const Case& each : cases) {
@@ -104,7 +102,9 @@ TEST(RecordFormat, TellsRecordsByTheirIds) {
     for (; record.group != nullptr; record = format.at(data, record.next)) {
       text += std::to_string(record.group->record_id) + ':' + std::string(record.bytes) + ' ';
     }
-    text += record.is_end ? "end" : "no group " + std::to_string(record.unknown_id);
+    const std::vector<std::string> ends = {"", "end", "no group ", "torn ", "past the end "};
+    text += ends.at(record.kind);
+    text += record.kind == Record::end ? "" : std::to_string(record.number);
     EXPECT_EQ(text, each.records) << testing::PrintToString(each.data);
   }
 }
@@ -116,21 +116,21 @@ TEST(RecordFormat, SizesOfRecordIds) {
     unsigned code;
     std::string data;
     unsigned bytes;
-    std::string findings;
   };
-  for (const Case& each : std::vector<Case>{{0, "ab", 0, ""},
-                                            {1, "\1a\2b", 1, ""},
-                                            {2, "\1\0a\2\0b"_b, 2, ""},
-                                            {3, four, 4, ""},
-                                            {4, four, 4, ""},
-                                            {4, eight, 8, ""},
-                                            {4, "neither", 4, ""},
-                                            {8, eight, 8, ""},
-                                            {5, four, 0, "900 "}}) {
+  for (const Case& each : std::vector<Case>{{0, "ab", 0},
+                                            {1, "\1a\2b", 1},
+                                            {2, "\1\0a\2\0b"_b, 2},
+                                            {3, four, 4},
+                                            {4, four, 4},
+                                            {4, eight, 8},
+                                            {4, four + "more", 4},
+                                            {4, eight + "more", 8},
+                                            {4, "neither", 4},
+                                            {8, eight, 8},
+                                            {5, four, 0}}) {
     GroupInFile file(each.code, {groupOf(1, 1, 1), groupOf(2, 1, 1)}, each.data);
     DataStream data = file.stream();
-    EXPECT_EQ(recordIdBytes(file.group(), data, true, file.report()), each.bytes) << each.code;
-    EXPECT_EQ(file.findings(), each.findings) << each.code;
+    EXPECT_EQ(recordIdBytes(file.group(), data, true), each.bytes) << each.code;
   }
 }
 
@@ -149,44 +149,43 @@ std::string recordsOf(GroupInFile& file) {
 }
 
 TEST(Records, AreAsManyAsTheirCountOrTheDataSays) {
-  constexpr unsigned open = Identification::cycle_counters_open;
+  constexpr int open = Identification::cycle_counters_open;
   struct Case {
     unsigned code;
     std::vector<ChannelGroup> groups;
     std::string data;
     std::string records;
     std::string findings;
-    int unfinished = -1;  ///< the flags of an unfinished file
+    int unfinished = -1;
   };
   const ChannelGroup two = groupOf(1, 2, 2);
   const std::string mixed = "\1ab\2x\1cd\2y"_b;
   const std::vector<Case> cases = {
       {0, {two}, "abcd", "ab cd |", ""},
-      {0, {two}, "abcdef", "ab cd |", ""},
+      {0, {two}, "abcdef", "ab cd |", "1001 "},
       {0, {two}, "abc", "ab |", "1001 "},
       {0, {groupOf(1, 0, 2)}, "", "|", ""},
       {0, {groupOf(1, 0, 2)}, "ab", "ab |", "1001 "},
-      {0, {groupOf(1, 0, 2)}, "abc", "ab |", "", open},
+      {0, {groupOf(1, 0, 2)}, "abc", "ab |", "194 ", open},
       {0, {groupOf(1, 1, 2)}, "abcd", "ab cd |", "", open},
       {0, {groupOf(1, 0, 2)}, "abcd", "ab cd |", "", 0},
       {0, {two}, "ab", "ab |", "1001 ", 0},
       {0, {groupOf(1, 3, 0)}, "", "   |", ""},
       {1, {two}, "\1ab\1cd", "ab cd |", ""},
       {1, {two, groupOf(2, 2, 1)}, mixed, "ab cd |x y |", ""},
-      {1, {two, groupOf(2, 1, 1)}, mixed, "ab cd |x |", ""},
+      {1, {two, groupOf(2, 1, 1)}, mixed, "ab cd |x |", "1002 "},
       {1, {two, groupOf(2, 3, 1)}, mixed, "ab cd |x y |", "1002 "},
       {1, {two, groupOf(2, 0, 1)}, mixed, "ab cd |x y |", "", open},
-      {1, {two, groupOf(3, 2, 1)}, mixed, "ab ||", "900 1001 1003 "},
-      {1, {two, groupOf(2, 2, 1)}, mixed + "\1e", "ab cd |x y |", ""},
-      {0, {two, groupOf(2, 2, 1)}, "abcd", "||", "1001 1002 "},
+      {1, {two, groupOf(3, 2, 1)}, mixed, "ab ||", "195 "},
+      {1, {two, groupOf(2, 2, 1)}, mixed + "\1e", "ab cd |x y |", "202 "},
+      {5, {two, groupOf(2, 2, 1)}, mixed, "||", "900 "},
+      {1, {two, groupOf(1, 2, 1)}, mixed, "ab ||", "1001 195 "},
+      {0, {two, groupOf(2, 2, 1)}, "abcd", "||", "900 "},
       {0, {two, groupOf(2, 0, 1)}, "abcd", "ab cd ||", ""},
   };
   for (std::size_t i = 0; i < cases.size(); ++i) {
     const Case& each = cases[i];
-    GroupInFile file(each.code, each.groups, each.data);
-    if (each.unfinished >= 0) {
-      file.setUnfinished(static_cast<unsigned>(each.unfinished));
-    }
+    GroupInFile file(each.code, each.groups, each.data, each.unfinished);
     EXPECT_EQ(recordsOf(file), each.records) << i;
     EXPECT_EQ(file.findings(), each.findings) << i;
   }

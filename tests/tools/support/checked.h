@@ -3,12 +3,12 @@
 
 #include <string>
 
-#include "checking/problem.h"
+#include "reader/blocks/finding.h"
 
 namespace mdf_tests {
 
 /// "64 error link-wrong-type: sentence [path]" with the end of the line.
-std::string problemLine(const mdf_tools::Problem& problem);
+std::string problemLine(const mdf_reader::Finding& problem);
 
 /// The lines of all problems that a check of these bytes finds. Each sentence is tested in
 /// checking/broken_files_test.cpp; other tests have the short forms below.

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace mdf_tools {
+namespace mdf_reader {
 
 namespace {
 
@@ -29,8 +29,8 @@ found.)",
        R"(Restore the file from a copy: its first bytes were overwritten, or never written.)"},
       {Code::file_unfinished, "file-unfinished", Severity::warning, "The file was not finished",
        R"(The file begins with "UnFinMF ": the program that wrote it did not close it. The message
-names what the flags at offset 60 leave open. Record counts are not compared with the
-data.)",
+names what the flags at offset 60 leave open. Counts that are open are not compared with
+the data.)",
        R"(Finish the file with a program that can do so. Its data can be read up to the point
 where the recording ended.)"},
   };
@@ -137,6 +137,16 @@ length of the block before them is too small.)"},
        "A count is larger than the block",
        R"(The count stands for more elements than there is room for in the block.)",
        R"(The count or the length is damaged.)"},
+      {Code::work_limited, "work-limited", Severity::error, "Not everything was read",
+       R"(Blocks overlap, or many refer to the same large one, so that reading all would read the same
+bytes again and again. What goes beyond some times the size of the file is skipped.)",
+       R"(The file is damaged, or it was made to keep programs busy.)"},
+      {Code::file_shrunk, "file-shrunk", Severity::error, "The file became shorter",
+       R"(While it was read, another program cut it off.)", R"(Read a copy of the file.)"},
+      {Code::request_failed, "request-failed", Severity::error, "A request cannot be met",
+       R"(A command was asked for what the file does not have, such as a block at an offset, or to write
+a file that is there already.)",
+       R"(Check the options of the command. `mdf check` never reports this.)"},
   };
 }
 
@@ -172,6 +182,10 @@ that compute the place of a record find other bytes.)"},
        "Compressed data has another length than stated",
        R"(It inflates to more or fewer bytes than the block says.)",
        R"(Correct the program that wrote the file, or restore the file from a copy.)"},
+      {Code::zip_type_unknown, "zip-type-unknown", Severity::error,
+       "Data is compressed in an unknown way",
+       R"(The zip type of the block is none that this program knows. The data is not read.)",
+       R"(The block is damaged, or it was written by a newer version of the format.)"},
       {Code::text_not_terminated, "text-not-terminated", Severity::warning,
        "A text has no zero byte at its end",
        R"(A text or metadata block must end in a zero byte. Programs that look for one read on
@@ -214,10 +228,23 @@ than 0 when the group has several channel groups.)",
 since its length is not known.)",
        R"(The data is damaged at the byte that the message names, or the records before it have
 another length than their channel group states.)"},
+      {Code::record_past_end, "record-past-end", Severity::error,
+       "A record of variable length is longer than the data",
+       R"(The length that the record states goes past the end of the data. Nothing after it can be
+read. The message says how many bytes that are.)",
+       R"(The length is damaged, or the id of a record before it, so that no record begins here; or the
+file was cut off.)"},
       {Code::record_cut_off, "record-cut-off", Severity::error, "The data ends with a torn record",
-       R"(The data of a data group with several channel groups ends in the middle of a record.)",
+       R"(The data of a data group ends in the middle of a record.)",
        R"(The recording was interrupted, or the file was cut off. All records before it can be
 read.)"},
+      {Code::bytes_not_read, "bytes-not-read", Severity::warning,
+       "Data of an unfinished file is not read to its end",
+       R"(The data goes on with bytes that are not a whole record: an unknown record id, after which
+nobody knows where the next record begins, or a torn record. The message says how many bytes
+they are.)",
+       R"(All records before these bytes can be read. A few bytes at the end are a record that was being
+written; many bytes mean that the data is damaged at the offset of the message.)"},
       {Code::cycle_count_wrong, "cycle-count-wrong", Severity::error,
        "The number of records is wrong",
        R"(A channel group or a sample reduction states another number of records than its data
@@ -258,11 +285,31 @@ channel group with values. Programs do not read them.)",
       {Code::value_outside_signal_data, "value-outside-signal-data", Severity::error,
        "Values of variable length are missing",
        R"(The offset in a record, or the length that stands there, goes past the end of the
-channel's signal data. Only the offset is checked where values are the records of
-another channel group, and where a record refers back to a value before the last one.
-Signal data that several channels share is checked for the first of them.)",
+channel's signal data. The first such record of each channel is reported.)",
        R"(Signal data was lost: the file was cut off, or its list of data blocks is incomplete. The
 other records have their values.)"},
+      {Code::invalidation_data_wrong, "invalidation-data-wrong", Severity::error,
+       "Invalidation data does not fit the records",
+       R"(The invalidation bytes of records that stand in blocks of their own are missing, or they are more
+or fewer than the records need. Values without them are taken as valid.)",
+       R"(Correct the program that wrote the file, or restore the file from a copy.)"},
+      {Code::data_type_unknown, "data-type-unknown", Severity::error,
+       "A channel has an unknown data type", R"(The values of the channel cannot be read.)",
+       R"(The channel is damaged, or it was written by a newer version of the format.)"},
+      {Code::array_unreadable, "array-unreadable", Severity::error,
+       "The elements of an array cannot be read",
+       R"(The elements have records of their own, and these cannot be found or told apart.)",
+       R"(Correct the program that wrote the file.)"},
+      {Code::conversion_unreadable, "conversion-unreadable", Severity::error,
+       "A conversion cannot be used",
+       R"(It is of an unknown type, lacks values or references, leads back to itself, or its formula cannot
+be evaluated. The values of its channels stay raw.)",
+       R"(Correct the program that wrote the file.)"},
+      {Code::remote_master_missing, "remote-master-missing", Severity::error,
+       "A remote master channel is missing",
+       R"(The master channel of a channel group stands in another group (MDF 4.2), which is not there, or
+has fewer records.)",
+       R"(Correct the program that wrote the file.)"},
       {Code::master_missing, "master-missing", Severity::note,
        "A channel group has no master channel",
        R"(The group has channels and records, but no time, angle or distance. Programs draw the
@@ -319,4 +366,4 @@ std::string_view severityWord(Severity severity) {
   return "error";
 }
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader

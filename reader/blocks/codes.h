@@ -1,11 +1,11 @@
-#ifndef MDF_TOOLS_CHECKING_CODES_H_
-#define MDF_TOOLS_CHECKING_CODES_H_
+#ifndef MDF_READER_BLOCKS_CODES_H_
+#define MDF_READER_BLOCKS_CODES_H_
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace mdf_tools {
+namespace mdf_reader {
 
 enum class Severity {
   note,     ///< allowed, and worth knowing
@@ -38,6 +38,9 @@ enum class Code {
   block_unreachable,
   bytes_outside_blocks,
   count_too_large,
+  work_limited,
+  file_shrunk,
+  request_failed,
   list_count_wrong,
   list_offsets_not_ascending,
   list_offsets_wrong,
@@ -45,6 +48,7 @@ enum class Code {
   zip_length_wrong,
   zip_broken,
   zip_original_length_wrong,
+  zip_type_unknown,
   text_not_terminated,
   text_not_utf8,
   xml_not_well_formed,
@@ -53,7 +57,9 @@ enum class Code {
   record_id_size_wrong,
   record_id_twice,
   record_id_unknown,
+  record_past_end,
   record_cut_off,
+  bytes_not_read,
   cycle_count_wrong,
   data_shared,
   channel_outside_record,
@@ -61,6 +67,11 @@ enum class Code {
   channel_without_bits,
   signal_data_unused,
   value_outside_signal_data,
+  invalidation_data_wrong,
+  data_type_unknown,
+  array_unreadable,
+  conversion_unreadable,
+  remote_master_missing,
   master_missing,
   master_twice,
   masters_overlap,
@@ -88,6 +99,6 @@ const CodeText* findCode(std::string_view word);
 /// "note", "warning" or "error".
 std::string_view severityWord(Severity severity);
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader
 
-#endif  // MDF_TOOLS_CHECKING_CODES_H_
+#endif  // MDF_READER_BLOCKS_CODES_H_

@@ -1,0 +1,70 @@
+#include "record_facts.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "../bytes/input_file.h"
+#include "../model/element_groups.h"
+
+namespace mdf_reader {
+
+RecordFacts::RecordFacts(InputFile& file, FindingSink report)
+    : file_(file), report_(std::move(report)), silent_([](const Finding& /*finding*/) {}) {}
+
+RecordCount RecordFacts::recordsOf(std::uint64_t group, std::uint64_t stated) {
+  if (!file_.isUnfinished()) {
+    return {stated, false};
+  }
+  look();
+  const auto count = counts_.find(group);
+  if (count != counts_.end()) {
+    return count->second;
+  }
+  return file_.areCountsFinal() ? RecordCount{stated, false} : RecordCount{std::nullopt, true};
+}
+
+std::uint64_t RecordFacts::idBytesOf(std::uint64_t data_group, std::uint64_t code) {
+  const auto possible = recordIdBytesFor(code);
+  if (possible.size() < 2) {
+    return possible.empty() ? code : possible.front();
+  }
+  look();
+  const auto found = id_bytes_.find(data_group);
+  return found == id_bytes_.end() ? possible.front() : found->second;
+}
+
+void RecordFacts::look() {
+  if (std::exchange(has_looked_, true)) {
+    return;
+  }
+  Measurement measurement =
+      readMeasurement(file_.bytes(), silent_, [](const ChannelGroup&, const Channel&) {});
+  splitElements(file_.bytes(), measurement, silent_);
+  for (const DataGroup& data_group : measurement.data_groups) {
+    lookAt(data_group);
+  }
+}
+
+bool RecordFacts::leavesCountsOpen(const DataGroup& data_group) const {
+  return std::any_of(data_group.groups.begin(), data_group.groups.end(),
+                     [&](const ChannelGroup& group) { return !file_.isCountFinal(group); });
+}
+
+void RecordFacts::lookAt(const DataGroup& data_group) {
+  const bool are_open = leavesCountsOpen(data_group);
+  const bool is_ambiguous = recordIdBytesFor(data_group.record_id_code).size() > 1;
+  if ((!are_open && !is_ambiguous) || !file_.mayGoOnAfter(0)) {
+    return;
+  }
+  Records records(file_, data_group, are_open ? report_ : silent_);
+  id_bytes_.emplace(data_group.offset, records.idBytes());
+  if (are_open) {
+    for (const ChannelGroup& group : data_group.groups) {
+      counts_.emplace(group.offset,
+                      RecordCount{records.countOf(group), !file_.isCountFinal(group)});
+    }
+  }
+  file_.mayGoOnAfter(records.storedBytes());
+}
+
+}  // namespace mdf_reader

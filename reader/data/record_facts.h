@@ -1,0 +1,55 @@
+#ifndef MDF_READER_DATA_RECORD_FACTS_H_
+#define MDF_READER_DATA_RECORD_FACTS_H_
+
+#include <cstdint>
+#include <optional>
+#include <unordered_map>
+
+#include "../blocks/finding.h"
+#include "data_file.h"
+#include "records.h"
+
+namespace mdf_reader {
+
+/// How many records a channel group has.
+struct RecordCount {
+  std::optional<std::uint64_t> records;  ///< nothing where nobody can tell
+  bool is_counted = false;               ///< in the data, for the file leaves it open
+};
+
+/// What a file's data shows of its groups where their blocks leave it open: how many records there
+/// are, and how wide the record ids. The data is read, once, when somebody asks for such a thing;
+/// of a finished file only the beginnings of data whose record ids may have 4 or 8 bytes.
+class RecordFacts {
+ public:
+  /// @param report takes what is wrong with data whose records are counted. It is kept.
+  RecordFacts(InputFile& file, FindingSink report);
+
+  /// The file, with what it leaves open.
+  DataFile& file() { return file_; }
+
+  /// The records of the channel group at an offset.
+  /// @param stated its cycle count, which holds where the file does not leave it open.
+  RecordCount recordsOf(std::uint64_t group, std::uint64_t stated);
+
+  /// Bytes of the record ids of the data group at an offset, or the code itself where it is
+  /// unknown.
+  /// @param code what the data group has for it.
+  std::uint64_t idBytesOf(std::uint64_t data_group, std::uint64_t code);
+
+ private:
+  void look();
+  void lookAt(const DataGroup& data_group);
+  bool leavesCountsOpen(const DataGroup& data_group) const;
+
+  DataFile file_;
+  FindingSink report_;
+  FindingSink silent_;
+  bool has_looked_ = false;
+  std::unordered_map<std::uint64_t, RecordCount> counts_;  ///< by the groups' offsets
+  std::unordered_map<std::uint64_t, unsigned> id_bytes_;   ///< by those of the data groups
+};
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_DATA_RECORD_FACTS_H_
