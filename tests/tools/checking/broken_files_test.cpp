@@ -450,7 +450,7 @@ BrokenFiles brokenRecords() {
       {"768 error zip-type-unknown: expected a known zip type, found 7 "
        "[HD.hd_dg_first/DG[0].dg_data/DZ]",
        withZipType(7)},
-      {"800 error invalidation-data-wrong: expected 2 bytes of invalidation data for the 2 records "
+      {"816 error invalidation-data-wrong: expected 2 bytes of invalidation data for the 2 records "
        "in the data at 768 (0x300), found 1 "
        "[HD.hd_dg_first/DG[0].dg_data/LD[0].ld_invalidation_data[0]/DI]",
        withInvalidationBytes(1)},
@@ -486,7 +486,7 @@ std::string withValueOutside() {
 std::string withArrayStorage(int storage) {
   SmallFile file;
   file.link(SmallFile::speed, 1,
-            file.add("CA", {0}, Bytes().u8s({0, storage}).u16(1).zeros(12).u64(1)));
+            file.add("CA", {0}, Bytes().u8s({0, storage}).u16(1).zeros(12).u64(1).u64(0)));
   return file.bytes();
 }
 
@@ -613,7 +613,7 @@ TEST(BrokenFiles, ElementsWithRecordsOfTheirOwn) {
   std::string bytes = withElementRecords(1);
   EXPECT_EQ(problemsIn(bytes), "");
   bytes[768 + 32 + 1] = 0;  // the elements are in the records, all with the id 0
-  EXPECT_EQ(problemsIn(bytes), "232 cycle-count-wrong 1 10 20 10\n");
+  EXPECT_EQ(problemsIn(bytes), "232 cycle-count-wrong 1 10 20 10\n496 channel-outside-record 9 65536\n");
 }
 
 }  // namespace

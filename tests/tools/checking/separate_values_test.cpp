@@ -47,14 +47,14 @@ TEST(SeparateValues, InAListAreCountedWithoutWhatFollowsThem) {
 TEST(SeparateValues, TooFew) {
   FileOfValues file;
   file.replaceData(file.values(17));
-  EXPECT_EQ(problemsIn(file.bytes()), "232 cycle-count-wrong 2 9 17\n");
+  EXPECT_EQ(problemsIn(file.bytes()), "232 cycle-count-wrong 2 9 17 8\n");
 }
 
 TEST(SeparateValues, TooManyInAChainOfLists) {
   FileOfValues file;
   const auto last = file.list(file.values(9), file.values(9));
   file.replaceData(file.list(file.values(9), file.zippedValues(9), last));
-  EXPECT_EQ(problemsIn(file.bytes()), "232 cycle-count-wrong 2 9 36\n");
+  EXPECT_EQ(problemsIn(file.bytes()), "232 cycle-count-wrong 2 9 36 18\n");
 }
 
 TEST(SeparateValues, RecordsInAListHaveTheirInvalidationBytes) {

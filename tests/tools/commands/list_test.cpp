@@ -122,7 +122,8 @@ TEST(ListCommand, ChannelsAsJson) {
   EXPECT_EQ(speed, json::parse(R"({
     "schema": 1, "group": 0, "name": "speed", "unit": "km/h", "type": 0, "type_name": "fixed",
     "sync_type": 0, "data_type": 3, "data_type_name": "int BE", "bit_offset": 3, "byte_offset": 8,
-    "bit_count": 12, "flags": 0, "dimensions": [], "depth": 0, "cycles": 5, "conversion": "linear",
+    "bit_count": 12, "flags": 0, "dimensions": [], "depth": 0, "cycles": 5, "records": 5,
+    "records_counted": false, "conversion": "linear",
     "source": "engine", "comment": "of the car"})"));
   EXPECT_EQ(channels[3]["depth"], 1);
 }
