@@ -133,7 +133,7 @@ std::size_t Tables::visit() {
 /// Data that makes no table is read all the same when everything is wanted: what cannot be read of
 /// it must not go unsaid.
 void Tables::examineWhatIsNoTable(const DataGroup& data_group) {
-  if (selection_.channels.empty() && !selection_.group) {
+  if (selection_.channels.empty() && selection_.group.empty()) {
     makeRecords(data_group);
     records_->examine();
   }
@@ -174,9 +174,9 @@ void Tables::examineGroup(const ChannelGroup& group) {
   std::vector<Column> columns = columnsFor(group, plans, remote);
   std::vector<Column*> elsewhere;
   // Channels that share bytes of the record would have it read again and again.
-  Allowance bytes(group.data_bytes);
+  Allowance offsets(group.data_bytes);
   for (Column& column : columns) {
-    if (!column.isInRecords() && bytes.take(column.storedBytes())) {
+    if (!column.isInRecords() && offsets.take(column.storedBytes())) {
       elsewhere.push_back(&column);
     }
   }
