@@ -51,7 +51,8 @@ bool DataFile::leadsOn(std::uint64_t end) {
     return true;
   }
   const auto next = end < file_.size() ? readRawBlock(file_, (end + 7) / 8 * 8) : std::nullopt;
-  return next && looksLikeBlock(*next) && next->length >= RawBlock::header_size;
+  return next && looksLikeBlock(*next) &&
+         (next->length >= RawBlock::header_size || isPlainData(*next));
 }
 
 bool DataFile::isLastOfItsType(const RawBlock& block) {

@@ -302,7 +302,7 @@ std::unique_ptr<SignalValues> Tables::valuesOf(const Channel& channel) {
     if (group != groups_.end() && group->second->holdsVariableLength()) {
       return records_->valuesIn(*group->second);
     }
-    report_({Code::link_wrong_type, channel.offset,
+    report_({Code::value_outside_signal_data, channel.offset,
              "expected the values in a channel group for variable-length data of "
              "the same data group, found " +
                  decimalAndHex(channel.data)});

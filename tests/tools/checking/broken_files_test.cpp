@@ -499,7 +499,9 @@ std::string withConversionType(int type) {
 /// A group whose remote master is in a group that no data group has.
 std::string withRemoteMaster() {
   SmallFile file("MDF     ", 420);
-  const auto group = file.add("CG", {0, SmallFile::speed, 0, 0, 0, 0, SmallFile::group},
+  const auto channel = file.add("CN", {0, 0, SmallFile::speed_name, 0, 0, 0, 0, 0},
+                                ChannelSpec{0, 0, 0, 0, 8, 8}.fields());
+  const auto group = file.add("CG", {0, channel, 0, 0, 0, 0, SmallFile::group},
                               GroupSpec{2, 9, 0, 0, 8}.fields());
   file.link(SmallFile::data_group, 1, group);
   return file.bytes();
@@ -570,7 +572,7 @@ BrokenFiles brokenChannels() {
       {"768 error conversion-unreadable: expected a known conversion type, found 99 [" +
            speed_path + ".cn_cc_conversion/CC]",
        withConversionType(99)},
-      {"768 error remote-master-missing: expected the remote master in a channel group at 232 "
+      {"928 error remote-master-missing: expected the remote master in a channel group at 232 "
        "(0xe8), found none of the file [HD.hd_dg_first/DG[0].dg_cg_first/CG[0]]",
        withRemoteMaster()},
       {"232 note master-missing: expected a master channel among the channels, found none" +

@@ -16,7 +16,7 @@ namespace {
 /// The small file with its data moved to the end, from which its writer had not come back.
 SmallFile unfinishedFile(std::uint64_t length) {
   SmallFile file("UnFinMF ");
-  file.write(60, Bytes().u16(4));
+  file.write(60, Bytes().u16(1 + 4));
   const auto data = file.add("DT", {});
   file.replaceData(data);
   file.write(data + 8, Bytes().u64(length));
@@ -66,7 +66,7 @@ TEST(BytesOutside, BlocksThatNobodyLinksAreNotCountedAsBytes) {
 TEST(BytesOutside, AfterTheLastDataOfAnUnfinishedFileAreItsData) {
   for (const std::uint64_t length : {0U, 24U, 40U}) {
     SmallFile file = unfinishedFile(length);
-    file.append(std::string(160, 'd'));
+    file.append(std::string(144, 'd'));
     EXPECT_EQ(checkedCodes(file.bytes()), "file-unfinished 1\n") << length;
     file.write(0, "MDF     ");
     EXPECT_NE(checkedCodes(file.bytes()).find("bytes-outside-blocks 1\n"), std::string::npos)
@@ -76,7 +76,7 @@ TEST(BytesOutside, AfterTheLastDataOfAnUnfinishedFileAreItsData) {
 
 TEST(BytesOutside, DataOfAnUnfinishedFileGoesOnToTheNextBlock) {
   SmallFile file = unfinishedFile(24);
-  file.append(std::string(160, 'd'));
+  file.append(std::string(144, 'd'));
   file.setComment(file.text("written at the end"));
   EXPECT_EQ(checkedCodes(file.bytes()), "file-unfinished 1\n");
   file.append(Bytes().zeros(8).text("more"));
@@ -87,7 +87,7 @@ TEST(BytesOutside, AfterDataThatNoListNamesYetMayBeItsData) {
   SmallFile file("UnFinMF ");
   file.write(60, Bytes().u16(4 + 16));
   const auto data = file.add("DT", {});
-  file.append(std::string(160, 'd'));
+  file.append(std::string(144, 'd'));
   EXPECT_EQ(checkedCodes(file.bytes()), "block-unreachable 1\nfile-unfinished 1\n");
   file.write(data + 8, Bytes().u64(0));
   EXPECT_EQ(checkedCodes(file.bytes()), "file-unfinished 1\n");

@@ -238,7 +238,7 @@ TEST(ValueCheck, LinksToValuesThatLeadElsewhere) {
   EXPECT_EQ(checkedCodes(text.bytes()), "link-wrong-type 1\nvalue-outside-signal-data 1\n");
   TextFile records({99});
   records.setValues(SmallFile::group);
-  EXPECT_EQ(checkedCodes(records.bytes()), "link-wrong-type 1\n");
+  EXPECT_EQ(checkedCodes(records.bytes()), "value-outside-signal-data 1\n");
   TextFile list({99});
   const auto block = list.add("DL", {0, 0}, Bytes().zeros(4).u32(1).u64(0));
   list.link(block, 1, block);
