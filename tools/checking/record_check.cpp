@@ -78,9 +78,8 @@ void RecordCheck::takeChannel(const BlockFields& block, std::uint32_t index) {
   channels_->take(block, index);
   are_blocks_enough_ = are_blocks_enough_ && type != Channel::variable_length;
   if (!is_virtual && block.link(1) == 0 && !stored.isKnown()) {
-    subject_.report(
-        Code::data_type_unknown, index,
-        "expected a known data type, found " + std::to_string(stored.data_type));
+    subject_.report(Code::data_type_unknown, index,
+                    "expected a known data type, found " + std::to_string(stored.data_type));
   }
 }
 

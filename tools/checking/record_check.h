@@ -52,7 +52,7 @@ class RecordCheck {
   OffsetSet seen_data_;
   std::vector<DataGroup> data_groups_;  ///< without channels
   bool is_in_data_group_ = false;
-  bool are_blocks_enough_ = true;  ///< to read the records: all values stand in them
+  bool are_blocks_enough_ = true;         ///< to read the records: all values stand in them
   std::optional<ChannelCheck> channels_;  ///< those of the last group, if its records have any
 };
 

@@ -501,8 +501,8 @@ std::string withRemoteMaster() {
   SmallFile file("MDF     ", 420);
   const auto channel = file.add("CN", {0, 0, SmallFile::speed_name, 0, 0, 0, 0, 0},
                                 ChannelSpec{0, 0, 0, 0, 8, 8}.fields());
-  const auto group = file.add("CG", {0, channel, 0, 0, 0, 0, SmallFile::group},
-                              GroupSpec{2, 9, 0, 0, 8}.fields());
+  const auto group =
+      file.add("CG", {0, channel, 0, 0, 0, 0, SmallFile::group}, GroupSpec{2, 9, 0, 0, 8}.fields());
   file.link(SmallFile::data_group, 1, group);
   return file.bytes();
 }
@@ -615,7 +615,8 @@ TEST(BrokenFiles, ElementsWithRecordsOfTheirOwn) {
   std::string bytes = withElementRecords(1);
   EXPECT_EQ(problemsIn(bytes), "");
   bytes[768 + 32 + 1] = 0;  // the elements are in the records, all with the id 0
-  EXPECT_EQ(problemsIn(bytes), "232 cycle-count-wrong 1 10 20 10\n496 channel-outside-record 9 65536\n");
+  EXPECT_EQ(problemsIn(bytes),
+            "232 cycle-count-wrong 1 10 20 10\n496 channel-outside-record 9 65536\n");
 }
 
 }  // namespace

@@ -166,8 +166,7 @@ TEST(Table, RecordIdCodesThatAreNoByteCounts) {
 
 TEST(Table, RecordIdCodeThatIsUnknown) {
   const Exported exported = csvOf(unsortedFile(7, mixedRecords(1)).bytes());
-  expectFinding(exported, "time [s],a\n\nb\n",
-                "found dg_rec_id_size 7; 29 bytes were not read");
+  expectFinding(exported, "time [s],a\n\nb\n", "found dg_rec_id_size 7; 29 bytes were not read");
 }
 
 TEST(Table, RecordIdThatNoGroupHas) {
