@@ -37,10 +37,10 @@ void RecordFacts::look() {
   if (std::exchange(has_looked_, true)) {
     return;
   }
-  Measurement measurement =
-      readMeasurement(file_.bytes(), silent_, [](const ChannelGroup&, const Channel&) {});
-  splitElements(file_.bytes(), measurement, silent_);
-  for (const DataGroup& data_group : measurement.data_groups) {
+  Description description =
+      readDescription(file_.bytes(), silent_, [](const ChannelGroup&, const Channel&) {});
+  splitElements(file_.bytes(), description, silent_);
+  for (const DataGroup& data_group : description.data_groups) {
     lookAt(data_group);
   }
 }

@@ -280,19 +280,19 @@ const Channel* ChannelGroup::masterChannel() const {
   return best;
 }
 
-Measurement readMeasurement(InputFile& file, const FindingSink& report) {
-  return readMeasurement(file, report, nullptr);
+Description readDescription(InputFile& file, const FindingSink& report) {
+  return readDescription(file, report, nullptr);
 }
 
-Measurement readMeasurement(InputFile& file, const FindingSink& report,
+Description readDescription(InputFile& file, const FindingSink& report,
                             const ChannelVisitor& visit) {
-  Measurement measurement;
-  measurement.texts = std::make_unique<Texts>();
-  measurement.identification = readIdentification(file);
-  DescriptionReader reader(file, report, visit, *measurement.texts);
-  measurement.header = reader.header();
-  measurement.data_groups = reader.dataGroups();
-  return measurement;
+  Description description;
+  description.texts = std::make_unique<Texts>();
+  description.identification = readIdentification(file);
+  DescriptionReader reader(file, report, visit, *description.texts);
+  description.header = reader.header();
+  description.data_groups = reader.dataGroups();
+  return description;
 }
 
 void forEachInChain(InputFile& file, std::uint64_t first, std::string_view letters,

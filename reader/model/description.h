@@ -162,7 +162,7 @@ struct DataGroup {
 };
 
 /// The description of a measurement: all that a file has, except its data.
-struct Measurement {
+struct Description {
   Identification identification;
   Header header;
   std::vector<DataGroup> data_groups;
@@ -172,7 +172,7 @@ struct Measurement {
 /// Reads the description. Reports what is wrong in it, and leaves out the rest of that chain.
 /// Memory and time are proportional to the number of blocks, whatever they say: no block is read in
 /// twice.
-Measurement readMeasurement(InputFile& file, const FindingSink& report);
+Description readDescription(InputFile& file, const FindingSink& report);
 
 /// Takes the channels of a file one by one, members after their structure. The group comes without
 /// its channels.
@@ -180,7 +180,7 @@ using ChannelVisitor = std::function<void(const ChannelGroup& group, const Chann
 
 /// The same without keeping the channels, of which files may have millions, but for arrays whose
 /// elements have records of their own.
-Measurement readMeasurement(InputFile& file, const FindingSink& report,
+Description readDescription(InputFile& file, const FindingSink& report,
                             const ChannelVisitor& visit);
 
 /// Visits the blocks of one type that a chain leads through, first to last, by their link 0. A link

@@ -123,13 +123,13 @@ void Splitter::split(DataGroup&& data_group, std::vector<DataGroup>& result) {
 
 }  // namespace
 
-void splitElements(InputFile& file, Measurement& measurement, const FindingSink& report) {
+void splitElements(InputFile& file, Description& description, const FindingSink& report) {
   std::vector<DataGroup> result;
   Splitter splitter(file, report);
-  for (DataGroup& data_group : measurement.data_groups) {
+  for (DataGroup& data_group : description.data_groups) {
     splitter.split(std::move(data_group), result);
   }
-  measurement.data_groups = std::move(result);
+  description.data_groups = std::move(result);
 }
 
 }  // namespace mdf_reader

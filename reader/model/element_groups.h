@@ -12,7 +12,7 @@ class InputFile;
 /// element keeps the existing group; the others come after it, or after its data group where they
 /// have data of their own. Their channels are not copied: see LentChannels. What prevents this is
 /// reported, and such a group stays as it is, without elements.
-void splitElements(InputFile& file, Measurement& measurement, const FindingSink& report);
+void splitElements(InputFile& file, Description& description, const FindingSink& report);
 
 /// Lends the channels of the first element to the channel group of another one.
 class LentChannels {

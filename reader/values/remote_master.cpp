@@ -49,10 +49,10 @@ void MasterRecords::endAt(Code code, const std::string& sentence) {
   has_ended_ = true;
 }
 
-RemoteMasters::RemoteMasters(DataFile& file, const Measurement& measurement,
+RemoteMasters::RemoteMasters(DataFile& file, const Description& description,
                              const FindingSink& report)
     : file_(file),
-      measurement_(measurement),
+      description_(description),
       report_(report),
       silent_([](const Finding& /*finding*/) {}),
       allowance_(file.bytes().size()) {}
@@ -111,7 +111,7 @@ bool RemoteMasters::areSorted(RemoteMaster& master) {
 }
 
 void RemoteMasters::listGroups() {
-  for (const DataGroup& data_group : measurement_.data_groups) {
+  for (const DataGroup& data_group : description_.data_groups) {
     for (const ChannelGroup& group : data_group.groups) {
       masters_.emplace(group.offset, RemoteMaster{&data_group, &group, {}, false, {}});
     }

@@ -66,7 +66,7 @@ class MasterRecords {
 /// Finds the masters that channel groups have in other groups.
 class RemoteMasters {
  public:
-  RemoteMasters(DataFile& file, const Measurement& measurement, const FindingSink& report);
+  RemoteMasters(DataFile& file, const Description& description, const FindingSink& report);
 
   /// Null for a group that has none, and, with a finding, where it cannot be had.
   const RemoteMaster* of(const ChannelGroup& group);
@@ -81,7 +81,7 @@ class RemoteMasters {
   Records& recordsOf(const DataGroup& data_group);
 
   DataFile& file_;
-  const Measurement& measurement_;
+  const Description& description_;
   const FindingSink& report_;
   FindingSink silent_;  ///< problems there are reported when that group is visited
   /// By the offsets of their groups. The names of their columns are not known at first.

@@ -63,11 +63,11 @@ class Tables {
         report_(report),
         note_(note),
         patterns_(selection.channels),
-        measurement_(readMeasurement(file, report)),
+        description_(readDescription(file, report)),
         data_file_(file),
         conversions_(file, report),
-        remote_masters_(data_file_, measurement_, report) {
-    splitElements(file, measurement_, report);
+        remote_masters_(data_file_, description_, report) {
+    splitElements(file, description_, report);
   }
 
   std::size_t visit();
@@ -95,7 +95,7 @@ class Tables {
   const FindingSink& report_;
   const NoteSink& note_;
   Patterns patterns_;
-  Measurement measurement_;
+  Description description_;
   DataFile data_file_;
   Conversions conversions_;
   RemoteMasters remote_masters_;
@@ -110,7 +110,7 @@ std::size_t Tables::visit() {
     note_("the file was not finished; its records are read as far as they go");
   }
   ChannelGroup* with_channels = nullptr;
-  for (DataGroup& data_group : measurement_.data_groups) {
+  for (DataGroup& data_group : description_.data_groups) {
     enter(data_group);
     for (ChannelGroup& group : data_group.groups) {
       with_channels = group.element.value_or(0) == 0 ? &group : with_channels;
@@ -148,7 +148,7 @@ void Tables::makeRecords(const DataGroup& data_group) {
 /// The same without values that are in the records.
 void Tables::examine() {
   ChannelGroup* with_channels = nullptr;
-  for (DataGroup& data_group : measurement_.data_groups) {
+  for (DataGroup& data_group : description_.data_groups) {
     enter(data_group);
     makeRecords(data_group);
     records_->examine();

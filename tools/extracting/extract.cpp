@@ -120,11 +120,11 @@ void Extractor::tell(const Attachment& attachment, const std::string& path, std:
 
 Extracted extractAttachments(InputFile& file, const ExtractOptions& options, std::ostream& out,
                              const FindingSink& report) {
-  const Measurement measurement = readMeasurement(file, report);
+  const Description description = readDescription(file, report);
   Extractor extractor(file, options, out, report);
   Extracted extracted;
   for (const Attachment& attachment :
-       readAttachments(file, measurement.header.first_attachment, *measurement.texts, report)) {
+       readAttachments(file, description.header.first_attachment, *description.texts, report)) {
     const bool is_chosen =
         options.name_pattern.empty() ||
         fnmatch(options.name_pattern.c_str(), std::string(attachment.name).c_str(), 0) == 0;

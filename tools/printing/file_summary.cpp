@@ -137,14 +137,14 @@ FileSummary summarise(InputFile& file, const FindingSink& report) {
   countBlocks(facts.file(), summary, report);
   const FindingSink known = [](const Finding&) {};
   ChannelsOfGroups channels;
-  summary.measurement = readMeasurement(file, summary.blocks.empty() ? known : report,
+  summary.description = readDescription(file, summary.blocks.empty() ? known : report,
                                         [&](const ChannelGroup& group, const Channel& channel) {
                                           channels[group.offset].add(channel);
                                         });
-  const Header& header = summary.measurement.header;
-  for (const DataGroup& data_group : summary.measurement.data_groups) {
+  const Header& header = summary.description.header;
+  for (const DataGroup& data_group : summary.description.data_groups) {
     for (const ChannelGroup& group : data_group.groups) {
-      summary.groups.push_back(summariseGroup(file, data_group, group, *summary.measurement.texts));
+      summary.groups.push_back(summariseGroup(file, data_group, group, *summary.description.texts));
       GroupSummary& added = summary.groups.back();
       added.channel_count = channels[group.offset].count;
       summary.channel_count += added.channel_count;

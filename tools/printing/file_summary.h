@@ -42,7 +42,7 @@ struct GroupSummary {
 };
 
 struct FileSummary {
-  Measurement measurement;
+  Description description;
   std::vector<GroupSummary> groups;
   std::size_t channel_count = 0;
   std::size_t history_count = 0;

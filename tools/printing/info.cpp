@@ -79,7 +79,7 @@ std::string countOf(std::size_t count, const std::string& one, const std::string
 }
 
 std::string contentsSentence(const FileSummary& summary) {
-  return countOf(summary.measurement.data_groups.size(), "data group", "data groups") + ", " +
+  return countOf(summary.description.data_groups.size(), "data group", "data groups") + ", " +
          countOf(summary.groups.size(), "channel group", "channel groups") + ", " +
          countOf(summary.channel_count, "channel", "channels") + ", " +
          countOf(summary.attachment_count, "attachment", "attachments") + ", " +
@@ -191,8 +191,8 @@ Json startAsJson(const Header& header) {
 
 void printInfo(InputFile& file, std::ostream& out, const FindingSink& report) {
   const FileSummary summary = summarise(file, report);
-  const Identification& id = summary.measurement.identification;
-  const Header& header = summary.measurement.header;
+  const Identification& id = summary.description.identification;
+  const Header& header = summary.description.header;
   printLine(out, "File:", file.name() + ", " + std::to_string(file.size()) + " bytes");
   printLine(out, "Format:",
             '"' + printable(withoutTrailingBlanks(id.file_word)) + "\" version \"" +
@@ -220,7 +220,7 @@ void printInfo(InputFile& file, std::ostream& out, const FindingSink& report) {
 
 Json infoAsJson(InputFile& file, const FindingSink& report) {
   const FileSummary summary = summarise(file, report);
-  const Identification& id = summary.measurement.identification;
+  const Identification& id = summary.description.identification;
   Json json = {{"file", file.name()},
                {"bytes", file.size()},
                {"identifier", withoutTrailingBlanks(id.file_word)},
@@ -229,10 +229,10 @@ Json infoAsJson(InputFile& file, const FindingSink& report) {
                {"program", withoutTrailingBlanks(id.program)},
                {"finished", id.isFinished()},
                {"still_open", openParts(id)},
-               {"start", startAsJson(summary.measurement.header)}};
+               {"start", startAsJson(summary.description.header)}};
   json["duration"] = summary.duration ? Json(*summary.duration) : Json();
-  json["comment"] = summary.measurement.header.comment;
-  json["data_groups"] = summary.measurement.data_groups.size();
+  json["comment"] = summary.description.header.comment;
+  json["data_groups"] = summary.description.data_groups.size();
   json["channels"] = summary.channel_count;
   json["attachments"] = summary.attachment_count;
   json["events"] = summary.event_count;

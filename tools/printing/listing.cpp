@@ -260,7 +260,7 @@ void listChannels(InputFile& file, const ListOptions& options, std::ostream& out
   EntryList entries(channelTable(), options, out);
   ChannelLister lister(file, entries, report);
   bool is_chosen = options.group.empty();
-  readMeasurement(file, report, [&](const ChannelGroup& group, const Channel& channel) {
+  readDescription(file, report, [&](const ChannelGroup& group, const Channel& channel) {
     if (!isChosen(group, options.group)) {
       return;
     }
@@ -299,10 +299,10 @@ void listBlocks(InputFile& file, const ListOptions& options, std::ostream& out,
 
 void listAttachments(InputFile& file, const ListOptions& options, std::ostream& out,
                      const FindingSink& report) {
-  const Measurement measurement = readMeasurement(file, report);
+  const Description description = readDescription(file, report);
   EntryList entries(attachmentTable(), options, out);
   for (const Attachment& each :
-       readAttachments(file, measurement.header.first_attachment, *measurement.texts, report)) {
+       readAttachments(file, description.header.first_attachment, *description.texts, report)) {
     if (!isNamedSo(each.name, options) || !isOfType(each.mime_type, options)) {
       continue;
     }
@@ -325,10 +325,10 @@ void listAttachments(InputFile& file, const ListOptions& options, std::ostream& 
 
 void listEvents(InputFile& file, const ListOptions& options, std::ostream& out,
                 const FindingSink& report) {
-  const Measurement measurement = readMeasurement(file, report);
+  const Description description = readDescription(file, report);
   EntryList entries(eventTable(), options, out);
   for (const Event& each :
-       readEvents(file, measurement.header.first_event, *measurement.texts, report)) {
+       readEvents(file, description.header.first_event, *description.texts, report)) {
     if (!isNamedSo(each.name, options) || !isOfType(eventTypeName(each.type), options)) {
       continue;
     }

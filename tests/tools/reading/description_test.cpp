@@ -16,12 +16,12 @@ using mdf_reader::BlockFields;
 using mdf_reader::Channel;
 using mdf_reader::ChannelGroup;
 using mdf_reader::DataGroup;
+using mdf_reader::Description;
 using mdf_reader::Finding;
 using mdf_reader::forEachInChain;
 using mdf_reader::InputFile;
-using mdf_reader::Measurement;
+using mdf_reader::readDescription;
 using mdf_reader::readIdentification;
-using mdf_reader::readMeasurement;
 using mdf_reader::readSource;
 using mdf_reader::Texts;
 
@@ -30,7 +30,7 @@ namespace {
 /// A file's description, and the findings on the way.
 struct Described {
   explicit Described(const FileBuilder& builder) : temp(builder.bytes()), file(temp.path()) {
-    measurement = readMeasurement(file, [&](const Finding& finding) {
+    measurement = readDescription(file, [&](const Finding& finding) {
       findings += std::to_string(finding.offset) + ": " + finding.sentence + '\n';
     });
   }
@@ -41,7 +41,7 @@ struct Described {
 
   TempFile temp;
   InputFile file;
-  Measurement measurement;
+  Description measurement;
   std::string findings;
 };
 
@@ -228,7 +228,7 @@ TEST(Description, ChannelsCanBeVisitedInsteadOfKept) {
   const TempFile temp(builder.bytes());
   InputFile file(temp.path());
   std::string visited;
-  const Measurement measurement = readMeasurement(
+  const Description measurement = readDescription(
       file, [](const Finding&) { FAIL(); },
       [&](const ChannelGroup& its_group, const Channel& channel) {
         visited += std::to_string(its_group.cycles) + ' ' + std::string(channel.name) + '\n';
@@ -414,8 +414,8 @@ TEST(Description, NoHeaderBlock) {
   const TempFile temp(std::string(200, 'x'));
   InputFile file(temp.path());
   std::string findings;
-  const Measurement measurement =
-      readMeasurement(file, [&](const Finding& finding) { findings += finding.sentence; });
+  const Description measurement =
+      readDescription(file, [&](const Finding& finding) { findings += finding.sentence; });
   EXPECT_EQ(findings,
             "expected the file identifier \"MDF     \" or \"UnFinMF \", found \"xxxxxxxx\"");
   EXPECT_TRUE(measurement.data_groups.empty());
