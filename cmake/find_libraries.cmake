@@ -1,4 +1,4 @@
-# Libraries of the program that bring no CMake package of their own.
+# Libraries that the reader stands on and that bring no CMake package of their own.
 
 # Finds a library by a header of it and its name, as an imported target.
 function(mdf_find_library target header name)
@@ -18,4 +18,3 @@ endfunction()
 mdf_find_library(deflate::deflate libdeflate.h deflate)
 mdf_find_library(muparser::muparser muParser.h muparser)
 mdf_find_library(md::md md5.h md)
-mdf_find_library(csv::csv csv.h csv)

@@ -2,20 +2,14 @@
 #define MDF_READER_DATA_RECORD_FACTS_H_
 
 #include <cstdint>
-#include <optional>
 #include <unordered_map>
 
 #include "../blocks/finding.h"
 #include "data_file.h"
+#include "record_count.h"
 #include "records.h"
 
 namespace mdf_reader {
-
-/// How many records a channel group has.
-struct RecordCount {
-  std::optional<std::uint64_t> records;  ///< nothing where nobody can tell
-  bool is_counted = false;               ///< in the data, for the file leaves it open
-};
 
 /// What a file's data shows of its groups where their blocks leave it open: how many records there
 /// are, and how wide the record ids. The data is read, once, when somebody asks for such a thing;

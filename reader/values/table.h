@@ -13,19 +13,11 @@
 #include "../model/description.h"
 #include "column.h"
 #include "conversion.h"
+#include "selection.h"
 
 namespace mdf_reader {
 
 class InputFile;
-
-/// Which samples are wanted, and how.
-struct Selection {
-  std::vector<std::string> channels;  ///< patterns as for file names; none for all channels
-  std::string group;                  ///< see isChosen(); "" for all channel groups
-  std::optional<double> from;         ///< limits of the master channel's values
-  std::optional<double> to;
-  bool is_raw = false;  ///< values as they are stored, without conversions
-};
 
 /// Takes sentences for people that are not about a problem.
 using NoteSink = std::function<void(const std::string& sentence)>;

@@ -1,0 +1,25 @@
+# What is installed of the reader library (component reader): itself, the headers that
+# mdf_reader/mdf_reader.h includes, and what CMake and pkg-config need to know.
+install(TARGETS mdf_reader EXPORT mdf-reader-targets ARCHIVE COMPONENT reader)
+set(mdf_reader_headers
+  mdf_reader.h
+  blocks/codes.h blocks/finding.h blocks/identification.h
+  data/record_count.h
+  measurement/measurement.h measurement/row.h
+  model/attachments.h model/description.h model/events.h model/hierarchy.h model/history.h model/texts.h
+  values/selection.h values/value.h)
+foreach(header IN LISTS mdf_reader_headers)
+  get_filename_component(folder ${header} DIRECTORY)
+  install(FILES ${PROJECT_SOURCE_DIR}/reader/${header}
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/mdf_reader/${folder} COMPONENT reader)
+endforeach()
+
+set(mdf_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/mdf)
+install(EXPORT mdf-reader-targets NAMESPACE mdf:: DESTINATION ${mdf_package_dir} COMPONENT reader)
+install(FILES ${PROJECT_SOURCE_DIR}/cmake/find_libraries.cmake DESTINATION ${mdf_package_dir}
+  COMPONENT reader)
+
+set(mdf_pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH mdf_prefix_from_pkgconfig /prefix/${mdf_pkgconfig_dir} /prefix)
+configure_file(${PROJECT_SOURCE_DIR}/cmake/mdf_reader.pc.in mdf_reader.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/mdf_reader.pc DESTINATION ${mdf_pkgconfig_dir} COMPONENT reader)

@@ -1,0 +1,173 @@
+#include "measurement.h"
+
+#include <fnmatch.h>
+
+#include <algorithm>
+
+#include "../blocks/block_fields.h"
+#include "../bytes/input_file.h"
+#include "../data/record_facts.h"
+#include "../values/table.h"
+
+namespace mdf_reader {
+
+namespace {
+
+constexpr std::size_t most_findings = 1000;
+
+/// Throws before anything of a file that cannot be read is looked at.
+InputFile& readable(InputFile& file) {
+  if (const auto refusal = refusalOf(file)) {
+    throw UnreadableFile(file.name() + ": " + refusal->sentence);
+  }
+  return file;
+}
+
+/// Turns tables into rows for one visitor.
+class RowVisitor : public TableVisitor {
+ public:
+  explicit RowVisitor(const std::function<bool(const Row& row)>& visit) : visit_(visit) {}
+
+  void begin(Table& /*table*/) override {}
+  bool sample(Table& table, const Sample& sample) override {
+    goes_on_ = goes_on_ && visit_(Row(table, sample));
+    return goes_on_;
+  }
+  void end() override {}
+
+ private:
+  const std::function<bool(const Row& row)>& visit_;
+  bool goes_on_ = true;
+};
+
+}  // namespace
+
+ChannelGroups::ChannelGroups(const std::vector<DataGroup>& data_groups) {
+  for (const DataGroup& data_group : data_groups) {
+    for (const ChannelGroup& group : data_group.groups) {
+      groups_.push_back(&group);
+    }
+  }
+}
+
+struct Measurement::State {
+  explicit State(const std::string& path)
+      : file(path),
+        report([this](const Finding& finding) { take(finding); }),
+        description(readDescription(readable(file), report)),
+        groups(description.data_groups),
+        facts(file, report) {}
+
+  void take(const Finding& finding) {
+    if (finding_count++ < most_findings) {
+      findings.push_back(finding);
+    }
+  }
+
+  InputFile file;
+  std::vector<Finding> findings;
+  std::uint64_t finding_count = 0;
+  FindingSink report;
+  Description description;
+  ChannelGroups groups;
+  RecordFacts facts;
+};
+
+Measurement::Measurement(const std::string& path) : state_(std::make_unique<State>(path)) {}
+Measurement::~Measurement() = default;
+Measurement::Measurement(Measurement&& other) noexcept = default;
+Measurement& Measurement::operator=(Measurement&& other) noexcept = default;
+
+const Identification& Measurement::identification() const {
+  return state_->description.identification;
+}
+
+const Header& Measurement::header() const { return state_->description.header; }
+
+const std::vector<DataGroup>& Measurement::dataGroups() const {
+  return state_->description.data_groups;
+}
+
+const ChannelGroups& Measurement::groups() const { return state_->groups; }
+
+std::vector<FoundChannel> Measurement::channels(const std::string& pattern) const {
+  std::vector<FoundChannel> found;
+  for (const ChannelGroup& group : state_->groups) {
+    for (const Channel& channel : group.channels) {
+      if (fnmatch(pattern.c_str(), std::string(channel.name).c_str(), 0) == 0) {
+        found.push_back({&group, &channel});
+      }
+    }
+  }
+  return found;
+}
+
+RecordCount Measurement::records(const ChannelGroup& group) const {
+  return state_->facts.recordsOf(group.offset, group.cycles);
+}
+
+void Measurement::forEachRecord(const ChannelGroup& group,
+                                const std::function<bool(std::string_view)>& visit) const {
+  for (const DataGroup& data_group : dataGroups()) {
+    const auto is_it = [&](const ChannelGroup& each) { return each.offset == group.offset; };
+    const auto own = std::find_if(data_group.groups.begin(), data_group.groups.end(), is_it);
+    if (own != data_group.groups.end()) {
+      Records(state_->facts.file(), data_group, state_->report).forEach(*own, visit);
+      return;
+    }
+  }
+}
+
+std::size_t Measurement::forEachRow(const Selection& selection,
+                                    const std::function<bool(const Row&)>& visit) const {
+  RowVisitor visitor(visit);
+  return visitTables(state_->file, selection, visitor, state_->report, [](const std::string&) {});
+}
+
+std::vector<Attachment> Measurement::attachments() const {
+  return readAttachments(state_->file, header().first_attachment, *state_->description.texts,
+                         state_->report);
+}
+
+AttachmentData Measurement::readAttachment(
+    const Attachment& attachment, const std::function<void(std::string_view)>& take) const {
+  return readAttachmentData(state_->file, attachment, take);
+}
+
+std::vector<Event> Measurement::events() const {
+  return readEvents(state_->file, header().first_event, *state_->description.texts, state_->report);
+}
+
+std::vector<HierarchyEntry> Measurement::hierarchy() const {
+  return readHierarchy(state_->file, header().first_hierarchy, *state_->description.texts,
+                       state_->report);
+}
+
+std::vector<HistoryEntry> Measurement::history() const {
+  return readHistory(state_->file, header().first_history, *state_->description.texts,
+                     state_->report);
+}
+
+std::optional<Block> Measurement::block(std::uint64_t offset) const {
+  const auto raw = readRawBlock(state_->file, offset);
+  if (!raw || !raw->hasId()) {
+    return std::nullopt;
+  }
+  const BlockFields fields(state_->file, *raw);
+  Block block{offset, printable(raw->letters()), raw->length, {}, {}};
+  forEachLink(state_->file, *raw, [&](std::uint64_t index, std::int64_t link) {
+    block.links.push_back({linkRole(fields, index).name, link});
+  });
+  if (fields.layout() != nullptr) {
+    for (const FieldLayout& field : fields.layout()->fields) {
+      block.fields.push_back({std::string(field.name), shownField(field, fields.bytes(field.name))});
+    }
+  }
+  return block;
+}
+
+const std::vector<Finding>& Measurement::findings() const { return state_->findings; }
+
+std::uint64_t Measurement::findingCount() const { return state_->finding_count; }
+
+}  // namespace mdf_reader

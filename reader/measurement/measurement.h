@@ -1,0 +1,144 @@
+#ifndef MDF_READER_MEASUREMENT_MEASUREMENT_H_
+#define MDF_READER_MEASUREMENT_MEASUREMENT_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "../blocks/finding.h"
+#include "../blocks/identification.h"
+#include "../data/record_count.h"
+#include "../model/attachments.h"
+#include "../model/description.h"
+#include "../model/events.h"
+#include "../model/hierarchy.h"
+#include "../model/history.h"
+#include "../values/selection.h"
+#include "row.h"
+
+namespace mdf_reader {
+
+/// A channel and the channel group that it is in.
+struct FoundChannel {
+  const ChannelGroup* group;
+  const Channel* channel;
+};
+
+/// A block as it stands in the file, whatever its type.
+struct Block {
+  struct Link {
+    std::string role;          ///< such as "dg_cg_first", "dl_data[2]"; "link 3" where none is known
+    std::int64_t target = 0;  ///< as stored: an offset in the file, 0 for none
+  };
+  struct Field {
+    std::string name;   ///< such as "dg_rec_id_size"
+    std::string value;  ///< "12", "-60", "0.5", "00 ff 12"; "" where it is cut off
+  };
+
+  std::uint64_t offset = 0;
+  std::string type;           ///< the two letters, such as "DG"
+  std::uint64_t length = 0;  ///< as stored
+  std::vector<Link> links;    ///< as far as they are there
+  std::vector<Field> fields;  ///< none for a type that is not known
+};
+
+/// The channel groups of all data groups, in the order of the file.
+class ChannelGroups {
+ public:
+  class Iterator {
+   public:
+    explicit Iterator(std::vector<const ChannelGroup*>::const_iterator at) : at_(at) {}
+    const ChannelGroup& operator*() const { return **at_; }
+    Iterator& operator++() {
+      ++at_;
+      return *this;
+    }
+    bool operator!=(const Iterator& other) const { return at_ != other.at_; }
+
+   private:
+    std::vector<const ChannelGroup*>::const_iterator at_;
+  };
+
+  explicit ChannelGroups(const std::vector<DataGroup>& data_groups);
+
+  Iterator begin() const { return Iterator(groups_.begin()); }
+  Iterator end() const { return Iterator(groups_.end()); }
+  std::size_t size() const { return groups_.size(); }
+  /// The channel group with this index, from 0 on.
+  const ChannelGroup& operator[](std::size_t index) const { return *groups_[index]; }
+
+ private:
+  std::vector<const ChannelGroup*> groups_;
+};
+
+/// A measurement file, read where it stands. It owns all that it hands out: texts, groups and
+/// channels last as long as it does, wherever it is moved to. One thread at a time may use it; two
+/// files can be read in two threads. The file is never written to.
+class Measurement {
+ public:
+  /// Opens the file and reads its description: all blocks but those with data.
+  /// @param path the file's name; "-" is standard input, which is read into memory.
+  /// @throws Unreadable when it cannot be opened or is no file of MDF 4.
+  explicit Measurement(const std::string& path);
+  ~Measurement();
+  Measurement(Measurement&& other) noexcept;
+  Measurement& operator=(Measurement&& other) noexcept;
+
+  /// What the first 64 bytes say: version, program, whether the file was finished.
+  const Identification& identification() const;
+  /// When the measurement was started, and its comment.
+  const Header& header() const;
+  const std::vector<DataGroup>& dataGroups() const;
+  /// The channel groups of all data groups, each with its channels.
+  const ChannelGroups& groups() const;
+
+  /// The channels with this name, in the order of the file. Several groups may have one.
+  /// @param pattern a name, or a pattern as for file names: "speed*".
+  std::vector<FoundChannel> channels(const std::string& pattern) const;
+
+  /// How many records a group has. Where the file leaves that open, the data is read and they are
+  /// counted.
+  RecordCount records(const ChannelGroup& group) const;
+
+  /// Visits the records of a group in order, until `visit` says false. Each is as stored, without
+  /// its record id; the bytes last until the next one.
+  void forEachRecord(const ChannelGroup& group,
+                     const std::function<bool(std::string_view record)>& visit) const;
+
+  /// Visits the records of the chosen channels' groups, group by group, with their values, until
+  /// `visit` says false.
+  /// @returns how many groups have a chosen channel.
+  std::size_t forEachRow(const Selection& selection,
+                         const std::function<bool(const Row& row)>& visit) const;
+
+  std::vector<Attachment> attachments() const;
+  /// Hands the data of an embedded attachment on, see readAttachmentData().
+  AttachmentData readAttachment(const Attachment& attachment,
+                                const std::function<void(std::string_view)>& take) const;
+  std::vector<Event> events() const;
+  std::vector<HierarchyEntry> hierarchy() const;
+  std::vector<HistoryEntry> history() const;
+
+  /// The block at an offset. Nothing where the file has none.
+  std::optional<Block> block(std::uint64_t offset) const;
+
+  /// What was found to be wrong so far, the first 1,000 of it. It grows with what is asked for:
+  /// data is examined when it is read. To have a file examined as a whole, use the program:
+  /// mdf check.
+  const std::vector<Finding>& findings() const;
+  /// How many findings there were, kept or not.
+  std::uint64_t findingCount() const;
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_MEASUREMENT_MEASUREMENT_H_

@@ -1,0 +1,263 @@
+#include "mdf_reader/mdf_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "support/bytes.h"
+#include "tools/support/file_builder.h"
+#include "tools/support/small_file.h"
+#include "tools/support/temp_file.h"
+
+using namespace mdf_tests;
+using namespace mdf_reader;
+
+namespace {
+
+/// Two groups in one data group each: three records of a time and a speed in 1/2 m/s, two of a
+/// level alone.
+FileBuilder twoGroups(const std::string& file_word = "MDF     ", std::uint64_t cycles = 3) {
+  FileBuilder builder(file_word);
+  ChannelSpec time{2, 1, 4, 0, 0, 64};
+  time.name = "time";
+  time.unit = "s";
+  ChannelSpec speed{0, 0, 0, 0, 8, 8};
+  speed.name = "speed";
+  speed.unit = "m/s";
+  speed.conversion = builder.addConversion({1, {}, {0, 0.5}});
+  GroupSpec engine{cycles, 9};
+  engine.name = "engine";
+  builder.addSortedGroup(
+      engine, {time, speed},
+      builder.addData(Bytes().f64(0).u8(10).f64(0.25).u8(11).f64(0.5).u8(12)));
+  ChannelSpec level;
+  level.name = "level";
+  GroupSpec tank{2, 1};
+  tank.name = "tank";
+  builder.addSortedGroup(tank, {level}, builder.addData(Bytes().u8s({7, 8})));
+  return builder;
+}
+
+/// "group number: name=text unit, ..." a line for each row.
+std::string rowsOf(const Measurement& measurement, const Selection& selection) {
+  std::string lines;
+  measurement.forEachRow(selection, [&](const Row& row) {
+    lines += std::string(row.group().name) + ' ' + std::to_string(row.number()) + ':';
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      lines += ' ' + row.name(i) + '=' + row.text(i) + row.unit(i);
+    }
+    lines += '\n';
+    return true;
+  });
+  return lines;
+}
+
+TEST(Measurement, GroupsWithTheirChannelsAndRecords) {
+  const TempFile temp(twoGroups().bytes());
+  const Measurement measurement(temp.path());
+  std::ostringstream lines;
+  for (const ChannelGroup& group : measurement.groups()) {
+    lines << group.index << ' ' << group.name << ' ' << measurement.records(group);
+    for (const Channel& channel : group.channels) {
+      lines << ' ' << channel.name << " [" << channel.unit << ']';
+    }
+    lines << '\n';
+  }
+  EXPECT_EQ(lines.str(), "0 engine 3 time [s] speed [m/s]\n1 tank 2 level []\n");
+  EXPECT_EQ(measurement.groups().size(), 2U);
+  EXPECT_EQ(measurement.groups()[1].name, "tank");
+  EXPECT_EQ(measurement.dataGroups().size(), 2U);
+  EXPECT_EQ(measurement.identification().version, 410U);
+  EXPECT_TRUE(measurement.findings().empty());
+}
+
+TEST(Measurement, ChannelsByNameOrPattern) {
+  const TempFile temp(twoGroups().bytes());
+  const Measurement measurement(temp.path());
+  const auto speed = measurement.channels("speed");
+  ASSERT_EQ(speed.size(), 1U);
+  EXPECT_EQ(speed[0].group->name, "engine");
+  EXPECT_EQ(speed[0].channel->bit_count, 8U);
+  EXPECT_EQ(measurement.channels("*e*").size(), 3U);
+  EXPECT_TRUE(measurement.channels("spee").empty());
+}
+
+TEST(Measurement, RowsHavePhysicalValuesAfterTheMasters) {
+  const TempFile temp(twoGroups().bytes());
+  const Measurement measurement(temp.path());
+  EXPECT_EQ(rowsOf(measurement, {{"speed"}, {}, {}, {}, false}),
+            "engine 0: time=0s speed=5m/s\n"
+            "engine 1: time=0.25s speed=5.5m/s\n"
+            "engine 2: time=0.5s speed=6m/s\n");
+  EXPECT_EQ(rowsOf(measurement, {{"speed"}, {}, 0.2, 0.3, true}),
+            "engine 1: time=0.25s speed=11m/s\n");
+  EXPECT_EQ(rowsOf(measurement, {{}, "tank", {}, {}, false}),
+            "tank 0: level=7\ntank 1: level=8\n");
+  std::vector<double> speeds;
+  EXPECT_EQ(measurement.forEachRow({{"speed"}, {}, {}, {}, false},
+                                   [&](const Row& row) {
+                                     speeds.push_back(row.real(1));
+                                     return speeds.size() < 2;
+                                   }),
+            1U);
+  EXPECT_EQ(speeds, (std::vector<double>{5, 5.5}));
+  EXPECT_EQ(measurement.forEachRow({{"nothing"}, {}, {}, {}, false}, [](const Row&) { return true; }),
+            0U);
+}
+
+TEST(Measurement, VisitEndsForAllGroups) {
+  const TempFile temp(twoGroups().bytes());
+  int rows = 0;
+  Measurement(temp.path()).forEachRow({}, [&](const Row&) { return ++rows < 1; });
+  EXPECT_EQ(rows, 1);
+}
+
+TEST(Measurement, WhatIsNoNumberIsNotANumber) {
+  FileBuilder builder;
+  ChannelSpec text{0, 0, 7, 0, 0, 16};
+  text.name = "text";
+  builder.addSortedGroup({1, 2}, {text}, builder.addData("ab"));
+  const TempFile temp(builder.bytes());
+  const Measurement measurement(temp.path());
+  int rows = 0;
+  measurement.forEachRow({}, [&](const Row& row) {
+    EXPECT_EQ(row.value(0), Value(std::string("ab")));
+    EXPECT_TRUE(std::isnan(row.real(0)));
+    ++rows;
+    return true;
+  });
+  EXPECT_EQ(rows, 1);
+}
+
+TEST(Measurement, RecordsAsStored) {
+  const TempFile temp(twoGroups().bytes());
+  const Measurement measurement(temp.path());
+  std::vector<std::string> records;
+  measurement.forEachRecord(measurement.groups()[0], [&](std::string_view record) {
+    records.emplace_back(record);
+    return records.size() < 2;
+  });
+  EXPECT_EQ(records, (std::vector<std::string>{Bytes().f64(0).u8(10), Bytes().f64(0.25).u8(11)}));
+}
+
+TEST(Measurement, RecordsOfAnUnfinishedFileAreCounted) {
+  FileBuilder builder = twoGroups("UnFinMF ", 0);
+  builder.write(60, Bytes().u16(1));
+  const TempFile temp(builder.bytes());
+  const Measurement measurement(temp.path());
+  const RecordCount count = measurement.records(measurement.groups()[0]);
+  EXPECT_EQ(count.records, 3U);
+  EXPECT_TRUE(count.is_counted);
+}
+
+TEST(Measurement, CountThatNobodyKnowsIsUnknown) {
+  std::ostringstream text;
+  text << RecordCount{std::nullopt, true};
+  EXPECT_EQ(text.str(), "unknown");
+}
+
+TEST(Measurement, AttachmentsEventsHierarchyAndHistory) {
+  SmallFile file;
+  const auto name = file.text("start");
+  file.link(FileBuilder::header, 1, file.add("FH", {0, name}, Bytes().u64(5).zeros(8)));
+  file.link(FileBuilder::header, 2,
+            file.add("CH", {0, 0, name, 0}, Bytes().u32(0).u8s({3, 0, 0, 0})));
+  file.link(FileBuilder::header, 3,
+            file.add("AT", {0, name, 0, 0},
+                     Bytes().u16(1).zeros(22).u64(3).u64(3).text("abc")));
+  file.link(FileBuilder::header, 4,
+            file.add("EV", {0, 0, 0, name, 0}, Bytes().u8s({6, 1, 0, 0, 0, 0, 0, 0}).zeros(8).i64(4).f64(0.5)));
+  const TempFile temp(file.bytes());
+  const Measurement measurement(temp.path());
+  ASSERT_EQ(measurement.history().size(), 1U);
+  EXPECT_EQ(measurement.history()[0].comment, "start");
+  ASSERT_EQ(measurement.hierarchy().size(), 1U);
+  EXPECT_EQ(measurement.hierarchy()[0].type, 3U);
+  ASSERT_EQ(measurement.events().size(), 1U);
+  EXPECT_EQ(measurement.events()[0].position(), 2);
+  const auto attachments = measurement.attachments();
+  ASSERT_EQ(attachments.size(), 1U);
+  std::string data;
+  EXPECT_EQ(measurement.readAttachment(attachments[0], [&](std::string_view piece) { data += piece; }),
+            AttachmentData::fine);
+  EXPECT_EQ(data, "abc");
+  EXPECT_TRUE(measurement.findings().empty());
+}
+
+TEST(Measurement, AnyBlockByItsOffset) {
+  const TempFile temp(SmallFile().bytes());
+  const Measurement measurement(temp.path());
+  const auto block = measurement.block(SmallFile::data_group);
+  ASSERT_TRUE(block);
+  EXPECT_EQ(block->type, "DG");
+  EXPECT_EQ(block->length, 64U);
+  std::string shown;
+  for (const Block::Link& link : block->links) {
+    shown += link.role + '=' + std::to_string(link.target) + ' ';
+  }
+  for (const Block::Field& field : block->fields) {
+    shown += field.name + '=' + field.value + ' ';
+  }
+  EXPECT_EQ(shown,
+            "dg_dg_next=0 dg_cg_first=232 dg_data=720 dg_md_comment=0 "
+            "dg_rec_id_size=0 dg_reserved=00 00 00 00 00 00 00 ");
+  EXPECT_FALSE(measurement.block(SmallFile::data_group + 8));
+  EXPECT_FALSE(measurement.block(SmallFile::end));
+}
+
+TEST(Measurement, FindingsOfTheDataComeWhenItIsRead) {
+  FileBuilder builder = twoGroups("MDF     ", 4);
+  const TempFile temp(builder.bytes());
+  const Measurement measurement(temp.path());
+  EXPECT_TRUE(measurement.findings().empty());
+  measurement.forEachRecord(measurement.groups()[0], [](std::string_view) { return true; });
+  ASSERT_EQ(measurement.findings().size(), 1U);
+  EXPECT_EQ(measurement.findings()[0].code, Code::cycle_count_wrong);
+  EXPECT_EQ(measurement.findingCount(), 1U);
+}
+
+TEST(Measurement, FindingsAreKeptUpToALimit) {
+  FileBuilder builder;
+  std::vector<std::uint64_t> groups;
+  for (int i = 0; i < 1200; ++i) {
+    const auto group = builder.addGroupOf({}, {ChannelSpec()});
+    builder.link(group, 1, FileBuilder::header);  // where a channel should be
+    groups.push_back(group);
+  }
+  builder.addDataGroup(groups, 0);
+  const TempFile temp(builder.bytes());
+  const Measurement measurement(temp.path());
+  EXPECT_EQ(measurement.findings().size(), 1000U);
+  EXPECT_EQ(measurement.findingCount(), 1200U);
+}
+
+TEST(Measurement, MovesWithAllThatItHandedOut) {
+  const TempFile temp(twoGroups().bytes());
+  Measurement first(temp.path());
+  const ChannelGroup& group = first.groups()[0];
+  const Measurement second = std::move(first);
+  EXPECT_EQ(&second.groups()[0], &group);
+  EXPECT_EQ(rowsOf(second, {{"level"}, {}, {}, {}, false}), "tank 0: level=7\ntank 1: level=8\n");
+}
+
+TEST(Measurement, TwoFilesInTwoThreads) {
+  const TempFile temp(twoGroups().bytes());
+  const TempFile other(SmallFile().bytes());
+  std::string rows;
+  std::string others;
+  std::thread reader([&] { rows = rowsOf(Measurement(temp.path()), {}); });
+  others = rowsOf(Measurement(other.path()), {});
+  reader.join();
+  EXPECT_EQ(rows,
+            "engine 0: time=0s speed=5m/s\nengine 1: time=0.25s speed=5.5m/s\n"
+            "engine 2: time=0.5s speed=6m/s\ntank 0: level=7\ntank 1: level=8\n");
+  EXPECT_EQ(others, rowsOf(Measurement(other.path()), {}));
+}
+
+}  // namespace
