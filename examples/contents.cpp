@@ -36,7 +36,8 @@ int main(int argc, char** argv) try {
     }
     std::size_t bytes = 0;
     const auto state = trip.readAttachment(each, [&](auto piece) { bytes += piece.size(); });
-    std::cout << bytes << " bytes, " << (state == AttachmentData::fine ? "fine" : "damaged") << '\n';
+    std::cout << bytes << " bytes, " << (state == AttachmentData::fine ? "fine" : "damaged")
+              << '\n';
   }
   for (const Event& each : trip.events()) {
     std::cout << "event " << each.name << " at " << each.position() << '\n';

@@ -160,7 +160,8 @@ std::optional<Block> Measurement::block(std::uint64_t offset) const {
   });
   if (fields.layout() != nullptr) {
     for (const FieldLayout& field : fields.layout()->fields) {
-      block.fields.push_back({std::string(field.name), shownField(field, fields.bytes(field.name))});
+      block.fields.push_back(
+          {std::string(field.name), shownField(field, fields.bytes(field.name))});
     }
   }
   return block;

@@ -32,7 +32,7 @@ struct FoundChannel {
 /// A block as it stands in the file, whatever its type.
 struct Block {
   struct Link {
-    std::string role;          ///< such as "dg_cg_first", "dl_data[2]"; "link 3" where none is known
+    std::string role;         ///< such as "dg_cg_first", "dl_data[2]"; "link 3" where none is known
     std::int64_t target = 0;  ///< as stored: an offset in the file, 0 for none
   };
   struct Field {
@@ -42,7 +42,7 @@ struct Block {
 
   std::uint64_t offset = 0;
   std::string type;           ///< the two letters, such as "DG"
-  std::uint64_t length = 0;  ///< as stored
+  std::uint64_t length = 0;   ///< as stored
   std::vector<Link> links;    ///< as far as they are there
   std::vector<Field> fields;  ///< none for a type that is not known
 };
@@ -86,6 +86,8 @@ class Measurement {
   /// @throws Unreadable when it cannot be opened or is no file of MDF 4.
   explicit Measurement(const std::string& path);
   ~Measurement();
+  Measurement(const Measurement&) = delete;
+  Measurement& operator=(const Measurement&) = delete;
   Measurement(Measurement&& other) noexcept;
   Measurement& operator=(Measurement&& other) noexcept;
 

@@ -1,5 +1,3 @@
-#include "mdf_reader/mdf_reader.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "mdf_reader/mdf_reader.h"
 #include "support/bytes.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/small_file.h"
@@ -33,9 +32,8 @@ FileBuilder twoGroups(const std::string& file_word = "MDF     ", std::uint64_t c
   speed.conversion = builder.addConversion({1, {}, {0, 0.5}});
   GroupSpec engine{cycles, 9};
   engine.name = "engine";
-  builder.addSortedGroup(
-      engine, {time, speed},
-      builder.addData(Bytes().f64(0).u8(10).f64(0.25).u8(11).f64(0.5).u8(12)));
+  builder.addSortedGroup(engine, {time, speed},
+                         builder.addData(Bytes().f64(0).u8(10).f64(0.25).u8(11).f64(0.5).u8(12)));
   ChannelSpec level;
   level.name = "level";
   GroupSpec tank{2, 1};
@@ -97,8 +95,7 @@ TEST(Measurement, RowsHavePhysicalValuesAfterTheMasters) {
             "engine 2: time=0.5s speed=6m/s\n");
   EXPECT_EQ(rowsOf(measurement, {{"speed"}, {}, 0.2, 0.3, true}),
             "engine 1: time=0.25s speed=11m/s\n");
-  EXPECT_EQ(rowsOf(measurement, {{}, "tank", {}, {}, false}),
-            "tank 0: level=7\ntank 1: level=8\n");
+  EXPECT_EQ(rowsOf(measurement, {{}, "tank", {}, {}, false}), "tank 0: level=7\ntank 1: level=8\n");
   std::vector<double> speeds;
   EXPECT_EQ(measurement.forEachRow({{"speed"}, {}, {}, {}, false},
                                    [&](const Row& row) {
@@ -107,8 +104,9 @@ TEST(Measurement, RowsHavePhysicalValuesAfterTheMasters) {
                                    }),
             1U);
   EXPECT_EQ(speeds, (std::vector<double>{5, 5.5}));
-  EXPECT_EQ(measurement.forEachRow({{"nothing"}, {}, {}, {}, false}, [](const Row&) { return true; }),
-            0U);
+  EXPECT_EQ(
+      measurement.forEachRow({{"nothing"}, {}, {}, {}, false}, [](const Row&) { return true; }),
+      0U);
 }
 
 TEST(Measurement, VisitEndsForAllGroups) {
@@ -169,10 +167,10 @@ TEST(Measurement, AttachmentsEventsHierarchyAndHistory) {
   file.link(FileBuilder::header, 2,
             file.add("CH", {0, 0, name, 0}, Bytes().u32(0).u8s({3, 0, 0, 0})));
   file.link(FileBuilder::header, 3,
-            file.add("AT", {0, name, 0, 0},
-                     Bytes().u16(1).zeros(22).u64(3).u64(3).text("abc")));
+            file.add("AT", {0, name, 0, 0}, Bytes().u16(1).zeros(22).u64(3).u64(3).text("abc")));
   file.link(FileBuilder::header, 4,
-            file.add("EV", {0, 0, 0, name, 0}, Bytes().u8s({6, 1, 0, 0, 0, 0, 0, 0}).zeros(8).i64(4).f64(0.5)));
+            file.add("EV", {0, 0, 0, name, 0},
+                     Bytes().u8s({6, 1, 0, 0, 0, 0, 0, 0}).zeros(8).i64(4).f64(0.5)));
   const TempFile temp(file.bytes());
   const Measurement measurement(temp.path());
   ASSERT_EQ(measurement.history().size(), 1U);
@@ -184,8 +182,9 @@ TEST(Measurement, AttachmentsEventsHierarchyAndHistory) {
   const auto attachments = measurement.attachments();
   ASSERT_EQ(attachments.size(), 1U);
   std::string data;
-  EXPECT_EQ(measurement.readAttachment(attachments[0], [&](std::string_view piece) { data += piece; }),
-            AttachmentData::fine);
+  EXPECT_EQ(
+      measurement.readAttachment(attachments[0], [&](std::string_view piece) { data += piece; }),
+      AttachmentData::fine);
   EXPECT_EQ(data, "abc");
   EXPECT_TRUE(measurement.findings().empty());
 }
