@@ -13,107 +13,58 @@ using mdf_v4_10::detail::loadLe;
 
 namespace {
 
+/// How many of something there may be.
+std::uint64_t mostOf(const BlockFields& block, const Amount& amount) {
+  const bool is_there = std::all_of(
+      amount.when.begin(), amount.when.end(),
+      [&](const FieldCondition& each) { return each.holdsFor(block.number(each.field)); });
+  if (!is_there) {
+    return 0;
+  }
+  switch (amount.kind) {
+    case Amount::one:
+      return 1;
+    case Amount::counted:
+      return block.number(amount.field);
+    case Amount::all:
+      break;
+  }
+  return UINT64_MAX;
+}
+
+/// How many of them its counts and flags ask for.
+std::uint64_t promisedOf(const BlockFields& block, const Amount& amount) {
+  const std::uint64_t most = mostOf(block, amount);
+  return most == UINT64_MAX ? block.number(amount.field) : most;
+}
+
 /// A link after those that each block of a type has.
-struct AdditionalLink {
-  LinkLayout layout;                                    ///< without a role where nothing is known
-  std::optional<std::uint64_t> element = std::nullopt;  ///< which one of several
-  std::string_view part = {};                           ///< of an element with several links
+struct FoundLink {
+  const MoreLinks* among = nullptr;  ///< null where nothing is known
+  std::uint64_t index = 0;
+  const LinkLayout& layout() const {
+    return among->links[static_cast<std::size_t>(index % among->links.size())];
+  }
 };
 
-/// A channel hierarchy's elements, three links each.
-AdditionalLink hierarchyLink(std::uint64_t index) {
-  constexpr std::array<std::string_view, 3> parts = {".dg", ".cg", ".cn"};
-  constexpr std::array<std::string_view, 3> targets = {"DG", "CG", "CN"};
-  const auto which = static_cast<std::size_t>(index % 3);
-  return {{"ch_element", targets.at(which)}, index / 3, parts.at(which)};
+FoundLink moreLink(const BlockFields& block, std::uint64_t index) {
+  for (const MoreLinks& each : block.type().more_links) {
+    const std::uint64_t most = mostOf(block, each.elements);
+    if (index / each.links.size() < most) {
+      return {&each, index};
+    }
+    index -= most * each.links.size();
+  }
+  return {};
 }
 
-AdditionalLink channelLink(const BlockFields& block, std::uint64_t index) {
-  const std::uint64_t attachments = block.number("cn_attachment_count");
-  constexpr std::array<LinkLayout, 3> x_axis = {LinkLayout{"cn_default_x_dg", "DG"},
-                                                LinkLayout{"cn_default_x_cg", "CG"},
-                                                LinkLayout{"cn_default_x_cn", "CN"}};
-  if (index < attachments) {
-    return {{"cn_at_reference", "AT"}, index};
-  }
-  constexpr std::uint64_t has_default_x = 1U << 12U;
-  if (index - attachments < x_axis.size() && block.hasFlag("cn_flags", has_default_x)) {
-    return {x_axis.at(static_cast<std::size_t>(index - attachments))};
-  }
-  return {{"", ""}};
-}
-
-AdditionalLink eventLink(const BlockFields& block, std::uint64_t index) {
-  const std::uint64_t scopes = block.number("ev_scope_count");
-  if (index < scopes) {
-    return {{"ev_scope", "CN CG"}, index};
-  }
-  if (index - scopes < block.number("ev_attachment_count")) {
-    return {{"ev_at_reference", "AT"}, index - scopes};
-  }
-  return {{"", ""}};
-}
-
-/// An array whose elements have data of their own. Which of the links lead there cannot be told
-/// without its sizes when other links follow them.
-AdditionalLink arrayLink(const BlockFields& block, std::uint64_t index) {
-  constexpr std::uint64_t has_further_links = 31;
-  constexpr std::uint64_t in_data_groups = 2;
-  return block.number("ca_storage") == in_data_groups &&
-                 !block.hasFlag("ca_flags", has_further_links)
-             ? AdditionalLink{{"ca_data", "DT DV DZ DL HL LD"}, index}
-             : AdditionalLink{{"", ""}};
-}
-
-/// A list of values has as many links to invalidation data as to values, or none.
-AdditionalLink valueListLink(const BlockFields& block, std::uint64_t index) {
-  constexpr std::uint64_t has_invalidation_data = 1U << 31U;
-  const std::uint64_t count = block.number("ld_count");
-  if (index < count) {
-    return {{"ld_data", "DV DT RV RD SD DZ"}, index};
-  }
-  if (index - count < count && block.hasFlag("ld_flags", has_invalidation_data)) {
-    return {{"ld_invalidation_data", "DI RI DZ"}, index - count};
-  }
-  return {{"", ""}};
-}
-
-/// What links may follow a type's own ones.
-AdditionalLink additionalLink(const BlockFields& block, std::uint64_t index) {
-  const std::string_view type = block.layout()->letters;
-  if (type == "DL") {
-    return {{"dl_data", "DT SD RD DV RV DZ"}, index};
-  }
-  if (type == "LD") {
-    return valueListLink(block, index);
-  }
-  if (type == "CN") {
-    return channelLink(block, index);
-  }
-  if (type == "EV") {
-    return eventLink(block, index);
-  }
-  constexpr std::uint64_t has_remote_master = 8;  // since version 4.2
-  if (type == "CG" && index == 0 && block.hasFlag("cg_flags", has_remote_master)) {
-    return {{"cg_cg_master", "CG"}};
-  }
-  if (type == "CC") {
-    return {{"cc_ref", "TX MD CC"}, index};
-  }
-  if (type == "CA") {
-    return arrayLink(block, index);
-  }
-  return type == "CH" ? hierarchyLink(index) : AdditionalLink{{"", ""}};
-}
+std::string inBrackets(std::uint64_t index) { return '[' + std::to_string(index) + ']'; }
 
 }  // namespace
 
 BlockFields::BlockFields(InputFile& file, const RawBlock& block)
-    : raw_(block), layout_(findLayout(block.letters())), file_size_(file.size()) {
-  if (!block.hasId()) {
-    layout_ = nullptr;
-  }
-  if (layout_ != nullptr) {
+    : raw_(block), type_(&block.type()), file_size_(file.size()) {
+  if (type_->isKnown()) {
     readLinks(file);
     readFields(file);
   }
@@ -121,10 +72,10 @@ BlockFields::BlockFields(InputFile& file, const RawBlock& block)
 
 void BlockFields::readLinks(InputFile& file) {
   const std::uint64_t there = linksThere(file, raw_);
-  is_complete_ = there >= layout_->links.size();
+  is_complete_ = there >= type_->links.size();
   std::array<char, 16 * RawBlock::link_size> bytes;
   const auto wanted = static_cast<std::size_t>(
-      std::min<std::uint64_t>({there, layout_->links.size(), bytes.size() / RawBlock::link_size}));
+      std::min<std::uint64_t>({there, type_->links.size(), bytes.size() / RawBlock::link_size}));
   const std::size_t got =
       file.readAt(raw_.offset + RawBlock::header_size, bytes.data(), wanted * RawBlock::link_size);
   for (std::size_t at = 0; at + RawBlock::link_size <= got; at += RawBlock::link_size) {
@@ -136,19 +87,16 @@ void BlockFields::readFields(InputFile& file) {
   const std::uint64_t end = std::min(raw_.length, file_size_ - raw_.offset);
   const std::uint64_t begin = fieldsAt() - raw_.offset;
   const std::uint64_t there = begin < end ? end - begin : 0;
-  const std::size_t wanted = layout_->fieldsWidth();
+  const std::size_t wanted = type_->fieldsWidth();
   fields_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(there, wanted)));
   fields_.resize(file.readAt(fieldsAt(), fields_.data(), fields_.size()));
   is_complete_ = is_complete_ && raw_.holdsItsLinks() && fields_.size() == wanted;
 }
 
 const FieldLayout* BlockFields::find(std::string_view field) const {
-  if (layout_ == nullptr) {
-    return nullptr;
-  }
-  const auto found = std::find_if(layout_->fields.begin(), layout_->fields.end(),
+  const auto found = std::find_if(type_->fields.begin(), type_->fields.end(),
                                   [&](const FieldLayout& each) { return each.name == field; });
-  return found == layout_->fields.end() ? nullptr : &*found;
+  return found == type_->fields.end() ? nullptr : &*found;
 }
 
 std::string_view BlockFields::bytes(std::string_view field) const {
@@ -179,9 +127,7 @@ std::uint64_t BlockFields::fieldsAt() const {
          std::min(raw_.linkCount(), most) * RawBlock::link_size;
 }
 
-std::uint64_t BlockFields::tailAt() const {
-  return fieldsAt() + (layout_ == nullptr ? 0 : layout_->fieldsWidth());
-}
+std::uint64_t BlockFields::tailAt() const { return fieldsAt() + type_->fieldsWidth(); }
 
 std::uint64_t BlockFields::tailBytes() const {
   const std::uint64_t end =
@@ -220,30 +166,64 @@ std::optional<BlockFields> readFields(InputFile& file, std::uint64_t offset,
 }
 
 LinkRole linkRole(const BlockFields& block, std::uint64_t index) {
-  const std::size_t own = block.layout() == nullptr ? 0 : block.layout()->links.size();
-  if (index < own) {
-    const LinkLayout& layout = block.layout()->links[static_cast<std::size_t>(index)];
+  const std::vector<LinkLayout>& own = block.type().links;
+  if (index < own.size()) {
+    const LinkLayout& layout = own[static_cast<std::size_t>(index)];
     return {std::string(layout.role), layout};
   }
-  const AdditionalLink link =
-      own == 0 ? AdditionalLink{{"", ""}} : additionalLink(block, index - own);
-  if (link.layout.role.empty()) {
-    return {"link " + std::to_string(index), link.layout};
+  const FoundLink link = moreLink(block, index - own.size());
+  if (link.among == nullptr) {
+    return {"link " + std::to_string(index), {"", ""}};
   }
-  LinkRole role{std::string(link.layout.role), link.layout};
-  if (link.element) {
-    role.name += '[' + std::to_string(*link.element) + ']' + std::string(link.part);
+  LinkLayout layout = link.layout();
+  if (link.among->elements.kind == Amount::one) {
+    return {std::string(layout.role), layout};
   }
-  return role;
+  if (link.among->element.empty()) {
+    return {std::string(layout.role) + inBrackets(link.index), layout};
+  }
+  const std::string part(layout.role);
+  layout.role = link.among->element;
+  return {std::string(layout.role) + inBrackets(link.index / link.among->links.size()) + part,
+          layout};
 }
 
 std::string_view linkTargets(const BlockFields& block, std::uint64_t index) {
-  if (block.layout() == nullptr || block.layout()->links.empty()) {
-    return "";
+  const std::vector<LinkLayout>& own = block.type().links;
+  if (index < own.size()) {
+    return own[static_cast<std::size_t>(index)].targets;
   }
-  const std::vector<LinkLayout>& own = block.layout()->links;
-  return index < own.size() ? own[static_cast<std::size_t>(index)].targets
-                            : additionalLink(block, index - own.size()).layout.targets;
+  const FoundLink link = moreLink(block, index - own.size());
+  return link.among == nullptr ? "" : link.layout().targets;
+}
+
+std::uint64_t promisedLinks(const BlockFields& block) {
+  std::uint64_t count = 0;
+  for (const MoreLinks& each : block.type().more_links) {
+    count += each.links.size() * promisedOf(block, each.elements);
+  }
+  return count;
+}
+
+NumberRole numberRole(const BlockFields& block, std::uint64_t index) {
+  for (const MoreNumbers& each : block.type().numbers) {
+    const std::uint64_t most = mostOf(block, each.amount);
+    if (index < most) {
+      const bool is_one = each.amount.kind == Amount::one;
+      return {std::string(each.name) + (is_one ? "" : inBrackets(index)), each.kind};
+    }
+    index -= most;
+  }
+  return {"further value" + inBrackets(index), FieldKind::unsigned_number};
+}
+
+PromisedNumbers promisedNumbers(const BlockFields& block) {
+  for (const MoreNumbers& each : block.type().numbers) {
+    if (mostOf(block, each.amount) > 0) {
+      return {each.amount.field, promisedOf(block, each.amount)};
+    }
+  }
+  return {};
 }
 
 }  // namespace mdf_reader

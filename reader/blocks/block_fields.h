@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "block_layout.h"
+#include "block_type.h"
 #include "raw_block.h"
 
 namespace mdf_reader {
@@ -19,14 +19,13 @@ class InputFile;
 /// its layout says. What the block's length or the file cuts off reads as 0.
 class BlockFields {
  public:
-  /// Reads the links that its type always has, and its fields. A block of a type without a layout
+  /// Reads the links that its type always has, and its fields. A block of a type that is not known
   /// has neither.
   BlockFields(InputFile& file, const RawBlock& block);
 
   const RawBlock& raw() const { return raw_; }
   std::uint64_t offset() const { return raw_.offset; }
-  /// Null for a type that is not known.
-  const BlockLayout* layout() const { return layout_; }
+  const BlockType& type() const { return *type_; }
 
   /// Whether the block has all the links and fields that its type has.
   bool isComplete() const { return is_complete_; }
@@ -57,7 +56,7 @@ class BlockFields {
   const FieldLayout* find(std::string_view field) const;
 
   RawBlock raw_;
-  const BlockLayout* layout_;
+  const BlockType* type_;
   std::uint64_t file_size_;
   std::vector<std::uint64_t> links_;
   std::string fields_;  ///< as many bytes as there are
@@ -73,7 +72,8 @@ std::optional<BlockFields> readFields(InputFile& file, std::uint64_t offset,
                                       std::string_view letters);
 
 /// What the link at an index of a block is for: the type's own links, then those that its counts
-/// ask for. A link that the type does not define has the role "link N" and may lead anywhere.
+/// and flags ask for. A link that the type does not define has the role "link N" and may lead
+/// anywhere.
 struct LinkRole {
   std::string name;  ///< with an index where there are several: "dl_data[2]"
   LinkLayout layout;
@@ -82,6 +82,24 @@ LinkRole linkRole(const BlockFields& block, std::uint64_t index);
 
 /// The letters of the types that the link at an index may lead to, as LinkLayout has them.
 std::string_view linkTargets(const BlockFields& block, std::uint64_t index);
+
+/// How many links the block's counts and flags ask for after those that each block of the type has.
+std::uint64_t promisedLinks(const BlockFields& block);
+
+/// What the number of 8 bytes at an index after the fields is, such as "dl_offset[2]", and how its
+/// bytes are understood. One that the type does not define is a "further value[N]".
+struct NumberRole {
+  std::string name;
+  FieldKind kind;
+};
+NumberRole numberRole(const BlockFields& block, std::uint64_t index);
+
+/// How many numbers the block's counts and flags ask for after its fields, and the field that does.
+struct PromisedNumbers {
+  std::string_view count_field;
+  std::uint64_t count = 0;
+};
+PromisedNumbers promisedNumbers(const BlockFields& block);
 
 }  // namespace mdf_reader
 

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "block_fields.h"
-#include "link_kinds.h"
 
 namespace mdf_reader {
 
@@ -54,7 +53,7 @@ std::string roleOf(InputFile& file, const BlockEntry& block, std::uint32_t link)
 /// A block in a path: "DG[2]", or "TX" for a type that has no chains.
 std::string segment(const BlockEntry& block) {
   std::string text(block.letters());
-  if (linkKinds(block.letters()).has_next) {
+  if (typeOf(block.letters()).has_next) {
     text += '[' + std::to_string(block.position) + ']';
   }
   return text;

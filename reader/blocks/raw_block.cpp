@@ -13,16 +13,17 @@ using mdf_v4_10::detail::loadLe;
 
 namespace {
 
-/// Links of a block whose data section has 8 bytes.
-std::uint64_t linksBeforeEightBytes(std::uint64_t length) {
-  constexpr std::uint64_t rest = RawBlock::header_size + 8;
+/// Links of a block with such a length.
+std::uint64_t linksBeforeFields(const BlockType& type, std::uint64_t length) {
+  const std::uint64_t rest = RawBlock::header_size + type.fieldsWidth();
   return length < rest ? 0 : (length - rest) / RawBlock::link_size;
 }
 
-/// Links of a channel hierarchy block: four, and three for each element.
-std::uint64_t hierarchyLinks(std::uint64_t elements) {
+/// The most links that a block of a type can have which counts each of its elements as one.
+std::uint64_t linksOfElements(const BlockType& type, std::uint64_t stored) {
   constexpr std::uint64_t countable = UINT64_MAX / 4;
-  return 4 + 3 * std::min(elements, countable);
+  const std::uint64_t own = type.links.size();
+  return own + type.more_links.front().links.size() * std::min(stored - own, countable);
 }
 
 }  // namespace
@@ -30,18 +31,19 @@ std::uint64_t hierarchyLinks(std::uint64_t elements) {
 std::string RawBlock::name() const { return printable({id.data(), id.size()}); }
 
 std::uint64_t RawBlock::linkCount() const {
-  // Two types are written with a link count below the number of their links: a header list with 0
-  // for its one link, and a channel hierarchy with 4 + N for 4 + 3N links. Both have a data section
-  // of 8 bytes, so the length tells the number. It must not exceed what the type can have: a length
-  // that lies would turn the following blocks into links.
-  if (letters() == "HL") {
-    return std::max(link_count, std::min<std::uint64_t>(linksBeforeEightBytes(length), 1));
+  const BlockType& type = typeOf(letters());
+  if (type.link_count == LinkCount::right) {
+    return link_count;
   }
-  if (letters() == "CH" && link_count >= 4) {
-    return std::max(link_count,
-                    std::min(linksBeforeEightBytes(length), hierarchyLinks(link_count - 4)));
+  // The length tells the number. It must not exceed what the type can have: a length that lies
+  // would turn the following blocks into links.
+  const std::uint64_t own = type.links.size();
+  const bool by_elements = type.link_count == LinkCount::by_elements;
+  if (by_elements && link_count < own) {
+    return link_count;
   }
-  return link_count;
+  const std::uint64_t most = by_elements ? linksOfElements(type, link_count) : own;
+  return std::max(link_count, std::min(linksBeforeFields(type, length), most));
 }
 
 bool RawBlock::holdsItsLinks() const {

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "block_type.h"
+
 namespace mdf_reader {
 
 class InputFile;
@@ -26,6 +28,9 @@ struct RawBlock {
 
   bool hasId() const { return id[0] == '#' && id[1] == '#'; }
   std::string_view letters() const { return {id.data() + 2, 2}; }
+
+  /// Unknown where the identifier does not begin with "##".
+  const BlockType& type() const { return typeOf(hasId() ? letters() : ""); }
 
   /// The identifier for a message or a line of output.
   std::string name() const;

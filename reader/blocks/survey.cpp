@@ -8,7 +8,6 @@
 #include "../bytes/allowance.h"
 #include "../bytes/input_file.h"
 #include "framework/wire.h"
-#include "link_kinds.h"
 #include "raw_block.h"
 #include "walker.h"
 
@@ -95,7 +94,7 @@ BlockEntry Survey::entryFor(const Step& step, const RawBlock& block) {
                         !allowance_.take(linksThere(file_, block) * RawBlock::link_size);
   if (step.from != BlockTable::none && step.link == 0 && !step.by_reference) {
     const BlockEntry& from = blocks_[step.from];
-    if (from.type == entry.type && linkKinds(entry.letters()).has_next) {
+    if (from.type == entry.type && typeOf(entry.letters()).has_next) {
       entry.head = from.head;
       entry.position = from.position + 1;
     }
@@ -106,7 +105,7 @@ BlockEntry Survey::entryFor(const Step& step, const RawBlock& block) {
 /// What belongs to a block comes before the next block of its chain, so the link to that goes to
 /// the bottom of the stack.
 void Survey::followOwnLinks(std::uint32_t index, const RawBlock& block) {
-  const LinkKinds kinds = linkKinds(block.letters());
+  const BlockType& type = typeOf(block.letters());
   const auto before = static_cast<std::ptrdiff_t>(pending_.size());
   bool has_next = false;
   bool refers = false;
@@ -115,13 +114,13 @@ void Survey::followOwnLinks(std::uint32_t index, const RawBlock& block) {
         if (!mayBeBlock(target)) {
           return;
         }
-        if (kinds.refers(number)) {
+        if (type.refers(number)) {
           refers = true;
           return;
         }
         const auto link = static_cast<std::uint32_t>(std::min<std::uint64_t>(number, UINT32_MAX));
         pending_.push_back({target, index, link, false});
-        has_next = has_next || (number == 0 && kinds.has_next);
+        has_next = has_next || (number == 0 && type.has_next);
       });
   std::reverse(pending_.begin() + before + (has_next ? 1 : 0), pending_.end());
   if (refers) {
@@ -134,10 +133,10 @@ void Survey::followReferences(std::uint32_t index) {
   if (!block) {
     return;
   }
-  const LinkKinds kinds = linkKinds(blocks_[index].letters());
+  const BlockType& type = typeOf(blocks_[index].letters());
   const BlockEntry entry = blocks_[index];
   forEachSurveyedLink(file_, *block, entry, [&](std::uint64_t number, std::uint64_t target) {
-    if (kinds.refers(number) && mayBeBlock(target)) {
+    if (type.refers(number) && mayBeBlock(target)) {
       const auto link = static_cast<std::uint32_t>(std::min<std::uint64_t>(number, UINT32_MAX));
       pending_.push_back({target, index, link, true});
     }

@@ -16,9 +16,7 @@ namespace {
 constexpr std::uint64_t most_unzipped = std::uint64_t{1} << 29U;
 constexpr std::uint64_t most_from_a_byte = 1032;
 
-bool isOneOf(const RawBlock& block, std::string_view types) {
-  return block.hasId() && types.find(block.letters()) != std::string_view::npos;
-}
+bool isZippedData(const RawBlock& block) { return block.type().contents == Contents::zipped_data; }
 
 void fail(DataBlock& found, Code code, const std::string& sentence) {
   found.code = code;
@@ -93,23 +91,23 @@ std::string inflatingProblem(const Inflated& inflated, std::uint64_t stated) {
 
 }  // namespace
 
-bool isDataBlock(const RawBlock& block) { return isOneOf(block, "DT SD RD DV DI DZ"); }
+bool isDataBlock(const RawBlock& block) { return isPlainData(block) || isZippedData(block); }
 
-bool isPlainData(const RawBlock& block) { return isOneOf(block, "DT SD RD DV DI"); }
+bool isPlainData(const RawBlock& block) { return block.type().contents == Contents::data; }
 
-bool isDataList(const RawBlock& block) { return isOneOf(block, "DL LD"); }
+bool isDataList(const RawBlock& block) { return block.type().contents == Contents::data_list; }
 
 std::string originalType(InputFile& file, const RawBlock& block) {
   if (!isDataBlock(block)) {
     return "";
   }
-  return block.letters() == "DZ" ? std::string(BlockFields(file, block).bytes("dz_org_block_type"))
-                                 : std::string(block.letters());
+  return isZippedData(block) ? std::string(BlockFields(file, block).bytes("dz_org_block_type"))
+                             : std::string(block.letters());
 }
 
 DataBlock findData(DataFile& file, const RawBlock& block) {
   DataBlock found;
-  if (block.letters() == "DZ") {
+  if (isZippedData(block)) {
     findZippedData(file.bytes(), block, found);
   } else {
     findPlainData(file, block, found);

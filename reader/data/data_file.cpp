@@ -35,14 +35,7 @@ bool DataFile::isOpen(const RawBlock& block) {
 }
 
 bool DataFile::isCalledOpen(const RawBlock& block) const {
-  const std::string_view type = block.letters();
-  unsigned flag = 0;
-  if (type == "DT" || type == "DV") {
-    flag = Identification::last_data_open;
-  } else if (type == "RD") {
-    flag = Identification::last_reduction_open;
-  }
-  return (id_.standard_flags & flag) != 0 || block.length <= headOf(block);
+  return (id_.standard_flags & block.type().open_flag) != 0 || block.length <= headOf(block);
 }
 
 /// Whether a block may end at an offset, with another one or nothing behind it.

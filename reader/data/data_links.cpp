@@ -12,7 +12,9 @@ namespace {
 
 constexpr std::uint64_t invalidation_present = 1U << 31U;  // ld_flags
 
-bool isHeaderList(const RawBlock& block) { return block.hasId() && block.letters() == "HL"; }
+bool isHeaderList(const RawBlock& block) {
+  return block.type().contents == Contents::list_of_lists;
+}
 
 }  // namespace
 

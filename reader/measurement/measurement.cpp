@@ -158,8 +158,8 @@ std::optional<Block> Measurement::block(std::uint64_t offset) const {
   forEachLink(state_->file, *raw, [&](std::uint64_t index, std::int64_t link) {
     block.links.push_back({linkRole(fields, index).name, link});
   });
-  if (fields.layout() != nullptr) {
-    for (const FieldLayout& field : fields.layout()->fields) {
+  if (fields.type().isKnown()) {
+    for (const FieldLayout& field : fields.type().fields) {
       block.fields.push_back(
           {std::string(field.name), shownField(field, fields.bytes(field.name))});
     }

@@ -36,8 +36,7 @@ std::string readToZero(InputFile& file, std::uint64_t offset, std::uint64_t most
 
 std::optional<std::string> readText(InputFile& file, std::uint64_t offset, std::uint64_t most) {
   const auto block = offset == 0 ? std::nullopt : readRawBlock(file, offset);
-  if (!block || !block->hasId() || (block->letters() != "TX" && block->letters() != "MD") ||
-      !block->holdsItsLinks()) {
+  if (!block || block->type().contents != Contents::text || !block->holdsItsLinks()) {
     return std::nullopt;
   }
   const std::uint64_t in_front = RawBlock::header_size + block->linkCount() * RawBlock::link_size;

@@ -236,7 +236,7 @@ class ConversionMaker {
 };
 
 void ConversionMaker::readReferences() {
-  const std::uint64_t fixed = block_.layout()->links.size();
+  const std::uint64_t fixed = block_.type().links.size();
   const std::uint64_t count = block_.number("cc_ref_count");
   forEachLink(all_.file_, block_.raw(), [&](std::uint64_t index, std::int64_t link) {
     if (index >= fixed && index - fixed < count) {
@@ -426,9 +426,7 @@ const std::string* Conversions::textAt(std::uint64_t offset) {
     return &found->second;
   }
   const auto block = offset == 0 ? std::nullopt : readRawBlock(file_, offset);
-  const bool is_text =
-      block && block->hasId() && (block->letters() == "TX" || block->letters() == "MD");
-  if (!is_text || !block->holdsItsLinks()) {
+  if (!block || block->type().contents != Contents::text || !block->holdsItsLinks()) {
     return nullptr;
   }
   const std::uint64_t head = RawBlock::header_size + block->linkCount() * RawBlock::link_size;

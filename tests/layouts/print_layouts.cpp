@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "layouts.h"
-#include "reader/blocks/block_layout.h"
+#include "reader/blocks/block_type.h"
 
 using namespace mdf_reader;
 
@@ -113,7 +113,7 @@ std::string unitOf(std::string_view field) {
   return unit->second;
 }
 
-std::string typeOf(FieldKind kind, std::size_t width) {
+std::string kindOf(FieldKind kind, std::size_t width) {
   const std::string bits = std::to_string(8 * width);
   switch (kind) {
     case FieldKind::unsigned_number:
@@ -141,7 +141,7 @@ std::string quoted(std::string_view name) { return '`' + std::string(name) + '`'
 void printFields(const std::vector<FieldLayout>& fields, std::size_t start) {
   for (const FieldLayout& field : fields) {
     printRow(start + field.offset, std::to_string(field.width), quoted(field.name),
-             typeOf(field.kind, field.width), unitOf(field.name));
+             kindOf(field.kind, field.width), unitOf(field.name));
   }
 }
 
@@ -158,16 +158,16 @@ std::string targetsOf(const LinkLayout& link) {
 }
 
 void printBlock(std::string_view letters) {
-  const BlockLayout& layout = *findLayout(letters);
+  const BlockType& type = typeOf(letters);
   std::cout << "\n## " << letters << "BLOCK\n\n";
-  std::cout << "The " << layout.title << " block, `##" << letters << "`.\n";
+  std::cout << "The " << type.title << " block, `##" << letters << "`.\n";
   printTableHead();
   printRow(0, "4", "`mdfID`", "bytes", "`##" + std::string(letters) + '`');
   printRow(4, "4", "`reserved`", "reserved", "");
   printRow(8, "8", "`length`", "UINT64", "bytes");
   printRow(16, "8", "`link_count`", "UINT64", "links");
   std::size_t offset = 24;
-  for (const LinkLayout& link : layout.links) {
+  for (const LinkLayout& link : type.links) {
     printRow(offset, "8", quoted(link.role), "LINK", targetsOf(link));
     offset += 8;
   }
@@ -175,11 +175,14 @@ void printBlock(std::string_view letters) {
   if (further != further_links.end()) {
     printRow(offset, "8 each", "further links", "LINK", further->second);
   }
-  printFields(layout.fields, offset);
-  if (!layout.tail.name.empty()) {
-    printRow(offset + layout.fieldsWidth(), layout.tail.width == 1 ? "rest" : "8 each",
-             quoted(layout.tail.name), typeOf(layout.tail.kind, layout.tail.width),
-             unitOf(layout.tail.name));
+  printFields(type.fields, offset);
+  if (!type.bytes.empty()) {
+    printRow(offset + type.fieldsWidth(), "rest", quoted(type.bytes), "bytes", unitOf(type.bytes));
+  }
+  if (!type.numbers.empty()) {
+    const MoreNumbers& numbers = type.numbers.front();
+    printRow(offset + type.fieldsWidth(), "8 each", quoted(numbers.name), kindOf(numbers.kind, 8),
+             unitOf(numbers.name));
   }
   if (further != further_links.end()) {
     std::cout << "\nOffsets after the further links are those of a block without any.\n";

@@ -3,7 +3,6 @@
 #include <string>
 #include <string_view>
 
-#include "reader/blocks/link_kinds.h"
 #include "reader/blocks/survey.h"
 #include "reader/blocks/walker.h"
 
@@ -15,59 +14,10 @@ namespace {
 
 constexpr std::uint64_t alignment = 8;
 
-/// The links after the fixed ones that a block's counts and flags require.
-std::uint64_t promisedLinks(const BlockFields& block) {
-  constexpr std::uint64_t has_default_x = 0x1000;
-  constexpr std::uint64_t has_remote_master = 8;
-  constexpr std::uint64_t has_invalidation_data = 1U << 31U;
-  const std::string_view type = block.raw().letters();
-  if (type == "CN") {
-    return block.number("cn_attachment_count") + (block.hasFlag("cn_flags", has_default_x) ? 3 : 0);
-  }
-  if (type == "CC") {
-    return block.number("cc_ref_count");
-  }
-  if (type == "EV") {
-    return block.number("ev_scope_count") + block.number("ev_attachment_count");
-  }
-  if (type == "CH") {
-    return 3 * block.number("ch_element_count");
-  }
-  if (type == "LD") {
-    return block.number("ld_count") * (block.hasFlag("ld_flags", has_invalidation_data) ? 2 : 1);
-  }
-  return type == "CG" && block.hasFlag("cg_flags", has_remote_master) ? 1 : 0;
-}
-
-/// What a block's count says of the 8-byte numbers after its fields.
-struct PromisedNumbers {
-  std::string_view count_field;
-  std::uint64_t count = 0;
-};
-
-PromisedNumbers promisedNumbers(const BlockFields& block) {
-  const std::string_view type = block.raw().letters();
-  if (type == "CC") {
-    return {"cc_val_count", block.number("cc_val_count")};
-  }
-  if (type == "CA") {
-    return {"ca_ndim", block.number("ca_ndim")};
-  }
-  if (type == "DL") {
-    const bool has_equal_length = block.hasFlag("dl_flags", 1);
-    return {"dl_count", has_equal_length ? 1 : block.number("dl_count")};
-  }
-  if (type == "LD") {
-    const bool has_equal_count = block.hasFlag("ld_flags", 1);
-    return {"ld_count", has_equal_count ? 1 : block.number("ld_count")};
-  }
-  return {};
-}
-
 /// Whether the length holds header, links and fields.
 bool checkLength(const Subject& subject, const BlockFields& block, std::uint32_t index) {
   const RawBlock& raw = block.raw();
-  const std::size_t fields = block.layout() == nullptr ? 0 : block.layout()->fieldsWidth();
+  const std::size_t fields = block.type().fieldsWidth();
   const std::uint64_t links = raw.linkCount() * RawBlock::link_size;
   if (raw.holdsItsLinks() && raw.length - RawBlock::header_size - links >= fields) {
     return true;
@@ -83,7 +33,7 @@ bool checkLength(const Subject& subject, const BlockFields& block, std::uint32_t
 class LinkCheck {
  public:
   LinkCheck(const Subject& subject, const BlockFields& block, std::uint32_t index)
-      : subject_(subject), block_(block), index_(index), kinds_(linkKinds(block.raw().letters())) {}
+      : subject_(subject), block_(block), index_(index), type_(typeOf(block.raw().letters())) {}
 
   void check(std::uint64_t number, std::uint64_t target) const {
     if (target == 0) {
@@ -110,7 +60,7 @@ class LinkCheck {
   const Subject& subject_;
   const BlockFields& block_;
   std::uint32_t index_;
-  LinkKinds kinds_;
+  const BlockType& type_;
 };
 
 void LinkCheck::checkFound(std::uint64_t number, std::uint32_t found) const {
@@ -118,12 +68,12 @@ void LinkCheck::checkFound(std::uint64_t number, std::uint32_t found) const {
   const std::string_view targets = linkTargets(block_, number);
   const auto found_block = [&] { return ", found " + nameAt(target.letters(), target.offset); };
   if (!isAmongTargets(targets, target.letters())) {
-    const bool is_known = findLayout(target.letters()) != nullptr;
-    if (is_known || !kinds_.refers(number)) {
+    const bool is_known = typeOf(target.letters()).isKnown();
+    if (is_known || !type_.refers(number)) {
       report(is_known ? Code::link_wrong_type : Code::link_unknown_type, number,
              "to " + std::string(targets) + found_block());
     }
-  } else if (kinds_.refers(number)) {
+  } else if (type_.refers(number)) {
     return;
   } else if (found <= index_ && index_ < target.end) {
     report(Code::chain_endless, number,
@@ -139,8 +89,8 @@ void LinkCheck::checkFound(std::uint64_t number, std::uint32_t found) const {
 /// Whether a block that belongs in one list or tree has its place in another. Texts, sources,
 /// arrays, conversions and data may have several that lead to them.
 bool LinkCheck::isShared(const BlockEntry& target, std::uint64_t number) const {
-  constexpr std::string_view with_a_place = "DG CG CN SR CH EV AT FH";
-  return isAmongTargets(with_a_place, target.letters()) && !target.by_reference &&
+  const BlockType& type = typeOf(target.letters());
+  return type.has_next && type.contents == Contents::description && !target.by_reference &&
          (target.parent != index_ || target.link != number);
 }
 
@@ -186,14 +136,14 @@ bool checkShape(const Subject& subject, const BlockFields& block, std::uint32_t 
                        std::to_string(subject.file.sizeFrom(raw.offset)) +
                        " up to the end of the file");
   }
-  const std::size_t own_links = block.layout() == nullptr ? 0 : block.layout()->links.size();
+  const std::size_t own_links = block.type().links.size();
   if (raw.linkCount() < own_links) {
     subject.report(Code::links_missing, index,
                    "expected at least " + std::to_string(own_links) + " links, found " +
                        std::to_string(raw.linkCount()));
     return false;
   }
-  if (!checkLength(subject, block, index) || !is_whole || block.layout() == nullptr) {
+  if (!checkLength(subject, block, index) || !is_whole || !block.type().isKnown()) {
     return false;
   }
   checkMoreLinks(subject, block, index, promisedLinks(block));
@@ -204,7 +154,7 @@ bool checkShape(const Subject& subject, const BlockFields& block, std::uint32_t 
 
 void checkMoreLinks(const Subject& subject, const BlockFields& block, std::uint32_t index,
                     std::uint64_t promised) {
-  const std::uint64_t own = block.layout()->links.size();
+  const std::uint64_t own = block.type().links.size();
   const std::uint64_t there = block.raw().linkCount() - own;
   if (promised > there) {
     subject.report(Code::links_missing, index,

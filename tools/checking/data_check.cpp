@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "framework/wire.h"
-#include "reader/blocks/block_layout.h"
 #include "reader/bytes/digest.h"
 #include "reader/bytes/inflate.h"
 #include "reader/data/data_block.h"
@@ -143,15 +142,11 @@ std::optional<std::uint64_t> dataBytesOf(const Subject& subject, std::uint64_t o
   if (!block) {
     return std::nullopt;
   }
-  const std::string_view type = block->letters();
-  constexpr std::string_view counted = "DT SD RD DV";
-  if (type == "DZ") {
+  if (block->type().contents == Contents::zipped_data) {
     return BlockFields(subject.file, *block).number("dz_org_data_length");
   }
-  if (!isAmongTargets(counted, type)) {
-    return std::nullopt;
-  }
-  return findData(subject.data_file, *block).original;
+  return isPlainData(*block) ? std::optional(findData(subject.data_file, *block).original)
+                             : std::nullopt;
 }
 
 void checkAttachment(Subject& subject, const BlockFields& block, std::uint32_t index) {

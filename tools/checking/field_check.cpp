@@ -13,14 +13,13 @@ using namespace mdf_v4_10;
 namespace {
 
 void checkLinkCount(const Subject& subject, const RawBlock& block, std::uint32_t index) {
-  constexpr std::string_view without_links = "DT SD RD DV DI RV RI DZ";
   if (block.linkCount() != block.link_count) {
     subject.report(Code::link_count_wrong, index,
                    "expected the link count " + std::to_string(block.linkCount()) +
                        " by the length of " + std::to_string(block.length) + ", found " +
                        std::to_string(block.link_count));
   }
-  if (block.link_count > 0 && isAmongTargets(without_links, block.letters())) {
+  if (block.link_count > 0 && block.type().isData()) {
     subject.report(Code::data_with_links, index,
                    "expected data without links, found " + std::to_string(block.link_count));
   }

@@ -196,7 +196,7 @@ void checkBlock(Subject& subject, RecordCheck& records, Conversions& conversions
     return;
   }
   checkFields(subject, block, index);
-  if (type == "TX" || type == "MD") {
+  if (raw->type().contents == Contents::text) {
     checkText(subject, *raw, index);
   } else if (type == "CN" || type == "CG" || type == "DG" || type == "SR") {
     records.take(block, index);
@@ -204,7 +204,7 @@ void checkBlock(Subject& subject, RecordCheck& records, Conversions& conversions
     if (const auto elements = checkArray(subject, block, index)) {
       records.takeArray(block, index, *elements);
     }
-  } else if (type == "DZ") {
+  } else if (raw->type().contents == Contents::zipped_data) {
     checkZippedData(subject, block, index);
   } else if (type == "DL") {
     checkDataList(subject, block, index);

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "reader/blocks/block_layout.h"
+#include "reader/blocks/block_type.h"
 
 namespace mdf_tools {
 
@@ -13,12 +13,9 @@ using namespace mdf_reader;
 
 namespace {
 
+/// Whether there is such a type; the identification is shown like a block.
 bool isKnownType(std::string_view letters) {
-  // The identification, and block types of versions that came later.
-  constexpr std::string_view others = "ID LD DV DI RV RI GD";
-  return findLayout(letters) != nullptr ||
-         (letters.size() == 2 && letters.find(' ') == letters.npos &&
-          others.find(letters) != others.npos);
+  return letters == "ID" || (!letters.empty() && typeOf(letters).letters == letters);
 }
 
 std::string upperCase(std::string letters) {

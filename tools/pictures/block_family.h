@@ -1,17 +1,15 @@
 #ifndef MDF_TOOLS_PICTURES_BLOCK_FAMILY_H_
 #define MDF_TOOLS_PICTURES_BLOCK_FAMILY_H_
 
-#include <cstddef>
 #include <string_view>
+
+#include "reader/blocks/block_type.h"
 
 namespace mdf_tools {
 
-/// Types of blocks that are drawn in the same colour.
-enum class BlockFamily { file, group, channel, conversion, text, data, other };
-inline constexpr std::size_t family_count = 7;
+using namespace mdf_reader;
 
-/// The family of a type by its letters, including types of later versions and the identification
-/// ("ID").
+/// The family of a type by its letters; the identification ("ID") has one, too.
 BlockFamily familyOf(std::string_view letters);
 
 /// A colour as "#80b1d3".

@@ -149,7 +149,7 @@ void annotateField(const FieldLayout& field, std::uint64_t at, std::string_view 
 void annotateElements(InputFile& file, const BlockFields& fields, std::uint64_t bytes,
                       AnnotatedLines& lines) {
   for (std::uint64_t i = 0; i < bytes / element_size; ++i) {
-    const TailElement element = tailElement(fields, i);
+    const NumberRole element = numberRole(fields, i);
     const std::uint64_t offset = fields.tailAt() + element_size * i;
     std::array<char, element_size> stored{};
     file.readAt(offset, stored.data(), stored.size());
@@ -175,19 +175,18 @@ void annotateTail(InputFile& file, const BlockFields& fields, std::uint64_t most
                   AnnotatedLines& lines) {
   const std::uint64_t there = fields.tailBytes();
   const std::uint64_t shown = std::min(there, most_bytes);
-  const BlockLayout* layout = fields.layout();
+  const BlockType& type = fields.type();
   if (there == 0) {
     return;
   }
   std::uint64_t done = 0;
-  if (layout != nullptr && layout->tail.width == element_size) {
+  if (!type.numbers.empty()) {
     annotateElements(file, fields, shown, lines);
     done = shown / element_size * element_size;
   } else {
-    const std::string_view name = layout == nullptr ? "" : layout->tail.name;
-    lines.note((name.empty() ? "further data" : std::string(name)) + ", " + std::to_string(there) +
-               " bytes");
-    if (!lines.withBytes() && (name == "tx_data" || name == "md_data")) {
+    lines.note((type.bytes.empty() ? "further data" : std::string(type.bytes)) + ", " +
+               std::to_string(there) + " bytes");
+    if (!lines.withBytes() && type.contents == Contents::text) {
       annotateText(file, fields, most_bytes, lines);
       return;
     }
@@ -201,37 +200,6 @@ void annotateTail(InputFile& file, const BlockFields& fields, std::uint64_t most
 }
 
 }  // namespace
-
-TailElement tailElement(const BlockFields& block, std::uint64_t index) {
-  const TailLayout& tail = block.layout()->tail;
-  const std::string_view letters = block.layout()->letters;
-  const auto element = [](std::string_view name, std::uint64_t number, FieldKind kind) {
-    return TailElement{std::string(name) + '[' + std::to_string(number) + ']', kind};
-  };
-  constexpr std::uint64_t equal_length = 1;
-  if (letters == "DL" && block.hasFlag("dl_flags", equal_length)) {
-    return index == 0 ? TailElement{"dl_equal_length", tail.kind}
-                      : element("further value", index - 1, tail.kind);
-  }
-  constexpr std::uint64_t equal_sample_count = 1;
-  if (letters == "LD" && block.hasFlag("ld_flags", equal_sample_count)) {
-    return index == 0 ? TailElement{"ld_equal_sample_count", tail.kind}
-                      : element("further value", index - 1, tail.kind);
-  }
-  const std::uint64_t dimensions = block.number("ca_ndim");
-  if (letters == "CA" && index >= dimensions) {
-    constexpr std::uint64_t fixed_axis = 32;
-    constexpr std::uint64_t in_records = 0;
-    const bool has_axes = block.hasFlag("ca_flags", fixed_axis);
-    const bool has_counts = block.number("ca_storage") != in_records;
-    if (has_axes != has_counts) {
-      return has_axes ? element("ca_axis_value", index - dimensions, FieldKind::real)
-                      : element("ca_cycle_count", index - dimensions, tail.kind);
-    }
-    return element("further value", index - dimensions, tail.kind);
-  }
-  return element(tail.name, index, tail.kind);
-}
 
 std::string shownElement(const char* bytes, FieldKind kind) {
   return kind == FieldKind::real ? shortestReal(loadLe<double>(bytes))
@@ -270,10 +238,8 @@ void annotateBlock(InputFile& file, const RawBlock& block, const BlockForm& form
     lines.field(block.offset + RawBlock::header_size + index * RawBlock::link_size,
                 RawBlock::link_size, linkRole(fields, index).name, linkText(link));
   });
-  if (fields.layout() != nullptr) {
-    for (const FieldLayout& field : fields.layout()->fields) {
-      annotateField(field, fields.fieldsAt(), fields.bytes(field.name), lines);
-    }
+  for (const FieldLayout& field : fields.type().fields) {
+    annotateField(field, fields.fieldsAt(), fields.bytes(field.name), lines);
   }
   annotateTail(file, fields, form.most_bytes, lines);
 }

@@ -32,15 +32,6 @@ void annotateIdentification(InputFile& file, const BlockForm& form, std::ostream
 /// bytes.
 void annotateBlock(InputFile& file, const RawBlock& block, const BlockForm& form, std::ostream& os);
 
-/// What an element after the fields is: the name with its index, and how its bytes are understood.
-struct TailElement {
-  std::string name;
-  FieldKind kind;
-};
-
-/// The element at an index of a type whose tail has elements of 8 bytes.
-TailElement tailElement(const BlockFields& block, std::uint64_t index);
-
 /// A number of 8 bytes as its kind says: "0.5", "12".
 std::string shownElement(const char* bytes, FieldKind kind);
 

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "block_types.h"
+#include "library_classes.h"
 #include "mdf_v4_10.h"
 #include "reader/blocks/walker.h"
 #include "reader/bytes/input_file.h"
@@ -16,16 +16,16 @@ using namespace mdf_reader;
 
 namespace {
 
-/// Whether the file holds all the bytes that the type's class reads. This is what keeps a length
+/// Whether the file holds all the bytes that the class reads. This is what keeps a length
 /// that lies from costing memory.
-bool bytesAreThere(const InputFile& file, const RawBlock& block, const BlockType& type) {
-  if (type.fixed_size == BlockType::by_length) {
+bool bytesAreThere(const InputFile& file, const RawBlock& block, const LibraryClass& type) {
+  if (type.fixed_size == LibraryClass::by_length) {
     return block.length >= RawBlock::header_size && isWhole(file, block);
   }
   return type.fixed_size <= file.sizeFrom(block.offset);
 }
 
-void writeDump(InputFile& file, const RawBlock& block, const BlockType& type, std::ostream& os,
+void writeDump(InputFile& file, const RawBlock& block, const LibraryClass& type, std::ostream& os,
                const FindingSink& report) {
   std::string problem = bytesAreThere(file, block, type)
                             ? type.dump(block, file.streamAt(block.offset), os)
@@ -85,7 +85,7 @@ void dumpIdentification(InputFile& file, std::ostream& os) {
 void dumpBlock(InputFile& file, const RawBlock& block, std::ostream& os,
                const FindingSink& report) {
   writeHeadlineWithLinks(file, BlockFields(file, block), os);
-  const BlockType* type = findBlockType(block.letters());
+  const LibraryClass* type = findLibraryClass(block.letters());
   if (type == nullptr) {
     return;
   }

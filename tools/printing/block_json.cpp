@@ -60,7 +60,7 @@ Json fieldValue(const FieldLayout& field, std::string_view bytes) {
 /// The fields that are there.
 Json fieldValues(const BlockFields& block) {
   Json fields = Json::object();
-  for (const FieldLayout& field : block.layout()->fields) {
+  for (const FieldLayout& field : block.type().fields) {
     const std::string_view bytes = block.bytes(field.name);
     if (!bytes.empty()) {
       fields[std::string(field.name)] = fieldValue(field, bytes);
@@ -76,7 +76,7 @@ Json tailValues(InputFile& file, const BlockFields& block, std::uint64_t most_by
   for (std::uint64_t i = 0; i < count; ++i) {
     std::array<char, 8> bytes{};
     file.readAt(block.tailAt() + 8 * i, bytes.data(), bytes.size());
-    const TailElement element = tailElement(block, i);
+    const NumberRole element = numberRole(block, i);
     Json& list = values[element.name.substr(0, element.name.find('['))];
     list.push_back(element.kind == FieldKind::real ? realValue(loadLe<double>(bytes.data()))
                                                    : Json(loadLe<std::uint64_t>(bytes.data())));
@@ -85,15 +85,15 @@ Json tailValues(InputFile& file, const BlockFields& block, std::uint64_t most_by
 }
 
 void addTail(InputFile& file, const BlockFields& block, std::uint64_t most_bytes, Json& line) {
-  const std::string_view letters = block.raw().letters();
-  if (letters == "TX" || letters == "MD") {
+  const BlockType& type = block.type();
+  if (type.contents == Contents::text) {
     if (const auto text = readText(file, block.offset(), most_bytes)) {
       line["text"] = *text;
     }
-  } else if (block.layout()->tail.width == 8) {
+  } else if (!type.numbers.empty()) {
     line.update(tailValues(file, block, most_bytes));
   }
-  if (!block.layout()->tail.name.empty()) {
+  if (!type.bytes.empty() || !type.numbers.empty()) {
     line["tail_bytes"] = block.tailBytes();
   }
 }
@@ -131,7 +131,7 @@ void writeBlock(InputFile& file, const RawBlock& raw, std::uint64_t most_bytes, 
   line["length"] = raw.length;
   line["link_count"] = raw.link_count;
   line["reserved"] = reservedBytes(file, raw);
-  if (block.layout() != nullptr) {
+  if (block.type().isKnown()) {
     line["fields"] = fieldValues(block);
     addTail(file, block, most_bytes, line);
   }

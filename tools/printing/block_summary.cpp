@@ -242,7 +242,7 @@ BlockSummary Summarizer::summary() {
       methods.begin(), methods.end(), [&](const Method& each) { return each.letters == letters; });
   if (method != methods.end()) {
     (this->*method->add)();
-  } else if (letters == "TX" || letters == "MD") {
+  } else if (block_.type().contents == Contents::text) {
     summary_.name = text(block_.offset());
   } else {
     const std::uint64_t in_front =

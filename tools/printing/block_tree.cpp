@@ -16,15 +16,6 @@ using namespace mdf_reader;
 
 namespace {
 
-/// A chain's link, which leads to a sibling and not to a child.
-bool leadsOn(const LinkLayout& link) {
-  constexpr std::string_view ending = "_next";
-  return link.role.size() > ending.size() &&
-         link.role.substr(link.role.size() - ending.size()) == ending;
-}
-
-bool isText(std::string_view letters) { return letters == "TX" || letters == "MD"; }
-
 class TreeWalk {
  public:
   TreeWalk(InputFile& file, const TreeOptions& options, const FindingSink& report,
@@ -151,10 +142,10 @@ void TreeWalk::followNextLink() {
   if (target == 0) {
     return;
   }
-  const LinkRole role = linkRole(level.block, link);
-  if (link == 0 && leadsOn(role.layout)) {
+  if (link == 0 && level.block.type().has_next) {
     return;  // once all else below the block is done
   }
+  const LinkRole role = linkRole(level.block, link);
   level.in_list = role.layout.role == level.list ? level.in_list + 1 : 1;
   level.list = role.layout.role;
   if (level.in_list > options_.list_limit) {
@@ -198,7 +189,7 @@ TreeEntry::Kind TreeWalk::kindOf(std::size_t from, std::size_t target, bool in_c
 void TreeWalk::follow(const Level& level, std::uint64_t link, std::uint64_t target) {
   TreeEntry entry = entryFor(level, level.depth + 1, link, target);
   const std::size_t index = indexOf(target);
-  if (isBlock(index) && !options_.with_texts && isText(entry.raw.letters())) {
+  if (isBlock(index) && !options_.with_texts && entry.raw.type().contents == Contents::text) {
     return;
   }
   entry.kind = kindOf(level.index, index, false);
@@ -214,8 +205,7 @@ void TreeWalk::finish() {
   const Level level = std::move(levels_.back());
   levels_.pop_back();
   states_[level.index] = State::seen;
-  const bool has_next = linksThere(file_, level.block.raw()) > 0 &&
-                        level.block.layout() != nullptr && leadsOn(linkRole(level.block, 0).layout);
+  const bool has_next = linksThere(file_, level.block.raw()) > 0 && level.block.type().has_next;
   const std::uint64_t target = has_next ? readLink(level.block, 0) : 0;
   if (target != 0 && (level.depth > 0 || options_.from == header_block_offset)) {
     followChain(level, target);
@@ -252,11 +242,10 @@ void TreeWalk::leaveOutRestOfChain(const Level& level, std::uint64_t target) {
     if (!raw || linksThere(file_, *raw) == 0) {
       break;
     }
-    const BlockFields block(file_, *raw);
-    if (block.layout() == nullptr || !leadsOn(linkRole(block, 0).layout)) {
+    if (!raw->type().has_next) {
       break;
     }
-    target = block.link(0);
+    target = linkAt(file_, *raw, 0);
   }
   show(entry);
   if (target != 0) {

@@ -4,7 +4,7 @@
 
 #include "file_summary.h"
 #include "names.h"
-#include "reader/blocks/block_layout.h"
+#include "reader/blocks/block_type.h"
 #include "reader/bytes/input_file.h"
 #include "shown_number.h"
 #include "stored_time.h"
@@ -152,9 +152,9 @@ void printBlocks(const FileSummary& summary, std::ostream& out) {
   TextTable table(
       {{"type"}, {"blocks", TextTable::Align::right}, {"bytes", TextTable::Align::right}, {""}});
   for (const auto& [letters, count] : summary.blocks) {
-    const BlockLayout* layout = findLayout(letters);
+    const BlockType& type = typeOf(letters);
     table.add({letters, std::to_string(count.blocks), std::to_string(count.bytes),
-               layout == nullptr ? "(unknown type)" : std::string(layout->title)});
+               type.isKnown() ? std::string(type.title) : "(unknown type)"});
   }
   table.add({"", "", std::to_string(summary.gap_bytes), "outside blocks"});
   out << '\n';

@@ -110,7 +110,7 @@ TEST(BlockFields, ShowsNumbersAndBytes) {
                            Bytes().u64(5).i16(-60).i16(60).u8s({1, 2, 3, 4}).f64(0.1).f64(1e300));
   const Block block(file, at);
   std::string text;
-  for (const auto& field : block->layout()->fields) {
+  for (const auto& field : block->type().fields) {
     text += mdf_reader::shownField(field, block->bytes(field.name)) + '\n';
   }
   EXPECT_EQ(text, "5\n-60\n60\n1\n2\n3\n04\n0.1\n1e+300\n");
@@ -122,7 +122,7 @@ TEST(BlockFields, UnknownTypesHaveNone) {
   FileBuilder file;
   const auto at = file.add("XX", {1, 2}, "contents");
   const Block block(file, at);
-  EXPECT_EQ(block->layout(), nullptr);
+  EXPECT_FALSE(block->type().isKnown());
   EXPECT_EQ(block->link(0), 0U);
   EXPECT_EQ(block->number("cn_type"), 0U);
   EXPECT_EQ(block->tailAt(), at + 40);

@@ -1,4 +1,4 @@
-#include "block_types.h"
+#include "library_classes.h"
 
 #include <algorithm>
 #include <array>
@@ -43,16 +43,16 @@ std::string dumpZippedData(const RawBlock& raw, std::istream& is, std::ostream& 
 }
 
 template <class Block>
-constexpr BlockType fixed(std::string_view letters, std::uint64_t size) {
+constexpr LibraryClass fixed(std::string_view letters, std::uint64_t size) {
   return {letters, size, dumpFromStream<Block>};
 }
 
 template <class Block>
-constexpr BlockType byLength(std::string_view letters) {
-  return {letters, BlockType::by_length, dumpFromStream<Block>};
+constexpr LibraryClass byLength(std::string_view letters) {
+  return {letters, LibraryClass::by_length, dumpFromStream<Block>};
 }
 
-constexpr BlockType block_types[] = {
+constexpr LibraryClass classes[] = {
     fixed<HDBLOCK>("HD", HDBLOCK::HDBLOCK_SIZE),
     fixed<FHBLOCK>("FH", FHBLOCK::FHBLOCK_SIZE),
     byLength<TXBLOCK>("TX"),
@@ -71,15 +71,16 @@ constexpr BlockType block_types[] = {
     byLength<DLBLOCK>("DL"),
     fixed<HLBLOCK>("HL", HLBLOCK::HLBLOCK_SIZE),
     fixed<SRBLOCK>("SR", SRBLOCK::SRBLOCK_SIZE),
-    {"DZ", BlockType::by_length, dumpZippedData},
+    {"DZ", LibraryClass::by_length, dumpZippedData},
 };
 
 }  // namespace
 
-const BlockType* findBlockType(std::string_view letters) {
-  const auto* type = std::find_if(std::begin(block_types), std::end(block_types),
-                                  [&](const BlockType& each) { return each.letters == letters; });
-  return type == std::end(block_types) ? nullptr : type;
+const LibraryClass* findLibraryClass(std::string_view letters) {
+  const auto* found =
+      std::find_if(std::begin(classes), std::end(classes),
+                   [&](const LibraryClass& each) { return each.letters == letters; });
+  return found == std::end(classes) ? nullptr : found;
 }
 
 std::string misfit(const RawBlock& block) {

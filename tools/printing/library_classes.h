@@ -1,5 +1,5 @@
-#ifndef MDF_TOOLS_PRINTING_BLOCK_TYPES_H_
-#define MDF_TOOLS_PRINTING_BLOCK_TYPES_H_
+#ifndef MDF_TOOLS_PRINTING_LIBRARY_CLASSES_H_
+#define MDF_TOOLS_PRINTING_LIBRARY_CLASSES_H_
 
 #include <cstdint>
 #include <istream>
@@ -17,9 +17,9 @@ using namespace mdf_reader;
 /// or, without having written anything, what was expected of the block and what was found.
 using DumpFromStream = std::string (*)(const RawBlock& block, std::istream& is, std::ostream& os);
 
-/// What a reading program needs to know about a block type that the library has a class for.
-struct BlockType {
-  /// Stands for the size of a type whose class reads as many bytes as its length says.
+/// The library's class for a block type, which dumps blocks of it.
+struct LibraryClass {
+  /// Stands for the size of a class that reads as many bytes as its length says.
   static constexpr std::uint64_t by_length = 0;
 
   std::string_view letters;
@@ -28,12 +28,12 @@ struct BlockType {
   DumpFromStream dump;
 };
 
-/// The type with these two letters; null for one that the library has no class for.
-const BlockType* findBlockType(std::string_view letters);
+/// The class for the type with these two letters; null for one that the library has none for.
+const LibraryClass* findLibraryClass(std::string_view letters);
 
 /// What to say of a block whose length does not hold its links and fields.
 std::string misfit(const RawBlock& block);
 
 }  // namespace mdf_tools
 
-#endif  // MDF_TOOLS_PRINTING_BLOCK_TYPES_H_
+#endif  // MDF_TOOLS_PRINTING_LIBRARY_CLASSES_H_
