@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "command.h"
+#include "extracting/file_name.h"
 #include "file_command.h"
 #include "printing/output_buffer.h"
 #include "printing/table_writers.h"
@@ -41,10 +42,14 @@ jsonl  a line {"schema":1,"group":N,"name":...,"columns":[{"name":...,"unit":...
 Members of structures are called "structure.member", elements of arrays "name[0][1]", members of
 such an element "name[0].member"; the second channel with a name is "name (2)". Channel groups are
 numbered from 0 through the whole file. With a folder for OUT, each table gets a file there:
-FILE.N.csv for channel group N of FILE.
+FILE.N_NAME.csv for channel group N of FILE, which has that name, and FILE.N.csv for one without.
+Characters that some file system has no place for are replaced.
+
+A table without samples is left out, in a folder as in one output, and a note counts those;
+--empty writes them all the same, as a line of names.
 
 Array elements that have records of their own become a table each, with the channels that they
-share: FILE.N.K.csv for element K of channel group N, numbered from 0; jsonl has K as "element".
+share: FILE.N.K_NAME.csv for element K of channel group N, numbered from 0; jsonl has K as "element".
 
 In conversion formulas, log is the logarithm to base 10 and ln the natural one.
 
@@ -61,6 +66,7 @@ struct Request {
   std::shared_ptr<Selection> selection;
   std::string output;
   std::string format = "csv";
+  bool with_empty = false;
 
   bool isToFolder() const {
     return !output.empty() && (output.back() == '/' || std::filesystem::is_directory(output));
@@ -75,10 +81,16 @@ int complain(const std::string& sentence, ExitCode exit_code) {
 
 std::string reasonOf(int error) { return std::generic_category().message(error); }
 
-/// "1", or "1.0" for an element with records of its own.
-std::string numbersOf(const ChannelGroup& group) {
-  return std::to_string(group.index) +
-         (group.element ? '.' + std::to_string(*group.element) : std::string());
+/// "1_engine", or "1.0_engine" for an element with records of its own.
+std::string labelOf(const ChannelGroup& group) {
+  std::string label = std::to_string(group.index);
+  if (group.element) {
+    label += '.' + std::to_string(*group.element);
+  }
+  if (!group.shownName().empty()) {
+    label += '_' + safeNamePart(group.shownName());
+  }
+  return label;
 }
 
 /// A file that is written.
@@ -153,7 +165,7 @@ class Destination {
       return &out;
     }
     close();
-    const std::string name = stemOf(path) + '.' + numbersOf(table.group()) + '.' + request_.format;
+    const std::string name = stemOf(path) + '.' + labelOf(table.group()) + '.' + request_.format;
     file_ = std::make_unique<TableFile>((std::filesystem::path(request_.output) / name).string());
     return file_->isOpen() ? &file_->out() : nullptr;
   }
@@ -177,6 +189,25 @@ std::unique_ptr<TableVisitor> writerOf(const std::string& format, TableOutput ou
     return std::make_unique<CsvWriter>(std::move(output));
   }
   return std::make_unique<JsonLinesWriter>(std::move(output));
+}
+
+/// Writes the tables of one file; returns how many there are.
+std::size_t writeTables(const Request& request, const FileContext& context,
+                        Destination& destination) {
+  const auto writer = writerOf(request.format, [&](const Table& table) {
+    return destination.next(context.path, table, context.out);
+  });
+  FilledTables filled(*writer);
+  TableVisitor& visitor = request.with_empty ? *writer : filled;
+  const NoteSink note = notesOf(context.file.name());
+  const std::size_t count =
+      visitTables(context.file, *request.selection, visitor, context.report, note);
+  if (filled.leftOut() > 0) {
+    note(std::to_string(filled.leftOut()) +
+         (filled.leftOut() == 1 ? " table without samples is" : " tables without samples are") +
+         " left out; --empty writes such tables, too");
+  }
+  return count;
 }
 
 /// Whether the output would overwrite one of the files that are to be read.
@@ -216,11 +247,7 @@ int run(const Request& request) {
   }
   int exit_code = exit_fine;
   const int reading = onEachFile(*request.paths, [&](const FileContext& context) {
-    const auto writer = writerOf(request.format, [&](const Table& table) {
-      return destination.next(context.path, table, context.out);
-    });
-    const std::size_t count = visitTables(context.file, *request.selection, *writer, context.report,
-                                          notesOf(context.file.name()));
+    const std::size_t count = writeTables(request, context, destination);
     if (count == 0 && !(request.selection->channels.empty() && request.selection->group.empty())) {
       notesOf(context.file.name())(nothingChosen(*request.selection));
       exit_code = exit_problem;
@@ -249,6 +276,7 @@ void addExportCommand(CLI::App& app, int& exit_code) {
           "--json", [request] { request->format = "jsonl"; }, "The same as --format jsonl")
       ->excludes(format);
   request->selection = addSelectionOptions(*command, false);
+  command->add_flag("--empty", request->with_empty, "Write tables without samples, too");
   command->footer(footer);
   command->callback([request, &exit_code] { exit_code = run(*request); });
 }

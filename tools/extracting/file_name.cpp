@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "printing/one_line.h"
+
 namespace mdf_tools {
 
 namespace {
@@ -39,6 +41,16 @@ std::string safeFileName(std::string_view stored) {
     return "attachment";
   }
   return shortened(name);
+}
+
+std::string safeNamePart(std::string_view stored) {
+  constexpr std::size_t most_characters = 40;
+  constexpr std::string_view forbidden = "/\\:*?\"<>|";
+  std::string part = oneLine(stored, most_characters);
+  std::replace_if(
+      part.begin(), part.end(),
+      [&](char character) { return forbidden.find(character) != std::string_view::npos; }, '_');
+  return part;
 }
 
 std::string numbered(const std::string& name, std::size_t number) {

@@ -12,6 +12,10 @@ namespace mdf_tools {
 /// name may have. It is "attachment" when nothing is left, or only points.
 std::string safeFileName(std::string_view stored);
 
+/// A name that stands in a measurement file as a part of a file name: what separates folders, what
+/// some file systems forbid and what controls a terminal is replaced, and a long name is cut.
+std::string safeNamePart(std::string_view stored);
+
 /// The same name with a number in front of its suffix: "log (2).txt".
 std::string numbered(const std::string& name, std::size_t number);
 

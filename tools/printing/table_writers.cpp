@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 #include "reader/values/text_encoding.h"
@@ -76,6 +77,21 @@ bool write(std::ostream& out, std::string& line) {
 }
 
 }  // namespace
+
+bool FilledTables::sample(Table& table, const Sample& sample) {
+  if (!std::exchange(has_samples_, true)) {
+    next_.begin(table);
+  }
+  return next_.sample(table, sample);
+}
+
+void FilledTables::end() {
+  if (has_samples_) {
+    next_.end();
+  } else {
+    ++left_out_;
+  }
+}
 
 void CsvWriter::begin(Table& table) {
   out_ = output_(table);

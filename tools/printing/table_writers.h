@@ -1,9 +1,11 @@
 #ifndef MDF_TOOLS_PRINTING_TABLE_WRITERS_H_
 #define MDF_TOOLS_PRINTING_TABLE_WRITERS_H_
 
+#include <cstddef>
 #include <functional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "reader/values/table.h"
 
@@ -13,6 +15,23 @@ using namespace mdf_reader;
 
 /// Gives the stream for a table. Null where there is none: the table is skipped.
 using TableOutput = std::function<std::ostream*(const Table& table)>;
+
+/// Passes tables on to another visitor, but for those without samples, which it counts.
+class FilledTables : public TableVisitor {
+ public:
+  explicit FilledTables(TableVisitor& next) : next_(next) {}
+
+  void begin(Table& /*table*/) override { has_samples_ = false; }
+  bool sample(Table& table, const Sample& sample) override;
+  void end() override;
+
+  std::size_t leftOut() const { return left_out_; }
+
+ private:
+  TableVisitor& next_;
+  bool has_samples_ = false;
+  std::size_t left_out_ = 0;
+};
 
 /// Tables as comma-separated values: a line with the names of the channels, "name [unit]" where
 /// there is a unit, and a line for each sample. A missing value is an empty field. Fields that need

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -92,6 +94,103 @@ TEST(ExportCommand, OutputFolderGetsAFileForEachTable) {
   EXPECT_EQ(result.messages, "");
   EXPECT_EQ(bytesOf(folder / "new/trip.0.csv"), first_table);
   EXPECT_EQ(bytesOf(folder / "new/trip.1.csv"), second_table);
+}
+
+/// Three groups with one record each: two of one name, and one whose name is a path.
+std::string namedTables() {
+  FileBuilder file;
+  for (const char* name : {"engine", "engine", "../CAN 1\n"}) {
+    GroupSpec group{1, 1};
+    group.name = name;
+    file.addSortedGroup(group, {firstByte("v")}, file.addData("A"));
+  }
+  return file.bytes();
+}
+
+std::vector<std::string> namesIn(const std::filesystem::path& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+TEST(ExportCommand, TablesInAFolderHaveTheNamesOfTheirGroups) {
+  const ScratchFolder folder;
+  folder.write("trip.mf4", namedTables());
+  const std::string path = (folder / "trip.mf4").string();
+  const std::string to = (folder / "new").string() + "/";
+  EXPECT_EQ(run({"export", path, "-o", to}).exit_code, 0);
+  EXPECT_EQ(run({"export", path, "-o", to, "--json", "-g", "1"}).exit_code, 0);
+  EXPECT_EQ(namesIn(folder / "new"),
+            (std::vector<std::string>{"trip.0_engine.csv", "trip.1_engine.csv",
+                                      "trip.1_engine.jsonl", "trip.2_.._CAN 1_x0a.csv"}));
+}
+
+/// A group with a record between two without any.
+std::string emptyTables() {
+  FileBuilder file;
+  file.addSortedGroup({0, 1}, {firstByte("before")}, 0);
+  file.addSortedGroup({1, 1}, {firstByte("counter")}, file.addData("A"));
+  file.addSortedGroup({0, 1}, {firstByte("after")}, 0);
+  return file.bytes();
+}
+
+TEST(ExportCommand, TablesWithoutSamplesAreLeftOut) {
+  const ScratchFolder folder;
+  folder.write("trip.mf4", emptyTables());
+  const std::string path = (folder / "trip.mf4").string();
+  const std::string note = "mdf: " + path +
+                           ": note: 2 tables without samples are left out; --empty writes such "
+                           "tables, too\n";
+  const RunResult result = run({"export", path});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output, "counter\n65\n");
+  EXPECT_EQ(result.messages, note);
+  const std::string to = (folder / "new").string() + "/";
+  const RunResult in_folder = run({"export", path, "-o", to});
+  EXPECT_EQ(in_folder.exit_code, 0);
+  EXPECT_EQ(in_folder.messages, note);
+  EXPECT_EQ(namesIn(to), std::vector<std::string>{"trip.1.csv"});
+  EXPECT_EQ(bytesOf(folder / "new/trip.1.csv"), "counter\n65\n");
+}
+
+TEST(ExportCommand, EmptyWritesTablesWithoutSamples) {
+  const ScratchFolder folder;
+  folder.write("trip.mf4", emptyTables());
+  const std::string path = (folder / "trip.mf4").string();
+  const RunResult result = run({"export", path, "--empty"});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output, "before\n\ncounter\n65\n\nafter\n");
+  EXPECT_EQ(result.messages, "");
+  const std::string to = (folder / "new").string() + "/";
+  EXPECT_EQ(run({"export", path, "--empty", "-o", to}).exit_code, 0);
+  EXPECT_EQ(namesIn(to), (std::vector<std::string>{"trip.0.csv", "trip.1.csv", "trip.2.csv"}));
+  EXPECT_EQ(bytesOf(folder / "new/trip.2.csv"), "after\n");
+}
+
+TEST(ExportCommand, ATableWithoutSamplesInTheRangeIsLeftOut) {
+  const TempFile file(twoTables());
+  const RunResult result = run({"export", file.path(), "-g", "0", "--from", "7"});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.messages, "mdf: " + file.path() +
+                                 ": note: 1 table without samples is left out; --empty writes such "
+                                 "tables, too\n");
+}
+
+TEST(ExportCommand, RecordsThatNobodyCountedMakeATable) {
+  FileBuilder builder("UnFinMF ");
+  builder.write(60, Bytes().u16(1));
+  builder.addSortedGroup({0, 1}, {firstByte("counter")}, builder.addData("AB"));
+  const TempFile file(builder.bytes());
+  const RunResult result = run({"export", file.path()});
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.output, second_table);
+  EXPECT_EQ(result.messages,
+            "mdf: " + file.path() +
+                ": note: the file was not finished; its records are read as far as they go\n");
 }
 
 TEST(ExportCommand, TablesInAFolderDoNotOverwriteOneAnother) {

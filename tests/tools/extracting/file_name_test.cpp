@@ -6,6 +6,7 @@
 
 using mdf_tools::numbered;
 using mdf_tools::safeFileName;
+using mdf_tools::safeNamePart;
 
 namespace {
 
@@ -42,6 +43,28 @@ TEST(SafeFileName, LongNamesKeepTheirSuffix) {
   EXPECT_EQ(safeFileName(std::string(201, 'a')), std::string(200, 'a'));
   const std::string wide = std::string(199, 'a') + "\xC3\xB6";
   EXPECT_EQ(safeFileName(wide), std::string(199, 'a')) << "characters are not cut in two";
+}
+
+TEST(SafeNamePart, KeepsTheWholeNameInOneFolder) {
+  EXPECT_EQ(safeNamePart("engine speed"), "engine speed");
+  EXPECT_EQ(safeNamePart("../../etc/passwd"), ".._.._etc_passwd");
+  EXPECT_EQ(safeNamePart("C:\\CAN *?\"<>|"), "C__CAN ______");
+  EXPECT_EQ(safeNamePart("Gr\xC3\xB6\xC3\x9F"
+                         "e\xFF\x1B\n"),
+            "Gr\xC3\xB6\xC3\x9F"
+            "e_xff_x1b_x0a");
+  EXPECT_EQ(safeNamePart(""), "");
+}
+
+TEST(SafeNamePart, IsCutBetweenCharacters) {
+  std::string name;
+  std::string kept;
+  for (int i = 0; i < 50; ++i) {
+    name += "\xF0\x9F\x9A\x97";
+    kept += i < 37 ? "\xF0\x9F\x9A\x97" : "";
+  }
+  EXPECT_EQ(safeNamePart(name), kept + "...");
+  EXPECT_EQ(safeNamePart(std::string(40, 'a')), std::string(40, 'a'));
 }
 
 TEST(Numbered, InFrontOfTheSuffix) {
