@@ -41,7 +41,7 @@ void findPlainData(DataFile& data_file, const RawBlock& block, DataBlock& found)
   }
   found.stored = end > found.at ? end - found.at : 0;
   found.original = found.stored;
-  if (!isWhole(file, block) && !data_file.isUnfinished()) {
+  if (!isWhole(file, block) && !data_file.isOpen(block)) {
     fail(found, Code::length_past_end,
          "expected the " + std::to_string(block.length) + " bytes of " + block.name() + ", " +
              upToTheEnd(file.sizeFrom(block.offset)));

@@ -64,6 +64,11 @@ void DataLinks::enterList(const RawBlock& block) {
   list_ = block;
   next_link_ = 1;
   end_link_ = linksThere(file_, block);
+  if (block.link_count > end_link_) {
+    fail({Code::count_too_large, block.offset,
+          "expected the " + std::to_string(block.link_count) + " links of ##" +
+              std::string(block.letters()) + ", found " + std::to_string(end_link_)});
+  }
   has_invalidation_ = false;
   if (block.letters() == "LD") {
     // Links to data come first; as many to invalidation data may follow them.

@@ -1,17 +1,23 @@
-// Whatever is wrong with the records of a file, export and check agree that something is: sample
-// files are damaged in thousands of ways, always the same ones, and both go over each.
+// Whatever is wrong with the records of a file, export and check agree that something is, and info,
+// list and tree count the records that export gives out: sample files are damaged in thousands of
+// ways, always the same ones, and all of them go over each.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "checking/file_check.h"
 #include "fuzz/memory_file.h"
+#include "printing/info.h"
+#include "printing/listing.h"
+#include "printing/tree_text.h"
 #include "reader/bytes/input_file.h"
 #include "reader/values/table.h"
 #include "tools/samples/sample.h"
@@ -20,20 +26,38 @@ using namespace mdf_tests;
 using mdf_reader::Code;
 using mdf_reader::Finding;
 using mdf_reader::InputFile;
+using mdf_tools::Json;
 
 namespace {
 
-/// Asks for every value, as whoever writes them down.
+/// How many records the channel groups have, by their offsets: a number, or null where it is not
+/// known.
+using Counts = std::map<std::uint64_t, Json>;
+
+/// Asks for every value, as whoever writes them down, and counts the samples of each group.
 class Reader : public mdf_reader::TableVisitor {
  public:
-  void begin(mdf_reader::Table& /*table*/) override {}
+  void begin(mdf_reader::Table& table) override {
+    if (!table.group().element) {
+      counts_[table.group().offset] = 0;
+    }
+  }
   bool sample(mdf_reader::Table& table, const mdf_reader::Sample& sample) override {
+    if (!table.group().element) {
+      Json& count = counts_[table.group().offset];
+      count = count.get<std::uint64_t>() + 1;
+    }
     for (mdf_reader::Column& column : table.columns()) {
       column.value(sample);
     }
     return true;
   }
   void end() override {}
+
+  const Counts& counts() const { return counts_; }
+
+ private:
+  Counts counts_;
 };
 
 std::string lineOf(const Finding& finding) {
@@ -44,6 +68,7 @@ std::string lineOf(const Finding& finding) {
 /// What somebody finds in a file.
 struct Findings {
   std::string lines;
+  Counts counts;            ///< as far as somebody counts
   bool is_bad = false;      ///< an error or a warning is among them
   bool is_in_data = false;  ///< one that whoever reads the records must find
 };
@@ -81,7 +106,87 @@ Findings exported(InputFile& file) {
   Findings findings;
   Reader reader;
   visitTables(file, {}, reader, into(findings), [](const std::string& /*note*/) {});
+  findings.counts = reader.counts();
   return findings;
+}
+
+const mdf_reader::FindingSink silent = [](const Finding& /*finding*/) {};
+
+/// The lines of JSON that a command writes.
+template <class Write>
+std::vector<Json> linesOf(const Write& write) {
+  std::stringstream text;
+  write(text);
+  std::vector<Json> lines;
+  for (std::string line; std::getline(text, line);) {
+    lines.push_back(Json::parse(line));
+  }
+  return lines;
+}
+
+struct InfoCounts {
+  Counts of_groups;
+  std::vector<std::uint64_t> offsets;  ///< of the groups, by their numbers
+};
+
+InfoCounts countsOfInfo(InputFile& file) {
+  const Json info = mdf_tools::infoAsJson(file, silent);
+  InfoCounts counts;
+  for (const Json& group : info["groups"]) {
+    counts.offsets.push_back(group["offset"]);
+    counts.of_groups[group["offset"]] = group["records"];
+  }
+  return counts;
+}
+
+Counts countsOfList(InputFile& file, const std::vector<std::uint64_t>& offsets) {
+  mdf_tools::ListOptions options;
+  options.as_json = true;
+  Counts counts;
+  for (const Json& line :
+       linesOf([&](std::ostream& out) { listChannels(file, options, out, silent); })) {
+    counts[offsets.at(line["group"])] = line["records"];
+  }
+  return counts;
+}
+
+Counts countsOfTree(InputFile& file) {
+  mdf_tools::TreeOptions options;
+  options.list_limit = UINT64_MAX;
+  Counts counts;
+  for (const Json& line :
+       linesOf([&](std::ostream& out) { writeTreeAsJson(file, options, out, silent); })) {
+    // Of values of variable length the tree says no number.
+    if (line["entry"] == "block" && line["type"] == "CG" && line.contains("records")) {
+      counts[line["offset"]] = line["records"];
+    }
+  }
+  return counts;
+}
+
+/// Whether the counts are some of those that info says.
+testing::AssertionResult areSaid(const Counts& counts, const Counts& by_info, const char* whose) {
+  for (const auto& [offset, count] : counts) {
+    const auto said = by_info.find(offset);
+    if (said != by_info.end() && said->second != count) {
+      return testing::AssertionFailure() << whose << " has " << count << " records of the group at "
+                                         << offset << ", and info has " << said->second;
+    }
+  }
+  return testing::AssertionSuccess();
+}
+
+/// Whether info, list and tree say the same counts, and what export gives out if nothing is wrong.
+testing::AssertionResult countsAgree(InputFile& file, const Findings& by_export) {
+  const InfoCounts by_info = countsOfInfo(file);
+  auto result = areSaid(countsOfList(file, by_info.offsets), by_info.of_groups, "list");
+  if (result) {
+    result = areSaid(countsOfTree(file), by_info.of_groups, "tree");
+  }
+  if (result && by_export.lines.empty()) {
+    result = areSaid(by_export.counts, by_info.of_groups, "export");
+  }
+  return result;
 }
 
 Findings checked(InputFile& file) {
@@ -105,8 +210,10 @@ std::string damaged(std::string bytes, std::minstd_rand& random) {
   return bytes;
 }
 
-/// Whether both agree on a file.
-testing::AssertionResult agreeOn(const std::string& bytes) {
+enum class Compared { findings, counts_as_well };
+
+/// Whether all agree on a file.
+testing::AssertionResult agreeOn(const std::string& bytes, Compared compared) {
   static const mdf_fuzz::MemoryFile memory;
   memory.hold(bytes);
   InputFile file(memory.path());
@@ -114,26 +221,30 @@ testing::AssertionResult agreeOn(const std::string& bytes) {
   const Findings by_check = checked(file);
   if ((by_export.lines.empty() || by_check.is_bad) &&
       (!by_check.is_in_data || !by_export.lines.empty())) {
-    return testing::AssertionSuccess();
+    return compared == Compared::findings ? testing::AssertionSuccess()
+                                          : countsAgree(file, by_export);
   }
   return testing::AssertionFailure() << "export found\n"
                                      << by_export.lines << "and check\n"
                                      << by_check.lines;
 }
 
-TEST(DamagedSamples, ExportAndCheckAgreeOnWhole) {
+TEST(DamagedSamples, CommandsAgreeOnWhole) {
   for (const Sample& sample : allSamples()) {
-    EXPECT_TRUE(agreeOn(sample.bytes)) << sample.name;
+    EXPECT_TRUE(agreeOn(sample.bytes, Compared::counts_as_well)) << sample.name;
   }
 }
 
-TEST(DamagedSamples, ExportAndCheckAgree) {
-  constexpr unsigned times = 40;
+TEST(DamagedSamples, CommandsAgree) {
+  constexpr unsigned times = 48;
+  constexpr unsigned count_every = 3;  // it takes six times as long as the rest
   std::minstd_rand random(1);
   std::size_t failures = 0;
   for (const Sample& sample : allSamples()) {
     for (unsigned i = 0; i < times && failures < 10; ++i) {
-      const auto result = agreeOn(damaged(sample.bytes, random));
+      const Compared compared =
+          i % count_every == 0 ? Compared::counts_as_well : Compared::findings;
+      const auto result = agreeOn(damaged(sample.bytes, random), compared);
       failures += result ? 0U : 1U;
       EXPECT_TRUE(result) << sample.name << ", damage number " << i;
     }

@@ -266,11 +266,25 @@ TEST(DataStream, EmptyBlocksBeforeOthersStayEmptyInAnUnfinishedFile) {
   EXPECT_EQ(bytesAt(file, file.setData(file.addData(""))), "");
 }
 
-TEST(DataStream, LengthBeyondTheFileIsNoFindingInAnUnfinishedFile) {
+TEST(DataStream, LengthBeyondTheFileIsAFindingUnlessTheBlockIsOpen) {
   OpenFile file(0);
   const std::uint64_t data = file.setData(file.addData("abc"));
   file.setLength(data, 100);
-  EXPECT_EQ(bytesAt(file, data), "abc");
+  Streamed streamed(file.bytes(), data);
+  EXPECT_EQ(streamed.all(), "abc");
+  EXPECT_EQ(
+      streamed.findings(),
+      std::vector<std::string>{"expected the 100 bytes of ##DT, found 27 up to the file's end"});
+}
+
+TEST(DataStream, AListThatIsCutIsAFinding) {
+  OpenFile file(0);
+  const std::uint64_t first = file.addData("abc");
+  const std::uint64_t second = file.addData("def");
+  const std::uint64_t list = file.setData(addList(file, {first, second}));
+  Streamed streamed(file.bytes().substr(0, list + 24 + 2 * 8), list);
+  EXPECT_EQ(streamed.all(), "abc");
+  EXPECT_EQ(streamed.findings(), std::vector<std::string>{"expected the 3 links of ##DL, found 2"});
 }
 
 TEST(DataStream, TellsWhereItsBytesStandInTheFile) {
