@@ -240,7 +240,7 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
   for (const mdf_tests::Sample& sample : mdf_tests::allSamples()) {
     inputs["dump"].push_back(sample.bytes);
   }
-  for (const char* target : {"check", "draw", "export", "show"}) {
+  for (const char* target : {"check", "draw", "export", "show", "measure"}) {
     inputs[target] = inputs["dump"];
   }
   return inputs;

@@ -63,7 +63,8 @@ const std::vector<std::pair<std::string, Target>>& targets() {
                              {"check", tryCheck},
                              {"draw", tryDraw},
                              {"export", tryExport},
-                             {"show", tryShow}});
+                             {"show", tryShow},
+                             {"measure", tryMeasurement}});
     return list;
   }();
   return all;

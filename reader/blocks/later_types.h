@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-/// Numbers of blocks and flags that the library's classes have no names for: those of channel arrays
-/// and of version 4.2.
+/// Numbers of blocks and flags that the library's classes have no names for: those of channel
+/// arrays and of version 4.2.
 namespace mdf_reader {
 
 struct CABLOCK {

@@ -1,0 +1,77 @@
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <string>
+
+#include "finding_check.h"
+#include "memory_file.h"
+#include "reader/bytes/input_file.h"
+#include "reader/mdf_reader.h"
+#include "targets.h"
+
+namespace mdf_fuzz {
+
+namespace {
+
+using namespace mdf_reader;
+
+constexpr std::uint64_t most_visited = 10000;
+
+void visitRecords(const Measurement& measurement) {
+  for (const ChannelGroup& group : measurement.groups()) {
+    std::uint64_t count = 0;
+    measurement.forEachRecord(group, [&](std::string_view) { return ++count < most_visited; });
+    const RecordCount stated = measurement.records(group);
+    expect(!stated.is_counted || !stated.records || count <= *stated.records || group.element,
+           "no more records than were counted");
+  }
+  std::uint64_t count = 0;
+  measurement.forEachRow({}, [&](const Row& row) {
+    for (std::size_t i = 0; i < row.size() && ++count < most_visited; ++i) {
+      row.text(i);
+    }
+    return count < most_visited;
+  });
+}
+
+void visitDescription(const Measurement& measurement, std::uint64_t size) {
+  for (const Attachment& each : measurement.attachments()) {
+    measurement.readAttachment(each, [](std::string_view) {});
+  }
+  for (const Event& each : measurement.events()) {
+    expect(each.offset < size, "an event inside the file");
+  }
+  std::size_t depth = 0;
+  for (const HierarchyEntry& each : measurement.hierarchy()) {
+    expect(each.offset < size && each.depth <= depth + 1, "entries below the one before");
+    depth = each.depth;
+  }
+  for (const HistoryEntry& each : measurement.history()) {
+    expect(each.offset < size, "an entry of the history inside the file");
+  }
+  for (std::uint64_t offset = 0; offset <= size; offset += sizeof(std::uint64_t)) {
+    const auto block = measurement.block(offset);
+    expect(!block || block->links.size() <= size / sizeof(std::uint64_t),
+           "no more links than the file has room for");
+  }
+}
+
+}  // namespace
+
+std::string tryMeasurement(std::string_view input) {
+  static const MemoryFile memory;
+  memory.hold(input);
+  try {
+    const Measurement measurement(memory.path());
+    visitRecords(measurement);
+    visitDescription(measurement, input.size());
+    for (const Finding& finding : measurement.findings()) {
+      expectSentence(finding, input.size());
+    }
+    return std::to_string(measurement.findingCount()) + " findings";
+  } catch (const UnreadableFile&) {
+    return "unreadable";
+  }
+}
+
+}  // namespace mdf_fuzz
