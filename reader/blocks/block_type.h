@@ -22,6 +22,9 @@ struct LinkLayout {
                         ///< trees, and must not lead back to a block that they come from
 };
 
+/// In every chain, the link to the next block.
+inline constexpr std::size_t next_link = 0;
+
 /// What a block's field must be.
 struct FieldCondition {
   std::string_view field;
@@ -110,7 +113,7 @@ struct BlockType {
   }
 
   // The table derives these from the rest.
-  bool has_next = false;     ///< link 0 leads to the next block of a chain
+  bool has_next = false;     ///< its blocks make chains, by next_link
   bool others_refer = true;  ///< links beyond those that each block has
 };
 

@@ -92,7 +92,7 @@ BlockEntry Survey::entryFor(const Step& step, const RawBlock& block) {
   entry.by_reference = step.by_reference;
   entry.has_few_links = linksThere(file_, block) > few_links &&
                         !allowance_.take(linksThere(file_, block) * RawBlock::link_size);
-  if (step.from != BlockTable::none && step.link == 0 && !step.by_reference) {
+  if (step.from != BlockTable::none && step.link == next_link && !step.by_reference) {
     const BlockEntry& from = blocks_[step.from];
     if (from.type == entry.type && typeOf(entry.letters()).has_next) {
       entry.head = from.head;
@@ -120,7 +120,7 @@ void Survey::followOwnLinks(std::uint32_t index, const RawBlock& block) {
         }
         const auto link = static_cast<std::uint32_t>(std::min<std::uint64_t>(number, UINT32_MAX));
         pending_.push_back({target, index, link, false});
-        has_next = has_next || (number == 0 && type.has_next);
+        has_next = has_next || (number == next_link && type.has_next);
       });
   std::reverse(pending_.begin() + before + (has_next ? 1 : 0), pending_.end());
   if (refers) {

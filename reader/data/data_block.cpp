@@ -7,8 +7,11 @@
 #include "../bytes/inflate.h"
 #include "../bytes/input_file.h"
 #include "data_file.h"
+#include "datablocks/dzblock.h"
 
 namespace mdf_reader {
+
+using mdf_v4_10::DZBLOCK;
 
 namespace {
 
@@ -49,7 +52,7 @@ void findPlainData(DataFile& data_file, const RawBlock& block, DataBlock& found)
 }
 
 void findZippedData(InputFile& file, const RawBlock& block, DataBlock& found) {
-  constexpr std::uint64_t transposed = 1;
+  constexpr std::uint64_t transposed = DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE;
   const BlockFields fields(file, block);
   const std::uint64_t stated = fields.number("dz_data_length");
   const std::uint64_t original = fields.number("dz_org_data_length");

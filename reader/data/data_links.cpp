@@ -3,14 +3,16 @@
 #include <algorithm>
 
 #include "../blocks/block_fields.h"
+#include "../blocks/later_types.h"
 #include "../bytes/input_file.h"
 #include "data_block.h"
+#include "datablocks/hlblock.h"
 
 namespace mdf_reader {
 
-namespace {
+using mdf_v4_10::HLBLOCK;
 
-constexpr std::uint64_t invalidation_present = 1U << 31U;  // ld_flags
+namespace {
 
 bool isHeaderList(const RawBlock& block) {
   return block.type().contents == Contents::list_of_lists;
@@ -34,7 +36,7 @@ void DataLinks::fail(const Finding& finding) {
 void DataLinks::enter(DataLink link) {
   auto block = readRawBlock(file_, link.to);
   if (block && isHeaderList(*block)) {
-    const std::uint64_t first = linkAt(file_, *block, 0);
+    const std::uint64_t first = linkAt(file_, *block, HLBLOCK::hl_dl_first);
     if (first == 0) {
       return;
     }
@@ -62,7 +64,7 @@ void DataLinks::enterList(const RawBlock& block) {
   }
   lists_.insert(block.offset);
   list_ = block;
-  next_link_ = 1;
+  next_link_ = next_link + 1;
   end_link_ = linksThere(file_, block);
   if (block.link_count > end_link_) {
     fail({Code::count_too_large, block.offset,
@@ -73,14 +75,14 @@ void DataLinks::enterList(const RawBlock& block) {
   if (block.letters() == "LD") {
     // Links to data come first; as many to invalidation data may follow them.
     const BlockFields fields(file_, block);
-    end_link_ = std::min(end_link_, 1 + fields.number("ld_count"));
-    has_invalidation_ = fields.hasFlag("ld_flags", invalidation_present);
+    end_link_ = std::min(end_link_, next_link_ + fields.number("ld_count"));
+    has_invalidation_ = fields.hasFlag("ld_flags", LDBLOCK::has_invalidation_data);
   }
 }
 
 void DataLinks::enterNextList() {
   const RawBlock list = *list_;
-  const std::uint64_t next = linkAt(file_, list, 0);
+  const std::uint64_t next = linkAt(file_, list, next_link);
   list_.reset();
   const auto block = next == 0 ? std::nullopt : readRawBlock(file_, next);
   if (block && isDataList(*block)) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "../blocks/later_types.h"
 #include "../bytes/input_file.h"
 #include "framework/wire.h"
 
@@ -27,7 +28,6 @@ struct Sizes {
 
 Sizes sizesOf(InputFile& file, const BlockFields& array) {
   constexpr std::uint64_t too_many = most_array_elements + 1;
-  constexpr std::uint64_t has_fixed_axes = 32;
   Sizes sizes;
   sizes.dimensions = array.number("ca_ndim");
   const std::uint64_t there =
@@ -35,7 +35,7 @@ Sizes sizesOf(InputFile& file, const BlockFields& array) {
   for (std::uint64_t i = 0; i < there; ++i) {
     const std::uint64_t size = std::min(numberAt(file, array.tailAt() + 8 * i), too_many);
     sizes.elements = std::min(sizes.elements * size, too_many);
-    sizes.axis_values += array.hasFlag("ca_flags", has_fixed_axes) ? size : 0;
+    sizes.axis_values += array.hasFlag("ca_flags", CABLOCK::fixed_axis) ? size : 0;
   }
   return sizes;
 }
@@ -50,7 +50,6 @@ ArrayStorage arrayStorage(const BlockFields& array) {
 }
 
 ArrayElements readArrayElements(InputFile& file, const BlockFields& array, std::uint64_t most) {
-  constexpr std::uint64_t by_columns = 64;
   const Sizes sizes = sizesOf(file, array);
   const std::uint64_t in_front = sizes.dimensions + sizes.axis_values;
   const bool has_data = arrayStorage(array) == ArrayStorage::data_group;
@@ -66,7 +65,7 @@ ArrayElements readArrayElements(InputFile& file, const BlockFields& array, std::
     result.problem = "expected a cycle count " + wanted + "fewer";
   } else if (has_data && links < 1 + sizes.elements) {
     result.problem = "expected a link to data " + wanted + "fewer";
-  } else if (sizes.dimensions > 1 && array.hasFlag("ca_flags", by_columns)) {
+  } else if (sizes.dimensions > 1 && array.hasFlag("ca_flags", CABLOCK::inverse_layout)) {
     result.problem =
         "expected elements with records of their own to be counted by rows, found an array that is "
         "counted by columns";

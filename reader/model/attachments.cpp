@@ -7,14 +7,13 @@
 #include "../bytes/inflate.h"
 #include "../bytes/input_file.h"
 #include "description.h"
+#include "fileblocks/atblock.h"
 
 namespace mdf_reader {
 
-namespace {
+using mdf_v4_10::ATBLOCK;
 
-constexpr std::uint64_t embedded = 1;
-constexpr std::uint64_t compressed = 2;
-constexpr std::uint64_t digest_valid = 4;
+namespace {
 
 Inflated inflateAttachment(InputFile& file, const Attachment& attachment) {
   std::string stream;
@@ -31,12 +30,12 @@ std::vector<Attachment> readAttachments(InputFile& file, std::uint64_t first, Te
   forEachInChain(file, first, "AT", report, [&](const BlockFields& block) {
     Attachment attachment;
     attachment.offset = block.offset();
-    attachment.name = texts.at(file, block.link(1));
-    attachment.mime_type = texts.at(file, block.link(2));
-    attachment.comment = texts.at(file, block.link(3));
-    attachment.is_embedded = block.hasFlag("at_flags", embedded);
-    attachment.is_compressed = block.hasFlag("at_flags", compressed);
-    attachment.has_digest = block.hasFlag("at_flags", digest_valid);
+    attachment.name = texts.at(file, block.link(ATBLOCK::at_tx_filename));
+    attachment.mime_type = texts.at(file, block.link(ATBLOCK::at_tx_mimetype));
+    attachment.comment = texts.at(file, block.link(ATBLOCK::at_md_comment));
+    attachment.is_embedded = block.hasFlag("at_flags", ATBLOCK::embedded_data);
+    attachment.is_compressed = block.hasFlag("at_flags", ATBLOCK::compressed_embedded_data);
+    attachment.has_digest = block.hasFlag("at_flags", ATBLOCK::md5_checksum);
     attachment.digest = block.bytes("at_md5_checksum");
     attachment.original_size = block.number("at_original_size");
     attachment.embedded_size = block.number("at_embedded_size");

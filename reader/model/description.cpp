@@ -6,14 +6,17 @@
 #include <optional>
 
 #include "../blocks/block_fields.h"
+#include "../blocks/later_types.h"
 #include "../blocks/walker.h"
 #include "../bytes/input_file.h"
 #include "../bytes/offset_set.h"
 #include "array_elements.h"
 #include "framework/wire.h"
+#include "mdf_v4_10.h"
 
 namespace mdf_reader {
 
+using namespace mdf_v4_10;
 using mdf_v4_10::detail::loadLe;
 
 namespace {
@@ -101,12 +104,12 @@ Header DescriptionReader::header() {
   header.flags = static_cast<unsigned>(block->number("hd_flags"));
   header.start_angle = block->real("hd_start_angle_rad");
   header.start_distance = block->real("hd_start_distance_m");
-  first_data_group_ = block->link(0);
-  header.first_history = block->link(1);
-  header.first_hierarchy = block->link(2);
-  header.first_attachment = block->link(3);
-  header.first_event = block->link(4);
-  header.comment = text(block->link(5));
+  first_data_group_ = block->link(HDBLOCK::hd_dg_first);
+  header.first_history = block->link(HDBLOCK::hd_fh_first);
+  header.first_hierarchy = block->link(HDBLOCK::hd_ch_first);
+  header.first_attachment = block->link(HDBLOCK::hd_at_first);
+  header.first_event = block->link(HDBLOCK::hd_ev_first);
+  header.comment = text(block->link(HDBLOCK::hd_md_comment));
   return header;
 }
 
@@ -116,7 +119,7 @@ std::vector<DataGroup> DescriptionReader::dataGroups() {
   while (block) {
     groups.push_back(dataGroup(*block));
     groups.back().index = groups.size() - 1;
-    block = follow(block->offset(), block->link(0), "DG");
+    block = follow(block->offset(), block->link(DGBLOCK::dg_dg_next), "DG");
   }
   return groups;
 }
@@ -125,12 +128,12 @@ DataGroup DescriptionReader::dataGroup(const BlockFields& block) {
   DataGroup data_group;
   data_group.offset = block.offset();
   data_group.record_id_code = static_cast<unsigned>(block.number("dg_rec_id_size"));
-  data_group.data = block.link(2);
-  data_group.comment = text(block.link(3));
-  auto group = follow(block.offset(), block.link(1), "CG");
+  data_group.data = block.link(DGBLOCK::dg_data);
+  data_group.comment = text(block.link(DGBLOCK::dg_md_comment));
+  auto group = follow(block.offset(), block.link(DGBLOCK::dg_cg_first), "CG");
   while (group) {
     data_group.groups.push_back(channelGroup(*group));
-    group = follow(group->offset(), group->link(0), "CG");
+    group = follow(group->offset(), group->link(CGBLOCK::cg_cg_next), "CG");
   }
   return data_group;
 }
@@ -139,21 +142,20 @@ ChannelGroup DescriptionReader::channelGroup(const BlockFields& block) {
   ChannelGroup group;
   group.offset = block.offset();
   group.index = group_count_++;
-  group.name = text(block.link(2));
-  group.source = block.link(3);
+  group.name = text(block.link(CGBLOCK::cg_tx_acq_name));
+  group.source = block.link(CGBLOCK::cg_si_acq_source);
   group.source_name = readSource(file_, group.source, texts_).name;
-  group.first_reduction = block.link(4);
-  group.comment = text(block.link(5));
+  group.first_reduction = block.link(CGBLOCK::cg_sr_first);
+  group.comment = text(block.link(CGBLOCK::cg_md_comment));
   group.record_id = block.number("cg_record_id");
   group.cycles = block.number("cg_cycle_count");
   group.flags = static_cast<unsigned>(block.number("cg_flags"));
   group.data_bytes = static_cast<std::uint32_t>(block.number("cg_data_bytes"));
   group.invalidation_bytes = static_cast<std::uint32_t>(block.number("cg_inval_bytes"));
   if (group.hasRemoteMaster()) {
-    constexpr std::uint64_t after_own_links = 6;
-    group.master_group = linkAt(file_, block.raw(), after_own_links);
+    group.master_group = linkAt(file_, block.raw(), CGBLOCK::CG_BLOCK_LINKS_NUM);
   }
-  readChannels(block.link(1), group);
+  readChannels(block.link(CGBLOCK::cg_cn_first), group);
   return group;
 }
 
@@ -170,17 +172,18 @@ void DescriptionReader::readChannels(std::uint64_t first, ChannelGroup& group) {
     }
     Channel channel = this->channel(*block);
     channel.depth = step.depth;
-    steps.push_back({block->offset(), block->link(0), step.depth});
-    if (readFields(file_, block->link(1), "CA")) {
-      if (const auto array = follow(block->offset(), block->link(1), "CA")) {
+    steps.push_back({block->offset(), block->link(CNBLOCK::cn_cn_next), step.depth});
+    const std::uint64_t composition = block->link(CNBLOCK::cn_composition);
+    if (readFields(file_, composition, "CA")) {
+      if (const auto array = follow(block->offset(), composition, "CA")) {
         channel.array = arrayShape(*array);
         const Step members = readElements(*array, channel.array);
         channel.is_structure = members.offset != 0;
         steps.push_back({members.from, members.offset, step.depth + 1});
       }
-    } else if (block->link(1) != 0) {
+    } else if (composition != 0) {
       channel.is_structure = true;
-      steps.push_back({block->offset(), block->link(1), step.depth + 1});
+      steps.push_back({block->offset(), composition, step.depth + 1});
     }
     if (visit_) {
       visit_(group, channel);
@@ -195,12 +198,12 @@ void DescriptionReader::readChannels(std::uint64_t first, ChannelGroup& group) {
 Channel DescriptionReader::channel(const BlockFields& block) {
   Channel channel;
   channel.offset = block.offset();
-  channel.name = text(block.link(2));
-  channel.source = block.link(3);
-  channel.conversion = block.link(4);
-  channel.data = block.link(5);
-  channel.unit = text(block.link(6));
-  channel.comment = text(block.link(7));
+  channel.name = text(block.link(CNBLOCK::cn_tx_name));
+  channel.source = block.link(CNBLOCK::cn_si_source);
+  channel.conversion = block.link(CNBLOCK::cn_cc_conversion);
+  channel.data = block.link(CNBLOCK::cn_data);
+  channel.unit = text(block.link(CNBLOCK::cn_md_unit));
+  channel.comment = text(block.link(CNBLOCK::cn_md_comment));
   channel.type = static_cast<unsigned>(block.number("cn_type"));
   channel.sync_type = static_cast<unsigned>(block.number("cn_sync_type"));
   channel.data_type = static_cast<unsigned>(block.number("cn_data_type"));
@@ -212,21 +215,19 @@ Channel DescriptionReader::channel(const BlockFields& block) {
   channel.precision = static_cast<unsigned>(block.number("cn_precision"));
   if (channel.unit.empty()) {
     if (const auto conversion = readFields(file_, channel.conversion, "CC")) {
-      channel.unit = text(conversion->link(1));
+      channel.unit = text(conversion->link(CCBLOCK::cc_md_unit));
     }
   }
   return channel;
 }
 
 ArrayShape DescriptionReader::arrayShape(const BlockFields& array) {
-  constexpr unsigned in_records = 0;  // ca_storage: the channel is the template of each element
-  constexpr unsigned inverse_layout = 64;
   ArrayShape shape;
   shape.offset = array.offset();
   shape.byte_step = array.signedNumber("ca_byte_offset_base");
   shape.invalidation_step = array.number("ca_inval_bit_pos_base");
-  shape.in_records = array.number("ca_storage") == in_records;
-  shape.is_column_oriented = array.hasFlag("ca_flags", inverse_layout);
+  shape.in_records = array.number("ca_storage") == CABLOCK::in_records;
+  shape.is_column_oriented = array.hasFlag("ca_flags", CABLOCK::inverse_layout);
   // One more than anybody takes is enough to tell: blocks may overlap.
   const std::uint64_t count = std::min<std::uint64_t>(
       {array.number("ca_ndim"), array.tailBytes() / 8, most_array_dimensions + 1});
@@ -241,15 +242,15 @@ ArrayShape DescriptionReader::arrayShape(const BlockFields& array) {
 /// What the elements of an array are: arrays, as deep as they go, and then structures, whose first
 /// member is returned, or nothing more.
 DescriptionReader::Step DescriptionReader::readElements(BlockFields array, ArrayShape& shape) {
-  while (readFields(file_, array.link(0), "CA")) {
-    const auto inner = follow(array.offset(), array.link(0), "CA");
+  while (readFields(file_, array.link(CABLOCK::ca_composition), "CA")) {
+    const auto inner = follow(array.offset(), array.link(CABLOCK::ca_composition), "CA");
     if (!inner) {
       return {array.offset(), 0, 0};
     }
     shape.inner.push_back(arrayShape(*inner));
     array = *inner;
   }
-  return {array.offset(), array.link(0), 0};
+  return {array.offset(), array.link(CABLOCK::ca_composition), 0};
 }
 
 }  // namespace
@@ -312,18 +313,18 @@ void forEachInChain(InputFile& file, std::uint64_t first, std::string_view lette
     seen.insert(offset);
     visit(*block);
     from = offset;
-    offset = block->link(0);
+    offset = block->link(next_link);
   }
 }
 
 Source readSource(InputFile& file, std::uint64_t offset, Texts& texts) {
   Source source;
   if (const auto block = readFields(file, offset, "SI")) {
-    source.name = texts.at(file, block->link(0));
-    source.path = texts.at(file, block->link(1));
+    source.name = texts.at(file, block->link(SIBLOCK::si_tx_name));
+    source.path = texts.at(file, block->link(SIBLOCK::si_tx_path));
     source.type = static_cast<unsigned>(block->number("si_type"));
     source.bus_type = static_cast<unsigned>(block->number("si_bus_type"));
-    source.is_simulated = block->hasFlag("si_flags", 1);
+    source.is_simulated = block->hasFlag("si_flags", SIBLOCK::simulated_source);
   }
   return source;
 }

@@ -3,8 +3,11 @@
 #include "../blocks/block_fields.h"
 #include "../bytes/input_file.h"
 #include "description.h"
+#include "fileblocks/evblock.h"
 
 namespace mdf_reader {
+
+using mdf_v4_10::EVBLOCK;
 
 std::vector<Event> readEvents(InputFile& file, std::uint64_t first, Texts& texts,
                               const FindingSink& report) {
@@ -12,8 +15,8 @@ std::vector<Event> readEvents(InputFile& file, std::uint64_t first, Texts& texts
   forEachInChain(file, first, "EV", report, [&](const BlockFields& block) {
     Event event;
     event.offset = block.offset();
-    event.name = texts.at(file, block.link(3));
-    event.comment = texts.at(file, block.link(4));
+    event.name = texts.at(file, block.link(EVBLOCK::ev_tx_name));
+    event.comment = texts.at(file, block.link(EVBLOCK::ev_md_comment));
     event.type = static_cast<unsigned>(block.number("ev_type"));
     event.sync_type = static_cast<unsigned>(block.number("ev_sync_type"));
     event.range_type = static_cast<unsigned>(block.number("ev_range_type"));

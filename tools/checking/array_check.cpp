@@ -5,6 +5,7 @@
 
 #include "block_check.h"
 #include "framework/wire.h"
+#include "reader/blocks/later_types.h"
 
 namespace mdf_tools {
 
@@ -43,40 +44,30 @@ ElementCounts countElements(const Subject& subject, const BlockFields& block) {
   return counts;
 }
 
-enum Flag : std::uint64_t {
-  dynamic_size = 1,
-  input_quantity = 2,
-  output_quantity = 4,
-  comparison_quantity = 8,
-  axis = 16,
-  fixed_axis = 32,
-};
-
 /// Links after the composition. A quantity is a channel, given by three links: its two groups and
 /// itself.
 std::uint64_t linksOf(const BlockFields& block, std::uint64_t elements) {
-  constexpr std::uint64_t in_data_groups = 2;
   constexpr std::uint64_t quantity = 3;
   const std::uint64_t dimensions = block.number("ca_ndim");
-  const auto ifSet = [&](Flag flag, std::uint64_t links) {
+  const auto ifSet = [&](CABLOCK::Flag flag, std::uint64_t links) {
     return block.hasFlag("ca_flags", flag) ? links : 0;
   };
   const bool has_axis_channels =
-      block.hasFlag("ca_flags", axis) && !block.hasFlag("ca_flags", fixed_axis);
+      block.hasFlag("ca_flags", CABLOCK::axis) && !block.hasFlag("ca_flags", CABLOCK::fixed_axis);
   const std::uint64_t others =
-      ifSet(dynamic_size, quantity * dimensions) + ifSet(input_quantity, quantity * dimensions) +
-      ifSet(output_quantity, quantity) + ifSet(comparison_quantity, quantity) +
-      ifSet(axis, dimensions) + (has_axis_channels ? quantity * dimensions : 0);
-  const bool has_data = block.number("ca_storage") == in_data_groups;
+      ifSet(CABLOCK::dynamic_size, quantity * dimensions) +
+      ifSet(CABLOCK::input_quantity, quantity * dimensions) +
+      ifSet(CABLOCK::output_quantity, quantity) + ifSet(CABLOCK::comparison_quantity, quantity) +
+      ifSet(CABLOCK::axis, dimensions) + (has_axis_channels ? quantity * dimensions : 0);
+  const bool has_data = block.number("ca_storage") == CABLOCK::in_data_groups;
   return sumUpToMost(has_data ? elements : 0, others);
 }
 
 /// Sizes of dimensions, values of fixed axes, counts of elements that have records of their own.
 std::uint64_t numbersOf(const BlockFields& block, const ElementCounts& counts) {
-  constexpr std::uint64_t in_records = 0;
-  const bool has_counts = block.number("ca_storage") != in_records;
+  const bool has_counts = block.number("ca_storage") != CABLOCK::in_records;
   return sumUpToMost(sumUpToMost(block.number("ca_ndim"), has_counts ? counts.in_all : 0),
-                     block.hasFlag("ca_flags", fixed_axis) ? counts.along_axes : 0);
+                     block.hasFlag("ca_flags", CABLOCK::fixed_axis) ? counts.along_axes : 0);
 }
 
 }  // namespace

@@ -4,11 +4,12 @@
 #include <string>
 #include <tuple>
 
+#include "reader/blocks/later_types.h"
+#include "reader/model/description.h"
+
 namespace mdf_tools {
 
 namespace {
-
-constexpr std::uint64_t has_remote_master = 8;
 
 /// How many elements fit when so much room follows the first of them.
 std::uint64_t roomFor(std::uint64_t after_first, std::uint64_t step) {
@@ -23,20 +24,20 @@ ChannelCheck::ChannelCheck(const Subject& subject, const BlockFields& group, std
       data_bytes_(group.number("cg_data_bytes")),
       invalidation_bytes_(group.number("cg_inval_bytes")),
       needs_master_(group.number("cg_cycle_count") > 0 &&
-                    !group.hasFlag("cg_flags", has_remote_master)) {}
+                    !group.hasFlag("cg_flags", ChannelGroup::has_remote_master)) {}
 
 void ChannelCheck::take(const BlockFields& channel, std::uint32_t index) {
-  enum Type : std::uint64_t { master = 2, virtual_master = 3, virtual_data = 6 };
-  const std::uint64_t type = channel.number("cn_type");
+  Channel what;
+  what.type = static_cast<unsigned>(channel.number("cn_type"));
   has_channels_ = true;
   const std::uint64_t first_bit =
       8 * channel.number("cn_byte_offset") + channel.number("cn_bit_offset");
-  if (type == master || type == virtual_master) {
-    const std::uint64_t bits = type == master ? channel.number("cn_bit_count") : 0;
+  if (what.isMaster()) {
+    const std::uint64_t bits = what.type == Channel::master ? channel.number("cn_bit_count") : 0;
     masters_.push_back({index, channel.number("cn_sync_type"), first_bit, first_bit + bits});
   }
   extent_.reset();
-  if (type != virtual_master && type != virtual_data) {
+  if (!what.isVirtual()) {
     extent_ = extentOf(channel, index);
     if (!checkBits(*extent_)) {
       extent_.reset();
@@ -53,11 +54,10 @@ void ChannelCheck::leave() {
 }
 
 ChannelCheck::Extent ChannelCheck::extentOf(const BlockFields& channel, std::uint32_t index) {
-  constexpr std::uint64_t has_invalidation_bit = 2;
   Extent extent{index, channel.number("cn_byte_offset"), 0, std::nullopt};
   extent.end_bit =
       8 * extent.first_byte + channel.number("cn_bit_offset") + channel.number("cn_bit_count");
-  if (channel.hasFlag("cn_flags", has_invalidation_bit)) {
+  if (channel.hasFlag("cn_flags", Channel::has_invalidation_bit)) {
     extent.end_invalidation_bit = channel.number("cn_inval_bit_pos") + 1;
   }
   return extent;
@@ -86,12 +86,11 @@ bool ChannelCheck::checkBits(const Extent& extent) const {
 
 void ChannelCheck::takeArray(const BlockFields& block, std::uint32_t index,
                              std::uint64_t elements) {
-  constexpr std::uint64_t in_records = 0;
   if (!extent_ || subject_.blocks[index].parent != extent_->index) {
     return;
   }
   extent_->index = index;
-  const bool is_there = elements > 0 && block.number("ca_storage") == in_records;
+  const bool is_there = elements > 0 && block.number("ca_storage") == CABLOCK::in_records;
   if (!is_there || !checkElements(block, elements) || !checkInvalidationBits(block, elements)) {
     extent_.reset();
   }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "framework/wire.h"
+#include "mdf_v4_10.h"
 #include "reader/bytes/digest.h"
 #include "reader/bytes/inflate.h"
 #include "reader/data/data_block.h"
@@ -15,6 +16,7 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
+using namespace mdf_v4_10;
 using mdf_v4_10::detail::hostSize;
 using mdf_v4_10::detail::loadLe;
 
@@ -101,7 +103,8 @@ class ListCheck {
 
 void ListCheck::checkEqualLengths() const {
   const std::uint64_t stated = statedNumber(0);
-  const std::uint64_t without_last = count() - (list_.link(0) == 0 && count() > 0 ? 1 : 0);
+  const std::uint64_t without_last =
+      count() - (list_.link(DLBLOCK::dl_dl_next) == 0 && count() > 0 ? 1 : 0);
   for (std::uint64_t number = 0; number < without_last; ++number) {
     const auto bytes = dataBytesOf(subject_, dataLink(number));
     if (bytes && *bytes != stated) {
@@ -150,9 +153,9 @@ std::optional<std::uint64_t> dataBytesOf(const Subject& subject, std::uint64_t o
 }
 
 void checkAttachment(Subject& subject, const BlockFields& block, std::uint32_t index) {
-  const bool is_embedded = block.hasFlag("at_flags", 1);
-  const bool is_compressed = block.hasFlag("at_flags", 2);
-  const bool has_digest = block.hasFlag("at_flags", 4);
+  const bool is_embedded = block.hasFlag("at_flags", ATBLOCK::embedded_data);
+  const bool is_compressed = block.hasFlag("at_flags", ATBLOCK::compressed_embedded_data);
+  const bool has_digest = block.hasFlag("at_flags", ATBLOCK::md5_checksum);
   const std::uint64_t size = block.number("at_embedded_size");
   if (!is_embedded || !checkSizes(subject, block, index, is_compressed) ||
       !(is_compressed || has_digest) || !subject.contents.take(size)) {
@@ -179,7 +182,7 @@ void checkAttachment(Subject& subject, const BlockFields& block, std::uint32_t i
 }
 
 void checkZippedData(Subject& subject, const BlockFields& block, std::uint32_t index) {
-  constexpr std::uint64_t last_known_type = 1;  // transposed and deflated
+  constexpr std::uint64_t last_known_type = DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE;
   const std::uint64_t size = block.number("dz_data_length");
   if (size > block.tailBytes()) {
     subject.report(Code::zip_length_wrong, index,
@@ -193,7 +196,7 @@ void checkZippedData(Subject& subject, const BlockFields& block, std::uint32_t i
 
 void checkDataList(const Subject& subject, const BlockFields& block, std::uint32_t index) {
   const std::uint64_t links = block.raw().linkCount() - 1;
-  const bool has_equal_length = block.hasFlag("dl_flags", 1);
+  const bool has_equal_length = block.hasFlag("dl_flags", DLBLOCK::equal_length);
   if (subject.data_file.isUnfinished() || subject.blocks[index].has_few_links) {
     return;
   }

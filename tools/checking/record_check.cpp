@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "mdf_v4_10.h"
 #include "reader/data/records.h"
 #include "reader/values/raw_value.h"
 #include "reader/values/table.h"
@@ -10,6 +11,7 @@
 namespace mdf_tools {
 
 using namespace mdf_reader;
+using namespace mdf_v4_10;
 
 void RecordCheck::take(const BlockFields& block, std::uint32_t index) {
   const std::string_view type = block.raw().letters();
@@ -44,7 +46,7 @@ void RecordCheck::enterDataGroup(const BlockFields& block, std::uint32_t index) 
   DataGroup data_group;
   data_group.offset = block.offset();
   data_group.record_id_code = static_cast<unsigned>(block.number("dg_rec_id_size"));
-  data_group.data = block.link(2);
+  data_group.data = block.link(DGBLOCK::dg_data);
   checkShared({data_group.offset, data_group.data}, "dg_data", index);
   data_groups_.push_back(std::move(data_group));
   is_in_data_group_ = true;
@@ -77,7 +79,7 @@ void RecordCheck::takeChannel(const BlockFields& block, std::uint32_t index) {
   const bool is_virtual = type == Channel::virtual_master || type == Channel::virtual_data;
   channels_->take(block, index);
   are_blocks_enough_ = are_blocks_enough_ && type != Channel::variable_length;
-  if (!is_virtual && block.link(1) == 0 && !stored.isKnown()) {
+  if (!is_virtual && block.link(CNBLOCK::cn_composition) == 0 && !stored.isKnown()) {
     subject_.report(Code::data_type_unknown, index,
                     "expected a known data type, found " + std::to_string(stored.data_type));
   }
@@ -115,8 +117,7 @@ void RecordCheck::checkShared(DataLink link, std::string_view link_name, std::ui
 
 /// A record of a reduction has a record's data bytes three times: mean, least and greatest values.
 void RecordCheck::checkReduction(const BlockFields& block, std::uint32_t index) {
-  constexpr std::uint64_t has_invalidation_bytes = 1;
-  const DataLink link{block.offset(), block.link(1)};
+  const DataLink link{block.offset(), block.link(SRBLOCK::sr_data)};
   checkShared(link, "sr_data", index);
   if (!is_in_data_group_) {
     return;
@@ -124,7 +125,7 @@ void RecordCheck::checkReduction(const BlockFields& block, std::uint32_t index) 
   const ChannelGroup& group = data_groups_.back().groups.back();
   const std::uint64_t size =
       std::uint64_t{3} * group.data_bytes +
-      (block.hasFlag("sr_flags", has_invalidation_bytes) ? group.invalidation_bytes : 0);
+      (block.hasFlag("sr_flags", SRBLOCK::invalidation_bytes) ? group.invalidation_bytes : 0);
   const FindingSink silent = [](const Finding& /*finding*/) {};
   DataStream data(subject_.data_file, link, DataStream::Access::forward, silent);
   const std::string problem = countProblem(data.size(), block.number("sr_cycle_count"), size);

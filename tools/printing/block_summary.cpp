@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 
+#include "mdf_v4_10.h"
 #include "names.h"
 #include "one_line.h"
 #include "reader/blocks/block_fields.h"
+#include "reader/blocks/later_types.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/number_texts.h"
 #include "reader/model/texts.h"
@@ -14,6 +16,7 @@
 namespace mdf_tools {
 
 using namespace mdf_reader;
+using namespace mdf_v4_10;
 
 namespace {
 
@@ -98,16 +101,15 @@ void Summarizer::headerBlock() { time("start", "hd"); }
 void Summarizer::fileHistory() { time("time", "fh"); }
 
 void Summarizer::hierarchy() {
-  name(2);
+  name(CHBLOCK::ch_tx_name);
   fact("kind", hierarchyTypeName(small("ch_type")));
   count("elements", block_.number("ch_element_count"), "elements");
 }
 
 void Summarizer::attachment() {
-  constexpr std::uint64_t embedded = 1;
-  name(1);
-  fact("media_type", text(block_.link(2)));
-  if (block_.hasFlag("at_flags", embedded)) {
+  name(ATBLOCK::at_tx_filename);
+  fact("media_type", text(block_.link(ATBLOCK::at_tx_mimetype)));
+  if (block_.hasFlag("at_flags", ATBLOCK::embedded_data)) {
     count("embedded_bytes", block_.number("at_embedded_size"), "bytes embedded");
   } else {
     fact("place", "stored elsewhere");
@@ -115,7 +117,7 @@ void Summarizer::attachment() {
 }
 
 void Summarizer::event() {
-  name(3);
+  name(EVBLOCK::ev_tx_name);
   fact("kind", eventTypeName(small("ev_type")));
   fact("range", eventRangeName(small("ev_range_type")));
 }
@@ -128,17 +130,16 @@ void Summarizer::dataGroup() {
 }
 
 void Summarizer::channelGroup() {
-  constexpr std::uint64_t variable_length = 1;
-  constexpr std::uint64_t remote_master = 8;
-  name(2);
-  if (block_.hasFlag("cg_flags", variable_length)) {
+  name(CGBLOCK::cg_tx_acq_name);
+  if (block_.hasFlag("cg_flags", ChannelGroup::is_variable_length)) {
     fact("kind", "values of variable length");
     return;
   }
   records();
   count("record_bytes", block_.number("cg_data_bytes") + block_.number("cg_inval_bytes"),
         "bytes each");
-  fact("master", block_.hasFlag("cg_flags", remote_master) ? "remote master" : "");
+  fact("master",
+       block_.hasFlag("cg_flags", ChannelGroup::has_remote_master) ? "remote master" : "");
 }
 
 void Summarizer::records() {
@@ -153,11 +154,11 @@ void Summarizer::records() {
 }
 
 void Summarizer::channel() {
-  name(2);
-  std::string unit = text(block_.link(6));
+  name(CNBLOCK::cn_tx_name);
+  std::string unit = text(block_.link(CNBLOCK::cn_md_unit));
   if (unit.empty()) {
-    const auto conversion = readFields(file_, block_.link(4), "CC");
-    unit = conversion ? text(conversion->link(1)) : "";
+    const auto conversion = readFields(file_, block_.link(CNBLOCK::cn_cc_conversion), "CC");
+    unit = conversion ? text(conversion->link(CCBLOCK::cc_md_unit)) : "";
   }
   if (!unit.empty()) {
     summary_.facts.push_back({"unit", unit, std::nullopt});
@@ -168,8 +169,8 @@ void Summarizer::channel() {
 }
 
 void Summarizer::conversion() {
-  name(0);
-  const std::string unit = text(block_.link(1));
+  name(CCBLOCK::cc_tx_name);
+  const std::string unit = text(block_.link(CCBLOCK::cc_md_unit));
   if (!unit.empty()) {
     summary_.facts.push_back({"unit", unit, std::nullopt});
   }
@@ -185,13 +186,15 @@ void Summarizer::array() {
     sizes += (i == 0 ? "" : " x ") + std::to_string(unsignedNumber({bytes.data(), bytes.size()}));
   }
   fact("size", sizes + (dimensions < block_.number("ca_ndim") ? " x ..." : ""));
-  fact("storage", block_.number("ca_storage") == 0 ? "" : "each with records of its own");
+  fact("storage",
+       block_.number("ca_storage") == CABLOCK::in_records ? "" : "each with records of its own");
 }
 
 void Summarizer::source() {
-  name(0);
+  name(SIBLOCK::si_tx_name);
   fact("kind", sourceTypeName(small("si_type")));
-  fact("bus", small("si_bus_type") == 0 ? "" : busTypeName(small("si_bus_type")));
+  fact("bus",
+       small("si_bus_type") == SIBLOCK::SI_BUSTYPE_NONE ? "" : busTypeName(small("si_bus_type")));
 }
 
 void Summarizer::reduction() {
@@ -202,14 +205,15 @@ void Summarizer::reduction() {
 void Summarizer::dataList() { count("blocks", block_.number("dl_count"), "blocks"); }
 
 void Summarizer::valueList() {
-  constexpr std::uint64_t has_invalidation_data = 1U << 31U;
   count("blocks", block_.number("ld_count"), "blocks");
   fact("invalidation",
-       block_.hasFlag("ld_flags", has_invalidation_data) ? "invalidation apart" : "");
+       block_.hasFlag("ld_flags", LDBLOCK::has_invalidation_data) ? "invalidation apart" : "");
 }
 
 void Summarizer::headerList() {
-  fact("compression", block_.number("hl_zip_type") == 0 ? "Deflate" : "transposed, Deflate");
+  fact("compression", block_.number("hl_zip_type") == DZBLOCK::DZ_ZIPTYPE_DEFLATE
+                          ? "Deflate"
+                          : "transposed, Deflate");
 }
 
 void Summarizer::zippedData() {

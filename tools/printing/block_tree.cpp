@@ -142,7 +142,7 @@ void TreeWalk::followNextLink() {
   if (target == 0) {
     return;
   }
-  if (link == 0 && level.block.type().has_next) {
+  if (link == next_link && level.block.type().has_next) {
     return;  // once all else below the block is done
   }
   const LinkRole role = linkRole(level.block, link);
@@ -206,7 +206,7 @@ void TreeWalk::finish() {
   levels_.pop_back();
   states_[level.index] = State::seen;
   const bool has_next = linksThere(file_, level.block.raw()) > 0 && level.block.type().has_next;
-  const std::uint64_t target = has_next ? readLink(level.block, 0) : 0;
+  const std::uint64_t target = has_next ? readLink(level.block, next_link) : 0;
   if (target != 0 && (level.depth > 0 || options_.from == header_block_offset)) {
     followChain(level, target);
   }
@@ -214,7 +214,7 @@ void TreeWalk::finish() {
 
 void TreeWalk::followChain(const Level& level, std::uint64_t target) {
   const std::size_t index = indexOf(target);
-  TreeEntry entry = entryFor(level, level.depth, 0, target);
+  TreeEntry entry = entryFor(level, level.depth, next_link, target);
   entry.kind = kindOf(level.index, index, true);
   entry.was_left_out = isBlock(index) && states_[index] == State::left_out;
   if (entry.kind == TreeEntry::block && level.in_chain >= options_.list_limit) {
@@ -228,7 +228,7 @@ void TreeWalk::followChain(const Level& level, std::uint64_t target) {
 }
 
 void TreeWalk::leaveOutRestOfChain(const Level& level, std::uint64_t target) {
-  TreeEntry entry = entryFor(level, level.depth, 0, target);
+  TreeEntry entry = entryFor(level, level.depth, next_link, target);
   entry.kind = TreeEntry::left_out;
   std::size_t from = level.index;
   for (std::size_t index = indexOf(target); isBlock(index) && states_[index] == State::unseen;
@@ -245,11 +245,11 @@ void TreeWalk::leaveOutRestOfChain(const Level& level, std::uint64_t target) {
     if (!raw->type().has_next) {
       break;
     }
-    target = linkAt(file_, *raw, 0);
+    target = linkAt(file_, *raw, next_link);
   }
   show(entry);
   if (target != 0) {
-    TreeEntry last = entryFor(level, level.depth, 0, target);
+    TreeEntry last = entryFor(level, level.depth, next_link, target);
     last.from = offsets_[from];
     last.kind = kindOf(from, indexOf(target), true);
     show(last);

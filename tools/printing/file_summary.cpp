@@ -5,6 +5,7 @@
 #include <cmath>
 #include <unordered_map>
 
+#include "description/cnblock.h"
 #include "framework/wire.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/blocks/walker.h"
@@ -14,6 +15,7 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
+using mdf_v4_10::CNBLOCK;
 using mdf_v4_10::detail::loadLe;
 
 namespace {
@@ -40,12 +42,11 @@ std::optional<double> linearFactor(InputFile& file, std::uint64_t conversion) {
 
 /// From the least to the greatest raw value of a master channel.
 std::optional<double> rawExtent(InputFile& file, std::uint64_t records, const Channel& master) {
-  constexpr std::uint64_t value_range_valid = 8;
   if (master.type == Channel::virtual_master) {  // its raw value is the record's index
     return static_cast<double>(records - 1);
   }
   const auto block = readFields(file, master.offset, "CN");
-  if (!block || !block->hasFlag("cn_flags", value_range_valid)) {
+  if (!block || !block->hasFlag("cn_flags", CNBLOCK::value_range_valid)) {
     return std::nullopt;
   }
   return block->real("cn_val_range_max") - block->real("cn_val_range_min");

@@ -2,7 +2,11 @@
 
 #include <initializer_list>
 
+#include "fileblocks/hdblock.h"
+
 namespace mdf_tools {
+
+using mdf_v4_10::HDBLOCK;
 
 namespace {
 
@@ -68,11 +72,11 @@ std::string hierarchyTypeName(unsigned type) {
 
 std::string timeClassName(unsigned time_class) {
   switch (time_class) {
-    case 0:
+    case HDBLOCK::TIME_LOCAL_PC:
       return "local PC";
-    case 10:
+    case HDBLOCK::TIME_EXT_SOURCE:
       return "external source";
-    case 16:
+    case HDBLOCK::TIME_EXT_ABSOLUTE_SYNC:
       return "external absolute";
     default:
       return "class " + std::to_string(time_class);
