@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "reader/blocks/walker.h"
+#include "reader/blocks/walk.h"
 #include "reader/bytes/input_file.h"
 #include "recording/output_file.h"
 #include "recording/recorder.h"
@@ -59,7 +59,7 @@ void writeManyBlocks(const std::string& path) {
 }
 
 std::vector<std::uint64_t> walk(InputFile& file) {
-  return mdf_reader::walkBlocks(file, [](const mdf_reader::Finding& /*finding*/) {});
+  return mdf_reader::walkBlocks(file, nullptr).offsets();
 }
 
 /// A stream buffer over a file in memory.

@@ -1,5 +1,6 @@
 #include "block_table.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -31,6 +32,18 @@ std::size_t BlockTable::slotFor(std::uint64_t offset) const {
     slot = (slot + 1) & (slots_.size() - 1);
   }
   return slot;
+}
+
+std::vector<std::uint64_t> BlockTable::offsets() const {
+  std::vector<std::uint64_t> offsets;
+  offsets.reserve(entries_.size());
+  for (const BlockEntry& entry : entries_) {
+    offsets.push_back(entry.offset);
+  }
+  if (!std::is_sorted(offsets.begin(), offsets.end())) {
+    std::sort(offsets.begin(), offsets.end());
+  }
+  return offsets;
 }
 
 void BlockTable::grow() {

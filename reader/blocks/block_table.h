@@ -12,7 +12,7 @@ namespace mdf_reader {
 
 class InputFile;
 
-/// A block of a file and how it is reached: the tree that the survey of the file has made of its
+/// A block of a file and how it is reached: the tree that a walk over the file has made of its
 /// links. A block that several links lead to belongs to the first of them.
 struct BlockEntry {
   std::uint64_t offset = 0;
@@ -42,6 +42,9 @@ class BlockTable {
 
   const BlockEntry& operator[](std::uint32_t index) const { return entries_[index]; }
   BlockEntry& operator[](std::uint32_t index) { return entries_[index]; }
+  /// The offsets of all blocks, ascending.
+  std::vector<std::uint64_t> offsets() const;
+
   std::uint32_t size() const { return static_cast<std::uint32_t>(entries_.size()); }
 
  private:

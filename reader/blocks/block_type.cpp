@@ -296,6 +296,9 @@ class Table {
         first.size() > ending.size() && first.substr(first.size() - ending.size()) == ending;
     type.others_refer =
         type.more_links.empty() ? type.links.empty() : type.more_links.front().links.front().refers;
+    type.may_refer =
+        type.others_refer || std::any_of(type.links.begin(), type.links.end(),
+                                         [](const LinkLayout& link) { return link.refers; });
   }
 
   std::vector<BlockType> types_ = {{"", ""}};  ///< the unknown type, and the others

@@ -114,6 +114,7 @@ struct BlockType {
 
   // The table derives these from the rest.
   bool has_next = false;     ///< its blocks make chains, by next_link
+  bool may_refer = true;     ///< some link refers
   bool others_refer = true;  ///< links beyond those that each block has
 };
 

@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "../blocks/survey.h"
-#include "../blocks/walker.h"
+#include "../blocks/walk.h"
 #include "../bytes/input_file.h"
 #include "data_block.h"
 
@@ -11,13 +10,16 @@ namespace mdf_reader {
 
 namespace {
 
+constexpr std::uint64_t times_for_data = 4;
+
 std::uint64_t headOf(const RawBlock& block) {
   return RawBlock::header_size + block.link_count * RawBlock::link_size;
 }
 
 }  // namespace
 
-DataFile::DataFile(InputFile& file) : file_(file), id_(readIdentification(file)) {}
+DataFile::DataFile(InputFile& file)
+    : file_(file), id_(readIdentification(file)), budget_(file.size(), times_for_data) {}
 
 bool DataFile::areCountsFinal() const {
   return !isUnfinished() || (id_.standard_flags & Identification::cycle_counters_open) == 0;
@@ -68,7 +70,7 @@ void DataFile::lookForBlocks() {
   if (!blocks_.empty()) {
     return;
   }
-  blocks_ = walkBlocks(file_, [](const Finding& /*finding*/) {});
+  blocks_ = walkBlocks(file_, nullptr).offsets();
   for (const std::uint64_t offset : blocks_) {
     const auto block = readRawBlock(file_, offset);
     if (block && isPlainData(*block)) {
@@ -77,10 +79,6 @@ void DataFile::lookForBlocks() {
   }
 }
 
-bool DataFile::mayGoOnAfter(std::uint64_t stored_bytes) {
-  constexpr std::uint64_t times = 4;
-  stored_ += stored_bytes;
-  return stored_ / times <= file_.size();
-}
+bool DataFile::mayGoOnAfter(std::uint64_t stored_bytes) { return budget_.spend(stored_bytes); }
 
 }  // namespace mdf_reader

@@ -8,6 +8,7 @@
 
 #include "../blocks/identification.h"
 #include "../blocks/raw_block.h"
+#include "../bytes/work_budget.h"
 #include "../model/description.h"
 
 namespace mdf_reader {
@@ -52,7 +53,7 @@ class DataFile {
   Identification id_;
   std::vector<std::uint64_t> blocks_;          ///< once they were looked for, ascending
   std::map<std::string, std::uint64_t> last_;  ///< of the types of data, by their letters
-  std::uint64_t stored_ = 0;
+  WorkBudget budget_;                          ///< for the data of all groups
 };
 
 }  // namespace mdf_reader

@@ -20,7 +20,8 @@ DataStream::DataStream(DataFile& file, DataLink link, Access access, const Findi
       report_(report),
       link_(link),
       access_(access),
-      links_(file.bytes(), link, report) {
+      links_(file.bytes(), link, report),
+      budget_(file.bytes().size()) {
   if (!links_.isInLists()) {
     extend();
   }
@@ -50,8 +51,7 @@ void DataStream::append(const RawBlock& block) {
   }
   // Blocks that do not overlap take no more than the file. Others must not turn a small file into
   // long data.
-  stored_ += RawBlock::header_size + data.stored;
-  if (stored_ > file_.bytes().size()) {
+  if (!budget_.spend(RawBlock::header_size + data.stored)) {
     endAt(size_,
           {Code::work_limited, block.offset,
            "expected data blocks that do not overlap, found more bytes in them than in the file"});
@@ -64,12 +64,12 @@ void DataStream::append(const RawBlock& block) {
 /// Bytes of data in the blocks that were not looked for yet.
 std::uint64_t DataStream::bytesToCome() {
   std::uint64_t bytes = 0;
-  std::uint64_t stored = stored_;
-  for (auto part = links_.next(); part && stored <= file_.bytes().size(); part = links_.next()) {
+  WorkBudget budget = budget_;
+  for (auto part = links_.next(); part && !budget.isOverspent(); part = links_.next()) {
     const auto block = readRawBlock(file_.bytes(), part->data);
     if (block && isDataBlock(*block)) {
       const DataBlock data = findData(file_, *block);
-      stored += RawBlock::header_size + data.stored;
+      budget.spend(RawBlock::header_size + data.stored);
       bytes += data.original;
     }
   }

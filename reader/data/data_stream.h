@@ -9,6 +9,7 @@
 
 #include "../blocks/finding.h"
 #include "../blocks/raw_block.h"
+#include "../bytes/work_budget.h"
 #include "data_block.h"
 #include "data_file.h"
 #include "data_links.h"
@@ -55,7 +56,7 @@ class DataStream {
   std::uint64_t placeOf(std::uint64_t offset);
 
   /// Bytes of the file that the blocks found so far take.
-  std::uint64_t storedBytes() const { return stored_; }
+  std::uint64_t storedBytes() const { return budget_.spent(); }
 
  private:
   /// A block of the stream: what it holds of data ends where the next one begins.
@@ -86,8 +87,8 @@ class DataStream {
   DataLinks links_;
   std::vector<Piece> pieces_;
   bool is_damaged_ = false;
-  std::uint64_t size_ = 0;    ///< of the pieces together
-  std::uint64_t stored_ = 0;  ///< bytes of the file that they take
+  std::uint64_t size_ = 0;  ///< of the pieces together
+  WorkBudget budget_;       ///< for the bytes of the file that they take
 
   std::string_view window_;
   std::uint64_t window_begin_ = 0;

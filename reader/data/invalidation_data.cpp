@@ -11,7 +11,8 @@ InvalidationData::InvalidationData(DataFile& file, DataLink link, const ChannelG
       group_(group),
       report_(report),
       silent_([](const Finding& /*finding*/) {}),
-      links_(file.bytes(), link, silent_) {}
+      links_(file.bytes(), link, silent_),
+      budget_(file.bytes().size()) {}
 
 void InvalidationData::examine(std::uint64_t records) {
   while (end_ < records && enterNextPart()) {
@@ -63,8 +64,7 @@ void InvalidationData::open(const DataPart& part) {
   compareLength(part);
   // Blocks that do not overlap take no more than the file. Others must not turn a small file into
   // long data.
-  stored_ += bytes_->storedBytes();
-  if (stored_ > file_.bytes().size()) {
+  if (!budget_.spend(bytes_->storedBytes())) {
     tell(part.list,
          "expected invalidation data blocks that do not overlap, found more bytes in them than in "
          "the file; further records are taken as valid");

@@ -43,7 +43,7 @@ class InvalidationData {
   std::uint64_t begin_ = 0;       ///< records of the part
   std::uint64_t end_ = 0;
   std::unique_ptr<DataStream> bytes_;  ///< of the part, null where all of it is valid
-  std::uint64_t stored_ = 0;           ///< bytes of the file that all parts until now take
+  WorkBudget budget_;                  ///< for the bytes of the file that all parts take
   bool has_told_ = false;
 };
 

@@ -40,24 +40,6 @@ struct ArrayElements {
 /// Reads what an array block says of them, if there are not more than the most that are wanted.
 ArrayElements readArrayElements(InputFile& file, const BlockFields& array, std::uint64_t most);
 
-/// How many elements may have records of their own. Blocks may overlap, so the room in each of them
-/// is no limit.
-class ElementAllowance {
- public:
-  explicit ElementAllowance(std::uint64_t file_size)
-      : left_(most_array_elements + file_size / sizeof(std::uint64_t)) {}
-
-  /// For an array each of whose elements takes so much of it.
-  std::uint64_t most(std::uint64_t each) const {
-    return left_ / each < most_array_elements ? left_ / each : most_array_elements;
-  }
-  /// Takes no more than there is left.
-  void take(std::uint64_t count) { left_ -= count < left_ ? count : left_; }
-
- private:
-  std::uint64_t left_;
-};
-
 }  // namespace mdf_reader
 
 #endif  // MDF_READER_MODEL_ARRAY_ELEMENTS_H_

@@ -7,7 +7,6 @@
 
 #include "../blocks/block_fields.h"
 #include "../blocks/later_types.h"
-#include "../blocks/walker.h"
 #include "../bytes/input_file.h"
 #include "../bytes/offset_set.h"
 #include "array_elements.h"

@@ -1,8 +1,10 @@
 #include "element_groups.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "../bytes/input_file.h"
+#include "../bytes/work_budget.h"
 #include "array_elements.h"
 
 namespace mdf_reader {
@@ -13,7 +15,9 @@ namespace {
 class Splitter {
  public:
   Splitter(InputFile& file, const FindingSink& report)
-      : file_(file), report_(report), allowance_(file.size()) {}
+      : file_(file),
+        report_(report),
+        budget_(most_array_elements + file.size() / sizeof(std::uint64_t)) {}
 
   /// Adds the data group and those of its elements to a list.
   void split(DataGroup&& data_group, std::vector<DataGroup>& result);
@@ -24,7 +28,7 @@ class Splitter {
 
   InputFile& file_;
   const FindingSink& report_;
-  ElementAllowance allowance_;                   ///< for the columns of all their tables
+  WorkBudget budget_;                            ///< for the columns of all their tables
   ArrayStorage storage_ = ArrayStorage::record;  ///< of the array that was found last
 };
 
@@ -77,8 +81,9 @@ std::vector<ArrayElement> Splitter::elementsOf(const DataGroup& data_group,
         "group, found several";
   } else {
     const std::uint64_t columns = group.channels.size();
-    read = readArrayElements(file_, *array, allowance_.most(columns));
-    allowance_.take(read.elements.size() * columns);
+    read =
+        readArrayElements(file_, *array, std::min(budget_.left() / columns, most_array_elements));
+    budget_.spend(read.elements.size() * columns);
   }
   if (!read.problem.empty()) {
     report_({Code::array_unreadable, channel->offset, read.problem + "; the array is left out"});

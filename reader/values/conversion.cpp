@@ -441,8 +441,7 @@ const std::string* Conversions::textAt(std::uint64_t offset) {
 }
 
 bool Conversions::mayKeep(std::uint64_t bytes, std::uint64_t offset) {
-  kept_ += bytes;
-  if (kept_ <= file_.size()) {
+  if (budget_.spend(bytes)) {
     return true;
   }
   if (!has_told_) {

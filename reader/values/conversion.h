@@ -9,12 +9,13 @@
 #include <vector>
 
 #include "../blocks/finding.h"
+#include "../bytes/input_file.h"
+#include "../bytes/work_budget.h"
 #include "value.h"
 
 namespace mdf_reader {
 
 class BlockFields;
-class InputFile;
 
 /// How raw values become physical ones.
 class Conversion {
@@ -49,7 +50,8 @@ class Conversion {
 /// The conversions of a file, each read once, however many channels share it.
 class Conversions {
  public:
-  Conversions(InputFile& file, const FindingSink& report) : file_(file), report_(report) {}
+  Conversions(InputFile& file, const FindingSink& report)
+      : file_(file), report_(report), budget_(file.size()) {}
 
   /// The conversion at an offset. Null where no value changes: at offset 0, for the identity, and
   /// for a conversion that cannot be used, which is reported.
@@ -65,14 +67,14 @@ class Conversions {
   /// Text at the end of a reference, which lasts as long as this object; null when there is none.
   const std::string* textAt(std::uint64_t offset);
 
-  /// Counts bytes that are kept in memory. Blocks that do not overlap are never more than the file.
+  /// Whether so many bytes more may be kept in memory.
   bool mayKeep(std::uint64_t bytes, std::uint64_t offset);
 
   InputFile& file_;
   const FindingSink& report_;
   std::unordered_map<std::uint64_t, Entry> entries_;
   std::unordered_map<std::uint64_t, std::string> texts_;
-  std::uint64_t kept_ = 0;
+  WorkBudget budget_;  ///< for bytes that are kept in memory
   bool has_told_ = false;
   std::size_t depth_ = 0;
 };

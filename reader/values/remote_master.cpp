@@ -13,13 +13,10 @@ constexpr const char* used_up =
     "expected remote masters that are quick to read, found long records to be read again and "
     "again";
 
-}  // namespace
+constexpr std::uint64_t always = std::uint64_t{1} << 28U;
+constexpr std::uint64_t times = 256;
 
-bool MasterAllowance::isUsedUp() const {
-  constexpr std::uint64_t always = std::uint64_t{1} << 28U;
-  constexpr std::uint64_t times = 256;
-  return taken_ > always && taken_ / times > file_size_;
-}
+}  // namespace
 
 std::optional<std::string_view> MasterRecords::at(std::uint64_t number) {
   constexpr std::uint64_t is_short = 64;  // as much as printing a sample costs anyway
@@ -35,9 +32,9 @@ std::optional<std::string_view> MasterRecords::at(std::uint64_t number) {
   }
   if (number >= charged_) {
     charged_ = number + 1;
-    allowance_.take(record->size() - std::min<std::uint64_t>(record->size(), is_short));
+    budget_.spend(record->size() - std::min<std::uint64_t>(record->size(), is_short));
   }
-  if (allowance_.isUsedUp()) {
+  if (budget_.isOverspent()) {
     endAt(Code::work_limited, used_up);
     return std::nullopt;
   }
@@ -55,7 +52,7 @@ RemoteMasters::RemoteMasters(DataFile& file, const Description& description,
       description_(description),
       report_(report),
       silent_([](const Finding& /*finding*/) {}),
-      allowance_(file.bytes().size()) {}
+      budget_(file.bytes().size(), times, always) {}
 
 const RemoteMaster* RemoteMasters::of(const ChannelGroup& group) {
   if (!group.hasRemoteMaster() || group.masterChannel() != nullptr) {
@@ -69,7 +66,7 @@ const RemoteMaster* RemoteMasters::of(const ChannelGroup& group) {
   } else if (master->plan.channel == nullptr) {
     report_({Code::remote_master_missing, group.offset,
              expected + ", found one without a master channel"});
-  } else if (allowance_.isUsedUp()) {
+  } else if (budget_.isOverspent()) {
     report_({Code::work_limited, group.offset, used_up});
   } else if (!areSorted(*master)) {
     report_({Code::remote_master_missing, group.offset,
@@ -122,7 +119,7 @@ void RemoteMasters::listGroups() {
 Records& RemoteMasters::recordsOf(const DataGroup& data_group) {
   if (data_group_ != &data_group) {
     constexpr std::uint64_t for_looking_again = 65536;
-    allowance_.take(for_looking_again + (records_ ? records_->storedBytes() : 0));
+    budget_.spend(for_looking_again + (records_ ? records_->storedBytes() : 0));
     records_ = std::make_unique<Records>(file_, data_group, silent_);
     data_group_ = &data_group;
   }
@@ -132,7 +129,7 @@ Records& RemoteMasters::recordsOf(const DataGroup& data_group) {
 std::unique_ptr<MasterRecords> RemoteMasters::recordsFor(const ChannelGroup& group,
                                                          const RemoteMaster& master) {
   return std::make_unique<MasterRecords>(recordsOf(*master.data_group).sortedRecords(*master.group),
-                                         group, allowance_, report_);
+                                         group, budget_, report_);
 }
 
 }  // namespace mdf_reader

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "../blocks/finding.h"
+#include "../bytes/work_budget.h"
 #include "../data/records.h"
 #include "../data/sorted_records.h"
 #include "../model/description.h"
@@ -27,26 +28,12 @@ struct RemoteMaster {
   std::optional<bool> are_sorted;  ///< its records, once that is known
 };
 
-/// How many bytes all readers of masters take of the file together: a small file must not make them
-/// read long records again and again.
-class MasterAllowance {
- public:
-  explicit MasterAllowance(std::uint64_t file_size) : file_size_(file_size) {}
-
-  void take(std::uint64_t bytes) { taken_ += bytes; }
-  bool isUsedUp() const;
-
- private:
-  std::uint64_t file_size_;
-  std::uint64_t taken_ = 0;
-};
-
 /// The records of the group with the master, one for each sample of the group without.
 class MasterRecords {
  public:
-  MasterRecords(SortedRecords records, const ChannelGroup& group, MasterAllowance& allowance,
+  MasterRecords(SortedRecords records, const ChannelGroup& group, WorkBudget& budget,
                 const FindingSink& report)
-      : records_(std::move(records)), group_(group), allowance_(allowance), report_(report) {}
+      : records_(std::move(records)), group_(group), budget_(budget), report_(report) {}
 
   /// The record of a number; numbers go up. Nothing where there is none; the first missing one is
   /// reported.
@@ -57,9 +44,9 @@ class MasterRecords {
 
   SortedRecords records_;
   const ChannelGroup& group_;
-  MasterAllowance& allowance_;
+  WorkBudget& budget_;
   const FindingSink& report_;
-  std::uint64_t charged_ = 0;  ///< records that the allowance knows of
+  std::uint64_t charged_ = 0;  ///< records that the budget knows of
   bool has_ended_ = false;
 };
 
@@ -88,7 +75,7 @@ class RemoteMasters {
   std::unordered_map<std::uint64_t, RemoteMaster> masters_;
   std::unique_ptr<Records> records_;
   const DataGroup* data_group_ = nullptr;  ///< the one that they are of
-  MasterAllowance allowance_;
+  WorkBudget budget_;  ///< for what all readers of masters take of the file together
 };
 
 }  // namespace mdf_reader

@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "../blocks/raw_block.h"
-#include "../bytes/allowance.h"
 #include "../bytes/input_file.h"
+#include "../bytes/work_budget.h"
 #include "../model/element_groups.h"
 #include "../model/group_choice.h"
 #include "column_list.h"
@@ -174,7 +174,7 @@ void Tables::examineGroup(const ChannelGroup& group) {
   std::vector<Column> columns = columnsFor(group, plans, remote);
   std::vector<Column*> elsewhere;
   // Channels that share bytes of the record would have it read again and again.
-  Allowance offsets(group.data_bytes);
+  WorkBudget offsets(group.data_bytes);
   for (Column& column : columns) {
     if (!column.isInRecords() && offsets.take(column.storedBytes())) {
       elsewhere.push_back(&column);

@@ -3,8 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "reader/blocks/survey.h"
-#include "reader/blocks/walker.h"
+#include "reader/blocks/walk.h"
 
 namespace mdf_tools {
 
@@ -176,7 +175,7 @@ void checkNumbers(const Subject& subject, const BlockFields& block, std::uint32_
 
 void checkLinks(const Subject& subject, const BlockFields& block, std::uint32_t index) {
   const LinkCheck check(subject, block, index);
-  forEachSurveyedLink(
+  forEachWalkedLink(
       subject.file, block.raw(), subject.blocks[index],
       [&](std::uint64_t number, std::uint64_t target) { check.check(number, target); });
 }

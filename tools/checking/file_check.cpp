@@ -10,8 +10,7 @@
 #include "data_check.h"
 #include "field_check.h"
 #include "reader/blocks/raw_block.h"
-#include "reader/blocks/survey.h"
-#include "reader/blocks/walker.h"
+#include "reader/blocks/walk.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/offset_set.h"
 #include "reader/data/data_file.h"
@@ -242,11 +241,11 @@ std::uint64_t checkFile(InputFile& file, const FindingSink& report) {
   if (!checkIdentification(file, report)) {
     return 0;
   }
-  const BlockTable blocks = surveyBlocks(file);
+  const BlockTable blocks = walkBlocks(file, nullptr);
   DataFile data_file(file);
   const Space space(data_file, blocks);
   Reports reports(report);
-  Subject subject{file, blocks, data_file, space, reports.sink(), Allowance(file.size())};
+  Subject subject{file, blocks, data_file, space, reports.sink(), WorkBudget(file.size())};
   const FindingSink from_readers = [&](const Finding& finding) {
     reports.takeFromReader(
         {finding.code, finding.offset, finding.sentence, pathTo(subject, finding.offset)}, subject);

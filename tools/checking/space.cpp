@@ -5,8 +5,7 @@
 #include <string_view>
 
 #include "reader/blocks/raw_block.h"
-#include "reader/blocks/survey.h"
-#include "reader/blocks/walker.h"
+#include "reader/blocks/walk.h"
 #include "reader/bytes/input_file.h"
 #include "reader/data/data_block.h"
 
@@ -57,15 +56,7 @@ class StrayBytes {
 
 }  // namespace
 
-Space::Space(DataFile& file, const BlockTable& blocks) : file_(file) {
-  offsets_.reserve(blocks.size());
-  for (std::uint32_t index = 0; index < blocks.size(); ++index) {
-    offsets_.push_back(blocks[index].offset);
-  }
-  if (!std::is_sorted(offsets_.begin(), offsets_.end())) {
-    std::sort(offsets_.begin(), offsets_.end());
-  }
-}
+Space::Space(DataFile& file, const BlockTable& blocks) : file_(file), offsets_(blocks.offsets()) {}
 
 std::uint64_t Space::blockAround(std::uint64_t offset) const {
   const auto after = std::upper_bound(offsets_.begin(), offsets_.end(), offset);

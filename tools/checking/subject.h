@@ -6,8 +6,8 @@
 
 #include "reader/blocks/block_table.h"
 #include "reader/blocks/finding.h"
-#include "reader/bytes/allowance.h"
 #include "reader/bytes/input_file.h"
+#include "reader/bytes/work_budget.h"
 #include "reader/data/data_file.h"
 #include "space.h"
 
@@ -22,7 +22,7 @@ struct Subject {
   DataFile& data_file;
   const Space& space;
   const FindingSink& sink;
-  Allowance contents;  ///< bytes of texts, zipped data and attachments that may still be read
+  WorkBudget contents;  ///< bytes of texts, zipped data and attachments that may still be read
 
   /// Reports a problem of a block.
   void report(Code code, std::uint32_t index, const std::string& sentence) const {

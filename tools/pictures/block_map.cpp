@@ -7,7 +7,7 @@
 
 #include "block_family.h"
 #include "reader/blocks/raw_block.h"
-#include "reader/blocks/walker.h"
+#include "reader/blocks/walk.h"
 #include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
@@ -210,7 +210,7 @@ BlockMap MapMaker::make(const std::vector<std::uint64_t>& offsets) {
 }  // namespace
 
 BlockMap makeMap(InputFile& file, const FindingSink& report) {
-  return MapMaker(file).make(walkBlocks(file, report));
+  return MapMaker(file).make(walkBlocks(file, report).offsets());
 }
 
 Json mapAsJson(const BlockMap& map) {

@@ -8,7 +8,7 @@
 #include "framework/wire.h"
 #include "one_line.h"
 #include "reader/blocks/finding.h"
-#include "reader/blocks/walker.h"
+#include "reader/blocks/identification.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/number_texts.h"
 #include "reader/model/texts.h"

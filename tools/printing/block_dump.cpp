@@ -6,7 +6,7 @@
 
 #include "library_classes.h"
 #include "mdf_v4_10.h"
-#include "reader/blocks/walker.h"
+#include "reader/blocks/identification.h"
 #include "reader/bytes/input_file.h"
 #include "style.h"
 

@@ -10,7 +10,7 @@
 #include "framework/wire.h"
 #include "json_output.h"
 #include "reader/blocks/block_fields.h"
-#include "reader/blocks/walker.h"
+#include "reader/blocks/identification.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/number_texts.h"
 #include "reader/model/texts.h"

@@ -6,15 +6,17 @@
 #include <vector>
 
 #include "reader/blocks/block_fields.h"
-#include "reader/blocks/reading_limit.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/number_texts.h"
+#include "reader/bytes/work_budget.h"
 
 namespace mdf_tools {
 
 using namespace mdf_reader;
 
 namespace {
+
+constexpr std::uint64_t times_for_links = 4;
 
 class TreeWalk {
  public:
@@ -23,10 +25,10 @@ class TreeWalk {
       : file_(file),
         options_(options),
         visit_(visit),
-        limit_(file.size(), ignore_),
-        offsets_(walkBlocks(file, report, options.from)),
-        states_(offsets_.size(), State::unseen),
-        chains_(offsets_.size()) {}
+        budget_(file.size(), times_for_links),
+        blocks_(walkBlocks(file, report, options.from)),
+        states_(blocks_.size(), State::unseen),
+        chains_(blocks_.size()) {}
 
   void walk();
 
@@ -41,7 +43,7 @@ class TreeWalk {
   /// A block whose links are being visited.
   struct Level {
     BlockFields block;
-    std::size_t index;  ///< of its offset
+    std::uint32_t index;  ///< in the table
     std::size_t depth;
     std::uint64_t links;     ///< how many can be read
     std::uint64_t next = 0;  ///< the first of them that has not been visited
@@ -50,38 +52,29 @@ class TreeWalk {
     std::uint64_t in_list = 0;
   };
 
-  std::size_t indexOf(std::uint64_t offset) const;
-  bool isBlock(std::size_t index) const { return index < offsets_.size(); }
   std::uint64_t readLink(const BlockFields& block, std::uint64_t index);
   TreeEntry entryFor(const Level& level, std::size_t depth, std::uint64_t link,
                      std::uint64_t target);
-  void enter(const RawBlock& raw, std::size_t depth, std::size_t chain, std::uint64_t in_chain);
+  void enter(const RawBlock& raw, std::size_t depth, std::uint32_t chain, std::uint64_t in_chain);
   void followNextLink();
   void follow(const Level& level, std::uint64_t link, std::uint64_t target);
   void leaveOutRestOfList(Level& level, std::uint64_t link);
   void finish();
   void followChain(const Level& level, std::uint64_t target);
   void leaveOutRestOfChain(const Level& level, std::uint64_t target);
-  TreeEntry::Kind kindOf(std::size_t from, std::size_t target, bool in_chain) const;
+  TreeEntry::Kind kindOf(std::uint32_t from, std::uint32_t target, bool in_chain) const;
   void show(const TreeEntry& entry) { is_wanted_ = is_wanted_ && visit_(entry); }
 
   InputFile& file_;
   const TreeOptions& options_;
   const TreeVisitor& visit_;
-  const FindingSink ignore_ = [](const Finding& /*the walk reports the same*/) {};
-  ReadingLimit limit_;
-  std::vector<std::uint64_t> offsets_;
+  WorkBudget budget_;
+  BlockTable blocks_;
   std::vector<State> states_;
-  std::vector<std::size_t> chains_;  ///< index of the first block of the block's chain
+  std::vector<std::uint32_t> chains_;  ///< index of the first block of the block's chain
   std::vector<Level> levels_;
   bool is_wanted_ = true;
 };
-
-std::size_t TreeWalk::indexOf(std::uint64_t offset) const {
-  const auto found = std::lower_bound(offsets_.begin(), offsets_.end(), offset);
-  const bool is_there = found != offsets_.end() && *found == offset;
-  return is_there ? static_cast<std::size_t>(found - offsets_.begin()) : offsets_.size();
-}
 
 std::uint64_t TreeWalk::readLink(const BlockFields& block, std::uint64_t index) {
   std::array<char, RawBlock::link_size> bytes{};
@@ -92,8 +85,8 @@ std::uint64_t TreeWalk::readLink(const BlockFields& block, std::uint64_t index) 
 
 void TreeWalk::walk() {
   const auto root = readRawBlock(file_, options_.from);
-  const std::size_t index = indexOf(options_.from);
-  if (!root || !isBlock(index)) {
+  const std::uint32_t index = blocks_.find(options_.from);
+  if (!root || index == BlockTable::none) {
     return;
   }
   TreeEntry entry;
@@ -110,13 +103,13 @@ void TreeWalk::walk() {
   }
 }
 
-void TreeWalk::enter(const RawBlock& raw, std::size_t depth, std::size_t chain,
+void TreeWalk::enter(const RawBlock& raw, std::size_t depth, std::uint32_t chain,
                      std::uint64_t in_chain) {
-  const std::size_t index = indexOf(raw.offset);
+  const std::uint32_t index = blocks_.find(raw.offset);
   states_[index] = State::open;
   chains_[index] = chain;
   std::uint64_t links = linksThere(file_, raw);
-  if (depth >= options_.most_depth || !limit_.allows(raw, links * RawBlock::link_size)) {
+  if (depth >= options_.most_depth || !budget_.take(links * RawBlock::link_size)) {
     links = 0;
   }
   levels_.push_back({BlockFields(file_, raw), index, depth, links, 0, in_chain, "", 0});
@@ -170,8 +163,8 @@ void TreeWalk::leaveOutRestOfList(Level& level, std::uint64_t link) {
   show(entry);
 }
 
-TreeEntry::Kind TreeWalk::kindOf(std::size_t from, std::size_t target, bool in_chain) const {
-  if (!isBlock(target)) {
+TreeEntry::Kind TreeWalk::kindOf(std::uint32_t from, std::uint32_t target, bool in_chain) const {
+  if (target == BlockTable::none) {
     return TreeEntry::nothing;
   }
   switch (states_[target]) {
@@ -188,12 +181,13 @@ TreeEntry::Kind TreeWalk::kindOf(std::size_t from, std::size_t target, bool in_c
 
 void TreeWalk::follow(const Level& level, std::uint64_t link, std::uint64_t target) {
   TreeEntry entry = entryFor(level, level.depth + 1, link, target);
-  const std::size_t index = indexOf(target);
-  if (isBlock(index) && !options_.with_texts && entry.raw.type().contents == Contents::text) {
+  const std::uint32_t index = blocks_.find(target);
+  if (index != BlockTable::none && !options_.with_texts &&
+      entry.raw.type().contents == Contents::text) {
     return;
   }
   entry.kind = kindOf(level.index, index, false);
-  entry.was_left_out = isBlock(index) && states_[index] == State::left_out;
+  entry.was_left_out = index != BlockTable::none && states_[index] == State::left_out;
   show(entry);
   if (entry.kind == TreeEntry::block) {
     enter(entry.raw, entry.depth, index, 1);
@@ -213,10 +207,10 @@ void TreeWalk::finish() {
 }
 
 void TreeWalk::followChain(const Level& level, std::uint64_t target) {
-  const std::size_t index = indexOf(target);
+  const std::uint32_t index = blocks_.find(target);
   TreeEntry entry = entryFor(level, level.depth, next_link, target);
   entry.kind = kindOf(level.index, index, true);
-  entry.was_left_out = isBlock(index) && states_[index] == State::left_out;
+  entry.was_left_out = index != BlockTable::none && states_[index] == State::left_out;
   if (entry.kind == TreeEntry::block && level.in_chain >= options_.list_limit) {
     leaveOutRestOfChain(level, target);
     return;
@@ -230,14 +224,14 @@ void TreeWalk::followChain(const Level& level, std::uint64_t target) {
 void TreeWalk::leaveOutRestOfChain(const Level& level, std::uint64_t target) {
   TreeEntry entry = entryFor(level, level.depth, next_link, target);
   entry.kind = TreeEntry::left_out;
-  std::size_t from = level.index;
-  for (std::size_t index = indexOf(target); isBlock(index) && states_[index] == State::unseen;
-       index = indexOf(target)) {
+  std::uint32_t from = level.index;
+  for (std::uint32_t index = blocks_.find(target);
+       index != BlockTable::none && states_[index] == State::unseen; index = blocks_.find(target)) {
     ++entry.count;
     states_[index] = State::left_out;
     chains_[index] = chains_[level.index];
     from = index;
-    const auto raw = readRawBlock(file_, offsets_[index]);
+    const auto raw = readRawBlock(file_, blocks_[index].offset);
     target = 0;
     if (!raw || linksThere(file_, *raw) == 0) {
       break;
@@ -250,8 +244,8 @@ void TreeWalk::leaveOutRestOfChain(const Level& level, std::uint64_t target) {
   show(entry);
   if (target != 0) {
     TreeEntry last = entryFor(level, level.depth, next_link, target);
-    last.from = offsets_[from];
-    last.kind = kindOf(from, indexOf(target), true);
+    last.from = blocks_[from].offset;
+    last.kind = kindOf(from, blocks_.find(target), true);
     show(last);
   }
 }

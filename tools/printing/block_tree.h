@@ -9,7 +9,7 @@
 
 #include "reader/blocks/finding.h"
 #include "reader/blocks/raw_block.h"
-#include "reader/blocks/walker.h"
+#include "reader/blocks/walk.h"
 
 namespace mdf_reader {
 class InputFile;

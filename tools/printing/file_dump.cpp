@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "block_dump.h"
-#include "reader/blocks/reading_limit.h"
-#include "reader/blocks/walker.h"
+#include "reader/blocks/walk.h"
 #include "reader/bytes/input_file.h"
+#include "reader/bytes/work_budget.h"
 
 namespace mdf_tools {
 
@@ -38,11 +38,13 @@ bool BlockSelection::takes(std::string_view letters) const {
 void workOnBlocks(InputFile& file, const BlockSelection& selection, const BlockWork& work,
                   const std::ostream& os, const FindingSink& report) {
   const bool are_named = !selection.offsets.empty();
-  const auto offsets = are_named ? selection.offsets : walkBlocks(file, report);
+  const auto offsets = are_named ? selection.offsets : walkBlocks(file, report).offsets();
   if (!are_named) {
     workOnIdentification(file, selection, work);
   }
-  ReadingLimit limit(file.size(), report);
+  constexpr std::uint64_t times = 4;
+  WorkBudget budget(file.size(), times);
+  bool is_told = false;
   for (const std::uint64_t offset : offsets) {
     if (!os.good()) {
       return;
@@ -58,8 +60,11 @@ void workOnBlocks(InputFile& file, const BlockSelection& selection, const BlockW
     if (are_named) {
       checkExtent(file, *block, report);
     }
-    if (are_named || limit.allows(*block, std::min(block->length, file.sizeFrom(offset)))) {
+    if (are_named || budget.take(std::min(block->length, file.sizeFrom(offset)))) {
       work.on_block(*block);
+    } else if (!is_told) {
+      is_told = true;
+      reportOverlap(offset, report);
     }
   }
   checkThatNothingWasCutOff(file, report);

@@ -8,7 +8,7 @@
 #include "description/cnblock.h"
 #include "framework/wire.h"
 #include "reader/blocks/block_fields.h"
-#include "reader/blocks/walker.h"
+#include "reader/blocks/walk.h"
 #include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
@@ -106,7 +106,7 @@ void countBlocks(DataFile& data_file, FileSummary& summary, const FindingSink& r
   InputFile& file = data_file.bytes();
   summary.block_bytes = std::min(file.size(), header_block_offset);
   std::uint64_t covered = summary.block_bytes;
-  for (const std::uint64_t offset : walkBlocks(file, report)) {
+  for (const std::uint64_t offset : walkBlocks(file, report).offsets()) {
     const auto block = readRawBlock(file, offset);
     if (!block) {
       break;  // the file has been cut meanwhile

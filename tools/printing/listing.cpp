@@ -9,7 +9,7 @@
 #include "names.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/blocks/raw_block.h"
-#include "reader/blocks/walker.h"
+#include "reader/blocks/walk.h"
 #include "reader/bytes/digest.h"
 #include "reader/bytes/input_file.h"
 #include "reader/data/record_facts.h"
@@ -277,7 +277,7 @@ void listChannels(InputFile& file, const ListOptions& options, std::ostream& out
 
 void listBlocks(InputFile& file, const ListOptions& options, std::ostream& out,
                 const FindingSink& report) {
-  std::vector<std::uint64_t> offsets = walkBlocks(file, report);
+  std::vector<std::uint64_t> offsets = walkBlocks(file, report).offsets();
   sortBlocks(file, offsets, options.sort_column);
   const std::size_t width = std::max<std::size_t>(6, std::to_string(file.size()).size());
   if (!options.as_json) {

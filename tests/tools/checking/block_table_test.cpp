@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "reader/blocks/survey.h"
+#include "reader/blocks/walk.h"
 #include "reader/bytes/input_file.h"
 #include "tools/support/small_file.h"
 #include "tools/support/temp_file.h"
@@ -35,7 +35,7 @@ TEST(BlockTable, FindsManyBlocksByTheirOffsetsAndNoOthers) {
 std::string pathsOf(const FileBuilder& file) {
   const TempFile written(file.bytes());
   InputFile input(written.path());
-  const BlockTable blocks = mdf_reader::surveyBlocks(input);
+  const BlockTable blocks = mdf_reader::walkBlocks(input, nullptr);
   std::string paths;
   for (std::uint32_t index = 0; index < blocks.size(); ++index) {
     paths += std::to_string(blocks[index].offset) + ' ' + pathOf(input, blocks, index) + '\n';

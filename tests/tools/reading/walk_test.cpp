@@ -1,4 +1,4 @@
-#include "reader/blocks/walker.h"
+#include "reader/blocks/walk.h"
 
 #include <gtest/gtest.h>
 
@@ -30,8 +30,9 @@ std::string walked(const std::string& bytes) {
   const TempFile file(bytes);
   InputFile input(file.path());
   std::string findings;
-  const auto offsets =
-      walkBlocks(input, [&](const Finding& finding) { findings += findingLine(finding); });
+  const auto offsets = walkBlocks(input, [&](const Finding& finding) {
+                         findings += findingLine(finding);
+                       }).offsets();
   std::string text;
   for (const std::uint64_t offset : offsets) {
     const RawBlock block = *readRawBlock(input, offset);
@@ -46,17 +47,15 @@ std::string walkedFrom168(const std::string& bytes) {
   return walked(fileHead({168, 0, 0, 0, 0, 0}) + bytes);
 }
 
-TEST(Walker, HeaderBlockAlone) {
-  EXPECT_EQ(walked(fileHead({0, 0, 0, 0, 0, 0})), "##HD 64 104 6\n");
-}
+TEST(Walk, HeaderBlockAlone) { EXPECT_EQ(walked(fileHead({0, 0, 0, 0, 0, 0})), "##HD 64 104 6\n"); }
 
-TEST(Walker, UnfinishedFileIsAFile) {
+TEST(Walk, UnfinishedFileIsAFile) {
   std::string bytes = fileHead({0, 0, 0, 0, 0, 0});
   bytes.replace(0, 8, "UnFinMF ");
   EXPECT_EQ(walked(bytes), "##HD 64 104 6\n");
 }
 
-TEST(Walker, EveryLinkOfEveryBlockIsFollowed) {
+TEST(Walk, EveryLinkOfEveryBlockIsFollowed) {
   EXPECT_EQ(walked(fileHead({168, 208, 240, 264, 288, 312}) + unknownBlock({336, 360}) +
                    unknownBlock({384}) + unknownBlock({}) + unknownBlock({}) + unknownBlock({}) +
                    unknownBlock({}) + unknownBlock({}) + unknownBlock({}) + unknownBlock({})),
@@ -72,7 +71,7 @@ TEST(Walker, EveryLinkOfEveryBlockIsFollowed) {
             "##XX 384 24 0\n");
 }
 
-TEST(Walker, BlocksComeInFileOrderAndOnceEach) {
+TEST(Walk, BlocksComeInFileOrderAndOnceEach) {
   EXPECT_EQ(walked(fileHead({232, 168, 168, 200, 232, 0}) + unknownBlock({200}) +
                    unknownBlock({168}) + unknownBlock({200})),
             "##HD 64 104 6\n"
@@ -81,13 +80,13 @@ TEST(Walker, BlocksComeInFileOrderAndOnceEach) {
             "##XX 232 32 1\n");
 }
 
-TEST(Walker, BlocksThatNothingLinksToAreNotFound) {
+TEST(Walk, BlocksThatNothingLinksToAreNotFound) {
   EXPECT_EQ(walkedFrom168(unknownBlock({}) + unknownBlock({168})),
             "##HD 64 104 6\n"
             "##XX 168 24 0\n");
 }
 
-TEST(Walker, LinksToItselfAndInCirclesEnd) {
+TEST(Walk, LinksToItselfAndInCirclesEnd) {
   EXPECT_EQ(
       walked(fileHead({64, 168, 0, 0, 0, 0}) + unknownBlock({168, 208}) + unknownBlock({64, 168})),
       "##HD 64 104 6\n"
@@ -95,7 +94,7 @@ TEST(Walker, LinksToItselfAndInCirclesEnd) {
       "##XX 208 40 2\n");
 }
 
-TEST(Walker, BlockMayStandAtAnyByte) {
+TEST(Walk, BlockMayStandAtAnyByte) {
   EXPECT_EQ(
       walked(fileHead({171, 0, 0, 0, 0, 0}) + "abc" + unknownBlock({204}) + "d" + unknownBlock({})),
       "##HD 64 104 6\n"
@@ -103,15 +102,16 @@ TEST(Walker, BlockMayStandAtAnyByte) {
       "##XX 204 24 0\n");
 }
 
-TEST(Walker, BlockInsideTheIdentificationIsABlock) {
+TEST(Walk, NoBlockIsInsideTheIdentification) {
   std::string bytes = fileHead({32, 0, 0, 0, 0, 0});
   bytes.replace(32, 24, Bytes().header("XX", 24, 0));
   EXPECT_EQ(walked(bytes),
-            "##XX 32 24 0\n"
-            "##HD 64 104 6\n");
+            "##HD 64 104 6\n"
+            "64: expected link 0 of ##HD to lead to a block \"##\", found 32 (0x20) inside the "
+            "identification\n");
 }
 
-TEST(Walker, LinkOutsideTheFile) {
+TEST(Walk, LinkOutsideTheFile) {
   EXPECT_EQ(walkedFrom168(unknownBlock({208, 207, INT64_MAX})),
             "##HD 64 104 6\n"
             "##XX 168 48 3\n" +
@@ -119,25 +119,25 @@ TEST(Walker, LinkOutsideTheFile) {
                 linkOutside(168, "XX", 2, 216, INT64_MAX));
 }
 
-TEST(Walker, FirstByteAfterTheFileIsOutside) {
+TEST(Walk, FirstByteAfterTheFileIsOutside) {
   EXPECT_EQ(walked(fileHead({0, 167, 168, 169, 0, 0})),
             "##HD 64 104 6\n" + linkToCutHeader(64, "HD", 1, 1, 167) +
                 linkOutside(64, "HD", 2, 168, 168) + linkOutside(64, "HD", 3, 168, 169));
 }
 
-TEST(Walker, NegativeLink) {
+TEST(Walk, NegativeLink) {
   EXPECT_EQ(walked(fileHead({-1, 0, 0, 0, 0, INT64_MIN})),
             "##HD 64 104 6\n" + linkOutside(64, "HD", 0, 168, -1) +
                 linkOutside(64, "HD", 5, 168, INT64_MIN));
 }
 
-TEST(Walker, LinkToSomethingElseThanABlock) {
+TEST(Walk, LinkToSomethingElseThanABlock) {
   EXPECT_EQ(walked(fileHead({0, 65, 8, 0, 8, 0})),
             "##HD 64 104 6\n" + linkToNoBlock(64, "HD", 1, "#HD\\x00", 65) +
                 linkToNoBlock(64, "HD", 2, "4.10", 8) + linkToNoBlock(64, "HD", 4, "4.10", 8));
 }
 
-TEST(Walker, BadLinksHideNoGoodOnes) {
+TEST(Walk, BadLinksHideNoGoodOnes) {
   EXPECT_EQ(walkedFrom168(unknownBlock({-1, 1000, 8, 224}) + unknownBlock({})),
             "##HD 64 104 6\n"
             "##XX 168 56 4\n"
@@ -146,12 +146,12 @@ TEST(Walker, BadLinksHideNoGoodOnes) {
                 linkToNoBlock(168, "XX", 2, "4.10", 8));
 }
 
-TEST(Walker, FileTooShortForTheIdentification) {
+TEST(Walk, FileTooShortForTheIdentification) {
   EXPECT_EQ(walked(""), identificationCut(0));
   EXPECT_EQ(walked(fileHead({}).substr(0, 63)), identificationCut(63));
 }
 
-TEST(Walker, FileTooShortForTheHeaderBlock) {
+TEST(Walk, FileTooShortForTheHeaderBlock) {
   const std::string bytes = fileHead({0, 0, 0, 0, 0, 0});
   EXPECT_EQ(walked(bytes.substr(0, 64)), headerBlockCut(0));
   EXPECT_EQ(walked(bytes.substr(0, 87)), headerBlockCut(23));
@@ -159,12 +159,12 @@ TEST(Walker, FileTooShortForTheHeaderBlock) {
   EXPECT_EQ(walked(bytes.substr(0, 167)), "##HD 64 104 6\n" + blockCut(64, "HD", 104, 103));
 }
 
-TEST(Walker, NoMeasurementFile) {
+TEST(Walk, NoMeasurementFile) {
   EXPECT_EQ(walked(std::string(64, '\n') + "PNG." + std::string(100, 'x')),
             notMdf("\\x0a\\x0a\\x0a\\x0a\\x0a\\x0a\\x0a\\x0a") + noHeaderBlock("PNG."));
 }
 
-TEST(Walker, FilesOfEarlierVersionsAreNamed) {
+TEST(Walk, FilesOfEarlierVersionsAreNamed) {
   std::string bytes = fileHead({0, 0, 0, 0, 0, 0});
   bytes.replace(28, 2, Bytes().u16(330));
   bytes.replace(64, 4, std::string("HD\xA4\0", 4));
@@ -175,7 +175,7 @@ TEST(Walker, FilesOfEarlierVersionsAreNamed) {
             "0: expected a file of MDF 4, found one of MDF 2.01\n" + noHeaderBlock("HD\\xa4\\x00"));
 }
 
-TEST(Walker, DamagedIdentificationHidesNoBlocks) {
+TEST(Walk, DamagedIdentificationHidesNoBlocks) {
   std::string bytes = fileHead({168, 0, 0, 0, 0, 0}) + unknownBlock({});
   bytes[0] = 'm';
   EXPECT_EQ(walked(bytes),
@@ -184,7 +184,7 @@ TEST(Walker, DamagedIdentificationHidesNoBlocks) {
                 notMdf("mDF     "));
 }
 
-TEST(Walker, OtherBlockInTheHeaderBlocksPlace) {
+TEST(Walk, OtherBlockInTheHeaderBlocksPlace) {
   std::string bytes = fileHead({168, 0, 0, 0, 0, 0}) + unknownBlock({});
   bytes.replace(66, 2, "DG");
   EXPECT_EQ(walked(bytes),
@@ -193,7 +193,7 @@ TEST(Walker, OtherBlockInTheHeaderBlocksPlace) {
                 noHeaderBlock("##DG"));
 }
 
-TEST(Walker, LengthTooSmallForHeaderAndLinks) {
+TEST(Walk, LengthTooSmallForHeaderAndLinks) {
   EXPECT_EQ(walkedFrom168(Bytes().header("XX", 39, 2).links({208, 232}).str() + unknownBlock({}) +
                           unknownBlock({})),
             "##HD 64 104 6\n"
@@ -206,14 +206,14 @@ TEST(Walker, LengthTooSmallForHeaderAndLinks) {
                 lengthTooSmall(168, "XX", 0, 0));
 }
 
-TEST(Walker, BlockRunsPastTheEndOfTheFile) {
+TEST(Walk, BlockRunsPastTheEndOfTheFile) {
   EXPECT_EQ(walkedFrom168(Bytes().header("XX", 58, 4).links({64, -1, 64})),
             "##HD 64 104 6\n"
             "##XX 168 58 4\n" +
                 blockCut(168, "XX", 58, 48) + linkOutside(168, "XX", 1, 216, -1));
 }
 
-TEST(Walker, BothLengthAndLinkCountLie) {
+TEST(Walk, BothLengthAndLinkCountLie) {
   EXPECT_EQ(walkedFrom168(Bytes().header("XX", std::uint64_t{1} << 63U, UINT64_MAX).i64(64)),
             "##HD 64 104 6\n"
             "##XX 168 9223372036854775808 18446744073709551615\n" +
@@ -221,14 +221,14 @@ TEST(Walker, BothLengthAndLinkCountLie) {
                 blockCut(168, "XX", std::uint64_t{1} << 63U, 32));
 }
 
-TEST(Walker, LinkOfAHeaderListThatCountsNoneIsFollowed) {
+TEST(Walk, LinkOfAHeaderListThatCountsNoneIsFollowed) {
   EXPECT_EQ(walkedFrom168(Bytes().header("HL", 40, 0).i64(208).u64(0).str() + unknownBlock({})),
             "##HD 64 104 6\n"
             "##HL 168 40 0\n"
             "##XX 208 24 0\n");
 }
 
-TEST(Walker, LinksOfAChannelHierarchyThatCountsElementsAreFollowed) {
+TEST(Walk, LinksOfAChannelHierarchyThatCountsElementsAreFollowed) {
   EXPECT_EQ(
       walkedFrom168(Bytes().header("CH", 88, 5).links({0, 0, 0, 0, 64, 168, 256}).u64(1).str() +
                     unknownBlock({})),
@@ -248,31 +248,31 @@ std::string chain(std::size_t count) {
   return bytes;
 }
 
-TEST(Walker, ChainOfAMillionBlocksNeedsMemoryForTheBlocksAlone) {
+TEST(Walk, ChainOfAMillionBlocksNeedsMemoryForTheBlocksAlone) {
   const TempFile file(chain(million));
   InputFile input(file.path());
-  const AllocationLimit limit(40 * million);
+  const AllocationLimit limit(64 * million);
   const auto offsets =
-      walkBlocks(input, [](const Finding& finding) { FAIL() << finding.sentence; });
+      walkBlocks(input, [](const Finding& finding) { FAIL() << finding.sentence; }).offsets();
   ASSERT_EQ(offsets.size(), million + 1);
   for (std::size_t i = 1; i <= million; ++i) {
     ASSERT_EQ(offsets[i], 168 + 32 * (i - 1));
   }
 }
 
-TEST(Walker, ChainIsReadInLargePieces) {
+TEST(Walk, ChainIsReadInLargePieces) {
   const std::string bytes = chain(100000);
   const TempFile file(bytes);
   InputFile input(file.path());
   const FileReads reads;
   const auto offsets =
-      walkBlocks(input, [](const Finding& finding) { FAIL() << finding.sentence; });
+      walkBlocks(input, [](const Finding& finding) { FAIL() << finding.sentence; }).offsets();
   EXPECT_LT(reads.calls(), bytes.size() / 65536 + 20);
   EXPECT_LT(reads.bytes(), bytes.size() + 100000);
   EXPECT_EQ(offsets.size(), 100001U);
 }
 
-TEST(Walker, DataIsNotRead) {
+TEST(Walk, DataIsNotRead) {
   constexpr std::int64_t data_length = std::int64_t{1} << 36U;
   TempFile file(fileHead({0, 168, 0, 0, 0, 0}) + unknownBlock({208, 208 + data_length}) +
                 Bytes().header("DT", data_length, 0).str());
@@ -280,12 +280,12 @@ TEST(Walker, DataIsNotRead) {
   InputFile input(file.path());
   const FileReads reads;
   const auto offsets =
-      walkBlocks(input, [](const Finding& finding) { FAIL() << finding.sentence; });
+      walkBlocks(input, [](const Finding& finding) { FAIL() << finding.sentence; }).offsets();
   EXPECT_LT(reads.bytes(), 100000U);
   EXPECT_EQ(offsets, (std::vector<std::uint64_t>{64, 168, 208, std::uint64_t{208 + data_length}}));
 }
 
-TEST(Walker, MillionLinksNeedNoMemory) {
+TEST(Walk, MillionLinksNeedNoMemory) {
   Bytes bytes;
   bytes.header("XX", 24 + 8 * million, million);
   for (std::int64_t i = 0; i < std::int64_t{million}; i += 4) {
@@ -300,19 +300,19 @@ TEST(Walker, MillionLinksNeedNoMemory) {
   EXPECT_EQ(findings, million / 2);
 }
 
-TEST(Walker, FromAnotherBlock) {
+TEST(Walk, FromAnotherBlock) {
   const TempFile file(fileHead({0, 0, 0, 0, 0, 0}) + unknownBlock({200, 208}) + unknownBlock({0}));
   InputFile input(file.path());
   std::string findings;
   const auto report = [&](const Finding& finding) { findings += findingLine(finding); };
-  EXPECT_EQ(walkBlocks(input, report, 168), (std::vector<std::uint64_t>{168, 208}));
+  EXPECT_EQ(walkBlocks(input, report, 168).offsets(), (std::vector<std::uint64_t>{168, 208}));
   EXPECT_EQ(findings, linkToNoBlock(168, "XX", 0, "\\xd0\\x00\\x00\\x00", 200));
   findings.clear();
-  EXPECT_EQ(walkBlocks(input, report, 169), std::vector<std::uint64_t>());
+  EXPECT_EQ(walkBlocks(input, report, 169).offsets(), std::vector<std::uint64_t>());
   EXPECT_EQ(findings, "169: expected a block \"##\" at 169 (0xa9), found \"#XX\\x00\"\n");
 }
 
-TEST(Walker, BlocksThatOverlapAreFollowedInProportionToTheFile) {
+TEST(Walk, BlocksThatOverlapAreFollowedInProportionToTheFile) {
   constexpr std::uint64_t count = 20000;
   constexpr std::uint64_t end = 168 + 32 * count;
   Bytes bytes;
@@ -327,7 +327,7 @@ TEST(Walker, BlocksThatOverlapAreFollowedInProportionToTheFile) {
     ++findings;
     last = finding.sentence.rfind("expected blocks", 0) == 0 ? finding.sentence : last;
   });
-  EXPECT_LE(findings, 4 * end / 8 + 1);
+  EXPECT_LE(findings, 4 * end / 8 + 8 * count + 1);
   EXPECT_EQ(last,
             "expected blocks that do not overlap, found several times the file's bytes in "
             "overlapping blocks; some of them are skipped");
