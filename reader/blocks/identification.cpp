@@ -46,10 +46,7 @@ std::string otherVersion(const Identification& id) {
   if (text.size() >= 3 && is_digit(text[0]) && text[1] == '.' && is_digit(text[2])) {
     return text[0] == '4' ? "" : text;
   }
-  constexpr unsigned first = 400;
-  constexpr unsigned last = 499;
-  return id.version == 0 || (id.version >= first && id.version <= last) ? ""
-                                                                        : versionText(id.version);
+  return id.version == 0 || id.isVersion4() ? "" : versionText(id.version);
 }
 
 }  // namespace
@@ -72,7 +69,6 @@ Identification readIdentification(InputFile& file) {
 }
 
 std::optional<Finding> identificationFinding(InputFile& file) {
-  constexpr unsigned first_version = 400;
   if (file.size() < header_block_offset) {
     return Finding{Code::not_mdf, 0,
                    "expected 64 bytes of identification, " + upToTheEnd(file.size())};
@@ -83,26 +79,33 @@ std::optional<Finding> identificationFinding(InputFile& file) {
         Code::not_mdf, 0,
         "expected the file identifier \"MDF     \" or \"UnFinMF \", found " + quoted(id.file_word)};
   }
-  if (id.version != 0 && id.version < first_version) {
-    return Finding{Code::version_wrong, 0,
-                   "expected a file of MDF 4, found one of MDF " + versionText(id.version)};
+  const std::string version = otherVersion(id);
+  if (version.empty()) {
+    return std::nullopt;
   }
-  return std::nullopt;
+  return Finding{Code::version_wrong, 0, "expected a file of MDF 4, found one of MDF " + version};
 }
 
-std::optional<Refusal> refusalOf(InputFile& file) {
+std::optional<Unreadable> refusalOf(InputFile& file) {
+  if (!file.problem().empty()) {
+    return Unreadable(file.problem(), {Code::request_failed, 0, file.problem()});
+  }
+  const auto refusal = [&](Code code, const std::string& sentence) {
+    return Unreadable(file.name() + ": " + sentence, {code, 0, sentence});
+  };
   const Identification id = readIdentification(file);
   const bool is_mdf = id.isFinished() || id.isUnfinished();
   if (file.size() >= header_block_offset && hasHeaderBlock(file)) {
     return std::nullopt;
   }
   if (!is_mdf || file.size() < header_block_offset) {
-    return Refusal{false, "this is not an MDF file: " + strangeness(file, is_mdf)};
+    return refusal(Code::not_mdf, "this is not an MDF file: " + strangeness(file, is_mdf));
   }
   const std::string version = otherVersion(id);
-  return version.empty()
-             ? std::nullopt
-             : std::optional(Refusal{true, "this is MDF " + version + "; only 4.x is read"});
+  if (version.empty()) {
+    return std::nullopt;
+  }
+  return refusal(Code::version_wrong, "this is MDF " + version + "; only 4.x is read");
 }
 
 }  // namespace mdf_reader

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "finding.h"
+#include "unreadable.h"
 
 namespace mdf_reader {
 
@@ -34,22 +35,19 @@ struct Identification {
   };
 
   bool isFinished() const;
+  /// Whether the number is one of MDF 4.
+  bool isVersion4() const { return version >= 400 && version < 500; }
   bool isUnfinished() const;
 };
 
 Identification readIdentification(InputFile& file);
 
-/// Why a file cannot be read at all.
-struct Refusal {
-  bool is_other_version;  ///< of MDF; otherwise it is not an MDF file
-  std::string sentence;   ///< to follow the file's name and a colon
-};
-
+/// Why a file cannot be read at all: it cannot be opened, is no MDF file or one of another version.
 /// Nothing for a file of MDF 4, whatever is wrong with it, and for any that has a header block
 /// where it should be.
-std::optional<Refusal> refusalOf(InputFile& file);
+std::optional<Unreadable> refusalOf(InputFile& file);
 
-/// What is wrong in the first 64 bytes for a file of MDF 4.
+/// What is wrong in the first 64 bytes of a file that is read.
 std::optional<Finding> identificationFinding(InputFile& file);
 
 }  // namespace mdf_reader

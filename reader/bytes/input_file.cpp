@@ -19,9 +19,10 @@ namespace mdf_reader {
 
 namespace {
 
-[[noreturn]] void fail(const std::string& what, const std::string& name, int error) {
-  throw UnreadableFile("cannot " + what + " " + name + ": " +
-                       std::generic_category().message(error));
+/// No file, and why there is none.
+Descriptor failed(const std::string& what, const std::string& name, std::string& problem) {
+  problem = "cannot " + what + " " + name + ": " + std::generic_category().message(errno);
+  return Descriptor(-1);
 }
 
 bool writeAll(int file, const char* bytes, std::size_t count) {
@@ -37,15 +38,15 @@ bool writeAll(int file, const char* bytes, std::size_t count) {
 }
 
 /// All that a source still has to give, as a file without a name in memory.
-Descriptor readIntoMemory(int source, const std::string& name) {
+Descriptor readIntoMemory(int source, const std::string& name, std::string& problem) {
   Descriptor memory(memfd_create("mdf", MFD_CLOEXEC));
   if (memory.number() < 0) {
-    fail("read", name, errno);
+    return failed("read", name, problem);
   }
   std::array<char, 65536> piece;
   while (const ssize_t count = read(source, piece.data(), piece.size())) {
     if (count < 0 || !writeAll(memory.number(), piece.data(), static_cast<std::size_t>(count))) {
-      fail("read", name, errno);
+      return failed("read", name, problem);
     }
   }
   return memory;
@@ -57,19 +58,19 @@ bool hasOffsets(int file) {
   return fstat(file, &status) == 0 && S_ISREG(status.st_mode) && lseek(file, 0, SEEK_END) >= 0;
 }
 
-Descriptor openPath(const std::string& path) {
+Descriptor openPath(const std::string& path, std::string& problem) {
   Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (file.number() < 0) {
-    fail("open", path, errno);
+    return failed("open", path, problem);
   }
-  return hasOffsets(file.number()) ? std::move(file) : readIntoMemory(file.number(), path);
+  return hasOffsets(file.number()) ? std::move(file) : readIntoMemory(file.number(), path, problem);
 }
 
 }  // namespace
 
 InputFile::InputFile(const std::string& path)
     : name_(path == "-" ? "standard input" : path),
-      file_(path == "-" ? readIntoMemory(STDIN_FILENO, name_) : openPath(path)),
+      file_(path == "-" ? readIntoMemory(STDIN_FILENO, name_, problem_) : openPath(path, problem_)),
       buffer_(file_),
       stream_(&buffer_),
       size_(file_.size()) {}

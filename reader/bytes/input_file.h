@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <functional>
 #include <istream>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -14,19 +13,16 @@
 
 namespace mdf_reader {
 
-/// A file that cannot be opened or read at all; what() is one sentence that names it.
-class UnreadableFile : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
 /// The bytes of a file, at any offset. A regular file is read in place, however large; standard
 /// input and pipes, which have no offsets, are read into memory first.
 class InputFile {
  public:
+  /// A file that cannot be opened or read has no bytes, but a problem.
   /// @param path the file's name; "-" is standard input.
-  /// @throws UnreadableFile
   explicit InputFile(const std::string& path);
+
+  /// Why the file cannot be opened or read, a sentence that names it; "" when it can.
+  const std::string& problem() const { return problem_; }
 
   /// What messages call the file.
   const std::string& name() const { return name_; }
@@ -54,6 +50,7 @@ class InputFile {
 
  private:
   std::string name_;
+  std::string problem_;
   PagedFile file_;
   FileBuffer buffer_;
   std::istream stream_;

@@ -18,7 +18,7 @@ constexpr std::size_t most_findings = 1000;
 /// Throws before anything of a file that cannot be read is looked at.
 InputFile& readable(InputFile& file) {
   if (const auto refusal = refusalOf(file)) {
-    throw UnreadableFile(file.name() + ": " + refusal->sentence);
+    throw Unreadable(*refusal);
   }
   return file;
 }

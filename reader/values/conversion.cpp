@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
-#include <stdexcept>
 #include <utility>
 #include <variant>
 
@@ -62,6 +61,8 @@ class Rational : public NumberConversion {
 class Algebraic : public NumberConversion {
  public:
   explicit Algebraic(const std::string& formula) : formula_(formula) {}
+
+  const std::string& problem() const { return formula_.problem(); }
 
  private:
   Value of(double number, const Value& /*raw*/) override { return formula_.at(number); }
@@ -312,14 +313,14 @@ std::unique_ptr<Conversion> ConversionMaker::algebraic() {
     return nullptr;
   }
   const std::string* text = all_.textAt(references_[0]);
-  try {
-    return std::make_unique<Algebraic>(text == nullptr ? "" : *text);
-  } catch (const std::invalid_argument& error) {
-    report("expected a formula that can be evaluated, found " +
-           printable(text == nullptr ? "none" : "\"" + *text + "\"") + ": " +
-           printable(error.what()));
-    return nullptr;
+  auto conversion = std::make_unique<Algebraic>(text == nullptr ? "" : *text);
+  if (conversion->problem().empty()) {
+    return conversion;
   }
+  report("expected a formula that can be evaluated, found " +
+         printable(text == nullptr ? "none" : "\"" + *text + "\"") + ": " +
+         printable(conversion->problem()));
+  return nullptr;
 }
 
 RangeTable ConversionMaker::ranges(std::size_t count, std::size_t step) const {

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -119,7 +118,8 @@ struct Formula::Parser {
 
 Formula::Formula(const std::string& text) : parser_(std::make_unique<Parser>()) {
   if (text.size() > longest) {
-    throw std::invalid_argument("a formula of " + std::to_string(text.size()) + " characters");
+    problem_ = "a formula of " + std::to_string(text.size()) + " characters";
+    return;
   }
   try {
     mu::Parser& parser = parser_->parser;
@@ -133,7 +133,7 @@ Formula::Formula(const std::string& text) : parser_(std::make_unique<Parser>()) 
     parser.SetExpr(text);
     parser.Eval();
   } catch (const mu::ParserError& error) {
-    throw std::invalid_argument(error.GetMsg());
+    problem_ = error.GetMsg();
   }
 }
 

@@ -14,11 +14,13 @@ namespace mdf_reader {
 /// floor, ceil, rint, trunc, min, max, sum, avg; and the constant pi.
 class Formula {
  public:
-  /// @throws std::invalid_argument that says what is wrong with the formula.
   explicit Formula(const std::string& text);
   ~Formula();
   Formula(const Formula&) = delete;
   Formula& operator=(const Formula&) = delete;
+
+  /// What is wrong with the formula, which then has no values; "" for nothing.
+  const std::string& problem() const { return problem_; }
 
   /// The value at X = x; not a number where there is none.
   double at(double x);
@@ -26,6 +28,7 @@ class Formula {
  private:
   struct Parser;
   std::unique_ptr<Parser> parser_;
+  std::string problem_;
 };
 
 }  // namespace mdf_reader

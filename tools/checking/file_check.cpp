@@ -55,9 +55,7 @@ std::string openThings(const Identification& id) {
 }
 
 void checkVersion(const Identification& id, const FindingSink& report) {
-  constexpr unsigned first = 400;
-  constexpr unsigned last = 499;
-  if (id.version < first || id.version > last) {
+  if (!id.isVersion4()) {
     report({Code::version_wrong, 0,
             "expected a version number from 400 to 499, found " + std::to_string(id.version)});
     return;
@@ -74,13 +72,12 @@ void checkVersion(const Identification& id, const FindingSink& report) {
 /// Whether there is a header block to go on from.
 bool checkIdentification(InputFile& file, const FindingSink& report) {
   if (const auto refusal = refusalOf(file)) {
-    const Code code = refusal->is_other_version ? Code::version_wrong : Code::not_mdf;
-    report({code, 0, refusal->sentence});
+    report(refusal->finding());
     return false;
   }
   const Identification id = readIdentification(file);
   const bool has_header = hasHeaderBlock(file);
-  if (id.file_word != "MDF     " && !id.isUnfinished()) {
+  if (!id.isFinished() && !id.isUnfinished()) {
     report(
         {Code::not_mdf, 0,
          "expected \"MDF     \" or \"UnFinMF \" at the beginning, found " + quoted(id.file_word)});
@@ -92,7 +89,7 @@ bool checkIdentification(InputFile& file, const FindingSink& report) {
             "expected a finished file, found an unfinished one; still open: " + openThings(id)});
   }
   // Files of other versions have something else there.
-  if (!has_header && id.version >= 400 && id.version <= 499) {
+  if (!has_header && id.isVersion4()) {
     std::array<char, 4> bytes{};
     const std::size_t count = file.readAt(header_block_offset, bytes.data(), bytes.size());
     report({Code::header_missing, header_block_offset,

@@ -37,9 +37,9 @@ int onFile(const std::string& path, bool is_one_of_several, Input input, std::os
   int exit_code = exit_fine;
   try {
     InputFile file(path);
-    const auto refusal = input == Input::mdf4 ? refusalOf(file) : std::nullopt;
-    if (refusal) {
-      throw UnreadableFile(file.name() + ": " + refusal->sentence);
+    const auto refusal = refusalOf(file);
+    if (refusal && (input == Input::mdf4 || !file.problem().empty())) {
+      throw Unreadable(*refusal);
     }
     std::optional<Progress> progress;
     if (wantsProgress()) {
@@ -53,7 +53,7 @@ int onFile(const std::string& path, bool is_one_of_several, Input input, std::os
       exit_code = exit_problem;
     };
     work({file, out, report, path, is_one_of_several});
-  } catch (const UnreadableFile& error) {
+  } catch (const Unreadable& error) {
     complain(error.what());
     exit_code = exit_unusable;
   } catch (const std::bad_alloc&) {

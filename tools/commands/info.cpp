@@ -26,6 +26,9 @@ int printDocument(const std::vector<std::string>& paths) {
   const int exit_code = onEachFile(paths, [&](const FileContext& context) {
     files.push_back(infoAsJson(context.file, context.report));
   });
+  if (files.empty()) {
+    return exit_code;
+  }
   return std::max(
       exit_code,
       printToOutput(jsonDocument({{"schema", json_schema}, {"files", std::move(files)}}) + '\n'));

@@ -119,6 +119,9 @@ Json pointsAsJson(const std::vector<Point>& points) {
 int printJson(const Request& request) {
   std::vector<Curve> curves;
   const int exit_code = collect(request, ChartForm().width, curves);
+  if (exit_code == exit_unusable && curves.empty()) {
+    return exit_code;
+  }
   Json array = Json::array();
   for (const Curve& curve : curves) {
     array.push_back({{"name", curve.name},

@@ -19,25 +19,28 @@ namespace {
 
 /// The words of each command that reads files; the file's name is added.
 const std::vector<std::vector<std::string>>& readingCommands() {
-  static const std::vector<std::vector<std::string>> commands = {{"info"},
-                                                                 {"list", "channels"},
-                                                                 {"list", "blocks"},
-                                                                 {"list", "attachments"},
-                                                                 {"list", "events"},
-                                                                 {"tree"},
-                                                                 {"tree", "--json"},
-                                                                 {"dump"},
-                                                                 {"dump", "--hex"},
-                                                                 {"dump", "--json"},
-                                                                 {"dump", "--library"},
-                                                                 {"dump", "--at", "64"},
-                                                                 {"graph", "--json"},
-                                                                 {"graph", "--map", "--json"},
-                                                                 {"graph", "-o", "-"},
-                                                                 {"export"},
-                                                                 {"export", "--group", "1"},
-                                                                 {"plot", "-c", "*", "--file"},
-                                                                 {"extract"}};
+  static const std::vector<std::vector<std::string>> commands = {
+      {"info"},
+      {"info", "--json"},
+      {"list", "channels"},
+      {"list", "blocks"},
+      {"list", "attachments"},
+      {"list", "events"},
+      {"tree"},
+      {"tree", "--json"},
+      {"dump"},
+      {"dump", "--hex"},
+      {"dump", "--json"},
+      {"dump", "--library"},
+      {"dump", "--at", "64"},
+      {"graph", "--json"},
+      {"graph", "--map", "--json"},
+      {"graph", "-o", "-"},
+      {"export"},
+      {"export", "--group", "1"},
+      {"plot", "-c", "*", "--file"},
+      {"plot", "--json", "-c", "*", "--file"},
+      {"extract"}};
   return commands;
 }
 

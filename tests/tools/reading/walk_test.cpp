@@ -166,10 +166,12 @@ TEST(Walk, NoMeasurementFile) {
 
 TEST(Walk, FilesOfEarlierVersionsAreNamed) {
   std::string bytes = fileHead({0, 0, 0, 0, 0, 0});
+  bytes.replace(8, 4, "3.30");
   bytes.replace(28, 2, Bytes().u16(330));
   bytes.replace(64, 4, std::string("HD\xA4\0", 4));
   EXPECT_EQ(walked(bytes),
             "0: expected a file of MDF 4, found one of MDF 3.30\n" + noHeaderBlock("HD\\xa4\\x00"));
+  bytes.replace(8, 4, "2.01");
   bytes.replace(28, 2, Bytes().u16(201));
   EXPECT_EQ(walked(bytes),
             "0: expected a file of MDF 4, found one of MDF 2.01\n" + noHeaderBlock("HD\\xa4\\x00"));

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <stdexcept>
 #include <string>
 
 using mdf_reader::Formula;
@@ -55,11 +54,11 @@ TEST(Formula, WhereThereIsNoValue) {
 }
 
 TEST(Formula, WhatIsNoFormulaIsRefused) {
-  EXPECT_THROW(Formula(""), std::invalid_argument);
-  EXPECT_THROW(Formula("2*"), std::invalid_argument);
-  EXPECT_THROW(Formula("Y+1"), std::invalid_argument);
-  EXPECT_THROW(Formula("system(1)"), std::invalid_argument);
-  EXPECT_THROW(Formula(std::string(5000, '1')), std::invalid_argument);
+  EXPECT_NE(Formula("").problem(), "");
+  EXPECT_NE(Formula("2*").problem(), "");
+  EXPECT_NE(Formula("Y+1").problem(), "");
+  EXPECT_NE(Formula("system(1)").problem(), "");
+  EXPECT_NE(Formula(std::string(5000, '1')).problem(), "");
 }
 
 TEST(Formula, DeepNestingIsEitherAFormulaOrRefused) {
