@@ -4,6 +4,7 @@ install(TARGETS mdf_reader EXPORT mdf-reader-targets ARCHIVE COMPONENT reader)
 set(mdf_reader_headers
   mdf_reader.h
   blocks/codes.h blocks/finding.h blocks/identification.h blocks/unreadable.h
+  bytes/printable.h
   data/record_count.h
   measurement/measurement.h measurement/row.h
   model/attachments.h model/description.h model/events.h model/hierarchy.h model/history.h model/texts.h

@@ -9,9 +9,9 @@
 #include "expect.h"
 #include "finding_check.h"
 #include "printing/json_output.h"
-#include "printing/one_line.h"
 #include "printing/text_table.h"
 #include "reader/bytes/input_file.h"
+#include "reader/bytes/printable.h"
 #include "support/allocation_counter.h"
 
 namespace mdf_fuzz {
@@ -49,7 +49,7 @@ class Lines : public std::streambuf {
         expect(mdf_tools::Json::accept(line_), "lines of JSON");
         break;
       case Kind::harmless:
-        expect(mdf_tools::oneLine(line_, line_.size() + 1) == line_,
+        expect(mdf_reader::printable(line_, mdf_reader::Harmless::utf8) == line_,
                "lines of characters that do no harm");
         break;
       case Kind::printed:

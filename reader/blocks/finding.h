@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "../bytes/printable.h"
 #include "codes.h"
 
 namespace mdf_reader {
@@ -23,12 +24,6 @@ using FindingSink = std::function<void(const Finding&)>;
 
 /// A number as people look for it in a dump and in a hex viewer: "64 (0x40)".
 std::string decimalAndHex(std::uint64_t number);
-
-/// Bytes on one line, whatever they are: bytes that are not ASCII characters become "\x1b".
-std::string printable(std::string_view bytes);
-
-/// The same in quotation marks.
-std::string quoted(std::string_view bytes);
 
 /// "found 12 up to the file's end".
 std::string upToTheEnd(std::uint64_t bytes);

@@ -14,8 +14,8 @@
 #include "pictures/block_map.h"
 #include "pictures/drawing_program.h"
 #include "printing/json_output.h"
-#include "printing/one_line.h"
 #include "reader/bytes/input_file.h"
+#include "reader/bytes/printable.h"
 
 namespace mdf_tools {
 
@@ -99,7 +99,7 @@ void Picture::addJson(const FileContext& context, const Json& drawn) {
 }
 
 void Picture::add(const FileContext& context) {
-  const std::string title = oneLine(context.file.name(), 100);
+  const std::string title = printable(context.file.name(), Harmless::utf8, 100);
   const std::string prefix = 'f' + std::to_string(count_++) + '_';
   if (arguments_.is_map) {
     const BlockMap map = makeMap(context.file, context.report);

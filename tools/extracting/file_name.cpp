@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "printing/one_line.h"
+#include "reader/bytes/printable.h"
 
 namespace mdf_tools {
 
@@ -46,7 +46,7 @@ std::string safeFileName(std::string_view stored) {
 std::string safeNamePart(std::string_view stored) {
   constexpr std::size_t most_characters = 40;
   constexpr std::string_view forbidden = "/\\:*?\"<>|";
-  std::string part = oneLine(stored, most_characters);
+  std::string part = mdf_reader::printable(stored, mdf_reader::Harmless::utf8, most_characters);
   std::replace_if(
       part.begin(), part.end(),
       [&](char character) { return forbidden.find(character) != std::string_view::npos; }, '_');

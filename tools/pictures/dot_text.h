@@ -11,7 +11,7 @@ namespace mdf_tools {
 enum class DotLines { centred, left, right };
 
 /// A text as a quoted string of the DOT language that shows every character as it is; line feeds
-/// begin new lines. The text is UTF-8 without other control characters; see oneLine().
+/// begin new lines. The text is UTF-8 without other control characters; see printable().
 std::string dotString(std::string_view text, DotLines lines = DotLines::centred);
 
 /// Breaks a line of more than `width` characters into several, at blanks if there are any.

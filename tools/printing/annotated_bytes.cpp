@@ -6,11 +6,11 @@
 
 #include "block_dump.h"
 #include "framework/wire.h"
-#include "one_line.h"
 #include "reader/blocks/finding.h"
 #include "reader/blocks/identification.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/number_texts.h"
+#include "reader/bytes/printable.h"
 #include "reader/model/texts.h"
 
 namespace mdf_tools {
@@ -163,7 +163,7 @@ void annotateText(InputFile& file, const BlockFields& fields, std::uint64_t most
   const std::string text = readText(file, fields.offset(), most_bytes).value_or("");
   for (std::size_t begin = 0; begin < text.size();) {
     const std::size_t end = std::min(text.find('\n', begin), text.size());
-    lines.note("  " + oneLine(std::string_view(text).substr(begin, end - begin), text.size()));
+    lines.note("  " + printable(std::string_view(text).substr(begin, end - begin), Harmless::utf8));
     begin = end + 1;
   }
   if (text.size() == most_bytes && most_bytes < fields.tailBytes()) {

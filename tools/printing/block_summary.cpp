@@ -5,11 +5,11 @@
 
 #include "mdf_v4_10.h"
 #include "names.h"
-#include "one_line.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/blocks/later_types.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/number_texts.h"
+#include "reader/bytes/printable.h"
 #include "reader/model/texts.h"
 #include "stored_time.h"
 
@@ -83,7 +83,7 @@ class Summarizer {
 
 std::string Summarizer::text(std::uint64_t offset) const {
   const auto stored = readText(file_, offset, most_text_bytes);
-  return stored ? oneLine(plainText(*stored), most_name_characters) : "";
+  return stored ? printable(plainText(*stored), Harmless::utf8, most_name_characters) : "";
 }
 
 void Summarizer::time(std::string_view key, const std::string& prefix) {

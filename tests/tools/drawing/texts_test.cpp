@@ -6,24 +6,27 @@
 
 #include "pictures/block_family.h"
 #include "pictures/dot_text.h"
-#include "printing/one_line.h"
+#include "reader/bytes/printable.h"
 
 using mdf_tools::BlockFamily;
 using mdf_tools::dotString;
 using mdf_tools::familyOf;
-using mdf_tools::oneLine;
 using mdf_tools::wrapped;
 
 namespace {
 
-TEST(OneLine, KeepsCharactersInUtf8) {
+std::string oneLine(const std::string& text, std::size_t most) {
+  return mdf_reader::printable(text, mdf_reader::Harmless::utf8, most);
+}
+
+TEST(Printable, KeepsCharactersInUtf8) {
   const std::string text =
       "km/h \xc2\xb5 \xe2\x82\xac \xed\x9f\xbf \xf0\x9f\x9a\x97 \xf4\x8f\xbf\xbd~";
   EXPECT_EQ(oneLine(text, 100), text);
   EXPECT_EQ(oneLine("", 100), "");
 }
 
-TEST(OneLine, EscapesBytesThatAreNoCharacters) {
+TEST(Printable, EscapesBytesThatAreNoCharacters) {
   EXPECT_EQ(oneLine("\x80 \xc1\xbf \xc2", 100), "\\x80 \\xc1\\xbf \\xc2");
   EXPECT_EQ(oneLine("\xe0\x9f\xbf", 100), "\\xe0\\x9f\\xbf");           // longer than needed
   EXPECT_EQ(oneLine("\xed\xa0\x80", 100), "\\xed\\xa0\\x80");           // a surrogate
@@ -33,7 +36,7 @@ TEST(OneLine, EscapesBytesThatAreNoCharacters) {
   EXPECT_EQ(oneLine("\xff\xfe", 100), "\\xff\\xfe");
 }
 
-TEST(OneLine, EscapesWhatControlsATerminal) {
+TEST(Printable, EscapesWhatControlsATerminal) {
   EXPECT_EQ(oneLine(std::string("a\0b", 3), 100), "a\\x00b");
   EXPECT_EQ(oneLine("\n\t\x1b\x7f", 100), "\\x0a\\x09\\x1b\\x7f");
   EXPECT_EQ(oneLine("\xc2\x80\xc2\x9f\xc2\xa0", 100), "\\xc2\\x80\\xc2\\x9f\xc2\xa0");
@@ -43,7 +46,7 @@ TEST(OneLine, EscapesWhatControlsATerminal) {
             "\\xef\\xbf\\xbe\\xef\\xbf\\xbf\xef\xbf\xbd");
 }
 
-TEST(OneLine, CutsAtCharacters) {
+TEST(Printable, CutsAtCharacters) {
   EXPECT_EQ(oneLine("abcdef", 6), "abcdef");
   EXPECT_EQ(oneLine("abcdefg", 6), "abc...");
   EXPECT_EQ(oneLine("\xc2\xb5\xc2\xb5\xc2\xb5\xc2\xb5\xc2\xb5", 4), "\xc2\xb5...");

@@ -1,9 +1,9 @@
-#include "one_line.h"
+#include "printable.h"
 
 #include <array>
 #include <cstdint>
 
-namespace mdf_tools {
+namespace mdf_reader {
 
 namespace {
 
@@ -79,7 +79,7 @@ std::string escaped(std::string_view bytes) {
 
 }  // namespace
 
-std::string oneLine(std::string_view text, std::size_t most) {
+std::string printable(std::string_view text, Harmless harmless, std::size_t most) {
   std::string line;
   std::size_t kept = 0;  // bytes of the line when it is cut
   for (std::size_t count = 0; !text.empty(); ++count) {
@@ -88,7 +88,8 @@ std::string oneLine(std::string_view text, std::size_t most) {
     }
     const std::size_t size = characterSize(text);
     const std::string_view character = text.substr(0, size == 0 ? 1 : size);
-    const bool stays = size != 0 && isHarmless(codePoint(character));
+    const bool stays =
+        size != 0 && (size == 1 || harmless == Harmless::utf8) && isHarmless(codePoint(character));
     line += stays ? std::string(character) : escaped(character);
     text.remove_prefix(character.size());
     if (count + 3 < most) {
@@ -98,4 +99,6 @@ std::string oneLine(std::string_view text, std::size_t most) {
   return line;
 }
 
-}  // namespace mdf_tools
+std::string quoted(std::string_view bytes) { return '"' + printable(bytes) + '"'; }
+
+}  // namespace mdf_reader
