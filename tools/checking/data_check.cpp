@@ -11,6 +11,7 @@
 #include "reader/bytes/digest.h"
 #include "reader/bytes/inflate.h"
 #include "reader/data/data_block.h"
+#include "reader/model/attachment_reading.h"
 
 namespace mdf_tools {
 
@@ -22,18 +23,15 @@ using mdf_v4_10::detail::loadLe;
 
 namespace {
 
-/// Inflates the data of a block, and reports when it is not what the block says.
-std::optional<std::string> inflateChecked(const Subject& subject, std::uint32_t index,
-                                          std::uint64_t offset, std::uint64_t size,
-                                          std::uint64_t stated) {
-  std::string stream(hostSize(size), '\0');
-  stream.resize(subject.file.readAt(offset, stream.data(), stream.size()));
-  Inflated inflated = inflate(stream, stated);
+/// Reports data that does not inflate to what its block says.
+/// @param found how many bytes it came to
+void reportInflating(const Subject& subject, std::uint32_t index, std::uint64_t size,
+                     std::uint64_t stated, Inflating state, std::uint64_t found) {
   const std::string expected = "expected " + std::to_string(size) + " bytes that inflate to " +
                                std::to_string(stated) + ", found ";
-  switch (inflated.state) {
+  switch (state) {
     case Inflating::fine:
-      return std::move(inflated.bytes);
+      break;
     case Inflating::broken:
       subject.report(Code::zip_broken, index, expected + "that they cannot be inflated");
       break;
@@ -41,29 +39,25 @@ std::optional<std::string> inflateChecked(const Subject& subject, std::uint32_t 
       subject.report(Code::zip_original_length_wrong, index, expected + "more");
       break;
     case Inflating::too_short:
-      subject.report(Code::zip_original_length_wrong, index,
-                     expected + std::to_string(inflated.bytes.size()));
+      subject.report(Code::zip_original_length_wrong, index, expected + std::to_string(found));
       break;
   }
-  return std::nullopt;
 }
 
 /// Whether the sizes of an attachment fit each other and the block.
-bool checkSizes(const Subject& subject, const BlockFields& block, std::uint32_t index,
-                bool is_compressed) {
-  const std::uint64_t embedded = block.number("at_embedded_size");
-  const std::uint64_t original = block.number("at_original_size");
-  if (embedded > block.tailBytes()) {
+bool checkSizes(const Subject& subject, const Attachment& attachment, std::uint32_t index) {
+  if (attachment.data_there < attachment.embedded_size) {
     subject.report(Code::attachment_length_wrong, index,
-                   "expected the " + std::to_string(embedded) +
+                   "expected the " + std::to_string(attachment.embedded_size) +
                        " embedded bytes in the block, found room for " +
-                       std::to_string(block.tailBytes()));
+                       std::to_string(attachment.data_there));
     return false;
   }
-  if (!is_compressed && embedded != original) {
+  if (!attachment.is_compressed && attachment.embedded_size != attachment.original_size) {
     subject.report(Code::attachment_length_wrong, index,
                    "expected as many embedded bytes as the original has, found " +
-                       std::to_string(embedded) + " and " + std::to_string(original));
+                       std::to_string(attachment.embedded_size) + " and " +
+                       std::to_string(attachment.original_size));
     return false;
   }
   return true;
@@ -153,31 +147,20 @@ std::optional<std::uint64_t> dataBytesOf(const Subject& subject, std::uint64_t o
 }
 
 void checkAttachment(Subject& subject, const BlockFields& block, std::uint32_t index) {
-  const bool is_embedded = block.hasFlag("at_flags", ATBLOCK::embedded_data);
-  const bool is_compressed = block.hasFlag("at_flags", ATBLOCK::compressed_embedded_data);
-  const bool has_digest = block.hasFlag("at_flags", ATBLOCK::md5_checksum);
-  const std::uint64_t size = block.number("at_embedded_size");
-  if (!is_embedded || !checkSizes(subject, block, index, is_compressed) ||
-      !(is_compressed || has_digest) || !subject.contents.take(size)) {
+  const Attachment attachment = attachmentOf(block);
+  if (!attachment.is_embedded || !checkSizes(subject, attachment, index) ||
+      !(attachment.is_compressed || attachment.has_digest) ||
+      !subject.contents.take(attachment.embedded_size)) {
     return;
   }
-  Md5 md5;
-  if (is_compressed) {
-    const auto original =
-        inflateChecked(subject, index, block.tailAt(), size, block.number("at_original_size"));
-    if (!original) {
-      return;
-    }
-    md5.add(*original);
-  } else {
-    forEachPiece(subject.file, block.tailAt(), size,
-                 [&](std::string_view piece) { md5.add(piece); });
-  }
-  const std::string digest = md5.digest();
-  if (has_digest && digest != block.bytes("at_md5_checksum")) {
+  const AttachmentReading reading =
+      verifyAttachment(subject.file, attachment, [](std::string_view /*piece*/) {});
+  reportInflating(subject, index, attachment.embedded_size, attachment.original_size,
+                  reading.inflating, reading.size);
+  if (reading.state == AttachmentData::wrong_digest) {
     subject.report(Code::attachment_digest_wrong, index,
-                   "expected the digest " + hexDigest(block.bytes("at_md5_checksum")) +
-                       " of the embedded bytes, found " + hexDigest(digest));
+                   "expected the digest " + hexDigest(attachment.digest) +
+                       " of the embedded bytes, found " + hexDigest(reading.digest));
   }
 }
 
@@ -190,7 +173,11 @@ void checkZippedData(Subject& subject, const BlockFields& block, std::uint32_t i
                        " compressed bytes in the block, found room for " +
                        std::to_string(block.tailBytes()));
   } else if (block.number("dz_zip_type") <= last_known_type && subject.contents.take(size)) {
-    inflateChecked(subject, index, block.tailAt(), size, block.number("dz_org_data_length"));
+    const std::uint64_t stated = block.number("dz_org_data_length");
+    std::string stream(hostSize(size), '\0');
+    stream.resize(subject.file.readAt(block.tailAt(), stream.data(), stream.size()));
+    const Inflated inflated = inflate(stream, stated);
+    reportInflating(subject, index, size, stated, inflated.state, inflated.bytes.size());
   }
 }
 
