@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "../blocks/finding.h"
@@ -108,6 +109,25 @@ struct Channel {
   bool isVirtual() const { return type == virtual_master || type == virtual_data; }
 };
 
+/// The channels of a group, each followed by its members. Copies have them in common: the groups of
+/// an array's elements are laid out alike.
+class Channels {
+ public:
+  auto begin() const { return list_->begin(); }
+  auto end() const { return list_->end(); }
+  std::size_t size() const { return list_->size(); }
+  bool empty() const { return list_->empty(); }
+  const Channel& operator[](std::size_t index) const { return (*list_)[index]; }
+  const Channel& at(std::size_t index) const { return list_->at(index); }
+  const Channel& back() const { return list_->back(); }
+
+  /// Adds a channel, to all copies.
+  void push_back(Channel channel) { list_->push_back(std::move(channel)); }
+
+ private:
+  std::shared_ptr<std::vector<Channel>> list_ = std::make_shared<std::vector<Channel>>();
+};
+
 struct ChannelGroup {
   enum Flag : unsigned {
     is_variable_length = 1,  ///< its records are the values of a variable-length channel
@@ -131,7 +151,7 @@ struct ChannelGroup {
   std::uint64_t master_group = 0;  ///< offset of the group with the remote master
   /// The element that its records are of, where an array has its elements in records of their own.
   std::optional<std::size_t> element;
-  std::vector<Channel> channels;  ///< each followed by its members, as far as they are kept
+  Channels channels;  ///< as far as they are kept
 
   /// The acquisition's name or, where it has none, its source's.
   std::string_view shownName() const { return name.empty() ? source_name : name; }

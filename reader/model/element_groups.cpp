@@ -96,10 +96,10 @@ void Splitter::split(DataGroup&& data_group, std::vector<DataGroup>& result) {
   std::vector<DataGroup> following;
   for (ChannelGroup& group : data_group.groups) {
     const auto elements = elementsOf(data_group, group);
-    std::vector<Channel> channels;
-    channels.swap(group.channels);
-    const std::size_t at = groups.size();
     groups.push_back(group);
+    if (!elements.empty()) {
+      groups.back().element = 0;
+    }
     for (std::size_t i = 1; i < elements.size(); ++i) {
       ChannelGroup its_group = groupOf(group, i, elements[i], storage_);
       if (storage_ == ArrayStorage::channel_group) {
@@ -110,13 +110,8 @@ void Splitter::split(DataGroup&& data_group, std::vector<DataGroup>& result) {
                              data_group.record_id_code,
                              elements[i].data,
                              data_group.comment,
-                             {}});
-        following.back().groups.push_back(std::move(its_group));
+                             {std::move(its_group)}});
       }
-    }
-    groups[at].channels = std::move(channels);
-    if (!elements.empty()) {
-      groups[at].element = 0;
     }
   }
   data_group.groups = std::move(groups);

@@ -109,12 +109,9 @@ std::size_t Tables::visit() {
   if (data_file_.isUnfinished()) {
     note_("the file was not finished; its records are read as far as they go");
   }
-  ChannelGroup* with_channels = nullptr;
-  for (DataGroup& data_group : description_.data_groups) {
+  for (const DataGroup& data_group : description_.data_groups) {
     enter(data_group);
-    for (ChannelGroup& group : data_group.groups) {
-      with_channels = group.element.value_or(0) == 0 ? &group : with_channels;
-      const LentChannels lent(*with_channels, group);
+    for (const ChannelGroup& group : data_group.groups) {
       if (isWanted(group)) {
         visitGroup(data_group, group);
       }
@@ -147,14 +144,11 @@ void Tables::makeRecords(const DataGroup& data_group) {
 
 /// The same without values that are in the records.
 void Tables::examine() {
-  ChannelGroup* with_channels = nullptr;
-  for (DataGroup& data_group : description_.data_groups) {
+  for (const DataGroup& data_group : description_.data_groups) {
     enter(data_group);
     makeRecords(data_group);
     records_->examine();
-    for (ChannelGroup& group : data_group.groups) {
-      with_channels = group.element.value_or(0) == 0 ? &group : with_channels;
-      const LentChannels lent(*with_channels, group);
+    for (const ChannelGroup& group : data_group.groups) {
       if (isWanted(group)) {
         examineGroup(group);
       }
