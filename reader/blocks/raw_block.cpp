@@ -9,7 +9,6 @@
 namespace mdf_reader {
 
 using mdf_v4_10::detail::Decoder;
-using mdf_v4_10::detail::loadLe;
 
 namespace {
 
@@ -77,12 +76,9 @@ std::uint64_t linksThere(const InputFile& file, const RawBlock& block) {
 }
 
 std::uint64_t linkAt(InputFile& file, const RawBlock& block, std::uint64_t index) {
-  std::array<char, RawBlock::link_size> bytes{};
-  if (index < linksThere(file, block)) {
-    file.readAt(block.offset + RawBlock::header_size + index * RawBlock::link_size, bytes.data(),
-                bytes.size());
-  }
-  return loadLe<std::uint64_t>(bytes.data());
+  return index < linksThere(file, block)
+             ? numberAt(file, block.offset + RawBlock::header_size + index * RawBlock::link_size)
+             : 0;
 }
 
 void forEachLink(InputFile& file, const RawBlock& block, const LinkVisitor& visit) {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "descriptor.h"
+#include "framework/wire.h"
 
 namespace mdf_reader {
 
@@ -79,6 +80,12 @@ std::istream& InputFile::streamAt(std::uint64_t offset) {
   stream_.clear();
   stream_.seekg(static_cast<std::streamoff>(offset));
   return stream_;
+}
+
+std::uint64_t numberAt(InputFile& file, std::uint64_t offset) {
+  std::array<char, sizeof(std::uint64_t)> bytes{};
+  file.readAt(offset, bytes.data(), bytes.size());
+  return mdf_v4_10::detail::loadLe<std::uint64_t>(bytes.data());
 }
 
 void forEachPiece(InputFile& file, std::uint64_t offset, std::uint64_t count,

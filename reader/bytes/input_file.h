@@ -57,6 +57,9 @@ class InputFile {
   std::uint64_t size_;
 };
 
+/// The 8 bytes at an offset as a number; bytes that are not there are 0.
+std::uint64_t numberAt(InputFile& file, std::uint64_t offset);
+
 /// Hands bytes of a file on piece by piece: as many as wanted, or as there are.
 void forEachPiece(InputFile& file, std::uint64_t offset, std::uint64_t count,
                   const std::function<void(std::string_view)>& take);

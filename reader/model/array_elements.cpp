@@ -1,23 +1,13 @@
 #include "array_elements.h"
 
 #include <algorithm>
-#include <array>
 
 #include "../blocks/later_types.h"
 #include "../bytes/input_file.h"
-#include "framework/wire.h"
 
 namespace mdf_reader {
 
-using mdf_v4_10::detail::loadLe;
-
 namespace {
-
-std::uint64_t numberAt(InputFile& file, std::uint64_t offset) {
-  std::array<char, 8> bytes{};
-  file.readAt(offset, bytes.data(), bytes.size());
-  return loadLe<std::uint64_t>(bytes.data());
-}
 
 /// The sizes of an array, from what follows its fields.
 struct Sizes {

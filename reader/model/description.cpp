@@ -1,7 +1,6 @@
 #include "description.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <optional>
 
@@ -10,15 +9,15 @@
 #include "../bytes/input_file.h"
 #include "../bytes/offset_set.h"
 #include "array_elements.h"
-#include "framework/wire.h"
 #include "mdf_v4_10.h"
 
 namespace mdf_reader {
 
 using namespace mdf_v4_10;
-using mdf_v4_10::detail::loadLe;
 
 namespace {
+
+static_assert(unsigned{ChannelGroup::has_remote_master} == cg_remote_master);
 
 /// Reads the description of a file block by block.
 class DescriptionReader {
@@ -231,9 +230,7 @@ ArrayShape DescriptionReader::arrayShape(const BlockFields& array) {
   const std::uint64_t count = std::min<std::uint64_t>(
       {array.number("ca_ndim"), array.tailBytes() / 8, most_array_dimensions + 1});
   for (std::uint64_t i = 0; i < count; ++i) {
-    std::array<char, 8> bytes{};
-    file_.readAt(array.tailAt() + 8 * i, bytes.data(), bytes.size());
-    shape.dimensions.push_back(loadLe<std::uint64_t>(bytes.data()));
+    shape.dimensions.push_back(numberAt(file_, array.tailAt() + 8 * i));
   }
   return shape;
 }

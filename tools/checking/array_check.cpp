@@ -1,15 +1,11 @@
 #include "array_check.h"
 
-#include <array>
 #include <cstddef>
 
 #include "block_check.h"
-#include "framework/wire.h"
 #include "reader/blocks/later_types.h"
 
 namespace mdf_tools {
-
-using mdf_v4_10::detail::loadLe;
 
 namespace {
 
@@ -33,9 +29,7 @@ ElementCounts countElements(const Subject& subject, const BlockFields& block) {
   ElementCounts counts;
   bool is_empty = false;
   for (std::uint64_t i = 0; i < block.number("ca_ndim"); ++i) {
-    std::array<char, number_size> bytes{};
-    subject.file.readAt(block.tailAt() + number_size * i, bytes.data(), bytes.size());
-    const auto size = loadLe<std::uint64_t>(bytes.data());
+    const std::uint64_t size = numberAt(subject.file, block.tailAt() + number_size * i);
     is_empty = is_empty || size == 0;
     counts.in_all = productUpToMost(counts.in_all, size);
     counts.along_axes = sumUpToMost(counts.along_axes, size);

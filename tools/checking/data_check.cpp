@@ -1,7 +1,6 @@
 #include "data_check.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +18,6 @@ using namespace mdf_reader;
 
 using namespace mdf_v4_10;
 using mdf_v4_10::detail::hostSize;
-using mdf_v4_10::detail::loadLe;
 
 namespace {
 
@@ -73,19 +71,14 @@ class ListCheck {
   void checkOffsets() const;
 
  private:
-  std::uint64_t numberAt(std::uint64_t offset) const {
-    std::array<char, 8> bytes{};
-    subject_.file.readAt(offset, bytes.data(), bytes.size());
-    return loadLe<std::uint64_t>(bytes.data());
-  }
-
   std::uint64_t dataLink(std::uint64_t number) const {
-    return numberAt(list_.offset() + RawBlock::header_size + RawBlock::link_size * (1 + number));
+    return numberAt(subject_.file,
+                    list_.offset() + RawBlock::header_size + RawBlock::link_size * (1 + number));
   }
 
   /// dl_equal_length, or an offset.
   std::uint64_t statedNumber(std::uint64_t number) const {
-    return numberAt(list_.tailAt() + 8 * number);
+    return numberAt(subject_.file, list_.tailAt() + 8 * number);
   }
 
   std::uint64_t count() const { return list_.number("dl_count"); }

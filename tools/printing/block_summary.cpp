@@ -181,9 +181,7 @@ void Summarizer::array() {
   const std::uint64_t dimensions = std::min<std::uint64_t>(block_.number("ca_ndim"), 8);
   std::string sizes;
   for (std::uint64_t i = 0; i < std::min(dimensions, block_.tailBytes() / 8); ++i) {
-    std::array<char, 8> bytes{};
-    file_.readAt(block_.tailAt() + 8 * i, bytes.data(), bytes.size());
-    sizes += (i == 0 ? "" : " x ") + std::to_string(unsignedNumber({bytes.data(), bytes.size()}));
+    sizes += (i == 0 ? "" : " x ") + std::to_string(numberAt(file_, block_.tailAt() + 8 * i));
   }
   fact("size", sizes + (dimensions < block_.number("ca_ndim") ? " x ..." : ""));
   fact("storage",

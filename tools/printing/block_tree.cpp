@@ -1,13 +1,11 @@
 #include "block_tree.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 #include <vector>
 
 #include "reader/blocks/block_fields.h"
 #include "reader/bytes/input_file.h"
-#include "reader/bytes/number_texts.h"
 #include "reader/bytes/work_budget.h"
 
 namespace mdf_tools {
@@ -52,7 +50,6 @@ class TreeWalk {
     std::uint64_t in_list = 0;
   };
 
-  std::uint64_t readLink(const BlockFields& block, std::uint64_t index);
   TreeEntry entryFor(const Level& level, std::size_t depth, std::uint64_t link,
                      std::uint64_t target);
   void enter(const RawBlock& raw, std::size_t depth, std::uint32_t chain, std::uint64_t in_chain);
@@ -75,13 +72,6 @@ class TreeWalk {
   std::vector<Level> levels_;
   bool is_wanted_ = true;
 };
-
-std::uint64_t TreeWalk::readLink(const BlockFields& block, std::uint64_t index) {
-  std::array<char, RawBlock::link_size> bytes{};
-  file_.readAt(block.offset() + RawBlock::header_size + index * bytes.size(), bytes.data(),
-               bytes.size());
-  return unsignedNumber({bytes.data(), bytes.size()});
-}
 
 void TreeWalk::walk() {
   const auto root = readRawBlock(file_, options_.from);
@@ -131,7 +121,7 @@ TreeEntry TreeWalk::entryFor(const Level& level, std::size_t depth, std::uint64_
 void TreeWalk::followNextLink() {
   Level& level = levels_.back();
   const std::uint64_t link = level.next++;
-  const std::uint64_t target = readLink(level.block, link);
+  const std::uint64_t target = linkAt(file_, level.block.raw(), link);
   if (target == 0) {
     return;
   }
@@ -155,9 +145,9 @@ void TreeWalk::leaveOutRestOfList(Level& level, std::uint64_t link) {
     if (linkRole(level.block, level.next).layout.role != level.list) {
       break;
     }
-    count += readLink(level.block, level.next) == 0 ? 0U : 1U;
+    count += linkAt(file_, level.block.raw(), level.next) == 0 ? 0U : 1U;
   }
-  TreeEntry entry = entryFor(level, level.depth + 1, link, readLink(level.block, link));
+  TreeEntry entry = entryFor(level, level.depth + 1, link, linkAt(file_, level.block.raw(), link));
   entry.kind = TreeEntry::left_out;
   entry.count = count;
   show(entry);
@@ -200,7 +190,7 @@ void TreeWalk::finish() {
   levels_.pop_back();
   states_[level.index] = State::seen;
   const bool has_next = linksThere(file_, level.block.raw()) > 0 && level.block.type().has_next;
-  const std::uint64_t target = has_next ? readLink(level.block, next_link) : 0;
+  const std::uint64_t target = has_next ? linkAt(file_, level.block.raw(), next_link) : 0;
   if (target != 0 && (level.depth > 0 || options_.from == header_block_offset)) {
     followChain(level, target);
   }
