@@ -5,7 +5,6 @@
 
 #include "finding_check.h"
 #include "memory_file.h"
-#include "reader/bytes/input_file.h"
 #include "reader/mdf_reader.h"
 #include "targets.h"
 
@@ -69,7 +68,7 @@ std::string tryMeasurement(std::string_view input) {
       expectSentence(finding, input.size());
     }
     return std::to_string(measurement.findingCount()) + " findings";
-  } catch (const UnreadableFile&) {
+  } catch (const Unreadable&) {
     return "unreadable";
   }
 }
