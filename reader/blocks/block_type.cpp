@@ -63,6 +63,22 @@ constexpr Amount::Kind one = Amount::one;
 constexpr Amount::Kind counted = Amount::counted;
 constexpr Amount::Kind all = Amount::all;
 
+/// Its elements are groups and channels that have their place in lists.
+BlockType hierarchyType() {
+  return {"CH",
+          "channel hierarchy",
+          BlockFamily::file,
+          Contents::description,
+          linksOf(detail::chblock_links, {"CH", "CH", text, text_or_metadata}),
+          fieldsOf(detail::chblock_fields),
+          {{{{".dg", "DG", true}, {".cg", "CG", true}, {".cn", "CN", true}},
+            {all, "ch_element_count"},
+            "ch_element"}},
+          {},
+          {},
+          LinkCount::by_elements};
+}
+
 /// Blocks that describe the file.
 std::vector<BlockType> fileTypes() {
   constexpr BlockFamily family = BlockFamily::file;
@@ -74,19 +90,6 @@ std::vector<BlockType> fileTypes() {
        linksOf(detail::fhblock_links, {"FH", text_or_metadata}), fieldsOf(detail::fhblock_fields)},
       {"TX", "text", BlockFamily::text, Contents::text, {}, {}, {}, "tx_data"},
       {"MD", "metadata", BlockFamily::text, Contents::text, {}, {}, {}, "md_data"},
-      // Its elements are groups and channels that have their place in lists.
-      {"CH",
-       "channel hierarchy",
-       family,
-       Contents::description,
-       linksOf(detail::chblock_links, {"CH", "CH", text, text_or_metadata}),
-       fieldsOf(detail::chblock_fields),
-       {{{{".dg", "DG", true}, {".cg", "CG", true}, {".cn", "CN", true}},
-         {all, "ch_element_count"},
-         "ch_element"}},
-       {},
-       {},
-       LinkCount::by_elements},
       {"AT",
        "attachment",
        family,
@@ -107,9 +110,8 @@ std::vector<BlockType> fileTypes() {
   };
 }
 
-/// Blocks that describe channels and their groups.
-std::vector<BlockType> channelTypes() {
-  constexpr std::uint64_t has_default_x = CNBLOCK::default_x_axis;
+/// Blocks that describe groups of channels.
+std::vector<BlockType> groupTypes() {
   return {
       {"DG", "data group", BlockFamily::group, Contents::description,
        linksOf(detail::dgblock_links, {"DG", "CG", record_data, text_or_metadata}),
@@ -124,6 +126,16 @@ std::vector<BlockType> channelTypes() {
       {"SI", "source", BlockFamily::group, Contents::description,
        linksOf(detail::siblock_links, {text, text, text_or_metadata}),
        fieldsOf(detail::siblock_fields)},
+      {"SR", "sample reduction", BlockFamily::group, Contents::description,
+       linksOf(detail::srblock_links, {"SR", "RD DZ DL HL RV RI LD"}),
+       fieldsOf(detail::srblock_fields)},
+  };
+}
+
+/// Blocks that describe channels.
+std::vector<BlockType> channelTypes() {
+  constexpr std::uint64_t has_default_x = CNBLOCK::default_x_axis;
+  return {
       // Its data may be a channel group of the list.
       {"CN",
        "channel",
@@ -146,41 +158,41 @@ std::vector<BlockType> channelTypes() {
        {more("cc_ref", "TX MD CC", {all, "cc_ref_count"})},
        {},
        {{"cc_val", FieldKind::real, {all, "cc_val_count"}}}},
-      // Which links lead to data of the elements cannot be told without the array's sizes when
-      // other links follow them, and the same holds for numbers after its sizes.
-      {"CA",
-       "channel array",
-       BlockFamily::channel,
-       Contents::description,
-       {{"ca_composition", "CN CA"}},
-       {{"ca_type", number, 0, 1},
-        {"ca_storage", number, 1, 1},
-        {"ca_ndim", number, 2, 2},
-        {"ca_flags", number, 4, 4},
-        {"ca_byte_offset_base", FieldKind::signed_number, 8, 4},
-        {"ca_inval_bit_pos_base", number, 12, 4}},
-       {more("ca_data", refer(record_data),
-             {all,
-              "",
-              {ifIs("ca_storage", CABLOCK::in_data_groups),
-               unlessSet("ca_flags", CABLOCK::fixed_axis - 1)}})},
-       {},
-       {{"ca_dim_size", number, {counted, "ca_ndim"}},
-        {"ca_axis_value",
-         FieldKind::real,
-         {all,
-          "",
-          {ifSet("ca_flags", CABLOCK::fixed_axis), ifIs("ca_storage", CABLOCK::in_records)}}},
-        {"ca_cycle_count",
-         number,
-         {all,
-          "",
-          {unlessSet("ca_flags", CABLOCK::fixed_axis),
-           unlessIs("ca_storage", CABLOCK::in_records)}}}}},
-      {"SR", "sample reduction", BlockFamily::group, Contents::description,
-       linksOf(detail::srblock_links, {"SR", "RD DZ DL HL RV RI LD"}),
-       fieldsOf(detail::srblock_fields)},
   };
+}
+
+/// Which links lead to data of the elements cannot be told without the array's sizes when
+/// other links follow them, and the same holds for numbers after its sizes.
+BlockType arrayType() {
+  return {"CA",
+          "channel array",
+          BlockFamily::channel,
+          Contents::description,
+          {{"ca_composition", "CN CA"}},
+          {{"ca_type", number, 0, 1},
+           {"ca_storage", number, 1, 1},
+           {"ca_ndim", number, 2, 2},
+           {"ca_flags", number, 4, 4},
+           {"ca_byte_offset_base", FieldKind::signed_number, 8, 4},
+           {"ca_inval_bit_pos_base", number, 12, 4}},
+          {more("ca_data", refer(record_data),
+                {all,
+                 "",
+                 {ifIs("ca_storage", CABLOCK::in_data_groups),
+                  unlessSet("ca_flags", CABLOCK::fixed_axis - 1)}})},
+          {},
+          {{"ca_dim_size", number, {counted, "ca_ndim"}},
+           {"ca_axis_value",
+            FieldKind::real,
+            {all,
+             "",
+             {ifSet("ca_flags", CABLOCK::fixed_axis), ifIs("ca_storage", CABLOCK::in_records)}}},
+           {"ca_cycle_count",
+            number,
+            {all,
+             "",
+             {unlessSet("ca_flags", CABLOCK::fixed_axis),
+              unlessIs("ca_storage", CABLOCK::in_records)}}}}};
 }
 
 BlockType dataType(std::string_view letters, std::string_view title, std::string_view bytes,
@@ -220,17 +232,20 @@ std::vector<BlockType> listTypes() {
         {"ld_equal_sample_count",
          number,
          {one, "ld_count", {ifSet("ld_flags", LDBLOCK::equal_sample_count)}}}}},
-      {"HL",
-       "header list",
-       BlockFamily::data,
-       Contents::list_of_lists,
-       linksOf(detail::hlblock_links, {"DL LD"}),
-       fieldsOf(detail::hlblock_fields),
-       {},
-       {},
-       {},
-       LinkCount::left_out},
   };
+}
+
+BlockType headerListType() {
+  return {"HL",
+          "header list",
+          BlockFamily::data,
+          Contents::list_of_lists,
+          linksOf(detail::hlblock_links, {"DL LD"}),
+          fieldsOf(detail::hlblock_fields),
+          {},
+          {},
+          {},
+          LinkCount::left_out};
 }
 
 /// Blocks with data; those of version 4.2 keep values apart from their invalidation bits.
@@ -261,9 +276,13 @@ class Table {
  public:
   Table() {
     index_.fill(0);
-    for (const auto& types : {fileTypes(), channelTypes(), listTypes(), dataTypes()}) {
+    for (const auto& types :
+         {fileTypes(), groupTypes(), channelTypes(), listTypes(), dataTypes()}) {
       types_.insert(types_.end(), types.begin(), types.end());
     }
+    types_.push_back(hierarchyType());
+    types_.push_back(arrayType());
+    types_.push_back(headerListType());
     for (std::size_t i = 1; i < types_.size(); ++i) {
       complete(types_[i]);
       index_.at(slotOf(types_[i].letters)) = static_cast<unsigned char>(i);
