@@ -109,7 +109,7 @@ std::optional<RawBlock> Walk::rootAt(std::uint64_t offset) {
     report({Code::header_missing, offset,
             "expected the header block \"##HD\", found \"" + root->name() + '"'});
   }
-  return root && looksLikeBlock(*root) ? root : std::nullopt;
+  return root && root->hasId() ? root : std::nullopt;
 }
 
 std::uint32_t Walk::add(const RawBlock& block, const Step& step) {

@@ -87,11 +87,11 @@ TEST(DumpCommand, FileCutInTheChannel) {
       healthyFile().substr(0, 528),
       healthyDumpBefore("480 (0x1e0)") +
           "480 (0x1e0) ##CN length 160 links 8: cn_cn_next=0 cn_composition=264 cn_tx_name=640\n",
-      linkOutside(64, "HD", 2, 528, 992) + linkOutside(64, "HD", 3, 528, 1080) +
-          linkOutside(64, "HD", 4, 528, 1184) + linkOutside(312, "DG", 2, 528, 744) +
+      blockCut(480, "CN", 160, 48) + linkOutside(480, "CN", 2, 528, 640) +
           linkOutside(376, "CG", 2, 528, 640) + linkOutside(376, "CG", 3, 528, 776) +
-          linkOutside(376, "CG", 4, 528, 832) + blockCut(480, "CN", 160, 48) +
-          linkOutside(480, "CN", 2, 528, 640) + linkOutside(264, "XX", 1, 528, 1288));
+          linkOutside(376, "CG", 4, 528, 832) + linkOutside(312, "DG", 2, 528, 744) +
+          linkOutside(64, "HD", 2, 528, 992) + linkOutside(64, "HD", 3, 528, 1080) +
+          linkOutside(64, "HD", 4, 528, 1184) + linkOutside(264, "XX", 1, 528, 1288));
 }
 
 TEST(DumpCommand, FileCutInTheData) {

@@ -198,10 +198,10 @@ TEST(TreeText, LinksThatLeadNowhere) {
             "    dg_data -> 99999 (0x1869f) no block there\n"
             "  dg_dg_next -> 9 (0x9) no block there\n");
   EXPECT_EQ(tree.findings,
-            "168: expected link 0 of ##DG to lead to a block \"##\", found \".10 \" at 9 (0x9)\n"
             "168: expected link 1 of ##DG to lead into the file of 232 bytes, found -8\n"
             "168: expected link 2 of ##DG to lead into the file of 232 bytes, found 99999 "
-            "(0x1869f)\n");
+            "(0x1869f)\n"
+            "168: expected link 0 of ##DG to lead to a block \"##\", found \".10 \" at 9 (0x9)\n");
 }
 
 TEST(TreeText, HostileNamesStayOnTheirLine) {
