@@ -195,7 +195,7 @@ bool DataStream::mayUnzip(const DataBlock& block, const Piece& piece) {
   constexpr std::uint64_t always = std::uint64_t{1} << 28U;
   constexpr std::uint64_t times = 16;
   unzipped_bytes_ += block.original;
-  if (access_ == Access::scattered && unzipped_bytes_ > always && unzipped_bytes_ / times > size_) {
+  if (access_ == Access::scattered && !WorkBudget(size_, times, always).take(unzipped_bytes_)) {
     endAt(0, {Code::work_limited, piece.block,
               "expected values in the order of their records, found them too scattered over zipped "
               "blocks to go on"});

@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "../bytes/work_budget.h"
 #include "conversion.h"
 #include "text_encoding.h"
 
@@ -149,7 +150,7 @@ bool Column::mayGive(std::size_t bytes) {
     return true;
   }
   given_ += bytes;
-  if (given_ > always && given_ / times > source_.values->size()) {
+  if (given_ > always && !WorkBudget(source_.values->size(), times).take(given_)) {
     tell(Code::work_limited,
          "expected a value of variable length for each record, found the same long ones again and "
          "again");
