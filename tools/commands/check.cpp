@@ -103,7 +103,7 @@ int check(const std::vector<std::string>& paths, bool as_json) {
       worst = exit_unusable;
       return;
     }
-    std::cerr << "mdf: " << context.file.name() << ": " << summary(counts, blocks) << '\n';
+    context.say(summary(counts, blocks));
     if (!counts.areFine()) {
       worst = std::max<int>(worst, exit_problem);
     }

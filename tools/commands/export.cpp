@@ -199,7 +199,7 @@ std::size_t writeTables(const Request& request, const FileContext& context,
   });
   FilledTables filled(*writer);
   TableVisitor& visitor = request.with_empty ? *writer : filled;
-  const NoteSink note = notesOf(context.file.name());
+  const NoteSink note = notesOf(context);
   const std::size_t count =
       visitTables(context.file, *request.selection, visitor, context.report, note);
   if (filled.leftOut() > 0) {
@@ -249,7 +249,7 @@ int run(const Request& request) {
   const int reading = onEachFile(*request.paths, [&](const FileContext& context) {
     const std::size_t count = writeTables(request, context, destination);
     if (count == 0 && !(request.selection->channels.empty() && request.selection->group.empty())) {
-      notesOf(context.file.name())(nothingChosen(*request.selection));
+      notesOf(context)(nothingChosen(*request.selection));
       exit_code = exit_problem;
     }
   });

@@ -16,12 +16,8 @@ using namespace mdf_reader;
 
 namespace {
 
-void noteNothing(const std::string& file_name, const std::string& name_pattern) {
-  std::cerr << "mdf: " << file_name << ": note: no attachment";
-  if (!name_pattern.empty()) {
-    std::cerr << " matches \"" << name_pattern << '"';
-  }
-  std::cerr << '\n';
+std::string nothingChosen(const std::string& name_pattern) {
+  return "note: no attachment" + (name_pattern.empty() ? "" : " matches \"" + name_pattern + '"');
 }
 
 int extract(const std::vector<std::string>& paths, const ExtractOptions& options) {
@@ -32,7 +28,7 @@ int extract(const std::vector<std::string>& paths, const ExtractOptions& options
           extractAttachments(context.file, options, context.out, context.report);
       is_complete = extracted.is_complete && is_complete;
       if (extracted.chosen == 0) {
-        noteNothing(context.file.name(), options.name_pattern);
+        context.say(nothingChosen(options.name_pattern));
       }
     });
     return std::max<int>(exit_code, is_complete ? exit_fine : exit_problem);

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <new>
 #include <optional>
@@ -28,11 +29,28 @@ namespace {
 
 void complain(const std::string& sentence) { std::cerr << "mdf: " << sentence << '\n'; }
 
-/// Data on the same terminal shows progress enough.
-bool wantsProgress() { return isatty(STDERR_FILENO) != 0 && !outputIsTerminal(); }
+bool wantsProgress() { return isatty(STDERR_FILENO) != 0; }
+
+/// Has progress give way to data on the same terminal.
+class GivingWay {
+ public:
+  GivingWay(OutputBuffer& output, std::optional<Progress>& progress) : output_(output) {
+    if (progress && outputIsTerminal()) {
+      output_.setWriter([&progress](const std::function<void()>& write, bool ends_line) {
+        progress->interrupt(write, ends_line);
+      });
+    }
+  }
+  ~GivingWay() { output_.setWriter({}); }
+  GivingWay(const GivingWay&) = delete;
+  GivingWay& operator=(const GivingWay&) = delete;
+
+ private:
+  OutputBuffer& output_;
+};
 
 /// The work on one file; returns its exit code.
-int onFile(const std::string& path, bool is_one_of_several, Input input, std::ostream& out,
+int onFile(const std::string& path, bool is_one_of_several, Input input, OutputBuffer& output,
            const std::function<void(const FileContext&)>& work) {
   int exit_code = exit_fine;
   try {
@@ -43,16 +61,20 @@ int onFile(const std::string& path, bool is_one_of_several, Input input, std::os
     }
     std::optional<Progress> progress;
     if (wantsProgress()) {
-      progress.emplace(file, std::cerr, std::chrono::seconds(1));
+      const std::string name = std::filesystem::path(path).filename().string();
+      progress.emplace(file, is_one_of_several ? name : "", std::cerr, std::chrono::seconds(1));
     }
-    const FindingSink report = [&](const Finding& finding) {
-      const auto print = [&] {
-        complain(file.name() + ": " + decimalAndHex(finding.offset) + ": " + finding.sentence);
-      };
+    const GivingWay giving_way(output, progress);
+    const auto say = [&](const std::string& sentence) {
+      const auto print = [&] { complain(file.name() + ": " + sentence); };
       progress ? progress->interrupt(print) : print();
+    };
+    const FindingSink report = [&](const Finding& finding) {
+      say(decimalAndHex(finding.offset) + ": " + finding.sentence);
       exit_code = exit_problem;
     };
-    work({file, out, report, path, is_one_of_several});
+    std::ostream out(&output);
+    work({file, out, report, say, path, is_one_of_several});
   } catch (const Unreadable& error) {
     complain(error.what());
     exit_code = exit_unusable;
@@ -107,8 +129,7 @@ int onEachFile(const std::vector<std::string>& paths,
   OutputBuffer output(stdout, outputForm());
   int exit_code = exit_fine;
   for (const std::string& path : paths) {
-    std::ostream out(&output);
-    exit_code = std::max(exit_code, onFile(path, paths.size() > 1, input, out, work));
+    exit_code = std::max(exit_code, onFile(path, paths.size() > 1, input, output, work));
     const int output_code = finish(output);
     if (output_code != exit_fine) {
       return std::max(exit_code, output_code);

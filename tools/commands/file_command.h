@@ -26,8 +26,9 @@ struct FileContext {
   InputFile& file;
   std::ostream& out;          ///< data, on its way to standard output
   const FindingSink& report;  ///< problems, on their way to standard error
-  const std::string& path;    ///< the file as it was named, "-" for standard input
-  bool is_one_of_several;     ///< several files were named: say which one is shown
+  const std::function<void(const std::string& sentence)>& say;  ///< the same of other things
+  const std::string& path;  ///< the file as it was named, "-" for standard input
+  bool is_one_of_several;   ///< several files were named: say which one is shown
 };
 
 /// Adds the argument FILE... to a command.

@@ -1,6 +1,5 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -36,8 +35,7 @@ int runList(const ListKind& kind, const std::vector<std::string>& paths, ListOpt
     options.file_name = context.is_one_of_several ? context.file.name() : "";
     options.no_such_group = [&] {
       is_chosen = false;
-      std::cerr << "mdf: " << context.file.name() << ": note: " << noGroupChosen(options.group)
-                << '\n';
+      context.say("note: " + noGroupChosen(options.group));
     };
     if (context.is_one_of_several && !options.as_json) {
       context.out << context.file.name() << ":\n";

@@ -93,7 +93,7 @@ int collect(const Request& request, std::size_t width, std::vector<Curve>& curve
     const std::string prefix =
         context.is_one_of_several ? std::filesystem::path(name).filename().string() + ": " : "";
     CurveCollector collector(curves, width, prefix);
-    const NoteSink note = notesOf(name);
+    const NoteSink note = notesOf(context);
     const std::size_t count =
         visitTables(context.file, *request.selection, collector, context.report, note);
     if (collector.leftOut() > 0) {

@@ -1,8 +1,8 @@
 #include "sample_options.h"
 
 #include <CLI/CLI.hpp>
-#include <iostream>
 
+#include "file_command.h"
 #include "group_option.h"
 #include "number_option.h"
 
@@ -43,10 +43,8 @@ std::string nothingChosen(const Selection& selection) {
          (selection.group.empty() ? "" : " in a channel group \"" + selection.group + '"');
 }
 
-NoteSink notesOf(const std::string& file_name) {
-  return [file_name](const std::string& sentence) {
-    std::cerr << "mdf: " << file_name << ": note: " << sentence << '\n';
-  };
+NoteSink notesOf(const FileContext& context) {
+  return [&context](const std::string& sentence) { context.say("note: " + sentence); };
 }
 
 }  // namespace mdf_tools

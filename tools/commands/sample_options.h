@@ -13,6 +13,8 @@ class Option;
 
 namespace mdf_tools {
 
+struct FileContext;
+
 using namespace mdf_reader;
 
 /// Adds the options that choose samples: --channel, --group, --from, --to, --raw.
@@ -22,8 +24,8 @@ std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_sev
 /// "no channel matches ...", for a file that has none of the samples that are wanted.
 std::string nothingChosen(const Selection& selection);
 
-/// Says a sentence about a file on standard error.
-NoteSink notesOf(const std::string& file_name);
+/// Says notes about a file on standard error.
+NoteSink notesOf(const FileContext& context);
 
 }  // namespace mdf_tools
 

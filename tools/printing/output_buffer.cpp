@@ -70,11 +70,19 @@ bool OutputBuffer::pass(const char* bytes, std::size_t count) {
 }
 
 bool OutputBuffer::write(const char* bytes, std::size_t count) {
+  if (writer_ && count != 0) {
+    writer_([&] { writeToFile(bytes, count); }, bytes[count - 1] == '\n');
+  } else {
+    writeToFile(bytes, count);
+  }
+  return error_ == 0;
+}
+
+void OutputBuffer::writeToFile(const char* bytes, std::size_t count) {
   // The bytes of an empty list may have no address, which the C library must not be given.
   if (count != 0 && error_ == 0 && std::fwrite(bytes, 1, count, file_) != count) {
     error_ = errno;
   }
-  return error_ == 0;
 }
 
 bool OutputBuffer::writeShown(const char* bytes, std::size_t count) {

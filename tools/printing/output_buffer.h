@@ -3,8 +3,10 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <functional>
 #include <streambuf>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace mdf_tools {
@@ -24,6 +26,12 @@ class OutputBuffer : public std::streambuf {
   OutputBuffer(const OutputBuffer&) = delete;
   OutputBuffer& operator=(const OutputBuffer&) = delete;
 
+  /// Does a write, after what has to be done before; bytes that end a line or do not.
+  using Writer = std::function<void(const std::function<void()>& write, bool ends_line)>;
+
+  /// Who does the writes to a terminal, where something else may have to give way.
+  void setWriter(Writer writer) { writer_ = std::move(writer); }
+
   /// Hands everything to the file.
   void flush();
 
@@ -42,11 +50,13 @@ class OutputBuffer : public std::streambuf {
   bool drain();
   bool pass(const char* bytes, std::size_t count);
   bool write(const char* bytes, std::size_t count);
+  void writeToFile(const char* bytes, std::size_t count);
   bool isForATerminal() const { return bytes_ != Bytes::as_they_are; }
   bool writeShown(const char* bytes, std::size_t count);
   char shown(char character);
 
   std::FILE* file_;
+  Writer writer_;
   Bytes bytes_;
   std::vector<char> collected_;  ///< the put area
   int error_ = 0;

@@ -4,6 +4,7 @@
 
 #include "formatted.h"
 #include "reader/bytes/input_file.h"
+#include "reader/bytes/printable.h"
 
 namespace mdf_tools {
 
@@ -12,6 +13,7 @@ using namespace mdf_reader;
 namespace {
 
 constexpr const char* erase_line = "\r\x1B[K";
+constexpr std::size_t most_of_a_name = 40;  // so that the line is one on the screen
 
 struct Unit {
   const char* name;
@@ -42,9 +44,13 @@ std::string readSoFar(std::uint64_t bytes, std::uint64_t whole) {
                    static_cast<double>(whole) / unit.bytes, unit.name);
 }
 
-Progress::Progress(const InputFile& file, std::ostream& terminal,
+Progress::Progress(const InputFile& file, const std::string& name, std::ostream& terminal,
                    std::chrono::milliseconds interval)
-    : file_(file), terminal_(terminal), interval_(interval), thread_([this] { show(); }) {}
+    : file_(file),
+      name_(name.empty() ? "" : printable(name, Harmless::utf8, most_of_a_name) + ": "),
+      terminal_(terminal),
+      interval_(interval),
+      thread_([this] { show(); }) {}
 
 Progress::~Progress() {
   {
@@ -55,16 +61,21 @@ Progress::~Progress() {
   thread_.join();
 }
 
-void Progress::interrupt(const std::function<void()>& print) {
+void Progress::interrupt(const std::function<void()>& print, bool ends_line) {
   const std::lock_guard lock(mutex_);
   hide();
   print();
+  is_line_open_ = !ends_line;
 }
 
 void Progress::show() {
   std::unique_lock lock(mutex_);
   while (!end_.wait_for(lock, interval_, [this] { return is_over_; })) {
-    terminal_ << erase_line << "read " << readSoFar(file_.bytesRead(), file_.size()) << std::flush;
+    if (is_line_open_) {
+      continue;
+    }
+    terminal_ << erase_line << name_ << "read " << readSoFar(file_.bytesRead(), file_.size())
+              << std::flush;
     is_shown_ = true;
   }
   hide();

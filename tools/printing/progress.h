@@ -21,25 +21,30 @@ using namespace mdf_reader;
 /// longer than an interval, is renewed after each further one, and goes with the object.
 class Progress {
  public:
-  Progress(const InputFile& file, std::ostream& terminal, std::chrono::milliseconds interval);
+  /// @param name what the line calls the file; "" for nothing.
+  Progress(const InputFile& file, const std::string& name, std::ostream& terminal,
+           std::chrono::milliseconds interval);
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  /// Prints something else to the terminal while the line is out of the way.
-  void interrupt(const std::function<void()>& print);
+  /// Prints something else to the terminal while the line is out of the way. It stays away as long
+  /// as what is printed does not end a line.
+  void interrupt(const std::function<void()>& print, bool ends_line = true);
 
  private:
   void show();
   void hide();
 
   const InputFile& file_;
+  std::string name_;  ///< with what separates it from what follows
   std::ostream& terminal_;
   std::chrono::milliseconds interval_;
   std::mutex mutex_;
   std::condition_variable end_;
   bool is_over_ = false;
   bool is_shown_ = false;
+  bool is_line_open_ = false;  ///< of something else
   std::thread thread_;
 };
 
