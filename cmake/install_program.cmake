@@ -1,4 +1,4 @@
-# What is installed of the program (component tools): itself, its man pages, completion for bash.
+# What is installed of the program (component tools): itself, its man pages, completion for shells.
 set(mdf_man_pages ${CMAKE_CURRENT_BINARY_DIR}/man)
 set(mdf_packaging ${PROJECT_SOURCE_DIR}/packaging)
 
@@ -15,3 +15,7 @@ install(DIRECTORY ${mdf_man_pages}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COM
   FILES_MATCHING PATTERN *.1)
 install(FILES ${mdf_packaging}/mdf.bash-completion
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools RENAME mdf)
+install(FILES ${mdf_packaging}/_mdf
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tools)
+install(FILES ${mdf_packaging}/mdf.fish
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT tools)

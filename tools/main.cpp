@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "commands/command.h"
+#include "commands/completion.h"
 
 namespace {
 
@@ -57,6 +58,10 @@ int run(int argc, char** argv) {
   mdf_tools::addPlotCommand(app, exit_code);
   mdf_tools::addExtractCommand(app, exit_code);
 
+  if (argc > 1 && std::string(argv[1]) == "--complete") {
+    mdf_tools::complete(app, {argv + 2, argv + argc}, std::cout);
+    return exit_code;
+  }
   const std::string wrong = wrongCommand(app, "", {argv + std::min(argc, 1), argv + argc});
   if (!wrong.empty()) {
     return complain(wrong);
