@@ -81,8 +81,8 @@ enum class Code {
 /// What users are told of a code. docs/check.md is made of these texts.
 struct CodeText {
   Code code;
-  std::string_view word;  ///< never changes, since programs look for it
   Severity severity;
+  std::string_view word;     ///< never changes, since programs look for it
   std::string_view title;    ///< a sentence without its full stop
   std::string_view meaning;  ///< lines without the last one's end
   std::string_view advice;   ///< the same: what to do, or the usual cause

@@ -82,7 +82,8 @@ Candidates choicesIn(const std::string& type) {
   const std::size_t begin = type.find('{');
   const std::size_t end = type.find('}');
   if (begin != std::string::npos && end != std::string::npos) {
-    for (const std::string& each : CLI::detail::split(type.substr(begin + 1, end - begin - 1), ',')) {
+    for (const std::string& each :
+         CLI::detail::split(type.substr(begin + 1, end - begin - 1), ',')) {
       candidates.push_back({each});
     }
   }
@@ -173,8 +174,7 @@ const CLI::Option* valueOption(const CLI::App& app, const std::string& name) {
 
 void completeValue(const CLI::App& command, const CLI::Option& option,
                    const std::vector<std::string>& words, const std::string& word,
-                   const std::string& before,
-                   std::ostream& out) {
+                   const std::string& before, std::ostream& out) {
   const std::string type = option.get_type_name();
   if (type.find("DIR") != std::string::npos) {
     out << "folders\n";
