@@ -82,6 +82,12 @@ listed != "" && /^  / {
 }
 listed != "" { listed = "" }
 /^Examples?:$/ { enter("EXAMPLES"); next }
+/^[A-Z][a-z ]*:$/ {
+  endVerbatim(current)
+  sub(/:$/, "")
+  add(current, ".SS " escaped($0))
+  next
+}
 /^Exit code: / {
   enter("EXIT STATUS")
   sub(/^Exit code: /, "")

@@ -34,14 +34,20 @@ began) comes first, even where it belongs to another group (MDF 4.2). Numbers ha
 it takes to read the same number back. Invalid samples are empty fields (null in jsonl), bytes are
 written as hexadecimal digits, dates as 2024-05-17T13:45:12.345.
 
-csv    a line "name [unit],..." and a line for each sample, quoted as in RFC 4180. Several tables
-       follow one another, with an empty line between them.
-jsonl  a line {"schema":1,"group":N,"name":...,"columns":[{"name":...,"unit":...},...]} for each
-       table and a line {"schema":1,"group":N,"values":{"name":value,...}} for each sample.
+Formats:
+  csv    a line "name [unit],..." and a line for each sample, quoted as in RFC 4180. Several tables
+         follow one another, with an empty line between them.
+  jsonl  a line {"schema":1,"group":N,"name":...,"columns":[{"name":...,"unit":...},...]} for each
+         table and a line {"schema":1,"group":N,"values":{"name":value,...}} for each sample.
 
+Names:
 Members of structures are called "structure.member", elements of arrays "name[0][1]", members of
 such an element "name[0].member"; the second channel with a name is "name (2)". Channel groups are
-numbered from 0 through the whole file. With a folder for OUT, each table gets a file there:
+numbered from 0 through the whole file. In conversion formulas, log is the logarithm to base 10 and
+ln the natural one.
+
+Tables:
+With a folder for OUT, each table gets a file there:
 FILE.N_NAME.csv for channel group N of FILE, which has that name, and FILE.N.csv for one without.
 Characters that some file system has no place for are replaced.
 
@@ -50,8 +56,6 @@ A table without samples is left out, in a folder as in one output, and a note co
 
 Array elements that have records of their own become a table each, with the channels that they
 share: FILE.N.K_NAME.csv for element K of channel group N, numbered from 0; jsonl has K as "element".
-
-In conversion formulas, log is the logarithm to base 10 and ln the natural one.
 
 Examples:
   mdf export trip.mf4 > trip.csv
