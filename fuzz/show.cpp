@@ -57,12 +57,13 @@ void tryInfo(const std::string& path) {
   const std::uint64_t most = some + mostLinks(static_cast<std::size_t>(InputFile(path).size()));
   tryWriting(path, Lines::Kind::printed, most,
              [](InputFile& file, std::ostream& os, const FindingSink& report) {
-               mdf_tools::printInfo(file, os, report);
+               mdf_tools::printInfo(file, mdf_tools::Depth::records, os, report);
              });
-  tryWriting(path, Lines::Kind::json, 1,
-             [](InputFile& file, std::ostream& os, const FindingSink& report) {
-               os << mdf_tools::jsonLine(mdf_tools::infoAsJson(file, report)) << '\n';
-             });
+  tryWriting(
+      path, Lines::Kind::json, 1, [](InputFile& file, std::ostream& os, const FindingSink& report) {
+        os << mdf_tools::jsonLine(mdf_tools::infoAsJson(file, mdf_tools::Depth::records, report))
+           << '\n';
+      });
 }
 
 template <class List>

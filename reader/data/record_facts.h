@@ -2,6 +2,7 @@
 #define MDF_READER_DATA_RECORD_FACTS_H_
 
 #include <cstdint>
+#include <functional>
 #include <unordered_map>
 
 #include "../blocks/finding.h"
@@ -22,6 +23,11 @@ class RecordFacts {
   /// The file, with what it leaves open.
   DataFile& file() { return file_; }
 
+  /// Visits the first and the last record of the channel groups that are wanted, see Records. What
+  /// has to be gone through for it is not gone through again: it comes before all else is asked.
+  void visitEnds(const std::function<bool(const ChannelGroup&)>& is_wanted,
+                 const EndVisitor& visit);
+
   /// The records of the channel group at an offset.
   /// @param stated its cycle count, which holds where the file does not leave it open.
   RecordCount recordsOf(std::uint64_t group, std::uint64_t stated);
@@ -34,12 +40,15 @@ class RecordFacts {
  private:
   void look();
   void lookAt(const DataGroup& data_group);
+  bool wantsEnds(const ChannelGroup& group) const;
   bool leavesCountsOpen(const DataGroup& data_group) const;
 
   DataFile file_;
   FindingSink report_;
   FindingSink silent_;
   bool has_looked_ = false;
+  std::function<bool(const ChannelGroup&)> is_wanted_;
+  EndVisitor visit_end_;
   std::unordered_map<std::uint64_t, RecordCount> counts_;  ///< by the groups' offsets
   std::unordered_map<std::uint64_t, unsigned> id_bytes_;   ///< by those of the data groups
 };

@@ -310,7 +310,8 @@ bool Records::ownsAllRecords(const ChannelGroup& group) const {
 std::uint64_t Records::mostRecords(const ChannelGroup& group, std::uint64_t size) const {
   constexpr std::uint64_t believable = std::uint64_t{1} << 20U;
   if (size > 0) {
-    return isLimited(group) ? group.cycles : std::numeric_limits<std::uint64_t>::max();
+    const std::uint64_t most = std::numeric_limits<std::uint64_t>::max() / size;
+    return isLimited(group) ? std::min(group.cycles, most) : most;
   }
   return std::min(group.cycles, std::max(believable, file_.bytes().size()));
 }
@@ -343,6 +344,45 @@ void Records::visitSorted(const ChannelGroup& group, const RecordVisitor& visit)
   std::uint64_t count = 0;
   for (auto record = records.at(0); record && visit(*record); record = records.at(count)) {
     ++count;
+  }
+}
+
+void Records::visitSortedEnds(const ChannelGroup& group, const EndVisitor& visit) {
+  const auto count = file_.isCountFinal(group) ? group.cycles : countOf(group).value_or(0);
+  SortedRecords records = sortedRecords(group);
+  for (const std::uint64_t number : {std::uint64_t{0}, count - 1}) {
+    const auto record = count == 0 ? std::nullopt : records.at(number);
+    if (record) {
+      visit(group, {number, *record});
+    }
+  }
+}
+
+/// The records are read in the order in which they stand, so that no zipped block is read twice.
+void Records::forEachEnd(const std::function<bool(const ChannelGroup&)>& is_wanted,
+                         const EndVisitor& visit) {
+  struct End {
+    std::uint64_t position;
+    std::uint64_t number;
+    const ChannelGroup* group;
+  };
+  std::vector<End> ends;
+  for (const ChannelGroup& group : data_group_.groups) {
+    if (!is_wanted(group)) {
+      continue;
+    }
+    if (areSorted(group)) {
+      visitSortedEnds(group, visit);
+    } else if (areFramed() && countOf(group) == extents_[&group].count) {
+      const Extent& extent = extents_[&group];
+      ends.push_back({extent.first, 0, &group});
+      ends.push_back({extent.last, extent.count - 1, &group});
+    }
+  }
+  std::sort(ends.begin(), ends.end(),
+            [](const End& left, const End& right) { return left.position < right.position; });
+  for (const End& end : ends) {
+    visit(*end.group, {end.number, format_.at(data_, end.position).bytes});
   }
 }
 
@@ -432,6 +472,8 @@ Record Records::lookThrough(std::uint64_t& position) {
 
 void Records::note(const Record& record, std::uint64_t position) {
   Extent& extent = extents_[record.group];
+  extent.first = extent.count == 0 ? position : extent.first;
+  extent.last = position;
   ++extent.count;
   if (record.group->holdsVariableLength()) {
     if (extent.marks.empty() || position - extent.marks.back().position >= mark_distance) {

@@ -21,6 +21,13 @@ namespace mdf_reader {
 std::string countProblem(std::uint64_t data_bytes, std::uint64_t records,
                          std::uint64_t record_bytes);
 
+/// The first or the last record of a channel group.
+struct RecordEnd {
+  std::uint64_t number;    ///< from 0 on
+  std::string_view bytes;  ///< without record id, and without invalidation bytes that stand apart
+};
+using EndVisitor = std::function<void(const ChannelGroup& group, const RecordEnd& end)>;
+
 /// Takes the bytes of a record; says whether to go on.
 using RecordVisitor = std::function<bool(std::string_view record)>;
 
@@ -66,6 +73,12 @@ class Records {
   /// Visits the records of a channel group in order, as many as countOf() says and there are.
   void forEach(const ChannelGroup& group, const RecordVisitor& visit);
 
+  /// Visits the first and the last record of the channel groups that are wanted, as far as they are
+  /// where the groups' counts say; a single one twice. Data with records side by side is not gone
+  /// through for it.
+  void forEachEnd(const std::function<bool(const ChannelGroup&)>& is_wanted,
+                  const EndVisitor& visit);
+
   /// Whether all records are of this group, so that each can be found by its number.
   bool areSorted(const ChannelGroup& group) const { return !areFramed() && ownsAllRecords(group); }
 
@@ -87,6 +100,8 @@ class Records {
   };
   /// What reading through unsorted data has shown of a group.
   struct Extent {
+    std::uint64_t first = 0;  ///< where in the data a record begins
+    std::uint64_t last = 0;
     std::uint64_t count = 0;
     std::uint64_t length = 0;  ///< of all values
     std::vector<Mark> marks;   ///< for every 16 KiB of data
@@ -108,6 +123,7 @@ class Records {
   DataLink link() const { return {data_group_.offset, data_group_.data}; }
   void visitSorted(const ChannelGroup& group, const RecordVisitor& visit);
   void visitUnsorted(const ChannelGroup& group, const RecordVisitor& visit);
+  void visitSortedEnds(const ChannelGroup& group, const EndVisitor& visit);
   void visitCollected(const ChannelGroup& group, std::uint64_t count, const RecordVisitor& visit);
   void collectFrom(const ChannelGroup& first);
   void walk(const std::function<bool(const Record& record)>& visit);

@@ -10,21 +10,21 @@ namespace mdf_tools {
 
 namespace {
 
-int printPages(const std::vector<std::string>& paths) {
+int printPages(const std::vector<std::string>& paths, Depth depth) {
   bool is_first = true;
   return onEachFile(paths, [&](const FileContext& context) {
     if (!is_first) {
       context.out << '\n';
     }
     is_first = false;
-    printInfo(context.file, context.out, context.report);
+    printInfo(context.file, depth, context.out, context.report);
   });
 }
 
-int printDocument(const std::vector<std::string>& paths) {
+int printDocument(const std::vector<std::string>& paths, Depth depth) {
   Json files = Json::array();
   const int exit_code = onEachFile(paths, [&](const FileContext& context) {
-    files.push_back(infoAsJson(context.file, context.report));
+    files.push_back(infoAsJson(context.file, depth, context.report));
   });
   if (files.empty()) {
     return exit_code;
@@ -36,12 +36,17 @@ int printDocument(const std::vector<std::string>& paths) {
 
 constexpr const char* footer =
     R"(Says what the file is, when and by what program it was started, whether it is finished, and what is
-in it: channel groups with their records, and blocks by type. Reads headers only, however large the
-file is; only of an unfinished file the records are counted, and said to be. Rate and duration come
-from the range that the master channels state, or are "not stated".
+in it: channel groups with their records, and blocks by type. "span" and "rate" are those of the
+group's master channel: they come from the range that it states or else from the first and the last
+record, and are left out where these do not tell. The duration is the longest span over time.
+
+However large the file is, little of it is read, with two exceptions: data with records of several
+groups is gone through for the last of each, and in an unfinished file the records are counted, and
+said to be. --headers reads no data at all.
 
 Examples:
   mdf info trip.mf4                                a page
+  mdf info --headers *.mf4                         without a look at the data
   mdf info --json *.mf4 | jq '.files[].duration'   for a script
 
 Exit code: 0 fine, 1 problems found in a file, 2 wrong arguments or unreadable file.)";
@@ -53,9 +58,13 @@ void addInfoCommand(CLI::App& app, int& exit_code) {
   const auto paths = addFileArguments(*command);
   const auto as_json = std::make_shared<bool>(false);
   command->add_flag("--json", *as_json, "Print one JSON document for all files");
+  const auto headers_only = std::make_shared<bool>(false);
+  command->add_flag("--headers", *headers_only,
+                    "Read headers only: what they leave open is not known");
   command->footer(footer);
-  command->callback([paths, as_json, &exit_code] {
-    exit_code = *as_json ? printDocument(*paths) : printPages(*paths);
+  command->callback([paths, as_json, headers_only, &exit_code] {
+    const Depth depth = *headers_only ? Depth::headers : Depth::records;
+    exit_code = *as_json ? printDocument(*paths, depth) : printPages(*paths, depth);
   });
 }
 

@@ -1,12 +1,9 @@
 #include "file_summary.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <unordered_map>
 
-#include "description/cnblock.h"
-#include "framework/wire.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/blocks/walk.h"
 #include "reader/bytes/input_file.h"
@@ -15,91 +12,99 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-using mdf_v4_10::CNBLOCK;
-using mdf_v4_10::detail::loadLe;
-
 namespace {
-
-/// The factor of a linear conversion; 1 for none and for the identity. Other conversions have none.
-std::optional<double> linearFactor(InputFile& file, std::uint64_t conversion) {
-  if (conversion == 0) {
-    return 1;
-  }
-  const auto block = readFields(file, conversion, "CC");
-  if (!block || block->number("cc_type") > 1) {
-    return std::nullopt;
-  }
-  if (block->number("cc_type") == 0) {
-    return 1;
-  }
-  std::array<char, 16> values{};
-  if (block->tailBytes() < values.size() ||
-      file.readAt(block->tailAt(), values.data(), values.size()) < values.size()) {
-    return std::nullopt;
-  }
-  return loadLe<double>(values.data() + 8);
-}
-
-/// From the least to the greatest raw value of a master channel.
-std::optional<double> rawExtent(InputFile& file, std::uint64_t records, const Channel& master) {
-  if (master.type == Channel::virtual_master) {  // its raw value is the record's index
-    return static_cast<double>(records - 1);
-  }
-  const auto block = readFields(file, master.offset, "CN");
-  if (!block || !block->hasFlag("cn_flags", CNBLOCK::value_range_valid)) {
-    return std::nullopt;
-  }
-  return block->real("cn_val_range_max") - block->real("cn_val_range_min");
-}
-
-/// What is collected of a group while its channels pass by.
-struct GroupChannels {
-  std::size_t count = 0;
-  std::optional<Channel> master;
-
-  void add(const Channel& channel) {
-    ++count;
-    if (channel.isBetterMasterThan(master ? &*master : nullptr)) {
-      master = channel;
-    }
-  }
-
-  bool areOverTime() const { return master && master->sync_type == 1; }
-};
 
 using ChannelsOfGroups = std::unordered_map<std::uint64_t, GroupChannels>;  // by their offsets
 
-/// The channels that include a group's master: its own, or those of another group.
-const GroupChannels& groupWithMaster(const ChannelGroup& group, ChannelsOfGroups& channels) {
-  const GroupChannels& own = channels[group.offset];
-  const auto remote = group.hasRemoteMaster() ? channels.find(group.master_group) : channels.end();
-  return own.master || remote == channels.end() ? own : remote->second;
-}
-
-void addExtent(InputFile& file, GroupSummary& summary, const Channel& master) {
-  summary.master_unit = master.unit;
-  const std::uint64_t records = *summary.records.records;
-  const auto extent = rawExtent(file, records, master);
-  const auto factor = linearFactor(file, master.conversion);
-  if (!extent || !factor) {
-    return;
-  }
-  summary.extent = std::abs(*extent * *factor);
-  if (std::isfinite(*summary.extent) && *summary.extent > 0) {
-    summary.rate = static_cast<double>(records - 1) / *summary.extent;
+void addTo(GroupChannels& channels, const Channel& channel) {
+  ++channels.count;
+  if (channel.isBetterMasterThan(channels.master ? &*channels.master : nullptr)) {
+    channels.master = channel;
   }
 }
 
-GroupSummary summariseGroup(InputFile& file, const DataGroup& data_group, const ChannelGroup& group,
-                            Texts& texts) {
-  GroupSummary summary{&data_group, &group, {}, std::string(group.name), {}, {}, {}, {}, 0};
+std::string sourceOf(InputFile& file, const ChannelGroup& group, Texts& texts) {
   const Source source = readSource(file, group.source, texts);
-  summary.source = source.name;
+  std::string words(source.name);
   if (!source.path.empty() && source.path != source.name) {
-    summary.source += summary.source.empty() ? "" : " ";
-    summary.source += source.path;
+    words += words.empty() ? "" : " ";
+    words += source.path;
   }
-  return summary;
+  return words;
+}
+
+void addGroups(InputFile& file, ChannelsOfGroups& channels, FileSummary& summary) {
+  for (const DataGroup& data_group : summary.description.data_groups) {
+    for (const ChannelGroup& group : data_group.groups) {
+      GroupSummary each;
+      each.data_group = &data_group;
+      each.group = &group;
+      each.source = sourceOf(file, group, *summary.description.texts);
+      each.channels = std::move(channels[group.offset]);
+      summary.channel_count += each.channels.count;
+      summary.groups.push_back(std::move(each));
+    }
+  }
+}
+
+using GroupsByOffset = std::unordered_map<std::uint64_t, GroupSummary*>;
+
+GroupsByOffset byOffset(FileSummary& summary) {
+  GroupsByOffset groups;
+  for (GroupSummary& each : summary.groups) {
+    groups.emplace(each.group->offset, &each);
+  }
+  return groups;
+}
+
+void addSpans(InputFile& file, Depth depth, RecordFacts& facts, FileSummary& summary,
+              const FindingSink& report) {
+  const GroupsByOffset groups = byOffset(summary);
+  AxisSpans spans(file, report);
+  if (depth == Depth::records) {
+    spans.readEnds(facts, [&](const ChannelGroup& group) {
+      const auto known = groups.find(group.offset);
+      return known == groups.end() ? nullptr : known->second->master();
+    });
+  }
+  for (GroupSummary& each : summary.groups) {
+    const ChannelGroup& group = *each.group;
+    if (depth == Depth::records) {
+      each.records = facts.recordsOf(group.offset, group.cycles);
+    } else if (facts.file().isCountFinal(group)) {
+      each.records.records = group.cycles;
+    }
+    if (each.master() != nullptr) {
+      each.span = spans.of(group.offset, each.records.records.value_or(0), *each.master());
+    }
+  }
+}
+
+/// A group with its master in another one has as many records as that, or its span is not known.
+void addRemoteMasters(FileSummary& summary) {
+  const GroupsByOffset groups = byOffset(summary);
+  for (GroupSummary& each : summary.groups) {
+    const auto other = groups.find(each.group->master_group);
+    if (each.master() != nullptr || !each.group->hasRemoteMaster() || other == groups.end()) {
+      continue;
+    }
+    const GroupSummary& with_master = *other->second;
+    each.channels.master = with_master.channels.master;
+    if (with_master.records.records == each.records.records) {
+      each.span = with_master.span;
+    }
+  }
+}
+
+void addDuration(FileSummary& summary) {
+  constexpr unsigned over_time = 1;
+  for (const GroupSummary& each : summary.groups) {
+    const auto extent = each.extent();
+    if (extent && each.master()->sync_type == over_time &&
+        *extent >= summary.duration.value_or(0)) {
+      summary.duration = extent;
+    }
+  }
 }
 
 void countBlocks(DataFile& data_file, FileSummary& summary, const FindingSink& report) {
@@ -130,36 +135,8 @@ std::size_t lengthOfChain(InputFile& file, std::uint64_t first, std::string_view
   return length;
 }
 
-}  // namespace
-
-FileSummary summarise(InputFile& file, const FindingSink& report) {
-  FileSummary summary;
-  RecordFacts facts(file, report);
-  countBlocks(facts.file(), summary, report);
-  const FindingSink known = [](const Finding&) {};
-  ChannelsOfGroups channels;
-  summary.description = readDescription(file, summary.blocks.empty() ? known : report,
-                                        [&](const ChannelGroup& group, const Channel& channel) {
-                                          channels[group.offset].add(channel);
-                                        });
+void addCounts(InputFile& file, FileSummary& summary) {
   const Header& header = summary.description.header;
-  for (const DataGroup& data_group : summary.description.data_groups) {
-    for (const ChannelGroup& group : data_group.groups) {
-      summary.groups.push_back(summariseGroup(file, data_group, group, *summary.description.texts));
-      GroupSummary& added = summary.groups.back();
-      added.channel_count = channels[group.offset].count;
-      summary.channel_count += added.channel_count;
-      const GroupChannels& with_master = groupWithMaster(group, channels);
-      added.records = facts.recordsOf(group.offset, group.cycles);
-      if (with_master.master && added.records.records.value_or(0) > 0) {
-        addExtent(file, added, *with_master.master);
-      }
-      if (with_master.areOverTime() && added.extent &&
-          *added.extent >= summary.duration.value_or(0)) {
-        summary.duration = added.extent;
-      }
-    }
-  }
   summary.history_count = lengthOfChain(file, header.first_history, "FH");
   summary.hierarchy_count = static_cast<std::size_t>(summary.blocks["CH"].blocks);
   if (summary.hierarchy_count == 0) {
@@ -167,6 +144,31 @@ FileSummary summarise(InputFile& file, const FindingSink& report) {
   }
   summary.attachment_count = lengthOfChain(file, header.first_attachment, "AT");
   summary.event_count = lengthOfChain(file, header.first_event, "EV");
+}
+
+}  // namespace
+
+std::optional<double> GroupSummary::rate() const {
+  const auto count = static_cast<double>(records.records.value_or(0));
+  const double length = extent().value_or(0);
+  return length > 0 && std::isfinite(length) ? std::optional((count - 1) / length) : std::nullopt;
+}
+
+FileSummary summarise(InputFile& file, Depth depth, const FindingSink& report) {
+  FileSummary summary;
+  RecordFacts facts(file, report);
+  countBlocks(facts.file(), summary, report);
+  const FindingSink known = [](const Finding&) {};
+  ChannelsOfGroups channels;
+  summary.description = readDescription(file, summary.blocks.empty() ? known : report,
+                                        [&](const ChannelGroup& group, const Channel& channel) {
+                                          addTo(channels[group.offset], channel);
+                                        });
+  addGroups(file, channels, summary);
+  addSpans(file, depth, facts, summary, report);
+  addRemoteMasters(summary);
+  addDuration(summary);
+  addCounts(file, summary);
   return summary;
 }
 

@@ -11,6 +11,7 @@
 #include "reader/blocks/finding.h"
 #include "reader/data/record_facts.h"
 #include "reader/model/description.h"
+#include "reader/values/axis_spans.h"
 
 namespace mdf_reader {
 class InputFile;
@@ -26,19 +27,26 @@ struct TypeCount {
   std::uint64_t bytes = 0;  ///< as their lengths say, as far as the file reaches
 };
 
-/// What is known of a channel group without its data, and how many records it has.
+struct GroupChannels {
+  std::size_t count = 0;
+  std::optional<Channel> master;
+};
+
+/// What is known of a channel group.
 struct GroupSummary {
-  const DataGroup* data_group;
-  const ChannelGroup* group;
+  const DataGroup* data_group = nullptr;
+  const ChannelGroup* group = nullptr;
+  GroupChannels channels;  ///< its own; the master may be that of another group
   RecordCount records;
-  std::string name;  ///< of the acquisition; failing that, of its source
   std::string source;
-  /// From the first record to the last, in the unit of the master channel; nothing when no block
-  /// states it.
-  std::optional<double> extent;
-  std::optional<double> rate;  ///< records for each unit of the master channel
-  std::string master_unit;
-  std::size_t channel_count = 0;
+  std::optional<AxisSpan> span;
+
+  /// Null for none.
+  const Channel* master() const { return channels.master ? &*channels.master : nullptr; }
+  /// How far it is from the first record to the last, in the unit of the master channel.
+  std::optional<double> extent() const { return span ? span->extent() : std::nullopt; }
+  /// Records for each unit of the master channel.
+  std::optional<double> rate() const;
 };
 
 struct FileSummary {
@@ -57,9 +65,13 @@ struct FileSummary {
   std::uint64_t gap_bytes = 0;
 };
 
-/// Reads everything but data, and that only to count records where the file leaves their number
-/// open.
-FileSummary summarise(InputFile& file, const FindingSink& report);
+/// How much of a file is read.
+enum class Depth {
+  headers,
+  records,  ///< the first and the last of groups; all, where only that shows them or their number
+};
+
+FileSummary summarise(InputFile& file, Depth depth, const FindingSink& report);
 
 }  // namespace mdf_tools
 

@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "file_summary.h"
 #include "names.h"
 #include "reader/blocks/block_type.h"
 #include "reader/bytes/input_file.h"
@@ -122,6 +121,10 @@ void printLine(std::ostream& out, std::string_view label, std::string_view value
       << onOneLine(value) << '\n';
 }
 
+std::string masterUnit(const GroupSummary& group) {
+  return group.master() == nullptr ? "" : std::string(group.master()->unit);
+}
+
 void printGroups(const FileSummary& summary, std::ostream& out) {
   using Align = TextTable::Align;
   TextTable table({{"group", Align::right},
@@ -129,18 +132,24 @@ void printGroups(const FileSummary& summary, std::ostream& out) {
                    {"name"},
                    {"source"},
                    {"records", Align::right},
+                   {"span"},
                    {"rate"},
                    {"record bytes", Align::right},
                    {"channels", Align::right}});
   for (const GroupSummary& each : summary.groups) {
     const ChannelGroup& group = *each.group;
-    const std::string unit = each.master_unit.empty() ? "" : '/' + each.master_unit;
+    const std::string unit = masterUnit(each);
+    const auto extent = each.extent();
+    const auto rate = each.rate();
     const bool is_variable = group.holdsVariableLength();
-    table.add({std::to_string(group.index), std::to_string(each.data_group->index),
-               is_variable && each.name.empty() ? "(variable-length data)" : each.name, each.source,
-               shownRecords(each.records), each.rate ? shownNumber(*each.rate) + unit : "",
-               is_variable ? "variable" : std::to_string(group.recordBytes()),
-               std::to_string(each.channel_count)});
+    table.add(
+        {std::to_string(group.index), std::to_string(each.data_group->index),
+         is_variable && group.name.empty() ? "(variable-length data)" : std::string(group.name),
+         each.source, shownRecords(each.records),
+         extent ? shownNumber(*extent) + (unit.empty() ? "" : ' ' + unit) : "",
+         rate ? shownNumber(*rate) + (unit.empty() ? "" : '/' + unit) : "",
+         is_variable ? "variable" : std::to_string(group.recordBytes()),
+         std::to_string(each.channels.count)});
   }
   if (!table.isEmpty()) {
     out << '\n';
@@ -161,22 +170,31 @@ void printBlocks(const FileSummary& summary, std::ostream& out) {
   table.print(out);
 }
 
+Json spanAsJson(const AxisSpan& span) {
+  const char* source = "stated range";
+  if (span.source != AxisSpan::Source::range) {
+    source = span.source == AxisSpan::Source::records ? "records" : "record numbers";
+  }
+  return {{"from", span.from}, {"to", span.to}, {"source", source}};
+}
+
 Json groupAsJson(const GroupSummary& each) {
   const ChannelGroup& group = *each.group;
   Json json = {{"group", group.index},
                {"data_group", each.data_group->index},
                {"offset", group.offset},
-               {"name", each.name},
+               {"name", group.name},
                {"source", each.source},
                {"comment", group.comment},
                {"records", each.records.records ? Json(*each.records.records) : Json()},
                {"records_counted", each.records.is_counted},
                {"record_bytes", group.recordBytes()},
                {"variable_length", group.holdsVariableLength()},
-               {"channels", each.channel_count}};
-  json["extent"] = each.extent ? Json(*each.extent) : Json();
-  json["rate"] = each.rate ? Json(*each.rate) : Json();
-  json["master_unit"] = each.master_unit;
+               {"channels", each.channels.count}};
+  json["span"] = each.span ? spanAsJson(*each.span) : Json();
+  json["extent"] = each.extent() ? Json(*each.extent()) : Json();
+  json["rate"] = each.rate() ? Json(*each.rate()) : Json();
+  json["master_unit"] = masterUnit(each);
   return json;
 }
 
@@ -189,8 +207,8 @@ Json startAsJson(const Header& header) {
 
 }  // namespace
 
-void printInfo(InputFile& file, std::ostream& out, const FindingSink& report) {
-  const FileSummary summary = summarise(file, report);
+void printInfo(InputFile& file, Depth depth, std::ostream& out, const FindingSink& report) {
+  const FileSummary summary = summarise(file, depth, report);
   const Identification& id = summary.description.identification;
   const Header& header = summary.description.header;
   printLine(out, "File:", file.name() + ", " + std::to_string(file.size()) + " bytes");
@@ -206,7 +224,7 @@ void printInfo(InputFile& file, std::ostream& out, const FindingSink& report) {
     printLine(out, "Begins at:", position);
   }
   printLine(out,
-            "Duration:", summary.duration ? shownNumber(*summary.duration) + " s" : "not stated");
+            "Duration:", summary.duration ? shownNumber(*summary.duration) + " s" : "not known");
   if (!header.comment.empty()) {
     printLine(out, "Comment:", header.comment);
   }
@@ -218,8 +236,8 @@ void printInfo(InputFile& file, std::ostream& out, const FindingSink& report) {
   printBlocks(summary, out);
 }
 
-Json infoAsJson(InputFile& file, const FindingSink& report) {
-  const FileSummary summary = summarise(file, report);
+Json infoAsJson(InputFile& file, Depth depth, const FindingSink& report) {
+  const FileSummary summary = summarise(file, depth, report);
   const Identification& id = summary.description.identification;
   Json json = {{"file", file.name()},
                {"bytes", file.size()},

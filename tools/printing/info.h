@@ -3,6 +3,7 @@
 
 #include <ostream>
 
+#include "file_summary.h"
 #include "json_output.h"
 #include "reader/blocks/finding.h"
 
@@ -14,10 +15,9 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// What a file is and what is in it, from its headers alone: data sections are not read. As a page
-/// for people, and as an object for programs.
-void printInfo(InputFile& file, std::ostream& out, const FindingSink& report);
-Json infoAsJson(InputFile& file, const FindingSink& report);
+/// What a file is and what is in it: as a page for people, and as an object for programs.
+void printInfo(InputFile& file, Depth depth, std::ostream& out, const FindingSink& report);
+Json infoAsJson(InputFile& file, Depth depth, const FindingSink& report);
 
 }  // namespace mdf_tools
 

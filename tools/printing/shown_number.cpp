@@ -8,7 +8,7 @@ std::string shownNumber(double number) { return formatted("%.6g", number); }
 
 std::string shownRecords(const mdf_reader::RecordCount& count) {
   return count.records ? std::to_string(*count.records) + (count.is_counted ? " (counted)" : "")
-                       : "unknown";
+                       : "?";
 }
 
 }  // namespace mdf_tools

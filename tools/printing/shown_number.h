@@ -10,7 +10,7 @@ namespace mdf_tools {
 /// A number for people, with six digits.
 std::string shownNumber(double number);
 
-/// How many records a channel group has: "12", or "12 (counted)"; "unknown" where nobody can tell.
+/// How many records a channel group has: "12", or "12 (counted)"; "?" where nobody can tell.
 std::string shownRecords(const mdf_reader::RecordCount& count);
 
 }  // namespace mdf_tools

@@ -64,9 +64,9 @@ TEST(InfoCommand, APageOfEverything) {
           "Contents:  2 data groups, 2 channel groups, 2 channels, 1 attachment, 0 events, 0 "
           "hierarchy entries, 0 history entries\n"
           "\n"
-          "group  data  name  source             records  rate  record bytes  channels\n"
-          "    0     0  fast  engine ECU.engine       11  2/s              1         2\n"
-          "    1     1                                 3                   1         0\n"
+          "group  data  name  source             records  span  rate  record bytes  channels\n"
+          "    0     0  fast  engine ECU.engine       11  5 s   2/s              1         2\n"
+          "    1     1                                 3                         1         0\n"
           "\n"
           "type  blocks  bytes\n"
           "AT         1     99  attachment\n"
@@ -97,7 +97,7 @@ TEST(InfoCommand, UnfinishedFilesSayWhatIsOpen) {
           "data block, last data list, data bytes of variable-length groups, offsets of "
           "variable-length channels; custom flags 3\n"
           "Start:     not stated, clock: local PC\n"
-          "Duration:  not stated\n"
+          "Duration:  not known\n"
           "Contents:  0 data groups, 0 channel groups, 0 channels, 0 attachments, 0 events, 0 "
           "hierarchy entries, 0 history entries\n"
           "\n"
@@ -116,7 +116,7 @@ TEST(InfoCommand, WhereAnglesAndDistancesBegin) {
     return page.substr(begin, page.find("Contents:") - begin);
   };
   const std::string start = "Start:     not stated, clock: local PC\n";
-  const std::string duration = "Duration:  not stated\n";
+  const std::string duration = "Duration:  not known\n";
   EXPECT_EQ(position(0), start + duration);
   EXPECT_EQ(position(1), start + "Begins at: 0.25 rad\n" + duration);
   EXPECT_EQ(position(2), start + "Begins at: 1200 m\n" + duration);
@@ -161,10 +161,11 @@ TEST(InfoCommand, JsonOfEverything) {
       "events": 0, "hierarchy_entries": 0, "history_entries": 0,
       "groups": [{"group": 0, "data_group": 0, "name": "fast", "source": "engine ECU.engine",
                   "comment": "", "records": 11, "records_counted": false, "record_bytes": 1, "variable_length": false,
-                  "channels": 2, "extent": 5.0, "rate": 2.0, "master_unit": "s"},
+                  "channels": 2, "span": {"from": 0.0, "to": 5.0, "source": "record numbers"},
+                  "extent": 5.0, "rate": 2.0, "master_unit": "s"},
                  {"group": 1, "data_group": 1, "name": "", "source": "", "comment": "",
                   "records": 3, "records_counted": false, "record_bytes": 1, "variable_length": false, "channels": 0,
-                  "extent": null, "rate": null, "master_unit": ""}],
+                  "span": null, "extent": null, "rate": null, "master_unit": ""}],
       "blocks": {"CC": {"blocks": 1, "bytes": 96}, "CG": {"blocks": 2, "bytes": 208},
                  "CN": {"blocks": 2, "bytes": 320}, "DG": {"blocks": 2, "bytes": 128},
                  "HD": {"blocks": 1, "bytes": 104}, "MD": {"blocks": 1, "bytes": 64},
