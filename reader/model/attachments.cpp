@@ -18,7 +18,7 @@ std::vector<Attachment> readAttachments(InputFile& file, std::uint64_t first, Te
     Attachment attachment = attachmentOf(block);
     attachment.name = texts.at(file, block.link(ATBLOCK::at_tx_filename));
     attachment.mime_type = texts.at(file, block.link(ATBLOCK::at_tx_mimetype));
-    attachment.comment = texts.at(file, block.link(ATBLOCK::at_md_comment));
+    attachment.comment = texts.commentAt(file, block.link(ATBLOCK::at_md_comment));
     attachments.push_back(std::move(attachment));
   });
   return attachments;

@@ -47,6 +47,7 @@ class DescriptionReader {
   ArrayShape arrayShape(const BlockFields& array);
   Step readElements(BlockFields array, ArrayShape& shape);
   std::string_view text(std::uint64_t offset) { return texts_.at(file_, offset); }
+  std::string_view comment(std::uint64_t offset) { return texts_.commentAt(file_, offset); }
 
   InputFile& file_;
   const FindingSink& report_;
@@ -107,7 +108,8 @@ Header DescriptionReader::header() {
   header.first_hierarchy = block->link(HDBLOCK::hd_ch_first);
   header.first_attachment = block->link(HDBLOCK::hd_at_first);
   header.first_event = block->link(HDBLOCK::hd_ev_first);
-  header.comment = text(block->link(HDBLOCK::hd_md_comment));
+  header.comment_block = block->link(HDBLOCK::hd_md_comment);
+  header.comment = comment(header.comment_block);
   return header;
 }
 
@@ -127,7 +129,7 @@ DataGroup DescriptionReader::dataGroup(const BlockFields& block) {
   data_group.offset = block.offset();
   data_group.record_id_code = static_cast<unsigned>(block.number("dg_rec_id_size"));
   data_group.data = block.link(DGBLOCK::dg_data);
-  data_group.comment = text(block.link(DGBLOCK::dg_md_comment));
+  data_group.comment = comment(block.link(DGBLOCK::dg_md_comment));
   auto group = follow(block.offset(), block.link(DGBLOCK::dg_cg_first), "CG");
   while (group) {
     data_group.groups.push_back(channelGroup(*group));
@@ -144,7 +146,7 @@ ChannelGroup DescriptionReader::channelGroup(const BlockFields& block) {
   group.source = block.link(CGBLOCK::cg_si_acq_source);
   group.source_name = readSource(file_, group.source, texts_).name;
   group.first_reduction = block.link(CGBLOCK::cg_sr_first);
-  group.comment = text(block.link(CGBLOCK::cg_md_comment));
+  group.comment = comment(block.link(CGBLOCK::cg_md_comment));
   group.record_id = block.number("cg_record_id");
   group.cycles = block.number("cg_cycle_count");
   group.flags = static_cast<unsigned>(block.number("cg_flags"));
@@ -201,7 +203,7 @@ Channel DescriptionReader::channel(const BlockFields& block) {
   channel.conversion = block.link(CNBLOCK::cn_cc_conversion);
   channel.data = block.link(CNBLOCK::cn_data);
   channel.unit = text(block.link(CNBLOCK::cn_md_unit));
-  channel.comment = text(block.link(CNBLOCK::cn_md_comment));
+  channel.comment = comment(block.link(CNBLOCK::cn_md_comment));
   channel.type = static_cast<unsigned>(block.number("cn_type"));
   channel.sync_type = static_cast<unsigned>(block.number("cn_sync_type"));
   channel.data_type = static_cast<unsigned>(block.number("cn_data_type"));

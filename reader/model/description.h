@@ -34,6 +34,7 @@ struct Header {
   std::uint64_t first_hierarchy = 0;
   std::uint64_t first_attachment = 0;
   std::uint64_t first_event = 0;
+  std::uint64_t comment_block = 0;
   std::string_view comment;
 
   enum TimeFlag : unsigned { is_local_time = 1, offsets_valid = 2 };

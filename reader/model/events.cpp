@@ -16,7 +16,7 @@ std::vector<Event> readEvents(InputFile& file, std::uint64_t first, Texts& texts
     Event event;
     event.offset = block.offset();
     event.name = texts.at(file, block.link(EVBLOCK::ev_tx_name));
-    event.comment = texts.at(file, block.link(EVBLOCK::ev_md_comment));
+    event.comment = texts.commentAt(file, block.link(EVBLOCK::ev_md_comment));
     event.type = static_cast<unsigned>(block.number("ev_type"));
     event.sync_type = static_cast<unsigned>(block.number("ev_sync_type"));
     event.range_type = static_cast<unsigned>(block.number("ev_range_type"));

@@ -65,7 +65,7 @@ std::vector<HierarchyEntry> readHierarchy(InputFile& file, std::uint64_t first, 
     seen.insert(next.target);
     entries.push_back({next.target, next.depth, static_cast<unsigned>(block->number("ch_type")),
                        texts.at(file, block->link(CHBLOCK::ch_tx_name)),
-                       texts.at(file, block->link(CHBLOCK::ch_md_comment)),
+                       texts.commentAt(file, block->link(CHBLOCK::ch_md_comment)),
                        elementsOf(file, *block)});
     // The entries below come before the next one beside.
     pending.push_back({next.target, block->link(CHBLOCK::ch_ch_next), next.depth});

@@ -19,7 +19,7 @@ std::vector<HistoryEntry> readHistory(InputFile& file, std::uint64_t first, Text
     entry.zone_minutes = static_cast<int>(block.signedNumber("fh_tz_offset_min"));
     entry.daylight_minutes = static_cast<int>(block.signedNumber("fh_dst_offset_min"));
     entry.time_flags = static_cast<unsigned>(block.number("fh_time_flags"));
-    entry.comment = texts.at(file, block.link(FHBLOCK::fh_md_comment));
+    entry.comment = texts.commentAt(file, block.link(FHBLOCK::fh_md_comment));
     entries.push_back(entry);
   });
   return entries;

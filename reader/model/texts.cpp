@@ -43,6 +43,12 @@ std::optional<std::string> readText(InputFile& file, std::uint64_t offset, std::
   return readToZero(file, offset + in_front, std::min(block->length - in_front, most));
 }
 
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view white_space = " \t\r\n";
+  const std::size_t begin = std::min(text.find_first_not_of(white_space), text.size());
+  return text.substr(begin, text.find_last_not_of(white_space) + 1 - begin);
+}
+
 std::string plainText(const std::string& comment) {
   const std::size_t first = comment.find_first_not_of(" \t\r\n");
   if (first == std::string::npos || comment[first] != '<') {
@@ -55,7 +61,7 @@ std::string plainText(const std::string& comment) {
     return comment;
   }
   // The root element has the comment's own name; its TX element is for people.
-  return document.document_element().child("TX").text().get();
+  return std::string(trimmed(document.document_element().child("TX").text().get()));
 }
 
 std::string_view Texts::at(InputFile& file, std::uint64_t offset) {

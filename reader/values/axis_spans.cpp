@@ -6,8 +6,11 @@
 #include "../blocks/block_fields.h"
 #include "../bytes/input_file.h"
 #include "column.h"
+#include "description/cnblock.h"
 
 namespace mdf_reader {
+
+using mdf_v4_10::CNBLOCK;
 
 namespace {
 
@@ -67,9 +70,9 @@ std::optional<AxisSpan> AxisSpans::spanOf(const Ends& ends, AxisSpan::Source sou
 
 /// The range of raw values that the channel's block states, if it is one.
 std::optional<AxisSpan> AxisSpans::statedRange(const Channel& master) {
-  constexpr std::uint64_t value_range_valid = 8;
   const auto block = readFields(file_, master.offset, "CN");
-  if (!block || !block->hasFlag("cn_flags", value_range_valid) || !isUsable(master.conversion)) {
+  if (!block || !block->hasFlag("cn_flags", CNBLOCK::value_range_valid) ||
+      !isUsable(master.conversion)) {
     return std::nullopt;
   }
   Conversion* const conversion = conversions_.at(master.conversion);

@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "../model/array_elements.h"
+#include "../model/channel_names.h"
 #include "text_encoding.h"
 
 namespace mdf_reader {
@@ -63,16 +64,17 @@ class Names {
 
 /// Where a channel stands: in structures, and in elements of arrays.
 struct Place {
-  std::string path;  ///< names with dots between
-  std::string name;  ///< the same with the indices of elements
+  StructureName plain;  ///< without the indices of elements
+  std::string name;     ///< the path with them
   std::int64_t byte_shift = 0;
   std::uint64_t invalidation_shift = 0;  ///< bits
 
   Place member(const std::string& own_name) const {
+    const std::string part(memberPart(own_name, plain));
     const auto in = [&](const std::string& around) {
-      return shortened(around.empty() ? own_name : around + '.' + own_name);
+      return shortened(around.empty() ? own_name : around + '.' + part);
     };
-    return {in(path), in(name), byte_shift, invalidation_shift};
+    return {{in(plain.path), part}, in(name), byte_shift, invalidation_shift};
   }
 };
 
@@ -231,7 +233,7 @@ void Planner::addArray(const Channel& channel, const Members& members, const Pla
 }
 
 void Planner::add(const Channel& channel, const Place& place) {
-  columns_.push_back({&channel, names_.unique(place.name), nameOf(channel), place.path,
+  columns_.push_back({&channel, names_.unique(place.name), nameOf(channel), place.plain.path,
                       place.byte_shift, place.invalidation_shift});
 }
 

@@ -130,7 +130,7 @@ struct InfoCounts {
 };
 
 InfoCounts countsOfInfo(InputFile& file) {
-  const Json info = mdf_tools::infoAsJson(file, silent);
+  const Json info = mdf_tools::infoAsJson(file, mdf_tools::Depth::records, silent);
   InfoCounts counts;
   for (const Json& group : info["groups"]) {
     counts.offsets.push_back(group["offset"]);

@@ -32,14 +32,11 @@ struct ListKind {
 int runList(const ListKind& kind, const std::vector<std::string>& paths, ListOptions options) {
   bool is_chosen = true;
   const int exit_code = onEachFile(paths, [&](const FileContext& context) {
-    options.file_name = context.is_one_of_several ? context.file.name() : "";
     options.no_such_group = [&] {
       is_chosen = false;
       context.say("note: " + noGroupChosen(options.group));
     };
-    if (context.is_one_of_several && !options.as_json) {
-      context.out << context.file.name() << ":\n";
-    }
+    options.names_file = context.is_one_of_several;
     kind.list(context.file, options, context.out, context.report);
   });
   return std::max<int>(exit_code, is_chosen ? exit_fine : exit_problem);
@@ -76,7 +73,7 @@ void addList(CLI::App& list_command, const ListKind& kind, int& exit_code) {
 
 constexpr const char* channels_footer =
     R"("at" is the channel's first byte in the record and, after the point, the first bit in that byte.
-Members of a structure are indented below it.
+A member of a structure is called "structure.member" and comes after it.
 
 Examples:
   mdf list channels trip.mf4                        all channels

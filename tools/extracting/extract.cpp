@@ -105,7 +105,7 @@ void Extractor::tell(const Attachment& attachment, const std::string& path, std:
                  {"offset", attachment.offset},
                  {"name", attachment.name}};
     line["path"] = path.empty() ? Json() : Json(path);
-    line["bytes"] = size;
+    line["bytes"] = path.empty() ? Json() : Json(size);
     line["digest_verified"] = !path.empty() && attachment.has_digest;
     out_ << jsonLine(line) << '\n';
   } else if (path.empty()) {

@@ -19,7 +19,7 @@ constexpr std::size_t most_links = 1500;
 /// Takes the entries of a tree as long as there is room for them.
 class GraphMaker {
  public:
-  GraphMaker(InputFile& file, std::size_t room, RecordFacts& facts)
+  GraphMaker(InputFile& file, std::size_t room, FileFacts& facts)
       : file_(file), facts_(facts), room_(room) {}
 
   /// Whether there was room.
@@ -31,7 +31,7 @@ class GraphMaker {
   void addLink(const TreeEntry& entry, std::size_t target);
 
   InputFile& file_;
-  RecordFacts& facts_;
+  FileFacts& facts_;
   std::size_t room_;
   BlockGraph graph_;
   std::unordered_map<std::uint64_t, std::size_t> nodes_;  ///< by offset
@@ -103,10 +103,7 @@ Json nodeAsJson(const GraphNode& node) {
     return value;
   }
   value["length"] = node.length;
-  value["name"] = node.summary.name;
-  for (const BlockFact& fact : node.summary.facts) {
-    value[std::string(fact.key)] = fact.number ? Json(*fact.number) : Json(fact.words);
-  }
+  addSummary(node.summary, value);
   return value;
 }
 
@@ -115,7 +112,7 @@ Json nodeAsJson(const GraphNode& node) {
 BlockGraph makeGraph(InputFile& file, const TreeOptions& options, const FindingSink& report) {
   // Problems are reported the first time only.
   const FindingSink silent = [](const Finding& /*finding*/) {};
-  RecordFacts facts(file, report);
+  FileFacts facts(file, report);
   constexpr std::array<std::uint64_t, 5> limits = {100, 8, 5, 3, 2};
   for (const std::uint64_t limit : limits) {
     const bool is_first = limit == limits.front();

@@ -26,7 +26,7 @@ constexpr std::size_t most_name_characters = 60;
 /// Reads a block's links, fields and the beginnings of its texts, and collects what they say.
 class Summarizer {
  public:
-  Summarizer(InputFile& file, const RawBlock& block, RecordFacts& facts)
+  Summarizer(InputFile& file, const RawBlock& block, FileFacts& facts)
       : file_(file), facts_(facts), block_(file, block) {}
 
   BlockSummary summary();
@@ -58,6 +58,12 @@ class Summarizer {
       summary_.facts.push_back({key, words, std::nullopt});
     }
   }
+  /// A value of an enumeration.
+  void fact(std::string_view key, const std::string& words, unsigned enumerator) {
+    if (!words.empty()) {
+      summary_.facts.push_back({key, words, std::nullopt, enumerator});
+    }
+  }
   /// The first word of the unit is in the plural.
   void count(std::string_view key, std::uint64_t number, std::string unit) {
     if (number == 1) {
@@ -70,7 +76,7 @@ class Summarizer {
   }
 
   InputFile& file_;
-  RecordFacts& facts_;
+  FileFacts& facts_;
   BlockFields block_;
   BlockSummary summary_;
 
@@ -102,7 +108,7 @@ void Summarizer::fileHistory() { time("time", "fh"); }
 
 void Summarizer::hierarchy() {
   name(CHBLOCK::ch_tx_name);
-  fact("kind", hierarchyTypeName(small("ch_type")));
+  fact("kind", hierarchyTypeName(small("ch_type")), small("ch_type"));
   count("elements", block_.number("ch_element_count"), "elements");
 }
 
@@ -118,12 +124,13 @@ void Summarizer::attachment() {
 
 void Summarizer::event() {
   name(EVBLOCK::ev_tx_name);
-  fact("kind", eventTypeName(small("ev_type")));
-  fact("range", eventRangeName(small("ev_range_type")));
+  fact("kind", eventTypeName(small("ev_type")), small("ev_type"));
+  fact("range", eventRangeName(small("ev_range_type")), small("ev_range_type"));
 }
 
 void Summarizer::dataGroup() {
-  const std::uint64_t bytes = facts_.idBytesOf(block_.offset(), block_.number("dg_rec_id_size"));
+  const std::uint64_t bytes =
+      facts_.records.idBytesOf(block_.offset(), block_.number("dg_rec_id_size"));
   if (bytes != 0) {
     count("record_id_bytes", bytes, "bytes of record id");
   }
@@ -143,7 +150,8 @@ void Summarizer::channelGroup() {
 }
 
 void Summarizer::records() {
-  const RecordCount there = facts_.recordsOf(block_.offset(), block_.number("cg_cycle_count"));
+  const RecordCount there =
+      facts_.records.recordsOf(block_.offset(), block_.number("cg_cycle_count"));
   summary_.are_records_counted = there.is_counted;
   if (!there.records) {
     summary_.facts.push_back({"records", "unknown number of records", std::nullopt});
@@ -155,6 +163,13 @@ void Summarizer::records() {
 
 void Summarizer::channel() {
   name(CNBLOCK::cn_tx_name);
+  if (block_.link(CNBLOCK::cn_composition) != 0) {
+    facts_.members.expectSome();
+  }
+  const std::string as_member = facts_.members.of(block_.offset());
+  if (!as_member.empty()) {
+    summary_.name = printable(as_member, Harmless::utf8, most_name_characters);
+  }
   std::string unit = text(block_.link(CNBLOCK::cn_md_unit));
   if (unit.empty()) {
     const auto conversion = readFields(file_, block_.link(CNBLOCK::cn_cc_conversion), "CC");
@@ -163,8 +178,8 @@ void Summarizer::channel() {
   if (!unit.empty()) {
     summary_.facts.push_back({"unit", unit, std::nullopt});
   }
-  fact("channel_type", channelTypeName(small("cn_type")));
-  fact("data_type", dataTypeName(small("cn_data_type")));
+  fact("channel_type", channelTypeName(small("cn_type")), small("cn_type"));
+  fact("data_type", dataTypeName(small("cn_data_type")), small("cn_data_type"));
   count("bits", block_.number("cn_bit_count"), "bits");
 }
 
@@ -174,7 +189,7 @@ void Summarizer::conversion() {
   if (!unit.empty()) {
     summary_.facts.push_back({"unit", unit, std::nullopt});
   }
-  fact("kind", conversionTypeName(small("cc_type")));
+  fact("kind", conversionTypeName(small("cc_type")), small("cc_type"));
 }
 
 void Summarizer::array() {
@@ -190,9 +205,10 @@ void Summarizer::array() {
 
 void Summarizer::source() {
   name(SIBLOCK::si_tx_name);
-  fact("kind", sourceTypeName(small("si_type")));
+  fact("kind", sourceTypeName(small("si_type")), small("si_type"));
   fact("bus",
-       small("si_bus_type") == SIBLOCK::SI_BUSTYPE_NONE ? "" : busTypeName(small("si_bus_type")));
+       small("si_bus_type") == SIBLOCK::SI_BUSTYPE_NONE ? "" : busTypeName(small("si_bus_type")),
+       small("si_bus_type"));
 }
 
 void Summarizer::reduction() {
@@ -249,9 +265,9 @@ BlockSummary Summarizer::summary() {
   } else {
     const std::uint64_t in_front =
         RawBlock::header_size + linksThere(file_, block_.raw()) * RawBlock::link_size;
-    const bool is_open = facts_.file().isOpen(block_.raw());
+    const bool is_open = facts_.records.file().isOpen(block_.raw());
     const std::uint64_t length =
-        is_open ? facts_.file().endOf(block_.raw()) - block_.offset() : block_.raw().length;
+        is_open ? facts_.records.file().endOf(block_.raw()) - block_.offset() : block_.raw().length;
     count("bytes", length > in_front ? length - in_front : 0, "bytes");
     summary_.facts.back().words += is_open ? " (length not stated)" : "";
   }
@@ -270,7 +286,22 @@ std::string BlockSummary::words() const {
   return text;
 }
 
-BlockSummary summarize(InputFile& file, const RawBlock& block, RecordFacts& facts) {
+void addSummary(const BlockSummary& summary, Json& object) {
+  object["name"] = summary.name;
+  for (const BlockFact& fact : summary.facts) {
+    const std::string key(fact.key);
+    const bool is_unknown = key == "records" && !fact.number;
+    object[key] = is_unknown ? Json() : fact.number ? Json(*fact.number) : Json(fact.words);
+    if (fact.enumerator) {
+      object[key + "_number"] = *fact.enumerator;
+    }
+  }
+  if (summary.are_records_counted) {
+    object["records_counted"] = true;
+  }
+}
+
+BlockSummary summarize(InputFile& file, const RawBlock& block, FileFacts& facts) {
   return Summarizer(file, block, facts).summary();
 }
 

@@ -7,8 +7,10 @@
 #include <string_view>
 #include <vector>
 
+#include "json_output.h"
 #include "reader/blocks/raw_block.h"
 #include "reader/data/record_facts.h"
+#include "reader/model/channel_names.h"
 
 namespace mdf_tools {
 
@@ -16,9 +18,10 @@ using namespace mdf_reader;
 
 /// A property of a block that tells it from others.
 struct BlockFact {
-  std::string_view key;  ///< for programs: "bits"
-  std::string words;     ///< "16 bits"
-  std::optional<std::uint64_t> number;
+  std::string_view key;                     ///< for programs: "bits"
+  std::string words;                        ///< "16 bits"
+  std::optional<std::uint64_t> number;      ///< of what is counted
+  std::optional<unsigned> enumerator = {};  ///< that the words name
 
   /// The words; a unit in brackets.
   std::string forPeople() const;
@@ -34,9 +37,20 @@ struct BlockSummary {
   std::string words() const;
 };
 
+/// Adds name and facts to an object for programs.
+void addSummary(const BlockSummary& summary, Json& object);
+
+/// What blocks do not say themselves.
+struct FileFacts {
+  FileFacts(InputFile& file, const FindingSink& report) : records(file, report), members(file) {}
+
+  RecordFacts records;
+  MemberNames members;
+};
+
 /// Reads what it takes: the block's fields and the beginnings of its texts.
 /// @param facts of the file that the block is in
-BlockSummary summarize(InputFile& file, const RawBlock& block, RecordFacts& facts);
+BlockSummary summarize(InputFile& file, const RawBlock& block, FileFacts& facts);
 
 }  // namespace mdf_tools
 

@@ -164,6 +164,7 @@ FileSummary summarise(InputFile& file, Depth depth, const FindingSink& report) {
                                         [&](const ChannelGroup& group, const Channel& channel) {
                                           addTo(channels[group.offset], channel);
                                         });
+  summary.properties = readProperties(file, summary.description.header.comment_block);
   addGroups(file, channels, summary);
   addSpans(file, depth, facts, summary, report);
   addRemoteMasters(summary);

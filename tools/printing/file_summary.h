@@ -11,6 +11,7 @@
 #include "reader/blocks/finding.h"
 #include "reader/data/record_facts.h"
 #include "reader/model/description.h"
+#include "reader/model/properties.h"
 #include "reader/values/axis_spans.h"
 
 namespace mdf_reader {
@@ -51,6 +52,7 @@ struct GroupSummary {
 
 struct FileSummary {
   Description description;
+  std::vector<Property> properties;  ///< of the header's comment
   std::vector<GroupSummary> groups;
   std::size_t channel_count = 0;
   std::size_t history_count = 0;

@@ -188,21 +188,22 @@ Json groupAsJson(const GroupSummary& each) {
                {"comment", group.comment},
                {"records", each.records.records ? Json(*each.records.records) : Json()},
                {"records_counted", each.records.is_counted},
-               {"record_bytes", group.recordBytes()},
+               {"record_bytes", group.holdsVariableLength() ? Json() : Json(group.recordBytes())},
                {"variable_length", group.holdsVariableLength()},
                {"channels", each.channels.count}};
   json["span"] = each.span ? spanAsJson(*each.span) : Json();
   json["extent"] = each.extent() ? Json(*each.extent()) : Json();
   json["rate"] = each.rate() ? Json(*each.rate()) : Json();
-  json["master_unit"] = masterUnit(each);
+  json["master_unit"] = each.master() == nullptr ? Json() : Json(masterUnit(each));
   return json;
 }
 
 Json startAsJson(const Header& header) {
   const StoredTime start = startTime(header);
-  return {{"stored", header.start_time}, {"unit", start.isInSeconds() ? "s" : "ns"},
-          {"utc", start.utc()},          {"local", start.local()},
-          {"zone", start.zone()},        {"class", timeClassName(header.time_class)}};
+  return {{"stored", header.start_time},      {"unit", start.isInSeconds() ? "s" : "ns"},
+          {"utc", textOrNull(start.utc())},   {"local", textOrNull(start.local())},
+          {"zone", textOrNull(start.zone())}, {"class", timeClassName(header.time_class)},
+          {"class_number", header.time_class}};
 }
 
 }  // namespace
@@ -228,6 +229,9 @@ void printInfo(InputFile& file, Depth depth, std::ostream& out, const FindingSin
   if (!header.comment.empty()) {
     printLine(out, "Comment:", header.comment);
   }
+  for (const Property& property : summary.properties) {
+    printLine(out, "Property:", property.name + ": " + property.value);
+  }
   printLine(out, "Contents:", contentsSentence(summary));
   if (const std::string counted = countedSentence(summary); !counted.empty()) {
     printLine(out, "Records:", counted);
@@ -239,17 +243,22 @@ void printInfo(InputFile& file, Depth depth, std::ostream& out, const FindingSin
 Json infoAsJson(InputFile& file, Depth depth, const FindingSink& report) {
   const FileSummary summary = summarise(file, depth, report);
   const Identification& id = summary.description.identification;
+  const bool is_stated = id.isFinished() || id.isUnfinished();
   Json json = {{"file", file.name()},
                {"bytes", file.size()},
                {"identifier", withoutTrailingBlanks(id.file_word)},
                {"version", id.version},
                {"version_text", withoutTrailingBlanks(id.version_text)},
                {"program", withoutTrailingBlanks(id.program)},
-               {"finished", id.isFinished()},
+               {"finished", is_stated ? Json(id.isFinished()) : Json()},
                {"still_open", openParts(id)},
                {"start", startAsJson(summary.description.header)}};
   json["duration"] = summary.duration ? Json(*summary.duration) : Json();
   json["comment"] = summary.description.header.comment;
+  json["properties"] = Json::object();
+  for (const Property& property : summary.properties) {
+    json["properties"][property.name] = property.value;
+  }
   json["data_groups"] = summary.description.data_groups.size();
   json["channels"] = summary.channel_count;
   json["attachments"] = summary.attachment_count;

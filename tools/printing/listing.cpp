@@ -3,6 +3,7 @@
 #include <fnmatch.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "formatted.h"
 #include "json_output.h"
@@ -14,6 +15,7 @@
 #include "reader/bytes/input_file.h"
 #include "reader/data/record_facts.h"
 #include "reader/model/attachments.h"
+#include "reader/model/channel_names.h"
 #include "reader/model/description.h"
 #include "reader/model/events.h"
 #include "reader/model/group_choice.h"
@@ -91,12 +93,20 @@ bool isOfType(std::string_view type, const ListOptions& options) {
 /// sorted are kept until finish(); others are printed piece by piece, however many there are.
 class EntryList {
  public:
-  EntryList(Columns columns, const ListOptions& options, std::ostream& out)
-      : table_(std::move(columns)), options_(options), out_(out) {}
+  EntryList(InputFile& file, Columns columns, const ListOptions& options, std::ostream& out)
+      : file_(file), table_(tableOf(std::move(columns), options)), options_(options), out_(out) {}
 
-  void add(std::vector<std::string> cells, const Json& members) {
+  /// Makes of an entry only what is used.
+  /// @param cells returns its texts, and `members` those of its object.
+  template <class Cells, class Members>
+  void add(const Cells& cells, const Members& members) {
     constexpr std::size_t piece = 10000;
-    table_.add(std::move(cells), options_.as_json ? line(members, options_) : "");
+    const bool has_cells = !options_.as_json || !options_.sort_column.empty();
+    std::vector<std::string> row = has_cells ? cells() : std::vector<std::string>();
+    if (options_.names_file && has_cells) {
+      row.insert(row.begin(), file_.name());
+    }
+    table_.add(std::move(row), options_.as_json ? line(file_, members()) : "");
     if (options_.sort_column.empty() && table_.size() >= piece) {
       print();
     }
@@ -108,16 +118,20 @@ class EntryList {
   }
 
   /// The object of an entry, with what every object has.
-  static std::string line(const Json& members, const ListOptions& options) {
-    Json object = {{"schema", json_schema}};
-    if (!options.file_name.empty()) {
-      object["file"] = options.file_name;
-    }
+  static std::string line(const InputFile& file, const Json& members) {
+    Json object = {{"schema", json_schema}, {"file", file.name()}};
     object.update(members);
     return jsonLine(object);
   }
 
  private:
+  static TextTable tableOf(Columns columns, const ListOptions& options) {
+    if (options.names_file) {
+      columns.insert(columns.begin(), {"file"});
+    }
+    return TextTable(std::move(columns));
+  }
+
   void print() {
     if (options_.as_json) {
       table_.printRests(out_);
@@ -126,6 +140,7 @@ class EntryList {
     }
   }
 
+  InputFile& file_;
   TextTable table_;
   const ListOptions& options_;
   std::ostream& out_;
@@ -137,46 +152,62 @@ class ChannelLister {
   ChannelLister(InputFile& file, EntryList& entries, const FindingSink& report)
       : file_(file), facts_(file, report), entries_(entries) {}
 
-  void add(const ChannelGroup& group, const Channel& channel) {
-    const std::string conversion = conversionName(channel);
-    const Source source = readSource(file_, channel.source, texts_);
-    const RecordCount count = facts_.recordsOf(group.offset, group.cycles);
-    entries_.add(
-        {std::to_string(group.index),
-         std::string(2 * std::min<std::size_t>(channel.depth, 20), ' ') + std::string(channel.name),
-         std::string(channel.unit), channelTypeName(channel.type), syncTypeName(channel.sync_type),
-         dataName(channel), std::to_string(channel.bit_count),
-         std::to_string(channel.byte_offset) + '.' + std::to_string(channel.bit_offset), conversion,
-         shownRecords(count), std::string(source.name), onOneLine(channel.comment, comment_width)},
-        {{"group", group.index},
-         {"name", channel.name},
-         {"unit", channel.unit},
-         {"type", channel.type},
-         {"type_name", channelTypeName(channel.type)},
-         {"sync_type", channel.sync_type},
-         {"data_type", channel.data_type},
-         {"data_type_name", dataTypeName(channel.data_type)},
-         {"bit_offset", channel.bit_offset},
-         {"byte_offset", channel.byte_offset},
-         {"bit_count", channel.bit_count},
-         {"flags", channel.flags},
-         {"dimensions", allDimensions(channel.array)},
-         {"depth", channel.depth},
-         {"cycles", group.cycles},
-         {"records", count.records ? Json(*count.records) : Json()},
-         {"records_counted", count.is_counted},
-         {"conversion", conversion},
-         {"source", source.name},
-         {"comment", channel.comment},
-         {"offset", channel.offset}});
+  /// @param name with those of the structures that it is a member of.
+  void add(const ChannelGroup& group, const Channel& channel, const std::string& name) {
+    entries_.add([&] { return cellsOf(group, channel, name); },
+                 [&] { return membersOf(group, channel, name); });
   }
 
  private:
   static constexpr std::size_t comment_width = 60;
 
-  std::string conversionName(const Channel& channel) {
+  std::vector<std::string> cellsOf(const ChannelGroup& group, const Channel& channel,
+                                   const std::string& name) {
+    const auto conversion = conversionType(channel);
+    return {std::to_string(group.index),
+            name,
+            std::string(channel.unit),
+            channelTypeName(channel.type),
+            syncTypeName(channel.sync_type),
+            dataName(channel),
+            std::to_string(channel.bit_count),
+            std::to_string(channel.byte_offset) + '.' + std::to_string(channel.bit_offset),
+            conversion ? conversionTypeName(*conversion) : "",
+            shownRecords(facts_.recordsOf(group.offset, group.cycles)),
+            std::string(readSource(file_, channel.source, texts_).name),
+            onOneLine(channel.comment, comment_width)};
+  }
+
+  Json membersOf(const ChannelGroup& group, const Channel& channel, const std::string& name) {
+    const RecordCount count = facts_.recordsOf(group.offset, group.cycles);
+    const auto conversion = conversionType(channel);
+    return {{"group", group.index},
+            {"name", name},
+            {"unit", channel.unit},
+            {"type", channelTypeName(channel.type)},
+            {"type_number", channel.type},
+            {"sync_type", syncTypeName(channel.sync_type)},
+            {"sync_type_number", channel.sync_type},
+            {"data_type", dataTypeName(channel.data_type)},
+            {"data_type_number", channel.data_type},
+            {"bit_offset", channel.bit_offset},
+            {"byte_offset", channel.byte_offset},
+            {"bit_count", channel.bit_count},
+            {"flags", channel.flags},
+            {"dimensions", allDimensions(channel.array)},
+            {"depth", channel.depth},
+            {"records", count.records ? Json(*count.records) : Json()},
+            {"records_counted", count.is_counted},
+            {"conversion", conversion ? Json(conversionTypeName(*conversion)) : Json()},
+            {"conversion_number", conversion ? Json(*conversion) : Json()},
+            {"source", readSource(file_, channel.source, texts_).name},
+            {"comment", channel.comment},
+            {"offset", channel.offset}};
+  }
+
+  std::optional<unsigned> conversionType(const Channel& channel) {
     const auto block = readFields(file_, channel.conversion, "CC");
-    return block ? conversionTypeName(static_cast<unsigned>(block->number("cc_type"))) : "";
+    return block ? std::optional(static_cast<unsigned>(block->number("cc_type"))) : std::nullopt;
   }
 
   /// Those of an array, and of the arrays that its elements are.
@@ -202,6 +233,18 @@ class ChannelLister {
   Texts texts_;  ///< of sources
 };
 
+/// What stands in front of a block's line: the file's name, or a title as wide.
+std::string fileCell(const InputFile& file, const ListOptions& options, bool is_title) {
+  if (!options.names_file) {
+    return "";
+  }
+  const std::string name = onOneLine(file.name());
+  const std::string title = "file";
+  const std::size_t width = std::max(title.size(), shownWidth(name));
+  const std::string& text = is_title ? title : name;
+  return text + std::string(width - shownWidth(text) + 2, ' ');
+}
+
 /// A block's line for people: columns as wide as any offset of the file.
 void printBlock(const RawBlock& block, std::size_t width, std::ostream& out) {
   out << formatted("%*llu  %-4s  %*llu  %llu\n", static_cast<int>(width),
@@ -211,15 +254,13 @@ void printBlock(const RawBlock& block, std::size_t width, std::ostream& out) {
                    static_cast<unsigned long long>(block.linkCount()));
 }
 
-void printBlockJson(InputFile& file, const RawBlock& block, const ListOptions& options,
-                    std::ostream& out) {
+void printBlockJson(InputFile& file, const RawBlock& block, std::ostream& out) {
   Json links = Json::array();
   forEachLink(file, block, [&](std::uint64_t, std::int64_t link) { links.push_back(link); });
-  out << EntryList::line({{"offset", block.offset},
-                          {"type", block.letters()},
-                          {"length", block.length},
-                          {"links", std::move(links)}},
-                         options)
+  out << EntryList::line(file, {{"offset", block.offset},
+                                {"type", block.letters()},
+                                {"length", block.length},
+                                {"links", std::move(links)}})
       << '\n';
 }
 
@@ -257,16 +298,19 @@ std::vector<std::string> eventColumns() { return titlesOf(eventTable()); }
 
 void listChannels(InputFile& file, const ListOptions& options, std::ostream& out,
                   const FindingSink& report) {
-  EntryList entries(channelTable(), options, out);
+  EntryList entries(file, channelTable(), options, out);
   ChannelLister lister(file, entries, report);
+  ChannelNames names;
   bool is_chosen = options.group.empty();
   readDescription(file, report, [&](const ChannelGroup& group, const Channel& channel) {
     if (!isChosen(group, options.group)) {
       return;
     }
     is_chosen = true;
-    if (isNamedSo(channel.name, options) && isOfType(channelTypeName(channel.type), options)) {
-      lister.add(group, channel);
+    const std::string& name = names.next(channel);
+    if ((isNamedSo(channel.name, options) || isNamedSo(name, options)) &&
+        isOfType(channelTypeName(channel.type), options)) {
+      lister.add(group, channel, name);
     }
   });
   if (!is_chosen) {
@@ -282,16 +326,18 @@ void listBlocks(InputFile& file, const ListOptions& options, std::ostream& out,
   const std::size_t width = std::max<std::size_t>(6, std::to_string(file.size()).size());
   if (!options.as_json) {
     const std::string gap(width - 6, ' ');
-    out << gap << "offset  type  " << gap << "length  links\n";
+    out << fileCell(file, options, true) << gap << "offset  type  " << gap << "length  links\n";
   }
+  const std::string name = fileCell(file, options, false);
   for (const std::uint64_t offset : offsets) {
     const auto block = readRawBlock(file, offset);
     if (!block || !isOfType(block->letters(), options)) {
       continue;
     }
     if (options.as_json) {
-      printBlockJson(file, *block, options, out);
+      printBlockJson(file, *block, out);
     } else {
+      out << name;
       printBlock(*block, width, out);
     }
   }
@@ -300,25 +346,35 @@ void listBlocks(InputFile& file, const ListOptions& options, std::ostream& out,
 void listAttachments(InputFile& file, const ListOptions& options, std::ostream& out,
                      const FindingSink& report) {
   const Description description = readDescription(file, report);
-  EntryList entries(attachmentTable(), options, out);
+  EntryList entries(file, attachmentTable(), options, out);
   for (const Attachment& each :
        readAttachments(file, description.header.first_attachment, *description.texts, report)) {
     if (!isNamedSo(each.name, options) || !isOfType(each.mime_type, options)) {
       continue;
     }
     const std::string digest = each.has_digest ? hexDigest(each.digest) : "";
+    const bool has_size = each.is_embedded || each.original_size > 0;
     entries.add(
-        {std::to_string(each.offset), std::string(each.name), std::string(each.mime_type),
-         std::to_string(each.original_size), storedAs(each), digest, onOneLine(each.comment, 60)},
-        {{"offset", each.offset},
-         {"name", each.name},
-         {"mime_type", each.mime_type},
-         {"original_size", each.original_size},
-         {"embedded_size", each.embedded_size},
-         {"embedded", each.is_embedded},
-         {"compressed", each.is_compressed},
-         {"md5", digest},
-         {"comment", each.comment}});
+        [&]() -> std::vector<std::string> {
+          return {std::to_string(each.offset),
+                  std::string(each.name),
+                  std::string(each.mime_type),
+                  has_size ? std::to_string(each.original_size) : "",
+                  storedAs(each),
+                  digest,
+                  onOneLine(each.comment, 60)};
+        },
+        [&]() -> Json {
+          return {{"offset", each.offset},
+                  {"name", each.name},
+                  {"mime_type", each.mime_type},
+                  {"original_size", has_size ? Json(each.original_size) : Json()},
+                  {"embedded_size", each.is_embedded ? Json(each.embedded_size) : Json()},
+                  {"embedded", each.is_embedded},
+                  {"compressed", each.is_compressed},
+                  {"md5", textOrNull(digest)},
+                  {"comment", each.comment}};
+        });
   }
   entries.finish();
 }
@@ -326,28 +382,41 @@ void listAttachments(InputFile& file, const ListOptions& options, std::ostream& 
 void listEvents(InputFile& file, const ListOptions& options, std::ostream& out,
                 const FindingSink& report) {
   const Description description = readDescription(file, report);
-  EntryList entries(eventTable(), options, out);
+  EntryList entries(file, eventTable(), options, out);
   for (const Event& each :
        readEvents(file, description.header.first_event, *description.texts, report)) {
     if (!isNamedSo(each.name, options) || !isOfType(eventTypeName(each.type), options)) {
       continue;
     }
-    entries.add({std::to_string(each.offset), shownNumber(each.position()),
-                 eventSyncTypeName(each.sync_type), eventTypeName(each.type),
-                 eventRangeName(each.range_type), eventCauseName(each.cause),
-                 std::string(each.name), onOneLine(each.comment, 60)},
-                {{"offset", each.offset},
-                 {"position", each.position()},
-                 {"unit", eventSyncTypeName(each.sync_type)},
-                 {"type", each.type},
-                 {"type_name", eventTypeName(each.type)},
-                 {"range_type", each.range_type},
-                 {"cause", each.cause},
-                 {"flags", each.flags},
-                 {"name", each.name},
-                 {"comment", each.comment},
-                 {"scopes", each.scope_count},
-                 {"attachments", each.attachment_count}});
+    entries.add(
+        [&]() -> std::vector<std::string> {
+          return {std::to_string(each.offset),
+                  shownNumber(each.position()),
+                  eventSyncTypeName(each.sync_type),
+                  eventTypeName(each.type),
+                  eventRangeName(each.range_type),
+                  eventCauseName(each.cause),
+                  std::string(each.name),
+                  onOneLine(each.comment, 60)};
+        },
+        [&]() -> Json {
+          return {{"offset", each.offset},
+                  {"position", each.position()},
+                  {"unit", eventSyncTypeName(each.sync_type)},
+                  {"sync_type", syncTypeName(each.sync_type)},
+                  {"sync_type_number", each.sync_type},
+                  {"type", eventTypeName(each.type)},
+                  {"type_number", each.type},
+                  {"range_type", eventRangeName(each.range_type)},
+                  {"range_type_number", each.range_type},
+                  {"cause", eventCauseName(each.cause)},
+                  {"cause_number", each.cause},
+                  {"flags", each.flags},
+                  {"name", each.name},
+                  {"comment", each.comment},
+                  {"scopes", each.scope_count},
+                  {"attachments", each.attachment_count}};
+        });
   }
   entries.finish();
 }

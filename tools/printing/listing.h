@@ -23,7 +23,7 @@ struct ListOptions {
   std::vector<std::string> types;  ///< as the list shows them, or letters of blocks
   std::string sort_column;         ///< a column's title; "" leaves the file's order
   bool as_json = false;            ///< an object on each line
-  std::string file_name;           ///< said in each object, when there are several files
+  bool names_file = false;         ///< in each line of a table, where there are several files
   std::function<void()> no_such_group = [] {};  ///< called when no group with channels is chosen
 };
 

@@ -32,7 +32,7 @@ void writeMark(const TreeEntry& entry, std::ostream& os) {
   }
 }
 
-void writeBlock(InputFile& file, const TreeEntry& entry, RecordFacts& facts, std::ostream& os) {
+void writeBlock(InputFile& file, const TreeEntry& entry, FileFacts& facts, std::ostream& os) {
   const BlockSummary summary = summarize(file, entry.raw, facts);
   os << Style::strong << typeOf(entry) << Style::plain << ' ' << decimalAndHex(entry.offset);
   if (!summary.name.empty()) {
@@ -44,7 +44,7 @@ void writeBlock(InputFile& file, const TreeEntry& entry, RecordFacts& facts, std
   writeMark(entry, os);
 }
 
-void writeEntry(InputFile& file, const TreeEntry& entry, RecordFacts& facts, std::ostream& os) {
+void writeEntry(InputFile& file, const TreeEntry& entry, FileFacts& facts, std::ostream& os) {
   if (entry.kind == TreeEntry::left_out) {
     os << "... " << entry.count << " more " << typeOf(entry);
     return;
@@ -77,23 +77,7 @@ std::string kindName(TreeEntry::Kind kind) {
   return "block";
 }
 
-void addBlock(InputFile& file, const TreeEntry& entry, RecordFacts& facts, Json& line) {
-  const BlockSummary summary = summarize(file, entry.raw, facts);
-  line["type"] = typeOf(entry);
-  line["length"] = entry.raw.length;
-  line["name"] = summary.name;
-  for (const BlockFact& fact : summary.facts) {
-    const bool is_unknown = fact.key == "records" && !fact.number;
-    line[std::string(fact.key)] = is_unknown    ? Json()
-                                  : fact.number ? Json(*fact.number)
-                                                : Json(fact.words);
-  }
-  if (summary.are_records_counted) {
-    line["records_counted"] = true;
-  }
-}
-
-Json jsonOf(InputFile& file, const TreeEntry& entry, RecordFacts& facts) {
+Json jsonOf(InputFile& file, const TreeEntry& entry, FileFacts& facts) {
   Json line;
   line["schema"] = json_schema;
   line["file"] = file.name();
@@ -106,7 +90,9 @@ Json jsonOf(InputFile& file, const TreeEntry& entry, RecordFacts& facts) {
     line["type"] = typeOf(entry);
     line["count"] = entry.count;
   } else if (entry.kind != TreeEntry::nothing) {
-    addBlock(file, entry, facts, line);
+    line["type"] = typeOf(entry);
+    line["length"] = entry.raw.length;
+    addSummary(summarize(file, entry.raw, facts), line);
   }
   return line;
 }
@@ -115,7 +101,7 @@ Json jsonOf(InputFile& file, const TreeEntry& entry, RecordFacts& facts) {
 
 void writeTree(InputFile& file, const TreeOptions& options, std::ostream& os,
                const FindingSink& report) {
-  RecordFacts facts(file, report);
+  FileFacts facts(file, report);
   walkTree(file, options, report, [&](const TreeEntry& entry) {
     os << indentation(entry.depth);
     writeEntry(file, entry, facts, os);
@@ -126,7 +112,7 @@ void writeTree(InputFile& file, const TreeOptions& options, std::ostream& os,
 
 void writeTreeAsJson(InputFile& file, const TreeOptions& options, std::ostream& os,
                      const FindingSink& report) {
-  RecordFacts facts(file, report);
+  FileFacts facts(file, report);
   walkTree(file, options, report, [&](const TreeEntry& entry) {
     os << jsonLine(jsonOf(file, entry, facts)) << '\n';
     return os.good();

@@ -435,7 +435,7 @@ TEST(DumpCommand, JsonLines) {
   const RunResult result = run({"dump", "--json", "--at", "0", "--at", "896", "--at", "224", "--at",
                                 "744", "--bytes", "8", file.path()});
   EXPECT_EQ(result.exit_code, 0);
-  const std::string head = R"({"schema":1,"file":")" + file.path() + R"(","offset":)";
+  const std::string head = R"({"schema":2,"file":")" + file.path() + R"(","offset":)";
   EXPECT_EQ(
       result.output,
       head +

@@ -53,11 +53,11 @@ TEST(ExtractCommand, AsJson) {
   const RunResult result = run({"extract", "--json", file.path(), "--to", to});
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.output,
-            "{\"schema\":1,\"file\":\"" + file.path() +
+            "{\"schema\":2,\"file\":\"" + file.path() +
                 "\",\"offset\":208,\"name\":\"logs/a.txt\",\"path\":\"" + to +
-                "/a.txt\",\"bytes\":3,\"digest_verified\":true}\n{\"schema\":1,\"file\":\"" +
+                "/a.txt\",\"bytes\":3,\"digest_verified\":true}\n{\"schema\":2,\"file\":\"" +
                 file.path() +
-                "\",\"offset\":344,\"name\":\"c.txt\",\"path\":null,\"bytes\":0,"
+                "\",\"offset\":344,\"name\":\"c.txt\",\"path\":null,\"bytes\":null,"
                 "\"digest_verified\":false}\n");
 }
 

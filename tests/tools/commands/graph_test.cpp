@@ -100,12 +100,12 @@ TEST(GraphCommand, DotGoesToAFileOrToStandardOutput) {
 TEST(GraphCommand, JsonInsteadOfAPicture) {
   const TempFile file(FileBuilder().bytes());
   const RunResult graph = run({"graph", "--json", file.path()});
-  EXPECT_EQ(graph.output, R"({"schema":1,"file":")" + file.path() +
+  EXPECT_EQ(graph.output, R"({"schema":2,"file":")" + file.path() +
                               R"(","is_shortened":false,"links_without_room":0,"nodes":[)"
                               R"({"offset":64,"type":"HD","length":104,"name":""}],"links":[]})"
                               "\n");
   const RunResult map = run({"graph", "--json", "--map", file.path()});
-  EXPECT_EQ(map.output, R"({"schema":1,"file":")" + file.path() +
+  EXPECT_EQ(map.output, R"({"schema":2,"file":")" + file.path() +
                             R"(","size":168,"types":[{"type":"HD","blocks":1,"bytes":104},)"
                             R"({"type":"ID","blocks":1,"bytes":64}],"gaps":0,"gap_bytes":0,)"
                             R"("overlap_bytes":0})"

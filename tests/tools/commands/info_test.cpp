@@ -18,7 +18,12 @@ namespace {
 FileBuilder twoGroups() {
   FileBuilder file;
   file.write(64 + 72, Bytes().u64(1'600'000'000'000'000'000).i16(60).i16(60).u8s({2, 10}));
-  file.link(64, 5, file.metadata("<HDcomment><TX>a drive</TX></HDcomment>"));
+  file.link(
+      64, 5,
+      file.metadata(
+          "<HDcomment><TX> a drive\n</TX><common_properties><e name='serial number'> 4711 </e>"
+          "<tree name='logger'><e name='firmware'>1.2</e></tree>"
+          "</common_properties></HDcomment>"));
   const auto source = file.addSource("engine", "ECU.engine", 1, 2);
   const auto scale = file.addConversion({1, {}, {0, 0.5}, "s", ""});
   ChannelSpec time;
@@ -61,6 +66,8 @@ TEST(InfoCommand, APageOfEverything) {
           "external source\n"
           "Duration:  5 s\n"
           "Comment:   a drive\n"
+          "Property:  serial number: 4711\n"
+          "Property:  logger.firmware: 1.2\n"
           "Contents:  2 data groups, 2 channel groups, 2 channels, 1 attachment, 0 events, 0 "
           "hierarchy entries, 0 history entries\n"
           "\n"
@@ -75,7 +82,7 @@ TEST(InfoCommand, APageOfEverything) {
           "CN         2    320  channel\n"
           "DG         2    128  data group\n"
           "HD         1    104  header\n"
-          "MD         1     64  metadata\n"
+          "MD         1    192  metadata\n"
           "SI         1     56  source\n"
           "TX         7    203  text\n"
           "                 34  outside blocks\n");
@@ -151,13 +158,15 @@ TEST(InfoCommand, JsonOfEverything) {
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.messages, "");
   json expected = json::parse(R"({
-    "schema": 1,
+    "schema": 2,
     "files": [{
       "identifier": "MDF", "version": 410, "version_text": "4.10", "program": "testprog",
       "finished": true, "still_open": [],
       "start": {"stored": 1600000000000000000, "unit": "ns", "utc": "2020-09-13 12:26:40",
-                "local": "2020-09-13 14:26:40", "zone": "+02:00", "class": "external source"},
-      "duration": 5.0, "comment": "a drive", "data_groups": 2, "channels": 2, "attachments": 0,
+                "local": "2020-09-13 14:26:40", "zone": "+02:00", "class": "external source",
+                "class_number": 10},
+      "duration": 5.0, "comment": "a drive", "properties": {"serial number": "4711", "logger.firmware": "1.2"},
+      "data_groups": 2, "channels": 2, "attachments": 0,
       "events": 0, "hierarchy_entries": 0, "history_entries": 0,
       "groups": [{"group": 0, "data_group": 0, "name": "fast", "source": "engine ECU.engine",
                   "comment": "", "records": 11, "records_counted": false, "record_bytes": 1, "variable_length": false,
@@ -165,10 +174,10 @@ TEST(InfoCommand, JsonOfEverything) {
                   "extent": 5.0, "rate": 2.0, "master_unit": "s"},
                  {"group": 1, "data_group": 1, "name": "", "source": "", "comment": "",
                   "records": 3, "records_counted": false, "record_bytes": 1, "variable_length": false, "channels": 0,
-                  "span": null, "extent": null, "rate": null, "master_unit": ""}],
+                  "span": null, "extent": null, "rate": null, "master_unit": null}],
       "blocks": {"CC": {"blocks": 1, "bytes": 96}, "CG": {"blocks": 2, "bytes": 208},
                  "CN": {"blocks": 2, "bytes": 320}, "DG": {"blocks": 2, "bytes": 128},
-                 "HD": {"blocks": 1, "bytes": 104}, "MD": {"blocks": 1, "bytes": 64},
+                 "HD": {"blocks": 1, "bytes": 104}, "MD": {"blocks": 1, "bytes": 192},
                  "SI": {"blocks": 1, "bytes": 56}, "TX": {"blocks": 6, "bytes": 177}}
     }]
   })");

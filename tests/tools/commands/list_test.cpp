@@ -70,18 +70,32 @@ std::vector<json> lines(const std::string& output) {
   return objects;
 }
 
+/// The objects of a list, of whose file the name has been seen to be right.
+std::vector<json> objectsOf(const FileBuilder& file, std::vector<std::string> arguments) {
+  const TempFile temp(file.bytes());
+  arguments.insert(arguments.begin(), "list");
+  arguments.insert(arguments.end(), {"--json", temp.path()});
+  std::vector<json> objects = lines(run(arguments).output);
+  for (json& object : objects) {
+    EXPECT_EQ(object["file"], temp.path());
+    object.erase("file");
+  }
+  return objects;
+}
+
 const char* const channel_titles =
-    "group  name     unit  kind    sync  data       bits    at  conversion  records  source  "
+    "group  name         unit  kind    sync  data       bits    at  conversion  records  source  "
     "comment\n";
 
 TEST(ListCommand, Channels) {
-  EXPECT_EQ(listed(threeChannels(), {"channels"}),
-            std::string(channel_titles) +
-                "    0  t        s     master  time  real LE      64   0.0                    5\n"
-                "    0  speed    km/h  fixed   none  int BE       12   8.3  linear            5  "
-                "engine  of the car\n"
-                "    0  outer          fixed   none  structure    16  10.0                    5\n"
-                "    0    inner        fixed   none  uint LE       8  10.0                    5\n");
+  EXPECT_EQ(
+      listed(threeChannels(), {"channels"}),
+      std::string(channel_titles) +
+          "    0  t            s     master  time  real LE      64   0.0                    5\n"
+          "    0  speed        km/h  fixed   none  int BE       12   8.3  linear            5  "
+          "engine  of the car\n"
+          "    0  outer              fixed   none  structure    16  10.0                    5\n"
+          "    0  outer.inner        fixed   none  uint LE       8  10.0                    5\n");
 }
 
 TEST(ListCommand, ChannelsChosenAndSorted) {
@@ -95,13 +109,15 @@ TEST(ListCommand, ChannelsChosenAndSorted) {
     }
     return text;
   };
-  EXPECT_EQ(names({"--name", "*e*"}), "speed outer inner ");
+  EXPECT_EQ(names({"--name", "*e*"}), "speed outer outer.inner ");
   EXPECT_EQ(names({"--name", "speed"}), "speed ");
+  EXPECT_EQ(names({"--name", "inner"}), "outer.inner ");
+  EXPECT_EQ(names({"--name", "outer.*"}), "outer.inner ");
   EXPECT_EQ(names({"--type", "master"}), "t ");
   EXPECT_EQ(names({"--type", "master,virtual"}), "t ");
-  EXPECT_EQ(names({"--group", "0"}), "t speed outer inner ");
-  EXPECT_EQ(names({"--sort", "name"}), "inner outer speed t ");
-  EXPECT_EQ(names({"--sort", "bits"}), "inner speed outer t ");
+  EXPECT_EQ(names({"--group", "0"}), "t speed outer outer.inner ");
+  EXPECT_EQ(names({"--sort", "name"}), "outer outer.inner speed t ");
+  EXPECT_EQ(names({"--sort", "bits"}), "outer.inner speed outer t ");
 }
 
 TEST(ListCommand, BlockTypesThatThereAreNotAreRefused) {
@@ -114,16 +130,16 @@ TEST(ListCommand, BlockTypesThatThereAreNotAreRefused) {
 }
 
 TEST(ListCommand, ChannelsAsJson) {
-  const std::vector<json> channels = lines(listed(threeChannels(), {"channels", "--json"}));
+  const std::vector<json> channels = objectsOf(threeChannels(), {"channels"});
   ASSERT_EQ(channels.size(), 4U);
   json speed = channels[1];
   EXPECT_GT(speed["offset"], 168);
   speed.erase("offset");
   EXPECT_EQ(speed, json::parse(R"({
-    "schema": 1, "group": 0, "name": "speed", "unit": "km/h", "type": 0, "type_name": "fixed",
-    "sync_type": 0, "data_type": 3, "data_type_name": "int BE", "bit_offset": 3, "byte_offset": 8,
-    "bit_count": 12, "flags": 0, "dimensions": [], "depth": 0, "cycles": 5, "records": 5,
-    "records_counted": false, "conversion": "linear",
+    "schema": 2, "group": 0, "name": "speed", "unit": "km/h", "type": "fixed", "type_number": 0,
+    "sync_type": "none", "sync_type_number": 0, "data_type": "int BE", "data_type_number": 3,
+    "bit_offset": 3, "byte_offset": 8, "bit_count": 12, "flags": 0, "dimensions": [], "depth": 0,
+    "records": 5, "records_counted": false, "conversion": "linear", "conversion_number": 1,
     "source": "engine", "comment": "of the car"})"));
   EXPECT_EQ(channels[3]["depth"], 1);
 }
@@ -143,10 +159,10 @@ TEST(ListCommand, BlocksInFileOrder) {
             "offset  type  length  links\n"
             "   168  TX        28  0\n"
             "    64  HD       104  6\n");
-  EXPECT_EQ(
-      listed(file, {"blocks", "--json"}),
-      "{\"schema\":1,\"offset\":64,\"type\":\"HD\",\"length\":104,\"links\":[0,0,0,0,0,168]}\n"
-      "{\"schema\":1,\"offset\":168,\"type\":\"TX\",\"length\":28,\"links\":[]}\n");
+  EXPECT_EQ(objectsOf(file, {"blocks"}), (std::vector<json>{json::parse(R"(
+    {"schema": 2, "offset": 64, "type": "HD", "length": 104, "links": [0, 0, 0, 0, 0, 168]})"),
+                                                            json::parse(R"(
+    {"schema": 2, "offset": 168, "type": "TX", "length": 28, "links": []})")}));
 }
 
 TEST(ListCommand, BlocksOfUnknownTypesAndLinksThatAreThere) {
@@ -155,11 +171,12 @@ TEST(ListCommand, BlocksOfUnknownTypesAndLinksThatAreThere) {
   file.write(list + 16, Bytes().u64(0));
   const auto unknown = file.add("XX", {list}, {});
   file.link(64, 0, unknown);
-  EXPECT_EQ(
-      listed(file, {"blocks", "--json", "--sort", "type"}),
-      "{\"schema\":1,\"offset\":64,\"type\":\"HD\",\"length\":104,\"links\":[208,0,0,0,0,0]}\n"
-      "{\"schema\":1,\"offset\":168,\"type\":\"HL\",\"length\":40,\"links\":[0]}\n"
-      "{\"schema\":1,\"offset\":208,\"type\":\"XX\",\"length\":32,\"links\":[168]}\n");
+  EXPECT_EQ(objectsOf(file, {"blocks", "--sort", "type"}), (std::vector<json>{json::parse(R"(
+    {"schema": 2, "offset": 64, "type": "HD", "length": 104, "links": [208, 0, 0, 0, 0, 0]})"),
+                                                                              json::parse(R"(
+    {"schema": 2, "offset": 168, "type": "HL", "length": 40, "links": [0]})"),
+                                                                              json::parse(R"(
+    {"schema": 2, "offset": 208, "type": "XX", "length": 32, "links": [168]})")}));
 }
 
 TEST(ListCommand, Attachments) {
@@ -173,11 +190,11 @@ TEST(ListCommand, Attachments) {
             "offset  name   kind        bytes  stored      digest                            "
             "comment\n"
             "   240  a.txt  text/plain      3  compressed  900150983cd24fb0d6963f7d28e17f72\n"
-            "   384  b.bin                  0  elsewhere\n"
+            "   384  b.bin                     elsewhere\n"
             "   512  c.bin                  3  plain\n");
-  EXPECT_EQ(lines(listed(file, {"attachments", "--json", "--type", "text/plain"})),
+  EXPECT_EQ(objectsOf(file, {"attachments", "--type", "text/plain"}),
             (std::vector<json>{json::parse(R"({
-    "schema": 1, "offset": 240, "name": "a.txt", "mime_type": "text/plain", "original_size": 3,
+    "schema": 2, "offset": 240, "name": "a.txt", "mime_type": "text/plain", "original_size": 3,
     "embedded_size": 14, "embedded": true, "compressed": true,
     "md5": "900150983cd24fb0d6963f7d28e17f72", "comment": ""})")}));
 }
@@ -197,10 +214,11 @@ TEST(ListCommand, Events) {
             "offset  position  unit  kind     range  cause  name  comment\n"
             "   200       2.5  s     marker   point  user   lap\n"
             "   296        -1  s     trigger  begin  error\n");
-  EXPECT_EQ(lines(listed(file, {"events", "--json", "--sort", "position"}))[0], json::parse(R"({
-    "schema": 1, "offset": 296, "position": -1.0, "unit": "s", "type": 5, "type_name": "trigger",
-    "range_type": 1, "cause": 1, "flags": 1, "name": "", "comment": "", "scopes": 2,
-    "attachments": 1})"));
+  EXPECT_EQ(objectsOf(file, {"events", "--sort", "position"})[0], json::parse(R"({
+    "schema": 2, "offset": 296, "position": -1.0, "unit": "s", "sync_type": "time",
+    "sync_type_number": 1, "type": "trigger", "type_number": 5, "range_type": "begin",
+    "range_type_number": 1, "cause": "error", "cause_number": 1, "flags": 1, "name": "",
+    "comment": "", "scopes": 2, "attachments": 1})"));
   EXPECT_EQ(lines(listed(file, {"events", "--json", "--type", "marker", "--name", "l*"})).size(),
             1U);
 }
@@ -209,9 +227,20 @@ TEST(ListCommand, SeveralFilesAreNamed) {
   const TempFile one(FileBuilder().bytes());
   const TempFile two(FileBuilder().bytes());
   const RunResult text = run({"list", "blocks", one.path(), two.path()});
-  EXPECT_EQ(text.output, one.path() + ":\noffset  type  length  links\n    64  HD       104  6\n" +
-                             two.path() +
-                             ":\noffset  type  length  links\n    64  HD       104  6\n");
+  const auto blocks = [](const std::string& path) {
+    return "file" + std::string(path.size() - 2, ' ') + "offset  type  length  links\n" + path +
+           "      64  HD       104  6\n";
+  };
+  EXPECT_EQ(text.output, blocks(one.path()) + blocks(two.path()));
+  const TempFile channels(threeChannels().bytes());
+  const std::string path = channels.path();
+  const std::string listing = run({"list", "channels", "--name", "t", path, path}).output;
+  const std::string table =
+      "file" + std::string(path.size() - 2, ' ') +
+      "group  name  unit  kind    sync  data     bits   at  conversion  records  source  "
+      "comment\n" +
+      path + "      0  t     s     master  time  real LE    64  0.0                    5\n";
+  EXPECT_EQ(listing, table + table);
   const auto objects = lines(run({"list", "blocks", "--json", one.path(), two.path()}).output);
   ASSERT_EQ(objects.size(), 2U);
   EXPECT_EQ(objects[1]["file"], two.path());

@@ -119,7 +119,7 @@ TEST(PlotCommand, JsonHasThePointsAndNullForGaps) {
   const RunResult result = run({"plot", file.path(), "-c", "gear", "--json"}, withoutGnuplot());
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.messages, "");
-  EXPECT_EQ(result.output, R"({"schema":1,"curves":[{"name":"gear","unit":"","over":"time [s]",)"
+  EXPECT_EQ(result.output, R"({"schema":2,"curves":[{"name":"gear","unit":"","over":"time [s]",)"
                            R"("points":[[0.5,1.0],null,[2.5,3.0]]}]})"
                            "\n");
 }
@@ -128,7 +128,7 @@ TEST(PlotCommand, JsonWithoutCurvesIsADocumentToo) {
   const TempFile file(risingFile());
   const RunResult result = run({"plot", file.path(), "-c", "none", "--json"});
   EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.output, "{\"schema\":1,\"curves\":[]}\n");
+  EXPECT_EQ(result.output, "{\"schema\":2,\"curves\":[]}\n");
 }
 
 TEST(PlotCommand, JsonOrAPicture) {

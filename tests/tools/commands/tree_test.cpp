@@ -39,7 +39,7 @@ TEST(TreeCommand, LongChainsAreWholeWhenAllIsWanted) {
   EXPECT_EQ(rest.substr(rest.size() - 17), "  ... 50 more FH\n");
   const std::string json = run({"tree", "--json", file.path()}).output;
   EXPECT_EQ(json.substr(json.rfind('{')),
-            R"({"schema":1,"file":")" + file.path() +
+            R"({"schema":2,"file":")" + file.path() +
                 R"(","entry":"left out","depth":1,"from":5712,"role":"fh_fh_next","offset":5768,)"
                 R"("type":"FH","count":50})"
                 "\n");
@@ -60,7 +60,7 @@ TEST(TreeCommand, BrokenFile) {
   const TempFile file(FileBuilder().bytes().substr(0, 100));
   const RunResult result = run({"tree", "--json", file.path()});
   EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.output, R"({"schema":1,"file":")" + file.path() +
+  EXPECT_EQ(result.output, R"({"schema":2,"file":")" + file.path() +
                                R"(","entry":"block","depth":0,"from":0,"role":"","offset":64,)"
                                R"("type":"HD","length":104,"name":""})"
                                "\n");

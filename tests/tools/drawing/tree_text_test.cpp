@@ -275,7 +275,7 @@ TEST(TreeText, JsonLines) {
         options.list_limit = 1;
         mdf_tools::writeTreeAsJson(input, options, os, report);
       });
-  const std::string head = R"({"schema":1,"file":")" + name + R"(","entry":)";
+  const std::string head = R"({"schema":2,"file":")" + name + R"(","entry":)";
   EXPECT_EQ(tree.output,
             head +
                 R"("block","depth":0,"from":0,"role":"","offset":64,"type":"HD","length":104,)"
