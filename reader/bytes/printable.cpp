@@ -88,9 +88,13 @@ std::string printable(std::string_view text, Harmless harmless, std::size_t most
     }
     const std::size_t size = characterSize(text);
     const std::string_view character = text.substr(0, size == 0 ? 1 : size);
-    const bool stays =
-        size != 0 && (size == 1 || harmless == Harmless::utf8) && isHarmless(codePoint(character));
-    line += stays ? std::string(character) : escaped(character);
+    if (size == 1 && isHarmless(byteAt(text, 0))) {
+      line += text.front();
+    } else if (size > 1 && harmless == Harmless::utf8 && isHarmless(codePoint(character))) {
+      line += character;
+    } else {
+      line += escaped(character);
+    }
     text.remove_prefix(character.size());
     if (count + 3 < most) {
       kept = line.size();
