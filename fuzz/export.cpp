@@ -88,9 +88,10 @@ class Trial : public TableVisitor {
   std::ostringstream json_text_;
   CsvWriter csv_{[this](const Table& /*table*/) { return &text_; }};
   JsonLinesWriter json_{[this](const Table& /*table*/) {
-    json_text_.str("");
-    return &json_text_;
-  }};
+                          json_text_.str("");
+                          return &json_text_;
+                        },
+                        "file"};
   std::vector<Curve> curves_;
   CurveCollector collector_{curves_, 10, ""};
   std::size_t tables_ = 0;

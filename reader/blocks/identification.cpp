@@ -55,6 +55,25 @@ bool Identification::isFinished() const { return file_word == "MDF     "; }
 
 bool Identification::isUnfinished() const { return file_word == "UnFinMF "; }
 
+std::vector<std::string> Identification::openParts() const {
+  constexpr std::string_view parts[] = {"cycle counts of channel groups",
+                                        "cycle counts of sample reductions",
+                                        "length of the last data block",
+                                        "length of the last reduction data block",
+                                        "last data list",
+                                        "data bytes of variable-length groups",
+                                        "offsets of variable-length channels"};
+  std::vector<std::string> open;
+  unsigned flag = cycle_counters_open;
+  for (const std::string_view part : parts) {
+    if ((standard_flags & flag) != 0) {
+      open.emplace_back(part);
+    }
+    flag <<= 1U;
+  }
+  return open;
+}
+
 Identification readIdentification(InputFile& file) {
   std::array<char, header_block_offset> bytes{};
   file.readAt(0, bytes.data(), bytes.size());

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "finding.h"
 #include "unreadable.h"
@@ -38,6 +39,9 @@ struct Identification {
   /// Whether the number is one of MDF 4.
   bool isVersion4() const { return version >= 400 && version < 500; }
   bool isUnfinished() const;
+
+  /// What an unfinished file leaves open by its flags, in words.
+  std::vector<std::string> openParts() const;
 };
 
 Identification readIdentification(InputFile& file);

@@ -7,6 +7,7 @@
 #include "../blocks/block_fields.h"
 #include "../bytes/input_file.h"
 #include "../data/record_facts.h"
+#include "../model/channel_names.h"
 #include "../values/table.h"
 
 namespace mdf_reader {
@@ -93,8 +94,11 @@ const ChannelGroups& Measurement::groups() const { return state_->groups; }
 std::vector<FoundChannel> Measurement::channels(const std::string& pattern) const {
   std::vector<FoundChannel> found;
   for (const ChannelGroup& group : state_->groups) {
+    ChannelNames names;
     for (const Channel& channel : group.channels) {
-      if (fnmatch(pattern.c_str(), std::string(channel.name).c_str(), 0) == 0) {
+      const std::string& full_name = names.next(channel);
+      if (fnmatch(pattern.c_str(), std::string(channel.name).c_str(), 0) == 0 ||
+          fnmatch(pattern.c_str(), full_name.c_str(), 0) == 0) {
         found.push_back({&group, &channel});
       }
     }

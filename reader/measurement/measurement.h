@@ -100,7 +100,8 @@ class Measurement {
   const ChannelGroups& groups() const;
 
   /// The channels with this name, in the order of the file. Several groups may have one.
-  /// @param pattern a name, or a pattern as for file names: "speed*".
+  /// @param pattern a name, or a pattern as for file names: "speed*". A member of a structure has
+  /// its own name and "structure.member".
   std::vector<FoundChannel> channels(const std::string& pattern) const;
 
   /// How many records a group has. Where the file leaves that open, the data is read and they are

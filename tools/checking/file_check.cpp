@@ -31,27 +31,15 @@ bool hasHeaderBlock(InputFile& file) {
   return block && block->name() == "##HD";
 }
 
-/// What the flags of an unfinished file say was left open, in words.
 std::string openThings(const Identification& id) {
-  struct Thing {
-    unsigned flag;
-    std::string_view words;
-  };
-  constexpr std::array<Thing, 7> things = {
-      Thing{Identification::cycle_counters_open, "cycle counters"},
-      Thing{Identification::reduction_counters_open, "cycle counters of sample reductions"},
-      Thing{Identification::last_data_open, "length of the last data block"},
-      Thing{Identification::last_reduction_open, "length of the last reduction data block"},
-      Thing{Identification::last_list_open, "last data list"},
-      Thing{Identification::variable_length_sizes_open, "sizes of variable-length data"},
-      Thing{Identification::variable_length_offsets_open, "offsets into variable-length data"}};
   std::string words;
-  for (const Thing& thing : things) {
-    if ((id.standard_flags & thing.flag) != 0) {
-      words += (words.empty() ? "" : ", ") + std::string(thing.words);
-    }
+  for (const std::string& part : id.openParts()) {
+    words += (words.empty() ? "" : ", ") + part;
   }
-  return words.empty() ? "nothing that the standard flags name" : words;
+  if (words.empty()) {
+    words = "nothing that the standard flags name";
+  }
+  return id.custom_flags == 0 ? words : words + "; custom flags " + std::to_string(id.custom_flags);
 }
 
 void checkVersion(const Identification& id, const FindingSink& report) {

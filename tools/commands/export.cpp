@@ -37,8 +37,8 @@ written as hexadecimal digits, dates as 2024-05-17T13:45:12.345.
 Formats:
   csv    a line "name [unit],..." and a line for each sample, quoted as in RFC 4180. Several tables
          follow one another, with an empty line between them.
-  jsonl  a line {"schema":1,"group":N,"name":...,"columns":[{"name":...,"unit":...},...]} for each
-         table and a line {"schema":1,"group":N,"values":{"name":value,...}} for each sample.
+  jsonl  a line {"schema":2,"file":...,"group":N,"name":...,"columns":[{"name":...,"unit":...},...]} for each
+         table and a line {"schema":2,"file":...,"group":N,"values":{"name":value,...}} for each sample.
 
 Names:
 Members of structures are called "structure.member", elements of arrays "name[0][1]", members of
@@ -188,17 +188,18 @@ class Destination {
   bool has_failed_ = false;
 };
 
-std::unique_ptr<TableVisitor> writerOf(const std::string& format, TableOutput output) {
+std::unique_ptr<TableVisitor> writerOf(const std::string& format, const std::string& file,
+                                       TableOutput output) {
   if (format == "csv") {
     return std::make_unique<CsvWriter>(std::move(output));
   }
-  return std::make_unique<JsonLinesWriter>(std::move(output));
+  return std::make_unique<JsonLinesWriter>(std::move(output), file);
 }
 
 /// Writes the tables of one file; returns how many there are.
 std::size_t writeTables(const Request& request, const FileContext& context,
                         Destination& destination) {
-  const auto writer = writerOf(request.format, [&](const Table& table) {
+  const auto writer = writerOf(request.format, context.file.name(), [&](const Table& table) {
     return destination.next(context.path, table, context.out);
   });
   FilledTables filled(*writer);

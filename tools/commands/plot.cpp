@@ -92,7 +92,7 @@ int collect(const Request& request, std::size_t width, std::vector<Curve>& curve
     const std::string& name = context.file.name();
     const std::string prefix =
         context.is_one_of_several ? std::filesystem::path(name).filename().string() + ": " : "";
-    CurveCollector collector(curves, width, prefix);
+    CurveCollector collector(curves, width, prefix, name);
     const NoteSink note = notesOf(context);
     const std::size_t count =
         visitTables(context.file, *request.selection, collector, context.report, note);
@@ -124,7 +124,8 @@ int printJson(const Request& request) {
   }
   Json array = Json::array();
   for (const Curve& curve : curves) {
-    array.push_back({{"name", curve.name},
+    array.push_back({{"file", curve.file},
+                     {"name", curve.channel},
                      {"unit", curve.unit},
                      {"over", curve.x_label},
                      {"points", pointsAsJson(curve.points.points())}});

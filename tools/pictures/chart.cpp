@@ -274,8 +274,8 @@ void CurveCollector::begin(Table& table) {
       left_out_ += columns.size() - i;
       return;
     }
-    curves_.push_back(
-        {prefix_ + columns[i].name(), columns[i].unit(), x_label, Decimator(columns_)});
+    curves_.push_back({prefix_ + columns[i].name(), columns[i].unit(), x_label, Decimator(columns_),
+                       file_, columns[i].name()});
   }
 }
 

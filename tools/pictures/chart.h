@@ -18,6 +18,8 @@ struct Curve {
   std::string unit;
   std::string x_label;  ///< its horizontal axis: "time [s]"
   Decimator points;
+  std::string file{};     ///< where it is from
+  std::string channel{};  ///< its name there
 };
 
 /// Collects the curves of a chart from tables. Text values are drawn as the numbers that stand for
@@ -26,8 +28,9 @@ class CurveCollector : public TableVisitor {
  public:
   /// @param columns of the picture.
   /// @param prefix stands in front of the curves' names.
-  CurveCollector(std::vector<Curve>& curves, std::size_t columns, std::string prefix)
-      : curves_(curves), columns_(columns), prefix_(std::move(prefix)) {}
+  CurveCollector(std::vector<Curve>& curves, std::size_t columns, std::string prefix,
+                 std::string file = {})
+      : curves_(curves), columns_(columns), prefix_(std::move(prefix)), file_(std::move(file)) {}
 
   void begin(Table& table) override;
   bool sample(Table& table, const Sample& sample) override;
@@ -43,6 +46,7 @@ class CurveCollector : public TableVisitor {
   std::vector<Curve>& curves_;
   std::size_t columns_;
   std::string prefix_;
+  std::string file_;
   std::size_t first_ = 0;  ///< the table's first curve
   std::size_t left_out_ = 0;
 };

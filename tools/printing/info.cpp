@@ -16,33 +16,13 @@ using namespace mdf_reader;
 
 namespace {
 
-/// What an unfinished file leaves open, by its standard flags.
-std::vector<std::string> openParts(const Identification& id) {
-  constexpr std::string_view parts[] = {"cycle counts of channel groups",
-                                        "cycle counts of sample reductions",
-                                        "length of the last data block",
-                                        "length of the last reduction data block",
-                                        "last data list",
-                                        "data bytes of variable-length groups",
-                                        "offsets of variable-length channels"};
-  std::vector<std::string> open;
-  unsigned flag = 1;
-  for (const std::string_view part : parts) {
-    if ((id.standard_flags & flag) != 0) {
-      open.emplace_back(part);
-    }
-    flag <<= 1U;
-  }
-  return open;
-}
-
 std::string stateSentence(const Identification& id) {
   if (!id.isUnfinished()) {
     return id.isFinished() ? "finished" : "not stated";
   }
   std::string sentence = "unfinished";
   const char* separator = ", still open: ";
-  for (const std::string& part : openParts(id)) {
+  for (const std::string& part : id.openParts()) {
     sentence += separator + part;
     separator = ", ";
   }
@@ -251,7 +231,7 @@ Json infoAsJson(InputFile& file, Depth depth, const FindingSink& report) {
                {"version_text", withoutTrailingBlanks(id.version_text)},
                {"program", withoutTrailingBlanks(id.program)},
                {"finished", is_stated ? Json(id.isFinished()) : Json()},
-               {"still_open", openParts(id)},
+               {"still_open", id.openParts()},
                {"start", startAsJson(summary.description.header)}};
   json["duration"] = summary.duration ? Json(*summary.duration) : Json();
   json["comment"] = summary.description.header.comment;

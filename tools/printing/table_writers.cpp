@@ -9,6 +9,7 @@
 #include <utility>
 #include <variant>
 
+#include "json_output.h"
 #include "reader/values/text_encoding.h"
 
 namespace mdf_tools {
@@ -16,10 +17,6 @@ namespace mdf_tools {
 using namespace mdf_reader;
 
 namespace {
-
-/// What "schema" says in every line of JSON. It grows when members are renamed or removed, or
-/// change their meaning; new members may come at any time.
-constexpr int json_schema = 1;
 
 bool needsQuotes(std::string_view field) {
   return field.find_first_of(",\"\r\n") != std::string_view::npos ||
@@ -137,8 +134,9 @@ void JsonLinesWriter::begin(Table& table) {
   if (out_ == nullptr) {
     return;
   }
-  beginning_ = "{\"schema\":" + std::to_string(json_schema) +
-               ",\"group\":" + std::to_string(table.group().index);
+  beginning_ = "{\"schema\":" + std::to_string(json_schema) + ",\"file\":";
+  addJsonString(fromUtf8(file_), beginning_);
+  beginning_ += ",\"group\":" + std::to_string(table.group().index);
   if (table.group().element) {
     beginning_ += ",\"element\":" + std::to_string(*table.group().element);
   }

@@ -59,7 +59,9 @@ class CsvWriter : public TableVisitor {
 /// digits, a missing value is null.
 class JsonLinesWriter : public TableVisitor {
  public:
-  explicit JsonLinesWriter(TableOutput output) : output_(std::move(output)) {}
+  /// @param file what every line calls the file.
+  JsonLinesWriter(TableOutput output, std::string file)
+      : output_(std::move(output)), file_(std::move(file)) {}
 
   void begin(Table& table) override;
   bool sample(Table& table, const Sample& sample) override;
@@ -67,6 +69,7 @@ class JsonLinesWriter : public TableVisitor {
 
  private:
   TableOutput output_;
+  std::string file_;
   std::ostream* out_ = nullptr;
   std::string beginning_;           ///< of the line of each sample
   std::vector<std::string> names_;  ///< in quotes

@@ -95,9 +95,9 @@ BrokenFiles brokenFrames() {
        "nothing that the standard flags name",
        unfinished(0)},
       {"0 warning file-unfinished: expected a finished file, found an unfinished one; still open: "
-       "cycle counters, cycle counters of sample reductions, length of the last data block, length "
-       "of the last reduction data block, last data list, sizes of variable-length data, offsets "
-       "into variable-length data",
+       "cycle counts of channel groups, cycle counts of sample reductions, length of the last data "
+       "block, length of the last reduction data block, last data list, data bytes of "
+       "variable-length groups, offsets of variable-length channels",
        unfinished(0x7F)},
   };
 }
@@ -442,7 +442,7 @@ BrokenFiles brokenRecords() {
            in_data,
        withTwoGroups(2, recordWithId(1, 9) + recordWithId(2, 1) + recordWithId(1, 8))},
       {"0 warning file-unfinished: expected a finished file, found an unfinished one; still open: "
-       "cycle counters, length of the last data block\n"
+       "cycle counts of channel groups, length of the last data block\n"
        "762 warning bytes-not-read: expected 9 bytes of a record up to 765, found 3; 3 bytes were "
        "not read" +
            in_data,

@@ -61,11 +61,10 @@ TEST(ExportCommand, JsonLines) {
   const TempFile file(twoTables());
   const RunResult result = run({"export", "--format", "jsonl", "--group", "1", file.path()});
   EXPECT_EQ(result.exit_code, 0);
+  const std::string begin = "{\"schema\":2,\"file\":\"" + file.path() + "\",\"group\":1,";
   EXPECT_EQ(result.output,
-            "{\"schema\":1,\"group\":1,\"name\":\"\",\"columns\":[{\"name\":\"counter\",\"unit\":"
-            "\"\"}]}\n"
-            "{\"schema\":1,\"group\":1,\"values\":{\"counter\":65}}\n"
-            "{\"schema\":1,\"group\":1,\"values\":{\"counter\":66}}\n");
+            begin + "\"name\":\"\",\"columns\":[{\"name\":\"counter\",\"unit\":\"\"}]}\n" + begin +
+                "\"values\":{\"counter\":65}}\n" + begin + "\"values\":{\"counter\":66}}\n");
 }
 
 TEST(ExportCommand, JsonIsAnotherWordForJsonLines) {
@@ -73,7 +72,7 @@ TEST(ExportCommand, JsonIsAnotherWordForJsonLines) {
   const RunResult result = run({"export", "--json", file.path()});
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.output, run({"export", "--format", "jsonl", file.path()}).output);
-  EXPECT_EQ(result.output.rfind("{\"schema\":1,\"group\":0,", 0), 0U);
+  EXPECT_EQ(result.output.rfind("{\"schema\":2,\"file\":", 0), 0U);
 }
 
 TEST(ExportCommand, OutputFile) {

@@ -119,9 +119,10 @@ TEST(PlotCommand, JsonHasThePointsAndNullForGaps) {
   const RunResult result = run({"plot", file.path(), "-c", "gear", "--json"}, withoutGnuplot());
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.messages, "");
-  EXPECT_EQ(result.output, R"({"schema":2,"curves":[{"name":"gear","unit":"","over":"time [s]",)"
-                           R"("points":[[0.5,1.0],null,[2.5,3.0]]}]})"
-                           "\n");
+  EXPECT_EQ(result.output, R"({"schema":2,"curves":[{"file":")" + file.path() +
+                               R"(","name":"gear","unit":"","over":"time [s]",)"
+                               R"("points":[[0.5,1.0],null,[2.5,3.0]]}]})"
+                               "\n");
 }
 
 TEST(PlotCommand, JsonWithoutCurvesIsADocumentToo) {

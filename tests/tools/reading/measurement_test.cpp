@@ -86,6 +86,22 @@ TEST(Measurement, ChannelsByNameOrPattern) {
   EXPECT_TRUE(measurement.channels("spee").empty());
 }
 
+TEST(Measurement, MembersHaveTheNameOfTheirStructureToo) {
+  FileBuilder builder;
+  ChannelSpec member;
+  member.name = "ID";
+  ChannelSpec frame;
+  frame.name = "CAN_DataFrame";
+  frame.composition = builder.addChannel(member);
+  builder.addSortedGroup({0, 1}, {frame}, 0);
+  const TempFile temp(builder.bytes());
+  const Measurement measurement(temp.path());
+  ASSERT_EQ(measurement.channels("CAN_DataFrame.ID").size(), 1U);
+  EXPECT_EQ(measurement.channels("CAN_DataFrame.ID")[0].channel->name, "ID");
+  EXPECT_EQ(measurement.channels("ID").size(), 1U);
+  EXPECT_EQ(measurement.channels("CAN*").size(), 2U);
+}
+
 TEST(Measurement, RowsHavePhysicalValuesAfterTheMasters) {
   const TempFile temp(twoGroups().bytes());
   const Measurement measurement(temp.path());

@@ -79,12 +79,16 @@ TEST(SplitElements, EachHasItsData) {
 
 TEST(SplitElements, JsonLinesTellTheElement) {
   EXPECT_EQ(jsonOf(idsFile({channel_group, {2}, {1, 1}, {}}, "\1Aa\2Bb")).text,
-            "{\"schema\":1,\"group\":0,\"element\":0,\"name\":\"\",\"columns\":[{\"name\":"
+            "{\"schema\":2,\"file\":\"FILE\",\"group\":0,\"element\":0,\"name\":\"\",\"columns\":[{"
+            "\"name\":"
             "\"v[0]\",\"unit\":\"\"},{\"name\":\"last\",\"unit\":\"\"}]}\n"
-            "{\"schema\":1,\"group\":0,\"element\":0,\"values\":{\"v[0]\":65,\"last\":97}}\n\n"
-            "{\"schema\":1,\"group\":0,\"element\":1,\"name\":\"\",\"columns\":[{\"name\":"
+            "{\"schema\":2,\"file\":\"FILE\",\"group\":0,\"element\":0,\"values\":{\"v[0]\":65,"
+            "\"last\":97}}\n\n"
+            "{\"schema\":2,\"file\":\"FILE\",\"group\":0,\"element\":1,\"name\":\"\",\"columns\":[{"
+            "\"name\":"
             "\"v[1]\",\"unit\":\"\"},{\"name\":\"last\",\"unit\":\"\"}]}\n"
-            "{\"schema\":1,\"group\":0,\"element\":1,\"values\":{\"v[1]\":66,\"last\":98}}\n");
+            "{\"schema\":2,\"file\":\"FILE\",\"group\":0,\"element\":1,\"values\":{\"v[1]\":66,"
+            "\"last\":98}}\n");
 }
 
 TEST(SplitElements, PatternsSelectAllOfThem) {

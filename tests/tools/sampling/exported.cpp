@@ -12,18 +12,20 @@ namespace mdf_tests {
 
 namespace {
 
-template <class Writer>
-Exported exportedBy(const std::string& bytes, const mdf_reader::Selection& selection) {
+template <class Writer, class... Words>
+Exported exportedBy(const std::string& bytes, const mdf_reader::Selection& selection,
+                    const Words&... words) {
   const TempFile path(bytes);
   mdf_reader::InputFile file(path.path());
   Exported exported;
   std::ostringstream out;
   bool is_first = true;
-  Writer writer([&](const mdf_reader::Table&) {
+  const auto output = [&](const mdf_reader::Table&) {
     out << (is_first ? "" : "\n");
     is_first = false;
     return &out;
-  });
+  };
+  Writer writer(output, words...);
   mdf_reader::visitTables(
       file, selection, writer,
       [&](const mdf_reader::Finding& finding) {
@@ -41,7 +43,7 @@ Exported csvOf(const std::string& bytes, const mdf_reader::Selection& selection)
 }
 
 Exported jsonOf(const std::string& bytes, const mdf_reader::Selection& selection) {
-  return exportedBy<mdf_tools::JsonLinesWriter>(bytes, selection);
+  return exportedBy<mdf_tools::JsonLinesWriter>(bytes, selection, "FILE");
 }
 
 std::string healthyCsvOf(const std::string& bytes, const mdf_reader::Selection& selection) {

@@ -57,9 +57,10 @@ TEST(RemoteMaster, StandsInFrontOfJsonLines) {
   FileBuilder file = newFile();
   addRemote(file, "A", addTimes(file, 1, 1));
   EXPECT_EQ(jsonOf(file.bytes(), onlyGroup(1)).text,
-            "{\"schema\":1,\"group\":1,\"name\":\"\",\"columns\":[{\"name\":\"time\",\"unit\":"
+            "{\"schema\":2,\"file\":\"FILE\",\"group\":1,\"name\":\"\",\"columns\":[{\"name\":"
+            "\"time\",\"unit\":"
             "\"s\"},{\"name\":\"a\",\"unit\":\"\"}]}\n"
-            "{\"schema\":1,\"group\":1,\"values\":{\"time\":0,\"a\":65}}\n");
+            "{\"schema\":2,\"file\":\"FILE\",\"group\":1,\"values\":{\"time\":0,\"a\":65}}\n");
 }
 
 TEST(RemoteMaster, LimitsTheRange) {

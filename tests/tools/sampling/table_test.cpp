@@ -726,14 +726,17 @@ TEST(Table, JsonLines) {
                                               .u8(0)));
   const Exported exported = jsonOf(file.bytes());
   EXPECT_EQ(exported.findings, std::vector<std::string>());
-  EXPECT_EQ(
-      exported.text,
-      "{\"schema\":1,\"group\":0,\"name\":\"\",\"columns\":[{\"name\":\"r \\\"q\\\"\",\"unit\":"
-      "\"\xC2\xB0"
-      "C\"},{\"name\":\"t\",\"unit\":\"\"}]}\n"
-      "{\"schema\":1,\"group\":0,\"values\":{\"r \\\"q\\\"\":1.5,\"t\":\"\\\\\\u000a\"}}\n"
-      "{\"schema\":1,\"group\":0,\"values\":{\"r \\\"q\\\"\":\"nan\",\"t\":null}}\n"
-      "{\"schema\":1,\"group\":0,\"values\":{\"r \\\"q\\\"\":\"-inf\",\"t\":\"\xC3\xA9\\\"\"}}\n");
+  EXPECT_EQ(exported.text,
+            "{\"schema\":2,\"file\":\"FILE\",\"group\":0,\"name\":\"\",\"columns\":[{\"name\":\"r "
+            "\\\"q\\\"\",\"unit\":"
+            "\"\xC2\xB0"
+            "C\"},{\"name\":\"t\",\"unit\":\"\"}]}\n"
+            "{\"schema\":2,\"file\":\"FILE\",\"group\":0,\"values\":{\"r "
+            "\\\"q\\\"\":1.5,\"t\":\"\\\\\\u000a\"}}\n"
+            "{\"schema\":2,\"file\":\"FILE\",\"group\":0,\"values\":{\"r "
+            "\\\"q\\\"\":\"nan\",\"t\":null}}\n"
+            "{\"schema\":2,\"file\":\"FILE\",\"group\":0,\"values\":{\"r "
+            "\\\"q\\\"\":\"-inf\",\"t\":\"\xC3\xA9\\\"\"}}\n");
 }
 
 TEST(Table, ManyChannelsForFewBytesAreLimited) {
