@@ -13,7 +13,8 @@ add_custom_target(mdf_man_pages ALL DEPENDS ${mdf_man_pages}/mdf.1)
 install(TARGETS mdf COMPONENT tools)
 install(DIRECTORY ${mdf_man_pages}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tools
   FILES_MATCHING PATTERN *.1)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/schema DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tools)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/schema DESTINATION ${CMAKE_INSTALL_DATADIR}/mdf
+  COMPONENT tools)
 install(FILES ${mdf_packaging}/mdf.bash-completion
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools RENAME mdf)
 install(FILES ${mdf_packaging}/_mdf
