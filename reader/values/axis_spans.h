@@ -40,6 +40,7 @@ struct AxisSpan {
 class AxisSpans {
  public:
   AxisSpans(InputFile& file, const FindingSink& report);
+  ~AxisSpans() = default;
   AxisSpans(const AxisSpans&) = delete;
   AxisSpans& operator=(const AxisSpans&) = delete;
 
