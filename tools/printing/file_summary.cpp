@@ -99,8 +99,9 @@ void addRemoteMasters(FileSummary& summary) {
 void addDuration(FileSummary& summary) {
   constexpr unsigned over_time = 1;
   for (const GroupSummary& each : summary.groups) {
+    const Channel* const master = each.master();
     const auto extent = each.extent();
-    if (extent && each.master()->sync_type == over_time &&
+    if (master != nullptr && master->sync_type == over_time && extent &&
         *extent >= summary.duration.value_or(0)) {
       summary.duration = extent;
     }
