@@ -282,7 +282,7 @@ TEST(DataStream, AListThatIsCutIsAFinding) {
   const std::uint64_t first = file.addData("abc");
   const std::uint64_t second = file.addData("def");
   const std::uint64_t list = file.setData(addList(file, {first, second}));
-  Streamed streamed(file.bytes().substr(0, list + 24 + 2 * 8), list);
+  Streamed streamed(file.bytes().substr(0, static_cast<std::size_t>(list) + 24 + 2 * 8), list);
   EXPECT_EQ(streamed.all(), "abc");
   EXPECT_EQ(streamed.findings(), std::vector<std::string>{"expected the 3 links of ##DL, found 2"});
 }

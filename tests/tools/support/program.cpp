@@ -92,7 +92,8 @@ pid_t start(const std::vector<std::string>& arguments, const RunOptions& options
 /// Sends a running program its signal when it is time, and kills it when it runs too long.
 class Interrupter {
  public:
-  Interrupter(pid_t process, const RunOptions& options) : process_(process), options_(options) {}
+  Interrupter(pid_t process, const RunOptions& options, const Channel& error)
+      : process_(process), options_(options), error_(error) {}
 
   void interruptWhenDue() {
     const Clock::time_point now = Clock::now();
@@ -102,7 +103,8 @@ class Interrupter {
     if (!options_.signal_after || is_sent_) {
       return;
     }
-    if (ready_ > now && options_.signal_when()) {
+    if (ready_ > now && options_.signal_when() &&
+        error_.text().find(options_.signal_at_message) != std::string::npos) {
       ready_ = now;
     }
     if (ready_ <= now && now - ready_ >= *options_.signal_after) {
@@ -114,6 +116,7 @@ class Interrupter {
  private:
   pid_t process_;
   const RunOptions& options_;
+  const Channel& error_;
   Clock::time_point start_ = Clock::now();
   Clock::time_point ready_ = Clock::time_point::max();
   bool is_sent_ = false;
@@ -134,7 +137,7 @@ void readFrom(Channel& output, Channel& error) {
 
 /// Reads what the program writes up to its end. Returns its exit code.
 int follow(pid_t process, const RunOptions& options, Channel& output, Channel& error) {
-  Interrupter interrupter(process, options);
+  Interrupter interrupter(process, options, error);
   int status = 0;
   while (waitpid(process, &status, WNOHANG) == 0) {
     interrupter.interruptWhenDue();

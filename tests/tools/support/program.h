@@ -42,6 +42,8 @@ struct RunOptions {
   /// How long after `signal_when` first holds the program is sent `signal`, if it still runs.
   std::optional<std::chrono::milliseconds> signal_after;
   std::function<bool()> signal_when = [] { return true; };
+  /// What must have come to standard error before that.
+  std::string signal_at_message;
   int signal = SIGINT;
 
   /// A program that runs longer is killed.
