@@ -12,7 +12,8 @@ namespace mdf_reader {
 /// A file that cannot be read at all. Apart from std::bad_alloc nothing else is thrown here.
 class Unreadable : public std::runtime_error {
  public:
-  /// @param sentence that names the file
+  /// @param sentence names the file and says why, as what() does.
+  /// @param finding the same as a finding.
   Unreadable(const std::string& sentence, Finding finding)
       : std::runtime_error(sentence), finding_(std::move(finding)) {}
 
