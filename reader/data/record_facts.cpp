@@ -46,10 +46,16 @@ void RecordFacts::look() {
   if (std::exchange(has_looked_, true)) {
     return;
   }
-  Description description =
-      readDescription(file_.bytes(), silent_, [](const ChannelGroup&, const Channel&) {});
-  splitElements(file_.bytes(), description, silent_);
-  for (const DataGroup& data_group : description.data_groups) {
+  if (description_ != nullptr) {
+    lookAtAll(*description_);
+  } else {
+    lookAtAll(readDescription(file_.bytes(), silent_, [](const ChannelGroup&, const Channel&) {}));
+  }
+}
+
+void RecordFacts::lookAtAll(const Description& description) {
+  for (const DataGroup& data_group :
+       splitElements(file_.bytes(), description.data_groups, silent_)) {
     lookAt(data_group);
   }
 }

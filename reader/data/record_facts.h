@@ -20,6 +20,10 @@ class RecordFacts {
   /// @param report takes what is wrong with data whose records are counted. It is kept.
   RecordFacts(InputFile& file, FindingSink report);
 
+  /// Takes the description that somebody has read already, and must keep as long as this object:
+  /// else the file is read for it.
+  void know(const Description& description) { description_ = &description; }
+
   /// The file, with what it leaves open.
   DataFile& file() { return file_; }
 
@@ -39,6 +43,7 @@ class RecordFacts {
 
  private:
   void look();
+  void lookAtAll(const Description& description);
   void lookAt(const DataGroup& data_group);
   bool wantsEnds(const ChannelGroup& group) const;
   bool leavesCountsOpen(const DataGroup& data_group) const;
@@ -46,6 +51,7 @@ class RecordFacts {
   DataFile file_;
   FindingSink report_;
   FindingSink silent_;
+  const Description* description_ = nullptr;  ///< null unless somebody has it
   bool has_looked_ = false;
   std::function<bool(const ChannelGroup&)> is_wanted_;
   EndVisitor visit_end_;

@@ -57,7 +57,9 @@ struct Measurement::State {
         report([this](const Finding& finding) { take(finding); }),
         description(readDescription(readable(file), report)),
         groups(description.data_groups),
-        facts(file, report) {}
+        facts(file, report) {
+    facts.know(description);
+  }
 
   void take(const Finding& finding) {
     if (finding_count++ < most_findings) {

@@ -123,13 +123,14 @@ void Splitter::split(DataGroup&& data_group, std::vector<DataGroup>& result) {
 
 }  // namespace
 
-void splitElements(InputFile& file, Description& description, const FindingSink& report) {
+std::vector<DataGroup> splitElements(InputFile& file, std::vector<DataGroup> data_groups,
+                                     const FindingSink& report) {
   std::vector<DataGroup> result;
   Splitter splitter(file, report);
-  for (DataGroup& data_group : description.data_groups) {
+  for (DataGroup& data_group : data_groups) {
     splitter.split(std::move(data_group), result);
   }
-  description.data_groups = std::move(result);
+  return result;
 }
 
 }  // namespace mdf_reader

@@ -67,7 +67,7 @@ class Tables {
         data_file_(file),
         conversions_(file, report),
         remote_masters_(data_file_, description_, report) {
-    splitElements(file, description_, report);
+    description_.data_groups = splitElements(file, std::move(description_.data_groups), report);
   }
 
   std::size_t visit();

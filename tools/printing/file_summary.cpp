@@ -165,6 +165,7 @@ FileSummary summarise(InputFile& file, Depth depth, const FindingSink& report) {
                                         [&](const ChannelGroup& group, const Channel& channel) {
                                           addTo(channels[group.offset], channel);
                                         });
+  facts.know(summary.description);
   summary.properties = readProperties(file, summary.description.header.comment_block);
   addGroups(file, channels, summary);
   addSpans(file, depth, facts, summary, report);
