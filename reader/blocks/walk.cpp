@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "../bytes/input_file.h"
+#include "../bytes/printable.h"
 #include "../bytes/work_budget.h"
 #include "framework/wire.h"
 
@@ -247,8 +248,8 @@ void Walk::reportLost(std::uint64_t target, const std::optional<RawBlock>& found
 void Walk::reportLink(Code code, const Step& step, const std::string& expected_found) {
   const BlockEntry& from = blocks_[step.from];
   report_({code, from.offset,
-           "expected link " + std::to_string(step.link) + " of ##" + std::string(from.letters()) +
-               " to lead " + expected_found});
+           "expected link " + std::to_string(step.link) + " of " +
+               printable("##" + std::string(from.letters())) + " to lead " + expected_found});
 }
 
 /// A block comes after the one that it belongs to: going backwards, all that belongs to a block is

@@ -216,6 +216,15 @@ TEST(Walk, BlockRunsPastTheEndOfTheFile) {
                 blockCut(168, "XX", 58, 48) + linkOutside(168, "XX", 1, 216, -1));
 }
 
+TEST(Walk, TypeOfTheFirstBlockMayBeAnyBytes) {
+  std::string bytes = fileHead({-1, 0, 0, 0, 0, 0});
+  bytes.replace(66, 2, std::string("\0\x9F", 2));
+  EXPECT_NE(walked(bytes).find("64: expected link 0 of ##\\x00\\x9f to lead into the file of 168 "
+                               "bytes, found -1\n"),
+            std::string::npos)
+      << walked(bytes);
+}
+
 TEST(Walk, BothLengthAndLinkCountLie) {
   EXPECT_EQ(walkedFrom168(Bytes().header("XX", std::uint64_t{1} << 63U, UINT64_MAX).i64(64)),
             "##HD 64 104 6\n"
