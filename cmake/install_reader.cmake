@@ -5,10 +5,10 @@ set(mdf_reader_headers
   mdf_reader.h
   blocks/codes.h blocks/finding.h blocks/identification.h blocks/unreadable.h
   bytes/printable.h
+  columns/batch.h columns/column_data.h columns/query.h
   data/record_count.h
-  measurement/measurement.h measurement/row.h
-  model/attachments.h model/description.h model/events.h model/hierarchy.h model/history.h model/texts.h
-  values/selection.h values/value.h)
+  measurement/measurement.h
+  model/attachments.h model/description.h model/events.h model/hierarchy.h model/history.h model/texts.h)
 foreach(header IN LISTS mdf_reader_headers)
   get_filename_component(folder ${header} DIRECTORY)
   install(FILES ${PROJECT_SOURCE_DIR}/reader/${header}

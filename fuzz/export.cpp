@@ -1,7 +1,6 @@
 #include <csv.h>
 
 #include <cstddef>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include "printing/table_writers.h"
 #include "reader/blocks/finding.h"
 #include "reader/bytes/input_file.h"
+#include "reader/columns/tables.h"
 #include "reader/values/text_encoding.h"
 #include "support/allocation_counter.h"
 #include "targets.h"
@@ -49,34 +49,27 @@ Lines linesOf(const std::string& text) {
 }
 
 /// Writes and draws the first samples of each table, and checks the output.
-class Trial : public TableVisitor {
+class Trial {
  public:
-  void begin(Table& table) override {
-    text_.str("");
-    samples_ = 0;
-    ++tables_;
-    columns_ = table.columns().size();
-    csv_.begin(table);
-    json_.begin(table);
-    collector_.begin(table);
-  }
-
-  bool sample(Table& table, const Sample& sample) override {
-    constexpr std::size_t most = 50;
+  void take(Table& table) {
     constexpr std::size_t most_values = 20000;
-    values_ += columns_;
-    if (++samples_ > most || values_ > most_values) {
-      return false;
+    ++tables_;
+    const std::size_t columns = table.head().columns.size();
+    std::string text;
+    std::string json;
+    csv_.begin(table.head(), text);
+    json_.begin(table.head(), json);
+    collector_.begin(table.head());
+    const Batch* const batch = table.next();
+    if (batch != nullptr && values_ < most_values) {
+      values_ += batch->rows() * columns;
+      collector_.take(*batch);
+      csv_.addRows(*batch, 0, batch->rows(), text);
+      json_.addRows(*batch, 0, batch->rows(), json);
     }
-    collector_.sample(table, sample);
-    return csv_.sample(table, sample) && json_.sample(table, sample);
-  }
-
-  void end() override {
-    const std::string text = text_.str();
     expect(fromUtf8(text) == text, "text in UTF-8");
     for (const std::size_t count : linesOf(text).counts) {
-      expect(count == columns_, "a field for each column");
+      expect(count == columns, "a field for each column");
     }
   }
 
@@ -84,19 +77,11 @@ class Trial : public TableVisitor {
   std::string script() const { return gnuplotScript(curves_, {ChartForm::Kind::svg, "title"}); }
 
  private:
-  std::ostringstream text_;
-  std::ostringstream json_text_;
-  CsvWriter csv_{[this](const Table& /*table*/) { return &text_; }};
-  JsonLinesWriter json_{[this](const Table& /*table*/) {
-                          json_text_.str("");
-                          return &json_text_;
-                        },
-                        "file"};
+  CsvWriter csv_;
+  JsonLinesWriter json_{"file"};
   std::vector<Curve> curves_;
   CurveCollector collector_{curves_, 10, ""};
   std::size_t tables_ = 0;
-  std::size_t columns_ = 0;
-  std::size_t samples_ = 0;
   std::size_t values_ = 0;
 };
 
@@ -112,13 +97,17 @@ std::string tryExport(std::string_view input) {
   std::size_t findings = 0;
   {
     const mdf_tests::AllocationLimit limit(always + for_a_byte * input.size());
-    visitTables(
-        file, {}, trial,
-        [&](const Finding& finding) {
-          expectSentence(finding, file.size());
-          ++findings;
-        },
-        [](const std::string& /*note*/) {});
+    Query query;
+    query.batch_rows = 50;
+    const FindingSink report = [&](const Finding& finding) {
+      expectSentence(finding, file.size());
+      ++findings;
+    };
+    const NoteSink note = [](const std::string& /*text*/) {};
+    Tables tables(file, query, report, note);
+    while (Table* const table = tables.next()) {
+      trial.take(*table);
+    }
   }
   expect(!trial.script().empty(), "a picture of whatever there is");
   return std::to_string(trial.tables()) + " tables, " + std::to_string(findings) + " findings";

@@ -25,12 +25,15 @@ void visitRecords(const Measurement& measurement) {
            "no more records than were counted");
   }
   std::uint64_t count = 0;
-  measurement.forEachRow({}, [&](const Row& row) {
-    for (std::size_t i = 0; i < row.size() && ++count < most_visited; ++i) {
-      row.text(i);
+  Batches batches = measurement.read({});
+  for (const Batch* batch = batches.next(); batch != nullptr && count < most_visited;
+       batch = batches.next()) {
+    std::string text;
+    for (std::size_t i = 0; i < batch->columnCount(); ++i) {
+      batch->column(i).print(batch->rows() - 1, text);
     }
-    return count < most_visited;
-  });
+    count += batch->rows();
+  }
 }
 
 void visitDescription(const Measurement& measurement, std::uint64_t size) {

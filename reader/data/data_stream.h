@@ -41,6 +41,15 @@ class DataStream {
     return outsideTheWindow(offset, count);
   }
 
+  /// The same, with up to `most` bytes where they stand in memory anyway.
+  std::string_view from(std::uint64_t offset, std::size_t least, std::size_t most) {
+    const std::string_view bytes = at(offset, least);
+    const std::uint64_t skipped = offset - window_begin_;
+    const bool is_in_window = bytes.size() == least && offset >= window_begin_ &&
+                              skipped < window_.size() && bytes.data() == window_.data() + skipped;
+    return is_in_window ? window_.substr(static_cast<std::size_t>(skipped), most) : bytes;
+  }
+
   /// Whether there are bytes up to an offset.
   bool reaches(std::uint64_t end);
 

@@ -124,6 +124,80 @@ class Records::ValueRecords : public SignalValues {
   Mark cursor_{0, 0};
 };
 
+class Records::SortedCursor : public RecordCursor {
+ public:
+  explicit SortedCursor(SortedRecords records) : records_(std::move(records)) {}
+
+  RecordSpan next(std::size_t most) override {
+    const RecordSpan span = records_.from(number_, most);
+    number_ += span.count;
+    return span;
+  }
+
+ private:
+  SortedRecords records_;
+  std::uint64_t number_ = 0;
+};
+
+/// Records that were collected from among those of other groups.
+class Records::CollectedCursor : public RecordCursor {
+ public:
+  CollectedCursor() = default;
+  CollectedCursor(std::string bytes, std::uint64_t size, std::uint64_t count)
+      : bytes_(std::move(bytes)), size_(hostSize(size)) {
+    const std::uint64_t there = size_ == 0 ? count : bytes_.size() / size_;
+    rest_ = {bytes_.data(), size_, size_, hostSize(std::min(count, there)), 0};
+  }
+
+  RecordSpan next(std::size_t most) override {
+    const RecordSpan span = rest_.part(0, std::min(most, rest_.count));
+    rest_ = rest_.part(span.count, rest_.count - span.count);
+    return span;
+  }
+
+ private:
+  std::string bytes_;
+  std::size_t size_ = 0;
+  RecordSpan rest_;
+};
+
+/// Records among those of other groups, too many to be collected at once.
+class Records::ScatteredCursor : public RecordCursor {
+ public:
+  ScatteredCursor(Records& records, const ChannelGroup& group, std::uint64_t count)
+      : records_(records), group_(group), count_(count) {}
+
+  RecordSpan next(std::size_t most) override {
+    constexpr std::size_t most_bytes = std::size_t{1} << 18U;
+    const std::size_t size = hostSize(group_.recordBytes());
+    most = std::min(most, std::max<std::size_t>(1, most_bytes / std::max<std::size_t>(1, size)));
+    RecordSpan span{nullptr, size, size, 0, number_};
+    bytes_.clear();
+    while (span.count < most && number_ < count_) {
+      const Record record = records_.format_.at(records_.data_, position_);
+      if (record.group == nullptr) {
+        break;
+      }
+      position_ = record.next;
+      if (record.group == &group_) {
+        bytes_ += record.bytes;
+        ++span.count;
+        ++number_;
+      }
+    }
+    span.bytes = bytes_.data();
+    return span;
+  }
+
+ private:
+  Records& records_;
+  const ChannelGroup& group_;
+  std::uint64_t count_;
+  std::uint64_t number_ = 0;
+  std::uint64_t position_ = 0;
+  std::string bytes_;
+};
+
 Records::Records(DataFile& file, const DataGroup& data_group, const FindingSink& report)
     : file_(file),
       data_group_(data_group),
@@ -285,12 +359,22 @@ std::optional<std::uint64_t> Records::countOf(const ChannelGroup& group) {
   return size == 0 ? mostRecords(group, size) : data_.size() / size;
 }
 
-void Records::forEach(const ChannelGroup& group, const RecordVisitor& visit) {
+std::unique_ptr<RecordCursor> Records::read(const ChannelGroup& group) {
   examine();
   if (areFramed()) {
-    visitUnsorted(group, visit);
-  } else if (ownsAllRecords(group)) {
-    visitSorted(group, visit);
+    return readUnsorted(group);
+  }
+  return ownsAllRecords(group) ? readSorted(group) : std::make_unique<CollectedCursor>();
+}
+
+void Records::forEach(const ChannelGroup& group, const RecordVisitor& visit) {
+  const auto cursor = read(group);
+  for (RecordSpan span = cursor->next(SIZE_MAX); span.count > 0; span = cursor->next(SIZE_MAX)) {
+    for (std::size_t i = 0; i < span.count; ++i) {
+      if (!visit(span.at(i))) {
+        return;
+      }
+    }
   }
 }
 
@@ -336,15 +420,13 @@ SortedRecords Records::sortedRecords(const ChannelGroup& group) {
   return {data_, mostRecords(group, size), size, format_.idBytes()};
 }
 
-void Records::visitSorted(const ChannelGroup& group, const RecordVisitor& visit) {
+std::unique_ptr<RecordCursor> Records::readSorted(const ChannelGroup& group) {
   SortedRecords records = sortedRecords(group);
   if (hasInvalidationApart(group) && group.data_bytes > 0) {
-    records.join(std::make_unique<InvalidationData>(file_, link(), group, unzipping_report_));
+    records.join(std::make_unique<InvalidationData>(file_, link(), group, unzipping_report_),
+                 group.invalidation_bytes);
   }
-  std::uint64_t count = 0;
-  for (auto record = records.at(0); record && visit(*record); record = records.at(count)) {
-    ++count;
-  }
+  return std::make_unique<SortedCursor>(std::move(records));
 }
 
 void Records::visitSortedEnds(const ChannelGroup& group, const EndVisitor& visit) {
@@ -386,20 +468,13 @@ void Records::forEachEnd(const std::function<bool(const ChannelGroup&)>& is_want
   }
 }
 
-void Records::visitUnsorted(const ChannelGroup& group, const RecordVisitor& visit) {
+std::unique_ptr<RecordCursor> Records::readUnsorted(const ChannelGroup& group) {
   const std::uint64_t there = extents_[&group].count;
   const std::uint64_t most = isLimited(group) ? std::min(group.cycles, there) : there;
-  if (most == 0) {
-    return;
+  if (most > 0 && bytesOf(group) > most_collected) {
+    return std::make_unique<ScatteredCursor>(*this, group, most);
   }
-  if (bytesOf(group) <= most_collected) {
-    visitCollected(group, most, visit);
-    return;
-  }
-  std::uint64_t count = 0;
-  walk([&](const Record& record) {
-    return record.group != &group || (visit(record.bytes) && ++count < most);
-  });
+  return most == 0 ? std::make_unique<CollectedCursor>() : readCollected(group, most);
 }
 
 /// Goes through unsorted data from the beginning, until the visitor ends it.
@@ -417,18 +492,14 @@ std::uint64_t Records::bytesOf(const ChannelGroup& group) {
 
 /// Collects the records of several small groups at once: there may be very many of them, too many
 /// to go through the data for each.
-void Records::visitCollected(const ChannelGroup& group, std::uint64_t count,
-                             const RecordVisitor& visit) {
+std::unique_ptr<RecordCursor> Records::readCollected(const ChannelGroup& group,
+                                                     std::uint64_t count) {
   if (collected_.find(&group) == collected_.end()) {
     collectFrom(group);
   }
-  const std::string records = std::move(collected_[&group]);
+  auto records = std::move(collected_[&group]);
   collected_.erase(&group);
-  const auto size = static_cast<std::size_t>(group.recordBytes());
-  std::string_view rest = records;
-  for (std::uint64_t i = 0; i < count && size <= rest.size() && visit(rest.substr(0, size)); ++i) {
-    rest.remove_prefix(size);
-  }
+  return std::make_unique<CollectedCursor>(std::move(records), group.recordBytes(), count);
 }
 
 void Records::collectFrom(const ChannelGroup& first) {

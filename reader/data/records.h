@@ -12,6 +12,7 @@
 
 #include "data_stream.h"
 #include "record_format.h"
+#include "record_span.h"
 #include "sorted_records.h"
 
 namespace mdf_reader {
@@ -70,7 +71,11 @@ class Records {
   /// the data holds. Nothing where nobody can tell.
   std::optional<std::uint64_t> countOf(const ChannelGroup& group);
 
-  /// Visits the records of a channel group in order, as many as countOf() says and there are.
+  /// Reads the records of a channel group, as many as countOf() says and there are. One group can
+  /// be read at a time, and this object must outlast the cursor.
+  std::unique_ptr<RecordCursor> read(const ChannelGroup& group);
+
+  /// Visits the same records.
   void forEach(const ChannelGroup& group, const RecordVisitor& visit);
 
   /// Visits the first and the last record of the channel groups that are wanted, as far as they are
@@ -107,6 +112,9 @@ class Records {
     std::vector<Mark> marks;   ///< for every 16 KiB of data
   };
   class ValueRecords;
+  class SortedCursor;
+  class CollectedCursor;
+  class ScatteredCursor;
 
   bool areFramed() const;
   bool ownsAllRecords(const ChannelGroup& group) const;
@@ -121,10 +129,10 @@ class Records {
   void reportRest(const Record& record, std::uint64_t position);
   void compareCount(const ChannelGroup& group);
   DataLink link() const { return {data_group_.offset, data_group_.data}; }
-  void visitSorted(const ChannelGroup& group, const RecordVisitor& visit);
-  void visitUnsorted(const ChannelGroup& group, const RecordVisitor& visit);
+  std::unique_ptr<RecordCursor> readSorted(const ChannelGroup& group);
+  std::unique_ptr<RecordCursor> readUnsorted(const ChannelGroup& group);
   void visitSortedEnds(const ChannelGroup& group, const EndVisitor& visit);
-  void visitCollected(const ChannelGroup& group, std::uint64_t count, const RecordVisitor& visit);
+  std::unique_ptr<RecordCursor> readCollected(const ChannelGroup& group, std::uint64_t count);
   void collectFrom(const ChannelGroup& first);
   void walk(const std::function<bool(const Record& record)>& visit);
   std::uint64_t bytesOf(const ChannelGroup& group);

@@ -1,26 +1,44 @@
 #include "sorted_records.h"
 
+#include <algorithm>
+
 #include "framework/wire.h"
 
 namespace mdf_reader {
 
 using mdf_v4_10::detail::hostSize;
 
-std::optional<std::string_view> SortedRecords::at(std::uint64_t number) {
+RecordSpan SortedRecords::from(std::uint64_t number, std::size_t most) {
   if (number >= most_) {
-    return std::nullopt;
+    return {};
   }
-  const std::string_view stored = data_.at(number * size_, hostSize(size_));
-  if (stored.size() < size_) {
-    return std::nullopt;
+  const std::size_t size = hostSize(size_);
+  const std::size_t wanted = hostSize(std::min<std::uint64_t>(most, most_ - number));
+  std::size_t count = wanted;
+  std::string_view stored;
+  if (size > 0) {
+    stored = data_.from(number * size_, size, wanted > SIZE_MAX / size ? SIZE_MAX : wanted * size);
+    count = stored.size() / size;
   }
-  const std::string_view record = stored.substr(id_bytes_);
-  if (invalidation_ == nullptr) {
-    return record;
+  if (count == 0) {
+    return {};
   }
-  joined_.assign(record);
-  joined_ += invalidation_->at(number);
-  return joined_;
+  const RecordSpan span{stored.data() + id_bytes_, size - id_bytes_, size, count, number};
+  return invalidation_ == nullptr ? span : joined(span);
+}
+
+/// Bytes that the file lacks are 0: all values are valid.
+RecordSpan SortedRecords::joined(const RecordSpan& stored) {
+  constexpr std::size_t most_bytes = std::size_t{1} << 18U;
+  const std::size_t size = stored.size + invalidation_bytes_;
+  const std::size_t count = std::min(stored.count, std::max<std::size_t>(1, most_bytes / size));
+  joined_.clear();
+  for (std::size_t i = 0; i < count; ++i) {
+    joined_ += stored.at(i);
+    joined_ += invalidation_->at(stored.first + i);
+    joined_.resize((i + 1) * size);
+  }
+  return {joined_.data(), size, size, count, stored.first};
 }
 
 }  // namespace mdf_reader

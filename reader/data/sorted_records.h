@@ -1,6 +1,7 @@
 #ifndef MDF_READER_DATA_SORTED_RECORDS_H_
 #define MDF_READER_DATA_SORTED_RECORDS_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -10,6 +11,7 @@
 
 #include "data_stream.h"
 #include "invalidation_data.h"
+#include "record_span.h"
 
 namespace mdf_reader {
 
@@ -23,22 +25,33 @@ class SortedRecords {
       : data_(data), most_(most), size_(size), id_bytes_(id_bytes) {}
 
   /// Appends to each record its invalidation bytes, where they stand apart.
-  void join(std::unique_ptr<InvalidationData> invalidation) {
+  /// @param bytes of each record.
+  void join(std::unique_ptr<InvalidationData> invalidation, std::size_t bytes) {
     invalidation_ = std::move(invalidation);
+    invalidation_bytes_ = bytes;
   }
 
   std::uint64_t most() const { return most_; }
 
-  /// The record of a number, counted from 0, without its id; nothing after the last one. Numbers go
-  /// up. The bytes last until the next call.
-  std::optional<std::string_view> at(std::uint64_t number);
+  /// The records from a number on, which is counted from 0: at least one and at most so many; none
+  /// after the last one. Numbers go up. The bytes last until the next call.
+  RecordSpan from(std::uint64_t number, std::size_t most);
+
+  /// The record of a number; nothing after the last one.
+  std::optional<std::string_view> at(std::uint64_t number) {
+    const RecordSpan span = from(number, 1);
+    return span.count == 0 ? std::nullopt : std::optional(span.at(0));
+  }
 
  private:
+  RecordSpan joined(const RecordSpan& stored);
+
   DataStream& data_;
   std::uint64_t most_;
   std::uint64_t size_;
   unsigned id_bytes_;
   std::unique_ptr<InvalidationData> invalidation_;
+  std::size_t invalidation_bytes_ = 0;
   std::string joined_;
 };
 

@@ -6,9 +6,9 @@
 
 #include "../blocks/block_fields.h"
 #include "../bytes/input_file.h"
+#include "../columns/tables.h"
 #include "../data/record_facts.h"
 #include "../model/channel_names.h"
-#include "../values/table.h"
 
 namespace mdf_reader {
 
@@ -23,23 +23,6 @@ InputFile& readable(InputFile& file) {
   }
   return file;
 }
-
-/// Turns tables into rows for one visitor.
-class RowVisitor : public TableVisitor {
- public:
-  explicit RowVisitor(const std::function<bool(const Row& row)>& visit) : visit_(visit) {}
-
-  void begin(Table& /*table*/) override {}
-  bool sample(Table& table, const Sample& sample) override {
-    goes_on_ = goes_on_ && visit_(Row(table, sample));
-    return goes_on_;
-  }
-  void end() override {}
-
- private:
-  const std::function<bool(const Row& row)>& visit_;
-  bool goes_on_ = true;
-};
 
 }  // namespace
 
@@ -76,7 +59,7 @@ struct Measurement::State {
   RecordFacts facts;
 };
 
-Measurement::Measurement(const std::string& path) : state_(std::make_unique<State>(path)) {}
+Measurement::Measurement(const std::string& path) : state_(std::make_shared<State>(path)) {}
 Measurement::~Measurement() = default;
 Measurement::Measurement(Measurement&& other) noexcept = default;
 Measurement& Measurement::operator=(Measurement&& other) noexcept = default;
@@ -124,10 +107,34 @@ void Measurement::forEachRecord(const ChannelGroup& group,
   }
 }
 
-std::size_t Measurement::forEachRow(const Selection& selection,
-                                    const std::function<bool(const Row&)>& visit) const {
-  RowVisitor visitor(visit);
-  return visitTables(state_->file, selection, visitor, state_->report, [](const std::string&) {});
+struct Batches::State {
+  State(std::shared_ptr<Measurement::State> from, const Query& wanted)
+      : measurement(std::move(from)),
+        query(wanted),
+        tables(measurement->file, query, measurement->report, note) {}
+
+  std::shared_ptr<Measurement::State> measurement;
+  Query query;
+  NoteSink note = [](const std::string& /*note*/) {};
+  Tables tables;
+  Table* table = nullptr;
+};
+
+Batches::Batches(std::unique_ptr<State> state) : state_(std::move(state)) {}
+Batches::~Batches() = default;
+Batches::Batches(Batches&& other) noexcept = default;
+Batches& Batches::operator=(Batches&& other) noexcept = default;
+
+const Batch* Batches::next() {
+  const Batch* batch = state_->table == nullptr ? nullptr : state_->table->next();
+  while (batch == nullptr && (state_->table = state_->tables.next()) != nullptr) {
+    batch = state_->table->next();
+  }
+  return batch;
+}
+
+Batches Measurement::read(const Query& query) const {
+  return Batches(std::make_unique<Batches::State>(state_, query));
 }
 
 std::vector<Attachment> Measurement::attachments() const {

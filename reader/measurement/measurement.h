@@ -12,14 +12,14 @@
 
 #include "../blocks/finding.h"
 #include "../blocks/identification.h"
+#include "../columns/batch.h"
+#include "../columns/query.h"
 #include "../data/record_count.h"
 #include "../model/attachments.h"
 #include "../model/description.h"
 #include "../model/events.h"
 #include "../model/hierarchy.h"
 #include "../model/history.h"
-#include "../values/selection.h"
-#include "row.h"
 
 namespace mdf_reader {
 
@@ -76,6 +76,26 @@ class ChannelGroups {
   std::vector<const ChannelGroup*> groups_;
 };
 
+/// Batches of the records of a query, channel group by channel group. They can be moved, and read
+/// after their measurement is gone.
+class Batches {
+ public:
+  ~Batches();
+  Batches(const Batches&) = delete;
+  Batches& operator=(const Batches&) = delete;
+  Batches(Batches&& other) noexcept;
+  Batches& operator=(Batches&& other) noexcept;
+
+  /// The next records of a group; null after the last ones. It lasts until the next call.
+  const Batch* next();
+
+ private:
+  friend class Measurement;
+  struct State;
+  explicit Batches(std::unique_ptr<State> state);
+  std::unique_ptr<State> state_;
+};
+
 /// A measurement file, read where it stands. It owns all that it hands out: texts, groups and
 /// channels last as long as it does, wherever it is moved to. One thread at a time may use it; two
 /// files can be read in two threads. The file is never written to.
@@ -113,11 +133,8 @@ class Measurement {
   void forEachRecord(const ChannelGroup& group,
                      const std::function<bool(std::string_view record)>& visit) const;
 
-  /// Visits the records of the chosen channels' groups, group by group, with their values, until
-  /// `visit` says false.
-  /// @returns how many groups have a chosen channel.
-  std::size_t forEachRow(const Selection& selection,
-                         const std::function<bool(const Row& row)>& visit) const;
+  /// Reads channels as batches of columns, channel group by channel group.
+  Batches read(const Query& query) const;
 
   std::vector<Attachment> attachments() const;
   /// Hands the data of an embedded attachment on, see readAttachmentData().
@@ -138,8 +155,9 @@ class Measurement {
   std::uint64_t findingCount() const;
 
  private:
+  friend class Batches;
   struct State;
-  std::unique_ptr<State> state_;
+  std::shared_ptr<State> state_;  ///< which batches have in common with it
 };
 
 }  // namespace mdf_reader

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <map>
 #include <utility>
-#include <variant>
 
 #include "../blocks/block_fields.h"
 #include "../bytes/input_file.h"
@@ -23,83 +22,87 @@ namespace {
 constexpr std::size_t most_nested = 16;
 constexpr std::size_t longest_text = 1024;
 
-/// A conversion of numbers.
+/// A conversion of each number by itself, with a function `double at(double)` of the derived class.
+template <class Derived>
 class NumberConversion : public Conversion {
  public:
-  Value physical(const Value& raw) final {
-    const auto number = numberOf(raw);
-    return number ? of(*number, raw) : raw;
+  Effect ofNumbers() const final { return Effect::numbers; }
+
+  using Conversion::of;
+  Result of(double number, bool /*is_integer*/) final { return Result(self().at(number)); }
+
+  void convert(double* numbers, std::size_t count, bool /*is_integer*/) final {
+    for (std::size_t i = 0; i < count; ++i) {
+      numbers[i] = self().at(numbers[i]);
+    }
   }
 
  private:
-  virtual Value of(double number, const Value& raw) = 0;
+  Derived& self() { return static_cast<Derived&>(*this); }
 };
 
-class Linear : public NumberConversion {
+class Linear : public NumberConversion<Linear> {
  public:
   Linear(double offset, double factor) : offset_(offset), factor_(factor) {}
+  double at(double x) const { return offset_ + factor_ * x; }
 
  private:
-  Value of(double number, const Value& /*raw*/) override { return offset_ + factor_ * number; }
-
   double offset_;
   double factor_;
 };
 
-class Rational : public NumberConversion {
+class Rational : public NumberConversion<Rational> {
  public:
   explicit Rational(std::vector<double> p) : p_(std::move(p)) {}
-
- private:
-  Value of(double x, const Value& /*raw*/) override {
+  double at(double x) const {
     return (p_[0] * x * x + p_[1] * x + p_[2]) / (p_[3] * x * x + p_[4] * x + p_[5]);
   }
 
+ private:
   std::vector<double> p_;
 };
 
-class Algebraic : public NumberConversion {
+class Algebraic : public NumberConversion<Algebraic> {
  public:
   explicit Algebraic(const std::string& formula) : formula_(formula) {}
+  double at(double x) { return formula_.at(x); }
 
   const std::string& problem() const { return formula_.problem(); }
 
  private:
-  Value of(double number, const Value& /*raw*/) override { return formula_.at(number); }
-
   Formula formula_;
 };
 
-class ValueTable : public NumberConversion {
+class ValueTable : public NumberConversion<ValueTable> {
  public:
   ValueTable(const std::vector<double>& pairs, bool interpolates)
       : points_(pairs), interpolates_(interpolates) {}
-
- private:
-  Value of(double number, const Value& raw) override {
-    if (points_.isEmpty() || std::isnan(number)) {
-      return raw;
+  double at(double x) const {
+    if (points_.isEmpty() || std::isnan(x)) {
+      return x;
     }
-    return interpolates_ ? points_.between(number) : points_.nearest(number);
+    return interpolates_ ? points_.between(x) : points_.nearest(x);
   }
 
+ private:
   PointTable points_;
   bool interpolates_;
 };
 
-bool isInteger(const Value& raw) { return !std::holds_alternative<double>(raw); }
-
-class RangeToValue : public NumberConversion {
+class RangeToValue : public Conversion {
  public:
   RangeToValue(RangeTable ranges, std::vector<double> values)
       : ranges_(std::move(ranges)), values_(std::move(values)) {}
 
- private:
-  Value of(double number, const Value& raw) override {
-    const std::size_t index = ranges_.find(number, isInteger(raw));
-    return index < values_.size() ? Value(values_[index]) : raw;
+  Effect ofNumbers() const override { return Effect::numbers; }
+
+  using Conversion::of;
+  Result of(double number, bool is_integer) override {
+    const std::size_t index = ranges_.find(number, is_integer);
+    return index < values_.size() ? Result(values_[index]) : Result();
   }
 
+ private:
   RangeTable ranges_;
   std::vector<double> values_;  ///< one for each range, and the default
 };
@@ -109,33 +112,47 @@ struct Target {
   const std::string* text = nullptr;
   Conversion* conversion = nullptr;
 
-  Value of(const Value& raw) const {
+  Conversion::Effect ofNumbers() const {
     if (text != nullptr) {
-      return *text;
+      return Conversion::Effect::texts;
     }
-    return conversion != nullptr ? conversion->physical(raw) : raw;
+    return conversion == nullptr ? Conversion::Effect::none : conversion->ofNumbers();
+  }
+
+  Conversion::Result of(double number, bool is_integer) const {
+    if (text != nullptr) {
+      return Conversion::Result(text);
+    }
+    return conversion == nullptr ? Conversion::Result() : conversion->of(number, is_integer);
   }
 };
 
 /// A conversion that may lead on to others.
-class ScaleConversion : public NumberConversion {
+class ScaleConversion : public Conversion {
  public:
+  /// @param targets those of the entries, and the default one.
   explicit ScaleConversion(std::vector<Target> targets) : targets_(std::move(targets)) {
     for (const Target& target : targets_) {
+      effect_ = std::max(effect_, target.ofNumbers());
       height_ =
           std::max(height_, target.conversion == nullptr ? 1 : 1 + target.conversion->height());
     }
   }
+
+  Effect ofNumbers() const override { return effect_; }
   std::size_t height() const override { return height_; }
 
- protected:
-  /// The default target comes last.
-  Value target(std::size_t index, const Value& raw) const {
-    return index < targets_.size() ? targets_[index].of(raw) : raw;
+  using Conversion::of;
+  Result of(double number, bool is_integer) final {
+    const std::size_t index = indexOf(number, is_integer);
+    return index < targets_.size() ? targets_[index].of(number, is_integer) : Result();
   }
 
  private:
+  virtual std::size_t indexOf(double number, bool is_integer) const = 0;
+
   std::vector<Target> targets_;
+  Effect effect_ = Effect::none;
   std::size_t height_ = 1;
 };
 
@@ -145,7 +162,9 @@ class ValueToText : public ScaleConversion {
       : ScaleConversion(std::move(targets)), keys_(keys) {}
 
  private:
-  Value of(double number, const Value& raw) override { return target(keys_.find(number), raw); }
+  std::size_t indexOf(double number, bool /*is_integer*/) const override {
+    return keys_.find(number);
+  }
 
   KeyTable keys_;
 };
@@ -156,8 +175,8 @@ class RangeToText : public ScaleConversion {
       : ScaleConversion(std::move(targets)), ranges_(std::move(ranges)) {}
 
  private:
-  Value of(double number, const Value& raw) override {
-    return target(ranges_.find(number, isInteger(raw)), raw);
+  std::size_t indexOf(double number, bool is_integer) const override {
+    return ranges_.find(number, is_integer);
   }
 
   RangeTable ranges_;
@@ -166,8 +185,8 @@ class RangeToText : public ScaleConversion {
 /// A conversion of texts by a table whose default comes last.
 class TextTable : public Conversion {
  public:
-  TextTable(const std::vector<const std::string*>& keys, std::vector<Value> results)
-      : results_(std::move(results)) {
+  TextTable(const std::vector<const std::string*>& keys, std::vector<Result> results, Effect effect)
+      : results_(std::move(results)), effect_(effect) {
     for (std::size_t i = 0; i < keys.size(); ++i) {
       if (keys[i] != nullptr) {
         indices_.try_emplace(*keys[i], i);
@@ -175,22 +194,32 @@ class TextTable : public Conversion {
     }
   }
 
-  Value physical(const Value& raw) override {
-    const auto* text = std::get_if<std::string>(&raw);
-    if (text == nullptr) {
-      return raw;
-    }
-    const auto found = indices_.find(*text);
-    const Value& result = found == indices_.end() ? results_.back() : results_.at(found->second);
-    return isNone(result) ? raw : result;
+  Effect ofTexts() const override { return effect_; }
+
+  using Conversion::of;
+  Result of(const std::string& text) override {
+    const auto found = indices_.find(text);
+    return found == indices_.end() ? results_.back() : results_.at(found->second);
   }
 
  private:
   std::map<std::string, std::size_t> indices_;
-  std::vector<Value> results_;  ///< without a value where the text stays
+  std::vector<Result> results_;
+  Effect effect_;
 };
 
 }  // namespace
+
+Conversion::Result Conversion::of(double /*number*/, bool /*is_integer*/) { return {}; }
+
+Conversion::Result Conversion::of(const std::string& /*text*/) { return {}; }
+
+void Conversion::convert(double* numbers, std::size_t count, bool is_integer) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const Result result = of(numbers[i], is_integer);
+    numbers[i] = result.kind == Result::number ? result.real : numbers[i];
+  }
+}
 
 /// Makes the conversion of one block.
 class ConversionMaker {
@@ -371,22 +400,26 @@ std::unique_ptr<Conversion> ConversionMaker::textToValue() {
   for (std::size_t i = 0; i < std::min(references_.size(), values_.size() - 1); ++i) {
     keys.push_back(all_.textAt(references_[i]));
   }
-  return std::make_unique<TextTable>(keys, std::vector<Value>(values_.begin(), values_.end()));
+  std::vector<Conversion::Result> results;
+  for (const double value : values_) {
+    results.emplace_back(value);
+  }
+  return std::make_unique<TextTable>(keys, std::move(results), Conversion::Effect::numbers);
 }
 
 std::unique_ptr<Conversion> ConversionMaker::textToText() {
   std::vector<const std::string*> keys;
-  std::vector<Value> results;
+  std::vector<Conversion::Result> results;
   const auto result = [&](std::uint64_t reference) {
     const std::string* text = all_.textAt(reference);
-    results.push_back(text == nullptr ? Value() : Value(*text));
+    results.push_back(text == nullptr ? Conversion::Result() : Conversion::Result(text));
   };
   for (std::size_t i = 0; i + 1 < references_.size(); i += 2) {
     keys.push_back(all_.textAt(references_[i]));
     result(references_[i + 1]);
   }
   result(references_.size() % 2 == 0 ? 0 : references_.back());
-  return std::make_unique<TextTable>(keys, std::move(results));
+  return std::make_unique<TextTable>(keys, std::move(results), Conversion::Effect::texts);
 }
 
 Conversion* Conversions::at(std::uint64_t offset) {

@@ -11,7 +11,6 @@
 #include "../blocks/finding.h"
 #include "../bytes/input_file.h"
 #include "../bytes/work_budget.h"
-#include "value.h"
 
 namespace mdf_reader {
 
@@ -40,8 +39,35 @@ class Conversion {
   Conversion(const Conversion&) = delete;
   Conversion& operator=(const Conversion&) = delete;
 
-  /// The physical value. A raw value of a kind that the conversion does not take stays as it is.
-  virtual Value physical(const Value& raw) = 0;
+  /// What becomes of all values of a kind.
+  enum class Effect {
+    none,     ///< they stay as they are
+    numbers,  ///< numbers, as far as the conversion knows them
+    texts,    ///< texts, and numbers
+  };
+  virtual Effect ofNumbers() const { return Effect::none; }
+  virtual Effect ofTexts() const { return Effect::none; }
+
+  /// What becomes of one value.
+  struct Result {
+    enum Kind { unchanged, number, text };
+    Kind kind = unchanged;
+    double real = 0;                          ///< a number
+    const std::string* characters = nullptr;  ///< a text, which lasts as long as the conversions
+
+    Result() = default;
+    explicit Result(double value) : kind(number), real(value) {}
+    explicit Result(const std::string* value) : kind(text), characters(value) {}
+  };
+
+  /// The physical value of a raw number.
+  /// @param is_integer whether it is stored as one: it decides where a range ends.
+  virtual Result of(double number, bool is_integer);
+  /// The physical value of a raw text.
+  virtual Result of(const std::string& text);
+
+  /// Turns raw numbers into physical ones. Those whose physical value is none stay as they are.
+  virtual void convert(double* numbers, std::size_t count, bool is_integer);
 
   /// How deep conversions are nested, including this one.
   virtual std::size_t height() const { return 1; }

@@ -19,7 +19,7 @@
 #include "printing/listing.h"
 #include "printing/tree_text.h"
 #include "reader/bytes/input_file.h"
-#include "reader/values/table.h"
+#include "reader/columns/tables.h"
 #include "tools/samples/sample.h"
 
 using namespace mdf_tests;
@@ -33,32 +33,6 @@ namespace {
 /// How many records the channel groups have, by their offsets: a number, or null where it is not
 /// known.
 using Counts = std::map<std::uint64_t, Json>;
-
-/// Asks for every value, as whoever writes them down, and counts the samples of each group.
-class Reader : public mdf_reader::TableVisitor {
- public:
-  void begin(mdf_reader::Table& table) override {
-    if (!table.group().element) {
-      counts_[table.group().offset] = 0;
-    }
-  }
-  bool sample(mdf_reader::Table& table, const mdf_reader::Sample& sample) override {
-    if (!table.group().element) {
-      Json& count = counts_[table.group().offset];
-      count = count.get<std::uint64_t>() + 1;
-    }
-    for (mdf_reader::Column& column : table.columns()) {
-      column.value(sample);
-    }
-    return true;
-  }
-  void end() override {}
-
-  const Counts& counts() const { return counts_; }
-
- private:
-  Counts counts_;
-};
 
 std::string lineOf(const Finding& finding) {
   return std::string(mdf_reader::textOf(finding.code).word) + " at " +
@@ -102,11 +76,22 @@ mdf_reader::FindingSink into(Findings& findings) {
   };
 }
 
+/// Reads every value, as whoever writes them down, and counts the samples of each group.
 Findings exported(InputFile& file) {
   Findings findings;
-  Reader reader;
-  visitTables(file, {}, reader, into(findings), [](const std::string& /*note*/) {});
-  findings.counts = reader.counts();
+  const mdf_reader::FindingSink report = into(findings);
+  const mdf_reader::NoteSink note = [](const std::string& /*text*/) {};
+  const mdf_reader::Query query;
+  mdf_reader::Tables tables(file, query, report, note);
+  while (mdf_reader::Table* const table = tables.next()) {
+    std::uint64_t count = 0;
+    while (const mdf_reader::Batch* const batch = table->next()) {
+      count += batch->rows();
+    }
+    if (!table->group().element) {
+      findings.counts[table->group().offset] = count;
+    }
+  }
   return findings;
 }
 

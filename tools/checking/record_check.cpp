@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "mdf_v4_10.h"
+#include "reader/columns/tables.h"
 #include "reader/data/records.h"
-#include "reader/values/raw_value.h"
-#include "reader/values/table.h"
+#include "reader/values/raw_type.h"
 
 namespace mdf_tools {
 

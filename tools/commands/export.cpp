@@ -67,7 +67,7 @@ Exit code: 0 fine, 1 problems found in the file, 2 wrong arguments or unreadable
 
 struct Request {
   std::shared_ptr<std::vector<std::string>> paths;
-  std::shared_ptr<Selection> selection;
+  std::shared_ptr<Query> query;
   std::string output;
   std::string format = "csv";
   bool with_empty = false;
@@ -160,7 +160,8 @@ class Destination {
   bool hasFailed() const { return has_failed_; }
 
   /// Where a table of an input file goes; the previous table has ended.
-  std::ostream* next(const std::string& path, const Table& table, std::ostream& standard_output) {
+  std::ostream* next(const std::string& path, const ChannelGroup& group,
+                     std::ostream& standard_output) {
     if (!request_.isToFolder()) {
       std::ostream& out = file_ == nullptr ? standard_output : file_->out();
       if (!std::exchange(is_first_, false) && request_.format == "csv") {
@@ -169,7 +170,7 @@ class Destination {
       return &out;
     }
     close();
-    const std::string name = stemOf(path) + '.' + labelOf(table.group()) + '.' + request_.format;
+    const std::string name = stemOf(path) + '.' + labelOf(group) + '.' + request_.format;
     file_ = std::make_unique<TableFile>((std::filesystem::path(request_.output) / name).string());
     return file_->isOpen() ? &file_->out() : nullptr;
   }
@@ -188,31 +189,49 @@ class Destination {
   bool has_failed_ = false;
 };
 
-std::unique_ptr<TableVisitor> writerOf(const std::string& format, const std::string& file,
-                                       TableOutput output) {
+std::unique_ptr<TableWriter> writerOf(const std::string& format, const std::string& file) {
   if (format == "csv") {
-    return std::make_unique<CsvWriter>(std::move(output));
+    return std::make_unique<CsvWriter>();
   }
-  return std::make_unique<JsonLinesWriter>(std::move(output), file);
+  return std::make_unique<JsonLinesWriter>(file);
+}
+
+/// Writes a table whose first batch, if any, has been read.
+void writeTable(Table& table, const Batch* batch, TableWriter& writer, std::ostream& out) {
+  std::string text;
+  writer.begin(table.head(), text);
+  for (; batch != nullptr && out.good(); batch = table.next()) {
+    constexpr std::size_t at_once = 1024;
+    for (std::size_t row = 0; row < batch->rows(); row += at_once) {
+      writer.addRows(*batch, row, std::min(row + at_once, batch->rows()), text);
+      out.write(text.data(), static_cast<std::streamsize>(text.size()));
+      text.clear();
+    }
+  }
+  out.write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
 /// Writes the tables of one file; returns how many there are.
 std::size_t writeTables(const Request& request, const FileContext& context,
                         Destination& destination) {
-  const auto writer = writerOf(request.format, context.file.name(), [&](const Table& table) {
-    return destination.next(context.path, table, context.out);
-  });
-  FilledTables filled(*writer);
-  TableVisitor& visitor = request.with_empty ? *writer : filled;
+  const auto writer = writerOf(request.format, context.file.name());
   const NoteSink note = notesOf(context);
-  const std::size_t count =
-      visitTables(context.file, *request.selection, visitor, context.report, note);
-  if (filled.leftOut() > 0) {
-    note(std::to_string(filled.leftOut()) +
-         (filled.leftOut() == 1 ? " table without samples is" : " tables without samples are") +
+  Tables tables(context.file, *request.query, context.report, note);
+  std::size_t left_out = 0;
+  while (Table* const table = tables.next()) {
+    const Batch* const first = table->next();
+    if (first == nullptr && !request.with_empty) {
+      ++left_out;
+    } else if (std::ostream* out = destination.next(context.path, table->group(), context.out)) {
+      writeTable(*table, first, *writer, *out);
+    }
+  }
+  if (left_out > 0) {
+    note(std::to_string(left_out) +
+         (left_out == 1 ? " table without samples is" : " tables without samples are") +
          " left out; --empty writes such tables, too");
   }
-  return count;
+  return tables.count();
 }
 
 /// Whether the output would overwrite one of the files that are to be read.
@@ -253,8 +272,8 @@ int run(const Request& request) {
   int exit_code = exit_fine;
   const int reading = onEachFile(*request.paths, [&](const FileContext& context) {
     const std::size_t count = writeTables(request, context, destination);
-    if (count == 0 && !(request.selection->channels.empty() && request.selection->group.empty())) {
-      notesOf(context)(nothingChosen(*request.selection));
+    if (count == 0 && !(request.query->channels.empty() && request.query->group.empty())) {
+      notesOf(context)(nothingChosen(*request.query));
       exit_code = exit_problem;
     }
   });
@@ -280,7 +299,7 @@ void addExportCommand(CLI::App& app, int& exit_code) {
       ->add_flag_callback(
           "--json", [request] { request->format = "jsonl"; }, "The same as --format jsonl")
       ->excludes(format);
-  request->selection = addSelectionOptions(*command, false);
+  request->query = addSelectionOptions(*command, false);
   command->add_flag("--empty", request->with_empty, "Write tables without samples, too");
   command->footer(footer);
   command->callback([request, &exit_code] { exit_code = run(*request); });

@@ -44,7 +44,7 @@ Exit code: 0 fine, 1 problems found in the file or no picture, 2 wrong arguments
 
 struct Request {
   std::vector<std::string> paths;
-  std::shared_ptr<Selection> selection;
+  std::shared_ptr<Query> query;
   std::string output = "-";
   std::string format;
   bool is_json = false;
@@ -94,14 +94,20 @@ int collect(const Request& request, std::size_t width, std::vector<Curve>& curve
         context.is_one_of_several ? std::filesystem::path(name).filename().string() + ": " : "";
     CurveCollector collector(curves, width, prefix, name);
     const NoteSink note = notesOf(context);
-    const std::size_t count =
-        visitTables(context.file, *request.selection, collector, context.report, note);
+    Tables tables(context.file, *request.query, context.report, note);
+    while (Table* const table = tables.next()) {
+      collector.begin(table->head());
+      const Batch* batch = table->next();
+      while (batch != nullptr && collector.take(*batch)) {
+        batch = table->next();
+      }
+    }
     if (collector.leftOut() > 0) {
       note("a picture has room for " + std::to_string(CurveCollector::most_curves) + " channels; " +
            std::to_string(collector.leftOut()) + " more are left out");
     }
-    if (count == 0) {
-      note(nothingChosen(*request.selection));
+    if (tables.count() == 0) {
+      note(nothingChosen(*request.query));
       exit_code = exit_problem;
     }
   });
@@ -177,7 +183,8 @@ void addPlotCommand(CLI::App& app, int& exit_code) {
   const auto request = std::make_shared<Request>();
   command->add_option("FILE", request->paths, "The measurement files; - is standard input")
       ->type_name("");
-  request->selection = addSelectionOptions(*command, true);
+  request->query = addSelectionOptions(*command, true);
+  request->query->numbers = true;
   command->get_option("--channel")->required();
   CLI::Option* output = command
                             ->add_option("-o,--output", request->output,
@@ -192,7 +199,7 @@ void addPlotCommand(CLI::App& app, int& exit_code) {
       ->excludes(format);
   command->footer(footer);
   command->callback([request, &exit_code] {
-    std::vector<std::string>& channels = request->selection->channels;
+    std::vector<std::string>& channels = request->query->channels;
     if (request->paths.empty() && channels.size() > 1) {
       // The file is the last word of "--channel GLOB FILE".
       request->paths.push_back(channels.back());

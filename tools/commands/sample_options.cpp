@@ -8,39 +8,38 @@
 
 namespace mdf_tools {
 
-std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_several) {
-  auto selection = std::make_shared<Selection>();
+std::shared_ptr<Query> addSelectionOptions(CLI::App& command, bool takes_several) {
+  auto query = std::make_shared<Query>();
   command
-      .add_option("-c,--channel", selection->channels,
+      .add_option("-c,--channel", query->channels,
                   "Channels whose name matches a pattern with *, ? and [...]; may be repeated")
       ->type_name("GLOB")
       ->allow_extra_args(takes_several);
-  addGroupOption(command, selection->group);
-  command.add_option("--from", selection->from, "Samples from this time (master value) on")
+  addGroupOption(command, query->group);
+  command.add_option("--from", query->from, "Samples from this time (master value) on")
       ->type_name("T")
       ->check(isNumber());
-  command.add_option("--to", selection->to, "Samples up to this time (master value)")
+  command.add_option("--to", query->to, "Samples up to this time (master value)")
       ->type_name("T")
       ->check(isNumber());
-  command.parse_complete_callback([selection] {
-    if (selection->from && selection->to && *selection->from > *selection->to) {
+  command.parse_complete_callback([query] {
+    if (query->from && query->to && *query->from > *query->to) {
       throw CLI::ValidationError("--from is after --to");
     }
   });
-  command.add_flag("--raw", selection->is_raw, "Values as they are stored, without conversions");
-  return selection;
+  command.add_flag("--raw", query->raw, "Values as they are stored, without conversions");
+  return query;
 }
 
-std::string nothingChosen(const Selection& selection) {
-  if (selection.channels.empty()) {
-    return noGroupChosen(selection.group);
+std::string nothingChosen(const Query& query) {
+  if (query.channels.empty()) {
+    return noGroupChosen(query.group);
   }
   std::string sentence = "no channel matches";
-  for (const std::string& pattern : selection.channels) {
+  for (const std::string& pattern : query.channels) {
     sentence += " \"" + pattern + '"';
   }
-  return sentence +
-         (selection.group.empty() ? "" : " in a channel group \"" + selection.group + '"');
+  return sentence + (query.group.empty() ? "" : " in a channel group \"" + query.group + '"');
 }
 
 NoteSink notesOf(const FileContext& context) {

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "reader/values/table.h"
+#include "reader/columns/tables.h"
 
 namespace CLI {
 class App;
@@ -19,10 +19,10 @@ using namespace mdf_reader;
 
 /// Adds the options that choose samples: --channel, --group, --from, --to, --raw.
 /// @param takes_several whether one --channel may be followed by several patterns.
-std::shared_ptr<Selection> addSelectionOptions(CLI::App& command, bool takes_several);
+std::shared_ptr<Query> addSelectionOptions(CLI::App& command, bool takes_several);
 
 /// "no channel matches ...", for a file that has none of the samples that are wanted.
-std::string nothingChosen(const Selection& selection);
+std::string nothingChosen(const Query& query);
 
 /// Says notes about a file on standard error.
 NoteSink notesOf(const FileContext& context);

@@ -7,8 +7,6 @@
 #include <string_view>
 #include <utility>
 
-#include "reader/values/value.h"
-
 namespace mdf_tools {
 
 using namespace mdf_reader;
@@ -19,16 +17,6 @@ constexpr double no_number = std::numeric_limits<double>::quiet_NaN();
 
 std::string labelOf(const std::string& name, const std::string& unit) {
   return unit.empty() ? name : name + " [" + unit + ']';
-}
-
-/// The number to draw for a value: for a text, the one that it stands for in the file.
-double drawnNumber(Column& column, const Sample& sample) {
-  const Value value = column.value(sample);
-  auto number = numberOf(value);
-  if (!number && std::holds_alternative<std::string>(value)) {
-    number = numberOf(column.raw(sample));
-  }
-  return number.value_or(no_number);
 }
 
 /// A text, cut to the room that there is.
@@ -93,7 +81,7 @@ class Range {
  private:
   static std::string number(double value) {
     std::string text;
-    appendText(value, text);
+    printNumber(value, text);
     return text;
   }
 
@@ -143,7 +131,7 @@ class Script {
 
 std::string number(double value) {
   std::string text;
-  appendText(value, text);
+  printNumber(value, text);
   return text;
 }
 
@@ -264,28 +252,31 @@ void Script::panel(std::size_t index) {
 
 }  // namespace
 
-void CurveCollector::begin(Table& table) {
+void CurveCollector::begin(const TableHead& table) {
   first_ = curves_.size();
-  const std::vector<Column>& columns = table.columns();
+  const std::vector<ColumnHead>& columns = table.columns;
   const std::string x_label =
-      table.hasMaster() ? labelOf(columns[0].name(), columns[0].unit()) : "sample";
-  for (std::size_t i = table.hasMaster() ? 1 : 0; i < columns.size(); ++i) {
+      table.has_master ? labelOf(columns[0].name, columns[0].unit) : "sample";
+  for (std::size_t i = table.has_master ? 1 : 0; i < columns.size(); ++i) {
     if (curves_.size() >= most_curves) {
       left_out_ += columns.size() - i;
       return;
     }
-    curves_.push_back({prefix_ + columns[i].name(), columns[i].unit(), x_label, Decimator(columns_),
-                       file_, columns[i].name()});
+    curves_.push_back({prefix_ + columns[i].name, columns[i].unit, x_label, Decimator(columns_),
+                       file_, columns[i].name});
   }
 }
 
-bool CurveCollector::sample(Table& table, const Sample& sample) {
-  std::vector<Column>& columns = table.columns();
-  const std::size_t first_column = table.hasMaster() ? 1 : 0;
-  const double x =
-      table.hasMaster() ? drawnNumber(columns[0], sample) : static_cast<double>(sample.number);
+bool CurveCollector::take(const Batch& batch) {
+  const bool has_master = batch.head().has_master;
+  const std::size_t first_column = has_master ? 1 : 0;
   for (std::size_t i = first_; i < curves_.size(); ++i) {
-    curves_[i].points.add(x, drawnNumber(columns[first_column + i - first_], sample));
+    const ColumnData& values = batch.column(first_column + i - first_);
+    for (std::size_t row = 0; row < batch.rows(); ++row) {
+      const double x =
+          has_master ? batch.column(0).real(row) : static_cast<double>(batch.firstRecord() + row);
+      curves_[i].points.add(x, values.real(row));
+    }
   }
   return first_ < curves_.size();
 }

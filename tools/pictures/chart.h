@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "decimator.h"
-#include "reader/values/table.h"
+#include "reader/columns/batch.h"
 
 namespace mdf_tools {
 
@@ -22,9 +22,8 @@ struct Curve {
   std::string channel{};  ///< its name there
 };
 
-/// Collects the curves of a chart from tables. Text values are drawn as the numbers that stand for
-/// them in the file, if there are any.
-class CurveCollector : public TableVisitor {
+/// Collects the curves of a chart from tables.
+class CurveCollector {
  public:
   /// @param columns of the picture.
   /// @param prefix stands in front of the curves' names.
@@ -32,9 +31,10 @@ class CurveCollector : public TableVisitor {
                  std::string file = {})
       : curves_(curves), columns_(columns), prefix_(std::move(prefix)), file_(std::move(file)) {}
 
-  void begin(Table& table) override;
-  bool sample(Table& table, const Sample& sample) override;
-  void end() override {}
+  /// Begins a table. Its batches come next.
+  void begin(const TableHead& table);
+  /// Says whether it wants more.
+  bool take(const Batch& batch);
 
   /// More curves than this are left out.
   static constexpr std::size_t most_curves = 64;

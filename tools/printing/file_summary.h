@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "reader/blocks/finding.h"
+#include "reader/columns/axis_spans.h"
 #include "reader/data/record_facts.h"
 #include "reader/model/description.h"
 #include "reader/model/properties.h"
-#include "reader/values/axis_spans.h"
 
 namespace mdf_reader {
 class InputFile;

@@ -6,8 +6,6 @@
 #include <cmath>
 #include <cstdio>
 #include <string_view>
-#include <utility>
-#include <variant>
 
 #include "json_output.h"
 #include "reader/values/text_encoding.h"
@@ -48,128 +46,112 @@ void addJsonString(std::string_view text, std::string& line) {
   line += '"';
 }
 
-bool isJsonNumber(const Value& value) {
-  const auto* real = std::get_if<double>(&value);
-  return real != nullptr ? std::isfinite(*real)
-                         : std::holds_alternative<std::uint64_t>(value) ||
-                               std::holds_alternative<std::int64_t>(value);
-}
-
-void addJson(const Value& value, std::string& line) {
-  if (isNone(value)) {
-    line += "null";
-  } else if (isJsonNumber(value)) {
-    appendText(value, line);
+void addJsonNumber(const ColumnData& column, std::size_t row, std::string& line) {
+  if (isInteger(column.type()) || std::isfinite(column.real(row))) {
+    column.print(row, line);
   } else {
-    std::string text;
-    appendText(value, text);
-    addJsonString(text, line);
+    line += '"';
+    column.print(row, line);
+    line += '"';
   }
 }
 
-bool write(std::ostream& out, std::string& line) {
-  line += '\n';
-  out.write(line.data(), static_cast<std::streamsize>(line.size()));
-  return out.good();
+void addJson(const ColumnData& column, std::size_t row, std::string& line) {
+  if (!column.isValid(row)) {
+    line += "null";
+  } else if (isNumber(column.type())) {
+    addJsonNumber(column, row, line);
+  } else if (column.type() == ColumnType::text) {
+    addJsonString(column.text(row), line);
+  } else {
+    line += '"';
+    column.print(row, line);
+    line += '"';
+  }
+}
+
+void addField(std::string_view field, std::string& line) {
+  if (needsQuotes(field)) {
+    addQuoted(field, line);
+  } else {
+    line += field;
+  }
+  line += ',';
+}
+
+/// Ends a line, from its beginning on, whose fields have a comma after each.
+void endLine(std::size_t begin, std::string& text) {
+  text.pop_back();
+  if (text.size() == begin) {
+    text += "\"\"";  // an empty line would be the end of the table
+  }
+  text += '\n';
 }
 
 }  // namespace
 
-bool FilledTables::sample(Table& table, const Sample& sample) {
-  if (!std::exchange(has_samples_, true)) {
-    next_.begin(table);
+void CsvWriter::begin(const TableHead& table, std::string& text) {
+  const std::size_t begin = text.size();
+  for (const ColumnHead& column : table.columns) {
+    addField(column.unit.empty() ? column.name : column.name + " [" + column.unit + ']', text);
   }
-  return next_.sample(table, sample);
+  endLine(begin, text);
 }
 
-void FilledTables::end() {
-  if (has_samples_) {
-    next_.end();
-  } else {
-    ++left_out_;
+void CsvWriter::addRows(const Batch& batch, std::size_t begin, std::size_t end,
+                        std::string& text) const {
+  for (std::size_t row = begin; row < end; ++row) {
+    const std::size_t line = text.size();
+    for (std::size_t i = 0; i < batch.columnCount(); ++i) {
+      const ColumnData& column = batch.column(i);
+      if (column.type() == ColumnType::text && column.isValid(row)) {
+        addField(column.text(row), text);
+      } else {
+        column.print(row, text);
+        text += ',';
+      }
+    }
+    endLine(line, text);
   }
 }
 
-void CsvWriter::begin(Table& table) {
-  out_ = output_(table);
-  line_.clear();
-  for (const Column& column : table.columns()) {
-    addField(column.unit().empty() ? column.name() : column.name() + " [" + column.unit() + ']');
-  }
-  writeLine();
-}
-
-bool CsvWriter::sample(Table& table, const Sample& sample) {
-  line_.clear();
-  for (Column& column : table.columns()) {
-    field_.clear();
-    appendText(column.value(sample), field_);
-    addField(field_);
-  }
-  return writeLine();
-}
-
-void CsvWriter::addField(const std::string& text) {
-  if (needsQuotes(text)) {
-    addQuoted(text, line_);
-  } else {
-    line_ += text;
-  }
-  line_ += ',';
-}
-
-bool CsvWriter::writeLine() {
-  if (out_ == nullptr) {
-    return false;
-  }
-  line_.pop_back();
-  if (line_.empty()) {
-    line_ = "\"\"";  // an empty line would be the end of the table
-  }
-  return write(*out_, line_);
-}
-
-void JsonLinesWriter::begin(Table& table) {
-  out_ = output_(table);
-  if (out_ == nullptr) {
-    return;
-  }
+void JsonLinesWriter::begin(const TableHead& table, std::string& text) {
+  const ChannelGroup& group = *table.group;
   beginning_ = "{\"schema\":" + std::to_string(json_schema) + ",\"file\":";
   addJsonString(fromUtf8(file_), beginning_);
-  beginning_ += ",\"group\":" + std::to_string(table.group().index);
-  if (table.group().element) {
-    beginning_ += ",\"element\":" + std::to_string(*table.group().element);
+  beginning_ += ",\"group\":" + std::to_string(group.index);
+  if (group.element) {
+    beginning_ += ",\"element\":" + std::to_string(*group.element);
   }
-  line_ = beginning_ + ",\"name\":";
-  addJsonString(fromUtf8(table.group().name.substr(0, 1024)), line_);
-  line_ += ",\"columns\":[";
+  text += beginning_ + ",\"name\":";
+  addJsonString(fromUtf8(group.name.substr(0, 1024)), text);
+  text += ",\"columns\":[";
   names_.clear();
-  for (const Column& column : table.columns()) {
+  for (const ColumnHead& column : table.columns) {
     names_.emplace_back();
-    addJsonString(column.name(), names_.back());
-    line_ += "{\"name\":" + names_.back() + ",\"unit\":";
-    addJsonString(column.unit(), line_);
-    line_ += "},";
+    addJsonString(column.name, names_.back());
+    text += "{\"name\":" + names_.back() + ",\"unit\":";
+    addJsonString(column.unit, text);
+    text += "},";
   }
-  line_.back() = ']';
-  line_ += '}';
-  write(*out_, line_);
+  text.back() = ']';
+  text += "}\n";
 }
 
-bool JsonLinesWriter::sample(Table& table, const Sample& sample) {
-  if (out_ == nullptr) {
-    return false;
+void JsonLinesWriter::addRows(const Batch& batch, std::size_t begin, std::size_t end,
+                              std::string& text) const {
+  for (std::size_t row = begin; row < end; ++row) {
+    text += beginning_;
+    text += ",\"values\":{";
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+      text += names_[i];
+      text += ':';
+      addJson(batch.column(i), row, text);
+      text += ',';
+    }
+    text.back() = '}';
+    text += "}\n";
   }
-  line_ = beginning_ + ",\"values\":{";
-  for (std::size_t i = 0; i < names_.size(); ++i) {
-    line_ += names_[i];
-    line_ += ':';
-    addJson(table.columns()[i].value(sample), line_);
-    line_ += ',';
-  }
-  line_.back() = '}';
-  line_ += '}';
-  return write(*out_, line_);
 }
 
 }  // namespace mdf_tools

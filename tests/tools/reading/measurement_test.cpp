@@ -43,16 +43,21 @@ FileBuilder twoGroups(const std::string& file_word = "MDF     ", std::uint64_t c
 }
 
 /// "group number: name=text unit, ..." a line for each row.
-std::string rowsOf(const Measurement& measurement, const Selection& selection) {
+std::string rowsOf(const Measurement& measurement, const Query& query) {
   std::string lines;
-  measurement.forEachRow(selection, [&](const Row& row) {
-    lines += std::string(row.group().name) + ' ' + std::to_string(row.number()) + ':';
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      lines += ' ' + row.name(i) + '=' + row.text(i) + row.unit(i);
+  Batches batches = measurement.read(query);
+  while (const Batch* const batch = batches.next()) {
+    for (std::size_t row = 0; row < batch->rows(); ++row) {
+      lines +=
+          std::string(batch->group().name) + ' ' + std::to_string(batch->firstRecord() + row) + ':';
+      for (std::size_t i = 0; i < batch->columnCount(); ++i) {
+        lines += ' ' + batch->name(i) + '=';
+        batch->column(i).print(row, lines);
+        lines += batch->unit(i);
+      }
+      lines += '\n';
     }
-    lines += '\n';
-    return true;
-  });
+  }
   return lines;
 }
 
@@ -105,48 +110,62 @@ TEST(Measurement, MembersHaveTheNameOfTheirStructureToo) {
 TEST(Measurement, RowsHavePhysicalValuesAfterTheMasters) {
   const TempFile temp(twoGroups().bytes());
   const Measurement measurement(temp.path());
-  EXPECT_EQ(rowsOf(measurement, {{"speed"}, {}, {}, {}, false}),
+  EXPECT_EQ(rowsOf(measurement, {{"speed"}, {}, {}, {}}),
             "engine 0: time=0s speed=5m/s\n"
             "engine 1: time=0.25s speed=5.5m/s\n"
             "engine 2: time=0.5s speed=6m/s\n");
   EXPECT_EQ(rowsOf(measurement, {{"speed"}, {}, 0.2, 0.3, true}),
             "engine 1: time=0.25s speed=11m/s\n");
-  EXPECT_EQ(rowsOf(measurement, {{}, "tank", {}, {}, false}), "tank 0: level=7\ntank 1: level=8\n");
-  std::vector<double> speeds;
-  EXPECT_EQ(measurement.forEachRow({{"speed"}, {}, {}, {}, false},
-                                   [&](const Row& row) {
-                                     speeds.push_back(row.real(1));
-                                     return speeds.size() < 2;
-                                   }),
-            1U);
-  EXPECT_EQ(speeds, (std::vector<double>{5, 5.5}));
-  EXPECT_EQ(
-      measurement.forEachRow({{"nothing"}, {}, {}, {}, false}, [](const Row&) { return true; }),
-      0U);
+  EXPECT_EQ(rowsOf(measurement, {{}, "tank", {}, {}}), "tank 0: level=7\ntank 1: level=8\n");
+  EXPECT_EQ(rowsOf(measurement, {{"nothing"}, {}, {}, {}}), "");
 }
 
-TEST(Measurement, VisitEndsForAllGroups) {
+TEST(Measurement, BatchesHaveColumnsOfTheTypesThatAreStored) {
   const TempFile temp(twoGroups().bytes());
-  int rows = 0;
-  Measurement(temp.path()).forEachRow({}, [&](const Row&) { return ++rows < 1; });
-  EXPECT_EQ(rows, 1);
+  Batches batches = Measurement(temp.path()).read({});  // reads on without the measurement
+  const Batch* batch = batches.next();
+  ASSERT_NE(batch, nullptr);
+  ASSERT_EQ(batch->rows(), 3U);
+  ASSERT_EQ(batch->columnCount(), 2U);
+  EXPECT_TRUE(batch->head().has_master);
+  const auto* const speed = batch->column(1).values<double>();
+  ASSERT_NE(speed, nullptr);
+  EXPECT_EQ(std::vector<double>(speed, speed + 3), (std::vector<double>{5, 5.5, 6}));
+  EXPECT_EQ(batch->column(1).values<float>(), nullptr);
+  Batches moved = std::move(batches);
+  batch = moved.next();
+  ASSERT_NE(batch, nullptr);
+  ASSERT_EQ(batch->rows(), 2U);
+  const auto* const level = batch->column(0).values<std::uint8_t>();
+  ASSERT_NE(level, nullptr);
+  EXPECT_EQ(std::vector<int>(level, level + 2), (std::vector<int>{7, 8}));
+  EXPECT_EQ(moved.next(), nullptr);
 }
 
-TEST(Measurement, WhatIsNoNumberIsNotANumber) {
+TEST(Measurement, BatchesAreAsLongAsWanted) {
+  const TempFile temp(twoGroups().bytes());
+  Query query;
+  query.batch_rows = 2;
+  Batches batches = Measurement(temp.path()).read(query);
+  std::string sizes;
+  while (const Batch* const batch = batches.next()) {
+    sizes += std::to_string(batch->firstRecord()) + '+' + std::to_string(batch->rows()) + ' ';
+  }
+  EXPECT_EQ(sizes, "0+2 2+1 0+2 ");
+}
+
+TEST(Measurement, TextsAreNoNumbers) {
   FileBuilder builder;
   ChannelSpec text{0, 0, 7, 0, 0, 16};
   text.name = "text";
   builder.addSortedGroup({1, 2}, {text}, builder.addData("ab"));
   const TempFile temp(builder.bytes());
-  const Measurement measurement(temp.path());
-  int rows = 0;
-  measurement.forEachRow({}, [&](const Row& row) {
-    EXPECT_EQ(row.value(0), Value(std::string("ab")));
-    EXPECT_TRUE(std::isnan(row.real(0)));
-    ++rows;
-    return true;
-  });
-  EXPECT_EQ(rows, 1);
+  Batches batches = Measurement(temp.path()).read({});
+  const Batch* const batch = batches.next();
+  ASSERT_NE(batch, nullptr);
+  EXPECT_EQ(batch->column(0).type(), ColumnType::text);
+  EXPECT_EQ(batch->column(0).text(0), "ab");
+  EXPECT_TRUE(std::isnan(batch->column(0).real(0)));
 }
 
 TEST(Measurement, RecordsAsStored) {

@@ -7,6 +7,7 @@
 
 #include "exported.h"
 #include "reader/bytes/input_file.h"
+#include "reader/columns/tables.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
@@ -24,10 +25,19 @@ std::vector<Curve> curvesOf(const FileBuilder& contents, std::size_t* left_out =
   mdf_reader::InputFile file(path.path());
   std::vector<Curve> curves;
   CurveCollector collector(curves, 100, "");
-  mdf_reader::visitTables(
-      file, {}, collector,
-      [](const mdf_reader::Finding& finding) { ADD_FAILURE() << finding.sentence; },
-      [](const std::string& /*note*/) {});
+  mdf_reader::Query query;
+  query.numbers = true;
+  const mdf_reader::FindingSink report = [](const mdf_reader::Finding& finding) {
+    ADD_FAILURE() << finding.sentence;
+  };
+  const mdf_reader::NoteSink note = [](const std::string& /*text*/) {};
+  mdf_reader::Tables tables(file, query, report, note);
+  while (mdf_reader::Table* const table = tables.next()) {
+    collector.begin(table->head());
+    while (const mdf_reader::Batch* const batch = table->next()) {
+      collector.take(*batch);
+    }
+  }
   if (left_out != nullptr) {
     *left_out = collector.leftOut();
   }

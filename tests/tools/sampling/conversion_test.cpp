@@ -7,6 +7,7 @@
 
 #include "exported.h"
 #include "reader/bytes/input_file.h"
+#include "reader/columns/column_data.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_reader;
@@ -28,16 +29,32 @@ class Converted {
   bool isNone() const { return conversion_ == nullptr; }
   const std::vector<std::string>& findings() const { return findings_; }
 
-  std::string of(const Value& raw) {
-    std::string text;
-    appendText(conversion_ == nullptr ? raw : conversion_->physical(raw), text);
-    return text;
+  std::string of(int raw) { return of(raw, true); }
+  std::string of(double raw) { return of(raw, false); }
+  std::string of(const std::string& raw) {
+    return conversion_ == nullptr ? raw : shown(conversion_->of(raw), raw);
   }
-  std::string of(int raw) { return of(Value(std::int64_t{raw})); }
-  std::string of(double raw) { return of(Value(raw)); }
-  std::string of(const char* raw) { return of(Value(std::string(raw))); }
 
  private:
+  std::string of(double raw, bool is_integer) {
+    std::string unchanged;
+    printNumber(raw, unchanged);
+    return conversion_ == nullptr ? unchanged : shown(conversion_->of(raw, is_integer), unchanged);
+  }
+
+  static std::string shown(const Conversion::Result& result, const std::string& unchanged) {
+    std::string number;
+    printNumber(result.real, number);
+    switch (result.kind) {
+      case Conversion::Result::number:
+        return number;
+      case Conversion::Result::text:
+        return *result.characters;
+      default:
+        return unchanged;
+    }
+  }
+
   TempFile path_;
   InputFile file_;
   std::vector<std::string> findings_;

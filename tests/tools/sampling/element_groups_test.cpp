@@ -9,7 +9,7 @@
 #include "exported.h"
 
 using namespace mdf_tests;
-using mdf_reader::Selection;
+using mdf_reader::Query;
 
 namespace {
 
@@ -92,9 +92,9 @@ TEST(SplitElements, JsonLinesTellTheElement) {
 }
 
 TEST(SplitElements, PatternsSelectAllOfThem) {
-  Selection selection;
-  selection.channels = {"v"};
-  EXPECT_EQ(healthyCsvOf(idsFile({channel_group, {2}, {2, 1}, {}}), selection),
+  Query query;
+  query.channels = {"v"};
+  EXPECT_EQ(healthyCsvOf(idsFile({channel_group, {2}, {2, 1}, {}}), query),
             "v[0]\n65\n67\n\nv[1]\n66\n");
 }
 

@@ -2,52 +2,69 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "printing/table_writers.h"
 #include "reader/bytes/input_file.h"
+#include "support/allocation_counter.h"
 #include "tools/support/temp_file.h"
 
 namespace mdf_tests {
 
 namespace {
 
-template <class Writer, class... Words>
-Exported exportedBy(const std::string& bytes, const mdf_reader::Selection& selection,
-                    const Words&... words) {
+Exported exportedBy(mdf_tools::TableWriter&& writer, const std::string& bytes,
+                    const mdf_reader::Query& query) {
   const TempFile path(bytes);
   mdf_reader::InputFile file(path.path());
   Exported exported;
-  std::ostringstream out;
-  bool is_first = true;
-  const auto output = [&](const mdf_reader::Table&) {
-    out << (is_first ? "" : "\n");
-    is_first = false;
-    return &out;
+  const mdf_reader::FindingSink report = [&](const mdf_reader::Finding& finding) {
+    exported.findings.push_back(std::to_string(finding.offset) + ": " + finding.sentence);
   };
-  Writer writer(output, words...);
-  mdf_reader::visitTables(
-      file, selection, writer,
-      [&](const mdf_reader::Finding& finding) {
-        exported.findings.push_back(std::to_string(finding.offset) + ": " + finding.sentence);
-      },
-      [&](const std::string& note) { exported.notes.push_back(note); });
-  exported.text = out.str();
+  const mdf_reader::NoteSink note = [&](const std::string& text) {
+    exported.notes.push_back(text);
+  };
+  mdf_reader::Tables tables(file, query, report, note);
+  while (mdf_reader::Table* const table = tables.next()) {
+    exported.text += exported.text.empty() ? "" : "\n";
+    writer.begin(table->head(), exported.text);
+    while (const mdf_reader::Batch* const batch = table->next()) {
+      writer.addRows(*batch, 0, batch->rows(), exported.text);
+    }
+  }
   return exported;
 }
 
 }  // namespace
 
-Exported csvOf(const std::string& bytes, const mdf_reader::Selection& selection) {
-  return exportedBy<mdf_tools::CsvWriter>(bytes, selection);
+Read readThrough(const std::string& path) {
+  mdf_reader::InputFile file(path);
+  Read read;
+  const AllocationMeter meter;
+  const mdf_reader::Query query;
+  const mdf_reader::FindingSink report = [&](const mdf_reader::Finding& /*finding*/) {
+    ++read.findings;
+  };
+  const mdf_reader::NoteSink note = [](const std::string& /*text*/) {};
+  mdf_reader::Tables tables(file, query, report, note);
+  while (mdf_reader::Table* const table = tables.next()) {
+    while (const mdf_reader::Batch* const batch = table->next()) {
+      read.samples += batch->rows();
+      read.values += batch->rows() - batch->column(0).nullCount();
+    }
+  }
+  read.peak_bytes = meter.peakBytes();
+  return read;
 }
 
-Exported jsonOf(const std::string& bytes, const mdf_reader::Selection& selection) {
-  return exportedBy<mdf_tools::JsonLinesWriter>(bytes, selection, "FILE");
+Exported csvOf(const std::string& bytes, const mdf_reader::Query& query) {
+  return exportedBy(mdf_tools::CsvWriter(), bytes, query);
 }
 
-std::string healthyCsvOf(const std::string& bytes, const mdf_reader::Selection& selection) {
-  const Exported exported = csvOf(bytes, selection);
+Exported jsonOf(const std::string& bytes, const mdf_reader::Query& query) {
+  return exportedBy(mdf_tools::JsonLinesWriter("FILE"), bytes, query);
+}
+
+std::string healthyCsvOf(const std::string& bytes, const mdf_reader::Query& query) {
+  const Exported exported = csvOf(bytes, query);
   EXPECT_EQ(exported.findings, std::vector<std::string>());
   return exported.text;
 }

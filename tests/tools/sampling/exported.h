@@ -1,10 +1,12 @@
 #ifndef MDF_TESTS_TOOLS_SAMPLING_EXPORTED_H_
 #define MDF_TESTS_TOOLS_SAMPLING_EXPORTED_H_
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "reader/values/table.h"
+#include "reader/columns/tables.h"
 #include "tools/support/data_blocks.h"
 #include "tools/support/file_builder.h"
 
@@ -24,12 +26,21 @@ struct Exported {
   std::vector<std::string> notes;
 };
 
+/// What it takes to read all values of a file.
+struct Read {
+  std::uint64_t samples = 0;
+  std::uint64_t values = 0;  ///< of the first columns
+  std::size_t findings = 0;
+  std::size_t peak_bytes = 0;  ///< of memory
+};
+Read readThrough(const std::string& path);
+
 /// The tables of a file with these bytes.
-Exported csvOf(const std::string& bytes, const mdf_reader::Selection& selection = {});
-Exported jsonOf(const std::string& bytes, const mdf_reader::Selection& selection = {});
+Exported csvOf(const std::string& bytes, const mdf_reader::Query& query = {});
+Exported jsonOf(const std::string& bytes, const mdf_reader::Query& query = {});
 
 /// The CSV of a file that has nothing wrong with it.
-std::string healthyCsvOf(const std::string& bytes, const mdf_reader::Selection& selection = {});
+std::string healthyCsvOf(const std::string& bytes, const mdf_reader::Query& query = {});
 
 /// Expects a text, and one finding with words in it.
 void expectFinding(const Exported& exported, const std::string& text, const std::string& words);

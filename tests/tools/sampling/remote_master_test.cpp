@@ -1,4 +1,4 @@
-#include "reader/values/remote_master.h"
+#include "reader/columns/remote_master.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_reader::Selection;
+using mdf_reader::Query;
 
 namespace {
 
@@ -41,10 +41,10 @@ std::uint64_t addRemote(FileBuilder& file, const std::string& letters, std::uint
   return group;
 }
 
-Selection onlyGroup(std::size_t group) {
-  Selection selection;
-  selection.group = std::to_string(group);
-  return selection;
+Query onlyGroup(std::size_t group) {
+  Query query;
+  query.group = std::to_string(group);
+  return query;
 }
 
 TEST(RemoteMaster, StandsInFront) {
@@ -66,10 +66,10 @@ TEST(RemoteMaster, StandsInFrontOfJsonLines) {
 TEST(RemoteMaster, LimitsTheRange) {
   FileBuilder file = newFile();
   addRemote(file, "ABCDE", addTimes(file, 5, 5));
-  Selection selection = onlyGroup(1);
-  selection.from = 0.5;
-  selection.to = 1.5;
-  const Exported exported = csvOf(file.bytes(), selection);
+  Query query = onlyGroup(1);
+  query.from = 0.5;
+  query.to = 1.5;
+  const Exported exported = csvOf(file.bytes(), query);
   EXPECT_EQ(exported.text, "time [s],a\n0.5,66\n1,67\n1.5,68\n");
   EXPECT_EQ(exported.notes, std::vector<std::string>());
 }
@@ -77,11 +77,11 @@ TEST(RemoteMaster, LimitsTheRange) {
 TEST(RemoteMaster, StandsInFrontOfWhatPatternsSelect) {
   FileBuilder file = newFile();
   addRemote(file, "AB", addTimes(file, 2, 2));
-  Selection selection;
-  selection.channels = {"a"};
-  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "time [s],a\n0,65\n0.5,66\n");
-  selection.channels = {"time"};  // is a channel of the other group alone
-  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "time [s]\n0\n0.5\n");
+  Query query;
+  query.channels = {"a"};
+  EXPECT_EQ(healthyCsvOf(file.bytes(), query), "time [s],a\n0,65\n0.5,66\n");
+  query.channels = {"time"};  // is a channel of the other group alone
+  EXPECT_EQ(healthyCsvOf(file.bytes(), query), "time [s]\n0\n0.5\n");
 }
 
 TEST(RemoteMaster, IsConvertedUnlessRawValuesAreWanted) {
@@ -94,8 +94,8 @@ TEST(RemoteMaster, IsConvertedUnlessRawValuesAreWanted) {
   file.addDataGroup({group}, file.addData("\1\2"));
   addRemote(file, "AB", group);
   EXPECT_EQ(healthyCsvOf(file.bytes(), onlyGroup(1)), "count,a\n102,65\n104,66\n");
-  Selection raw = onlyGroup(1);
-  raw.is_raw = true;
+  Query raw = onlyGroup(1);
+  raw.raw = true;
   EXPECT_EQ(healthyCsvOf(file.bytes(), raw), "count,a\n1,65\n2,66\n");
 }
 
@@ -120,12 +120,16 @@ TEST(RemoteMaster, IsDrawnOver) {
   mdf_reader::InputFile input(path.path());
   std::vector<mdf_tools::Curve> curves;
   mdf_tools::CurveCollector collector(curves, 100, "");
-  Selection selection;
-  selection.channels = {"a"};
-  mdf_reader::visitTables(
-      input, selection, collector,
-      [](const mdf_reader::Finding& finding) { ADD_FAILURE() << finding.sentence; },
-      [](const std::string& /*note*/) {});
+  Query query;
+  query.channels = {"a"};
+  const mdf_reader::FindingSink report = [](const mdf_reader::Finding& finding) {
+    ADD_FAILURE() << finding.sentence;
+  };
+  const mdf_reader::NoteSink note = [](const std::string& /*text*/) {};
+  mdf_reader::Tables tables(input, query, report, note);
+  while (mdf_reader::Table* const table = tables.next()) {
+    collector.begin(table->head());
+  }
   ASSERT_EQ(curves.size(), 1U);
   EXPECT_EQ(curves[0].x_label, "time [s]");
 }
@@ -204,9 +208,9 @@ TEST(RemoteMaster, InUnsortedData) {
 TEST(RemoteMaster, WithoutAMasterSamplesHaveNoRange) {
   FileBuilder file = newFile();
   addRemote(file, "A", 8);
-  Selection selection;
-  selection.from = 0;
-  const Exported exported = csvOf(file.bytes(), selection);
+  Query query;
+  query.from = 0;
+  const Exported exported = csvOf(file.bytes(), query);
   EXPECT_EQ(exported.text, "");
   EXPECT_EQ(exported.findings.size(), 1U);
   EXPECT_EQ(exported.notes.size(), 1U);
@@ -221,9 +225,9 @@ TEST(RemoteMaster, InLongRecordsHasALimit) {
   for (int i = 0; i < 400; ++i) {
     addRemote(file, "A", group);
   }
-  Selection selection;
-  selection.channels = {"a"};
-  const Exported exported = csvOf(file.bytes(), selection);
+  Query query;
+  query.channels = {"a"};
+  const Exported exported = csvOf(file.bytes(), query);
   const std::string with_time = "time [s],a\n0,65\n";
   const std::string without = "\na\n65\n";
   EXPECT_EQ(exported.text.substr(0, with_time.size()), with_time);
@@ -234,20 +238,6 @@ TEST(RemoteMaster, InLongRecordsHasALimit) {
             std::string::npos);
 }
 
-/// Counts samples.
-class Counter : public mdf_reader::TableVisitor {
- public:
-  void begin(mdf_reader::Table& /*table*/) override {}
-  bool sample(mdf_reader::Table& table, const mdf_reader::Sample& sample) override {
-    const mdf_reader::Value time = table.columns().front().value(sample);
-    count += std::holds_alternative<double>(time) ? 1U : 0U;
-    return true;
-  }
-  void end() override {}
-
-  std::uint64_t count = 0;
-};
-
 TEST(RemoteMaster, MemoryDoesNotGrowWithTheSamples) {
   FileBuilder contents = newFile();
   constexpr std::uint64_t cycles = 400000;
@@ -255,15 +245,10 @@ TEST(RemoteMaster, MemoryDoesNotGrowWithTheSamples) {
   contents.addDataGroup({times}, contents.add("DV", {}, std::string(8 * cycles, '\0')));
   addRemote(contents, std::string(cycles, 'A'), times);
   const TempFile path(contents.bytes());
-  mdf_reader::InputFile file(path.path());
-  Counter counter;
-  const AllocationMeter meter;
-  mdf_reader::visitTables(
-      file, {}, counter,
-      [](const mdf_reader::Finding& finding) { ADD_FAILURE() << finding.sentence; },
-      [](const std::string& /*note*/) {});
-  EXPECT_LT(meter.peakBytes(), 1000000U);
-  EXPECT_EQ(counter.count, 2 * cycles);
+  const Read read = readThrough(path.path());
+  EXPECT_LT(read.peak_bytes, 3000000U);
+  EXPECT_EQ(read.values, 2 * cycles);
+  EXPECT_EQ(read.findings, 0U);
 }
 
 }  // namespace

@@ -1,5 +1,3 @@
-#include "reader/values/table.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
@@ -7,11 +5,12 @@
 
 #include "exported.h"
 #include "reader/bytes/input_file.h"
+#include "reader/columns/tables.h"
 #include "support/allocation_counter.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_reader::Selection;
+using mdf_reader::Query;
 
 namespace {
 
@@ -360,19 +359,6 @@ TEST(Table, VirtualChannelsAlone) {
   EXPECT_EQ(healthyCsvOf(file.bytes()), "index\n0\n1\n2\n");
 }
 
-/// Counts samples.
-class Counter : public mdf_reader::TableVisitor {
- public:
-  void begin(mdf_reader::Table& /*table*/) override {}
-  bool sample(mdf_reader::Table& /*table*/, const mdf_reader::Sample& /*sample*/) override {
-    ++count;
-    return true;
-  }
-  void end() override {}
-
-  std::uint64_t count = 0;
-};
-
 TEST(Table, VirtualChannelsAloneWithACountThatLies) {
   FileBuilder contents;
   ChannelSpec index;
@@ -382,25 +368,9 @@ TEST(Table, VirtualChannelsAloneWithACountThatLies) {
   contents.addDataGroup(
       {contents.addChannelGroup({std::uint64_t{1} << 60U, 0}, {contents.addChannel(index)})}, 0);
   const TempFile path(contents.bytes());
-  mdf_reader::InputFile file(path.path());
-  Counter counter;
-  std::size_t findings = 0;
-  mdf_reader::visitTables(
-      file, {}, counter, [&](const mdf_reader::Finding& /*finding*/) { ++findings; },
-      [](const std::string& /*note*/) {});
-  EXPECT_EQ(counter.count, std::uint64_t{1} << 20U);
-  EXPECT_EQ(findings, 1U);
-}
-
-/// Visits all samples of a file, and returns how many bytes that took at the most.
-std::size_t bytesToVisit(const std::string& path, Counter& counter) {
-  mdf_reader::InputFile file(path);
-  const AllocationMeter meter;
-  mdf_reader::visitTables(
-      file, {}, counter,
-      [](const mdf_reader::Finding& finding) { ADD_FAILURE() << finding.sentence; },
-      [](const std::string& /*note*/) {});
-  return meter.peakBytes();
+  const Read read = readThrough(path.path());
+  EXPECT_EQ(read.samples, std::uint64_t{1} << 20U);
+  EXPECT_EQ(read.findings, 1U);
 }
 
 TEST(Table, MemoryDoesNotGrowWithTheSamples) {
@@ -415,9 +385,10 @@ TEST(Table, MemoryDoesNotGrowWithTheSamples) {
   TempFile path(contents.bytes());
   path.writeAt(data + 24 + cycles * size - 1,
                std::string(1, '\0'));  // 100 MB, most of them no bytes
-  Counter counter;
-  EXPECT_LT(bytesToVisit(path.path(), counter), 1000000U);
-  EXPECT_EQ(counter.count, cycles);
+  const Read read = readThrough(path.path());
+  EXPECT_LT(read.peak_bytes, 2000000U);
+  EXPECT_EQ(read.samples, cycles);
+  EXPECT_EQ(read.findings, 0U);
 }
 
 TEST(Table, MemoryDoesNotGrowWithZippedBlocks) {
@@ -429,9 +400,10 @@ TEST(Table, MemoryDoesNotGrowWithZippedBlocks) {
   }
   contents.addDataGroup({group}, addList(contents, blocks));
   const TempFile path(contents.bytes());
-  Counter counter;
-  EXPECT_LT(bytesToVisit(path.path(), counter), 100000U);
-  EXPECT_EQ(counter.count, 8000U);
+  const Read read = readThrough(path.path());
+  EXPECT_LT(read.peak_bytes, 250000U);
+  EXPECT_EQ(read.samples, 8000U);
+  EXPECT_EQ(read.findings, 0U);
 }
 
 TEST(Table, ManyUnsortedGroups) {
@@ -466,9 +438,10 @@ TEST(Table, UnsortedGroupsTooLargeToBeHeldInMemory) {
   }
   contents.addDataGroup({large, small}, contents.addData(records), 1);
   const TempFile path(contents.bytes());
-  Counter counter;
-  EXPECT_LT(bytesToVisit(path.path(), counter), 2000000U);
-  EXPECT_EQ(counter.count, 200U);
+  const Read read = readThrough(path.path());
+  EXPECT_LT(read.peak_bytes, 2000000U);
+  EXPECT_EQ(read.samples, 200U);
+  EXPECT_EQ(read.findings, 0U);
 }
 
 TEST(Table, DataGroupsThatShareTheirDataHaveALimit) {
@@ -563,9 +536,9 @@ TEST(Table, ArraysOfStructures) {
   const std::string bytes = composedFile(file, {3}, a);
   EXPECT_EQ(healthyCsvOf(bytes),
             "v[0].a,v[0].b,v[1].a,v[1].b,v[2].a,v[2].b,last\n65,66,67,68,69,70,71\n");
-  Selection selection;
-  selection.channels = {"v.b"};
-  EXPECT_EQ(healthyCsvOf(bytes, selection), "v[0].b,v[1].b,v[2].b\n66,68,70\n");
+  Query query;
+  query.channels = {"v.b"};
+  EXPECT_EQ(healthyCsvOf(bytes, query), "v[0].b,v[1].b,v[2].b\n66,68,70\n");
 }
 
 TEST(Table, ArraysOfArrays) {
@@ -647,8 +620,8 @@ TEST(Table, SharedConversions) {
   file.addDataGroup({file.addChannelGroup({2, 2}, {file.addChannel(a), file.addChannel(b)})},
                     file.addData("ABBA"));
   EXPECT_EQ(healthyCsvOf(file.bytes()), "a,b\nletter,other\nother,letter\n");
-  Selection raw;
-  raw.is_raw = true;
+  Query raw;
+  raw.raw = true;
   EXPECT_EQ(healthyCsvOf(file.bytes(), raw), "a,b\n65,66\n66,65\n");
 }
 
@@ -656,36 +629,36 @@ TEST(Table, PatternsSelectChannels) {
   FileBuilder file = timedFile(2, timedRecords(2));
   file.addDataGroup({file.addChannelGroup({1, 1}, {file.addChannel(number("other", 0, 0, 8))})},
                     file.addData("A"));
-  Selection selection;
-  selection.channels = {"sp*"};
-  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "time [s],speed [km/h]\n0,10\n0.5,11\n");
-  selection.channels = {"time"};
-  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "time [s]\n0\n0.5\n");
-  selection.channels = {"nothing", "o?her"};
-  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "other\n65\n");
-  selection.channels = {"nothing"};
-  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "");
+  Query query;
+  query.channels = {"sp*"};
+  EXPECT_EQ(healthyCsvOf(file.bytes(), query), "time [s],speed [km/h]\n0,10\n0.5,11\n");
+  query.channels = {"time"};
+  EXPECT_EQ(healthyCsvOf(file.bytes(), query), "time [s]\n0\n0.5\n");
+  query.channels = {"nothing", "o?her"};
+  EXPECT_EQ(healthyCsvOf(file.bytes(), query), "other\n65\n");
+  query.channels = {"nothing"};
+  EXPECT_EQ(healthyCsvOf(file.bytes(), query), "");
 }
 
 TEST(Table, GroupsAreCountedThroughTheFile) {
   FileBuilder file = timedFile(1, timedRecords(1));
   file.addDataGroup({file.addChannelGroup({1, 1}, {file.addChannel(number("other", 0, 0, 8))})},
                     file.addData("A"));
-  Selection selection;
-  selection.group = "1";
-  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "other\n65\n");
-  selection.group = "2";
-  EXPECT_EQ(healthyCsvOf(file.bytes(), selection), "");
+  Query query;
+  query.group = "1";
+  EXPECT_EQ(healthyCsvOf(file.bytes(), query), "other\n65\n");
+  query.group = "2";
+  EXPECT_EQ(healthyCsvOf(file.bytes(), query), "");
 }
 
 TEST(Table, RangeOfTheMaster) {
   FileBuilder file = timedFile(5, timedRecords(5));
   file.addDataGroup({file.addChannelGroup({1, 1}, {file.addChannel(number("other", 0, 0, 8))})},
                     file.addData("A"));
-  Selection selection;
-  selection.from = 0.5;
-  selection.to = 1;
-  const Exported exported = csvOf(file.bytes(), selection);
+  Query query;
+  query.from = 0.5;
+  query.to = 1;
+  const Exported exported = csvOf(file.bytes(), query);
   EXPECT_EQ(exported.text, "time [s],speed [km/h]\n0.5,11\n1,12\n");
   EXPECT_EQ(exported.notes.size(), 1U);  // the other group has no master
 }

@@ -7,7 +7,7 @@
 
 #include "../model/array_elements.h"
 #include "../model/channel_names.h"
-#include "text_encoding.h"
+#include "../values/text_encoding.h"
 
 namespace mdf_reader {
 

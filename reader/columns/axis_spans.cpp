@@ -77,8 +77,11 @@ std::optional<AxisSpan> AxisSpans::statedRange(const Channel& master) {
   }
   Conversion* const conversion = conversions_.at(master.conversion);
   const auto end = [&](std::string_view field) {
-    const Value raw = block->real(field);
-    return numberOf(conversion == nullptr ? raw : conversion->physical(raw));
+    double number = block->real(field);
+    if (conversion != nullptr) {
+      conversion->convert(&number, 1, false);
+    }
+    return std::optional(number);
   };
   const auto least = end("cn_val_range_min");
   const auto greatest = end("cn_val_range_max");
@@ -100,7 +103,10 @@ std::optional<double> AxisSpans::physical(const ChannelGroup& group, const Chann
   source.group = &group;
   source.channel = &master;
   source.conversion = conversions_.at(master.conversion);
-  return numberOf(Column("", std::move(source), silent_).value({record.bytes, record.number}));
+  Column column("", std::move(source), silent_);
+  ColumnData value(column.head().type);
+  column.append(oneRecord(record.bytes, record.number), value);
+  return value.isValid(0) && isNumber(value.type()) ? std::optional(value.real(0)) : std::nullopt;
 }
 
 /// Whether a conversion makes numbers by itself and can be read: else values would stay raw. One

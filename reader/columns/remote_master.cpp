@@ -41,6 +41,21 @@ std::optional<std::string_view> MasterRecords::at(std::uint64_t number) {
   return record;
 }
 
+RecordSpan MasterRecords::copy(const RecordSpan& records, std::string& bytes) {
+  bytes.clear();
+  RecordSpan copies{nullptr, 0, 0, 0, records.first};
+  for (; copies.count < records.count; ++copies.count) {
+    const auto record = at(records.first + copies.count);
+    if (!record) {
+      break;
+    }
+    bytes += *record;
+    copies.size = copies.step = record->size();
+  }
+  copies.bytes = bytes.data();
+  return copies;
+}
+
 void MasterRecords::endAt(Code code, const std::string& sentence) {
   report_({code, group_.offset, sentence});
   has_ended_ = true;

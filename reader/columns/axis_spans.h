@@ -11,7 +11,7 @@
 #include "../blocks/finding.h"
 #include "../data/record_facts.h"
 #include "../model/description.h"
-#include "conversion.h"
+#include "../values/conversion.h"
 
 namespace mdf_reader {
 

@@ -1,8 +1,9 @@
-#include "table.h"
+#include "tables.h"
 
 #include <fnmatch.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <unordered_map>
 #include <utility>
@@ -12,12 +13,17 @@
 #include "../bytes/work_budget.h"
 #include "../model/element_groups.h"
 #include "../model/group_choice.h"
+#include "column.h"
 #include "column_list.h"
 #include "remote_master.h"
 
 namespace mdf_reader {
 
 namespace {
+
+constexpr std::size_t most_at_once = 4096;                      // records, which stay in the cache
+constexpr std::size_t room_for_values = std::size_t{1} << 20U;  // of the records taken at once
+constexpr std::size_t most_bytes = std::size_t{1} << 23U;       // of a batch
 
 /// The patterns that choose channels, and which of them have matched.
 class Patterns {
@@ -52,17 +58,17 @@ class Patterns {
   std::vector<bool> has_found_;
 };
 
+}  // namespace
+
 /// Goes through the tables of one file.
-class Tables {
+class Tables::Walk {
  public:
-  Tables(InputFile& file, const Selection& selection, TableVisitor& visitor,
-         const FindingSink& report, const NoteSink& note)
+  Walk(InputFile& file, const Query& query, const FindingSink& report, const NoteSink& note)
       : file_(file),
-        selection_(selection),
-        visitor_(visitor),
+        query_(query),
         report_(report),
         note_(note),
-        patterns_(selection.channels),
+        patterns_(query.channels),
         description_(readDescription(file, report)),
         data_file_(file),
         conversions_(file, report),
@@ -70,28 +76,27 @@ class Tables {
     description_.data_groups = splitElements(file, std::move(description_.data_groups), report);
   }
 
-  std::size_t visit();
+  Table* next();
+  std::size_t count() const { return count_; }
   void examine();
 
  private:
+  void begin();
   void enter(const DataGroup& data_group);
   void makeRecords(const DataGroup& data_group);
   void examineWhatIsNoTable(const DataGroup& data_group);
   bool haveDataOfTheirOwn(const DataGroup& data_group);
   void examineGroup(const ChannelGroup& group);
   bool isWanted(const ChannelGroup& group) const;
-  void visitGroup(const DataGroup& data_group, const ChannelGroup& group);
+  std::unique_ptr<Table> tableOf(const DataGroup& data_group, const ChannelGroup& group);
   std::vector<ColumnPlan> plansOf(const ChannelGroup& group, const RemoteMaster* remote);
   std::vector<Column> columnsFor(const ChannelGroup& group, const std::vector<ColumnPlan>& plans,
                                  const RemoteMaster* remote);
   ColumnSource sourceOf(const ChannelGroup& group, const ColumnPlan& plan);
   std::unique_ptr<SignalValues> valuesOf(const Channel& channel);
-  bool isInRange(Table& table, const Sample& sample) const;
-  bool hasRange() const { return selection_.from || selection_.to; }
 
   InputFile& file_;
-  const Selection& selection_;
-  TableVisitor& visitor_;
+  const Query& query_;
   const FindingSink& report_;
   const NoteSink& note_;
   Patterns patterns_;
@@ -102,48 +107,64 @@ class Tables {
   std::unique_ptr<Records> records_;  ///< of the data group that is being visited
   std::unordered_map<std::uint64_t, const ChannelGroup*> groups_;  ///< of it, by their offsets
   std::unordered_map<std::uint64_t, const Channel*> channels_;     ///< of one group, the same
+  std::size_t data_group_ = 0;  ///< where the walk is: the next group
+  std::size_t group_ = 0;
+  std::unique_ptr<Table> table_;
   std::size_t count_ = 0;
 };
 
-std::size_t Tables::visit() {
-  if (data_file_.isUnfinished()) {
-    note_("the file was not finished; its records are read as far as they go");
+Table* Tables::Walk::next() {
+  table_.reset();
+  if (data_group_ == 0 && group_ == 0) {
+    begin();
   }
-  for (const DataGroup& data_group : description_.data_groups) {
-    enter(data_group);
-    for (const ChannelGroup& group : data_group.groups) {
-      if (isWanted(group)) {
-        visitGroup(data_group, group);
+  while (data_group_ < description_.data_groups.size()) {
+    const DataGroup& data_group = description_.data_groups[data_group_];
+    if (group_ == 0) {
+      enter(data_group);
+    }
+    while (group_ < data_group.groups.size()) {
+      const ChannelGroup& group = data_group.groups[group_++];
+      table_ = isWanted(group) ? tableOf(data_group, group) : nullptr;
+      if (table_ != nullptr) {
+        ++count_;
+        return table_.get();
       }
     }
     examineWhatIsNoTable(data_group);
-    if (!haveDataOfTheirOwn(data_group)) {
-      break;
+    const bool goes_on = haveDataOfTheirOwn(data_group);
+    data_group_ = goes_on ? data_group_ + 1 : description_.data_groups.size();
+    group_ = 0;
+    if (data_group_ == description_.data_groups.size() && count_ > 0) {
+      patterns_.noteThoseWithoutAny(note_);
     }
   }
-  if (count_ > 0) {
-    patterns_.noteThoseWithoutAny(note_);
+  return nullptr;
+}
+
+void Tables::Walk::begin() {
+  if (data_file_.isUnfinished()) {
+    note_("the file was not finished; its records are read as far as they go");
   }
-  return count_;
 }
 
 /// Data that makes no table is read all the same when everything is wanted: what cannot be read of
 /// it must not go unsaid.
-void Tables::examineWhatIsNoTable(const DataGroup& data_group) {
-  if (selection_.channels.empty() && selection_.group.empty()) {
+void Tables::Walk::examineWhatIsNoTable(const DataGroup& data_group) {
+  if (query_.channels.empty() && query_.group.empty()) {
     makeRecords(data_group);
     records_->examine();
   }
 }
 
-void Tables::makeRecords(const DataGroup& data_group) {
+void Tables::Walk::makeRecords(const DataGroup& data_group) {
   if (!records_) {
     records_ = std::make_unique<Records>(data_file_, data_group, report_);
   }
 }
 
 /// The same without values that are in the records.
-void Tables::examine() {
+void Tables::Walk::examine() {
   for (const DataGroup& data_group : description_.data_groups) {
     enter(data_group);
     makeRecords(data_group);
@@ -159,7 +180,7 @@ void Tables::examine() {
   }
 }
 
-void Tables::examineGroup(const ChannelGroup& group) {
+void Tables::Walk::examineGroup(const ChannelGroup& group) {
   const RemoteMaster* remote = remote_masters_.of(group);
   const std::vector<ColumnPlan> plans = plansOf(group, remote);
   if (plans.empty()) {
@@ -174,16 +195,16 @@ void Tables::examineGroup(const ChannelGroup& group) {
       elsewhere.push_back(&column);
     }
   }
-  std::uint64_t number = 0;
-  records_->forEach(group, [&](std::string_view bytes) {
-    const Sample sample{bytes, number++};
-    std::for_each(elsewhere.begin(), elsewhere.end(),
-                  [&](Column* column) { column->look(sample); });
-    return !elsewhere.empty();
-  });
+  const auto cursor = records_->read(group);
+  RecordSpan records = elsewhere.empty() ? RecordSpan() : cursor->next(most_at_once);
+  for (; records.count > 0; records = cursor->next(most_at_once)) {
+    for (Column* const column : elsewhere) {
+      column->look(records);
+    }
+  }
 }
 
-void Tables::enter(const DataGroup& data_group) {
+void Tables::Walk::enter(const DataGroup& data_group) {
   groups_.clear();
   for (const ChannelGroup& group : data_group.groups) {
     groups_.emplace(group.offset, &group);
@@ -192,7 +213,7 @@ void Tables::enter(const DataGroup& data_group) {
 
 /// Whether the data groups up to this one have data of their own, not the same blocks again and
 /// again.
-bool Tables::haveDataOfTheirOwn(const DataGroup& data_group) {
+bool Tables::Walk::haveDataOfTheirOwn(const DataGroup& data_group) {
   const std::uint64_t stored = records_ ? records_->storedBytes() : 0;
   records_.reset();
   if (data_file_.mayGoOnAfter(stored)) {
@@ -204,12 +225,13 @@ bool Tables::haveDataOfTheirOwn(const DataGroup& data_group) {
   return false;
 }
 
-bool Tables::isWanted(const ChannelGroup& group) const {
-  return !group.holdsVariableLength() && isChosen(group, selection_.group);
+bool Tables::Walk::isWanted(const ChannelGroup& group) const {
+  return !group.holdsVariableLength() && isChosen(group, query_.group);
 }
 
 /// The wanted columns of a group, after its own master channel's; none when no channel is wanted.
-std::vector<ColumnPlan> Tables::plansOf(const ChannelGroup& group, const RemoteMaster* remote) {
+std::vector<ColumnPlan> Tables::Walk::plansOf(const ChannelGroup& group,
+                                              const RemoteMaster* remote) {
   const Channel* master = group.masterChannel();
   std::vector<ColumnPlan> plans =
       columnsOf(group, report_, remote == nullptr ? "" : remote->plan.name);
@@ -226,33 +248,29 @@ std::vector<ColumnPlan> Tables::plansOf(const ChannelGroup& group, const RemoteM
   return plans;
 }
 
-void Tables::visitGroup(const DataGroup& data_group, const ChannelGroup& group) {
+/// The table of a group; null where no channel of it is wanted.
+std::unique_ptr<Table> Tables::Walk::tableOf(const DataGroup& data_group,
+                                             const ChannelGroup& group) {
   const RemoteMaster* remote = remote_masters_.of(group);
   const std::vector<ColumnPlan> plans = plansOf(group, remote);
   if (plans.empty()) {
-    return;
+    return nullptr;
   }
   const bool has_master = remote != nullptr || plans.front().channel == group.masterChannel();
-  if (hasRange() && !has_master) {
+  if ((query_.from || query_.to) && !has_master) {
     note_("channel group " + std::to_string(group.index) +
           " is left out: it has no master channel to compare with --from and --to");
-    return;
+    return nullptr;
   }
   makeRecords(data_group);
-  Table table(group, columnsFor(group, plans, remote), has_master);
-  ++count_;
-  visitor_.begin(table);
-  std::uint64_t number = 0;
-  records_->forEach(group, [&](std::string_view bytes) {
-    const Sample sample{bytes, number++};
-    return !isInRange(table, sample) || visitor_.sample(table, sample);
-  });
-  visitor_.end();
+  std::vector<Column> columns = columnsFor(group, plans, remote);
+  return std::unique_ptr<Table>(
+      new Table(group, std::move(columns), has_master, records_->read(group), query_));
 }
 
-std::vector<Column> Tables::columnsFor(const ChannelGroup& group,
-                                       const std::vector<ColumnPlan>& plans,
-                                       const RemoteMaster* remote) {
+std::vector<Column> Tables::Walk::columnsFor(const ChannelGroup& group,
+                                             const std::vector<ColumnPlan>& plans,
+                                             const RemoteMaster* remote) {
   channels_.clear();
   for (const Channel& channel : group.channels) {
     channels_.emplace(channel.offset, &channel);
@@ -270,7 +288,7 @@ std::vector<Column> Tables::columnsFor(const ChannelGroup& group,
   return columns;
 }
 
-ColumnSource Tables::sourceOf(const ChannelGroup& group, const ColumnPlan& plan) {
+ColumnSource Tables::Walk::sourceOf(const ChannelGroup& group, const ColumnPlan& plan) {
   const Channel& channel = *plan.channel;
   ColumnSource source;
   source.group = &group;
@@ -283,13 +301,14 @@ ColumnSource Tables::sourceOf(const ChannelGroup& group, const ColumnPlan& plan)
     const auto length = channels_.find(channel.data);
     source.length_channel = length == channels_.end() ? nullptr : length->second;
   }
-  source.conversion = selection_.is_raw ? nullptr : conversions_.at(channel.conversion);
+  source.numbers = query_.numbers;
+  source.conversion = query_.raw ? nullptr : conversions_.at(channel.conversion);
   return source;
 }
 
 /// Where the values of a channel of variable length are: in signal data, or in the records of
 /// another channel group.
-std::unique_ptr<SignalValues> Tables::valuesOf(const Channel& channel) {
+std::unique_ptr<SignalValues> Tables::Walk::valuesOf(const Channel& channel) {
   const auto block = channel.data == 0 ? std::nullopt : readRawBlock(file_, channel.data);
   if (block && block->hasId() && block->letters() == "CG") {
     const auto group = groups_.find(channel.data);
@@ -305,32 +324,119 @@ std::unique_ptr<SignalValues> Tables::valuesOf(const Channel& channel) {
   return signalDataAt(data_file_, {channel.offset, channel.data}, report_);
 }
 
-bool Tables::isInRange(Table& table, const Sample& sample) const {
+Table::Table(const ChannelGroup& group, std::vector<Column> columns, bool has_master,
+             std::unique_ptr<RecordCursor> records, const Query& query)
+    : columns_(std::move(columns)),
+      records_(std::move(records)),
+      query_(query),
+      batch_rows_(std::max<std::size_t>(1, query.batch_rows)) {
+  head_.group = &group;
+  head_.has_master = has_master;
+  std::size_t row_bytes = 1;
+  for (const Column& column : columns_) {
+    head_.columns.push_back(column.head());
+    row_bytes += widthOf(column.head().type);
+    has_texts_ = has_texts_ || !isNumber(column.head().type);
+  }
+  most_at_once_ = std::clamp<std::size_t>(room_for_values / row_bytes, 1, most_at_once);
+  at_once_ = has_texts_ ? 1 : most_at_once_;
+  batch_ = std::make_unique<Batch>(head_);
+  masters_ = ColumnData(head_.columns.front().type);
+}
+
+Table::~Table() = default;
+
+const Batch* Table::next() {
+  batch_->clear();
+  while (batch_->rows() < batch_rows_ && batch_->size() < most_bytes && findRun() && isNext()) {
+    take();
+  }
+  return batch_->rows() > 0 ? batch_.get() : nullptr;
+}
+
+/// Finds the next records that are wanted and stand together: the first `run_` of the pending ones.
+bool Table::findRun() {
+  while (run_ == 0) {
+    if (pending_.count == 0 && !readOn()) {
+      return false;
+    }
+    std::size_t begin = 0;
+    while (begin < pending_.count && !isInRange(begin)) {
+      ++begin;
+    }
+    skip(begin);
+    while (run_ < pending_.count && isInRange(run_)) {
+      ++run_;
+    }
+  }
+  return true;
+}
+
+bool Table::readOn() {
+  pending_ = records_->next(at_once_);
+  if (hasRange()) {
+    masters_.clear();
+    columns_.front().append(pending_, masters_);
+    master_row_ = 0;
+  }
+  return pending_.count > 0;
+}
+
+void Table::skip(std::size_t count) {
+  pending_ = pending_.part(count, pending_.count - count);
+  master_row_ += count;
+}
+
+bool Table::isInRange(std::size_t index) const {
   if (!hasRange()) {
     return true;
   }
-  const auto master = numberOf(table.columns().front().value(sample));
-  return master && (!selection_.from || *master >= *selection_.from) &&
-         (!selection_.to || *master <= *selection_.to);
+  const double master = masters_.real(master_row_ + index);
+  return !std::isnan(master) && (!query_.from || master >= *query_.from) &&
+         (!query_.to || master <= *query_.to);
 }
 
-}  // namespace
-
-std::size_t visitTables(InputFile& file, const Selection& selection, TableVisitor& visitor,
-                        const FindingSink& report, const NoteSink& note) {
-  return Tables(file, selection, visitor, report, note).visit();
+/// Whether the run continues the batch.
+bool Table::isNext() const {
+  return batch_->rows() == 0 || batch_->firstRecord() + batch_->rows() == pending_.first;
 }
+
+void Table::take() {
+  const RecordSpan records = pending_.part(0, std::min(run_, batch_rows_ - batch_->rows()));
+  if (batch_->rows_ == 0) {
+    batch_->first_ = records.first;
+  }
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    if (i == 0 && hasRange()) {
+      batch_->columns_[i].append(masters_, master_row_, records.count);
+    } else {
+      columns_[i].append(records, batch_->columns_[i]);
+    }
+  }
+  batch_->rows_ += records.count;
+  skip(records.count);
+  run_ -= records.count;
+  if (has_texts_) {
+    const std::size_t row_bytes = 1 + batch_->size() / batch_->rows();
+    at_once_ = std::clamp<std::size_t>(room_for_values / row_bytes, 1,
+                                       std::min(2 * at_once_, most_at_once_));
+  }
+}
+
+Tables::Tables(InputFile& file, const Query& query, const FindingSink& report, const NoteSink& note)
+    : walk_(std::make_unique<Walk>(file, query, report, note)) {}
+
+Tables::~Tables() = default;
+
+Table* Tables::next() { return walk_->next(); }
+
+std::size_t Tables::count() const { return walk_->count(); }
 
 void examineTables(InputFile& file, const FindingSink& report) {
-  class Nobody : public TableVisitor {
-   public:
-    void begin(Table& /*table*/) override {}
-    bool sample(Table& /*table*/, const Sample& /*sample*/) override { return false; }
-    void end() override {}
-  };
-  Nobody nobody;
-  const Selection raw{{}, {}, {}, {}, true};
-  Tables(file, raw, nobody, report, [](const std::string& /*note*/) {}).examine();
+  Query raw;
+  raw.raw = true;
+  const NoteSink nobody = [](const std::string& /*note*/) {};
+  Tables::Walk(file, raw, report, nobody).examine();
 }
 
 }  // namespace mdf_reader

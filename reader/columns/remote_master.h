@@ -39,6 +39,9 @@ class MasterRecords {
   /// reported.
   std::optional<std::string_view> at(std::uint64_t number);
 
+  /// The records for those of the group, copied to `bytes`: fewer where there are no more.
+  RecordSpan copy(const RecordSpan& records, std::string& bytes);
+
  private:
   void endAt(Code code, const std::string& sentence);
 

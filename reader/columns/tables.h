@@ -1,0 +1,97 @@
+#ifndef MDF_READER_COLUMNS_TABLES_H_
+#define MDF_READER_COLUMNS_TABLES_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "../blocks/finding.h"
+#include "../data/record_span.h"
+#include "batch.h"
+#include "query.h"
+
+namespace mdf_reader {
+
+class Column;
+class InputFile;
+
+/// Takes sentences for people that are not about a problem.
+using NoteSink = std::function<void(const std::string& sentence)>;
+
+/// A channel group as batches of columns, the master channel's first, or one element of an array in
+/// it whose elements have records of their own.
+class Table {
+ public:
+  ~Table();
+  Table(const Table&) = delete;
+  Table& operator=(const Table&) = delete;
+
+  const TableHead& head() const { return head_; }
+  const ChannelGroup& group() const { return *head_.group; }
+
+  /// The next records; null after the last ones. A batch lasts until the next call. It has at least
+  /// one row and at most Query::batch_rows, fewer where rows are long.
+  const Batch* next();
+
+ private:
+  friend class Tables;
+  Table(const ChannelGroup& group, std::vector<Column> columns, bool has_master,
+        std::unique_ptr<RecordCursor> records, const Query& query);
+
+  bool hasRange() const { return query_.from || query_.to; }
+  bool findRun();
+  bool readOn();
+  void skip(std::size_t count);
+  bool isInRange(std::size_t index) const;
+  bool isNext() const;
+  void take();
+
+  TableHead head_;
+  std::vector<Column> columns_;
+  std::unique_ptr<RecordCursor> records_;
+  const Query& query_;
+  std::size_t batch_rows_;
+  std::unique_ptr<Batch> batch_;
+  bool has_texts_ = false;
+  std::size_t most_at_once_ = 1;  ///< records, whose values fit the processor's cache
+  std::size_t at_once_ = 1;       ///< the same, by the length of the texts so far
+
+  RecordSpan pending_;                     ///< records that were read, and not yet taken or skipped
+  std::size_t run_ = 0;                    ///< how many of them are wanted
+  ColumnData masters_{ColumnType::uint8};  ///< their master channel, where its values are limited
+  std::size_t master_row_ = 0;             ///< the first one's
+};
+
+/// The tables of a file: its channel groups, except those that hold values of others and those
+/// without a wanted channel. Memory does not grow with the samples.
+class Tables {
+ public:
+  /// What it is given must outlast it.
+  Tables(InputFile& file, const Query& query, const FindingSink& report, const NoteSink& note);
+  ~Tables();
+  Tables(const Tables&) = delete;
+  Tables& operator=(const Tables&) = delete;
+
+  /// The next table, in place of the one before; null after the last one.
+  Table* next();
+
+  /// How many tables there were so far.
+  std::size_t count() const;
+
+ private:
+  friend void examineTables(InputFile& file, const FindingSink& report);
+  class Walk;
+  std::unique_ptr<Walk> walk_;
+};
+
+/// Goes over the records of a file as reading all its tables does, and reports what that would, but
+/// for the conversions. Of the values those alone are looked for that do not stand in the records.
+void examineTables(InputFile& file, const FindingSink& report);
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_COLUMNS_TABLES_H_

@@ -1,0 +1,46 @@
+#ifndef MDF_READER_DATA_RECORD_SPAN_H_
+#define MDF_READER_DATA_RECORD_SPAN_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace mdf_reader {
+
+/// Records of one channel group that stand together in memory, without their record ids.
+struct RecordSpan {
+  const char* bytes = nullptr;  ///< the first one's
+  std::size_t size = 0;         ///< bytes of each
+  std::size_t step = 0;         ///< from one to the next
+  std::size_t count = 0;
+  std::uint64_t first = 0;  ///< the number of the first one in its group, from 0 on
+
+  std::string_view at(std::size_t index) const { return {bytes + index * step, size}; }
+
+  /// Some of them.
+  RecordSpan part(std::size_t begin, std::size_t how_many) const {
+    return {bytes + begin * step, size, step, how_many, first + begin};
+  }
+};
+
+/// A single record.
+inline RecordSpan oneRecord(std::string_view record, std::uint64_t number) {
+  return {record.data(), record.size(), record.size(), 1, number};
+}
+
+/// Reads the records of one channel group in order.
+class RecordCursor {
+ public:
+  RecordCursor() = default;
+  virtual ~RecordCursor() = default;
+  RecordCursor(const RecordCursor&) = delete;
+  RecordCursor& operator=(const RecordCursor&) = delete;
+
+  /// The next records: at least one and at most so many; none at the end. They last until the next
+  /// call.
+  virtual RecordSpan next(std::size_t most) = 0;
+};
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_DATA_RECORD_SPAN_H_
