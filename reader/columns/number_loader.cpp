@@ -11,7 +11,6 @@
 
 namespace mdf_reader {
 
-using mdf_v4_10::detail::host_is_big_endian;
 using mdf_v4_10::detail::loadLe;
 using mdf_v4_10::detail::reversedBytes;
 using mdf_v4_10::detail::UnsignedOfWidth;
@@ -51,18 +50,20 @@ Number loadOne(const char* at) {
   }
 }
 
-/// A number of 1 to 8 bytes.
-template <unsigned bytes, bool is_big>
-std::uint64_t loadBytes(const char* at) {
+/// A number of up to 8 bytes, taken one by one.
+std::uint64_t loadBytes(const char* at, std::size_t bytes, bool is_big) {
   std::uint64_t number = 0;
-  if constexpr (!is_big && !host_is_big_endian) {
-    std::memcpy(&number, at, bytes);
-  } else {
-    for (unsigned i = 0; i < bytes; ++i) {
-      number = (number << 8U) | static_cast<unsigned char>(at[is_big ? i : bytes - 1 - i]);
-    }
+  for (std::size_t i = 0; i < bytes; ++i) {
+    number = (number << 8U) | static_cast<unsigned char>(at[is_big ? i : bytes - 1 - i]);
   }
   return number;
+}
+
+/// How many of the first records have so many bytes after a place, in the next records if need be.
+std::size_t countWithBytes(const RecordSpan& records, std::size_t begin, std::size_t bytes) {
+  const std::size_t all = records.step * (records.count - 1) + records.size;
+  return all < begin + bytes ? 0
+                             : std::min(records.count, (all - begin - bytes) / records.step + 1);
 }
 
 constexpr std::size_t chunk = 512;  // of numbers on their way, which stay in the cache
@@ -79,34 +80,44 @@ struct Loading {
     std::fill_n(bits, records.count, 0);
   }
 
-  /// The bits of numbers that lie in so many bytes.
-  template <unsigned bytes, bool is_big>
+  /// The bits of numbers that lie in up to 8 bytes. Eight are loaded wherever there are as many.
+  template <bool is_big>
   static void gather(const NumberLoader& loader, const RecordSpan& records, std::size_t begin,
                      std::uint64_t* bits) {
-    const unsigned shift = loader.shift_;
     const std::uint64_t mask = std::numeric_limits<std::uint64_t>::max() >> loader.unused_;
+    const std::size_t bytes = loader.bytes_;
+    const auto below = static_cast<unsigned>(is_big ? 8 * (sizeof(std::uint64_t) - bytes) : 0);
+    const unsigned shift = loader.shift_ + below;
+    const std::size_t eights = countWithBytes(records, begin, sizeof(std::uint64_t));
+    const std::size_t step = records.step;
     const char* at = records.bytes + begin;
-    for (std::size_t i = 0; i < records.count; ++i, at += records.step) {
-      if constexpr (bytes < 9) {
-        bits[i] = (loadBytes<bytes, is_big>(at) >> shift) & mask;
-      } else {
-        const std::uint64_t low = loadBytes<8, is_big>(at + (is_big ? 1 : 0));
-        const std::uint64_t high = static_cast<unsigned char>(at[is_big ? 0 : 8]);
-        bits[i] = ((low >> shift) | (high << (64 - shift))) & mask;  // shifted by 1 bit at least
-      }
+    std::size_t i = 0;
+    for (; i < eights; ++i, at += step) {
+      bits[i] = (loadOne<std::uint64_t, is_big>(at) >> shift) & mask;
+    }
+    for (; i < records.count; ++i, at += step) {
+      bits[i] = (loadBytes(at, bytes, is_big) >> loader.shift_) & mask;
     }
   }
 
-  template <unsigned bytes = 9>
-  static Gather gatherOf(std::uint64_t count, bool is_big) {
-    if (count == bytes) {
-      return is_big ? gather<bytes, true> : gather<bytes, false>;
+  /// The same of those that lie in nine bytes, which are shifted by 1 bit at least.
+  template <bool is_big>
+  static void gatherNine(const NumberLoader& loader, const RecordSpan& records, std::size_t begin,
+                         std::uint64_t* bits) {
+    const std::uint64_t mask = std::numeric_limits<std::uint64_t>::max() >> loader.unused_;
+    const char* at = records.bytes + begin;
+    for (std::size_t i = 0; i < records.count; ++i, at += records.step) {
+      const auto low = loadOne<std::uint64_t, is_big>(at + (is_big ? 1 : 0));
+      const std::uint64_t high = static_cast<unsigned char>(at[is_big ? 0 : 8]);
+      bits[i] = ((low >> loader.shift_) | (high << (64 - loader.shift_))) & mask;
     }
-    if constexpr (bytes > 1) {
-      return gatherOf<bytes - 1>(count, is_big);
-    } else {
-      return zeros;
+  }
+
+  static Gather gatherFor(std::size_t bytes, bool is_big) {
+    if (bytes > sizeof(std::uint64_t)) {
+      return is_big ? gatherNine<true> : gatherNine<false>;
     }
+    return is_big ? gather<true> : gather<false>;
   }
 
   enum class Meaning { unsigned_integer, signed_integer, half, single_real, double_real };
@@ -224,13 +235,12 @@ ColumnType columnTypeOf(const RawType& type) {
 }
 
 NumberLoader::NumberLoader(const RawType& type, ColumnType wanted)
-    : load_(Loading::loadFor(type, wanted)) {
+    : load_(Loading::loadFor(type, wanted)), gather_(Loading::zeros) {
   if (type.bit_count > 0) {
-    gather_ = Loading::gatherOf(type.bytes(), type.isBigEndian());
+    bytes_ = static_cast<std::size_t>(type.bytes());
+    gather_ = Loading::gatherFor(bytes_, type.isBigEndian());
     shift_ = type.bit_offset;
     unused_ = static_cast<unsigned>(64 - type.bit_count);
-  } else {
-    gather_ = Loading::zeros;
   }
 }
 

@@ -35,9 +35,10 @@ class NumberLoader {
                           std::uint64_t* bits);
 
   Load load_;
-  Gather gather_ = nullptr;
-  unsigned shift_ = 0;   ///< bits below the number
-  unsigned unused_ = 0;  ///< bits above it in 64
+  Gather gather_;
+  std::size_t bytes_ = 0;  ///< that the number lies in
+  unsigned shift_ = 0;     ///< bits below the number
+  unsigned unused_ = 0;    ///< bits above it in 64
 };
 
 /// The number in some bytes: fewer than the type has are the first of them, the others are 0.

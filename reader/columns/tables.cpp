@@ -360,6 +360,10 @@ bool Table::findRun() {
     if (pending_.count == 0 && !readOn()) {
       return false;
     }
+    if (!hasRange()) {
+      run_ = pending_.count;
+      return true;
+    }
     std::size_t begin = 0;
     while (begin < pending_.count && !isInRange(begin)) {
       ++begin;
@@ -388,9 +392,6 @@ void Table::skip(std::size_t count) {
 }
 
 bool Table::isInRange(std::size_t index) const {
-  if (!hasRange()) {
-    return true;
-  }
   const double master = masters_.real(master_row_ + index);
   return !std::isnan(master) && (!query_.from || master >= *query_.from) &&
          (!query_.to || master <= *query_.to);

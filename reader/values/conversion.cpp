@@ -31,7 +31,7 @@ class NumberConversion : public Conversion {
   using Conversion::of;
   Result of(double number, bool /*is_integer*/) final { return Result(self().at(number)); }
 
-  void convert(double* numbers, std::size_t count, bool /*is_integer*/) final {
+  void convert(double* numbers, std::size_t count, bool /*is_integer*/) override {
     for (std::size_t i = 0; i < count; ++i) {
       numbers[i] = self().at(numbers[i]);
     }
@@ -45,6 +45,16 @@ class Linear : public NumberConversion<Linear> {
  public:
   Linear(double offset, double factor) : offset_(offset), factor_(factor) {}
   double at(double x) const { return offset_ + factor_ * x; }
+
+  void convert(double* numbers, std::size_t count, bool /*is_integer*/) override {
+    // What is in variables of its own cannot change with the numbers, so that several are converted
+    // at a time.
+    const double offset = offset_;
+    const double factor = factor_;
+    for (std::size_t i = 0; i < count; ++i) {
+      numbers[i] = offset + factor * numbers[i];
+    }
+  }
 
  private:
   double offset_;
