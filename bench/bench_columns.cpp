@@ -51,7 +51,7 @@ class FileMaker {
 
   /// Ends the file with one channel group. Returns where its data begins.
   std::size_t finish(const std::vector<Wanted>& channels, LINK conversion, const std::string& data,
-              std::uint32_t record_bytes) {
+                     std::uint32_t record_bytes) {
     const LINK data_at =
         append(DTBLOCK(reinterpret_cast<const std::uint8_t*>(data.data()), data.size()));
     LINK next = 0;
@@ -139,15 +139,13 @@ void readColumns(const std::string& path, const Take& take) {
   }
 }
 
-constexpr std::size_t piece = 8192;      // records that a hand-written program reads at once
+constexpr std::size_t piece = 8192;       // records that a hand-written program reads at once
 constexpr std::size_t batch = 8 * piece;  // and that it puts into columns before it goes on
 
 /// What a hand-written program makes of records: the bytes of its columns.
 struct Columns {
   std::array<std::vector<std::uint64_t>, 6> values;
-  Columns() {
-    std::fill(values.begin(), values.end(), std::vector<std::uint64_t>(batch));
-  }
+  Columns() { std::fill(values.begin(), values.end(), std::vector<std::uint64_t>(batch)); }
 
   template <class Number>
   Number* at(std::size_t column, std::size_t row) {
@@ -185,9 +183,8 @@ constexpr double factor = 0.25;
 
 template <class Number>
 void loadPhysical(const char* from, std::size_t count, double* to) {
-  load<record_bytes, Number>(from, count, to, [](Number number) {
-    return offset + factor * static_cast<double>(number);
-  });
+  load<record_bytes, Number>(
+      from, count, to, [](Number number) { return offset + factor * static_cast<double>(number); });
 }
 
 void loadLinear(const char* from, std::size_t count, std::size_t row, Columns& to) {
@@ -199,12 +196,10 @@ void loadLinear(const char* from, std::size_t count, std::size_t row, Columns& t
 }
 
 /// Bit fields of 3, 12 and 48 bits, little-endian and big-endian.
-const std::vector<Wanted> bit_fields = {{CNBLOCK::CN_DATATYPE_UINT_LE, 0, 3, 2},
-                                        {CNBLOCK::CN_DATATYPE_UINT_LE, 0, 12, 5},
-                                        {CNBLOCK::CN_DATATYPE_UINT_LE, 2, 48, 1},
-                                        {CNBLOCK::CN_DATATYPE_UINT_BE, 10, 3, 2},
-                                        {CNBLOCK::CN_DATATYPE_UINT_BE, 10, 12, 3},
-                                        {CNBLOCK::CN_DATATYPE_UINT_BE, 12, 48, 0}};
+const std::vector<Wanted> bit_fields = {
+    {CNBLOCK::CN_DATATYPE_UINT_LE, 0, 3, 2},   {CNBLOCK::CN_DATATYPE_UINT_LE, 0, 12, 5},
+    {CNBLOCK::CN_DATATYPE_UINT_LE, 2, 48, 1},  {CNBLOCK::CN_DATATYPE_UINT_BE, 10, 3, 2},
+    {CNBLOCK::CN_DATATYPE_UINT_BE, 10, 12, 3}, {CNBLOCK::CN_DATATYPE_UINT_BE, 12, 48, 0}};
 
 /// A file and a hand-written program for it.
 struct Contest {
@@ -270,8 +265,8 @@ Sides sidesOf(Recording recording, std::uint32_t size, Load load, Load load_by_b
 }
 
 Sides storedSides() {
-  return sidesOf(recordingOf(mixed_channels, mixedRecords(), record_bytes), record_bytes,
-                 loadMixed, loadMixed);
+  return sidesOf(recordingOf(mixed_channels, mixedRecords(), record_bytes), record_bytes, loadMixed,
+                 loadMixed);
 }
 
 Sides linearSides() {
@@ -323,21 +318,20 @@ void appendRows(const char* from, std::size_t count, std::string& text) {
 
 /// Both write to a string that is thrown away piece by piece, and keep the last piece.
 Sides csvSides() {
-  const auto contest = std::make_shared<Contest>(
-      Contest{recordingOf(mixed_channels, mixedRecords(), record_bytes), record_bytes, nullptr, {}, {}});
+  const auto contest = std::make_shared<Contest>(Contest{
+      recordingOf(mixed_channels, mixedRecords(), record_bytes), record_bytes, nullptr, {}, {}});
   const auto by_reader = std::make_shared<std::string>();
   Sides sides;
   sides.units = records;
   sides.subject = [=](std::size_t times) {
     for (; times > 0; --times) {
-      readColumns(contest->recording.file->path(),
-                  [&](const mdf_reader::Batch& rows, const mdf_reader::TableHead&) {
-                    for (std::size_t row = 0; row < rows.rows(); row += 1024) {
-                      by_reader->clear();
-                      mdf_tools::CsvWriter().addRows(
-                          rows, row, std::min(row + 1024, rows.rows()), *by_reader);
-                    }
-                  });
+      readColumns(contest->recording.file->path(), [&](const mdf_reader::Batch& rows,
+                                                       const mdf_reader::TableHead&) {
+        for (std::size_t row = 0; row < rows.rows(); row += 1024) {
+          by_reader->clear();
+          mdf_tools::CsvWriter().addRows(rows, row, std::min(row + 1024, rows.rows()), *by_reader);
+        }
+      });
     }
   };
   sides.baseline = [=](std::size_t times) {
@@ -360,8 +354,9 @@ Sides csvSides() {
 
 void registerCases() {
   compare({"columns/five stored numbers", "read() and strided loads", 1.3}, storedSides);
-  compare({"columns/five linear conversions", "the same with a multiplication and an addition", 1.5},
-          linearSides);
+  compare(
+      {"columns/five linear conversions", "the same with a multiplication and an addition", 1.5},
+      linearSides);
   compare({"columns/six bit fields of 3 to 48 bits", "read() and six strided loads", 3},
           bitFieldSides);
   compare({"columns/CSV of five numbers", "a loop of std::to_chars", 1.3}, csvSides);

@@ -29,7 +29,7 @@ struct TableHead {
   bool has_master = false;  ///< the first column is the master channel's
 };
 
-/// Records of a table that follow one another, as columns.
+/// Records of a table that follow one another, or at equal distances, as columns.
 class Batch {
  public:
   explicit Batch(const TableHead& head) : head_(head) {
@@ -41,8 +41,8 @@ class Batch {
   const TableHead& head() const { return head_; }
   const ChannelGroup& group() const { return *head_.group; }
   std::size_t rows() const { return rows_; }
-  /// The number of the first row's record in its group, from 0 on.
-  std::uint64_t firstRecord() const { return first_; }
+  /// The number of a row's record in its group, from 0 on.
+  std::uint64_t record(std::size_t row) const { return first_ + row * stride_; }
 
   /// Bytes of memory that the values take.
   std::size_t size() const {
@@ -68,6 +68,7 @@ class Batch {
   std::vector<ColumnData> columns_;
   std::size_t rows_ = 0;
   std::uint64_t first_ = 0;
+  std::size_t stride_ = 1;
 };
 
 }  // namespace mdf_reader

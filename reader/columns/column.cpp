@@ -157,7 +157,7 @@ void Column::appendRaw(const RecordSpan& records, ColumnData& to) {
   } else if (source_.channel->isVirtual()) {
     auto* const numbers = to.extend<std::uint64_t>(records.count);
     for (std::size_t i = 0; i < records.count; ++i) {
-      numbers[i] = records.first + i;
+      numbers[i] = records.number(i);
     }
   } else {
     appendEach(records, to);
@@ -180,7 +180,7 @@ void Column::appendEach(const RecordSpan& records, ColumnData& to) {
       to.addNulls(1);
     } else if (source_.channel->type != Channel::variable_length) {
       appendValue(type_, stored(record), to);
-    } else if (const auto bytes = found(record, records.first + i)) {
+    } else if (const auto bytes = found(record, records.number(i))) {
       appendValue({type_.data_type, 0, std::uint64_t{bytes->size()} * 8}, *bytes, to);
     } else {
       to.addNulls(1);
@@ -255,10 +255,10 @@ std::string_view Column::stored(std::string_view record) const {
 void Column::look(const RecordSpan& records) {
   for (std::size_t i = 0; i < records.count; ++i) {
     if (source_.elsewhere != nullptr) {
-      source_.elsewhere->at(records.first + i);
+      source_.elsewhere->at(records.number(i));
     } else if (source_.channel->type == Channel::variable_length && is_inside_ &&
                (source_.channel->flags & Channel::all_invalid) == 0 && isValid(records.at(i))) {
-      found(records.at(i), records.first + i);
+      found(records.at(i), records.number(i));
     }
   }
 }

@@ -2,6 +2,7 @@
 #define MDF_READER_COLUMNS_QUERY_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,8 +15,12 @@ struct Query {
   std::string group;           ///< its number or a pattern of its name; "" for all channel groups
   std::optional<double> from;  ///< limits of the master channel's values
   std::optional<double> to;
-  bool raw = false;                ///< values as they are stored, without conversions
-  bool numbers = false;            ///< where a conversion gives a text, the number that is stored
+  bool raw = false;      ///< values as they are stored, without conversions
+  bool numbers = false;  ///< where a conversion gives a text, the number that is stored
+  std::optional<std::uint64_t> first =
+      std::nullopt;  ///< so many records of each group, its first ones
+  std::optional<std::uint64_t> last = std::nullopt;  ///< the same of its last ones
+  std::uint64_t stride = 1;        ///< of those, the first one and each so many-th after it
   std::size_t batch_rows = 65536;  ///< the most rows of a batch
 };
 

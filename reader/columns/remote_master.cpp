@@ -43,9 +43,9 @@ std::optional<std::string_view> MasterRecords::at(std::uint64_t number) {
 
 RecordSpan MasterRecords::copy(const RecordSpan& records, std::string& bytes) {
   bytes.clear();
-  RecordSpan copies{nullptr, 0, 0, 0, records.first};
+  RecordSpan copies{nullptr, 0, 0, 0, records.first, records.stride};
   for (; copies.count < records.count; ++copies.count) {
-    const auto record = at(records.first + copies.count);
+    const auto record = at(records.number(copies.count));
     if (!record) {
       break;
     }

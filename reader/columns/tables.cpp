@@ -15,9 +15,12 @@
 #include "../model/group_choice.h"
 #include "column.h"
 #include "column_list.h"
+#include "framework/wire.h"
 #include "remote_master.h"
 
 namespace mdf_reader {
+
+using mdf_v4_10::detail::hostSize;
 
 namespace {
 
@@ -341,6 +344,15 @@ Table::Table(const ChannelGroup& group, std::vector<Column> columns, bool has_ma
   most_at_once_ = std::clamp<std::size_t>(room_for_values / row_bytes, 1, most_at_once);
   at_once_ = has_texts_ ? 1 : most_at_once_;
   batch_ = std::make_unique<Batch>(head_);
+  batch_->stride_ = hostSize(std::max<std::uint64_t>(1, query.stride));
+  if (query.last) {
+    const std::uint64_t rest = records_->rest();
+    position_ = rest - std::min(rest, *query.last);
+    records_->skip(position_);
+  }
+  if (query.first) {
+    end_ = position_ + std::min(*query.first, UINT64_MAX - position_);
+  }
   masters_ = ColumnData(head_.columns.front().type);
 }
 
@@ -377,13 +389,33 @@ bool Table::findRun() {
 }
 
 bool Table::readOn() {
-  pending_ = records_->next(at_once_);
+  pending_ = nextRecords();
   if (hasRange()) {
     masters_.clear();
     columns_.front().append(pending_, masters_);
     master_row_ = 0;
   }
   return pending_.count > 0;
+}
+
+/// Some of the records that are wanted for their numbers; the first one to come is.
+RecordSpan Table::nextRecords() {
+  const std::uint64_t left = end_ - std::min(end_, position_);
+  const RecordSpan records =
+      left == 0 ? RecordSpan()
+                : records_->next(static_cast<std::size_t>(std::min<std::uint64_t>(at_once_, left)));
+  if (records.count == 0) {
+    return records;
+  }
+  position_ += records.count;
+  const RecordSpan wanted = records.every(batch_->stride_);
+  const std::uint64_t last = wanted.number(wanted.count - 1);
+  const std::uint64_t next = last + std::min<std::uint64_t>(batch_->stride_, UINT64_MAX - last);
+  if (next > position_) {
+    records_->skip(next - position_);
+    position_ = next;
+  }
+  return wanted;
 }
 
 void Table::skip(std::size_t count) {
@@ -399,7 +431,7 @@ bool Table::isInRange(std::size_t index) const {
 
 /// Whether the run continues the batch.
 bool Table::isNext() const {
-  return batch_->rows() == 0 || batch_->firstRecord() + batch_->rows() == pending_.first;
+  return batch_->rows() == 0 || batch_->record(batch_->rows()) == pending_.first;
 }
 
 void Table::take() {

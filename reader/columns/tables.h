@@ -45,6 +45,7 @@ class Table {
   bool hasRange() const { return query_.from || query_.to; }
   bool findRun();
   bool readOn();
+  RecordSpan nextRecords();
   void skip(std::size_t count);
   bool isInRange(std::size_t index) const;
   bool isNext() const;
@@ -55,6 +56,8 @@ class Table {
   std::unique_ptr<RecordCursor> records_;
   const Query& query_;
   std::size_t batch_rows_;
+  std::uint64_t position_ = 0;      ///< number of the next record to come
+  std::uint64_t end_ = UINT64_MAX;  ///< numbers from here on are not wanted
   std::unique_ptr<Batch> batch_;
   bool has_texts_ = false;
   std::size_t most_at_once_ = 1;  ///< records, whose values fit the processor's cache

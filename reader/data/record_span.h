@@ -13,19 +13,28 @@ struct RecordSpan {
   std::size_t size = 0;         ///< bytes of each
   std::size_t step = 0;         ///< from one to the next
   std::size_t count = 0;
-  std::uint64_t first = 0;  ///< the number of the first one in its group, from 0 on
+  std::uint64_t first = 0;   ///< the number of the first one in its group, from 0 on
+  std::uint64_t stride = 1;  ///< from one number to the next
 
   std::string_view at(std::size_t index) const { return {bytes + index * step, size}; }
 
+  std::uint64_t number(std::size_t index) const { return first + index * stride; }
+
   /// Some of them.
   RecordSpan part(std::size_t begin, std::size_t how_many) const {
-    return {bytes + begin * step, size, step, how_many, first + begin};
+    return {bytes + begin * step, size, step, how_many, number(begin), stride};
+  }
+
+  /// Each so many-th of them, from the first one on.
+  RecordSpan every(std::size_t times) const {
+    return {bytes, size,          step * times, count == 0 ? 0 : (count - 1) / times + 1,
+            first, stride * times};
   }
 };
 
 /// A single record.
 inline RecordSpan oneRecord(std::string_view record, std::uint64_t number) {
-  return {record.data(), record.size(), record.size(), 1, number};
+  return {record.data(), record.size(), record.size(), 1, number, 1};
 }
 
 /// Reads the records of one channel group in order.
@@ -39,6 +48,12 @@ class RecordCursor {
   /// The next records: at least one and at most so many; none at the end. They last until the next
   /// call.
   virtual RecordSpan next(std::size_t most) = 0;
+
+  /// How many records are still to come.
+  virtual std::uint64_t rest() = 0;
+
+  /// Leaves out records. Those that stand side by side are not read for it.
+  virtual void skip(std::uint64_t count) = 0;
 };
 
 }  // namespace mdf_reader

@@ -133,6 +133,8 @@ class Records::SortedCursor : public RecordCursor {
     number_ += span.count;
     return span;
   }
+  std::uint64_t rest() override { return records_.count() - std::min(records_.count(), number_); }
+  void skip(std::uint64_t count) override { number_ += std::min(count, rest()); }
 
  private:
   SortedRecords records_;
@@ -146,13 +148,18 @@ class Records::CollectedCursor : public RecordCursor {
   CollectedCursor(std::string bytes, std::uint64_t size, std::uint64_t count)
       : bytes_(std::move(bytes)), size_(hostSize(size)) {
     const std::uint64_t there = size_ == 0 ? count : bytes_.size() / size_;
-    rest_ = {bytes_.data(), size_, size_, hostSize(std::min(count, there)), 0};
+    rest_ = {bytes_.data(), size_, size_, hostSize(std::min(count, there)), 0, 1};
   }
 
   RecordSpan next(std::size_t most) override {
     const RecordSpan span = rest_.part(0, std::min(most, rest_.count));
     rest_ = rest_.part(span.count, rest_.count - span.count);
     return span;
+  }
+  std::uint64_t rest() override { return rest_.count; }
+  void skip(std::uint64_t count) override {
+    const auto skipped = static_cast<std::size_t>(std::min<std::uint64_t>(count, rest_.count));
+    rest_ = rest_.part(skipped, rest_.count - skipped);
   }
 
  private:
@@ -171,7 +178,7 @@ class Records::ScatteredCursor : public RecordCursor {
     constexpr std::size_t most_bytes = std::size_t{1} << 18U;
     const std::size_t size = hostSize(group_.recordBytes());
     most = std::min(most, std::max<std::size_t>(1, most_bytes / std::max<std::size_t>(1, size)));
-    RecordSpan span{nullptr, size, size, 0, number_};
+    RecordSpan span{nullptr, size, size, 0, number_, 1};
     bytes_.clear();
     while (span.count < most && number_ < count_) {
       const Record record = records_.format_.at(records_.data_, position_);
@@ -187,6 +194,12 @@ class Records::ScatteredCursor : public RecordCursor {
     }
     span.bytes = bytes_.data();
     return span;
+  }
+  std::uint64_t rest() override { return count_ - number_; }
+  void skip(std::uint64_t count) override {
+    for (std::size_t skipped = 1; count > 0 && skipped > 0; count -= skipped) {
+      skipped = next(hostSize(count)).count;
+    }
   }
 
  private:

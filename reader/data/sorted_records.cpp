@@ -23,8 +23,12 @@ RecordSpan SortedRecords::from(std::uint64_t number, std::size_t most) {
   if (count == 0) {
     return {};
   }
-  const RecordSpan span{stored.data() + id_bytes_, size - id_bytes_, size, count, number};
+  const RecordSpan span{stored.data() + id_bytes_, size - id_bytes_, size, count, number, 1};
   return invalidation_ == nullptr ? span : joined(span);
+}
+
+std::uint64_t SortedRecords::count() {
+  return size_ == 0 ? most_ : std::min(most_, data_.size() / size_);
 }
 
 /// Bytes that the file lacks are 0: all values are valid.
@@ -38,7 +42,7 @@ RecordSpan SortedRecords::joined(const RecordSpan& stored) {
     joined_ += invalidation_->at(stored.first + i);
     joined_.resize((i + 1) * size);
   }
-  return {joined_.data(), size, size, count, stored.first};
+  return {joined_.data(), size, size, count, stored.first, 1};
 }
 
 }  // namespace mdf_reader

@@ -33,6 +33,9 @@ class SortedRecords {
 
   std::uint64_t most() const { return most_; }
 
+  /// How many records there are. It looks for all blocks of the data.
+  std::uint64_t count();
+
   /// The records from a number on, which is counted from 0: at least one and at most so many; none
   /// after the last one. Numbers go up. The bytes last until the next call.
   RecordSpan from(std::uint64_t number, std::size_t most);

@@ -10,12 +10,14 @@
 #include <ostream>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include "command.h"
 #include "extracting/file_name.h"
 #include "file_command.h"
+#include "number_option.h"
 #include "printing/output_buffer.h"
 #include "printing/table_writers.h"
 #include "reader/bytes/input_file.h"
@@ -71,6 +73,7 @@ struct Request {
   std::string output;
   std::string format = "csv";
   bool with_empty = false;
+  std::size_t threads = std::max(1U, std::thread::hardware_concurrency());
 
   bool isToFolder() const {
     return !output.empty() && (output.back() == '/' || std::filesystem::is_directory(output));
@@ -196,19 +199,19 @@ std::unique_ptr<TableWriter> writerOf(const std::string& format, const std::stri
   return std::make_unique<JsonLinesWriter>(file);
 }
 
-/// Writes a table whose first batch, if any, has been read.
-void writeTable(Table& table, const Batch* batch, TableWriter& writer, std::ostream& out) {
-  std::string text;
-  writer.begin(table.head(), text);
-  for (; batch != nullptr && out.good(); batch = table.next()) {
-    constexpr std::size_t at_once = 1024;
-    for (std::size_t row = 0; row < batch->rows(); row += at_once) {
-      writer.addRows(*batch, row, std::min(row + at_once, batch->rows()), text);
-      out.write(text.data(), static_cast<std::streamsize>(text.size()));
-      text.clear();
-    }
-  }
+void write(const std::string& text, std::ostream& out) {
   out.write(text.data(), static_cast<std::streamsize>(text.size()));
+}
+
+/// Writes a table whose first batch, if any, has been read.
+void writeTable(Table& table, const Batch* batch, TableWriter& writer, std::size_t threads,
+                std::ostream& out) {
+  std::string head;
+  writer.begin(table.head(), head);
+  write(head, out);
+  for (; batch != nullptr && out.good(); batch = table.next()) {
+    forEachText(writer, *batch, threads, [&](const std::string& text) { write(text, out); });
+  }
 }
 
 /// Writes the tables of one file; returns how many there are.
@@ -223,7 +226,7 @@ std::size_t writeTables(const Request& request, const FileContext& context,
     if (first == nullptr && !request.with_empty) {
       ++left_out;
     } else if (std::ostream* out = destination.next(context.path, table->group(), context.out)) {
-      writeTable(*table, first, *writer, *out);
+      writeTable(*table, first, *writer, request.threads, *out);
     }
   }
   if (left_out > 0) {
@@ -301,6 +304,11 @@ void addExportCommand(CLI::App& app, int& exit_code) {
       ->excludes(format);
   request->query = addSelectionOptions(*command, false);
   command->add_flag("--empty", request->with_empty, "Write tables without samples, too");
+  command
+      ->add_option("--threads", request->threads,
+                   "Make text on so many cores; on all of them unless said otherwise")
+      ->type_name("N")
+      ->check(isCount() & CLI::Range(1, 256));
   command->footer(footer);
   command->callback([request, &exit_code] { exit_code = run(*request); });
 }

@@ -27,6 +27,17 @@ std::shared_ptr<Query> addSelectionOptions(CLI::App& command, bool takes_several
       throw CLI::ValidationError("--from is after --to");
     }
   });
+  CLI::Option* const first =
+      command.add_option("--first", query->first, "The first N records of each channel group")
+          ->type_name("N")
+          ->check(isCount());
+  command.add_option("--last", query->last, "The last N records of each channel group")
+      ->type_name("N")
+      ->check(isCount())
+      ->excludes(first);
+  command.add_option("--stride", query->stride, "Of those, each N-th record only")
+      ->type_name("N")
+      ->check(isCount() & CLI::PositiveNumber);
   command.add_flag("--raw", query->raw, "Values as they are stored, without conversions");
   return query;
 }

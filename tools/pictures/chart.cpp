@@ -274,7 +274,7 @@ bool CurveCollector::take(const Batch& batch) {
     const ColumnData& values = batch.column(first_column + i - first_);
     for (std::size_t row = 0; row < batch.rows(); ++row) {
       const double x =
-          has_master ? batch.column(0).real(row) : static_cast<double>(batch.firstRecord() + row);
+          has_master ? batch.column(0).real(row) : static_cast<double>(batch.record(row));
       curves_[i].points.add(x, values.real(row));
     }
   }

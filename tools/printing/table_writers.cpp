@@ -2,9 +2,11 @@
 
 #include <csv.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <future>
 #include <string_view>
 
 #include "json_output.h"
@@ -89,6 +91,26 @@ void endLine(std::size_t begin, std::string& text) {
 }
 
 }  // namespace
+
+void forEachText(const TableWriter& writer, const Batch& batch, std::size_t threads,
+                 const std::function<void(const std::string& text)>& take) {
+  constexpr std::size_t at_once = 4096;  // rows, which are worth another thread
+  const auto textOf = [&](std::size_t begin) {
+    std::string text;
+    writer.addRows(batch, begin, std::min(begin + at_once, batch.rows()), text);
+    return text;
+  };
+  for (std::size_t row = 0; row < batch.rows(); row += threads * at_once) {
+    std::vector<std::future<std::string>> others;
+    for (std::size_t i = 1; i < threads && row + i * at_once < batch.rows(); ++i) {
+      others.push_back(std::async(std::launch::async, textOf, row + i * at_once));
+    }
+    take(textOf(row));
+    for (std::future<std::string>& text : others) {
+      take(text.get());
+    }
+  }
+}
 
 void CsvWriter::begin(const TableHead& table, std::string& text) {
   const std::size_t begin = text.size();

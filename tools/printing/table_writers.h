@@ -2,6 +2,7 @@
 #define MDF_TOOLS_PRINTING_TABLE_WRITERS_H_
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -26,6 +27,10 @@ class TableWriter {
   virtual void addRows(const Batch& batch, std::size_t begin, std::size_t end,
                        std::string& text) const = 0;
 };
+
+/// Makes text of a batch's rows on several threads, and hands it on in the order of the rows.
+void forEachText(const TableWriter& writer, const Batch& batch, std::size_t threads,
+                 const std::function<void(const std::string& text)>& take);
 
 /// Tables as comma-separated values: a line with the names of the channels, "name [unit]" where
 /// there is a unit, and a line for each sample. A missing value is an empty field. Fields that need

@@ -57,6 +57,36 @@ TEST(ExportCommand, ChannelsAndTimes) {
             "time [s],speed [km/h]\n0.5,20\n");
 }
 
+TEST(ExportCommand, RecordsByTheirNumbers) {
+  const TempFile file(twoTables());
+  EXPECT_EQ(run({"export", file.path(), "--first", "1"}).output,
+            "time [s],speed [km/h]\n0,10\n\ncounter\n65\n");
+  EXPECT_EQ(run({"export", file.path(), "--last", "1"}).output,
+            "time [s],speed [km/h]\n0.5,20\n\ncounter\n66\n");
+  EXPECT_EQ(run({"export", file.path(), "--stride", "2"}).output,
+            "time [s],speed [km/h]\n0,10\n\ncounter\n65\n");
+  EXPECT_EQ(run({"export", file.path(), "--stride", "0"}).exit_code, 2);
+  EXPECT_EQ(run({"export", file.path(), "--first", "1", "--last", "1"}).exit_code, 2);
+}
+
+TEST(ExportCommand, SameTextOnAnyNumberOfThreads) {
+  FileBuilder builder;
+  std::string data;
+  std::string expected = "counter\n";
+  for (unsigned i = 0; i < 20000; ++i) {
+    data += static_cast<char>(i % 251);
+    expected += std::to_string(i % 251) + '\n';
+  }
+  builder.addDataGroup(
+      {builder.addChannelGroup({data.size(), 1}, {builder.addChannel(firstByte("counter"))})},
+      builder.addData(data));
+  const TempFile file(builder.bytes());
+  for (const char* const threads : {"1", "2", "7"}) {
+    EXPECT_EQ(run({"export", file.path(), "--threads", threads}).output, expected) << threads;
+  }
+  EXPECT_EQ(run({"export", file.path(), "--threads", "0"}).exit_code, 2);
+}
+
 TEST(ExportCommand, JsonLines) {
   const TempFile file(twoTables());
   const RunResult result = run({"export", "--format", "jsonl", "--group", "1", file.path()});

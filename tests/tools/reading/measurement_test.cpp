@@ -48,8 +48,7 @@ std::string rowsOf(const Measurement& measurement, const Query& query) {
   Batches batches = measurement.read(query);
   while (const Batch* const batch = batches.next()) {
     for (std::size_t row = 0; row < batch->rows(); ++row) {
-      lines +=
-          std::string(batch->group().name) + ' ' + std::to_string(batch->firstRecord() + row) + ':';
+      lines += std::string(batch->group().name) + ' ' + std::to_string(batch->record(row)) + ':';
       for (std::size_t i = 0; i < batch->columnCount(); ++i) {
         lines += ' ' + batch->name(i) + '=';
         batch->column(i).print(row, lines);
@@ -149,7 +148,7 @@ TEST(Measurement, BatchesAreAsLongAsWanted) {
   Batches batches = Measurement(temp.path()).read(query);
   std::string sizes;
   while (const Batch* const batch = batches.next()) {
-    sizes += std::to_string(batch->firstRecord()) + '+' + std::to_string(batch->rows()) + ' ';
+    sizes += std::to_string(batch->record(0)) + '+' + std::to_string(batch->rows()) + ' ';
   }
   EXPECT_EQ(sizes, "0+2 2+1 0+2 ");
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -105,6 +106,54 @@ TEST(Table, UnfinishedFileWithAnOpenLastBlock) {
   EXPECT_EQ(csvOf(open.bytes()).text, "time [s]\n0\n0.5\n0\n0.5\n1\n");
 }
 
+/// Which samples of a file with ten of them are read: their speeds.
+std::string speedsOf(const Query& query, const FileBuilder& file) {
+  std::string text = healthyCsvOf(file.bytes(), query);
+  std::string speeds;
+  for (std::size_t at = text.find('\n'); at + 1 < text.size(); at = text.find('\n', at + 1)) {
+    const std::size_t comma = text.find(',', at);
+    speeds += text.substr(comma + 1, text.find('\n', comma) - comma - 1) + ' ';
+  }
+  return speeds;
+}
+
+Query queryFor(std::optional<std::uint64_t> first, std::optional<std::uint64_t> last,
+               std::uint64_t stride) {
+  Query query;
+  query.first = first;
+  query.last = last;
+  query.stride = stride;
+  return query;
+}
+
+TEST(Table, RecordsByTheirNumbers) {
+  const FileBuilder file = timedFile(10, timedRecords(10));
+  EXPECT_EQ(speedsOf(queryFor(3, {}, 1), file), "10 11 12 ");
+  EXPECT_EQ(speedsOf(queryFor({}, 3, 1), file), "17 18 19 ");
+  EXPECT_EQ(speedsOf(queryFor({}, {}, 4), file), "10 14 18 ");
+  EXPECT_EQ(speedsOf(queryFor({}, 5, 2), file), "15 17 19 ");
+  EXPECT_EQ(speedsOf(queryFor(5, {}, 3), file), "10 13 ");
+  EXPECT_EQ(speedsOf(queryFor(0, {}, 1), file), "");
+  EXPECT_EQ(speedsOf(queryFor({}, 0, 1), file), "");
+  EXPECT_EQ(speedsOf(queryFor(100, {}, 1), file), "10 11 12 13 14 15 16 17 18 19 ");
+  EXPECT_EQ(speedsOf(queryFor({}, UINT64_MAX, UINT64_MAX), file), "10 ");
+  Query query = queryFor({}, {}, 2);
+  query.from = 1.5;
+  EXPECT_EQ(speedsOf(query, file), "14 16 18 ");
+  query.batch_rows = 1;
+  EXPECT_EQ(speedsOf(query, file), "14 16 18 ");
+}
+
+TEST(Table, NumbersOfRecordsThatAreLeftOut) {
+  FileBuilder file;
+  ChannelSpec index;
+  index.name = "index";
+  index.bit_count = 0;
+  index.type = 6;
+  file.addDataGroup({file.addChannelGroup({10, 0}, {file.addChannel(index)})}, 0);
+  EXPECT_EQ(healthyCsvOf(file.bytes(), queryFor({}, 7, 3)), "index\n3\n6\n9\n");
+}
+
 TEST(Table, RecordIdsOfASortedGroup) {
   for (const unsigned size : {1U, 2U, 8U}) {
     FileBuilder file;
@@ -172,6 +221,12 @@ TEST(Table, RecordIdThatNoGroupHas) {
   const Exported exported = csvOf(unsortedFile(1, mixedRecords(1) + "\x05zz").bytes());
   expectFinding(exported, mixed_tables,
                 "found record id 5 of no channel group; 3 bytes were not read");
+}
+
+TEST(Table, UnsortedRecordsByTheirNumbers) {
+  const FileBuilder file = unsortedFile(1, mixedRecords(1));
+  EXPECT_EQ(healthyCsvOf(file.bytes(), queryFor({}, 1, 1)).substr(0, 18), "time [s],a\n0.5,11\n");
+  EXPECT_EQ(healthyCsvOf(file.bytes(), queryFor(2, {}, 2)), "time [s],a\n0,10\n\nb\n100\n");
 }
 
 TEST(Table, UnsortedRecordsInPieces) {
