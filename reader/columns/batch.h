@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <numeric>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,9 @@ struct ColumnHead {
   std::string unit;  ///< of the physical values; "" for none
   ColumnType type = ColumnType::bytes;
   const Channel* channel = nullptr;
+  /// How many decimal places suffice for its values, which are integers times a decimal factor;
+  /// nothing for others.
+  std::optional<int> decimals = std::nullopt;
 };
 
 /// What is known of a table before its rows: a channel group, or one element of an array in it

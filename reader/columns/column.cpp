@@ -53,6 +53,9 @@ Column::Column(std::string name, ColumnSource source, const FindingSink& report)
   raw_ = ColumnData(raw);
   head_ = {std::move(name), fromUtf8(channel.unit.substr(0, longest_unit)), physicalType(raw),
            &channel};
+  if (source_.conversion != nullptr && isInteger(raw)) {
+    head_.decimals = source_.conversion->decimals();
+  }
   chooseLoader(raw);
 }
 

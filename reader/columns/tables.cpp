@@ -81,6 +81,7 @@ class Tables::Walk {
 
   Table* next();
   std::size_t count() const { return count_; }
+  const Header& header() const { return description_.header; }
   void examine();
 
  private:
@@ -462,6 +463,8 @@ Tables::Tables(InputFile& file, const Query& query, const FindingSink& report, c
 Tables::~Tables() = default;
 
 Table* Tables::next() { return walk_->next(); }
+
+const Header& Tables::header() const { return walk_->header(); }
 
 std::size_t Tables::count() const { return walk_->count(); }
 

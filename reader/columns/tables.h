@@ -82,6 +82,9 @@ class Tables {
   /// The next table, in place of the one before; null after the last one.
   Table* next();
 
+  /// What the header block of the file says.
+  const Header& header() const;
+
   /// How many tables there were so far.
   std::size_t count() const;
 

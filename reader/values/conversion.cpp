@@ -1,7 +1,10 @@
 #include "conversion.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <map>
 #include <utility>
 
@@ -21,6 +24,18 @@ namespace {
 
 constexpr std::size_t most_nested = 16;
 constexpr std::size_t longest_text = 1024;
+
+/// The decimal places of a number's shortest text; nothing for one that has many.
+std::optional<int> decimalsOf(double number) {
+  constexpr std::ptrdiff_t most = 9;
+  std::array<char, 400> text;
+  const auto* const end =
+      std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed).ptr;
+  const char* const point = std::find<const char*>(text.data(), end, '.');
+  const std::ptrdiff_t decimals = point == end ? 0 : end - point - 1;
+  return std::isfinite(number) && decimals <= most ? std::optional(static_cast<int>(decimals))
+                                                   : std::nullopt;
+}
 
 /// A conversion of each number by itself, with a function `double at(double)` of the derived class.
 template <class Derived>
@@ -45,6 +60,12 @@ class Linear : public NumberConversion<Linear> {
  public:
   Linear(double offset, double factor) : offset_(offset), factor_(factor) {}
   double at(double x) const { return offset_ + factor_ * x; }
+
+  std::optional<int> decimals() const override {
+    const auto of_offset = decimalsOf(offset_);
+    const auto of_factor = decimalsOf(factor_);
+    return of_offset && of_factor ? std::optional(std::max(*of_offset, *of_factor)) : std::nullopt;
+  }
 
   void convert(double* numbers, std::size_t count, bool /*is_integer*/) override {
     // What is in variables of its own cannot change with the numbers, so that several are converted

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -68,6 +69,10 @@ class Conversion {
 
   /// Turns raw numbers into physical ones. Those whose physical value is none stay as they are.
   virtual void convert(double* numbers, std::size_t count, bool is_integer);
+
+  /// How many decimal places suffice to write what becomes of an integer, as of 9106 with a factor
+  /// of 0.0001; nothing where they are not known.
+  virtual std::optional<int> decimals() const { return std::nullopt; }
 
   /// How deep conversions are nested, including this one.
   virtual std::size_t height() const { return 1; }

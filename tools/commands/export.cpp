@@ -36,6 +36,9 @@ began) comes first, even where it belongs to another group (MDF 4.2). Numbers ha
 it takes to read the same number back. Invalid samples are empty fields (null in jsonl), bytes are
 written as hexadecimal digits, dates as 2024-05-17T13:45:12.345.
 
+With --time iso, times are dates with the zone that the file states, 2024-05-17T13:45:12.5+02:00; with
+--time ns, integers: nanoseconds since 1970. Both need the time at which the measurement began.
+
 Formats:
   csv    a line "name [unit],..." and a line for each sample, quoted as in RFC 4180. Several tables
          follow one another, with an empty line between them.
@@ -73,6 +76,8 @@ struct Request {
   std::string output;
   std::string format = "csv";
   bool with_empty = false;
+  int digits = 0;
+  std::string time = "seconds";
   std::size_t threads = std::max(1U, std::thread::hardware_concurrency());
 
   bool isToFolder() const {
@@ -192,11 +197,29 @@ class Destination {
   bool has_failed_ = false;
 };
 
-std::unique_ptr<TableWriter> writerOf(const std::string& format, const std::string& file) {
-  if (format == "csv") {
-    return std::make_unique<CsvWriter>();
+/// How the values of a file are to be written.
+ValueForm formFor(const Request& request, const Header& header, const NoteSink& note) {
+  ValueForm form;
+  form.digits = request.digits;
+  if (request.time != "seconds") {
+    form.time = request.time == "iso" ? ValueForm::Time::iso : ValueForm::Time::nanoseconds;
+    const StoredTime start(header.start_time, header.zone_minutes, header.daylight_minutes,
+                           header.time_flags);
+    if (start.isUnset()) {
+      note("the file does not say when it was begun; times are in seconds since then");
+    } else {
+      form.start = start;
+    }
   }
-  return std::make_unique<JsonLinesWriter>(file);
+  return form;
+}
+
+std::unique_ptr<TableWriter> writerOf(const std::string& format, const std::string& file,
+                                      const ValueForm& form) {
+  if (format == "csv") {
+    return std::make_unique<CsvWriter>(form);
+  }
+  return std::make_unique<JsonLinesWriter>(file, form);
 }
 
 void write(const std::string& text, std::ostream& out) {
@@ -217,9 +240,10 @@ void writeTable(Table& table, const Batch* batch, TableWriter& writer, std::size
 /// Writes the tables of one file; returns how many there are.
 std::size_t writeTables(const Request& request, const FileContext& context,
                         Destination& destination) {
-  const auto writer = writerOf(request.format, context.file.name());
   const NoteSink note = notesOf(context);
   Tables tables(context.file, *request.query, context.report, note);
+  const auto writer =
+      writerOf(request.format, context.file.name(), formFor(request, tables.header(), note));
   std::size_t left_out = 0;
   while (Table* const table = tables.next()) {
     const Batch* const first = table->next();
@@ -304,6 +328,16 @@ void addExportCommand(CLI::App& app, int& exit_code) {
       ->excludes(format);
   request->query = addSelectionOptions(*command, false);
   command->add_flag("--empty", request->with_empty, "Write tables without samples, too");
+  command
+      ->add_option("--time", request->time,
+                   "Times as seconds since the measurement began, dates, or ns since 1970")
+      ->check(CLI::IsMember({"seconds", "iso", "ns"}))
+      ->option_text("seconds|iso|ns");
+  command
+      ->add_option("--digits", request->digits,
+                   "Numbers with so many significant digits, in place of as many as it takes")
+      ->type_name("N")
+      ->check(isCount() & CLI::Range(1, 17));
   command
       ->add_option("--threads", request->threads,
                    "Make text on so many cores; on all of them unless said otherwise")

@@ -25,6 +25,13 @@ class StoredTime {
   /// "+01:00"; "" when the file does not say it.
   std::string zone() const;
 
+  /// "2026-11-21T20:15:00.123456789+01:00" so many seconds later, at the place of recording as far
+  /// as the file says it: "...Z" in UTC, without a zone for a local time whose zone it does not
+  /// say.
+  std::string isoAfter(double seconds) const;
+  /// Nanoseconds since 1970 at that time, UTC or local as the stamp is.
+  std::int64_t nanosecondsAfter(double seconds) const;
+
   /// A line for people: both times, and which unit was assumed and why.
   std::string sentence() const;
 

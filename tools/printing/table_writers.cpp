@@ -48,26 +48,23 @@ void addJsonString(std::string_view text, std::string& line) {
   line += '"';
 }
 
-void addJsonNumber(const ColumnData& column, std::size_t row, std::string& line) {
-  if (isInteger(column.type()) || std::isfinite(column.real(row))) {
-    column.print(row, line);
-  } else {
-    line += '"';
-    column.print(row, line);
-    line += '"';
-  }
+/// Whether JSON has such values: others are strings.
+bool isJsonNumber(const ColumnData& column, std::size_t row) {
+  return isInteger(column.type()) || (isNumber(column.type()) && std::isfinite(column.real(row)));
 }
 
-void addJson(const ColumnData& column, std::size_t row, std::string& line) {
+void addJson(const ValueForm& form, const Batch& batch, std::size_t index, std::size_t row,
+             std::string& line) {
+  const ColumnData& column = batch.column(index);
   if (!column.isValid(row)) {
     line += "null";
-  } else if (isNumber(column.type())) {
-    addJsonNumber(column, row, line);
   } else if (column.type() == ColumnType::text) {
     addJsonString(column.text(row), line);
+  } else if (isJsonNumber(column, row) && !form.isDate(batch.head(), index)) {
+    form.print(batch, index, row, line);
   } else {
     line += '"';
-    column.print(row, line);
+    form.print(batch, index, row, line);
     line += '"';
   }
 }
@@ -129,7 +126,7 @@ void CsvWriter::addRows(const Batch& batch, std::size_t begin, std::size_t end,
       if (column.type() == ColumnType::text && column.isValid(row)) {
         addField(column.text(row), text);
       } else {
-        column.print(row, text);
+        form_.print(batch, i, row, text);
         text += ',';
       }
     }
@@ -168,7 +165,7 @@ void JsonLinesWriter::addRows(const Batch& batch, std::size_t begin, std::size_t
     for (std::size_t i = 0; i < names_.size(); ++i) {
       text += names_[i];
       text += ':';
-      addJson(batch.column(i), row, text);
+      addJson(form_, batch, i, row, text);
       text += ',';
     }
     text.back() = '}';

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "reader/columns/batch.h"
+#include "value_form.h"
 
 namespace mdf_tools {
 
@@ -37,9 +38,14 @@ void forEachText(const TableWriter& writer, const Batch& batch, std::size_t thre
 /// quotes have them as in RFC 4180; lines end in a line feed.
 class CsvWriter : public TableWriter {
  public:
+  explicit CsvWriter(ValueForm form = {}) : form_(form) {}
+
   void begin(const TableHead& table, std::string& text) override;
   void addRows(const Batch& batch, std::size_t begin, std::size_t end,
                std::string& text) const override;
+
+ private:
+  ValueForm form_;
 };
 
 /// Tables as lines of JSON: one for the channel group and its columns, and one for each sample.
@@ -48,7 +54,8 @@ class CsvWriter : public TableWriter {
 class JsonLinesWriter : public TableWriter {
  public:
   /// @param file what every line calls the file.
-  explicit JsonLinesWriter(std::string file) : file_(std::move(file)) {}
+  explicit JsonLinesWriter(std::string file, ValueForm form = {})
+      : file_(std::move(file)), form_(form) {}
 
   void begin(const TableHead& table, std::string& text) override;
   void addRows(const Batch& batch, std::size_t begin, std::size_t end,
@@ -56,6 +63,7 @@ class JsonLinesWriter : public TableWriter {
 
  private:
   std::string file_;
+  ValueForm form_;
   std::string beginning_;           ///< of the line of each sample
   std::vector<std::string> names_;  ///< in quotes
 };

@@ -69,6 +69,64 @@ TEST(ExportCommand, RecordsByTheirNumbers) {
   EXPECT_EQ(run({"export", file.path(), "--first", "1", "--last", "1"}).exit_code, 2);
 }
 
+/// A time of 9106 and one of 20000 ten-thousandths of a second, and a real.
+FileBuilder timedTable() {
+  FileBuilder file;
+  ChannelSpec time;
+  time.name = "time";
+  time.type = 2;
+  time.sync_type = 1;
+  time.bit_count = 16;
+  time.conversion = file.addConversion({1, {}, {0, 0.0001}});
+  ChannelSpec level;
+  level.name = "level";
+  level.data_type = 4;
+  level.byte_offset = 2;
+  level.bit_count = 64;
+  file.addSortedGroup({2, 10}, {time, level},
+                      file.addData(Bytes().u16(9106).f64(2.0 / 3).u16(20000).f64(1e6)));
+  return file;
+}
+
+TEST(ExportCommand, TimesHaveNoMoreDecimalPlacesThanTheyAreStoredWith) {
+  const TempFile file(timedTable().bytes());
+  EXPECT_EQ(run({"export", file.path()}).output,
+            "time,level\n0.9106,0.6666666666666666\n2,1e+06\n");
+}
+
+TEST(ExportCommand, SignificantDigits) {
+  const TempFile file(timedTable().bytes());
+  EXPECT_EQ(run({"export", file.path(), "--digits", "3"}).output,
+            "time,level\n0.911,0.667\n2,1e+06\n");
+  EXPECT_EQ(run({"export", file.path(), "--digits", "18"}).exit_code, 2);
+}
+
+TEST(ExportCommand, TimesAsDates) {
+  FileBuilder contents = timedTable();
+  // 2023-11-14T22:13:20.25 UTC, two hours east of it, one of them for daylight saving.
+  contents.write(64 + 24 + 6 * 8, Bytes().u64(1700000000250000000).u16(60).u16(60).u8(2));
+  const TempFile file(contents.bytes());
+  EXPECT_EQ(run({"export", file.path(), "-c", "time", "--time", "iso"}).output,
+            "time\n2023-11-15T00:13:21.160600000+02:00\n2023-11-15T00:13:22.250000000+02:00\n");
+  EXPECT_EQ(run({"export", file.path(), "-c", "time", "--time", "ns"}).output,
+            "time\n1700000001160600000\n1700000002250000000\n");
+  const std::string json = run({"export", "--json", file.path(), "--time", "iso"}).output;
+  EXPECT_NE(json.find("{\"time\":\"2023-11-15T00:13:21.160600000+02:00\",\"level\":0.6"),
+            std::string::npos)
+      << json;
+}
+
+TEST(ExportCommand, DatesNeedTheTimeOfTheBeginning) {
+  FileBuilder contents = timedTable();
+  contents.write(64 + 24 + 6 * 8, Bytes().u64(0));
+  const TempFile file(contents.bytes());
+  const RunResult result = run({"export", file.path(), "-c", "time", "--time", "iso"});
+  EXPECT_EQ(result.output, "time\n0.9106\n2\n");
+  EXPECT_NE(result.messages.find("note: the file does not say when it was begun"),
+            std::string::npos)
+      << result.messages;
+}
+
 TEST(ExportCommand, SameTextOnAnyNumberOfThreads) {
   FileBuilder builder;
   std::string data;
