@@ -12,8 +12,10 @@ namespace mdf_reader {
 /// Which samples are wanted, and how.
 struct Query {
   std::vector<std::string> channels;  ///< patterns as for file names; none for all channels
-  std::string group;           ///< its number or a pattern of its name; "" for all channel groups
-  std::optional<double> from;  ///< limits of the master channel's values
+  std::string group;  ///< its number or a pattern of its name; "" for all channel groups
+  /// Limits of the master channel's values. Records side by side are looked up by bisection, for
+  /// times that grow; where those looked at do not, all records are gone through.
+  std::optional<double> from;
   std::optional<double> to;
   bool raw = false;      ///< values as they are stored, without conversions
   bool numbers = false;  ///< where a conversion gives a text, the number that is stored

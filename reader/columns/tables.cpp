@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <map>
 #include <memory>
 #include <unordered_map>
 #include <utility>
@@ -345,6 +347,7 @@ Table::Table(const ChannelGroup& group, std::vector<Column> columns, bool has_ma
   most_at_once_ = std::clamp<std::size_t>(room_for_values / row_bytes, 1, most_at_once);
   at_once_ = has_texts_ ? 1 : most_at_once_;
   batch_ = std::make_unique<Batch>(head_);
+  masters_ = ColumnData(head_.columns.front().type);
   batch_->stride_ = hostSize(std::max<std::uint64_t>(1, query.stride));
   if (query.last) {
     const std::uint64_t rest = records_->rest();
@@ -354,7 +357,9 @@ Table::Table(const ChannelGroup& group, std::vector<Column> columns, bool has_ma
   if (query.first) {
     end_ = position_ + std::min(*query.first, UINT64_MAX - position_);
   }
-  masters_ = ColumnData(head_.columns.front().type);
+  if (hasRange()) {
+    narrow();
+  }
 }
 
 Table::~Table() = default;
@@ -397,6 +402,60 @@ bool Table::readOn() {
     master_row_ = 0;
   }
   return pending_.count > 0;
+}
+
+/// Limits the records to those in the range, where each can be had by its number, by bisection.
+/// Where the master's values are seen not to grow, all records are gone through instead.
+void Table::narrow() {
+  const std::uint64_t begin = position_;
+  const std::uint64_t end = position_ + std::min(records_->rest(), end_ - position_);
+  std::map<std::uint64_t, double> seen;
+  const auto master = [&](std::uint64_t number) {
+    return seen.try_emplace(number, masterAt(number)).first->second;
+  };
+  const auto firstNumber = [&](const auto& is_reached) {
+    std::uint64_t low = begin;
+    std::uint64_t high = end;
+    while (low < high) {
+      const std::uint64_t middle = low + (high - low) / 2;
+      if (is_reached(master(middle))) {
+        high = middle;
+      } else {
+        low = middle + 1;
+      }
+    }
+    return low;
+  };
+  if (begin == end || std::isnan(master(begin)) || std::isnan(master(end - 1))) {
+    return;
+  }
+  const auto first =
+      firstNumber([&](double value) { return !query_.from || value >= *query_.from; });
+  const auto last = firstNumber([&](double value) { return query_.to && value > *query_.to; });
+  const auto falls = [](const auto& left, const auto& right) {
+    return !(left.second <= right.second);
+  };
+  if (std::adjacent_find(seen.begin(), seen.end(), falls) != seen.end()) {
+    return;
+  }
+  const std::uint64_t stride = batch_->stride_;
+  const std::uint64_t strides = (first - begin) / stride + ((first - begin) % stride == 0 ? 0 : 1);
+  records_->skip(strides * stride);
+  position_ += strides * stride;
+  end_ = last;
+}
+
+/// The master's value of any record; NaN where it cannot be had alone.
+double Table::masterAt(std::uint64_t number) {
+  Column& column = columns_.front();
+  const auto record =
+      column.isInRecords() ? records_->at(number) : std::optional<std::string_view>();
+  if (!record) {
+    return std::numeric_limits<double>::quiet_NaN();
+  }
+  masters_.clear();
+  column.append(oneRecord(*record, number), masters_);
+  return masters_.real(0);
 }
 
 /// Some of the records that are wanted for their numbers; the first one to come is.

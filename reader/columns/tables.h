@@ -46,6 +46,8 @@ class Table {
   bool findRun();
   bool readOn();
   RecordSpan nextRecords();
+  void narrow();
+  double masterAt(std::uint64_t number);
   void skip(std::size_t count);
   bool isInRange(std::size_t index) const;
   bool isNext() const;

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 namespace mdf_reader {
@@ -48,6 +49,9 @@ class RecordCursor {
   /// The next records: at least one and at most so many; none at the end. They last until the next
   /// call.
   virtual RecordSpan next(std::size_t most) = 0;
+
+  /// The record of any number, without going there; nothing where it cannot be had so.
+  virtual std::optional<std::string_view> at(std::uint64_t /*number*/) { return std::nullopt; }
 
   /// How many records are still to come.
   virtual std::uint64_t rest() = 0;

@@ -133,6 +133,9 @@ class Records::SortedCursor : public RecordCursor {
     number_ += span.count;
     return span;
   }
+  std::optional<std::string_view> at(std::uint64_t number) override {
+    return records_.isInAnyOrder() ? records_.at(number) : std::nullopt;
+  }
   std::uint64_t rest() override { return records_.count() - std::min(records_.count(), number_); }
   void skip(std::uint64_t count) override { number_ += std::min(count, rest()); }
 

@@ -36,6 +36,9 @@ class SortedRecords {
   /// How many records there are. It looks for all blocks of the data.
   std::uint64_t count();
 
+  /// Whether records may be asked for in any order.
+  bool isInAnyOrder() const { return invalidation_ == nullptr; }
+
   /// The records from a number on, which is counted from 0: at least one and at most so many; none
   /// after the last one. Numbers go up. The bytes last until the next call.
   RecordSpan from(std::uint64_t number, std::size_t most);

@@ -36,6 +36,9 @@ began) comes first, even where it belongs to another group (MDF 4.2). Numbers ha
 it takes to read the same number back. Invalid samples are empty fields (null in jsonl), bytes are
 written as hexadecimal digits, dates as 2024-05-17T13:45:12.345.
 
+--from and --to look records up by bisection where they stand side by side: times are taken to grow
+from record to record, as they do in sound files. Where those looked at do not, all are read.
+
 With --time iso, times are dates with the zone that the file states, 2024-05-17T13:45:12.5+02:00; with
 --time ns, integers: nanoseconds since 1970. Both need the time at which the measurement began.
 

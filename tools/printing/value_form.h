@@ -17,7 +17,7 @@ struct ValueForm {
   enum class Time { seconds, iso, nanoseconds };
 
   int digits = 0;  ///< significant ones of numbers with a fraction; 0 for as many as it takes
-  Time time = Time::seconds;        ///< of master channels that are times
+  Time time = Time::seconds;          ///< of master channels that are times
   std::optional<StoredTime> start{};  ///< of the measurement, for all but seconds
 
   /// Whether a column has times that are written as a date.

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -8,6 +10,7 @@
 #include "reader/bytes/input_file.h"
 #include "reader/columns/tables.h"
 #include "support/allocation_counter.h"
+#include "tools/support/file_reads.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
@@ -142,6 +145,53 @@ TEST(Table, RecordsByTheirNumbers) {
   EXPECT_EQ(speedsOf(query, file), "14 16 18 ");
   query.batch_rows = 1;
   EXPECT_EQ(speedsOf(query, file), "14 16 18 ");
+}
+
+/// A file of times 0, 1, 2, ... in eight bytes each, with other records in some places.
+FileBuilder timesFile(std::uint64_t count, const std::map<std::uint64_t, double>& others = {}) {
+  Bytes times;
+  for (std::uint64_t i = 0; i < count; ++i) {
+    const auto other = others.find(i);
+    times.f64(other == others.end() ? static_cast<double>(i) : other->second);
+  }
+  FileBuilder file;
+  file.addDataGroup({file.addChannelGroup({count, 8}, {file.addTime()})}, file.addData(times));
+  return file;
+}
+
+Query rangeOf(std::optional<double> from, std::optional<double> to) {
+  Query query;
+  query.from = from;
+  query.to = to;
+  return query;
+}
+
+TEST(Table, RangeIsFoundWithoutReadingAllRecords) {
+  constexpr std::uint64_t count = 1000000;
+  const std::string bytes = timesFile(count).bytes();
+  const FileReads reads;
+  EXPECT_EQ(healthyCsvOf(bytes, rangeOf(654320.5, 654323)), "time [s]\n654321\n654322\n654323\n");
+  EXPECT_LT(reads.bytes(), 1000000U);
+  EXPECT_EQ(healthyCsvOf(bytes, rangeOf({}, 1)), "time [s]\n0\n1\n");
+  EXPECT_EQ(healthyCsvOf(bytes, rangeOf(999998, {})), "time [s]\n999998\n999999\n");
+  EXPECT_EQ(healthyCsvOf(bytes, rangeOf(1e6, {})), "time [s]\n");
+  EXPECT_EQ(healthyCsvOf(bytes, rangeOf({}, -1)), "time [s]\n");
+}
+
+TEST(Table, RangeAndStride) {
+  Query query = rangeOf(4.5, 12);
+  query.stride = 3;
+  EXPECT_EQ(healthyCsvOf(timesFile(20).bytes(), query), "time [s]\n6\n9\n12\n");
+  query.first = 8;
+  EXPECT_EQ(healthyCsvOf(timesFile(20).bytes(), query), "time [s]\n6\n");
+}
+
+TEST(Table, RangeOfTimesThatDoNotGrow) {
+  // The record in the middle, which is looked at first.
+  EXPECT_EQ(healthyCsvOf(timesFile(9, {{4, -5}}).bytes(), rangeOf(5.5, 7)), "time [s]\n6\n7\n");
+  EXPECT_EQ(healthyCsvOf(timesFile(9, {{4, NAN}}).bytes(), rangeOf(2, 3)), "time [s]\n2\n3\n");
+  EXPECT_EQ(healthyCsvOf(timesFile(9, {{0, 100}}).bytes(), rangeOf(7, {})),
+            "time [s]\n100\n7\n8\n");
 }
 
 TEST(Table, NumbersOfRecordsThatAreLeftOut) {
