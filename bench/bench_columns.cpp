@@ -316,10 +316,10 @@ void appendRows(const char* from, std::size_t count, std::string& text) {
   }
 }
 
-/// Both write to a string that is thrown away piece by piece, and keep the last piece.
-Sides csvSides() {
-  const auto contest = std::make_shared<Contest>(Contest{
-      recordingOf(mixed_channels, mixedRecords(), record_bytes), record_bytes, nullptr, {}, {}});
+/// CSV of a file, by the reader and by a function that appends the text of records. Both write to a
+/// string that is thrown away piece by piece, and keep the last piece.
+template <class Append>
+Sides csvSidesOf(const std::shared_ptr<Contest>& contest, const Append& append) {
   const auto by_reader = std::make_shared<std::string>();
   Sides sides;
   sides.units = records;
@@ -338,7 +338,7 @@ Sides csvSides() {
     for (; times > 0; --times) {
       readByHand(*contest, [&](const char* from, std::size_t count, std::size_t /*done*/) {
         contest->text.clear();
-        appendRows(from, count, contest->text);
+        append(from, count, contest->text);
       });
     }
   };
@@ -348,6 +348,54 @@ Sides csvSides() {
                                  *by_reader) == 0;
   };
   return sides;
+}
+
+Sides csvSides() {
+  return csvSidesOf(
+      std::make_shared<Contest>(Contest{recordingOf(mixed_channels, mixedRecords(), record_bytes),
+                                        record_bytes,
+                                        nullptr,
+                                        {},
+                                        {}}),
+      appendRows);
+}
+
+const std::vector<Wanted> state_channel = {{CNBLOCK::CN_DATATYPE_UINT_LE, 0, 16}};
+constexpr std::size_t states = 40;
+
+std::string stateName(std::size_t state) { return "state number " + std::to_string(state); }
+
+/// A channel of 16 bits whose values are texts.
+Recording stateRecording() {
+  Recording recording;
+  std::uint32_t random = 1;
+  for (std::size_t i = 0; i < records; ++i) {
+    random = random * 1664525 + 1013904223;
+    recording.data += {static_cast<char>((random >> 16U) % states), '\0'};
+  }
+  FileMaker maker(recording.file->path());
+  CCBLOCK texts(CCBLOCK::CC_CONVTYPE_V2TEXT_SCALETAB);
+  for (std::size_t state = 0; state < states; ++state) {
+    texts.addValue(static_cast<REAL>(state));
+    texts.addReference(maker.appendText(stateName(state)));
+  }
+  recording.data_at = maker.finish(state_channel, maker.append(texts), recording.data, 2);
+  return recording;
+}
+
+Sides stateSides() {
+  const auto contest = std::make_shared<Contest>(Contest{stateRecording(), 2, nullptr, {}, {}});
+  const auto names = std::make_shared<std::vector<std::string>>(65536);
+  for (std::size_t state = 0; state < states; ++state) {
+    (*names)[state] = stateName(state) + '\n';
+  }
+  return csvSidesOf(contest, [=](const char* from, std::size_t count, std::string& text) {
+    for (std::size_t i = 0; i < count; ++i) {
+      std::uint16_t state = 0;
+      std::memcpy(&state, from + 2 * i, sizeof state);
+      text += (*names)[state];
+    }
+  });
 }
 
 }  // namespace
@@ -360,6 +408,7 @@ void registerCases() {
   compare({"columns/six bit fields of 3 to 48 bits", "read() and six strided loads", 3},
           bitFieldSides);
   compare({"columns/CSV of five numbers", "a loop of std::to_chars", 1.3}, csvSides);
+  compare({"columns/CSV of texts for a channel of 16 bits", "a lookup in a table", 2}, stateSides);
 }
 
 }  // namespace mdf_bench

@@ -1,6 +1,8 @@
 #include "column.h"
 
 #include <algorithm>
+#include <cstring>
+#include <limits>
 #include <utility>
 
 #include "../bytes/work_budget.h"
@@ -218,10 +220,25 @@ void Column::appendConverted(ColumnData& to) {
 
 Conversion::Result Column::resultFor(std::size_t row) {
   if (isNumber(raw_.type())) {
-    return source_.conversion->of(raw_.real(row), isInteger(raw_.type()));
+    return resultOf(raw_.real(row));
   }
   text_ = raw_.text(row);
   return source_.conversion->of(text_);
+}
+
+/// Channels whose values have texts have few different ones, most of which are found here again.
+const Conversion::Result& Column::resultOf(double number) {
+  constexpr std::size_t places = 256;
+  if (known_.empty()) {
+    known_.resize(places, {std::numeric_limits<double>::quiet_NaN(), {}});
+  }
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &number, sizeof bits);
+  Known& known = known_[static_cast<std::size_t>((bits * 0x9E3779B97F4A7C15U) >> 56U)];
+  if (known.number != number) {
+    known = {number, source_.conversion->of(number, isInteger(raw_.type()))};
+  }
+  return known.result;
 }
 
 void Column::addResult(const Conversion::Result& result, std::size_t row, ColumnData& to) {

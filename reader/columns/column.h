@@ -52,6 +52,11 @@ class Column {
   void look(const RecordSpan& records);
 
  private:
+  struct Known {
+    double number;
+    Conversion::Result result;
+  };
+
   ColumnType rawColumnType() const;
   ColumnType physicalType(ColumnType raw);
   void chooseLoader(ColumnType raw);
@@ -61,6 +66,7 @@ class Column {
   void appendValue(const RawType& type, std::string_view bytes, ColumnData& to);
   void appendConverted(ColumnData& to);
   Conversion::Result resultFor(std::size_t row);
+  const Conversion::Result& resultOf(double number);
   void addResult(const Conversion::Result& result, std::size_t row, ColumnData& to);
   bool hasInvalidationBit() const;
   bool isValid(std::string_view record) const;
@@ -82,6 +88,7 @@ class Column {
   bool loads_physical_ = false;  ///< as doubles, which the conversion turns into others in place
   ColumnData raw_;               ///< values that wait for their conversion
   std::string text_;             ///< one of them
+  std::vector<Known> known_;     ///< numbers that were converted lately
   std::string gathered_;         ///< records from elsewhere
 };
 

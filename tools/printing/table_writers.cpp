@@ -19,7 +19,10 @@ using namespace mdf_reader;
 namespace {
 
 bool needsQuotes(std::string_view field) {
-  return field.find_first_of(",\"\r\n") != std::string_view::npos ||
+  const auto is_special = [](char character) {
+    return character == ',' || character == '"' || character == '\r' || character == '\n';
+  };
+  return std::any_of(field.begin(), field.end(), is_special) ||
          (!field.empty() && (field.front() == ' ' || field.back() == ' '));
 }
 
