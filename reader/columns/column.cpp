@@ -181,12 +181,13 @@ void Column::appendRaw(const RecordSpan& records, ColumnData& to) {
 void Column::appendEach(const RecordSpan& records, ColumnData& to) {
   for (std::size_t i = 0; i < records.count; ++i) {
     const std::string_view record = records.at(i);
-    if (!isValid(record)) {
-      to.addNulls(1);
-    } else if (source_.channel->type != Channel::variable_length) {
-      appendValue(type_, stored(record), to);
-    } else if (const auto bytes = found(record, records.number(i))) {
-      appendValue({type_.data_type, 0, std::uint64_t{bytes->size()} * 8}, *bytes, to);
+    const bool is_here = source_.channel->type != Channel::variable_length;
+    const auto bytes = !isValid(record) ? std::optional<std::string_view>()
+                       : is_here        ? std::optional(stored(record))
+                                        : found(record, records.number(i));
+    if (bytes) {
+      appendValue(is_here ? type_ : RawType{type_.data_type, 0, std::uint64_t{bytes->size()} * 8},
+                  *bytes, to);
     } else {
       to.addNulls(1);
     }

@@ -380,7 +380,10 @@ std::unique_ptr<RecordCursor> Records::read(const ChannelGroup& group) {
   if (areFramed()) {
     return readUnsorted(group);
   }
-  return ownsAllRecords(group) ? readSorted(group) : std::make_unique<CollectedCursor>();
+  if (ownsAllRecords(group)) {
+    return readSorted(group);
+  }
+  return std::make_unique<CollectedCursor>();
 }
 
 void Records::forEach(const ChannelGroup& group, const RecordVisitor& visit) {
@@ -490,7 +493,10 @@ std::unique_ptr<RecordCursor> Records::readUnsorted(const ChannelGroup& group) {
   if (most > 0 && bytesOf(group) > most_collected) {
     return std::make_unique<ScatteredCursor>(*this, group, most);
   }
-  return most == 0 ? std::make_unique<CollectedCursor>() : readCollected(group, most);
+  if (most > 0) {
+    return readCollected(group, most);
+  }
+  return std::make_unique<CollectedCursor>();
 }
 
 /// Goes through unsorted data from the beginning, until the visitor ends it.
