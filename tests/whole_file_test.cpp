@@ -1,15 +1,11 @@
 // A complete file with at least one block of every type and every link of the format in use. It is
-// put together from the library's blocks, compared byte for byte with the image written down by
-// hand, and walked by a decoder that knows the format's layouts and shares nothing with the
-// library.
+// put together from the library's blocks and compared byte for byte with the image written down by
+// hand.
 
 #include <gtest/gtest.h>
 
-#include <map>
-#include <set>
 #include <sstream>
 #include <string>
-#include <vector>
 
 #include "mdf_v4_10.h"
 #include "support/bytes.h"
@@ -255,167 +251,6 @@ TEST(WholeFile, EveryByteStandsAsTheFormatSays) {
   expectData(expected);
   ASSERT_EQ(expected.str().size(), static_cast<std::size_t>(at::end));
   EXPECT_BYTES(completeFile(), expected);
-}
-
-/// What the format knows of a block type: the bytes of its data section that do not vary, the types
-/// that each of its fixed links may lead to, and the types that its further links may lead to.
-struct TypeRules {
-  std::size_t data_section;
-  std::vector<std::string> fixed_links;
-  std::string further_links;
-};
-
-const std::map<std::string, TypeRules>& formatRules() {
-  static const std::string text = "TX MD", data = "DT SD RD DZ DL HL", none;
-  static const std::map<std::string, TypeRules> rules = {
-      {"HD", {32, {"DG", "FH", "CH", "AT", "EV", text}, none}},
-      {"FH", {16, {"FH", "MD"}, none}},
-      {"MD", {0, {}, none}},
-      {"TX", {0, {}, none}},
-      {"CH", {8, {"CH", "CH", "TX", text}, "DG CG CN"}},
-      {"AT", {40, {"AT", "TX", "TX", text}, none}},
-      {"EV", {32, {"EV", "EV", "EV", "TX", text}, "CN CG AT"}},
-      {"DG", {8, {"DG", "CG", data, text}, none}},
-      {"CG", {32, {"CG", "CN", "TX", "SI", "SR", text}, none}},
-      {"SI", {8, {"TX", "TX", text}, none}},
-      {"CN", {72, {"CN", "CN", "TX", "SI", "CC", "SD DL CG AT", text, text}, "AT DG CG CN"}},
-      {"CC", {24, {"TX", text, text, "CC"}, "TX CC"}},
-      {"DT", {0, {}, none}},
-      {"SD", {0, {}, none}},
-      {"RD", {0, {}, none}},
-      {"SR", {24, {"SR", "RD DZ DL HL"}, none}},
-      {"HL", {8, {"DL"}, none}},
-      {"DL", {8, {"DL"}, "DT SD RD DZ"}},
-      {"DZ", {24, {}, none}},
-  };
-  return rules;
-}
-
-/// Walks an image from its header block, by the layouts alone.
-class Decoder {
- public:
-  explicit Decoder(const std::string& image) : image_(image) {}
-
-  void walk() {
-    pending_.push_back(64);
-    while (!pending_.empty()) {
-      const std::size_t offset = pending_.back();
-      pending_.pop_back();
-      if (sizes_.count(offset) == 0) {
-        visit(offset);
-      }
-    }
-  }
-
-  std::string typeAt(std::size_t offset) const { return image_.substr(offset + 2, 2); }
-  const std::map<std::size_t, std::size_t>& sizes() const { return sizes_; }
-  const std::set<std::string>& types() const { return types_; }
-  /// "HD.0" for a first link of a header block that is not nil.
-  const std::set<std::string>& fixedLinksInUse() const { return fixed_links_in_use_; }
-  /// "EV to CN" for a further link.
-  const std::set<std::string>& furtherLinksInUse() const { return further_links_in_use_; }
-
- private:
-  std::uint64_t number(std::size_t offset, int width) const {
-    std::uint64_t value = 0;
-    for (int i = width; i-- > 0;) {
-      value =
-          value << 8U | static_cast<unsigned char>(image_.at(offset + static_cast<unsigned>(i)));
-    }
-    return value;
-  }
-
-  /// How many links stand in the block, whatever its link count says: the library's header lists
-  /// and channel hierarchies announce fewer.
-  std::size_t linksThatStand(const std::string& type, std::size_t offset) const {
-    const auto announced = static_cast<std::size_t>(number(offset + 16, 8));
-    if (type == "HL") {
-      EXPECT_EQ(announced, 0U);
-      return 1;
-    }
-    if (type == "CH") {
-      return announced + 2 * (announced - 4);
-    }
-    return announced;
-  }
-
-  void visit(std::size_t offset) {
-    SCOPED_TRACE("block at " + std::to_string(offset));
-    ASSERT_EQ(offset % 8, 0U);
-    ASSERT_EQ(image_.substr(offset, 2), "##");
-    ASSERT_EQ(number(offset + 4, 4), 0U);
-    const std::string type = typeAt(offset);
-    const auto length = static_cast<std::size_t>(number(offset + 8, 8));
-    ASSERT_LE(offset + length, image_.size());
-    sizes_[offset] = length;
-    types_.insert(type);
-    ASSERT_EQ(formatRules().count(type), 1U) << type;
-    const TypeRules& rules = formatRules().at(type);
-    const std::size_t link_count = linksThatStand(type, offset);
-    ASSERT_GE(length, 24 + 8 * link_count + rules.data_section);
-    ASSERT_GE(link_count, rules.fixed_links.size());
-    for (std::size_t i = 0; i < link_count; ++i) {
-      const auto target = static_cast<std::size_t>(number(offset + 24 + 8 * i, 8));
-      if (target != 0) {
-        follow(type, rules, i, target);
-      }
-    }
-  }
-
-  void follow(const std::string& type, const TypeRules& rules, std::size_t i, std::size_t target) {
-    const bool fixed = i < rules.fixed_links.size();
-    const std::string& allowed = fixed ? rules.fixed_links[i] : rules.further_links;
-    const std::string target_type = typeAt(target);
-    EXPECT_NE(allowed.find(target_type), std::string::npos) << type << " link " << i;
-    if (fixed) {
-      fixed_links_in_use_.insert(type + "." + std::to_string(i));
-    } else {
-      further_links_in_use_.insert(type + " to " + target_type);
-    }
-    pending_.push_back(target);
-  }
-
-  const std::string& image_;
-  std::vector<std::size_t> pending_;
-  std::map<std::size_t, std::size_t> sizes_;
-  std::set<std::string> types_;
-  std::set<std::string> fixed_links_in_use_;
-  std::set<std::string> further_links_in_use_;
-};
-
-TEST(WholeFile, HasEveryTypeAndEveryLinkOfTheFormat) {
-  const std::string image = completeFile();
-  Decoder decoder(image);
-  decoder.walk();
-  std::set<std::string> types;
-  std::set<std::string> fixed_links;
-  for (const auto& [type, rules] : formatRules()) {
-    types.insert(type);
-    for (std::size_t i = 0; i < rules.fixed_links.size(); ++i) {
-      fixed_links.insert(type + "." + std::to_string(i));
-    }
-  }
-  EXPECT_EQ(decoder.types(), types);
-  EXPECT_EQ(decoder.fixedLinksInUse(), fixed_links);
-  EXPECT_EQ(
-      decoder.furtherLinksInUse(),
-      (std::set<std::string>{"CC to TX", "CH to CG", "CH to CN", "CH to DG", "CN to AT", "CN to CG",
-                             "CN to CN", "CN to DG", "DL to DZ", "EV to AT", "EV to CN"}));
-}
-
-TEST(WholeFile, BlocksFillTheFileWithFewerThanEightZeroBytesBetween) {
-  const std::string image = completeFile();
-  Decoder decoder(image);
-  decoder.walk();
-  std::size_t end = 64;
-  for (const auto& [offset, size] : decoder.sizes()) {
-    ASSERT_GE(offset, end);
-    ASSERT_LT(offset - end, 8U);
-    EXPECT_EQ(image.substr(end, offset - end), std::string(offset - end, '\0'));
-    end = offset + size;
-  }
-  EXPECT_LT(image.size() - end, 8U);
-  EXPECT_EQ(image.substr(end), std::string(image.size() - end, '\0'));
 }
 
 }  // namespace

@@ -139,10 +139,7 @@ static_assert(has<LINK(std::ifstream&) const>(&B::seekgDefaultXAxisdgblock,
     &B::seekgDefaultXAxiscgblock, &B::seekgDefaultXAxiscnblock));
 
 static_assert(has<UINT16() const>(&B::getAttachementCount));
-static_assert(has<void(LINK)>(&B::addAttachement));
 static_assert(has<LINK(UINT16) const>(&B::getAttachementAt));
-static_assert(has<void(UINT16)>(&B::removeAttachementeAt));
-static_assert(has<LINK(std::ifstream&, UINT16) const>(&B::seekgAttachementAt));
 
 static_assert(has<std::string() const>(&B::getValidMDXMLSchemaName, &B::getValidUnitXMLSchemaName));
 
@@ -203,13 +200,8 @@ static_assert(has<std::vector<REAL>>(&B::cc_vals));
 
 static_assert(constructs<B, B::MDF_CC_TYPE_t>());
 
-static_assert(has<void(LINK)>(&B::addReference));
 static_assert(has<bool(UINT16, LINK&) const>(&B::getReferenceAtIndex));
-static_assert(has<void(UINT16)>(&B::removeReferenceAtIndex));
-static_assert(has<LINK(std::ifstream&, UINT16) const>(&B::seekgReferenceAt));
-static_assert(has<void(REAL)>(&B::addValue));
 static_assert(has<bool(UINT16, REAL&) const>(&B::getValueAtIndex));
-static_assert(has<void(UINT16)>(&B::removeValueAtIndex));
 
 static_assert(has<std::string() const>(&B::getValidMDXMLSchemaName, &B::getValidUnitXMLSchemaName));
 

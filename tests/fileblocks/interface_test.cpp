@@ -236,16 +236,10 @@ static_assert(constructs<B, B::MDF_EV_TYPE_t, B::MDF_EV_SYNCTYPE_t, B::MDF_EV_RA
                          B::MDF_EV_CAUSETYPE_t>());
 
 static_assert(has<UINT32() const>(&B::getScopeCount));
-static_assert(has<void(LINK)>(&B::addScope));
 static_assert(has<LINK(UINT32) const>(&B::getScopeAt));
-static_assert(has<void(UINT32)>(&B::removeScopeAt));
-static_assert(has<LINK(std::ifstream&, UINT32) const>(&B::seekgScopeAt));
 
 static_assert(has<UINT16() const>(&B::getAttachmentCount));
-static_assert(has<void(LINK)>(&B::addAttachment));
 static_assert(has<LINK(UINT16) const>(&B::getAttachmentAt));
-static_assert(has<void(UINT16)>(&B::removeAttachmentAt));
-static_assert(has<LINK(std::ifstream&, UINT16) const>(&B::seekgAttachmentAt));
 
 static_assert(has<std::string() const>(&B::getValidMDXMLSchemaName));
 

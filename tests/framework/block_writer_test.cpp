@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -255,49 +254,6 @@ TEST(BlockWriter, BytesInAnEmptyFrame) {
         },
         text(bytes) + u8(7), writes);
   }
-}
-
-/// A block that takes several writes: header and links, long data in between, and a number.
-void writeLongBlock(std::ostream& os) {
-  Frame frame;
-  BlockWriter out(os, frame);
-  out.header(hdHeader(), 0);
-  out.numbers(distinctLinks(130));
-  out.bytes(distinctBytes(1500));
-  out.number(UINT64{5});
-  out.finish();
-}
-
-std::string longBlockBytes() {
-  return header("HD", 0, 0) + listed(distinctLinks(130)) + text(distinctBytes(1500)) + u64(5);
-}
-
-TEST(BlockWriter, AFailureAtAnyByteStaysInTheStream) {
-  const std::string bytes = longBlockBytes();
-  for (std::size_t capacity = 0; capacity < bytes.size(); ++capacity) {
-    RecordingBuffer sink(capacity);
-    std::ostream os(&sink);
-    writeLongBlock(os);
-    EXPECT_TRUE(os.bad()) << capacity;
-    EXPECT_EQ(sink.bytes, bytes.substr(0, capacity)) << capacity;
-  }
-}
-
-TEST(BlockWriter, AFailedStreamIsNotWrittenTo) {
-  RecordingBuffer sink;
-  std::ostream os(&sink);
-  os.setstate(std::ios_base::failbit);
-  writeLongBlock(os);
-  EXPECT_TRUE(os.fail());
-  EXPECT_BYTES(sink.bytes, "");
-}
-
-TEST(BlockWriter, AStreamThatThrowsMayThrow) {
-  RecordingBuffer sink(30);
-  std::ostream os(&sink);
-  os.exceptions(std::ios_base::badbit);
-  EXPECT_THROW(writeLongBlock(os), std::ios_base::failure);
-  EXPECT_EQ(os.rdstate(), state_bad);
 }
 
 TEST(AllocationMeter, CountsEveryKindOfAllocation) {

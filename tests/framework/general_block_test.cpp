@@ -19,25 +19,12 @@ namespace {
 /// Opens up what a block class builds on.
 class Block : public GENERALBLOCK {
  public:
-  using GENERALBLOCK::copyEntryAt;
   using GENERALBLOCK::GENERALBLOCK;
 
-  using GENERALBLOCK::entryAt;
-  using GENERALBLOCK::linkAt;
   using GENERALBLOCK::read;
-  using GENERALBLOCK::removeEntryAt;
   using GENERALBLOCK::seekg;
-  using GENERALBLOCK::seekgEntryAt;
-  using GENERALBLOCK::setLinkAt;
   using GENERALBLOCK::writex;
 };
-
-TEST(GENERALBLOCK, StartsOutWithoutLengthAndLinks) {
-  const Block block(0x4448);
-  EXPECT_BYTES(written(block.header), header("HD", 0, 0));
-  EXPECT_TRUE(block.links.empty());
-  EXPECT_EQ(block.m_pad, 0);
-}
 
 TEST(GENERALBLOCK, StartsOutWithTheLengthAndTheNilLinksAskedFor) {
   const Block block(0x4448, 64, 4);
@@ -86,18 +73,6 @@ TEST(GENERALBLOCK, HeaderCanBeChanged) {
   block.getHeader().setLinkCount(5);
   EXPECT_EQ(&block.getHeader(), &block.header);
   EXPECT_BYTES(written(static_cast<const Block&>(block).getHeader()), header("HD", 72, 5));
-}
-
-TEST(GENERALBLOCK, CopiesAreIndependent) {
-  Block block(0x4448, 64, 2);
-  block.setPadding(3);
-  const Block copy = block;
-  block.header.length = 1;
-  block.links[0] = 9;
-  block.setPadding(4);
-  EXPECT_EQ(copy.header.length, 64U);
-  EXPECT_EQ(linksOf(copy), (std::vector<LINK>{0, 0}));
-  EXPECT_EQ(copy.getPadding(), 3);
 }
 
 TEST(GENERALBLOCK, SeekPositionsTheStreamAndReturnsTheLink) {
@@ -168,71 +143,6 @@ TEST(GENERALBLOCK, WritesBytesAsTheyAre) {
   Block::writex(os, bytes.data(), bytes.size());
   Block::writex(os, bytes.data(), 0);
   EXPECT_BYTES(os.str(), bytes);
-}
-
-TEST(GENERALBLOCK, MissingLinksAreNil) {
-  Block block(0x4448, 64, 2);
-  block.links = {5, 6};
-  EXPECT_EQ(block.linkAt(0), 5);
-  EXPECT_EQ(block.linkAt(1), 6);
-  EXPECT_EQ(block.linkAt(2), 0);
-}
-
-TEST(GENERALBLOCK, StoringAMissingLinkPutsNilLinksInFrontOfIt) {
-  Block block(0x4448);
-  block.setLinkAt(2, 7);
-  EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, 7}));
-  block.setLinkAt(0, 5);
-  EXPECT_EQ(linksOf(block), (std::vector<LINK>{5, 0, 7}));
-  block.setLinkAt(3, 8);
-  EXPECT_EQ(linksOf(block), (std::vector<LINK>{5, 0, 7, 8}));
-  EXPECT_EQ(block.header.link_count, 0U);
-}
-
-TEST(GENERALBLOCK, EntriesOfAListAreNilBeyondItsEnd) {
-  const std::vector<LINK> list{5, 6};
-  EXPECT_EQ(Block::entryAt(list, 1), 6);
-  EXPECT_EQ(Block::entryAt(list, 2), 0);
-  EXPECT_EQ(Block::entryAt(list, SIZE_MAX), 0);
-  EXPECT_EQ(Block::entryAt({}, 0), 0);
-}
-
-TEST(GENERALBLOCK, SeekToAListEntryStaysWithoutOne) {
-  const LinkTargetFile file;
-  const Block block(0x4448);
-  const std::vector<LINK> list{500, 0};
-  const auto seekTo = [&](std::size_t index) {
-    return [&, index](std::ifstream& ifs) { return block.seekgEntryAt(ifs, list, index); };
-  };
-  file.expectFollows(seekTo(0), 500);
-  file.expectFollows(seekTo(1), 0);
-  file.expectStays(seekTo(2));
-  file.expectStays(seekTo(SIZE_MAX));
-}
-
-TEST(GENERALBLOCK, RemovingAListEntryMovesLaterOnesForward) {
-  std::vector<LINK> list{5, 6, 7};
-  Block::removeEntryAt(list, 3);
-  Block::removeEntryAt(list, SIZE_MAX);
-  EXPECT_EQ(list, (std::vector<LINK>{5, 6, 7}));
-  Block::removeEntryAt(list, 1);
-  EXPECT_EQ(list, (std::vector<LINK>{5, 7}));
-  Block::removeEntryAt(list, 1);
-  Block::removeEntryAt(list, 0);
-  Block::removeEntryAt(list, 0);
-  EXPECT_TRUE(list.empty());
-}
-
-TEST(GENERALBLOCK, CopyingAListEntryLeavesTheTargetAloneWithoutOne) {
-  const std::vector<LINK> list{5, 6};
-  LINK entry = 9;
-  EXPECT_TRUE(Block::copyEntryAt(list, 1, entry));
-  EXPECT_EQ(entry, 6);
-  entry = 9;
-  EXPECT_FALSE(Block::copyEntryAt(list, 2, entry));
-  EXPECT_FALSE(Block::copyEntryAt(list, SIZE_MAX, entry));
-  EXPECT_FALSE(Block::copyEntryAt({}, 0, entry));
-  EXPECT_EQ(entry, 9);
 }
 
 }  // namespace

@@ -71,13 +71,6 @@ TYPED_TEST(WireInteger, PowersOfTwoAndTheirNeighbours) {
   }
 }
 
-TYPED_TEST(WireInteger, Limits) {
-  using Limits = std::numeric_limits<TypeParam>;
-  const std::uint64_t top = std::uint64_t{1} << (8 * sizeof(TypeParam) - 1);
-  expectCrosses(Limits::max(), std::is_signed_v<TypeParam> ? top - 1 : UINT64_MAX);
-  expectCrosses(Limits::min(), std::is_signed_v<TypeParam> ? top : 0);
-}
-
 TEST(Wire, LowByteComesFirst) {
   EXPECT_BYTES(stored(std::uint8_t{0x81}), u8(0x81));
   EXPECT_BYTES(stored(std::uint16_t{0x8102}), u8(0x02, 0x81));

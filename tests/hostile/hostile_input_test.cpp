@@ -71,7 +71,7 @@ Reading readAndDump(const std::string& bytes, std::size_t heap_bytes, std::strin
 
 template <class Block>
 Subject subjectOf() {
-  return {BlockNames::GetName<Block>(0).substr(0, 2), goldenBlocks<Block>(), readAndDump<Block>};
+  return {lettersOf<Block>(), goldenBlocks<Block>(), readAndDump<Block>};
 }
 
 /// Reads hostile bytes with one class. After the first fault the rest is left alone.

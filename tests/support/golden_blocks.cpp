@@ -1,6 +1,8 @@
 #include "golden_blocks.h"
 
 #include <cstdint>
+#include <map>
+#include <stdexcept>
 
 #include "bytes.h"
 
@@ -9,6 +11,8 @@ namespace mdf_tests {
 using namespace mdf_v4_10;
 
 namespace {
+
+using Blocks = std::map<std::string, std::vector<std::string>>;
 
 /// A header whose reserved bytes are not zero, as a file may have it.
 std::string headerOf(const std::string& letters, std::uint64_t length, std::uint64_t link_count) {
@@ -54,129 +58,86 @@ std::string largeConversion() {
   return bytes;
 }
 
+Blocks fileBlocks() {
+  return {
+      {"ID",
+       {std::string("MDF     ") + "4.10    " + "TESTPROG" + u8(0xB1, 0xB2, 0xB3, 0xB4) + u16(410) +
+        "thirty-four bytes that are not 0!!"}},
+      {"HD",
+       {headerOf("HD", 104, 6) + links(0x1101, 0x1102, 0x1103, 0x1104, 0x1105, 0x1106) +
+        u64(0x1718191A1B1C1D1E) + u16(-90, 60) + u8(3, 16, 2, 0xB1) + f64(1.25, -1234.5)}},
+      {"TX", textBlock("TX")},
+      {"MD", textBlock("MD")},
+      {"FH",
+       {headerOf("FH", 56, 2) + links(0x1201, 0x1202) + u64(0x2728292A2B2C2D2E) + u16(-120, 61) +
+        u8(2) + u8(0xB1, 0xB2, 0xB3)}},
+      // All links of the elements counted, and one counted for each element.
+      {"CH", {hierarchy(10), hierarchy(6)}},
+      {"AT",
+       {headerOf("AT", 96 + 19, 4) + links(0x1401, 0x1402, 0x1403, 0x1404) + u16(7, 0x0302) +
+        u8(0xB1, 0xB2, 0xB3, 0xB4) + "MD5 checksum, 16" + u64(0x3738393A3B3C3D3E, 19) +
+        "19 bytes of content"}},
+      {"EV",
+       {headerOf("EV", 96 + 8 * 5, 10) + links(0x1501, 0x1502, 0x1503, 0x1504, 0x1505) +
+        links(0x1511, 0x1512, 0x1513) + links(0x1521, 0x1522) + u8(6, 4, 2, 5, 1) +
+        u8(0xB1, 0xB2, 0xB3) + u32(3) + u16(2, 0x0908) + links(-0x4748494A4B4C4D4E) + f64(0.125)}},
+  };
+}
+
+Blocks descriptionBlocks() {
+  return {
+      {"DG",
+       {headerOf("DG", 64, 4) + links(0x2101, 0x2102, 0x2103, 0x2104) + u8(3) +
+        u8(0xB1, 0xB2, 0xB3, 0xB4, 0xB5, 0xB6, 0xB7)}},
+      {"CG",
+       {headerOf("CG", 104, 6) + links(0x2201, 0x2202, 0x2203, 0x2204, 0x2205, 0x2206) +
+        u64(0x5758595A5B5C5D5E, 0x6768696A6B6C6D6E) + u16(0x0106, 46) + u8(0xB1, 0xB2, 0xB3, 0xB4) +
+        u32(0x71727374, 0x81828384)}},
+      {"SI",
+       {headerOf("SI", 56, 3) + links(0x2301, 0x2302, 0x2303) + u8(4, 2, 1) +
+        u8(0xB1, 0xB2, 0xB3, 0xB4, 0xB5)}},
+      // Two attachments, and one with a default X axis.
+      {"CN",
+       {channel(links(0x2411, 0x2412), 0x00010FFF, 2),
+        channel(links(0x2411, 0x2421, 0x2422, 0x2423), 0x00011FFF, 1)}},
+      {"CC",
+       {headerOf("CC", 80 + 8 * 3 + 8 * 4, 7) + links(0x2501, 0x2502, 0x2503, 0x2504) +
+            links(0x2511, 0x2512, 0x2513) + u8(7, 5) + u16(0x0106, 3, 4) +
+            f64(-7.25, 8.75, 0.1, 0.2, 0.3, 0.4),
+        largeConversion()}},
+  };
+}
+
+Blocks blocksOfData() {
+  return {
+      {"DT", dataBlock("DT")},
+      {"RD", dataBlock("RD")},
+      {"SD", dataBlock("SD")},
+      {"DL",
+       {headerOf("DL", 48 + 8 * 3, 4) + links(0x3101, 0x3111, 0x3112, 0x3113) + u8(1) +
+            u8(0xB1, 0xB2, 0xB3) + u32(3) + u64(0x010203),
+        headerOf("DL", 40 + 16 * 3, 4) + links(0x3102, 0x3121, 0x3122, 0x3123) + u8(0x10) +
+            u8(0xB1, 0xB2, 0xB3) + u32(3) + u64(0x010101, 0x020202, 0x030303)}},
+      {"DZ",
+       {headerOf("DZ", 48 + 14, 0) + "SD" + u8(1, 0xB1) + u32(0x41424344) +
+        u64(0x7778797A7B7C7D7E, 14) + "14 bytes of it"}},
+      // The link counted, and not counted.
+      {"HL", {headerList(1), headerList(0)}},
+      {"SR",
+       {headerOf("SR", 64, 2) + links(0x3301, 0x3302) + u64(0x8788898A8B8C8D8E) + f64(0.75) +
+        u8(4, 3) + u8(0xB1, 0xB2, 0xB3, 0xB4, 0xB5, 0xB6)}},
+  };
+}
+
 }  // namespace
 
-template <>
-std::vector<std::string> goldenBlocks<IDBLOCK>() {
-  return {std::string("MDF     ") + "4.10    " + "TESTPROG" + u8(0xB1, 0xB2, 0xB3, 0xB4) +
-          u16(410) + "thirty-four bytes that are not 0!!"};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<HDBLOCK>() {
-  return {headerOf("HD", 104, 6) + links(0x1101, 0x1102, 0x1103, 0x1104, 0x1105, 0x1106) +
-          u64(0x1718191A1B1C1D1E) + u16(-90, 60) + u8(3, 16, 2, 0xB1) + f64(1.25, -1234.5)};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<TXBLOCK>() {
-  return textBlock("TX");
-}
-
-template <>
-std::vector<std::string> goldenBlocks<MDBLOCK>() {
-  return textBlock("MD");
-}
-
-template <>
-std::vector<std::string> goldenBlocks<FHBLOCK>() {
-  return {headerOf("FH", 56, 2) + links(0x1201, 0x1202) + u64(0x2728292A2B2C2D2E) + u16(-120, 61) +
-          u8(2) + u8(0xB1, 0xB2, 0xB3)};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<CHBLOCK>() {
-  // All links of the elements counted, and one counted for each element.
-  return {hierarchy(10), hierarchy(6)};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<ATBLOCK>() {
-  return {headerOf("AT", 96 + 19, 4) + links(0x1401, 0x1402, 0x1403, 0x1404) + u16(7, 0x0302) +
-          u8(0xB1, 0xB2, 0xB3, 0xB4) + "MD5 checksum, 16" + u64(0x3738393A3B3C3D3E, 19) +
-          "19 bytes of content"};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<EVBLOCK>() {
-  return {headerOf("EV", 96 + 8 * 5, 10) + links(0x1501, 0x1502, 0x1503, 0x1504, 0x1505) +
-          links(0x1511, 0x1512, 0x1513) + links(0x1521, 0x1522) + u8(6, 4, 2, 5, 1) +
-          u8(0xB1, 0xB2, 0xB3) + u32(3) + u16(2, 0x0908) + links(-0x4748494A4B4C4D4E) + f64(0.125)};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<DGBLOCK>() {
-  return {headerOf("DG", 64, 4) + links(0x2101, 0x2102, 0x2103, 0x2104) + u8(3) +
-          u8(0xB1, 0xB2, 0xB3, 0xB4, 0xB5, 0xB6, 0xB7)};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<CGBLOCK>() {
-  return {headerOf("CG", 104, 6) + links(0x2201, 0x2202, 0x2203, 0x2204, 0x2205, 0x2206) +
-          u64(0x5758595A5B5C5D5E, 0x6768696A6B6C6D6E) + u16(0x0106, 46) +
-          u8(0xB1, 0xB2, 0xB3, 0xB4) + u32(0x71727374, 0x81828384)};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<SIBLOCK>() {
-  return {headerOf("SI", 56, 3) + links(0x2301, 0x2302, 0x2303) + u8(4, 2, 1) +
-          u8(0xB1, 0xB2, 0xB3, 0xB4, 0xB5)};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<CNBLOCK>() {
-  const std::string two_attachments = links(0x2411, 0x2412);
-  const std::string attachment_and_x_axis = links(0x2411, 0x2421, 0x2422, 0x2423);
-  return {channel(two_attachments, 0x00010FFF, 2), channel(attachment_and_x_axis, 0x00011FFF, 1)};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<CCBLOCK>() {
-  return {headerOf("CC", 80 + 8 * 3 + 8 * 4, 7) + links(0x2501, 0x2502, 0x2503, 0x2504) +
-              links(0x2511, 0x2512, 0x2513) + u8(7, 5) + u16(0x0106, 3, 4) +
-              f64(-7.25, 8.75, 0.1, 0.2, 0.3, 0.4),
-          largeConversion()};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<DTBLOCK>() {
-  return dataBlock("DT");
-}
-
-template <>
-std::vector<std::string> goldenBlocks<RDBLOCK>() {
-  return dataBlock("RD");
-}
-
-template <>
-std::vector<std::string> goldenBlocks<SDBLOCK>() {
-  return dataBlock("SD");
-}
-
-template <>
-std::vector<std::string> goldenBlocks<DLBLOCK>() {
-  return {headerOf("DL", 48 + 8 * 3, 4) + links(0x3101, 0x3111, 0x3112, 0x3113) + u8(1) +
-              u8(0xB1, 0xB2, 0xB3) + u32(3) + u64(0x010203),
-          headerOf("DL", 40 + 16 * 3, 4) + links(0x3102, 0x3121, 0x3122, 0x3123) + u8(0x10) +
-              u8(0xB1, 0xB2, 0xB3) + u32(3) + u64(0x010101, 0x020202, 0x030303)};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<DZBLOCK>() {
-  return {headerOf("DZ", 48 + 14, 0) + "SD" + u8(1, 0xB1) + u32(0x41424344) +
-          u64(0x7778797A7B7C7D7E, 14) + "14 bytes of it"};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<HLBLOCK>() {
-  // The link counted, and not counted.
-  return {headerList(1), headerList(0)};
-}
-
-template <>
-std::vector<std::string> goldenBlocks<SRBLOCK>() {
-  return {headerOf("SR", 64, 2) + links(0x3301, 0x3302) + u64(0x8788898A8B8C8D8E) + f64(0.75) +
-          u8(4, 3) + u8(0xB1, 0xB2, 0xB3, 0xB4, 0xB5, 0xB6)};
+std::vector<std::string> goldenBlocksOf(const std::string& letters) {
+  for (const Blocks& blocks : {fileBlocks(), descriptionBlocks(), blocksOfData()}) {
+    if (const auto found = blocks.find(letters); found != blocks.end()) {
+      return found->second;
+    }
+  }
+  throw std::invalid_argument("no block of type " + letters);
 }
 
 }  // namespace mdf_tests

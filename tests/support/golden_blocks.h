@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include "blocks.h"
 #include "mdf_v4_10.h"
 
 namespace mdf_tests {
@@ -23,49 +25,19 @@ using EveryBlock =
 /// Whole blocks as they stand in a file, each with all of its variable parts, and one for each form
 /// that a flag or a count gives the block. Every field, reserved bytes included, has a value of its
 /// own. A zipped block's reader takes as many bytes again as the block has compressed ones.
-template <class Block>
-std::vector<std::string> goldenBlocks();
+std::vector<std::string> goldenBlocksOf(const std::string& letters);
 
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::IDBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::HDBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::TXBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::MDBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::FHBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::CHBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::ATBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::EVBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::DGBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::CGBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::SIBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::CNBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::CCBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::DTBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::RDBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::SDBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::DLBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::DZBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::HLBLOCK>();
-template <>
-std::vector<std::string> goldenBlocks<mdf_v4_10::SRBLOCK>();
+/// The letters of a class's blocks, "ID" for the identification.
+template <class Block>
+std::string lettersOf() {
+  std::istringstream nothing;
+  return written(Block(nothing).header).substr(2, 2);
+}
+
+template <class Block>
+std::vector<std::string> goldenBlocks() {
+  return goldenBlocksOf(lettersOf<Block>());
+}
 
 template <class Block, class... Blocks>
 constexpr bool is_one_of = (std::is_same_v<Block, Blocks> || ...);
@@ -74,9 +46,7 @@ constexpr bool is_one_of = (std::is_same_v<Block, Blocks> || ...);
 struct BlockNames {
   template <class Block>
   static std::string GetName(int /*index*/) {
-    // All but the identification block have their letters after the two "#".
-    const bool is_identification = std::is_same_v<Block, mdf_v4_10::IDBLOCK>;
-    return (is_identification ? "ID" : goldenBlocks<Block>().front().substr(2, 2)) + "BLOCK";
+    return lettersOf<Block>() + "BLOCK";
   }
 };
 
