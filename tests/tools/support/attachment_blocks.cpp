@@ -6,13 +6,8 @@ std::uint64_t addAttachment(FileBuilder& file, const AttachmentSpec& spec) {
   const std::uint64_t name = spec.name.empty() ? 0 : file.text(spec.name);
   const std::uint64_t mime_type = spec.mime_type.empty() ? 0 : file.text(spec.mime_type);
   return file.add("AT", {0, name, mime_type, 0},
-                  Bytes()
-                      .u16(spec.flags)
-                      .zeros(6)
-                      .text(spec.digest)
-                      .u64(spec.original_size)
-                      .u64(spec.data.size())
-                      .text(spec.data));
+                  u16(spec.flags) + zeros(6) + spec.digest +
+                      u64(spec.original_size, spec.data.size()) + spec.data);
 }
 
 std::string zippedAbc() {

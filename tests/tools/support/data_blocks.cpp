@@ -1,7 +1,5 @@
 #include "data_blocks.h"
 
-#include <algorithm>
-
 namespace mdf_tests {
 
 namespace {
@@ -28,11 +26,8 @@ std::vector<std::string> piecesOf(const std::string& bytes, std::size_t size) {
 
 std::uint64_t addNumberedList(FileBuilder& file, std::vector<std::uint64_t> links,
                               std::uint8_t flags, const std::vector<std::uint64_t>& numbers) {
-  Bytes contents;
-  contents.u8(flags).zeros(3).u32(static_cast<std::uint32_t>(links.size()));
-  for (const std::uint64_t number : numbers) {
-    contents.u64(number);
-  }
+  const std::string contents = u8(flags, 0, 0, 0) + u32(links.size()) +
+                               listed(std::vector<std::int64_t>(numbers.begin(), numbers.end()));
   links.insert(links.begin(), 0);
   return file.add("DL", links, contents);
 }
@@ -73,14 +68,7 @@ std::string zippedZeros(std::size_t count) { return storedStream(std::string(cou
 
 std::string zippedFields(std::uint64_t original_size, const std::string& stream,
                          const std::string& type, unsigned zip_type, std::uint32_t columns) {
-  return Bytes()
-      .text(type)
-      .u8(static_cast<std::uint8_t>(zip_type))
-      .u8(0)
-      .u32(columns)
-      .u64(original_size)
-      .u64(stream.size())
-      .text(stream);
+  return type + u8(zip_type, 0) + u32(columns) + u64(original_size, stream.size()) + stream;
 }
 
 std::uint64_t addZipped(FileBuilder& file, const std::string& type, const std::string& bytes,
@@ -114,21 +102,16 @@ std::uint64_t addValueList(FileBuilder& file, const ValueListSpec& spec) {
   std::vector<std::uint64_t> links = {0};
   links.insert(links.end(), spec.data.begin(), spec.data.end());
   links.insert(links.end(), spec.invalidation.begin(), spec.invalidation.end());
-  Bytes contents;
-  contents.u32(invalidation_flag | (spec.equal_count == 0 ? 0U : 1U));
-  contents.u32(static_cast<std::uint32_t>(spec.data.size()));
-  for (const std::uint64_t offset : spec.offsets) {
-    contents.u64(offset);
-  }
-  if (spec.equal_count != 0) {
-    contents.u64(spec.equal_count);
-  }
-  return file.add("LD", links, contents);
+  const bool is_equal = spec.equal_count != 0;
+  return file.add("LD", links,
+                  u32(invalidation_flag | (is_equal ? 1U : 0U), spec.data.size()) +
+                      listed(std::vector<std::int64_t>(spec.offsets.begin(), spec.offsets.end())) +
+                      (is_equal ? u64(spec.equal_count) : ""));
 }
 
 std::uint64_t addHeaderList(FileBuilder& file, std::uint64_t list, std::uint16_t flags,
                             std::uint8_t zip_type) {
-  return file.add("HL", {list}, Bytes().u16(flags).u8(zip_type).zeros(5));
+  return file.add("HL", {list}, u16(flags) + u8(zip_type) + zeros(5));
 }
 
 std::vector<std::uint64_t> addPieces(FileBuilder& file, const std::string& type,

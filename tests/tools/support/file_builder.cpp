@@ -19,62 +19,32 @@ std::string versionText(unsigned version) {
   return text;
 }
 
-std::uint8_t byteOf(unsigned value) { return static_cast<std::uint8_t>(value); }
-
 }  // namespace
 
 std::string ChannelSpec::fields() const {
-  return Bytes()
-      .u8(byteOf(type))
-      .u8(byteOf(sync_type))
-      .u8(byteOf(data_type))
-      .u8(byteOf(bit_offset))
-      .u32(byte_offset)
-      .u32(bit_count)
-      .u32(flags)
-      .u32(invalidation_bit)
-      .zeros(2)
-      .u16(attachments)
-      .f64(range_min)
-      .f64(range_max)
-      .zeros(32);
+  return u8(type, sync_type, data_type, bit_offset) +
+         u32(byte_offset, bit_count, flags, invalidation_bit) + u16(0, attachments) +
+         f64(range_min, range_max) + zeros(32);
 }
 
 std::string GroupSpec::fields() const {
-  return Bytes()
-      .u64(record_id)
-      .u64(cycles)
-      .u16(flags)
-      .zeros(6)
-      .u32(data_bytes)
-      .u32(invalidation_bytes);
+  return u64(record_id, cycles) + u16(flags) + zeros(6) + u32(data_bytes, invalidation_bytes);
 }
 
-std::string dataGroupFields(unsigned record_id_size) {
-  return Bytes().u8(byteOf(record_id_size)).zeros(7);
-}
+std::string dataGroupFields(unsigned record_id_size) { return u8(record_id_size) + zeros(7); }
 
 FileBuilder::FileBuilder(const std::string& file_word, unsigned version) {
-  bytes_ = Bytes()
-               .text(file_word)
-               .text(versionText(version))
-               .text("testprog")
-               .zeros(4)
-               .u16(static_cast<std::uint16_t>(version))
-               .zeros(34);
-  add("HD", {0, 0, 0, 0, 0, 0}, Bytes().zeros(32));
+  bytes_ = file_word + versionText(version) + "testprog" + zeros(4) + u16(version) + zeros(34);
+  add("HD", {0, 0, 0, 0, 0, 0}, zeros(32));
 }
 
 std::uint64_t FileBuilder::add(const std::string& letters, const std::vector<std::uint64_t>& links,
                                const std::string& contents) {
   bytes_.resize((bytes_.size() + 7) / 8 * 8);
   const std::uint64_t offset = bytes_.size();
-  Bytes block;
-  block.header(letters, header_size + link_size * links.size() + contents.size(), links.size());
-  for (const std::uint64_t link : links) {
-    block.u64(link);
-  }
-  bytes_ += block.text(contents).str();
+  const std::size_t length = header_size + link_size * links.size() + contents.size();
+  bytes_ += mdf_tests::header(letters, length, links.size()) +
+            listed(std::vector<std::int64_t>(links.begin(), links.end())) + contents;
   return offset;
 }
 
@@ -133,25 +103,19 @@ std::uint64_t FileBuilder::addDataGroup(const std::vector<std::uint64_t>& groups
 std::uint64_t FileBuilder::addConversion(const ConversionSpec& spec) {
   std::vector<std::uint64_t> links = {textOrNone(spec.name), textOrNone(spec.unit), 0, 0};
   links.insert(links.end(), spec.refs.begin(), spec.refs.end());
-  Bytes contents;
-  contents.u8(byteOf(spec.type))
-      .u8(0)
-      .u16(0)
-      .u16(static_cast<std::uint16_t>(spec.refs.size()))
-      .u16(static_cast<std::uint16_t>(spec.values.size()))
-      .zeros(16);
+  std::string values;
   for (const double value : spec.values) {
-    contents.f64(value);
+    values += f64(value);
   }
-  return add("CC", links, contents);
+  return add("CC", links,
+             u8(spec.type, 0) + u16(0, spec.refs.size(), spec.values.size()) + zeros(16) + values);
 }
 
 std::uint64_t FileBuilder::addSource(const std::string& name, const std::string& path,
                                      unsigned type, unsigned bus_type) {
   const std::uint64_t name_text = textOrNone(name);
   const std::uint64_t path_text = textOrNone(path);
-  return add("SI", {name_text, path_text, 0},
-             Bytes().u8(byteOf(type)).u8(byteOf(bus_type)).zeros(6));
+  return add("SI", {name_text, path_text, 0}, u8(type, bus_type) + zeros(6));
 }
 
 void FileBuilder::chain(const std::vector<std::uint64_t>& blocks) {
@@ -161,7 +125,7 @@ void FileBuilder::chain(const std::vector<std::uint64_t>& blocks) {
 }
 
 void FileBuilder::link(std::uint64_t block, std::size_t index, std::uint64_t target) {
-  write(block + header_size + link_size * index, Bytes().u64(target));
+  write(block + header_size + link_size * index, u64(target));
 }
 
 void FileBuilder::write(std::uint64_t offset, const std::string& bytes) {

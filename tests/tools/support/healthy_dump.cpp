@@ -1,264 +1,73 @@
-#include <algorithm>
+#include <sstream>
 
 #include "healthy_file.h"
+#include "mdf_v4_10.h"
 
 namespace mdf_tests {
 
+using namespace mdf_v4_10;
+
 namespace {
 
-// A tilde stands for a byte of zero.
+/// What the class of a block that stands at an offset shows of it. The tests of the classes say
+/// what that is.
+template <class Block>
+std::string shown(std::streamoff offset) {
+  std::istringstream is(healthyFile());
+  is.seekg(offset);
+  std::ostringstream os;
+  Block(is).print(os);
+  return os.str();
+}
 
-const char* const frame_dump =
-    "0 (0x0) identification length 64\n"
-    "[DEBUG] ==================== IDBLOCK ===================\n"
-    "file identifier = MDF     \n"
-    "format identifier = 4.10    \n"
-    "programm identfier = testprog\n"
-    "version number = 410\n"
-    "[DEBUG] ==================== End of IDBLOCK ===================\n"
-    "64 (0x40) ##HD length 104 links 6: hd_dg_first=312 hd_fh_first=168 hd_ch_first=992 "
-    "hd_at_first=1080 hd_ev_first=1184 hd_md_comment=224\n"
-    "[DEBUG] ==================== HDBLOCK ===================\n"
-    "block size = 104\n"
-    "first data group block (pointer) = 312\n"
-    "first file history block (pointer) = 168\n"
-    "first channel hierarchy block (pointer) = 992\n"
-    "first attachement block (pointer) = 1080\n"
-    "first event block (pointer) = 1184\n"
-    "file comment (pointer) = 224\n"
-    "start time = 1000000007\n"
-    "UTC time offset = 60\n"
-    "DST time offset = 0\n"
-    "time flags = 2\n"
-    "time quality class = 10\n"
-    "flags = 3\n"
-    "start angle = 0.5\n"
-    "start distance = 1500.25\n"
-    "[DEBUG] ==================== End of HDBLOCK ===================\n"
-    "168 (0xa8) ##FH length 56 links 2: fh_fh_next=0 fh_md_comment=224\n"
-    "[DEBUG] ==================== FHBLOCK ===================\n"
-    "block size = 56\n"
-    "next file history block (pointer) = 0\n"
-    "file comment (pointer) = 224\n"
-    "time = 5\n"
-    "UTC time offset = -120\n"
-    "DST time offset = 60\n"
-    "time flags = 2\n"
-    "[DEBUG] ==================== End of FHBLOCK ===================\n"
-    "224 (0xe0) ##MD length 40 links 0\n"
-    "[DEBUG] ==================== MDBLOCK ===================\n"
-    "block size = 40\n"
-    "text data = \n"
-    "~~~~~~~~<HDcomm[DEBUG] ==================== End of MDBLOCK ===================\n"
-    "264 (0x108) ##XX length 48 links 2: 64 1288\n";
+std::string dumpUpToTheChannel() {
+  return "0 (0x0) identification length 64\n" + shown<IDBLOCK>(0) +
+         "64 (0x40) ##HD length 104 links 6: hd_dg_first=312 hd_fh_first=168 hd_ch_first=992 "
+         "hd_at_first=1080 hd_ev_first=1184 hd_md_comment=224\n" +
+         shown<HDBLOCK>(64) +
+         "168 (0xa8) ##FH length 56 links 2: fh_fh_next=0 fh_md_comment=224\n" +
+         shown<FHBLOCK>(168) + "224 (0xe0) ##MD length 40 links 0\n" + shown<MDBLOCK>(224) +
+         "264 (0x108) ##XX length 48 links 2: 64 1288\n"
+         "312 (0x138) ##DG length 64 links 4: dg_dg_next=0 dg_cg_first=376 dg_data=744 "
+         "dg_md_comment=0\n" +
+         shown<DGBLOCK>(312) +
+         "376 (0x178) ##CG length 104 links 6: cg_cg_next=0 cg_cn_first=480 cg_tx_acq_name=640 "
+         "cg_si_acq_source=776 cg_sr_first=832 cg_md_comment=0\n" +
+         shown<CGBLOCK>(376) +
+         "480 (0x1e0) ##CN length 160 links 8: cn_cn_next=0 cn_composition=264 cn_tx_name=640 "
+         "cn_si_source=0 cn_cc_conversion=896 cn_data=680 cn_md_unit=640 cn_md_comment=0\n" +
+         shown<CNBLOCK>(480);
+}
 
-const char* const description_dump =
-    "312 (0x138) ##DG length 64 links 4: dg_dg_next=0 dg_cg_first=376 dg_data=744 dg_md_comment=0\n"
-    "[DEBUG] ==================== DGBLOCK ===================\n"
-    "block size = 64\n"
-    "next data group block = 0\n"
-    "first channel group block = 0\n"
-    "data block = 0\n"
-    "comment block = 0\n"
-    "record ID size = 0\n"
-    "[DEBUG] ==================== End of DGBLOCK ===================\n"
-    "376 (0x178) ##CG length 104 links 6: cg_cg_next=0 cg_cn_first=480 cg_tx_acq_name=640 "
-    "cg_si_acq_source=776 cg_sr_first=832 cg_md_comment=0\n"
-    "[DEBUG] ==================== CGBLOCK ===================\n"
-    "block size = 104\n"
-    "next channel group block = 0\n"
-    "first channel block = 0\n"
-    "acq name tx block = 0\n"
-    "acq source si block = 0\n"
-    "first sr block = 0\n"
-    "comment block = 0\n"
-    "record id = 9\n"
-    "cycle cnt = 2\n"
-    "flags : vlsd(0), busEvent(1), plainBusEventChannel(0)\n"
-    "path separator = 46\n"
-    "size of data records = 2\n"
-    "size of invalid bytes = 1\n"
-    "[DEBUG] ==================== End of CGBLOCK ===================\n"
-    "480 (0x1e0) ##CN length 160 links 8: cn_cn_next=0 cn_composition=264 cn_tx_name=640 "
-    "cn_si_source=0 cn_cc_conversion=896 cn_data=680 cn_md_unit=640 cn_md_comment=0\n"
-    "[DEBUG] ==================== CNBLOCK ===================\n"
-    "block size = 168\n"
-    "next channel block = 0\n"
-    "composition block = 0\n"
-    "name tx block = 0\n"
-    "source si block = 0\n"
-    "channel conversion block = 0\n"
-    "data block = 0\n"
-    "unit block = 0\n"
-    "comment block = 0\n"
-    "channel type = 2\n"
-    "sync type = 1\n"
-    "data type = 4\n"
-    "bit offset = 0\n"
-    "byte offset = 0\n"
-    "bit count = 16\n"
-    "flags: invalid(0), invalidationBit(0), precisionValid(1), valueRangeValid(0), "
-    "limitRangeValid(0)\n"
-    "flags 2: extendedLimitRangeValid(0), discreteValue(0), calibration(0), calculated(0), "
-    "virtual(1)\n"
-    "flags 3: busEvent(0), monotonous(0), defaultXAxis(0\n"
-    "invalid bit pos = 7\n"
-    "precision = 3\n"
-    "value range min = -1.5 max = 2.5\n"
-    "limit min = 0 max = 0\n"
-    "limit extended range min = 0 max = 0\n"
-    "attachements : 1\n"
-    "attachement:0\n"
-    "[DEBUG] ==================== End of CNBLOCK ===================\n";
-
-const char* const data_dump =
-    "640 (0x280) ##TX length 40 links 0\n"
-    "[DEBUG] ==================== TXBLOCK ===================\n"
-    "block size = 40\n"
-    "text data = \n"
-    "~~~~~~~~vehicle\n"
-    "[DEBUG] ==================== End of TXBLOCK ===================\n"
-    "680 (0x2a8) ##SD length 32 links 0\n"
-    "[DEBUG] ==================== SDBLOCK ===================\n"
-    "block size = 32\n"
-    "data size = 8\n"
-    "data hex dump: \x04~~~abcd[DEBUG] ==================== End of SDBLOCK ===================\n"
-    "712 (0x2c8) ##RD length 31 links 0\n"
-    "[DEBUG] ==================== RDBLOCK ===================\n"
-    "block size = 31\n"
-    "data size = 7\n"
-    "data hex dump: \x01\x02\x03\x04\x05\x06\x07"
-    "[DEBUG] ==================== End of RDBLOCK ===================\n"
-    "744 (0x2e8) ##DT length 30 links 0\n"
-    "[DEBUG] ==================== DTBLOCK ===================\n"
-    "block size = 30\n"
-    "data size = 6\n"
-    "data hex dump: ~\xff\x1b\nAB"
-    "[DEBUG] ==================== End of DTBLOCK ===================\n";
-
-const char* const details_dump =
-    "776 (0x308) ##SI length 56 links 3: si_tx_name=640 si_tx_path=0 si_md_comment=224\n"
-    "[DEBUG] ==================== SIBLOCK ===================\n"
-    "block size = 56\n"
-    "tx name block = 0\n"
-    "tx path block = 0\n"
-    "comment block = 0\n"
-    "source type = 2\n"
-    "bus type = 3\n"
-    "simulated = 1\n"
-    "[DEBUG] ==================== End of SIBLOCK ===================\n"
-    "832 (0x340) ##SR length 64 links 2: sr_sr_next=0 sr_data=712\n"
-    "[DEBUG] ==================== SRBLOCK ===================\n"
-    "block size = 64\n"
-    "next sr block = 0\n"
-    "data block = 0\n"
-    "cycle count = 1\n"
-    "interval = 0.25\n"
-    "sync type = 1\n"
-    "invalidationByteFlag = 1\n"
-    "[DEBUG] ==================== End of SRBLOCK ===================\n"
-    "896 (0x380) ##CC length 96 links 4: cc_tx_name=0 cc_md_unit=640 cc_md_comment=0 "
-    "cc_cc_inverse=0\n"
-    "[DEBUG] ==================== CCBLOCK ===================\n"
-    "block size = 96\n"
-    "name tx block = 0\n"
-    "unit tx block = 640\n"
-    "comment block = 0\n"
-    "inverse cc block = 0\n"
-    "conversion type = 1\n"
-    "precision valid = 1\n"
-    "precision = 2\n"
-    "status string = 0\n"
-    "physical value range valid = 0\n"
-    "minimum physical signal value = -1\n"
-    "maximum physical signal value = 1e+09\n"
-    "ref count = 0\n"
-    "val count = 2\n"
-    "Value = 0.5\n"
-    "Value = 2\n"
-    "[DEBUG] ==================== End of CCBLOCK ===================\n"
-    "992 (0x3e0) ##CH length 88 links 5: ch_ch_next=0 ch_ch_first=0 ch_tx_name=640 "
-    "ch_md_comment=224 ch_element[0].dg=312 ch_element[0].cg=376 ch_element[0].cn=480\n"
-    "[DEBUG] ==================== CHBLOCK ===================\n"
-    "block size = 64\n"
-    "next file ch history block (pointer) = 0\n"
-    "first (sibling) file ch history block (pointer) = 224\n"
-    "name text (pointer) = 640\n"
-    "file comment (pointer) = 224\n"
-    "element count = 0\n"
-    "type = 0\n"
-    "[DEBUG] ==================== End of CHBLOCK ===================\n"
-    "1080 (0x438) ##AT length 101 links 4: at_at_next=0 at_tx_filename=640 at_tx_mimetype=640 "
-    "at_md_comment=224\n"
-    "[DEBUG] ==================== ATBLOCK ===================\n"
-    "block size = 101\n"
-    "next attached block (pointer) = 0\n"
-    "filename text (pointer) = 640\n"
-    "mimetype text (pointer) = 640\n"
-    "comment md (pointer) = 224\n"
-    "flags = embedded(1), compressed(0), md5(1)\n"
-    "creator index = 0\n"
-    "md5 checksum = \x26\x96\x05\xd4\x5c\x10\x4f\x12\xcb\xcd\xc8\xfb\x71\x43\x4a\xcc\n"
-    "original size = 5\n"
-    "embedded size = 5\n"
-    "embedded text data = \n"
-    "embed[DEBUG] ==================== End of ATBLOCK ===================\n"
-    "1184 (0x4a0) ##EV length 104 links 6: ev_ev_next=0 ev_ev_parent=0 ev_ev_range=0 "
-    "ev_tx_name=640 ev_md_comment=224 ev_scope[0]=480\n"
-    "[DEBUG] ==================== EVBLOCK ===================\n"
-    "block size = 104\n"
-    "next event block (pointer) = 0\n"
-    "parent event (pointer) = 0\n"
-    "event range (pointer) = 0\n"
-    "event name tx (pointer) = 0\n"
-    "comment md (pointer) = 0\n"
-    "flags = postProcessed(1)\n"
-    "type = 5\n"
-    "syncType = 1\n"
-    "rangeType = 2\n"
-    "cause = 4\n"
-    "creator index = 7\n"
-    "syncbaseValue = -3\n"
-    "syncbaseFactor = 0.5\n"
-    "scope cnt = 1\n"
-    "scope pointer = 0\n"
-    "attachement cnt = 0\n"
-    "[DEBUG] ==================== End of EVBLOCK ===================\n";
-
-const char* const zipped_data_dump =
-    "1288 (0x508) ##HL length 40 links 0: hl_dl_first=1328\n"
-    "[DEBUG] ==================== HLBLOCK ===================\n"
-    "block size = 40\n"
-    "first dl block = 0\n"
-    "equal length = 0\n"
-    "zip type = 0\n"
-    "[DEBUG] ==================== End of HLBLOCK ===================\n"
-    "1328 (0x530) ##DL length 56 links 2: dl_dl_next=0 dl_data[0]=1384\n"
-    "[DEBUG] ==================== DLBLOCK ===================\n"
-    "block size = 56\n"
-    "next DL block = 0\n"
-    "equal length flag = 0\n"
-    "equal length value = 0\n"
-    "data + offset pairs:\n"
-    "data ptr = 0, offset = 7\n"
-    "[DEBUG] ==================== End of DLBLOCK ===================\n"
-    "1384 (0x568) ##DZ length 65 links 0\n"
-    "[DEBUG] ==================== DZBLOCK ===================\n"
-    "block size = 65\n"
-    "orig block type = 21572\n"
-    "zip type = 1\n"
-    "zip parameter = 3\n"
-    "original size = 6\n"
-    "zipped data size = 17\n"
-    "data hex dump: ~~~~~~~~~~~~~~~~~[DEBUG] ==================== End of DZBLOCK "
-    "===================\n";
+std::string dumpOfTheRest() {
+  return "640 (0x280) ##TX length 40 links 0\n" + shown<TXBLOCK>(640) +
+         "680 (0x2a8) ##SD length 32 links 0\n" + shown<SDBLOCK>(680) +
+         "712 (0x2c8) ##RD length 31 links 0\n" + shown<RDBLOCK>(712) +
+         "744 (0x2e8) ##DT length 30 links 0\n" + shown<DTBLOCK>(744) +
+         "776 (0x308) ##SI length 56 links 3: si_tx_name=640 si_tx_path=0 si_md_comment=224\n" +
+         shown<SIBLOCK>(776) + "832 (0x340) ##SR length 64 links 2: sr_sr_next=0 sr_data=712\n" +
+         shown<SRBLOCK>(832) +
+         "896 (0x380) ##CC length 96 links 4: cc_tx_name=0 cc_md_unit=640 cc_md_comment=0 "
+         "cc_cc_inverse=0\n" +
+         shown<CCBLOCK>(896) +
+         "992 (0x3e0) ##CH length 88 links 5: ch_ch_next=0 ch_ch_first=0 ch_tx_name=640 "
+         "ch_md_comment=224 ch_element[0].dg=312 ch_element[0].cg=376 ch_element[0].cn=480\n" +
+         shown<CHBLOCK>(992) +
+         "1080 (0x438) ##AT length 101 links 4: at_at_next=0 at_tx_filename=640 at_tx_mimetype=640 "
+         "at_md_comment=224\n" +
+         shown<ATBLOCK>(1080) +
+         "1184 (0x4a0) ##EV length 104 links 6: ev_ev_next=0 ev_ev_parent=0 ev_ev_range=0 "
+         "ev_tx_name=640 ev_md_comment=224 ev_scope[0]=480\n" +
+         shown<EVBLOCK>(1184) + "1288 (0x508) ##HL length 40 links 0: hl_dl_first=1328\n" +
+         shown<HLBLOCK>(1288) +
+         "1328 (0x530) ##DL length 56 links 2: dl_dl_next=0 dl_data[0]=1384\n" +
+         shown<DLBLOCK>(1328) + "1384 (0x568) ##DZ length 65 links 0\n" + shown<DZBLOCK>(1384);
+}
 
 }  // namespace
 
-std::string healthyDump() {
-  std::string dump =
-      std::string(frame_dump) + description_dump + data_dump + details_dump + zipped_data_dump;
-  std::replace(dump.begin(), dump.end(), '~', '\0');
+const std::string& healthyDump() {
+  static const std::string dump = dumpUpToTheChannel() + dumpOfTheRest();
   return dump;
 }
 

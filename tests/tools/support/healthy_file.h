@@ -10,7 +10,7 @@ namespace mdf_tests {
 std::string healthyFile();
 
 /// What `mdf dump` prints for it.
-std::string healthyDump();
+const std::string& healthyDump();
 
 }  // namespace mdf_tests
 

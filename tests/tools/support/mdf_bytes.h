@@ -11,14 +11,8 @@ namespace mdf_tests {
 
 /// The first 168 bytes of a file: identification, and header block with six links.
 inline std::string fileHead(std::initializer_list<std::int64_t> header_links) {
-  return Bytes()
-      .text("MDF     4.10    testprog")
-      .zeros(4)
-      .u16(410)
-      .zeros(34)
-      .header("HD", 104, 6)
-      .links(header_links)
-      .zeros(32);
+  return "MDF     4.10    testprog" + zeros(4) + u16(410) + zeros(34) + header("HD", 104, 6) +
+         listed(header_links) + zeros(32);
 }
 
 /// A block of a type that nobody knows, with links alone.
