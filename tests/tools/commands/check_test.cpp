@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
@@ -19,10 +18,7 @@ namespace {
 
 TEST(CheckCommand, HealthyFile) {
   const TempFile file(SmallFile().bytes());
-  const RunResult result = run({"check", file.path()});
-  EXPECT_EQ(result.exit_code, 0);
-  EXPECT_EQ(result.output, "");
-  EXPECT_EQ(result.messages, "mdf: " + file.path() + ": nothing found, 8 blocks\n");
+  EXPECT_EQ(run({"check", file.path()}), said(0, file.path() + ": nothing found, 8 blocks"));
 }
 
 /// Lines "64 error link-outside-file: ..." as the program writes them about a file.
@@ -80,21 +76,19 @@ TEST(CheckCommand, NotesAloneAreFine) {
 
 TEST(CheckCommand, WarningsAreProblems) {
   const TempFile file(SmallFile("UnFinMF ").bytes());
-  const RunResult result = run({"check", file.path()});
-  EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.output, outputFor(checkedBytes(SmallFile("UnFinMF ").bytes()), file.path()));
+  EXPECT_EQ(run({"check", file.path()}),
+            (RunResult{1, outputFor(checkedBytes(SmallFile("UnFinMF ").bytes()), file.path()),
+                       "mdf: " + file.path() + ": 1 warning, 8 blocks\n"}));
 }
 
 TEST(CheckCommand, SeveralFilesGoOnAfterAnUnreadableOne) {
   const TempFile healthy(SmallFile().bytes());
   const TempFile empty;
-  const RunResult result =
-      run({"check", healthy.path(), "/no/such/file", empty.path(), healthy.path()});
-  EXPECT_EQ(result.exit_code, 2);
-  EXPECT_EQ(result.output, outputFor(checkedBytes(""), empty.path()));
-  EXPECT_EQ(result.messages, "mdf: " + healthy.path() + ": nothing found, 8 blocks\n" +
-                                 "mdf: cannot open /no/such/file: No such file or directory\n" +
-                                 "mdf: " + healthy.path() + ": nothing found, 8 blocks\n");
+  EXPECT_EQ(run({"check", healthy.path(), "/no/such/file", empty.path(), healthy.path()}),
+            (RunResult{2, outputFor(checkedBytes(""), empty.path()),
+                       "mdf: " + healthy.path() + ": nothing found, 8 blocks\n" +
+                           "mdf: cannot open /no/such/file: No such file or directory\n" +
+                           "mdf: " + healthy.path() + ": nothing found, 8 blocks\n"}));
 }
 
 TEST(CheckCommand, StandardInput) {
@@ -105,34 +99,15 @@ TEST(CheckCommand, StandardInput) {
   EXPECT_EQ(result.output.rfind("standard input: 64 (0x40): error link-outside-file: ", 0), 0U);
 }
 
-void expectUnusable(const std::vector<std::string>& arguments, const std::string& message) {
-  const RunResult result = run(arguments);
-  EXPECT_EQ(result.exit_code, 2);
-  EXPECT_EQ(result.output, "");
-  EXPECT_EQ(result.messages, "mdf: " + message + "\n");
-}
-
-TEST(CheckCommand, WrongArguments) {
-  const std::string folder = std::filesystem::temp_directory_path().string();
-  expectUnusable({"check"}, "FILE is required");
-  expectUnusable({"check", "--json"}, "FILE is required");
-  expectUnusable({"check", "--frob", "file"}, "The following argument was not expected: --frob");
-  expectUnusable({"check", folder}, "cannot read " + folder + ": Is a directory");
-  expectUnusable({"check", "--explain", "frob"},
-                 "there is no code \"frob\"; 'mdf check --codes' lists them");
-}
-
 TEST(CheckCommand, ExplainsEachCode) {
   std::string list;
   for (const mdf_reader::CodeText& code : mdf_reader::allCodes()) {
     const std::string severity(severityWord(code.severity));
     list += severity + ' ' + std::string(code.word) + '\n';
-    const RunResult result = run({"check", "--explain", std::string(code.word)});
-    EXPECT_EQ(result.exit_code, 0);
-    EXPECT_EQ(result.messages, "");
-    EXPECT_EQ(result.output,
-              std::string(code.word) + " (" + severity + "): " + std::string(code.title) + ".\n\n" +
-                  std::string(code.meaning) + "\n\n" + std::string(code.advice) + '\n');
+    EXPECT_EQ(
+        run({"check", "--explain", std::string(code.word)}),
+        wrote(std::string(code.word) + " (" + severity + "): " + std::string(code.title) + ".\n\n" +
+              std::string(code.meaning) + "\n\n" + std::string(code.advice) + '\n'));
   }
   EXPECT_EQ(run({"check", "--codes"}).output, list);
 }
@@ -143,24 +118,7 @@ TEST(CheckCommand, FullOutputIsAProblem) {
   options.output_path = "/dev/full";
   const RunResult result = run({"check", file.path()}, options);
   EXPECT_EQ(result.exit_code, 1);
-  EXPECT_NE(result.messages.find("mdf: cannot write to standard output: "), std::string::npos);
-  for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
-           {"check", "--codes"}, {"check", "--explain", "link-outside-file"}}) {
-    const RunResult of_codes = run(arguments, options);
-    EXPECT_EQ(of_codes.exit_code, 1);
-    EXPECT_EQ(of_codes.messages, "mdf: cannot write to standard output: No space left on device\n");
-  }
-}
-
-TEST(CheckCommand, HelpTeachesWithExamples) {
-  const RunResult result = run({"check", "--help"});
-  EXPECT_EQ(result.exit_code, 0);
-  EXPECT_EQ(result.messages, "");
-  for (const std::string text :
-       {"Usage: mdf check [OPTIONS] [FILE...]", "- is standard input", "--explain CODE",
-        "Examples:\n  mdf check trip.mf4", "Exit code: 0 fine"}) {
-    EXPECT_NE(result.output.find(text), std::string::npos) << text << '\n' << result.output;
-  }
+  EXPECT_PRED2(contains, result.messages, "mdf: cannot write to standard output: ");
 }
 
 TEST(CheckCommand, OwnRecordingIsHealthy) {

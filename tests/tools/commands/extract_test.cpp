@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <string>
 
-#include "support/bytes.h"
 #include "tools/support/attachment_blocks.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/program.h"
@@ -35,11 +34,9 @@ TEST(ExtractCommand, PlainAndCompressed) {
                           .bytes());
   const ScratchFolder folder;
   const std::string to = folder.path();
-  const RunResult result = run({"extract", file.path(), "--to", to});
-  EXPECT_EQ(result.messages, "");
-  EXPECT_EQ(result.exit_code, 0);
-  EXPECT_EQ(result.output, to + "/a.txt: 3 bytes, digest verified\n" + to +
-                               "/b.txt: 3 bytes\n\"c.txt\" is not in the file\n");
+  EXPECT_EQ(run({"extract", file.path(), "--to", to}),
+            wrote(to + "/a.txt: 3 bytes, digest verified\n" + to +
+                  "/b.txt: 3 bytes\n\"c.txt\" is not in the file\n"));
   EXPECT_EQ(bytesOf(folder / "a.txt"), "abc");
   EXPECT_EQ(bytesOf(folder / "b.txt"), "abc");
 }
@@ -50,28 +47,21 @@ TEST(ExtractCommand, AsJson) {
           .bytes());
   const ScratchFolder folder;
   const std::string to = folder.path();
-  const RunResult result = run({"extract", "--json", file.path(), "--to", to});
-  EXPECT_EQ(result.exit_code, 0);
-  EXPECT_EQ(result.output,
-            "{\"schema\":2,\"file\":\"" + file.path() +
-                "\",\"offset\":208,\"name\":\"logs/a.txt\",\"path\":\"" + to +
-                "/a.txt\",\"bytes\":3,\"digest_verified\":true}\n{\"schema\":2,\"file\":\"" +
-                file.path() +
-                "\",\"offset\":344,\"name\":\"c.txt\",\"path\":null,\"bytes\":null,"
-                "\"digest_verified\":false}\n");
+  EXPECT_EQ(run({"extract", "--json", file.path(), "--to", to}),
+            wrote("{\"schema\":2,\"file\":\"" + file.path() +
+                  "\",\"offset\":208,\"name\":\"logs/a.txt\",\"path\":\"" + to +
+                  "/a.txt\",\"bytes\":3,\"digest_verified\":true}\n{\"schema\":2,\"file\":\"" +
+                  file.path() +
+                  "\",\"offset\":344,\"name\":\"c.txt\",\"path\":null,\"bytes\":null,"
+                  "\"digest_verified\":false}\n"));
 }
 
 TEST(ExtractCommand, NothingToExtractIsNoted) {
   const TempFile file(fileWith({{"a", "", 1, no_digest, 1, "1"}}).bytes());
-  const RunResult unfit = run({"extract", file.path(), "--name", "b*"});
-  EXPECT_EQ(unfit.exit_code, 0);
-  EXPECT_EQ(unfit.output, "");
-  EXPECT_EQ(unfit.messages, "mdf: " + file.path() + ": note: no attachment matches \"b*\"\n");
+  EXPECT_EQ(run({"extract", file.path(), "--name", "b*"}),
+            said(0, file.path() + ": note: no attachment matches \"b*\""));
   const TempFile empty(FileBuilder().bytes());
-  const RunResult none = run({"extract", empty.path()});
-  EXPECT_EQ(none.exit_code, 0);
-  EXPECT_EQ(none.output, "");
-  EXPECT_EQ(none.messages, "mdf: " + empty.path() + ": note: no attachment\n");
+  EXPECT_EQ(run({"extract", empty.path()}), said(0, empty.path() + ": note: no attachment"));
 }
 
 TEST(ExtractCommand, NeverLeavesTheFolder) {
@@ -84,11 +74,9 @@ TEST(ExtractCommand, NeverLeavesTheFolder) {
                                 {"..\\up", "", 1, no_digest, 1, "5"}})
                           .bytes());
   const std::string to = outer / "inner";
-  const RunResult result = run({"extract", file.path(), "-o", to});
-  EXPECT_EQ(result.exit_code, 0) << result.messages;
-  EXPECT_EQ(result.output, to + "/up: 1 byte\n" + to + "/absolute: 1 byte\n" + to +
-                               "/attachment: 1 byte\n" + to + "/attachment (2): 1 byte\n" + to +
-                               "/up (2): 1 byte\n");
+  EXPECT_EQ(run({"extract", file.path(), "-o", to}),
+            wrote(to + "/up: 1 byte\n" + to + "/absolute: 1 byte\n" + to + "/attachment: 1 byte\n" +
+                  to + "/attachment (2): 1 byte\n" + to + "/up (2): 1 byte\n"));
   EXPECT_FALSE(std::filesystem::exists(outer / "up"));
   EXPECT_FALSE(std::filesystem::exists(outer / "absolute"));
 }
@@ -111,10 +99,9 @@ TEST(ExtractCommand, OverwritesOnlyByForce) {
   const TempFile file(fileWith({{"a", "", 1, no_digest, 3, "new"}}).bytes());
   const ScratchFolder folder;
   folder.write("a", "old");
-  const RunResult refused = run({"extract", file.path(), "-o", folder.path()});
-  EXPECT_EQ(refused.exit_code, 1);
-  EXPECT_EQ(refused.messages, "mdf: " + file.path() + ": 200 (0xc8): expected no file " +
-                                  (folder / "a").string() + ", found one; --force replaces it\n");
+  EXPECT_EQ(run({"extract", file.path(), "-o", folder.path()}),
+            said(1, file.path() + ": 200 (0xc8): expected no file " + (folder / "a").string() +
+                        ", found one; --force replaces it"));
   EXPECT_EQ(bytesOf(folder / "a"), "old");
   EXPECT_EQ(run({"extract", file.path(), "-o", folder.path(), "--force"}).exit_code, 0);
   EXPECT_EQ(bytesOf(folder / "a"), "new");
@@ -128,13 +115,12 @@ TEST(ExtractCommand, DamagedOnesAreNotWritten) {
   const ScratchFolder folder;
   const RunResult result = run({"extract", file.path(), "-o", folder.path()});
   EXPECT_EQ(result.exit_code, 1);
-  EXPECT_NE(result.messages.find("expected the data of the attachment \"wrong\", found another MD5 "
-                                 "digest than stated\n"),
-            std::string::npos);
-  EXPECT_NE(
-      result.messages.find("expected the data of the attachment \"broken\", found a compressed "
-                           "stream that is damaged or has another size than stated\n"),
-      std::string::npos);
+  EXPECT_PRED2(contains, result.messages,
+               "expected the data of the attachment \"wrong\", found another MD5 "
+               "digest than stated\n");
+  EXPECT_PRED2(contains, result.messages,
+               "expected the data of the attachment \"broken\", found a compressed "
+               "stream that is damaged or has another size than stated\n");
   EXPECT_FALSE(std::filesystem::exists(folder / "wrong"));
   EXPECT_FALSE(std::filesystem::exists(folder / "broken"));
   EXPECT_EQ(bytesOf(folder / "fine"), "abc");

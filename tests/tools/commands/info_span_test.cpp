@@ -28,9 +28,7 @@ std::string times(const std::vector<double>& values) {
 }
 
 GroupSpec timesOnly(std::uint64_t count) {
-  GroupSpec group;
-  group.cycles = count;
-  group.data_bytes = 8;
+  const GroupSpec group{count, 8};
   return group;
 }
 
@@ -77,68 +75,61 @@ TEST(InfoSpans, TheFirstAndTheLastRecord) {
 TEST(InfoSpans, ThePageShowsThemWithTheMastersUnit) {
   const TempFile temp(fileOf(5, {1.5, 2, 2.5, 3, 3.5}));
   const std::string page = run({"info", temp.path()}).output;
-  EXPECT_NE(page.find("\nDuration:  2 s\n"), std::string::npos) << page;
-  EXPECT_NE(page.find("group  data  name  source  records  span  rate  record bytes  channels\n"
-                      "    0     0                      5  2 s   2/s              8         1\n"),
-            std::string::npos)
-      << page;
+  EXPECT_PRED2(contains, page, "\nDuration:  2 s\n");
+  EXPECT_PRED2(contains, page,
+               "group  data  name  source  records  span  rate  record bytes  channels\n"
+               "    0     0                      5  2 s   2/s              8         1\n");
 }
 
-TEST(InfoSpans, OneRecordHasAnExtentAndNoRate) {
-  EXPECT_EQ(axisOf(infoOf(fileOf(1, {1.5}))), "1.5 to 1.5 by records, 0.0, null");
+TEST(InfoSpans, WithoutASpanThereIsNoDuration) {
+  EXPECT_EQ(infoOf(fileOf(0, {}))["duration"], json());
+  EXPECT_EQ(infoOf(fileOf(3, {5, 6, 4}))["duration"], json());
 }
 
-TEST(InfoSpans, WithoutRecordsThereIsNone) {
-  const json info = infoOf(fileOf(0, {}));
-  EXPECT_EQ(axisOf(info), nothing);
-  EXPECT_EQ(info["duration"], json());
-}
-
-TEST(InfoSpans, OfAnAxisThatEndsBeforeItBeganTheEndsAloneAreKnown) {
-  const json info = infoOf(fileOf(3, {5, 6, 4}));
-  EXPECT_EQ(axisOf(info), "5.0 to 4.0 by records, null, null");
-  EXPECT_EQ(info["duration"], json());
-}
-
-TEST(InfoSpans, ValuesThatAreNoFiniteNumbersTellNothing) {
+TEST(InfoSpans, RecordsAndStatedRanges) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double infinite = std::numeric_limits<double>::infinity();
-  EXPECT_EQ(axisOf(infoOf(fileOf(3, {nan, 1, 2}))), nothing);
-  EXPECT_EQ(axisOf(infoOf(fileOf(3, {0, 1, nan}))), nothing);
-  EXPECT_EQ(axisOf(infoOf(fileOf(3, {0, 1, infinite}))), nothing);
-  EXPECT_EQ(axisOf(infoOf(fileOf(3, {0, nan, 2}))), "0.0 to 2.0 by records, 2.0, 1.0");
-}
-
-TEST(InfoSpans, TheLastRecordIsTheOneTheCountSpeaksOf) {
-  EXPECT_EQ(axisOf(infoOf(fileOf(2, {0, 1, 2}))), "0.0 to 1.0 by records, 1.0, 1.0");
-  EXPECT_EQ(axisOf(infoOf(fileOf(4, {0, 1, 2}))), nothing);
-  EXPECT_EQ(axisOf(infoOf(fileOf(UINT64_MAX, {0, 1, 2}))), nothing);
-  EXPECT_EQ(axisOf(infoOf(fileOf((std::uint64_t{1} << 61U) + 1, {0, 1, 2}))), nothing);
-}
-
-TEST(InfoSpans, InvalidSamplesTellNothing) {
-  ChannelSpec time = timeMaster();
-  time.flags = 1;
-  EXPECT_EQ(axisOf(infoOf(fileOf(2, {0, 1}, time))), nothing);
-}
-
-TEST(InfoSpans, MastersOutsideTheRecordTellNothing) {
-  ChannelSpec time = timeMaster();
-  time.byte_offset = 1;
-  EXPECT_EQ(axisOf(infoOf(fileOf(2, {0, 1}, time))), nothing);
-}
-
-TEST(InfoSpans, ARangeThatIsStatedComesFirst) {
-  ChannelSpec time = timeMaster();
-  time.flags = 8;
-  time.range_min = 1;
-  time.range_max = 3;
-  EXPECT_EQ(axisOf(infoOf(fileOf(5, {1.5, 2, 2.5, 3, 3.5}, time))),
-            "1.0 to 3.0 by stated range, 2.0, 2.0");
-  time.range_max = 1;
-  EXPECT_EQ(axisOf(infoOf(fileOf(2, {1.5, 2}, time))), "1.5 to 2.0 by records, 0.5, 2.0");
-  time.range_max = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_EQ(axisOf(infoOf(fileOf(2, {1.5, 2}, time))), "1.5 to 2.0 by records, 0.5, 2.0");
+  const ChannelSpec plain = timeMaster();
+  ChannelSpec invalid = plain;
+  invalid.flags = 1;
+  ChannelSpec outside_record = plain;
+  outside_record.byte_offset = 1;
+  const auto stating = [&](double range_max) {
+    ChannelSpec time = plain;
+    time.flags = 8;
+    time.range_min = 1;
+    time.range_max = range_max;
+    return time;
+  };
+  const struct {
+    std::uint64_t count;
+    std::vector<double> values;
+    ChannelSpec time;
+    std::string axis;
+  } cases[] = {
+      {0, {}, plain, nothing},
+      {1, {1.5}, plain, "1.5 to 1.5 by records, 0.0, null"},
+      {3, {5, 6, 4}, plain, "5.0 to 4.0 by records, null, null"},
+      {3, {nan, 1, 2}, plain, nothing},
+      {3, {0, 1, nan}, plain, nothing},
+      {3, {0, 1, infinite}, plain, nothing},
+      {3, {0, nan, 2}, plain, "0.0 to 2.0 by records, 2.0, 1.0"},
+      // The last record is the one that the count speaks of.
+      {2, {0, 1, 2}, plain, "0.0 to 1.0 by records, 1.0, 1.0"},
+      {4, {0, 1, 2}, plain, nothing},
+      {UINT64_MAX, {0, 1, 2}, plain, nothing},
+      {(std::uint64_t{1} << 61U) + 1, {0, 1, 2}, plain, nothing},
+      {2, {0, 1}, invalid, nothing},
+      {2, {0, 1}, outside_record, nothing},
+      // A range that is stated comes first, when it is one.
+      {5, {1.5, 2, 2.5, 3, 3.5}, stating(3), "1.0 to 3.0 by stated range, 2.0, 2.0"},
+      {2, {1.5, 2}, stating(1), "1.5 to 2.0 by records, 0.5, 2.0"},
+      {2, {1.5, 2}, stating(nan), "1.5 to 2.0 by records, 0.5, 2.0"},
+  };
+  for (const auto& [count, values, time, axis] : cases) {
+    EXPECT_EQ(axisOf(infoOf(fileOf(count, values, time))), axis)
+        << count << testing::PrintToString(values);
+  }
 }
 
 /// Raw values 10, 20, 30 of a byte.
@@ -196,7 +187,7 @@ TEST(InfoSpans, NumbersOfRecordsForAVirtualMaster) {
 
 TEST(InfoSpans, AMasterInAnotherGroupWithAsManyRecords) {
   FileBuilder file;
-  const std::uint64_t master = file.addGroupOf(timesOnly(3), {timeMaster()});
+  const auto master = file.addGroupOf(timesOnly(3), {timeMaster()});
   file.addDataGroup({master}, file.addData(times({0, 1, 4})));
   GroupSpec without = timesOnly(3);
   without.master = master;
@@ -280,10 +271,9 @@ TEST(InfoSpans, HeadersAloneHaveStatedRangesAndFinalCounts) {
 
   const TempFile temp(file.bytes());
   const std::string page = run({"info", "--headers", temp.path()}).output;
-  EXPECT_NE(page.find("group  data  name  source  records  span  rate  record bytes  channels\n"
-                      "    0     0                      ?                         8         1\n"),
-            std::string::npos)
-      << page;
+  EXPECT_PRED2(contains, page,
+               "group  data  name  source  records  span  rate  record bytes  channels\n"
+               "    0     0                      ?                         8         1\n");
 }
 
 }  // namespace

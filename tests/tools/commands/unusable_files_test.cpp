@@ -57,13 +57,8 @@ RunResult runOn(std::vector<std::string> words, const std::string& path) {
 
 /// An identification of an earlier version, without the "##" of version 4 after it.
 std::string earlierFile(const std::string& version_text, std::uint16_t version) {
-  return Bytes()
-      .text("MDF     " + version_text + "    testprog")
-      .zeros(4)
-      .u16(version)
-      .zeros(34)
-      .text("HD")
-      .zeros(162);
+  return "MDF     " + version_text + "    testprog" + zeros(4) + u16(version) + zeros(34) + "HD" +
+         zeros(162);
 }
 
 std::vector<std::pair<std::string, std::string>> unusableFiles() {
@@ -84,10 +79,7 @@ TEST(UnusableFiles, GetOneSentenceFromEveryCommand) {
     const TempFile file(bytes);
     for (const std::vector<std::string>& words : readingCommands()) {
       SCOPED_TRACE(testing::PrintToString(words) + " " + sentence);
-      const RunResult result = runOn(words, file.path());
-      EXPECT_EQ(result.exit_code, 2);
-      EXPECT_EQ(result.output, "");
-      EXPECT_EQ(result.messages, "mdf: " + file.path() + ": " + sentence + "\n");
+      EXPECT_EQ(runOn(words, file.path()), said(2, file.path() + ": " + sentence));
     }
   }
 }
@@ -96,10 +88,9 @@ TEST(UnusableFiles, CheckGivesTheSentenceItsCode) {
   for (const auto& [bytes, sentence] : unusableFiles()) {
     const TempFile file(bytes);
     const std::string code = sentence.find("not an MDF") < 20 ? "not-mdf" : "version-wrong";
-    const RunResult result = run({"check", file.path()});
-    EXPECT_EQ(result.exit_code, 2);
-    EXPECT_EQ(result.output, file.path() + ": 0 (0x0): error " + code + ": " + sentence + "\n");
-    EXPECT_EQ(result.messages, "");
+    EXPECT_EQ(
+        run({"check", file.path()}),
+        (RunResult{2, file.path() + ": 0 (0x0): error " + code + ": " + sentence + "\n", ""}));
   }
 }
 
@@ -109,10 +100,8 @@ TEST(UnusableFiles, FoldersAreNone) {
   commands.push_back({"check"});
   for (const std::vector<std::string>& words : commands) {
     SCOPED_TRACE(testing::PrintToString(words));
-    const RunResult result = runOn(words, folder.path().string());
-    EXPECT_EQ(result.exit_code, 2);
-    EXPECT_EQ(result.output, "");
-    EXPECT_EQ(result.messages, "mdf: cannot read " + folder.path().string() + ": Is a directory\n");
+    EXPECT_EQ(runOn(words, folder.path().string()),
+              said(2, "cannot read " + folder.path().string() + ": Is a directory"));
   }
 }
 

@@ -10,8 +10,10 @@
 #include <array>
 #include <cstdlib>
 #include <iterator>
+#include <ostream>
 #include <sstream>
 #include <stdexcept>
+#include <tuple>
 
 #include "channel.h"
 #include "temp_file.h"
@@ -150,6 +152,26 @@ int follow(pid_t process, const RunOptions& options, Channel& output, Channel& e
 }
 
 }  // namespace
+
+bool operator==(const RunResult& a, const RunResult& b) {
+  return std::tie(a.exit_code, a.output, a.messages) == std::tie(b.exit_code, b.output, b.messages);
+}
+
+void PrintTo(const RunResult& result, std::ostream* os) {
+  *os << "exit code " << result.exit_code << "\n-- output:\n"
+      << result.output << "-- messages:\n"
+      << result.messages;
+}
+
+RunResult wrote(const std::string& output) { return {0, output, ""}; }
+
+RunResult said(int exit_code, const std::string& sentence) {
+  return {exit_code, "", "mdf: " + sentence + '\n'};
+}
+
+bool contains(const std::string& text, const std::string& part) {
+  return text.find(part) != std::string::npos;
+}
 
 std::vector<std::string> mdfCommand() {
   std::vector<std::string> command;

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdint>
 #include <functional>
+#include <iosfwd>
 #include <optional>
 #include <string>
 #include <vector>
@@ -57,6 +58,17 @@ struct RunResult {
   std::string output;    ///< what went to standard output
   std::string messages;  ///< what went to standard error
 };
+
+bool operator==(const RunResult& a, const RunResult& b);
+void PrintTo(const RunResult& result, std::ostream* os);
+
+/// What comes of a run that is fine and writes this to standard output.
+RunResult wrote(const std::string& output);
+/// What comes of a run that says one sentence, on standard error.
+RunResult said(int exit_code, const std::string& sentence);
+
+/// Whether a text has a part: `EXPECT_PRED2(contains, text, part)` shows both when it has not.
+bool contains(const std::string& text, const std::string& part);
 
 /// Runs a program to its end. It starts with the default actions for the signals that end programs.
 RunResult run(const std::vector<std::string>& arguments, const RunOptions& options = {});
