@@ -47,10 +47,6 @@ class ArrayFile : public SmallFile {
   std::uint64_t array;
 };
 
-std::string checkedArray(const ArrayFields& fields, const Numbers& links = {0}) {
-  return problemsIn(ArrayFile(fields, links).bytes());
-}
-
 /// A record of 20 bytes has room for so many elements, and so many are needed.
 std::string outsideRecord(const std::string& room, const std::string& needed) {
   return "768 channel-outside-record 20 " + room + ' ' + needed + '\n';
@@ -67,22 +63,54 @@ std::string linksMissing(const std::string& promised, const std::string& there) 
 /// What whoever makes columns of the elements says of them.
 const std::string too_many_elements = "496 channel-outside-record 20 65536\n";
 
-TEST(ArrayCheck, ElementsUpToTheEndOfTheRecord) {
-  EXPECT_EQ(checkedArray({0, 1, 0, 1, 0, {12}}), "");
-  EXPECT_EQ(checkedArray({0, 2, 0, 1, 0, {3, 4}}), "");
-  EXPECT_EQ(checkedArray({0, 1, 0, 11, 0, {2}}), "");
-}
-
-TEST(ArrayCheck, ElementsBeyondTheRecord) {
-  EXPECT_EQ(checkedArray({0, 1, 0, 1, 0, {13}}), outsideRecord("12", "13"));
-  EXPECT_EQ(checkedArray({0, 3, 0, 1, 0, {2, 2, 4}}), outsideRecord("12", "16"));
-  EXPECT_EQ(checkedArray({0, 1, 0, 12, 0, {2}}), outsideRecord("1", "2"));
-}
-
-TEST(ArrayCheck, ElementsThatGoBackwards) {
-  EXPECT_EQ(checkedArray({0, 1, 0, 0xFFFFFFFF, 0, {9}}), "");
-  EXPECT_EQ(checkedArray({0, 1, 0, 0xFFFFFFFF, 0, {10}}), outsideRecord("9", "10"));
-  EXPECT_EQ(checkedArray({0, 1, 0, 0x80000000, 0, {2}}), outsideRecord("1", "2"));
+TEST(ArrayCheck, ElementsFitTheRecordAndNumbersAndLinksTheBlock) {
+  constexpr std::uint64_t half = std::uint64_t{1} << 32U;
+  constexpr std::uint64_t top = std::uint64_t{1} << 63U;
+  const std::string most = "18446744073709551615";
+  const struct {
+    ArrayFields fields;
+    Numbers links;
+    std::string problems;
+  } cases[] = {
+      // Up to the end of the record, and beyond it.
+      {{0, 1, 0, 1, 0, {12}}, {0}, ""},
+      {{0, 2, 0, 1, 0, {3, 4}}, {0}, ""},
+      {{0, 1, 0, 11, 0, {2}}, {0}, ""},
+      {{0, 1, 0, 1, 0, {13}}, {0}, outsideRecord("12", "13")},
+      {{0, 3, 0, 1, 0, {2, 2, 4}}, {0}, outsideRecord("12", "16")},
+      {{0, 1, 0, 12, 0, {2}}, {0}, outsideRecord("1", "2")},
+      // Backwards, and all in the same bytes.
+      {{0, 1, 0, 0xFFFFFFFF, 0, {9}}, {0}, ""},
+      {{0, 1, 0, 0xFFFFFFFF, 0, {10}}, {0}, outsideRecord("9", "10")},
+      {{0, 1, 0, 0x80000000, 0, {2}}, {0}, outsideRecord("1", "2")},
+      {{0, 1, 0, 0, 0, {UINT64_MAX}}, {0}, too_many_elements},
+      // More than a number says.
+      {{0, 2, 0, 1, 0, {half, half}}, {0}, outsideRecord("12", most)},
+      {{0, 1, 0, 0x7FFFFFFF, 0, {top}}, {0}, outsideRecord("1", "9223372036854775808")},
+      {{0, 3, 0, 1, 0, {UINT64_MAX, UINT64_MAX, 0}}, {0}, ""},
+      {{2, 2, 32, 1, 0, {top, top}}, {0}, linksMissing(most, "0") + countTooLarge(most, "2")},
+      // Elements with records, or data, of their own have a count, and a link, each.
+      {{1, 2, 0, 1, 0, {2, 3, 0, 0, 0, 0, 0, 0}}, {0}, ""},
+      {{1, 2, 0, 1, 0, {2, 3, 0, 0, 0, 0, 0}}, {0}, countTooLarge("8", "7")},
+      {{2, 2, 0, 1, 0, {2, 3, 0, 0, 0, 0, 0, 0}}, Numbers(7, 0), ""},
+      {{2, 2, 0, 1, 0, {2, 3, 0, 0, 0, 0, 0}}, Numbers(7, 0), countTooLarge("8", "7")},
+      {{2, 1, 0, 0, 0, {3, 0, 0, 0}}, {0, 0, 0}, linksMissing("3", "2")},
+      // Axes have conversions and channels, fixed ones conversions and values.
+      {{0, 2, 16, 1, 0, {2, 3}}, Numbers(9, 0), ""},
+      {{0, 2, 16, 1, 0, {2, 3}}, Numbers(8, 0), linksMissing("8", "7")},
+      {{0, 2, 48, 1, 0, {2, 3, 1, 2, 3, 4, 5}}, {0, 0, 0}, ""},
+      {{0, 2, 48, 1, 0, {2, 3, 1, 2, 3, 4}},
+       {0, 0},
+       linksMissing("2", "1") + countTooLarge("7", "6")},
+      // Sizes and inputs of each dimension, an output and a comparison have three links each.
+      {{0, 2, 15, 1, 0, {2, 3}}, Numbers(19, 0), ""},
+      {{0, 2, 15, 1, 0, {2, 3}}, Numbers(18, 0), linksMissing("18", "17")},
+      {{0, 2, 0, 1, 0, {99}}, {0}, countTooLarge("2", "1")},
+  };
+  for (const auto& [fields, links, problems] : cases) {
+    EXPECT_EQ(problemsIn(ArrayFile(fields, links).bytes()), problems)
+        << testing::PrintToString(fields.numbers);
+  }
 }
 
 TEST(ArrayCheck, ElementsOfSeveralBytesAndBits) {
@@ -94,19 +122,6 @@ TEST(ArrayCheck, ElementsOfSeveralBytesAndBits) {
   ArrayFile too_wide({0, 1, 0, 4, 0, {3}});
   too_wide.setChannel(SmallFile::speed, {0, 0, 0, 1, 8, 32});
   EXPECT_EQ(problemsIn(too_wide.bytes()), outsideRecord("2", "3"));
-}
-
-TEST(ArrayCheck, ElementsInTheSameBytes) {
-  EXPECT_EQ(checkedArray({0, 1, 0, 0, 0, {UINT64_MAX}}), too_many_elements);
-}
-
-TEST(ArrayCheck, MoreElementsThanANumberSays) {
-  constexpr std::uint64_t half = std::uint64_t{1} << 32U;
-  EXPECT_EQ(checkedArray({0, 2, 0, 1, 0, {half, half}}),
-            outsideRecord("12", "18446744073709551615"));
-  EXPECT_EQ(checkedArray({0, 1, 0, 0x7FFFFFFF, 0, {std::uint64_t{1} << 63U}}),
-            outsideRecord("1", "9223372036854775808"));
-  EXPECT_EQ(checkedArray({0, 3, 0, 1, 0, {UINT64_MAX, UINT64_MAX, 0}}), "");
 }
 
 TEST(ArrayCheck, ArrayOfArrays) {
@@ -148,47 +163,6 @@ TEST(ArrayCheck, InvalidationBitsOfMoreElementsThanANumberSays) {
   file.setChannel(SmallFile::speed, {0, 0, 0, 0, 8, 8, 2, 0});
   EXPECT_EQ(problemsIn(file.bytes()),
             "768 invalidation-bit-outside-record 1 1 18446744073709551615\n");
-}
-
-TEST(ArrayCheck, ElementsWithRecordsOfTheirOwnHaveACountEach) {
-  for (const int storage : {1, 2}) {
-    const Numbers links = storage == 1 ? Numbers{0} : Numbers{0, 0, 0, 0, 0, 0, 0};
-    EXPECT_EQ(checkedArray({storage, 2, 0, 1, 0, {2, 3, 0, 0, 0, 0, 0, 0}}, links), "") << storage;
-    EXPECT_EQ(checkedArray({storage, 2, 0, 1, 0, {2, 3, 0, 0, 0, 0, 0}}, links),
-              countTooLarge("8", "7"))
-        << storage;
-  }
-}
-
-TEST(ArrayCheck, ElementsWithDataOfTheirOwnHaveALinkEach) {
-  EXPECT_EQ(checkedArray({2, 1, 0, 0, 0, {3, 0, 0, 0}}, {0, 0, 0}), linksMissing("3", "2"));
-}
-
-TEST(ArrayCheck, AxesHaveConversionsAndChannels) {
-  EXPECT_EQ(checkedArray({0, 2, 16, 1, 0, {2, 3}}, Numbers(9, 0)), "");
-  EXPECT_EQ(checkedArray({0, 2, 16, 1, 0, {2, 3}}, Numbers(8, 0)), linksMissing("8", "7"));
-}
-
-TEST(ArrayCheck, FixedAxesHaveConversionsAndValues) {
-  EXPECT_EQ(checkedArray({0, 2, 48, 1, 0, {2, 3, 1, 2, 3, 4, 5}}, {0, 0, 0}), "");
-  EXPECT_EQ(checkedArray({0, 2, 48, 1, 0, {2, 3, 1, 2, 3, 4}}, {0, 0}),
-            linksMissing("2", "1") + countTooLarge("7", "6"));
-}
-
-TEST(ArrayCheck, QuantitiesHaveThreeLinksEach) {
-  // Of each dimension its size and input; an output and a comparison.
-  EXPECT_EQ(checkedArray({0, 2, 15, 1, 0, {2, 3}}, Numbers(19, 0)), "");
-  EXPECT_EQ(checkedArray({0, 2, 15, 1, 0, {2, 3}}, Numbers(18, 0)), linksMissing("18", "17"));
-}
-
-TEST(ArrayCheck, SizesOfDimensionsThatAreNotThere) {
-  EXPECT_EQ(checkedArray({0, 2, 0, 1, 0, {99}}), countTooLarge("2", "1"));
-}
-
-TEST(ArrayCheck, CountsWhoseSumIsNoNumber) {
-  constexpr std::uint64_t half = std::uint64_t{1} << 63U;
-  EXPECT_EQ(checkedArray({2, 2, 32, 1, 0, {half, half}}),
-            linksMissing("18446744073709551615", "0") + countTooLarge("18446744073709551615", "2"));
 }
 
 TEST(ArrayCheck, ArrayThatIsMadeOfItself) {

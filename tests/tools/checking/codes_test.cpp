@@ -5,12 +5,7 @@
 #include <set>
 #include <string>
 
-using mdf_reader::allCodes;
-using mdf_reader::CodeText;
-using mdf_reader::findCode;
-using mdf_reader::Severity;
-using mdf_reader::severityWord;
-using mdf_reader::textOf;
+using namespace mdf_reader;
 
 namespace {
 

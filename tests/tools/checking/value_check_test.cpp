@@ -60,62 +60,45 @@ class TextFile : public SmallFile {
   }
 };
 
-std::string checkedText(const Offsets& offsets, const std::string& values = threeValues()) {
-  TextFile file(offsets);
-  file.setValues(file.add("SD", {}, values));
-  return problemsIn(file.bytes());
-}
-
 /// The first value that is missing is that of a record, at an offset.
 std::string outside(int record, std::uint64_t offset) {
   return "496 value-outside-signal-data " + std::to_string(offset) + ' ' + std::to_string(record) +
          '\n';
 }
 
-TEST(ValueCheck, OffsetsInAnyOrder) {
-  EXPECT_EQ(checkedText({0, 7, 11}), "");
-  EXPECT_EQ(checkedText({11, 0, 7, 7, 11}), "");
-}
-
-TEST(ValueCheck, OffsetsAfterTheLastLength) {
-  EXPECT_EQ(checkedText({0, 17, 11, 20, 7}), outside(1, 17));
-}
-
-TEST(ValueCheck, LastOffsetThatHasALength) {
-  EXPECT_EQ(checkedText({16}, Bytes().zeros(20)), "");
-  EXPECT_EQ(checkedText({17}, Bytes().zeros(20)), outside(0, 17));
-}
-
-TEST(ValueCheck, ValueThatGoesPastTheEnd) {
-  const std::string values = Bytes().u32(3).text("one").u32(2).text("x");
-  EXPECT_EQ(checkedText({0, 7}, values), outside(1, 7));
-}
-
-TEST(ValueCheck, ValueThatGoesPastTheEndInTheMiddle) {
-  const std::string values = Bytes().u32(12).text("one").u32(UINT32_MAX).u32(0);
-  EXPECT_EQ(checkedText({0, 7, 11}, values), outside(0, 0));
-}
-
-TEST(ValueCheck, RecordsThatShareAMissingValueAreReportedOnce) {
-  EXPECT_EQ(checkedText({0, 0, 0}, Bytes().u32(1)), outside(0, 0));
-}
-
-TEST(ValueCheck, ValuesThatOneGoesBackTo) {
-  EXPECT_EQ(checkedText({7, 0}, Bytes().u32(UINT32_MAX).text("one").u32(0)), outside(1, 0));
-}
-
-TEST(ValueCheck, SignalDataTooShortForALength) {
-  EXPECT_EQ(checkedText({0}, "abc"), outside(0, 0));
+TEST(ValueCheck, OffsetsInOneBlock) {
+  const std::string past_the_end = Bytes().u32(3).text("one").u32(2).text("x");
+  const std::string past_in_the_middle = Bytes().u32(12).text("one").u32(UINT32_MAX).u32(0);
+  const std::string none_but_the_last = Bytes().u32(UINT32_MAX).text("one").u32(0);
+  const struct {
+    Offsets offsets;
+    std::string values;
+    std::string problem;
+  } cases[] = {
+      {{0, 7, 11}, threeValues(), ""},
+      {{11, 0, 7, 7, 11}, threeValues(), ""},
+      {{0, 17, 11, 20, 7}, threeValues(), outside(1, 17)},  // after the last length
+      {{16}, zeros(20), ""},
+      {{17}, zeros(20), outside(0, 17)},
+      {{0, 7}, past_the_end, outside(1, 7)},
+      {{0, 7, 11}, past_in_the_middle, outside(0, 0)},
+      {{0, 0, 0}, u32(1), outside(0, 0)},  // one value that is missing is reported once
+      {{7, 0}, none_but_the_last, outside(1, 0)},
+      {{0}, "abc", outside(0, 0)},
+      {{UINT64_MAX, UINT64_MAX - 3, std::uint64_t{1} << 63U},
+       threeValues(),
+       outside(0, UINT64_MAX)},
+  };
+  for (const auto& [offsets, values, problem] : cases) {
+    TextFile file(offsets);
+    file.setValues(file.add("SD", {}, values));
+    EXPECT_EQ(problemsIn(file.bytes()), problem) << testing::PrintToString(offsets);
+  }
 }
 
 TEST(ValueCheck, RecordsWithoutSignalData) {
   EXPECT_EQ(problemsIn(TextFile({0, 0}).bytes()), outside(0, 0));
   EXPECT_EQ(problemsIn(TextFile({}).bytes()), "");
-}
-
-TEST(ValueCheck, OffsetsNearTheEndOfAllNumbers) {
-  EXPECT_EQ(checkedText({UINT64_MAX, UINT64_MAX - 3, std::uint64_t{1} << 63U}),
-            outside(0, UINT64_MAX));
 }
 
 TEST(ValueCheck, SignalDataInListsZippedOrNot) {
