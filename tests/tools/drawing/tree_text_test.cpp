@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "drawn_file.h"
 #include "support/allocation_counter.h"
@@ -12,8 +11,7 @@
 #include "tools/support/healthy_file.h"
 
 using namespace mdf_tests;
-using mdf_reader::FindingSink;
-using mdf_reader::InputFile;
+using namespace mdf_reader;
 using mdf_tools::TreeOptions;
 
 namespace {
@@ -71,24 +69,6 @@ TEST(TreeText, HealthyFile) {
   EXPECT_EQ(tree.findings, "");
 }
 
-TEST(TreeText, FromABlockDownToALevelWithoutTexts) {
-  TreeOptions options;
-  options.from = 376;
-  options.most_depth = 2;
-  options.with_texts = false;
-  EXPECT_EQ(
-      treeOf(healthyFile(), options).output,
-      "CG 376 (0x178) \"vehicle speed\" 2 records, 3 bytes each\n"
-      "  cg_cn_first -> CN 480 (0x1e0) \"vehicle speed\" [vehicle speed], master, real LE, 16 "
-      "bits\n"
-      "    cn_composition -> XX 264 (0x108) 8 bytes\n"
-      "    cn_cc_conversion -> CC 896 (0x380) [vehicle speed], linear\n"
-      "    cn_data -> SD 680 (0x2a8) 8 bytes\n"
-      "  cg_si_acq_source -> SI 776 (0x308) \"vehicle speed\" bus, LIN\n"
-      "  cg_sr_first -> SR 832 (0x340) 1 record, interval 0.25\n"
-      "    sr_data -> RD 712 (0x2c8) 7 bytes\n");
-}
-
 TEST(TreeText, NoBlockToBeginWith) {
   TreeOptions options;
   options.from = 80;
@@ -103,7 +83,7 @@ FileBuilder historyChain(std::size_t count) {
   FileBuilder file;
   std::uint64_t before = FileBuilder::header;
   for (std::size_t i = 0; i < count; ++i) {
-    const std::uint64_t history = file.add("FH", {0, 0}, Bytes().zeros(16));
+    const auto history = file.add("FH", {0, 0}, Bytes().zeros(16));
     file.link(before, before == FileBuilder::header ? 1 : 0, history);
     before = history;
   }
@@ -167,8 +147,8 @@ TEST(TreeText, BlockThatLeadsToItself) {
 
 TEST(TreeText, LongListIsCounted) {
   FileBuilder file;
-  const std::uint64_t data = file.add("DT", {}, "ab");
-  const std::uint64_t list =
+  const auto data = file.add("DT", {}, "ab");
+  const auto list =
       file.add("DL", {0, data, data, 0, data, data, 7}, Bytes().u8s({1, 0, 0, 0}).u32(6).u64(2));
   file.link(FileBuilder::header, 0, list);
   TreeOptions options;
@@ -187,7 +167,7 @@ TEST(TreeText, LongListIsCounted) {
 
 TEST(TreeText, LinksThatLeadNowhere) {
   FileBuilder file;
-  const std::uint64_t group =
+  const auto group =
       file.add("DG", {9, static_cast<std::uint64_t>(-8), 99999, 0}, Bytes().u8(8).zeros(7));
   file.link(FileBuilder::header, 0, group);
   const Dumped tree = treeOf(file.bytes());
@@ -206,9 +186,8 @@ TEST(TreeText, LinksThatLeadNowhere) {
 
 TEST(TreeText, HostileNamesStayOnTheirLine) {
   FileBuilder file;
-  const std::uint64_t name =
-      file.text("a\nb\x1b[2J\xff\xc2\xb5\xe2\x80\xae" + std::string(99, 'c'));
-  const std::uint64_t source = file.add("SI", {name, 0, 0}, Bytes().zeros(8));
+  const auto name = file.text("a\nb\x1b[2J\xff\xc2\xb5\xe2\x80\xae" + std::string(99, 'c'));
+  const auto source = file.add("SI", {name, 0, 0}, Bytes().zeros(8));
   file.link(FileBuilder::header, 0, source);
   EXPECT_EQ(treeOf(file.bytes(), {64, 1}).output,
             "HD 64 (0x40)\n"
@@ -229,7 +208,7 @@ TEST(TreeText, DeepNestingTakesMemoryInProportion) {
   std::size_t entries = 0;
   const AllocationLimit limit(16 * bytes.size());
   mdf_tools::walkTree(
-      input, {}, [](const mdf_reader::Finding& finding) { ADD_FAILURE() << finding.sentence; },
+      input, {}, [](const Finding& finding) { ADD_FAILURE() << finding.sentence; },
       [&](const mdf_tools::TreeEntry& entry) {
         EXPECT_EQ(entry.depth, entries);
         ++entries;
@@ -258,14 +237,13 @@ TEST(TreeText, VisitorEndsTheWalk) {
   InputFile input(file.path());
   int entries = 0;
   mdf_tools::walkTree(
-      input, {}, [](const mdf_reader::Finding&) {},
-      [&](const mdf_tools::TreeEntry&) { return ++entries < 5; });
+      input, {}, [](const Finding&) {}, [&](const mdf_tools::TreeEntry&) { return ++entries < 5; });
   EXPECT_EQ(entries, 5);
 }
 
 TEST(TreeText, JsonLines) {
   FileBuilder file;
-  const std::uint64_t group = file.add("DG", {99999, 168, 168, 0}, Bytes().zeros(8));
+  const auto group = file.add("DG", {99999, 168, 168, 0}, Bytes().zeros(8));
   file.link(FileBuilder::header, 0, group);
   std::string name;
   const Dumped tree =

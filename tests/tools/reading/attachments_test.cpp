@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "reader/bytes/digest.h"
 #include "reader/bytes/input_file.h"
@@ -13,14 +12,7 @@
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_reader::Attachment;
-using mdf_reader::AttachmentData;
-using mdf_reader::Finding;
-using mdf_reader::hexDigest;
-using mdf_reader::InputFile;
-using mdf_reader::readAttachmentData;
-using mdf_reader::readAttachments;
-using mdf_reader::Texts;
+using namespace mdf_reader;
 
 namespace {
 
@@ -68,19 +60,6 @@ TEST(Attachments, CompressedWithDigest) {
   EXPECT_EQ(hexDigest(read.attachment.digest), "900150983cd24fb0d6963f7d28e17f72");
 }
 
-TEST(Attachments, WrongDigest) {
-  const ReadBack read = readBack({"a", "", 5, digestOfAbc(), 3, "abd"});
-  EXPECT_EQ(read.state, AttachmentData::wrong_digest);
-}
-
-TEST(Attachments, DamagedCompressionGivesNothing) {
-  const ReadBack longer = readBack({"a", "", 3, digestOfAbc(), 2, zippedAbc()});
-  EXPECT_EQ(longer.state, AttachmentData::not_inflated);
-  EXPECT_EQ(longer.data, "");
-  const ReadBack broken = readBack({"a", "", 3, digestOfAbc(), 3, "abc"});
-  EXPECT_EQ(broken.state, AttachmentData::not_inflated);
-}
-
 TEST(Attachments, CutOffDataGivesNothing) {
   FileBuilder builder;
   const auto at = addAttachment(builder, {"a", "", 1, std::string(16, '\0'), 3, "abc"});
@@ -99,20 +78,6 @@ TEST(Attachments, LargeOnesComeInPieces) {
   const ReadBack read = readBack({"a", "", 1, std::string(16, '\0'), data.size(), data});
   EXPECT_EQ(read.state, AttachmentData::fine);
   EXPECT_EQ(read.data, data);
-}
-
-TEST(Attachments, AChain) {
-  FileBuilder builder;
-  const auto first = addAttachment(builder, {"1", "", 1, std::string(16, '\0'), 0, ""});
-  const auto second = addAttachment(builder, {"2", "", 0, std::string(16, '\0'), 0, ""});
-  builder.chain({first, second});
-  const TempFile temp(builder.bytes());
-  InputFile file(temp.path());
-  Texts texts;
-  const auto read = readAttachments(file, first, texts, [](const Finding&) { FAIL(); });
-  ASSERT_EQ(read.size(), 2U);
-  EXPECT_EQ(read[1].name, "2");
-  EXPECT_FALSE(read[1].is_embedded);
 }
 
 }  // namespace

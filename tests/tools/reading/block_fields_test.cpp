@@ -11,12 +11,7 @@
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_reader::BlockFields;
-using mdf_reader::InputFile;
-using mdf_reader::linkRole;
-using mdf_reader::RawBlock;
-using mdf_reader::readFields;
-using mdf_reader::readRawBlock;
+using namespace mdf_reader;
 
 namespace {
 
@@ -36,18 +31,8 @@ class Block {
 };
 
 std::string channelContents(std::uint16_t attachments) {
-  return Bytes()
-      .u8s({2, 1, 4, 3})
-      .u32(0x01020304)
-      .u32(64)
-      .u32(0x1000)
-      .u32(7)
-      .u8(5)
-      .u8(0)
-      .u16(attachments)
-      .f64(-1.5)
-      .f64(0.1)
-      .zeros(32);
+  return u8(2, 1, 4, 3) + u32(0x01020304, 64, 0x1000, 7) + u8(5, 0) + u16(attachments) +
+         f64(-1.5, 0.1) + zeros(32);
 }
 
 TEST(BlockFields, ReadsLinksAndFieldsOfTheFormat) {
@@ -111,7 +96,7 @@ TEST(BlockFields, ShowsNumbersAndBytes) {
   const Block block(file, at);
   std::string text;
   for (const auto& field : block->type().fields) {
-    text += mdf_reader::shownField(field, block->bytes(field.name)) + '\n';
+    text += shownField(field, block->bytes(field.name)) + '\n';
   }
   EXPECT_EQ(text, "5\n-60\n60\n1\n2\n3\n04\n0.1\n1e+300\n");
   EXPECT_EQ(block->signedNumber("hd_tz_offset_min"), -60);

@@ -12,18 +12,7 @@
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_reader::BlockFields;
-using mdf_reader::Channel;
-using mdf_reader::ChannelGroup;
-using mdf_reader::DataGroup;
-using mdf_reader::Description;
-using mdf_reader::Finding;
-using mdf_reader::forEachInChain;
-using mdf_reader::InputFile;
-using mdf_reader::readDescription;
-using mdf_reader::readIdentification;
-using mdf_reader::readSource;
-using mdf_reader::Texts;
+using namespace mdf_reader;
 
 namespace {
 
@@ -105,26 +94,14 @@ TEST(Description, ChannelWithEverything) {
   FileBuilder builder;
   const auto conversion = builder.addConversion({1, {}, {0, 0.5}, "km/h", "scaled"});
   const auto source = builder.addSource("engine", "ECU.engine", 1, 2);
-  ChannelSpec spec;
+  ChannelSpec spec{1, 0, 8, 3, 70000, 48, 2, 9};
   spec.name = "speed";
-  spec.type = 1;
-  spec.data_type = 8;
-  spec.byte_offset = 70000;
-  spec.bit_count = 48;
-  spec.bit_offset = 3;
-  spec.flags = 2;
-  spec.invalidation_bit = 9;
   spec.conversion = conversion;
   spec.data = 4711;
   spec.source = source;
   spec.comment = "of the car";
-  GroupSpec group;
+  GroupSpec group{1000, 10, 2, 7, 2};
   group.name = "acquisition";
-  group.record_id = 7;
-  group.cycles = 1000;
-  group.flags = 2;
-  group.data_bytes = 10;
-  group.invalidation_bytes = 2;
   group.source = source;
   group.comment = "fast";
   builder.addSortedGroup(group, {spec}, 0);
@@ -166,10 +143,8 @@ TEST(Description, TheChannelsOwnUnitComesFirst) {
 
 TEST(Description, VariableLengthGroupsStateTheLengthOfAllValues) {
   FileBuilder builder;
-  GroupSpec spec;
+  GroupSpec spec{0, 5, 2};
   spec.flags = 1;
-  spec.data_bytes = 5;
-  spec.invalidation_bytes = 2;
   builder.addSortedGroup(spec, {}, 0);
   const Described described(builder);
   EXPECT_TRUE(described.group().holdsVariableLength());
@@ -222,8 +197,7 @@ TEST(Description, ChannelsCanBeVisitedInsteadOfKept) {
   FileBuilder builder;
   ChannelSpec spec;
   spec.name = "one";
-  GroupSpec group;
-  group.cycles = 7;
+  const GroupSpec group{7};
   builder.addSortedGroup(group, {spec, spec}, 0);
   const TempFile temp(builder.bytes());
   InputFile file(temp.path());
@@ -237,36 +211,31 @@ TEST(Description, ChannelsCanBeVisitedInsteadOfKept) {
   EXPECT_TRUE(measurement.data_groups.at(0).groups.at(0).channels.empty());
 }
 
-TEST(Description, RemoteMasters) {
-  FileBuilder builder;
-  GroupSpec spec;
-  spec.flags = 8;
-  spec.master = 4711;
-  builder.addSortedGroup(spec, {}, 0);
-  const Described described(builder);
-  EXPECT_EQ(described.findings, "");
-  EXPECT_TRUE(described.group().hasRemoteMaster());
-  EXPECT_EQ(described.group().master_group, 4711U);
+TEST(Description, RemoteMastersAreThoseOfGroupsWithTheFlag) {
+  for (const std::uint16_t flags : {std::uint16_t{0}, std::uint16_t{8}}) {
+    FileBuilder builder;
+    GroupSpec spec;
+    spec.flags = flags;
+    spec.master = 4711;
+    builder.addSortedGroup(spec, {}, 0);
+    const Described described(builder);
+    EXPECT_EQ(described.findings, "");
+    EXPECT_EQ(described.group().hasRemoteMaster(), flags == 8);
+    EXPECT_EQ(described.group().master_group, flags == 8 ? 4711U : 0U);
+  }
 }
 
-TEST(Description, LinksToAMasterMeanNothingWithoutTheFlag) {
+/// A channel that is an array with these fields.
+FileBuilder withArray(const std::string& fields) {
   FileBuilder builder;
-  GroupSpec spec;
-  spec.master = 4711;
-  builder.addSortedGroup(spec, {}, 0);
-  const Described described(builder);
-  EXPECT_FALSE(described.group().hasRemoteMaster());
-  EXPECT_EQ(described.group().master_group, 0U);
+  ChannelSpec spec;
+  spec.composition = builder.add("CA", {0}, fields);
+  builder.addSortedGroup({}, {spec}, 0);
+  return builder;
 }
 
 TEST(Description, Arrays) {
-  FileBuilder builder;
-  const auto array = builder.add(
-      "CA", {0}, Bytes().u8(0).u8(0).u16(2).u32(64).u32(0xFFFFFFFE).u32(3).u64(4).u64(5).u64(99));
-  ChannelSpec spec;
-  spec.composition = array;
-  builder.addSortedGroup({}, {spec}, 0);
-  const Described described(builder);
+  const Described described(withArray(u8(0, 0) + u16(2) + u32(64, 0xFFFFFFFE, 3) + u64(4, 5, 99)));
   EXPECT_EQ(described.findings, "");
   const auto& shape = described.group().channels.at(0).array;
   EXPECT_EQ(shape.dimensions, (std::vector<std::uint64_t>{4, 5}));
@@ -302,26 +271,13 @@ TEST(Description, ArraysOfArraysOfStructures) {
 }
 
 TEST(Description, ArraysHaveNoMoreDimensionsThanAnybodyTakes) {
-  FileBuilder builder;
-  Bytes contents;
-  contents.u8(0).u8(0).u16(1000).zeros(12);
-  for (int i = 0; i < 1000; ++i) {
-    contents.u64(1);
-  }
-  ChannelSpec spec;
-  spec.composition = builder.add("CA", {0}, contents);
-  builder.addSortedGroup({}, {spec}, 0);
-  EXPECT_EQ(Described(builder).group().channels.at(0).array.dimensions.size(), 17U);
+  const std::vector<std::int64_t> ones(1000, 1);
+  const Described described(withArray(u8(0, 0) + u16(1000) + zeros(12) + listed(ones)));
+  EXPECT_EQ(described.group().channels.at(0).array.dimensions.size(), 17U);
 }
 
 TEST(Description, ArraysWithLyingDimensionsHaveThoseThatAreThere) {
-  FileBuilder builder;
-  const auto array =
-      builder.add("CA", {0}, Bytes().u8(0).u8(1).u16(65535).u32(0).u32(0).u32(0).u64(4));
-  ChannelSpec spec;
-  spec.composition = array;
-  builder.addSortedGroup({}, {spec}, 0);
-  const Described described(builder);
+  const Described described(withArray(u8(0, 1) + u16(65535) + zeros(12) + u64(4)));
   const auto& shape = described.group().channels.at(0).array;
   EXPECT_EQ(shape.dimensions, (std::vector<std::uint64_t>{4}));
   EXPECT_FALSE(shape.in_records);
@@ -332,10 +288,8 @@ TEST(Description, TheMasterIsOverTimeIfThereIsOne) {
     FileBuilder builder;
     std::vector<ChannelSpec> specs;
     for (const auto& [type, sync] : types_and_syncs) {
-      ChannelSpec spec;
+      ChannelSpec spec{type, sync};
       spec.name = std::to_string(type) + ':' + std::to_string(sync);
-      spec.type = type;
-      spec.sync_type = sync;
       specs.push_back(spec);
     }
     builder.addSortedGroup({}, specs, 0);
@@ -361,7 +315,7 @@ TEST(Description, ALinkToAnotherTypeEndsItsChain) {
   const Described described(builder);
   EXPECT_EQ(described.findings,
             std::to_string(channel) + ": expected a link to a new block \"##CN\" at " +
-                mdf_reader::decimalAndHex(text) + ", found none\n" + std::to_string(group) +
+                decimalAndHex(text) + ", found none\n" + std::to_string(group) +
                 ": expected a link to a new block \"##CG\" at 100001 (0x186a1), found none\n");
   EXPECT_EQ(outline(described.group()), "one/0 ");
 }
@@ -447,8 +401,7 @@ TEST(ForEachInChain, EndsAtACycle) {
   };
   EXPECT_EQ(visited(first), (std::vector<std::uint64_t>{first, second}));
   EXPECT_EQ(findings, std::to_string(second) + ": expected a link to a new block \"##FH\" at " +
-                          mdf_reader::decimalAndHex(first) +
-                          ", found one that was visited before\n");
+                          decimalAndHex(first) + ", found one that was visited before\n");
   EXPECT_TRUE(visited(0).empty());
 }
 

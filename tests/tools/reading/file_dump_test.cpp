@@ -22,17 +22,10 @@
 #include "tools/support/walker_findings.h"
 
 using namespace mdf_tests;
-using mdf_reader::Finding;
-using mdf_reader::InputFile;
+using namespace mdf_reader;
 using mdf_tools::OutputBuffer;
 
 namespace {
-
-TEST(FileDump, HealthyFile) {
-  const Dumped dump = dumpedBytes(healthyFile());
-  EXPECT_EQ(dump.output, healthyDump());
-  EXPECT_EQ(dump.findings, "");
-}
 
 /// The part of the healthy file's dump that belongs to the block at an offset.
 std::string partOf(const std::string& offset, const std::string& next_offset) {
@@ -83,23 +76,6 @@ TEST(FileDump, AnyByteMayBeWrong) {
       EXPECT_TRUE(std::regex_match(dump.findings, findings)) << dump.findings;
     }
   }
-}
-
-TEST(FileDump, NumbersAfterDataAreDecimal) {
-  const Dumped dump =
-      dumpedBytes(fileHead({168, 196, 0, 0, 0, 0}) +
-                  Bytes().header("DT", 28, 0).text("abcd").header("DT", 26, 0).text("ef").str());
-  EXPECT_EQ(dump.output.substr(dump.output.find("168 (0xa8)")),
-            "168 (0xa8) ##DT length 28 links 0\n"
-            "[DEBUG] ==================== DTBLOCK ===================\n"
-            "block size = 28\n"
-            "data size = 4\n"
-            "data hex dump: abcd[DEBUG] ==================== End of DTBLOCK ===================\n"
-            "196 (0xc4) ##DT length 26 links 0\n"
-            "[DEBUG] ==================== DTBLOCK ===================\n"
-            "block size = 26\n"
-            "data size = 2\n"
-            "data hex dump: ef[DEBUG] ==================== End of DTBLOCK ===================\n");
 }
 
 TEST(FileDump, EndsWhenTheOutputFails) {

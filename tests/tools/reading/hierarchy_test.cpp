@@ -10,12 +10,7 @@
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
-using mdf_reader::Finding;
-using mdf_reader::HierarchyElement;
-using mdf_reader::HierarchyEntry;
-using mdf_reader::InputFile;
-using mdf_reader::readHierarchy;
-using mdf_reader::Texts;
+using namespace mdf_reader;
 
 namespace {
 
@@ -77,7 +72,7 @@ TEST(Hierarchy, LinksThatLeadElsewhereAreToldAndNotFollowed) {
   EXPECT_EQ(outline(builder, first),
             at(second) + ": expected a link to a new block \"##CH\" at 168 (0xa8), found none\n" +
                 at(second) + ": expected a link to a new block \"##CH\" at " +
-                mdf_reader::decimalAndHex(first) + ", found one that was visited before\n" +
+                decimalAndHex(first) + ", found one that was visited before\n" +
                 "0 1  []\n1 2  []\n");
 }
 

@@ -118,13 +118,4 @@ TEST(InputFile, KnowsTheSizeItHadAndTheSizeItHas) {
   EXPECT_EQ(readText(input, 7, 1), "");
 }
 
-TEST(InputFile, MissingFileIsNamed) {
-  EXPECT_EQ(openingFails("/no/such/file"), "cannot open /no/such/file: No such file or directory");
-}
-
-TEST(InputFile, DirectoryCannotBeRead) {
-  const std::string directory = std::filesystem::temp_directory_path().string();
-  EXPECT_EQ(openingFails(directory), "cannot read " + directory + ": Is a directory");
-}
-
 }  // namespace
