@@ -14,7 +14,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <ostream>
 #include <set>
 #include <sstream>
 #include <string>
@@ -24,13 +23,6 @@
 #include "tools/samples/sample.h"
 #include "tools/support/program.h"
 #include "tools/support/scratch_folder.h"
-
-namespace mdf_tests {
-
-/// What tests are called by.
-void PrintTo(const Sample* sample, std::ostream* out) { *out << sample->name; }
-
-}  // namespace mdf_tests
 
 using namespace mdf_tests;
 
@@ -190,14 +182,6 @@ RunResult expectedExport(const Sample& sample) {
   return result;
 }
 
-/// Names of parameters have letters, digits and underscores.
-std::string parameterName(const testing::TestParamInfo<const Sample*>& info) {
-  std::string name = info.param->name;
-  std::replace_if(
-      name.begin(), name.end(), [](char each) { return each == '-' || each == '.'; }, '_');
-  return name;
-}
-
 std::vector<const Sample*> pointersToAll() {
   std::vector<const Sample*> pointers;
   for (const Sample& sample : allSamples()) {
@@ -205,30 +189,6 @@ std::vector<const Sample*> pointersToAll() {
   }
   return pointers;
 }
-
-class SampleFiles : public testing::TestWithParam<const Sample*> {
- protected:
-  void compareWithGolden(const std::string& command) const {
-    const Sample& sample = *GetParam();
-    SCOPED_TRACE(sample.shows);
-    EXPECT_TRUE(isSame(runOn({&sample}, {command}),
-                       goldenResult(sample, goldenSectionsOf(command)[sample.name])));
-  }
-};
-
-TEST_P(SampleFiles, Info) { compareWithGolden("info"); }
-
-TEST_P(SampleFiles, Tree) { compareWithGolden("tree"); }
-
-TEST_P(SampleFiles, Check) { compareWithGolden("check"); }
-
-TEST_P(SampleFiles, Export) {
-  const Sample& sample = *GetParam();
-  SCOPED_TRACE(sample.shows);
-  EXPECT_TRUE(isSame(runOn({&sample}, {"export", "--empty"}), expectedExport(sample)));
-}
-
-INSTANTIATE_TEST_SUITE_P(All, SampleFiles, testing::ValuesIn(pointersToAll()), parameterName);
 
 TEST(SampleList, EachNameIsThereOnce) {
   std::set<std::string> names;

@@ -13,7 +13,7 @@ namespace {
 /// A file with a measurement of three records.
 SampleFile measurement() {
   SampleFile file;
-  file.addSortedGroup(countingGroup(3), countingChannels(), file.add("DT", {}, countingRecords(3)));
+  file.addSortedGroup(countingGroup(3), countingChannels(), file.addData(countingRecords(3)));
   return file;
 }
 
@@ -27,25 +27,23 @@ struct Parts {
 
 Parts partsOfMeasurement() {
   SampleFile file;
-  const std::uint64_t group = file.addGroupOf(countingGroup(3), countingChannels());
+  const auto group = file.addGroupOf(countingGroup(3), countingChannels());
   const std::uint64_t channel = file.channels()[1];
-  const std::uint64_t data_group =
-      file.addDataGroup({group}, file.add("DT", {}, countingRecords(3)));
+  const auto data_group = file.addDataGroup({group}, file.addData(countingRecords(3)));
   return {std::move(file), data_group, group, channel};
 }
 
 Sample measured(const std::string& name, const std::string& shows, const SampleFile& file) {
-  return {name, shows, file.bytes(), {countingTable(3)}};
+  return sampleOf(name, shows, file, {countingTable(3)});
 }
 
 Sample history() {
   SampleFile file = measurement();
-  const std::uint64_t second = file.add(
+  const auto second = file.add(
       "FH", {0, file.metadata("<FHcomment><TX>cut</TX><tool_id>editor</tool_id></FHcomment>")},
-      Bytes().u64(1577836860'000000000).i16(60).i16(60).u8s({2, 0, 0, 0}));
-  const std::uint64_t third =
-      file.add("FH", {0, file.text("a plain comment")},
-               Bytes().u64(1577836920'000000000).zeros(4).u8s({1, 0, 0, 0}));
+      u64(1577836860'000000000) + u16(60, 60) + u8(2, 0, 0, 0));
+  const auto third = file.add("FH", {0, file.text("a plain comment")},
+                              u64(1577836920'000000000) + zeros(4) + u8(1, 0, 0, 0));
   file.chain({file.history(), second, third});
   return measured("block-file-history", "three programs worked on the file", file);
 }
@@ -54,24 +52,20 @@ std::uint64_t addHierarchy(SampleFile& file, const std::string& name, unsigned t
                            const std::vector<std::uint64_t>& elements, std::uint64_t child = 0) {
   std::vector<std::uint64_t> links = {0, child, file.text(name), 0};
   links.insert(links.end(), elements.begin(), elements.end());
-  return file.add("CH", links,
-                  Bytes()
-                      .u32(static_cast<std::uint32_t>(elements.size() / 3))
-                      .u8(static_cast<std::uint8_t>(type))
-                      .zeros(3));
+  return file.add("CH", links, u32(elements.size() / 3) + u8(type) + zeros(3));
 }
 
 Sample hierarchy() {
   Parts parts = partsOfMeasurement();
   SampleFile& file = parts.file;
   const std::vector<std::uint64_t> element = {parts.data_group, parts.group, parts.channel};
-  const std::uint64_t inner = addHierarchy(file, "inputs", 4, element);
-  const std::uint64_t beside = addHierarchy(file, "locals", 6, {});
+  const auto inner = addHierarchy(file, "inputs", 4, element);
+  const auto beside = addHierarchy(file, "locals", 6, {});
   file.chain({inner, beside});
-  const std::uint64_t function = addHierarchy(file, "control", 1, {}, inner);
+  const auto function = addHierarchy(file, "control", 1, {}, inner);
   std::vector<std::uint64_t> twice = element;
   twice.insert(twice.end(), element.begin(), element.end());
-  const std::uint64_t group = addHierarchy(file, "favourites", 0, twice);
+  const auto group = addHierarchy(file, "favourites", 0, twice);
   file.link(group, 3, file.metadata("<CHcomment><TX>most wanted</TX></CHcomment>"));
   file.chain({function, group});
   file.link(FileBuilder::header, 2, function);
@@ -138,7 +132,7 @@ Sample sources() {
   GroupSpec group = countingGroup(3);
   group.source = file.addSource("CAN 1", "bus.CAN 1", 2, 2);
   file.write(group.source + 24 + 3 * 8 + 2, Bytes().u8(1));
-  file.addSortedGroup(group, channels, file.add("DT", {}, countingRecords(3)));
+  file.addSortedGroup(group, channels, file.addData(countingRecords(3)));
   return measured("block-source", "where a group and its channels come from; the bus is simulated",
                   file);
 }
@@ -149,16 +143,16 @@ Sample sourceTypes() {
   for (unsigned type = 0; type <= 5; ++type) {
     GroupSpec group = countingGroup(1);
     group.source = file.addSource("type " + std::to_string(type), "", type, type == 2 ? 5 : type);
-    file.addSortedGroup(group, countingChannels(), file.add("DT", {}, countingRecords(1)));
+    file.addSortedGroup(group, countingChannels(), file.addData(countingRecords(1)));
     tables.push_back(countingTable(1));
   }
-  return {"block-source-types", "sources and buses of several kinds", file.bytes(), tables};
+  return sampleOf("block-source-types", "sources and buses of several kinds", file, tables);
 }
 
 /// Mean, least and greatest values of each second of four records.
 Sample reduction() {
   SampleFile file;
-  const std::uint64_t group = file.addGroupOf(countingGroup(4), countingChannels());
+  const auto group = file.addGroupOf(countingGroup(4), countingChannels());
   const auto interval = [](std::size_t first) {
     const auto record = [](double time, std::size_t value) {
       return Bytes().f64(time).u16(static_cast<std::uint16_t>(value)).str();
@@ -166,28 +160,26 @@ Sample reduction() {
     const double begin = timeOf(first);
     return record(begin, 7 * first) + record(begin, 7 * first) + record(begin + 0.5, 7 * first + 7);
   };
-  const std::uint64_t plain = file.add("RD", {}, interval(0) + interval(2));
-  const std::uint64_t zipped = addZipped(file, "RD", interval(0));
-  const std::uint64_t seconds =
+  const auto plain = file.add("RD", {}, interval(0) + interval(2));
+  const auto zipped = addZipped(file, "RD", interval(0));
+  const auto seconds =
       file.add("SR", {0, plain}, Bytes().u64(2).f64(1).u8s({1, 0, 0, 0, 0, 0, 0, 0}));
-  const std::uint64_t minutes =
+  const auto minutes =
       file.add("SR", {0, zipped}, Bytes().u64(1).f64(60).u8s({1, 0, 0, 0, 0, 0, 0, 0}));
   file.chain({seconds, minutes});
   file.link(group, 4, seconds);
-  file.addDataGroup({group}, file.add("DT", {}, countingRecords(4)));
-  return {"block-sample-reduction",
-          "reductions to seconds and to minutes",
-          file.bytes(),
-          {countingTable(4)}};
+  file.addDataGroup({group}, file.addData(countingRecords(4)));
+  return sampleOf("block-sample-reduction", "reductions to seconds and to minutes", file,
+                  {countingTable(4)});
 }
 
 /// A block of another type that a source leads to.
 Sample unknownBlocks() {
   Parts parts = partsOfMeasurement();
   SampleFile& file = parts.file;
-  const std::uint64_t text = file.text("behind an unknown block");
-  const std::uint64_t unknown = file.add("ZY", {text, 0}, "whatever it holds");
-  const std::uint64_t extended =
+  const auto text = file.text("behind an unknown block");
+  const auto unknown = file.add("ZY", {text, 0}, "whatever it holds");
+  const auto extended =
       file.add("SI", {file.text("source"), 0, 0, unknown}, Bytes().u8s({1, 1, 0, 0, 0, 0, 0, 0}));
   file.link(parts.channel, 3, extended);
   return measured("block-of-unknown-type", "a type that nobody knows at a link of a newer version",
@@ -197,18 +189,18 @@ Sample unknownBlocks() {
 /// Blocks with a link more than version 4.10 gives them.
 Sample newerLinks() {
   SampleFile file("MDF     ", 420);
-  const std::uint64_t text = file.text("added later");
-  const std::uint64_t name = file.text("notes.txt");
-  const std::uint64_t attachment = file.add(
-      "AT", {0, name, 0, 0, text}, Bytes().u16(embedded).zeros(22).u64(3).u64(3).text("abc"));
+  const auto text = file.text("added later");
+  const auto name = file.text("notes.txt");
+  const auto attachment = file.add("AT", {0, name, 0, 0, text},
+                                   Bytes().u16(embedded).zeros(22).u64(3).u64(3).text("abc"));
   file.link(FileBuilder::header, 3, attachment);
-  const std::uint64_t history = file.add("FH", {0, 0, text}, Bytes().zeros(16));
+  const auto history = file.add("FH", {0, 0, text}, Bytes().zeros(16));
   file.link(file.history(), 0, history);
   std::vector<ChannelSpec> channels = countingChannels();
   channels[1].source = file.add("SI", {name, 0, 0, text}, Bytes().u8s({1, 1, 0, 0, 0, 0, 0, 0}));
-  const std::uint64_t group = file.addGroupOf(countingGroup(3), channels);
-  const std::uint64_t data = file.add("DT", {}, countingRecords(3));
-  const std::uint64_t data_group = file.add("DG", {0, group, data, 0, text}, Bytes().zeros(8));
+  const auto group = file.addGroupOf(countingGroup(3), channels);
+  const auto data = file.addData(countingRecords(3));
+  const auto data_group = file.add("DG", {0, group, data, 0, text}, Bytes().zeros(8));
   file.link(FileBuilder::header, 0, data_group);
   return measured("block-links-of-newer-versions", "links after those that are known", file);
 }
@@ -216,17 +208,16 @@ Sample newerLinks() {
 /// A channel with attachments and with a default axis, whose links follow the first eight.
 Sample channelReferences() {
   SampleFile file;
-  const std::uint64_t attachment =
+  const auto attachment =
       addAttachment(file, {"map.bin", "", embedded, std::string(16, '\0'), 1, "m"});
   file.link(FileBuilder::header, 3, attachment);
-  const std::uint64_t name = file.text("v");
-  const std::uint64_t value =
+  const auto name = file.text("v");
+  const auto value =
       file.add("CN", {0, 0, name, 0, 0, 0, 0, 0, attachment, 0, 0, 0},
                Bytes().u8s({0, 0, 0, 0}).u32(8).u32(16).u32(4096).zeros(6).u16(1).zeros(48));
-  const std::uint64_t group = file.addGroupOf(countingGroup(3), {timeMaster()});
+  const auto group = file.addGroupOf(countingGroup(3), {timeMaster()});
   file.link(file.channels()[0], 0, value);
-  const std::uint64_t data_group =
-      file.addDataGroup({group}, file.add("DT", {}, countingRecords(3)));
+  const auto data_group = file.addDataGroup({group}, file.addData(countingRecords(3)));
   file.link(value, 9, data_group);
   file.link(value, 10, group);
   file.link(value, 11, file.channels()[0]);
@@ -243,12 +234,12 @@ Sample busEvents() {
   group.name = "frames";
   std::vector<ChannelSpec> channels = countingChannels();
   channels[1].flags = 0x400;
-  file.addSortedGroup(group, channels, file.add("DT", {}, countingRecords(3)));
+  file.addSortedGroup(group, channels, file.addData(countingRecords(3)));
   return measured("block-bus-events", "a group of plain bus events", file);
 }
 
 Sample nothing(const std::string& name, const std::string& shows, const SampleFile& file) {
-  return {name, shows, file.bytes(), {}};
+  return sampleOf(name, shows, file, {});
 }
 
 Samples almostEmpty() {

@@ -23,20 +23,17 @@ Sample withInvalidation(const std::string& name, const std::string& shows, Sampl
   for (std::size_t i = 0; i < records.size(); ++i) {
     data.f64(timeOf(i)).text(hex(records[i]));
   }
-  GroupSpec group;
-  group.cycles = records.size();
-  group.data_bytes = static_cast<std::uint32_t>(8 + hex(records[0]).size()) - invalidation_bytes;
-  group.invalidation_bytes = invalidation_bytes;
+  const GroupSpec group{records.size(),
+                        static_cast<std::uint32_t>(8 + hex(records[0]).size()) - invalidation_bytes,
+                        invalidation_bytes};
   channels.insert(channels.begin(), timeMaster());
-  file.addSortedGroup(group, channels, file.add("DT", {}, data));
-  return {name, shows, file.bytes(), {table}};
+  file.addSortedGroup(group, channels, file.addData(data));
+  return sampleOf(name, shows, file, {table});
 }
 
 ChannelSpec byteAt(const std::string& name, std::uint32_t offset, std::uint32_t flags,
                    std::uint32_t bit) {
-  ChannelSpec channel = stored(0, 8);
-  channel.name = name;
-  channel.byte_offset = offset;
+  ChannelSpec channel = part(name, offset);
   channel.flags = flags;
   channel.invalidation_bit = bit;
   return channel;
@@ -94,17 +91,12 @@ Sample unit(const std::string& name, const std::string& shows, const std::string
 
 Sample unitInMetadata() {
   SampleFile file;
-  GroupSpec group;
-  group.cycles = 1;
-  group.data_bytes = 9;
-  ChannelSpec value = stored(0, 8);
-  value.byte_offset = 8;
-  file.addSortedGroup(group, {timeMaster(), value}, file.add("DT", {}, Bytes().f64(0).u8(5)));
+  const GroupSpec group{1, 9};
+  ChannelSpec value = part("v", 8);
+  file.addSortedGroup(group, {timeMaster(), value}, file.addData(Bytes().f64(0).u8(5)));
   file.link(file.channels()[1], 6, file.metadata("<CNunit><TX>N&#183;m</TX></CNunit>"));
-  return {"unit-in-metadata",
-          "a unit in XML",
-          file.bytes(),
-          {{{{"t", "s"}, {"v", "N\u00B7m"}}, {"0,5"}}}};
+  return sampleOf("unit-in-metadata", "a unit in XML", file,
+                  {{{{"t", "s"}, {"v", "N\u00B7m"}}, {"0,5"}}});
 }
 
 Samples units() {
@@ -128,18 +120,15 @@ Sample named(const std::string& name, const std::string& shows, const std::strin
 
 Sample sharedTexts() {
   SampleFile file;
-  const std::uint64_t text = file.text("all");
-  const std::uint64_t source =
-      file.add("SI", {text, text, text}, Bytes().u8s({1, 2, 0, 0, 0, 0, 0, 0}));
-  ChannelSpec first = stored(0, 8);
-  first.name = "";
-  first.byte_offset = 8;
+  const auto text = file.text("all");
+  const auto source = file.add("SI", {text, text, text}, Bytes().u8s({1, 2, 0, 0, 0, 0, 0, 0}));
+  ChannelSpec first = part("", 8);
   first.source = source;
   ChannelSpec second = first;
   second.byte_offset = 9;
   GroupSpec group = countingGroup(1);
   group.source = source;
-  const std::uint64_t channel_group = file.addGroupOf(group, {timeMaster(), first, second});
+  const auto channel_group = file.addGroupOf(group, {timeMaster(), first, second});
   for (const std::size_t i : {1U, 2U}) {
     for (const std::size_t link : {2U, 6U, 7U}) {
       file.link(file.channels()[i], link, text);
@@ -147,41 +136,33 @@ Sample sharedTexts() {
   }
   file.link(channel_group, 2, text);
   file.link(channel_group, 5, text);
-  file.addDataGroup({channel_group}, file.add("DT", {}, Bytes().f64(0).u8s({1, 2})));
-  return {"texts-shared",
-          "one text for all names, units and comments",
-          file.bytes(),
-          {{{{"t", "s"}, {"all", "all"}, {"all (2)", "all"}}, {"0,1,2"}}}};
+  file.addDataGroup({channel_group}, file.addData(Bytes().f64(0).u8s({1, 2})));
+  return sampleOf("texts-shared", "one text for all names, units and comments", file,
+                  {{{{"t", "s"}, {"all", "all"}, {"all (2)", "all"}}, {"0,1,2"}}});
 }
 
 Sample comments() {
   SampleFile file;
-  ChannelSpec value = stored(0, 8);
-  value.byte_offset = 8;
+  ChannelSpec value = part("v", 8);
   value.comment = "plain text";
   value.source = file.addSource("engine", "ECU.engine", 1, 2);
-  GroupSpec group;
+  GroupSpec group{1, 9};
   group.name = "10 ms";
-  group.cycles = 1;
-  group.data_bytes = 9;
   group.comment = "of the engine";
   group.source = file.addSource("CAN 1", "bus", 2, 2);
-  const std::uint64_t channel_group = file.addGroupOf(group, {timeMaster(), value});
+  const auto channel_group = file.addGroupOf(group, {timeMaster(), value});
   file.link(
       file.channels()[0], 7,
       file.metadata(
           "<CNcomment><TX>since the start</TX><names><display>time</display></names></CNcomment>"));
-  const std::uint64_t data_group =
-      file.addDataGroup({channel_group}, file.add("DT", {}, Bytes().f64(0).u8(1)));
+  const auto data_group = file.addDataGroup({channel_group}, file.addData(Bytes().f64(0).u8(1)));
   file.link(data_group, 3, file.metadata("<DGcomment><TX>first rig</TX></DGcomment>"));
   file.link(
       FileBuilder::header, 5,
       file.metadata("<HDcomment><TX>A drive &amp; a stop</TX><common_properties><e name=\"driver\">"
                     "M. M\u00FCller</e></common_properties></HDcomment>"));
-  return {"comments",
-          "names, comments and sources wherever there may be some",
-          file.bytes(),
-          {{{{"t", "s"}, {"v", ""}}, {"0,1"}}}};
+  return sampleOf("comments", "names, comments and sources wherever there may be some", file,
+                  {{{{"t", "s"}, {"v", ""}}, {"0,1"}}});
 }
 
 Sample statedRange() {
@@ -193,12 +174,10 @@ Sample statedRange() {
   ChannelSpec value = countingChannels()[1];
   value.flags = has_value_range | has_precision;
   value.range_max = 63;
-  file.addSortedGroup(countingGroup(10), {time, value}, file.add("DT", {}, countingRecords(10)));
+  file.addSortedGroup(countingGroup(10), {time, value}, file.addData(countingRecords(10)));
   file.write(file.channels()[1] + 24 + 8 * 8 + 20, Bytes().u8(2));
-  return {"range-of-values",
-          "least and greatest values that are stated",
-          file.bytes(),
-          {countingTable(10)}};
+  return sampleOf("range-of-values", "least and greatest values that are stated", file,
+                  {countingTable(10)});
 }
 
 Samples names() {

@@ -79,10 +79,9 @@ Sample overOther(const std::string& name, const std::string& shows, unsigned syn
   over.name = "x";
   over.sync_type = sync_type;
   over.unit = unit;
-  ChannelSpec value = stored(0, 16);
-  value.byte_offset = 8;
-  file.addSortedGroup(countingGroup(3), {over, value}, file.add("DT", {}, countingRecords(3)));
-  return {name, shows, file.bytes(), {{{{"x", unit}, {"v", ""}}, {"0,0", "0.5,7", "1,14"}}}};
+  ChannelSpec value = part("v", 8, 16);
+  file.addSortedGroup(countingGroup(3), {over, value}, file.addData(countingRecords(3)));
+  return sampleOf(name, shows, file, {{{{"x", unit}, {"v", ""}}, {"0,0", "0.5,7", "1,14"}}});
 }
 
 /// A master channel that is made from the index of the record by a conversion.
@@ -96,17 +95,15 @@ Sample virtualMaster(const std::string& name, const std::string& shows, unsigned
   over.sync_type = sync_type;
   over.conversion = linear.empty() ? 0 : file.addConversion({1, {}, linear, "", ""});
   over.unit = unit;
-  GroupSpec group;
-  group.cycles = cells.size();
-  group.data_bytes = 1;
+  const GroupSpec group{cells.size(), 1};
   Bytes records;
   ValueTable table{{{"x", unit}, {"v", ""}}, {}};
   for (std::size_t i = 0; i < cells.size(); ++i) {
     records.u8(static_cast<std::uint8_t>(200 + i));
     table.rows.push_back(cells[i] + ',' + std::to_string(200 + i));
   }
-  file.addSortedGroup(group, {over, stored(0, 8)}, file.add("DT", {}, records));
-  return {name, shows, file.bytes(), {table}};
+  file.addSortedGroup(group, {over, stored(0, 8)}, file.addData(records));
+  return sampleOf(name, shows, file, {table});
 }
 
 Samples masters() {
@@ -134,15 +131,10 @@ Sample twoMasters() {
   angle.sync_type = 2;
   ChannelSpec time = timeMaster();
   time.byte_offset = 8;
-  GroupSpec group;
-  group.cycles = 2;
-  group.data_bytes = 16;
-  file.addSortedGroup(group, {angle, time},
-                      file.add("DT", {}, Bytes().f64(3).f64(0).f64(4.5).f64(0.5)));
-  return {"channel-two-masters",
-          "an angle beside the time: the time comes first",
-          file.bytes(),
-          {{{{"t", "s"}, {"phi", "rad"}}, {"0,3", "0.5,4.5"}}}};
+  const GroupSpec group{2, 16};
+  file.addSortedGroup(group, {angle, time}, file.addData(Bytes().f64(3).f64(0).f64(4.5).f64(0.5)));
+  return sampleOf("channel-two-masters", "an angle beside the time: the time comes first", file,
+                  {{{{"t", "s"}, {"phi", "rad"}}, {"0,3", "0.5,4.5"}}});
 }
 
 Sample synchronized() {
@@ -152,7 +144,7 @@ Sample synchronized() {
   film.mime_type = "video/avi";
   film.data = "frames";
   film.original_size = film.data.size();
-  const std::uint64_t attachment = addAttachment(file, film);
+  const auto attachment = addAttachment(file, film);
   file.link(FileBuilder::header, 3, attachment);
   ChannelSpec channel = stored(4, 64);
   channel.unit = "s";
@@ -171,12 +163,8 @@ Sample maximumLength(const std::string& name, const std::string& shows, unsigned
   ChannelSpec text = stored(data_type, 48);
   text.byte_offset = 9;
   text.type = maximum_length;
-  ChannelSpec length = stored(0, 8);
-  length.name = "length";
-  length.byte_offset = 8;
-  GroupSpec group;
-  group.cycles = values.size();
-  group.data_bytes = 15;
+  ChannelSpec length = part("length", 8);
+  const GroupSpec group{values.size(), 15};
   Bytes records;
   ValueTable table{{{"t", "s"}, {"length", ""}, {"v", ""}}, {}};
   for (std::size_t i = 0; i < values.size(); ++i) {
@@ -184,9 +172,9 @@ Sample maximumLength(const std::string& name, const std::string& shows, unsigned
     records.f64(timeOf(i)).text(bytes);
     table.rows.push_back(timeCell(i) + ',' + std::to_string(int{bytes[0]}) + ',' + values[i].cell);
   }
-  file.addSortedGroup(group, {timeMaster(), length, text}, file.add("DT", {}, records));
+  file.addSortedGroup(group, {timeMaster(), length, text}, file.addData(records));
   file.link(file.channels()[2], 5, file.channels()[1]);
-  return {name, shows, file.bytes(), {table}};
+  return sampleOf(name, shows, file, {table});
 }
 
 Samples others() {

@@ -9,14 +9,6 @@ namespace mdf_tests {
 
 namespace {
 
-ChannelSpec part(const std::string& name, std::uint32_t byte_offset, std::uint32_t bit_count = 8,
-                 unsigned bit_offset = 0) {
-  ChannelSpec channel = stored(0, bit_count, bit_offset);
-  channel.name = name;
-  channel.byte_offset = byte_offset;
-  return channel;
-}
-
 /// A structure's channel: its bytes, and its members.
 std::uint64_t addStructure(SampleFile& file, const std::string& name, std::uint32_t byte_offset,
                            std::uint32_t bytes, const std::vector<std::uint64_t>& members) {
@@ -32,21 +24,20 @@ Sample composed(const std::string& name, const std::string& shows, SampleFile fi
                 std::uint64_t channel, const std::vector<std::string>& records,
                 const ValueTable& table) {
   Bytes data;
-  GroupSpec group;
-  group.cycles = records.size();
+  GroupSpec group{records.size()};
   for (std::size_t i = 0; i < records.size(); ++i) {
     data.f64(timeOf(i)).text(hex(records[i]));
     group.data_bytes = static_cast<std::uint32_t>(8 + hex(records[i]).size());
   }
-  const std::uint64_t channel_group = file.addGroupOf(group, {timeMaster()});
+  const auto channel_group = file.addGroupOf(group, {timeMaster()});
   file.link(file.channels()[0], 0, channel);
-  file.addDataGroup({channel_group}, file.add("DT", {}, data));
-  return {name, shows, file.bytes(), {table}};
+  file.addDataGroup({channel_group}, file.addData(data));
+  return sampleOf(name, shows, file, {table});
 }
 
 Sample structure() {
   SampleFile file;
-  const std::uint64_t channel = addStructure(
+  const auto channel = addStructure(
       file, "point", 8, 3, {file.addChannel(part("x", 8)), file.addChannel(part("y", 9, 16))});
   return composed("structure", "a channel with two members", std::move(file), channel,
                   {"010200", "030004"},
@@ -55,10 +46,9 @@ Sample structure() {
 
 Sample nestedStructure() {
   SampleFile file;
-  const std::uint64_t inner = addStructure(
-      file, "inner", 9, 2, {file.addChannel(part("a", 9)), file.addChannel(part("b", 10))});
-  const std::uint64_t outer =
-      addStructure(file, "outer", 8, 3, {file.addChannel(part("c", 8)), inner});
+  const auto inner = addStructure(file, "inner", 9, 2,
+                                  {file.addChannel(part("a", 9)), file.addChannel(part("b", 10))});
+  const auto outer = addStructure(file, "outer", 8, 3, {file.addChannel(part("c", 8)), inner});
   file.link(outer, 0, file.addChannel(part("last", 11)));
   return composed(
       "structure-nested", "a structure in a structure, and a channel after it", std::move(file),
@@ -69,7 +59,7 @@ Sample nestedStructure() {
 
 Sample bitStructure() {
   SampleFile file;
-  const std::uint64_t channel =
+  const auto channel =
       addStructure(file, "flags", 8, 1,
                    {file.addChannel(part("ready", 8, 1)), file.addChannel(part("mode", 8, 3, 1)),
                     file.addChannel(part("level", 8, 4, 4))});
@@ -102,7 +92,7 @@ Sample array(const std::string& name, const std::string& shows, const ArraySpec&
              const ValueTable& table) {
   SampleFile file;
   element.composition = addArray(file, spec);
-  const std::uint64_t channel = file.addChannel(element);
+  const auto channel = file.addChannel(element);
   return composed(name, shows, std::move(file), channel, records, table);
 }
 
@@ -152,17 +142,12 @@ Sample invalidElements() {
   ChannelSpec element = part("v", 8);
   element.flags = 2;
   element.composition = addArray(file, {0, 1, 1, {3}});
-  GroupSpec group;
-  group.cycles = 2;
-  group.data_bytes = 11;
-  group.invalidation_bytes = 1;
-  file.addSortedGroup(
-      group, {timeMaster(), element},
-      file.add("DT", {}, Bytes().f64(0).u8s({1, 2, 3, 2}).f64(0.5).u8s({4, 5, 6, 5})));
-  return {"array-invalidation",
-          "an invalidation bit for each element",
-          file.bytes(),
-          {{{{"t", "s"}, {"v[0]", ""}, {"v[1]", ""}, {"v[2]", ""}}, {"0,1,,3", "0.5,,5,"}}}};
+  const GroupSpec group{2, 11, 1};
+  file.addSortedGroup(group, {timeMaster(), element},
+                      file.addData(Bytes().f64(0).u8s({1, 2, 3, 2}).f64(0.5).u8s({4, 5, 6, 5})));
+  return sampleOf(
+      "array-invalidation", "an invalidation bit for each element", file,
+      {{{{"t", "s"}, {"v[0]", ""}, {"v[1]", ""}, {"v[2]", ""}}, {"0,1,,3", "0.5,,5,"}}});
 }
 
 Sample convertedArray() {
@@ -171,7 +156,7 @@ Sample convertedArray() {
   element.unit = "V";
   element.conversion = file.addConversion({1, {}, {0, 0.5}, "", ""});
   element.composition = addArray(file, {0, 1, 0, {2}});
-  const std::uint64_t channel = file.addChannel(element);
+  const auto channel = file.addChannel(element);
   return composed("array-converted", "a conversion of each element", std::move(file), channel,
                   {"0102", "03ff"},
                   {{{"t", "s"}, {"v[0]", "V"}, {"v[1]", "V"}}, {"0,0.5,1", "0.5,1.5,127.5"}});
@@ -181,7 +166,7 @@ Sample arrayInStructure() {
   SampleFile file;
   ChannelSpec wheel = part("wheel", 9);
   wheel.composition = addArray(file, {0, 1, 0, {2}});
-  const std::uint64_t channel =
+  const auto channel =
       addStructure(file, "axle", 8, 3, {file.addChannel(part("load", 8)), file.addChannel(wheel)});
   return composed("array-in-a-structure", "a member that is an array", std::move(file), channel,
                   {"090a0b"},
@@ -192,13 +177,13 @@ Sample arrayInStructure() {
 /// Two points of three bytes each, four bytes apart.
 Sample arrayOfStructures() {
   SampleFile file;
-  const std::uint64_t x = file.addChannel(part("x", 8));
-  const std::uint64_t y = file.addChannel(part("y", 9, 16));
+  const auto x = file.addChannel(part("x", 8));
+  const auto y = file.addChannel(part("y", 9, 16));
   file.chain({x, y});
   ChannelSpec points = part("point", 8, 24);
   points.data_type = 10;
   points.composition = addArray(file, {0, 4, 0, {2}}, x);
-  const std::uint64_t channel = file.addChannel(points);
+  const auto channel = file.addChannel(points);
   file.link(channel, 0, file.addChannel(part("last", 15)));
   return composed("array-of-structures", "elements with members, and a channel after them",
                   std::move(file), channel, {"010200ff03040005", "060007fe08000909"},
@@ -216,12 +201,12 @@ Sample arrayOfStructuresOfArrays() {
   SampleFile file;
   ChannelSpec wheels = part("wheel", 9);
   wheels.composition = addArray(file, {0, 1, 0, {2}});
-  const std::uint64_t load = file.addChannel(part("load", 8));
+  const auto load = file.addChannel(part("load", 8));
   file.chain({load, file.addChannel(wheels)});
   ChannelSpec axles = part("axle", 8, 24);
   axles.data_type = 10;
   axles.composition = addArray(file, {0, 3, 0, {2}}, load);
-  const std::uint64_t channel = file.addChannel(axles);
+  const auto channel = file.addChannel(axles);
   return composed("array-of-structures-of-arrays", "elements with a member that is an array",
                   std::move(file), channel, {"010203040506"},
                   {{{"t", "s"},
@@ -236,10 +221,10 @@ Sample arrayOfStructuresOfArrays() {
 
 Sample arrayOfArrays() {
   SampleFile file;
-  const std::uint64_t inner = addArray(file, {0, 1, 0, {2}});
+  const auto inner = addArray(file, {0, 1, 0, {2}});
   ChannelSpec outer = part("v", 8);
   outer.composition = addArray(file, {0, 3, 0, {2}}, inner);
-  const std::uint64_t channel = file.addChannel(outer);
+  const auto channel = file.addChannel(outer);
   return composed("array-of-arrays", "elements of two bytes, three bytes apart", std::move(file),
                   channel, {"0102ff0304"},
                   {elements({"[0][0]", "[0][1]", "[1][0]", "[1][1]"}), {"0,1,2,3,4"}});
@@ -272,62 +257,55 @@ std::uint64_t splitGroup(SampleFile& file, std::uint64_t array, GroupSpec group)
 
 Sample arrayOfChannelGroups() {
   SampleFile file;
-  const std::uint64_t array = addSplitArray(file, 1, {3}, {2, 1, 3}, {});
-  GroupSpec group;
+  const auto array = addSplitArray(file, 1, {3}, {2, 1, 3}, {});
+  GroupSpec group{2};
   group.record_id = 5;
-  group.cycles = 2;
-  const std::uint64_t first = splitGroup(file, array, group);
+  const auto first = splitGroup(file, array, group);
   GroupSpec other = countingGroup(1);
   other.record_id = 9;
-  const std::uint64_t second = file.addGroupOf(other, countingChannels());
+  const auto second = file.addGroupOf(other, countingChannels());
   Bytes data;
   data.u8(7).f64(0).u8(30).u8(5).f64(0.5).u8(10).u8(6).f64(0.5).u8(20).u8(7).f64(1).u8(31);
   data.u8(9).text(countingRecords(1)).u8(5).f64(1.5).u8(11).u8(7).f64(2).u8(32);
-  file.addDataGroup({first, second}, file.add("DT", {}, data), 1);
-  return {"array-of-channel-groups",
-          "elements with records of their own, by record ids that go up, and another group",
-          file.bytes(),
-          {{elements({"[0]"}), {"0.5,10", "1.5,11"}},
-           {elements({"[1]"}), {"0.5,20"}},
-           {elements({"[2]"}), {"0,30", "1,31", "2,32"}},
-           countingTable(1)}};
+  file.addDataGroup({first, second}, file.addData(data), 1);
+  return sampleOf("array-of-channel-groups",
+                  "elements with records of their own, by record ids that go up, and another group",
+                  file,
+                  {{elements({"[0]"}), {"0.5,10", "1.5,11"}},
+                   {elements({"[1]"}), {"0.5,20"}},
+                   {elements({"[2]"}), {"0,30", "1,31", "2,32"}},
+                   countingTable(1)});
 }
 
 Sample arrayOfDataGroups() {
   SampleFile file;
-  const std::uint64_t first = file.add("DT", {}, Bytes().f64(0).u8(1).f64(1).u8(2));
+  const auto first = file.addData(Bytes().f64(0).u8(1).f64(1).u8(2));
   const std::string records = Bytes().f64(0.5).u8(3).f64(1).u8(4).f64(1.5).u8(5);
-  const std::uint64_t second = addEqualList(file, addPieces(file, "DT", records, 10), 10);
-  const std::uint64_t last = addZipped(file, "DT", Bytes().f64(2).u8(6));
-  const std::uint64_t array =
-      addSplitArray(file, 2, {2, 2}, {2, 3, 0, 1}, {first, second, 0, last});
-  GroupSpec group;
-  group.cycles = 2;
+  const auto second = addEqualList(file, addPieces(file, "DT", records, 10), 10);
+  const auto last = addZipped(file, "DT", Bytes().f64(2).u8(6));
+  const auto array = addSplitArray(file, 2, {2, 2}, {2, 3, 0, 1}, {first, second, 0, last});
+  const GroupSpec group{2};
   file.addDataGroup({splitGroup(file, array, group)}, first);
-  return {"array-of-data-groups",
-          "elements with data of their own: a block, a list, none, and zipped",
-          file.bytes(),
-          {{elements({"[0][0]"}), {"0,1", "1,2"}},
-           {elements({"[0][1]"}), {"0.5,3", "1,4", "1.5,5"}},
-           {elements({"[1][0]"}), {}},
-           {elements({"[1][1]"}), {"2,6"}}}};
+  return sampleOf("array-of-data-groups",
+                  "elements with data of their own: a block, a list, none, and zipped", file,
+                  {{elements({"[0][0]"}), {"0,1", "1,2"}},
+                   {elements({"[0][1]"}), {"0.5,3", "1,4", "1.5,5"}},
+                   {elements({"[1][0]"}), {}},
+                   {elements({"[1][1]"}), {"2,6"}}});
 }
 
 /// Values of the axes stand in front of the counts.
 Sample arrayOfChannelGroupsWithAxis() {
   SampleFile file;
-  const std::uint64_t array =
+  const auto array =
       file.add("CA", {0},
                Bytes().u8(0).u8(1).u16(1).u32(32).zeros(8).u64(2).f64(100).f64(200).u64(1).u64(1));
-  GroupSpec group;
-  group.cycles = 1;
-  const std::uint64_t block = splitGroup(file, array, group);
-  file.addDataGroup({block}, file.add("DT", {}, Bytes().u8(0).f64(0).u8(1).u8(1).f64(0.5).u8(2)),
-                    1);
-  return {"array-of-channel-groups-with-axis",
-          "elements with records of their own, and the values of an axis",
-          file.bytes(),
-          {{elements({"[0]"}), {"0,1"}}, {elements({"[1]"}), {"0.5,2"}}}};
+  const GroupSpec group{1};
+  const auto block = splitGroup(file, array, group);
+  file.addDataGroup({block}, file.addData(Bytes().u8(0).f64(0).u8(1).u8(1).f64(0.5).u8(2)), 1);
+  return sampleOf("array-of-channel-groups-with-axis",
+                  "elements with records of their own, and the values of an axis", file,
+                  {{elements({"[0]"}), {"0,1"}}, {elements({"[1]"}), {"0.5,2"}}});
 }
 
 }  // namespace

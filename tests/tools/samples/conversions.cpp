@@ -137,26 +137,23 @@ Samples rangeTables() {
 /// Two channels that share a conversion with everything that one can have.
 Sample shared() {
   SampleFile file;
-  const std::uint64_t conversion = file.addConversion({linear, {}, {0, 0.5}, "km/h", "half"});
-  const std::uint64_t inverse = file.addConversion({linear, {}, {0, 2}, "", "double"});
+  const auto conversion = file.addConversion({linear, {}, {0, 0.5}, "km/h", "half"});
+  const auto inverse = file.addConversion({linear, {}, {0, 2}, "", "double"});
   file.link(conversion, 2, file.metadata("<CCcomment><TX>halves</TX></CCcomment>"));
   file.link(conversion, 3, inverse);
   // Precision 1, with it and the physical range valid.
   file.write(conversion + 24 + 4 * 8, Bytes().u8s({1, 1, 3, 0}));
   file.write(conversion + 24 + 4 * 8 + 8, Bytes().f64(0).f64(127.5));
-  ChannelSpec first = stored(0, 8);
-  first.byte_offset = 8;
+  ChannelSpec first = part("v", 8);
   first.conversion = conversion;
   ChannelSpec second = first;
   second.name = "w";
   second.byte_offset = 9;
   GroupSpec group = countingGroup(2);
   file.addSortedGroup(group, {timeMaster(), first, second},
-                      file.add("DT", {}, Bytes().f64(0).u8s({1, 2}).f64(0.5).u8s({255, 0})));
-  return {"conversion-shared",
-          "two channels with one conversion that has all its parts",
-          file.bytes(),
-          {{{{"t", "s"}, {"v", "km/h"}, {"w", "km/h"}}, {"0,0.5,1", "0.5,127.5,0"}}}};
+                      file.addData(Bytes().f64(0).u8s({1, 2}).f64(0.5).u8s({255, 0})));
+  return sampleOf("conversion-shared", "two channels with one conversion that has all its parts",
+                  file, {{{{"t", "s"}, {"v", "km/h"}, {"w", "km/h"}}, {"0,0.5,1", "0.5,127.5,0"}}});
 }
 
 Sample convertedMaster() {
@@ -166,16 +163,11 @@ Sample convertedMaster() {
   time.type = 2;
   time.sync_type = 1;
   time.conversion = file.addConversion({linear, {}, {0, 0.125}, "s", ""});
-  ChannelSpec value = stored(0, 8);
-  value.byte_offset = 2;
-  GroupSpec group;
-  group.cycles = 3;
-  group.data_bytes = 3;
-  file.addSortedGroup(group, {time, value}, file.add("DT", {}, hex("000001 080002 1c0003")));
-  return {"conversion-of-the-master",
-          "time in eighths of a second",
-          file.bytes(),
-          {{{{"t", "s"}, {"v", ""}}, {"0,1", "1,2", "3.5,3"}}}};
+  ChannelSpec value = part("v", 2);
+  const GroupSpec group{3, 3};
+  file.addSortedGroup(group, {time, value}, file.addData(hex("000001 080002 1c0003")));
+  return sampleOf("conversion-of-the-master", "time in eighths of a second", file,
+                  {{{{"t", "s"}, {"v", ""}}, {"0,1", "1,2", "3.5,3"}}});
 }
 
 Samples uses() {

@@ -4,7 +4,6 @@
 
 #include "sample_file.h"
 #include "tools/support/attachment_blocks.h"
-#include "tools/support/data_blocks.h"
 
 namespace mdf_tests {
 
@@ -30,27 +29,19 @@ std::uint64_t addEvent(SampleFile& file, const EventSpec& spec) {
   std::vector<std::uint64_t> links = {0, spec.parent, spec.begin, file.text(spec.name), 0};
   links.insert(links.end(), spec.scopes.begin(), spec.scopes.end());
   links.insert(links.end(), spec.attachments.begin(), spec.attachments.end());
-  return file.add("EV", links,
-                  Bytes()
-                      .u8(static_cast<std::uint8_t>(spec.type))
-                      .u8(static_cast<std::uint8_t>(spec.sync_type))
-                      .u8(static_cast<std::uint8_t>(spec.range))
-                      .u8(static_cast<std::uint8_t>(spec.cause))
-                      .u8(spec.is_added_later ? 1 : 0)
-                      .zeros(3)
-                      .u32(static_cast<std::uint32_t>(spec.scopes.size()))
-                      .u16(static_cast<std::uint16_t>(spec.attachments.size()))
-                      .u16(0)
-                      .i64(spec.base)
-                      .f64(spec.factor));
+  return file.add(
+      "EV", links,
+      u8(spec.type, spec.sync_type, spec.range, spec.cause, spec.is_added_later ? 1 : 0) +
+          zeros(3) + u32(spec.scopes.size()) + u16(spec.attachments.size(), 0) + u64(spec.base) +
+          f64(spec.factor));
 }
 
 Sample finish(const std::string& name, const std::string& shows, SampleFile file,
               const std::vector<std::uint64_t>& events) {
   file.chain(events);
   file.link(FileBuilder::header, 4, events[0]);
-  file.addSortedGroup(countingGroup(3), countingChannels(), file.add("DT", {}, countingRecords(3)));
-  return {name, shows, file.bytes(), {countingTable(3)}};
+  file.addSortedGroup(countingGroup(3), countingChannels(), file.addData(countingRecords(3)));
+  return sampleOf(name, shows, file, {countingTable(3)});
 }
 
 Sample types() {
@@ -103,12 +94,12 @@ Sample range() {
   begin.range = 1;
   begin.base = 1;
   begin.factor = 0.25;
-  const std::uint64_t first = addEvent(file, begin);
+  const auto first = addEvent(file, begin);
   EventSpec end = begin;
   end.range = 2;
   end.base = 4;
   end.begin = first;
-  const std::uint64_t second = addEvent(file, end);
+  const auto second = addEvent(file, end);
   return finish("block-event-range", "the begin and the end of a range", std::move(file),
                 {first, second});
 }
@@ -118,13 +109,13 @@ Sample parent() {
   EventSpec recording;
   recording.name = "recording";
   recording.type = 0;
-  const std::uint64_t first = addEvent(file, recording);
+  const auto first = addEvent(file, recording);
   EventSpec trigger;
   trigger.name = "trigger";
   trigger.type = 3;
   trigger.parent = first;
   trigger.base = 1;
-  const std::uint64_t second = addEvent(file, trigger);
+  const auto second = addEvent(file, trigger);
   return finish("block-event-parent", "an event that belongs to another", std::move(file),
                 {first, second});
 }
@@ -132,21 +123,19 @@ Sample parent() {
 /// An event of a group and one of its channels, with an attachment and a comment.
 Sample scope() {
   SampleFile file;
-  const std::uint64_t group = file.addGroupOf(countingGroup(3), countingChannels());
+  const auto group = file.addGroupOf(countingGroup(3), countingChannels());
   EventSpec spec;
   spec.name = "note";
   spec.scopes = {group, file.channels()[1]};
   spec.attachments = {
       addAttachment(file, {"photo.png", "image/png", 1, std::string(16, '\0'), 2, "PN"})};
   file.link(FileBuilder::header, 3, spec.attachments[0]);
-  const std::uint64_t event = addEvent(file, spec);
+  const auto event = addEvent(file, spec);
   file.link(event, 4, file.metadata("<EVcomment><TX>seen from the car</TX></EVcomment>"));
   file.link(FileBuilder::header, 4, event);
-  file.addDataGroup({group}, file.add("DT", {}, countingRecords(3)));
-  return {"block-event-scope",
-          "an event with scope, attachment and comment",
-          file.bytes(),
-          {countingTable(3)}};
+  file.addDataGroup({group}, file.addData(countingRecords(3)));
+  return sampleOf("block-event-scope", "an event with scope, attachment and comment", file,
+                  {countingTable(3)});
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 // How a file is laid out as a whole: versions, times, gaps, the order of blocks.
 
-#include <algorithm>
 #include <utility>
 
 #include "sample_file.h"
@@ -11,8 +10,8 @@ namespace mdf_tests {
 namespace {
 
 Sample counting(const std::string& name, const std::string& shows, SampleFile file) {
-  file.addSortedGroup(countingGroup(3), countingChannels(), file.add("DT", {}, countingRecords(3)));
-  return {name, shows, file.bytes(), {countingTable(3)}};
+  file.addSortedGroup(countingGroup(3), countingChannels(), file.addData(countingRecords(3)));
+  return sampleOf(name, shows, file, {countingTable(3)});
 }
 
 Samples versions() {
@@ -36,11 +35,9 @@ struct StartSpec {
 
 Sample started(const std::string& name, const std::string& shows, const StartSpec& spec) {
   SampleFile file;
-  file.write(FileBuilder::header + 24 + 48, Bytes()
-                                                .u64(spec.time)
-                                                .i16(spec.zone_minutes)
-                                                .i16(spec.daylight_minutes)
-                                                .u8s({spec.flags, spec.time_class, 0, 0}));
+  file.write(FileBuilder::header + 24 + 48, u64(spec.time) +
+                                                u16(spec.zone_minutes, spec.daylight_minutes) +
+                                                u8(spec.flags, spec.time_class, 0, 0));
   return counting(name, shows, std::move(file));
 }
 
@@ -88,67 +85,63 @@ Sample identificationWithZeros() {
 Sample gaps() {
   SampleFile file;
   file.append(std::string(64, '\0'));
-  const std::uint64_t data = file.add("DT", {}, countingRecords(3));
+  const auto data = file.addData(countingRecords(3));
   file.append("left behind by an editor");
   file.addSortedGroup(countingGroup(3), countingChannels(), data);
   file.append(std::string(13, '\xFF'));
-  return {"layout-gaps", "bytes that belong to no block", file.bytes(), {countingTable(3)}};
+  return sampleOf("layout-gaps", "bytes that belong to no block", file, {countingTable(3)});
 }
 
 /// Texts whose blocks end in more zero bytes than one, and at any length.
 Sample zerosAfterTexts() {
   SampleFile file;
-  const std::uint64_t name = file.add("TX", {}, std::string("v\0\0\0\0\0\0\0", 8));
-  const std::uint64_t unit = file.add("TX", {}, std::string("V\0\0\0\0", 5));
-  const std::uint64_t comment =
+  const auto name = file.add("TX", {}, std::string("v\0\0\0\0\0\0\0", 8));
+  const auto unit = file.add("TX", {}, std::string("V\0\0\0\0", 5));
+  const auto comment =
       file.add("MD", {}, "<CNcomment><TX>padded</TX></CNcomment>" + std::string(11, '\0'));
   std::vector<ChannelSpec> channels = countingChannels();
   channels[1].name.clear();
-  const std::uint64_t group = file.addGroupOf(countingGroup(3), channels);
+  const auto group = file.addGroupOf(countingGroup(3), channels);
   file.link(file.channels()[1], 2, name);
   file.link(file.channels()[1], 6, unit);
   file.link(file.channels()[1], 7, comment);
-  file.addDataGroup({group}, file.add("DT", {}, countingRecords(3)));
+  file.addDataGroup({group}, file.addData(countingRecords(3)));
   ValueTable table = countingTable(3);
   table.columns[1].unit = "V";
-  return {
-      "layout-zeros-behind-texts", "texts that end in several zero bytes", file.bytes(), {table}};
+  return sampleOf("layout-zeros-behind-texts", "texts that end in several zero bytes", file,
+                  {table});
 }
 
 /// Each block leads to others that stand further back in the file, never forwards.
 Sample backwards() {
   SampleFile file;
-  const std::uint64_t second_data = file.add("DT", {}, countingRecords(2));
-  const std::uint64_t first_data = file.add("DT", {}, countingRecords(3));
+  const auto second_data = file.addData(countingRecords(2));
+  const auto first_data = file.addData(countingRecords(3));
   const auto group = [&file](std::size_t records) {
-    const std::uint64_t value = file.addChannel(countingChannels()[1]);
-    const std::uint64_t time = file.addChannel(timeMaster());
+    const auto value = file.addChannel(countingChannels()[1]);
+    const auto time = file.addChannel(timeMaster());
     return file.addChannelGroup(countingGroup(records), {time, value});
   };
   const std::uint64_t second_group = group(2);
   const std::uint64_t first_group = group(3);
-  const std::uint64_t second = file.addDataGroup({second_group}, second_data);
-  const std::uint64_t first = file.addDataGroup({first_group}, first_data);
+  const auto second = file.addDataGroup({second_group}, second_data);
+  const auto first = file.addDataGroup({first_group}, first_data);
   file.chain({first, second, 0});
   file.link(FileBuilder::header, 0, first);
-  return {"layout-reverse-order",
-          "the last blocks stand first",
-          file.bytes(),
-          {countingTable(3), countingTable(2)}};
+  return sampleOf("layout-reverse-order", "the last blocks stand first", file,
+                  {countingTable(3), countingTable(2)});
 }
 
 /// Some programs do not count the one link of a list's header.
 Sample uncountedLink() {
   SampleFile file;
   const auto blocks = addZippedPieces(file, "DT", countingRecords(6), 30, 10);
-  const std::uint64_t list = addEqualList(file, blocks, 30);
-  const std::uint64_t header_list = addHeaderList(file, list, 1, 1);
+  const auto list = addEqualList(file, blocks, 30);
+  const auto header_list = addHeaderList(file, list, 1, 1);
   file.write(header_list + 16, Bytes().u64(0));
   file.addSortedGroup(countingGroup(6), countingChannels(), header_list);
-  return {"layout-uncounted-link",
-          "the header of a list that does not count its link",
-          file.bytes(),
-          {countingTable(6)}};
+  return sampleOf("layout-uncounted-link", "the header of a list that does not count its link",
+                  file, {countingTable(6)});
 }
 
 /// Two groups, of other kinds of masters, one with more records.
@@ -159,54 +152,41 @@ Sample severalKinds() {
   angle.sync_type = 2;
   angle.unit = "rad";
   file.addSortedGroup(countingGroup(2), {angle, countingChannels()[1]},
-                      file.add("DT", {}, countingRecords(2)));
+                      file.addData(countingRecords(2)));
   GroupSpec named = countingGroup(4);
   named.name = "fast";
-  file.addSortedGroup(named, countingChannels(), file.add("DT", {}, countingRecords(4)));
+  file.addSortedGroup(named, countingChannels(), file.addData(countingRecords(4)));
   ValueTable first = countingTable(2);
   first.columns[0] = {"phi", "rad"};
-  return {"layout-groups-of-different-kinds",
-          "a group over angles and one over time",
-          file.bytes(),
-          {first, countingTable(4)}};
+  return sampleOf("layout-groups-of-different-kinds", "a group over angles and one over time", file,
+                  {first, countingTable(4)});
 }
 
 Sample withoutMaster() {
   SampleFile file;
   ChannelSpec value = stored(0, 16);
-  GroupSpec group;
-  group.cycles = 2;
-  group.data_bytes = 2;
-  file.addSortedGroup(group, {value}, file.add("DT", {}, hex("01000200")));
-  return {"layout-no-master",
-          "a group that is drawn over nothing",
-          file.bytes(),
-          {{{{"v", ""}}, {"1", "2"}}}};
+  const GroupSpec group{2, 2};
+  file.addSortedGroup(group, {value}, file.addData(hex("01000200")));
+  return sampleOf("layout-no-master", "a group that is drawn over nothing", file,
+                  {{{{"v", ""}}, {"1", "2"}}});
 }
 
 /// Records with bytes that no channel takes, and channels in another order than in the record.
 Sample unusedBytes() {
   SampleFile file;
-  ChannelSpec last = stored(0, 8);
-  last.name = "last";
-  last.byte_offset = 15;
-  ChannelSpec first = stored(0, 8);
-  first.name = "first";
-  first.byte_offset = 0;
+  ChannelSpec last = part("last", 15);
+  ChannelSpec first = part("first", 0);
   ChannelSpec time = timeMaster();
   time.byte_offset = 2;
-  GroupSpec group;
-  group.cycles = 2;
-  group.data_bytes = 20;
+  const GroupSpec group{2, 20};
   const auto record = [](double t, int a, int b) {
     return Bytes().u8s({a, 0xEE}).f64(t).zeros(5).u8s({b, 1, 2, 3, 4}).str();
   };
   file.addSortedGroup(group, {last, time, first},
-                      file.add("DT", {}, record(0, 1, 2) + record(0.5, 3, 4)));
-  return {"layout-unused-bytes",
-          "bytes of records that no channel takes, the time in the middle",
-          file.bytes(),
-          {{{{"t", "s"}, {"last", ""}, {"first", ""}}, {"0,2,1", "0.5,4,3"}}}};
+                      file.addData(record(0, 1, 2) + record(0.5, 3, 4)));
+  return sampleOf("layout-unused-bytes",
+                  "bytes of records that no channel takes, the time in the middle", file,
+                  {{{{"t", "s"}, {"last", ""}, {"first", ""}}, {"0,2,1", "0.5,4,3"}}});
 }
 
 }  // namespace

@@ -23,6 +23,11 @@ SampleFile SampleFile::unfinished(std::uint16_t standard_flags, std::uint16_t cu
   return file;
 }
 
+Sample sampleOf(const std::string& name, const std::string& shows, const FileBuilder& file,
+                const std::vector<ValueTable>& tables) {
+  return {name, shows, file.bytes(), tables};
+}
+
 std::string hex(const std::string& digits) {
   std::string bytes;
   std::string pair;
@@ -39,11 +44,16 @@ std::string hex(const std::string& digits) {
 }
 
 ChannelSpec stored(unsigned data_type, std::uint32_t bit_count, unsigned bit_offset) {
-  ChannelSpec channel;
+  ChannelSpec channel{0, 0, data_type, bit_offset, 0, bit_count};
   channel.name = "v";
-  channel.data_type = data_type;
-  channel.bit_count = bit_count;
-  channel.bit_offset = bit_offset;
+  return channel;
+}
+
+ChannelSpec part(const std::string& name, std::uint32_t byte_offset, std::uint32_t bit_count,
+                 unsigned bit_offset) {
+  ChannelSpec channel = stored(0, bit_count, bit_offset);
+  channel.name = name;
+  channel.byte_offset = byte_offset;
   return channel;
 }
 
@@ -65,8 +75,7 @@ std::string timeCell(std::size_t index) {
 Sample valueSample(const std::string& name, const std::string& shows, SampleFile file,
                    ChannelSpec channel, const std::vector<StoredValue>& values) {
   channel.byte_offset += 8;
-  GroupSpec group;
-  group.cycles = values.size();
+  GroupSpec group{values.size()};
   ValueTable table{{{"t", "s"}, {channel.name, channel.unit}}, {}};
   Bytes records;
   for (std::size_t i = 0; i < values.size(); ++i) {
@@ -75,8 +84,8 @@ Sample valueSample(const std::string& name, const std::string& shows, SampleFile
     records.f64(timeOf(i)).text(bytes);
     table.rows.push_back(timeCell(i) + ',' + values[i].cell);
   }
-  file.addSortedGroup(group, {timeMaster(), channel}, file.add("DT", {}, records));
-  return {name, shows, file.bytes(), {table}};
+  file.addSortedGroup(group, {timeMaster(), channel}, file.addData(records));
+  return sampleOf(name, shows, file, {table});
 }
 
 Sample valueSample(const std::string& name, const std::string& shows, const ChannelSpec& channel,
@@ -93,15 +102,12 @@ std::string countingRecords(std::size_t count) {
 }
 
 std::vector<ChannelSpec> countingChannels() {
-  ChannelSpec number = stored(0, 16);
-  number.byte_offset = 8;
+  ChannelSpec number = part("v", 8, 16);
   return {timeMaster(), number};
 }
 
 GroupSpec countingGroup(std::size_t count) {
-  GroupSpec group;
-  group.cycles = count;
-  group.data_bytes = 10;
+  const GroupSpec group{count, 10};
   return group;
 }
 

@@ -25,11 +25,19 @@ class SampleFile : public FileBuilder {
   std::uint64_t history_;
 };
 
+/// A sample without complaints.
+Sample sampleOf(const std::string& name, const std::string& shows, const FileBuilder& file,
+                const std::vector<ValueTable>& tables);
+
 /// Bytes from pairs of hexadecimal digits, with blanks where they help.
 std::string hex(const std::string& digits);
 
 /// A channel "v" of fixed length.
 ChannelSpec stored(unsigned data_type, std::uint32_t bit_count, unsigned bit_offset = 0);
+
+/// An unsigned channel at a byte of the record.
+ChannelSpec part(const std::string& name, std::uint32_t byte_offset, std::uint32_t bit_count = 8,
+                 unsigned bit_offset = 0);
 
 /// A master channel "t" over time in front of a record: a real number of eight bytes, in seconds.
 ChannelSpec timeMaster();

@@ -38,24 +38,20 @@ Invalidated invalidated(const std::string& letters) {
 /// A sample of such records in one data group with that data.
 Sample invalidation(const std::string& name, const std::string& shows, SampleFile file,
                     const Invalidated& records, std::uint64_t data) {
-  ChannelSpec value = stored(0, 8);
-  value.byte_offset = 8;
+  ChannelSpec value = part("v", 8);
   value.flags = 2;
   value.invalidation_bit = 2;
-  GroupSpec group;
-  group.cycles = records.table.rows.size();
-  group.data_bytes = 9;
-  group.invalidation_bytes = 1;
+  const GroupSpec group{records.table.rows.size(), 9, 1};
   file.addSortedGroup(group, {timeMaster(), value}, data);
-  return {name, shows, file.bytes(), {records.table}};
+  return sampleOf(name, shows, file, {records.table});
 }
 
 Sample invalidationInOneBlock() {
   SampleFile file = newFile();
   const Invalidated records = invalidated("vivvi");
-  const std::uint64_t values = file.add("DV", {}, records.data);
-  const std::uint64_t bits = file.add("DI", {}, records.invalidation);
-  const std::uint64_t list = addValueList(file, {{values}, {bits}, {}, 5});
+  const auto values = file.add("DV", {}, records.data);
+  const auto bits = file.add("DI", {}, records.invalidation);
+  const auto list = addValueList(file, {{values}, {bits}, {}, 5});
   return invalidation("invalidation-apart", "values and invalidation bits in a block each",
                       std::move(file), records, list);
 }
@@ -65,7 +61,7 @@ Sample invalidationInSeveralBlocks() {
   const Invalidated records = invalidated("ivvvvivii");
   const auto values = addPieces(file, "DV", records.data, 27);
   const auto bits = addPieces(file, "DI", records.invalidation, 3);
-  const std::uint64_t list = addValueList(file, {values, bits, {}, 3});
+  const auto list = addValueList(file, {values, bits, {}, 3});
   return invalidation("invalidation-apart-in-blocks", "as many blocks of bits as of values",
                       std::move(file), records, list);
 }
@@ -73,13 +69,13 @@ Sample invalidationInSeveralBlocks() {
 Sample invalidationWithNilLinks() {
   SampleFile file = newFile();
   const Invalidated records = invalidated("vvvivvvvvi");
-  const std::uint64_t first = file.add("DV", {}, records.data.substr(0, 27));
-  const std::uint64_t second = file.add("DV", {}, records.data.substr(27, 9));
-  const std::uint64_t third = file.add("DV", {}, records.data.substr(36, 36));
-  const std::uint64_t last = file.add("DV", {}, records.data.substr(72));
-  const std::uint64_t one = file.add("DI", {}, records.invalidation.substr(3, 1));
-  const std::uint64_t two = file.add("DI", {}, records.invalidation.substr(8));
-  const std::uint64_t list =
+  const auto first = file.add("DV", {}, records.data.substr(0, 27));
+  const auto second = file.add("DV", {}, records.data.substr(27, 9));
+  const auto third = file.add("DV", {}, records.data.substr(36, 36));
+  const auto last = file.add("DV", {}, records.data.substr(72));
+  const auto one = file.add("DI", {}, records.invalidation.substr(3, 1));
+  const auto two = file.add("DI", {}, records.invalidation.substr(8));
+  const auto list =
       addValueList(file, {{first, second, third, last}, {0, one, 0, two}, {0, 3, 4, 8}, 0});
   return invalidation("invalidation-apart-with-nil-links",
                       "parts whose values are all valid have no block of bits", std::move(file),
@@ -91,8 +87,8 @@ Sample zippedInvalidation() {
   const Invalidated records = invalidated("viivvviiv");
   const auto values = addZippedPieces(file, "DV", records.data, 36, 9);
   const auto bits = addZippedPieces(file, "DI", records.invalidation, 4);
-  const std::uint64_t list = addValueList(file, {values, bits, {}, 4});
-  const std::uint64_t header = addHeaderList(file, list, 1, 1);
+  const auto list = addValueList(file, {values, bits, {}, 4});
+  const auto header = addHeaderList(file, list, 1, 1);
   return invalidation("invalidation-apart-zipped", "both are zipped, under the header of a list",
                       std::move(file), records, header);
 }
@@ -101,11 +97,11 @@ Sample chainOfLists() {
   SampleFile file = newFile();
   const Invalidated records = invalidated("iivvvvi");
   const auto values = addPieces(file, "DV", records.data, 18);
-  const std::uint64_t front = file.add("DI", {}, records.invalidation.substr(0, 2));
-  const std::uint64_t back = file.add("DI", {}, records.invalidation.substr(6));
-  const std::uint64_t first = addValueList(file, {{values[0]}, {front}, {}, 2});
-  const std::uint64_t second = addValueList(file, {{values[1], values[2]}, {}, {2, 4}, 0});
-  const std::uint64_t third = addValueList(file, {{values[3]}, {back}, {6}, 0});
+  const auto front = file.add("DI", {}, records.invalidation.substr(0, 2));
+  const auto back = file.add("DI", {}, records.invalidation.substr(6));
+  const auto first = addValueList(file, {{values[0]}, {front}, {}, 2});
+  const auto second = addValueList(file, {{values[1], values[2]}, {}, {2, 4}, 0});
+  const auto third = addValueList(file, {{values[3]}, {back}, {6}, 0});
   file.chain({first, second, third});
   return invalidation("invalidation-apart-chain-of-lists",
                       "the second of three lists has values that are all valid", std::move(file),
@@ -120,8 +116,7 @@ Sample listOfRecords() {
   for (std::size_t i = 0; i < 4; ++i) {
     interleaved += records.data.substr(9 * i, 9) + records.invalidation[i];
   }
-  const std::uint64_t list =
-      addValueList(file, {addPieces(file, "DT", interleaved, 20), {}, {}, 2});
+  const auto list = addValueList(file, {addPieces(file, "DT", interleaved, 20), {}, {}, 2});
   return invalidation("invalidation-in-listed-records",
                       "a list of values whose records have their invalidation bits inside",
                       std::move(file), records, list);
@@ -162,9 +157,7 @@ ValueTable timeTable(std::size_t count) {
 }
 
 GroupSpec columnOf(std::size_t count, std::uint32_t bytes) {
-  GroupSpec group;
-  group.cycles = count;
-  group.data_bytes = bytes;
+  const GroupSpec group{count, bytes};
   return group;
 }
 
@@ -186,47 +179,43 @@ std::uint64_t valueGroup(SampleFile& file, const std::string& name, std::size_t 
 
 /// A data group of such numbers.
 void addColumn(SampleFile& file, const std::string& name, std::size_t count, std::uint64_t master) {
-  const std::uint64_t data = file.add("DV", {}, values(count));
+  const auto data = file.add("DV", {}, values(count));
   file.addDataGroup({valueGroup(file, name, count, master)}, data);
 }
 
 Sample remoteMaster() {
   SampleFile file = newFile();
-  const std::uint64_t time = timeGroup(file, 4);
+  const auto time = timeGroup(file, 4);
   file.addDataGroup({time}, file.add("DV", {}, times(4)));
   addColumn(file, "v", 4, time);
-  return {"remote-master",
-          "a channel group whose time is in another one",
-          file.bytes(),
-          {timeTable(4), valueTable("v", 4)}};
+  return sampleOf("remote-master", "a channel group whose time is in another one", file,
+                  {timeTable(4), valueTable("v", 4)});
 }
 
 /// Several columns with one time, which comes last.
 Sample sharedMaster() {
   SampleFile file = newFile();
-  const std::uint64_t time = timeGroup(file, 5);
-  const std::uint64_t listed = addEqualList(file, addPieces(file, "DT", times(5), 12), 12);
+  const auto time = timeGroup(file, 5);
+  const auto listed = addEqualList(file, addPieces(file, "DT", times(5), 12), 12);
   addColumn(file, "a", 5, time);
-  const std::uint64_t zipped = addZipped(file, "DV", values(3), 2);
+  const auto zipped = addZipped(file, "DV", values(3), 2);
   file.addDataGroup({valueGroup(file, "b", 3, time)}, zipped);
   file.addDataGroup({valueGroup(file, "c", 0, time)}, 0);
   file.addDataGroup({time}, listed);
-  return {"remote-master-shared",
-          "three groups with the time of a fourth, which may have more samples",
-          file.bytes(),
-          {valueTable("a", 5), valueTable("b", 3), valueTable("c", 0), timeTable(5)}};
+  return sampleOf("remote-master-shared",
+                  "three groups with the time of a fourth, which may have more samples", file,
+                  {valueTable("a", 5), valueTable("b", 3), valueTable("c", 0), timeTable(5)});
 }
 
 /// The time is a channel among others of records.
 Sample masterInRecords() {
   SampleFile file = newFile();
-  const std::uint64_t group = file.addGroupOf(countingGroup(4), countingChannels());
-  file.addDataGroup({group}, file.add("DT", {}, countingRecords(4)));
+  const auto group = file.addGroupOf(countingGroup(4), countingChannels());
+  file.addDataGroup({group}, file.addData(countingRecords(4)));
   addColumn(file, "t", 4, group);
-  return {"remote-master-in-records",
-          "the time of a group with records, and another channel of its name",
-          file.bytes(),
-          {countingTable(4), valueTable("t (2)", 4)}};
+  return sampleOf("remote-master-in-records",
+                  "the time of a group with records, and another channel of its name", file,
+                  {countingTable(4), valueTable("t (2)", 4)});
 }
 
 /// The time follows from the number of the sample.
@@ -237,22 +226,20 @@ Sample virtualRemoteMaster() {
   time.data_type = 0;
   time.bit_count = 0;
   time.conversion = file.addConversion({1, {}, {0, 0.5}, "", ""});
-  const std::uint64_t group = file.addGroupOf(columnOf(3, 0), {time});
+  const auto group = file.addGroupOf(columnOf(3, 0), {time});
   file.addDataGroup({group}, 0);
   addColumn(file, "v", 3, group);
-  return {"remote-master-virtual",
-          "a time that is counted, in another group",
-          file.bytes(),
-          {timeTable(3), valueTable("v", 3)}};
+  return sampleOf("remote-master-virtual", "a time that is counted, in another group", file,
+                  {timeTable(3), valueTable("v", 3)});
 }
 
 /// Both at once, zipped: how files by columns mostly are.
 Sample columns() {
   SampleFile file = newFile();
-  const std::uint64_t time = timeGroup(file, 6);
+  const auto time = timeGroup(file, 6);
   const auto time_blocks = addZippedPieces(file, "DV", times(6), 24, 8);
   const auto value_blocks = addZippedPieces(file, "DV", values(6), 6, 2);
-  const std::uint64_t bits = addZipped(file, "DI", hex("000100"));
+  const auto bits = addZipped(file, "DI", hex("000100"));
   file.addDataGroup({time},
                     addHeaderList(file, addValueList(file, {time_blocks, {}, {}, 3}), 1, 1));
   GroupSpec spec = columnOf(6, 2);
@@ -261,14 +248,13 @@ Sample columns() {
   spec.invalidation_bytes = 1;
   ChannelSpec channel = stored(0, 16);
   channel.flags = 2;
-  const std::uint64_t group = file.addGroupOf(spec, {channel});
-  const std::uint64_t list = addValueList(file, {value_blocks, {0, bits}, {}, 3});
+  const auto group = file.addGroupOf(spec, {channel});
+  const auto list = addValueList(file, {value_blocks, {0, bits}, {}, 3});
   file.addDataGroup({group}, addHeaderList(file, list, 1, 1));
-  return {"remote-master-and-invalidation-apart",
-          "a column with its invalidation bits, and its time in another one",
-          file.bytes(),
-          {timeTable(6),
-           {{{"t", "s"}, {"v", ""}}, {"0,7", "0.5,14", "1,21", "1.5,28", "2,", "2.5,42"}}}};
+  return sampleOf("remote-master-and-invalidation-apart",
+                  "a column with its invalidation bits, and its time in another one", file,
+                  {timeTable(6),
+                   {{{"t", "s"}, {"v", ""}}, {"0,7", "0.5,14", "1,21", "1.5,28", "2,", "2.5,42"}}});
 }
 
 }  // namespace

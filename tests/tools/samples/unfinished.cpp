@@ -1,7 +1,5 @@
 // Files that were not closed, as the flags of their identification say.
 
-#include <utility>
-
 #include "sample_file.h"
 #include "tools/support/data_blocks.h"
 
@@ -22,10 +20,9 @@ enum StandardFlag : std::uint16_t {
 Sample withBlock(const std::string& name, const std::string& shows, std::uint16_t flags,
                  std::size_t stated, std::size_t there) {
   SampleFile file = SampleFile::unfinished(flags);
-  const std::uint64_t data_group =
-      file.addSortedGroup(countingGroup(stated), countingChannels(), 0);
-  file.link(data_group, 2, file.add("DT", {}, countingRecords(there)));
-  return {name, shows, file.bytes(), {countingTable(there)}};
+  const auto data_group = file.addSortedGroup(countingGroup(stated), countingChannels(), 0);
+  file.link(data_group, 2, file.addData(countingRecords(there)));
+  return sampleOf(name, shows, file, {countingTable(there)});
 }
 
 /// That a record is torn at the end of a file.
@@ -41,7 +38,7 @@ Sample withOpenBlock(const std::string& name, const std::string& shows, const st
                      std::size_t records) {
   constexpr std::size_t record_bytes = 10;
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
-  const std::uint64_t data_group = file.addSortedGroup(countingGroup(0), countingChannels(), 0);
+  const auto data_group = file.addSortedGroup(countingGroup(0), countingChannels(), 0);
   file.link(data_group, 2, file.add("DT", {}));
   file.append(after);
   Sample sample{name, shows, file.bytes(), {countingTable(records)}};
@@ -76,91 +73,70 @@ Samples oneBlock() {
 
 Sample customFlags() {
   SampleFile file = SampleFile::unfinished(cycle_counters_open, 0x8001);
-  file.addSortedGroup(countingGroup(0), countingChannels(), file.add("DT", {}, countingRecords(2)));
-  return {"unfinished-custom-flags",
-          "steps that only the writing program knows",
-          file.bytes(),
-          {countingTable(2)}};
+  file.addSortedGroup(countingGroup(0), countingChannels(), file.addData(countingRecords(2)));
+  return sampleOf("unfinished-custom-flags", "steps that only the writing program knows", file,
+                  {countingTable(2)});
 }
 
 /// An empty block that is not the last thing in the file, though the flags say that one is open.
 Sample emptyBlockBefore() {
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
-  const std::uint64_t empty = file.add("DT", {});
+  const auto empty = file.add("DT", {});
   file.addSortedGroup(countingGroup(0), countingChannels(), empty);
-  return {"unfinished-last-data-open-before-others",
-          "an empty block with others after it is empty",
-          file.bytes(),
-          {countingTable(0)}};
+  return sampleOf("unfinished-last-data-open-before-others",
+                  "an empty block with others after it is empty", file, {countingTable(0)});
 }
 
 /// A list whose last block is still open.
 Sample listWithOpenBlock() {
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
-  const std::uint64_t data_group = file.addSortedGroup(countingGroup(0), countingChannels(), 0);
+  const auto data_group = file.addSortedGroup(countingGroup(0), countingChannels(), 0);
   const std::string data = countingRecords(9);
-  const std::uint64_t first = file.add("DT", {}, data.substr(0, 40));
-  const std::uint64_t list = addEqualList(file, {first, 0}, 40);
+  const auto first = file.addData(data.substr(0, 40));
+  const auto list = addEqualList(file, {first, 0}, 40);
   file.link(list, 2, file.add("DT", {}));
   file.append(data.substr(40));
   file.link(data_group, 2, list);
-  return {"unfinished-list-with-open-block",
-          "the last block of a list goes to the end of the file",
-          file.bytes(),
-          {countingTable(9)}};
+  return sampleOf("unfinished-list-with-open-block",
+                  "the last block of a list goes to the end of the file", file, {countingTable(9)});
 }
 
 /// A list that was made for five blocks in advance.
 Sample openList() {
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_list_open);
   const std::string data = countingRecords(8);
-  const std::uint64_t first = file.add("DT", {}, data.substr(0, 40));
-  const std::uint64_t second = file.add("DT", {}, data.substr(40));
-  const std::uint64_t list = addEqualList(file, {first, second, 0, 0, 0}, 40);
+  const auto first = file.addData(data.substr(0, 40));
+  const auto second = file.addData(data.substr(40));
+  const auto list = addEqualList(file, {first, second, 0, 0, 0}, 40);
   file.addSortedGroup(countingGroup(0), countingChannels(), list);
-  return {"unfinished-last-list-open",
-          "a list with room for more blocks",
-          file.bytes(),
-          {countingTable(8)}};
+  return sampleOf("unfinished-last-list-open", "a list with room for more blocks", file,
+                  {countingTable(8)});
 }
 
 Sample openZippedList() {
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_list_open);
   const auto blocks = addZippedPieces(file, "DT", countingRecords(6), 30, 10);
-  const std::uint64_t list = addOffsetList(file, {blocks[0], blocks[1], 0}, {0, 30, 0});
+  const auto list = addOffsetList(file, {blocks[0], blocks[1], 0}, {0, 30, 0});
   file.addSortedGroup(countingGroup(0), countingChannels(), addHeaderList(file, list, 0, 1));
-  return {"unfinished-last-list-open-zipped",
-          "an open list of zipped blocks",
-          file.bytes(),
-          {countingTable(6)}};
+  return sampleOf("unfinished-last-list-open-zipped", "an open list of zipped blocks", file,
+                  {countingTable(6)});
 }
 
 /// Unsorted records up to the end of the file, the last one cut off.
 Sample openUnsorted() {
   SampleFile file = SampleFile::unfinished(cycle_counters_open | last_data_open);
-  ChannelSpec value = stored(0, 8);
-  value.name = "b";
-  value.byte_offset = 8;
+  ChannelSpec value = part("b", 8);
   GroupSpec first_spec = countingGroup(0);
   first_spec.record_id = 1;
-  GroupSpec second_spec;
+  GroupSpec second_spec{0, 9};
   second_spec.record_id = 2;
-  second_spec.data_bytes = 9;
-  const std::uint64_t first = file.addGroupOf(first_spec, countingChannels());
-  const std::uint64_t second = file.addGroupOf(second_spec, {timeMaster(), value});
-  const std::uint64_t data_group = file.addDataGroup({first, second}, 0, 1);
+  const auto first = file.addGroupOf(first_spec, countingChannels());
+  const auto second = file.addGroupOf(second_spec, {timeMaster(), value});
+  const auto data_group = file.addDataGroup({first, second}, 0, 1);
   file.link(data_group, 2, file.add("DT", {}));
   const std::string records = countingRecords(2);
-  file.append(Bytes()
-                  .u8(1)
-                  .text(records.substr(0, 10))
-                  .u8(2)
-                  .f64(0.25)
-                  .u8(9)
-                  .u8(1)
-                  .text(records.substr(10))
-                  .u8(2)
-                  .zeros(3));
+  file.append(u8(1) + records.substr(0, 10) + u8(2) + f64(0.25) + u8(9, 1) + records.substr(10) +
+              u8(2) + zeros(3));
   return {"unfinished-unsorted",
           "unsorted records up to the end of the file",
           file.bytes(),
@@ -175,23 +151,20 @@ Sample openVariableLength() {
   GroupSpec value_spec;
   value_spec.record_id = 2;
   value_spec.flags = 1;
-  const std::uint64_t values = file.addGroupOf(value_spec, {});
+  const auto values = file.addGroupOf(value_spec, {});
   ChannelSpec text = stored(7, 64);
   text.byte_offset = 8;
   text.type = 1;
   text.data = values;
-  GroupSpec spec;
+  GroupSpec spec{0, 16};
   spec.record_id = 1;
-  spec.data_bytes = 16;
-  const std::uint64_t group = file.addGroupOf(spec, {timeMaster(), text});
-  const std::uint64_t data_group = file.addDataGroup({group, values}, 0, 1);
+  const auto group = file.addGroupOf(spec, {timeMaster(), text});
+  const auto data_group = file.addDataGroup({group, values}, 0, 1);
   file.link(data_group, 2, file.add("DT", {}));
   file.append(Bytes().u8(2).u32(3).text("abc").u8(1).f64(0).u64(0));
   file.append(Bytes().u8(2).u32(1).text("d").u8(1).f64(0.5).u64(7));
-  return {"unfinished-variable-length",
-          "texts among the records of an open block",
-          file.bytes(),
-          {{{{"t", "s"}, {"v", ""}}, {"0,abc", "0.5,d"}}}};
+  return sampleOf("unfinished-variable-length", "texts among the records of an open block", file,
+                  {{{{"t", "s"}, {"v", ""}}, {"0,abc", "0.5,d"}}});
 }
 
 }  // namespace

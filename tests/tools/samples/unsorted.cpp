@@ -1,7 +1,6 @@
 // Data groups whose records are told apart by record ids.
 
 #include <functional>
-#include <utility>
 
 #include "sample_file.h"
 #include "tools/support/data_blocks.h"
@@ -22,17 +21,13 @@ std::string timeRecord(std::size_t index, std::uint8_t value) {
 }
 
 GroupSpec groupWith(std::uint64_t record_id, std::uint64_t cycles, std::uint32_t bytes) {
-  GroupSpec spec;
+  GroupSpec spec{cycles, bytes};
   spec.record_id = record_id;
-  spec.cycles = cycles;
-  spec.data_bytes = bytes;
   return spec;
 }
 
 std::vector<ChannelSpec> byteChannels(const std::string& name = "b") {
-  ChannelSpec value = stored(0, 8);
-  value.name = name;
-  value.byte_offset = 8;
+  ChannelSpec value = part(name, 8);
   return {timeMaster(), value};
 }
 
@@ -48,10 +43,10 @@ Sample twoGroups(const std::string& name, const std::string& shows, std::uint8_t
   const std::string b = idBytes(second_id, id_size);
   const std::string data = a + record(0) + b + timeRecord(0, 100) + a + record(1) + a + record(2) +
                            a + record(3) + b + timeRecord(3, 200) + a + record(4);
-  const std::uint64_t first = file.addGroupOf(groupWith(first_id, 5, 10), countingChannels());
-  const std::uint64_t second = file.addGroupOf(groupWith(second_id, 2, 9), byteChannels());
-  file.addDataGroup({first, second}, file.add("DT", {}, data), code);
-  return {name, shows, file.bytes(), {countingTable(5), byteTable({"0,100", "1.5,200"})}};
+  const auto first = file.addGroupOf(groupWith(first_id, 5, 10), countingChannels());
+  const auto second = file.addGroupOf(groupWith(second_id, 2, 9), byteChannels());
+  file.addDataGroup({first, second}, file.addData(data), code);
+  return sampleOf(name, shows, file, {countingTable(5), byteTable({"0,100", "1.5,200"})});
 }
 
 /// One group whose records have an id all the same.
@@ -62,9 +57,9 @@ Sample sortedWithId(const std::string& name, const std::string& shows, std::uint
   for (std::size_t i = 0; i < 4; ++i) {
     data += idBytes(id, id_size) + record(i);
   }
-  const std::uint64_t group = file.addGroupOf(groupWith(id, 4, 10), countingChannels());
-  file.addDataGroup({group}, file.add("DT", {}, data), code);
-  return {name, shows, file.bytes(), {countingTable(4)}};
+  const auto group = file.addGroupOf(groupWith(id, 4, 10), countingChannels());
+  file.addDataGroup({group}, file.addData(data), code);
+  return sampleOf(name, shows, file, {countingTable(4)});
 }
 
 Samples idSizes() {
@@ -100,10 +95,10 @@ Sample placed(const std::string& name, const std::string& shows,
       data.u8(2).text(timeRecord(i, static_cast<std::uint8_t>(i)));
     }
   }
-  const std::uint64_t first = file.addGroupOf(groupWith(1, 6, 10), countingChannels());
-  const std::uint64_t second = file.addGroupOf(groupWith(2, 3, 9), byteChannels());
+  const auto first = file.addGroupOf(groupWith(1, 6, 10), countingChannels());
+  const auto second = file.addGroupOf(groupWith(2, 3, 9), byteChannels());
   file.addDataGroup({first, second}, place(file, data), 1);
-  return {name, shows, file.bytes(), {countingTable(6), byteTable({"0.5,1", "1.5,3", "2.5,5"})}};
+  return sampleOf(name, shows, file, {countingTable(6), byteTable({"0.5,1", "1.5,3", "2.5,5"})});
 }
 
 Samples placements() {
@@ -139,19 +134,17 @@ Sample manyGroups() {
     groups.push_back(file.addGroupOf(groupWith(1000 + i, 2, 9), byteChannels(name)));
     tables.push_back(byteTable({"0," + std::to_string(i), "0.5," + std::to_string(i + 100)}, name));
   }
-  file.addDataGroup(groups, file.add("DT", {}, data), 2);
-  return {"unsorted-thirty-groups", "thirty groups in one data group", file.bytes(), tables};
+  file.addDataGroup(groups, file.addData(data), 2);
+  return sampleOf("unsorted-thirty-groups", "thirty groups in one data group", file, tables);
 }
 
 Sample emptyGroup() {
   SampleFile file;
-  const std::uint64_t first = file.addGroupOf(groupWith(1, 0, 10), countingChannels());
-  const std::uint64_t second = file.addGroupOf(groupWith(2, 1, 9), byteChannels());
-  file.addDataGroup({first, second}, file.add("DT", {}, Bytes().u8(2).text(timeRecord(0, 5))), 1);
-  return {"unsorted-group-without-records",
-          "a group that no record belongs to",
-          file.bytes(),
-          {countingTable(0), byteTable({"0,5"})}};
+  const auto first = file.addGroupOf(groupWith(1, 0, 10), countingChannels());
+  const auto second = file.addGroupOf(groupWith(2, 1, 9), byteChannels());
+  file.addDataGroup({first, second}, file.addData(Bytes().u8(2).text(timeRecord(0, 5))), 1);
+  return sampleOf("unsorted-group-without-records", "a group that no record belongs to", file,
+                  {countingTable(0), byteTable({"0,5"})});
 }
 
 Sample invalidUnsorted() {
@@ -160,22 +153,13 @@ Sample invalidUnsorted() {
   channels[1].flags = 2;
   GroupSpec with_bits = groupWith(1, 2, 9);
   with_bits.invalidation_bytes = 1;
-  const std::uint64_t first = file.addGroupOf(with_bits, channels);
-  const std::uint64_t second = file.addGroupOf(groupWith(2, 1, 10), countingChannels());
-  const std::string data = Bytes()
-                               .u8(1)
-                               .text(timeRecord(0, 5))
-                               .u8(1)
-                               .u8(2)
-                               .text(record(0))
-                               .u8(1)
-                               .text(timeRecord(1, 6))
-                               .u8(0);
-  file.addDataGroup({first, second}, file.add("DT", {}, data), 1);
-  return {"unsorted-invalidation",
-          "records with invalidation bytes among others",
-          file.bytes(),
-          {byteTable({"0,", "0.5,6"}), countingTable(1)}};
+  const auto first = file.addGroupOf(with_bits, channels);
+  const auto second = file.addGroupOf(groupWith(2, 1, 10), countingChannels());
+  const std::string data =
+      u8(1) + timeRecord(0, 5) + u8(1, 2) + record(0) + u8(1) + timeRecord(1, 6) + u8(0);
+  file.addDataGroup({first, second}, file.addData(data), 1);
+  return sampleOf("unsorted-invalidation", "records with invalidation bytes among others", file,
+                  {byteTable({"0,", "0.5,6"}), countingTable(1)});
 }
 
 /// Records with offsets of texts that are records of another group.
@@ -201,19 +185,18 @@ Sample variableLength(const std::string& name, const std::string& shows,
   // The length of all values, each with the four bytes of its length, as data bytes.
   GroupSpec value_spec = groupWith(3, texts.size(), static_cast<std::uint32_t>(offset));
   value_spec.flags = 1;
-  const std::uint64_t values = file.addGroupOf(value_spec, {});
+  const auto values = file.addGroupOf(value_spec, {});
   ChannelSpec text = stored(7, 64);
   text.byte_offset = 8;
   text.type = 1;
   text.data = values;
-  const std::uint64_t group = file.addGroupOf(groupWith(1, texts.size(), 16), {timeMaster(), text});
+  const auto group = file.addGroupOf(groupWith(1, texts.size(), 16), {timeMaster(), text});
   const auto groups = parts.is_values_first ? std::vector<std::uint64_t>{values, group}
                                             : std::vector<std::uint64_t>{group, values};
-  const std::uint64_t block =
-      parts.are_zipped ? addZipped(file, "DT", data) : file.add("DT", {}, data);
+  const std::uint64_t block = parts.are_zipped ? addZipped(file, "DT", data) : file.addData(data);
   file.addDataGroup(groups, block, parts.id_size);
-  return {
-      name, shows, file.bytes(), {{{{"t", "s"}, {"v", ""}}, {"0,first", "0.5,", "1,the third"}}}};
+  return sampleOf(name, shows, file,
+                  {{{{"t", "s"}, {"v", ""}}, {"0,first", "0.5,", "1,the third"}}});
 }
 
 Samples variableLengths() {
@@ -255,11 +238,9 @@ Sample twoVariableLengths() {
     channels.push_back(text);
   }
   groups.insert(groups.begin(), file.addGroupOf(groupWith(1, 2, 24), channels));
-  file.addDataGroup(groups, file.add("DT", {}, data), 1);
-  return {"unsorted-two-variable-lengths",
-          "two channels with texts of their own",
-          file.bytes(),
-          {{{{"t", "s"}, {"a", ""}, {"b", ""}}, {"0,a0,b0 longer", "0.5,a0,b1"}}}};
+  file.addDataGroup(groups, file.addData(data), 1);
+  return sampleOf("unsorted-two-variable-lengths", "two channels with texts of their own", file,
+                  {{{{"t", "s"}, {"a", ""}, {"b", ""}}, {"0,a0,b0 longer", "0.5,a0,b1"}}});
 }
 
 }  // namespace
