@@ -80,8 +80,8 @@ TEST(RecordInterrupted, FileThatWasCutOffSaysSo) {
   EXPECT_EQ(file.bytes().substr(0, 16), "UnFinMF 4.10    ");
   EXPECT_EQ(file.numberAt(60, 2), 5U) << "cycle count and last length are to be set";
   EXPECT_EQ(file.cycleCount(), 0U);
-  EXPECT_EQ(file.data().length, 24U);
-  const std::uint64_t data = file.bytes().size() - file.data().position - 24;
+  EXPECT_EQ(file.numberAt(file.data() + 8, 8), 24U);
+  const std::uint64_t data = file.bytes().size() - file.data() - 24;
   EXPECT_EQ(data % file.recordBytes(), 0U);
   EXPECT_GT(data / file.recordBytes(), 20U) << "what was recorded is there";
 }
@@ -105,7 +105,7 @@ TEST(RecordProgress, GivesWayToAComplaint) {
   const RecordedFile file(path);
   RunOptions options;
   options.error_is_terminal = true;
-  options.file_size_limit = file.data().position + 24 + 150 * file.recordBytes();
+  options.file_size_limit = file.data() + 24 + 150 * file.recordBytes();
   const RunResult result = record({path, "--duration", "1min", "--rate", "100"}, options);
   EXPECT_EQ(result.exit_code, 1);
   EXPECT_NE(result.messages.find(" missed\r\033[Kmdf: cannot write to "), std::string::npos)

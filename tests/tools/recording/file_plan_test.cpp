@@ -58,15 +58,9 @@ TEST(FilePlan, WritesZerosBetweenBlocksAndTheLinksSetMeanwhile) {
   plan.add(text);
   plan.add(group);
   group.setDatablock(plan.add(data));
-  EXPECT_BYTES(written(plan), Bytes()
-                                  .header("TX", 28, 0)
-                                  .text("abc")
-                                  .zeros(1)
-                                  .zeros(4)
-                                  .header("DG", 64, 4)
-                                  .links({0, 0, 96, 0})
-                                  .zeros(8)
-                                  .header("DT", 24, 0));
+  EXPECT_BYTES(written(plan), header("TX", 28, 0) + "abc" + zeros(1) + zeros(4) +
+                                  header("DG", 64, 4) + links(0, 0, 96, 0) + zeros(8) +
+                                  header("DT", 24, 0));
 }
 
 TEST(FilePlan, BlockWithoutASizeOfItsOwnIsGivenOne) {

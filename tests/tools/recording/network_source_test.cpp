@@ -68,9 +68,4 @@ TEST(NetworkSource, PassesOverMalformedLines) {
   EXPECT_EQ(valuesOf(source), expected);
 }
 
-TEST(NetworkSource, HasNothingWithoutTheFile) {
-  const ScratchFolder root;
-  EXPECT_EQ(valuesOf(NetworkSource(root.path())), "");
-}
-
 }  // namespace

@@ -16,82 +16,40 @@ const std::vector<Signal> channels = {float64Signal("time", "s"), float32Signal(
 const RecordingInfo info = {{1'700'000'000'123'456'789, -90, true}, "T<", "C", "7"};
 
 std::string identification(const std::string& file, int flags) {
-  return Bytes()
-      .text(file + "4.10    mdf     ")
-      .zeros(4)
-      .u16(410)
-      .zeros(30)
-      .u8s({flags, 0})
-      .zeros(2);
+  return file + "4.10    mdf     " + zeros(4) + u16(410) + zeros(30) + u8(flags, 0) + zeros(2);
 }
 
 std::string frame() {
-  return Bytes()
-      .header("HD", 104, 6)
-      .links({752, 168, 0, 0, 0, 416})
-      .u64(1'700'000'000'123'456'789)
-      .i16(-90)
-      .i16(60)
-      .u8s({2, 0, 0, 0})
-      .f64(0)
-      .f64(0)
-      .header("FH", 56, 2)
-      .links({0, 224})
-      .u64(1'700'000'000'123'456'789)
-      .i16(-90)
-      .i16(60)
-      .u8s({2, 0, 0, 0})
-      .header("MD", 191, 0)
-      .text(
-          "<FHcomment xmlns=\"http://www.asam.net/mdf/v4\"><TX>C</TX><tool_id>mdf</tool_id>"
-          "<tool_vendor>The mdf maintainers</tool_vendor><tool_version>7</tool_version>"
-          "</FHcomment>")
-      .zeros(1 + 1)
-      .header("MD", 97, 0)
-      .text("<HDcomment xmlns=\"http://www.asam.net/mdf/v4\"><TX>T&lt;</TX></HDcomment>")
-      .zeros(1 + 7);
+  const std::string start = u64(1'700'000'000'123'456'789) + u16(-90, 60) + u8(2, 0, 0, 0);
+  const std::string header_block =
+      header("HD", 104, 6) + links(752, 168, 0, 0, 0, 416) + start + f64(0, 0);
+  const std::string history = header("FH", 56, 2) + links(0, 224) + start;
+  const std::string history_comment =
+      header("MD", 191, 0) +
+      "<FHcomment xmlns=\"http://www.asam.net/mdf/v4\"><TX>C</TX><tool_id>mdf</tool_id>"
+      "<tool_vendor>The mdf maintainers</tool_vendor><tool_version>7</tool_version></FHcomment>" +
+      zeros(1 + 1);
+  const std::string comment =
+      header("MD", 97, 0) +
+      "<HDcomment xmlns=\"http://www.asam.net/mdf/v4\"><TX>T&lt;</TX></HDcomment>" + zeros(1 + 7);
+  return header_block + history + history_comment + comment;
 }
 
-/// Each text once, then its terminating zero and the padding.
+/// A text, its terminating zero and the padding.
+std::string textBlock(std::uint64_t length, const std::string& text, std::size_t padding) {
+  return header("TX", length, 0) + text + zeros(1 + padding);
+}
+
+/// Each text once.
 std::string texts() {
-  return Bytes()
-      .header("TX", 39, 0)
-      .text("system signals")
-      .zeros(1 + 1)
-      .header("TX", 29, 0)
-      .text("time")
-      .zeros(1 + 3)
-      .header("TX", 26, 0)
-      .text("s")
-      .zeros(1 + 6)
-      .header("TX", 26, 0)
-      .text("a")
-      .zeros(1 + 6)
-      .header("TX", 26, 0)
-      .text("%")
-      .zeros(1 + 6)
-      .header("TX", 29, 0)
-      .text("load")
-      .zeros(1 + 3)
-      .header("TX", 26, 0)
-      .text("b")
-      .zeros(1 + 6);
+  return textBlock(39, "system signals", 1) + textBlock(29, "time", 3) + textBlock(26, "s", 6) +
+         textBlock(26, "a", 6) + textBlock(26, "%", 6) + textBlock(29, "load", 3) +
+         textBlock(26, "b", 6);
 }
 
 std::string groups(std::uint64_t cycle_count) {
-  return Bytes()
-      .header("DG", 64, 4)
-      .links({0, 816, 1560, 0})
-      .zeros(8)
-      .header("CG", 104, 6)
-      .links({0, 920, 520, 0, 0, 0})
-      .u64(0)
-      .u64(cycle_count)
-      .u16(0)
-      .u16(0)
-      .zeros(4)
-      .u32(24)
-      .u32(0);
+  return header("DG", 64, 4) + links(0, 816, 1560, 0) + zeros(8) + header("CG", 104, 6) +
+         links(0, 920, 520, 0, 0, 0) + u64(0, cycle_count) + u16(0, 0) + zeros(4) + u32(24, 0);
 }
 
 std::string channel(std::initializer_list<std::int64_t> links, std::initializer_list<int> types,

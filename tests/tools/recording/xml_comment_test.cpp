@@ -40,18 +40,6 @@ TEST(XmlComment, BytesThatAreNoCharacterAreLeftOut) {
   EXPECT_EQ(xmlText("a\xF8\x88\x80\x80\x80z\xFF"), "az") << "bytes of no code";
 }
 
-TEST(XmlComment, HeaderCommentHoldsTheText) {
-  EXPECT_EQ(headerComment("R&D"),
-            "<HDcomment xmlns=\"http://www.asam.net/mdf/v4\"><TX>R&amp;D</TX></HDcomment>");
-}
-
-TEST(XmlComment, HistoryCommentNamesTheTool) {
-  EXPECT_EQ(historyComment("Recorded <all>", "1.2.3"),
-            "<FHcomment xmlns=\"http://www.asam.net/mdf/v4\"><TX>Recorded &lt;all&gt;</TX>"
-            "<tool_id>mdf</tool_id><tool_vendor>The mdf maintainers</tool_vendor>"
-            "<tool_version>1.2.3</tool_version></FHcomment>");
-}
-
 TEST(XmlComment, AnyBytesMakeWellFormedXml) {
   std::string every_byte;
   for (int byte = 0; byte < 256; ++byte) {
