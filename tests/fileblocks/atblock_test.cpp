@@ -149,6 +149,10 @@ TEST(ATBLOCK, SetMD5ChecksumWritesIntoTheEmbeddedBytes) {
   EXPECT_EQ(embeddedIn(block), "0123456789ABCDEFqrst");
   EXPECT_EQ(block.getMD5Checksum(), std::string(16, 9));
   EXPECT_EQ(block.at_flags, 1);
+
+  ATBLOCK as_long_as_a_digest("abcdefghijklmnop", 16);
+  as_long_as_a_digest.setMD5Checksum(sixteen);
+  EXPECT_EQ(embeddedIn(as_long_as_a_digest), sixteen);
 }
 
 TEST(ATBLOCK, SetMD5ChecksumNeedsSixteenCharactersAndSixteenEmbeddedBytes) {
