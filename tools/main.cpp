@@ -56,6 +56,7 @@ int run(int argc, char** argv) {
   mdf_tools::addGraphCommand(app, exit_code);
   mdf_tools::addExportCommand(app, exit_code);
   mdf_tools::addPlotCommand(app, exit_code);
+  mdf_tools::addStatsCommand(app, exit_code);
   mdf_tools::addExtractCommand(app, exit_code);
 
   if (argc > 1 && std::string(argv[1]) == "--complete") {

@@ -30,7 +30,8 @@ struct ColumnHead {
 struct TableHead {
   const ChannelGroup* group = nullptr;
   std::vector<ColumnHead> columns;
-  bool has_master = false;  ///< the first column is the master channel's
+  bool has_master = false;         ///< the first column is the master channel's
+  std::uint64_t record_bytes = 0;  ///< of a record in the file, its record id included
 };
 
 /// Records of a table that follow one another, or at equal distances, as columns.

@@ -270,8 +270,10 @@ std::unique_ptr<Table> Tables::Walk::tableOf(const DataGroup& data_group,
   }
   makeRecords(data_group);
   std::vector<Column> columns = columnsFor(group, plans, remote);
-  return std::unique_ptr<Table>(
+  std::unique_ptr<Table> table(
       new Table(group, std::move(columns), has_master, records_->read(group), query_));
+  table->head_.record_bytes = records_->idBytes() + group.recordBytes();
+  return table;
 }
 
 std::vector<Column> Tables::Walk::columnsFor(const ChannelGroup& group,

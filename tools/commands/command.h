@@ -24,6 +24,7 @@ void addCheckCommand(CLI::App& app, int& exit_code);
 void addGraphCommand(CLI::App& app, int& exit_code);
 void addExportCommand(CLI::App& app, int& exit_code);
 void addPlotCommand(CLI::App& app, int& exit_code);
+void addStatsCommand(CLI::App& app, int& exit_code);
 void addExtractCommand(CLI::App& app, int& exit_code);
 
 }  // namespace mdf_tools

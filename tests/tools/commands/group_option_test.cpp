@@ -33,20 +33,22 @@ std::string threeGroups() {
   return file.bytes();
 }
 
-/// The channels that are listed, exported and plotted, which must be the same.
+/// The channels that are listed, exported, plotted and measured, which must be the same.
 std::string channelsIn(const std::string& group) {
   const TempFile file(threeGroups());
   const RunResult listed = run({"list", "channels", "--group", group, "--json", file.path()});
   const RunResult exported = run({"export", "--group", group, file.path()});
   const RunResult plotted = run({"plot", "--group", group, file.path(), "-c", "*", "--json"});
+  const RunResult measured = run({"stats", "--group", group, file.path()});
   std::string channels;
   for (const std::string name : {"channel0", "channel1", "channel2"}) {
     const bool is_there = listed.output.find(name) != std::string::npos;
     channels += is_there ? name.substr(7) : "";
     EXPECT_EQ(exported.output.find(name) != std::string::npos, is_there) << group << ' ' << name;
     EXPECT_EQ(plotted.output.find(name) != std::string::npos, is_there) << group << ' ' << name;
+    EXPECT_EQ(measured.output.find(name) != std::string::npos, is_there) << group << ' ' << name;
   }
-  for (const RunResult& result : {listed, exported, plotted}) {
+  for (const RunResult& result : {listed, exported, plotted, measured}) {
     EXPECT_EQ(result.exit_code, channels.empty() ? 1 : 0) << group;
     EXPECT_EQ(result.messages.empty(), !channels.empty()) << group << ": " << result.messages;
   }
@@ -72,7 +74,8 @@ TEST(GroupOption, NothingThatFitsIsANoteAndAProblem) {
   const TempFile file(threeGroups());
   const std::vector<std::vector<std::string>> commands = {
       {"list", "channels", "--group", "gear*", file.path()},
-      {"export", "-g", "gear*", file.path()}};
+      {"export", "-g", "gear*", file.path()},
+      {"stats", "-g", "gear*", file.path()}};
   for (const std::vector<std::string>& words : commands) {
     const RunResult result = run(words);
     EXPECT_EQ(result.exit_code, 1);

@@ -40,6 +40,8 @@ const std::vector<std::vector<std::string>>& readingCommands() {
       {"export", "--group", "1"},
       {"plot", "-c", "*", "--file"},
       {"plot", "--json", "-c", "*", "--file"},
+      {"stats"},
+      {"stats", "--json", "--du"},
       {"extract"}};
   return commands;
 }
