@@ -1,13 +1,17 @@
 #include <csv.h>
 
 #include <cstddef>
+#include <ostream>
 #include <string>
 #include <vector>
 
 #include "expect.h"
 #include "finding_check.h"
+#include "measuring/table_meter.h"
 #include "memory_file.h"
+#include "output_check.h"
 #include "pictures/chart.h"
+#include "printing/statistics.h"
 #include "printing/table_writers.h"
 #include "reader/blocks/finding.h"
 #include "reader/bytes/input_file.h"
@@ -24,20 +28,20 @@ using namespace mdf_reader;
 using namespace mdf_tools;
 
 /// How many fields each line of CSV has.
-struct Lines {
+struct Fields {
   std::vector<std::size_t> counts;
   std::size_t fields = 0;
 };
 
-Lines linesOf(const std::string& text) {
-  Lines lines;
+Fields fieldsOf(const std::string& text) {
+  Fields lines;
   csv_parser parser;
   expect(csv_init(&parser, CSV_STRICT | CSV_STRICT_FINI) == 0, "a parser of CSV");
   const auto field = [](void* /*text*/, std::size_t /*size*/, void* data) {
-    ++static_cast<Lines*>(data)->fields;
+    ++static_cast<Fields*>(data)->fields;
   };
   const auto line = [](int /*end*/, void* data) {
-    auto* all = static_cast<Lines*>(data);
+    auto* all = static_cast<Fields*>(data);
     all->counts.push_back(all->fields);
     all->fields = 0;
   };
@@ -48,7 +52,23 @@ Lines linesOf(const std::string& text) {
   return lines;
 }
 
-/// Writes and draws the first samples of each table, and checks the output.
+/// Expects statistics that are about all rows, and prints as they should be.
+void expectSense(const TableStatistics& statistics) {
+  for (const ColumnStatistics& column : statistics.columns) {
+    expect(column.values + column.invalid + column.not_finite == statistics.records,
+           "each record counted once");
+    expect(column.deviation.value_or(0) >= 0, "a deviation that is not below 0");
+  }
+  Lines lines(Lines::Kind::printed);
+  std::ostream os(&lines);
+  os.exceptions(std::ios_base::badbit);
+  printStatistics({statistics}, os);
+  lines.expectEnd();
+  expect(lines.count() == 4 + statistics.columns.size(), "a line for each column");
+  expect(Json::accept(jsonLine(statisticsAsJson("file", statistics))), "JSON");
+}
+
+/// Writes, draws and measures the first samples of each table, and checks the output.
 class Trial {
  public:
   void take(Table& table) {
@@ -60,17 +80,20 @@ class Trial {
     csv_.begin(table.head(), text);
     json_.begin(table.head(), json);
     collector_.begin(table.head());
+    TableMeter meter(table.head());
     const Batch* const batch = table.next();
     if (batch != nullptr && values_ < most_values) {
       values_ += batch->rows() * columns;
       collector_.take(*batch);
+      meter.add(*batch);
       csv_.addRows(*batch, 0, batch->rows(), text);
       json_.addRows(*batch, 0, batch->rows(), json);
     }
     expect(fromUtf8(text) == text, "text in UTF-8");
-    for (const std::size_t count : linesOf(text).counts) {
+    for (const std::size_t count : fieldsOf(text).counts) {
       expect(count == columns, "a field for each column");
     }
+    expectSense(meter.statistics());
   }
 
   std::size_t tables() const { return tables_; }

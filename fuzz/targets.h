@@ -10,8 +10,8 @@
 /// reads, dumps and writes a block of a type that the first byte chooses; `build` does what the
 /// bytes say with a block; `dump` and `check` are what `mdf dump` and `mdf check` make of a file,
 /// `draw` what `mdf tree`, `mdf graph` and the options of `mdf dump` make of it, `export` what `mdf
-/// export` and `mdf plot` make of it, `show` what `mdf info`, `mdf list` and `mdf extract` do;
-/// `measure` asks the reader library for all that it gives.
+/// export`, `mdf plot` and `mdf stats` make of it, `show` what `mdf info`, `mdf list` and `mdf
+/// extract` do; `measure` asks the reader library for all that it gives.
 namespace mdf_fuzz {
 
 /// Tries one input and says in a few words what came of it.
