@@ -10,6 +10,7 @@
 #include "output_check.h"
 #include "printing/info.h"
 #include "printing/listing.h"
+#include "reader/summary/file_json.h"
 #include "targets.h"
 
 namespace mdf_fuzz {
@@ -61,7 +62,7 @@ void tryInfo(const std::string& path) {
              });
   tryWriting(
       path, Lines::Kind::json, 1, [](InputFile& file, std::ostream& os, const FindingSink& report) {
-        os << mdf_tools::jsonLine(mdf_tools::infoAsJson(file, mdf_tools::Depth::records, report))
+        os << mdf_tools::jsonLine(mdf_reader::fileAsJson(file, mdf_reader::Depth::records, report))
            << '\n';
       });
 }

@@ -105,4 +105,9 @@ std::string printable(std::string_view text, Harmless harmless, std::size_t most
 
 std::string quoted(std::string_view bytes) { return '"' + printable(bytes) + '"'; }
 
+std::string withoutTrailingBlanks(const std::string& text) {
+  const std::size_t end = text.find_last_not_of(' ');
+  return end == std::string::npos ? "" : text.substr(0, end + 1);
+}
+
 }  // namespace mdf_reader

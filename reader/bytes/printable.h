@@ -22,6 +22,9 @@ std::string printable(std::string_view text, Harmless harmless = Harmless::ascii
 /// The same in ASCII and quotation marks.
 std::string quoted(std::string_view bytes);
 
+/// A text without the blanks at its end, with which writers fill fields of a fixed length.
+std::string withoutTrailingBlanks(const std::string& text);
+
 }  // namespace mdf_reader
 
 #endif  // MDF_READER_BYTES_PRINTABLE_H_

@@ -20,6 +20,7 @@
 #include "printing/tree_text.h"
 #include "reader/bytes/input_file.h"
 #include "reader/columns/tables.h"
+#include "reader/summary/file_json.h"
 #include "tools/samples/sample.h"
 
 using namespace mdf_tests;
@@ -115,7 +116,7 @@ struct InfoCounts {
 };
 
 InfoCounts countsOfInfo(InputFile& file) {
-  const Json info = mdf_tools::infoAsJson(file, mdf_tools::Depth::records, silent);
+  const Json info = mdf_reader::fileAsJson(file, mdf_reader::Depth::records, silent);
   InfoCounts counts;
   for (const Json& group : info["groups"]) {
     counts.offsets.push_back(group["offset"]);

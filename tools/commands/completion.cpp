@@ -6,7 +6,7 @@
 #include <set>
 #include <string_view>
 
-#include "printing/names.h"
+#include "reader/summary/names.h"
 #include "reader/blocks/block_type.h"
 #include "reader/blocks/codes.h"
 #include "reader/bytes/input_file.h"

@@ -5,6 +5,8 @@
 
 #include "command.h"
 #include "file_command.h"
+#include "printing/json_output.h"
+#include "reader/summary/file_json.h"
 
 namespace mdf_tools {
 
@@ -24,7 +26,7 @@ int printPages(const std::vector<std::string>& paths, Depth depth) {
 int printDocument(const std::vector<std::string>& paths, Depth depth) {
   Json files = Json::array();
   const int exit_code = onEachFile(paths, [&](const FileContext& context) {
-    files.push_back(infoAsJson(context.file, depth, context.report));
+    files.push_back(fileAsJson(context.file, depth, context.report));
   });
   if (files.empty()) {
     return exit_code;

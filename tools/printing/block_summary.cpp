@@ -4,14 +4,14 @@
 #include <array>
 
 #include "mdf_v4_10.h"
-#include "names.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/blocks/later_types.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/number_texts.h"
 #include "reader/bytes/printable.h"
 #include "reader/model/texts.h"
-#include "stored_time.h"
+#include "reader/summary/names.h"
+#include "reader/summary/stored_time.h"
 
 namespace mdf_tools {
 

@@ -2,11 +2,11 @@
 
 #include <string>
 
-#include "names.h"
 #include "reader/blocks/block_type.h"
 #include "reader/bytes/input_file.h"
+#include "reader/summary/names.h"
+#include "reader/summary/stored_time.h"
 #include "shown_number.h"
-#include "stored_time.h"
 #include "style.h"
 #include "text_table.h"
 
@@ -30,15 +30,6 @@ std::string stateSentence(const Identification& id) {
     sentence += "; custom flags " + std::to_string(id.custom_flags);
   }
   return sentence;
-}
-
-std::string withoutTrailingBlanks(const std::string& text) {
-  const std::size_t end = text.find_last_not_of(' ');
-  return end == std::string::npos ? "" : text.substr(0, end + 1);
-}
-
-StoredTime startTime(const Header& header) {
-  return {header.start_time, header.zone_minutes, header.daylight_minutes, header.time_flags};
 }
 
 /// Where angles and distances begin, "" when neither is stated.
@@ -101,10 +92,6 @@ void printLine(std::ostream& out, std::string_view label, std::string_view value
       << onOneLine(value) << '\n';
 }
 
-std::string masterUnit(const GroupSummary& group) {
-  return group.master() == nullptr ? "" : std::string(group.master()->unit);
-}
-
 void printGroups(const FileSummary& summary, std::ostream& out) {
   using Align = TextTable::Align;
   TextTable table({{"group", Align::right},
@@ -118,7 +105,7 @@ void printGroups(const FileSummary& summary, std::ostream& out) {
                    {"channels", Align::right}});
   for (const GroupSummary& each : summary.groups) {
     const ChannelGroup& group = *each.group;
-    const std::string unit = masterUnit(each);
+    const std::string unit = each.masterUnit();
     const auto extent = each.extent();
     const auto rate = each.rate();
     const bool is_variable = group.holdsVariableLength();
@@ -150,42 +137,6 @@ void printBlocks(const FileSummary& summary, std::ostream& out) {
   table.print(out);
 }
 
-Json spanAsJson(const AxisSpan& span) {
-  const char* source = "stated range";
-  if (span.source != AxisSpan::Source::range) {
-    source = span.source == AxisSpan::Source::records ? "records" : "record numbers";
-  }
-  return {{"from", span.from}, {"to", span.to}, {"source", source}};
-}
-
-Json groupAsJson(const GroupSummary& each) {
-  const ChannelGroup& group = *each.group;
-  Json json = {{"group", group.index},
-               {"data_group", each.data_group->index},
-               {"offset", group.offset},
-               {"name", group.name},
-               {"source", each.source},
-               {"comment", group.comment},
-               {"records", each.records.records ? Json(*each.records.records) : Json()},
-               {"records_counted", each.records.is_counted},
-               {"record_bytes", group.holdsVariableLength() ? Json() : Json(group.recordBytes())},
-               {"variable_length", group.holdsVariableLength()},
-               {"channels", each.channels.count}};
-  json["span"] = each.span ? spanAsJson(*each.span) : Json();
-  json["extent"] = each.extent() ? Json(*each.extent()) : Json();
-  json["rate"] = each.rate() ? Json(*each.rate()) : Json();
-  json["master_unit"] = each.master() == nullptr ? Json() : Json(masterUnit(each));
-  return json;
-}
-
-Json startAsJson(const Header& header) {
-  const StoredTime start = startTime(header);
-  return {{"stored", header.start_time},      {"unit", start.isInSeconds() ? "s" : "ns"},
-          {"utc", textOrNull(start.utc())},   {"local", textOrNull(start.local())},
-          {"zone", textOrNull(start.zone())}, {"class", timeClassName(header.time_class)},
-          {"class_number", header.time_class}};
-}
-
 }  // namespace
 
 void printInfo(InputFile& file, Depth depth, std::ostream& out, const FindingSink& report) {
@@ -199,8 +150,8 @@ void printInfo(InputFile& file, Depth depth, std::ostream& out, const FindingSin
                 std::to_string(id.version) + "), written by \"" +
                 printable(withoutTrailingBlanks(id.program)) + '"');
   printLine(out, "State:", stateSentence(id));
-  printLine(
-      out, "Start:", startTime(header).sentence() + ", clock: " + timeClassName(header.time_class));
+  printLine(out, "Start:",
+            startTimeOf(header).sentence() + ", clock: " + timeClassName(header.time_class));
   if (const std::string position = startPosition(header); !position.empty()) {
     printLine(out, "Begins at:", position);
   }
@@ -218,43 +169,6 @@ void printInfo(InputFile& file, Depth depth, std::ostream& out, const FindingSin
   }
   printGroups(summary, out);
   printBlocks(summary, out);
-}
-
-Json infoAsJson(InputFile& file, Depth depth, const FindingSink& report) {
-  const FileSummary summary = summarise(file, depth, report);
-  const Identification& id = summary.description.identification;
-  const bool is_stated = id.isFinished() || id.isUnfinished();
-  Json json = {{"file", file.name()},
-               {"bytes", file.size()},
-               {"identifier", withoutTrailingBlanks(id.file_word)},
-               {"version", id.version},
-               {"version_text", withoutTrailingBlanks(id.version_text)},
-               {"program", withoutTrailingBlanks(id.program)},
-               {"finished", is_stated ? Json(id.isFinished()) : Json()},
-               {"still_open", id.openParts()},
-               {"start", startAsJson(summary.description.header)}};
-  json["duration"] = summary.duration ? Json(*summary.duration) : Json();
-  json["comment"] = summary.description.header.comment;
-  json["properties"] = Json::object();
-  for (const Property& property : summary.properties) {
-    json["properties"][property.name] = property.value;
-  }
-  json["data_groups"] = summary.description.data_groups.size();
-  json["channels"] = summary.channel_count;
-  json["attachments"] = summary.attachment_count;
-  json["events"] = summary.event_count;
-  json["hierarchy_entries"] = summary.hierarchy_count;
-  json["history_entries"] = summary.history_count;
-  json["groups"] = Json::array();
-  for (const GroupSummary& group : summary.groups) {
-    json["groups"].push_back(groupAsJson(group));
-  }
-  json["blocks"] = Json::object();
-  for (const auto& [letters, count] : summary.blocks) {
-    json["blocks"][letters] = {{"blocks", count.blocks}, {"bytes", count.bytes}};
-  }
-  json["bytes_outside_blocks"] = summary.gap_bytes;
-  return json;
 }
 
 }  // namespace mdf_tools

@@ -3,9 +3,8 @@
 
 #include <ostream>
 
-#include "file_summary.h"
-#include "json_output.h"
 #include "reader/blocks/finding.h"
+#include "reader/summary/file_summary.h"
 
 namespace mdf_reader {
 class InputFile;
@@ -15,9 +14,8 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// What a file is and what is in it: as a page for people, and as an object for programs.
+/// Prints what a file is and what is in it as a page for people; for programs see fileAsJson().
 void printInfo(InputFile& file, Depth depth, std::ostream& out, const FindingSink& report);
-Json infoAsJson(InputFile& file, Depth depth, const FindingSink& report);
 
 }  // namespace mdf_tools
 

@@ -5,13 +5,12 @@
 #include <algorithm>
 #include <optional>
 
-#include "formatted.h"
 #include "json_output.h"
-#include "names.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/blocks/raw_block.h"
 #include "reader/blocks/walk.h"
 #include "reader/bytes/digest.h"
+#include "reader/bytes/formatted.h"
 #include "reader/bytes/input_file.h"
 #include "reader/data/record_facts.h"
 #include "reader/model/attachments.h"
@@ -19,6 +18,8 @@
 #include "reader/model/description.h"
 #include "reader/model/events.h"
 #include "reader/model/group_choice.h"
+#include "reader/summary/channel_json.h"
+#include "reader/summary/names.h"
 #include "shown_number.h"
 #include "text_table.h"
 
@@ -163,7 +164,7 @@ class ChannelLister {
 
   std::vector<std::string> cellsOf(const ChannelGroup& group, const Channel& channel,
                                    const std::string& name) {
-    const auto conversion = conversionType(channel);
+    const auto conversion = conversionTypeOf(file_, channel);
     return {std::to_string(group.index),
             name,
             std::string(channel.unit),
@@ -179,44 +180,9 @@ class ChannelLister {
   }
 
   Json membersOf(const ChannelGroup& group, const Channel& channel, const std::string& name) {
-    const RecordCount count = facts_.recordsOf(group.offset, group.cycles);
-    const auto conversion = conversionType(channel);
-    return {{"group", group.index},
-            {"name", name},
-            {"unit", channel.unit},
-            {"type", channelTypeName(channel.type)},
-            {"type_number", channel.type},
-            {"sync_type", syncTypeName(channel.sync_type)},
-            {"sync_type_number", channel.sync_type},
-            {"data_type", dataTypeName(channel.data_type)},
-            {"data_type_number", channel.data_type},
-            {"bit_offset", channel.bit_offset},
-            {"byte_offset", channel.byte_offset},
-            {"bit_count", channel.bit_count},
-            {"flags", channel.flags},
-            {"dimensions", allDimensions(channel.array)},
-            {"depth", channel.depth},
-            {"records", count.records ? Json(*count.records) : Json()},
-            {"records_counted", count.is_counted},
-            {"conversion", conversion ? Json(conversionTypeName(*conversion)) : Json()},
-            {"conversion_number", conversion ? Json(*conversion) : Json()},
-            {"source", readSource(file_, channel.source, texts_).name},
-            {"comment", channel.comment},
-            {"offset", channel.offset}};
-  }
-
-  std::optional<unsigned> conversionType(const Channel& channel) {
-    const auto block = readFields(file_, channel.conversion, "CC");
-    return block ? std::optional(static_cast<unsigned>(block->number("cc_type"))) : std::nullopt;
-  }
-
-  /// Those of an array, and of the arrays that its elements are.
-  static std::vector<std::uint64_t> allDimensions(const ArrayShape& array) {
-    std::vector<std::uint64_t> dimensions = array.dimensions;
-    for (const ArrayShape& inner : array.inner) {
-      dimensions.insert(dimensions.end(), inner.dimensions.begin(), inner.dimensions.end());
-    }
-    return dimensions;
+    return channelAsJson({group, channel, name, facts_.recordsOf(group.offset, group.cycles),
+                          conversionTypeOf(file_, channel),
+                          readSource(file_, channel.source, texts_).name});
   }
 
   static std::string dataName(const Channel& channel) {

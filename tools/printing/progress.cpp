@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "formatted.h"
+#include "reader/bytes/formatted.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/printable.h"
 

@@ -1,10 +1,10 @@
 #include "shown_number.h"
 
-#include "formatted.h"
+#include "reader/bytes/formatted.h"
 
 namespace mdf_tools {
 
-std::string shownNumber(double number) { return formatted("%.6g", number); }
+std::string shownNumber(double number) { return mdf_reader::formatted("%.6g", number); }
 
 std::string shownRecords(const mdf_reader::RecordCount& count) {
   return count.records ? std::to_string(*count.records) + (count.is_counted ? " (counted)" : "")

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "reader/columns/batch.h"
-#include "stored_time.h"
+#include "reader/summary/stored_time.h"
 
 namespace mdf_tools {
 

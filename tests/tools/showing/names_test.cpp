@@ -1,11 +1,11 @@
-#include "printing/names.h"
+#include "reader/summary/names.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
 
-using namespace mdf_tools;
+using namespace mdf_reader;
 
 namespace {
 

@@ -1,11 +1,12 @@
-#include "printing/stored_time.h"
+#include "reader/summary/stored_time.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
-using mdf_tools::StoredTime;
+using mdf_reader::StoredTime;
 
 namespace {
 
@@ -14,6 +15,16 @@ constexpr std::uint64_t second = 1'000'000'000;
 /// "UTC / local / zone".
 std::string shown(const StoredTime& time) {
   return time.utc() + " / " + time.local() + " / " + time.zone();
+}
+
+TEST(StoredTime, NanosecondsAsFarAsThereAreAny) {
+  EXPECT_EQ(StoredTime(1'600'000'000 * second + 7, 60, 0, 2).nanoseconds(),
+            1'600'000'000'000'000'007);
+  EXPECT_EQ(StoredTime(1'600'000'000, 0, 0, 0).nanoseconds(), 1'600'000'000'000'000'000);
+  EXPECT_EQ(StoredTime(9'223'372'036 * second - 1, 0, 0, 0).nanoseconds(),
+            9'223'372'035'999'999'999);
+  EXPECT_EQ(StoredTime(9'223'372'036 * second, 0, 0, 0).nanoseconds(), std::nullopt);
+  EXPECT_EQ(StoredTime(0, 0, 0, 0).nanoseconds(), std::nullopt);
 }
 
 TEST(StoredTime, UtcAlone) {

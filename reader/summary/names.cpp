@@ -4,7 +4,7 @@
 
 #include "fileblocks/hdblock.h"
 
-namespace mdf_tools {
+namespace mdf_reader {
 
 using mdf_v4_10::HDBLOCK;
 
@@ -83,4 +83,4 @@ std::string timeClassName(unsigned time_class) {
   }
 }
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader

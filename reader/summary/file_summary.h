@@ -1,5 +1,5 @@
-#ifndef MDF_TOOLS_PRINTING_FILE_SUMMARY_H_
-#define MDF_TOOLS_PRINTING_FILE_SUMMARY_H_
+#ifndef MDF_READER_SUMMARY_FILE_SUMMARY_H_
+#define MDF_READER_SUMMARY_FILE_SUMMARY_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -8,19 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "reader/blocks/finding.h"
-#include "reader/columns/axis_spans.h"
-#include "reader/data/record_facts.h"
-#include "reader/model/description.h"
-#include "reader/model/properties.h"
+#include "../blocks/finding.h"
+#include "../columns/axis_spans.h"
+#include "../data/record_facts.h"
+#include "../model/description.h"
+#include "../model/properties.h"
 
 namespace mdf_reader {
 class InputFile;
-}  // namespace mdf_reader
-
-namespace mdf_tools {
-
-using namespace mdf_reader;
 
 /// Blocks of one type.
 struct TypeCount {
@@ -46,6 +41,8 @@ struct GroupSummary {
   const Channel* master() const { return channels.master ? &*channels.master : nullptr; }
   /// How far it is from the first record to the last, in the unit of the master channel.
   std::optional<double> extent() const { return span ? span->extent() : std::nullopt; }
+  /// The unit of the master channel; "" for none.
+  std::string masterUnit() const { return master() == nullptr ? "" : std::string(master()->unit); }
   /// Records for each unit of the master channel.
   std::optional<double> rate() const;
 };
@@ -75,6 +72,6 @@ enum class Depth {
 
 FileSummary summarise(InputFile& file, Depth depth, const FindingSink& report);
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader
 
-#endif  // MDF_TOOLS_PRINTING_FILE_SUMMARY_H_
+#endif  // MDF_READER_SUMMARY_FILE_SUMMARY_H_

@@ -5,12 +5,10 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "formatted.h"
-#include "reader/model/description.h"
+#include "../bytes/formatted.h"
+#include "../model/description.h"
 
-namespace mdf_tools {
-
-using namespace mdf_reader;
+namespace mdf_reader {
 
 namespace {
 
@@ -129,6 +127,14 @@ std::string StoredTime::isoAfter(double seconds) const {
   return text + (hasZone() ? zone() : utc().empty() ? "" : "Z");
 }
 
+std::optional<std::int64_t> StoredTime::nanoseconds() const {
+  constexpr auto a_second = static_cast<std::int64_t>(nanoseconds_a_second);
+  if (is_unset_ || seconds_ >= INT64_MAX / a_second) {
+    return std::nullopt;
+  }
+  return seconds_ * a_second + nanoseconds_;
+}
+
 std::string StoredTime::sentence() const {
   if (is_unset_) {
     return "not stated";
@@ -144,4 +150,8 @@ std::string StoredTime::sentence() const {
   return text;
 }
 
-}  // namespace mdf_tools
+StoredTime startTimeOf(const Header& header) {
+  return {header.start_time, header.zone_minutes, header.daylight_minutes, header.time_flags};
+}
+
+}  // namespace mdf_reader

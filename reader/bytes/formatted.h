@@ -1,5 +1,5 @@
-#ifndef MDF_TOOLS_PRINTING_FORMATTED_H_
-#define MDF_TOOLS_PRINTING_FORMATTED_H_
+#ifndef MDF_READER_BYTES_FORMATTED_H_
+#define MDF_READER_BYTES_FORMATTED_H_
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <string>
 
-namespace mdf_tools {
+namespace mdf_reader {
 
 /// A short text as snprintf makes it, cut after 127 characters.
 template <class... Values>
@@ -18,6 +18,6 @@ std::string formatted(const char* format, Values... values) {
   return {text.data(), static_cast<std::size_t>(std::clamp(length, 0, most))};
 }
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader
 
-#endif  // MDF_TOOLS_PRINTING_FORMATTED_H_
+#endif  // MDF_READER_BYTES_FORMATTED_H_

@@ -1,10 +1,13 @@
-#ifndef MDF_TOOLS_PRINTING_STORED_TIME_H_
-#define MDF_TOOLS_PRINTING_STORED_TIME_H_
+#ifndef MDF_READER_SUMMARY_STORED_TIME_H_
+#define MDF_READER_SUMMARY_STORED_TIME_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
-namespace mdf_tools {
+namespace mdf_reader {
+
+struct Header;
 
 /// A time stamp of a file together with what its time flags say of it.
 class StoredTime {
@@ -32,6 +35,10 @@ class StoredTime {
   /// Nanoseconds since 1970 at that time, UTC or local as the stamp is.
   std::int64_t nanosecondsAfter(double seconds) const;
 
+  /// The beginning of 1970 up to this time, whether of UTC or at the place of recording. Nothing
+  /// for a time that is not stated, or later than nanoseconds of 64 bits can say.
+  std::optional<std::int64_t> nanoseconds() const;
+
   /// A line for people: both times, and which unit was assumed and why.
   std::string sentence() const;
 
@@ -48,6 +55,9 @@ class StoredTime {
   bool is_unset_;
 };
 
-}  // namespace mdf_tools
+/// When the measurement was started.
+StoredTime startTimeOf(const Header& header);
 
-#endif  // MDF_TOOLS_PRINTING_STORED_TIME_H_
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_SUMMARY_STORED_TIME_H_

@@ -1,9 +1,9 @@
-#ifndef MDF_TOOLS_PRINTING_NAMES_H_
-#define MDF_TOOLS_PRINTING_NAMES_H_
+#ifndef MDF_READER_SUMMARY_NAMES_H_
+#define MDF_READER_SUMMARY_NAMES_H_
 
 #include <string>
 
-namespace mdf_tools {
+namespace mdf_reader {
 
 /// Common names for the values of the format's enumerations: "master", "uint LE", "linear". A value
 /// that the format does not know is shown as "type 17".
@@ -20,6 +20,6 @@ std::string eventCauseName(unsigned cause);
 std::string hierarchyTypeName(unsigned type);
 std::string timeClassName(unsigned time_class);
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader
 
-#endif  // MDF_TOOLS_PRINTING_NAMES_H_
+#endif  // MDF_READER_SUMMARY_NAMES_H_

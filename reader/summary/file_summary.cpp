@@ -4,13 +4,11 @@
 #include <cmath>
 #include <unordered_map>
 
-#include "reader/blocks/block_fields.h"
-#include "reader/blocks/walk.h"
-#include "reader/bytes/input_file.h"
+#include "../blocks/block_fields.h"
+#include "../blocks/walk.h"
+#include "../bytes/input_file.h"
 
-namespace mdf_tools {
-
-using namespace mdf_reader;
+namespace mdf_reader {
 
 namespace {
 
@@ -175,4 +173,4 @@ FileSummary summarise(InputFile& file, Depth depth, const FindingSink& report) {
   return summary;
 }
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader

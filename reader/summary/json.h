@@ -1,0 +1,32 @@
+#ifndef MDF_READER_SUMMARY_JSON_H_
+#define MDF_READER_SUMMARY_JSON_H_
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace mdf_reader {
+
+/// An object whose members stay in the order in which they were added. A value of an enumeration
+/// is its name, and "..._number" beside it the number that the file has. What is not known is null.
+using Json = nlohmann::ordered_json;
+
+/// What "schema" says in every document and every line. It grows when members are renamed or
+/// removed, or change their meaning; new members may come at any time.
+inline constexpr int json_schema = 2;
+
+/// A text that is "" where it is not known.
+inline Json textOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
+
+/// One line without its end. Bytes that are not UTF-8 become U+FFFD, since JSON holds nothing else.
+inline std::string jsonLine(const Json& value) {
+  return value.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+/// A document over several lines.
+inline std::string jsonDocument(const Json& value) {
+  return value.dump(2, ' ', false, Json::error_handler_t::replace);
+}
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_SUMMARY_JSON_H_
