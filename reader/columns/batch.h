@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <numeric>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "../model/description.h"
@@ -31,20 +33,24 @@ struct TableHead {
   const ChannelGroup* group = nullptr;
   std::vector<ColumnHead> columns;
   bool has_master = false;         ///< the first column is the master channel's
-  std::uint64_t record_bytes = 0;  ///< of a record in the file, its record id included
+  std::uint64_t record_bytes = 0;  ///< in the file, with its record id; 0 before it was looked at
 };
 
-/// Records of a table that follow one another, or at equal distances, as columns.
+/// Records of a table that follow one another, or at equal distances, as columns. It owns its
+/// values, names and units; its channel group and channels belong to what it was read by.
 class Batch {
  public:
-  explicit Batch(const TableHead& head) : head_(head) {
-    for (const ColumnHead& column : head.columns) {
+  /// @param rows how many to make room for.
+  explicit Batch(std::shared_ptr<const TableHead> head, std::size_t rows = 0)
+      : head_(std::move(head)) {
+    for (const ColumnHead& column : head_->columns) {
       columns_.emplace_back(column.type);
+      columns_.back().reserve(rows);
     }
   }
 
-  const TableHead& head() const { return head_; }
-  const ChannelGroup& group() const { return *head_.group; }
+  const TableHead& head() const { return *head_; }
+  const ChannelGroup& group() const { return *head_->group; }
   std::size_t rows() const { return rows_; }
   /// The number of a row's record in its group, from 0 on.
   std::uint64_t record(std::size_t row) const { return first_ + row * stride_; }
@@ -58,8 +64,8 @@ class Batch {
 
   std::size_t columnCount() const { return columns_.size(); }
   const ColumnData& column(std::size_t index) const { return columns_[index]; }
-  const std::string& name(std::size_t index) const { return head_.columns[index].name; }
-  const std::string& unit(std::size_t index) const { return head_.columns[index].unit; }
+  const std::string& name(std::size_t index) const { return head_->columns[index].name; }
+  const std::string& unit(std::size_t index) const { return head_->columns[index].unit; }
 
  private:
   friend class Table;
@@ -69,7 +75,7 @@ class Batch {
     rows_ = 0;
   }
 
-  const TableHead& head_;
+  std::shared_ptr<const TableHead> head_;
   std::vector<ColumnData> columns_;
   std::size_t rows_ = 0;
   std::uint64_t first_ = 0;

@@ -23,9 +23,12 @@ std::size_t widthOf(ColumnType type) {
   return withNumberType(type, [](auto zero) { return sizeof zero; });
 }
 
-void Buffer::grow(std::size_t count) {
+void Buffer::reserve(std::size_t bytes) {
   constexpr std::size_t least = 64;
-  capacity_ = std::max({least, size_ + count, capacity_ + capacity_ / 2});
+  if (bytes <= capacity_) {
+    return;
+  }
+  capacity_ = std::max(least, bytes);
   std::unique_ptr<char[]> larger(new char[capacity_]);
   if (size_ > 0) {
     std::memcpy(larger.get(), bytes_.get(), size_);

@@ -1,6 +1,7 @@
 #ifndef MDF_READER_COLUMNS_COLUMN_DATA_H_
 #define MDF_READER_COLUMNS_COLUMN_DATA_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -80,11 +81,13 @@ class Buffer {
   char* data() { return bytes_.get(); }
   std::size_t size() const { return size_; }
   void clear() { size_ = 0; }
+  /// Makes room for so many bytes.
+  void reserve(std::size_t bytes);
 
   /// Adds bytes, and says where they are.
   char* extend(std::size_t count) {
     if (count > capacity_ - size_) {
-      grow(count);
+      reserve(std::max(size_ + count, capacity_ + capacity_ / 2));
     }
     char* const added = bytes_.get() + size_;
     size_ += count;
@@ -92,8 +95,6 @@ class Buffer {
   }
 
  private:
-  void grow(std::size_t count);
-
   std::unique_ptr<char[]> bytes_;
   std::size_t size_ = 0;
   std::size_t capacity_ = 0;
@@ -141,6 +142,12 @@ class ColumnData {
   std::size_t size() const { return values_.size() + offsets_.size() * sizeof(std::int64_t); }
 
   void clear();
+  /// Makes room for the numbers of so many rows.
+  void reserve(std::size_t rows) {
+    if (isNumber(type_)) {
+      values_.reserve(rows * widthOf(type_));
+    }
+  }
   /// Adds rows of numbers, to be set by the caller.
   template <class T>
   T* extend(std::size_t count) {

@@ -82,6 +82,7 @@ class Tables::Walk {
   }
 
   Table* next();
+  std::vector<TableHead> heads(std::size_t most);
   std::size_t count() const { return count_; }
   const Header& header() const { return description_.header; }
   void examine();
@@ -94,10 +95,14 @@ class Tables::Walk {
   bool haveDataOfTheirOwn(const DataGroup& data_group);
   void examineGroup(const ChannelGroup& group);
   bool isWanted(const ChannelGroup& group) const;
+  bool isLimited() const { return query_.from || query_.to; }
   std::unique_ptr<Table> tableOf(const DataGroup& data_group, const ChannelGroup& group);
   std::vector<ColumnPlan> plansOf(const ChannelGroup& group, const RemoteMaster* remote);
+  static bool hasMaster(const ChannelGroup& group, const std::vector<ColumnPlan>& plans,
+                        const RemoteMaster* remote);
   std::vector<Column> columnsFor(const ChannelGroup& group, const std::vector<ColumnPlan>& plans,
                                  const RemoteMaster* remote);
+  ColumnHead headOf(const ChannelGroup& group, const ColumnPlan& plan);
   ColumnSource sourceOf(const ChannelGroup& group, const ColumnPlan& plan);
   std::unique_ptr<SignalValues> valuesOf(const Channel& channel);
 
@@ -254,6 +259,11 @@ std::vector<ColumnPlan> Tables::Walk::plansOf(const ChannelGroup& group,
   return plans;
 }
 
+bool Tables::Walk::hasMaster(const ChannelGroup& group, const std::vector<ColumnPlan>& plans,
+                             const RemoteMaster* remote) {
+  return remote != nullptr || plans.front().channel == group.masterChannel();
+}
+
 /// The table of a group; null where no channel of it is wanted.
 std::unique_ptr<Table> Tables::Walk::tableOf(const DataGroup& data_group,
                                              const ChannelGroup& group) {
@@ -262,18 +272,17 @@ std::unique_ptr<Table> Tables::Walk::tableOf(const DataGroup& data_group,
   if (plans.empty()) {
     return nullptr;
   }
-  const bool has_master = remote != nullptr || plans.front().channel == group.masterChannel();
-  if ((query_.from || query_.to) && !has_master) {
+  const bool has_master = hasMaster(group, plans, remote);
+  if (isLimited() && !has_master) {
     note_("channel group " + std::to_string(group.index) +
           " is left out: it has no master channel to compare with --from and --to");
     return nullptr;
   }
   makeRecords(data_group);
   std::vector<Column> columns = columnsFor(group, plans, remote);
-  std::unique_ptr<Table> table(
-      new Table(group, std::move(columns), has_master, records_->read(group), query_));
-  table->head_.record_bytes = records_->idBytes() + group.recordBytes();
-  return table;
+  return std::unique_ptr<Table>(
+      new Table({&group, {}, has_master, records_->idBytes() + group.recordBytes()},
+                std::move(columns), records_->read(group), query_));
 }
 
 std::vector<Column> Tables::Walk::columnsFor(const ChannelGroup& group,
@@ -291,9 +300,43 @@ std::vector<Column> Tables::Walk::columnsFor(const ChannelGroup& group,
     columns.emplace_back(remote->plan.name, std::move(master), report_);
   }
   for (const ColumnPlan& plan : plans) {
-    columns.emplace_back(plan.name, sourceOf(group, plan), report_);
+    ColumnSource source = sourceOf(group, plan);
+    if (plan.channel->type == Channel::variable_length) {
+      source.values = valuesOf(*plan.channel);
+    }
+    columns.emplace_back(plan.name, std::move(source), report_);
   }
   return columns;
+}
+
+/// The heads of the columns say nothing of where values are, so that no data is read.
+std::vector<TableHead> Tables::Walk::heads(std::size_t most) {
+  std::vector<TableHead> heads;
+  for (const DataGroup& data_group : description_.data_groups) {
+    for (const ChannelGroup& group : data_group.groups) {
+      const RemoteMaster* remote = isWanted(group) ? remote_masters_.of(group) : nullptr;
+      const auto plans = isWanted(group) ? plansOf(group, remote) : std::vector<ColumnPlan>();
+      if (plans.empty() || (isLimited() && !hasMaster(group, plans, remote))) {
+        continue;
+      }
+      TableHead head{&group, {}, hasMaster(group, plans, remote), 0};
+      if (remote != nullptr) {
+        head.columns.push_back(headOf(*remote->group, remote->plan));
+      }
+      for (const ColumnPlan& plan : plans) {
+        head.columns.push_back(headOf(group, plan));
+      }
+      heads.push_back(std::move(head));
+      if (heads.size() >= most) {
+        return heads;
+      }
+    }
+  }
+  return heads;
+}
+
+ColumnHead Tables::Walk::headOf(const ChannelGroup& group, const ColumnPlan& plan) {
+  return Column(plan.name, sourceOf(group, plan), report_).head();
 }
 
 ColumnSource Tables::Walk::sourceOf(const ChannelGroup& group, const ColumnPlan& plan) {
@@ -303,9 +346,7 @@ ColumnSource Tables::Walk::sourceOf(const ChannelGroup& group, const ColumnPlan&
   source.channel = &channel;
   source.byte_shift = plan.byte_shift;
   source.invalidation_shift = plan.invalidation_shift;
-  if (channel.type == Channel::variable_length) {
-    source.values = valuesOf(channel);
-  } else if (channel.type == Channel::maximum_length) {
+  if (channel.type == Channel::maximum_length) {
     const auto length = channels_.find(channel.data);
     source.length_channel = length == channels_.end() ? nullptr : length->second;
   }
@@ -332,25 +373,23 @@ std::unique_ptr<SignalValues> Tables::Walk::valuesOf(const Channel& channel) {
   return signalDataAt(data_file_, {channel.offset, channel.data}, report_);
 }
 
-Table::Table(const ChannelGroup& group, std::vector<Column> columns, bool has_master,
-             std::unique_ptr<RecordCursor> records, const Query& query)
+Table::Table(TableHead head, std::vector<Column> columns, std::unique_ptr<RecordCursor> records,
+             const Query& query)
     : columns_(std::move(columns)),
       records_(std::move(records)),
       query_(query),
       batch_rows_(std::max<std::size_t>(1, query.batch_rows)) {
-  head_.group = &group;
-  head_.has_master = has_master;
   std::size_t row_bytes = 1;
   for (const Column& column : columns_) {
-    head_.columns.push_back(column.head());
+    head.columns.push_back(column.head());
     row_bytes += widthOf(column.head().type);
     has_texts_ = has_texts_ || !isNumber(column.head().type);
   }
   most_at_once_ = std::clamp<std::size_t>(room_for_values / row_bytes, 1, most_at_once);
   at_once_ = has_texts_ ? 1 : most_at_once_;
-  batch_ = std::make_unique<Batch>(head_);
-  masters_ = ColumnData(head_.columns.front().type);
-  batch_->stride_ = hostSize(std::max<std::uint64_t>(1, query.stride));
+  masters_ = ColumnData(head.columns.front().type);
+  head_ = std::make_shared<const TableHead>(std::move(head));
+  stride_ = hostSize(std::max<std::uint64_t>(1, query.stride));
   if (query.last) {
     const std::uint64_t rest = records_->rest();
     position_ = rest - std::min(rest, *query.last);
@@ -367,11 +406,20 @@ Table::Table(const ChannelGroup& group, std::vector<Column> columns, bool has_ma
 Table::~Table() = default;
 
 const Batch* Table::next() {
+  if (batch_ == nullptr) {
+    batch_ = std::make_unique<Batch>(head_, rows_before_);
+    batch_->stride_ = stride_;
+  }
   batch_->clear();
   while (batch_->rows() < batch_rows_ && batch_->size() < most_bytes && findRun() && isNext()) {
-    take();
+    add();
   }
   return batch_->rows() > 0 ? batch_.get() : nullptr;
+}
+
+std::unique_ptr<const Batch> Table::take() {
+  rows_before_ = batch_ == nullptr ? 0 : batch_->rows();
+  return rows_before_ > 0 ? std::move(batch_) : nullptr;
 }
 
 /// Finds the next records that are wanted and stand together: the first `run_` of the pending ones.
@@ -440,7 +488,7 @@ void Table::narrow() {
   if (std::adjacent_find(seen.begin(), seen.end(), falls) != seen.end()) {
     return;
   }
-  const std::uint64_t stride = batch_->stride_;
+  const std::uint64_t stride = stride_;
   const std::uint64_t strides = (first - begin) / stride + ((first - begin) % stride == 0 ? 0 : 1);
   records_->skip(strides * stride);
   position_ += strides * stride;
@@ -470,9 +518,9 @@ RecordSpan Table::nextRecords() {
     return records;
   }
   position_ += records.count;
-  const RecordSpan wanted = records.every(batch_->stride_);
+  const RecordSpan wanted = records.every(stride_);
   const std::uint64_t last = wanted.number(wanted.count - 1);
-  const std::uint64_t next = last + std::min<std::uint64_t>(batch_->stride_, UINT64_MAX - last);
+  const std::uint64_t next = last + std::min<std::uint64_t>(stride_, UINT64_MAX - last);
   if (next > position_) {
     records_->skip(next - position_);
     position_ = next;
@@ -496,7 +544,7 @@ bool Table::isNext() const {
   return batch_->rows() == 0 || batch_->record(batch_->rows()) == pending_.first;
 }
 
-void Table::take() {
+void Table::add() {
   const RecordSpan records = pending_.part(0, std::min(run_, batch_rows_ - batch_->rows()));
   if (batch_->rows_ == 0) {
     batch_->first_ = records.first;
@@ -526,6 +574,8 @@ Tables::~Tables() = default;
 Table* Tables::next() { return walk_->next(); }
 
 const Header& Tables::header() const { return walk_->header(); }
+
+std::vector<TableHead> Tables::heads(std::size_t most) { return walk_->heads(most); }
 
 std::size_t Tables::count() const { return walk_->count(); }
 

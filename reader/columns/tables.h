@@ -30,17 +30,21 @@ class Table {
   Table(const Table&) = delete;
   Table& operator=(const Table&) = delete;
 
-  const TableHead& head() const { return head_; }
-  const ChannelGroup& group() const { return *head_.group; }
+  const TableHead& head() const { return *head_; }
+  const ChannelGroup& group() const { return *head_->group; }
 
   /// The next records; null after the last ones. A batch lasts until the next call. It has at least
   /// one row and at most Query::batch_rows, fewer where rows are long.
   const Batch* next();
+  /// Gives away the batch of the last call of next(), to be kept as long as wanted. Null where that
+  /// gave none.
+  std::unique_ptr<const Batch> take();
 
  private:
   friend class Tables;
-  Table(const ChannelGroup& group, std::vector<Column> columns, bool has_master,
-        std::unique_ptr<RecordCursor> records, const Query& query);
+  /// @param head what is known but for its columns.
+  Table(TableHead head, std::vector<Column> columns, std::unique_ptr<RecordCursor> records,
+        const Query& query);
 
   bool hasRange() const { return query_.from || query_.to; }
   bool findRun();
@@ -51,16 +55,18 @@ class Table {
   void skip(std::size_t count);
   bool isInRange(std::size_t index) const;
   bool isNext() const;
-  void take();
+  void add();
 
-  TableHead head_;
+  std::shared_ptr<const TableHead> head_;
   std::vector<Column> columns_;
   std::unique_ptr<RecordCursor> records_;
   const Query& query_;
   std::size_t batch_rows_;
   std::uint64_t position_ = 0;      ///< number of the next record to come
   std::uint64_t end_ = UINT64_MAX;  ///< numbers from here on are not wanted
-  std::unique_ptr<Batch> batch_;
+  std::size_t stride_ = 1;
+  std::unique_ptr<Batch> batch_;  ///< null where it was given away
+  std::size_t rows_before_ = 0;   ///< of the batch that was
   bool has_texts_ = false;
   std::size_t most_at_once_ = 1;  ///< records, whose values fit the processor's cache
   std::size_t at_once_ = 1;       ///< the same, by the length of the texts so far
@@ -86,6 +92,9 @@ class Tables {
 
   /// What the header block of the file says.
   const Header& header() const;
+
+  /// What is known of the first so many tables before records are read, whichever come next.
+  std::vector<TableHead> heads(std::size_t most);
 
   /// How many tables there were so far.
   std::size_t count() const;

@@ -6,9 +6,12 @@
 
 #include "../blocks/block_fields.h"
 #include "../bytes/input_file.h"
+#include "../bytes/work_budget.h"
 #include "../columns/tables.h"
 #include "../data/record_facts.h"
 #include "../model/channel_names.h"
+#include "../summary/channel_json.h"
+#include "../summary/file_json.h"
 
 namespace mdf_reader {
 
@@ -45,10 +48,19 @@ struct Measurement::State {
   }
 
   void take(const Finding& finding) {
+    const auto is_same = [&](const Finding& other) {
+      return other.offset == finding.offset && other.code == finding.code &&
+             other.sentence == finding.sentence;
+    };
+    if (std::any_of(findings.begin(), findings.end(), is_same)) {
+      return;
+    }
     if (finding_count++ < most_findings) {
       findings.push_back(finding);
     }
   }
+
+  Json channelsAsJson();
 
   InputFile file;
   std::vector<Finding> findings;
@@ -58,6 +70,30 @@ struct Measurement::State {
   ChannelGroups groups;
   RecordFacts facts;
 };
+
+/// Channels may have texts in common, so that there is more to say of them than the file has bytes.
+Json Measurement::State::channelsAsJson() {
+  constexpr std::uint64_t times = 4;
+  constexpr std::uint64_t always = std::uint64_t{1} << 24U;
+  WorkBudget texts(file.size(), times, always);
+  Json list = Json::array();
+  for (const ChannelGroup& group : groups) {
+    const RecordCount count = facts.recordsOf(group.offset, group.cycles);
+    ChannelNames names;
+    for (const Channel& channel : group.channels) {
+      const std::string_view source = readSource(file, channel.source, *description.texts).name;
+      if (!texts.take(channel.unit.size() + channel.comment.size() + source.size())) {
+        report({Code::work_limited, channel.offset,
+                "expected channels with texts of their own, found the same long ones again and "
+                "again; the other channels are left out"});
+        return list;
+      }
+      list.push_back(channelAsJson(
+          {group, channel, names.next(channel), count, conversionTypeOf(file, channel), source}));
+    }
+  }
+  return list;
+}
 
 Measurement::Measurement(const std::string& path) : state_(std::make_shared<State>(path)) {}
 Measurement::~Measurement() = default;
@@ -133,6 +169,12 @@ const Batch* Batches::next() {
   return batch;
 }
 
+std::unique_ptr<const Batch> Batches::take() {
+  return state_->table == nullptr ? nullptr : state_->table->take();
+}
+
+std::vector<TableHead> Batches::heads(std::size_t most) { return state_->tables.heads(most); }
+
 Batches Measurement::read(const Query& query) const {
   return Batches(std::make_unique<Batches::State>(state_, query));
 }
@@ -178,6 +220,12 @@ std::optional<Block> Measurement::block(std::uint64_t offset) const {
     }
   }
   return block;
+}
+
+std::string Measurement::describe() const {
+  return jsonDocument({{"schema", json_schema},
+                       {"info", fileAsJson(state_->file, Depth::records, state_->report)},
+                       {"channels", state_->channelsAsJson()}});
 }
 
 const std::vector<Finding>& Measurement::findings() const { return state_->findings; }

@@ -88,6 +88,16 @@ class Batches {
 
   /// The next records of a group; null after the last ones. It lasts until the next call.
   const Batch* next();
+  /// Gives away the batch of the last call of next(), to be kept as long as wanted: its values,
+  /// names and units are its own. Its group and channels last as long as these batches. Null where
+  /// that gave none.
+  std::unique_ptr<const Batch> take();
+
+  /// What is known of the tables before records are read: one for each channel group that comes, in
+  /// the order of the file, also where it has no records. Their groups and channels last as long as
+  /// these batches.
+  /// @param most how many are enough.
+  std::vector<TableHead> heads(std::size_t most = SIZE_MAX);
 
  private:
   friend class Measurement;
@@ -147,11 +157,16 @@ class Measurement {
   /// The block at an offset. Nothing where the file has none.
   std::optional<Block> block(std::uint64_t offset) const;
 
-  /// What was found to be wrong so far, the first 1,000 of it. It grows with what is asked for:
-  /// data is examined when it is read. To have a file examined as a whole, use the program:
-  /// mdf check.
+  /// What the file is and what is in it as JSON: "info" is what `mdf info --json` says of a file,
+  /// "channels" what `mdf list channels --json` does.
+  std::string describe() const;
+
+  /// What was found to be wrong so far, the first 1,000 of it, each once. It grows with what is
+  /// asked for: data is examined when it is read. To have a file examined as a whole, use the
+  /// program: mdf check.
   const std::vector<Finding>& findings() const;
-  /// How many findings there were, kept or not.
+  /// How many findings there were, kept or not. What is read again is found again; of findings that
+  /// were kept that counts once.
   std::uint64_t findingCount() const;
 
  private:

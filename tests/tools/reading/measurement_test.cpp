@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -9,6 +10,8 @@
 #include <vector>
 
 #include "mdf_reader/mdf_reader.h"
+#include "reader/bytes/input_file.h"
+#include "reader/summary/file_json.h"
 #include "support/bytes.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/small_file.h"
@@ -153,6 +156,56 @@ TEST(Measurement, BatchesAreAsLongAsWanted) {
   EXPECT_EQ(sizes, "0+2 2+1 0+2 ");
 }
 
+TEST(Measurement, BatchesThatAreTakenLast) {
+  const TempFile temp(twoGroups().bytes());
+  std::vector<std::unique_ptr<const Batch>> taken;
+  {
+    Query query{{}, "engine", {}, {}};
+    query.batch_rows = 2;
+    Batches batches = Measurement(temp.path()).read(query);
+    EXPECT_EQ(batches.take(), nullptr);
+    while (batches.next() != nullptr) {
+      taken.push_back(batches.take());
+      EXPECT_EQ(batches.take(), nullptr);
+    }
+    EXPECT_EQ(batches.take(), nullptr);
+  }
+  std::string text;
+  for (const auto& batch : taken) {
+    text += batch->name(1) + " in " + batch->unit(1) + ':';
+    for (std::size_t row = 0; row < batch->rows(); ++row) {
+      text += ' ';
+      batch->column(1).print(row, text);
+    }
+    text += '\n';
+  }
+  EXPECT_EQ(text, "speed in m/s: 5 5.5\nspeed in m/s: 6\n");
+}
+
+/// "group: name type, ...", a line for each table; the master channel in brackets.
+std::string headsOf(const Measurement& measurement, const Query& query) {
+  std::string lines;
+  for (const TableHead& head : measurement.read(query).heads()) {
+    lines += std::string(head.group->name) + ':';
+    for (const ColumnHead& column : head.columns) {
+      const bool is_master = head.has_master && &column == &head.columns.front();
+      lines += is_master ? " [" + column.name + ']' : ' ' + column.name;
+      lines += ' ' + std::to_string(static_cast<int>(column.type));
+    }
+    lines += '\n';
+  }
+  return lines;
+}
+
+TEST(Measurement, TablesAreKnownBeforeTheirRecords) {
+  const TempFile temp(twoGroups().bytes());
+  const Measurement measurement(temp.path());
+  EXPECT_EQ(headsOf(measurement, {}), "engine: [time] 9 speed 9\ntank: level 0\n");
+  EXPECT_EQ(headsOf(measurement, {{"speed"}, {}, {}, {}, true}), "engine: [time] 9 speed 0\n");
+  EXPECT_EQ(headsOf(measurement, {{}, {}, 0.1, {}}), "engine: [time] 9 speed 9\n");
+  EXPECT_EQ(headsOf(measurement, {{"nothing"}, {}, {}, {}}), "");
+}
+
 TEST(Measurement, TextsAreNoNumbers) {
   FileBuilder builder;
   ChannelSpec text{0, 0, 7, 0, 0, 16};
@@ -253,6 +306,48 @@ TEST(Measurement, FindingsOfTheDataComeWhenItIsRead) {
   ASSERT_EQ(measurement.findings().size(), 1U);
   EXPECT_EQ(measurement.findings()[0].code, Code::cycle_count_wrong);
   EXPECT_EQ(measurement.findingCount(), 1U);
+}
+
+TEST(Measurement, FindingsOfWhatIsReadAgainCountOnce) {
+  const TempFile temp(twoGroups("MDF     ", 4).bytes());
+  const Measurement measurement(temp.path());
+  EXPECT_EQ(rowsOf(measurement, {}), rowsOf(measurement, {}));
+  ASSERT_EQ(measurement.findings().size(), 1U);
+  EXPECT_EQ(measurement.findings()[0].code, Code::cycle_count_wrong);
+  EXPECT_EQ(measurement.findingCount(), 1U);
+}
+
+TEST(Measurement, DescribesItself) {
+  const TempFile temp(twoGroups().bytes());
+  const Json described = Json::parse(Measurement(temp.path()).describe());
+  InputFile file(temp.path());
+  const Json info = fileAsJson(file, Depth::records, [](const Finding&) {});
+  ASSERT_EQ(described["channels"].size(), 3U);
+  EXPECT_EQ(described, Json({{"schema", 2}, {"info", info}, {"channels", described["channels"]}}));
+  EXPECT_EQ(described["channels"][2], Json::parse(R"({
+    "group": 1, "name": "level", "unit": "", "type": "fixed", "type_number": 0,
+    "sync_type": "none", "sync_type_number": 0, "data_type": "uint LE", "data_type_number": 0,
+    "bit_offset": 0, "byte_offset": 0, "bit_count": 8, "flags": 0, "dimensions": [], "depth": 0,
+    "records": 2, "records_counted": false, "conversion": null, "conversion_number": null,
+    "source": "", "comment": "", "offset": 1032})"));
+}
+
+/// Channels that all have the same long comment.
+TEST(Measurement, DescribesChannelsOnlyAsFarAsTheFileHasTexts) {
+  FileBuilder builder;
+  const std::uint64_t comment = builder.text(std::string(std::size_t{1} << 20U, 'c'));
+  std::vector<std::uint64_t> channels;
+  for (int i = 0; i < 20; ++i) {
+    channels.push_back(builder.addChannel({}));
+    builder.link(channels.back(), 7, comment);
+  }
+  builder.addDataGroup({builder.addChannelGroup({}, channels)}, 0);
+  const TempFile temp(builder.bytes());
+  const Measurement measurement(temp.path());
+  EXPECT_EQ(Json::parse(measurement.describe())["channels"].size(), 16U);
+  ASSERT_EQ(measurement.findings().size(), 1U);
+  EXPECT_EQ(measurement.findings()[0].code, Code::work_limited);
+  EXPECT_EQ(measurement.findings()[0].offset, channels[16]);
 }
 
 TEST(Measurement, FindingsAreKeptUpToALimit) {
