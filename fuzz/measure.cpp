@@ -5,6 +5,7 @@
 
 #include "finding_check.h"
 #include "memory_file.h"
+#include "reader/c_api.h"
 #include "reader/mdf_reader.h"
 #include "targets.h"
 
@@ -34,6 +35,32 @@ void visitRecords(const Measurement& measurement) {
     }
     count += batch->rows();
   }
+}
+
+/// What the C interface gives of the same file. All that it hands out is released.
+void visitByC(const char* path) {
+  mdf_file* file = nullptr;
+  expect(mdf_open(path, &file, nullptr) == 0, "a file that opens twice");
+  char* const about = mdf_describe(file, nullptr);
+  expect(about != nullptr, "a description");
+  mdf_free(about);
+  ArrowArrayStream stream;
+  if (mdf_read(file, R"({"group": 0, "batch_rows": 100})", &stream, nullptr) == 0) {
+    ArrowSchema schema;
+    expect(stream.get_schema(&stream, &schema) == 0, "a schema");
+    ArrowArray batch;
+    for (int count = 0; count < 10; ++count) {
+      expect(stream.get_next(&stream, &batch) == 0, "a batch or the end");
+      if (batch.release == nullptr) {
+        break;
+      }
+      expect(batch.n_children == schema.n_children && batch.length > 0, "a column for each field");
+      batch.release(&batch);
+    }
+    schema.release(&schema);
+    stream.release(&stream);
+  }
+  mdf_close(file);
 }
 
 void visitDescription(const Measurement& measurement, std::uint64_t size) {
@@ -67,6 +94,7 @@ std::string tryMeasurement(std::string_view input) {
     const Measurement measurement(memory.path());
     visitRecords(measurement);
     visitDescription(measurement, input.size());
+    visitByC(memory.path().c_str());
     for (const Finding& finding : measurement.findings()) {
       expectSentence(finding, input.size());
     }

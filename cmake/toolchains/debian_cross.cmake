@@ -2,6 +2,7 @@
 # the libraries that scripts/bootstrap fetches to build/packages.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR ${mdf_processor})
+set(CMAKE_C_COMPILER ${mdf_triplet}-gcc)
 set(CMAKE_CXX_COMPILER ${mdf_triplet}-g++)
 set(CMAKE_LIBRARY_ARCHITECTURE ${mdf_triplet})
 # Tests run programs with another PATH.

@@ -1,0 +1,155 @@
+/** The reader library for C, and for every language that calls C.
+ *
+ * A file is opened, described, and read as streams of Apache Arrow's C data interface, which data
+ * frames and databases take as they are. No exception leaves these functions. One thread at a time
+ * may use a file and its streams; what a stream has handed out belongs to whoever took it.
+ */
+#ifndef MDF_READER_C_API_H_
+#define MDF_READER_C_API_H_
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* The structures of the Arrow C data interface, as everybody who uses it declares them. */
+#ifndef ARROW_C_DATA_INTERFACE
+#define ARROW_C_DATA_INTERFACE
+
+#define ARROW_FLAG_DICTIONARY_ORDERED 1
+#define ARROW_FLAG_NULLABLE 2
+#define ARROW_FLAG_MAP_KEYS_SORTED 4
+
+struct ArrowSchema {
+  const char* format;
+  const char* name;
+  const char* metadata;
+  int64_t flags;
+  int64_t n_children;
+  struct ArrowSchema** children;
+  struct ArrowSchema* dictionary;
+  void (*release)(struct ArrowSchema*);
+  void* private_data;
+};
+
+struct ArrowArray {
+  int64_t length;
+  int64_t null_count;
+  int64_t offset;
+  int64_t n_buffers;
+  int64_t n_children;
+  const void** buffers;
+  struct ArrowArray** children;
+  struct ArrowArray* dictionary;
+  void (*release)(struct ArrowArray*);
+  void* private_data;
+};
+
+#endif /* ARROW_C_DATA_INTERFACE */
+
+#ifndef ARROW_C_STREAM_INTERFACE
+#define ARROW_C_STREAM_INTERFACE
+
+struct ArrowArrayStream {
+  int (*get_schema)(struct ArrowArrayStream*, struct ArrowSchema* out);
+  int (*get_next)(struct ArrowArrayStream*, struct ArrowArray* out);
+  const char* (*get_last_error)(struct ArrowArrayStream*);
+  void (*release)(struct ArrowArrayStream*);
+  void* private_data;
+};
+
+#endif /* ARROW_C_STREAM_INTERFACE */
+
+/** An open file. */
+struct mdf_file;
+
+/** The offset of an error that is about no place in a file. */
+#define MDF_NO_OFFSET UINT64_MAX
+
+/** Why a function failed. One that did not fail leaves "", MDF_NO_OFFSET and "".
+ *
+ * The code of a file that cannot be read is that of a finding, see `mdf check --codes`; the others
+ * are "query-wrong", "argument-missing", "memory-missing" and "fault-inside".
+ */
+struct mdf_error {
+  char code[64];   /**< a word that never changes, such as "not-mdf" */
+  uint64_t offset; /**< in the file, where it is about a place there */
+  char text[1024]; /**< a sentence in UTF-8; the end of a longer one is missing */
+};
+
+#ifndef __cplusplus
+typedef struct mdf_file mdf_file;
+typedef struct mdf_error mdf_error;
+#endif
+
+/* In all functions `error` may be null. Those that return a number return 0 when all went well. */
+
+/** Opens a file and reads its description: all blocks but those with data.
+ *
+ * @param path the file's name; "-" is standard input, which is read into memory.
+ * @param file is set to the open file, to be closed with mdf_close(), or to null.
+ */
+int mdf_open(const char* path, struct mdf_file** file, struct mdf_error* error);
+
+/** Closes a file; null is nothing. Streams of it can still be read. */
+void mdf_close(struct mdf_file* file);
+
+/** What the file is and what is in it, as JSON in UTF-8.
+ *
+ * "schema" changes with the meaning of the members, "info" is what `mdf info --json` says of a
+ * file, "channels" has an object for each channel as `mdf list channels --json` prints it.
+ *
+ * @return a text to be given to mdf_free(); null on failure.
+ */
+char* mdf_describe(struct mdf_file* file, struct mdf_error* error);
+
+/** What was found to be wrong so far, the first 1,000 of it: a JSON array of objects with "code",
+ * "severity", "offset", "path" and "text", as `mdf check --json` prints them. It grows with what is
+ * read.
+ *
+ * @return a text to be given to mdf_free(); null on failure.
+ */
+char* mdf_findings(struct mdf_file* file, struct mdf_error* error);
+
+/** Frees a text that one of these functions returned; null is nothing. */
+void mdf_free(char* text);
+
+/** Reads channels of one channel group.
+ *
+ * The query is a JSON object. All members may be left out; others are an error.
+ *
+ * | Member     | Meaning |
+ * |------------|---------|
+ * | channels   | array of names or patterns as for file names: "speed*"; all channels without it |
+ * | group      | number of the channel group, or a pattern of its name |
+ * | from, to   | limits of the master channel's values |
+ * | raw        | true: values as they are stored, without conversions |
+ * | numbers    | true: where a conversion gives a text, the number that is stored |
+ * | batch_rows | the most rows of a batch, 65,536 without it |
+ * | times      | "seconds", or "timestamps": the master channel as the time of day |
+ *
+ * Channels of several groups are an error that names the groups, for a stream has one schema; so
+ * are channels that the file does not have.
+ *
+ * Each batch is a structure with a field for each channel, the group's master channel first.
+ * Integers, floating-point numbers, text (large UTF-8) and bytes (large binary) come as they are;
+ * all can be null. A field's metadata has the "unit", the "comment", and the type of the
+ * "conversion", as far as there are any. Timestamps are nanoseconds since 1970 in the file's time
+ * zone ("+01:00"), in UTC where it states none, and without a zone where it states local times.
+ *
+ * The stream can be read when the file is closed, and its arrays when the stream is released.
+ *
+ * @param query null for all channels of a file with one channel group.
+ * @param stream is set to the stream, to be released by its own function. Its functions return 0,
+ * or a number of errno.h, in which case its get_last_error() has a sentence. On failure its
+ * `release` is null.
+ */
+int mdf_read(struct mdf_file* file, const char* query, struct ArrowArrayStream* stream,
+             struct mdf_error* error);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* MDF_READER_C_API_H_ */

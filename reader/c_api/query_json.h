@@ -1,0 +1,22 @@
+#ifndef MDF_READER_C_API_QUERY_JSON_H_
+#define MDF_READER_C_API_QUERY_JSON_H_
+
+#include <string_view>
+
+#include "../columns/query.h"
+
+namespace mdf_reader {
+
+/// A query, and the form that its times take.
+struct QueryText {
+  Query query;
+  bool has_timestamps = false;
+};
+
+/// Reads a query that is a JSON object.
+/// @throws Refused when it is none, or a member of it is not as it should be.
+QueryText queryFrom(std::string_view json);
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_C_API_QUERY_JSON_H_
