@@ -6,11 +6,11 @@
 #include <set>
 #include <string_view>
 
-#include "reader/summary/names.h"
 #include "reader/blocks/block_type.h"
 #include "reader/blocks/codes.h"
 #include "reader/bytes/input_file.h"
 #include "reader/model/description.h"
+#include "reader/summary/names.h"
 
 namespace mdf_tools {
 
