@@ -53,6 +53,12 @@ TEST(BytesOutside, BlocksThatNobodyLinksAreNotCountedAsBytes) {
       "768 bytes-outside-blocks 8\n776 block-unreachable 776 29\n808 bytes-outside-blocks 8\n");
 }
 
+TEST(BytesOutside, AnEmptyBlockAtTheEndThatNobodyLinksIsABlock) {
+  SmallFile file;
+  file.append(Bytes().zeros(6).text("##DT").zeros(4).u64(24).u64(0));
+  EXPECT_EQ(problemsIn(file.bytes()), "768 block-unreachable 768 24\n");
+}
+
 TEST(BytesOutside, AfterTheLastDataOfAnUnfinishedFileAreItsData) {
   for (const std::uint64_t length : {0U, 24U, 40U}) {
     SmallFile file = unfinishedFile(length);
