@@ -110,7 +110,7 @@ class ColumnData {
 
   /// Whether a row has a value: one that is invalid, or that the file lacks, has none.
   bool isValid(std::size_t row) const {
-    return null_count_ == 0 || ((validity_[row / 8] >> (row % 8)) & 1U) != 0;
+    return null_count_ == 0 || ((unsigned{validity_[row / 8]} >> (row % 8)) & 1U) != 0;
   }
   /// How many rows have no value.
   std::size_t nullCount() const { return null_count_; }
