@@ -124,6 +124,9 @@ void mdf_free(char* text);
  * | channels   | array of names or patterns as for file names: "speed*"; all channels without it |
  * | group      | number of the channel group, or a pattern of its name |
  * | from, to   | limits of the master channel's values |
+ * | first      | so many records, the group's first ones |
+ * | last       | the same of its last ones |
+ * | stride     | of those, the first one and each so many-th after it |
  * | raw        | true: values as they are stored, without conversions |
  * | numbers    | true: where a conversion gives a text, the number that is stored |
  * | batch_rows | the most rows of a batch, 65,536 without it |

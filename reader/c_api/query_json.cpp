@@ -66,6 +66,13 @@ std::size_t countFrom(const std::string& name, const Json& value) {
       std::min<std::uint64_t>(value.get<std::uint64_t>(), std::size_t{1} << 30U));
 }
 
+std::uint64_t recordsFrom(const std::string& name, const Json& value) {
+  if (!value.is_number_unsigned() || value.get<std::uint64_t>() == 0) {
+    refuse(name, "a number of records from 1 on", value);
+  }
+  return value.get<std::uint64_t>();
+}
+
 bool areTimestamps(const std::string& name, const Json& value) {
   if (value != "seconds" && value != "timestamps") {
     refuse(name, R"("seconds" or "timestamps")", value);
@@ -83,6 +90,12 @@ void takeMember(const std::string& name, const Json& value, QueryText& text) {
     query.from = numberFrom(name, value);
   } else if (name == "to") {
     query.to = numberFrom(name, value);
+  } else if (name == "first") {
+    query.first = recordsFrom(name, value);
+  } else if (name == "last") {
+    query.last = recordsFrom(name, value);
+  } else if (name == "stride") {
+    query.stride = recordsFrom(name, value);
   } else if (name == "raw") {
     query.raw = truthFrom(name, value);
   } else if (name == "numbers") {
@@ -93,8 +106,9 @@ void takeMember(const std::string& name, const Json& value, QueryText& text) {
     text.has_timestamps = areTimestamps(name, value);
   } else {
     throw WrongQuery(
-        "expected members \"channels\", \"group\", \"from\", \"to\", \"raw\", \"numbers\", "
-        "\"batch_rows\" and \"times\" in the query, found \"" +
+        "expected members \"channels\", \"group\", \"from\", \"to\", \"first\", \"last\", "
+        "\"stride\", "
+        "\"raw\", \"numbers\", \"batch_rows\" and \"times\" in the query, found \"" +
         printable(name, Harmless::utf8, shown_text) + '"');
   }
 }

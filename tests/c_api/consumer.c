@@ -236,6 +236,14 @@ static void readsInBatches(const char* folder) {
                "nulls 0 2 0\n"
                "2;-300;1\n"
                "nulls 0 0 0\n");
+  expectStream(__LINE__, file,
+               "{\"channels\": [\"gear\"], \"group\": 0, \"last\": 3, \"stride\": 2}",
+               "+s \"\" 0\n"
+               "g time 2 unit=s\n"
+               "s gear 2\n"
+               "1;-1\n"
+               "2;-300\n"
+               "nulls 0 0\n");
   expectStream(__LINE__, file, "{\"channels\": [\"rpm\"], \"from\": 7}",
                "+s \"\" 0\n"
                "g time 2 unit=s\n"
@@ -342,8 +350,9 @@ static void refusesQueries(const char* folder) {
       {"{\"to\": 1e999}",
        "expected numbers in the query that 64 bits can hold, found a larger one"},
       {"{\"chanels\": []}",
-       "expected members \"channels\", \"group\", \"from\", \"to\", \"raw\", \"numbers\", "
-       "\"batch_rows\" and \"times\" in the query, found \"chanels\""},
+       "expected members \"channels\", \"group\", \"from\", \"to\", \"first\", \"last\", "
+       "\"stride\", \"raw\", \"numbers\", \"batch_rows\" and \"times\" in the query, found "
+       "\"chanels\""},
       {"{\"channels\": \"rpm\"}",
        "expected \"channels\" of the query to be an array of names, found \"rpm\""},
       {"{\"channels\": [\"rpm\", 1]}",
@@ -353,6 +362,8 @@ static void refusesQueries(const char* folder) {
       {"{\"raw\": 1}", "expected \"raw\" of the query to be true or false, found 1"},
       {"{\"batch_rows\": 0}",
        "expected \"batch_rows\" of the query to be a number of rows from 1 on, found 0"},
+      {"{\"stride\": 0}",
+       "expected \"stride\" of the query to be a number of records from 1 on, found 0"},
       {"{\"times\": \"iso\"}",
        "expected \"times\" of the query to be \"seconds\" or \"timestamps\", found \"iso\""},
       {"{}",
@@ -374,7 +385,9 @@ static void refusesQueries(const char* folder) {
   for (i = 0; i < sizeof refusals / sizeof refusals[0]; ++i) {
     expectRefusal(__LINE__, file, refusals[i][0], refusals[i][1]);
   }
-  expectRefusal(__LINE__, file, NULL, refusals[11][1]);
+  expectRefusal(__LINE__, file, NULL,
+                "expected channels of one channel group, found them in 0 \"engine\", 1 \"body\"; "
+                "choose one by \"group\"");
   EXPECT(mdf_read(file, "{", &(struct ArrowArrayStream){0}, NULL) != 0);
   mdf_close(file);
   file = opened(folder, timeless_file);
