@@ -11,11 +11,12 @@ namespace {
 template <class T>
 class NumberAxisMeter : public AxisMeter {
  public:
-  void add(const ColumnData& column, std::uint64_t first_record) override {
+  void add(const Batch& batch) override {
+    const ColumnData& column = batch.column(0);
     const T* const values = column.values<T>();
     for (std::size_t row = 0; row < column.rows(); ++row) {
       if (column.isValid(row) && isFinite(values[row])) {
-        add({values[row], first_record + row, rows_ + row});
+        add({values[row], batch.record(row), rows_ + row});
       }
     }
     rows_ += column.rows();

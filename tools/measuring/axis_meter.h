@@ -1,10 +1,9 @@
 #ifndef MDF_TOOLS_MEASURING_AXIS_METER_H_
 #define MDF_TOOLS_MEASURING_AXIS_METER_H_
 
-#include <cstdint>
 #include <memory>
 
-#include "reader/columns/column_data.h"
+#include "reader/columns/batch.h"
 #include "statistics.h"
 
 namespace mdf_tools {
@@ -19,8 +18,8 @@ class AxisMeter {
   AxisMeter(const AxisMeter&) = delete;
   AxisMeter& operator=(const AxisMeter&) = delete;
 
-  /// @param first_record the number of the first row's record.
-  virtual void add(const ColumnData& column, std::uint64_t first_record) = 0;
+  /// Takes the first column of a batch.
+  virtual void add(const Batch& batch) = 0;
 
   /// Of what has been taken so far.
   virtual AxisStatistics statistics() const = 0;

@@ -17,7 +17,7 @@ TableMeter::TableMeter(const TableHead& head) : head_(head) {
 void TableMeter::add(const Batch& batch) {
   records_ += batch.rows();
   if (axis_ != nullptr) {
-    axis_->add(batch.column(0), batch.record(0));
+    axis_->add(batch);
   }
   for (std::size_t i = 0; i < columns_.size(); ++i) {
     columns_[i]->add(batch.column(i));

@@ -409,6 +409,8 @@ TEST(StatsCommand, PartOfTheSamples) {
             "\n");
   EXPECT_EQ(axisOf(speedFile(), {"--from", "0.5"}),
             R"(1.3333333333333333, {"record":2,"from":1.0,"to":2.0,"length":1.0}, 0, null)");
+  EXPECT_EQ(axisOf(timesFile({0, 1, 2, 3, 4, 6, 8}), {"--stride", "3"}),
+            R"(0.25, {"record":3,"from":3.0,"to":8.0,"length":5.0}, 0, null)");
 }
 
 TEST(StatsCommand, PhysicalAndStoredValues) {
