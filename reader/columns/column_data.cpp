@@ -44,6 +44,21 @@ double ColumnData::real(std::size_t row) const {
       type_, [&](auto zero) { return static_cast<double>(values<decltype(zero)>()[row]); });
 }
 
+std::vector<double> ColumnData::reals() const {
+  std::vector<double> numbers(rows_, std::numeric_limits<double>::quiet_NaN());
+  if (!isNumber(type_)) {
+    return numbers;
+  }
+  withNumberType(type_,
+                 [&](auto zero) { std::copy_n(values<decltype(zero)>(), rows_, numbers.begin()); });
+  for (std::size_t row = 0; null_count_ > 0 && row < rows_; ++row) {
+    if (!isValid(row)) {
+      numbers[row] = std::numeric_limits<double>::quiet_NaN();
+    }
+  }
+  return numbers;
+}
+
 void ColumnData::print(std::size_t row, std::string& text) const {
   if (!isValid(row)) {
     return;

@@ -122,6 +122,8 @@ class ColumnData {
   }
   /// A number of any type as the nearest double; NaN where there is none.
   double real(std::size_t row) const;
+  /// The same of all rows.
+  std::vector<double> reals() const;
   /// A text, or bytes; "" where there is none.
   std::string_view text(std::size_t row) const {
     const auto begin = static_cast<std::size_t>(offsets_[row]);

@@ -270,12 +270,14 @@ void CurveCollector::begin(const TableHead& table) {
 bool CurveCollector::take(const Batch& batch) {
   const bool has_master = batch.head().has_master;
   const std::size_t first_column = has_master ? 1 : 0;
+  std::vector<double> x = has_master ? batch.column(0).reals() : std::vector<double>(batch.rows());
+  for (std::size_t row = 0; !has_master && row < batch.rows(); ++row) {
+    x[row] = static_cast<double>(batch.record(row));
+  }
   for (std::size_t i = first_; i < curves_.size(); ++i) {
-    const ColumnData& values = batch.column(first_column + i - first_);
+    const std::vector<double> y = batch.column(first_column + i - first_).reals();
     for (std::size_t row = 0; row < batch.rows(); ++row) {
-      const double x =
-          has_master ? batch.column(0).real(row) : static_cast<double>(batch.record(row));
-      curves_[i].points.add(x, values.real(row));
+      curves_[i].points.add(x[row], y[row]);
     }
   }
   return first_ < curves_.size();

@@ -92,6 +92,10 @@ void Decimator::makeColumns() {
 }
 
 void Decimator::addToColumn(const Point& point) {
+  if (inside_from_ < point.x && point.x < inside_to_) {
+    columns_[last_column_].add(point);  // mostly so: points come one after another
+    return;
+  }
   const auto count = static_cast<double>(column_count_);
   while (point.x < begin_) {
     widen(true);
@@ -101,6 +105,11 @@ void Decimator::addToColumn(const Point& point) {
   }
   last_column_ = columnOf(point.x);
   columns_[last_column_].add(point);
+  // The edges themselves are left to the division that decides.
+  constexpr double edge = 1e-6;
+  const auto column = static_cast<double>(last_column_);
+  inside_from_ = begin_ + width_ * (column + edge);
+  inside_to_ = begin_ + width_ * (column + 1 - edge);
 }
 
 std::size_t Decimator::columnOf(double x) const {
@@ -121,6 +130,8 @@ void Decimator::widen(bool to_the_left) {
   width_ *= 2;
   last_column_ = (last_column_ + shift) / 2;
   columns_ = std::move(wider);
+  inside_from_ = 1;
+  inside_to_ = 0;
 }
 
 std::vector<Point> Decimator::points() const {

@@ -49,6 +49,8 @@ class Decimator {
   double begin_ = 0;
   double width_ = 0;
   std::size_t last_column_ = 0;
+  double inside_from_ = 1;  ///< from here to there, points are in the last column for certain
+  double inside_to_ = 0;
 };
 
 }  // namespace mdf_tools
