@@ -42,7 +42,7 @@ std::uint64_t FileBuilder::add(const std::string& letters, const std::vector<std
                                const std::string& contents) {
   bytes_.resize((bytes_.size() + 7) / 8 * 8);
   const std::uint64_t offset = bytes_.size();
-  const std::size_t length = header_size + link_size * links.size() + contents.size();
+  const std::uint64_t length = header_size + link_size * links.size() + contents.size();
   bytes_ += mdf_tests::header(letters, length, links.size()) +
             listed(std::vector<std::int64_t>(links.begin(), links.end())) + contents;
   return offset;
