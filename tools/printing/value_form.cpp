@@ -55,20 +55,16 @@ bool ValueForm::isTime(const TableHead& table, std::size_t column) const {
 void ValueForm::print(const Batch& batch, std::size_t column, std::size_t row,
                       std::string& text) const {
   const ColumnData& values = batch.column(column);
-  if (!values.isValid(row) || !isNumber(values.type())) {
-    values.print(row, text);
-    return;
-  }
-  const bool is_time = time != Time::seconds && isTime(batch.head(), column);
+  const bool is_there = values.isValid(row) && isNumber(values.type());
+  const bool is_real = is_there && !isInteger(values.type());
   const bool is_master = batch.head().has_master && column == 0;
-  if (is_time && std::isfinite(values.real(row))) {
+  if (is_there && time != Time::seconds && isTime(batch.head(), column) &&
+      std::isfinite(values.real(row))) {
     text += time == Time::iso ? start->isoAfter(values.real(row))
                               : std::to_string(start->nanosecondsAfter(values.real(row)));
-  } else if (isInteger(values.type())) {
-    values.print(row, text);
-  } else if (digits > 0) {
+  } else if (is_real && digits > 0) {
     printDigits(values.real(row), digits, text);
-  } else if (is_master && batch.head().columns[0].decimals) {
+  } else if (is_real && is_master && batch.head().columns[0].decimals) {
     printDecimals(values.real(row), *batch.head().columns[0].decimals, text);
   } else {
     values.print(row, text);
