@@ -442,8 +442,7 @@ SortedRecords Records::sortedRecords(const ChannelGroup& group) {
 std::unique_ptr<RecordCursor> Records::readSorted(const ChannelGroup& group) {
   SortedRecords records = sortedRecords(group);
   if (hasInvalidationApart(group) && group.data_bytes > 0) {
-    records.join(std::make_unique<InvalidationData>(file_, link(), group, unzipping_report_),
-                 group.invalidation_bytes);
+    records.join(std::make_unique<InvalidationData>(file_, link(), group, unzipping_report_));
   }
   return std::make_unique<SortedCursor>(std::move(records));
 }

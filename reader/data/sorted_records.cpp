@@ -31,16 +31,21 @@ std::uint64_t SortedRecords::count() {
   return size_ == 0 ? most_ : std::min(most_, data_.size() / size_);
 }
 
-/// Bytes that the file lacks are 0: all values are valid.
+/// Records with as many invalidation bytes as the first one has: all or, where the file lacks them,
+/// none.
 RecordSpan SortedRecords::joined(const RecordSpan& stored) {
   constexpr std::size_t most_bytes = std::size_t{1} << 18U;
-  const std::size_t size = stored.size + invalidation_bytes_;
-  const std::size_t count = std::min(stored.count, std::max<std::size_t>(1, most_bytes / size));
+  const std::size_t size = stored.size + invalidation_->at(stored.first).size();
+  const std::size_t most = std::min(stored.count, std::max<std::size_t>(1, most_bytes / size));
   joined_.clear();
-  for (std::size_t i = 0; i < count; ++i) {
-    joined_ += stored.at(i);
-    joined_ += invalidation_->at(stored.first + i);
-    joined_.resize((i + 1) * size);
+  std::size_t count = 0;
+  for (; count < most; ++count) {
+    const std::string_view invalidation = invalidation_->at(stored.first + count);
+    if (stored.size + invalidation.size() != size) {
+      break;
+    }
+    joined_ += stored.at(count);
+    joined_ += invalidation;
   }
   return {joined_.data(), size, size, count, stored.first, 1};
 }

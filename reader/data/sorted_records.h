@@ -25,10 +25,8 @@ class SortedRecords {
       : data_(data), most_(most), size_(size), id_bytes_(id_bytes) {}
 
   /// Appends to each record its invalidation bytes, where they stand apart.
-  /// @param bytes of each record.
-  void join(std::unique_ptr<InvalidationData> invalidation, std::size_t bytes) {
+  void join(std::unique_ptr<InvalidationData> invalidation) {
     invalidation_ = std::move(invalidation);
-    invalidation_bytes_ = bytes;
   }
 
   std::uint64_t most() const { return most_; }
@@ -57,7 +55,6 @@ class SortedRecords {
   std::uint64_t size_;
   unsigned id_bytes_;
   std::unique_ptr<InvalidationData> invalidation_;
-  std::size_t invalidation_bytes_ = 0;
   std::string joined_;
 };
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "exported.h"
+#include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
 
@@ -106,6 +107,16 @@ TEST(InvalidationData, LinksThatAreMissing) {
                 {file.add("DV", {}, "A"), file.add("DV", {}, "B"), file.add("DI", {}, "\1")});
   expectFinding(csvOf(fileWith(file, 2, list).bytes()), "a\n\"\"\n66\n",
                 "expected as many links to invalidation data as to data in the list, found fewer");
+}
+
+TEST(InvalidationData, ManyBytesThatAreNotThereTakeNoMemory) {
+  FileBuilder file = newFile();
+  const std::uint64_t list = valueList(file, has_invalidation, 1, {file.add("DV", {}, "AB"), 0});
+  file.addDataGroup(
+      {file.addChannelGroup({2, 1, 0xF0000000U}, {file.addChannel(invalidable("a"))})}, list);
+  EXPECT_EQ(csvOf(file.bytes()).text, "a\n65\n66\n");
+  const TempFile path(file.bytes());
+  EXPECT_LT(readThrough(path.path()).peak_bytes, 1000000U);
 }
 
 TEST(InvalidationData, LinksThatLeadElsewhere) {
