@@ -52,12 +52,13 @@ TEST(RecordFull, DeviceThatTakesNothing) {
 }
 
 /// Records to a file that may grow to so many bytes. True when it was big enough.
-bool recordWithLimit(const fs::path& path, std::uint64_t limit) {
+/// @param duration at the most: it ends when the file is full.
+bool recordWithLimit(const fs::path& path, std::uint64_t limit, const std::string& duration) {
   SCOPED_TRACE("limit " + std::to_string(limit));
   fs::remove(path);
   RunOptions options;
   options.file_size_limit = limit;
-  const RunResult result = record({path.string(), "--duration", "200ms"}, options);
+  const RunResult result = record({path.string(), "--duration", duration}, options);
   if (result.exit_code == 0) {
     RecordedFile(path).expectComplete();
     return true;
@@ -90,9 +91,9 @@ TEST(RecordFull, FileThatTakesNoMoreIsCompleteOrGone) {
     limits.insert(limits.end(), {middle - 1, middle, middle + 1});
   }
   for (const std::uint64_t limit : limits) {
-    EXPECT_FALSE(recordWithLimit(path, limit));
+    EXPECT_FALSE(recordWithLimit(path, limit, "10s"));
   }
-  EXPECT_TRUE(recordWithLimit(path, description + 20 * record_bytes));
+  EXPECT_TRUE(recordWithLimit(path, description + 20 * record_bytes, "200ms"));
 }
 
 }  // namespace

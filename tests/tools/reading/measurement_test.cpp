@@ -185,7 +185,8 @@ TEST(Measurement, BatchesThatAreTakenLast) {
 /// "group: name type, ...", a line for each table; the master channel in brackets.
 std::string headsOf(const Measurement& measurement, const Query& query) {
   std::string lines;
-  for (const TableHead& head : measurement.read(query).heads()) {
+  Batches batches = measurement.read(query);
+  for (const TableHead& head : batches.heads()) {
     lines += std::string(head.group->name) + ':';
     for (const ColumnHead& column : head.columns) {
       const bool is_master = head.has_master && &column == &head.columns.front();
