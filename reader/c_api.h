@@ -89,6 +89,7 @@ typedef struct mdf_error mdf_error;
  *
  * @param path the file's name; "-" is standard input, which is read into memory.
  * @param file is set to the open file, to be closed with mdf_close(), or to null.
+ * @param error is set to why it failed.
  */
 int mdf_open(const char* path, struct mdf_file** file, struct mdf_error* error);
 
@@ -143,10 +144,12 @@ void mdf_free(char* text);
  *
  * The stream can be read when the file is closed, and its arrays when the stream is released.
  *
+ * @param file an open file.
  * @param query null for all channels of a file with one channel group.
  * @param stream is set to the stream, to be released by its own function. Its functions return 0,
  * or a number of errno.h, in which case its get_last_error() has a sentence. On failure its
  * `release` is null.
+ * @param error is set to why it failed.
  */
 int mdf_read(struct mdf_file* file, const char* query, struct ArrowArrayStream* stream,
              struct mdf_error* error);

@@ -40,6 +40,7 @@ struct TableHead {
 /// values, names and units; its channel group and channels belong to what it was read by.
 class Batch {
  public:
+  /// @param head what is known of the table.
   /// @param rows how many to make room for.
   explicit Batch(std::shared_ptr<const TableHead> head, std::size_t rows = 0)
       : head_(std::move(head)) {
