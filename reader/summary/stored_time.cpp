@@ -106,23 +106,28 @@ std::string StoredTime::zone() const {
                    std::abs(minutes) % 60);
 }
 
-std::int64_t StoredTime::nanosecondsAfter(double seconds) const {
-  constexpr double most = 9e9;  // seconds, of which 64 bits hold the nanoseconds
-  const double whole = std::floor(std::clamp(seconds, -most, most));
-  const double rest = std::clamp(seconds, -most, most) - whole;
-  return (std::min(seconds_, static_cast<std::int64_t>(1) << 32U) +
-          static_cast<std::int64_t>(whole)) *
-             static_cast<std::int64_t>(nanoseconds_a_second) +
-         nanoseconds_ + std::llround(rest * 1e9);
+std::optional<std::int64_t> StoredTime::nanosecondsAfter(double seconds) const {
+  constexpr double most = 9.2e9;  // seconds, of which 64 bits hold the nanoseconds
+  const double whole = std::floor(seconds);
+  const auto begin = nanoseconds();
+  if (!begin || !(std::abs(whole + static_cast<double>(seconds_)) < most)) {
+    return std::nullopt;
+  }
+  constexpr auto a_second = static_cast<std::int64_t>(nanoseconds_a_second);
+  return (seconds_ + static_cast<std::int64_t>(whole)) * a_second + nanoseconds_ +
+         std::llround((seconds - whole) * 1e9);
 }
 
 std::string StoredTime::isoAfter(double seconds) const {
+  const auto all = nanosecondsAfter(seconds);
+  if (!all) {
+    return "";
+  }
   constexpr auto a_second = static_cast<std::int64_t>(nanoseconds_a_second);
-  const std::int64_t all = nanosecondsAfter(seconds);
-  const std::int64_t of_second = (all % a_second + a_second) % a_second;
+  const std::int64_t of_second = (*all % a_second + a_second) % a_second;
   const std::int64_t shift = hasZone() ? std::int64_t{60} * (zone_minutes_ + daylight_minutes_) : 0;
   std::string text =
-      dateAndTime((all - of_second) / a_second + shift, static_cast<std::uint32_t>(of_second));
+      dateAndTime((*all - of_second) / a_second + shift, static_cast<std::uint32_t>(of_second));
   text[text.find(' ')] = 'T';
   return text + (hasZone() ? zone() : utc().empty() ? "" : "Z");
 }

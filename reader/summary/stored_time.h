@@ -31,9 +31,10 @@ class StoredTime {
   /// "2026-11-21T20:15:00.123456789+01:00" so many seconds later, at the place of recording as far
   /// as the file says it: "...Z" in UTC, without a zone for a local time whose zone it does not
   /// say.
+  /// "" for a time that 64 bits of nanoseconds do not hold.
   std::string isoAfter(double seconds) const;
-  /// Nanoseconds since 1970 at that time, UTC or local as the stamp is.
-  std::int64_t nanosecondsAfter(double seconds) const;
+  /// Nanoseconds since 1970 at that time, UTC or local as the stamp is; nothing beyond 64 bits.
+  std::optional<std::int64_t> nanosecondsAfter(double seconds) const;
 
   /// The beginning of 1970 up to this time, whether of UTC or at the place of recording. Nothing
   /// for a time that is not stated, or later than nanoseconds of 64 bits can say.

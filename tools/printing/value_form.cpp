@@ -58,10 +58,11 @@ void ValueForm::print(const Batch& batch, std::size_t column, std::size_t row,
   const bool is_there = values.isValid(row) && isNumber(values.type());
   const bool is_real = is_there && !isInteger(values.type());
   const bool is_master = batch.head().has_master && column == 0;
-  if (is_there && time != Time::seconds && isTime(batch.head(), column) &&
-      std::isfinite(values.real(row))) {
-    text += time == Time::iso ? start->isoAfter(values.real(row))
-                              : std::to_string(start->nanosecondsAfter(values.real(row)));
+  const auto nanoseconds = is_there && time != Time::seconds && isTime(batch.head(), column)
+                               ? start->nanosecondsAfter(values.real(row))
+                               : std::nullopt;
+  if (nanoseconds) {
+    text += time == Time::iso ? start->isoAfter(values.real(row)) : std::to_string(*nanoseconds);
   } else if (is_real && digits > 0) {
     printDigits(values.real(row), digits, text);
   } else if (is_real && is_master && batch.head().columns[0].decimals) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -110,6 +111,18 @@ TEST(ExportCommand, TimesAsDates) {
   EXPECT_NE(json.find("{\"time\":\"2023-11-15T00:13:21.160600000+02:00\",\"level\":0.6"),
             std::string::npos)
       << json;
+}
+
+TEST(ExportCommand, TimesThatNoDateHoldsStayNumbers) {
+  FileBuilder file;
+  file.write(64 + 24 + 6 * 8, Bytes().u64(1700000000250000000).u16(60).u16(60).u8(2));
+  file.addDataGroup({file.addChannelGroup({3, 8}, {file.addTime()})},
+                    file.addData(Bytes().f64(0).f64(1e12).f64(INFINITY)));
+  const TempFile path(file.bytes());
+  EXPECT_EQ(run({"export", path.path(), "--time", "iso"}).output,
+            "time [s]\n2023-11-15T00:13:20.250000000+02:00\n1e+12\ninf\n");
+  EXPECT_EQ(run({"export", path.path(), "--time", "ns"}).output,
+            "time [s]\n1700000000250000000\n1e+12\ninf\n");
 }
 
 TEST(ExportCommand, DatesNeedTheTimeOfTheBeginning) {
