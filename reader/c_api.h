@@ -131,6 +131,7 @@ void mdf_free(char* text);
  * | raw        | true: values as they are stored, without conversions |
  * | numbers    | true: where a conversion gives a text, the number that is stored |
  * | batch_rows | the most rows of a batch, 65,536 without it |
+ * | threads    | that unzip data, as many as there are cores without it |
  * | times      | "seconds", or "timestamps": the master channel as the time of day |
  *
  * Channels of several groups are an error that names the groups, for a stream has one schema; so

@@ -60,7 +60,7 @@ bool truthFrom(const std::string& name, const Json& value) {
 
 std::size_t countFrom(const std::string& name, const Json& value) {
   if (!value.is_number_unsigned() || value.get<std::uint64_t>() == 0) {
-    refuse(name, "a number of rows from 1 on", value);
+    refuse(name, "a number from 1 on", value);
   }
   return static_cast<std::size_t>(
       std::min<std::uint64_t>(value.get<std::uint64_t>(), std::size_t{1} << 30U));
@@ -102,13 +102,15 @@ void takeMember(const std::string& name, const Json& value, QueryText& text) {
     query.numbers = truthFrom(name, value);
   } else if (name == "batch_rows") {
     query.batch_rows = countFrom(name, value);
+  } else if (name == "threads") {
+    query.threads = countFrom(name, value);
   } else if (name == "times") {
     text.has_timestamps = areTimestamps(name, value);
   } else {
     throw WrongQuery(
         "expected members \"channels\", \"group\", \"from\", \"to\", \"first\", \"last\", "
-        "\"stride\", "
-        "\"raw\", \"numbers\", \"batch_rows\" and \"times\" in the query, found \"" +
+        "\"stride\", \"raw\", \"numbers\", \"batch_rows\", \"threads\" and \"times\" in the query, "
+        "found \"" +
         printable(name, Harmless::utf8, shown_text) + '"');
   }
 }

@@ -24,6 +24,7 @@ struct Query {
   std::optional<std::uint64_t> last = std::nullopt;  ///< the same of its last ones
   std::uint64_t stride = 1;        ///< of those, the first one and each so many-th after it
   std::size_t batch_rows = 65536;  ///< the most rows of a batch
+  std::size_t threads = 0;         ///< that unzip data; 0 for as many as there are cores
 };
 
 }  // namespace mdf_reader

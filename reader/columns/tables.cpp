@@ -75,7 +75,7 @@ class Tables::Walk {
         note_(note),
         patterns_(query.channels),
         description_(readDescription(file, report)),
-        data_file_(file),
+        data_file_(file, query.threads),
         conversions_(file, report),
         remote_masters_(data_file_, description_, report) {
     description_.data_groups = splitElements(file, std::move(description_.data_groups), report);

@@ -4,7 +4,6 @@
 #include <string_view>
 
 #include "../blocks/block_fields.h"
-#include "../bytes/inflate.h"
 #include "../bytes/input_file.h"
 #include "data_file.h"
 #include "datablocks/dzblock.h"
@@ -77,21 +76,6 @@ void findZippedData(InputFile& file, const RawBlock& block, DataBlock& found) {
   }
 }
 
-std::string inflatingProblem(const Inflated& inflated, std::uint64_t stated) {
-  switch (inflated.state) {
-    case Inflating::fine:
-      return "";
-    case Inflating::broken:
-      return "expected a zlib stream, found a damaged one or other bytes";
-    case Inflating::too_long:
-      return "expected " + std::to_string(stated) + " bytes of zipped data, found more";
-    case Inflating::too_short:
-      break;
-  }
-  return "expected " + std::to_string(stated) + " bytes of zipped data, found " +
-         std::to_string(inflated.bytes.size());
-}
-
 }  // namespace
 
 bool isDataBlock(const RawBlock& block) { return isPlainData(block) || isZippedData(block); }
@@ -116,20 +100,6 @@ DataBlock findData(DataFile& file, const RawBlock& block) {
     findPlainData(file, block, found);
   }
   return found;
-}
-
-Unzipped unzip(InputFile& file, const DataBlock& block) {
-  std::string stream(static_cast<std::size_t>(block.stored), '\0');
-  stream.resize(file.readAt(block.at, stream.data(), stream.size()));
-  Inflated inflated = inflate(stream, block.original);
-  const std::string problem = inflatingProblem(inflated, block.original);
-  const Code code =
-      inflated.state == Inflating::broken ? Code::zip_broken : Code::zip_original_length_wrong;
-  Unzipped unzipped{std::move(inflated.bytes), code, problem};
-  if (block.columns > 1) {
-    unzipped.bytes = transposedBack(unzipped.bytes, block.columns);
-  }
-  return unzipped;
 }
 
 }  // namespace mdf_reader

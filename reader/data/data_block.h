@@ -40,16 +40,6 @@ std::string originalType(InputFile& file, const RawBlock& block);
 /// Finds a block's data.
 DataBlock findData(DataFile& file, const RawBlock& block);
 
-/// The outcome of unzipping.
-struct Unzipped {
-  std::string bytes;    ///< as far as there are
-  Code code{};          ///< of the problem
-  std::string problem;  ///< a sentence, "" for none
-};
-
-/// The data of a zipped block.
-Unzipped unzip(InputFile& file, const DataBlock& block);
-
 }  // namespace mdf_reader
 
 #endif  // MDF_READER_DATA_DATA_BLOCK_H_

@@ -1,6 +1,7 @@
 #include "data_file.h"
 
 #include <algorithm>
+#include <thread>
 
 #include "../blocks/walk.h"
 #include "../bytes/input_file.h"
@@ -18,8 +19,11 @@ std::uint64_t headOf(const RawBlock& block) {
 
 }  // namespace
 
-DataFile::DataFile(InputFile& file)
-    : file_(file), id_(readIdentification(file)), budget_(file.size(), times_for_data) {}
+DataFile::DataFile(InputFile& file, std::size_t threads)
+    : file_(file),
+      threads_(threads == 0 ? std::thread::hardware_concurrency() : threads),
+      id_(readIdentification(file)),
+      budget_(file.size(), times_for_data) {}
 
 bool DataFile::areCountsFinal() const {
   return !isUnfinished() || (id_.standard_flags & Identification::cycle_counters_open) == 0;

@@ -1,6 +1,7 @@
 #ifndef MDF_READER_DATA_DATA_FILE_H_
 #define MDF_READER_DATA_DATA_FILE_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -19,9 +20,11 @@ class InputFile;
 /// nowhere else: whether counts are final, and where a block ends whose length was never written.
 class DataFile {
  public:
-  explicit DataFile(InputFile& file);
+  /// @param threads how many may unzip data ahead of its reader; 0 for one on each core.
+  explicit DataFile(InputFile& file, std::size_t threads = 0);
 
   InputFile& bytes() { return file_; }
+  std::size_t threads() const { return threads_; }
   const Identification& identification() const { return id_; }
   bool isUnfinished() const { return id_.isUnfinished(); }
 
@@ -50,6 +53,7 @@ class DataFile {
   void lookForBlocks();
 
   InputFile& file_;
+  std::size_t threads_;
   Identification id_;
   std::vector<std::uint64_t> blocks_;          ///< once they were looked for, ascending
   std::map<std::string, std::uint64_t> last_;  ///< of the types of data, by their letters

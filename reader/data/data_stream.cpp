@@ -21,7 +21,8 @@ DataStream::DataStream(DataFile& file, DataLink link, Access access, const Findi
       link_(link),
       access_(access),
       links_(file.bytes(), link, report),
-      budget_(file.bytes().size()) {
+      budget_(file.bytes().size()),
+      unzipper_(file.bytes(), access == Access::forward ? file.threads() : 1) {
   if (!links_.isInLists()) {
     extend();
   }
@@ -209,7 +210,8 @@ bool DataStream::showZipped(const DataBlock& block, const Piece& piece, std::uin
     if (!mayUnzip(block, piece)) {
       return false;
     }
-    Unzipped data = unzip(file_.bytes(), block);
+    unzipAhead();
+    Unzipped data = unzipper_.take(block);
     if (!data.problem.empty()) {
       endAt(piece.begin + data.bytes.size(), {data.code, piece.block, data.problem});
     }
@@ -219,6 +221,24 @@ bool DataStream::showZipped(const DataBlock& block, const Piece& piece, std::uin
   window_ = unzipped_;
   window_begin_ = piece.begin;
   return offset - window_begin_ < window_.size();
+}
+
+/// Begins with the next blocks for whoever goes from one block to the next.
+void DataStream::unzipAhead() {
+  constexpr std::size_t enough = 2;
+  const bool is_next = last_piece_ == std::exchange(unzipped_piece_, last_piece_) + 1;
+  pieces_in_row_ = is_next ? pieces_in_row_ + 1 : 0;
+  if (pieces_in_row_ < enough) {
+    return;
+  }
+  for (std::size_t next = last_piece_ + unzipper_.pending(); next < pieces_.size(); ++next) {
+    const auto block = readRawBlock(file_.bytes(), pieces_[next].block);
+    const DataBlock data = block ? findData(file_, *block) : DataBlock();
+    if (!data.is_zipped || !unzipper_.hasRoomFor(data)) {
+      return;
+    }
+    unzipper_.begin(data);
+  }
 }
 
 }  // namespace mdf_reader

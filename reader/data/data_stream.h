@@ -13,14 +13,16 @@
 #include "data_block.h"
 #include "data_file.h"
 #include "data_links.h"
+#include "unzipping.h"
 
 namespace mdf_reader {
 
 /// The bytes that a link to data leads to, as if they stood in one piece: in one block, or in those
 /// of data lists, zipped or not. Blocks are looked up only as far as they are needed.
 ///
-/// It holds a window of the data or the last unzipped block in memory, and 16 bytes for each
-/// block. What is wrong is reported, and the stream ends where it cannot go on.
+/// It holds a window of the data or the last unzipped block in memory, up to 32 MiB of blocks that
+/// are unzipped ahead, and 16 bytes for each block. What is wrong is reported, and the stream ends
+/// where it cannot go on.
 class DataStream {
  public:
   enum class Access {
@@ -85,6 +87,7 @@ class DataStream {
                  std::size_t count);
   bool showZipped(const DataBlock& block, const Piece& piece, std::uint64_t offset);
   bool mayUnzip(const DataBlock& block, const Piece& piece);
+  void unzipAhead();
   void endAt(std::uint64_t end, const Finding& why);
   std::uint64_t bytesToCome();
 
@@ -106,6 +109,9 @@ class DataStream {
   std::string unzipped_;  ///< a whole block
   std::uint64_t unzipped_block_ = 0;
   std::uint64_t unzipped_bytes_ = 0;  ///< of all blocks until now
+  std::size_t unzipped_piece_ = 0;
+  std::size_t pieces_in_row_ = 0;  ///< that were unzipped one after another
+  UnzipperAhead unzipper_;
   std::string joined_;
 };
 

@@ -351,7 +351,8 @@ static void refusesQueries(const char* folder) {
        "expected numbers in the query that 64 bits can hold, found a larger one"},
       {"{\"chanels\": []}",
        "expected members \"channels\", \"group\", \"from\", \"to\", \"first\", \"last\", "
-       "\"stride\", \"raw\", \"numbers\", \"batch_rows\" and \"times\" in the query, found "
+       "\"stride\", \"raw\", \"numbers\", \"batch_rows\", \"threads\" and \"times\" in the query, "
+       "found "
        "\"chanels\""},
       {"{\"channels\": \"rpm\"}",
        "expected \"channels\" of the query to be an array of names, found \"rpm\""},
@@ -361,7 +362,7 @@ static void refusesQueries(const char* folder) {
       {"{\"from\": \"1\"}", "expected \"from\" of the query to be a number, found \"1\""},
       {"{\"raw\": 1}", "expected \"raw\" of the query to be true or false, found 1"},
       {"{\"batch_rows\": 0}",
-       "expected \"batch_rows\" of the query to be a number of rows from 1 on, found 0"},
+       "expected \"batch_rows\" of the query to be a number from 1 on, found 0"},
       {"{\"stride\": 0}",
        "expected \"stride\" of the query to be a number of records from 1 on, found 0"},
       {"{\"times\": \"iso\"}",

@@ -81,7 +81,6 @@ struct Request {
   bool with_empty = false;
   int digits = 0;
   std::string time = "seconds";
-  std::size_t threads = std::max(1U, std::thread::hardware_concurrency());
 
   bool isToFolder() const {
     return !output.empty() && (output.back() == '/' || std::filesystem::is_directory(output));
@@ -247,13 +246,16 @@ std::size_t writeTables(const Request& request, const FileContext& context,
   Tables tables(context.file, *request.query, context.report, note);
   const auto writer =
       writerOf(request.format, context.file.name(), formFor(request, tables.header(), note));
+  const std::size_t threads = request.query->threads > 0
+                                  ? request.query->threads
+                                  : std::max(1U, std::thread::hardware_concurrency());
   std::size_t left_out = 0;
   while (Table* const table = tables.next()) {
     const Batch* const first = table->next();
     if (first == nullptr && !request.with_empty) {
       ++left_out;
     } else if (std::ostream* out = destination.next(context.path, table->group(), context.out)) {
-      writeTable(*table, first, *writer, request.threads, *out);
+      writeTable(*table, first, *writer, threads, *out);
     }
   }
   if (left_out > 0) {
@@ -342,8 +344,9 @@ void addExportCommand(CLI::App& app, int& exit_code) {
       ->type_name("N")
       ->check(isCount() & CLI::Range(1, 17));
   command
-      ->add_option("--threads", request->threads,
-                   "Make text on so many cores; on all of them unless said otherwise")
+      ->add_option(
+          "--threads", request->query->threads,
+          "Unzip data and make text on so many cores; on all of them unless said otherwise")
       ->type_name("N")
       ->check(isCount() & CLI::Range(1, 256));
   command->footer(footer);

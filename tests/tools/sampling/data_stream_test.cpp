@@ -19,10 +19,10 @@ namespace {
 class Streamed {
  public:
   Streamed(const std::string& bytes, std::uint64_t link,
-           DataStream::Access access = DataStream::Access::forward)
+           DataStream::Access access = DataStream::Access::forward, std::size_t threads = 2)
       : path_(bytes),
         input_(path_.path()),
-        file_(input_),
+        file_(input_, threads),
         stream_(file_, {FileBuilder::header, link}, access, report_) {}
 
   /// All bytes, in pieces of seven.
@@ -116,6 +116,51 @@ TEST(DataStream, TransposedBlocks) {
   EXPECT_EQ(
       bytesAt(file, file.add("DZ", {}, zippedFields(11, storedStream("adgbehcfijk"), "DT", 1, 3))),
       "abcdefghijk");
+}
+
+/// Blocks that are long enough to be unzipped ahead, some of them, and the data of all.
+std::string addLongBlocks(FileBuilder& file, std::vector<std::uint64_t>& blocks) {
+  std::string all;
+  for (const char letter : std::string("abcdefghij")) {
+    const std::string data((letter == 'e' ? 10 : 70000), letter);
+    blocks.push_back(letter == 'g' ? file.addData(data) : addZipped(file, "DT", data));
+    all += data;
+  }
+  return all;
+}
+
+TEST(DataStream, BlocksThatAreUnzippedAhead) {
+  FileBuilder file;
+  std::vector<std::uint64_t> blocks;
+  const std::string all = addLongBlocks(file, blocks);
+  const std::uint64_t list = addList(file, blocks);
+  for (const std::size_t threads : {1U, 3U, 100U}) {
+    Streamed streamed(file.bytes(), list, DataStream::Access::forward, threads);
+    EXPECT_EQ(streamed.stream().size(), all.size());
+    EXPECT_TRUE(streamed.all() == all) << threads;
+    for (const std::size_t offset : {200000U, 1U, 69999U, 140000U, 600000U, 210000U, 250000U}) {
+      EXPECT_EQ(streamed.stream().at(offset, 20), all.substr(offset, 20)) << offset;
+    }
+    EXPECT_TRUE(streamed.all() == all) << threads;
+    EXPECT_EQ(streamed.findings(), std::vector<std::string>());
+  }
+}
+
+TEST(DataStream, BlocksAheadThatAreDamaged) {
+  FileBuilder file;
+  std::vector<std::uint64_t> blocks;
+  const std::string all = addLongBlocks(file, blocks);
+  const std::uint64_t list = addList(file, blocks);
+  file.write(blocks[8] + 48 + 20, "damaged");
+  for (const std::size_t threads : {1U, 4U}) {
+    Streamed streamed(file.bytes(), list, DataStream::Access::forward, threads);
+    EXPECT_EQ(streamed.stream().size(), all.size());
+    EXPECT_TRUE(streamed.all() == all.substr(0, 7 * 70000 + 10)) << threads;
+    EXPECT_EQ(
+        streamed.findings(),
+        std::vector<std::string>{"expected a zlib stream, found a damaged one or other bytes; "
+                                 "140000 bytes were not read"});
+  }
 }
 
 TEST(DataStream, AnyOffsetOfAListOfBoth) {

@@ -1,0 +1,58 @@
+#ifndef MDF_READER_DATA_UNZIPPING_H_
+#define MDF_READER_DATA_UNZIPPING_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <future>
+#include <string>
+
+#include "../blocks/codes.h"
+#include "data_block.h"
+
+namespace mdf_reader {
+
+class InputFile;
+
+/// The outcome of unzipping.
+struct Unzipped {
+  std::string bytes;    ///< as far as there are
+  Code code{};          ///< of the problem
+  std::string problem;  ///< a sentence, "" for none
+};
+
+/// The data of a zipped block.
+Unzipped unzip(InputFile& file, const DataBlock& block);
+
+/// Unzips blocks on other cores while their reader is at work on those before. The file is read by
+/// the caller's thread alone.
+class UnzipperAhead {
+ public:
+  /// @param threads how many may be at work; with one, nothing is done ahead.
+  UnzipperAhead(InputFile& file, std::size_t threads) : file_(file), threads_(threads) {}
+
+  /// Whether one more block may be begun with.
+  bool hasRoomFor(const DataBlock& block) const;
+  /// Begins with the block that will be asked for after those begun with before.
+  void begin(const DataBlock& block);
+  /// How many blocks were begun with, and not asked for yet.
+  std::size_t pending() const { return pending_.size(); }
+  /// The data of a block. Those begun with before it are dropped.
+  Unzipped take(const DataBlock& block);
+
+ private:
+  struct Pending {
+    std::uint64_t at;  ///< offset in the file
+    std::uint64_t size;
+    std::future<Unzipped> data;
+  };
+
+  InputFile& file_;
+  std::size_t threads_;
+  std::uint64_t bytes_ = 0;  ///< of all that are pending
+  std::deque<Pending> pending_;
+};
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_DATA_UNZIPPING_H_
