@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <map>
 #include <memory>
 #include <unordered_map>
 #include <utility>
@@ -18,6 +17,7 @@
 #include "column.h"
 #include "column_list.h"
 #include "framework/wire.h"
+#include "master_search.h"
 #include "remote_master.h"
 
 namespace mdf_reader {
@@ -454,38 +454,21 @@ bool Table::readOn() {
   return pending_.count > 0;
 }
 
-/// Limits the records to those in the range, where each can be had by its number, by bisection.
-/// Where the master's values are seen not to grow, all records are gone through instead.
+/// Limits the records to those in the range, where each can be had by its number. Where the
+/// master's values are seen not to grow, all records are gone through instead.
 void Table::narrow() {
   const std::uint64_t begin = position_;
   const std::uint64_t end = position_ + std::min(records_->rest(), end_ - position_);
-  std::map<std::uint64_t, double> seen;
-  const auto master = [&](std::uint64_t number) {
-    return seen.try_emplace(number, masterAt(number)).first->second;
-  };
-  const auto firstNumber = [&](const auto& is_reached) {
-    std::uint64_t low = begin;
-    std::uint64_t high = end;
-    while (low < high) {
-      const std::uint64_t middle = low + (high - low) / 2;
-      if (is_reached(master(middle))) {
-        high = middle;
-      } else {
-        low = middle + 1;
-      }
-    }
-    return low;
-  };
-  if (begin == end || std::isnan(master(begin)) || std::isnan(master(end - 1))) {
+  if (begin == end || std::isnan(masterAt(begin))) {
     return;
   }
-  const auto first =
-      firstNumber([&](double value) { return !query_.from || value >= *query_.from; });
-  const auto last = firstNumber([&](double value) { return query_.to && value > *query_.to; });
-  const auto falls = [](const auto& left, const auto& right) {
-    return !(left.second <= right.second);
-  };
-  if (std::adjacent_find(seen.begin(), seen.end(), falls) != seen.end()) {
+  MasterSearch search(begin, end, [this](std::uint64_t number) { return masterAt(number); });
+  if (!records_->isZipped()) {
+    search.look();
+  }
+  const std::uint64_t first = query_.from ? search.firstFrom(*query_.from) : begin;
+  const std::uint64_t last = query_.to ? search.firstAfter(*query_.to) : end;
+  if (!search.isGrowing()) {
     return;
   }
   const std::uint64_t stride = stride_;

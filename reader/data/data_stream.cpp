@@ -104,6 +104,11 @@ std::uint64_t DataStream::size() {
   return size_;
 }
 
+bool DataStream::isZipped() {
+  const auto block = reaches(1) ? readRawBlock(file_.bytes(), pieces_.front().block) : std::nullopt;
+  return block && findData(file_, *block).is_zipped;
+}
+
 std::uint64_t DataStream::endOf(std::size_t piece) const {
   return piece + 1 < pieces_.size() ? pieces_[piece + 1].begin : size_;
 }

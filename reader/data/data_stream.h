@@ -58,6 +58,9 @@ class DataStream {
   /// How many bytes there are. It looks for all blocks.
   std::uint64_t size();
 
+  /// Whether the first block is zipped.
+  bool isZipped();
+
   /// Whether something was wrong with the blocks or the links to them, which was reported, so that
   /// there is less data than there should be.
   bool isDamaged() const { return is_damaged_ || links_.haveFailed(); }

@@ -53,6 +53,9 @@ class RecordCursor {
   /// The record of any number, without going there; nothing where it cannot be had so.
   virtual std::optional<std::string_view> at(std::uint64_t /*number*/) { return std::nullopt; }
 
+  /// Whether that may unzip a block for each record.
+  virtual bool isZipped() { return false; }
+
   /// How many records are still to come.
   virtual std::uint64_t rest() = 0;
 

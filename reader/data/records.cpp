@@ -136,6 +136,7 @@ class Records::SortedCursor : public RecordCursor {
   std::optional<std::string_view> at(std::uint64_t number) override {
     return records_.isInAnyOrder() ? records_.at(number) : std::nullopt;
   }
+  bool isZipped() override { return records_.isZipped(); }
   std::uint64_t rest() override { return records_.count() - std::min(records_.count(), number_); }
   void skip(std::uint64_t count) override { number_ += std::min(count, rest()); }
 

@@ -37,6 +37,9 @@ class SortedRecords {
   /// Whether records may be asked for in any order.
   bool isInAnyOrder() const { return invalidation_ == nullptr; }
 
+  /// Whether they are in zipped blocks, as far as the first one tells.
+  bool isZipped() { return data_.isZipped(); }
+
   /// The records from a number on, which is counted from 0: at least one and at most so many; none
   /// after the last one. Numbers go up. The bytes last until the next call.
   RecordSpan from(std::uint64_t number, std::size_t most);
