@@ -78,7 +78,8 @@ std::uint64_t MasterSearch::first(double limit, const IsReached& is_reached) {
     const std::uint64_t width = right->first - left->first;
     std::uint64_t step = width / 2;
     if (guesses < most_guesses) {
-      const std::uint64_t guess = std::clamp<std::uint64_t>(distance(*left, *right, limit), 1, width - 1);
+      const std::uint64_t guess =
+          std::clamp<std::uint64_t>(distance(*left, *right, limit), 1, width - 1);
       step = was_right ? width - std::min(width - 1, (width - guess) * times)
                        : std::min(width - 1, guess * times);
     }

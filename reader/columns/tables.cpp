@@ -91,6 +91,8 @@ class Tables::Walk {
   void begin();
   void enter(const DataGroup& data_group);
   void makeRecords(const DataGroup& data_group);
+  void expectGroups(const DataGroup& data_group);
+  bool fitsAny(const std::vector<ColumnPlan>& plans);
   void examineWhatIsNoTable(const DataGroup& data_group);
   bool haveDataOfTheirOwn(const DataGroup& data_group);
   void examineGroup(const ChannelGroup& group);
@@ -122,6 +124,7 @@ class Tables::Walk {
   std::size_t group_ = 0;
   std::unique_ptr<Table> table_;
   std::size_t count_ = 0;
+  bool is_examining_ = false;
 };
 
 Table* Tables::Walk::next() {
@@ -171,11 +174,31 @@ void Tables::Walk::examineWhatIsNoTable(const DataGroup& data_group) {
 void Tables::Walk::makeRecords(const DataGroup& data_group) {
   if (!records_) {
     records_ = std::make_unique<Records>(data_file_, data_group, report_);
+    if (data_group.groups.size() > 1) {
+      expectGroups(data_group);
+    }
   }
+}
+
+/// Says which groups will be read, so that unsorted data is gone through for all of them at once.
+void Tables::Walk::expectGroups(const DataGroup& data_group) {
+  const FindingSink nobody = [](const Finding& /*finding*/) {};
+  std::vector<const ChannelGroup*> expected;
+  for (const ChannelGroup& group : data_group.groups) {
+    const bool is_read =
+        !is_examining_ || group.hasRemoteMaster() ||
+        std::any_of(group.channels.begin(), group.channels.end(),
+                    [](const Channel& each) { return each.type == Channel::variable_length; });
+    if (is_read && isWanted(group) && fitsAny(columnsOf(group, nobody))) {
+      expected.push_back(&group);
+    }
+  }
+  records_->expect(std::move(expected));
 }
 
 /// The same without values that are in the records.
 void Tables::Walk::examine() {
+  is_examining_ = true;
   for (const DataGroup& data_group : description_.data_groups) {
     enter(data_group);
     makeRecords(data_group);
@@ -206,9 +229,12 @@ void Tables::Walk::examineGroup(const ChannelGroup& group) {
       elsewhere.push_back(&column);
     }
   }
+  if (elsewhere.empty()) {
+    return;
+  }
   const auto cursor = records_->read(group);
-  RecordSpan records = elsewhere.empty() ? RecordSpan() : cursor->next(most_at_once);
-  for (; records.count > 0; records = cursor->next(most_at_once)) {
+  for (RecordSpan records = cursor->next(most_at_once); records.count > 0;
+       records = cursor->next(most_at_once)) {
     for (Column* const column : elsewhere) {
       column->look(records);
     }
@@ -249,7 +275,7 @@ std::vector<ColumnPlan> Tables::Walk::plansOf(const ChannelGroup& group,
   std::stable_partition(plans.begin(), plans.end(),
                         [&](const ColumnPlan& plan) { return plan.channel == master; });
   const auto is_wanted = [&](const ColumnPlan& plan) { return patterns_.fit(plan); };
-  if (std::none_of(plans.begin(), plans.end(), is_wanted)) {
+  if (!fitsAny(plans)) {
     return {};
   }
   const auto is_left_out = [&](const ColumnPlan& plan) {
@@ -257,6 +283,11 @@ std::vector<ColumnPlan> Tables::Walk::plansOf(const ChannelGroup& group,
   };
   plans.erase(std::remove_if(plans.begin(), plans.end(), is_left_out), plans.end());
   return plans;
+}
+
+bool Tables::Walk::fitsAny(const std::vector<ColumnPlan>& plans) {
+  return std::any_of(plans.begin(), plans.end(),
+                     [this](const ColumnPlan& plan) { return patterns_.fit(plan); });
 }
 
 bool Tables::Walk::hasMaster(const ChannelGroup& group, const std::vector<ColumnPlan>& plans,

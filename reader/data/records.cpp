@@ -16,7 +16,6 @@ using mdf_v4_10::detail::loadLe;
 
 namespace {
 
-constexpr std::uint64_t most_collected = std::uint64_t{1} << 24U;
 constexpr std::uint64_t mark_distance = std::uint64_t{1} << 14U;
 
 /// Values in signal data: each after its length in four bytes.
@@ -78,7 +77,7 @@ class Records::ValueRecords : public SignalValues {
  public:
   ValueRecords(Records& records, const ChannelGroup& group)
       : group_(group),
-        extent_(records.extents_[&group]),
+        extent_(records.extentOf(group)),
         format_(records.format_),
         data_(records.file_, records.link(), DataStream::Access::scattered, records.report_) {}
 
@@ -145,34 +144,7 @@ class Records::SortedCursor : public RecordCursor {
   std::uint64_t number_ = 0;
 };
 
-/// Records that were collected from among those of other groups.
-class Records::CollectedCursor : public RecordCursor {
- public:
-  CollectedCursor() = default;
-  CollectedCursor(std::string bytes, std::uint64_t size, std::uint64_t count)
-      : bytes_(std::move(bytes)), size_(hostSize(size)) {
-    const std::uint64_t there = size_ == 0 ? count : bytes_.size() / size_;
-    rest_ = {bytes_.data(), size_, size_, hostSize(std::min(count, there)), 0, 1};
-  }
-
-  RecordSpan next(std::size_t most) override {
-    const RecordSpan span = rest_.part(0, std::min(most, rest_.count));
-    rest_ = rest_.part(span.count, rest_.count - span.count);
-    return span;
-  }
-  std::uint64_t rest() override { return rest_.count; }
-  void skip(std::uint64_t count) override {
-    const auto skipped = static_cast<std::size_t>(std::min<std::uint64_t>(count, rest_.count));
-    rest_ = rest_.part(skipped, rest_.count - skipped);
-  }
-
- private:
-  std::string bytes_;
-  std::size_t size_ = 0;
-  RecordSpan rest_;
-};
-
-/// Records among those of other groups, too many to be collected at once.
+/// Records among those of other groups.
 class Records::ScatteredCursor : public RecordCursor {
  public:
   ScatteredCursor(Records& records, const ChannelGroup& group, std::uint64_t count)
@@ -226,7 +198,8 @@ Records::Records(DataFile& file, const DataGroup& data_group, const FindingSink&
       }),
       data_(file, link(), DataStream::Access::forward, report),
       format_(data_group, recordIdBytes(data_group, data_, file.areCountsFinal())),
-      first_type_(firstTypeAt(file.bytes(), link())) {}
+      first_type_(firstTypeAt(file.bytes(), link())),
+      extents_(data_group.groups.size()) {}
 
 /// Whether one has to go through the records to tell where each begins.
 bool Records::areFramed() const {
@@ -350,7 +323,7 @@ void Records::reportRest(const Record& record, std::uint64_t position) {
 
 /// Reports a count that is not that of the records which were gone through.
 void Records::compareCount(const ChannelGroup& group) {
-  const std::uint64_t found = extents_[&group].count;
+  const std::uint64_t found = extentOf(group).count;
   if (!file_.isCountFinal(group) || found == group.cycles) {
     return;
   }
@@ -367,7 +340,7 @@ std::optional<std::uint64_t> Records::countOf(const ChannelGroup& group) {
     return group.cycles;
   }
   if (areFramed()) {
-    return extents_[&group].count;
+    return extentOf(group).count;
   }
   const std::uint64_t size = storedSize(group);
   if (!ownsAllRecords(group) || (size == 0 && data_.size() > 0)) {
@@ -384,7 +357,7 @@ std::unique_ptr<RecordCursor> Records::read(const ChannelGroup& group) {
   if (ownsAllRecords(group)) {
     return readSorted(group);
   }
-  return std::make_unique<CollectedCursor>();
+  return std::make_unique<ScatteredCursor>(*this, group, 0);
 }
 
 void Records::forEach(const ChannelGroup& group, const RecordVisitor& visit) {
@@ -474,8 +447,8 @@ void Records::forEachEnd(const std::function<bool(const ChannelGroup&)>& is_want
     }
     if (areSorted(group)) {
       visitSortedEnds(group, visit);
-    } else if (areFramed() && countOf(group) == extents_[&group].count) {
-      const Extent& extent = extents_[&group];
+    } else if (areFramed() && countOf(group) == extentOf(group).count) {
+      const Extent& extent = extentOf(group);
       ends.push_back({extent.first, 0, &group});
       ends.push_back({extent.last, extent.count - 1, &group});
     }
@@ -488,15 +461,16 @@ void Records::forEachEnd(const std::function<bool(const ChannelGroup&)>& is_want
 }
 
 std::unique_ptr<RecordCursor> Records::readUnsorted(const ChannelGroup& group) {
-  const std::uint64_t there = extents_[&group].count;
+  const std::uint64_t there = extentOf(group).count;
   const std::uint64_t most = isLimited(group) ? std::min(group.cycles, there) : there;
-  if (most > 0 && bytesOf(group) > most_collected) {
+  if (!expected_.empty()) {
+    copyExpected();
+  }
+  const auto part = parts_.find(&group);
+  if (part == parts_.end()) {
     return std::make_unique<ScatteredCursor>(*this, group, most);
   }
-  if (most > 0) {
-    return readCollected(group, most);
-  }
-  return std::make_unique<CollectedCursor>();
+  return copy_->read(part->second, most);
 }
 
 /// Goes through unsorted data from the beginning, until the visitor ends it.
@@ -508,45 +482,40 @@ void Records::walk(const std::function<bool(const Record& record)>& visit) {
   }
 }
 
-std::uint64_t Records::bytesOf(const ChannelGroup& group) {
-  return extents_[&group].count * group.recordBytes();
-}
-
-/// Collects the records of several small groups at once: there may be very many of them, too many
+/// Copies the records of the groups that will be read, for there may be very many groups, too many
 /// to go through the data for each.
-std::unique_ptr<RecordCursor> Records::readCollected(const ChannelGroup& group,
-                                                     std::uint64_t count) {
-  if (collected_.find(&group) == collected_.end()) {
-    collectFrom(group);
+void Records::copyExpected() {
+  std::vector<SortedCopy::Part> parts;
+  std::uint64_t missing = 0;
+  for (const ChannelGroup* const group : std::exchange(expected_, {})) {
+    const std::uint64_t count = extentOf(*group).count;
+    if (count > 0) {
+      parts_.emplace(group, parts.size());
+      parts.push_back({hostSize(group->recordBytes()), count});
+      missing += count;
+    }
   }
-  auto records = std::move(collected_[&group]);
-  collected_.erase(&group);
-  return std::make_unique<CollectedCursor>(std::move(records), group.recordBytes(), count);
+  if (parts.size() > 1) {
+    copy_ = std::make_unique<SortedCopy>(parts, [this](std::uint64_t bytes) {
+      report_({Code::bytes_not_read, data_group_.offset,
+               "expected a file with sorted records as it was written" + notRead(bytes)});
+    });
+    copyRecords(missing);
+  }
+  if (!copy_ || !copy_->finish()) {
+    parts_.clear();
+  }
 }
 
-void Records::collectFrom(const ChannelGroup& first) {
-  collected_.clear();
-  std::uint64_t bytes = 0;
-  std::uint64_t missing = 0;
-  bool is_reached = false;
-  for (const ChannelGroup& group : data_group_.groups) {
-    is_reached = is_reached || &group == &first;
-    if (!is_reached || group.holdsVariableLength()) {
-      continue;
-    }
-    bytes += bytesOf(group);
-    if (bytes > most_collected) {
-      break;
-    }
-    if (extents_[&group].count > 0) {
-      missing += extents_[&group].count;
-      collected_[&group].reserve(static_cast<std::size_t>(bytesOf(group)));
-    }
+void Records::copyRecords(std::uint64_t missing) {
+  std::vector<std::optional<std::size_t>> part_of(data_group_.groups.size());
+  for (const auto& [group, part] : parts_) {
+    part_of[indexOf(*group)] = part;
   }
   walk([&](const Record& record) {
-    const auto wanted = collected_.find(record.group);
-    if (wanted != collected_.end()) {
-      wanted->second += record.bytes;
+    const std::optional<std::size_t> part = part_of[indexOf(*record.group)];
+    if (part) {
+      copy_->add(*part, record.bytes);
       --missing;
     }
     return missing > 0;
@@ -564,7 +533,7 @@ Record Records::lookThrough(std::uint64_t& position) {
 }
 
 void Records::note(const Record& record, std::uint64_t position) {
-  Extent& extent = extents_[record.group];
+  Extent& extent = extentOf(*record.group);
   extent.first = extent.count == 0 ? position : extent.first;
   extent.last = position;
   ++extent.count;

@@ -13,6 +13,7 @@
 #include "data_stream.h"
 #include "record_format.h"
 #include "record_span.h"
+#include "sorted_copy.h"
 #include "sorted_records.h"
 
 namespace mdf_reader {
@@ -53,8 +54,7 @@ std::unique_ptr<SignalValues> signalDataAt(DataFile& file, DataLink link,
                                            const FindingSink& report);
 
 /// The records of one data group. Sorted data is read as it comes. Unsorted data is read through
-/// once, and again for each channel group that is wanted, or for several of them together, with up
-/// to 16 MiB of records in memory.
+/// once, and a second time for all channel groups that are expected to be read, see SortedCopy.
 class Records {
  public:
   Records(DataFile& file, const DataGroup& data_group, const FindingSink& report);
@@ -70,6 +70,10 @@ class Records {
   /// How many records a channel group has: its cycle count or, where that is not final, as many as
   /// the data holds. Nothing where nobody can tell.
   std::optional<std::uint64_t> countOf(const ChannelGroup& group);
+
+  /// Says which channel groups will be read, more than one of them. Unsorted data is gone through
+  /// once for all of these, and once for each other one.
+  void expect(std::vector<const ChannelGroup*> groups) { expected_ = std::move(groups); }
 
   /// Reads the records of a channel group, as many as countOf() says and there are. One group can
   /// be read at a time, and this object must outlast the cursor.
@@ -113,7 +117,6 @@ class Records {
   };
   class ValueRecords;
   class SortedCursor;
-  class CollectedCursor;
   class ScatteredCursor;
 
   bool areFramed() const;
@@ -132,10 +135,13 @@ class Records {
   std::unique_ptr<RecordCursor> readSorted(const ChannelGroup& group);
   std::unique_ptr<RecordCursor> readUnsorted(const ChannelGroup& group);
   void visitSortedEnds(const ChannelGroup& group, const EndVisitor& visit);
-  std::unique_ptr<RecordCursor> readCollected(const ChannelGroup& group, std::uint64_t count);
-  void collectFrom(const ChannelGroup& first);
+  void copyExpected();
+  void copyRecords(std::uint64_t missing);
+  std::size_t indexOf(const ChannelGroup& group) const {
+    return static_cast<std::size_t>(&group - data_group_.groups.data());
+  }
+  Extent& extentOf(const ChannelGroup& group) { return extents_[indexOf(group)]; }
   void walk(const std::function<bool(const Record& record)>& visit);
-  std::uint64_t bytesOf(const ChannelGroup& group);
   Record lookThrough(std::uint64_t& position);
   void note(const Record& record, std::uint64_t position);
 
@@ -145,9 +151,11 @@ class Records {
   FindingSink unzipping_report_;  ///< takes what shows only when invalidation data is unzipped
   DataStream data_;
   RecordFormat format_;
-  std::string first_type_;  ///< of the blocks with the data
-  std::unordered_map<const ChannelGroup*, Extent> extents_;
-  std::unordered_map<const ChannelGroup*, std::string> collected_;  ///< records side by side
+  std::string first_type_;       ///< of the blocks with the data
+  std::vector<Extent> extents_;  ///< of each channel group
+  std::vector<const ChannelGroup*> expected_;
+  std::unique_ptr<SortedCopy> copy_;
+  std::unordered_map<const ChannelGroup*, std::size_t> parts_;  ///< of the copy
   bool is_examined_ = false;
 };
 

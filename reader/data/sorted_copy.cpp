@@ -1,0 +1,155 @@
+#include "sorted_copy.h"
+
+#include <sys/types.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <numeric>
+#include <utility>
+
+namespace mdf_reader {
+
+namespace {
+
+/// A new file that nobody else sees, and that is gone with its descriptor.
+Descriptor nameless(const std::string& folder) {
+  std::string path = folder + "/mdf-XXXXXX";
+  Descriptor file(mkstemp(path.data()));
+  if (file.number() >= 0) {
+    unlink(path.c_str());
+  }
+  return file;
+}
+
+bool writeAt(int file, std::uint64_t offset, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = pwrite(file, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+    if (written <= 0) {
+      return false;
+    }
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+    offset += static_cast<std::uint64_t>(written);
+  }
+  return true;
+}
+
+std::uint64_t sizeOf(const std::vector<SortedCopy::Part>& parts) {
+  return std::accumulate(parts.begin(), parts.end(), std::uint64_t{0},
+                         [](std::uint64_t sum, const SortedCopy::Part& part) {
+                           return sum + part.record_bytes * part.records;
+                         });
+}
+
+}  // namespace
+
+class SortedCopy::Cursor : public RecordCursor {
+ public:
+  Cursor(const SortedCopy& copy, const Place& place, std::uint64_t count)
+      : copy_(copy), size_(place.record_bytes), begin_(place.begin), count_(count) {}
+
+  RecordSpan next(std::size_t most) override {
+    constexpr std::size_t most_bytes = std::size_t{1} << 18U;
+    const std::size_t fit = std::max<std::size_t>(1, most_bytes / std::max<std::size_t>(1, size_));
+    RecordSpan span{nullptr, size_, size_, std::min(most, fit), number_, 1};
+    span.count = static_cast<std::size_t>(std::min<std::uint64_t>(span.count, rest()));
+    const std::string_view bytes =
+        copy_.bytesAt(begin_ + number_ * size_, span.count * size_, room_);
+    if (bytes.size() < span.count * size_) {
+      copy_.lost_(rest() * size_);
+      count_ = number_;
+      return {};
+    }
+    span.bytes = bytes.data();
+    number_ += span.count;
+    return span;
+  }
+  std::uint64_t rest() override { return count_ - number_; }
+  void skip(std::uint64_t count) override { number_ += std::min(count, rest()); }
+
+ private:
+  const SortedCopy& copy_;
+  std::size_t size_;
+  std::uint64_t begin_;
+  std::uint64_t count_;
+  std::uint64_t number_ = 0;
+  std::string room_;
+};
+
+SortedCopy::SortedCopy(const std::vector<Part>& parts, Lost lost, const std::string& folder,
+                       std::uint64_t most)
+    : lost_(std::move(lost)), file_(sizeOf(parts) <= most ? Descriptor(-1) : nameless(folder)) {
+  std::uint64_t end = 0;
+  for (const Part& part : parts) {
+    const std::uint64_t begin = end;
+    end += part.record_bytes * part.records;
+    places_.push_back({part.record_bytes, begin, end, begin, {}});
+  }
+  if (end <= most) {
+    memory_.reset(new char[static_cast<std::size_t>(end) + 1]);
+  } else {
+    constexpr std::uint64_t longest = std::uint64_t{1} << 18U;
+    most_waiting_ = static_cast<std::size_t>(std::min(longest, most / 2 / parts.size()));
+    is_whole_ = file_.number() >= 0;
+  }
+}
+
+std::string SortedCopy::folderForFiles() {
+  const char* const folder = std::getenv("TMPDIR");
+  return folder == nullptr || *folder == '\0' ? "/var/tmp" : folder;
+}
+
+void SortedCopy::put(Place& place, std::string_view record) {
+  place.next += record.size();
+  if (memory_) {
+    std::memcpy(memory_.get() + place.next - record.size(), record.data(), record.size());
+    return;
+  }
+  place.waiting += record;
+  if (place.waiting.size() > most_waiting_) {
+    flush(place);
+  }
+}
+
+void SortedCopy::flush(Place& place) {
+  is_whole_ = is_whole_ && writeAt(file_.number(), place.next - place.waiting.size(), place.waiting);
+  place.waiting.clear();
+}
+
+bool SortedCopy::finish() {
+  for (Place& place : places_) {
+    flush(place);
+    place.waiting.shrink_to_fit();
+  }
+  return is_whole_;
+}
+
+std::unique_ptr<RecordCursor> SortedCopy::read(std::size_t part, std::uint64_t most) {
+  const Place& place = places_[part];
+  const std::uint64_t there =
+      place.record_bytes == 0 ? most : (place.next - place.begin) / place.record_bytes;
+  return std::make_unique<Cursor>(*this, place, std::min(most, there));
+}
+
+/// Bytes of the copy, in memory or read into a room for them.
+std::string_view SortedCopy::bytesAt(std::uint64_t offset, std::size_t count,
+                                     std::string& room) const {
+  if (memory_) {
+    return {memory_.get() + offset, count};
+  }
+  room.resize(count);
+  std::size_t done = 0;
+  while (done < count) {
+    const ssize_t got = pread(file_.number(), room.data() + done, count - done,
+                              static_cast<off_t>(offset + done));
+    if (got <= 0) {
+      break;
+    }
+    done += static_cast<std::size_t>(got);
+  }
+  room.resize(done);
+  return room;
+}
+
+}  // namespace mdf_reader
