@@ -5,17 +5,15 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "mdf_v4_10.h"
 #include "printing/table_writers.h"
-#include "reader/bytes/input_file.h"
-#include "reader/columns/tables.h"
 #include "support/comparison.h"
 #include "support/files.h"
+#include "support/recordings.h"
 
 namespace mdf_bench {
 
@@ -25,158 +23,36 @@ using namespace mdf_v4_10;
 
 constexpr std::size_t records = 2000000;
 
-/// A channel of a file that is to be read.
-struct Wanted {
-  CNBLOCK::MDF_CN_DATATYPES_t type;
-  std::uint32_t byte_offset;
-  std::uint32_t bit_count;
-  std::uint8_t bit_offset = 0;
-};
-
-/// Appends blocks to a file, from the leaves to the root.
-class FileMaker {
- public:
-  explicit FileMaker(const std::string& path) : file_(path, std::ios_base::binary) {
-    file_ << IDBLOCK("bench   ") << HDBLOCK(0, 0, 0, 0, HDBLOCK::TIME_LOCAL_PC, 0, 0);
-  }
-
-  template <class Block>
-  LINK append(const Block& block) {
-    const auto at = static_cast<LINK>(file_.tellp());
-    file_ << block << std::string(static_cast<std::size_t>(8 - file_.tellp() % 8) % 8, '\0');
-    return at;
-  }
-
-  LINK appendText(const std::string& text) { return append(TXBLOCK(text.data(), text.size())); }
-
-  /// Ends the file with one channel group. Returns where its data begins.
-  std::size_t finish(const std::vector<Wanted>& channels, LINK conversion, const std::string& data,
-                     std::uint32_t record_bytes) {
-    const LINK data_at =
-        append(DTBLOCK(reinterpret_cast<const std::uint8_t*>(data.data()), data.size()));
-    LINK next = 0;
-    for (std::size_t i = channels.size(); i-- > 0;) {
-      const Wanted& wanted = channels[i];
-      CNBLOCK cn(CNBLOCK::CN_CHANNELTYPE_FIXEDLENGTH, CNBLOCK::CN_SYNCTYPE_NONE, wanted.type, next,
-                 appendText("c" + std::to_string(i)), 0);
-      cn.setByteOffset(wanted.byte_offset);
-      cn.setBitCount(wanted.bit_count);
-      cn.setBitOffset(wanted.bit_offset);
-      cn.setConversionCcblock(conversion);
-      next = append(cn);
-    }
-    CGBLOCK cg(0, CGBLOCK::no_flag, 0, next, 0, 0, 0, 0, CGBLOCK::CG_PATHSEPARATOR_NONE,
-               record_bytes, 0);
-    cg.setCycleCount(data.size() / record_bytes);
-    const LINK dg = append(DGBLOCK(0, append(cg), data_at, DGBLOCK::DG_WITHOUT));
-    file_.seekp(IDBLOCK::IDBLOCK_SIZE);
-    file_ << HDBLOCK(0, dg, 0, 0, HDBLOCK::TIME_LOCAL_PC, 0, 0);
-    require(file_.flush().good(), "writing a file");
-    return static_cast<std::size_t>(data_at) + DTBLOCK::DTBLOCK_CONSTANT_SIZE;
-  }
-
- private:
-  std::ofstream file_;
-};
-
-constexpr std::uint32_t record_bytes = 26;
-
-/// Records of two doubles, a float, and integers of 16 and 32 bits.
-std::string mixedRecords() {
-  std::string data(records * record_bytes, '\0');
-  char* at = data.data();
-  for (std::uint32_t i = 0; i < records; ++i, at += record_bytes) {
-    const double time = 0.001 * i;
-    const double level = static_cast<double>(i % 9973) / 7;
-    const auto speed = static_cast<float>(i % 251) * 0.5F;
-    const auto gear = static_cast<std::uint16_t>(i % 6);
-    std::memcpy(at, &time, 8);
-    std::memcpy(at + 8, &level, 8);
-    std::memcpy(at + 16, &speed, 4);
-    std::memcpy(at + 20, &gear, 2);
-    std::memcpy(at + 22, &i, 4);
-  }
-  return data;
-}
-
-const std::vector<Wanted> mixed_channels = {{CNBLOCK::CN_DATATYPE_FLOAT_LE, 0, 64},
-                                            {CNBLOCK::CN_DATATYPE_FLOAT_LE, 8, 64},
-                                            {CNBLOCK::CN_DATATYPE_FLOAT_LE, 16, 32},
-                                            {CNBLOCK::CN_DATATYPE_UINT_LE, 20, 16},
-                                            {CNBLOCK::CN_DATATYPE_UINT_LE, 22, 32}};
-
 /// A file of records, and where its data begins.
 struct Recording {
-  std::shared_ptr<ScratchFile> file = std::make_shared<ScratchFile>(std::string());
+  std::shared_ptr<ScratchFile> file;
   std::string data;
   std::size_t data_at = 0;  ///< in the file
 };
 
-Recording recordingOf(const std::vector<Wanted>& channels, std::string data, std::uint32_t size,
-                      const CCBLOCK* conversion = nullptr) {
+/// A recording of one channel group.
+Recording recordingOf(FileMaker& maker, std::string data, Group group) {
+  group.records = data.size() / group.record_bytes;
+  const LINK at = maker.appendData(data);
+  maker.finish(maker.appendGroup(group), at);
   Recording recording;
   recording.data = std::move(data);
-  FileMaker maker(recording.file->path());
-  const LINK at = conversion == nullptr ? 0 : maker.append(*conversion);
-  recording.data_at = maker.finish(channels, at, recording.data, size);
+  recording.data_at = static_cast<std::size_t>(at) + DTBLOCK::DTBLOCK_CONSTANT_SIZE;
   return recording;
 }
 
-/// Reads a file as columns, and hands the batches on.
-template <class Take>
-void readColumns(const std::string& path, const Take& take) {
-  mdf_reader::InputFile file(path);
-  const mdf_reader::FindingSink report = [](const mdf_reader::Finding& finding) {
-    require(false, finding.sentence);
-  };
-  const mdf_reader::NoteSink note = [](const std::string& /*text*/) {};
-  const mdf_reader::Query query;
-  mdf_reader::Tables tables(file, query, report, note);
-  while (mdf_reader::Table* const table = tables.next()) {
-    while (const mdf_reader::Batch* const batch = table->next()) {
-      take(*batch, table->head());
-    }
-  }
+Recording recordingOf(const std::vector<Wanted>& channels, const CCBLOCK* conversion = nullptr) {
+  auto file = std::make_shared<ScratchFile>(std::string());
+  FileMaker maker(file->path());
+  const LINK at = conversion == nullptr ? 0 : maker.append(*conversion);
+  Recording recording =
+      recordingOf(maker, mixedRecords(0, records), {channels, record_bytes, 0, at});
+  recording.file = file;
+  return recording;
 }
-
-constexpr std::size_t piece = 8192;       // records that a hand-written program reads at once
-constexpr std::size_t batch = 8 * piece;  // and that it puts into columns before it goes on
-
-/// What a hand-written program makes of records: the bytes of its columns.
-struct Columns {
-  std::array<std::vector<std::uint64_t>, 6> values;
-  Columns() { std::fill(values.begin(), values.end(), std::vector<std::uint64_t>(batch)); }
-
-  template <class Number>
-  Number* at(std::size_t column, std::size_t row) {
-    return reinterpret_cast<Number*>(values[column].data()) + row;
-  }
-};
 
 /// Turns records into rows of columns, from a row on.
 using Load = void (*)(const char* from, std::size_t count, std::size_t row, Columns& to);
-
-template <std::uint32_t size, class Number, class Out, class Change>
-void load(const char* from, std::size_t count, Out* to, const Change& change) {
-  for (std::size_t i = 0; i < count; ++i) {
-    Number number;
-    std::memcpy(&number, from + i * size, sizeof number);
-    to[i] = change(number);
-  }
-}
-
-template <class Number>
-void loadStored(const char* from, std::size_t count, Number* to) {
-  load<record_bytes, Number>(from, count, to, [](Number number) { return number; });
-}
-
-void loadMixed(const char* from, std::size_t count, std::size_t row, Columns& to) {
-  loadStored(from, count, to.at<double>(0, row));
-  loadStored(from + 8, count, to.at<double>(1, row));
-  loadStored(from + 16, count, to.at<float>(2, row));
-  loadStored(from + 20, count, to.at<std::uint16_t>(3, row));
-  loadStored(from + 22, count, to.at<std::uint32_t>(4, row));
-}
 
 constexpr double offset = -40;
 constexpr double factor = 0.25;
@@ -196,10 +72,11 @@ void loadLinear(const char* from, std::size_t count, std::size_t row, Columns& t
 }
 
 /// Bit fields of 3, 12 and 48 bits, little-endian and big-endian.
-const std::vector<Wanted> bit_fields = {
-    {CNBLOCK::CN_DATATYPE_UINT_LE, 0, 3, 2},   {CNBLOCK::CN_DATATYPE_UINT_LE, 0, 12, 5},
-    {CNBLOCK::CN_DATATYPE_UINT_LE, 2, 48, 1},  {CNBLOCK::CN_DATATYPE_UINT_BE, 10, 3, 2},
-    {CNBLOCK::CN_DATATYPE_UINT_BE, 10, 12, 3}, {CNBLOCK::CN_DATATYPE_UINT_BE, 12, 48, 0}};
+std::vector<Wanted> bitFields() {
+  return {{CNBLOCK::CN_DATATYPE_UINT_LE, 0, 3, 2},   {CNBLOCK::CN_DATATYPE_UINT_LE, 0, 12, 5},
+          {CNBLOCK::CN_DATATYPE_UINT_LE, 2, 48, 1},  {CNBLOCK::CN_DATATYPE_UINT_BE, 10, 3, 2},
+          {CNBLOCK::CN_DATATYPE_UINT_BE, 10, 12, 3}, {CNBLOCK::CN_DATATYPE_UINT_BE, 12, 48, 0}};
+}
 
 /// A file and a hand-written program for it.
 struct Contest {
@@ -228,7 +105,7 @@ void readByHand(const Contest& contest, const Take& take) {
 bool areTheSame(Contest& contest) {
   std::size_t done = 0;
   bool are_same = true;
-  readColumns(contest.recording.file->path(), [&](const mdf_reader::Batch& rows, const auto&) {
+  readColumns(contest.recording.file->path(), {}, [&](const mdf_reader::Batch& rows, const auto&) {
     contest.load(contest.recording.data.data() + done * contest.size, rows.rows(), 0,
                  contest.columns);
     for (std::size_t i = 0; i < rows.columnCount(); ++i) {
@@ -248,7 +125,7 @@ Sides sidesOf(Recording recording, std::uint32_t size, Load load, Load load_by_b
   sides.subject = [=](std::size_t times) {
     for (; times > 0; --times) {
       std::size_t rows = 0;
-      readColumns(contest->recording.file->path(),
+      readColumns(contest->recording.file->path(), {},
                   [&](const mdf_reader::Batch& each, const auto&) { rows += each.rows(); });
       require(rows == records, "all rows to be read");
     }
@@ -265,16 +142,14 @@ Sides sidesOf(Recording recording, std::uint32_t size, Load load, Load load_by_b
 }
 
 Sides storedSides() {
-  return sidesOf(recordingOf(mixed_channels, mixedRecords(), record_bytes), record_bytes, loadMixed,
-                 loadMixed);
+  return sidesOf(recordingOf(mixedChannels()), record_bytes, loadMixed, loadMixed);
 }
 
 Sides linearSides() {
   CCBLOCK linear(CCBLOCK::CC_CONVTYPE_LINEAR);
   linear.addValue(offset);
   linear.addValue(factor);
-  return sidesOf(recordingOf(mixed_channels, mixedRecords(), record_bytes, &linear), record_bytes,
-                 loadLinear, loadLinear);
+  return sidesOf(recordingOf(mixedChannels(), &linear), record_bytes, loadLinear, loadLinear);
 }
 
 /// The baseline loads as many columns of the same records.
@@ -283,10 +158,7 @@ void loadSix(const char* from, std::size_t count, std::size_t row, Columns& to) 
   loadStored(from + 18, count, to.at<std::uint64_t>(5, row));
 }
 
-Sides bitFieldSides() {
-  return sidesOf(recordingOf(bit_fields, mixedRecords(), record_bytes), record_bytes, nullptr,
-                 loadSix);
-}
+Sides bitFieldSides() { return sidesOf(recordingOf(bitFields()), record_bytes, nullptr, loadSix); }
 
 template <class Number>
 void appendDigits(Number number, char separator, std::string& text) {
@@ -298,11 +170,11 @@ void appendDigits(Number number, char separator, std::string& text) {
 
 void appendRows(const char* from, std::size_t count, std::string& text) {
   for (const char* const end = from + count * record_bytes; from < end; from += record_bytes) {
-    double a;
-    double b;
-    float c;
-    std::uint16_t d;
-    std::uint32_t e;
+    double a = 0;
+    double b = 0;
+    float c = 0;
+    std::uint16_t d = 0;
+    std::uint32_t e = 0;
     std::memcpy(&a, from, 8);
     std::memcpy(&b, from + 8, 8);
     std::memcpy(&c, from + 16, 4);
@@ -319,19 +191,20 @@ void appendRows(const char* from, std::size_t count, std::string& text) {
 /// CSV of a file, by the reader and by a function that appends the text of records. Both write to a
 /// string that is thrown away piece by piece, and keep the last piece.
 template <class Append>
-Sides csvSidesOf(const std::shared_ptr<Contest>& contest, const Append& append) {
+Sides csvSidesOf(const std::shared_ptr<Contest>& contest, Append append) {
   const auto by_reader = std::make_shared<std::string>();
   Sides sides;
   sides.units = records;
   sides.subject = [=](std::size_t times) {
     for (; times > 0; --times) {
-      readColumns(contest->recording.file->path(), [&](const mdf_reader::Batch& rows,
-                                                       const mdf_reader::TableHead&) {
-        for (std::size_t row = 0; row < rows.rows(); row += 1024) {
-          by_reader->clear();
-          mdf_tools::CsvWriter().addRows(rows, row, std::min(row + 1024, rows.rows()), *by_reader);
-        }
-      });
+      readColumns(contest->recording.file->path(), {},
+                  [&](const mdf_reader::Batch& rows, const mdf_reader::TableHead&) {
+                    for (std::size_t row = 0; row < rows.rows(); row += 1024) {
+                      by_reader->clear();
+                      mdf_tools::CsvWriter().addRows(rows, row, std::min(row + 1024, rows.rows()),
+                                                     *by_reader);
+                    }
+                  });
     }
   };
   sides.baseline = [=](std::size_t times) {
@@ -351,35 +224,33 @@ Sides csvSidesOf(const std::shared_ptr<Contest>& contest, const Append& append) 
 }
 
 Sides csvSides() {
-  return csvSidesOf(
-      std::make_shared<Contest>(Contest{recordingOf(mixed_channels, mixedRecords(), record_bytes),
-                                        record_bytes,
-                                        nullptr,
-                                        {},
-                                        {}}),
-      appendRows);
+  return csvSidesOf(std::make_shared<Contest>(
+                        Contest{recordingOf(mixedChannels()), record_bytes, nullptr, {}, {}}),
+                    appendRows);
 }
 
-const std::vector<Wanted> state_channel = {{CNBLOCK::CN_DATATYPE_UINT_LE, 0, 16}};
 constexpr std::size_t states = 40;
 
 std::string stateName(std::size_t state) { return "state number " + std::to_string(state); }
 
 /// A channel of 16 bits whose values are texts.
 Recording stateRecording() {
-  Recording recording;
+  std::string data;
   std::uint32_t random = 1;
   for (std::size_t i = 0; i < records; ++i) {
     random = random * 1664525 + 1013904223;
-    recording.data += {static_cast<char>((random >> 16U) % states), '\0'};
+    data += {static_cast<char>((random >> 16U) % states), '\0'};
   }
-  FileMaker maker(recording.file->path());
+  auto file = std::make_shared<ScratchFile>(std::string());
+  FileMaker maker(file->path());
   CCBLOCK texts(CCBLOCK::CC_CONVTYPE_V2TEXT_SCALETAB);
   for (std::size_t state = 0; state < states; ++state) {
     texts.addValue(static_cast<REAL>(state));
     texts.addReference(maker.appendText(stateName(state)));
   }
-  recording.data_at = maker.finish(state_channel, maker.append(texts), recording.data, 2);
+  Recording recording = recordingOf(
+      maker, std::move(data), {{{CNBLOCK::CN_DATATYPE_UINT_LE, 0, 16}}, 2, 0, maker.append(texts)});
+  recording.file = file;
   return recording;
 }
 

@@ -113,7 +113,8 @@ void SortedCopy::put(Place& place, std::string_view record) {
 }
 
 void SortedCopy::flush(Place& place) {
-  is_whole_ = is_whole_ && writeAt(file_.number(), place.next - place.waiting.size(), place.waiting);
+  is_whole_ =
+      is_whole_ && writeAt(file_.number(), place.next - place.waiting.size(), place.waiting);
   place.waiting.clear();
 }
 
@@ -141,8 +142,8 @@ std::string_view SortedCopy::bytesAt(std::uint64_t offset, std::size_t count,
   room.resize(count);
   std::size_t done = 0;
   while (done < count) {
-    const ssize_t got = pread(file_.number(), room.data() + done, count - done,
-                              static_cast<off_t>(offset + done));
+    const ssize_t got =
+        pread(file_.number(), room.data() + done, count - done, static_cast<off_t>(offset + done));
     if (got <= 0) {
       break;
     }
