@@ -15,6 +15,9 @@ namespace {
 constexpr std::size_t page_size = 4096;
 constexpr std::size_t page_count = 1024;
 
+/// Of a page that is leapt to, hardly more than this is read.
+constexpr std::size_t small_piece = 512;
+
 /// The most pages that are read at once.
 constexpr std::size_t longest_run = 16;
 
@@ -27,7 +30,7 @@ std::size_t placeOf(std::uint64_t page) { return static_cast<std::size_t>(page %
 // The bytes are left as they come from the heap: zeros would take memory for pages never read.
 PagedFile::PagedFile(Descriptor file)
     : file_(std::move(file)),
-      pages_(page_count, Page{no_page, 0}),
+      pages_(page_count, Page{no_page, 0, 0, false}),
       bytes_(new char[page_count * page_size]) {}
 
 std::uint64_t PagedFile::size() const {
@@ -36,13 +39,25 @@ std::uint64_t PagedFile::size() const {
 }
 
 std::string_view PagedFile::bytesAt(std::uint64_t offset) {
-  const std::uint64_t number = offset / page_size;
-  if (!isCached(number)) {
-    load(number);
+  if (!has(offset)) {
+    load(offset, small_piece);
   }
-  const std::size_t place = placeOf(number);
-  const std::string_view page(bytes_.get() + place * page_size, pages_[place].size);
-  return page.substr(std::min(static_cast<std::size_t>(offset % page_size), page.size()));
+  return there(offset);
+}
+
+bool PagedFile::has(std::uint64_t offset) const {
+  const Page& page = pages_[placeOf(offset / page_size)];
+  const std::uint64_t in_page = offset % page_size;
+  return isCached(offset / page_size) &&
+         (page.is_whole || (page.begin <= in_page && in_page < page.end));
+}
+
+/// The bytes from an offset to the end of what was read of its page.
+std::string_view PagedFile::there(std::uint64_t offset) const {
+  const std::size_t place = placeOf(offset / page_size);
+  const std::size_t begin =
+      std::min(static_cast<std::size_t>(offset % page_size), pages_[place].end);
+  return {bytes_.get() + place * page_size + begin, pages_[place].end - begin};
 }
 
 std::size_t PagedFile::read(std::uint64_t offset, char* bytes, std::size_t count) {
@@ -51,12 +66,15 @@ std::size_t PagedFile::read(std::uint64_t offset, char* bytes, std::size_t count
   }
   std::size_t done = 0;
   while (done < count) {
-    const std::string_view there = bytesAt(offset + done).substr(0, count - done);
-    if (there.empty()) {
+    if (!has(offset + done)) {
+      load(offset + done, count - done);
+    }
+    const std::string_view piece = there(offset + done).substr(0, count - done);
+    if (piece.empty()) {
       break;
     }
-    std::memcpy(bytes + done, there.data(), there.size());
-    done += there.size();
+    std::memcpy(bytes + done, piece.data(), piece.size());
+    done += piece.size();
   }
   return done;
 }
@@ -83,13 +101,16 @@ std::size_t PagedFile::cachedAfter(std::uint64_t number) const {
 }
 
 /// Takes as many pages as the cache has next to this one, on the side that is approached: a reader
-/// that goes on in the same direction soon needs few calls, and one that jumps about reads single
-/// pages.
-void PagedFile::load(std::uint64_t number) {
+/// that goes on in the same direction soon needs few calls, and one that jumps about reads little
+/// more than it wants.
+void PagedFile::load(std::uint64_t offset, std::size_t wanted) {
+  const std::uint64_t number = offset / page_size;
   const std::size_t place = placeOf(number);
   const std::size_t before = cachedBefore(number);
   const std::size_t after = cachedAfter(number);
-  if (before >= after) {
+  if (before + after == 0 && !isCached(number) && wanted <= small_piece) {
+    loadSome(offset, wanted);
+  } else if (before >= after) {
     loadRun(number, std::min(std::max<std::size_t>(before, 1), page_count - place));
   } else {
     // A page's place is no higher than its number, so that the run begins in the file.
@@ -98,13 +119,24 @@ void PagedFile::load(std::uint64_t number) {
   }
 }
 
+/// The part of a page with the wanted bytes, as far as they are in it.
+void PagedFile::loadSome(std::uint64_t offset, std::size_t wanted) {
+  const std::uint64_t number = offset / page_size;
+  const auto in_page = static_cast<std::size_t>(offset % page_size);
+  const std::size_t begin = in_page / small_piece * small_piece;
+  const std::size_t end = std::min(begin + (in_page - begin + wanted > small_piece ? 2 : 1) * small_piece, page_size);
+  const std::size_t got = readFile(number * page_size + begin,
+                                   bytes_.get() + placeOf(number) * page_size + begin, end - begin);
+  pages_[placeOf(number)] = {number, begin, begin + got, false};
+}
+
 void PagedFile::loadRun(std::uint64_t first, std::size_t count) {
   const std::size_t place = placeOf(first);
   std::size_t rest =
       readFile(first * page_size, bytes_.get() + place * page_size, count * page_size);
   for (std::size_t i = 0; i < count; ++i) {
-    pages_[place + i] = {first + i, std::min(rest, page_size)};
-    rest -= pages_[place + i].size;
+    pages_[place + i] = {first + i, 0, std::min(rest, page_size), true};
+    rest -= pages_[place + i].end;
   }
 }
 

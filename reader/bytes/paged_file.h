@@ -39,13 +39,18 @@ class PagedFile {
  private:
   struct Page {
     std::uint64_t number;  ///< offset in the file / page size
-    std::size_t size;      ///< bytes that are there
+    std::size_t begin;     ///< of the bytes that were read, in the page
+    std::size_t end;
+    bool is_whole;  ///< all that the file has of it was read
   };
 
+  bool has(std::uint64_t offset) const;
+  std::string_view there(std::uint64_t offset) const;
   bool isCached(std::uint64_t number) const;
   std::size_t cachedBefore(std::uint64_t number) const;
   std::size_t cachedAfter(std::uint64_t number) const;
-  void load(std::uint64_t number);
+  void load(std::uint64_t offset, std::size_t wanted);
+  void loadSome(std::uint64_t offset, std::size_t wanted);
   void loadRun(std::uint64_t first, std::size_t count);
   std::size_t readFile(std::uint64_t offset, char* bytes, std::size_t count);
 
