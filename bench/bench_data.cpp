@@ -133,8 +133,7 @@ Sides zippedSides(bool is_transposed) {
   const LINK list = maker.appendList(blocks, block_records * record_bytes);
   maker.finish(maker.appendGroup({mixedChannels(), record_bytes, records}), list);
   contest->by_hand = [=, path = contest->file->path(), columns = Columns(), stream = std::string(),
-                      inflated = std::string(),
-                      rows = std::string()](const auto& take) mutable {
+                      inflated = std::string(), rows = std::string()](const auto& take) mutable {
     const Descriptor file(path);
     const Decompressor decompressor(libdeflate_alloc_decompressor(), libdeflate_free_decompressor);
     for (const ZippedBlock& block : zipped) {
@@ -239,9 +238,9 @@ std::uint64_t bytesForASecond(const LongFile& file) {
   query.from = 100000.0005;
   query.to = 100001;
   std::size_t rows = 0;
-  const std::uint64_t bytes = readColumns(
-      file.file.path(), query,
-      [&](const mdf_reader::Batch& batch, const auto&) { rows += batch.rows(); });
+  const std::uint64_t bytes =
+      readColumns(file.file.path(), query,
+                  [&](const mdf_reader::Batch& batch, const auto&) { rows += batch.rows(); });
   require(rows == 1000, "the rows of a second");
   return bytes;
 }
@@ -302,9 +301,9 @@ void registerCases() {
   compare({"data/lists of transposed and zipped blocks",
            "libdeflate, a blocked transposition and strided loads", 1.25},
           [] { return zippedSides(true); });
-  compare({"data/60 channel groups in one data group", "sorting by record id and strided loads",
-           1.5},
-          mixedSides);
+  compare(
+      {"data/60 channel groups in one data group", "sorting by record id and strided loads", 1.5},
+      mixedSides);
   compare({"data/curves of 100 million samples", "reading their columns", 1.5}, plotSides);
   measure({"data/a second of 4 GiB, plain", "(MiB read)", 1}, mebibytesOfPlainData);
   measure({"data/a second of 4 GiB, zipped", "(blocks read)", 3}, blocksOfZippedData);

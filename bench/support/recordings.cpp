@@ -48,10 +48,10 @@ LINK FileMaker::appendData(const std::string& data) {
 
 ZippedBlock FileMaker::appendZipped(const std::string& data, std::uint32_t columns) {
   const std::string stream = zipped(columns == 0 ? data : transposed(data, columns));
-  DZBLOCK block(DTBLOCK::MDF_DT_ID,
-                columns == 0 ? DZBLOCK::DZ_ZIPTYPE_DEFLATE
-                             : DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE,
-                bytesOf(stream), stream.size());
+  DZBLOCK block(
+      DTBLOCK::MDF_DT_ID,
+      columns == 0 ? DZBLOCK::DZ_ZIPTYPE_DEFLATE : DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE,
+      bytesOf(stream), stream.size());
   block.setZipParameter(columns);
   block.setOriginalLength(data.size());
   const LINK at = append(block);

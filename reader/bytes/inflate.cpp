@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "framework/wire.h"
 
@@ -21,8 +22,9 @@ using Decompressor =
 
 /// Tries a buffer of one size; a stream that does not fit is `too_long`.
 Inflated inflateInto(libdeflate_decompressor* decompressor, std::string_view stream,
-                     std::size_t room) {
-  Inflated result{Inflating::broken, std::string(room, '\0')};
+                     std::size_t room, std::string bytes) {
+  bytes.resize(room);
+  Inflated result{Inflating::broken, std::move(bytes)};
   std::size_t size = 0;
   const libdeflate_result outcome = libdeflate_zlib_decompress(
       decompressor, stream.data(), stream.size(), result.bytes.data(), room, &size);
@@ -37,7 +39,7 @@ Inflated inflateInto(libdeflate_decompressor* decompressor, std::string_view str
 
 }  // namespace
 
-Inflated inflate(std::string_view stream, std::uint64_t stated_size) {
+Inflated inflate(std::string_view stream, std::uint64_t stated_size, std::string room_to_use) {
   const Decompressor decompressor(libdeflate_alloc_decompressor(), libdeflate_free_decompressor);
   if (!decompressor) {
     throw std::bad_alloc();
@@ -47,10 +49,10 @@ Inflated inflate(std::string_view stream, std::uint64_t stated_size) {
   constexpr std::uint64_t growth = 8;
   const std::uint64_t most = std::min(stated_size, stream.size() * most_from_a_byte);
   std::uint64_t room = std::min(most, stream.size() * usual_from_a_byte);
-  Inflated result = inflateInto(decompressor.get(), stream, hostSize(room));
+  Inflated result = inflateInto(decompressor.get(), stream, hostSize(room), std::move(room_to_use));
   while (result.state == Inflating::too_long && room < most) {
     room = std::min(most, room * growth);
-    result = inflateInto(decompressor.get(), stream, hostSize(room));
+    result = inflateInto(decompressor.get(), stream, hostSize(room), std::move(result.bytes));
   }
   if (result.state == Inflating::fine && room != stated_size) {
     result.state = Inflating::too_short;
@@ -58,13 +60,14 @@ Inflated inflate(std::string_view stream, std::uint64_t stated_size) {
   return result;
 }
 
-std::string transposedBack(std::string_view bytes, std::uint64_t columns) {
+void transposeBack(std::string_view bytes, std::uint64_t columns, std::string& rows) {
   if (columns < 2 || columns > bytes.size()) {
-    return std::string(bytes);
+    rows = bytes;
+    return;
   }
   const auto width = static_cast<std::size_t>(columns);
   const std::size_t height = bytes.size() / width;
-  std::string rows(bytes.size(), '\0');
+  rows.resize(bytes.size());
   // Some rows at a time, which stay in the processor's cache while each column adds its bytes.
   constexpr std::size_t room = std::size_t{1} << 14U;
   const std::size_t at_once = std::max<std::size_t>(1, room / width);
@@ -80,7 +83,6 @@ std::string transposedBack(std::string_view bytes, std::uint64_t columns) {
   }
   std::copy(bytes.begin() + static_cast<std::ptrdiff_t>(width * height), bytes.end(),
             rows.begin() + static_cast<std::ptrdiff_t>(width * height));
-  return rows;
 }
 
 }  // namespace mdf_reader

@@ -24,12 +24,14 @@ struct Inflated {
 /// Inflates a zlib stream (RFC 1950) to at most `stated_size` bytes. A stated size that lies costs
 /// no more memory than a few times the stream or what it holds: Deflate makes at most 1032 bytes of
 /// one.
-Inflated inflate(std::string_view stream, std::uint64_t stated_size);
+/// @param room a string whose memory may be used for the result.
+Inflated inflate(std::string_view stream, std::uint64_t stated_size, std::string room = {});
 
 /// Undoes the transposition of data that was stored column by column: of `columns` bytes in each
 /// row, first the first byte of all rows, then the second, and so on. Bytes after the last whole
 /// row stay as they are.
-std::string transposedBack(std::string_view bytes, std::uint64_t columns);
+/// @param rows is set to the result.
+void transposeBack(std::string_view bytes, std::uint64_t columns, std::string& rows);
 
 }  // namespace mdf_reader
 

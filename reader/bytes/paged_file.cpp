@@ -40,7 +40,8 @@ std::uint64_t PagedFile::size() const {
 
 std::string_view PagedFile::bytesAt(std::uint64_t offset) {
   if (!has(offset)) {
-    load(offset, small_piece);
+    constexpr std::size_t head_of_a_block = 64;
+    load(offset, head_of_a_block);
   }
   return there(offset);
 }
@@ -124,7 +125,8 @@ void PagedFile::loadSome(std::uint64_t offset, std::size_t wanted) {
   const std::uint64_t number = offset / page_size;
   const auto in_page = static_cast<std::size_t>(offset % page_size);
   const std::size_t begin = in_page / small_piece * small_piece;
-  const std::size_t end = std::min(begin + (in_page - begin + wanted > small_piece ? 2 : 1) * small_piece, page_size);
+  const std::size_t end =
+      std::min(begin + (in_page - begin + wanted > small_piece ? 2 : 1) * small_piece, page_size);
   const std::size_t got = readFile(number * page_size + begin,
                                    bytes_.get() + placeOf(number) * page_size + begin, end - begin);
   pages_[placeOf(number)] = {number, begin, begin + got, false};

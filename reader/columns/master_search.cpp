@@ -40,7 +40,7 @@ std::uint64_t MasterSearch::firstAfter(double limit) {
 }
 
 void MasterSearch::look() {
-  constexpr std::uint64_t looks = 32;
+  constexpr std::uint64_t looks = 16;
   for (std::uint64_t i = 1; i < looks; ++i) {
     value(begin_ + (end_ - begin_) / looks * i);
   }

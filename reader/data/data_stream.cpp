@@ -187,7 +187,8 @@ bool DataStream::show(std::uint64_t offset, std::size_t count) {
 bool DataStream::showPlain(const DataBlock& block, std::uint64_t begin, std::uint64_t offset,
                            std::size_t count) {
   const bool goes_forward = access_ == Access::forward && offset == window_begin_ + window_.size();
-  const std::uint64_t wanted = std::max(count, goes_forward ? most_read_ahead : least_read_ahead);
+  const std::size_t ahead = goes_forward ? std::min(most_read_ahead, 2 * window_.size()) : 0;
+  const std::uint64_t wanted = std::max({count, ahead, least_read_ahead});
   const std::uint64_t rest = endOf(last_piece_) - offset;
   plain_.resize(static_cast<std::size_t>(std::min(wanted, rest)));
   plain_.resize(file_.bytes().readAt(block.at + (offset - begin), plain_.data(), plain_.size()));
@@ -216,7 +217,9 @@ bool DataStream::showZipped(const DataBlock& block, const Piece& piece, std::uin
       return false;
     }
     unzipAhead();
-    Unzipped data = unzipper_.take(block);
+    window_ = {};
+    unzipped_block_ = 0;
+    Unzipped data = unzipper_.take(block, std::move(unzipped_));
     if (!data.problem.empty()) {
       endAt(piece.begin + data.bytes.size(), {data.code, piece.block, data.problem});
     }

@@ -3,24 +3,11 @@
 #include <algorithm>
 #include <string>
 
-#include "framework/wire.h"
-
 namespace mdf_reader {
 
 using mdf_v4_10::detail::hostSize;
-using mdf_v4_10::detail::loadLe;
 
 namespace {
-
-constexpr std::size_t length_bytes = 4;
-
-std::uint64_t loadId(std::string_view bytes) {
-  std::uint64_t id = 0;
-  for (std::size_t i = bytes.size(); i-- > 0;) {
-    id = (id << 8U) | static_cast<unsigned char>(bytes[i]);
-  }
-  return id;
-}
 
 /// What reading data with record ids of a width comes to.
 struct Trial {
@@ -71,13 +58,7 @@ RecordFormat::RecordFormat(const DataGroup& data_group, unsigned id_bytes) : id_
   }
 }
 
-const ChannelGroup* RecordFormat::groupOf(std::uint64_t id) const {
-  if (only_ != nullptr) {
-    return only_;
-  }
-  if (id < small_ids_.size()) {
-    return small_ids_[static_cast<std::size_t>(id)];
-  }
+const ChannelGroup* RecordFormat::groupOfLarge(std::uint64_t id) const {
   const auto group = large_ids_.find(id);
   return group == large_ids_.end() ? nullptr : group->second;
 }
@@ -87,7 +68,7 @@ Record RecordFormat::at(DataStream& data, std::uint64_t position) const {
   if (id_bytes.size() < id_bytes_) {
     return id_bytes.empty() ? Record() : Record{Record::torn, nullptr, {}, position, id_bytes_};
   }
-  const std::uint64_t id = loadId(id_bytes);
+  const std::uint64_t id = loadId(id_bytes.data());
   const ChannelGroup* const group = groupOf(id);
   if (group == nullptr) {
     return {Record::unknown_id, nullptr, {}, position, id};
@@ -115,7 +96,7 @@ Record RecordFormat::variable(DataStream& data, std::uint64_t position,
   if (bytes.size() < head) {
     return bytes.empty() ? Record() : Record{Record::torn, nullptr, {}, position, head};
   }
-  const std::uint64_t length = loadLe<std::uint32_t>(bytes.data() + id_bytes_);
+  const std::uint64_t length = lengthIn(bytes.data());
   bytes = data.at(position, hostSize(head + length));
   return bytes.size() < head + length
              ? Record{Record::past_end, nullptr, {}, position, length}

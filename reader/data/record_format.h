@@ -1,13 +1,16 @@
 #ifndef MDF_READER_DATA_RECORD_FORMAT_H_
 #define MDF_READER_DATA_RECORD_FORMAT_H_
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "../model/description.h"
 #include "data_stream.h"
+#include "framework/wire.h"
 
 namespace mdf_reader {
 
@@ -39,11 +42,51 @@ class RecordFormat {
   /// again.
   Record at(DataStream& data, std::uint64_t position) const;
 
+  /// The record that some bytes of the data begin with, where all of it is in them; nothing for
+  /// others.
+  /// @param position of the bytes in the data.
+  std::optional<Record> wholeIn(std::string_view bytes, std::uint64_t position) const {
+    const ChannelGroup* const group =
+        bytes.size() < id_bytes_ ? nullptr : groupOf(loadId(bytes.data()));
+    if (group == nullptr) {
+      return std::nullopt;
+    }
+    std::size_t head = id_bytes_;
+    std::uint64_t length = group->recordBytes();
+    if (group->holdsVariableLength()) {
+      head += length_bytes;
+      length = bytes.size() < head ? 0 : lengthIn(bytes.data());
+    }
+    if (bytes.size() < head || bytes.size() - head < length) {
+      return std::nullopt;
+    }
+    return Record{Record::whole, group, bytes.substr(head, static_cast<std::size_t>(length)),
+                  position + head + length, 0};
+  }
+
  private:
   Record fixed(DataStream& data, std::uint64_t position, const ChannelGroup& group) const;
   Record variable(DataStream& data, std::uint64_t position, const ChannelGroup& group) const;
 
-  const ChannelGroup* groupOf(std::uint64_t id) const;
+  static constexpr std::size_t length_bytes = 4;
+
+  std::uint64_t loadId(const char* bytes) const {
+    std::uint64_t id = 0;
+    for (std::size_t i = id_bytes_; i-- > 0;) {
+      id = (id << 8U) | static_cast<unsigned char>(bytes[i]);
+    }
+    return id;
+  }
+  std::uint64_t lengthIn(const char* record) const {
+    return mdf_v4_10::detail::loadLe<std::uint32_t>(record + id_bytes_);
+  }
+  const ChannelGroup* groupOf(std::uint64_t id) const {
+    if (only_ != nullptr) {
+      return only_;
+    }
+    return id < small_ids_.size() ? small_ids_[static_cast<std::size_t>(id)] : groupOfLarge(id);
+  }
+  const ChannelGroup* groupOfLarge(std::uint64_t id) const;
 
   unsigned id_bytes_;
   const ChannelGroup* only_ = nullptr;  ///< the group of all records without ids

@@ -473,11 +473,25 @@ std::unique_ptr<RecordCursor> Records::readUnsorted(const ChannelGroup& group) {
   return copy_->read(part->second, most);
 }
 
-/// Goes through unsorted data from the beginning, until the visitor ends it.
-void Records::walk(const std::function<bool(const Record& record)>& visit) {
+/// Goes through unsorted data from the beginning, until the visitor ends it: through the records
+/// that stand in memory together, and then the one that goes on elsewhere.
+template <class Visit>
+void Records::walk(const Visit& visit) {
   std::uint64_t position = 0;
-  for (Record record = format_.at(data_, position); record.group != nullptr && visit(record);
-       record = format_.at(data_, position)) {
+  while (true) {
+    std::string_view bytes = data_.from(position, 1, SIZE_MAX);
+    for (auto record = format_.wholeIn(bytes, position); record;
+         record = format_.wholeIn(bytes, position)) {
+      if (!visit(*record)) {
+        return;
+      }
+      bytes.remove_prefix(static_cast<std::size_t>(record->next - position));
+      position = record->next;
+    }
+    const Record record = format_.at(data_, position);
+    if (record.group == nullptr || !visit(record)) {
+      return;
+    }
     position = record.next;
   }
 }

@@ -141,7 +141,8 @@ class Records {
     return static_cast<std::size_t>(&group - data_group_.groups.data());
   }
   Extent& extentOf(const ChannelGroup& group) { return extents_[indexOf(group)]; }
-  void walk(const std::function<bool(const Record& record)>& visit);
+  template <class Visit>
+  void walk(const Visit& visit);
   Record lookThrough(std::uint64_t& position);
   void note(const Record& record, std::uint64_t position);
 

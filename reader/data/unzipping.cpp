@@ -28,29 +28,28 @@ std::string problemOf(const Inflated& inflated, std::uint64_t stated) {
          std::to_string(inflated.bytes.size());
 }
 
-std::string streamOf(InputFile& file, const DataBlock& block) {
-  std::string stream(static_cast<std::size_t>(block.stored), '\0');
+void readStream(InputFile& file, const DataBlock& block, std::string& stream) {
+  stream.resize(static_cast<std::size_t>(block.stored));
   stream.resize(file.readAt(block.at, stream.data(), stream.size()));
-  return stream;
 }
 
-Unzipped unzipStream(const std::string& stream, const DataBlock& block) {
-  Inflated inflated = inflate(stream, block.original);
+/// @param columns what is to be transposed, and a room for it.
+Unzipped unzip(const std::string& stream, const DataBlock& block, std::string room,
+               std::string& columns) {
+  const bool is_transposed = block.columns > 1;
+  Inflated inflated = inflate(stream, block.original, std::move(is_transposed ? columns : room));
   const Code code =
       inflated.state == Inflating::broken ? Code::zip_broken : Code::zip_original_length_wrong;
   const std::string problem = problemOf(inflated, block.original);
-  Unzipped unzipped{std::move(inflated.bytes), code, problem};
-  if (block.columns > 1) {
-    unzipped.bytes = transposedBack(unzipped.bytes, block.columns);
+  if (is_transposed) {
+    columns = std::move(inflated.bytes);
+    transposeBack(columns, block.columns, room);
+    return {std::move(room), code, problem};
   }
-  return unzipped;
+  return {std::move(inflated.bytes), code, problem};
 }
 
 }  // namespace
-
-Unzipped unzip(InputFile& file, const DataBlock& block) {
-  return unzipStream(streamOf(file, block), block);
-}
 
 bool UnzipperAhead::hasRoomFor(const DataBlock& block) const {
   return threads_ > 1 && pending_.size() < threads_ && block.original >= worth_a_thread &&
@@ -58,7 +57,12 @@ bool UnzipperAhead::hasRoomFor(const DataBlock& block) const {
 }
 
 void UnzipperAhead::begin(const DataBlock& block) {
-  const auto work = [stream = streamOf(file_, block), block] { return unzipStream(stream, block); };
+  std::string stream;
+  readStream(file_, block, stream);
+  const auto work = [stream = std::move(stream), block] {
+    std::string columns;
+    return unzip(stream, block, {}, columns);
+  };
   try {
     pending_.push_back({block.at, block.original, std::async(std::launch::async, work)});
     bytes_ += block.original;
@@ -67,7 +71,7 @@ void UnzipperAhead::begin(const DataBlock& block) {
   }
 }
 
-Unzipped UnzipperAhead::take(const DataBlock& block) {
+Unzipped UnzipperAhead::take(const DataBlock& block, std::string room) {
   while (!pending_.empty()) {
     Pending first = std::move(pending_.front());
     pending_.pop_front();
@@ -76,7 +80,8 @@ Unzipped UnzipperAhead::take(const DataBlock& block) {
       return first.data.get();
     }
   }
-  return unzip(file_, block);
+  readStream(file_, block, stream_);
+  return unzip(stream_, block, std::move(room), columns_);
 }
 
 }  // namespace mdf_reader

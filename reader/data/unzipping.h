@@ -21,9 +21,6 @@ struct Unzipped {
   std::string problem;  ///< a sentence, "" for none
 };
 
-/// The data of a zipped block.
-Unzipped unzip(InputFile& file, const DataBlock& block);
-
 /// Unzips blocks on other cores while their reader is at work on those before. The file is read by
 /// the caller's thread alone.
 class UnzipperAhead {
@@ -38,7 +35,8 @@ class UnzipperAhead {
   /// How many blocks were begun with, and not asked for yet.
   std::size_t pending() const { return pending_.size(); }
   /// The data of a block. Those begun with before it are dropped.
-  Unzipped take(const DataBlock& block);
+  /// @param room a string that is not needed any more, whose memory may be used.
+  Unzipped take(const DataBlock& block, std::string room);
 
  private:
   struct Pending {
@@ -51,6 +49,8 @@ class UnzipperAhead {
   std::size_t threads_;
   std::uint64_t bytes_ = 0;  ///< of all that are pending
   std::deque<Pending> pending_;
+  std::string stream_;
+  std::string columns_;
 };
 
 }  // namespace mdf_reader

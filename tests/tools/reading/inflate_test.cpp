@@ -10,7 +10,6 @@ using namespace mdf_tests;
 using mdf_reader::inflate;
 using mdf_reader::Inflated;
 using mdf_reader::Inflating;
-using mdf_reader::transposedBack;
 
 namespace {
 
@@ -38,6 +37,12 @@ TEST(Inflate, DamagedStreams) {
 
 TEST(Inflate, AStatedSizeThatCannotBeCostsNothing) {
   expectInflated(inflate(zippedAbc(), UINT64_MAX), Inflating::too_short, "abc");
+}
+
+std::string transposedBack(const std::string& bytes, std::uint64_t columns) {
+  std::string rows = "what was there before";
+  mdf_reader::transposeBack(bytes, columns, rows);
+  return rows;
 }
 
 TEST(TransposedBack, ColumnsBecomeRows) {
