@@ -117,7 +117,7 @@ RemoteMaster* RemoteMasters::masterAt(std::uint64_t group_offset) {
 
 bool RemoteMasters::areSorted(RemoteMaster& master) {
   if (!master.are_sorted) {
-    master.are_sorted = recordsOf(*master.data_group).areSorted(*master.group);
+    master.are_sorted = recordsOf(*master.data_group)->areSorted(*master.group);
   }
   return *master.are_sorted;
 }
@@ -131,20 +131,21 @@ void RemoteMasters::listGroups() {
 }
 
 /// Many groups may have the same master: what its data has shown is kept for the next one.
-Records& RemoteMasters::recordsOf(const DataGroup& data_group) {
+const std::shared_ptr<Records>& RemoteMasters::recordsOf(const DataGroup& data_group) {
   if (data_group_ != &data_group) {
     constexpr std::uint64_t for_looking_again = 65536;
     budget_.spend(for_looking_again + (records_ ? records_->storedBytes() : 0));
-    records_ = std::make_unique<Records>(file_, data_group, silent_);
+    records_ = std::make_shared<Records>(file_, data_group, silent_);
     data_group_ = &data_group;
   }
-  return *records_;
+  return records_;
 }
 
 std::unique_ptr<MasterRecords> RemoteMasters::recordsFor(const ChannelGroup& group,
                                                          const RemoteMaster& master) {
-  return std::make_unique<MasterRecords>(recordsOf(*master.data_group).sortedRecords(*master.group),
-                                         group, budget_, report_);
+  const auto& records = recordsOf(*master.data_group);
+  return std::make_unique<MasterRecords>(records, records->sortedRecords(*master.group), group,
+                                         budget_, report_);
 }
 
 }  // namespace mdf_reader

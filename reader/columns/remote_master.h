@@ -31,9 +31,14 @@ struct RemoteMaster {
 /// The records of the group with the master, one for each sample of the group without.
 class MasterRecords {
  public:
-  MasterRecords(SortedRecords records, const ChannelGroup& group, WorkBudget& budget,
-                const FindingSink& report)
-      : records_(std::move(records)), group_(group), budget_(budget), report_(report) {}
+  /// @param of what the records are of.
+  MasterRecords(std::shared_ptr<Records> of, SortedRecords records, const ChannelGroup& group,
+                WorkBudget& budget, const FindingSink& report)
+      : of_(std::move(of)),
+        records_(std::move(records)),
+        group_(group),
+        budget_(budget),
+        report_(report) {}
 
   /// The record of a number; numbers go up. Nothing where there is none; the first missing one is
   /// reported.
@@ -45,6 +50,7 @@ class MasterRecords {
  private:
   void endAt(Code code, const std::string& sentence);
 
+  std::shared_ptr<Records> of_;
   SortedRecords records_;
   const ChannelGroup& group_;
   WorkBudget& budget_;
@@ -61,14 +67,14 @@ class RemoteMasters {
   /// Null for a group that has none, and, with a finding, where it cannot be had.
   const RemoteMaster* of(const ChannelGroup& group);
 
-  /// The records with the master that was found last, valid until another is looked for.
+  /// The records with the master that was found last.
   std::unique_ptr<MasterRecords> recordsFor(const ChannelGroup& group, const RemoteMaster& master);
 
  private:
   void listGroups();
   RemoteMaster* masterAt(std::uint64_t group_offset);
   bool areSorted(RemoteMaster& master);
-  Records& recordsOf(const DataGroup& data_group);
+  const std::shared_ptr<Records>& recordsOf(const DataGroup& data_group);
 
   DataFile& file_;
   const Description& description_;
@@ -76,7 +82,7 @@ class RemoteMasters {
   FindingSink silent_;  ///< problems there are reported when that group is visited
   /// By the offsets of their groups. The names of their columns are not known at first.
   std::unordered_map<std::uint64_t, RemoteMaster> masters_;
-  std::unique_ptr<Records> records_;
+  std::shared_ptr<Records> records_;
   const DataGroup* data_group_ = nullptr;  ///< the one that they are of
   WorkBudget budget_;  ///< for what all readers of masters take of the file together
 };

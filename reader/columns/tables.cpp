@@ -29,6 +29,8 @@ namespace {
 constexpr std::size_t most_at_once = 4096;                      // records, which stay in the cache
 constexpr std::size_t room_for_values = std::size_t{1} << 20U;  // of the records taken at once
 constexpr std::size_t most_bytes = std::size_t{1} << 23U;       // of a batch
+constexpr std::size_t most_columns = 65536;                     // of tables at a time
+constexpr std::size_t rows_beside = 256;                        // of their batches
 
 /// The patterns that choose channels, and which of them have matched.
 class Patterns {
@@ -82,9 +84,11 @@ class Tables::Walk {
   }
 
   Table* next();
+  std::vector<std::unique_ptr<Table>> all(const ChannelGroup* base);
   std::vector<TableHead> heads(std::size_t most);
   std::size_t count() const { return count_; }
   const Header& header() const { return description_.header; }
+  const std::vector<DataGroup>& dataGroups() const { return description_.data_groups; }
   void examine();
 
  private:
@@ -92,12 +96,14 @@ class Tables::Walk {
   void enter(const DataGroup& data_group);
   void makeRecords(const DataGroup& data_group);
   void expectGroups(const DataGroup& data_group);
-  bool fitsAny(const std::vector<ColumnPlan>& plans);
+  bool fitsAny(const ChannelGroup& group, const std::vector<ColumnPlan>& plans);
   void examineWhatIsNoTable(const DataGroup& data_group);
   bool haveDataOfTheirOwn(const DataGroup& data_group);
   void examineGroup(const ChannelGroup& group);
   bool isWanted(const ChannelGroup& group) const;
-  bool isLimited() const { return query_.from || query_.to; }
+  bool isBase(const ChannelGroup& group) const { return &group == base_; }
+  bool isLimited() const { return !are_beside_ && (query_.from || query_.to); }
+  const Query& queryOf(const ChannelGroup& group) const;
   std::unique_ptr<Table> tableOf(const DataGroup& data_group, const ChannelGroup& group);
   std::vector<ColumnPlan> plansOf(const ChannelGroup& group, const RemoteMaster* remote);
   static bool hasMaster(const ChannelGroup& group, const std::vector<ColumnPlan>& plans,
@@ -117,14 +123,19 @@ class Tables::Walk {
   DataFile data_file_;
   Conversions conversions_;
   RemoteMasters remote_masters_;
-  std::unique_ptr<Records> records_;  ///< of the data group that is being visited
+  std::shared_ptr<Records> records_;  ///< of the data group that is being visited
   std::unordered_map<std::uint64_t, const ChannelGroup*> groups_;  ///< of it, by their offsets
   std::unordered_map<std::uint64_t, const Channel*> channels_;     ///< of one group, the same
   std::size_t data_group_ = 0;  ///< where the walk is: the next group
   std::size_t group_ = 0;
   std::unique_ptr<Table> table_;
+  bool has_wanted_ = false;  ///< channels, the group whose columns were planned last
   std::size_t count_ = 0;
   bool is_examining_ = false;
+  bool are_beside_ = false;  ///< the tables, all at a time
+  const ChannelGroup* base_ = nullptr;
+  Query base_query_;
+  Query beside_query_;  ///< of the other tables
 };
 
 Table* Tables::Walk::next() {
@@ -141,7 +152,7 @@ Table* Tables::Walk::next() {
       const ChannelGroup& group = data_group.groups[group_++];
       table_ = isWanted(group) ? tableOf(data_group, group) : nullptr;
       if (table_ != nullptr) {
-        ++count_;
+        count_ += has_wanted_ ? 1 : 0;
         return table_.get();
       }
     }
@@ -154,6 +165,40 @@ Table* Tables::Walk::next() {
     }
   }
   return nullptr;
+}
+
+std::vector<std::unique_ptr<Table>> Tables::Walk::all(const ChannelGroup* base) {
+  are_beside_ = true;
+  base_ = base;
+  base_query_ = query_;
+  base_query_.batch_rows = std::min(query_.batch_rows, rows_beside);
+  beside_query_ = base_query_;
+  beside_query_.first.reset();
+  beside_query_.last.reset();
+  beside_query_.stride = 1;
+  std::vector<std::unique_ptr<Table>> tables;
+  std::size_t columns = 0;
+  std::size_t left_out = 0;
+  while (next() != nullptr) {
+    columns += table_->head().columns.size();
+    if (columns <= most_columns || isBase(table_->group())) {
+      tables.push_back(std::move(table_));
+    } else {
+      ++left_out;
+    }
+  }
+  if (left_out > 0) {
+    note_("a table has room for " + std::to_string(most_columns) + " channels; " +
+          std::to_string(left_out) + (left_out == 1 ? " group is" : " groups are") + " left out");
+  }
+  return tables;
+}
+
+const Query& Tables::Walk::queryOf(const ChannelGroup& group) const {
+  if (!are_beside_) {
+    return query_;
+  }
+  return isBase(group) ? base_query_ : beside_query_;
 }
 
 void Tables::Walk::begin() {
@@ -173,7 +218,7 @@ void Tables::Walk::examineWhatIsNoTable(const DataGroup& data_group) {
 
 void Tables::Walk::makeRecords(const DataGroup& data_group) {
   if (!records_) {
-    records_ = std::make_unique<Records>(data_file_, data_group, report_);
+    records_ = std::make_shared<Records>(data_file_, data_group, report_);
     if (data_group.groups.size() > 1) {
       expectGroups(data_group);
     }
@@ -189,7 +234,7 @@ void Tables::Walk::expectGroups(const DataGroup& data_group) {
         !is_examining_ || group.hasRemoteMaster() ||
         std::any_of(group.channels.begin(), group.channels.end(),
                     [](const Channel& each) { return each.type == Channel::variable_length; });
-    if (is_read && isWanted(group) && fitsAny(columnsOf(group, nobody))) {
+    if (is_read && isWanted(group) && (isBase(group) || fitsAny(group, columnsOf(group, nobody)))) {
       expected.push_back(&group);
     }
   }
@@ -263,10 +308,11 @@ bool Tables::Walk::haveDataOfTheirOwn(const DataGroup& data_group) {
 }
 
 bool Tables::Walk::isWanted(const ChannelGroup& group) const {
-  return !group.holdsVariableLength() && isChosen(group, query_.group);
+  return !group.holdsVariableLength() && (isBase(group) || isChosen(group, query_.group));
 }
 
-/// The wanted columns of a group, after its own master channel's; none when no channel is wanted.
+/// The wanted columns of a group, after its own master channel's; none when no channel is wanted,
+/// of the base its own master's.
 std::vector<ColumnPlan> Tables::Walk::plansOf(const ChannelGroup& group,
                                               const RemoteMaster* remote) {
   const Channel* master = group.masterChannel();
@@ -274,19 +320,21 @@ std::vector<ColumnPlan> Tables::Walk::plansOf(const ChannelGroup& group,
       columnsOf(group, report_, remote == nullptr ? "" : remote->plan.name);
   std::stable_partition(plans.begin(), plans.end(),
                         [&](const ColumnPlan& plan) { return plan.channel == master; });
-  const auto is_wanted = [&](const ColumnPlan& plan) { return patterns_.fit(plan); };
-  if (!fitsAny(plans)) {
+  has_wanted_ = fitsAny(group, plans);
+  if (!has_wanted_ && !isBase(group)) {
     return {};
   }
   const auto is_left_out = [&](const ColumnPlan& plan) {
-    return plan.channel != master && !is_wanted(plan);
+    return plan.channel != master && !(has_wanted_ && patterns_.fit(plan));
   };
   plans.erase(std::remove_if(plans.begin(), plans.end(), is_left_out), plans.end());
   return plans;
 }
 
-bool Tables::Walk::fitsAny(const std::vector<ColumnPlan>& plans) {
-  return std::any_of(plans.begin(), plans.end(),
+/// Whether any of a group's columns are wanted.
+bool Tables::Walk::fitsAny(const ChannelGroup& group, const std::vector<ColumnPlan>& plans) {
+  return isChosen(group, query_.group) &&
+         std::any_of(plans.begin(), plans.end(),
                      [this](const ColumnPlan& plan) { return patterns_.fit(plan); });
 }
 
@@ -300,7 +348,7 @@ std::unique_ptr<Table> Tables::Walk::tableOf(const DataGroup& data_group,
                                              const ChannelGroup& group) {
   const RemoteMaster* remote = remote_masters_.of(group);
   const std::vector<ColumnPlan> plans = plansOf(group, remote);
-  if (plans.empty()) {
+  if (plans.empty() && (remote == nullptr || !isBase(group))) {
     return nullptr;
   }
   const bool has_master = hasMaster(group, plans, remote);
@@ -311,9 +359,9 @@ std::unique_ptr<Table> Tables::Walk::tableOf(const DataGroup& data_group,
   }
   makeRecords(data_group);
   std::vector<Column> columns = columnsFor(group, plans, remote);
-  return std::unique_ptr<Table>(
-      new Table({&group, {}, has_master, records_->idBytes() + group.recordBytes()},
-                std::move(columns), records_->read(group), query_));
+  return std::unique_ptr<Table>(new Table(
+      {&group, {}, has_master, records_->idBytes() + group.recordBytes()},
+      {records_, records_->read(group), std::move(columns), are_beside_}, queryOf(group)));
 }
 
 std::vector<Column> Tables::Walk::columnsFor(const ChannelGroup& group,
@@ -404,10 +452,11 @@ std::unique_ptr<SignalValues> Tables::Walk::valuesOf(const Channel& channel) {
   return signalDataAt(data_file_, {channel.offset, channel.data}, report_);
 }
 
-Table::Table(TableHead head, std::vector<Column> columns, std::unique_ptr<RecordCursor> records,
-             const Query& query)
-    : columns_(std::move(columns)),
-      records_(std::move(records)),
+Table::Table(TableHead head, Source source, const Query& query)
+    : of_(std::move(source.of)),
+      columns_(std::move(source.columns)),
+      records_(std::move(source.records)),
+      has_more_(source.has_more),
       query_(query),
       batch_rows_(std::max<std::size_t>(1, query.batch_rows)) {
   std::size_t row_bytes = 1;
@@ -429,7 +478,7 @@ Table::Table(TableHead head, std::vector<Column> columns, std::unique_ptr<Record
   if (query.first) {
     end_ = position_ + std::min(*query.first, UINT64_MAX - position_);
   }
-  if (hasRange()) {
+  if (query_.from || query_.to) {
     narrow();
   }
 }
@@ -503,10 +552,11 @@ void Table::narrow() {
     return;
   }
   const std::uint64_t stride = stride_;
-  const std::uint64_t strides = (first - begin) / stride + ((first - begin) % stride == 0 ? 0 : 1);
+  const std::uint64_t most = (first - begin) / stride + ((first - begin) % stride == 0 ? 0 : 1);
+  const std::uint64_t strides = most - (has_more_ && most > 0 ? 1 : 0);
   records_->skip(strides * stride);
   position_ += strides * stride;
-  end_ = last;
+  end_ = has_more_ ? std::min(end, last + std::min(stride, end - last)) : last;
 }
 
 /// The master's value of any record; NaN where it cannot be had alone.
@@ -586,6 +636,12 @@ Tables::Tables(InputFile& file, const Query& query, const FindingSink& report, c
 Tables::~Tables() = default;
 
 Table* Tables::next() { return walk_->next(); }
+
+std::vector<std::unique_ptr<Table>> Tables::all(const ChannelGroup* base) {
+  return walk_->all(base);
+}
+
+const std::vector<DataGroup>& Tables::dataGroups() const { return walk_->dataGroups(); }
 
 const Header& Tables::header() const { return walk_->header(); }
 

@@ -18,6 +18,7 @@ namespace mdf_reader {
 
 class Column;
 class InputFile;
+class Records;
 
 /// Takes sentences for people that are not about a problem.
 using NoteSink = std::function<void(const std::string& sentence)>;
@@ -42,11 +43,19 @@ class Table {
 
  private:
   friend class Tables;
-  /// @param head what is known but for its columns.
-  Table(TableHead head, std::vector<Column> columns, std::unique_ptr<RecordCursor> records,
-        const Query& query);
 
-  bool hasRange() const { return query_.from || query_.to; }
+  /// What its rows are made of.
+  struct Source {
+    std::shared_ptr<Records> of;  ///< what the records are of
+    std::unique_ptr<RecordCursor> records;
+    std::vector<Column> columns;
+    bool has_more = false;  ///< than the query's limits allow, see Tables::all()
+  };
+
+  /// @param head what is known but for its columns.
+  Table(TableHead head, Source source, const Query& query);
+
+  bool hasRange() const { return !has_more_ && (query_.from || query_.to); }
   bool findRun();
   bool readOn();
   RecordSpan nextRecords();
@@ -58,8 +67,10 @@ class Table {
   void add();
 
   std::shared_ptr<const TableHead> head_;
+  std::shared_ptr<Records> of_;
   std::vector<Column> columns_;
   std::unique_ptr<RecordCursor> records_;
+  bool has_more_;
   const Query& query_;
   std::size_t batch_rows_;
   std::uint64_t position_ = 0;      ///< number of the next record to come
@@ -90,13 +101,24 @@ class Tables {
   /// The next table, in place of the one before; null after the last one.
   Table* next();
 
+  /// All tables at a time, in place of next(), to be read side by side: each reads the file by
+  /// itself, and none may outlast this object. `first`, `last` and `stride` of the query hold for
+  /// the base alone, and where records are looked up for `from` and `to`, one more comes on each
+  /// side; where they are not, all do.
+  /// @param base a table that comes even where it has no more to show than its master; null for
+  /// none.
+  std::vector<std::unique_ptr<Table>> all(const ChannelGroup* base);
+
+  /// The channel groups of the file, by their data groups, those of array elements too.
+  const std::vector<DataGroup>& dataGroups() const;
+
   /// What the header block of the file says.
   const Header& header() const;
 
   /// What is known of the first so many tables before records are read, whichever come next.
   std::vector<TableHead> heads(std::size_t most);
 
-  /// How many tables there were so far.
+  /// How many tables with wanted channels there were so far.
   std::size_t count() const;
 
  private:

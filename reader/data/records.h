@@ -75,8 +75,8 @@ class Records {
   /// once for all of these, and once for each other one.
   void expect(std::vector<const ChannelGroup*> groups) { expected_ = std::move(groups); }
 
-  /// Reads the records of a channel group, as many as countOf() says and there are. One group can
-  /// be read at a time, and this object must outlast the cursor.
+  /// Reads the records of a channel group, as many as countOf() says and there are. Groups can be
+  /// read side by side, each by one cursor; this object must outlast them.
   std::unique_ptr<RecordCursor> read(const ChannelGroup& group);
 
   /// Visits the same records.
