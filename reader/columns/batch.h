@@ -30,7 +30,7 @@ struct ColumnHead {
 /// What is known of a table before its rows: a channel group, or one element of an array in it
 /// whose elements have records of their own, with a column for each wanted channel.
 struct TableHead {
-  const ChannelGroup* group = nullptr;
+  const ChannelGroup* group = nullptr;  ///< null for rows at a rate, which are of no group
   std::vector<ColumnHead> columns;
   bool has_master = false;         ///< the first column is the master channel's
   std::uint64_t record_bytes = 0;  ///< in the file, with its record id; 0 before it was looked at
@@ -70,6 +70,7 @@ class Batch {
 
  private:
   friend class Table;
+  friend class JoinedTable;
 
   void clear() {
     std::for_each(columns_.begin(), columns_.end(), [](ColumnData& column) { column.clear(); });

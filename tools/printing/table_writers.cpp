@@ -138,15 +138,15 @@ void CsvWriter::addRows(const Batch& batch, std::size_t begin, std::size_t end,
 }
 
 void JsonLinesWriter::begin(const TableHead& table, std::string& text) {
-  const ChannelGroup& group = *table.group;
+  const ChannelGroup* const group = table.group;
   beginning_ = "{\"schema\":" + std::to_string(json_schema) + ",\"file\":";
   addJsonString(fromUtf8(file_), beginning_);
-  beginning_ += ",\"group\":" + std::to_string(group.index);
-  if (group.element) {
-    beginning_ += ",\"element\":" + std::to_string(*group.element);
+  beginning_ += ",\"group\":" + (group == nullptr ? "null" : std::to_string(group->index));
+  if (group != nullptr && group->element) {
+    beginning_ += ",\"element\":" + std::to_string(*group->element);
   }
   text += beginning_ + ",\"name\":";
-  addJsonString(fromUtf8(group.name.substr(0, 1024)), text);
+  addJsonString(group == nullptr ? "" : fromUtf8(group->name.substr(0, 1024)), text);
   text += ",\"columns\":[";
   names_.clear();
   for (const ColumnHead& column : table.columns) {
