@@ -1,6 +1,7 @@
 #include <csv.h>
 
 #include <cstddef>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -15,6 +16,7 @@
 #include "printing/table_writers.h"
 #include "reader/blocks/finding.h"
 #include "reader/bytes/input_file.h"
+#include "reader/columns/joined_table.h"
 #include "reader/columns/tables.h"
 #include "reader/values/text_encoding.h"
 #include "support/allocation_counter.h"
@@ -72,34 +74,48 @@ void expectSense(const TableStatistics& statistics) {
 class Trial {
  public:
   void take(Table& table) {
-    constexpr std::size_t most_values = 20000;
     ++tables_;
-    const std::size_t columns = table.head().columns.size();
-    std::string text;
-    std::string json;
-    csv_.begin(table.head(), text);
-    json_.begin(table.head(), json);
     collector_.begin(table.head());
     TableMeter meter(table.head());
-    const Batch* const batch = table.next();
-    if (batch != nullptr && values_ < most_values) {
-      values_ += batch->rows() * columns;
+    const Batch* batch = table.next();
+    batch = values_ < most_values ? batch : nullptr;
+    if (batch != nullptr) {
       collector_.take(*batch);
       meter.add(*batch);
-      csv_.addRows(*batch, 0, batch->rows(), text);
-      json_.addRows(*batch, 0, batch->rows(), json);
     }
-    expect(fromUtf8(text) == text, "text in UTF-8");
-    for (const std::size_t count : fieldsOf(text).counts) {
-      expect(count == columns, "a field for each column");
-    }
+    write(table.head(), batch);
     expectSense(meter.statistics());
+  }
+
+  /// Writes the first rows of a joined table.
+  void take(JoinedTable& table) {
+    if (table.problem().empty()) {
+      write(table.head(), values_ < most_values ? table.next() : nullptr);
+    }
   }
 
   std::size_t tables() const { return tables_; }
   std::string script() const { return gnuplotScript(curves_, {ChartForm::Kind::svg, "title"}); }
 
  private:
+  static constexpr std::size_t most_values = 20000;
+
+  void write(const TableHead& head, const Batch* batch) {
+    std::string text;
+    std::string json;
+    csv_.begin(head, text);
+    json_.begin(head, json);
+    if (batch != nullptr) {
+      values_ += batch->rows() * head.columns.size();
+      csv_.addRows(*batch, 0, batch->rows(), text);
+      json_.addRows(*batch, 0, batch->rows(), json);
+    }
+    expect(fromUtf8(text) == text, "text in UTF-8");
+    for (const std::size_t count : fieldsOf(text).counts) {
+      expect(count == head.columns.size(), "a field for each column");
+    }
+  }
+
   CsvWriter csv_;
   JsonLinesWriter json_{"file"};
   std::vector<Curve> curves_;
@@ -130,6 +146,12 @@ std::string tryExport(std::string_view input) {
     Tables tables(file, query, report, note);
     while (Table* const table = tables.next()) {
       trial.take(*table);
+    }
+    for (const TimeBase& base : {TimeBase{std::nullopt, "0", Between::held},
+                                 TimeBase{readRate("3Hz"), "", Between::linear}}) {
+      Tables beside(file, query, report, note);
+      JoinedTable joined(beside, query, base, note);
+      trial.take(joined);
     }
   }
   expect(!trial.script().empty(), "a picture of whatever there is");

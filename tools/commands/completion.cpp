@@ -185,7 +185,7 @@ void completeValue(const CLI::App& command, const CLI::Option& option,
     write(typesOf(command.get_name()), word.substr(last), before + word.substr(0, last), out);
   } else if (type == "CODE") {
     write(codes(), word, before, out);
-  } else if (type.find("N|GLOB") == 0) {
+  } else if (type.find("N|GLOB") == 0 || type.find("GROUP|") == 0) {
     write(namesIn(words, true), word, before, out);
   } else if (option.check_lname("channel") || command.get_name() == "channels") {
     const Candidates choices = choicesIn(type);

@@ -21,6 +21,7 @@
 #include "printing/output_buffer.h"
 #include "printing/table_writers.h"
 #include "reader/bytes/input_file.h"
+#include "reader/columns/joined_table.h"
 #include "sample_options.h"
 
 namespace mdf_tools {
@@ -62,6 +63,22 @@ Characters that some file system has no place for are replaced.
 A table without samples is left out, in a folder as in one output, and a note counts those;
 --empty writes them all the same, as a line of names.
 
+One table of several channel groups:
+--on-time GROUP has a row for each record of that group, at its time, and the wanted channels of all
+groups as columns. --on-time RATE has rows at equal distances, from the earliest sample of those
+channels (or --from) to the latest (or --to). RATE is a number with Hz, mHz, kHz, MHz, GHz, or with
+s, ms, us, ns for the time between rows: 10Hz and 100ms are the same. What reads as a RATE is none
+of a GROUP; to name a group "10Hz", give its number or a pattern such as "10H?".
+
+A row shows the latest sample at its time or before. With --linear, numbers lie on the line between
+the samples around the row, whatever their type; texts and bytes stay those before. A field is empty
+before the first sample of a channel and after the last one, where the sample to be shown is
+invalid, and on a line where one of the two is. Groups are left out, with a note, that have no
+master channel or one of another kind or unit than the rows (for a RATE: time in seconds), and
+records whose time goes backwards or is no finite number. Names that several groups have get the
+group's name in front, "engine.speed", or its number. --first, --last and --stride count records of
+GROUP, or rows. Groups are read side by side: memory grows with their number, not with the samples.
+
 Array elements that have records of their own become a table each, with the channels that they
 share: FILE.N.K_NAME.csv for element K of channel group N, numbered from 0; jsonl has K as "element".
 
@@ -70,6 +87,8 @@ Examples:
   mdf export trip.mf4 -o tables/                        a file for each channel group
   mdf export trip.mf4 -c 'speed*' -c rpm --from 10 --to 20
   mdf export trip.mf4 --group 0 --format jsonl | jq .values.time
+  mdf export trip.mf4 --on-time 10Hz -c 'speed*' -c rpm     ten rows a second
+  mdf export trip.mf4 --on-time engine --linear             rows where group "engine" has its own
 
 Exit code: 0 fine, 1 problems found in the file, 2 wrong arguments or unreadable file.)TXT";
 
@@ -81,6 +100,8 @@ struct Request {
   bool with_empty = false;
   int digits = 0;
   std::string time = "seconds";
+  std::optional<TimeBase> on_time;
+  bool is_linear = false;
 
   bool isToFolder() const {
     return !output.empty() && (output.back() == '/' || std::filesystem::is_directory(output));
@@ -170,7 +191,8 @@ class Destination {
   bool hasFailed() const { return has_failed_; }
 
   /// Where a table of an input file goes; the previous table has ended.
-  std::ostream* next(const std::string& path, const ChannelGroup& group,
+  /// @param label of the table in its file's name; "" for the only one.
+  std::ostream* next(const std::string& path, const std::string& label,
                      std::ostream& standard_output) {
     if (!request_.isToFolder()) {
       std::ostream& out = file_ == nullptr ? standard_output : file_->out();
@@ -180,7 +202,8 @@ class Destination {
       return &out;
     }
     close();
-    const std::string name = stemOf(path) + '.' + labelOf(group) + '.' + request_.format;
+    const std::string name =
+        stemOf(path) + (label.empty() ? "" : '.' + label) + '.' + request_.format;
     file_ = std::make_unique<TableFile>((std::filesystem::path(request_.output) / name).string());
     return file_->isOpen() ? &file_->out() : nullptr;
   }
@@ -228,8 +251,9 @@ void write(const std::string& text, std::ostream& out) {
   out.write(text.data(), static_cast<std::streamsize>(text.size()));
 }
 
-/// Writes a table whose first batch, if any, has been read.
-void writeTable(Table& table, const Batch* batch, TableWriter& writer, std::size_t threads,
+/// Writes a Table or a JoinedTable whose first batch, if any, has been read.
+template <class AnyTable>
+void writeTable(AnyTable& table, const Batch* batch, TableWriter& writer, std::size_t threads,
                 std::ostream& out) {
   std::string head;
   writer.begin(table.head(), head);
@@ -239,31 +263,67 @@ void writeTable(Table& table, const Batch* batch, TableWriter& writer, std::size
   }
 }
 
-/// Writes the tables of one file; returns how many there are.
-std::size_t writeTables(const Request& request, const FileContext& context,
-                        Destination& destination) {
+std::size_t threadsOf(const Request& request) {
+  return request.query->threads > 0 ? request.query->threads
+                                    : std::max(1U, std::thread::hardware_concurrency());
+}
+
+void noteLeftOut(std::size_t count, const NoteSink& note) {
+  if (count > 0) {
+    note(std::to_string(count) +
+         (count == 1 ? " table without samples is" : " tables without samples are") +
+         " left out; --empty writes such tables, too");
+  }
+}
+
+/// Writes the tables of one file; returns the exit code.
+int writeTables(const Request& request, const FileContext& context, Destination& destination) {
   const NoteSink note = notesOf(context);
   Tables tables(context.file, *request.query, context.report, note);
   const auto writer =
       writerOf(request.format, context.file.name(), formFor(request, tables.header(), note));
-  const std::size_t threads = request.query->threads > 0
-                                  ? request.query->threads
-                                  : std::max(1U, std::thread::hardware_concurrency());
   std::size_t left_out = 0;
   while (Table* const table = tables.next()) {
     const Batch* const first = table->next();
     if (first == nullptr && !request.with_empty) {
       ++left_out;
-    } else if (std::ostream* out = destination.next(context.path, table->group(), context.out)) {
-      writeTable(*table, first, *writer, threads, *out);
+    } else if (std::ostream* out =
+                   destination.next(context.path, labelOf(table->group()), context.out)) {
+      writeTable(*table, first, *writer, threadsOf(request), *out);
     }
   }
-  if (left_out > 0) {
-    note(std::to_string(left_out) +
-         (left_out == 1 ? " table without samples is" : " tables without samples are") +
-         " left out; --empty writes such tables, too");
+  noteLeftOut(left_out, note);
+  if (tables.count() == 0 && !(request.query->channels.empty() && request.query->group.empty())) {
+    note(nothingChosen(*request.query));
+    return exit_problem;
   }
-  return tables.count();
+  return exit_fine;
+}
+
+/// Writes the one table of one file that is on a time base; returns the exit code.
+int writeJoinedTable(const Request& request, const FileContext& context, Destination& destination) {
+  const NoteSink note = notesOf(context);
+  Query query = *request.query;
+  query.threads = 1;  // what many groups unzip ahead would take much memory
+  Tables tables(context.file, query, context.report, note);
+  JoinedTable table(tables, query, *request.on_time, note);
+  if (!table.problem().empty()) {
+    context.say(table.problem());
+    return exit_problem;
+  }
+  if (tables.count() == 0) {
+    note(nothingChosen(*request.query));
+    return exit_problem;
+  }
+  const Batch* const first = table.next();
+  if (first == nullptr && !request.with_empty) {
+    noteLeftOut(1, note);
+  } else if (std::ostream* out = destination.next(context.path, "", context.out)) {
+    const auto writer =
+        writerOf(request.format, context.file.name(), formFor(request, tables.header(), note));
+    writeTable(table, first, *writer, threadsOf(request), *out);
+  }
+  return exit_fine;
 }
 
 /// Whether the output would overwrite one of the files that are to be read.
@@ -288,6 +348,12 @@ std::optional<std::string> filesOfOneName(const Request& request) {
 }
 
 int run(const Request& request) {
+  if (request.on_time && request.on_time->rate && request.query->last) {
+    return complain(
+        "--last needs a channel group for --on-time: where the rows of a rate end is "
+        "known when all is read",
+        exit_unusable);
+  }
   if (overwritesInput(request)) {
     return complain("the output " + request.output + " is one of the files to read", exit_unusable);
   }
@@ -303,15 +369,41 @@ int run(const Request& request) {
   }
   int exit_code = exit_fine;
   const int reading = onEachFile(*request.paths, [&](const FileContext& context) {
-    const std::size_t count = writeTables(request, context, destination);
-    if (count == 0 && !(request.query->channels.empty() && request.query->group.empty())) {
-      notesOf(context)(nothingChosen(*request.query));
-      exit_code = exit_problem;
-    }
+    exit_code = std::max(exit_code, (request.on_time ? writeJoinedTable : writeTables)(
+                                        request, context, destination));
   });
   destination.close();
   return std::max(
       {exit_code, reading, destination.hasFailed() ? int{exit_problem} : int{exit_fine}});
+}
+
+/// Refuses rates such as "0Hz".
+CLI::Validator isNoUselessRate() {
+  return CLI::Validator(
+      [](const std::string& text) {
+        const auto rate = readRate(text);
+        return rate && !rate->isUsable()
+                   ? '"' + text + "\" is not a rate from 1e-9Hz to 1e9Hz, or from 1ns to 1e9s"
+                   : std::string();
+      },
+      "");
+}
+
+/// Adds --on-time and --linear.
+void addTimeBaseOptions(CLI::App& command, const std::shared_ptr<Request>& request) {
+  CLI::Option* const on_time =
+      command
+          .add_option_function<std::string>(
+              "--on-time",
+              [request](const std::string& text) {
+                request->on_time = TimeBase{readRate(text), text, Between::held};
+              },
+              "One table: rows where this channel group has them, or at a rate such as 10Hz")
+          ->type_name("GROUP|RATE")
+          ->check(isNoUselessRate())
+          ->excludes("--raw");
+  command.add_flag("--linear", request->is_linear, "Numbers on the line between two samples")
+      ->needs(on_time);
 }
 
 }  // namespace
@@ -332,6 +424,7 @@ void addExportCommand(CLI::App& app, int& exit_code) {
           "--json", [request] { request->format = "jsonl"; }, "The same as --format jsonl")
       ->excludes(format);
   request->query = addSelectionOptions(*command, false);
+  addTimeBaseOptions(*command, request);
   command->add_flag("--empty", request->with_empty, "Write tables without samples, too");
   command
       ->add_option("--time", request->time,
@@ -350,7 +443,12 @@ void addExportCommand(CLI::App& app, int& exit_code) {
       ->type_name("N")
       ->check(isCount() & CLI::Range(1, 256));
   command->footer(footer);
-  command->callback([request, &exit_code] { exit_code = run(*request); });
+  command->callback([request, &exit_code] {
+    if (request->on_time && request->is_linear) {
+      request->on_time->between = Between::linear;
+    }
+    exit_code = run(*request);
+  });
 }
 
 }  // namespace mdf_tools
