@@ -16,7 +16,10 @@
 
 #include "command.h"
 #include "extracting/file_name.h"
+#include "extracting/new_file.h"
 #include "file_command.h"
+#include "mat_output.h"
+#include "matlab/mat_library.h"
 #include "number_option.h"
 #include "printing/output_buffer.h"
 #include "printing/table_writers.h"
@@ -48,6 +51,12 @@ Formats:
          follow one another, with an empty line between them.
   jsonl  a line {"schema":2,"file":...,"group":N,"name":...,"columns":[{"name":...,"unit":...},...]} for each
          table and a line {"schema":2,"file":...,"group":N,"values":{"name":value,...}} for each sample.
+  mat    a MATLAB file, for which the library libmatio must be installed; with a folder for OUT,
+         FILE.mat there. Each table is a structure with a column for each channel, such as engine.rpm,
+         and with the original names and the units, engine.info.names.rpm and engine.info.units.rpm.
+         Integers keep their class unless values are missing: then they are double, with NaN. Texts and
+         bytes are cell arrays. The file is of version 5, compressed, or of version 7.3 where a
+         structure is larger than 2 GB. Each table is in memory while it is written.
 
 Names:
 Members of structures are called "structure.member", elements of arrays "name[0][1]", members of
@@ -87,6 +96,7 @@ Examples:
   mdf export trip.mf4 -o tables/                        a file for each channel group
   mdf export trip.mf4 -c 'speed*' -c rpm --from 10 --to 20
   mdf export trip.mf4 --group 0 --format jsonl | jq .values.time
+  mdf export trip.mf4 -o trip.mat                       a MATLAB file
   mdf export trip.mf4 --on-time 10Hz -c 'speed*' -c rpm     ten rows a second
   mdf export trip.mf4 --on-time engine --linear             rows where group "engine" has its own
 
@@ -96,7 +106,7 @@ struct Request {
   std::shared_ptr<std::vector<std::string>> paths;
   std::shared_ptr<Query> query;
   std::string output;
-  std::string format = "csv";
+  std::string format;
   bool with_empty = false;
   int digits = 0;
   std::string time = "seconds";
@@ -107,6 +117,7 @@ struct Request {
     return !output.empty() && (output.back() == '/' || std::filesystem::is_directory(output));
   }
   bool isToFile() const { return !output.empty() && output != "-" && !isToFolder(); }
+  bool isMat() const { return format == "mat"; }
 };
 
 int complain(const std::string& sentence, ExitCode exit_code) {
@@ -179,7 +190,7 @@ std::string stemOf(const std::string& path) {
 class Destination {
  public:
   explicit Destination(const Request& request) : request_(request) {
-    if (request.isToFile()) {
+    if (request.isToFile() && !request.isMat()) {
       file_ = std::make_unique<TableFile>(request.output);
     } else if (request.isToFolder()) {
       std::error_code ignored;  // opening a file in it fails then
@@ -276,21 +287,40 @@ void noteLeftOut(std::size_t count, const NoteSink& note) {
   }
 }
 
+/// Where the tables of one file go if that is a MATLAB file; null for another format.
+std::unique_ptr<MatOutput> matOutputOf(const Request& request, const FileContext& context,
+                                       const ValueForm& form, const NoteSink& note) {
+  if (!request.isMat()) {
+    return nullptr;
+  }
+  const std::string name = stemOf(context.path) + ".mat";
+  return std::make_unique<MatOutput>(request.isToFolder()
+                                         ? (std::filesystem::path(request.output) / name).string()
+                                         : request.output,
+                                     form, note);
+}
+
 /// Writes the tables of one file; returns the exit code.
 int writeTables(const Request& request, const FileContext& context, Destination& destination) {
   const NoteSink note = notesOf(context);
   Tables tables(context.file, *request.query, context.report, note);
-  const auto writer =
-      writerOf(request.format, context.file.name(), formFor(request, tables.header(), note));
+  const ValueForm form = formFor(request, tables.header(), note);
+  const auto writer = writerOf(request.format, context.file.name(), form);
+  const auto mat = matOutputOf(request, context, form, note);
   std::size_t left_out = 0;
   while (Table* const table = tables.next()) {
     const Batch* const first = table->next();
     if (first == nullptr && !request.with_empty) {
       ++left_out;
+    } else if (mat != nullptr) {
+      mat->add(*table, first);
     } else if (std::ostream* out =
                    destination.next(context.path, labelOf(table->group()), context.out)) {
       writeTable(*table, first, *writer, threadsOf(request), *out);
     }
+  }
+  if (mat != nullptr) {
+    mat->complete();
   }
   noteLeftOut(left_out, note);
   if (tables.count() == 0 && !(request.query->channels.empty() && request.query->group.empty())) {
@@ -316,11 +346,14 @@ int writeJoinedTable(const Request& request, const FileContext& context, Destina
     return exit_problem;
   }
   const Batch* const first = table.next();
+  const ValueForm form = formFor(request, tables.header(), note);
   if (first == nullptr && !request.with_empty) {
     noteLeftOut(1, note);
+  } else if (const auto mat = matOutputOf(request, context, form, note)) {
+    mat->add(table, first);
+    mat->complete();
   } else if (std::ostream* out = destination.next(context.path, "", context.out)) {
-    const auto writer =
-        writerOf(request.format, context.file.name(), formFor(request, tables.header(), note));
+    const auto writer = writerOf(request.format, context.file.name(), form);
     writeTable(table, first, *writer, threadsOf(request), *out);
   }
   return exit_fine;
@@ -347,7 +380,23 @@ std::optional<std::string> filesOfOneName(const Request& request) {
   return std::nullopt;
 }
 
-int run(const Request& request) {
+/// What a MATLAB file is not written for, if anything.
+std::optional<std::string> matRefusal(const Request& request) {
+  if (request.digits > 0) {
+    return "--digits is for text; numbers in a MATLAB file are exact";
+  }
+  std::error_code none;
+  if (!request.isToFolder() &&
+      (!request.isToFile() || std::filesystem::is_other(request.output, none))) {
+    return "a MATLAB file needs a file or a folder to be written to; name it with -o";
+  }
+  if (request.isToFile() && request.paths->size() > 1) {
+    return "each of several files gets a MATLAB file of its own; name a folder with -o";
+  }
+  return std::nullopt;
+}
+
+int exportFiles(const Request& request) {
   if (request.on_time && request.on_time->rate && request.query->last) {
     return complain(
         "--last needs a channel group for --on-time: where the rows of a rate end is "
@@ -356,6 +405,10 @@ int run(const Request& request) {
   }
   if (overwritesInput(request)) {
     return complain("the output " + request.output + " is one of the files to read", exit_unusable);
+  }
+  const auto refusal = request.isMat() ? matRefusal(request) : std::nullopt;
+  if (refusal) {
+    return complain(*refusal, exit_unusable);
   }
   const auto files = request.isToFolder() ? filesOfOneName(request) : std::nullopt;
   if (files) {
@@ -375,6 +428,20 @@ int run(const Request& request) {
   destination.close();
   return std::max(
       {exit_code, reading, destination.hasFailed() ? int{exit_problem} : int{exit_fine}});
+}
+
+int run(Request& request) {
+  if (request.format.empty()) {
+    const bool is_mat = std::filesystem::path(request.output).extension() == ".mat";
+    request.format = is_mat && request.isToFile() ? "mat" : "csv";
+  }
+  try {
+    return exportFiles(request);
+  } catch (const Unwritable& error) {
+    return complain(error.what(), exit_problem);
+  } catch (const NoMatLibrary& error) {
+    return complain(error.what(), exit_problem);
+  }
 }
 
 /// Refuses rates such as "0Hz".
@@ -409,7 +476,8 @@ void addTimeBaseOptions(CLI::App& command, const std::shared_ptr<Request>& reque
 }  // namespace
 
 void addExportCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("export", "Write the samples as CSV or JSON lines");
+  CLI::App* command =
+      app.add_subcommand("export", "Write the samples as CSV, JSON lines or a MATLAB file");
   const auto request = std::make_shared<Request>();
   request->paths = addFileArguments(*command);
   command
@@ -417,8 +485,8 @@ void addExportCommand(CLI::App& app, int& exit_code) {
                    "A file, a folder with / at its end, or - for standard output")
       ->type_name("OUT");
   CLI::Option* format = command->add_option("--format", request->format,
-                                            "The form of the tables; csv unless said otherwise");
-  format->check(CLI::IsMember({"csv", "jsonl"}))->option_text("csv|jsonl");
+                                            "The form of the tables; csv unless OUT ends in .mat");
+  format->check(CLI::IsMember({"csv", "jsonl", "mat"}))->option_text("csv|jsonl|mat");
   command
       ->add_flag_callback(
           "--json", [request] { request->format = "jsonl"; }, "The same as --format jsonl")

@@ -34,6 +34,7 @@ NewFile::NewFile(const std::string& folder, const std::string& name)
       shown_path_(folder + '/' + name),
       folder_(openFolder(folder)),
       temporary_name_(temporaryName()),
+      temporary_path_(folder + '/' + temporary_name_),
       file_(openat(folder_.number(), temporary_name_.c_str(),
                    O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666)) {
   if (file_.number() < 0) {

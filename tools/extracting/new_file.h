@@ -30,6 +30,9 @@ class NewFile {
   /// @throws Unwritable
   void write(std::string_view bytes);
 
+  /// Where the file is until it is complete, for whoever writes it by its path.
+  const std::string& temporaryPath() const { return temporary_path_; }
+
   /// Gives the file its name. An existing one is replaced or, unless `replaces`, left alone.
   /// @return false when there was one, which has been left alone.
   /// @throws Unwritable
@@ -42,6 +45,7 @@ class NewFile {
   std::string shown_path_;
   Descriptor folder_;
   std::string temporary_name_;
+  std::string temporary_path_;
   Descriptor file_;
 };
 

@@ -20,6 +20,9 @@ struct ValueForm {
   Time time = Time::seconds;          ///< of master channels that are times
   std::optional<StoredTime> start{};  ///< of the measurement, for all but seconds
 
+  /// Whether a column has times that are not written in seconds.
+  bool isTime(const TableHead& table, std::size_t column) const;
+
   /// Whether a column has times that are written as a date.
   bool isDate(const TableHead& table, std::size_t column) const {
     return time == Time::iso && isTime(table, column);
@@ -28,9 +31,6 @@ struct ValueForm {
   /// Appends a value; nothing where there is none. Times that the file stores as integers have no
   /// more decimal places than these.
   void print(const Batch& batch, std::size_t column, std::size_t row, std::string& text) const;
-
- private:
-  bool isTime(const TableHead& table, std::size_t column) const;
 };
 
 }  // namespace mdf_tools

@@ -54,7 +54,7 @@ TEST(CommandLine, WrongWordsAreRefusedWithOneSentence) {
       {{"list", "blocks", "--type", "CN,foo", "f"},
        "--type: there is no block type \"FOO\"; types have two letters, such as CN or CC"},
       {{"list", "blocks", "--sort", "x", "f"}, "--sort: x not in {offset,type,length,links}"},
-      {{"export", "--format", "xml", "f"}, "--format: xml not in {csv,jsonl}"},
+      {{"export", "--format", "xml", "f"}, "--format: xml not in {csv,jsonl,mat}"},
       {{"export", "--json", "--format", "csv", "f"}, "--format excludes --json"},
       {{"plot", "-c", "v", "--json", "--format", "svg", "f"}, "--format excludes --json"},
       {{"plot", "-c", "v", "--json", "-o", "a.svg", "f"}, "--output excludes --json"},
