@@ -1,7 +1,7 @@
 #include "sample_track.h"
 
 #include <cmath>
-#include <limits>
+#include <cstring>
 #include <utility>
 
 namespace mdf_reader {
@@ -13,6 +13,14 @@ double between(double left, double right, double fraction) {
   const double difference = right - left;
   return std::isfinite(difference) ? left + difference * fraction
                                    : left * (1 - fraction) + right * fraction;
+}
+
+/// A number of a column of this very type.
+template <class T>
+T numberAt(const Batch& batch, std::size_t column, std::size_t row) {
+  T number;
+  std::memcpy(&number, batch.column(column).bytes() + row * sizeof number, sizeof number);
+  return number;
 }
 
 std::string records(std::uint64_t count, const std::string& which) {
@@ -157,8 +165,7 @@ void SampleTrack::writeNumbers(std::size_t column, ColumnData& to) const {
     using T = decltype(zero);
     T* value = to.extend<T>(rows_.size());
     for (const Row& row : rows_) {
-      *value++ =
-          row.batch == nullptr ? zero : row.batch->column(column).template values<T>()[row.row];
+      *value++ = row.batch == nullptr ? zero : numberAt<T>(*row.batch, column, row.row);
     }
   });
   for (std::size_t i = 0; i < rows_.size(); ++i) {
@@ -176,7 +183,7 @@ void SampleTrack::writeLine(std::size_t column, ColumnData& to) const {
   const std::size_t begin = to.rows();
   withNumberType(head().columns[column].type, [&](auto zero) {
     const auto valueOf = [&](const Batch* batch, std::size_t row) {
-      return static_cast<double>(batch->column(column).template values<decltype(zero)>()[row]);
+      return static_cast<double>(numberAt<decltype(zero)>(*batch, column, row));
     };
     auto* value = to.extend<double>(rows_.size());
     for (const Row& row : rows_) {
