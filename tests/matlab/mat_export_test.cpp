@@ -221,6 +221,20 @@ TEST_F(MatExport, OptionsThatChoose) {
                 infoOfTime("0x0 char ''"));
 }
 
+TEST_F(MatExport, RowsAtARateAreATable) {
+  EXPECT_EQ(exported({"-o", mat, "--on-time", "4Hz", "-g", "1", "--time", "ns"}), wrote(""));
+  EXPECT_EQ(byOctave(mat), R"(table.time 2x1 int64 1700000000250000000 1700000000500000000
+table.x_l_0 2x1 uint8 20 30
+table.x_l_1 2x1 uint8 21 31
+table.info.names.time 1x4 char 'time'
+table.info.names.x_l_0 1x6 char 'Öl[0]'
+table.info.names.x_l_1 1x6 char 'Öl[1]'
+table.info.units.time 1x2 char 'ns'
+table.info.units.x_l_0 1x3 char '°C'
+table.info.units.x_l_1 1x3 char '°C'
+)");
+}
+
 TEST_F(MatExport, AFolderGetsAFileForEachInput) {
   folder.write("other.mf4", allKinds());
   const std::string to = (folder / "new").string() + '/';
