@@ -120,7 +120,7 @@ std::size_t SampleTrack::addRow(double time) {
   if (is_before_first || is_after_last) {
     return add({nullptr, 0, nullptr, 0, 0});
   }
-  if (between_ == Between::held || here_.time == time) {
+  if (between_ == Between::held || here_.time >= time) {
     return addSample();
   }
   const double fraction = (time - here_.time) / (next_.time - here_.time);

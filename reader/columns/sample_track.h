@@ -1,6 +1,7 @@
 #ifndef MDF_READER_COLUMNS_SAMPLE_TRACK_H_
 #define MDF_READER_COLUMNS_SAMPLE_TRACK_H_
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -52,9 +53,12 @@ class SampleTrack {
   }
   /// Goes to the next sample; false after the last one.
   bool goOn();
-  /// Goes to the last sample that is no later than a time. Times do not fall.
+  /// Goes to the last sample that is no later than a time, but for what the last digits of a double
+  /// make of it: 3 times 0.1 is later than 0.3. Times do not fall.
   void goTo(double time) {
-    while (next_.batch != nullptr && next_.time <= time) {
+    constexpr double some_digits = 8.9e-16;
+    const double latest = time + std::abs(time) * some_digits;
+    while (next_.batch != nullptr && next_.time <= latest) {
       goOn();
     }
   }

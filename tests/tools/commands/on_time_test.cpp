@@ -219,6 +219,11 @@ TEST(ExportOnTime, TimesThatAreWrittenAlikeAreAlike) {
   file.addSortedGroup({4, 2}, {time, value}, file.addData(Bytes().u8s({0, 1, 1, 2, 2, 3, 3, 4})));
   EXPECT_EQ(onTime(file, {"10Hz"}), wrote("time,v\n0,1\n0.1,2\n0.2,3\n0.3,4\n"));
   EXPECT_EQ(onTime(file, {"10Hz", "--from", "0.1"}), wrote("time,v\n0.1,2\n0.2,3\n0.3,4\n"));
+  FileBuilder doubles;
+  addGroup(doubles, "", "v", {{0, 1}, {0.1, 2}, {2 * 0.1, 3}, {3 * 0.1, 4}});
+  for (const std::string option : {"--empty", "--linear"}) {
+    EXPECT_EQ(onTime(doubles, {"10Hz", option}), wrote("time [s],v\n0,1\n0.1,2\n0.2,3\n0.3,4\n"));
+  }
 }
 
 TEST(ExportOnTime, OnlyGroupsOverTheSameAxis) {
