@@ -126,8 +126,8 @@ std::uint64_t readColumns(const std::string& path, mdf_reader::Query query, cons
   query.threads = 1;
   mdf_reader::Tables tables(file, query, report, note);
   while (mdf_reader::Table* const table = tables.next()) {
-    while (const mdf_reader::Batch* const batch = table->next()) {
-      take(*batch, table->head());
+    while (const mdf_reader::Batch* const rows = table->next()) {
+      take(*rows, table->head());
     }
   }
   return file.bytesRead();
