@@ -45,12 +45,13 @@ double ColumnData::real(std::size_t row) const {
 }
 
 std::vector<double> ColumnData::reals() const {
-  std::vector<double> numbers(rows_, std::numeric_limits<double>::quiet_NaN());
   if (!isNumber(type_)) {
-    return numbers;
+    return std::vector<double>(rows_, std::numeric_limits<double>::quiet_NaN());
   }
-  withNumberType(type_,
-                 [&](auto zero) { std::copy_n(values<decltype(zero)>(), rows_, numbers.begin()); });
+  std::vector<double> numbers = withNumberType(type_, [&](auto zero) {
+    const auto* const first = values<decltype(zero)>();
+    return std::vector<double>(first, first + rows_);
+  });
   for (std::size_t row = 0; null_count_ > 0 && row < rows_; ++row) {
     if (!isValid(row)) {
       numbers[row] = std::numeric_limits<double>::quiet_NaN();

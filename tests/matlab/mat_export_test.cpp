@@ -244,6 +244,11 @@ TEST_F(MatExport, AFolderGetsAFileForEachInput) {
   const std::string expected = "engine.time 2x1 double 0 0.25\n" + infoOfTime("1x1 char 's'");
   EXPECT_EQ(byOctave(to + "trip.mat"), expected);
   EXPECT_EQ(byOctave(to + "other.mat"), expected);
+
+  folder.write("measured.mat", allKinds());
+  const std::string measured = (folder / "measured.mat").string();
+  EXPECT_EQ(run({"export", "--format", "mat", measured, "-o", folder.path().string()}),
+            said(2, "the output " + measured + " is one of the files to read"));
 }
 
 TEST_F(MatExport, WhatItIsNotFor) {

@@ -287,17 +287,20 @@ void noteLeftOut(std::size_t count, const NoteSink& note) {
   }
 }
 
+/// Where the MATLAB file of an input goes.
+std::string matPathOf(const Request& request, const std::string& path) {
+  return request.isToFolder()
+             ? (std::filesystem::path(request.output) / (stemOf(path) + ".mat")).string()
+             : request.output;
+}
+
 /// Where the tables of one file go if that is a MATLAB file; null for another format.
 std::unique_ptr<MatOutput> matOutputOf(const Request& request, const FileContext& context,
                                        const ValueForm& form, const NoteSink& note) {
   if (!request.isMat()) {
     return nullptr;
   }
-  const std::string name = stemOf(context.path) + ".mat";
-  return std::make_unique<MatOutput>(request.isToFolder()
-                                         ? (std::filesystem::path(request.output) / name).string()
-                                         : request.output,
-                                     form, note);
+  return std::make_unique<MatOutput>(matPathOf(request, context.path), form, note);
 }
 
 /// Writes the tables of one file; returns the exit code.
@@ -359,13 +362,25 @@ int writeJoinedTable(const Request& request, const FileContext& context, Destina
   return exit_fine;
 }
 
-/// Whether the output would overwrite one of the files that are to be read.
-bool overwritesInput(const Request& request) {
-  return request.isToFile() &&
-         std::any_of(request.paths->begin(), request.paths->end(), [&](const std::string& path) {
-           std::error_code none;
-           return std::filesystem::equivalent(path, request.output, none);
-         });
+/// The output that would overwrite one of the files that are to be read, if there is one.
+std::optional<std::string> outputOverInput(const Request& request) {
+  std::vector<std::string> outputs;
+  if (request.isToFile()) {
+    outputs.push_back(request.output);
+  } else if (request.isMat() && request.isToFolder()) {
+    for (const std::string& path : *request.paths) {
+      outputs.push_back(matPathOf(request, path));
+    }
+  }
+  for (const std::string& output : outputs) {
+    for (const std::string& path : *request.paths) {
+      std::error_code none;
+      if (std::filesystem::equivalent(path, output, none)) {
+        return output;
+      }
+    }
+  }
+  return std::nullopt;
 }
 
 /// Two files whose tables would have the same names in a folder, if there are any.
@@ -403,8 +418,9 @@ int exportFiles(const Request& request) {
         "known when all is read",
         exit_unusable);
   }
-  if (overwritesInput(request)) {
-    return complain("the output " + request.output + " is one of the files to read", exit_unusable);
+  const auto overwritten = outputOverInput(request);
+  if (overwritten) {
+    return complain("the output " + *overwritten + " is one of the files to read", exit_unusable);
   }
   const auto refusal = request.isMat() ? matRefusal(request) : std::nullopt;
   if (refusal) {

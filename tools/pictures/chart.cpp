@@ -276,9 +276,7 @@ bool CurveCollector::take(const Batch& batch) {
   }
   for (std::size_t i = first_; i < curves_.size(); ++i) {
     const std::vector<double> y = batch.column(first_column + i - first_).reals();
-    for (std::size_t row = 0; row < batch.rows(); ++row) {
-      curves_[i].points.add(x[row], y[row]);
-    }
+    curves_[i].points.add(x.data(), y.data(), batch.rows());
   }
   return first_ < curves_.size();
 }

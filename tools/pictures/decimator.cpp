@@ -1,6 +1,7 @@
 #include "decimator.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -14,6 +15,44 @@ constexpr double most = 1e300;
 bool canBeDrawn(double number) { return std::abs(number) <= most; }
 
 constexpr double no_number = std::numeric_limits<double>::quiet_NaN();
+
+struct Ends {
+  double lowest;
+  double highest;
+};
+
+/// The lowest and the highest of at least one number. Lanes side by side let the compiler compare
+/// several numbers at a time.
+Ends endsOf(const double* y, std::size_t count) {
+  constexpr std::size_t lanes = 8;
+  std::array<double, lanes> lowest;
+  std::array<double, lanes> highest;
+  lowest.fill(y[0]);
+  highest.fill(y[0]);
+  std::size_t i = 0;
+  for (; i + lanes <= count; i += lanes) {
+    for (std::size_t lane = 0; lane < lanes; ++lane) {
+      lowest[lane] = y[i + lane] < lowest[lane] ? y[i + lane] : lowest[lane];
+      highest[lane] = y[i + lane] > highest[lane] ? y[i + lane] : highest[lane];
+    }
+  }
+  for (; i < count; ++i) {
+    lowest[0] = std::min(lowest[0], y[i]);
+    highest[0] = std::max(highest[0], y[i]);
+  }
+  return {*std::min_element(lowest.begin(), lowest.end()),
+          *std::max_element(highest.begin(), highest.end())};
+}
+
+/// Whether all points are between two values of x, and can be drawn.
+bool areBetween(const double* x, const double* y, std::size_t count, double from, double to) {
+  unsigned others = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    others |= static_cast<unsigned>(!(from < x[i])) | static_cast<unsigned>(!(x[i] < to)) |
+              static_cast<unsigned>(!canBeDrawn(y[i]));
+  }
+  return others == 0;
+}
 
 bool isGap(const Point& point) { return std::isnan(point.y); }
 
@@ -31,6 +70,19 @@ void Decimator::Column::add(const Point& point) {
     highest = point;
   }
   last = point;
+  ends_in_gap = false;
+}
+
+/// Most points are neither lower nor higher than those before: that is seen of some at a time, and
+/// which one it is only where it is one.
+void Decimator::Column::add(const double* x, const double* y, std::size_t count) {
+  const Ends ends = endsOf(y, count);
+  if (is_empty || ends.lowest < lowest.y || ends.highest > highest.y) {
+    for (std::size_t i = 0; i < count; ++i) {
+      add({x[i], y[i]});
+    }
+  }
+  last = {x[count - 1], y[count - 1]};
   ends_in_gap = false;
 }
 
@@ -61,6 +113,20 @@ void Decimator::add(double x, double y) {
     points_.push_back({x, y});
     if (points_.size() >= 4 * column_count_) {
       makeColumns();
+    }
+  }
+}
+
+void Decimator::add(const double* x, const double* y, std::size_t count) {
+  constexpr std::size_t at_once = 64;
+  for (std::size_t begin = 0; begin < count; begin += at_once) {
+    const std::size_t some = std::min(at_once, count - begin);
+    if (!columns_.empty() && areBetween(x + begin, y + begin, some, inside_from_, inside_to_)) {
+      columns_[last_column_].add(x + begin, y + begin, some);
+      continue;
+    }
+    for (std::size_t i = begin; i < begin + some; ++i) {
+      add(x[i], y[i]);
     }
   }
 }

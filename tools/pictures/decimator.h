@@ -20,6 +20,8 @@ class Decimator {
 
   /// Adds a point. Where the curve has no value, or one beyond what can be drawn, there is a gap.
   void add(double x, double y);
+  /// Adds points that follow one another.
+  void add(const double* x, const double* y, std::size_t count);
 
   /// The curve; from left to right if it was thinned out.
   std::vector<Point> points() const;
@@ -34,6 +36,7 @@ class Decimator {
     bool ends_in_gap = false;
 
     void add(const Point& point);
+    void add(const double* x, const double* y, std::size_t count);
     void append(const Column& right);
   };
 

@@ -69,6 +69,34 @@ TEST(Decimator, ManyPointsAreBoundedAndKeepTheirPeaks) {
                              [](const Point& a, const Point& b) { return a.x < b.x; }));
 }
 
+TEST(Decimator, PointsTogetherAreKeptAsOneByOne) {
+  std::vector<double> x;
+  std::vector<double> y;
+  for (int i = 0; i < 50000; ++i) {
+    x.push_back(i % 7001 == 5 ? -i : i);
+    y.push_back(i % 997 == 3 ? std::numeric_limits<double>::quiet_NaN() : std::sin(0.001 * i * i));
+  }
+  y[40000] = -1e301;
+  for (const std::size_t at_once : {1U, 63U, 64U, 65U, 1000U, 50000U}) {
+    Decimator together(20);
+    Decimator one_by_one(20);
+    for (std::size_t begin = 0; begin < x.size(); begin += at_once) {
+      const std::size_t count = std::min(at_once, x.size() - begin);
+      together.add(&x[begin], &y[begin], count);
+      for (std::size_t i = begin; i < begin + count; ++i) {
+        one_by_one.add(x[i], y[i]);
+      }
+    }
+    const std::vector<Point> actual = kept(together);
+    const std::vector<Point> expected = kept(one_by_one);
+    ASSERT_EQ(actual.size(), expected.size());
+    for (std::size_t i = 0; i < actual.size(); ++i) {
+      EXPECT_EQ(actual[i].x, expected[i].x) << i;
+      EXPECT_TRUE(actual[i].y == expected[i].y || std::isnan(expected[i].y)) << i;
+    }
+  }
+}
+
 TEST(Decimator, CurveThatGoesToTheLeft) {
   Decimator decimator(50);
   for (int i = 0; i < 10000; ++i) {
