@@ -1,8 +1,10 @@
-# What is installed of the reader library (component reader): itself, static and shared, the header
-# for C and those that mdf_reader/mdf_reader.h includes, and what CMake and pkg-config need to know.
+# What is installed of the reader library: the shared one (component reader_runtime), and what
+# programs are built with (component reader): the static one, the header for C and those that
+# mdf_reader/mdf_reader.h includes, and what CMake and pkg-config need to know.
 install(TARGETS mdf_reader EXPORT mdf-reader-targets ARCHIVE COMPONENT reader)
 if(MDF_BUILD_SHARED_READER)
-  install(TARGETS mdf_reader_shared EXPORT mdf-reader-targets LIBRARY COMPONENT reader)
+  install(TARGETS mdf_reader_shared EXPORT mdf-reader-targets
+    LIBRARY COMPONENT reader_runtime NAMELINK_COMPONENT reader)
 endif()
 set(mdf_reader_headers
   mdf_reader.h c_api.h
