@@ -210,21 +210,17 @@ void Column::appendValue(const RawType& type, std::string_view bytes, ColumnData
 
 /// Adds the physical values of the raw ones.
 void Column::appendConverted(ColumnData& to) {
+  const bool are_numbers = isNumber(raw_.type());
   for (std::size_t row = 0; row < raw_.rows(); ++row) {
-    if (raw_.isValid(row)) {
-      addResult(resultFor(row), row, to);
-    } else {
+    if (!raw_.isValid(row)) {
       to.addNulls(1);
+    } else if (are_numbers) {
+      addResult(resultOf(raw_.real(row)), row, to);
+    } else {
+      text_ = raw_.text(row);
+      addResult(source_.conversion->of(text_), row, to);
     }
   }
-}
-
-Conversion::Result Column::resultFor(std::size_t row) {
-  if (isNumber(raw_.type())) {
-    return resultOf(raw_.real(row));
-  }
-  text_ = raw_.text(row);
-  return source_.conversion->of(text_);
 }
 
 /// Channels whose values have texts have few different ones, most of which are found here again.

@@ -65,7 +65,6 @@ class Column {
   void appendEach(const RecordSpan& records, ColumnData& to);
   void appendValue(const RawType& type, std::string_view bytes, ColumnData& to);
   void appendConverted(ColumnData& to);
-  Conversion::Result resultFor(std::size_t row);
   const Conversion::Result& resultOf(double number);
   void addResult(const Conversion::Result& result, std::size_t row, ColumnData& to);
   bool hasInvalidationBit() const;

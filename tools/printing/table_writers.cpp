@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <future>
 #include <string_view>
 
@@ -18,12 +20,36 @@ using namespace mdf_reader;
 
 namespace {
 
+constexpr std::uint64_t each_byte = 0x0101010101010101U;
+
+/// Whether one of eight bytes is this character.
+bool has(std::uint64_t bytes, char character) {
+  const std::uint64_t different = bytes ^ (each_byte * static_cast<unsigned char>(character));
+  return ((different - each_byte) & ~different & (each_byte << 7U)) != 0;
+}
+
+bool isSpecial(std::uint64_t bytes) {
+  return has(bytes, ',') || has(bytes, '"') || has(bytes, '\r') || has(bytes, '\n');
+}
+
+/// Looks at eight characters at a time: most fields need no quotes.
 bool needsQuotes(std::string_view field) {
-  const auto is_special = [](char character) {
-    return character == ',' || character == '"' || character == '\r' || character == '\n';
-  };
-  return std::any_of(field.begin(), field.end(), is_special) ||
-         (!field.empty() && (field.front() == ' ' || field.back() == ' '));
+  if (field.empty()) {
+    return false;
+  }
+  std::uint64_t bytes = 0;
+  bool needs_them = field.front() == ' ' || field.back() == ' ';
+  if (field.size() < sizeof bytes) {
+    std::memcpy(&bytes, field.data(), field.size());
+    return needs_them || isSpecial(bytes);
+  }
+  const std::size_t last = field.size() - sizeof bytes;
+  for (std::size_t at = 0; at < last; at += sizeof bytes) {
+    std::memcpy(&bytes, field.data() + at, sizeof bytes);
+    needs_them = needs_them || isSpecial(bytes);
+  }
+  std::memcpy(&bytes, field.data() + last, sizeof bytes);
+  return needs_them || isSpecial(bytes);
 }
 
 void addQuoted(std::string_view field, std::string& line) {

@@ -768,6 +768,26 @@ TEST(Table, RangeOfTheMaster) {
   EXPECT_EQ(exported.notes.size(), 1U);  // the other group has no master
 }
 
+TEST(Table, CsvFieldsAreQuotedWhereverACommaOrALineEndIs) {
+  for (const std::uint32_t length : {1U, 7U, 8U, 9U, 20U}) {
+    std::string records(length, 'x');
+    std::string expected = "t\n" + records + '\n';
+    for (const char special : {',', '\r', '\n'}) {
+      for (std::uint32_t at = 0; at < length; ++at) {
+        std::string text(length, at % 2 == 0 ? '-' : '#');
+        text[at] = special;
+        records += text;
+        expected += '"' + text + "\"\n";
+      }
+    }
+    FileBuilder file;
+    file.addDataGroup({file.addChannelGroup({records.size() / length, length},
+                                            {file.addChannel(number("t", 6, 0, 8 * length))})},
+                      file.addData(records));
+    EXPECT_EQ(healthyCsvOf(file.bytes()), expected) << length;
+  }
+}
+
 TEST(Table, CsvFieldsAreQuotedWhereTheyNeedToBe) {
   FileBuilder file;
   ChannelSpec text = number("a, \"b\"", 7, 0, 32);
