@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "../bytes/input_file.h"
+#include "../bytes/printable.h"
 #include "framework/wire.h"
 
 namespace mdf_reader {
@@ -44,7 +45,7 @@ std::string otherVersion(const Identification& id) {
   const std::string text = id.version_text.substr(0, id.version_text.find(' '));
   const auto is_digit = [](char each) { return each >= '0' && each <= '9'; };
   if (text.size() >= 3 && is_digit(text[0]) && text[1] == '.' && is_digit(text[2])) {
-    return text[0] == '4' ? "" : text;
+    return text[0] == '4' ? "" : printable(text);
   }
   return id.version == 0 || id.isVersion4() ? "" : versionText(id.version);
 }

@@ -71,6 +71,7 @@ std::vector<std::pair<std::string, std::string>> unusableFiles() {
            "this is not an MDF file: it has only 63 of the 64 bytes of identification"},
           {earlierFile("3.30", 330), "this is MDF 3.30; only 4.x is read"},
           {earlierFile("2.14", 214), "this is MDF 2.14; only 4.x is read"},
+          {earlierFile("2.1\x7f", 210), "this is MDF 2.1\\x7f; only 4.x is read"},
           {earlierFile("3.00", 0x2C01), "this is MDF 3.00; only 4.x is read"},  // 300, big-endian
           {earlierFile("????", 310), "this is MDF 3.10; only 4.x is read"},
           {earlierFile("5.00", 500), "this is MDF 5.00; only 4.x is read"}};
