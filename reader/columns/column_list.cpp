@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "../model/array_elements.h"
 #include "../model/channel_names.h"
 #include "../values/text_encoding.h"
+#include "unique_names.h"
 
 namespace mdf_reader {
 
@@ -40,27 +40,6 @@ std::string indicesOf(const ArrayShape& array, std::uint64_t element) {
   }
   return text;
 }
-
-/// Makes all names different.
-class Names {
- public:
-  std::string unique(const std::string& name) {
-    if (taken_.insert(name).second) {
-      return name;
-    }
-    std::size_t& number = numbers_.try_emplace(name, 1).first->second;
-    std::string numbered;
-    do {
-      ++number;
-      numbered = name + " (" + std::to_string(number) + ')';
-    } while (!taken_.insert(numbered).second);
-    return numbered;
-  }
-
- private:
-  std::unordered_set<std::string> taken_;
-  std::unordered_map<std::string, std::size_t> numbers_;
-};
 
 /// Where a channel stands: in structures, and in elements of arrays.
 struct Place {
@@ -115,7 +94,7 @@ class Planner {
   std::size_t arrays_around_ = 0;
   std::size_t others_ = 0;  ///< columns outside arrays
   bool is_full_ = false;
-  Names names_;
+  UniqueNames names_;
 };
 
 std::string nameOf(const Channel& channel) {
