@@ -6,11 +6,11 @@
 #include <cstdint>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 #include "../model/group_choice.h"
 #include "../values/text_encoding.h"
+#include "unique_names.h"
 
 namespace mdf_reader {
 
@@ -80,26 +80,6 @@ std::optional<int> decimalsOf(double number) {
   const auto decimals = static_cast<int>(point == end.ptr ? 0 : end.ptr - point - 1);
   return end.ec == std::errc() && decimals <= 12 ? std::optional(decimals) : std::nullopt;
 }
-
-/// Names, each of which is used once.
-class Names {
- public:
-  void take(const std::string& name) { taken_.insert(name); }
-
-  /// The name, with the next number that is free where it is taken.
-  std::string unique(const std::string& name) {
-    std::string candidate = name;
-    while (!taken_.insert(candidate).second) {
-      std::size_t& number = numbers_.try_emplace(name, 1).first->second;
-      candidate = name + " (" + std::to_string(++number) + ')';
-    }
-    return candidate;
-  }
-
- private:
-  std::unordered_set<std::string> taken_;
-  std::unordered_map<std::string, std::size_t> numbers_;
-};
 
 }  // namespace
 
@@ -182,7 +162,6 @@ void JoinedTable::findStart() {
     const auto time = track.nextTime();
     start = time && !(start && *start <= *time) ? time : start;
   }
-  has_ended_ = !start;
   start_ = std::max(start.value_or(0), query_.from.value_or(start.value_or(0)));
 }
 
@@ -213,8 +192,8 @@ void JoinedTable::makeHead() {
       ++counts[column.name];
     }
   }
-  Names names;
-  names.take(head.columns.front().name);
+  UniqueNames names;
+  names.unique(head.columns.front().name);
   for (const SampleTrack& track : tracks_) {
     const ChannelGroup& group = *track.head().group;
     const bool is_named = isName(group.shownName()) && groups[group.shownName()] == 1;

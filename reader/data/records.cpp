@@ -518,6 +518,7 @@ void Records::copyExpected() {
   }
   if (!copy_ || !copy_->finish()) {
     parts_.clear();
+    copy_.reset();  // what it has taken of a full disk is given back
   }
 }
 

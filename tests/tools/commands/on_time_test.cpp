@@ -205,6 +205,15 @@ TEST(ExportOnTime, TimesThatDoNotGrow) {
       << held.messages;
   EXPECT_EQ(onTime(file, {"a"}).output, "time [s],v,w\n0,1,1\n2,3,3\n2,6,3\n3,8,4\n");
   EXPECT_EQ(onTime(file, {"b"}).output, "time [s],v,w\n0,1,1\n2,6,2\n2,6,3\n3,8,4\n");
+
+  FileBuilder none;
+  addGroup(none, "a", "v", {{NAN, 1}, {NAN, 2}});
+  for (const char* const base : {"a", "1Hz"}) {
+    EXPECT_TRUE(contains(onTime(none, {base}).messages,
+                         "note: channel group 0: 2 records without a time that is a finite number "
+                         "are left out\n"))
+        << base;
+  }
 }
 
 /// Tenths of a second, stored as integers: 3 times 0.1 is not the double nearest to 0.3.
