@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <unordered_map>
 
 #include "../model/array_elements.h"
 #include "../model/channel_names.h"
