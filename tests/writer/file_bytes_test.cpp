@@ -1,0 +1,160 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "../tools/support/file_builder.h"
+#include "support/bytes.h"
+#include "support/recorded_output.h"
+#include "writer/mdf_writer.h"
+
+namespace mdf_tests {
+namespace {
+
+using mdf_writer::Group;
+using mdf_writer::Options;
+using mdf_writer::Plan;
+using mdf_writer::Recording;
+
+constexpr std::uint64_t start = 1700000000000000000;
+
+void setUp(Plan& plan) {
+  plan.start = {start, 60, false};
+  plan.program = "testprog";
+  plan.program_vendor = "us & them";
+  plan.program_version = "1";
+  plan.properties = {{"author", "<me>"}};
+}
+
+/// The identification, the header and the history of the plan above, and the comment's place.
+FileBuilder startOfFile(const std::string& file_word = "MDF     ") {
+  FileBuilder file(file_word);
+  const std::uint64_t history_text = file.metadata(
+      R"(<FHcomment xmlns="http://www.asam.net/mdf/v4"><TX>recorded</TX><tool_id>testprog</tool_id>)"
+      R"(<tool_vendor>us &amp; them</tool_vendor><tool_version>1</tool_version></FHcomment>)");
+  const std::string time = Bytes().u64(start).i16(60).i16(0).u8(2);
+  file.link(FileBuilder::header, 1, file.add("FH", {0, history_text}, time + std::string(3, '\0')));
+  file.link(FileBuilder::header, 5,
+            file.metadata(
+                R"(<HDcomment xmlns="http://www.asam.net/mdf/v4"><TX>a run</TX><common_properties>)"
+                R"(<e name="author">&lt;me&gt;</e></common_properties></HDcomment>)"));
+  file.write(FileBuilder::header + 72, time);
+  return file;
+}
+
+/// The time channel of a group whose next channel is there.
+std::uint64_t addTime(FileBuilder& file, std::uint64_t next, std::uint32_t flags, double first,
+                      double last) {
+  const std::uint64_t name = file.text("time");
+  const std::uint64_t unit = file.text("s");
+  return file.add("CN", {next, 0, name, 0, 0, 0,
+                         unit, 0},
+                  Bytes().u8s({2, 1, 4, 0}).u32(0).u32(64).u32(flags).u32(0).u8(255).zeros(3)
+                      .f64(first).f64(last).zeros(32));
+}
+
+std::string listAndData(std::uint64_t data_at, std::uint64_t offset, const std::string& records) {
+  return Bytes().header("DL", 56, 2).u64(0).u64(data_at).u8s({0, 0, 0, 0}).u32(1).u64(offset).str() +
+         Bytes().header("DT", 24 + records.size(), 0).str() + records;
+}
+
+constexpr std::uint32_t monotonous = 2048;
+constexpr std::uint32_t range_valid = 8;
+
+std::string speedRecord(double time, std::uint8_t speed, std::uint8_t invalid) {
+  return Bytes().f64(time).u8(speed).u8(invalid);
+}
+
+/// A group with a time, a byte that may be invalid, and no more, that has these records in a list
+/// of one block.
+std::string speedFile(const std::string& records, std::uint64_t count, double first, double last) {
+  FileBuilder file = startOfFile();
+  const std::uint64_t name = file.text("speed");
+  const std::uint64_t unit = file.text("km/h");
+  const std::uint64_t speed = file.add(
+      "CN", {0, 0, name, 0, 0, 0, unit, 0},
+      Bytes().u8s({0, 0, 0, 0}).u32(8).u32(8).u32(2).u32(0).u8(255).zeros(3 + 16 + 32));
+  const std::uint64_t time = addTime(file, speed, monotonous + range_valid, first, last);
+  const std::uint64_t group_name = file.text("wheels");
+  const std::uint64_t group = file.add("CG", {0, time, group_name, 0, 0, 0},
+                                       Bytes().u64(0).u64(count).zeros(8).u32(9).u32(1));
+  file.addDataGroup({group}, 0);
+  const std::uint64_t list = (file.bytes().size() + 7) / 8 * 8;
+  file.link(list - 64, 2, list);
+  file.append(listAndData(list + 56, 0, records));
+  return file.bytes();
+}
+
+TEST(FileBytes, AreThoseOfThePlanAndOneBlockOfRecords) {
+  Plan plan("a run");
+  setUp(plan);
+  Group& wheels = plan.addGroup("wheels");
+  const auto speed = wheels.addChannel<std::uint8_t>("speed", "km/h");
+  wheels.mayBeInvalid(speed);
+  RecordedOutput output;
+  Options options;
+  options.flush_interval = 0;
+  Recording recording(output, plan, options);
+  ASSERT_TRUE(recording.good()) << recording.cause();
+  wheels.set(speed, 50);
+  EXPECT_TRUE(recording.append(wheels, 1'000'000'000));
+  wheels.setValid(speed, false);
+  EXPECT_TRUE(recording.append(wheels, 2'000'000'000));
+  EXPECT_TRUE(recording.finish());
+
+  EXPECT_EQ(output.bytes(), speedFile(speedRecord(1, 50, 0) +
+                                          speedRecord(2, 50, 1),
+                                      2, 1, 2));
+}
+
+TEST(FileBytes, SayBeforeTheEndThatCountsAreOpen) {
+  Plan plan("a run");
+  setUp(plan);
+  Group& wheels = plan.addGroup("wheels");
+  const auto speed = wheels.addChannel<std::uint8_t>("speed", "km/h");
+  wheels.mayBeInvalid(speed);
+  RecordedOutput output;
+  Recording recording(output, plan);
+  wheels.set(speed, 7);
+  recording.append(wheels, 5);  // the first record is flushed
+  recording.append(wheels, 6);  // the next one is not
+
+  std::string expected = speedFile(speedRecord(5e-9, 7, 0), 0, 0, 0);
+  expected.replace(0, 8, "UnFinMF ");
+  expected[60] = 1;
+  // Nor is the range of times stated.
+  expected[expected.rfind("##CN") + 88 + 12] = '\0';
+  EXPECT_EQ(output.bytes(), expected);
+}
+
+TEST(FileBytes, OfAPipeNeedNoRewriting) {
+  Plan plan("a run");
+  setUp(plan);
+  Group& state = plan.addGroup("state", Group::Order::own);
+  const auto text = state.addText("text");
+  RecordedOutput output(1 << 20, false);
+  Recording recording(output, plan);
+  state.set(text, "on");
+  EXPECT_TRUE(recording.append(state));
+  state.set(text, "");
+  EXPECT_TRUE(recording.append(state));
+  EXPECT_TRUE(recording.finish());
+
+  FileBuilder file = startOfFile("UnFinMF ");
+  file.write(60, std::string(1, 1 + 4 + 32));
+  const std::uint64_t values =
+      file.add("CG", {0, 0, 0, 0, 0, 0}, Bytes().u64(2).u64(0).u16(1).zeros(14));
+  const std::uint64_t name = file.text("text");
+  const std::uint64_t channel =
+      file.add("CN", {0, 0, name, 0, 0, values, 0, 0},
+               Bytes().u8s({1, 0, 7, 0}).u32(0).u32(64).zeros(8).u8(255).zeros(3 + 16 + 32));
+  const std::uint64_t group_name = file.text("state");
+  const std::uint64_t group = file.add("CG", {values, channel, group_name, 0, 0, 0},
+                                       Bytes().u64(1).zeros(16).u32(8).u32(0));
+  const std::uint64_t data_group = file.addDataGroup({group}, 0, 1);
+  file.link(data_group, 2, file.addData(""));
+  file.append(Bytes().u8(2).u32(2).text("on").u8(1).u64(0).u8(2).u32(0).u8(1).u64(6));
+  EXPECT_EQ(output.bytes(), file.bytes());
+}
+
+}  // namespace
+}  // namespace mdf_tests

@@ -1,0 +1,223 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <random>
+#include <string>
+#include <thread>
+
+#include "../tools/support/scratch_folder.h"
+#include "support/read_back.h"
+#include "support/recorded_output.h"
+#include "writer/mdf_writer.h"
+
+namespace mdf_tests {
+namespace {
+
+using mdf_writer::Durability;
+using mdf_writer::Group;
+using mdf_writer::Options;
+using mdf_writer::Plan;
+using mdf_writer::Recording;
+
+/// Two groups, one of which has texts. Both count, so that one sees what is missing.
+struct Counting {
+  Counting() : numbers(plan.addGroup("numbers")), texts(plan.addGroup("texts")) {
+    plan.start = {1700000000000000000, 0, false};
+  }
+
+  /// The k-th record of a group at k seconds; every tenth is also one of the texts.
+  bool append(Recording& recording, int k) {
+    numbers.set(number, static_cast<std::uint32_t>(k));
+    texts.set(text, textOf(k));
+    return recording.append(numbers, k * std::int64_t{1'000'000'000}) &&
+           (k % 10 != 0 || recording.append(texts, k * std::int64_t{1'000'000'000}));
+  }
+
+  static std::string textOf(int k) { return std::string(static_cast<std::size_t>(k % 70), 'x'); }
+
+  Plan plan;
+  Group& numbers;
+  Group& texts;
+  mdf_writer::Channel<std::uint32_t> number = numbers.addChannel<std::uint32_t>("number");
+  mdf_writer::VariableChannel text = texts.addText("text");
+};
+
+std::string numbersUpTo(std::uint64_t count) {
+  std::string table = count == 0 ? "" : "time,number\n";
+  for (std::uint64_t k = 0; k < count; ++k) {
+    table += std::to_string(k) + ',' + std::to_string(k) + '\n';
+  }
+  return table;
+}
+
+std::string textsUpTo(std::uint64_t count) {
+  std::string table = count == 0 ? "" : "time,text\n";
+  for (int k = 0; k < static_cast<int>(count); ++k) {
+    table += std::to_string(10 * k) + ',' + Counting::textOf(10 * k) + '\n';
+  }
+  return table;
+}
+
+std::uint64_t linesOf(const std::string& table) {
+  const auto lines = static_cast<std::uint64_t>(std::count(table.begin(), table.end(), '\n'));
+  return lines == 0 ? 0 : lines - 1;
+}
+
+/// The file is one without findings, and shows the first records of both groups, so many at least.
+void expectWhole(const std::string& file, std::uint64_t least_numbers, std::uint64_t least_texts) {
+  EXPECT_EQ(findingsOf(file), std::vector<std::string>());
+  const std::string numbers = tableOf(file, "numbers");
+  EXPECT_EQ(numbers, numbersUpTo(linesOf(numbers)));
+  EXPECT_GE(linesOf(numbers), least_numbers);
+  const std::string texts = tableOf(file, "texts");
+  EXPECT_EQ(texts, textsUpTo(linesOf(texts)));
+  EXPECT_GE(linesOf(texts), least_texts);
+}
+
+struct Case {
+  bool is_unsorted;
+  int flush_every;  ///< so many records
+};
+
+class Survival : public testing::TestWithParam<Case> {
+ protected:
+  Options options() const {
+    Options options;
+    options.block_bytes = 4096;
+    options.is_unsorted = GetParam().is_unsorted;
+    options.flush_interval = GetParam().flush_every * std::int64_t{1'000'000'000};
+    options.durability = Durability::flushes;
+    return options;
+  }
+};
+
+constexpr int records = 500;
+
+/// How many records were flushed after so many steps, and in all.
+struct Progress {
+  std::size_t steps;
+  std::uint64_t numbers;
+  std::uint64_t texts;
+};
+
+std::vector<Progress> recordAll(Counting& counting, RecordedOutput& output,
+                                const Options& options) {
+  std::vector<Progress> progress;
+  Recording recording(output, counting.plan, options);
+  EXPECT_TRUE(recording.good()) << recording.cause();
+  progress.push_back({output.steps().size(), 0, 0});
+  for (int k = 0; k < records; ++k) {
+    EXPECT_TRUE(counting.append(recording, k));
+    if (k % 100 == 7) {
+      EXPECT_TRUE(recording.flush());
+      progress.push_back({output.steps().size(), recording.records(counting.numbers),
+                          recording.records(counting.texts)});
+    }
+  }
+  EXPECT_TRUE(recording.finish()) << recording.cause();
+  progress.push_back({output.steps().size(), records, records / 10});
+  return progress;
+}
+
+TEST_P(Survival, EveryMomentLeavesAFileAndEveryPowerLossWhatWasFlushed) {
+  Counting counting;
+  RecordedOutput output;
+  const std::vector<Progress> progress = recordAll(counting, output, options());
+  std::mt19937 random(1);
+  std::size_t reached = 0;
+  std::string killed;
+  for (std::size_t done = 0; done <= output.steps().size(); ++done) {
+    if (done > 0) {
+      RecordedOutput::apply(output.steps()[done - 1], killed);
+    }
+    if (done < progress.front().steps) {
+      continue;  // the file does not have its name yet
+    }
+    while (reached + 1 < progress.size() && progress[reached + 1].steps <= done) {
+      ++reached;
+    }
+    SCOPED_TRACE("after step " + std::to_string(done));
+    expectWhole(killed, progress[reached].numbers, progress[reached].texts);
+    for (int i = 0; i < 3; ++i) {
+      expectWhole(afterPowerLoss(output.steps(), done, random), progress[reached].numbers,
+                  progress[reached].texts);
+    }
+    if (HasFailure()) {
+      break;
+    }
+  }
+  expectWhole(output.bytes(), records, records / 10);
+}
+
+TEST_P(Survival, AFullMediumLeavesAFinishedFileOfWhatItTook) {
+  std::uint64_t size = 0;
+  for (std::uint64_t room = 0; size == 0; room += 97) {
+    Counting counting;
+    RecordedOutput output(room);
+    Recording recording(output, counting.plan, options());
+    bool good = recording.good();
+    for (int k = 0; k < 600 && good; ++k) {
+      good = counting.append(recording, k);
+    }
+    if (recording.finish()) {
+      size = output.bytes().size();
+    }
+    if (output.bytes().substr(0, 3) != "MDF") {
+      EXPECT_EQ(recording.cause(), "cannot record to: the medium is full; nothing was recorded");
+      continue;
+    }
+    SCOPED_TRACE("room for " + std::to_string(room) + " bytes: " + recording.cause());
+    const std::uint64_t numbers = recording.records(counting.numbers);
+    const std::uint64_t texts = recording.records(counting.texts);
+    EXPECT_EQ(findingsOf(output.bytes()), std::vector<std::string>());
+    EXPECT_EQ(tableOf(output.bytes(), "numbers"), numbersUpTo(numbers));
+    EXPECT_EQ(tableOf(output.bytes(), "texts"), textsUpTo(texts));
+    if (size == 0) {
+      EXPECT_EQ(recording.cause(), "cannot write to: the medium is full; the " +
+                                       std::to_string(numbers + texts) +
+                                       " records written before that make a complete file");
+    }
+  }
+  EXPECT_GT(size, 10000U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Layouts, Survival,
+                         testing::Values(Case{false, 10}, Case{false, 300}, Case{true, 10},
+                                         Case{true, 300}));
+
+TEST(Killing, AtAnyMomentLeavesAFile) {
+  const ScratchFolder folder;
+  const std::string path = folder / "run.mf4";
+  std::mt19937 random(2);
+  int found = 0;
+  for (int round = 0; round < 200; ++round) {
+    const pid_t child = fork();
+    if (child == 0) {
+      Counting counting;
+      Options options;
+      options.existing = mdf_writer::Existing::replace;
+      options.flush_interval = 1'000'000'000;
+      Recording recording(path, counting.plan, options);
+      for (int k = 0; recording.good(); ++k) {
+        counting.append(recording, k);
+      }
+      _exit(1);
+    }
+    std::this_thread::sleep_for(std::chrono::microseconds(random() % 5000));
+    kill(child, SIGKILL);
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    if (access(path.c_str(), F_OK) == 0) {
+      ++found;
+      expectWhole(bytesOf(path), 0, 0);
+    }
+  }
+  EXPECT_GT(found, 0);
+}
+
+}  // namespace
+}  // namespace mdf_tests

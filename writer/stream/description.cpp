@@ -1,0 +1,374 @@
+#include "description.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <sstream>
+#include <string_view>
+#include <utility>
+
+#include "../../mdf/mdf_v4_10.h"
+#include "places.h"
+
+namespace mdf_writer {
+
+using mdf_v4_10::CCBLOCK;
+using mdf_v4_10::CGBLOCK;
+using mdf_v4_10::CNBLOCK;
+using mdf_v4_10::DGBLOCK;
+using mdf_v4_10::DTBLOCK;
+using mdf_v4_10::FHBLOCK;
+using mdf_v4_10::HDBLOCK;
+using mdf_v4_10::IDBLOCK;
+using mdf_v4_10::LINK;
+using mdf_v4_10::MDBLOCK;
+using mdf_v4_10::SIBLOCK;
+using mdf_v4_10::TXBLOCK;
+using mdf_v4_10::detail::cgblock_fields;
+using mdf_v4_10::detail::cnblock_fields;
+using mdf_v4_10::detail::storeLe;
+
+namespace {
+
+// What an unfinished file says of itself: flags at byte 60, in what MDF 4.10 reserves.
+constexpr std::string_view unfinished_file = "UnFinMF ";
+constexpr std::size_t flags_in_reserved = 30;
+constexpr unsigned cycle_counts_unset = 1;
+constexpr unsigned last_data_length_unset = 4;
+constexpr unsigned bytes_of_values_unset = 32;
+
+constexpr std::size_t cycle_count_place =
+    placeOfField(CGBLOCK::CG_BLOCK_LINKS_NUM, cgblock_fields, "cg_cycle_count");
+constexpr std::size_t data_bytes_place =
+    placeOfField(CGBLOCK::CG_BLOCK_LINKS_NUM, cgblock_fields, "cg_data_bytes");
+constexpr std::size_t cn_links = CNBLOCK::cn_md_comment + 1;
+constexpr std::size_t flags_place = placeOfField(cn_links, cnblock_fields, "cn_flags");
+constexpr std::size_t range_place = placeOfField(cn_links, cnblock_fields, "cn_val_range_min");
+
+std::uint64_t at(LINK block, std::size_t place) {
+  return static_cast<std::uint64_t>(block) + place;
+}
+
+template <class Block>
+std::string bytesOf(const Block& block) {
+  std::ostringstream bytes;
+  bytes << block;
+  return bytes.str();
+}
+
+/// An array of a channel's values in the record. The library has no class for this block.
+std::string arrayBlock(const ChannelPlan& channel) {
+  constexpr std::uint64_t links = 1;
+  const std::size_t dimensions = channel.dimensions.size();
+  const std::size_t size = placeOfLink(links) + 16 + 8 * dimensions;
+  std::string block(size, '\0');
+  block.replace(0, 4, "##CA");
+  storeLe(&block[place_of_length], std::uint64_t{size});
+  storeLe(&block[placeOfLink(0) - sizeof links], links);
+  char* const data = &block[placeOfLink(links)];
+  storeLe(data + 2, static_cast<std::uint16_t>(dimensions));
+  storeLe(data + 8, static_cast<std::int32_t>(channel.bits / 8));
+  for (std::size_t i = 0; i < dimensions; ++i) {
+    storeLe(data + 16 + 8 * i, std::uint64_t{channel.dimensions[i]});
+  }
+  return block;
+}
+
+/// Puts blocks one after another, from the leaves to the root, so that each finds its links known.
+class Describer {
+ public:
+  Describer(const Plan& plan, Layout layout) : plan_(plan), layout_(layout) {
+    result_.groups.resize(plan.groups().size());
+    giveRecordIds();
+  }
+
+  Description describe();
+
+ private:
+  void giveRecordIds();
+  template <class Block>
+  LINK add(const Block& block);
+  LINK addText(std::string_view text);
+  LINK addComment(std::string_view name, std::string_view text);
+  LINK addXml(const std::string& xml);
+  LINK addSource(const Source& source);
+  LINK addConversion(const Conversion& conversion);
+  LINK addReference(const std::string& text, bool is_default);
+  LINK addChannel(const ChannelPlan& channel, std::size_t index, LINK next, GroupPlaces& places);
+  LINK addGroup(const Group& group, LINK next, GroupPlaces& places);
+  LINK addValueGroup(GroupPlaces::Values& values, LINK next);
+  LINK addDataGroup(LINK first_group, LINK next);
+  LINK addGroupsApart();
+  LINK addGroupsTogether();
+  void addHistory(HDBLOCK& header);
+  IDBLOCK identification() const;
+  IDBLOCK unfinishedIdentification() const;
+  bool isTogether() const { return layout_ != Layout::apart; }
+
+  const Plan& plan_;
+  Layout layout_;
+  std::ostringstream out_;
+  std::map<std::string, LINK, std::less<>> texts_;
+  Description result_;
+};
+
+/// Record ids count from 1, the groups of values of a group after it.
+void Describer::giveRecordIds() {
+  std::uint64_t last = 0;
+  for (std::size_t i = 0; i < result_.groups.size(); ++i) {
+    GroupPlaces& places = result_.groups[i];
+    places.record_id = ++last;
+    const std::vector<ChannelPlan>& channels = plan_.groups()[i].channels();
+    for (std::size_t k = 0; k < channels.size(); ++k) {
+      if (channels[k].has_variable_length) {
+        places.values.push_back({k});
+        places.values.back().record_id = isTogether() ? ++last : 0;
+      }
+    }
+  }
+  if (isTogether()) {
+    result_.record_id_bytes = last < 256 ? 1 : last < 65536 ? 2 : 4;
+  }
+}
+
+template <class Block>
+LINK Describer::add(const Block& block) {
+  auto position = static_cast<LINK>(out_.tellp());
+  for (; position % 8 != 0; ++position) {
+    out_.put('\0');
+  }
+  out_ << block;
+  return position;
+}
+
+LINK Describer::addText(std::string_view text) {
+  if (text.empty()) {
+    return 0;
+  }
+  const auto known = texts_.find(text);
+  if (known != texts_.end()) {
+    return known->second;
+  }
+  const LINK link = add(TXBLOCK(text.data(), text.size()));
+  texts_.emplace(text, link);
+  return link;
+}
+
+LINK Describer::addXml(const std::string& xml) { return add(MDBLOCK(xml.data(), xml.size())); }
+
+LINK Describer::addComment(std::string_view name, std::string_view text) {
+  return text.empty() ? 0 : addXml(xmlComment(name, xmlElement("TX", text)));
+}
+
+LINK Describer::addSource(const Source& source) {
+  if (source.name.empty() && source.path.empty()) {
+    return 0;
+  }
+  SIBLOCK block(source.type, source.bus, source.is_simulated, addText(source.name),
+                addText(source.path));
+  block.setComment(addComment("SIcomment", source.comment));
+  return add(block);
+}
+
+/// No text is the nil link only where that stands for the value as it is.
+LINK Describer::addReference(const std::string& text, bool is_default) {
+  return text.empty() && !is_default ? add(TXBLOCK()) : addText(text);
+}
+
+LINK Describer::addConversion(const Conversion& conversion) {
+  if (!conversion.is_stated) {
+    return 0;
+  }
+  CCBLOCK block(conversion.type);
+  for (std::size_t i = 0; i < conversion.texts.size(); ++i) {
+    const bool is_last = i + 1 == conversion.texts.size();
+    const bool has_default = conversion.type != CCBLOCK::CC_CONVTYPE_TEXT2VTAB;
+    block.addReference(addReference(conversion.texts[i], is_last && has_default));
+  }
+  block.cc_vals = conversion.numbers;
+  return add(block);
+}
+
+/// Which flag and members a stated range has.
+void putRange(const std::optional<Range>& range, CNBLOCK& block, void (CNBLOCK::*set_flag)(bool),
+              double& least, double& greatest) {
+  if (range) {
+    (block.*set_flag)(true);
+    least = range->least;
+    greatest = range->greatest;
+  }
+}
+
+void putNotes(const ChannelPlan& channel, CNBLOCK& block) {
+  putRange(channel.range, block, &CNBLOCK::setValueRangeValidFlag, block.cn_val_range_min,
+           block.cn_val_range_max);
+  putRange(channel.limits, block, &CNBLOCK::setLimitRangeValidFlag, block.cn_limit_min,
+           block.cn_limit_max);
+  putRange(channel.extended_limits, block, &CNBLOCK::setExtendedLimitRangeValidFlag,
+           block.cn_limit_ext_min, block.cn_limit_ext_max);
+  if (channel.precision) {
+    block.setPrecisionValidFlag(true);
+    block.setPrecision(*channel.precision);
+  }
+  block.setDiscreteValueFlag(channel.is_discrete);
+}
+
+CNBLOCK::MDF_CN_CHANNELTYPE_t typeOf(const ChannelPlan& channel) {
+  if (channel.has_variable_length) {
+    return CNBLOCK::CN_CHANNELTYPE_VARLENGTH;
+  }
+  return channel.master != CNBLOCK::CN_SYNCTYPE_NONE ? CNBLOCK::CN_CHANNELTYPE_MASTER
+                                                     : CNBLOCK::CN_CHANNELTYPE_FIXEDLENGTH;
+}
+
+LINK Describer::addChannel(const ChannelPlan& channel, std::size_t index, LINK next,
+                           GroupPlaces& places) {
+  CNBLOCK block(typeOf(channel), channel.master, channel.type, next, addText(channel.name), 0);
+  block.setUnitblock(addText(channel.unit));
+  block.setCommentblock(addComment("CNcomment", channel.comment));
+  block.setSourceSiblock(addSource(channel.source));
+  block.setConversionCcblock(addConversion(channel.conversion));
+  if (!channel.dimensions.empty()) {
+    block.setCompositionblock(add(arrayBlock(channel)));
+  }
+  block.setByteOffset(channel.byte_offset);
+  block.setBitOffset(channel.bit_offset);
+  block.setBitCount(channel.bits);
+  putNotes(channel, block);
+  if (channel.invalidation_bit) {
+    block.setInvalidationBitFlag(true);
+    block.setInvalidBitPos(*channel.invalidation_bit);
+  }
+  block.setMonotonousFlag(channel.master == CNBLOCK::CN_SYNCTYPE_TIME);
+  GroupPlaces::Values* const values = places.valuesOf(index);
+  if (values != nullptr) {
+    block.setDatablock(static_cast<LINK>(values->group));
+  }
+  const LINK link = add(block);
+  if (values != nullptr) {
+    values->data_link = at(link, placeOfLink(CNBLOCK::cn_data));
+  }
+  if (channel.master == CNBLOCK::CN_SYNCTYPE_TIME && !channel.range) {
+    places.master_flags = at(link, flags_place);
+    places.flags_with_range = block.cn_flags | CNBLOCK::value_range_valid;
+    places.master_range = at(link, range_place);
+  }
+  return link;
+}
+
+LINK Describer::addGroup(const Group& group, LINK next, GroupPlaces& places) {
+  LINK channel = 0;
+  for (std::size_t i = group.channels().size(); i-- > 0;) {
+    channel = addChannel(group.channels()[i], i, channel, places);
+  }
+  CGBLOCK block;
+  block.setNextCgblock(next);
+  block.setFirstCnblock(channel);
+  block.setAcqTxNameblock(addText(group.name()));
+  block.setAcqSourceSiblock(addSource(group.source));
+  block.setComment(addComment("CGcomment", group.comment));
+  block.setRecordId(isTogether() ? places.record_id : 0);
+  block.setDataBytes(group.dataBytes());
+  block.setInvalidBytes(group.invalidationBytes());
+  const LINK link = add(block);
+  places.cycle_count = at(link, cycle_count_place);
+  return link;
+}
+
+LINK Describer::addValueGroup(GroupPlaces::Values& values, LINK next) {
+  CGBLOCK block;
+  block.setNextCgblock(next);
+  block.setVLSDChannelGroup(true);
+  block.setRecordId(values.record_id);
+  const LINK link = add(block);
+  values.group = static_cast<std::uint64_t>(link);
+  values.cycle_count = at(link, cycle_count_place);
+  values.total_bytes = at(link, data_bytes_place);
+  return link;
+}
+
+LINK Describer::addDataGroup(LINK first_group, LINK next) {
+  constexpr std::array codes = {DGBLOCK::DG_WITHOUT, DGBLOCK::DG_UINT8, DGBLOCK::DG_UINT16_LE,
+                                DGBLOCK::DG_WITHOUT, DGBLOCK::DG_UINT32_LE};
+  return add(DGBLOCK(next, first_group, 0, codes[result_.record_id_bytes]));
+}
+
+LINK Describer::addGroupsApart() {
+  LINK next = 0;
+  for (std::size_t i = result_.groups.size(); i-- > 0;) {
+    GroupPlaces& places = result_.groups[i];
+    next = addDataGroup(addGroup(plan_.groups()[i], 0, places), next);
+    places.data_link = at(next, placeOfLink(DGBLOCK::dg_data));
+  }
+  return next;
+}
+
+LINK Describer::addGroupsTogether() {
+  LINK next = 0;
+  for (std::size_t i = result_.groups.size(); i-- > 0;) {
+    GroupPlaces& places = result_.groups[i];
+    for (std::size_t k = places.values.size(); k-- > 0;) {
+      next = addValueGroup(places.values[k], next);
+    }
+    next = addGroup(plan_.groups()[i], next, places);
+  }
+  const LINK data_group = addDataGroup(next, 0);
+  for (GroupPlaces& places : result_.groups) {
+    places.data_link = at(data_group, placeOfLink(DGBLOCK::dg_data));
+  }
+  return data_group;
+}
+
+void Describer::addHistory(HDBLOCK& header) {
+  FHBLOCK block(
+      addXml(xmlComment("FHcomment", xmlElement("TX", plan_.history) +
+                                         xmlElement("tool_id", plan_.program) +
+                                         xmlElement("tool_vendor", plan_.program_vendor) +
+                                         xmlElement("tool_version", plan_.program_version))),
+      plan_.start.nanoseconds, plan_.start.zone_minutes, 0);
+  block.setDST(plan_.start.is_daylight_saving);
+  header.setFHFirstblock(add(block));
+}
+
+IDBLOCK Describer::identification() const { return IDBLOCK(plan_.program.c_str()); }
+
+IDBLOCK Describer::unfinishedIdentification() const {
+  IDBLOCK id = identification();
+  std::copy(unfinished_file.begin(), unfinished_file.end(), std::begin(id.id_file));
+  unsigned flags = cycle_counts_unset;
+  if (layout_ == Layout::open_end) {
+    flags |= last_data_length_unset;
+  }
+  for (const GroupPlaces& places : result_.groups) {
+    flags |= isTogether() && !places.values.empty() ? bytes_of_values_unset : 0;
+  }
+  id.id_reserved2[flags_in_reserved] = static_cast<std::uint8_t>(flags);
+  return id;
+}
+
+Description Describer::describe() {
+  HDBLOCK header(0, 0, plan_.start.nanoseconds, plan_.start.zone_minutes, HDBLOCK::TIME_LOCAL_PC, 0,
+                 0);
+  header.setDST(plan_.start.is_daylight_saving);
+  result_.finished_identification = bytesOf(identification());
+  out_ << result_.finished_identification;
+  add(header);
+  addHistory(header);
+  header.setMDCommentblock(addXml(
+      xmlComment("HDcomment", xmlElement("TX", plan_.comment) + xmlProperties(plan_.properties))));
+  header.setDGFirstblock(isTogether() ? addGroupsTogether() : addGroupsApart());
+  const LINK data = layout_ == Layout::open_end ? add(DTBLOCK()) : 0;
+  result_.bytes = out_.str();
+  result_.bytes.replace(0, IDBLOCK::IDBLOCK_SIZE, bytesOf(unfinishedIdentification()));
+  result_.bytes.replace(IDBLOCK::IDBLOCK_SIZE, HDBLOCK::HDBLOCK_SIZE, bytesOf(header));
+  if (data != 0 && !result_.groups.empty()) {
+    storeLe(&result_.bytes[static_cast<std::size_t>(result_.groups.front().data_link)], data);
+  }
+  return std::move(result_);
+}
+
+}  // namespace
+
+Description describe(const Plan& plan, Layout layout) { return Describer(plan, layout).describe(); }
+
+}  // namespace mdf_writer

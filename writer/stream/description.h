@@ -1,0 +1,62 @@
+#ifndef MDF_WRITER_STREAM_DESCRIPTION_H_
+#define MDF_WRITER_STREAM_DESCRIPTION_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "../plan/plan.h"
+
+namespace mdf_writer {
+
+/// How the groups of a file lie.
+enum class Layout {
+  apart,     ///< each in a data group of its own
+  together,  ///< all in one data group, their records marked by record ids
+  open_end   ///< so, too, and the data follows as the last block, whose length is not known
+};
+
+/// Where a file holds what is written in place while it grows. 0 stands for nothing.
+struct GroupPlaces {
+  std::uint64_t data_link = 0;  ///< to the records
+  std::uint64_t cycle_count = 0;
+  std::uint64_t record_id = 0;     ///< no place, but the number itself
+  std::uint64_t master_flags = 0;  ///< with the flag for the range, which then follows
+  std::uint32_t flags_with_range = 0;
+  std::uint64_t master_range = 0;
+
+  /// Of values of variable length, by channels that have them.
+  struct Values {
+    std::size_t channel;
+    std::uint64_t data_link = 0;  ///< to signal data
+    std::uint64_t record_id = 0;  ///< of a group of values in the same data group
+    std::uint64_t group = 0;      ///< and its link
+    std::uint64_t cycle_count = 0;
+    std::uint64_t total_bytes = 0;
+  };
+  std::vector<Values> values;
+
+  Values* valuesOf(std::size_t channel) {
+    for (Values& each : values) {
+      if (each.channel == channel) {
+        return &each;
+      }
+    }
+    return nullptr;
+  }
+};
+
+/// Everything in a file before its data, and how it says that it is unfinished.
+struct Description {
+  std::string bytes;
+  std::string finished_identification;
+  unsigned record_id_bytes = 0;
+  std::vector<GroupPlaces> groups;  ///< as in the plan
+};
+
+/// The blocks that say what a plan says. Text that occurs again is stored once.
+Description describe(const Plan& plan, Layout layout);
+
+}  // namespace mdf_writer
+
+#endif  // MDF_WRITER_STREAM_DESCRIPTION_H_

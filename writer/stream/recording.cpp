@@ -1,0 +1,383 @@
+#include "recording.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace mdf_writer {
+
+using mdf_v4_10::detail::loadLe;
+using mdf_v4_10::detail::storeLe;
+
+namespace {
+
+constexpr std::size_t least_block_bytes = 4096;
+constexpr std::size_t length_bytes = 4;  // before each value of variable length
+
+constexpr std::int64_t never = std::numeric_limits<std::int64_t>::max();
+
+template <class Number>
+std::string_view bytesOf(std::array<char, sizeof(Number)>& bytes, Number number) {
+  storeLe(bytes.data(), number);
+  return {bytes.data(), bytes.size()};
+}
+
+/// Of a time that is in a record already. One that no clock can have is no time to flush at.
+std::int64_t nanosecondsOf(double seconds) {
+  constexpr double most = 9e9;
+  return seconds > -most && seconds < most ? std::llround(seconds * 1e9) : 0;
+}
+
+std::string_view viewOf(const std::vector<char>& bytes, std::size_t count) {
+  return {bytes.data(), count};
+}
+
+}  // namespace
+
+Recording::Recording(const std::string& path, Plan& plan, const Options& options)
+    : plan_(plan), options_(options), path_(path) {
+  file_ = std::make_unique<FileOutput>(path, options.existing);
+  if (!file_->isOpen()) {
+    cause_ = "cannot record to " + path + ": " + file_->cause();
+    is_finished_ = true;
+    return;
+  }
+  begin(*file_);
+}
+
+Recording::Recording(Output& output, Plan& plan, const Options& options)
+    : plan_(plan), options_(options) {
+  begin(output);
+}
+
+Recording::~Recording() { finish(); }
+
+std::string Recording::sentence(const std::string& what) const {
+  return "cannot " + what + (path_.empty() ? "" : " " + path_) + ": " + storage_->cause();
+}
+
+void Recording::begin(Output& output) {
+  storage_ = std::make_unique<Storage>(output);
+  const std::string fault = plan_.fault();
+  if (!fault.empty()) {
+    cause_ = "the plan cannot be recorded: " + fault;
+    is_finished_ = true;
+    return;
+  }
+  const Layout layout = !output.isSeekable()   ? Layout::open_end
+                        : options_.is_unsorted ? Layout::together
+                                               : Layout::apart;
+  description_ = describe(plan_, layout);
+  makeStreams();
+  next_flush_ = options_.flush_interval > 0 ? std::numeric_limits<std::int64_t>::min() : never;
+  const std::string& bytes = description_.bytes;
+  const bool begun = storage_->write(storage_->allocate(bytes.size()), bytes.data(),
+                                     bytes.size()) == bytes.size() &&
+                     syncIfAsked() && storage_->publish() && syncIfAsked();
+  if (!begun) {
+    cause_ = sentence("record to") + "; nothing was recorded";
+    is_finished_ = true;
+  }
+}
+
+void Recording::makeStreams() {
+  const bool is_together = description_.record_id_bytes > 0;
+  std::size_t longest = std::max(options_.block_bytes, least_block_bytes);
+  for (Group& group : plan_.groups_) {
+    State state{};
+    state.group = &group;
+    state.places = description_.groups[group.index_];
+    state.data_bytes = group.dataBytes();
+    state.invalidation_bytes = group.invalidationBytes();
+    state.is_plain = !is_together && state.invalidation_bytes == 0 && state.places.values.empty();
+    longest = std::max(longest,
+                       description_.record_id_bytes + state.data_bytes + state.invalidation_bytes);
+    for (const GroupPlaces::Values& places : state.places.values) {
+      state.values.push_back({places});
+    }
+    states_.push_back(std::move(state));
+  }
+  const auto add = [&](std::uint64_t link_at, DataStream::Kind kind) {
+    streams_.push_back(std::make_unique<DataStream>(*storage_, link_at, kind, longest));
+    return streams_.back().get();
+  };
+  for (State& state : states_) {
+    const bool shares = is_together && !record_streams_.empty();
+    state.stream =
+        shares ? record_streams_.front() : add(state.places.data_link, DataStream::Kind::records);
+    if (!shares) {
+      record_streams_.push_back(state.stream);
+    }
+    for (Values& values : state.values) {
+      if (!is_together) {
+        values.own = add(values.places.data_link, DataStream::Kind::signal_data);
+        value_streams_.push_back(values.own);
+      }
+    }
+  }
+}
+
+bool Recording::putSlowly(State& state, std::int64_t nanoseconds) {
+  if (is_finished_) {
+    return false;
+  }
+  for (Values& values : state.values) {
+    if (!putValue(state, values)) {
+      return fail();
+    }
+  }
+  if (!putRecord(state, viewOf(state.group->record_, state.data_bytes),
+                 viewOf(state.group->invalid_, state.invalidation_bytes))) {
+    return fail();
+  }
+  return count(state, nanoseconds);
+}
+
+std::string_view Recording::withId(std::uint64_t record_id, std::string_view bytes) {
+  std::array<char, sizeof record_id> id;
+  id_.assign(bytesOf(id, record_id), 0, description_.record_id_bytes);
+  return id_.append(bytes);
+}
+
+/// Stores a value, and its offset in the record.
+bool Recording::putValue(State& state, Values& values) {
+  const std::size_t channel = values.places.channel;
+  const std::string& value = state.group->values_[channel];
+  const std::uint64_t offset =
+      values.own != nullptr ? values.own->size() : values.bytes + length_bytes * values.count;
+  storeLe(&state.group->record_[state.group->channels_[channel].byte_offset], offset);
+  std::array<char, length_bytes> length;
+  const std::string_view prefix = bytesOf(length, static_cast<std::uint32_t>(value.size()));
+  const bool stored = values.own != nullptr
+                          ? values.own->append(prefix, value)
+                          : state.stream->append(withId(values.places.record_id, prefix), value);
+  if (stored) {
+    ++values.count;
+    values.bytes += value.size();
+  }
+  return stored;
+}
+
+bool Recording::putRecord(State& state, std::string_view data, std::string_view invalidation) {
+  if (description_.record_id_bytes == 0) {
+    return state.stream->append(data, invalidation);
+  }
+  return state.stream->append(withId(state.places.record_id, data), invalidation);
+}
+
+bool Recording::appendBytes(Group& group, std::string_view record) {
+  if (!isPlanned(group) || is_finished_) {
+    return false;
+  }
+  State& state = states_[group.index_];
+  if (record.size() != state.data_bytes + state.invalidation_bytes || !state.values.empty()) {
+    return false;
+  }
+  const std::int64_t time = group.order_ == Group::Order::time
+                                ? nanosecondsOf(loadLe<double>(record.data()))
+                                : last_flush_;
+  return putRecord(state, record, {}) ? count(state, time) : fail();
+}
+
+bool Recording::flushAt(std::int64_t nanoseconds) {
+  last_flush_ = nanoseconds;
+  const std::int64_t interval = options_.flush_interval;
+  next_flush_ = nanoseconds > never - interval ? never : nanoseconds + interval;
+  return flush();
+}
+
+bool Recording::flush() {
+  if (is_finished_) {
+    return good();
+  }
+  return (writeOut() && show()) || fail();
+}
+
+bool Recording::writeOut() {
+  const auto write = [](DataStream* stream) { return stream->writeOut(); };
+  return std::all_of(value_streams_.begin(), value_streams_.end(), write) &&
+         std::all_of(record_streams_.begin(), record_streams_.end(), write);
+}
+
+/// Values before the records that refer to them.
+bool Recording::show() {
+  return showAll(value_streams_) && showAll(record_streams_) && syncIfAsked();
+}
+
+bool Recording::showAll(const std::vector<DataStream*>& streams) {
+  const auto any = [&](bool (DataStream::*has)() const) {
+    return std::any_of(streams.begin(), streams.end(),
+                       [&](const DataStream* stream) { return (stream->*has)(); });
+  };
+  const auto all = [&](bool (DataStream::*one)()) {
+    return syncIfAsked() && std::all_of(streams.begin(), streams.end(),
+                                        [&](DataStream* stream) { return (stream->*one)(); });
+  };
+  return (!any(&DataStream::hasLengthToShow) || all(&DataStream::showLength)) &&
+         (!any(&DataStream::hasLinkToShow) || all(&DataStream::showLink));
+}
+
+bool Recording::syncIfAsked() {
+  return options_.durability == Durability::none || storage_->sync();
+}
+
+/// The medium takes no more: what it took becomes a file.
+bool Recording::fail() {
+  is_finished_ = true;
+  const std::string failure = sentence("write to");
+  if (!storage_->isSeekable()) {
+    cause_ = failure;
+    return false;
+  }
+  keepWhatFits();
+  std::uint64_t records = 0;
+  for (const State& state : states_) {
+    records += state.records;
+  }
+  cause_ = failure + (complete() ? "; the " + std::to_string(records) +
+                                       " records written before that make a complete file"
+                                 : "; the file says that it is unfinished");
+  return false;
+}
+
+void Recording::keepWhatFits() {
+  for (DataStream* const stream : value_streams_) {
+    if (stream->writeOut()) {
+      stream->cutBlock(stream->taken());
+    } else {
+      cutValues(*stream);
+    }
+  }
+  for (DataStream* const stream : record_streams_) {
+    stream->writeOut();
+    cutRecords(*stream);
+  }
+}
+
+void Recording::cutValues(DataStream& stream) {
+  const std::string_view block = stream.block();
+  std::size_t whole = 0;
+  while (whole + length_bytes <= stream.taken()) {
+    const std::size_t next = whole + length_bytes + loadLe<std::uint32_t>(&block[whole]);
+    if (next > stream.taken()) {
+      break;
+    }
+    whole = next;
+  }
+  stream.cutBlock(whole);
+}
+
+/// Keeps the records that the file has whole, up to the first whose values it has not.
+void Recording::cutRecords(DataStream& stream) {
+  const std::string_view block = stream.block();
+  std::size_t kept = 0;
+  bool is_kept = true;
+  for (std::size_t at = 0; at < block.size();) {
+    State* state = nullptr;
+    Values* values = nullptr;
+    const std::size_t bytes = recordAt(stream, block.substr(at), state, values);
+    if (state == nullptr) {
+      break;
+    }
+    is_kept = is_kept && at + bytes <= stream.taken() &&
+              (values != nullptr || hasItsValues(*state, block.substr(at, bytes)));
+    at += bytes;
+    if (is_kept) {
+      kept = at;
+      continue;
+    }
+    is_cut_ = true;
+    if (values != nullptr) {
+      --values->count;
+      values->bytes -= bytes - description_.record_id_bytes - length_bytes;
+    } else {
+      --state->records;
+    }
+  }
+  stream.cutBlock(kept);
+}
+
+/// The bytes of the record at the front, with its id, and whose it is.
+std::size_t Recording::recordAt(const DataStream& stream, std::string_view bytes, State*& state,
+                                Values*& values) {
+  const std::size_t id_bytes = description_.record_id_bytes;
+  std::array<char, sizeof(std::uint64_t)> padded{};
+  std::copy_n(bytes.begin(), id_bytes, padded.begin());
+  const auto id = loadLe<std::uint64_t>(padded.data());
+  for (State& each : states_) {
+    const bool is_own = id_bytes == 0 ? each.stream == &stream : each.places.record_id == id;
+    if (is_own) {
+      state = &each;
+      return id_bytes + each.data_bytes + each.invalidation_bytes;
+    }
+    for (Values& candidate : each.values) {
+      if (id_bytes > 0 && candidate.places.record_id == id) {
+        state = &each;
+        values = &candidate;
+        return id_bytes + length_bytes + loadLe<std::uint32_t>(&bytes[id_bytes]);
+      }
+    }
+  }
+  return 0;
+}
+
+bool Recording::hasItsValues(const State& state, std::string_view record) const {
+  return std::all_of(state.values.begin(), state.values.end(), [&](const Values& values) {
+    const std::size_t at = state.group->channels_[values.places.channel].byte_offset;
+    return values.own == nullptr || loadLe<std::uint64_t>(&record[at]) < values.own->size();
+  });
+}
+
+bool Recording::finish() {
+  if (is_finished_) {
+    return good();
+  }
+  if (!writeOut()) {
+    return fail();
+  }
+  is_finished_ = true;
+  if (storage_->isSeekable() && !complete()) {
+    cause_ = sentence("complete") + "; the file says that it is unfinished";
+  }
+  return good();
+}
+
+/// Last of all the identification, when everything else is there.
+bool Recording::complete() {
+  const std::string& id = description_.finished_identification;
+  return show() && storage_->cut() && putCounts() && syncIfAsked() &&
+         storage_->write(0, id.data(), id.size()) == id.size() && syncIfAsked();
+}
+
+bool Recording::putCounts() {
+  return std::all_of(states_.begin(), states_.end(), [this](const State& state) {
+    return storage_->put(state.places.cycle_count, state.records) && putRange(state) &&
+           std::all_of(state.values.begin(), state.values.end(), [this](const Values& values) {
+             return values.own != nullptr ||
+                    (storage_->put(values.places.cycle_count, values.count) &&
+                     storage_->put(values.places.total_bytes, values.bytes));
+           });
+  });
+}
+
+/// The times of the first and the last record, so that nobody must read records to know how long
+/// the recording is. Where records were dropped, the last time is not known any more.
+bool Recording::putRange(const State& state) {
+  const GroupPlaces& places = state.places;
+  if (state.records == 0 || is_cut_ || places.master_flags == 0) {
+    return true;
+  }
+  std::array<char, sizeof(double)> first;
+  std::array<char, sizeof(double)> last;
+  std::array<char, sizeof places.flags_with_range> flags;
+  const auto write = [this](std::uint64_t at, std::string_view bytes) {
+    return storage_->write(at, bytes.data(), bytes.size()) == bytes.size();
+  };
+  return write(places.master_range, bytesOf(first, secondsOf(state.first))) &&
+         write(places.master_range + sizeof(double), bytesOf(last, secondsOf(state.last))) &&
+         write(places.master_flags, bytesOf(flags, places.flags_with_range));
+}
+
+}  // namespace mdf_writer
