@@ -46,14 +46,29 @@ std::uint64_t addTime(FileBuilder& file, std::uint64_t next, std::uint32_t flags
                       double last) {
   const std::uint64_t name = file.text("time");
   const std::uint64_t unit = file.text("s");
-  return file.add("CN", {next, 0, name, 0, 0, 0,
-                         unit, 0},
-                  Bytes().u8s({2, 1, 4, 0}).u32(0).u32(64).u32(flags).u32(0).u8(255).zeros(3)
-                      .f64(first).f64(last).zeros(32));
+  return file.add("CN", {next, 0, name, 0, 0, 0, unit, 0},
+                  Bytes()
+                      .u8s({2, 1, 4, 0})
+                      .u32(0)
+                      .u32(64)
+                      .u32(flags)
+                      .u32(0)
+                      .u8(255)
+                      .zeros(3)
+                      .f64(first)
+                      .f64(last)
+                      .zeros(32));
 }
 
 std::string listAndData(std::uint64_t data_at, std::uint64_t offset, const std::string& records) {
-  return Bytes().header("DL", 56, 2).u64(0).u64(data_at).u8s({0, 0, 0, 0}).u32(1).u64(offset).str() +
+  return Bytes()
+             .header("DL", 56, 2)
+             .u64(0)
+             .u64(data_at)
+             .u8s({0, 0, 0, 0})
+             .u32(1)
+             .u64(offset)
+             .str() +
          Bytes().header("DT", 24 + records.size(), 0).str() + records;
 }
 
@@ -70,9 +85,9 @@ std::string speedFile(const std::string& records, std::uint64_t count, double fi
   FileBuilder file = startOfFile();
   const std::uint64_t name = file.text("speed");
   const std::uint64_t unit = file.text("km/h");
-  const std::uint64_t speed = file.add(
-      "CN", {0, 0, name, 0, 0, 0, unit, 0},
-      Bytes().u8s({0, 0, 0, 0}).u32(8).u32(8).u32(2).u32(0).u8(255).zeros(3 + 16 + 32));
+  const std::uint64_t speed =
+      file.add("CN", {0, 0, name, 0, 0, 0, unit, 0},
+               Bytes().u8s({0, 0, 0, 0}).u32(8).u32(8).u32(2).u32(0).u8(255).zeros(3 + 16 + 32));
   const std::uint64_t time = addTime(file, speed, monotonous + range_valid, first, last);
   const std::uint64_t group_name = file.text("wheels");
   const std::uint64_t group = file.add("CG", {0, time, group_name, 0, 0, 0},
@@ -101,9 +116,7 @@ TEST(FileBytes, AreThoseOfThePlanAndOneBlockOfRecords) {
   EXPECT_TRUE(recording.append(wheels, 2'000'000'000));
   EXPECT_TRUE(recording.finish());
 
-  EXPECT_EQ(output.bytes(), speedFile(speedRecord(1, 50, 0) +
-                                          speedRecord(2, 50, 1),
-                                      2, 1, 2));
+  EXPECT_EQ(output.bytes(), speedFile(speedRecord(1, 50, 0) + speedRecord(2, 50, 1), 2, 1, 2));
 }
 
 TEST(FileBytes, SayBeforeTheEndThatCountsAreOpen) {
@@ -129,7 +142,7 @@ TEST(FileBytes, SayBeforeTheEndThatCountsAreOpen) {
 TEST(FileBytes, OfAPipeNeedNoRewriting) {
   Plan plan("a run");
   setUp(plan);
-  Group& state = plan.addGroup("state", Group::Order::own);
+  Group& state = plan.addGroup("state", Group::Order::index);
   const auto text = state.addText("text");
   RecordedOutput output(1 << 20, false);
   Recording recording(output, plan);
@@ -147,9 +160,13 @@ TEST(FileBytes, OfAPipeNeedNoRewriting) {
   const std::uint64_t channel =
       file.add("CN", {0, 0, name, 0, 0, values, 0, 0},
                Bytes().u8s({1, 0, 7, 0}).u32(0).u32(64).zeros(8).u8(255).zeros(3 + 16 + 32));
+  const std::uint64_t index_name = file.text("index");
+  const std::uint64_t index =
+      file.add("CN", {channel, 0, index_name, 0, 0, 0, 0, 0},
+               Bytes().u8s({3, 4, 0, 0}).zeros(16).u8(255).zeros(3 + 16 + 32));
   const std::uint64_t group_name = file.text("state");
-  const std::uint64_t group = file.add("CG", {values, channel, group_name, 0, 0, 0},
-                                       Bytes().u64(1).zeros(16).u32(8).u32(0));
+  const std::uint64_t group =
+      file.add("CG", {values, index, group_name, 0, 0, 0}, Bytes().u64(1).zeros(16).u32(8).u32(0));
   const std::uint64_t data_group = file.addDataGroup({group}, 0, 1);
   file.link(data_group, 2, file.addData(""));
   file.append(Bytes().u8(2).u32(2).text("on").u8(1).u64(0).u8(2).u32(0).u8(1).u64(6));

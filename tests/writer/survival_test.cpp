@@ -36,7 +36,9 @@ struct Counting {
            (k % 10 != 0 || recording.append(texts, k * std::int64_t{1'000'000'000}));
   }
 
-  static std::string textOf(int k) { return std::string(static_cast<std::size_t>(k % 70), 'x'); }
+  static std::string textOf(int k) {
+    return std::string(static_cast<std::size_t>(k % 70 * 3), 'x');
+  }
 
   Plan plan;
   Group& numbers;

@@ -20,6 +20,9 @@ bool isWholeBytes(const ChannelPlan& channel) {
 }
 
 std::string faultOfWidth(const ChannelPlan& channel) {
+  if (channel.isVirtual()) {
+    return "";
+  }
   if (channel.bits == 0) {
     return " has no bits";
   }
@@ -95,6 +98,10 @@ std::uint64_t ChannelPlan::elements() const {
   return count;
 }
 
+bool ChannelPlan::isVirtual() const {
+  return master == CNBLOCK::CN_SYNCTYPE_INDEX && bits == 0 && isInteger();
+}
+
 bool ChannelPlan::isText() const {
   return type >= CNBLOCK::CN_DATATYPE_STRING_ISO8859 &&
          type <= CNBLOCK::CN_DATATYPE_STRING_UTF16_BE;
@@ -123,7 +130,7 @@ std::string ChannelPlan::fault() const {
   if (fault.empty() && invalidation_bit && *invalidation_bit >= most_bits_of_invalidation) {
     fault = " has an invalidation bit beyond what a record can have";
   }
-  if (fault.empty() && (recordBits() == 0 || recordBits() > most_bits)) {
+  if (fault.empty() && ((recordBits() == 0 && !isVirtual()) || recordBits() > most_bits)) {
     fault = " is an array of no or too many elements";
   }
   if (fault.empty() && (isReversed(range) || isReversed(limits) || isReversed(extended_limits))) {

@@ -61,6 +61,9 @@ struct ChannelPlan : ChannelNotes {
   /// Bits in each record, of all elements.
   std::uint64_t recordBits() const { return elements() * bits; }
 
+  /// Whether the number of the record is the value, which takes no bits.
+  bool isVirtual() const;
+
   bool isText() const;
   bool isFloat() const;
   bool isInteger() const;

@@ -32,6 +32,10 @@ Group::Group(std::string name, Order order) : name_(std::move(name)), order_(ord
   if (order == Order::time) {
     const auto time = addChannel<double>("time", "s");
     channels_[time.index].master = CNBLOCK::CN_SYNCTYPE_TIME;
+  } else if (order == Order::index) {
+    ChannelPlan index = named("index", "", {});
+    index.master = CNBLOCK::CN_SYNCTYPE_INDEX;
+    addField(std::move(index));
   }
 }
 
@@ -218,13 +222,18 @@ std::string Group::faultOfNames() const {
   if (twice != names.end()) {
     return "two channels are named \"" + std::string(*twice) + "\"";
   }
-  return masters > 1 ? "there is more than one master channel" : "";
+  if (masters != 1) {
+    return masters == 0 ? "there is no master channel" : "there is more than one master channel";
+  }
+  return "";
 }
 
 std::string Group::faultOfPlaces() const {
   std::vector<const ChannelPlan*> sorted;
   for (const ChannelPlan& channel : channels_) {
-    sorted.push_back(&channel);
+    if (!channel.isVirtual()) {
+      sorted.push_back(&channel);
+    }
   }
   std::sort(sorted.begin(), sorted.end(),
             [](const ChannelPlan* a, const ChannelPlan* b) { return firstBit(*a) < firstBit(*b); });

@@ -49,8 +49,9 @@ class Group {
  public:
   /// What the records of a group are in the order of.
   enum class Order {
-    time,  ///< a first channel "time" in seconds, which a recording gets in nanoseconds
-    own    ///< whatever the channels say
+    time,   ///< a first channel "time" in seconds, which a recording gets in nanoseconds
+    index,  ///< their numbers, as a first channel "index" that takes no bytes
+    own     ///< a master channel that is added as a field
   };
 
   Group(std::string name, Order order);

@@ -217,6 +217,9 @@ CNBLOCK::MDF_CN_CHANNELTYPE_t typeOf(const ChannelPlan& channel) {
   if (channel.has_variable_length) {
     return CNBLOCK::CN_CHANNELTYPE_VARLENGTH;
   }
+  if (channel.isVirtual()) {
+    return CNBLOCK::CN_CHANNELTYPE_VIRTUALMASTER;
+  }
   return channel.master != CNBLOCK::CN_SYNCTYPE_NONE ? CNBLOCK::CN_CHANNELTYPE_MASTER
                                                      : CNBLOCK::CN_CHANNELTYPE_FIXEDLENGTH;
 }

@@ -81,9 +81,9 @@ class Recording {
     return put(group, nanoseconds);
   }
 
-  /// Appends the record of a group that is in an order of its own.
+  /// Appends the record of a group that is not in the order of time.
   bool append(Group& group) {
-    return isPlanned(group) && group.order_ == Group::Order::own && put(group, last_flush_);
+    return isPlanned(group) && group.order_ != Group::Order::time && put(group, last_flush_);
   }
 
   /// Appends a record as its bytes: data, then invalidation bytes. False also when there are more

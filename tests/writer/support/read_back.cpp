@@ -4,9 +4,9 @@
 
 #include <set>
 
+#include "../tools/support/temp_file.h"
 #include "reader/bytes/input_file.h"
 #include "tools/checking/file_check.h"
-#include "../tools/support/temp_file.h"
 
 namespace mdf_tests {
 

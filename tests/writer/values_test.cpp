@@ -1,0 +1,175 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+
+#include "support/read_back.h"
+#include "support/recorded_output.h"
+#include "writer/mdf_writer.h"
+
+namespace mdf_tests {
+namespace {
+
+using mdf_writer::Group;
+using mdf_writer::Options;
+using mdf_writer::Plan;
+using mdf_writer::Recording;
+
+/// What reading gives back of a group, after checking that nothing is wrong with the file.
+std::string readBack(const RecordedOutput& output, const std::string& group) {
+  EXPECT_EQ(findingsOf(output.bytes()), std::vector<std::string>());
+  return tableOf(output.bytes(), group);
+}
+
+class Values : public testing::TestWithParam<bool> {
+ protected:
+  Options options() const {
+    Options options;
+    options.is_unsorted = GetParam();
+    return options;
+  }
+};
+
+TEST_P(Values, OfEachTypeAreReadAsTheyWereSet) {
+  Plan plan;
+  Group& group = plan.addGroup("all");
+  const auto f32 = group.addChannel<float>("f32");
+  const auto f64 = group.addChannel<double>("f64");
+  const auto i8 = group.addChannel<std::int8_t>("i8");
+  const auto u16 = group.addChannel<std::uint16_t>("u16");
+  const auto i32 = group.addChannel<std::int32_t>("i32");
+  const auto u64 = group.addChannel<std::uint64_t>("u64");
+  const auto b3 = group.addBits<unsigned>("b3", 3);
+  const auto b12 = group.addBits<int>("b12", 12);
+  const auto b49 = group.addBits<std::int64_t>("b49", 49);
+  const auto b64 = group.addBits<std::int64_t>("b64", 64);
+  const auto text = group.addText("text", 5);
+  const auto bytes = group.addBytes("bytes", 2);
+  const auto long_text = group.addText("long_text");
+  const auto array = group.addArray<std::int16_t>("array", {2, 1});
+  const auto long_bytes = group.addBytes("long_bytes");
+  group.mayBeInvalid(b12);
+  group.mayBeInvalid(u16);
+  RecordedOutput output;
+  Recording recording(output, plan, options());
+  ASSERT_TRUE(recording.good()) << recording.cause();
+
+  EXPECT_TRUE(recording.append(group, -500'000'000));
+  const std::int16_t elements[2] = {-2, 3};
+  EXPECT_TRUE(group.set(f32, 0.5F) && group.set(f64, -1e300) && group.set(i8, -128) &&
+              group.set(u16, 65535) && group.set(i32, -2147483647 - 1) &&
+              group.set(u64, 18446744073709551615U) && group.set(b3, 5) && group.set(b12, -2048) &&
+              group.set(b49, (std::int64_t{1} << 48) - 1) && group.set(b64, -3) &&
+              group.set(text, "\xc3\xa4" "bc") && group.set(bytes, "\x01\xff") &&
+              group.set(long_text, "no longer than this") && group.set(array, elements, 2) &&
+              group.set(long_bytes, "\x10"));
+  EXPECT_TRUE(recording.append(group, 250'000'000));
+  EXPECT_TRUE(group.setValid(b12, false));
+  EXPECT_TRUE(recording.append(group, 1'000'000'000));
+  EXPECT_TRUE(group.setValid(b12, true) && group.setValid(u16, false) && group.set(text, "") &&
+              group.set(long_text, ""));
+  EXPECT_TRUE(recording.append(group, 1'000'000'001));
+  EXPECT_EQ(recording.records(group), 4U);
+  EXPECT_TRUE(recording.finish());
+
+  EXPECT_EQ(readBack(output, "all"),
+            "time,f32,f64,i8,u16,i32,u64,b3,b12,b49,b64,text,bytes,long_text,array[0][0],"
+            "array[1][0],long_bytes\n"
+            "-0.5,0,0,0,0,0,0,0,0,0,0,,0000,,0,0,\n"
+            "0.25,0.5,-1e+300,-128,65535,-2147483648,18446744073709551615,5,-2048,281474976710655,"
+            "-3,\xc3\xa4" "bc,01ff,no longer than this,-2,3,10\n"
+            "1,0.5,-1e+300,-128,65535,-2147483648,18446744073709551615,5,,281474976710655,"
+            "-3,\xc3\xa4" "bc,01ff,no longer than this,-2,3,10\n"
+            "1.000000001,0.5,-1e+300,-128,,-2147483648,18446744073709551615,5,-2048,"
+            "281474976710655,-3,,01ff,,-2,3,10\n");
+}
+
+TEST_P(Values, AreConvertedAsPlanned) {
+  using mdf_writer::Between;
+  Plan plan;
+  Group& group = plan.addGroup("all", Group::Order::index);
+  std::vector<mdf_writer::Channel<double>> channels;
+  const auto add = [&](const std::string& name, const mdf_writer::Conversion& conversion) {
+    channels.push_back(group.addChannel<double>(name, "", conversion));
+  };
+  add("identity", mdf_writer::identity());
+  add("linear", mdf_writer::linear(-40, 0.5));
+  add("rational", mdf_writer::rational(1, 0, 2, 0, 0, 4));
+  add("formula", mdf_writer::formula("X * X + 1"));
+  add("nearest", mdf_writer::table({{10, 1}, {0, 0}}, Between::nearest));
+  add("between", mdf_writer::table({{10, 1}, {0, 0}}, Between::interpolate));
+  add("ranges", mdf_writer::ranges({{5, 10, 2}, {0, 5, 1}}, -1));
+  add("texts", mdf_writer::texts({{3, "three"}, {0, ""}}, "other"));
+  add("some", mdf_writer::texts({{3, "three"}}, ""));
+  add("range_texts", mdf_writer::rangeTexts({{5, 10, "high"}, {0, 5, "low"}}, "none"));
+  const auto text_number = group.addText("text_number", 4, mdf_writer::textNumbers({{"on", 1}}, 9));
+  const auto text_text = group.addText("text_text", mdf_writer::textTexts({{"on", "an"}}, ""));
+  RecordedOutput output;
+  Recording recording(output, plan, options());
+  ASSERT_TRUE(recording.good()) << recording.cause();
+  for (const double value : {0.0, 3.0, 12.0}) {
+    for (const auto& channel : channels) {
+      group.set(channel, value);
+    }
+    const std::string text = value == 3 ? "on" : "no";
+    group.set(text_number, text);
+    group.set(text_text, text);
+    EXPECT_TRUE(recording.append(group));
+  }
+  EXPECT_TRUE(recording.finish());
+
+  EXPECT_EQ(readBack(output, "all"),
+            "index,identity,linear,rational,formula,nearest,between,ranges,texts,some,range_texts,"
+            "text_number,text_text\n"
+            "0,0,-40,0.5,1,0,0,1,,0,low,9,no\n"
+            "1,3,-38.5,2.75,10,0,0.3,1,three,three,low,1,an\n"
+            "2,12,-34,36.5,145,1,1,-1,other,12,none,9,no\n");
+}
+
+TEST_P(Values, LargerThanABlockGetOneOfTheirOwn) {
+  Plan plan;
+  Group& group = plan.addGroup("g", Group::Order::index);
+  const auto text = group.addText("text");
+  RecordedOutput output;
+  Options small = options();
+  small.block_bytes = 4096;
+  Recording recording(output, plan, small);
+  std::string expected = "index,text\n";
+  int index = 0;
+  for (const std::size_t size : {10U, 5000U, 20U, 4092U, 9000U, 0U}) {
+    const std::string value(size, 'v');
+    group.set(text, value);
+    EXPECT_TRUE(recording.append(group));
+    expected += std::to_string(index++) + ',' + value + '\n';
+  }
+  EXPECT_TRUE(recording.finish());
+  EXPECT_EQ(readBack(output, "g"), expected);
+}
+
+TEST_P(Values, AppendedAsBytesMustBeWholeRecords) {
+  Plan plan;
+  Group& group = plan.addGroup("g");
+  const auto number = group.addChannel<std::uint8_t>("number");
+  group.mayBeInvalid(number);
+  Group& texts = plan.addGroup("texts");
+  texts.addText("text");
+  Plan other_plan;
+  Group& other = other_plan.addGroup("other");
+  RecordedOutput output;
+  Recording recording(output, plan, options());
+  EXPECT_TRUE(recording.appendBytes(group, std::string("\0\0\0\0\0\0\xf0\x3f\x07\x00", 10)));
+  EXPECT_TRUE(recording.appendBytes(group, std::string("\0\0\0\0\0\0\x00\x40\x08\x01", 10)));
+  EXPECT_FALSE(recording.appendBytes(group, std::string(9, '\0')));
+  EXPECT_FALSE(recording.appendBytes(texts, std::string(16, '\0')));
+  EXPECT_FALSE(recording.append(group));
+  EXPECT_FALSE(recording.append(other, 0));
+  EXPECT_FALSE(recording.append(plan.addGroup("late"), 0));
+  EXPECT_TRUE(recording.finish());
+  EXPECT_FALSE(recording.append(group, 3));
+  EXPECT_EQ(readBack(output, "g"), "time,number\n1,7\n2,\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Layouts, Values, testing::Bool());
+
+}  // namespace
+}  // namespace mdf_tests
