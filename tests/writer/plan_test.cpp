@@ -74,13 +74,21 @@ TEST(Plans, ThatAreWrongAreRefusedWithASentence) {
          g.addField(field("a", CN::CN_DATATYPE_UINT_LE, 8, 12));
        }},
       {"channel \"c\" is an array of no or too many elements",
-       [](Group& g) { g.addArray<double>("c", {3, 0}); }},
+       [](Group& g) {
+         g.addArray<double>("c", {3, 0});
+       }},
       {"channel \"c\" is an array of no or too many elements",
-       [](Group& g) { g.addArray<double>("c", {65536, 65536, 65536, 65536}); }},
+       [](Group& g) {
+         g.addArray<double>("c", {65536, 65536, 65536, 65536});
+       }},
       {"channel \"c\" has a range that ends before it begins",
-       [](Group& g) { g.describe(g.addChannel<float>("c")).limits = {2, 1}; }},
+       [](Group& g) {
+         g.describe(g.addChannel<float>("c")).limits = {2, 1};
+       }},
       {"channel \"time\" is a master channel, which has one valid number in each record",
-       [](Group& g) { g.mayBeInvalid({&g, 0}); }},
+       [](Group& g) {
+         g.mayBeInvalid({&g, 0});
+       }},
       {"there is more than one master channel",
        [](Group& g) {
          ChannelPlan plan = field("angle", CN::CN_DATATYPE_FLOAT_LE, 8, 64);
@@ -89,7 +97,7 @@ TEST(Plans, ThatAreWrongAreRefusedWithASentence) {
        }},
       conversion("that lacks parameters", {CC::CC_CONVTYPE_LINEAR, {1}, {}, true}),
       conversion("that lacks parameters", mdf_writer::table({}, mdf_writer::Between::nearest)),
-      conversion("that lacks parameters", mdf_writer::texts({}, "else") , true),
+      conversion("that lacks parameters", mdf_writer::texts({}, "else"), true),
       conversion("that has a parameter that is no number", mdf_writer::linear(0, nan)),
       conversion("that divides by 0", mdf_writer::rational(0, 1, 0, 0, 0, 0)),
       conversion("that has no formula", mdf_writer::formula("")),

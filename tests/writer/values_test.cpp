@@ -60,9 +60,11 @@ TEST_P(Values, OfEachTypeAreReadAsTheyWereSet) {
               group.set(u16, 65535) && group.set(i32, -2147483647 - 1) &&
               group.set(u64, 18446744073709551615U) && group.set(b3, 5) && group.set(b12, -2048) &&
               group.set(b49, (std::int64_t{1} << 48) - 1) && group.set(b64, -3) &&
-              group.set(text, "\xc3\xa4" "bc") && group.set(bytes, "\x01\xff") &&
-              group.set(long_text, "no longer than this") && group.set(array, elements, 2) &&
-              group.set(long_bytes, "\x10"));
+              group.set(text,
+                        "\xc3\xa4"
+                        "bc") &&
+              group.set(bytes, "\x01\xff") && group.set(long_text, "no longer than this") &&
+              group.set(array, elements, 2) && group.set(long_bytes, "\x10"));
   EXPECT_TRUE(recording.append(group, 250'000'000));
   EXPECT_TRUE(group.setValid(b12, false));
   EXPECT_TRUE(recording.append(group, 1'000'000'000));
@@ -77,9 +79,11 @@ TEST_P(Values, OfEachTypeAreReadAsTheyWereSet) {
             "array[1][0],long_bytes\n"
             "-0.5,0,0,0,0,0,0,0,0,0,0,,0000,,0,0,\n"
             "0.25,0.5,-1e+300,-128,65535,-2147483648,18446744073709551615,5,-2048,281474976710655,"
-            "-3,\xc3\xa4" "bc,01ff,no longer than this,-2,3,10\n"
+            "-3,\xc3\xa4"
+            "bc,01ff,no longer than this,-2,3,10\n"
             "1,0.5,-1e+300,-128,65535,-2147483648,18446744073709551615,5,,281474976710655,"
-            "-3,\xc3\xa4" "bc,01ff,no longer than this,-2,3,10\n"
+            "-3,\xc3\xa4"
+            "bc,01ff,no longer than this,-2,3,10\n"
             "1.000000001,0.5,-1e+300,-128,,-2147483648,18446744073709551615,5,-2048,"
             "281474976710655,-3,,01ff,,-2,3,10\n");
 }

@@ -18,7 +18,7 @@ using mdf_v4_10::detail::storeLe;
 namespace {
 
 /// A block that is not full gets room for eight times its data, and at least so much.
-constexpr std::size_t least_room = 4096;
+constexpr std::size_t least_room = 1024;
 constexpr std::size_t growth = 8;
 
 /// A list of one block, and the header of that.
