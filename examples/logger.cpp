@@ -1,4 +1,5 @@
-// A logger: two groups of signals at rates of their own, in a file that can be opened at any moment.
+// A logger: two groups of signals at rates of their own, in a file that can be opened at any
+// moment.
 
 #include <mdf_writer/mdf_writer.h>
 
