@@ -17,76 +17,32 @@ namespace {
 
 namespace fs = std::filesystem;
 
-ChannelSpec channel(const std::string& name, unsigned data_type, std::uint32_t byte,
-                    std::uint32_t bits) {
-  ChannelSpec spec;
-  spec.name = name;
-  spec.data_type = data_type;
-  spec.byte_offset = byte;
-  spec.bit_count = bits;
-  return spec;
-}
-
 constexpr unsigned uint_le = 0;
 constexpr unsigned int_le = 2;
 constexpr unsigned real_le = 4;
 constexpr unsigned utf8 = 7;
 constexpr unsigned byte_array = 10;
 
-ChannelSpec timeChannel() {
-  ChannelSpec time = channel("time", real_le, 0, 64);
-  time.type = 2;
-  time.sync_type = 1;
-  time.unit = "s";
-  return time;
-}
-
 /// A channel for each class of numbers, texts, bytes, and one of which a value is invalid.
 void addEngine(FileBuilder& file) {
-  ChannelSpec odometer = channel("odometer", uint_le, 58, 64);
+  ChannelSpec odometer = channelOf("odometer", uint_le, 58, 64);
   odometer.flags = 2;  // it has an invalidation bit
   odometer.unit = "m";
   GroupSpec group{2, 66, 1};
   group.name = "engine";
   file.addSortedGroup(
       group,
-      {timeChannel(), channel("u8", uint_le, 8, 8), channel("u16", uint_le, 9, 16),
-       channel("u32", uint_le, 11, 32), channel("u64", uint_le, 15, 64),
-       channel("i8", int_le, 23, 8), channel("i16", int_le, 24, 16), channel("i32", int_le, 26, 32),
-       channel("i64", int_le, 30, 64), channel("f32", real_le, 38, 32),
-       channel("f64", real_le, 42, 64), channel("text", utf8, 50, 48),
-       channel("bytes", byte_array, 56, 16), odometer},
-      file.addData(Bytes()
-                       .f64(0)
-                       .u8(255)
-                       .u16(65535)
-                       .u32(4294967295)
-                       .u64(UINT64_MAX)
-                       .u8(0x80)
-                       .u16(0x8000)
-                       .u32(0x80000000)
-                       .u64(std::uint64_t{1} << 63U)
-                       .u32(0x3F000000)
-                       .f64(1e300)
-                       .text("5 \xC2\xB0")
-                       .u8s({'C', 0, 0, 255})
-                       .u64((std::uint64_t{1} << 53U) + 1)
-                       .u8(0)
-                       .f64(0.5)
-                       .u8(1)
-                       .u16(2)
-                       .u32(3)
-                       .u64(4)
-                       .u8(5)
-                       .u16(6)
-                       .u32(7)
-                       .u64(8)
-                       .u32(0xBF800000)
-                       .f64(NAN)
-                       .zeros(6)
-                       .u8s({1, 2})
-                       .u64(9)
-                       .u8(1)));
+      {timeChannel(), channelOf("u8", uint_le, 8, 8), channelOf("u16", uint_le, 9, 16),
+       channelOf("u32", uint_le, 11, 32), channelOf("u64", uint_le, 15, 64),
+       channelOf("i8", int_le, 23, 8), channelOf("i16", int_le, 24, 16),
+       channelOf("i32", int_le, 26, 32), channelOf("i64", int_le, 30, 64),
+       channelOf("f32", real_le, 38, 32), channelOf("f64", real_le, 42, 64),
+       channelOf("text", utf8, 50, 48), channelOf("bytes", byte_array, 56, 16), odometer},
+      file.addData(f64(0) + u8(255) + u16(65535) + u32(4294967295) + u64(UINT64_MAX) + u8(0x80) +
+                   u16(0x8000) + u32(0x80000000) + u64(std::uint64_t{1} << 63U) + u32(0x3F000000) +
+                   f64(1e300) + "5 °C" + u8(0, 0, 255) + u64((std::uint64_t{1} << 53U) + 1) +
+                   u8(0) + f64(0.5) + u8(1) + u16(2) + u32(3) + u64(4) + u8(5) + u16(6) + u32(7) +
+                   u64(8) + u32(0xBF800000) + f64(NAN) + zeros(6) + u8(1, 2) + u64(9) + u8(1)));
 }
 
 /// Another group of the same name, with an array, and one without records.
@@ -94,10 +50,8 @@ std::string allKinds() {
   FileBuilder file;
   file.write(64 + 24 + 6 * 8, Bytes().u64(1700000000250000000));
   addEngine(file);
-  ChannelSpec array = channel("\xC3\x96l", uint_le, 8, 8);
-  array.unit =
-      "\xC2\xB0"
-      "C";
+  ChannelSpec array = channelOf("Öl", uint_le, 8, 8);
+  array.unit = "°C";
   array.composition = file.add("CA", {0}, Bytes().u8(0).u8(0).u16(1).u32(0).u32(1).u32(0).u64(2));
   GroupSpec second{2, 10};
   second.name = "engine";
@@ -273,7 +227,7 @@ std::string noise() {
     data += static_cast<char>(number >> 24U);
   }
   FileBuilder file;
-  file.addSortedGroup({50000, 1}, {channel("noise", uint_le, 0, 8)}, file.addData(data));
+  file.addSortedGroup({50000, 1}, {channelOf("noise", uint_le, 0, 8)}, file.addData(data));
   return file.bytes();
 }
 

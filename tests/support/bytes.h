@@ -107,8 +107,8 @@ std::string links(Values... values) {
 template <class Links>
 std::string listed(const Links& list) {
   Bytes bytes;
-  for (const std::int64_t link : list) {
-    bytes.i64(link);
+  for (const auto link : list) {
+    bytes.u64(static_cast<std::uint64_t>(link));
   }
   return bytes;
 }

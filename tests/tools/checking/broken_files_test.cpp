@@ -10,7 +10,6 @@
 
 #include "reader/blocks/codes.h"
 #include "support/bytes.h"
-#include "tools/support/attachment_blocks.h"
 #include "tools/support/checked.h"
 #include "tools/support/data_blocks.h"
 #include "tools/support/small_file.h"
@@ -38,6 +37,14 @@ struct BrokenFile {
 };
 
 using BrokenFiles = std::vector<BrokenFile>;
+
+/// The small file with what is done to it.
+std::string made(void (*change)(SmallFile&), const std::string& file_word = "MDF     ",
+                 unsigned version = 410) {
+  SmallFile file(file_word, version);
+  change(file);
+  return file.bytes();
+}
 
 std::string changed(std::uint64_t offset, const std::string& bytes) {
   SmallFile file;
@@ -102,27 +109,6 @@ BrokenFiles brokenFrames() {
   };
 }
 
-std::string endlessChain() {
-  SmallFile file;
-  file.link(SmallFile::speed, 0, SmallFile::time);
-  return file.bytes();
-}
-
-/// A chain of channels that goes on with a block of a type that nobody knows.
-std::string chainToUnknown() {
-  SmallFile file;
-  file.link(SmallFile::speed, 0, file.add("QX", {}, "..."));
-  return file.bytes();
-}
-
-/// A second channel group whose channels are those of the first one.
-std::string chainsThatRunTogether() {
-  SmallFile file;
-  const auto group = file.add("CG", {0, SmallFile::speed, 0, 0, 0, 0}, GroupSpec{0, 9}.fields());
-  file.link(SmallFile::data_group, 0, file.add("DG", {0, group, 0, 0}, dataGroupFields(0)));
-  return file.bytes();
-}
-
 BrokenFiles brokenLinks() {
   const std::string comment = ": expected hd_md_comment to lead to ";
   return {
@@ -144,21 +130,19 @@ BrokenFiles brokenLinks() {
       {"496 error chain-endless: expected cn_cn_next to lead on to the end of its list or tree, "
        "found ##CN at 336 (0x150), which leads here" +
            in_speed,
-       endlessChain()},
+       made([](SmallFile& file) { file.link(SmallFile::speed, 0, SmallFile::time); })},
       {"496 error link-unknown-type: expected cn_cn_next to lead to CN, found ##QX at 768 (0x300)" +
            in_speed,
-       chainToUnknown()},
+       made([](SmallFile& file) { file.link(SmallFile::speed, 0, file.add("QX", {}, "...")); })},
       {"768 error chain-shared: expected cg_cn_first to lead to a block of its own, found ##CN at "
        "496 (0x1f0), which ##CN at 336 (0x150) leads to "
        "[HD.hd_dg_first/DG[1].dg_cg_first/CG[0]]",
-       chainsThatRunTogether()},
+       made([](SmallFile& file) {
+         const auto group =
+             file.add("CG", {0, SmallFile::speed, 0, 0, 0, 0}, GroupSpec{0, 9}.fields());
+         file.link(SmallFile::data_group, 0, file.add("DG", {0, group, 0, 0}, dataGroupFields(0)));
+       })},
   };
-}
-
-std::string lostText() {
-  SmallFile file;
-  file.text("lost");
-  return file.bytes();
 }
 
 std::string withConversion(const std::string& contents) {
@@ -173,23 +157,6 @@ std::string withValueList(std::vector<std::uint64_t> links, const std::string& f
   file.setGroup({0, 9});
   links.insert(links.begin(), 0);
   file.replaceData(file.add("LD", links, fields));
-  return file.bytes();
-}
-
-/// A header list whose link count says nothing of its link.
-std::string withUncountedLink() {
-  SmallFile file;
-  const auto list =
-      file.add("DL", {0, file.addData(Bytes().zeros(18))}, Bytes().zeros(4).u32(1).u64(0));
-  const auto header_list = file.add("HL", {list}, Bytes().zeros(8));
-  file.replaceData(header_list);
-  file.write(header_list + 16, Bytes().u64(0));
-  return file.bytes();
-}
-
-std::string withLinksBeforeData() {
-  SmallFile file;
-  file.replaceData(file.add("DT", {0}, Bytes().zeros(18)));
   return file.bytes();
 }
 
@@ -228,13 +195,19 @@ BrokenFiles brokenBlocks() {
        withValueList({0, SmallFile::time}, Bytes().u32(0x80000001U).u32(1).u64(1))},
       {"768 warning block-unreachable: expected a link to each block, found none to ##TX at 768 "
        "(0x300) of 29 bytes",
-       lostText()},
+       made([](SmallFile& file) { file.text("lost"); })},
       {"872 warning link-count-wrong: expected the link count 1 by the length of 40, found 0 "
        "[HD.hd_dg_first/DG[0].dg_data/HL]",
-       withUncountedLink()},
+       made([](SmallFile& file) {
+         const auto list =
+             file.add("DL", {0, file.addData(Bytes().zeros(18))}, Bytes().zeros(4).u32(1).u64(0));
+         const auto header_list = file.add("HL", {list}, Bytes().zeros(8));
+         file.replaceData(header_list);
+         file.write(header_list + 16, Bytes().u64(0));
+       })},
       {"768 error data-with-links: expected data without links, found 1 "
        "[HD.hd_dg_first/DG[0].dg_data/DT]",
-       withLinksBeforeData()},
+       made([](SmallFile& file) { file.replaceData(file.add("DT", {0}, Bytes().zeros(18))); })},
       {"769 warning bytes-outside-blocks: expected each byte in a block, found 4 bytes outside",
        withBytesAfter(Bytes().zeros(7).text("lost").zeros(9))},
       {"768 error count-too-large: expected room for the 3 numbers of 8 bytes of cc_val_count, "
@@ -254,16 +227,6 @@ std::string withList(const std::string& list_fields) {
   const auto first = file.addData(Bytes().zeros(9));
   const auto second = file.addData(Bytes().zeros(9));
   file.replaceData(file.add("DL", {0, first, second}, list_fields));
-  return file.bytes();
-}
-
-/// The same with a list for each block. The first one's block is longer than it says.
-std::string withListsOfEqualLength() {
-  SmallFile file;
-  const auto first = file.addData(Bytes().zeros(9));
-  const auto second = file.addData(Bytes().zeros(9));
-  const auto last = file.add("DL", {0, second}, Bytes().u8s({1, 0, 0, 0}).u32(1).u64(9));
-  file.replaceData(file.add("DL", {last, first}, Bytes().u8s({1, 0, 0, 0}).u32(1).u64(8)));
   return file.bytes();
 }
 
@@ -292,7 +255,12 @@ BrokenFiles brokenData() {
       {"848 error equal-length-broken: expected 8 bytes of data at dl_data[0], found 9" + in_list,
        withList(Bytes().u8s({1, 0, 0, 0}).u32(2).u64(8))},
       {"904 error equal-length-broken: expected 8 bytes of data at dl_data[0], found 9" + in_list,
-       withListsOfEqualLength()},
+       made([](SmallFile& file) {
+         const auto first = file.addData(Bytes().zeros(9));
+         const auto second = file.addData(Bytes().zeros(9));
+         const auto last = file.add("DL", {0, second}, Bytes().u8s({1, 0, 0, 0}).u32(1).u64(9));
+         file.replaceData(file.add("DL", {last, first}, Bytes().u8s({1, 0, 0, 0}).u32(1).u64(8)));
+       })},
       {"768 error zip-length-wrong: expected the 30 compressed bytes in the block, found room for "
        "29" +
            in_zip,
@@ -354,24 +322,6 @@ std::string withTwoGroups(std::uint64_t second_id, const std::string& data,
   return file.bytes();
 }
 
-/// Two values of three bytes in records, of which the last one states four.
-std::string withLongValue() {
-  SmallFile file;
-  file.write(SmallFile::data_group + 56, Bytes().u8(1));
-  file.setGroup({2, 14, 0, 1, 1});
-  file.link(SmallFile::group, 0, file.addChannelGroup({0, 1, 0, 2}));
-  file.replaceData(file.addData(Bytes().u8(1).u32(3).text("one").u8(1).u32(4).text("two")));
-  return file.bytes();
-}
-
-/// Three bytes after the records of an unfinished file.
-std::string withTornRecord() {
-  SmallFile file("UnFinMF ");
-  file.write(60, Bytes().u16(1 + 4));
-  file.append("cut");
-  return file.bytes();
-}
-
 std::string withZipType(unsigned type) {
   SmallFile file;
   file.setGroup({0, 9});
@@ -394,14 +344,6 @@ std::string recordWithId(int id, std::size_t size) { return Bytes().u8s({id}).ze
 std::string withCycles(std::uint64_t count) {
   SmallFile file;
   file.setGroup({count, 9});
-  return file.bytes();
-}
-
-std::string withSharedData() {
-  SmallFile file;
-  const auto group = file.addChannelGroup({18, 1});
-  file.link(SmallFile::data_group, 0,
-            file.add("DG", {0, group, SmallFile::data, 0}, dataGroupFields(0)));
   return file.bytes();
 }
 
@@ -436,7 +378,12 @@ BrokenFiles brokenRecords() {
       {"904 error record-past-end: expected a record of variable length up to 912, found one that "
        "states 4 bytes; 8 bytes were not read" +
            in_data,
-       withLongValue()},
+       made([](SmallFile& file) {
+         file.write(SmallFile::data_group + 56, Bytes().u8(1));
+         file.setGroup({2, 14, 0, 1, 1});
+         file.link(SmallFile::group, 0, file.addChannelGroup({0, 1, 0, 2}));
+         file.replaceData(file.addData(Bytes().u8(1).u32(3).text("one").u8(1).u32(4).text("two")));
+       })},
       {"908 error record-cut-off: expected 10 bytes of a record up to 917, found 9; 9 bytes were "
        "not read" +
            in_data,
@@ -446,7 +393,12 @@ BrokenFiles brokenRecords() {
        "762 warning bytes-not-read: expected 9 bytes of a record up to 765, found 3; 3 bytes were "
        "not read" +
            in_data,
-       withTornRecord()},
+       made(
+           [](SmallFile& file) {
+             file.write(60, Bytes().u16(1 + 4));
+             file.append("cut");
+           },
+           "UnFinMF ")},
       {"768 error zip-type-unknown: expected a known zip type, found 7 "
        "[HD.hd_dg_first/DG[0].dg_data/DZ]",
        withZipType(7)},
@@ -461,7 +413,11 @@ BrokenFiles brokenRecords() {
        withElementRecords(2)},
       {"872 warning data-shared: expected dg_data to lead to data of its own, found data that "
        "another link leads to [HD.hd_dg_first/DG[1]]",
-       withSharedData()},
+       made([](SmallFile& file) {
+         const auto group = file.addChannelGroup({18, 1});
+         file.link(SmallFile::data_group, 0,
+                   file.add("DG", {0, group, SmallFile::data, 0}, dataGroupFields(0)));
+       })},
   };
 }
 
@@ -475,14 +431,6 @@ std::string withArray(std::uint64_t elements, std::uint32_t step, std::uint32_t 
   return file.bytes();
 }
 
-std::string withValueOutside() {
-  SmallFile file;
-  file.setChannel(SmallFile::speed, {1, 0, 7, 0, 8, 8});
-  file.write(SmallFile::end - 1, "\x03");
-  file.link(SmallFile::speed, 5, file.add("SD", {}, Bytes().u32(2).text("ok")));
-  return file.bytes();
-}
-
 std::string withArrayStorage(int storage) {
   SmallFile file;
   file.link(SmallFile::speed, 1,
@@ -493,29 +441,6 @@ std::string withArrayStorage(int storage) {
 std::string withConversionType(int type) {
   SmallFile file;
   file.link(SmallFile::speed, 4, file.add("CC", {0, 0, 0, 0}, Bytes().u8s({type}).zeros(23)));
-  return file.bytes();
-}
-
-/// A group whose remote master is in a group that no data group has.
-std::string withRemoteMaster() {
-  SmallFile file("MDF     ", 420);
-  const auto channel = file.add("CN", {0, 0, SmallFile::speed_name, 0, 0, 0, 0, 0},
-                                ChannelSpec{0, 0, 0, 0, 8, 8}.fields());
-  const auto group =
-      file.add("CG", {0, channel, 0, 0, 0, 0, SmallFile::group}, GroupSpec{2, 9, 0, 0, 8}.fields());
-  file.link(SmallFile::data_group, 1, group);
-  return file.bytes();
-}
-
-std::string withoutMaster() {
-  SmallFile file;
-  file.setChannel(SmallFile::time, {0, 0, 4, 0, 0, 64});
-  return file.bytes();
-}
-
-std::string withUnusedValues() {
-  SmallFile file;
-  file.link(SmallFile::speed, 5, file.add("SD", {}));
   return file.bytes();
 }
 
@@ -555,14 +480,18 @@ BrokenFiles brokenChannels() {
       {"496 error signal-data-unused: expected cn_data of a channel of type 0 to lead to no "
        "values, found ##SD at 768 (0x300)" +
            in_speed,
-       withUnusedValues()},
+       made([](SmallFile& file) { file.link(SmallFile::speed, 5, file.add("SD", {})); })},
       {"768 warning event-factor-zero: expected ev_sync_factor to make a position of the base "
        "value 5, found 0 [HD.hd_ev_first/EV[0]]",
        withEventFactor(0)},
       {"496 error value-outside-signal-data: expected a value of variable length for each record, "
        "found none at offset 3 of the signal data for record 1" +
            in_speed,
-       withValueOutside()},
+       made([](SmallFile& file) {
+         file.setChannel(SmallFile::speed, {1, 0, 7, 0, 8, 8});
+         file.write(SmallFile::end - 1, "\x03");
+         file.link(SmallFile::speed, 5, file.add("SD", {}, Bytes().u32(2).text("ok")));
+       })},
       {"496 error data-type-unknown: expected a known data type, found 99" + in_speed,
        withSpeed({0, 0, 99, 0, 8, 8})},
       {"496 error array-unreadable: expected a known array storage, found 9; the array is left "
@@ -574,10 +503,20 @@ BrokenFiles brokenChannels() {
        withConversionType(99)},
       {"928 error remote-master-missing: expected the remote master in a channel group at 232 "
        "(0xe8), found none of the file [HD.hd_dg_first/DG[0].dg_cg_first/CG[0]]",
-       withRemoteMaster()},
+       made(
+           [](SmallFile& file) {
+             const auto channel = file.add("CN", {0, 0, SmallFile::speed_name, 0, 0, 0, 0, 0},
+                                           ChannelSpec{0, 0, 0, 0, 8, 8}.fields());
+             const auto group = file.add("CG", {0, channel, 0, 0, 0, 0, SmallFile::group},
+                                         GroupSpec{2, 9, 0, 0, 8}.fields());
+             file.link(SmallFile::data_group, 1, group);
+           },
+           "MDF     ", 420)},
       {"232 note master-missing: expected a master channel among the channels, found none" +
            in_group,
-       withoutMaster()},
+       made([](SmallFile& file) {
+         file.setChannel(SmallFile::time, {0, 0, 4, 0, 0, 64});
+       })},
       {"496 warning master-twice: expected one master of synchronisation type 1, found another, "
        "##CN at 336 (0x150)" +
            in_speed,

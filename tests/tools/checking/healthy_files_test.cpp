@@ -5,7 +5,6 @@
 #include <string>
 
 #include "support/bytes.h"
-#include "tools/support/attachment_blocks.h"
 #include "tools/support/checked.h"
 #include "tools/support/data_blocks.h"
 #include "tools/support/healthy_file.h"
@@ -61,27 +60,6 @@ TEST(HealthyFiles, ZippedValuesWithoutTheirInvalidation) {
   SmallFile file("MDF     ", 420);
   file.setGroup({2, 9, 1});
   file.replaceData(file.add("DZ", {}, zippedFields(18, zippedZeros(18), "DV")));
-  expectHealthy(file);
-}
-
-TEST(HealthyFiles, EmptyDataBlocksEvenAtTheEnd) {
-  SmallFile file;
-  const auto group = file.addChannelGroup({0, 4});
-  const auto data_group = file.add("DG", {0, group, 0, 0}, dataGroupFields(0));
-  file.link(SmallFile::data_group, 0, data_group);
-  file.link(data_group, 2, file.add("DT", {}));
-  expectHealthy(file);
-}
-
-TEST(HealthyFiles, Attachments) {
-  SmallFile file;
-  const std::string any(16, 'x');
-  const auto embedded = addAttachment(file, {"", "", 5, digestOfAbc(), 3, "abc"});
-  const auto external = addAttachment(file, {"elsewhere", "", 0, std::string(16, '\0'), 3, ""});
-  const auto without_digest = addAttachment(file, {"", "", 1, any, 3, "abc"});
-  const auto compressed = addAttachment(file, {"", "", 7, digestOfAbc(), 3, zippedAbc()});
-  file.chain({embedded, external, without_digest, compressed});
-  file.link(FileBuilder::header, 3, embedded);
   expectHealthy(file);
 }
 

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "tools/support/attachment_blocks.h"
+#include "tools/support/data_blocks.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/program.h"
 #include "tools/support/scratch_folder.h"

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "support/bytes.h"
-#include "tools/support/attachment_blocks.h"
+#include "tools/support/data_blocks.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/program.h"
 #include "tools/support/temp_file.h"

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "support/bytes.h"
-#include "tools/support/attachment_blocks.h"
+#include "tools/support/data_blocks.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/program.h"
 #include "tools/support/temp_file.h"
@@ -19,22 +19,16 @@ namespace {
 /// One group with a master, a scaled channel and a structure with one member.
 FileBuilder threeChannels() {
   FileBuilder file;
-  ChannelSpec time{2, 1, 4, 0, 0, 64};
+  ChannelSpec time = timeChannel();
   time.name = "t";
-  time.unit = "s";
-  ChannelSpec speed{0, 0, 3, 3, 8, 12};
-  speed.name = "speed";
+  ChannelSpec speed = channelOf("speed", 3, 8, 12);
+  speed.bit_offset = 3;
   speed.source = file.addSource("engine", "", 1, 2);
   speed.conversion = file.addConversion({1, {}, {0, 0.5}, "km/h", ""});
   speed.comment = "of the car";
-  ChannelSpec member;
-  member.name = "inner";
-  member.byte_offset = 10;
-  ChannelSpec outer{0, 0, 10, 0, 10, 16};
-  outer.name = "outer";
-  outer.composition = file.addChannel(member);
-  const GroupSpec group{5, 12};
-  file.addSortedGroup(group, {time, speed, outer}, 0);
+  ChannelSpec outer = channelOf("outer", 10, 10, 16);
+  outer.composition = file.addChannel(channelOf("inner", 0, 10, 8));
+  file.addSortedGroup({5, 12}, {time, speed, outer}, 0);
   return file;
 }
 

@@ -7,7 +7,7 @@
 #include "reader/bytes/digest.h"
 #include "reader/bytes/input_file.h"
 #include "support/bytes.h"
-#include "tools/support/attachment_blocks.h"
+#include "tools/support/data_blocks.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/temp_file.h"
 

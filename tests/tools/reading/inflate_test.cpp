@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "tools/support/attachment_blocks.h"
+#include "tools/support/data_blocks.h"
 
 using namespace mdf_tests;
 using mdf_reader::inflate;

@@ -78,75 +78,52 @@ TEST(CpuSource, HasTheMachineAndEachCpu) {
 }
 
 TEST(CpuSource, SamplesTheUtilisationSinceTheSampleBefore) {
-  const ScratchFolder root;
-  root.write("proc/stat", two_cpus);
-  CpuSource source(root.path());
-  root.write("proc/stat",
-             "cpu  35 0 35 230 0 0 0 0 0 0\n"
-             "cpu0 15 0 10 125 0 0 0 0 0 0\n"
-             "cpu1 20 0 25 105 0 0 0 0 0 0\n");
-  source.sample(0);
-  EXPECT_EQ(valuesOf(source), "cpu_total 10\ncpu0 10\ncpu1 10\n");
-  root.write("proc/stat",
-             "cpu  60 0 35 255 0 0 0 0 0 0\n"
-             "cpu0 40 0 10 125 0 0 0 0 0 0\n"
-             "cpu1 20 0 25 130 0 0 0 0 0 0\n");
-  source.sample(1);
-  EXPECT_EQ(valuesOf(source), "cpu_total 50\ncpu0 100\ncpu1 0\n");
+  expectSampled<CpuSource>("proc/stat", two_cpus,
+                           {{0,
+                             "cpu  35 0 35 230 0 0 0 0 0 0\n"
+                             "cpu0 15 0 10 125 0 0 0 0 0 0\n"
+                             "cpu1 20 0 25 105 0 0 0 0 0 0\n",
+                             "cpu_total 10\ncpu0 10\ncpu1 10\n"},
+                            {1,
+                             "cpu  60 0 35 255 0 0 0 0 0 0\n"
+                             "cpu0 40 0 10 125 0 0 0 0 0 0\n"
+                             "cpu1 20 0 25 130 0 0 0 0 0 0\n",
+                             "cpu_total 50\ncpu0 100\ncpu1 0\n"}});
 }
 
 TEST(CpuSource, MachineNeedsAsManyJiffiesMoreAsItHasCpus) {
-  const ScratchFolder root;
-  root.write("proc/stat", "cpu 0 0 0 0\ncpu0 0 0 0 0\ncpu1 0 0 0 0\n");
-  CpuSource source(root.path());
-  root.write("proc/stat", "cpu 19 0 0 0\ncpu0 10 0 0 0\ncpu1 9 0 0 0\n");
-  source.sample(0);
-  EXPECT_EQ(valuesOf(source), "cpu_total 0\ncpu0 100\ncpu1 0\n");
-  root.write("proc/stat", "cpu 20 0 0 0\ncpu0 10 0 0 0\ncpu1 10 0 0 0\n");
-  source.sample(1);
-  EXPECT_EQ(valuesOf(source), "cpu_total 100\ncpu0 100\ncpu1 100\n");
+  expectSampled<CpuSource>(
+      "proc/stat", "cpu 0 0 0 0\ncpu0 0 0 0 0\ncpu1 0 0 0 0\n",
+      {{0, "cpu 19 0 0 0\ncpu0 10 0 0 0\ncpu1 9 0 0 0\n", "cpu_total 0\ncpu0 100\ncpu1 0\n"},
+       {1, "cpu 20 0 0 0\ncpu0 10 0 0 0\ncpu1 10 0 0 0\n", "cpu_total 100\ncpu0 100\ncpu1 100\n"}});
 }
 
 TEST(CpuSource, LooksAtTheCountersFiftyTimesASecondAtMost) {
-  const ScratchFolder root;
-  root.write("proc/stat", "cpu 0 0 0 0\n");
-  CpuSource source(root.path());
-  source.sample(0);
-  root.write("proc/stat", "cpu 10 0 0 0\n");
-  source.sample(0.019);
-  EXPECT_EQ(valuesOf(source), "cpu_total 0\n");
-  source.sample(0.02);
-  EXPECT_EQ(valuesOf(source), "cpu_total 100\n");
+  expectSampled<CpuSource>("proc/stat", "cpu 0 0 0 0\n",
+                           {{0, "cpu 0 0 0 0\n", "cpu_total 0\n"},
+                            {0.019, "cpu 10 0 0 0\n", "cpu_total 0\n"},
+                            {0.02, "cpu 10 0 0 0\n", "cpu_total 100\n"}});
 }
 
 TEST(CpuSource, CpuThatVanishesKeepsItsLastValue) {
-  const ScratchFolder root;
-  root.write("proc/stat", "cpu 0 0 0 0\ncpu0 0 0 0 0\ncpu1 0 0 0 0\ncpu2 0 0 0 0\n");
-  CpuSource source(root.path());
-  root.write("proc/stat", "cpu 30 0 0 30\ncpu0 10 0 0 10\ncpu1 10 0 0 10\ncpu2 10 0 0 10\n");
-  source.sample(1);
-  root.write("proc/stat", "cpu 60 0 0 30\ncpu0 20 0 0 10\ncpu2 10 0 0 20\n");
-  source.sample(2);
-  EXPECT_EQ(valuesOf(source), "cpu_total 100\ncpu0 100\ncpu1 50\ncpu2 0\n");
+  expectSampled<CpuSource>("proc/stat", "cpu 0 0 0 0\ncpu0 0 0 0 0\ncpu1 0 0 0 0\ncpu2 0 0 0 0\n",
+                           {{1, "cpu 30 0 0 30\ncpu0 10 0 0 10\ncpu1 10 0 0 10\ncpu2 10 0 0 10\n",
+                             "cpu_total 50\ncpu0 50\ncpu1 50\ncpu2 50\n"},
+                            {2, "cpu 60 0 0 30\ncpu0 20 0 0 10\ncpu2 10 0 0 20\n",
+                             "cpu_total 100\ncpu0 100\ncpu1 50\ncpu2 0\n"}});
 }
 
 TEST(CpuSource, CpuThatAppearsIsPassedOver) {
-  const ScratchFolder root;
-  root.write("proc/stat", "cpu 0 0 0 0\ncpu1 0 0 0 0\n");
-  CpuSource source(root.path());
-  root.write("proc/stat", "cpu 30 0 0 30\ncpu0 0 0 0 10\ncpu1 10 0 0 10\n");
-  source.sample(1);
-  EXPECT_EQ(valuesOf(source), "cpu_total 50\ncpu1 50\n");
+  expectSampled<CpuSource>(
+      "proc/stat", "cpu 0 0 0 0\ncpu1 0 0 0 0\n",
+      {{1, "cpu 30 0 0 30\ncpu0 0 0 0 10\ncpu1 10 0 0 10\n", "cpu_total 50\ncpu1 50\n"}});
 }
 
 TEST(CpuSource, TakesTheFourCountersOfOldKernelsAndPassesOverMalformedLines) {
-  const ScratchFolder root;
-  root.write("proc/stat", "cpu 1 2 3 4\ncpu0 1 2 3\ncpu1 1 x 3 4\ncpu2\ncpu3 1 2 3 4 5");
-  CpuSource source(root.path());
-  EXPECT_EQ(valuesOf(source), "cpu_total 0\ncpu3 0\n");
-  root.write("proc/stat", "cpu 1 2 3 4\ncpu3 x\n");
-  source.sample(1);
-  EXPECT_EQ(valuesOf(source), "cpu_total 0\ncpu3 0\n");
+  const std::string text = "cpu 1 2 3 4\ncpu0 1 2 3\ncpu1 1 x 3 4\ncpu2\ncpu3 1 2 3 4 5";
+  expectSampled<CpuSource>(
+      "proc/stat", text,
+      {{0, text, "cpu_total 0\ncpu3 0\n"}, {1, "cpu 1 2 3 4\ncpu3 x\n", "cpu_total 0\ncpu3 0\n"}});
 }
 
 TEST(CpuSource, HasNothingWhereTheFileIsSomethingElse) {

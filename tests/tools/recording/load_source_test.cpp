@@ -22,29 +22,18 @@ TEST(LoadSource, HasThreeAveragesWithoutAUnit) {
 }
 
 TEST(LoadSource, SamplesTwiceASecondAtMost) {
-  const ScratchFolder root;
-  root.write("proc/loadavg", "1 2 3 1/1 1\n");
-  LoadSource source(root.path());
-  root.write("proc/loadavg", "4 5 6 1/1 1\n");
-  source.sample(0);
-  EXPECT_EQ(valuesOf(source), "load_1min 4\nload_5min 5\nload_15min 6\n");
-  root.write("proc/loadavg", "7 8 9 1/1 1\n");
-  source.sample(0.4);
-  EXPECT_EQ(valuesOf(source), "load_1min 4\nload_5min 5\nload_15min 6\n");
-  source.sample(0.5);
-  EXPECT_EQ(valuesOf(source), "load_1min 7\nload_5min 8\nload_15min 9\n");
+  const std::string first = "load_1min 4\nload_5min 5\nload_15min 6\n";
+  expectSampled<LoadSource>("proc/loadavg", "1 2 3 1/1 1\n",
+                            {{0, "4 5 6 1/1 1\n", first},
+                             {0.4, "7 8 9 1/1 1\n", first},
+                             {0.5, "7 8 9 1/1 1\n", "load_1min 7\nload_5min 8\nload_15min 9\n"}});
 }
 
 TEST(LoadSource, KeepsTheLastValuesWhenTheFileIsMalformed) {
-  const ScratchFolder root;
-  root.write("proc/loadavg", "1 2 3 1/1 1\n");
-  LoadSource source(root.path());
-  double seconds = 0;
-  for (const char* text : {"", "4 5", "4 x 6", "nan 5 6"}) {
-    root.write("proc/loadavg", text);
-    source.sample(seconds += 1);
-    EXPECT_EQ(valuesOf(source), "load_1min 1\nload_5min 2\nload_15min 3\n") << text;
-  }
+  const std::string before = "load_1min 1\nload_5min 2\nload_15min 3\n";
+  expectSampled<LoadSource>(
+      "proc/loadavg", "1 2 3 1/1 1\n",
+      {{1, "", before}, {2, "4 5", before}, {3, "4 x 6", before}, {4, "nan 5 6", before}});
 }
 
 TEST(LoadSource, HasNothingWithoutTheFile) {

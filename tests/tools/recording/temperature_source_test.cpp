@@ -58,15 +58,9 @@ TEST(TemperatureSource, LeavesOutSensorsThatCannotBeRead) {
 }
 
 TEST(TemperatureSource, SensorThatVanishesKeepsItsLastValue) {
-  const ScratchFolder root;
-  root.write("sys/class/hwmon/hwmon0/temp1_input", "1000");
-  TemperatureSource source(root.path());
-  root.write("sys/class/hwmon/hwmon0/temp1_input", "");
-  source.sample(0);
-  EXPECT_EQ(valuesOf(source), "temp_hwmon0_temp1 1\n");
-  root.write("sys/class/hwmon/hwmon0/temp1_input", "2000");
-  source.sample(1);
-  EXPECT_EQ(valuesOf(source), "temp_hwmon0_temp1 2\n");
+  expectSampled<TemperatureSource>(
+      "sys/class/hwmon/hwmon0/temp1_input", "1000",
+      {{0, "", "temp_hwmon0_temp1 1\n"}, {1, "2000", "temp_hwmon0_temp1 2\n"}});
 }
 
 TEST(TemperatureSource, ReadsEachSensorTenTimesASecondAtMostAndNotAllAtOnce) {

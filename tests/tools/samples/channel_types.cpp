@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "sample_file.h"
-#include "tools/support/attachment_blocks.h"
+#include "tools/support/data_blocks.h"
 
 namespace mdf_tests {
 

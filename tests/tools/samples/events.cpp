@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "sample_file.h"
-#include "tools/support/attachment_blocks.h"
+#include "tools/support/data_blocks.h"
 
 namespace mdf_tests {
 
@@ -20,8 +20,8 @@ struct EventSpec {
   double factor = 1;
   std::uint64_t parent = 0;
   std::uint64_t begin = 0;
-  std::vector<std::uint64_t> scopes;
-  std::vector<std::uint64_t> attachments;
+  std::vector<std::uint64_t> scopes{};
+  std::vector<std::uint64_t> attachments{};
   bool is_added_later = false;
 };
 
@@ -48,12 +48,8 @@ Sample types() {
   SampleFile file;
   std::vector<std::uint64_t> events;
   for (unsigned type = 0; type <= 6; ++type) {
-    EventSpec spec;
-    spec.name = "type " + std::to_string(type);
-    spec.type = type;
-    spec.base = type;
-    spec.factor = 0.5;
-    events.push_back(addEvent(file, spec));
+    events.push_back(
+        addEvent(file, {"type " + std::to_string(type), type, 1, 0, 0, std::int64_t{type}, 0.5}));
   }
   return finish("block-event-types", "an event of each type", std::move(file), events);
 }
@@ -62,9 +58,7 @@ Sample causes() {
   SampleFile file;
   std::vector<std::uint64_t> events;
   for (unsigned cause = 0; cause <= 4; ++cause) {
-    EventSpec spec;
-    spec.name = "cause " + std::to_string(cause);
-    spec.cause = cause;
+    EventSpec spec{"cause " + std::to_string(cause), 6, 1, 0, cause};
     spec.is_added_later = cause == 4;
     events.push_back(addEvent(file, spec));
   }
@@ -74,50 +68,28 @@ Sample causes() {
 
 Sample syncTypes() {
   SampleFile file;
-  std::vector<std::uint64_t> events;
-  for (unsigned sync_type = 1; sync_type <= 4; ++sync_type) {
-    EventSpec spec;
-    spec.name = "over " + std::to_string(sync_type);
-    spec.sync_type = sync_type;
-    spec.base = sync_type == 4 ? 2 : -1500;
-    spec.factor = sync_type == 4 ? 1 : 0.001;
-    events.push_back(addEvent(file, spec));
-  }
+  const std::vector<std::uint64_t> events = {addEvent(file, {"over 1", 6, 1, 0, 0, -1500, 0.001}),
+                                             addEvent(file, {"over 2", 6, 2, 0, 0, -1500, 0.001}),
+                                             addEvent(file, {"over 3", 6, 3, 0, 0, -1500, 0.001}),
+                                             addEvent(file, {"over 4", 6, 4, 0, 0, 2, 1})};
   return finish("block-event-sync-types", "events at a time, an angle, a distance and an index",
                 std::move(file), events);
 }
 
 Sample range() {
   SampleFile file;
-  EventSpec begin;
-  begin.name = "lap";
-  begin.range = 1;
-  begin.base = 1;
-  begin.factor = 0.25;
-  const auto first = addEvent(file, begin);
-  EventSpec end = begin;
-  end.range = 2;
-  end.base = 4;
-  end.begin = first;
-  const auto second = addEvent(file, end);
+  const auto begin = addEvent(file, {"lap", 6, 1, 1, 0, 1, 0.25});
+  const auto end = addEvent(file, {"lap", 6, 1, 2, 0, 4, 0.25, 0, begin});
   return finish("block-event-range", "the begin and the end of a range", std::move(file),
-                {first, second});
+                {begin, end});
 }
 
 Sample parent() {
   SampleFile file;
-  EventSpec recording;
-  recording.name = "recording";
-  recording.type = 0;
-  const auto first = addEvent(file, recording);
-  EventSpec trigger;
-  trigger.name = "trigger";
-  trigger.type = 3;
-  trigger.parent = first;
-  trigger.base = 1;
-  const auto second = addEvent(file, trigger);
+  const auto recording = addEvent(file, {"recording", 0});
+  const auto trigger = addEvent(file, {"trigger", 3, 1, 0, 0, 1, 1, recording});
   return finish("block-event-parent", "an event that belongs to another", std::move(file),
-                {first, second});
+                {recording, trigger});
 }
 
 /// An event of a group and one of its channels, with an attachment and a comment.

@@ -12,13 +12,6 @@
 
 namespace mdf_tests {
 
-/// A channel that is the first byte of a record.
-inline ChannelSpec firstByte(const std::string& name) {
-  ChannelSpec channel;
-  channel.name = name;
-  return channel;
-}
-
 /// What came of reading a file.
 struct Exported {
   std::string text;

@@ -11,13 +11,19 @@ namespace mdf_tests {
 using CFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 /// An empty file without a name, to write and to read.
-CFile temporaryFile();
+inline CFile temporaryFile() { return {std::tmpfile(), std::fclose}; }
 
 /// A file to write to whose disk has no room left.
-CFile fullFile();
+inline CFile fullFile() { return {std::fopen("/dev/full", "wb"), std::fclose}; }
 
 /// All bytes of a file.
-std::string contentOf(std::FILE* file);
+inline std::string contentOf(std::FILE* file) {
+  std::fseek(file, 0, SEEK_END);
+  std::string bytes(static_cast<std::size_t>(std::ftell(file)), '\0');
+  std::rewind(file);
+  bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
+  return bytes;
+}
 
 }  // namespace mdf_tests
 

@@ -27,6 +27,20 @@ std::string ChannelSpec::fields() const {
          f64(range_min, range_max) + zeros(32);
 }
 
+ChannelSpec channelOf(const std::string& name, unsigned data_type, std::uint32_t byte_offset,
+                      std::uint32_t bit_count) {
+  ChannelSpec channel{0, 0, data_type, 0, byte_offset, bit_count};
+  channel.name = name;
+  return channel;
+}
+
+ChannelSpec timeChannel(std::uint32_t byte_offset) {
+  ChannelSpec time{2, 1, 4, 0, byte_offset, 64};
+  time.name = "time";
+  time.unit = "s";
+  return time;
+}
+
 std::string GroupSpec::fields() const {
   return u64(record_id, cycles) + u16(flags) + zeros(6) + u32(data_bytes, invalidation_bytes);
 }
@@ -43,8 +57,7 @@ std::uint64_t FileBuilder::add(const std::string& letters, const std::vector<std
   bytes_.resize((bytes_.size() + 7) / 8 * 8);
   const std::uint64_t offset = bytes_.size();
   const std::uint64_t length = header_size + link_size * links.size() + contents.size();
-  bytes_ += mdf_tests::header(letters, length, links.size()) +
-            listed(std::vector<std::int64_t>(links.begin(), links.end())) + contents;
+  bytes_ += mdf_tests::header(letters, length, links.size()) + listed(links) + contents;
   return offset;
 }
 
@@ -59,13 +72,6 @@ std::uint64_t FileBuilder::addChannel(const ChannelSpec& spec) {
   return add("CN",
              {0, spec.composition, name, spec.source, spec.conversion, spec.data, unit, comment},
              spec.fields());
-}
-
-std::uint64_t FileBuilder::addTime(std::uint32_t byte_offset) {
-  ChannelSpec time{2, 1, 4, 0, byte_offset, 64};
-  time.name = "time";
-  time.unit = "s";
-  return addChannel(time);
 }
 
 std::uint64_t FileBuilder::addChannelGroup(const GroupSpec& spec,

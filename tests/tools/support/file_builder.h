@@ -36,6 +36,16 @@ struct ChannelSpec {
   std::string fields() const;
 };
 
+/// A channel of so many bits at a byte of the record.
+ChannelSpec channelOf(const std::string& name, unsigned data_type, std::uint32_t byte_offset,
+                      std::uint32_t bit_count);
+
+/// The first byte of a record.
+inline ChannelSpec firstByte(const std::string& name) { return channelOf(name, 0, 0, 8); }
+
+/// A master channel over time of type double, "time" in "s".
+ChannelSpec timeChannel(std::uint32_t byte_offset = 0);
+
 /// A channel group block in the making.
 struct GroupSpec {
   std::uint64_t cycles = 0;
@@ -83,8 +93,9 @@ class FileBuilder {
   /// A channel with the texts that it wants, in no group yet.
   std::uint64_t addChannel(const ChannelSpec& spec);
 
-  /// A master channel over time of type double, at a byte of the record.
-  std::uint64_t addTime(std::uint32_t byte_offset = 0);
+  std::uint64_t addTime(std::uint32_t byte_offset = 0) {
+    return addChannel(timeChannel(byte_offset));
+  }
 
   /// A channel group of these channels, which get linked to one another, in no data group yet.
   std::uint64_t addChannelGroup(const GroupSpec& spec,

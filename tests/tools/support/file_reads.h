@@ -2,6 +2,9 @@
 #define MDF_TESTS_TOOLS_SUPPORT_FILE_READS_H_
 
 #include <cstdint>
+#include <fstream>
+#include <stdexcept>
+#include <string>
 
 namespace mdf_tests {
 
@@ -9,8 +12,6 @@ namespace mdf_tests {
 /// up is a read by itself, which counts too.
 class FileReads {
  public:
-  FileReads() : start_(now()) {}
-
   std::uint64_t calls() const { return now().calls - start_.calls; }
   std::uint64_t bytes() const { return now().bytes - start_.bytes; }
 
@@ -20,9 +21,19 @@ class FileReads {
     std::uint64_t bytes;
   };
 
-  static Counts now();
+  static Counts now() {
+    std::ifstream file("/proc/self/io");
+    std::string label[3];
+    std::uint64_t written = 0;
+    Counts counts{};
+    file >> label[0] >> counts.bytes >> label[1] >> written >> label[2] >> counts.calls;
+    if (!file || label[0] != "rchar:" || label[2] != "syscr:") {
+      throw std::runtime_error("the kernel does not count what is read");
+    }
+    return counts;
+  }
 
-  Counts start_;
+  Counts start_ = now();
 };
 
 }  // namespace mdf_tests
