@@ -62,13 +62,10 @@ std::string plotsOf(const std::vector<Curve>& curves) {
 
 TEST(CurveCollector, CurvesOverTheMaster) {
   FileBuilder file;
-  ChannelSpec speed;
-  speed.name = "speed";
+  ChannelSpec speed = channelOf("speed", 0, 8, 8);
   speed.unit = "km/h";
-  speed.byte_offset = 8;
-  const std::uint64_t time = file.addTime();
-  file.addDataGroup({file.addChannelGroup({2, 9}, {time, file.addChannel(speed)})},
-                    file.addData(Bytes().f64(1).u8(50).f64(2).u8(60)));
+  file.addSortedGroup({2, 9}, {timeChannel(), speed},
+                      file.addData(Bytes().f64(1).u8(50).f64(2).u8(60)));
   const std::vector<Curve> curves = curvesOf(file);
   ASSERT_EQ(curves.size(), 1U);
   EXPECT_EQ(curves[0].name, "speed");
@@ -81,11 +78,9 @@ TEST(CurveCollector, CurvesOverTheMaster) {
 
 TEST(CurveCollector, TextsAreDrawnAsTheirNumbersOverTheSamples) {
   FileBuilder file;
-  ChannelSpec state;
-  state.name = "state";
+  ChannelSpec state = firstByte("state");
   state.conversion = file.addConversion({7, {file.text("on"), file.text("off")}, {1}});
-  file.addDataGroup({file.addChannelGroup({3, 1}, {file.addChannel(state)})},
-                    file.addData(Bytes().u8s({0, 1, 5})));
+  file.addSortedGroup({3, 1}, {state}, file.addData(u8(0, 1, 5)));
   const std::vector<Curve> curves = curvesOf(file);
   ASSERT_EQ(curves.size(), 1U);
   EXPECT_EQ(curves[0].x_label, "sample");
@@ -96,11 +91,11 @@ TEST(CurveCollector, TextsAreDrawnAsTheirNumbersOverTheSamples) {
 
 TEST(CurveCollector, MoreCurvesThanAPictureHasRoomFor) {
   FileBuilder file;
-  std::vector<std::uint64_t> channels;
+  std::vector<ChannelSpec> channels;
   for (int i = 0; i < 70; ++i) {
-    channels.push_back(file.addChannel(firstByte("c" + std::to_string(i))));
+    channels.push_back(firstByte("c" + std::to_string(i)));
   }
-  file.addDataGroup({file.addChannelGroup({1, 1}, channels)}, file.addData("A"));
+  file.addSortedGroup({1, 1}, channels, file.addData("A"));
   std::size_t left_out = 0;
   EXPECT_EQ(curvesOf(file, &left_out).size(), 64U);
   EXPECT_EQ(left_out, 6U);

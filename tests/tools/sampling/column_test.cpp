@@ -13,13 +13,11 @@ using mdf_tests::Bytes;
 namespace {
 
 /// The second of three records with such a value after another byte.
-std::string shown(unsigned data_type, const std::string& bytes, unsigned bit_offset,
-                  std::uint64_t bit_count) {
+std::string shown(unsigned data_type, const std::string& bytes) {
   Channel channel;
   channel.data_type = data_type;
   channel.byte_offset = 1;
-  channel.bit_offset = bit_offset;
-  channel.bit_count = static_cast<std::uint32_t>(bit_count);
+  channel.bit_count = static_cast<std::uint32_t>(8 * bytes.size());
   ChannelGroup group;
   group.data_bytes = static_cast<std::uint32_t>(1 + bytes.size());
   ColumnSource source;
@@ -36,56 +34,8 @@ std::string shown(unsigned data_type, const std::string& bytes, unsigned bit_off
   return text;
 }
 
-/// A value of whole bytes.
-std::string shown(unsigned data_type, const std::string& bytes) {
-  return shown(data_type, bytes, 0, 8 * bytes.size());
-}
-
-TEST(Column, UnsignedLittleEndian) {
-  EXPECT_EQ(shown(0, Bytes().u8s({0xFE})), "254");
-  EXPECT_EQ(shown(0, Bytes().u8s({1, 2})), "513");
-  EXPECT_EQ(shown(0, Bytes().u8s({1, 0, 0, 0, 0, 0x80})), "140737488355329");  // 2^47 + 1
-  EXPECT_EQ(shown(0, std::string(8, '\xFF')), "18446744073709551615");
-}
-
-TEST(Column, UnsignedBigEndian) {
-  EXPECT_EQ(shown(1, Bytes().u8s({1, 2})), "258");
-  EXPECT_EQ(shown(1, Bytes().u8s({0x80, 0, 0, 0, 0, 1})), "140737488355329");
-  EXPECT_EQ(shown(1, Bytes().u8s({0, 0, 0, 0, 0, 0, 0, 9})), "9");
-}
-
-TEST(Column, SignedIntegers) {
-  EXPECT_EQ(shown(2, Bytes().u8s({0xFE})), "-2");
-  EXPECT_EQ(shown(2, Bytes().u8s({0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF})), "-2");
-  EXPECT_EQ(shown(2, Bytes().u8s({0, 0, 0, 0, 0, 0, 0, 0x80})), "-9223372036854775808");
-  EXPECT_EQ(shown(3, Bytes().u8s({0xFF, 0xFE})), "-2");
-  EXPECT_EQ(shown(3, Bytes().u8s({0x7F, 0xFF})), "32767");
-}
-
-TEST(Column, BitsInsideBytes) {
-  EXPECT_EQ(shown(0, Bytes().u8s({0xB4}), 2, 3), "5");   // 10 1101 00: bits 2 to 4
-  EXPECT_EQ(shown(2, Bytes().u8s({0xB4}), 2, 3), "-3");  // the same with a sign
-  EXPECT_EQ(shown(0, Bytes().u8s({0xF0, 0x0F}), 4, 8), "255");
-  EXPECT_EQ(shown(1, Bytes().u8s({0x0A, 0xB0}), 4, 8), "171");  // 0x0AB0 >> 4
-  EXPECT_EQ(shown(0, Bytes().u8s({0x80, 0, 0, 0, 0, 0, 0, 0, 0x7F}), 7, 64),
-            "18302628885633695745");  // 0xFE00000000000001 over nine bytes
-  EXPECT_EQ(shown(1, Bytes().u8s({0x7F, 0, 0, 0, 0, 0, 0, 0, 0x80}), 7, 64),
-            "18302628885633695745");
-  EXPECT_EQ(shown(0, "", 0, 0), "0");
-}
-
 TEST(Column, IntegersOfMoreThan64BitsAreTheirBytes) {
   EXPECT_EQ(shown(0, Bytes().u8s({1, 2, 3, 4, 5, 6, 7, 8, 0xAB})), "0102030405060708ab");
-}
-
-TEST(Column, Reals) {
-  EXPECT_EQ(shown(4, Bytes().f64(0.1)), "0.1");
-  EXPECT_EQ(shown(4, Bytes().u8s({0, 0, 0xC0, 0x3F})), "1.5");
-  EXPECT_EQ(shown(5, Bytes().u8s({0x3F, 0xC0, 0, 0})), "1.5");
-  EXPECT_EQ(shown(5, Bytes().u8s({0xC0, 0x04, 0, 0, 0, 0, 0, 0})), "-2.5");
-  EXPECT_EQ(shown(4, Bytes().u8s({0, 0, 0x80, 0x7F})), "inf");
-  EXPECT_EQ(shown(4, Bytes().u8s({0, 0, 0x80, 0xFF})), "-inf");
-  EXPECT_EQ(shown(4, Bytes().u8s({0, 0, 0xC0, 0xFF})), "nan");
 }
 
 TEST(Column, FloatsReadBackToTheSameNumber) {
@@ -106,20 +56,6 @@ TEST(Column, RealsOf16Bits) {
 TEST(Column, RealsOfAnotherWidthAreTheirBytes) {
   EXPECT_EQ(shown(4, Bytes().u8s({1, 2, 3})), "010203");
   EXPECT_EQ(shown(4, std::string(10, '\x01')), "01010101010101010101");
-}
-
-TEST(Column, Strings) {
-  EXPECT_EQ(shown(6, "caf\xE9"), "caf\xC3\xA9");
-  EXPECT_EQ(shown(6, Bytes().text("ab").zeros(2).text("cd")), "ab");
-  EXPECT_EQ(shown(7, "caf\xC3\xA9"), "caf\xC3\xA9");
-  EXPECT_EQ(shown(8, Bytes().u8s({0x61, 0, 0xE9, 0})), "a\xC3\xA9");
-  EXPECT_EQ(shown(9, Bytes().u8s({0, 0x61, 0, 0xE9})), "a\xC3\xA9");
-}
-
-TEST(Column, BytesAndStreamsAreHexadecimalDigits) {
-  for (const unsigned data_type : {10U, 11U, 12U}) {
-    EXPECT_EQ(shown(data_type, Bytes().u8s({0, 0x1F, 0xFF})), "001fff");
-  }
 }
 
 TEST(Column, CanopenDate) {

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <variant>
 #include <vector>
 
 #include "exported.h"
@@ -16,6 +18,8 @@ using mdf_tests::FileBuilder;
 using mdf_tests::TempFile;
 
 namespace {
+
+using Raw = std::variant<int, double, std::string>;
 
 /// A conversion of a file, and what was found wrong with it.
 class Converted {
@@ -63,15 +67,9 @@ class Converted {
   Conversion* conversion_;
 };
 
-Converted converted(unsigned type, const std::vector<double>& values) {
-  FileBuilder file;
-  const std::uint64_t offset = file.addConversion({type, {}, values});
-  return {file, offset};
-}
-
-/// With references to texts; "" is a reference that leads nowhere.
+/// A conversion with references to texts; "" is a reference that leads nowhere.
 Converted converted(unsigned type, const std::vector<double>& values,
-                    const std::vector<std::string>& texts) {
+                    const std::vector<std::string>& texts = {}) {
   FileBuilder file;
   std::vector<std::uint64_t> references;
   for (const std::string& text : texts) {
@@ -83,78 +81,52 @@ Converted converted(unsigned type, const std::vector<double>& values,
 
 TEST(Conversion, IdentityIsNone) {
   EXPECT_TRUE(converted(0, {}).isNone());
+  EXPECT_TRUE(converted(1, {0, 1}).isNone());  // and so large integers keep their digits
   EXPECT_TRUE(Converted(FileBuilder(), 0).isNone());
 }
 
-TEST(Conversion, Linear) {
-  Converted conversion = converted(1, {-40, 0.5});
-  EXPECT_EQ(conversion.of(100), "10");
-  EXPECT_EQ(conversion.of(2.5), "-38.75");
-  EXPECT_EQ(conversion.of("text"), "text");
+TEST(Conversion, OfEachType) {
+  struct Case {
+    unsigned type;
+    std::vector<double> values;
+    std::vector<std::string> texts;
+    std::vector<std::pair<Raw, std::string>> physical;
+  };
+  const std::vector<Case> cases = {
+      {1, {-40, 0.5}, {}, {{100, "10"}, {2.5, "-38.75"}, {"text", "text"}}},
+      {2, {1, 2, 3, 0, 0, 2}, {}, {{3, "9"}}},  // (9 + 6 + 3) / 2
+      {2, {0, 0, 1, 0, 1, 0}, {}, {{0, "inf"}}},
+      {3, {}, {"X^2+1"}, {{3, "10"}}},
+      {4, {0, 0, 10, 100}, {}, {{5, "50"}, {-5, "0"}, {50, "100"}}},
+      {5, {0, 0, 10, 100}, {}, {{4, "0"}, {5, "0"}, {6, "100"}}},
+      {6, {0, 10, 0.5, 11, 20, 1.5, -1}, {}, {{10, "0.5"}, {10.0, "-1"}, {11, "1.5"}, {21, "-1"}}},
+      {6, {0, 10, 0.5}, {}, {{99, "99"}}},  // without a default
+      {7, {0, 1}, {"off", "on", "unknown"}, {{0, "off"}, {1.0, "on"}, {2, "unknown"}}},
+      {7, {0, 1}, {"off", "", ""}, {{0, "off"}, {1, "1"}, {2, "2"}}},
+      {8,
+       {0, 9, 10, 19},
+       {"low", "high", "none"},
+       {{9, "low"}, {9.0, "none"}, {10.5, "high"}, {20, "none"}}},
+      {9, {10, 20, -1}, {"one", "two"}, {{"one", "10"}, {"two", "20"}, {"three", "-1"}, {1, "1"}}},
+      {10, {}, {"one", "eins", "two", "zwei", "viele"}, {{"two", "zwei"}, {"three", "viele"}}},
+      {10, {}, {"one", "eins", ""}, {{"three", "three"}}},
+  };
+  for (const Case& each : cases) {
+    Converted conversion = converted(each.type, each.values, each.texts);
+    for (const auto& [raw, physical] : each.physical) {
+      EXPECT_EQ(std::visit([&](const auto& value) { return conversion.of(value); }, raw), physical)
+          << each.type;
+    }
+    EXPECT_EQ(conversion.findings(), std::vector<std::string>()) << each.type;
+  }
 }
 
-TEST(Conversion, LinearThatChangesNothingKeepsLargeIntegers) {
-  EXPECT_TRUE(converted(1, {0, 1}).isNone());
-}
-
-TEST(Conversion, Rational) {
-  Converted conversion = converted(2, {1, 2, 3, 0, 0, 2});
-  EXPECT_EQ(conversion.of(3), "9");  // (9 + 6 + 3) / 2
-  EXPECT_EQ(converted(2, {0, 0, 1, 0, 1, 0}).of(0), "inf");
-}
-
-TEST(Conversion, Algebraic) {
-  EXPECT_EQ(converted(3, {}, {"X^2+1"}).of(3), "10");
+TEST(Conversion, FormulaThatCannotBeEvaluated) {
   Converted broken = converted(3, {}, {"X+*"});
   EXPECT_TRUE(broken.isNone());
   ASSERT_EQ(broken.findings().size(), 1U);
   EXPECT_EQ(broken.findings()[0].substr(0, 54),
             "expected a formula that can be evaluated, found \"X+*\":");
-}
-
-TEST(Conversion, ValueToValueWithInterpolation) {
-  Converted conversion = converted(4, {0, 0, 10, 100});
-  EXPECT_EQ(conversion.of(5), "50");
-  EXPECT_EQ(conversion.of(-5), "0");
-  EXPECT_EQ(conversion.of(50), "100");
-}
-
-TEST(Conversion, ValueToValueWithoutInterpolation) {
-  Converted conversion = converted(5, {0, 0, 10, 100});
-  EXPECT_EQ(conversion.of(4), "0");
-  EXPECT_EQ(conversion.of(5), "0");
-  EXPECT_EQ(conversion.of(6), "100");
-}
-
-TEST(Conversion, RangeToValue) {
-  Converted conversion = converted(6, {0, 10, 0.5, 11, 20, 1.5, -1});
-  EXPECT_EQ(conversion.of(10), "0.5");
-  EXPECT_EQ(conversion.of(10.0), "-1");
-  EXPECT_EQ(conversion.of(11), "1.5");
-  EXPECT_EQ(conversion.of(21), "-1");
-  EXPECT_EQ(converted(6, {0, 10, 0.5}).of(99), "99");  // without a default
-}
-
-TEST(Conversion, ValueToText) {
-  Converted conversion = converted(7, {0, 1}, {"off", "on", "unknown"});
-  EXPECT_EQ(conversion.of(0), "off");
-  EXPECT_EQ(conversion.of(1.0), "on");
-  EXPECT_EQ(conversion.of(2), "unknown");
-}
-
-TEST(Conversion, ReferencesThatLeadNowhereKeepTheNumber) {
-  Converted conversion = converted(7, {0, 1}, {"off", "", ""});
-  EXPECT_EQ(conversion.of(0), "off");
-  EXPECT_EQ(conversion.of(1), "1");
-  EXPECT_EQ(conversion.of(2), "2");
-}
-
-TEST(Conversion, RangeToText) {
-  Converted conversion = converted(8, {0, 9, 10, 19}, {"low", "high", "none"});
-  EXPECT_EQ(conversion.of(9), "low");
-  EXPECT_EQ(conversion.of(9.0), "none");
-  EXPECT_EQ(conversion.of(10.5), "high");
-  EXPECT_EQ(conversion.of(20), "none");
 }
 
 TEST(Conversion, ScaleConversionsLeadOnToOthers) {
@@ -165,21 +137,6 @@ TEST(Conversion, ScaleConversionsLeadOnToOthers) {
   Converted conversion(file, offset);
   EXPECT_EQ(conversion.of(255), "error");
   EXPECT_EQ(conversion.of(20), "2");
-}
-
-TEST(Conversion, TextToValue) {
-  Converted conversion = converted(9, {10, 20, -1}, {"one", "two"});
-  EXPECT_EQ(conversion.of("one"), "10");
-  EXPECT_EQ(conversion.of("two"), "20");
-  EXPECT_EQ(conversion.of("three"), "-1");
-  EXPECT_EQ(conversion.of(1), "1");
-}
-
-TEST(Conversion, TextToText) {
-  Converted conversion = converted(10, {}, {"one", "eins", "two", "zwei", "viele"});
-  EXPECT_EQ(conversion.of("two"), "zwei");
-  EXPECT_EQ(conversion.of("three"), "viele");
-  EXPECT_EQ(converted(10, {}, {"one", "eins", ""}).of("three"), "three");
 }
 
 TEST(Conversion, TooFewParameters) {

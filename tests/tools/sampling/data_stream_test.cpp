@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -78,46 +79,6 @@ TEST(DataStream, ListsWithPiecesOfAnyLength) {
   EXPECT_EQ(bytesAt(file, file.add("HL", {first}, Bytes().zeros(8))), "abcdefghijklmnopq");
 }
 
-TEST(DataStream, HeaderListThatCountsNoLink) {
-  FileBuilder file;
-  const std::uint64_t first = addList(file, {file.addData("abc")});
-  const std::uint64_t header = file.add("HL", {first}, Bytes().zeros(8));
-  file.write(header + 16, Bytes().u64(0));
-  EXPECT_EQ(bytesAt(file, header), "abc");
-}
-
-TEST(DataStream, ListsOfVersion42) {
-  FileBuilder file;
-  const std::uint64_t a = file.add("DV", {}, "abc");
-  const std::uint64_t b = file.add("DV", {}, "def");
-  const std::uint64_t invalid = file.add("DI", {}, "xyz");
-  const std::uint64_t list =
-      file.add("LD", {0, a, b, invalid, invalid}, Bytes().u32(0x80000001U).u32(2).u64(3));
-  EXPECT_EQ(bytesAt(file, list), "abcdef");
-}
-
-TEST(DataStream, LinksThatLeadNowhereInListsMadeInAdvance) {
-  FileBuilder file;
-  const std::uint64_t a = file.addData("abc");
-  EXPECT_EQ(bytesAt(file, addList(file, {0, a, 0})), "abc");
-}
-
-TEST(DataStream, ZippedBlocks) {
-  FileBuilder file;
-  const std::uint64_t a = addZipped(file, "DT", "the quick ");
-  const std::uint64_t b = addZipped(file, "DT", "brown fox");
-  EXPECT_EQ(bytesAt(file, a), "the quick ");
-  EXPECT_EQ(bytesAt(file, addList(file, {a, b})), "the quick brown fox");
-}
-
-TEST(DataStream, TransposedBlocks) {
-  FileBuilder file;
-  // Rows "abc", "def", "ghi" and "jk", which is none.
-  EXPECT_EQ(
-      bytesAt(file, file.add("DZ", {}, zippedFields(11, storedStream("adgbehcfijk"), "DT", 1, 3))),
-      "abcdefghijk");
-}
-
 /// Blocks that are long enough to be unzipped ahead, some of them, and the data of all.
 std::string addLongBlocks(FileBuilder& file, std::vector<std::uint64_t>& blocks) {
   std::string all;
@@ -181,32 +142,77 @@ TEST(DataStream, AnyOffsetOfAListOfBoth) {
   EXPECT_FALSE(streamed.stream().reaches(31));
 }
 
-/// What is found wrong with the data, and what is read of it.
-void expectData(const FileBuilder& file, std::uint64_t link, const std::string& finding,
-                const std::string& bytes) {
-  Streamed streamed(file.bytes(), link);
-  EXPECT_EQ(streamed.all(), bytes);
-  EXPECT_EQ(streamed.findings(), std::vector<std::string>{finding});
+/// A block of three bytes with another number at a place of its header.
+std::uint64_t addLying(FileBuilder& file, std::uint64_t place, std::uint64_t number) {
+  const std::uint64_t data = file.addData("abc");
+  file.write(data + place, u64(number));
+  return data;
 }
 
-TEST(DataStream, LinkToSomethingElse) {
-  const FileBuilder file;
-  expectData(file, 64, "expected a block with data at 64 (0x40), found none", "");
-  expectData(file, 99999, "expected a block with data at 99999 (0x1869f), found none", "");
+/// A zipped block of "the quick" with another number at a place of its fields.
+std::uint64_t addLyingZipped(FileBuilder& file, std::uint64_t place, std::uint64_t number) {
+  const std::uint64_t zipped = addZipped(file, "DT", "the quick");
+  file.write(zipped + place, u64(number));
+  return zipped;
 }
 
-TEST(DataStream, ListWithALinkToSomethingElse) {
-  FileBuilder file;
-  const std::uint64_t a = file.addData("abc");
-  const std::uint64_t list = addList(file, {a, FileBuilder::header, a});
-  expectData(file, list, "expected data at 64 (0x40), found none; 3 bytes were not read", "abc");
-}
-
-TEST(DataStream, ListsInACircle) {
-  FileBuilder file;
-  const std::uint64_t list = addList(file, {file.addData("abc")});
-  file.link(list, 0, list);
-  expectData(file, list, "expected the chain of lists to end, found this one again", "abc");
+TEST(DataStream, WhatIsWrongIsFoundAndTheRestIsRead) {
+  struct Case {
+    std::string finding;
+    std::string bytes;
+    std::function<std::uint64_t(FileBuilder&)> link;
+  };
+  constexpr std::uint64_t length = 8;
+  constexpr std::uint64_t link_count = 16;
+  constexpr std::uint64_t original = 32;
+  constexpr std::uint64_t zipped = 40;
+  const std::vector<Case> cases = {
+      {"expected a block with data at 64 (0x40), found none", "",
+       [](FileBuilder&) { return FileBuilder::header; }},
+      {"expected a block with data at 99999 (0x1869f), found none", "",
+       [](FileBuilder&) { return 99999; }},
+      {"expected data at 64 (0x40), found none; 3 bytes were not read", "abc",
+       [](FileBuilder& file) {
+         const std::uint64_t data = file.addData("abc");
+         return addList(file, {data, FileBuilder::header, data});
+       }},
+      {"expected the chain of lists to end, found this one again", "abc",
+       [](FileBuilder& file) {
+         const std::uint64_t list = addList(file, {file.addData("abc")});
+         file.link(list, 0, list);
+         return list;
+       }},
+      {"expected a length of at least 24, found 23", "",
+       [](FileBuilder& file) { return addLying(file, length, 23); }},
+      {"expected the 100 bytes of ##DT, found 27 up to the file's end", "abc",
+       [](FileBuilder& file) { return addLying(file, length, 100); }},
+      {"expected no links in a data block, found 18446744073709551615", "",
+       [](FileBuilder& file) { return addLying(file, link_count, UINT64_MAX); }},
+      {"expected a zlib stream, found a damaged one or other bytes; 12 bytes were not read", "abc",
+       [](FileBuilder& file) {
+         const std::uint64_t data = file.addData("abc");
+         return addList(file, {data, addLyingZipped(file, 48, 0), data});
+       }},
+      {"expected 8 bytes of zipped data, found more; 8 bytes were not read", "",
+       [](FileBuilder& file) { return addLyingZipped(file, original, 8); }},
+      {"expected 10 bytes of zipped data, found 9; 1 byte was not read", "the quick",
+       [](FileBuilder& file) { return addLyingZipped(file, original, 10); }},
+      {"expected at most 20640 bytes of zipped data, found 18446744073709551615", "",
+       [](FileBuilder& file) { return addLyingZipped(file, original, UINT64_MAX); }},
+      {"expected 21 zipped bytes, found 20", "",
+       [](FileBuilder& file) { return addLyingZipped(file, zipped, 21); }},
+      {"expected a known zip type, found 7", "",
+       [](FileBuilder& file) {
+         return file.add("DZ", {}, zippedFields(3, storedStream("abc"), "DT", 7));
+       }},
+  };
+  for (const Case& each : cases) {
+    FileBuilder file;
+    const std::uint64_t link = each.link(file);
+    Streamed streamed(file.bytes(), link);
+    EXPECT_EQ(streamed.all(), each.bytes);
+    EXPECT_EQ(streamed.findings(), std::vector<std::string>{each.finding});
+  }
 }
 
 TEST(DataStream, SameBlockAgainAndAgainIsLimitedByTheFile) {
@@ -216,27 +222,6 @@ TEST(DataStream, SameBlockAgainAndAgainIsLimitedByTheFile) {
   Streamed streamed(file.bytes(), list);
   EXPECT_EQ(streamed.stream().size(), 2000U);  // the file has 2952 bytes
   EXPECT_EQ(streamed.findings().size(), 1U);
-}
-
-TEST(DataStream, LengthBelowTheHeader) {
-  FileBuilder file;
-  const std::uint64_t data = file.addData("abc");
-  file.write(data + 8, Bytes().u64(23));
-  expectData(file, data, "expected a length of at least 24, found 23", "");
-}
-
-TEST(DataStream, LengthBeyondTheFile) {
-  FileBuilder file;
-  const std::uint64_t data = file.addData("abc");
-  file.write(data + 8, Bytes().u64(100));
-  expectData(file, data, "expected the 100 bytes of ##DT, found 27 up to the file's end", "abc");
-}
-
-TEST(DataStream, LinksOfADataBlockThatAreMoreThanTheFile) {
-  FileBuilder file;
-  const std::uint64_t data = file.addData("abc");
-  file.write(data + 16, Bytes().u64(UINT64_MAX));
-  expectData(file, data, "expected no links in a data block, found 18446744073709551615", "");
 }
 
 /// A file with a data group and the data that a test gives it.
@@ -343,48 +328,6 @@ TEST(DataStream, TellsWhereItsBytesStandInTheFile) {
   EXPECT_EQ(streamed.stream().placeOf(8), plain + 24);
   EXPECT_EQ(streamed.stream().placeOf(11), plain + 24 + 3);
   EXPECT_EQ(Streamed(file.bytes(), 0).stream().placeOf(0), FileBuilder::header);
-}
-
-TEST(DataStream, BrokenZippedData) {
-  FileBuilder file;
-  const std::uint64_t a = file.addData("abc");
-  const std::uint64_t zipped = addZipped(file, "DT", "the quick brown fox");
-  file.write(zipped + 48, "\x01\x02");
-  expectData(file, addList(file, {a, zipped, a}),
-             "expected a zlib stream, found a damaged one or other bytes; 22 bytes were not read",
-             "abc");
-}
-
-TEST(DataStream, ZippedDataOfAnotherLength) {
-  FileBuilder file;
-  const std::uint64_t zipped = addZipped(file, "DT", "the quick");
-  file.write(zipped + 32, Bytes().u64(8));
-  expectData(file, zipped, "expected 8 bytes of zipped data, found more; 8 bytes were not read",
-             "");
-  file.write(zipped + 32, Bytes().u64(10));
-  expectData(file, zipped, "expected 10 bytes of zipped data, found 9; 1 byte was not read",
-             "the quick");
-}
-
-TEST(DataStream, ZippedDataThatCannotBeAsLongAsItSays) {
-  FileBuilder file;
-  const std::uint64_t zipped = addZipped(file, "DT", "abc");  // a stream of 14 bytes
-  file.write(zipped + 32, Bytes().u64(UINT64_MAX));
-  expectData(file, zipped,
-             "expected at most 14448 bytes of zipped data, found 18446744073709551615", "");
-}
-
-TEST(DataStream, ZippedBytesBeyondTheBlock) {
-  FileBuilder file;
-  const std::uint64_t zipped = addZipped(file, "DT", "abc");
-  file.write(zipped + 40, Bytes().u64(15));
-  expectData(file, zipped, "expected 15 zipped bytes, found 14", "");
-}
-
-TEST(DataStream, UnknownZipType) {
-  FileBuilder file;
-  expectData(file, file.add("DZ", {}, zippedFields(3, storedStream("abc"), "DT", 7)),
-             "expected a known zip type, found 7", "");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <vector>
 
 using namespace mdf_tools;
@@ -15,19 +16,13 @@ namespace {
 std::vector<Point> kept(const Decimator& decimator) { return decimator.points(); }
 
 double lowest(const std::vector<Point>& points) {
-  double low = std::numeric_limits<double>::infinity();
-  for (const Point& point : points) {
-    low = std::fmin(low, point.y);
-  }
-  return low;
+  return std::accumulate(points.begin(), points.end(), HUGE_VAL,
+                         [](double low, const Point& point) { return std::fmin(low, point.y); });
 }
 
 double highest(const std::vector<Point>& points) {
-  double high = -std::numeric_limits<double>::infinity();
-  for (const Point& point : points) {
-    high = std::fmax(high, point.y);
-  }
-  return high;
+  return std::accumulate(points.begin(), points.end(), -HUGE_VAL,
+                         [](double high, const Point& point) { return std::fmax(high, point.y); });
 }
 
 TEST(Decimator, FewPointsStayAsTheyAre) {

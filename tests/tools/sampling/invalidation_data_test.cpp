@@ -36,15 +36,6 @@ FileBuilder fileWith(FileBuilder file, std::uint64_t cycles, std::uint64_t list)
 
 FileBuilder newFile() { return FileBuilder("MDF     ", 420); }
 
-TEST(InvalidationData, EachBlockGoesWithItsBlockOfData) {
-  FileBuilder file = newFile();
-  const std::uint64_t list = valueList(
-      file, has_invalidation, 2,
-      {file.add("DV", {}, "AB"), file.add("DV", {}, "CDE"), file.add("DI", {}, Bytes().u8s({1, 0})),
-       file.add("DI", {}, Bytes().u8s({0, 1, 0}))});
-  EXPECT_EQ(healthyCsvOf(fileWith(file, 5, list).bytes()), "a\n\"\"\n66\n67\n\"\"\n69\n");
-}
-
 TEST(InvalidationData, ChannelsWithoutABitAreAlwaysValid) {
   FileBuilder file = newFile();
   const std::uint64_t list =
@@ -60,22 +51,6 @@ TEST(InvalidationData, BlocksWithoutAByte) {
                 {file.add("DV", {}, ""), file.add("DV", {}, "A"), file.add("DV", {}, ""),
                  file.add("DI", {}, ""), file.add("DI", {}, "\1"), 0});
   EXPECT_EQ(healthyCsvOf(fileWith(file, 1, list).bytes()), "a\n\"\"\n");
-}
-
-/// A data block that a link is missing to takes its invalidation data with it.
-TEST(InvalidationData, NilLinksToData) {
-  FileBuilder file = newFile();
-  const std::uint64_t list =
-      valueList(file, has_invalidation, 2,
-                {0, file.add("DV", {}, "B"), file.add("DI", {}, "\1"), file.add("DI", {}, "\1")});
-  EXPECT_EQ(healthyCsvOf(fileWith(file, 1, list).bytes()), "a\n\"\"\n");
-}
-
-TEST(InvalidationData, WithoutTheFlagFurtherLinksMeanNothing) {
-  FileBuilder file = newFile();
-  const std::uint64_t list =
-      valueList(file, 0, 1, {file.add("DV", {}, "A"), file.add("DI", {}, "\1")});
-  EXPECT_EQ(healthyCsvOf(fileWith(file, 1, list).bytes()), "a\n65\n");
 }
 
 TEST(InvalidationData, OfAnUnfinishedFileGoesOnToItsEnd) {
@@ -141,14 +116,6 @@ TEST(InvalidationData, ZippedDataThatIsBroken) {
       valueList(file, has_invalidation, 1, {file.add("DV", {}, "ABC"), zipped});
   expectFinding(csvOf(fileWith(file, 3, list).bytes()), "a\n65\n66\n67\n",
                 "expected a zlib stream");
-}
-
-TEST(InvalidationData, ACountOfLinksThatLies) {
-  FileBuilder file = newFile();
-  const std::uint64_t list = valueList(file, has_invalidation, UINT32_MAX,
-                                       {file.add("DV", {}, "A"), file.add("DV", {}, "B")});
-  expectFinding(csvOf(fileWith(file, 2, list).bytes()), "a\n65\n66\n",
-                "expected as many links to invalidation data");
 }
 
 /// A block that is unzipped for each of many parts.

@@ -46,12 +46,18 @@ double slowing(std::uint64_t number) { return std::sqrt(static_cast<double>(numb
 double stepping(std::uint64_t number) { return std::floor(even(number) / 10); }
 double exploding(std::uint64_t number) { return std::exp(even(number) / 2); }
 
-/// The first number in a range with a value for which something holds, one by one.
+/// The first number in a range with a value for which something holds, as it does for all that are
+/// greater, by bisection.
 template <class Holds>
-std::uint64_t oneByOne(const Asked& asked, std::uint64_t begin, std::uint64_t end,
+std::uint64_t bisected(const Asked& asked, std::uint64_t begin, std::uint64_t end,
                        const Holds& holds) {
-  while (begin < end && !holds(asked.value(begin))) {
-    ++begin;
+  while (begin < end) {
+    const std::uint64_t middle = begin + (end - begin) / 2;
+    if (holds(asked.value(middle))) {
+      end = middle;
+    } else {
+      begin = middle + 1;
+    }
   }
   return begin;
 }
@@ -61,10 +67,10 @@ void expectFound(const std::function<double(std::uint64_t)>& value, std::uint64_
   Asked asked{value};
   MasterSearch search = asked.search(begin, end);
   EXPECT_EQ(search.firstFrom(limit),
-            oneByOne(asked, begin, end, [=](double each) { return each >= limit; }))
+            bisected(asked, begin, end, [=](double each) { return each >= limit; }))
       << limit;
   EXPECT_EQ(search.firstAfter(limit),
-            oneByOne(asked, begin, end, [=](double each) { return each > limit; }))
+            bisected(asked, begin, end, [=](double each) { return each > limit; }))
       << limit;
   EXPECT_TRUE(search.isGrowing());
   EXPECT_LE(asked.numbers.size(), 80U) << limit;

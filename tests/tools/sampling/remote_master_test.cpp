@@ -47,20 +47,15 @@ Query onlyGroup(std::size_t group) {
   return query;
 }
 
-TEST(RemoteMaster, StandsInFront) {
-  FileBuilder file = newFile();
-  addRemote(file, "ABC", addTimes(file, 3, 3));
-  EXPECT_EQ(healthyCsvOf(file.bytes()), "time [s]\n0\n0.5\n1\n\ntime [s],a\n0,65\n0.5,66\n1,67\n");
-}
-
 TEST(RemoteMaster, StandsInFrontOfJsonLines) {
   FileBuilder file = newFile();
   addRemote(file, "A", addTimes(file, 1, 1));
   EXPECT_EQ(jsonOf(file.bytes(), onlyGroup(1)).text,
-            "{\"schema\":2,\"file\":\"FILE\",\"group\":1,\"name\":\"\",\"columns\":[{\"name\":"
-            "\"time\",\"unit\":"
-            "\"s\"},{\"name\":\"a\",\"unit\":\"\"}]}\n"
-            "{\"schema\":2,\"file\":\"FILE\",\"group\":1,\"values\":{\"time\":0,\"a\":65}}\n");
+            R"({"schema":2,"file":"FILE","group":1,"name":"","columns":[)"
+            R"({"name":"time","unit":"s"},{"name":"a","unit":""}]})"
+            "\n"
+            R"({"schema":2,"file":"FILE","group":1,"values":{"time":0,"a":65}})"
+            "\n");
 }
 
 TEST(RemoteMaster, LimitsTheRange) {
@@ -134,25 +129,24 @@ TEST(RemoteMaster, IsDrawnOver) {
   EXPECT_EQ(curves[0].x_label, "time [s]");
 }
 
-TEST(RemoteMaster, WithFewerSamplesIsEmptyWhereTheyMiss) {
-  FileBuilder file = newFile();
-  addRemote(file, "ABCD", addTimes(file, 2, 2));
-  expectFinding(csvOf(file.bytes(), onlyGroup(1)), "time [s],a\n0,65\n0.5,66\n,67\n,68\n",
-                "for each record, found none for record 2");
-}
-
-TEST(RemoteMaster, CountEndsItsSamples) {
-  FileBuilder file = newFile();
-  addRemote(file, "ABC", addTimes(file, 1, 3));
-  expectFinding(csvOf(file.bytes(), onlyGroup(1)), "time [s],a\n0,65\n,66\n,67\n",
-                "found none for record 1");
-}
-
-TEST(RemoteMaster, WithoutDataIsEmpty) {
-  FileBuilder file = newFile();
-  addRemote(file, "AB", addTimes(file, 0, 0));
-  expectFinding(csvOf(file.bytes(), onlyGroup(1)), "time [s],a\n,65\n,66\n",
-                "found none for record 0");
+TEST(RemoteMaster, IsEmptyWhereSamplesMiss) {
+  struct Case {
+    std::uint64_t cycles;
+    int records;
+    std::string letters;
+    std::string table;
+    std::string finding;
+  };
+  const std::vector<Case> cases = {
+      {2, 2, "ABCD", "0,65\n0.5,66\n,67\n,68\n", "for each record, found none for record 2"},
+      {1, 3, "ABC", "0,65\n,66\n,67\n", "found none for record 1"},
+      {0, 0, "AB", ",65\n,66\n", "found none for record 0"},
+  };
+  for (const Case& each : cases) {
+    FileBuilder file = newFile();
+    addRemote(file, each.letters, addTimes(file, each.cycles, each.records));
+    expectFinding(csvOf(file.bytes(), onlyGroup(1)), "time [s],a\n" + each.table, each.finding);
+  }
 }
 
 TEST(RemoteMaster, AtALinkThatLeadsToNoChannelGroup) {
