@@ -4,6 +4,7 @@
 #include <cmath>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tools/sampling/exported.h"
@@ -18,15 +19,11 @@ namespace {
 /// Two channel groups: time and speed, and a counter.
 std::string twoTables() {
   FileBuilder file;
-  const auto time = file.addTime();
-  ChannelSpec speed;
-  speed.name = "speed";
-  speed.byte_offset = 8;
+  ChannelSpec speed = channelOf("speed", 0, 8, 8);
   speed.unit = "km/h";
-  file.addDataGroup({file.addChannelGroup({2, 9}, {time, file.addChannel(speed)})},
-                    file.addData(Bytes().f64(0).u8(10).f64(0.5).u8(20)));
-  file.addDataGroup({file.addChannelGroup({2, 1}, {file.addChannel(firstByte("counter"))})},
-                    file.addData("AB"));
+  file.addSortedGroup({2, 9}, {timeChannel(), speed},
+                      file.addData(Bytes().f64(0).u8(10).f64(0.5).u8(20)));
+  file.addSortedGroup({2, 1}, {firstByte("counter")}, file.addData("AB"));
   return file.bytes();
 }
 
@@ -46,22 +43,20 @@ TEST(ExportCommand, StandardInputAndSeveralFiles) {
             wrote(second_table + "\n" + second_table));
 }
 
-TEST(ExportCommand, ChannelsAndTimes) {
+TEST(ExportCommand, ChannelsTimesAndRecords) {
   const TempFile file(twoTables());
-  EXPECT_EQ(run({"export", "--channel", "count*", "--channel", "none", file.path()}).output,
-            second_table);
-  EXPECT_EQ(run({"export", file.path(), "-c", "speed", "--from", "0.1", "--to", "1e3"}).output,
-            "time [s],speed [km/h]\n0.5,20\n");
-}
-
-TEST(ExportCommand, RecordsByTheirNumbers) {
-  const TempFile file(twoTables());
-  EXPECT_EQ(run({"export", file.path(), "--first", "1"}).output,
-            "time [s],speed [km/h]\n0,10\n\ncounter\n65\n");
-  EXPECT_EQ(run({"export", file.path(), "--last", "1"}).output,
-            "time [s],speed [km/h]\n0.5,20\n\ncounter\n66\n");
-  EXPECT_EQ(run({"export", file.path(), "--stride", "2"}).output,
-            "time [s],speed [km/h]\n0,10\n\ncounter\n65\n");
+  const std::string first = "time [s],speed [km/h]\n0,10\n\ncounter\n65\n";
+  const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
+      {{"--channel", "count*", "--channel", "none"}, second_table},
+      {{"-c", "speed", "--from", "0.1", "--to", "1e3"}, "time [s],speed [km/h]\n0.5,20\n"},
+      {{"--first", "1"}, first},
+      {{"--stride", "2"}, first},
+      {{"--last", "1"}, "time [s],speed [km/h]\n0.5,20\n\ncounter\n66\n"},
+  };
+  for (auto [options, table] : cases) {
+    options.insert(options.begin(), {"export", file.path()});
+    EXPECT_EQ(run(options).output, table) << testing::PrintToString(options);
+  }
   EXPECT_EQ(run({"export", file.path(), "--stride", "0"}).exit_code, 2);
   EXPECT_EQ(run({"export", file.path(), "--first", "1", "--last", "1"}).exit_code, 2);
 }
@@ -69,18 +64,11 @@ TEST(ExportCommand, RecordsByTheirNumbers) {
 /// A time of 9106 and one of 20000 ten-thousandths of a second, and a real.
 FileBuilder timedTable() {
   FileBuilder file;
-  ChannelSpec time;
-  time.name = "time";
+  ChannelSpec time = channelOf("time", 0, 0, 16);
   time.type = 2;
   time.sync_type = 1;
-  time.bit_count = 16;
   time.conversion = file.addConversion({1, {}, {0, 0.0001}});
-  ChannelSpec level;
-  level.name = "level";
-  level.data_type = 4;
-  level.byte_offset = 2;
-  level.bit_count = 64;
-  file.addSortedGroup({2, 10}, {time, level},
+  file.addSortedGroup({2, 10}, {time, channelOf("level", 4, 2, 64)},
                       file.addData(Bytes().u16(9106).f64(2.0 / 3).u16(20000).f64(1e6)));
   return file;
 }
@@ -116,8 +104,7 @@ TEST(ExportCommand, TimesAsDates) {
 TEST(ExportCommand, TimesThatNoDateHoldsStayNumbers) {
   FileBuilder file;
   file.write(64 + 24 + 6 * 8, Bytes().u64(1700000000250000000).u16(60).u16(60).u8(2));
-  file.addDataGroup({file.addChannelGroup({3, 8}, {file.addTime()})},
-                    file.addData(Bytes().f64(0).f64(1e12).f64(INFINITY)));
+  file.addSortedGroup({3, 8}, {timeChannel()}, file.addData(f64(0, 1e12, INFINITY)));
   const TempFile path(file.bytes());
   EXPECT_EQ(run({"export", path.path(), "--time", "iso"}).output,
             "time [s]\n2023-11-15T00:13:20.250000000+02:00\n1e+12\ninf\n");
@@ -144,9 +131,7 @@ TEST(ExportCommand, SameTextOnAnyNumberOfThreads) {
     data += static_cast<char>(i % 251);
     expected += std::to_string(i % 251) + '\n';
   }
-  builder.addDataGroup(
-      {builder.addChannelGroup({data.size(), 1}, {builder.addChannel(firstByte("counter"))})},
-      builder.addData(data));
+  builder.addSortedGroup({data.size(), 1}, {firstByte("counter")}, builder.addData(data));
   const TempFile file(builder.bytes());
   for (const char* const threads : {"1", "2", "7"}) {
     EXPECT_EQ(run({"export", file.path(), "--threads", threads}).output, expected) << threads;
@@ -156,20 +141,12 @@ TEST(ExportCommand, SameTextOnAnyNumberOfThreads) {
 
 TEST(ExportCommand, JsonLines) {
   const TempFile file(twoTables());
-  const RunResult result = run({"export", "--format", "jsonl", "--group", "1", file.path()});
-  EXPECT_EQ(result.exit_code, 0);
-  const std::string begin = "{\"schema\":2,\"file\":\"" + file.path() + "\",\"group\":1,";
-  EXPECT_EQ(result.output,
-            begin + "\"name\":\"\",\"columns\":[{\"name\":\"counter\",\"unit\":\"\"}]}\n" + begin +
-                "\"values\":{\"counter\":65}}\n" + begin + "\"values\":{\"counter\":66}}\n");
-}
-
-TEST(ExportCommand, JsonIsAnotherWordForJsonLines) {
-  const TempFile file(twoTables());
-  const RunResult result = run({"export", "--json", file.path()});
-  EXPECT_EQ(result.exit_code, 0);
-  EXPECT_EQ(result.output, run({"export", "--format", "jsonl", file.path()}).output);
-  EXPECT_EQ(result.output.rfind("{\"schema\":2,\"file\":", 0), 0U);
+  const std::string begin = R"({"schema":2,"file":")" + file.path() + R"(","group":1,)";
+  const RunResult expected =
+      wrote(begin + R"("name":"","columns":[{"name":"counter","unit":""}]})" + '\n' + begin +
+            R"("values":{"counter":65}})" + '\n' + begin + R"("values":{"counter":66}})" + '\n');
+  EXPECT_EQ(run({"export", "--format", "jsonl", "--group", "1", file.path()}), expected);
+  EXPECT_EQ(run({"export", "--json", "--group", "1", file.path()}), expected);
 }
 
 TEST(ExportCommand, OutputFile) {
@@ -304,8 +281,7 @@ TEST(ExportCommand, OutputFolderGetsAFileForEachElementWithRecordsOfItsOwn) {
   ChannelSpec array = firstByte("v");
   array.composition =
       file.add("CA", {0}, Bytes().u8(0).u8(1).u16(1).zeros(12).u64(2).u64(1).u64(1));
-  file.addDataGroup({file.addChannelGroup({1, 1}, {file.addChannel(array)})},
-                    file.addData(Bytes().u8s({0, 7, 1, 8})), 1);
+  file.addDataGroup({file.addGroupOf({1, 1}, {array})}, file.addData(u8(0, 7, 1, 8)), 1);
   const ScratchFolder folder;
   folder.write("trip.mf4", file.bytes());
   const RunResult result =
@@ -360,18 +336,6 @@ TEST(ExportCommand, ProblemsOfTheFile) {
                        "mdf: " + file.path() +
                            ": 1160 (0x488): expected all links and fields of ##DG, found a "
                            "length of 64 and 4 links\n"}));
-}
-
-TEST(ExportCommand, UnfinishedFileIsNoProblem) {
-  std::string bytes = twoTables();
-  bytes.replace(0, 8, "UnFinMF ");
-  const TempFile file(bytes);
-  EXPECT_EQ(
-      run({"export", file.path()}),
-      (RunResult{
-          0, first_table + "\n" + second_table,
-          "mdf: " + file.path() +
-              ": note: the file was not finished; its records are read as far as they go\n"}));
 }
 
 }  // namespace

@@ -28,11 +28,15 @@ std::string textsOf(const std::string& svg) {
   return texts;
 }
 
-TEST(GraphCommand, SvgHasABoxForEachBlockAndAnArrowForEachLink) {
-  const TempFile file(healthyFile());
+struct GraphCommand : testing::Test {
+  const TempFile healthy{healthyFile()};
+  const TempFile file{FileBuilder().bytes()};
   const ScratchFolder folder;
   const std::string picture = folder / "graph.svg";
-  EXPECT_EQ(run({"graph", "-o", picture, file.path()}), wrote(""));
+};
+
+TEST_F(GraphCommand, SvgHasABoxForEachBlockAndAnArrowForEachLink) {
+  EXPECT_EQ(run({"graph", "-o", picture, healthy.path()}), wrote(""));
   const std::string texts = textsOf(bytesOf(picture));
   for (const std::string text : {"HD \xc2\xa0"
                                  "64 (0x40)\n",
@@ -45,19 +49,15 @@ TEST(GraphCommand, SvgHasABoxForEachBlockAndAnArrowForEachLink) {
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
 }
 
-TEST(GraphCommand, PngOfAMap) {
-  const TempFile file(healthyFile());
-  const ScratchFolder folder;
-  const std::string picture = folder / "map.png";
-  EXPECT_EQ(run({"graph", "--map", "-o", picture, file.path(), file.path()}).exit_code, 0);
-  EXPECT_EQ(bytesOf(picture).substr(0, 8), "\x89PNG\r\n\x1a\n");
+TEST_F(GraphCommand, PngOfAMap) {
+  const std::string other = folder / "map.png";
+  EXPECT_EQ(run({"graph", "--map", "-o", other, healthy.path(), healthy.path()}).exit_code, 0);
+  EXPECT_EQ(bytesOf(other).substr(0, 8), "\x89PNG\r\n\x1a\n");
 }
 
-TEST(GraphCommand, MapIsWellFormed) {
-  const TempFile file(healthyFile() + std::string(100, 'x'));
-  const ScratchFolder folder;
-  const std::string picture = folder / "map.svg";
-  EXPECT_EQ(run({"graph", "--map", "-o", picture, file.path()}).exit_code, 0);
+TEST_F(GraphCommand, MapIsWellFormed) {
+  const TempFile longer(healthyFile() + std::string(100, 'x'));
+  EXPECT_EQ(run({"graph", "--map", "-o", picture, longer.path()}).exit_code, 0);
   const std::string texts = textsOf(bytesOf(picture));
   EXPECT_PRED2(contains, texts, "1,549 bytes\n");
   EXPECT_PRED2(contains, texts,
@@ -68,32 +68,27 @@ TEST(GraphCommand, MapIsWellFormed) {
                "106 bytes in 4 places\n");
 }
 
-TEST(GraphCommand, HostileNamesAreDrawnAsTheyAre) {
+TEST_F(GraphCommand, HostileNamesAreDrawnAsTheyAre) {
   FileBuilder builder;
   const std::string name = "]; \"<b>&lt;\\N\n\x01\xff{a|b}";
   const auto source = builder.add("SI", {builder.text(name), 0, 0}, std::string(8, '\0'));
   builder.link(FileBuilder::header, 0, source);
-  const TempFile file(builder.bytes());
-  const ScratchFolder folder;
-  const std::string picture = folder / "graph.svg";
-  EXPECT_EQ(run({"graph", "-o", picture, file.path()}).exit_code, 0);
+  const TempFile named(builder.bytes());
+  EXPECT_EQ(run({"graph", "-o", picture, named.path()}).exit_code, 0);
   const std::string texts = textsOf(bytesOf(picture));
   EXPECT_PRED2(contains, texts, "\"]; \"<b>&lt;\\N\\x0a\\x01\\xff{a|b}\"\n");
 }
 
-TEST(GraphCommand, DotGoesToAFileOrToStandardOutput) {
-  const TempFile file(healthyFile());
-  const ScratchFolder folder;
-  const std::string picture = folder / "graph.dot";
-  EXPECT_EQ(run({"graph", "-o", picture, "--no-text", "--depth", "1", file.path()}).exit_code, 0);
-  const RunResult result = run({"graph", "-o", "-", "--no-text", "--depth", "1", file.path()});
+TEST_F(GraphCommand, DotGoesToAFileOrToStandardOutput) {
+  const std::string other = folder / "graph.dot";
+  EXPECT_EQ(run({"graph", "-o", other, "--no-text", "--depth", "1", healthy.path()}).exit_code, 0);
+  const RunResult result = run({"graph", "-o", "-", "--no-text", "--depth", "1", healthy.path()});
   EXPECT_EQ(result.exit_code, 0);
-  EXPECT_EQ(result.output, bytesOf(picture));
+  EXPECT_EQ(result.output, bytesOf(other));
   EXPECT_EQ(result.output.rfind("digraph mdf {\n", 0), 0U);
 }
 
-TEST(GraphCommand, JsonInsteadOfAPicture) {
-  const TempFile file(FileBuilder().bytes());
+TEST_F(GraphCommand, JsonInsteadOfAPicture) {
   const RunResult graph = run({"graph", "--json", file.path()});
   EXPECT_EQ(graph.output, R"({"schema":2,"file":")" + file.path() +
                               R"(","is_shortened":false,"links_without_room":0,"nodes":[)"
@@ -107,53 +102,44 @@ TEST(GraphCommand, JsonInsteadOfAPicture) {
                             "\n");
 }
 
-TEST(GraphCommand, BrokenFileIsDrawnAllTheSame) {
-  const TempFile file(healthyFile().substr(0, 1000));
-  const ScratchFolder folder;
-  const std::string picture = folder / "graph.svg";
-  const RunResult result = run({"graph", "-o", picture, file.path()});
+TEST_F(GraphCommand, BrokenFileIsDrawnAllTheSame) {
+  const TempFile broken(healthyFile().substr(0, 1000));
+  const RunResult result = run({"graph", "-o", picture, broken.path()});
   EXPECT_EQ(result.exit_code, 1);
   EXPECT_PRED2(contains, result.messages, "expected link 3 of ##HD to lead into the file");
   EXPECT_PRED2(contains, textsOf(bytesOf(picture)), "no block at\n1080\n");
 }
 
-TEST(GraphCommand, NoPictureWithoutAReadableFile) {
-  const ScratchFolder folder;
-  const std::string picture = folder / "graph.svg";
+TEST_F(GraphCommand, NoPictureWithoutAReadableFile) {
   EXPECT_EQ(run({"graph", "-o", picture, "/no/such/file"}),
             said(2, "cannot open /no/such/file: No such file or directory"));
   EXPECT_FALSE(std::filesystem::exists(picture));
 }
 
-TEST(GraphCommand, WithoutGraphviz) {
-  const TempFile file(FileBuilder().bytes());
-  const ScratchFolder folder;
-  const std::string picture = folder / "graph.png";
+TEST_F(GraphCommand, WithoutGraphviz) {
+  const std::string other = folder / "graph.png";
   folder.write("graph.png", "the one before");
   RunOptions options;
   options.environment = {"PATH=" + folder.path().string()};
-  EXPECT_EQ(run({"graph", "-o", picture, file.path()}, options),
+  EXPECT_EQ(run({"graph", "-o", other, file.path()}, options),
             said(1,
                  "cannot draw: the program neato is not installed; install Graphviz, or write a "
                  ".dot file"));
-  EXPECT_EQ(bytesOf(picture), "the one before");
+  EXPECT_EQ(bytesOf(other), "the one before");
 }
 
-TEST(GraphCommand, GraphvizThatFails) {
-  const TempFile file(FileBuilder().bytes());
-  const ScratchFolder folder;
-  const std::string picture = folder / "graph.png";
+TEST_F(GraphCommand, GraphvizThatFails) {
+  const std::string other = folder / "graph.png";
   folder.write("neato", "#!/bin/sh\necho half a picture\nexit 3\n");
   std::filesystem::permissions(folder / "neato", std::filesystem::perms::owner_all);
   RunOptions options;
   options.environment = {"PATH=" + folder.path().string()};
-  EXPECT_EQ(run({"graph", "-o", picture, file.path()}, options),
+  EXPECT_EQ(run({"graph", "-o", other, file.path()}, options),
             said(1, "cannot draw: neato ended with exit code 3"));
-  EXPECT_FALSE(std::filesystem::exists(picture));
+  EXPECT_FALSE(std::filesystem::exists(other));
 }
 
-TEST(GraphCommand, PlaceThatCannotBeWritten) {
-  const TempFile file(FileBuilder().bytes());
+TEST_F(GraphCommand, PlaceThatCannotBeWritten) {
   EXPECT_EQ(run({"graph", "-o", "/no/such/folder/graph.dot", file.path()}),
             said(1, "cannot open the folder /no/such/folder: No such file or directory"));
 }

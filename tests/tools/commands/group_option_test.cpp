@@ -19,9 +19,7 @@ std::string threeGroups() {
   const auto add = [&](GroupSpec group, const std::string& channel) {
     group.cycles = 1;
     group.data_bytes = 1;
-    ChannelSpec spec;
-    spec.name = channel;
-    file.addSortedGroup(group, {spec}, file.addData("A"));
+    file.addSortedGroup(group, {firstByte(channel)}, file.addData("A"));
   };
   GroupSpec group;
   group.name = "Engine";

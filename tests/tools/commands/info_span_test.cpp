@@ -27,20 +27,10 @@ std::string times(const std::vector<double>& values) {
   return bytes;
 }
 
-GroupSpec timesOnly(std::uint64_t count) {
-  const GroupSpec group{count, 8};
-  return group;
-}
-
-ChannelSpec timeMaster() {
-  ChannelSpec time{2, 1, 4, 0, 0, 64};
-  time.name = "t";
-  time.unit = "s";
-  return time;
-}
+GroupSpec timesOnly(std::uint64_t count) { return {count, 8}; }
 
 std::string fileOf(std::uint64_t count, const std::vector<double>& values,
-                   const ChannelSpec& time = timeMaster()) {
+                   const ChannelSpec& time = timeChannel()) {
   FileBuilder file;
   file.addSortedGroup(timesOnly(count), {time}, file.addData(times(values)));
   return file.bytes();
@@ -89,7 +79,7 @@ TEST(InfoSpans, WithoutASpanThereIsNoDuration) {
 TEST(InfoSpans, RecordsAndStatedRanges) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double infinite = std::numeric_limits<double>::infinity();
-  const ChannelSpec plain = timeMaster();
+  const ChannelSpec plain = timeChannel();
   ChannelSpec invalid = plain;
   invalid.flags = 1;
   ChannelSpec outside_record = plain;
@@ -187,7 +177,7 @@ TEST(InfoSpans, NumbersOfRecordsForAVirtualMaster) {
 
 TEST(InfoSpans, AMasterInAnotherGroupWithAsManyRecords) {
   FileBuilder file;
-  const auto master = file.addGroupOf(timesOnly(3), {timeMaster()});
+  const auto master = file.addGroupOf(timesOnly(3), {timeChannel()});
   file.addDataGroup({master}, file.addData(times({0, 1, 4})));
   GroupSpec without = timesOnly(3);
   without.master = master;
@@ -204,14 +194,14 @@ TEST(InfoSpans, AMasterInAnotherGroupWithAsManyRecords) {
 TEST(InfoSpans, OfListedDataAndZippedDataOnlyTheEndsAreRead) {
   const std::string data = times({0, 1, 2, 3, 4, 5});
   FileBuilder listed;
-  listed.addSortedGroup(timesOnly(6), {timeMaster()},
+  listed.addSortedGroup(timesOnly(6), {timeChannel()},
                         addList(listed, addPieces(listed, "DT", data, 20)));
   EXPECT_EQ(axisOf(infoOf(listed.bytes())), "0.0 to 5.0 by records, 5.0, 1.0");
 
   FileBuilder zipped;
   const auto pieces = addZippedPieces(zipped, "DT", data, 16);
   zipped.write(pieces[1] + 48, "no zlib stream");
-  zipped.addSortedGroup(timesOnly(6), {timeMaster()}, addList(zipped, pieces));
+  zipped.addSortedGroup(timesOnly(6), {timeChannel()}, addList(zipped, pieces));
   EXPECT_EQ(axisOf(infoOf(zipped.bytes())), "0.0 to 5.0 by records, 5.0, 1.0");
   zipped.write(pieces[2] + 48, "no zlib stream");
   EXPECT_EQ(axisOf(infoOf(zipped.bytes(), 1)), nothing);
@@ -222,8 +212,8 @@ FileBuilder unsorted(const std::string& file_word, std::uint64_t first, std::uin
   FileBuilder file(file_word);
   GroupSpec groups[] = {timesOnly(first), timesOnly(second)};
   groups[1].record_id = 1;
-  const std::uint64_t both[] = {file.addGroupOf(groups[0], {timeMaster()}),
-                                file.addGroupOf(groups[1], {timeMaster()})};
+  const std::uint64_t both[] = {file.addGroupOf(groups[0], {timeChannel()}),
+                                file.addGroupOf(groups[1], {timeChannel()})};
   const std::string data =
       Bytes().u8(0).f64(0).u8(1).f64(10).u8(1).f64(11).u8(0).f64(2).u8(1).f64(14);
   file.addDataGroup({both[0], both[1]}, file.addData(data), 1);
@@ -242,7 +232,7 @@ TEST(InfoSpans, UnsortedDataIsGoneThrough) {
 TEST(InfoSpans, InUnfinishedFilesTheRecordsAreCountedFirst) {
   FileBuilder file = unsorted("UnFinMF ", 0, 0);
   file.write(60, Bytes().u16(1));
-  file.addSortedGroup(timesOnly(0), {timeMaster()}, file.addData(times({1, 2, 3})));
+  file.addSortedGroup(timesOnly(0), {timeChannel()}, file.addData(times({1, 2, 3})));
   const json info = infoOf(file.bytes());
   EXPECT_EQ(axisOf(info), "0.0 to 2.0 by records, 2.0, 0.5");
   EXPECT_EQ(axisOf(info, 1), "10.0 to 14.0 by records, 4.0, 0.5");
@@ -253,7 +243,7 @@ TEST(InfoSpans, InUnfinishedFilesTheRecordsAreCountedFirst) {
 TEST(InfoSpans, HeadersAloneHaveStatedRangesAndFinalCounts) {
   FileBuilder file = unsorted("UnFinMF ", 0, 0);
   file.write(60, Bytes().u16(1));
-  ChannelSpec time = timeMaster();
+  ChannelSpec time = timeChannel();
   time.flags = 8;
   time.range_max = 2;
   file.addSortedGroup(timesOnly(0), {time}, file.addData(times({0, 1, 2})));

@@ -28,11 +28,7 @@ GroupSpec groupCalled(const std::string& name, std::size_t records, std::uint32_
 }
 
 /// A channel after the time.
-ChannelSpec afterTime(const std::string& name) {
-  ChannelSpec channel = firstByte(name);
-  channel.byte_offset = 8;
-  return channel;
-}
+ChannelSpec afterTime(const std::string& name) { return channelOf(name, 0, 8, 8); }
 
 /// A group with the time and one channel of bytes.
 void addGroup(FileBuilder& file, const std::string& group, const std::string& channel,
@@ -41,9 +37,8 @@ void addGroup(FileBuilder& file, const std::string& group, const std::string& ch
   for (const Sample& sample : samples) {
     records.f64(sample.time).u8(static_cast<std::uint8_t>(sample.value));
   }
-  const std::vector<std::uint64_t> channels = {file.addTime(), file.addChannel(afterTime(channel))};
-  file.addDataGroup({file.addChannelGroup(groupCalled(group, samples.size(), 9), channels)},
-                    file.addData(records));
+  file.addSortedGroup(groupCalled(group, samples.size(), 9), {timeChannel(), afterTime(channel)},
+                      file.addData(records));
 }
 
 /// An engine at 0, 1 and 2 s, and the speed at 0.5 and 1.5 s.
@@ -177,9 +172,7 @@ TEST(ExportOnTime, InvalidSamplesAndTexts) {
   add(1, 2, "xx", false);
   add(2, 3, "of", true);
   add(3, 5, "at", true);
-  const std::vector<std::uint64_t> channels = {file.addTime(), file.addChannel(number),
-                                               file.addChannel(text)};
-  file.addDataGroup({file.addChannelGroup({4, 11, 1}, channels)}, file.addData(data));
+  file.addSortedGroup({4, 11, 1}, {timeChannel(), number, text}, file.addData(data));
   EXPECT_EQ(
       onTime(file, {"2Hz"}),
       wrote("time [s],number,text\n0,1,on\n0.5,1,on\n1,,\n1.5,,\n2,3,of\n2.5,3,of\n3,5,at\n"));
@@ -223,9 +216,8 @@ TEST(ExportOnTime, TimesThatAreWrittenAlikeAreAlike) {
   time.type = 2;
   time.sync_type = 1;
   time.conversion = file.addConversion({1, {}, {0, 0.1}});
-  ChannelSpec value = firstByte("v");
-  value.byte_offset = 1;
-  file.addSortedGroup({4, 2}, {time, value}, file.addData(Bytes().u8s({0, 1, 1, 2, 2, 3, 3, 4})));
+  file.addSortedGroup({4, 2}, {time, channelOf("v", 0, 1, 8)},
+                      file.addData(Bytes().u8s({0, 1, 1, 2, 2, 3, 3, 4})));
   EXPECT_EQ(onTime(file, {"10Hz"}), wrote("time,v\n0,1\n0.1,2\n0.2,3\n0.3,4\n"));
   EXPECT_EQ(onTime(file, {"10Hz", "--from", "0.1"}), wrote("time,v\n0.1,2\n0.2,3\n0.3,4\n"));
   FileBuilder doubles;
@@ -243,9 +235,8 @@ TEST(ExportOnTime, OnlyGroupsOverTheSameAxis) {
     axis.type = 2;
     axis.sync_type = kind;
     axis.unit = unit;
-    ChannelSpec value = firstByte(name);
-    value.byte_offset = 1;
-    file.addSortedGroup({2, 2}, {axis, value}, file.addData(Bytes().u8s({0, 3, 1, 4})));
+    file.addSortedGroup({2, 2}, {axis, channelOf(name, 0, 1, 8)},
+                        file.addData(Bytes().u8s({0, 3, 1, 4})));
   };
   addOver(3, "m", "far");
   addOver(3, "m", "near");
@@ -292,8 +283,7 @@ TEST(ExportOnTime, UnsortedRecords) {
   for (std::uint64_t id = 0; id < 2; ++id) {
     GroupSpec group = groupCalled(id == 0 ? "a" : "b", id == 0 ? 2 * count / 3 : count / 3, bytes);
     group.record_id = id;
-    groups.push_back(
-        file.addChannelGroup(group, {file.addTime(), file.addChannel(afterTime("v"))}));
+    groups.push_back(file.addGroupOf(group, {timeChannel(), afterTime("v")}));
   }
   Bytes data;
   std::string rows = "time [s],a.v,b.v\n";

@@ -17,17 +17,13 @@ namespace {
 /// Time and a channel with this name, which rises.
 std::string risingFile(const std::string& name = "speed") {
   FileBuilder file;
-  const auto time = file.addTime();
-  ChannelSpec speed;
-  speed.name = name;
-  speed.byte_offset = 8;
+  ChannelSpec speed = channelOf(name, 0, 8, 8);
   speed.unit = "km/h";
   Bytes records;
   for (int i = 0; i < 200; ++i) {
     records.f64(0.1 * i).u8(static_cast<std::uint8_t>(i));
   }
-  file.addDataGroup({file.addChannelGroup({200, 9}, {time, file.addChannel(speed)})},
-                    file.addData(records));
+  file.addSortedGroup({200, 9}, {timeChannel(), speed}, file.addData(records));
   return file.bytes();
 }
 
@@ -101,14 +97,10 @@ TEST(PlotCommand, SeveralFilesInOnePicture) {
 /// A time channel and one of bytes, of which the invalid ones are given as none.
 std::string fileWithAGap() {
   FileBuilder file;
-  const auto time = file.addTime();
-  ChannelSpec gear;
-  gear.name = "gear";
-  gear.byte_offset = 8;
+  ChannelSpec gear = channelOf("gear", 0, 8, 8);
   gear.flags = 2;  // has an invalidation bit
   const Bytes records = Bytes().f64(0.5).u8(1).u8(0).f64(1.5).u8(2).u8(1).f64(2.5).u8(3).u8(0);
-  file.addDataGroup({file.addChannelGroup({3, 9, 1}, {time, file.addChannel(gear)})},
-                    file.addData(records));
+  file.addSortedGroup({3, 9, 1}, {timeChannel(), gear}, file.addData(records));
   return file.bytes();
 }
 
