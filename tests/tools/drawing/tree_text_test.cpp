@@ -22,53 +22,6 @@ Dumped treeOf(const std::string& bytes, const TreeOptions& options = {}) {
   });
 }
 
-const char* const healthy_tree =
-    "HD 64 (0x40) 2001-09-09 01:46:47 UTC\n"
-    "  hd_dg_first -> DG 312 (0x138)\n"
-    "    dg_cg_first -> CG 376 (0x178) \"vehicle speed\" 2 records, 3 bytes each\n"
-    "      cg_cn_first -> CN 480 (0x1e0) \"vehicle speed\" [vehicle speed], master, real LE, 16 "
-    "bits\n"
-    "        cn_composition -> XX 264 (0x108) 8 bytes\n"
-    "          link 0 -> HD 64 (0x40) (cycle, leads back)\n"
-    "          link 1 -> HL 1288 (0x508) Deflate\n"
-    "            hl_dl_first -> DL 1328 (0x530) 1 block\n"
-    "              dl_data[0] -> DZ 1384 (0x568) 6 bytes zipped, 17 bytes stored\n"
-    "        cn_tx_name -> TX 640 (0x280) \"vehicle speed\"\n"
-    "        cn_cc_conversion -> CC 896 (0x380) [vehicle speed], linear\n"
-    "          cc_md_unit -> TX 640 (0x280) \"vehicle speed\" (shared, shown above)\n"
-    "        cn_data -> SD 680 (0x2a8) 8 bytes\n"
-    "        cn_md_unit -> TX 640 (0x280) \"vehicle speed\" (shared, shown above)\n"
-    "      cg_tx_acq_name -> TX 640 (0x280) \"vehicle speed\" (shared, shown above)\n"
-    "      cg_si_acq_source -> SI 776 (0x308) \"vehicle speed\" bus, LIN\n"
-    "        si_tx_name -> TX 640 (0x280) \"vehicle speed\" (shared, shown above)\n"
-    "        si_md_comment -> MD 224 (0xe0)\n"
-    "      cg_sr_first -> SR 832 (0x340) 1 record, interval 0.25\n"
-    "        sr_data -> RD 712 (0x2c8) 7 bytes\n"
-    "    dg_data -> DT 744 (0x2e8) 6 bytes\n"
-    "  hd_fh_first -> FH 168 (0xa8) 1970-01-01 00:00:05 UTC\n"
-    "    fh_md_comment -> MD 224 (0xe0) (shared, shown above)\n"
-    "  hd_ch_first -> CH 992 (0x3e0) \"vehicle speed\" group, 1 element\n"
-    "    ch_tx_name -> TX 640 (0x280) \"vehicle speed\" (shared, shown above)\n"
-    "    ch_md_comment -> MD 224 (0xe0) (shared, shown above)\n"
-    "    ch_element[0].dg -> DG 312 (0x138) (shared, shown above)\n"
-    "    ch_element[0].cg -> CG 376 (0x178) \"vehicle speed\" (shared, shown above)\n"
-    "    ch_element[0].cn -> CN 480 (0x1e0) \"vehicle speed\" (shared, shown above)\n"
-    "  hd_at_first -> AT 1080 (0x438) \"vehicle speed\" vehicle speed, 5 bytes embedded\n"
-    "    at_tx_filename -> TX 640 (0x280) \"vehicle speed\" (shared, shown above)\n"
-    "    at_tx_mimetype -> TX 640 (0x280) \"vehicle speed\" (shared, shown above)\n"
-    "    at_md_comment -> MD 224 (0xe0) (shared, shown above)\n"
-    "  hd_ev_first -> EV 1184 (0x4a0) \"vehicle speed\" trigger, end\n"
-    "    ev_tx_name -> TX 640 (0x280) \"vehicle speed\" (shared, shown above)\n"
-    "    ev_md_comment -> MD 224 (0xe0) (shared, shown above)\n"
-    "    ev_scope[0] -> CN 480 (0x1e0) \"vehicle speed\" (shared, shown above)\n"
-    "  hd_md_comment -> MD 224 (0xe0) (shared, shown above)\n";
-
-TEST(TreeText, HealthyFile) {
-  const Dumped tree = treeOf(healthyFile());
-  EXPECT_EQ(tree.output, healthy_tree);
-  EXPECT_EQ(tree.findings, "");
-}
-
 TEST(TreeText, NoBlockToBeginWith) {
   TreeOptions options;
   options.from = 80;

@@ -59,24 +59,14 @@ TEST(ChannelNames, OfLongNamesTheEndsAreKept) {
 /// A frame and an array of points, whose members are called after them.
 std::string frameAndPoints() {
   FileBuilder file;
-  const auto channel = [](const std::string& name, std::uint32_t byte) {
-    ChannelSpec spec;
-    spec.name = name;
-    spec.byte_offset = byte;
-    return spec;
-  };
-  ChannelSpec frame = channel("CAN_DataFrame", 0);
-  const auto id = file.addChannel(channel("CAN_DataFrame.ID", 0));
-  file.chain({id, file.addChannel(channel("Length", 1))});
+  ChannelSpec frame = firstByte("CAN_DataFrame");
+  const auto id = file.addChannel(firstByte("CAN_DataFrame.ID"));
+  file.chain({id, file.addChannel(channelOf("Length", 0, 1, 8))});
   frame.composition = id;
-  ChannelSpec points = channel("Points", 2);
-  const auto x = file.addChannel(channel("Points.x", 2));
-  points.composition = file.add("CA", {x}, Bytes().u8s({0, 0}).u16(1).u32(0).u32(1).u32(0).u64(2));
-  file.link(points.composition, 0, x);
-  GroupSpec group;
-  group.cycles = 1;
-  group.data_bytes = 4;
-  file.addSortedGroup(group, {frame, points}, file.addData("abcd"));
+  ChannelSpec points = channelOf("Points", 0, 2, 8);
+  const auto x = file.addChannel(channelOf("Points.x", 0, 2, 8));
+  points.composition = file.add("CA", {x}, u8(0, 0) + u16(1) + u32(0, 1, 0) + u64(2));
+  file.addSortedGroup({1, 4}, {frame, points}, file.addData("abcd"));
   return file.bytes();
 }
 

@@ -174,8 +174,7 @@ TEST(Description, GroupsAreCountedThroughTheFile) {
 TEST(Description, MembersFollowTheirStructure) {
   FileBuilder builder;
   const auto channel = [&](const std::string& name, std::uint64_t composition) {
-    ChannelSpec spec;
-    spec.name = name;
+    ChannelSpec spec = firstByte(name);
     spec.composition = composition;
     return builder.addChannel(spec);
   };
@@ -195,10 +194,7 @@ TEST(Description, MembersFollowTheirStructure) {
 
 TEST(Description, ChannelsCanBeVisitedInsteadOfKept) {
   FileBuilder builder;
-  ChannelSpec spec;
-  spec.name = "one";
-  const GroupSpec group{7};
-  builder.addSortedGroup(group, {spec, spec}, 0);
+  builder.addSortedGroup({7}, {firstByte("one"), firstByte("one")}, 0);
   const TempFile temp(builder.bytes());
   InputFile file(temp.path());
   std::string visited;
@@ -248,12 +244,10 @@ TEST(Description, Arrays) {
 
 TEST(Description, ArraysOfArraysOfStructures) {
   FileBuilder builder;
-  ChannelSpec member;
-  member.name = "member";
   const auto fields = [](std::uint32_t step) {
-    return Bytes().u8(0).u8(0).u16(1).u32(0).u32(step).u32(0).u64(2);
+    return u8(0, 0) + u16(1) + u32(0, step, 0) + u64(2);
   };
-  const auto inner = builder.add("CA", {builder.addChannel(member)}, fields(1));
+  const auto inner = builder.add("CA", {builder.addChannel(firstByte("member"))}, fields(1));
   ChannelSpec spec;
   spec.composition = builder.add("CA", {inner}, fields(8));
   builder.addSortedGroup({}, {spec, {}}, 0);
@@ -288,9 +282,8 @@ TEST(Description, TheMasterIsOverTimeIfThereIsOne) {
     FileBuilder builder;
     std::vector<ChannelSpec> specs;
     for (const auto& [type, sync] : types_and_syncs) {
-      ChannelSpec spec{type, sync};
-      spec.name = std::to_string(type) + ':' + std::to_string(sync);
-      specs.push_back(spec);
+      specs.push_back({type, sync});
+      specs.back().name = std::to_string(type) + ':' + std::to_string(sync);
     }
     builder.addSortedGroup({}, specs, 0);
     const Described described(builder);
@@ -305,9 +298,7 @@ TEST(Description, TheMasterIsOverTimeIfThereIsOne) {
 TEST(Description, ALinkToAnotherTypeEndsItsChain) {
   FileBuilder builder;
   const auto text = builder.text("no channel");
-  ChannelSpec spec;
-  spec.name = "one";
-  const auto group = builder.addGroupOf({}, {spec});
+  const auto group = builder.addGroupOf({}, {firstByte("one")});
   builder.addDataGroup({group}, 0);
   const auto channel = builder.channels()[0];
   builder.link(channel, 0, text);
@@ -322,10 +313,8 @@ TEST(Description, ALinkToAnotherTypeEndsItsChain) {
 
 TEST(Description, CyclesAreTakenInOnce) {
   FileBuilder builder;
-  ChannelSpec spec;
-  spec.name = "a";
-  const auto first = builder.addChannel(spec);
-  spec.name = "b";
+  const auto first = builder.addChannel(firstByte("a"));
+  ChannelSpec spec = firstByte("b");
   spec.composition = first;
   const auto second = builder.addChannel(spec);
   const auto group = builder.addChannelGroup({}, {first, second, first});

@@ -48,103 +48,75 @@ std::string walkedFrom168(const std::string& bytes) {
   return walked(fileHead({168, 0, 0, 0, 0, 0}) + bytes);
 }
 
-TEST(Walk, HeaderBlockAlone) { EXPECT_EQ(walked(fileHead({0, 0, 0, 0, 0, 0})), "##HD 64 104 6\n"); }
+const std::string hd = "##HD 64 104 6\n";
 
-TEST(Walk, UnfinishedFileIsAFile) {
-  std::string bytes = fileHead({0, 0, 0, 0, 0, 0});
-  bytes.replace(0, 8, "UnFinMF ");
-  EXPECT_EQ(walked(bytes), "##HD 64 104 6\n");
-}
-
-TEST(Walk, EveryLinkOfEveryBlockIsFollowed) {
-  EXPECT_EQ(walked(fileHead({168, 208, 240, 264, 288, 312}) + unknownBlock({336, 360}) +
-                   unknownBlock({384}) + unknownBlock({}) + unknownBlock({}) + unknownBlock({}) +
-                   unknownBlock({}) + unknownBlock({}) + unknownBlock({}) + unknownBlock({})),
-            "##HD 64 104 6\n"
-            "##XX 168 40 2\n"
-            "##XX 208 32 1\n"
-            "##XX 240 24 0\n"
-            "##XX 264 24 0\n"
-            "##XX 288 24 0\n"
-            "##XX 312 24 0\n"
-            "##XX 336 24 0\n"
-            "##XX 360 24 0\n"
-            "##XX 384 24 0\n");
-}
-
-TEST(Walk, BlocksComeInFileOrderAndOnceEach) {
-  EXPECT_EQ(walked(fileHead({232, 168, 168, 200, 232, 0}) + unknownBlock({200}) +
-                   unknownBlock({168}) + unknownBlock({200})),
-            "##HD 64 104 6\n"
-            "##XX 168 32 1\n"
-            "##XX 200 32 1\n"
-            "##XX 232 32 1\n");
-}
-
-TEST(Walk, BlocksThatNothingLinksToAreNotFound) {
-  EXPECT_EQ(walkedFrom168(unknownBlock({}) + unknownBlock({168})),
-            "##HD 64 104 6\n"
-            "##XX 168 24 0\n");
-}
-
-TEST(Walk, LinksToItselfAndInCirclesEnd) {
-  EXPECT_EQ(
-      walked(fileHead({64, 168, 0, 0, 0, 0}) + unknownBlock({168, 208}) + unknownBlock({64, 168})),
-      "##HD 64 104 6\n"
-      "##XX 168 40 2\n"
-      "##XX 208 40 2\n");
-}
-
-TEST(Walk, BlockMayStandAtAnyByte) {
-  EXPECT_EQ(
-      walked(fileHead({171, 0, 0, 0, 0, 0}) + "abc" + unknownBlock({204}) + "d" + unknownBlock({})),
-      "##HD 64 104 6\n"
-      "##XX 171 32 1\n"
-      "##XX 204 24 0\n");
+TEST(Walk, FindsTheBlocksThatLinksLeadTo) {
+  std::string unfinished = fileHead({0, 0, 0, 0, 0, 0});
+  unfinished.replace(0, 8, "UnFinMF ");
+  const std::string leaf = unknownBlock({});
+  struct Case {
+    std::string shows;
+    std::string bytes;
+    std::string blocks;  ///< after the header block
+  };
+  const std::vector<Case> cases = {
+      {"the header block alone", fileHead({0, 0, 0, 0, 0, 0}), ""},
+      {"an unfinished file", unfinished, ""},
+      {"every link of every block is followed",
+       fileHead({168, 208, 240, 264, 288, 312}) + unknownBlock({336, 360}) + unknownBlock({384}) +
+           leaf + leaf + leaf + leaf + leaf + leaf + leaf,
+       "##XX 168 40 2\n##XX 208 32 1\n##XX 240 24 0\n##XX 264 24 0\n##XX 288 24 0\n"
+       "##XX 312 24 0\n##XX 336 24 0\n##XX 360 24 0\n##XX 384 24 0\n"},
+      {"blocks come in file order and once each",
+       fileHead({232, 168, 168, 200, 232, 0}) + unknownBlock({200}) + unknownBlock({168}) +
+           unknownBlock({200}),
+       "##XX 168 32 1\n##XX 200 32 1\n##XX 232 32 1\n"},
+      {"a block that nothing links to is not found",
+       fileHead({168, 0, 0, 0, 0, 0}) + leaf + unknownBlock({168}), "##XX 168 24 0\n"},
+      {"links to itself and in circles end",
+       fileHead({64, 168, 0, 0, 0, 0}) + unknownBlock({168, 208}) + unknownBlock({64, 168}),
+       "##XX 168 40 2\n##XX 208 40 2\n"},
+      {"a block may stand at any byte",
+       fileHead({171, 0, 0, 0, 0, 0}) + "abc" + unknownBlock({204}) + "d" + leaf,
+       "##XX 171 32 1\n##XX 204 24 0\n"},
+      {"a header list that counts no link",
+       fileHead({168, 0, 0, 0, 0, 0}) + header("HL", 40, 0) + links(208, 0) + leaf,
+       "##HL 168 40 0\n##XX 208 24 0\n"},
+      {"a channel hierarchy that counts elements",
+       fileHead({168, 0, 0, 0, 0, 0}) + header("CH", 88, 5) + links(0, 0, 0, 0, 64, 168, 256, 1) +
+           leaf,
+       "##CH 168 88 5\n##XX 256 24 0\n"},
+  };
+  for (const Case& each : cases) {
+    EXPECT_EQ(walked(each.bytes), hd + each.blocks) << each.shows;
+  }
 }
 
 TEST(Walk, NoBlockIsInsideTheIdentification) {
   std::string bytes = fileHead({32, 0, 0, 0, 0, 0});
-  bytes.replace(32, 24, Bytes().header("XX", 24, 0));
+  bytes.replace(32, 24, header("XX", 24, 0));
   EXPECT_EQ(walked(bytes),
-            "##HD 64 104 6\n"
-            "64: expected link 0 of ##HD to lead to a block \"##\", found 32 (0x20) inside the "
-            "identification\n");
+            hd +
+                "64: expected link 0 of ##HD to lead to a block \"##\", found 32 (0x20) inside the "
+                "identification\n");
 }
 
-TEST(Walk, LinkOutsideTheFile) {
+TEST(Walk, LinksThatLeadToNoBlock) {
   EXPECT_EQ(walkedFrom168(unknownBlock({208, 207, INT64_MAX})),
-            "##HD 64 104 6\n"
-            "##XX 168 48 3\n" +
-                linkToCutHeader(168, "XX", 0, 8, 208) + linkToCutHeader(168, "XX", 1, 9, 207) +
-                linkOutside(168, "XX", 2, 216, INT64_MAX));
-}
-
-TEST(Walk, FirstByteAfterTheFileIsOutside) {
-  EXPECT_EQ(walked(fileHead({0, 167, 168, 169, 0, 0})),
-            "##HD 64 104 6\n" + linkToCutHeader(64, "HD", 1, 1, 167) +
-                linkOutside(64, "HD", 2, 168, 168) + linkOutside(64, "HD", 3, 168, 169));
-}
-
-TEST(Walk, NegativeLink) {
-  EXPECT_EQ(walked(fileHead({-1, 0, 0, 0, 0, INT64_MIN})),
-            "##HD 64 104 6\n" + linkOutside(64, "HD", 0, 168, -1) +
+            hd + "##XX 168 48 3\n" + linkToCutHeader(168, "XX", 0, 8, 208) +
+                linkToCutHeader(168, "XX", 1, 9, 207) + linkOutside(168, "XX", 2, 216, INT64_MAX));
+  // The first byte after the file is outside.
+  EXPECT_EQ(walked(fileHead({-1, 167, 168, 169, 0, INT64_MIN})),
+            hd + linkOutside(64, "HD", 0, 168, -1) + linkToCutHeader(64, "HD", 1, 1, 167) +
+                linkOutside(64, "HD", 2, 168, 168) + linkOutside(64, "HD", 3, 168, 169) +
                 linkOutside(64, "HD", 5, 168, INT64_MIN));
-}
-
-TEST(Walk, LinkToSomethingElseThanABlock) {
-  EXPECT_EQ(walked(fileHead({0, 65, 8, 0, 8, 0})),
-            "##HD 64 104 6\n" + linkToNoBlock(64, "HD", 1, "#HD\\x00", 65) +
-                linkToNoBlock(64, "HD", 2, "4.10", 8) + linkToNoBlock(64, "HD", 4, "4.10", 8));
-}
-
-TEST(Walk, BadLinksHideNoGoodOnes) {
+  EXPECT_EQ(walked(fileHead({0, 65, 8, 0, 8, 0})), hd + linkToNoBlock(64, "HD", 1, "#HD\\x00", 65) +
+                                                       linkToNoBlock(64, "HD", 2, "4.10", 8) +
+                                                       linkToNoBlock(64, "HD", 4, "4.10", 8));
+  // They hide no good ones.
   EXPECT_EQ(walkedFrom168(unknownBlock({-1, 1000, 8, 224}) + unknownBlock({})),
-            "##HD 64 104 6\n"
-            "##XX 168 56 4\n"
-            "##XX 224 24 0\n" +
-                linkOutside(168, "XX", 0, 248, -1) + linkOutside(168, "XX", 1, 248, 1000) +
-                linkToNoBlock(168, "XX", 2, "4.10", 8));
+            hd + "##XX 168 56 4\n##XX 224 24 0\n" + linkOutside(168, "XX", 0, 248, -1) +
+                linkOutside(168, "XX", 1, 248, 1000) + linkToNoBlock(168, "XX", 2, "4.10", 8));
 }
 
 TEST(Walk, FileTooShortForTheIdentification) {
@@ -156,8 +128,8 @@ TEST(Walk, FileTooShortForTheHeaderBlock) {
   const std::string bytes = fileHead({0, 0, 0, 0, 0, 0});
   EXPECT_EQ(walked(bytes.substr(0, 64)), headerBlockCut(0));
   EXPECT_EQ(walked(bytes.substr(0, 87)), headerBlockCut(23));
-  EXPECT_EQ(walked(bytes.substr(0, 88)), "##HD 64 104 6\n" + blockCut(64, "HD", 104, 24));
-  EXPECT_EQ(walked(bytes.substr(0, 167)), "##HD 64 104 6\n" + blockCut(64, "HD", 104, 103));
+  EXPECT_EQ(walked(bytes.substr(0, 88)), hd + blockCut(64, "HD", 104, 24));
+  EXPECT_EQ(walked(bytes.substr(0, 167)), hd + blockCut(64, "HD", 104, 103));
 }
 
 TEST(Walk, NoMeasurementFile) {
@@ -181,10 +153,7 @@ TEST(Walk, FilesOfEarlierVersionsAreNamed) {
 TEST(Walk, DamagedIdentificationHidesNoBlocks) {
   std::string bytes = fileHead({168, 0, 0, 0, 0, 0}) + unknownBlock({});
   bytes[0] = 'm';
-  EXPECT_EQ(walked(bytes),
-            "##HD 64 104 6\n"
-            "##XX 168 24 0\n" +
-                notMdf("mDF     "));
+  EXPECT_EQ(walked(bytes), hd + "##XX 168 24 0\n" + notMdf("mDF     "));
 }
 
 TEST(Walk, OtherBlockInTheHeaderBlocksPlace) {
@@ -231,22 +200,6 @@ TEST(Walk, BothLengthAndLinkCountLie) {
             "##XX 168 9223372036854775808 18446744073709551615\n" +
                 lengthTooSmall(168, "XX", UINT64_MAX, std::uint64_t{1} << 63U) +
                 blockCut(168, "XX", std::uint64_t{1} << 63U, 32));
-}
-
-TEST(Walk, LinkOfAHeaderListThatCountsNoneIsFollowed) {
-  EXPECT_EQ(walkedFrom168(Bytes().header("HL", 40, 0).i64(208).u64(0).str() + unknownBlock({})),
-            "##HD 64 104 6\n"
-            "##HL 168 40 0\n"
-            "##XX 208 24 0\n");
-}
-
-TEST(Walk, LinksOfAChannelHierarchyThatCountsElementsAreFollowed) {
-  EXPECT_EQ(
-      walkedFrom168(Bytes().header("CH", 88, 5).links({0, 0, 0, 0, 64, 168, 256}).u64(1).str() +
-                    unknownBlock({})),
-      "##HD 64 104 6\n"
-      "##CH 168 88 5\n"
-      "##XX 256 24 0\n");
 }
 
 constexpr std::size_t million = 1000000;
