@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "support/bytes.h"
 #include "tools/support/checked.h"
@@ -33,50 +35,43 @@ class FileOfValues : public SmallFile {
 };
 
 TEST(SeparateValues, AreCountedWithoutInvalidationBytes) {
-  FileOfValues file;
-  file.replaceData(file.values(18));
-  EXPECT_EQ(problemsIn(file.bytes()), "");
+  struct Case {
+    std::string shows;
+    std::string problems;
+    std::function<std::uint64_t(FileOfValues&)> data;
+  };
+  const std::vector<Case> cases = {
+      {"a block", "", [](FileOfValues& f) { return f.values(18); }},
+      {"too few", "232 cycle-count-wrong 2 9 17 8\n", [](FileOfValues& f) { return f.values(17); }},
+      {"a list, without what comes after it", "",
+       [](FileOfValues& f) { return f.list(f.values(9), f.zippedValues(9)); }},
+      {"too many in a chain of lists", "232 cycle-count-wrong 2 9 36 18\n",
+       [](FileOfValues& f) {
+         const auto last = f.list(f.values(9), f.values(9));
+         return f.list(f.values(9), f.zippedValues(9), last);
+       }},
+      {"records in a list, with their invalidation bytes", "",
+       [](FileOfValues& f) {
+         return f.add("LD", {0, f.addData(zeros(20))}, u32(0, 1) + u64(0));
+       }},
+  };
+  for (const Case& each : cases) {
+    FileOfValues file;
+    file.replaceData(each.data(file));
+    EXPECT_EQ(problemsIn(file.bytes()), each.problems) << each.shows;
+  }
 }
 
-TEST(SeparateValues, InAListAreCountedWithoutWhatFollowsThem) {
-  FileOfValues file;
-  file.replaceData(file.list(file.values(9), file.zippedValues(9)));
-  EXPECT_EQ(problemsIn(file.bytes()), "");
-}
-
-TEST(SeparateValues, TooFew) {
-  FileOfValues file;
-  file.replaceData(file.values(17));
-  EXPECT_EQ(problemsIn(file.bytes()), "232 cycle-count-wrong 2 9 17 8\n");
-}
-
-TEST(SeparateValues, TooManyInAChainOfLists) {
-  FileOfValues file;
-  const auto last = file.list(file.values(9), file.values(9));
-  file.replaceData(file.list(file.values(9), file.zippedValues(9), last));
-  EXPECT_EQ(problemsIn(file.bytes()), "232 cycle-count-wrong 2 9 36 18\n");
-}
-
-TEST(SeparateValues, RecordsInAListHaveTheirInvalidationBytes) {
-  FileOfValues file;
-  const auto records = file.add("DT", {}, Bytes().zeros(20));
-  file.replaceData(file.add("LD", {0, records}, Bytes().u32(0).u32(1).u64(0)));
-  EXPECT_EQ(problemsIn(file.bytes()), "");
-}
-
-TEST(SeparateValues, OfAListThatLeadsToItself) {
-  FileOfValues file;
-  const auto list = file.list(file.values(9), file.values(9));
-  file.link(list, 0, list);
-  file.replaceData(list);
-  EXPECT_NE(checkedCodes(file.bytes()).find("chain-endless 1\n"), std::string::npos);
-}
-
-TEST(SeparateValues, ListWithACountThatLies) {
-  FileOfValues file;
-  const auto values = file.values(18);
-  file.replaceData(file.add("LD", {0, values}, Bytes().u32(0).u32(0xFFFFFFFF).u64(0)));
-  EXPECT_NE(checkedCodes(file.bytes()).find("links-missing 1\n"), std::string::npos);
+TEST(SeparateValues, ListsThatLie) {
+  FileOfValues circle;
+  const auto list = circle.list(circle.values(9), circle.values(9));
+  circle.link(list, 0, list);
+  circle.replaceData(list);
+  EXPECT_NE(checkedCodes(circle.bytes()).find("chain-endless 1\n"), std::string::npos);
+  FileOfValues count;
+  const auto values = count.values(18);
+  count.replaceData(count.add("LD", {0, values}, u32(0, UINT32_MAX) + u64(0)));
+  EXPECT_NE(checkedCodes(count.bytes()).find("links-missing 1\n"), std::string::npos);
 }
 
 }  // namespace

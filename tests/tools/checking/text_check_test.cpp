@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/support/checked.h"
 #include "tools/support/small_file.h"
@@ -26,27 +27,18 @@ bool isUtf8(std::string_view bytes) {
 }
 
 TEST(Utf8Check, FirstAndLastCharactersOfEachLength) {
-  EXPECT_TRUE(isUtf8(""));
-  EXPECT_TRUE(isUtf8("\x01\x7F"));
-  EXPECT_TRUE(isUtf8("\xC2\x80\xDF\xBF"));
-  EXPECT_TRUE(isUtf8("\xE0\xA0\x80\xEF\xBF\xBF"));
-  EXPECT_TRUE(isUtf8("\xED\x9F\xBF\xEE\x80\x80"));
-  EXPECT_TRUE(isUtf8("\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"));
+  for (const char* const fine : {"", "\x01\x7F", "\xC2\x80\xDF\xBF", "\xE0\xA0\x80\xEF\xBF\xBF",
+                                 "\xED\x9F\xBF\xEE\x80\x80", "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"}) {
+    EXPECT_TRUE(isUtf8(fine)) << fine;
+  }
 }
 
-TEST(Utf8Check, LongerFormsThanNeeded) {
-  EXPECT_FALSE(isUtf8("\xC0\x80"));
-  EXPECT_FALSE(isUtf8("\xC1\xBF"));
-  EXPECT_FALSE(isUtf8("\xE0\x9F\xBF"));
-  EXPECT_FALSE(isUtf8("\xF0\x8F\xBF\xBF"));
-}
-
-TEST(Utf8Check, SurrogatesAndNumbersThatAreTooLarge) {
-  EXPECT_FALSE(isUtf8("\xED\xA0\x80"));
-  EXPECT_FALSE(isUtf8("\xED\xBF\xBF"));
-  EXPECT_FALSE(isUtf8("\xF4\x90\x80\x80"));
-  EXPECT_FALSE(isUtf8("\xF5\x80\x80\x80"));
-  EXPECT_FALSE(isUtf8("\xFF"));
+TEST(Utf8Check, LongerFormsThanNeededSurrogatesAndNumbersThatAreTooLarge) {
+  for (const char* const wrong :
+       {"\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xED\xA0\x80", "\xED\xBF\xBF",
+        "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF"}) {
+    EXPECT_FALSE(isUtf8(wrong)) << wrong;
+  }
 }
 
 TEST(Utf8Check, CharactersThatAreCutOrHaveNoBeginning) {
@@ -67,28 +59,23 @@ TEST(TextCheck, CharacterOverTheBorderOfTwoPieces) {
   }
 }
 
-TEST(TextCheck, OnlyWhatIsInFrontOfTheZeroCounts) {
-  SmallFile file;
-  file.setComment(file.add("TX", {}, std::string("abc\0\xFF", 5)));
-  EXPECT_EQ(problemsIn(file.bytes()), "");
-}
-
-TEST(TextCheck, LongTextWithoutTerminator) {
-  SmallFile file;
-  file.setComment(file.add("TX", {}, std::string(8192, 'x')));
-  EXPECT_EQ(problemsIn(file.bytes()), "768 text-not-terminated 8192\n");
-}
-
-TEST(TextCheck, MetadataThatIsNoText) {
-  SmallFile file;
-  file.setComment(file.metadata("<\xFF>"));
-  EXPECT_EQ(checkedCodes(file.bytes()), "text-not-utf8 1\n");
-}
-
-TEST(TextCheck, PlainTextInMetadata) {
-  SmallFile file;
-  file.setComment(file.metadata("a comment"));
-  EXPECT_EQ(checkedCodes(file.bytes()), "xml-not-well-formed 1\n");
+TEST(TextCheck, CommentsOfEachKind) {
+  struct Case {
+    std::string letters;
+    std::string contents;
+    std::string codes;
+  };
+  const std::vector<Case> cases = {
+      {"TX", std::string("abc\0\xFF", 5), ""},  // what is after the zero does not count
+      {"TX", std::string(8192, 'x'), "text-not-terminated 1\n"},
+      {"MD", std::string("<\xFF>\0", 4), "text-not-utf8 1\n"},
+      {"MD", std::string("a comment\0", 10), "xml-not-well-formed 1\n"},
+  };
+  for (const Case& each : cases) {
+    SmallFile file;
+    file.setComment(file.add(each.letters, {}, each.contents));
+    EXPECT_EQ(checkedCodes(file.bytes()), each.codes);
+  }
 }
 
 TEST(TextCheck, SharedTextIsCheckedOnce) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -175,25 +176,51 @@ TEST(ValueCheck, RecordIdsOfEightBytesWithTheCodeFour) {
   EXPECT_EQ(problemsIn(file.bytes()), outside(0, 5));
 }
 
-TEST(ValueCheck, ElementsWithDataOfTheirOwnElsewhere) {
-  TextFile file({99});
-  file.link(SmallFile::speed, 1,
-            file.add("CA", {0}, Bytes().u8s({0, 1}).u16(1).zeros(12).u64(1).u64(0)));
-  EXPECT_EQ(problemsIn(file.bytes()), outside(0, 99));
-}
-
-TEST(ValueCheck, OffsetsOfAnUnfinishedFile) {
-  TextFile file({99});
-  file.write(0, "UnFinMF ");
-  file.write(60, Bytes().u16(64));
-  file.setValues(file.add("SD", {}, threeValues()));
-  EXPECT_EQ(checkedCodes(file.bytes()), "file-unfinished 1\nvalue-outside-signal-data 1\n");
-}
-
-TEST(ValueCheck, CountsThatAreWrong) {
-  TextFile file({99});
-  file.setGroup({2, 16});
-  EXPECT_EQ(checkedCodes(file.bytes()), "cycle-count-wrong 1\nvalue-outside-signal-data 1\n");
+TEST(ValueCheck, OffsetOfAValueThatIsNowhere) {
+  struct Case {
+    std::string shows;
+    std::string other_codes;
+    std::function<void(TextFile&)> change;
+  };
+  const std::vector<Case> cases = {
+      {"an array whose elements have data of their own", "",
+       [](TextFile& file) {
+         file.link(SmallFile::speed, 1,
+                   file.add("CA", {0}, u8(0, 1) + u16(1) + zeros(12) + u64(1, 0)));
+       }},
+      {"an unfinished file", "file-unfinished 1\n",
+       [](TextFile& file) {
+         file.write(0, "UnFinMF ");
+         file.write(60, u16(64));
+         file.setValues(file.add("SD", {}, threeValues()));
+       }},
+      {"a count that is wrong", "cycle-count-wrong 1\n",
+       [](TextFile& file) {
+         file.setGroup({2, 16});
+       }},
+      {"a link to a text", "link-wrong-type 1\n",
+       [](TextFile& file) { file.setValues(SmallFile::time_name); }},
+      {"a link to another group", "", [](TextFile& file) { file.setValues(SmallFile::group); }},
+      {"a list with itself", "link-wrong-type 1\n",
+       [](TextFile& file) {
+         const auto list = file.add("DL", {0, 0}, zeros(4) + u32(1) + u64(0));
+         file.link(list, 1, list);
+         file.setValues(list);
+       }},
+      {"lists without an end", "chain-endless 1\n",
+       [](TextFile& file) {
+         const auto data = file.add("SD", {}, threeValues());
+         const auto list = file.add("DL", {0, data}, zeros(4) + u32(1) + u64(0));
+         file.link(list, 0, list);
+         file.setValues(list);
+       }},
+  };
+  for (const Case& each : cases) {
+    TextFile file({99});
+    each.change(file);
+    EXPECT_EQ(checkedCodes(file.bytes()), each.other_codes + "value-outside-signal-data 1\n")
+        << each.shows;
+  }
 }
 
 TEST(ValueCheck, OffsetThatIsNotInTheRecordOrHasTooManyBits) {
@@ -213,29 +240,6 @@ TEST(ValueCheck, ChannelsThatShareSignalData) {
             file.add("CN", {0, 0, SmallFile::speed_name, 0, 0, values, 0, 0},
                      ChannelSpec{1, 0, 7, 0, 0, 64}.fields()));
   EXPECT_EQ(problemsIn(file.bytes()), outside(1, 99));
-}
-
-TEST(ValueCheck, LinksToValuesThatLeadElsewhere) {
-  TextFile text({99});
-  text.setValues(SmallFile::time_name);
-  EXPECT_EQ(checkedCodes(text.bytes()), "link-wrong-type 1\nvalue-outside-signal-data 1\n");
-  TextFile records({99});
-  records.setValues(SmallFile::group);
-  EXPECT_EQ(checkedCodes(records.bytes()), "value-outside-signal-data 1\n");
-  TextFile list({99});
-  const auto block = list.add("DL", {0, 0}, Bytes().zeros(4).u32(1).u64(0));
-  list.link(block, 1, block);
-  list.setValues(block);
-  EXPECT_EQ(checkedCodes(list.bytes()), "link-wrong-type 1\nvalue-outside-signal-data 1\n");
-}
-
-TEST(ValueCheck, ListsOfSignalDataWithoutAnEnd) {
-  TextFile file({99});
-  const auto data = file.add("SD", {}, threeValues());
-  const auto list = file.add("DL", {0, data}, Bytes().zeros(4).u32(1).u64(0));
-  file.link(list, 0, list);
-  file.setValues(list);
-  EXPECT_EQ(checkedCodes(file.bytes()), "chain-endless 1\nvalue-outside-signal-data 1\n");
 }
 
 }  // namespace
