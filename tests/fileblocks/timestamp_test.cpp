@@ -1,15 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstdlib>
 #include <ctime>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "mdf_v4_10.h"
 #include "support/blocks.h"
 #include "support/bytes.h"
+#include "support/time_zone.h"
 
 using namespace mdf_tests;
 using namespace mdf_v4_10;
@@ -20,31 +19,6 @@ namespace {
 const char* const utc = "UTC0";
 const char* const berlin = "CET-1CEST,M3.5.0,M10.5.0/3";
 const char* const kathmandu = "<+0545>-5:45";
-
-/// The process's time zone, until the end of the scope.
-class TimeZone {
- public:
-  explicit TimeZone(const char* rule) {
-    if (const char* before = std::getenv("TZ")) {
-      before_ = before;
-    }
-    setenv("TZ", rule, 1);
-    tzset();
-  }
-  ~TimeZone() {
-    if (before_) {
-      setenv("TZ", before_->c_str(), 1);
-    } else {
-      unsetenv("TZ");
-    }
-    tzset();
-  }
-  TimeZone(const TimeZone&) = delete;
-  TimeZone& operator=(const TimeZone&) = delete;
-
- private:
-  std::optional<std::string> before_;
-};
 
 std::tm calendar(int year, int month, int day, int hour, int minute, int second, int is_dst) {
   std::tm time{};
@@ -58,28 +32,13 @@ std::tm calendar(int year, int month, int day, int hour, int minute, int second,
   return time;
 }
 
-/// A calendar time as the C library gives it, all members set.
-std::tm fullCalendar(std::tm time, int weekday, int day_of_year, long utc_offset,
-                     const char* zone) {
-  time.tm_wday = weekday;
-  time.tm_yday = day_of_year;
-  time.tm_gmtoff = utc_offset;
-  time.tm_zone = zone;
-  return time;
-}
-
-void expectSameCalendar(const std::tm& actual, const std::tm& expected) {
-  EXPECT_EQ(actual.tm_sec, expected.tm_sec);
-  EXPECT_EQ(actual.tm_min, expected.tm_min);
-  EXPECT_EQ(actual.tm_hour, expected.tm_hour);
-  EXPECT_EQ(actual.tm_mday, expected.tm_mday);
-  EXPECT_EQ(actual.tm_mon, expected.tm_mon);
-  EXPECT_EQ(actual.tm_year, expected.tm_year);
-  EXPECT_EQ(actual.tm_wday, expected.tm_wday);
-  EXPECT_EQ(actual.tm_yday, expected.tm_yday);
-  EXPECT_EQ(actual.tm_isdst, expected.tm_isdst);
-  EXPECT_EQ(actual.tm_gmtoff, expected.tm_gmtoff);
-  EXPECT_STREQ(actual.tm_zone, expected.tm_zone);
+/// All members of a calendar time: "2000-7-1 12:0:0 weekday 6 day 182 dst 1 CEST+7200".
+std::string shown(const std::tm& time) {
+  const auto text = [](long number) { return std::to_string(number); };
+  return text(time.tm_year + 1900) + '-' + text(time.tm_mon + 1) + '-' + text(time.tm_mday) + ' ' +
+         text(time.tm_hour) + ':' + text(time.tm_min) + ':' + text(time.tm_sec) + " weekday " +
+         text(time.tm_wday) + " day " + text(time.tm_yday) + " dst " + text(time.tm_isdst) + ' ' +
+         time.tm_zone + '+' + text(time.tm_gmtoff);
 }
 
 /// The header block's start time. All that a time operation must leave alone is set.
@@ -142,15 +101,18 @@ class TimeStamp : public testing::Test {
 
   /// Expects that a stored time is given as this calendar time, every member of it.
   static void expectGiven(const char* zone, std::uint64_t stamp, std::int16_t dst_offset,
-                          const std::tm& expected) {
+                          const std::string& expected) {
     SCOPED_TRACE(std::string(zone) + ", stamp " + std::to_string(stamp));
     const TimeZone time_zone(zone);
     auto block = Field::block();
     block.*Field::stamp = stamp;
     block.*Field::dst_offset = dst_offset;
-    std::tm time = fullCalendar(calendar(-7, -7, -7, -7, -7, -7, -7), -7, -7, -7, "unset");
+    std::tm time = calendar(-7, -7, -7, -7, -7, -7, -7);
+    time.tm_wday = time.tm_yday = -7;
+    time.tm_gmtoff = -7;
+    time.tm_zone = "unset";
     static_cast<const typename Field::Block&>(block).getDateAndTime(time);
-    expectSameCalendar(time, expected);
+    EXPECT_EQ(shown(time), expected);
     EXPECT_BYTES(written(block), Field::bytes(stamp, dst_offset));
   }
 };
@@ -258,48 +220,43 @@ TYPED_TEST(TimeStamp, ATimeThatTheLibraryCannotConvertIsAFailure) {
 }
 
 TYPED_TEST(TimeStamp, IsGivenInTheProcessesTimeZone) {
-  TestFixture::expectGiven(utc, 946728000, 0,
-                           fullCalendar(calendar(2000, 1, 1, 12, 0, 0, 0), 6, 0, 0, "UTC"));
-  TestFixture::expectGiven(berlin, 946724400, 0,
-                           fullCalendar(calendar(2000, 1, 1, 12, 0, 0, 0), 6, 0, 3600, "CET"));
+  TestFixture::expectGiven(utc, 946728000, 0, "2000-1-1 12:0:0 weekday 6 day 0 dst 0 UTC+0");
+  TestFixture::expectGiven(berlin, 946724400, 0, "2000-1-1 12:0:0 weekday 6 day 0 dst 0 CET+3600");
   TestFixture::expectGiven(berlin, 962445600, 60,
-                           fullCalendar(calendar(2000, 7, 1, 12, 0, 0, 1), 6, 182, 7200, "CEST"));
+                           "2000-7-1 12:0:0 weekday 6 day 182 dst 1 CEST+7200");
   TestFixture::expectGiven(kathmandu, 946707300, 0,
-                           fullCalendar(calendar(2000, 1, 1, 12, 0, 0, 0), 6, 0, 20700, "+0545"));
+                           "2000-1-1 12:0:0 weekday 6 day 0 dst 0 +0545+20700");
 }
 
 TYPED_TEST(TimeStamp, WithoutAnOffsetTheZonesDaylightSavingFlagStays) {
   TestFixture::expectGiven(berlin, 962445600, 0,
-                           fullCalendar(calendar(2000, 7, 1, 12, 0, 0, 1), 6, 182, 7200, "CEST"));
+                           "2000-7-1 12:0:0 weekday 6 day 182 dst 1 CEST+7200");
 }
 
 TYPED_TEST(TimeStamp, WithAnOffsetTheDaylightSavingFlagIsSet) {
   for (const auto dst_offset : std::vector<std::int16_t>{60, 1, -60, INT16_MIN}) {
     TestFixture::expectGiven(utc, 946728000, dst_offset,
-                             fullCalendar(calendar(2000, 1, 1, 12, 0, 0, 1), 6, 0, 0, "UTC"));
+                             "2000-1-1 12:0:0 weekday 6 day 0 dst 1 UTC+0");
     TestFixture::expectGiven(berlin, 946724400, dst_offset,
-                             fullCalendar(calendar(2000, 1, 1, 12, 0, 0, 1), 6, 0, 3600, "CET"));
+                             "2000-1-1 12:0:0 weekday 6 day 0 dst 1 CET+3600");
   }
 }
 
 TYPED_TEST(TimeStamp, OnlyTheLowBitsAreGiven) {
   TestFixture::expectGiven(utc, 1000000000000000000, 0,
-                           fullCalendar(calendar(1922, 11, 22, 18, 22, 56, 0), 3, 325, 0, "UTC"));
+                           "1922-11-22 18:22:56 weekday 3 day 325 dst 0 UTC+0");
   for (const std::uint64_t high : {0x00000001U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
     TestFixture::expectGiven(utc, high << 32U | 946728000U, 0,
-                             fullCalendar(calendar(2000, 1, 1, 12, 0, 0, 0), 6, 0, 0, "UTC"));
+                             "2000-1-1 12:0:0 weekday 6 day 0 dst 0 UTC+0");
   }
 }
 
 TYPED_TEST(TimeStamp, TheLowBitsAreSigned) {
-  TestFixture::expectGiven(utc, UINT64_MAX, 0,
-                           fullCalendar(calendar(1969, 12, 31, 23, 59, 59, 0), 3, 364, 0, "UTC"));
+  TestFixture::expectGiven(utc, UINT64_MAX, 0, "1969-12-31 23:59:59 weekday 3 day 364 dst 0 UTC+0");
   TestFixture::expectGiven(kathmandu, 0xFFFFFFFF, 0,
-                           fullCalendar(calendar(1970, 1, 1, 5, 44, 59, 0), 4, 0, 20700, "+0545"));
-  TestFixture::expectGiven(utc, 0x80000000, 0,
-                           fullCalendar(calendar(1901, 12, 13, 20, 45, 52, 0), 5, 346, 0, "UTC"));
-  TestFixture::expectGiven(utc, 0x7FFFFFFF, 0,
-                           fullCalendar(calendar(2038, 1, 19, 3, 14, 7, 0), 2, 18, 0, "UTC"));
+                           "1970-1-1 5:44:59 weekday 4 day 0 dst 0 +0545+20700");
+  TestFixture::expectGiven(utc, 0x80000000, 0, "1901-12-13 20:45:52 weekday 5 day 346 dst 0 UTC+0");
+  TestFixture::expectGiven(utc, 0x7FFFFFFF, 0, "2038-1-19 3:14:7 weekday 2 day 18 dst 0 UTC+0");
 }
 
 }  // namespace

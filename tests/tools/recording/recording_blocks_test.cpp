@@ -55,19 +55,9 @@ std::string groups(std::uint64_t cycle_count) {
 std::string channel(std::initializer_list<std::int64_t> links, std::initializer_list<int> types,
                     std::uint32_t byte_offset, std::uint32_t bit_count, std::uint32_t flags,
                     double range_min = 0, double range_max = 0) {
-  return Bytes()
-      .header("CN", 160, 8)
-      .links(links)
-      .u8s(types)
-      .u32(byte_offset)
-      .u32(bit_count)
-      .u32(flags)
-      .u32(0)
-      .u8(255)
-      .zeros(3)
-      .f64(range_min)
-      .f64(range_max)
-      .zeros(32);
+  return Bytes().header("CN", 160, 8).links(links).u8s(types).str() +
+         u32(byte_offset, bit_count, flags, 0) + u8(255, 0, 0, 0) + f64(range_min, range_max) +
+         zeros(32);
 }
 
 constexpr std::uint32_t monotonous = 2048;
@@ -95,41 +85,29 @@ TEST(RecordingBlocks, SayThatTheFileIsUnfinishedUntilItIsFinished) {
   EXPECT_EQ(blocks.recordBytes(), 24U);
 }
 
-TEST(RecordingBlocks, FinishedFileHasTheNumberOfItsRecords) {
+/// A finished file of so many records.
+std::string finished(std::uint64_t records, const std::string& data,
+                     const std::optional<TimeRange>& times) {
   RecordingBlocks blocks(channels, info);
   std::ostringstream os;
   blocks.write(os);
-  const std::string data(3 * 24, 'x');
   os << data;
-  blocks.finish(os, 3, TimeRange{0.5, 12.25});
-  EXPECT_BYTES(os.str(), wholeFile(identification("MDF     ", 0), 3, data,
-                                   monotonous | value_range_valid, 0.5, 12.25));
+  blocks.finish(os, records, times);
+  return os.str();
 }
 
-TEST(RecordingBlocks, TimesThatAreNotKnownAreNotStated) {
-  RecordingBlocks blocks(channels, info);
-  std::ostringstream os;
-  blocks.write(os);
+TEST(RecordingBlocks, FinishedFileHasTheNumberOfItsRecordsAndTheirTimesWhenTheyAreKnown) {
+  const std::string id = identification("MDF     ", 0);
   const std::string data(3 * 24, 'x');
-  os << data;
-  blocks.finish(os, 3, std::nullopt);
-  EXPECT_BYTES(os.str(), wholeFile(identification("MDF     ", 0), 3, data));
-}
-
-TEST(RecordingBlocks, FileCanBeFinishedWithoutRecords) {
-  RecordingBlocks blocks(channels, info);
-  std::ostringstream os;
-  blocks.write(os);
-  blocks.finish(os, 0, std::nullopt);
-  EXPECT_BYTES(os.str(), wholeFile(identification("MDF     ", 0), 0, ""));
+  EXPECT_BYTES(finished(3, data, TimeRange{0.5, 12.25}),
+               wholeFile(id, 3, data, monotonous | value_range_valid, 0.5, 12.25));
+  EXPECT_BYTES(finished(3, data, std::nullopt), wholeFile(id, 3, data));
+  EXPECT_BYTES(finished(0, "", std::nullopt), wholeFile(id, 0, ""));
 }
 
 TEST(RecordingBlocks, LengthsBeyond32BitsAreKept) {
-  RecordingBlocks blocks(channels, info);
-  std::ostringstream os;
-  blocks.write(os);
-  blocks.finish(os, 0x100000001, std::nullopt);
-  EXPECT_BYTES(os.str().substr(1560), Bytes().header("DT", 24 + 24 * 0x100000001, 0));
+  EXPECT_BYTES(finished(0x100000001, "", std::nullopt).substr(1560),
+               header("DT", 24 + 24 * 0x100000001, 0));
 }
 
 }  // namespace

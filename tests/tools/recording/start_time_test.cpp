@@ -2,35 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <ctime>
-#include <optional>
 #include <string>
 
+#include "support/time_zone.h"
+
+using namespace mdf_tests;
 using namespace mdf_tools;
 
 namespace {
-
-/// Sets the process's time zone, and the old one again afterwards.
-class TimeZone {
- public:
-  explicit TimeZone(const char* zone) {
-    if (const char* const old = std::getenv("TZ")) {
-      old_ = old;
-    }
-    setenv("TZ", zone, 1);
-    tzset();
-  }
-  ~TimeZone() {
-    old_ ? setenv("TZ", old_->c_str(), 1) : unsetenv("TZ");
-    tzset();
-  }
-  TimeZone(const TimeZone&) = delete;
-  TimeZone& operator=(const TimeZone&) = delete;
-
- private:
-  std::optional<std::string> old_;
-};
 
 StartTime at(std::int64_t nanoseconds) {
   return startTime(std::chrono::system_clock::time_point(
