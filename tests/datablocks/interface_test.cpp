@@ -157,6 +157,7 @@ template <class B>
 struct RecordElement {
   static_assert(isPlainValue<B>());
   static_assert(!std::is_base_of_v<GENERALBLOCK, B>);
+  static_assert(!std::is_default_constructible_v<B>);
   static_assert(writes<B>());
 };
 template struct RecordElement<IDTSDATABLOCK>;

@@ -4,7 +4,6 @@
 #include <iomanip>
 #include <sstream>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "mdf_v4_10.h"
@@ -16,22 +15,6 @@ using namespace mdf_tests;
 using namespace mdf_v4_10;
 
 namespace {
-
-static_assert(std::is_same_v<decltype(IDTSDATABLOCK::id), std::uint8_t>);
-static_assert(std::is_same_v<decltype(IDTSDATABLOCK::timestamp), std::uint32_t>);
-static_assert(std::is_same_v<decltype(IDTSDATABLOCK64::id), std::uint16_t>);
-static_assert(std::is_same_v<decltype(IDTSDATABLOCK64::timestamp), std::uint64_t>);
-static_assert(std::is_same_v<decltype(VALUEDATABLOCK::value), std::uint64_t>);
-static_assert(std::is_same_v<decltype(VALUEDATABLOCK::valsize), std::uint32_t>);
-
-/// A plain value class of its own: no block, no virtual operations.
-template <class Element>
-constexpr bool is_plain_value =
-    !std::is_base_of_v<GENERALBLOCK, Element> && !std::is_polymorphic_v<Element> &&
-    !std::is_default_constructible_v<Element>;
-static_assert(is_plain_value<IDTSDATABLOCK>);
-static_assert(is_plain_value<IDTSDATABLOCK64>);
-static_assert(is_plain_value<VALUEDATABLOCK>);
 
 /// The number of bytes in each write call that an element makes, after which it must have handed
 /// back the stream.

@@ -47,15 +47,4 @@ TEST(DGBLOCK, DumpShowsTheConstantSizeAndZeroForMissingLinks) {
   EXPECT_EQ(block.getComment(), 0);
 }
 
-TEST(DGBLOCK, ReaderAppendsTheLinksAfterTheNilOnes) {
-  const auto block = readBack<DGBLOCK>(distinctBytes());
-  EXPECT_EQ(block.header.length, 64U);
-  EXPECT_EQ(block.header.link_count, 4U);
-  EXPECT_EQ(linksOf(block), (std::vector<LINK>{0, 0, 0, 0, 100, 200, 300, 400}));
-  EXPECT_EQ(block.getNextDgblock(), 0);
-  EXPECT_EQ(block.dg_rec_id_size, 3);
-  EXPECT_EQ(asArray(block.header.reserved), (std::array<mdf_v4_10::UINT8, 4>{}));
-  EXPECT_EQ(asArray(block.dg_reserved), (std::array<mdf_v4_10::UINT8, 7>{}));
-}
-
 }  // namespace

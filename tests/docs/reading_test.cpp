@@ -36,14 +36,21 @@ long standsAfter(std::istringstream& is, const std::string& block_bytes) {
          static_cast<long>(block_bytes.size());
 }
 
+/// The block that these bytes are, of which the reader takes all and nothing after it.
+template <class Block>
+Block readWhole(const std::string& block_bytes) {
+  auto is = fileWith(block_bytes);
+  Block block(is);
+  EXPECT_EQ(standsAfter(is, block_bytes), 0);
+  return block;
+}
+
 std::string text(const std::vector<UINT8>& bytes) { return {bytes.begin(), bytes.end()}; }
 
 TEST(Reading, IDBLOCK) {
   const std::string bytes =
       std::string("MDF     4.10    program ") + u8(1, 2, 3, 4) + u16(410) + zeros(33) + u8(9);
-  auto is = fileWith(bytes);
-  const IDBLOCK block(is);
-  EXPECT_EQ(standsAfter(is, bytes), 0);
+  const auto block = readWhole<IDBLOCK>(bytes);
   EXPECT_EQ(block.getKenn(), "MDF     ");
   EXPECT_EQ(block.getVers(), "4.10    ");
   EXPECT_EQ(block.getProg(), "program ");
@@ -56,9 +63,7 @@ TEST(Reading, IDBLOCK) {
 TEST(Reading, HDBLOCK) {
   const std::string bytes = header("HD", 104, 6) + links(1, 2, 3, 4, 5, 6) + u64(7) + u16(-8, 9) +
                             u8(3, 10, 3, 99) + f64(1.5, 2.5);
-  auto is = fileWith(bytes);
-  const HDBLOCK block(is);
-  EXPECT_EQ(standsAfter(is, bytes), 0);
+  const auto block = readWhole<HDBLOCK>(bytes);
   EXPECT_EQ(block.getDGFirstblock(), 1);
   EXPECT_EQ(block.getMDCommentblock(), 6);
   EXPECT_BYTES(written(block), std::string(bytes).replace(87, 1, 1, '\0'));
@@ -95,9 +100,7 @@ TEST(Reading, MDBLOCK) {
 TEST(Reading, FHBLOCK) {
   const std::string bytes =
       header("FH", 56, 2) + links(1, 2) + u64(3) + u16(-4, 5) + u8(2) + u8(9, 9, 9);
-  auto is = fileWith(bytes);
-  const FHBLOCK block(is);
-  EXPECT_EQ(standsAfter(is, bytes), 0);
+  const auto block = readWhole<FHBLOCK>(bytes);
   EXPECT_EQ(block.getNextFHBlock(), 1);
   EXPECT_EQ(block.getMDBlock(), 2);
   EXPECT_BYTES(written(block), std::string(bytes).replace(53, 3, 3, '\0'));
@@ -107,9 +110,7 @@ TEST(Reading, CHBLOCK) {
   const std::string bytes = header("CH", 64 + 24 * 2, 4 + 3 * 2) +
                             links(1, 2, 3, 4, 11, 12, 13, 21, 22, 23) + u32(2) +
                             u8(CHBLOCK::CH_TYPE_GROUP, 9, 9, 9);
-  auto is = fileWith(bytes);
-  const CHBLOCK block(is);
-  EXPECT_EQ(standsAfter(is, bytes), 0);
+  const auto block = readWhole<CHBLOCK>(bytes);
   EXPECT_EQ(linksOf(block), (Links{1, 2, 3, 4}));
   EXPECT_EQ(block.getFirstCHBlock(), 2);
   EXPECT_EQ(asArray(block.ch_reserved), (std::array<UINT8, 3>{}));
@@ -151,9 +152,7 @@ TEST(Reading, CHBLOCK_that_this_library_wrote) {
 TEST(Reading, ATBLOCK) {
   const std::string bytes = header("AT", 96 + 3, 4) + links(1, 2, 3, 4) + u16(5, 6) + zeros(4) +
                             "0123456789abcdef" + u64(7, 3) + "abc";
-  auto is = fileWith(bytes);
-  const ATBLOCK block(is);
-  EXPECT_EQ(standsAfter(is, bytes), 0);
+  const auto block = readWhole<ATBLOCK>(bytes);
   EXPECT_EQ(block.getTXMimetypeBlock(), 3);
   EXPECT_BYTES(written(block), bytes);
 }
@@ -183,9 +182,7 @@ TEST(Reading, EVBLOCK) {
 TEST(Reading, DGBLOCK) {
   const std::string bytes =
       header("DG", 64, 4) + links(1, 2, 3, 4) + u8(1) + u8(9, 9, 9, 9, 9, 9, 9);
-  auto is = fileWith(bytes);
-  const DGBLOCK block(is);
-  EXPECT_EQ(standsAfter(is, bytes), 0);
+  const auto block = readWhole<DGBLOCK>(bytes);
   EXPECT_EQ(linksOf(block), (Links{0, 0, 0, 0, 1, 2, 3, 4}));
   EXPECT_EQ(block.getFirstCgblock(), 0);
   EXPECT_EQ(block.getRecordIdSize(), DGBLOCK::DG_UINT8);
@@ -196,9 +193,7 @@ TEST(Reading, DGBLOCK) {
 TEST(Reading, CGBLOCK) {
   const std::string bytes =
       header("CG", 104, 6) + links(1, 2, 3, 4, 5, 6) + u64(7, 8) + u16(2, 46) + u32(99, 10, 11);
-  auto is = fileWith(bytes);
-  const CGBLOCK block(is);
-  EXPECT_EQ(standsAfter(is, bytes), 0);
+  const auto block = readWhole<CGBLOCK>(bytes);
   EXPECT_EQ(linksOf(block), (Links{0, 0, 0, 0, 0, 0, 1, 2, 3, 4, 5, 6}));
   EXPECT_EQ(block.getCycleCount(), 8U);
   EXPECT_EQ(block.getInvalidBytes(), 11U);
@@ -208,9 +203,7 @@ TEST(Reading, CGBLOCK) {
 
 TEST(Reading, SIBLOCK) {
   const std::string bytes = header("SI", 56, 3) + links(1, 2, 3) + u8(4, 2, 1, 9, 9, 9, 9, 9);
-  auto is = fileWith(bytes);
-  const SIBLOCK block(is);
-  EXPECT_EQ(standsAfter(is, bytes), 0);
+  const auto block = readWhole<SIBLOCK>(bytes);
   EXPECT_EQ(linksOf(block), (Links{0, 0, 0, 1, 2, 3}));
   EXPECT_EQ(block.getSourceType(), SIBLOCK::SI_SOURCETYPE_TOOL);
   EXPECT_TRUE(block.isSimulatedSource());
@@ -282,9 +275,7 @@ TEST(Reading, SDBLOCK) { expectPlainData<SDBLOCK>("SD", &SDBLOCK::sd_data); }
 TEST(Reading, DLBLOCK) {
   const std::string bytes =
       header("DL", 40 + 16 * 2, 3) + links(1, 11, 12) + u8(0, 9, 9, 9) + u32(2) + u64(0, 500);
-  auto is = fileWith(bytes);
-  const DLBLOCK block(is);
-  EXPECT_EQ(standsAfter(is, bytes), 0);
+  const auto block = readWhole<DLBLOCK>(bytes);
   EXPECT_EQ(linksOf(block), (Links{0, 1, 11, 12}));
   EXPECT_EQ(block.getNextDlblock(), 0);
   EXPECT_EQ(block.dl_data, (std::vector<std::pair<LINK, UINT64>>{{1, 0}, {11, 500}}));
@@ -327,9 +318,7 @@ TEST(Reading, DZBLOCK) {
 
 TEST(Reading, HLBLOCK) {
   const std::string bytes = header("HL", 40, 1) + links(4096) + u16(1) + u8(1) + u8(9, 9, 9, 9, 9);
-  auto is = fileWith(bytes);
-  const HLBLOCK block(is);
-  EXPECT_EQ(standsAfter(is, bytes), 0);
+  const auto block = readWhole<HLBLOCK>(bytes);
   EXPECT_EQ(block.getFirstDlblock(), 4096);
   EXPECT_TRUE(block.isEqualLengthFlag());
   EXPECT_EQ(block.getZipType(), DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE);

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <type_traits>
 
 #include "mdf_v4_10.h"
 #include "support/blocks.h"
@@ -12,16 +11,10 @@ using mdf_v4_10::MDF_Block_ID;
 
 namespace {
 
-TEST(MDF_Block_ID, ConstantPartIsTwoNumberSigns) {
-  EXPECT_EQ(MDF_Block_ID::constantPart, 0x2323);
-  EXPECT_TRUE((std::is_same_v<decltype(MDF_Block_ID::constantPart), const std::uint16_t>));
-}
-
 TEST(MDF_Block_ID, JoinsTheTypeToTheConstantPart) {
   EXPECT_EQ(MDF_Block_ID(0x4448).idInternal, 0x44482323U);
   EXPECT_EQ(MDF_Block_ID(0).idInternal, 0x00002323U);
   EXPECT_EQ(MDF_Block_ID(0xFFFF).idInternal, 0xFFFF2323U);
-  EXPECT_TRUE((std::is_same_v<decltype(MDF_Block_ID::idInternal), std::uint32_t>));
 }
 
 TEST(MDF_Block_ID, WritesTheBytesInFileOrder) {

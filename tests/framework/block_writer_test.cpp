@@ -58,6 +58,17 @@ void expectWrites(Put put, const std::string& bytes, const Writes& writes) {
   EXPECT_EQ(os.rdstate(), state_good);
 }
 
+/// The same after a header of 24 bytes.
+template <class Put>
+void expectWritesAfterHeader(Put put, const std::string& bytes, const Writes& writes) {
+  expectWrites(
+      [&](BlockWriter& out) {
+        out.header(hdHeader(), 0);
+        put(out);
+      },
+      header("HD", 0, 0) + bytes, writes);
+}
+
 TEST(BlockWriter, WritesNothingWhenNothingWasPut) {
   expectWrites([](BlockWriter&) {}, "", {});
   expectWrites([](BlockWriter& out) { out.bytes({}); }, "", {});
@@ -121,12 +132,8 @@ TEST(BlockWriter, ListsThatFitTheFrameGoWithIt) {
        {0U, 1U, 2U, 3U, 4U, 7U, 8U, 9U, 15U, 16U, 31U, 100U, 124U, 125U}) {
     SCOPED_TRACE(count);
     const LinkSection links = distinctLinks(count);
-    expectWrites(
-        [&](BlockWriter& out) {
-          out.header(hdHeader(), 0);
-          out.numbers(links);
-        },
-        header("HD", 0, 0) + listed(links), {24 + 8 * count});
+    expectWritesAfterHeader([&](BlockWriter& out) { out.numbers(links); }, listed(links),
+                            {24 + 8 * count});
   }
 }
 
@@ -134,12 +141,8 @@ TEST(BlockWriter, ListsThatDoNotFitTheFrame) {
   for (const std::size_t count : {126U, 253U, 254U, 1000U}) {
     SCOPED_TRACE(count);
     const LinkSection links = distinctLinks(count);
-    expectWrites(
-        [&](BlockWriter& out) {
-          out.header(hdHeader(), 0);
-          out.numbers(links);
-        },
-        header("HD", 0, 0) + listed(links), writesOfLongList(8 * count));
+    expectWritesAfterHeader([&](BlockWriter& out) { out.numbers(links); }, listed(links),
+                            writesOfLongList(8 * count));
   }
 }
 
@@ -156,12 +159,9 @@ TEST(BlockWriter, ColumnsGoInFrames) {
     for (const LINK link : links) {
       pairs.emplace_back(-link, static_cast<UINT64>(link));
     }
-    expectWrites(
-        [&, &all = pairs](BlockWriter& out) {
-          out.header(hdHeader(), 0);
-          out.column(all, &std::pair<LINK, UINT64>::second);
-        },
-        header("HD", 0, 0) + listed(links), writes);
+    expectWritesAfterHeader(
+        [&, &all = pairs](BlockWriter& out) { out.column(all, &std::pair<LINK, UINT64>::second); },
+        listed(links), writes);
   }
 }
 
@@ -195,13 +195,8 @@ TEST(BlockWriter, EntriesOfLinksGoLikeLinks) {
     for (std::size_t i = 0; i < count; ++i) {
       entries.push_back({links[2 * i], links[2 * i + 1]});
     }
-    expectWrites(
-        [&](BlockWriter& out) {
-          out.header(hdHeader(), 0);
-          out.entries(fields, entries);
-        },
-        header("HD", 0, 0) + listed(links),
-        count < 63 ? Writes{24 + 16 * count} : writesOfLongEntries(16 * count));
+    expectWritesAfterHeader([&](BlockWriter& out) { out.entries(fields, entries); }, listed(links),
+                            count < 63 ? Writes{24 + 16 * count} : writesOfLongEntries(16 * count));
   }
 }
 
@@ -217,25 +212,20 @@ TEST(BlockWriter, NumbersThatDoNotFitTheRestOfAFrameStayWhole) {
 TEST(BlockWriter, BytesThatFitTheFrameGoWithIt) {
   for (const std::size_t count : {0U, 1U, 999U, 1000U}) {
     SCOPED_TRACE(count);
-    expectWrites(
-        [&](BlockWriter& out) {
-          out.header(hdHeader(), 0);
-          out.bytes(distinctBytes(count));
-        },
-        header("HD", 0, 0) + text(distinctBytes(count)), {24 + count});
+    expectWritesAfterHeader([&](BlockWriter& out) { out.bytes(distinctBytes(count)); },
+                            text(distinctBytes(count)), {24 + count});
   }
 }
 
 TEST(BlockWriter, BytesThatDoNotFitTheFrameGoStraightFromTheirVector) {
   for (const std::size_t count : {1001U, 1024U, 1025U, 100000U}) {
     SCOPED_TRACE(count);
-    expectWrites(
+    expectWritesAfterHeader(
         [&](BlockWriter& out) {
-          out.header(hdHeader(), 0);
           out.bytes(distinctBytes(count));
           out.number(UINT8{7});
         },
-        header("HD", 0, 0) + text(distinctBytes(count)) + u8(7), {24, count, 1});
+        text(distinctBytes(count)) + u8(7), {24, count, 1});
   }
 }
 

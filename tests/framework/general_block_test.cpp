@@ -102,39 +102,27 @@ TEST(GENERALBLOCK, SeekLeavesAFailedStreamFailedAndWhereItStands) {
   EXPECT_EQ(ifs.tellg(), 7);
 }
 
-TEST(GENERALBLOCK, ReadTakesTheBytesAskedFor) {
-  std::istringstream is("abcdefgh");
-  std::array<char, 4> bytes{};
-  Block::read(is, bytes.data(), bytes.size());
-  EXPECT_EQ(is.rdstate(), state_good);
-  EXPECT_EQ(std::string(bytes.data(), bytes.size()), "abcd");
-  Block::read(is, bytes.data(), bytes.size());
-  EXPECT_EQ(is.rdstate(), state_good);
-  EXPECT_EQ(std::string(bytes.data(), bytes.size()), "efgh");
-}
-
-TEST(GENERALBLOCK, ShortReadTakesWhatComesAndMakesTheStreamExactlyBad) {
-  std::istringstream is("..0123456789");
-  is.ignore(2);
-  std::string bytes(24, '-');
-  Block::read(is, bytes.data(), bytes.size());
-  EXPECT_EQ(is.rdstate(), state_bad);
-  EXPECT_EQ(bytes, "0123456789--------------");
-}
-
-TEST(GENERALBLOCK, ReadFromAFailedStreamMakesItExactlyBad) {
-  std::istringstream is("0123456789");
-  is.setstate(state_eof_fail);
-  std::string bytes(4, '-');
-  Block::read(is, bytes.data(), bytes.size());
-  EXPECT_EQ(is.rdstate(), state_bad);
-  EXPECT_EQ(bytes, "----");
-}
-
-TEST(GENERALBLOCK, ReadOfNothingAtTheEndLeavesTheStreamGood) {
-  std::istringstream is;
-  Block::read(is, nullptr, 0);
-  EXPECT_EQ(is.rdstate(), state_good);
+TEST(GENERALBLOCK, ReadTakesWhatComesAndAShortOneMakesTheStreamExactlyBad) {
+  const struct {
+    std::string stream;
+    std::ios_base::iostate before;
+    std::string bytes;
+    std::ios_base::iostate after;
+  } cases[] = {{"abcdefgh", state_good, "abcd", state_good},
+               {"abcd", state_good, "abcd", state_good},
+               {"ab", state_good, "ab--", state_bad},
+               {"abcd", state_eof_fail, "----", state_bad},
+               {"", state_good, "", state_good}};
+  for (const auto& [stream, before, expected, after] : cases) {
+    SCOPED_TRACE(stream);
+    std::istringstream is(".." + stream);
+    is.ignore(2);
+    is.setstate(before);
+    std::string bytes(expected.size(), '-');
+    Block::read(is, bytes.data(), bytes.size());
+    EXPECT_EQ(is.rdstate(), after);
+    EXPECT_EQ(bytes, expected);
+  }
 }
 
 TEST(GENERALBLOCK, WritesBytesAsTheyAre) {

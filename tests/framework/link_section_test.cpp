@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -14,11 +13,6 @@ using mdf_v4_10::LINK;
 using mdf_v4_10::LinkSection;
 
 namespace {
-
-TEST(LinkSection, IsAVectorOfSignedOffsets) {
-  EXPECT_TRUE((std::is_base_of_v<std::vector<LINK>, LinkSection>));
-  EXPECT_TRUE((std::is_same_v<LinkSection::value_type, std::int64_t>));
-}
 
 TEST(LinkSection, IsMadeFromAVector) {
   std::vector<LINK> offsets{1, 0, -2};
@@ -62,14 +56,6 @@ TEST(LinkSection, WritesEveryLinkInItsOrder) {
 }
 
 TEST(LinkSection, WritesNothingWhenEmpty) { EXPECT_BYTES(written(LinkSection{}), ""); }
-
-TEST(LinkSection, CopiesAreIndependent) {
-  LinkSection links{1, 2};
-  const LinkSection copy = links;
-  links[0] = 9;
-  links.push_back(3);
-  EXPECT_EQ(copy, (LinkSection{1, 2}));
-}
 
 TEST(LinkSection, WriterReturnsTheStream) {
   std::ostringstream os;
