@@ -238,7 +238,7 @@ void Tables::Walk::expectGroups(const DataGroup& data_group) {
       expected.push_back(&group);
     }
   }
-  records_->expect(std::move(expected));
+  records_->expect(std::move(expected), CopyLimits::forFile(file_.size()));
 }
 
 /// The same without values that are in the records.

@@ -45,22 +45,22 @@ Trial tryIdBytes(const DataGroup& data_group, DataStream& data, unsigned id_byte
 RecordFormat::RecordFormat(const DataGroup& data_group, unsigned id_bytes) : id_bytes_(id_bytes) {
   constexpr std::uint64_t is_small = 256;
   if (id_bytes == 0 && data_group.groups.size() == 1) {
-    only_ = &data_group.groups.front();
+    only_ = frameFor(data_group.groups.front());
   }
   for (const ChannelGroup& group : data_group.groups) {
     if (group.record_id >= is_small) {
-      large_ids_.emplace(group.record_id, &group);
+      large_ids_.emplace(group.record_id, frameFor(group));
       continue;
     }
     const auto id = static_cast<std::size_t>(group.record_id);
     small_ids_.resize(std::max(small_ids_.size(), id + 1));
-    small_ids_[id] = small_ids_[id] == nullptr ? &group : small_ids_[id];
+    small_ids_[id] = small_ids_[id].group == nullptr ? frameFor(group) : small_ids_[id];
   }
 }
 
-const ChannelGroup* RecordFormat::groupOfLarge(std::uint64_t id) const {
-  const auto group = large_ids_.find(id);
-  return group == large_ids_.end() ? nullptr : group->second;
+const RecordFormat::Frame& RecordFormat::frameOfLarge(std::uint64_t id) const {
+  const auto frame = large_ids_.find(id);
+  return frame == large_ids_.end() ? none_ : frame->second;
 }
 
 Record RecordFormat::at(DataStream& data, std::uint64_t position) const {
@@ -69,7 +69,7 @@ Record RecordFormat::at(DataStream& data, std::uint64_t position) const {
     return id_bytes.empty() ? Record() : Record{Record::torn, nullptr, {}, position, id_bytes_};
   }
   const std::uint64_t id = loadId(id_bytes.data());
-  const ChannelGroup* const group = groupOf(id);
+  const ChannelGroup* const group = frameOf(id).group;
   if (group == nullptr) {
     return {Record::unknown_id, nullptr, {}, position, id};
   }

@@ -42,26 +42,22 @@ class RecordFormat {
   /// again.
   Record at(DataStream& data, std::uint64_t position) const;
 
-  /// The record that some bytes of the data begin with, where all of it is in them; nothing for
-  /// others.
+  /// The record that some bytes of the data begin with, where all of it is in them; one without a
+  /// group for others.
   /// @param position of the bytes in the data.
-  std::optional<Record> wholeIn(std::string_view bytes, std::uint64_t position) const {
-    const ChannelGroup* const group =
-        bytes.size() < id_bytes_ ? nullptr : groupOf(loadId(bytes.data()));
-    if (group == nullptr) {
-      return std::nullopt;
-    }
+  Record wholeIn(std::string_view bytes, std::uint64_t position) const {
+    const Frame frame = bytes.size() < id_bytes_ ? Frame() : frameOf(loadId(bytes.data()));
     std::size_t head = id_bytes_;
-    std::uint64_t length = group->recordBytes();
-    if (group->holdsVariableLength()) {
+    std::uint64_t length = frame.bytes;
+    if (frame.has_length) {
       head += length_bytes;
       length = bytes.size() < head ? 0 : lengthIn(bytes.data());
     }
-    if (bytes.size() < head || bytes.size() - head < length) {
-      return std::nullopt;
+    if (frame.group == nullptr || bytes.size() < head || bytes.size() - head < length) {
+      return {};
     }
-    return Record{Record::whole, group, bytes.substr(head, static_cast<std::size_t>(length)),
-                  position + head + length, 0};
+    return {Record::whole, frame.group, bytes.substr(head, static_cast<std::size_t>(length)),
+            position + head + length, 0};
   }
 
  private:
@@ -70,6 +66,15 @@ class RecordFormat {
 
   static constexpr std::size_t length_bytes = 4;
 
+  /// What a record id says of the record.
+  struct Frame {
+    const ChannelGroup* group = nullptr;
+    std::uint64_t bytes = 0;  ///< after the id, unless it has a length
+    bool has_length = false;
+  };
+  static Frame frameFor(const ChannelGroup& group) {
+    return {&group, group.recordBytes(), group.holdsVariableLength()};
+  }
   std::uint64_t loadId(const char* bytes) const {
     std::uint64_t id = 0;
     for (std::size_t i = id_bytes_; i-- > 0;) {
@@ -80,18 +85,19 @@ class RecordFormat {
   std::uint64_t lengthIn(const char* record) const {
     return mdf_v4_10::detail::loadLe<std::uint32_t>(record + id_bytes_);
   }
-  const ChannelGroup* groupOf(std::uint64_t id) const {
-    if (only_ != nullptr) {
+  const Frame& frameOf(std::uint64_t id) const {
+    if (only_.group != nullptr) {
       return only_;
     }
-    return id < small_ids_.size() ? small_ids_[static_cast<std::size_t>(id)] : groupOfLarge(id);
+    return id < small_ids_.size() ? small_ids_[static_cast<std::size_t>(id)] : frameOfLarge(id);
   }
-  const ChannelGroup* groupOfLarge(std::uint64_t id) const;
+  const Frame& frameOfLarge(std::uint64_t id) const;
 
   unsigned id_bytes_;
-  const ChannelGroup* only_ = nullptr;  ///< the group of all records without ids
-  std::vector<const ChannelGroup*> small_ids_;
-  std::unordered_map<std::uint64_t, const ChannelGroup*> large_ids_;
+  Frame only_;  ///< of all records without ids
+  Frame none_;  ///< of unknown ids
+  std::vector<Frame> small_ids_;
+  std::unordered_map<std::uint64_t, Frame> large_ids_;
 };
 
 /// Bytes of the record ids of a data group. Of those that its code may stand for they are the ones

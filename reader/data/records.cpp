@@ -49,7 +49,19 @@ std::string firstTypeAt(InputFile& file, DataLink link) {
   return block ? originalType(file, *block) : "";
 }
 
+std::uint64_t multiplied(std::uint64_t bytes, std::uint64_t count) {
+  return bytes > 0 && count > UINT64_MAX / bytes ? UINT64_MAX : bytes * count;
+}
+
 }  // namespace
+
+CopyLimits CopyLimits::forFile(std::uint64_t size) {
+  constexpr std::uint64_t times = 16;
+  constexpr std::uint64_t always = std::uint64_t{1} << 30U;
+  CopyLimits limits{};
+  limits.in_file = WorkBudget(size, times, always).left();
+  return limits;
+}
 
 std::string countProblem(std::uint64_t data_bytes, std::uint64_t records,
                          std::uint64_t record_bytes) {
@@ -463,8 +475,11 @@ void Records::forEachEnd(const std::function<bool(const ChannelGroup&)>& is_want
 std::unique_ptr<RecordCursor> Records::readUnsorted(const ChannelGroup& group) {
   const std::uint64_t there = extentOf(group).count;
   const std::uint64_t most = isLimited(group) ? std::min(group.cycles, there) : there;
-  if (!expected_.empty()) {
-    copyExpected();
+  if (gathered_ && gathered_->has(indexOf(group))) {
+    return gathered_->read(indexOf(group), most);
+  }
+  if (mayCopyFor(group)) {
+    copyExpected(group);
   }
   const auto part = parts_.find(&group);
   if (part == parts_.end()) {
@@ -474,43 +489,72 @@ std::unique_ptr<RecordCursor> Records::readUnsorted(const ChannelGroup& group) {
 }
 
 /// Goes through unsorted data from the beginning, until the visitor ends it: through the records
-/// that stand in memory together, and then the one that goes on elsewhere.
+/// that stand in memory together, and those that go on elsewhere.
 template <class Visit>
 void Records::walk(const Visit& visit) {
   std::uint64_t position = 0;
+  std::string_view bytes;
   while (true) {
-    std::string_view bytes = data_.from(position, 1, SIZE_MAX);
-    for (auto record = format_.wholeIn(bytes, position); record;
-         record = format_.wholeIn(bytes, position)) {
-      if (!visit(*record)) {
-        return;
-      }
-      bytes.remove_prefix(static_cast<std::size_t>(record->next - position));
-      position = record->next;
+    Record record = format_.wholeIn(bytes, position);
+    const bool is_in_memory = record.group != nullptr;
+    if (!is_in_memory) {
+      record = format_.at(data_, position);
     }
-    const Record record = format_.at(data_, position);
     if (record.group == nullptr || !visit(record)) {
       return;
     }
+    bytes = is_in_memory ? bytes.substr(static_cast<std::size_t>(record.next - position))
+                         : data_.from(record.next, 1, SIZE_MAX);
     position = record.next;
   }
 }
 
-/// Copies the records of the groups that will be read, for there may be very many groups, too many
-/// to go through the data for each.
-void Records::copyExpected() {
+/// Gathers the records of the groups that will be read while they are looked through, for there may
+/// be very many groups, too many to go through the data for each. Where they state that they are
+/// too long, that is not tried.
+void Records::gatherExpected() {
+  if (expected_.size() < 2) {
+    return;
+  }
+  WorkBudget room(limits_.in_memory);
+  gathered_ = std::make_unique<GatheredRecords>(extents_.size(), limits_.in_memory);
+  for (const ChannelGroup* const group : expected_) {
+    gathered_->want(indexOf(*group), hostSize(group->recordBytes()));
+    if (!room.spend(multiplied(group->recordBytes(), group->cycles))) {
+      gathered_.reset();
+      return;
+    }
+  }
+}
+
+/// Whether a copy is worth its while. One at a time takes room on the disk.
+bool Records::mayCopyFor(const ChannelGroup& group) const {
+  return copy_.use_count() < 2 && parts_.find(&group) == parts_.end() &&
+         std::find(expected_.begin(), expected_.end(), &group) != expected_.end();
+}
+
+/// Copies the records of a group and of as many others that will be read as there is room for.
+void Records::copyExpected(const ChannelGroup& first) {
+  copy_.reset();
+  parts_.clear();
   std::vector<SortedCopy::Part> parts;
   std::uint64_t missing = 0;
-  for (const ChannelGroup* const group : std::exchange(expected_, {})) {
+  WorkBudget room(limits_.in_file);
+  const auto take = [&](const ChannelGroup* group) {
     const std::uint64_t count = extentOf(*group).count;
-    if (count > 0) {
+    const bool fits = room.take(multiplied(group->recordBytes(), count));
+    if (fits && count > 0) {
       parts_.emplace(group, parts.size());
       parts.push_back({hostSize(group->recordBytes()), count});
       missing += count;
     }
-  }
+    return fits;
+  };
+  take(&first);
+  const auto is_taken = [&](const ChannelGroup* group) { return group == &first || take(group); };
+  expected_.erase(std::remove_if(expected_.begin(), expected_.end(), is_taken), expected_.end());
   if (parts.size() > 1) {
-    copy_ = std::make_unique<SortedCopy>(parts, [this](std::uint64_t bytes) {
+    copy_ = std::make_shared<SortedCopy>(parts, [this](std::uint64_t bytes) {
       report_({Code::bytes_not_read, data_group_.offset,
                "expected a file with sorted records as it was written" + notRead(bytes)});
     });
@@ -539,25 +583,23 @@ void Records::copyRecords(std::uint64_t missing) {
 
 /// Returns what stands after the last whole record.
 Record Records::lookThrough(std::uint64_t& position) {
+  gatherExpected();
   walk([&](const Record& record) {
-    note(record, position);
+    extentOf(*record.group).add(record, position);
+    if (gathered_ && !gathered_->add(indexOf(*record.group), record.bytes)) {
+      gathered_.reset();
+    }
     position = record.next;
     return true;
   });
   return format_.at(data_, position);
 }
 
-void Records::note(const Record& record, std::uint64_t position) {
-  Extent& extent = extentOf(*record.group);
-  extent.first = extent.count == 0 ? position : extent.first;
-  extent.last = position;
-  ++extent.count;
-  if (record.group->holdsVariableLength()) {
-    if (extent.marks.empty() || position - extent.marks.back().position >= mark_distance) {
-      extent.marks.push_back({extent.length, position});
-    }
-    extent.length += 4 + record.bytes.size();
+void Records::Extent::addLength(std::uint64_t bytes, std::uint64_t position) {
+  if (marks.empty() || position - marks.back().position >= mark_distance) {
+    marks.push_back({length, position});
   }
+  length += 4 + bytes;
 }
 
 std::unique_ptr<SignalValues> Records::valuesIn(const ChannelGroup& group) {

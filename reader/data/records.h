@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "data_stream.h"
+#include "gathered_records.h"
 #include "record_format.h"
 #include "record_span.h"
 #include "sorted_copy.h"
@@ -53,8 +54,19 @@ class SignalValues {
 std::unique_ptr<SignalValues> signalDataAt(DataFile& file, DataLink link,
                                            const FindingSink& report);
 
+/// What copies of unsorted records may take at a time. Data that was zipped extremely may be a
+/// thousand times as long as its file, and the disk must not be filled for it.
+struct CopyLimits {
+  std::uint64_t in_memory = std::uint64_t{96} << 20U;  ///< bytes
+  std::uint64_t in_file = 0;                           ///< on the disk
+
+  static CopyLimits forFile(std::uint64_t size);
+};
+
 /// The records of one data group. Sorted data is read as it comes. Unsorted data is read through
-/// once, and a second time for all channel groups that are expected to be read, see SortedCopy.
+/// once, and the channel groups that are expected to be read are gathered in memory meanwhile.
+/// Where they do not fit there, it is read a second time to copy them to a file, and as often as it
+/// takes where they do not fit there either.
 class Records {
  public:
   Records(DataFile& file, const DataGroup& data_group, const FindingSink& report);
@@ -71,9 +83,12 @@ class Records {
   /// the data holds. Nothing where nobody can tell.
   std::optional<std::uint64_t> countOf(const ChannelGroup& group);
 
-  /// Says which channel groups will be read, more than one of them. Unsorted data is gone through
-  /// once for all of these, and once for each other one.
-  void expect(std::vector<const ChannelGroup*> groups) { expected_ = std::move(groups); }
+  /// Says which channel groups with records of fixed length will be read, more than one of them.
+  /// Unsorted data is gone through for all of these at once, and once for each other one.
+  void expect(std::vector<const ChannelGroup*> groups, CopyLimits limits) {
+    expected_ = std::move(groups);
+    limits_ = limits;
+  }
 
   /// Reads the records of a channel group, as many as countOf() says and there are. Groups can be
   /// read side by side, each by one cursor; this object must outlast them.
@@ -114,6 +129,17 @@ class Records {
     std::uint64_t count = 0;
     std::uint64_t length = 0;  ///< of all values
     std::vector<Mark> marks;   ///< for every 16 KiB of data
+
+    void add(const Record& record, std::uint64_t position) {
+      if (count++ == 0) {
+        first = position;
+      }
+      last = position;
+      if (record.group->holdsVariableLength()) {
+        addLength(record.bytes.size(), position);
+      }
+    }
+    void addLength(std::uint64_t bytes, std::uint64_t position);
   };
   class ValueRecords;
   class SortedCursor;
@@ -135,7 +161,9 @@ class Records {
   std::unique_ptr<RecordCursor> readSorted(const ChannelGroup& group);
   std::unique_ptr<RecordCursor> readUnsorted(const ChannelGroup& group);
   void visitSortedEnds(const ChannelGroup& group, const EndVisitor& visit);
-  void copyExpected();
+  void gatherExpected();
+  bool mayCopyFor(const ChannelGroup& group) const;
+  void copyExpected(const ChannelGroup& first);
   void copyRecords(std::uint64_t missing);
   std::size_t indexOf(const ChannelGroup& group) const {
     return static_cast<std::size_t>(&group - data_group_.groups.data());
@@ -144,7 +172,6 @@ class Records {
   template <class Visit>
   void walk(const Visit& visit);
   Record lookThrough(std::uint64_t& position);
-  void note(const Record& record, std::uint64_t position);
 
   DataFile& file_;
   const DataGroup& data_group_;
@@ -152,10 +179,12 @@ class Records {
   FindingSink unzipping_report_;  ///< takes what shows only when invalidation data is unzipped
   DataStream data_;
   RecordFormat format_;
-  std::string first_type_;       ///< of the blocks with the data
-  std::vector<Extent> extents_;  ///< of each channel group
-  std::vector<const ChannelGroup*> expected_;
-  std::unique_ptr<SortedCopy> copy_;
+  std::string first_type_;                     ///< of the blocks with the data
+  std::vector<Extent> extents_;                ///< of each channel group
+  std::vector<const ChannelGroup*> expected_;  ///< and not gathered or copied yet
+  CopyLimits limits_{0, 0};
+  std::unique_ptr<GatheredRecords> gathered_;
+  std::shared_ptr<SortedCopy> copy_;
   std::unordered_map<const ChannelGroup*, std::size_t> parts_;  ///< of the copy
   bool is_examined_ = false;
 };

@@ -5,13 +5,14 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
-#include <numeric>
 #include <utility>
 
 namespace mdf_reader {
 
 namespace {
+
+constexpr std::size_t longest_waiting = std::size_t{1} << 18U;
+constexpr std::size_t all_waiting = std::size_t{48} << 20U;  // bytes of all groups
 
 /// A new file that nobody else sees, and that is gone with its descriptor.
 Descriptor nameless(const std::string& folder) {
@@ -35,19 +36,12 @@ bool writeAt(int file, std::uint64_t offset, std::string_view bytes) {
   return true;
 }
 
-std::uint64_t sizeOf(const std::vector<SortedCopy::Part>& parts) {
-  return std::accumulate(parts.begin(), parts.end(), std::uint64_t{0},
-                         [](std::uint64_t sum, const SortedCopy::Part& part) {
-                           return sum + part.record_bytes * part.records;
-                         });
-}
-
 }  // namespace
 
 class SortedCopy::Cursor : public RecordCursor {
  public:
-  Cursor(const SortedCopy& copy, const Place& place, std::uint64_t count)
-      : copy_(copy), size_(place.record_bytes), begin_(place.begin), count_(count) {}
+  Cursor(std::shared_ptr<const SortedCopy> copy, const Place& place, std::uint64_t count)
+      : copy_(std::move(copy)), size_(place.record_bytes), begin_(place.begin), count_(count) {}
 
   RecordSpan next(std::size_t most) override {
     constexpr std::size_t most_bytes = std::size_t{1} << 18U;
@@ -55,9 +49,9 @@ class SortedCopy::Cursor : public RecordCursor {
     RecordSpan span{nullptr, size_, size_, std::min(most, fit), number_, 1};
     span.count = static_cast<std::size_t>(std::min<std::uint64_t>(span.count, rest()));
     const std::string_view bytes =
-        copy_.bytesAt(begin_ + number_ * size_, span.count * size_, room_);
+        copy_->bytesAt(begin_ + number_ * size_, span.count * size_, room_);
     if (bytes.size() < span.count * size_) {
-      copy_.lost_(rest() * size_);
+      copy_->lost_(rest() * size_);
       count_ = number_;
       return {};
     }
@@ -69,7 +63,7 @@ class SortedCopy::Cursor : public RecordCursor {
   void skip(std::uint64_t count) override { number_ += std::min(count, rest()); }
 
  private:
-  const SortedCopy& copy_;
+  std::shared_ptr<const SortedCopy> copy_;
   std::size_t size_;
   std::uint64_t begin_;
   std::uint64_t count_;
@@ -77,21 +71,16 @@ class SortedCopy::Cursor : public RecordCursor {
   std::string room_;
 };
 
-SortedCopy::SortedCopy(const std::vector<Part>& parts, Lost lost, const std::string& folder,
-                       std::uint64_t most)
-    : lost_(std::move(lost)), file_(sizeOf(parts) <= most ? Descriptor(-1) : nameless(folder)) {
+SortedCopy::SortedCopy(const std::vector<Part>& parts, Lost lost, const std::string& folder)
+    : lost_(std::move(lost)),
+      file_(nameless(folder)),
+      most_waiting_(std::min(longest_waiting, all_waiting / parts.size())),
+      is_whole_(file_.number() >= 0) {
   std::uint64_t end = 0;
   for (const Part& part : parts) {
     const std::uint64_t begin = end;
     end += part.record_bytes * part.records;
     places_.push_back({part.record_bytes, begin, end, begin, {}});
-  }
-  if (end <= most) {
-    memory_.reset(new char[static_cast<std::size_t>(end) + 1]);
-  } else {
-    constexpr std::uint64_t longest = std::uint64_t{1} << 18U;
-    most_waiting_ = static_cast<std::size_t>(std::min(longest, most / 2 / parts.size()));
-    is_whole_ = file_.number() >= 0;
   }
 }
 
@@ -102,10 +91,6 @@ std::string SortedCopy::folderForFiles() {
 
 void SortedCopy::put(Place& place, std::string_view record) {
   place.next += record.size();
-  if (memory_) {
-    std::memcpy(memory_.get() + place.next - record.size(), record.data(), record.size());
-    return;
-  }
   place.waiting += record;
   if (place.waiting.size() > most_waiting_) {
     flush(place);
@@ -130,15 +115,11 @@ std::unique_ptr<RecordCursor> SortedCopy::read(std::size_t part, std::uint64_t m
   const Place& place = places_[part];
   const std::uint64_t there =
       place.record_bytes == 0 ? most : (place.next - place.begin) / place.record_bytes;
-  return std::make_unique<Cursor>(*this, place, std::min(most, there));
+  return std::make_unique<Cursor>(shared_from_this(), place, std::min(most, there));
 }
 
-/// Bytes of the copy, in memory or read into a room for them.
 std::string_view SortedCopy::bytesAt(std::uint64_t offset, std::size_t count,
                                      std::string& room) const {
-  if (memory_) {
-    return {memory_.get() + offset, count};
-  }
   room.resize(count);
   std::size_t done = 0;
   while (done < count) {

@@ -14,10 +14,9 @@
 
 namespace mdf_reader {
 
-/// Records of several channel groups, taken from data where they are mixed and put side by side:
-/// in memory, or where they are too many for that in a file without a name, which takes as much
-/// room on the disk as they do.
-class SortedCopy {
+/// Records of several channel groups, taken from data where they are mixed and put side by side in
+/// a file without a name, which takes as much room on the disk as they do.
+class SortedCopy : public std::enable_shared_from_this<SortedCopy> {
  public:
   /// The records of one group.
   struct Part {
@@ -25,15 +24,12 @@ class SortedCopy {
     std::uint64_t records;
   };
 
-  static constexpr std::uint64_t most_in_memory = std::uint64_t{96} << 20U;
-
   /// Takes the number of bytes that could not be read back from the file.
   using Lost = std::function<void(std::uint64_t bytes)>;
 
   /// @param folder where a file may be made.
-  /// @param most bytes to keep in memory.
   SortedCopy(const std::vector<Part>& parts, Lost lost,
-             const std::string& folder = folderForFiles(), std::uint64_t most = most_in_memory);
+             const std::string& folder = folderForFiles());
 
   /// Adds the next record of a group. What is more than was announced is left out.
   void add(std::size_t part, std::string_view record) {
@@ -46,7 +42,7 @@ class SortedCopy {
   /// Ends the copy; false when there is no room for it.
   bool finish();
 
-  /// Reads the records of a group, as many as were added. The copy must outlast the cursor.
+  /// Reads the records of a group, as many as were added. The copy lasts as long as its cursors.
   std::unique_ptr<RecordCursor> read(std::size_t part, std::uint64_t most);
 
  private:
@@ -67,10 +63,9 @@ class SortedCopy {
 
   Lost lost_;
   std::vector<Place> places_;
-  std::unique_ptr<char[]> memory_;
   Descriptor file_;
-  std::size_t most_waiting_ = 0;
-  bool is_whole_ = true;
+  std::size_t most_waiting_;
+  bool is_whole_;
 };
 
 }  // namespace mdf_reader

@@ -3,8 +3,10 @@
 #include "reader/data/records.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -135,14 +137,14 @@ TEST(RecordFormat, SizesOfRecordIds) {
 }
 
 /// The records of all groups, each with a blank, and a bar at each group's end.
-std::string recordsOf(GroupInFile& file, bool are_expected) {
+std::string recordsOf(GroupInFile& file, const std::optional<CopyLimits>& copies) {
   Records records = file.records();
-  if (are_expected) {
+  if (copies) {
     std::vector<const ChannelGroup*> groups;
     for (const ChannelGroup& group : file.group().groups) {
       groups.push_back(&group);
     }
-    records.expect(groups);
+    records.expect(groups, *copies);
   }
   std::string text;
   for (const ChannelGroup& group : file.group().groups) {
@@ -192,12 +194,67 @@ TEST(Records, AreAsManyAsTheirCountOrTheDataSays) {
   };
   for (std::size_t i = 0; i < cases.size(); ++i) {
     const Case& each = cases[i];
-    for (const bool are_expected : {false, true}) {
+    for (const auto& copies : std::vector<std::optional<CopyLimits>>{
+             std::nullopt, CopyLimits{1000, 0}, CopyLimits{10, 1000}, CopyLimits{0, 0}}) {
       GroupInFile file(each.code, each.groups, each.data, each.unfinished);
-      EXPECT_EQ(recordsOf(file, are_expected), each.records) << i;
+      EXPECT_EQ(recordsOf(file, copies), each.records) << i;
       EXPECT_EQ(file.findings(), each.findings) << i;
     }
   }
+}
+
+/// Bytes of all open files without a name.
+std::uint64_t bytesOfNamelessFiles() {
+  constexpr int most_files = 256;
+  std::uint64_t bytes = 0;
+  for (int number = 0; number < most_files; ++number) {
+    struct stat facts {};
+    if (fstat(number, &facts) == 0 && S_ISREG(facts.st_mode) && facts.st_nlink == 0) {
+      bytes += static_cast<std::uint64_t>(facts.st_size);
+    }
+  }
+  return bytes;
+}
+
+TEST(Records, TakeNoMoreRoomOnTheDiskThanTheyMay) {
+  const std::string data = "\1aa\2bb\3cc\4dddd\1AA\2BB\3CC";
+  GroupInFile file(1, {groupOf(1, 2, 2), groupOf(2, 2, 2), groupOf(3, 2, 2), groupOf(4, 1, 4)},
+                   data);
+  Records records = file.records();
+  std::vector<const ChannelGroup*> groups;
+  for (const ChannelGroup& group : file.group().groups) {
+    groups.push_back(&group);
+  }
+  records.expect(groups, {9, 9});
+  const std::uint64_t before = bytesOfNamelessFiles();
+  std::vector<std::uint64_t> bytes;
+  const auto read = [&](std::size_t group) {
+    auto cursor = records.read(*groups[group]);
+    bytes.push_back(bytesOfNamelessFiles() - before);
+    return cursor;
+  };
+  const auto textOf = [](RecordCursor& cursor) {
+    std::string text;
+    for (RecordSpan span = cursor.next(1); span.count > 0; span = cursor.next(1)) {
+      text += span.at(0);
+    }
+    return text;
+  };
+  auto first = read(0);
+  const auto alone = read(2);
+  EXPECT_EQ(textOf(*first), "aaAA");
+  EXPECT_EQ(textOf(*alone), "ccCC");
+  first.reset();
+  EXPECT_EQ(textOf(*read(2)), "ccCC");
+  EXPECT_EQ(textOf(*read(3)), "dddd");
+  EXPECT_EQ(textOf(*read(1)), "bbBB");
+  EXPECT_EQ(bytes, (std::vector<std::uint64_t>{8, 8, 8, 8, 8}));
+  EXPECT_EQ(file.findings(), "");
+}
+
+TEST(Records, MayTakeMoreRoomForLargeFiles) {
+  EXPECT_EQ(CopyLimits::forFile(1000).in_file, std::uint64_t{1} << 30U);
+  EXPECT_EQ(CopyLimits::forFile(std::uint64_t{1} << 30U).in_file, std::uint64_t{1} << 34U);
 }
 
 TEST(Records, EndWhereTheVisitorWantsNoMore) {
