@@ -41,6 +41,9 @@ class InputFile {
     return file_.read(offset, bytes, count);
   }
 
+  /// Says which few bytes will be read next, and none near them, see PagedFile.
+  void expect(std::uint64_t offset, std::size_t count) { file_.expect(offset, count); }
+
   /// Bytes that have been read so far, see PagedFile.
   std::uint64_t bytesRead() const { return file_.bytesRead(); }
 

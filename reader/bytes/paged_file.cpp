@@ -80,6 +80,14 @@ std::size_t PagedFile::read(std::uint64_t offset, char* bytes, std::size_t count
   return done;
 }
 
+void PagedFile::expect(std::uint64_t offset, std::size_t count) {
+  const std::uint64_t number = offset / page_size;
+  if (isApart(number)) {
+    const auto begin = static_cast<std::size_t>(offset % page_size);
+    loadPart(number, begin, std::min(begin + count, page_size));
+  }
+}
+
 bool PagedFile::isCached(std::uint64_t number) const {
   return pages_[placeOf(number)].number == number;
 }
@@ -109,7 +117,7 @@ void PagedFile::load(std::uint64_t offset, std::size_t wanted) {
   const std::size_t place = placeOf(number);
   const std::size_t before = cachedBefore(number);
   const std::size_t after = cachedAfter(number);
-  if (before + after == 0 && !isCached(number) && wanted <= small_piece) {
+  if (wanted <= small_piece && isApart(number)) {
     loadSome(offset, wanted);
   } else if (before >= after) {
     loadRun(number, std::min(std::max<std::size_t>(before, 1), page_count - place));
@@ -120,6 +128,11 @@ void PagedFile::load(std::uint64_t offset, std::size_t wanted) {
   }
 }
 
+/// Whether a page is leapt to.
+bool PagedFile::isApart(std::uint64_t number) const {
+  return !isCached(number) && cachedBefore(number) + cachedAfter(number) == 0;
+}
+
 /// The part of a page with the wanted bytes, as far as they are in it.
 void PagedFile::loadSome(std::uint64_t offset, std::size_t wanted) {
   const std::uint64_t number = offset / page_size;
@@ -127,6 +140,10 @@ void PagedFile::loadSome(std::uint64_t offset, std::size_t wanted) {
   const std::size_t begin = in_page / small_piece * small_piece;
   const std::size_t end =
       std::min(begin + (in_page - begin + wanted > small_piece ? 2 : 1) * small_piece, page_size);
+  loadPart(number, begin, end);
+}
+
+void PagedFile::loadPart(std::uint64_t number, std::size_t begin, std::size_t end) {
   const std::size_t got = readFile(number * page_size + begin,
                                    bytes_.get() + placeOf(number) * page_size + begin, end - begin);
   pages_[placeOf(number)] = {number, begin, begin + got, false};

@@ -32,6 +32,10 @@ class PagedFile {
   /// Copies up to `count` bytes and returns how many there were. Large pieces pass by the cache.
   std::size_t read(std::uint64_t offset, char* bytes, std::size_t count);
 
+  /// Reads no more than these few bytes ahead of a call that wants them, where the cache has none
+  /// near them.
+  void expect(std::uint64_t offset, std::size_t count);
+
   /// Bytes that have been read from the file so far, counted each time. Other threads may call
   /// this.
   std::uint64_t bytesRead() const { return bytes_read_.load(std::memory_order_relaxed); }
@@ -50,7 +54,9 @@ class PagedFile {
   std::size_t cachedBefore(std::uint64_t number) const;
   std::size_t cachedAfter(std::uint64_t number) const;
   void load(std::uint64_t offset, std::size_t wanted);
+  bool isApart(std::uint64_t number) const;
   void loadSome(std::uint64_t offset, std::size_t wanted);
+  void loadPart(std::uint64_t number, std::size_t begin, std::size_t end);
   void loadRun(std::uint64_t first, std::size_t count);
   std::size_t readFile(std::uint64_t offset, char* bytes, std::size_t count);
 

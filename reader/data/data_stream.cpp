@@ -5,13 +5,19 @@
 #include <utility>
 
 #include "../bytes/input_file.h"
+#include "datablocks/dzblock.h"
 
 namespace mdf_reader {
+
+using mdf_v4_10::DZBLOCK;
 
 namespace {
 
 constexpr std::size_t most_read_ahead = std::size_t{1} << 18U;
 constexpr std::size_t least_read_ahead = std::size_t{1} << 13U;
+
+/// What of a block tells how much data it holds.
+constexpr std::size_t longest_head = DZBLOCK::DZBLOCK_CONSTANT_SIZE;
 
 }  // namespace
 
@@ -34,6 +40,7 @@ bool DataStream::extend() {
   if (!part) {
     return false;
   }
+  file_.bytes().expect(part->data, longest_head);
   const auto block = readRawBlock(file_.bytes(), part->data);
   if (!block || !isDataBlock(*block)) {
     endAt(size_, {Code::link_wrong_type, part->list,

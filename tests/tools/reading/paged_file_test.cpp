@@ -53,6 +53,9 @@ TEST(PagedFile, BytesAreTheSameInAnyOrderAndLength) {
     offset = i % 50 == 0 ? random() % (large + 100)
                          : (i % 100 < 50 ? offset + step : offset - std::min(offset, step));
     const std::size_t count = i % 97 == 0 ? random() % 300000 : random() % 5000;
+    if (i % 11 == 0) {
+      file.expect(offset, random() % 100);
+    }
     const std::string expected =
         offset < bytes.size() ? bytes.substr(static_cast<std::size_t>(offset), count) : "";
     ASSERT_EQ(readText(file, offset, count) == expected, true) << offset << " " << count;
@@ -138,12 +141,19 @@ TEST(PagedFile, SeveralPlacesAreReadInTurnWithFewCalls) {
 TEST(PagedFile, LeapsReadLittle) {
   const TempFile temp;
   std::filesystem::resize_file(temp.path(), std::uint64_t{1} << 33U);
-  PagedFile file = opened(temp.path());
-  const FileReads reads;
-  for (std::uint64_t i = 0; i < 1000; ++i) {
-    readText(file, (i * 7919 % 1000) << 23U, 24);
+  for (const bool are_expected : {false, true}) {
+    PagedFile file = opened(temp.path());
+    const FileReads reads;
+    for (std::uint64_t i = 0; i < 1000; ++i) {
+      const std::uint64_t offset = (i * 7919 % 1000) << 23U;
+      if (are_expected) {
+        file.expect(offset, 24);
+      }
+      readText(file, offset, 24);
+    }
+    EXPECT_EQ(file.bytesRead(), 1000 * (are_expected ? 24U : 512U));
+    EXPECT_LE(reads.bytes(), file.bytesRead() + 100000);
   }
-  EXPECT_LE(reads.bytes(), 1000 * 512U + 100000);
 }
 
 }  // namespace
