@@ -24,12 +24,14 @@ using namespace mdf_v4_10;
 constexpr std::size_t records = 2000000;
 constexpr std::size_t block_records = (std::size_t{1} << 22U) / record_bytes;
 
-/// Loads the columns of records piece by piece, as they are read, and tells the batches of them.
+/// Loads the columns of records as a program does that reads plain data, and tells the batches.
 template <class Take>
-void loadPieces(const char* from, std::size_t count, Columns& columns, const Take& take) {
-  for (std::size_t done = 0; done < count; done += piece) {
-    const std::size_t rows = std::min(piece, count - done);
-    loadMixed(from + done * record_bytes, rows, 0, columns);
+void loadBatches(const char* from, std::size_t count, Columns& columns, const Take& take) {
+  for (std::size_t done = 0; done < count; done += batch) {
+    const std::size_t rows = std::min(batch, count - done);
+    for (std::size_t row = 0; row < rows; row += piece) {
+      loadMixed(from + (done + row) * record_bytes, std::min(piece, rows - row), row, columns);
+    }
     take(columns, rows);
   }
 }
@@ -149,8 +151,8 @@ Sides zippedSides(bool is_transposed) {
         rows.resize(inflated.size());
         transposeBack(inflated, rows);
       }
-      loadPieces((is_transposed ? rows : inflated).data(), block.original / record_bytes, columns,
-                 take);
+      loadBatches((is_transposed ? rows : inflated).data(), block.original / record_bytes, columns,
+                  take);
     }
   };
   return sidesOf(contest);
@@ -199,7 +201,7 @@ Sides mixedSides() {
       }
     }
     for (const std::string& group : sorted) {
-      loadPieces(group.data(), group.size() / record_bytes, columns, take);
+      loadBatches(group.data(), group.size() / record_bytes, columns, take);
     }
   };
   return sidesOf(contest);

@@ -467,6 +467,8 @@ Table::Table(TableHead head, Source source, const Query& query)
   }
   most_at_once_ = std::clamp<std::size_t>(room_for_values / row_bytes, 1, most_at_once);
   at_once_ = has_texts_ ? 1 : most_at_once_;
+  rows_before_ = static_cast<std::size_t>(
+      std::min<std::uint64_t>(head.group->cycles, std::min(batch_rows_, most_bytes / row_bytes)));
   masters_ = ColumnData(head.columns.front().type);
   head_ = std::make_shared<const TableHead>(std::move(head));
   stride_ = hostSize(std::max<std::uint64_t>(1, query.stride));

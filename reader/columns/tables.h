@@ -77,7 +77,7 @@ class Table {
   std::uint64_t end_ = UINT64_MAX;  ///< numbers from here on are not wanted
   std::size_t stride_ = 1;
   std::unique_ptr<Batch> batch_;  ///< null where it was given away
-  std::size_t rows_before_ = 0;   ///< of the batch that was
+  std::size_t rows_before_ = 0;   ///< of the batch that was, or as many as are expected
   bool has_texts_ = false;
   std::size_t most_at_once_ = 1;  ///< records, whose values fit the processor's cache
   std::size_t at_once_ = 1;       ///< the same, by the length of the texts so far

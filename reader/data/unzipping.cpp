@@ -29,7 +29,12 @@ std::string problemOf(const Inflated& inflated, std::uint64_t stated) {
 }
 
 void readStream(InputFile& file, const DataBlock& block, std::string& stream) {
-  stream.resize(static_cast<std::size_t>(block.stored));
+  const auto size = static_cast<std::size_t>(block.stored);
+  if (size > stream.capacity()) {
+    stream = {};
+    stream.reserve(size + size / 8);  // the others of the file are hardly longer
+  }
+  stream.resize(size);
   stream.resize(file.readAt(block.at, stream.data(), stream.size()));
 }
 
