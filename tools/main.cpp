@@ -1,8 +1,10 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <exception>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "commands/command.h"
@@ -35,6 +37,37 @@ std::string wrongCommand(const CLI::App& app, const std::string& before,
              : wrongCommand(*named.front(), before + word + ' ', {words.begin() + 1, words.end()});
 }
 
+struct Command {
+  std::string_view name;
+  void (*add)(CLI::App& app, int& exit_code);
+};
+
+constexpr std::array<Command, 11> commands = {{
+    {"record", mdf_tools::addRecordCommand},
+    {"info", mdf_tools::addInfoCommand},
+    {"list", mdf_tools::addListCommand},
+    {"tree", mdf_tools::addTreeCommand},
+    {"dump", mdf_tools::addDumpCommand},
+    {"check", mdf_tools::addCheckCommand},
+    {"graph", mdf_tools::addGraphCommand},
+    {"export", mdf_tools::addExportCommand},
+    {"plot", mdf_tools::addPlotCommand},
+    {"stats", mdf_tools::addStatsCommand},
+    {"extract", mdf_tools::addExtractCommand},
+}};
+
+/// Adds the command that a word names, or else all: on a small file, the options of the others
+/// would take longer than the work.
+void addCommands(CLI::App& app, std::string_view word, int& exit_code) {
+  const bool is_one = std::any_of(commands.begin(), commands.end(),
+                                  [&](const Command& each) { return each.name == word; });
+  for (const Command& command : commands) {
+    if (!is_one || command.name == word) {
+      command.add(app, exit_code);
+    }
+  }
+}
+
 int complain(const std::string& sentence) {
   std::cerr << "mdf: " << sentence << '\n';
   return mdf_tools::exit_unusable;
@@ -47,18 +80,7 @@ int run(int argc, char** argv) {
   app.footer("Run 'mdf COMMAND --help' for what a command does, with examples.");
 
   int exit_code = mdf_tools::exit_fine;
-  mdf_tools::addRecordCommand(app, exit_code);
-  mdf_tools::addInfoCommand(app, exit_code);
-  mdf_tools::addListCommand(app, exit_code);
-  mdf_tools::addTreeCommand(app, exit_code);
-  mdf_tools::addDumpCommand(app, exit_code);
-  mdf_tools::addCheckCommand(app, exit_code);
-  mdf_tools::addGraphCommand(app, exit_code);
-  mdf_tools::addExportCommand(app, exit_code);
-  mdf_tools::addPlotCommand(app, exit_code);
-  mdf_tools::addStatsCommand(app, exit_code);
-  mdf_tools::addExtractCommand(app, exit_code);
-
+  addCommands(app, argc > 1 ? argv[1] : "", exit_code);
   if (argc > 1 && std::string(argv[1]) == "--complete") {
     mdf_tools::complete(app, {argv + 2, argv + argc}, std::cout);
     return exit_code;

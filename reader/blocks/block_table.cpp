@@ -22,12 +22,17 @@ std::uint32_t BlockTable::add(const BlockEntry& entry) {
   return index;
 }
 
-/// The slot with the block's index, or the empty slot where it belongs.
-std::size_t BlockTable::slotFor(std::uint64_t offset) const {
+/// Where looking for a block begins.
+std::size_t BlockTable::firstSlotFor(std::uint64_t offset) const {
   // Blocks that lie together share cache lines here too. The golden ratio as a factor spreads the
   // groups evenly.
   constexpr std::uint64_t golden_ratio = 0x9E3779B97F4A7C15;
-  auto slot = static_cast<std::size_t>(offset / 256 * golden_ratio >> shift_);
+  return static_cast<std::size_t>(offset / 256 * golden_ratio >> shift_);
+}
+
+/// The slot with the block's index, or the empty slot where it belongs.
+std::size_t BlockTable::slotFor(std::uint64_t offset) const {
+  std::size_t slot = firstSlotFor(offset);
   while (slots_[slot] != none && entries_[slots_[slot]].offset != offset) {
     slot = (slot + 1) & (slots_.size() - 1);
   }
@@ -40,9 +45,8 @@ std::vector<std::uint64_t> BlockTable::offsets() const {
   for (const BlockEntry& entry : entries_) {
     offsets.push_back(entry.offset);
   }
-  if (!std::is_sorted(offsets.begin(), offsets.end())) {
-    std::sort(offsets.begin(), offsets.end());
-  }
+  // Blocks lie in a few runs, one after another in each: merging makes much of that.
+  std::stable_sort(offsets.begin(), offsets.end());
   return offsets;
 }
 
@@ -52,7 +56,12 @@ void BlockTable::grow() {
   slots_.resize(size, none);
   --shift_;
   for (std::uint32_t index = 0; index < this->size(); ++index) {
-    slots_[slotFor(entries_[index].offset)] = index;
+    // All blocks differ, so that the others need not be looked at.
+    std::size_t slot = firstSlotFor(entries_[index].offset);
+    while (slots_[slot] != none) {
+      slot = (slot + 1) & (size - 1);
+    }
+    slots_[slot] = index;
   }
 }
 

@@ -48,6 +48,7 @@ class BlockTable {
   std::uint32_t size() const { return static_cast<std::uint32_t>(entries_.size()); }
 
  private:
+  std::size_t firstSlotFor(std::uint64_t offset) const;
   std::size_t slotFor(std::uint64_t offset) const;
   void grow();
 

@@ -19,6 +19,15 @@ namespace {
 
 static_assert(unsigned{ChannelGroup::has_remote_master} == cg_remote_master);
 
+/// @param was_visited whether there is a block that was visited before; otherwise none of this type
+void reportNoNew(std::uint64_t from, std::uint64_t offset, std::string_view letters,
+                 bool was_visited, const FindingSink& report) {
+  report({was_visited ? Code::chain_endless : Code::link_wrong_type, from,
+          "expected a link to a new block \"##" + std::string(letters) + "\" at " +
+              decimalAndHex(offset) + ", found " +
+              (was_visited ? "one that was visited before" : "none")});
+}
+
 /// Reads the description of a file block by block.
 class DescriptionReader {
  public:
@@ -63,15 +72,10 @@ std::optional<BlockFields> DescriptionReader::follow(std::uint64_t from, std::ui
   if (offset == 0) {
     return std::nullopt;
   }
-  const std::string expected = "expected a link to a new block \"##" + std::string(letters) +
-                               "\" at " + decimalAndHex(offset);
-  if (seen_.contains(offset)) {
-    report_({Code::chain_endless, from, expected + ", found one that was visited before"});
-    return std::nullopt;
-  }
-  auto block = readFields(file_, offset, letters);
+  const bool was_visited = seen_.contains(offset);
+  auto block = was_visited ? std::nullopt : readFields(file_, offset, letters);
   if (!block) {
-    report_({Code::link_wrong_type, from, expected + ", found none"});
+    reportNoNew(from, offset, letters, was_visited, report_);
     return std::nullopt;
   }
   seen_.insert(offset);
@@ -302,10 +306,7 @@ void forEachInChain(InputFile& file, std::uint64_t first, std::string_view lette
   for (std::uint64_t offset = first; offset != 0;) {
     const auto block = readFields(file, offset, letters);
     if (!block || seen.contains(offset)) {
-      report({block ? Code::chain_endless : Code::link_wrong_type, from,
-              "expected a link to a new block \"##" + std::string(letters) + "\" at " +
-                  decimalAndHex(offset) + ", found " +
-                  (block ? "one that was visited before" : "none")});
+      reportNoNew(from, offset, letters, block.has_value(), report);
       return;
     }
     seen.insert(offset);

@@ -1,6 +1,7 @@
 #include "file_summary.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <unordered_map>
 
@@ -110,13 +111,14 @@ void countBlocks(DataFile& data_file, FileSummary& summary, const FindingSink& r
   InputFile& file = data_file.bytes();
   summary.block_bytes = std::min(file.size(), header_block_offset);
   std::uint64_t covered = summary.block_bytes;
+  std::map<std::array<char, 2>, TypeCount> counts;  // names would be made for each block again
   for (const std::uint64_t offset : walkBlocks(file, report).offsets()) {
     const auto block = readRawBlock(file, offset);
     if (!block) {
       break;  // the file has been cut meanwhile
     }
     const std::uint64_t bytes = data_file.endOf(*block) - offset;
-    TypeCount& count = summary.blocks[printable(block->letters())];
+    TypeCount& count = counts[{block->id[2], block->id[3]}];
     ++count.blocks;
     count.bytes += bytes;
     summary.block_bytes += bytes;
@@ -124,6 +126,9 @@ void countBlocks(DataFile& data_file, FileSummary& summary, const FindingSink& r
     covered = std::max(covered, offset + bytes);
   }
   summary.gap_bytes += file.sizeFrom(covered);
+  for (const auto& [letters, count] : counts) {
+    summary.blocks.emplace(printable({letters.data(), letters.size()}), count);
+  }
 }
 
 /// Walking reports links and lengths; what is wrong with the chains in them is for `mdf check`.
