@@ -91,6 +91,13 @@ std::shared_ptr<const ColumnData> timestamps(const ColumnData& seconds, std::int
   return column;
 }
 
+/// Each row with a text of its own.
+std::shared_ptr<const ColumnData> withoutCodes(const ColumnData& coded) {
+  auto column = std::make_shared<ColumnData>(ColumnType::text);
+  column->append(coded, 0, coded.rows());
+  return column;
+}
+
 }  // namespace
 
 void exportBatch(const std::shared_ptr<const Batch>& batch, std::optional<std::int64_t> start,
@@ -101,6 +108,9 @@ void exportBatch(const std::shared_ptr<const Batch>& batch, std::optional<std::i
     if (i == 0 && start) {
       const auto times = timestamps(batch->column(0), *start);
       exportColumn(times, *times, array->children[0]);
+    } else if (batch->column(i).codes() != nullptr) {
+      const auto texts = withoutCodes(batch->column(i));
+      exportColumn(texts, *texts, array->children[i]);
     } else {
       exportColumn(batch, batch->column(i), array->children[i]);
     }

@@ -31,6 +31,24 @@ bool isUnsignedNumber(const RawType& type) {
   return type.isUnsigned() && isInteger(columnTypeOf(type));
 }
 
+constexpr std::size_t known_places = 256;
+
+/// Where a number that was converted is kept. Integers that stand for texts mostly follow one
+/// another, or are flags: neither shall meet.
+template <class Number>
+std::size_t placeOf(Number number) {
+  std::uint64_t bits = 0;
+  if constexpr (std::is_integral_v<Number>) {
+    bits = static_cast<std::uint64_t>(number);
+    bits ^= bits >> 8U;
+  } else {
+    const auto real = static_cast<double>(number);
+    std::memcpy(&bits, &real, sizeof bits);
+    bits = (bits * 0x9E3779B97F4A7C15U) >> 56U;
+  }
+  return static_cast<std::size_t>(bits % known_places);
+}
+
 }  // namespace
 
 Column::Column(std::string name, ColumnSource source, const FindingSink& report)
@@ -211,11 +229,15 @@ void Column::appendValue(const RawType& type, std::string_view bytes, ColumnData
 /// Adds the physical values of the raw ones.
 void Column::appendConverted(ColumnData& to) {
   const bool are_numbers = isNumber(raw_.type());
+  if (are_numbers && to.type() == ColumnType::text) {
+    appendCodes(to);
+    return;
+  }
   for (std::size_t row = 0; row < raw_.rows(); ++row) {
     if (!raw_.isValid(row)) {
       to.addNulls(1);
     } else if (are_numbers) {
-      addResult(resultOf(raw_.real(row)), row, to);
+      addResult(knownOf(raw_.real(row), placeOf(raw_.real(row))).result, row, to);
     } else {
       text_ = raw_.text(row);
       addResult(source_.conversion->of(text_), row, to);
@@ -223,36 +245,77 @@ void Column::appendConverted(ColumnData& to) {
   }
 }
 
-/// Channels whose values have texts have few different ones, most of which are found here again.
-const Conversion::Result& Column::resultOf(double number) {
-  constexpr std::size_t places = 256;
-  if (known_.empty()) {
-    known_.resize(places, {std::numeric_limits<double>::quiet_NaN(), {}});
+/// The same of numbers whose physical values are texts.
+void Column::appendCodes(ColumnData& to) {
+  const bool has_other_table = coded_ != &to || to.textCount() == 0;
+  for (std::size_t i = 0; has_other_table && i < known_.size(); ++i) {
+    known_[i].code = Known::no_code;
   }
-  std::uint64_t bits = 0;
-  std::memcpy(&bits, &number, sizeof bits);
-  Known& known = known_[static_cast<std::size_t>((bits * 0x9E3779B97F4A7C15U) >> 56U)];
+  coded_ = &to;
+  const std::uint32_t none = raw_.nullCount() > 0 ? to.addText("") : 0;
+  codes_.resize(raw_.rows());
+  withNumberType(raw_.type(), [&](auto zero) {
+    const auto* const numbers = raw_.values<decltype(zero)>();
+    for (std::size_t row = 0; row < codes_.size(); ++row) {
+      Known& known = knownOf(static_cast<double>(numbers[row]), placeOf(numbers[row]));
+      codes_[row] = raw_.isValid(row) ? codeOf(known, row, to) : none;
+    }
+  });
+  const std::size_t first_row = to.rows();
+  to.addCodes(codes_.data(), codes_.size());
+  for (std::size_t row = 0; raw_.nullCount() > 0 && row < codes_.size(); ++row) {
+    if (!raw_.isValid(row)) {
+      to.setNull(first_row + row);
+    }
+  }
+}
+
+/// Channels whose values have texts have few different ones, most of which are found here again.
+Column::Known& Column::knownOf(double number, std::size_t place) {
+  if (known_.empty()) {
+    known_.resize(known_places, {std::numeric_limits<double>::quiet_NaN(), {}});
+  }
+  Known& known = known_[place];
   if (known.number != number) {
     known = {number, source_.conversion->of(number, isInteger(raw_.type()))};
   }
-  return known.result;
+  return known;
+}
+
+/// Large integers that differ may be the same number here: what is printed of them has a text each
+/// time.
+std::uint32_t Column::codeOf(Known& known, std::size_t row, ColumnData& to) {
+  if (known.code != Known::no_code) {
+    return known.code;
+  }
+  const std::uint32_t code = to.addText(textOf(known.result, row));
+  if (known.result.kind != Conversion::Result::unchanged) {
+    known.code = code;
+  }
+  return code;
 }
 
 void Column::addResult(const Conversion::Result& result, std::size_t row, ColumnData& to) {
   using Result = Conversion::Result;
   if (to.type() == ColumnType::float64) {
     *to.extend<double>(1) = result.kind == Result::number ? result.real : raw_.real(row);
-  } else if (result.kind == Result::text) {
-    to.add(*result.characters);
   } else {
-    text_.clear();
-    if (result.kind == Result::number) {
-      printNumber(result.real, text_);
-    } else {
-      raw_.print(row, text_);
-    }
-    to.add(text_);
+    to.add(textOf(result, row));
   }
+}
+
+std::string_view Column::textOf(const Conversion::Result& result, std::size_t row) {
+  using Result = Conversion::Result;
+  if (result.kind == Result::text) {
+    return *result.characters;
+  }
+  text_.clear();
+  if (result.kind == Result::number) {
+    printNumber(result.real, text_);
+  } else {
+    raw_.print(row, text_);
+  }
+  return text_;
 }
 
 /// The bytes of the value in the record.

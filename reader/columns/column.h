@@ -53,8 +53,11 @@ class Column {
 
  private:
   struct Known {
+    static constexpr std::uint32_t no_code = UINT32_MAX;
+
     double number;
     Conversion::Result result;
+    std::uint32_t code = no_code;  ///< of its text
   };
 
   ColumnType rawColumnType() const;
@@ -65,8 +68,11 @@ class Column {
   void appendEach(const RecordSpan& records, ColumnData& to);
   void appendValue(const RawType& type, std::string_view bytes, ColumnData& to);
   void appendConverted(ColumnData& to);
-  const Conversion::Result& resultOf(double number);
+  void appendCodes(ColumnData& to);
+  Known& knownOf(double number, std::size_t place);
+  std::uint32_t codeOf(Known& known, std::size_t row, ColumnData& to);
   void addResult(const Conversion::Result& result, std::size_t row, ColumnData& to);
+  std::string_view textOf(const Conversion::Result& result, std::size_t row);
   bool hasInvalidationBit() const;
   bool isValid(std::string_view record) const;
   std::string_view stored(std::string_view record) const;
@@ -88,7 +94,9 @@ class Column {
   ColumnData raw_;               ///< values that wait for their conversion
   std::string text_;             ///< one of them
   std::vector<Known> known_;     ///< numbers that were converted lately
-  std::string gathered_;         ///< records from elsewhere
+  const ColumnData* coded_ = nullptr;  ///< what their codes are of
+  std::vector<std::uint32_t> codes_;   ///< of some rows
+  std::string gathered_;               ///< records from elsewhere
 };
 
 }  // namespace mdf_reader

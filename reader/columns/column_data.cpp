@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <numeric>
 
 namespace mdf_reader {
 
@@ -80,13 +81,49 @@ void ColumnData::clear() {
   null_count_ = 0;
   values_.clear();
   offsets_.resize(1);
+  has_codes_ = false;
+  codes_.clear();
   validity_.clear();
 }
 
 void ColumnData::add(std::string_view text) {
+  if (has_codes_) {
+    const std::uint32_t code = addText(text);
+    addCodes(&code, 1);
+    return;
+  }
   addRows(1);
   std::copy(text.begin(), text.end(), values_.extend(text.size()));
   offsets_.push_back(static_cast<std::int64_t>(values_.size()));
+}
+
+std::uint32_t ColumnData::addText(std::string_view text) {
+  useCodes();
+  const auto code = static_cast<std::uint32_t>(textCount());
+  std::copy(text.begin(), text.end(), values_.extend(text.size()));
+  offsets_.push_back(static_cast<std::int64_t>(values_.size()));
+  return code;
+}
+
+void ColumnData::addCodes(const std::uint32_t* codes, std::size_t count) {
+  useCodes();
+  addRows(count);
+  codes_.insert(codes_.end(), codes, codes + count);
+  std::int64_t bytes = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    bytes += offsets_[codes[i] + 1] - offsets_[codes[i]];
+  }
+  coded_bytes_ += static_cast<std::size_t>(bytes) + count * sizeof(std::int64_t);
+}
+
+/// The texts of rows so far become the first ones of the table.
+void ColumnData::useCodes() {
+  if (!has_codes_) {
+    coded_bytes_ = size();
+    has_codes_ = true;
+    codes_.resize(rows_);
+    std::iota(codes_.begin(), codes_.end(), 0);
+  }
 }
 
 void ColumnData::append(const ColumnData& other, std::size_t begin, std::size_t count) {
@@ -111,6 +148,9 @@ void ColumnData::addNulls(std::size_t count) {
     addRows(count);
     const std::size_t bytes = count * widthOf(type_);
     std::fill_n(values_.extend(bytes), bytes, '\0');
+  } else if (has_codes_) {
+    const std::vector<std::uint32_t> codes(count, addText(""));
+    addCodes(codes.data(), count);
   } else {
     addRows(count);
     offsets_.resize(rows_ + 1, offsets_.back());

@@ -100,7 +100,8 @@ class Buffer {
   std::size_t capacity_ = 0;
 };
 
-/// The values of a column in a batch, side by side, laid out as Apache Arrow has them.
+/// The values of a column in a batch, side by side, laid out as Apache Arrow has them. Texts that a
+/// conversion gives are few as a rule: they form a table of their own, and rows have codes.
 class ColumnData {
  public:
   explicit ColumnData(ColumnType type) : type_(type) {}
@@ -125,10 +126,7 @@ class ColumnData {
   /// The same of all rows.
   std::vector<double> reals() const;
   /// A text, or bytes; "" where there is none.
-  std::string_view text(std::size_t row) const {
-    const auto begin = static_cast<std::size_t>(offsets_[row]);
-    return {values_.data() + begin, static_cast<std::size_t>(offsets_[row + 1]) - begin};
-  }
+  std::string_view text(std::size_t row) const { return textAt(has_codes_ ? codes_[row] : row); }
   /// Appends the value as it is printed: the shortest digits that read back to the same number,
   /// "nan", "inf", "-inf"; text as it is; two hexadecimal digits for each byte; nothing for none.
   void print(std::size_t row, std::string& text) const;
@@ -138,10 +136,21 @@ class ColumnData {
   const std::uint8_t* validity() const { return null_count_ == 0 ? nullptr : validity_.data(); }
   /// The bytes of all values: numbers, or texts that follow one another.
   const char* bytes() const { return values_.data(); }
-  /// Where each text begins among them, and where the last one ends.
+  /// Where each text begins among them, and where the last one ends: those of the rows, or those of
+  /// the table.
   const std::int64_t* offsets() const { return offsets_.data(); }
-  /// Bytes of memory that the values take.
-  std::size_t size() const { return values_.size() + offsets_.size() * sizeof(std::int64_t); }
+  /// Which text of the table each row has; null where each row has a text of its own.
+  const std::uint32_t* codes() const { return has_codes_ ? codes_.data() : nullptr; }
+  /// How many texts there are, in the table or of rows; some may be equal.
+  std::size_t textCount() const { return offsets_.size() - 1; }
+  std::string_view textAt(std::size_t code) const {
+    const auto begin = static_cast<std::size_t>(offsets_[code]);
+    return {values_.data() + begin, static_cast<std::size_t>(offsets_[code + 1]) - begin};
+  }
+  /// Bytes of memory that the values take, if each row has its own.
+  std::size_t size() const {
+    return has_codes_ ? coded_bytes_ : values_.size() + offsets_.size() * sizeof(std::int64_t);
+  }
 
   void clear();
   /// Makes room for the numbers of so many rows.
@@ -162,6 +171,10 @@ class ColumnData {
     return values_.extend(count * widthOf(type_));
   }
   void add(std::string_view text);
+  /// Adds a text to the table, without a row, and returns its code.
+  std::uint32_t addText(std::string_view text);
+  /// Adds rows of texts in the table.
+  void addCodes(const std::uint32_t* codes, std::size_t count);
   /// Adds rows of another column of the same type.
   void append(const ColumnData& other, std::size_t begin, std::size_t count);
   /// Adds rows without a value.
@@ -176,11 +189,16 @@ class ColumnData {
     }
   }
 
+  void useCodes();
+
   ColumnType type_;
   std::size_t rows_ = 0;
   std::size_t null_count_ = 0;
   Buffer values_;
   std::vector<std::int64_t> offsets_{0};
+  bool has_codes_ = false;
+  std::vector<std::uint32_t> codes_;
+  std::size_t coded_bytes_ = 0;
   std::vector<std::uint8_t> validity_;  ///< as long as all are valid, nothing
 };
 

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <future>
 #include <string_view>
+#include <vector>
 
 #include "json_output.h"
 #include "reader/values/text_encoding.h"
@@ -109,12 +110,36 @@ void addField(std::string_view field, std::string& line) {
 
 /// Ends a line, from its beginning on, whose fields have a comma after each.
 void endLine(std::size_t begin, std::string& text) {
-  text.pop_back();
-  if (text.size() == begin) {
-    text += "\"\"";  // an empty line would be the end of the table
+  if (text.size() == begin + 1) {
+    text.insert(begin, "\"\"");  // an empty line would be the end of the table
   }
-  text += '\n';
+  text.back() = '\n';
 }
+
+/// The texts of a column's table as fields, each put in quotes once however many rows have it.
+class CodedFields {
+ public:
+  /// @param rows how many there are. For few rows, or many texts, the fields are not worth it.
+  CodedFields(const ColumnData& column, std::size_t rows) {
+    if (column.codes() == nullptr || column.textCount() > rows / 2) {
+      return;
+    }
+    ends_.push_back(0);
+    for (std::size_t code = 0; code < column.textCount(); ++code) {
+      addField(column.textAt(code), fields_);
+      ends_.push_back(fields_.size());
+    }
+  }
+
+  bool areMade() const { return !ends_.empty(); }
+  std::string_view at(std::uint32_t code) const {
+    return {fields_.data() + ends_[code], ends_[code + 1] - ends_[code]};
+  }
+
+ private:
+  std::string fields_;
+  std::vector<std::size_t> ends_;
+};
 
 }  // namespace
 
@@ -148,11 +173,17 @@ void CsvWriter::begin(const TableHead& table, std::string& text) {
 
 void CsvWriter::addRows(const Batch& batch, std::size_t begin, std::size_t end,
                         std::string& text) const {
+  std::vector<CodedFields> coded;
+  for (std::size_t i = 0; i < batch.columnCount(); ++i) {
+    coded.emplace_back(batch.column(i), end - begin);
+  }
   for (std::size_t row = begin; row < end; ++row) {
     const std::size_t line = text.size();
     for (std::size_t i = 0; i < batch.columnCount(); ++i) {
       const ColumnData& column = batch.column(i);
-      if (column.type() == ColumnType::text && column.isValid(row)) {
+      if (coded[i].areMade() && column.isValid(row)) {
+        text += coded[i].at(column.codes()[row]);
+      } else if (column.type() == ColumnType::text && column.isValid(row)) {
         addField(column.text(row), text);
       } else {
         form_.print(batch, i, row, text);

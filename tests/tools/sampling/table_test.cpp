@@ -401,6 +401,50 @@ TEST(Table, ValuesOutsideTheRecord) {
                 "expected the value inside the record's 2 bytes, found byte 1 and 16 bits");
 }
 
+/// Texts that a conversion gives, the number 9 that has none, and some rows without a value.
+FileBuilder stateFile() {
+  FileBuilder file;
+  ChannelSpec state = number("state", 0, 0, 8);
+  state.flags = 2;
+  state.invalidation_bit = 0;
+  state.conversion = file.addConversion(
+      {7, {file.text("on, off"), file.text("say \"x\""), file.text(""), 0}, {1, 2, 3}});
+  const std::string records = Bytes()
+                                  .u8s({1, 0, 2, 0, 3, 0, 9, 0, 2, 1, 1, 0, 1, 0, 1, 0})
+                                  .u8s({2, 0, 2, 0, 3, 0, 9, 0, 9, 1, 3, 0, 2, 0, 1, 0});
+  file.addDataGroup({file.addChannelGroup({16, 1, 1}, {file.addChannel(state)})},
+                    file.addData(records));
+  return file;
+}
+
+TEST(Table, TextsOfAConversionAsCsv) {
+  EXPECT_EQ(healthyCsvOf(stateFile().bytes()),
+            "state\n\"on, off\"\n\"say \"\"x\"\"\"\n\"\"\n9\n\"\"\n\"on, off\"\n\"on, off\"\n"
+            "\"on, off\"\n\"say \"\"x\"\"\"\n\"say \"\"x\"\"\"\n\"\"\n9\n\"\"\n\"\"\n"
+            "\"say \"\"x\"\"\"\n\"on, off\"\n");
+}
+
+TEST(Table, TextsOfAConversionStandInATable) {
+  const TempFile path(stateFile().bytes());
+  mdf_reader::InputFile file(path.path());
+  const Query query;
+  const mdf_reader::FindingSink report = [](const mdf_reader::Finding& /*finding*/) {};
+  mdf_reader::Tables tables(file, query, report, [](const std::string& /*note*/) {});
+  const mdf_reader::Batch* const batch = tables.next()->next();
+  ASSERT_NE(batch, nullptr);
+  const mdf_reader::ColumnData& column = batch->column(0);
+  std::string rows;
+  for (std::size_t row = 0; row < batch->rows(); ++row) {
+    EXPECT_EQ(column.text(row), column.textAt(column.codes()[row]));
+    rows += column.isValid(row) ? std::string(column.text(row)) + '|' : "none|";
+  }
+  EXPECT_EQ(rows,
+            "on, off|say \"x\"||9|none|on, off|on, off|on, off|say \"x\"|say \"x\"||9|none||"
+            "say \"x\"|on, off|");
+  EXPECT_EQ(column.nullCount(), 2U);
+  EXPECT_LT(column.textCount(), column.rows());
+}
+
 TEST(Table, PatternsSelectChannels) {
   FileBuilder file = timedFile(2, timedRecords(2));
   file.addSortedGroup({1, 1}, {firstByte("other")}, file.addData("A"));
