@@ -404,7 +404,7 @@ TEST(Table, ValuesOutsideTheRecord) {
 /// Texts that a conversion gives, the number 9 that has none, and some rows without a value.
 FileBuilder stateFile() {
   FileBuilder file;
-  ChannelSpec state = number("state", 0, 0, 8);
+  ChannelSpec state = channelOf("state", 0, 0, 8);
   state.flags = 2;
   state.invalidation_bit = 0;
   state.conversion = file.addConversion(
