@@ -23,7 +23,7 @@ std::string_view upTo(std::string_view text, std::size_t bytes);
 /// document can hold is left out.
 std::string xmlText(std::string_view text);
 
-/// <name>text</name>
+/// A text between the tags of a name.
 std::string xmlElement(std::string_view name, std::string_view text);
 
 using Properties = std::vector<std::pair<std::string, std::string>>;
@@ -31,7 +31,7 @@ using Properties = std::vector<std::pair<std::string, std::string>>;
 /// Named properties in XML; empty when there are none.
 std::string xmlProperties(const Properties& properties);
 
-/// The comment of a block in XML, such as <HDcomment>, around its content.
+/// The comment of a block in XML, such as HDcomment, around its content.
 std::string xmlComment(std::string_view name, std::string_view content);
 
 }  // namespace mdf_writer
