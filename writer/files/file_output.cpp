@@ -1,4 +1,5 @@
-// Offsets beyond 2 GiB on 32-bit machines.
+// Offsets beyond 2 GiB on 32-bit machines, with any build system and none.
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 #define _FILE_OFFSET_BITS 64
 
 #include "file_output.h"
@@ -9,8 +10,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <memory>
 #include <system_error>
-#include <utility>
 
 namespace mdf_writer {
 
@@ -25,18 +26,13 @@ std::string folderOf(const std::string& path) {
 
 /// The file that a symbolic link leads to, or the path as it is.
 std::string withoutLinks(const std::string& path) {
-  char* const resolved = realpath(path.c_str(), nullptr);
-  if (resolved == nullptr) {
-    return path;
-  }
-  std::string result = resolved;
-  free(resolved);
-  return result;
+  const std::unique_ptr<char, void (*)(void*)> resolved(realpath(path.c_str(), nullptr), &free);
+  return resolved == nullptr ? path : std::string(resolved.get());
 }
 
 }  // namespace
 
-FileOutput::FileOutput(std::string path, Existing existing)
+FileOutput::FileOutput(const std::string& path, Existing existing)
     : path_(withoutLinks(path)), existing_(existing) {
   struct stat status {};
   const bool is_there = stat(path_.c_str(), &status) == 0;

@@ -16,7 +16,7 @@ enum class Existing { keep, replace };
 class FileOutput : public Output {
  public:
   /// Where the file cannot be made, isOpen() is false, and cause() says why.
-  FileOutput(std::string path, Existing existing);
+  FileOutput(const std::string& path, Existing existing);
 
   /// Writes to what is open already, such as standard output, and does not close it.
   explicit FileOutput(int descriptor);

@@ -183,22 +183,23 @@ Conversion rangeTexts(std::vector<RangeEntry<std::string>> entries, const std::s
   return conversion;
 }
 
-Conversion textNumbers(std::vector<std::pair<std::string, double>> entries, double otherwise) {
+Conversion textNumbers(const std::vector<std::pair<std::string, double>>& entries,
+                       double otherwise) {
   Conversion conversion = made(CCBLOCK::CC_CONVTYPE_TEXT2VTAB);
-  for (auto& [text, number] : entries) {
-    conversion.texts.push_back(std::move(text));
+  for (const auto& [text, number] : entries) {
+    conversion.texts.push_back(text);
     conversion.numbers.push_back(number);
   }
   conversion.numbers.push_back(otherwise);
   return conversion;
 }
 
-Conversion textTexts(std::vector<std::pair<std::string, std::string>> entries,
+Conversion textTexts(const std::vector<std::pair<std::string, std::string>>& entries,
                      const std::string& otherwise) {
   Conversion conversion = made(CCBLOCK::CC_CONVTYPE_TEXT2TEXTTAB);
-  for (auto& [text, result] : entries) {
-    conversion.texts.push_back(std::move(text));
-    conversion.texts.push_back(std::move(result));
+  for (const auto& [text, result] : entries) {
+    conversion.texts.push_back(text);
+    conversion.texts.push_back(result);
   }
   conversion.texts.push_back(otherwise);
   return conversion;

@@ -56,10 +56,11 @@ Conversion texts(std::vector<std::pair<double, std::string>> entries, const std:
 Conversion rangeTexts(std::vector<RangeEntry<std::string>> entries, const std::string& otherwise);
 
 /// Numbers for stored texts.
-Conversion textNumbers(std::vector<std::pair<std::string, double>> entries, double otherwise);
+Conversion textNumbers(const std::vector<std::pair<std::string, double>>& entries,
+                       double otherwise);
 
 /// Texts for stored texts. Others become `otherwise`; where that is empty, they stay what they are.
-Conversion textTexts(std::vector<std::pair<std::string, std::string>> entries,
+Conversion textTexts(const std::vector<std::pair<std::string, std::string>>& entries,
                      const std::string& otherwise);
 
 /// What is wrong with a conversion, as the end of a sentence, such as "has a range that ends before

@@ -32,7 +32,7 @@ Group& Plan::addGroup(std::string name, Group::Order order) {
 
 std::string Plan::fault() const {
   for (const Group& group : groups_) {
-    const std::string fault = group.fault();
+    std::string fault = group.fault();
     if (!fault.empty()) {
       return fault;
     }
