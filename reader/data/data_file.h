@@ -11,6 +11,7 @@
 #include "../blocks/raw_block.h"
 #include "../bytes/work_budget.h"
 #include "../model/description.h"
+#include "unzipping.h"
 
 namespace mdf_reader {
 
@@ -25,6 +26,7 @@ class DataFile {
 
   InputFile& bytes() { return file_; }
   std::size_t threads() const { return threads_; }
+  RoomAhead& roomAhead() { return room_ahead_; }
   const Identification& identification() const { return id_; }
   bool isUnfinished() const { return id_.isUnfinished(); }
 
@@ -54,6 +56,7 @@ class DataFile {
 
   InputFile& file_;
   std::size_t threads_;
+  RoomAhead room_ahead_;
   Identification id_;
   std::vector<std::uint64_t> blocks_;          ///< once they were looked for, ascending
   std::map<std::string, std::uint64_t> last_;  ///< of the types of data, by their letters

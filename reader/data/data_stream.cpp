@@ -28,7 +28,7 @@ DataStream::DataStream(DataFile& file, DataLink link, Access access, const Findi
       access_(access),
       links_(file.bytes(), link, report),
       budget_(file.bytes().size()),
-      unzipper_(file.bytes(), access == Access::forward ? file.threads() : 1) {
+      unzipper_(file.bytes(), access == Access::forward ? file.threads() : 1, file.roomAhead()) {
   if (!links_.isInLists()) {
     extend();
   }

@@ -20,9 +20,9 @@ namespace mdf_reader {
 /// The bytes that a link to data leads to, as if they stood in one piece: in one block, or in those
 /// of data lists, zipped or not. Blocks are looked up only as far as they are needed.
 ///
-/// It holds a window of the data or the last unzipped block in memory, up to 32 MiB of blocks that
-/// are unzipped ahead, and 16 bytes for each block. What is wrong is reported, and the stream ends
-/// where it cannot go on.
+/// It holds a window of the data or the last unzipped block in memory, blocks that are unzipped
+/// ahead, up to 32 MiB of all streams of the file, and 16 bytes for each block. What is wrong is
+/// reported, and the stream ends where it cannot go on.
 class DataStream {
  public:
   enum class Access {

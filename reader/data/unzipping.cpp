@@ -11,7 +11,6 @@ namespace mdf_reader {
 namespace {
 
 constexpr std::uint64_t worth_a_thread = std::uint64_t{1} << 16U;
-constexpr std::uint64_t most_ahead = std::uint64_t{1} << 25U;
 
 std::string problemOf(const Inflated& inflated, std::uint64_t stated) {
   switch (inflated.state) {
@@ -56,9 +55,15 @@ Unzipped unzip(const std::string& stream, const DataBlock& block, std::string ro
 
 }  // namespace
 
+UnzipperAhead::~UnzipperAhead() {
+  while (!pending_.empty()) {
+    takeFirst();
+  }
+}
+
 bool UnzipperAhead::hasRoomFor(const DataBlock& block) const {
   return threads_ > 1 && pending_.size() < threads_ && block.original >= worth_a_thread &&
-         bytes_ + block.original <= most_ahead;
+         block.original <= room_.bytes;
 }
 
 void UnzipperAhead::begin(const DataBlock& block) {
@@ -70,17 +75,22 @@ void UnzipperAhead::begin(const DataBlock& block) {
   };
   try {
     pending_.push_back({block.at, block.original, std::async(std::launch::async, work)});
-    bytes_ += block.original;
+    room_.bytes -= block.original;
   } catch (const std::system_error&) {
     threads_ = 1;  // there are no more threads to be had: the caller's own does it
   }
 }
 
+UnzipperAhead::Pending UnzipperAhead::takeFirst() {
+  Pending first = std::move(pending_.front());
+  pending_.pop_front();
+  room_.bytes += first.size;
+  return first;
+}
+
 Unzipped UnzipperAhead::take(const DataBlock& block, std::string room) {
   while (!pending_.empty()) {
-    Pending first = std::move(pending_.front());
-    pending_.pop_front();
-    bytes_ -= first.size;
+    Pending first = takeFirst();
     if (first.at == block.at) {
       return first.data.get();
     }

@@ -21,12 +21,22 @@ struct Unzipped {
   std::string problem;  ///< a sentence, "" for none
 };
 
+/// Memory for what is unzipped ahead, shared by all who read a file side by side.
+struct RoomAhead {
+  std::uint64_t bytes = std::uint64_t{1} << 25U;
+};
+
 /// Unzips blocks on other cores while their reader is at work on those before. The file is read by
 /// the caller's thread alone.
 class UnzipperAhead {
  public:
   /// @param threads how many may be at work; with one, nothing is done ahead.
-  UnzipperAhead(InputFile& file, std::size_t threads) : file_(file), threads_(threads) {}
+  /// @param room must outlast it.
+  UnzipperAhead(InputFile& file, std::size_t threads, RoomAhead& room)
+      : file_(file), threads_(threads), room_(room) {}
+  ~UnzipperAhead();
+  UnzipperAhead(const UnzipperAhead&) = delete;
+  UnzipperAhead& operator=(const UnzipperAhead&) = delete;
 
   /// Whether one more block may be begun with.
   bool hasRoomFor(const DataBlock& block) const;
@@ -45,9 +55,11 @@ class UnzipperAhead {
     std::future<Unzipped> data;
   };
 
+  Pending takeFirst();
+
   InputFile& file_;
   std::size_t threads_;
-  std::uint64_t bytes_ = 0;  ///< of all that are pending
+  RoomAhead& room_;
   std::deque<Pending> pending_;
   std::string stream_;
   std::string columns_;

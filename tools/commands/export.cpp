@@ -336,10 +336,8 @@ int writeTables(const Request& request, const FileContext& context, Destination&
 /// Writes the one table of one file that is on a time base; returns the exit code.
 int writeJoinedTable(const Request& request, const FileContext& context, Destination& destination) {
   const NoteSink note = notesOf(context);
-  Query query = *request.query;
-  query.threads = 1;  // what many groups unzip ahead would take much memory
-  Tables tables(context.file, query, context.report, note);
-  JoinedTable table(tables, query, *request.on_time, note);
+  Tables tables(context.file, *request.query, context.report, note);
+  JoinedTable table(tables, *request.query, *request.on_time, note);
   if (!table.problem().empty()) {
     context.say(table.problem());
     return exit_problem;

@@ -107,6 +107,29 @@ TEST(DataStream, BlocksThatAreUnzippedAhead) {
   }
 }
 
+TEST(DataStream, StreamsShareTheRoomForWhatIsUnzippedAhead) {
+  FileBuilder builder;
+  std::vector<std::uint64_t> blocks;
+  const std::string all = addLongBlocks(builder, blocks);
+  const DataLink link{FileBuilder::header, addList(builder, blocks)};
+  const TempFile path(builder.bytes());
+  InputFile input(path.path());
+  DataFile file(input, 3);
+  file.roomAhead().bytes = 150000;
+  const FindingSink none = [](const Finding& finding) { ADD_FAILURE() << finding.sentence; };
+  {
+    DataStream one(file, link, DataStream::Access::forward, none);
+    DataStream other(file, link, DataStream::Access::forward, none);
+    EXPECT_EQ(one.size(), other.size());
+    for (const std::size_t offset : {0U, 70000U, 140000U}) {
+      EXPECT_EQ(one.at(offset, 9), all.substr(offset, 9));
+      EXPECT_EQ(other.at(offset, 9), all.substr(offset, 9));
+    }
+    EXPECT_EQ(file.roomAhead().bytes, 80000U);
+  }
+  EXPECT_EQ(file.roomAhead().bytes, 150000U);
+}
+
 TEST(DataStream, BlocksAheadThatAreDamaged) {
   FileBuilder file;
   std::vector<std::uint64_t> blocks;
