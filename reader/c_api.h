@@ -124,6 +124,7 @@ void mdf_free(char* text);
  * |------------|---------|
  * | channels   | array of names or patterns as for file names: "speed*"; all channels without it |
  * | group      | number of the channel group, or a pattern of its name |
+ * | element    | of an array whose elements have records of their own, the one with this number |
  * | from, to   | limits of the master channel's values |
  * | first      | so many records, the group's first ones |
  * | last       | the same of its last ones |

@@ -92,7 +92,11 @@ std::string shown(const TableHead& head) {
   if (heads.size() > most_shown) {
     text += ", ...";
   }
-  throw WrongQuery(text + "; choose one by \"group\"");
+  const auto is_first = [&](const TableHead& head) {
+    return head.group->index == heads.front().group->index;
+  };
+  const bool are_elements = std::all_of(heads.begin(), heads.end(), is_first);
+  throw WrongQuery(text + "; choose one by " + (are_elements ? "\"element\"" : "\"group\""));
 }
 
 /// Refuses names that no channel has, in one channel group or in all.

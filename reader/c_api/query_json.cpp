@@ -44,6 +44,13 @@ std::string groupFrom(const std::string& name, const Json& value) {
   return value.get<std::string>();
 }
 
+std::uint64_t elementFrom(const std::string& name, const Json& value) {
+  if (!value.is_number_unsigned()) {
+    refuse(name, "a number from 0 on", value);
+  }
+  return value.get<std::uint64_t>();
+}
+
 double numberFrom(const std::string& name, const Json& value) {
   if (!value.is_number()) {
     refuse(name, "a number", value);
@@ -86,6 +93,8 @@ void takeMember(const std::string& name, const Json& value, QueryText& text) {
     query.channels = namesFrom(name, value);
   } else if (name == "group") {
     query.group = groupFrom(name, value);
+  } else if (name == "element") {
+    query.element = elementFrom(name, value);
   } else if (name == "from") {
     query.from = numberFrom(name, value);
   } else if (name == "to") {
@@ -108,9 +117,10 @@ void takeMember(const std::string& name, const Json& value, QueryText& text) {
     text.has_timestamps = areTimestamps(name, value);
   } else {
     throw WrongQuery(
-        "expected members \"channels\", \"group\", \"from\", \"to\", \"first\", \"last\", "
-        "\"stride\", \"raw\", \"numbers\", \"batch_rows\", \"threads\" and \"times\" in the query, "
-        "found \"" +
+        "expected members \"channels\", \"group\", \"element\", \"from\", \"to\", \"first\", "
+        "\"last\", \"stride\", \"raw\", \"numbers\", \"batch_rows\", \"threads\" and \"times\" in "
+        "the "
+        "query, found \"" +
         printable(name, Harmless::utf8, shown_text) + '"');
   }
 }

@@ -25,6 +25,9 @@ struct Query {
   std::uint64_t stride = 1;        ///< of those, the first one and each so many-th after it
   std::size_t batch_rows = 65536;  ///< the most rows of a batch
   std::size_t threads = 0;         ///< that unzip data; 0 for as many as there are cores
+  /// Of arrays whose elements have records of their own, this one, counted from 0, and no other
+  /// channel groups.
+  std::optional<std::uint64_t> element = std::nullopt;
 };
 
 }  // namespace mdf_reader

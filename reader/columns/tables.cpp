@@ -100,6 +100,7 @@ class Tables::Walk {
   void examineWhatIsNoTable(const DataGroup& data_group);
   bool haveDataOfTheirOwn(const DataGroup& data_group);
   void examineGroup(const ChannelGroup& group);
+  bool isQueried(const ChannelGroup& group) const;
   bool isWanted(const ChannelGroup& group) const;
   bool isBase(const ChannelGroup& group) const { return &group == base_; }
   bool isLimited() const { return !are_beside_ && (query_.from || query_.to); }
@@ -210,7 +211,7 @@ void Tables::Walk::begin() {
 /// Data that makes no table is read all the same when everything is wanted: what cannot be read of
 /// it must not go unsaid.
 void Tables::Walk::examineWhatIsNoTable(const DataGroup& data_group) {
-  if (query_.channels.empty() && query_.group.empty()) {
+  if (query_.channels.empty() && query_.group.empty() && !query_.element) {
     makeRecords(data_group);
     records_->examine();
   }
@@ -307,8 +308,12 @@ bool Tables::Walk::haveDataOfTheirOwn(const DataGroup& data_group) {
   return false;
 }
 
+bool Tables::Walk::isQueried(const ChannelGroup& group) const {
+  return isChosen(group, query_.group) && (!query_.element || query_.element == group.element);
+}
+
 bool Tables::Walk::isWanted(const ChannelGroup& group) const {
-  return !group.holdsVariableLength() && (isBase(group) || isChosen(group, query_.group));
+  return !group.holdsVariableLength() && (isBase(group) || isQueried(group));
 }
 
 /// The wanted columns of a group, after its own master channel's; none when no channel is wanted,
@@ -333,7 +338,7 @@ std::vector<ColumnPlan> Tables::Walk::plansOf(const ChannelGroup& group,
 
 /// Whether any of a group's columns are wanted.
 bool Tables::Walk::fitsAny(const ChannelGroup& group, const std::vector<ColumnPlan>& plans) {
-  return isChosen(group, query_.group) &&
+  return isQueried(group) &&
          std::any_of(plans.begin(), plans.end(),
                      [this](const ColumnPlan& plan) { return patterns_.fit(plan); });
 }

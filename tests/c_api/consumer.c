@@ -350,15 +350,17 @@ static void refusesQueries(const char* folder) {
       {"{\"to\": 1e999}",
        "expected numbers in the query that 64 bits can hold, found a larger one"},
       {"{\"chanels\": []}",
-       "expected members \"channels\", \"group\", \"from\", \"to\", \"first\", \"last\", "
-       "\"stride\", \"raw\", \"numbers\", \"batch_rows\", \"threads\" and \"times\" in the query, "
-       "found "
-       "\"chanels\""},
+       "expected members \"channels\", \"group\", \"element\", \"from\", \"to\", \"first\", "
+       "\"last\", \"stride\", \"raw\", \"numbers\", \"batch_rows\", \"threads\" and \"times\" in "
+       "the "
+       "query, found \"chanels\""},
       {"{\"channels\": \"rpm\"}",
        "expected \"channels\" of the query to be an array of names, found \"rpm\""},
       {"{\"channels\": [\"rpm\", 1]}",
        "expected \"channels\" of the query to be an array of names, found [\"rpm\",1]"},
       {"{\"group\": -1}", "expected \"group\" of the query to be a number or a name, found -1"},
+      {"{\"element\": \"0\"}",
+       "expected \"element\" of the query to be a number from 0 on, found \"0\""},
       {"{\"from\": \"1\"}", "expected \"from\" of the query to be a number, found \"1\""},
       {"{\"raw\": 1}", "expected \"raw\" of the query to be true or false, found 1"},
       {"{\"batch_rows\": 0}",
@@ -394,6 +396,21 @@ static void refusesQueries(const char* folder) {
   file = opened(folder, timeless_file);
   expectRefusal(__LINE__, file, "{\"group\": 0, \"times\": \"timestamps\"}",
                 "the file does not state when it starts, so there are no timestamps");
+  mdf_close(file);
+}
+
+static void readsAnElement(const char* folder) {
+  mdf_file* file = opened(folder, array_file);
+  expectStream(__LINE__, file, "{\"element\": 1}",
+               "+s \"\" 0\n"
+               "C v[1] 2\n"
+               "C last 2\n"
+               "66;98\n"
+               "nulls 0 0\n");
+  expectRefusal(__LINE__, file, "{\"group\": 0}",
+                "expected channels of one channel group, found them in 0 element 0, 0 element 1; "
+                "choose one by \"element\"");
+  expectRefusal(__LINE__, file, "{\"element\": 2}", "no channel group fits the query");
   mdf_close(file);
 }
 
@@ -474,6 +491,7 @@ int main(int argc, char** argv) {
   readsTimestamps(argv[1]);
   movesAndOutlives(argv[1]);
   releasesInTheMiddle(argv[1]);
+  readsAnElement(argv[1]);
   refusesQueries(argv[1]);
   refusesFiles(argv[1]);
   describes(argv[1]);

@@ -41,9 +41,27 @@ std::vector<ChannelSpec> engineChannels(FileBuilder& file) {
   return {timeChannel(), rpm, gear, oil, state, channelOf("note", 7, 16, 32), key};
 }
 
+/// An array of one byte, and a channel in the next one.
+std::string arrayFile() {
+  const Bytes array = Bytes().u8(0).u8(1).u16(1).u32(0).u32(0).u32(0).u64(2).u64(2).u64(1);
+  FileBuilder file;
+  ChannelSpec element{0, 0, 0, 0, 0, 8};
+  element.name = "v";
+  element.composition = file.add("CA", {0}, array);
+  ChannelSpec last{0, 0, 0, 0, 1, 8};
+  last.name = "last";
+  const std::uint64_t group =
+      file.addChannelGroup({2, 2, 0, 1}, {file.addChannel(element), file.addChannel(last)});
+  file.addDataGroup({group}, file.addData("\1Aa\2Bb\1Cc"), 1);
+  return file.bytes();
+}
+
 std::string bytesOf(TestFile which) {
   if (which == no_file_of_mdf) {
     return "time;rpm\n0;800\n";
+  }
+  if (which == array_file) {
+    return arrayFile();
   }
   FileBuilder file;
   if (which != timeless_file) {

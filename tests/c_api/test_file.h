@@ -10,6 +10,7 @@ enum TestFile {
   torn_file,       /* the engine's last record is cut */
   local_time_file, /* it begins at a time without a zone */
   timeless_file,   /* it does not say when it begins */
+  array_file,      /* the two elements of its array have records of their own */
   no_file_of_mdf
 };
 

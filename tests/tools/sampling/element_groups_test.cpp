@@ -70,6 +70,19 @@ TEST(SplitElements, JsonLinesTellTheElement) {
             "\n");
 }
 
+TEST(SplitElements, QueriesChooseOneOfThem) {
+  FileBuilder file;
+  file.addDataGroup({arrayGroup(file, {channel_group, {2}, {2, 1}, {}}, 2)},
+                    file.addData("\1Aa\2Bb\1Cc"), 1);
+  file.addDataGroup({file.addChannelGroup({1, 1}, {file.addChannel(firstByte("plain"))})},
+                    file.addData("Z"));
+  Query query;
+  query.element = 1;
+  EXPECT_EQ(healthyCsvOf(file.bytes(), query), "v[1],last\n66,98\n");
+  query.element = 2;
+  EXPECT_EQ(healthyCsvOf(file.bytes(), query), "");
+}
+
 TEST(SplitElements, PatternsSelectAllOfThem) {
   Query query;
   query.channels = {"v"};
