@@ -270,13 +270,25 @@ void CurveCollector::begin(const TableHead& table) {
 bool CurveCollector::take(const Batch& batch) {
   const bool has_master = batch.head().has_master;
   const std::size_t first_column = has_master ? 1 : 0;
-  std::vector<double> x = has_master ? batch.column(0).reals() : std::vector<double>(batch.rows());
-  for (std::size_t row = 0; !has_master && row < batch.rows(); ++row) {
-    x[row] = static_cast<double>(batch.record(row));
+  const ColumnData* const master = has_master ? &batch.column(0) : nullptr;
+  const bool is_as_it_is =
+      has_master && master->type() == ColumnType::float64 && master->nullCount() == 0;
+  std::vector<double> numbers;
+  if (has_master && !is_as_it_is) {
+    numbers = master->reals();
   }
+  for (std::size_t row = 0; !has_master && row < batch.rows(); ++row) {
+    numbers.push_back(static_cast<double>(batch.record(row)));
+  }
+  const Abscissa x(is_as_it_is ? master->values<double>() : numbers.data(), batch.rows());
   for (std::size_t i = first_; i < curves_.size(); ++i) {
-    const std::vector<double> y = batch.column(first_column + i - first_).reals();
-    curves_[i].points.add(x.data(), y.data(), batch.rows());
+    const ColumnData& y = batch.column(first_column + i - first_);
+    if (isNumber(y.type()) && y.nullCount() == 0) {
+      withNumberType(y.type(),
+                     [&](auto zero) { curves_[i].points.add(x, y.values<decltype(zero)>()); });
+    } else {
+      curves_[i].points.add(x, y.reals().data());
+    }
   }
   return first_ < curves_.size();
 }

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <limits>
+#include <type_traits>
 
 namespace mdf_tools {
 
@@ -16,47 +18,97 @@ bool canBeDrawn(double number) { return std::abs(number) <= most; }
 
 constexpr double no_number = std::numeric_limits<double>::quiet_NaN();
 
+constexpr std::size_t at_once = Abscissa::at_once;
+
+/// The lowest and the highest of numbers, and whether all can be drawn. Where only their sum is too
+/// large, they are said not to be.
 struct Ends {
   double lowest;
   double highest;
+  bool can_be_drawn;
 };
 
-/// The lowest and the highest of at least one number. Lanes side by side let the compiler compare
-/// several numbers at a time.
-Ends endsOf(const double* y, std::size_t count) {
-  constexpr std::size_t lanes = 8;
-  std::array<double, lanes> lowest;
-  std::array<double, lanes> highest;
-  lowest.fill(y[0]);
-  highest.fill(y[0]);
-  std::size_t i = 0;
-  for (; i + lanes <= count; i += lanes) {
-    for (std::size_t lane = 0; lane < lanes; ++lane) {
-      lowest[lane] = y[i + lane] < lowest[lane] ? y[i + lane] : lowest[lane];
-      highest[lane] = y[i + lane] > highest[lane] ? y[i + lane] : highest[lane];
-    }
-  }
-  for (; i < count; ++i) {
-    lowest[0] = std::min(lowest[0], y[i]);
-    highest[0] = std::max(highest[0], y[i]);
-  }
-  return {*std::min_element(lowest.begin(), lowest.end()),
-          *std::max_element(highest.begin(), highest.end())};
+template <class Number>
+Number lower(Number a, Number b) {
+  return b < a ? b : a;
 }
 
-/// Whether all points are between two values of x, and can be drawn.
-bool areBetween(const double* x, const double* y, std::size_t count, double from, double to) {
-  unsigned others = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    others |= static_cast<unsigned>(!(from < x[i])) | static_cast<unsigned>(!(x[i] < to)) |
-              static_cast<unsigned>(!canBeDrawn(y[i]));
+template <class Number>
+Number higher(Number a, Number b) {
+  return b > a ? b : a;
+}
+
+/// What is left of numbers of which the four quarters are merged, again and again. The compiler
+/// merges several numbers at a time, which it must not do from one to the next.
+template <class Number>
+struct Merged {
+  static constexpr std::size_t quarter = at_once / 4;
+  std::array<Number, quarter> lowest;
+  std::array<Number, quarter> highest;
+  std::array<Number, quarter> sum;  ///< of reals
+
+  explicit Merged(const Number* y) {
+    for (std::size_t i = 0; i < quarter; ++i) {
+      const Number a = y[i];
+      const Number b = y[i + quarter];
+      const Number c = y[i + 2 * quarter];
+      const Number d = y[i + 3 * quarter];
+      lowest[i] = lower(lower(a, b), lower(c, d));
+      highest[i] = higher(higher(a, b), higher(c, d));
+      if constexpr (std::is_floating_point_v<Number>) {
+        sum[i] = (a + b) + (c + d);
+      }
+    }
+    merge<quarter / 2>();
   }
-  return others == 0;
+
+  template <std::size_t Half>
+  void merge() {
+    for (std::size_t i = 0; i < Half; ++i) {
+      lowest[i] = lower(lowest[i], lowest[i + Half]);
+      highest[i] = higher(highest[i], highest[i + Half]);
+      if constexpr (std::is_floating_point_v<Number>) {
+        sum[i] += sum[i + Half];
+      }
+    }
+    if constexpr (Half > 1) {
+      merge<Half / 2>();
+    }
+  }
+};
+
+/// Of `at_once` numbers. A sum of reals is finite only where they are.
+template <class Number>
+Ends endsOf(const Number* y) {
+  const Merged<Number> merged(y);
+  const auto lowest = static_cast<double>(merged.lowest[0]);
+  const auto highest = static_cast<double>(merged.highest[0]);
+  bool can_be_drawn = canBeDrawn(lowest) && canBeDrawn(highest);
+  if constexpr (std::is_floating_point_v<Number>) {
+    can_be_drawn = can_be_drawn && std::isfinite(merged.sum[0]);
+  }
+  return {lowest, highest, can_be_drawn};
+}
+
+template <class Number>
+std::size_t firstOf(const Number* y, double value) {
+  std::size_t i = 0;
+  while (static_cast<double>(y[i]) != value) {
+    ++i;
+  }
+  return i;
 }
 
 bool isGap(const Point& point) { return std::isnan(point.y); }
 
 }  // namespace
+
+Abscissa::Abscissa(const double* x, std::size_t count) : x_(x), count_(count) {
+  for (std::size_t begin = 0; begin + at_once <= count; begin += at_once) {
+    const Ends ends = endsOf(x + begin);
+    pieces_.push_back({ends.can_be_drawn ? ends.lowest : no_number, ends.highest});
+  }
+}
 
 void Decimator::Column::add(const Point& point) {
   if (is_empty) {
@@ -73,17 +125,23 @@ void Decimator::Column::add(const Point& point) {
   ends_in_gap = false;
 }
 
-/// Most points are neither lower nor higher than those before: that is seen of some at a time, and
-/// which one it is only where it is one.
-void Decimator::Column::add(const double* x, const double* y, std::size_t count) {
-  const Ends ends = endsOf(y, count);
-  if (is_empty || ends.lowest < lowest.y || ends.highest > highest.y) {
-    for (std::size_t i = 0; i < count; ++i) {
-      add({x[i], y[i]});
-    }
+/// Adds points where all can be drawn. Most are neither lower nor higher than those before.
+template <class Number>
+bool Decimator::Column::addPiece(const Abscissa& x, std::size_t begin, const Number* y) {
+  const Ends ends = endsOf(y);
+  if (!ends.can_be_drawn) {
+    return false;
   }
-  last = {x[count - 1], y[count - 1]};
-  ends_in_gap = false;
+  const auto point = [&](std::size_t i) { return Point{x[begin + i], static_cast<double>(y[i])}; };
+  add(point(0));
+  if (ends.lowest < lowest.y) {
+    lowest = point(firstOf(y, ends.lowest));
+  }
+  if (ends.highest > highest.y) {
+    highest = point(firstOf(y, ends.highest));
+  }
+  last = point(at_once - 1);
+  return true;
 }
 
 /// Merges the column on the right into this one.
@@ -117,19 +175,29 @@ void Decimator::add(double x, double y) {
   }
 }
 
-void Decimator::add(const double* x, const double* y, std::size_t count) {
-  constexpr std::size_t at_once = 64;
-  for (std::size_t begin = 0; begin < count; begin += at_once) {
-    const std::size_t some = std::min(at_once, count - begin);
-    if (!columns_.empty() && areBetween(x + begin, y + begin, some, inside_from_, inside_to_)) {
-      columns_[last_column_].add(x + begin, y + begin, some);
-      continue;
-    }
-    for (std::size_t i = begin; i < begin + some; ++i) {
-      add(x[i], y[i]);
+template <class Number>
+void Decimator::add(const Abscissa& x, const Number* y) {
+  for (std::size_t begin = 0; begin < x.size(); begin += at_once) {
+    const bool is_in_a_column = !columns_.empty() &&
+                                x.areBetween(inside_from_, inside_to_, begin) &&
+                                columns_[last_column_].addPiece(x, begin, y + begin);
+    const std::size_t end = std::min(begin + at_once, x.size());
+    for (std::size_t i = begin; !is_in_a_column && i < end; ++i) {
+      add(x[i], static_cast<double>(y[i]));
     }
   }
 }
+
+template void Decimator::add(const Abscissa&, const std::uint8_t*);
+template void Decimator::add(const Abscissa&, const std::uint16_t*);
+template void Decimator::add(const Abscissa&, const std::uint32_t*);
+template void Decimator::add(const Abscissa&, const std::uint64_t*);
+template void Decimator::add(const Abscissa&, const std::int8_t*);
+template void Decimator::add(const Abscissa&, const std::int16_t*);
+template void Decimator::add(const Abscissa&, const std::int32_t*);
+template void Decimator::add(const Abscissa&, const std::int64_t*);
+template void Decimator::add(const Abscissa&, const float*);
+template void Decimator::add(const Abscissa&, const double*);
 
 void Decimator::addGap(double x) {
   if (!columns_.empty()) {

@@ -1,6 +1,7 @@
 #ifndef MDF_TOOLS_PICTURES_DECIMATOR_H_
 #define MDF_TOOLS_PICTURES_DECIMATOR_H_
 
+#include <array>
 #include <cstddef>
 #include <vector>
 
@@ -9,6 +10,30 @@ namespace mdf_tools {
 struct Point {
   double x = 0;
   double y = 0;  ///< not a number where the line has a gap
+};
+
+/// The x of points that follow one another. It is looked at once, however many curves share it.
+class Abscissa {
+ public:
+  /// @param x so many numbers, which must outlast this object.
+  Abscissa(const double* x, std::size_t count);
+
+  /// So many are looked at together; the last ones, where they are fewer, are not.
+  static constexpr std::size_t at_once = 128;
+
+  std::size_t size() const { return count_; }
+  double operator[](std::size_t index) const { return x_[index]; }
+  /// Whether all of those at once, from an index on, are between two numbers. In doubt they are
+  /// not.
+  bool areBetween(double from, double to, std::size_t index) const {
+    const std::size_t piece = index / at_once;
+    return piece < pieces_.size() && from < pieces_[piece][0] && pieces_[piece][1] < to;
+  }
+
+ private:
+  const double* x_;
+  std::size_t count_;
+  std::vector<std::array<double, 2>> pieces_;  ///< the lowest and the highest of each
 };
 
 /// Keeps as much of a curve as a picture shows, however many points it has: the first, the lowest,
@@ -20,8 +45,9 @@ class Decimator {
 
   /// Adds a point. Where the curve has no value, or one beyond what can be drawn, there is a gap.
   void add(double x, double y);
-  /// Adds points that follow one another.
-  void add(const double* x, const double* y, std::size_t count);
+  /// Adds points that follow one another; y is of any type that a column's numbers have.
+  template <class Number>
+  void add(const Abscissa& x, const Number* y);
 
   /// The curve; from left to right if it was thinned out.
   std::vector<Point> points() const;
@@ -36,7 +62,8 @@ class Decimator {
     bool ends_in_gap = false;
 
     void add(const Point& point);
-    void add(const double* x, const double* y, std::size_t count);
+    template <class Number>
+    bool addPiece(const Abscissa& x, std::size_t begin, const Number* y);
     void append(const Column& right);
   };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <numeric>
 #include <vector>
@@ -64,22 +65,16 @@ TEST(Decimator, ManyPointsAreBoundedAndKeepTheirPeaks) {
                              [](const Point& a, const Point& b) { return a.x < b.x; }));
 }
 
-TEST(Decimator, PointsTogetherAreKeptAsOneByOne) {
-  std::vector<double> x;
-  std::vector<double> y;
-  for (int i = 0; i < 50000; ++i) {
-    x.push_back(i % 7001 == 5 ? -i : i);
-    y.push_back(i % 997 == 3 ? std::numeric_limits<double>::quiet_NaN() : std::sin(0.001 * i * i));
-  }
-  y[40000] = -1e301;
-  for (const std::size_t at_once : {1U, 63U, 64U, 65U, 1000U, 50000U}) {
+template <class Number>
+void expectSameAsOneByOne(const std::vector<double>& x, const std::vector<Number>& y) {
+  for (const std::size_t at_once : {1U, 127U, 128U, 129U, 1000U, 50000U}) {
     Decimator together(20);
     Decimator one_by_one(20);
     for (std::size_t begin = 0; begin < x.size(); begin += at_once) {
       const std::size_t count = std::min(at_once, x.size() - begin);
-      together.add(&x[begin], &y[begin], count);
+      together.add(Abscissa(&x[begin], count), &y[begin]);
       for (std::size_t i = begin; i < begin + count; ++i) {
-        one_by_one.add(x[i], y[i]);
+        one_by_one.add(x[i], static_cast<double>(y[i]));
       }
     }
     const std::vector<Point> actual = kept(together);
@@ -90,6 +85,29 @@ TEST(Decimator, PointsTogetherAreKeptAsOneByOne) {
       EXPECT_TRUE(actual[i].y == expected[i].y || std::isnan(expected[i].y)) << i;
     }
   }
+}
+
+TEST(Decimator, PointsTogetherAreKeptAsOneByOne) {
+  std::vector<double> x;
+  std::vector<double> reals;
+  std::vector<float> floats;
+  std::vector<std::uint16_t> small;
+  std::vector<std::int64_t> large;
+  for (int i = 0; i < 50000; ++i) {
+    x.push_back(i % 7001 == 5 ? -i : i);
+    const double y = std::sin(0.001 * i * i);
+    reals.push_back(i % 997 == 3 ? std::numeric_limits<double>::quiet_NaN() : y);
+    floats.push_back(i % 3001 == 3 ? std::numeric_limits<float>::infinity()
+                                   : static_cast<float>(y));
+    small.push_back(static_cast<std::uint16_t>(30000 + 30000 * y));
+    large.push_back(std::numeric_limits<std::int64_t>::max() - i % 77);  // the same as doubles
+  }
+  x[30000] = std::numeric_limits<double>::quiet_NaN();
+  reals[40000] = -1e301;
+  expectSameAsOneByOne(x, reals);
+  expectSameAsOneByOne(x, floats);
+  expectSameAsOneByOne(x, small);
+  expectSameAsOneByOne(x, large);
 }
 
 TEST(Decimator, CurveThatGoesToTheLeft) {
