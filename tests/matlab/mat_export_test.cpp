@@ -231,6 +231,13 @@ std::string noise() {
   return file.bytes();
 }
 
+TEST_F(MatExport, AFolderThatIsMissing) {
+  folder.write("trip.mf4", noise());
+  const std::string missing = (folder / "missing").string();
+  EXPECT_EQ(exported({"-o", missing + "/out.mat"}),
+            said(2, "cannot open the folder " + missing + ": No such file or directory"));
+}
+
 TEST_F(MatExport, AFullDiskLeavesTheFileThatWasThere) {
   folder.write("trip.mf4", noise());
   folder.write("trip.mat", "before");

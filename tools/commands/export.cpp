@@ -451,6 +451,8 @@ int run(Request& request) {
   }
   try {
     return exportFiles(request);
+  } catch (const Uncreatable& error) {
+    return complain(error.what(), request.isToFile() ? exit_unusable : exit_problem);
   } catch (const Unwritable& error) {
     return complain(error.what(), exit_problem);
   } catch (const NoMatLibrary& error) {

@@ -12,14 +12,15 @@ namespace mdf_tools {
 
 namespace {
 
+template <class Problem = Unwritable>
 [[noreturn]] void cannot(const std::string& what, const std::string& path) {
-  throw Unwritable("cannot " + what + ' ' + path + ": " + std::generic_category().message(errno));
+  throw Problem("cannot " + what + ' ' + path + ": " + std::generic_category().message(errno));
 }
 
 Descriptor openFolder(const std::string& path) {
   Descriptor folder(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (folder.number() < 0) {
-    cannot("open the folder", path);
+    cannot<Uncreatable>("open the folder", path);
   }
   return folder;
 }
@@ -38,7 +39,7 @@ NewFile::NewFile(const std::string& folder, const std::string& name)
       file_(openat(folder_.number(), temporary_name_.c_str(),
                    O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666)) {
   if (file_.number() < 0) {
-    fail("create");
+    cannot<Uncreatable>("create", shown_path_);
   }
 }
 

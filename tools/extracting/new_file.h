@@ -17,11 +17,17 @@ class Unwritable : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// The same, before anything was written.
+class Uncreatable : public Unwritable {
+ public:
+  using Unwritable::Unwritable;
+};
+
 /// A file in a folder that appears there under its name when it is complete, and never otherwise.
 /// Links that stand in the folder under that name are not followed.
 class NewFile {
  public:
-  /// @throws Unwritable
+  /// @throws Uncreatable
   NewFile(const std::string& folder, const std::string& name);
   ~NewFile();
   NewFile(const NewFile&) = delete;
