@@ -116,11 +116,11 @@ bool SampleTrack::readBatch() {
 
 std::size_t SampleTrack::addRow(double time) {
   const bool is_before_first = here_.batch == nullptr;
-  const bool is_after_last = next_.batch == nullptr && here_.time < time;
-  if (is_before_first || is_after_last) {
+  const bool is_at_last = next_.batch == nullptr && isUpTo(time, here_.time);
+  if (is_before_first || (next_.batch == nullptr && !is_at_last)) {
     return add({nullptr, 0, nullptr, 0, 0});
   }
-  if (between_ == Between::held || here_.time >= time) {
+  if (between_ == Between::held || here_.time >= time || is_at_last) {
     return addSample();
   }
   const double fraction = (time - here_.time) / (next_.time - here_.time);

@@ -53,19 +53,16 @@ class SampleTrack {
   }
   /// Goes to the next sample; false after the last one.
   bool goOn();
-  /// Goes to the last sample that is no later than a time, but for what the last digits of a double
-  /// make of it: 3 times 0.1 is later than 0.3. Times do not fall.
+  /// Goes to the last sample up to a time. Times do not fall.
   void goTo(double time) {
-    constexpr double some_digits = 8.9e-16;
-    const double latest = time + std::abs(time) * some_digits;
-    while (next_.batch != nullptr && next_.time <= latest) {
+    while (next_.batch != nullptr && isUpTo(next_.time, time)) {
       goOn();
     }
   }
   double time() const { return here_.time; }
-  /// Whether there are samples at a time or after it.
+  /// Whether there are samples at a time that it has gone to, or after it.
   bool reaches(double time) const {
-    return next_.batch != nullptr || (here_.batch != nullptr && here_.time >= time);
+    return next_.batch != nullptr || (here_.batch != nullptr && isUpTo(time, here_.time));
   }
 
   /// Adds a row at the sample that it is at.
@@ -95,6 +92,12 @@ class SampleTrack {
     double fraction;
   };
 
+  /// Whether a time is no later than another, but for what the last digits of a double make of it:
+  /// 3 times 0.1 is later than 0.3.
+  static bool isUpTo(double time, double other) {
+    constexpr double some_digits = 8.9e-16;
+    return time <= other + std::abs(other) * some_digits;
+  }
   bool isInterpolated(std::size_t column) const;
   std::size_t add(const Row& row);
   bool readBatch();

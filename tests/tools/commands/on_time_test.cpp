@@ -227,6 +227,19 @@ TEST(ExportOnTime, TimesThatAreWrittenAlikeAreAlike) {
   }
 }
 
+/// Two thirds are 0.6666666666666666, one bit above it.
+TEST(ExportOnTime, LastSampleBelowItsRowByTheLastDigits) {
+  FileBuilder file;
+  addGroup(file, "", "v", {{0, 1}, {1.0 / 3, 2}, {0.6666666666666665, 3}});
+  FileBuilder before;
+  addGroup(before, "", "v", {{0, 1}, {1.0 / 3, 2}, {0.666666666666665, 3}});
+  const std::string two_rows = "time [s],v\n0,1\n0.3333333333333333,2\n";
+  for (const std::string option : {"--empty", "--linear"}) {
+    EXPECT_EQ(onTime(file, {"3Hz", option}), wrote(two_rows + "0.6666666666666666,3\n"));
+    EXPECT_EQ(onTime(before, {"3Hz", option}), wrote(two_rows));
+  }
+}
+
 TEST(ExportOnTime, OnlyGroupsOverTheSameAxis) {
   FileBuilder file;
   addGroup(file, "a", "v", {{0, 1}, {1, 2}});
