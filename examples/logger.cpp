@@ -4,7 +4,7 @@
 #include <mdf_writer/mdf_writer.h>
 
 #include <cstdint>
-#include <cstdio>
+#include <iostream>
 
 int main() {
   mdf_writer::Plan plan("bench run 12");
@@ -29,7 +29,7 @@ int main() {
     }
   }
   if (!recording.finish()) {
-    std::fprintf(stderr, "%s\n", recording.cause().c_str());
+    std::cerr << recording.cause() << '\n';
     return 1;
   }
   return 0;

@@ -140,9 +140,11 @@ void mdf_free(char* text);
  *
  * Each batch is a structure with a field for each channel, the group's master channel first.
  * Integers, floating-point numbers, text (large UTF-8) and bytes (large binary) come as they are;
- * all can be null. A field's metadata has the "unit", the "comment", and the type of the
- * "conversion", as far as there are any. Timestamps are nanoseconds since 1970 in the file's time
- * zone ("+01:00"), in UTC where it states none, and without a zone where it states local times.
+ * all can be null. A field's metadata has the "unit", the "comment", and the "conversion" as a line
+ * of JSON, {"type":"linear","type_number":1,"values":[-40.0,0.5]}, as far as there are any: values
+ * and "references" (texts, other conversions, null) stand in the order of the format. Timestamps
+ * are nanoseconds since 1970 in the file's time zone ("+01:00"), in UTC where it states none, and
+ * without a zone where it states local times.
  *
  * The stream can be read when the file is closed, and its arrays when the stream is released.
  *

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <memory>
 #include <new>
 #include <optional>
@@ -12,7 +11,6 @@
 #include <vector>
 
 #include "../bytes/work_budget.h"
-#include "../summary/names.h"
 #include "../summary/stored_time.h"
 #include "arrow_array.h"
 #include "arrow_schema.h"
@@ -129,19 +127,6 @@ TableHead headOf(const Measurement& measurement, const Query& query, Batches& ba
   return std::move(heads.front());
 }
 
-std::string conversionOf(const Measurement& measurement, const Channel& channel) {
-  const auto block = channel.conversion == 0 ? std::nullopt : measurement.block(channel.conversion);
-  if (block && block->type == "CC") {
-    for (const Block::Field& field : block->fields) {
-      if (field.name == "cc_type") {
-        return conversionTypeName(
-            static_cast<unsigned>(std::strtoul(field.value.c_str(), nullptr, 10)));
-      }
-    }
-  }
-  return "";
-}
-
 std::vector<ArrowField> fieldsOf(const Measurement& measurement, const TableHead& head) {
   constexpr std::uint64_t most_text = std::uint64_t{1} << 24U;  // channels may share a long comment
   WorkBudget texts(most_text);
@@ -155,7 +140,7 @@ std::vector<ArrowField> fieldsOf(const Measurement& measurement, const TableHead
     };
     add("unit", column.unit);
     add("comment", column.channel->comment);
-    add("conversion", conversionOf(measurement, *column.channel));
+    add("conversion", measurement.describeConversion(*column.channel));
     fields.push_back({column.name, arrowFormat(column.type), arrowMetadata(entries)});
   }
   return fields;

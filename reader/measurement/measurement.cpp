@@ -11,6 +11,7 @@
 #include "../data/record_facts.h"
 #include "../model/channel_names.h"
 #include "../summary/channel_json.h"
+#include "../summary/conversion_json.h"
 #include "../summary/file_json.h"
 
 namespace mdf_reader {
@@ -43,7 +44,8 @@ struct Measurement::State {
         report([this](const Finding& finding) { take(finding); }),
         description(readDescription(readable(file), report)),
         groups(description.data_groups),
-        facts(file, report) {
+        facts(file, report),
+        conversions(file) {
     facts.know(description);
   }
 
@@ -69,6 +71,7 @@ struct Measurement::State {
   Description description;
   ChannelGroups groups;
   RecordFacts facts;
+  ConversionTexts conversions;
 };
 
 /// Channels may have texts in common, so that there is more to say of them than the file has bytes.
@@ -226,6 +229,10 @@ std::string Measurement::describe() const {
   return jsonDocument({{"schema", json_schema},
                        {"info", fileAsJson(state_->file, Depth::records, state_->report)},
                        {"channels", state_->channelsAsJson()}});
+}
+
+std::string Measurement::describeConversion(const Channel& channel) const {
+  return state_->conversions.at(channel.conversion);
 }
 
 const std::vector<Finding>& Measurement::findings() const { return state_->findings; }

@@ -161,6 +161,11 @@ class Measurement {
   /// "channels" what `mdf list channels --json` does.
   std::string describe() const;
 
+  /// How raw values of a channel become physical ones, as one line of JSON: the type of its
+  /// conversion, and its "values" and "references" (texts, conversions, null) in the order of the
+  /// format. The type alone where references lead to the same again and again. "" for none.
+  std::string describeConversion(const Channel& channel) const;
+
   /// What was found to be wrong so far, the first 1,000 of it, each once. It grows with what is
   /// asked for: data is examined when it is read. To have a file examined as a whole, use the
   /// program: mdf check.
