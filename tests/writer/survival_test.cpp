@@ -154,17 +154,35 @@ TEST_P(Survival, EveryMomentLeavesAFileAndEveryPowerLossWhatWasFlushed) {
   expectWhole(output.bytes(), records, records / 10);
 }
 
+/// Records until something fails, or to the end; true for that.
+bool recordOn(Counting& counting, Recording& recording) {
+  for (int k = 0; k < 600 && recording.good(); ++k) {
+    counting.append(recording, k);
+  }
+  return recording.finish();
+}
+
+/// The file is a finished one of all records that the recording counts.
+void expectFinished(const std::string& file, const Counting& counting, const Recording& recording) {
+  const std::uint64_t numbers = recording.records(counting.numbers);
+  const std::uint64_t texts = recording.records(counting.texts);
+  EXPECT_EQ(findingsOf(file), std::vector<std::string>());
+  EXPECT_EQ(tableOf(file, "numbers"), numbersUpTo(numbers));
+  EXPECT_EQ(tableOf(file, "texts"), textsUpTo(texts));
+  if (!recording.good()) {
+    EXPECT_EQ(recording.cause(), "cannot write to: the medium is full; the " +
+                                     std::to_string(numbers + texts) +
+                                     " records written before that make a complete file");
+  }
+}
+
 TEST_P(Survival, AFullMediumLeavesAFinishedFileOfWhatItTook) {
   std::uint64_t size = 0;
   for (std::uint64_t room = 0; size == 0; room += 97) {
     Counting counting;
     RecordedOutput output(room);
     Recording recording(output, counting.plan, options());
-    bool good = recording.good();
-    for (int k = 0; k < 600 && good; ++k) {
-      good = counting.append(recording, k);
-    }
-    if (recording.finish()) {
+    if (recordOn(counting, recording)) {
       size = output.bytes().size();
     }
     if (output.bytes().substr(0, 3) != "MDF") {
@@ -172,18 +190,50 @@ TEST_P(Survival, AFullMediumLeavesAFinishedFileOfWhatItTook) {
       continue;
     }
     SCOPED_TRACE("room for " + std::to_string(room) + " bytes: " + recording.cause());
-    const std::uint64_t numbers = recording.records(counting.numbers);
-    const std::uint64_t texts = recording.records(counting.texts);
-    EXPECT_EQ(findingsOf(output.bytes()), std::vector<std::string>());
-    EXPECT_EQ(tableOf(output.bytes(), "numbers"), numbersUpTo(numbers));
-    EXPECT_EQ(tableOf(output.bytes(), "texts"), textsUpTo(texts));
-    if (size == 0) {
-      EXPECT_EQ(recording.cause(), "cannot write to: the medium is full; the " +
-                                       std::to_string(numbers + texts) +
-                                       " records written before that make a complete file");
-    }
+    expectFinished(output.bytes(), counting, recording);
   }
   EXPECT_GT(size, 10000U);
+}
+
+TEST_P(Survival, AWriteThatFailsOnceLeavesAFinishedFileOfWhatCameBefore) {
+  bool finished = false;
+  for (std::size_t number = 2; !finished; ++number) {
+    Counting counting;
+    RecordedOutput output;
+    output.failWrite(number);
+    Recording recording(output, counting.plan, options());
+    finished = recordOn(counting, recording);
+    SCOPED_TRACE("write " + std::to_string(number) + ": " + recording.cause());
+    if (output.bytes().substr(0, 2) == "Un") {
+      EXPECT_EQ(recording.cause(),
+                "cannot complete: the medium is full; the file says that it is unfinished");
+      expectWhole(output.bytes(), 0, 0);
+    } else {
+      expectFinished(output.bytes(), counting, recording);
+    }
+  }
+}
+
+TEST(FullMedium, KeepsNoRecordWhoseShortValueItDidNotTake) {
+  for (std::uint64_t room = 6000; room < 13000; room += 501) {
+    Plan plan;
+    Group& group = plan.addGroup("g", Group::Order::index);
+    group.addText("empty");
+    Options options;
+    options.block_bytes = 4096;
+    options.flush_interval = 0;
+    RecordedOutput output(room);
+    Recording recording(output, plan, options);
+    while (recording.append(group)) {
+    }
+    std::string expected = "index,empty\n";
+    for (std::uint64_t k = 0; k < recording.records(group); ++k) {
+      expected += std::to_string(k) + ",\n";
+    }
+    SCOPED_TRACE("room for " + std::to_string(room) + " bytes");
+    EXPECT_EQ(findingsOf(output.bytes()), std::vector<std::string>());
+    EXPECT_EQ(tableOf(output.bytes(), "g"), expected);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Layouts, Survival,

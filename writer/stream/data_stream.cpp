@@ -55,7 +55,7 @@ void DataStream::putHead(char* head, std::uint64_t at, std::uint64_t bytes) cons
 
 bool DataStream::append(std::string_view first, std::string_view second) {
   const std::size_t bytes = first.size() + second.size();
-  if (bytes > limit_ - used_) {
+  if (!hasRoom(bytes)) {
     if (capacity_ == 0 || !endFullBlock()) {
       return false;
     }
@@ -86,12 +86,11 @@ bool DataStream::appendLarge(std::string_view first, std::string_view second) {
   std::copy_n(buffer_.begin(), head_bytes, head.begin());
   putHead(head.data(), at, bytes);
   if (!put(at, {head.data(), head.size()}) || !put(at + head_bytes, first) ||
-      !put(at + head_bytes + first.size(), second)) {
+      !put(at + head_bytes + first.size(), second) || !linkTo(at)) {
     storage_.giveBack(at);
     return false;
   }
   block_at_ = at;
-  linkTo(at);
   endBlock();
   block_begins_ += bytes;
   return true;
@@ -145,8 +144,7 @@ bool DataStream::begin(std::size_t room) {
   if (written_ < used_) {
     return false;
   }
-  linkTo(at);
-  return true;
+  return linkTo(at);
 }
 
 bool DataStream::grow() {
@@ -169,14 +167,15 @@ DataStream::Pending DataStream::lengthOf(std::uint64_t bytes) const {
 }
 
 /// A link that no shown link leads to can be written at once.
-void DataStream::linkTo(std::uint64_t block) {
+bool DataStream::linkTo(std::uint64_t block) {
   if (is_link_shown_) {
     shown_link_ = {link_at_, block};
-  } else {
-    storage_.put(link_at_, block);
+  } else if (!storage_.put(link_at_, block)) {
+    return false;
   }
   is_linked_ = true;
   is_shown_ = false;
+  return true;
 }
 
 void DataStream::endBlock() {
@@ -193,15 +192,20 @@ void DataStream::endBlock() {
 }
 
 bool DataStream::show(Pending& pending) {
-  const bool success = pending.at == 0 || storage_.put(pending.at, pending.number);
+  if (pending.at != 0 && !storage_.put(pending.at, pending.number)) {
+    return false;
+  }
   pending = {};
-  return success;
+  return true;
 }
 
 bool DataStream::showLink() {
+  if (!show(shown_link_)) {
+    return false;
+  }
   is_shown_ = true;
   is_link_shown_ = true;
-  return show(shown_link_);
+  return true;
 }
 
 bool DataStream::cutBlock(std::size_t bytes) {
@@ -225,10 +229,7 @@ bool DataStream::cutBlock(std::size_t bytes) {
     shown_length_ = length;
     return true;
   }
-  if (!is_linked_) {
-    linkTo(block_at_);
-  }
-  return storage_.put(length.at, length.number);
+  return (is_linked_ || linkTo(block_at_)) && storage_.put(length.at, length.number);
 }
 
 }  // namespace mdf_writer

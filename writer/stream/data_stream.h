@@ -33,13 +33,15 @@ class DataStream {
   /// Room for so many bytes in the block, which then belong to the data; nullptr where the block
   /// has none.
   char* tryAppend(std::size_t bytes) {
-    if (bytes > limit_ - used_) {
+    if (!hasRoom(bytes)) {
       return nullptr;
     }
     char* const at = &buffer_[head_bytes + used_];
     used_ += bytes;
     return at;
   }
+
+  bool hasRoom(std::size_t bytes) const { return bytes <= limit_ - used_; }
 
   /// Appends the bytes of two pieces, in one block. False when the file takes no more; what comes
   /// afterwards is refused.
@@ -86,7 +88,7 @@ class DataStream {
   void endBlock();
   bool appendLarge(std::string_view first, std::string_view second);
   void putHead(char* head, std::uint64_t at, std::uint64_t bytes) const;
-  void linkTo(std::uint64_t block);
+  bool linkTo(std::uint64_t block);
 
   Storage& storage_;
   std::size_t capacity_;

@@ -123,8 +123,12 @@ bool Recording::putSlowly(State& state, std::int64_t nanoseconds) {
   if (is_finished_) {
     return false;
   }
+  const bool ends_block = !state.stream->hasRoom(state.data_bytes + state.invalidation_bytes);
   for (Values& values : state.values) {
-    if (!putValue(state, values)) {
+    // Before a block of records ends, the file has the values that they refer to.
+    const bool success =
+        putValue(state, values) && (!ends_block || values.own == nullptr || values.own->writeOut());
+    if (!success) {
       return fail();
     }
   }
@@ -231,32 +235,30 @@ bool Recording::fail() {
     cause_ = failure;
     return false;
   }
-  keepWhatFits();
+  const bool kept = keepWhatFits();
   std::uint64_t records = 0;
   for (const State& state : states_) {
     records += state.records;
   }
-  cause_ = failure + (complete() ? "; the " + std::to_string(records) +
-                                       " records written before that make a complete file"
-                                 : "; the file says that it is unfinished");
+  cause_ = failure + (kept && complete() ? "; the " + std::to_string(records) +
+                                               " records written before that make a complete file"
+                                         : "; the file says that it is unfinished");
   return false;
 }
 
-void Recording::keepWhatFits() {
+bool Recording::keepWhatFits() {
+  bool success = true;
   for (DataStream* const stream : value_streams_) {
-    if (stream->writeOut()) {
-      stream->cutBlock(stream->taken());
-    } else {
-      cutValues(*stream);
-    }
+    success &= stream->writeOut() ? stream->cutBlock(stream->taken()) : cutValues(*stream);
   }
   for (DataStream* const stream : record_streams_) {
     stream->writeOut();
-    cutRecords(*stream);
+    success &= cutRecords(*stream);
   }
+  return success;
 }
 
-void Recording::cutValues(DataStream& stream) {
+bool Recording::cutValues(DataStream& stream) {
   const std::string_view block = stream.block();
   std::size_t whole = 0;
   while (whole + length_bytes <= stream.taken()) {
@@ -266,11 +268,11 @@ void Recording::cutValues(DataStream& stream) {
     }
     whole = next;
   }
-  stream.cutBlock(whole);
+  return stream.cutBlock(whole);
 }
 
 /// Keeps the records that the file has whole, up to the first whose values it has not.
-void Recording::cutRecords(DataStream& stream) {
+bool Recording::cutRecords(DataStream& stream) {
   const std::string_view block = stream.block();
   std::size_t kept = 0;
   bool is_kept = true;
@@ -296,7 +298,7 @@ void Recording::cutRecords(DataStream& stream) {
       --state->records;
     }
   }
-  stream.cutBlock(kept);
+  return stream.cutBlock(kept);
 }
 
 /// The bytes of the record at the front, with its id, and whose it is.

@@ -163,9 +163,9 @@ class Recording {
   bool showAll(const std::vector<DataStream*>& streams);
   bool syncIfAsked();
   bool fail();
-  void keepWhatFits();
-  void cutValues(DataStream& stream);
-  void cutRecords(DataStream& stream);
+  bool keepWhatFits();
+  bool cutValues(DataStream& stream);
+  bool cutRecords(DataStream& stream);
   bool hasItsValues(const State& state, std::string_view record) const;
   std::size_t recordAt(const DataStream& stream, std::string_view bytes, State*& state,
                        Values*& values);

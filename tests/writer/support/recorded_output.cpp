@@ -17,6 +17,9 @@ void RecordedOutput::apply(const Step& step, std::string& file) {
 }
 
 std::size_t RecordedOutput::write(std::uint64_t offset, const char* bytes, std::size_t count) {
+  if (++writes_ == failing_) {
+    return 0;
+  }
   const std::uint64_t at = is_seekable_ ? offset : bytes_.size();
   const auto taken =
       static_cast<std::size_t>(std::min<std::uint64_t>(count, room_ < at ? 0 : room_ - at));

@@ -33,6 +33,9 @@ class RecordedOutput : public mdf_writer::Output {
   bool sync() override;
   std::string cause() const override { return "the medium is full"; }
 
+  /// Lets one write fail, counted from 1; the others succeed.
+  void failWrite(std::size_t number) { failing_ = number; }
+
   const std::vector<Step>& steps() const { return steps_; }
   const std::string& bytes() const { return bytes_; }
 
@@ -41,6 +44,8 @@ class RecordedOutput : public mdf_writer::Output {
  private:
   std::uint64_t room_;
   bool is_seekable_;
+  std::size_t failing_ = 0;
+  std::size_t writes_ = 0;
   std::string bytes_;
   std::vector<Step> steps_;
 };
