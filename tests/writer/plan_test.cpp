@@ -50,8 +50,11 @@ TEST(Plans, ThatAreWrongAreRefusedWithASentence) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const std::vector<Wrong> wrongs = {
       {"a channel has no name", [](Group& g) { g.addChannel<float>(""); }},
-      {"channel \"\xff\" has a name, a unit or a comment that is not UTF-8",
+      {"channel \"\xff\" has a name, a unit, a comment or a source that is not UTF-8",
        [](Group& g) { g.addChannel<float>("\xff"); }},
+      {"channel \"c\" has a name, a unit, a comment or a source that is not UTF-8",
+       [](Group& g) { g.describe(g.addChannel<float>("c")).source.path = "\xff"; }},
+      {"its comment or its source is not UTF-8", [](Group& g) { g.source.name = "\xff"; }},
       {"two channels are named \"a\"",
        [](Group& g) {
          g.addChannel<float>("a");
@@ -81,6 +84,12 @@ TEST(Plans, ThatAreWrongAreRefusedWithASentence) {
        [](Group& g) {
          g.addArray<double>("c", {65536, 65536, 65536, 65536});
        }},
+      {"channel \"c\" is an array of no or too many elements",
+       [](Group& g) {
+         g.addArray<double>("c", {536903681, 536838145});  // 2 to the power of 58, and 1
+       }},
+      {"channel \"c\" lies beyond what a record can have",
+       [](Group& g) { g.addField(field("c", CN::CN_DATATYPE_UINT_LE, 4294967295, 64)); }},
       {"channel \"c\" has a range that ends before it begins",
        [](Group& g) {
          g.describe(g.addChannel<float>("c")).limits = {2, 1};

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <limits>
 #include <string>
 
 #include "support/read_back.h"
@@ -171,6 +172,51 @@ TEST_P(Values, AppendedAsBytesMustBeWholeRecords) {
   EXPECT_TRUE(recording.finish());
   EXPECT_FALSE(recording.append(group, 3));
   EXPECT_EQ(readBack(output, "g"), "time,number\n1,7\n2,\n");
+}
+
+TEST_P(Values, AreRefusedWhenTheFileIsFinished) {
+  for (const std::uint64_t room : {std::uint64_t{0}, std::uint64_t{1} << 20U}) {
+    Plan plan;
+    Group& group = plan.addGroup("g");
+    RecordedOutput output(room);
+    Recording recording(output, plan, options());
+    EXPECT_EQ(recording.finish(), room > 0);
+    for (int k = 0; k < 3; ++k) {
+      EXPECT_FALSE(recording.append(group, k));
+    }
+    EXPECT_EQ(recording.records(group), 0U);
+  }
+}
+
+TEST_P(Values, OfRecordsWithoutBytesAreTheirNumbers) {
+  Plan plan;
+  Group& group = plan.addGroup("g", Group::Order::index);
+  RecordedOutput output;
+  Options huge = options();
+  huge.block_bytes = std::numeric_limits<std::size_t>::max();
+  Recording recording(output, plan, huge);
+  EXPECT_TRUE(recording.append(group) && recording.appendBytes(group, {}) && recording.finish());
+  EXPECT_EQ(readBack(output, "g"), "index\n0\n1\n");
+}
+
+TEST(TimeChannel, HasNoRangeWhereTheRecordingDoesNotKnowIt) {
+  Plan plan;
+  Group& group = plan.addGroup("g", Group::Order::own);
+  mdf_writer::ChannelPlan time;
+  time.name = "own";
+  time.type = mdf_v4_10::CNBLOCK::CN_DATATYPE_UINT_LE;
+  time.bits = 8;
+  time.master = mdf_v4_10::CNBLOCK::CN_SYNCTYPE_TIME;
+  group.addField(time);
+  RecordedOutput output;
+  Recording recording(output, plan);
+  EXPECT_TRUE(recording.appendBytes(group, "\x05") && recording.appendBytes(group, "\x07"));
+  EXPECT_TRUE(recording.finish());
+  EXPECT_EQ(readBack(output, "g"), "own\n5\n7\n");
+  constexpr std::uint8_t monotonous_without_range[] = {0, 8, 0, 0};
+  const std::size_t flags = output.bytes().find("##CN") + 88 + 12;
+  EXPECT_EQ(output.bytes().substr(flags, 4),
+            std::string(std::begin(monotonous_without_range), std::end(monotonous_without_range)));
 }
 
 INSTANTIATE_TEST_SUITE_P(Layouts, Values, testing::Bool());

@@ -1,5 +1,6 @@
 #include "channel_plan.h"
 
+#include <algorithm>
 #include <cstddef>
 
 #include "texts.h"
@@ -83,17 +84,22 @@ std::string faultOfTexts(const ChannelPlan& channel) {
       return " has a conversion with a text that is not UTF-8";
     }
   }
-  return isUtf8(channel.name) && isUtf8(channel.unit) && isUtf8(channel.comment)
+  return isUtf8(channel.name) && isUtf8(channel.unit) && isUtf8(channel.comment) &&
+                 channel.source.isUtf8()
              ? ""
-             : " has a name, a unit or a comment that is not UTF-8";
+             : " has a name, a unit, a comment or a source that is not UTF-8";
 }
 
 }  // namespace
 
+bool Source::isUtf8() const {
+  return mdf_writer::isUtf8(name) && mdf_writer::isUtf8(path) && mdf_writer::isUtf8(comment);
+}
+
 std::uint64_t ChannelPlan::elements() const {
   std::uint64_t count = 1;
   for (const std::uint32_t dimension : dimensions) {
-    count = count > most_bits ? count : count * dimension;
+    count = std::min(count * dimension, most_bits + 1);
   }
   return count;
 }
@@ -130,8 +136,11 @@ std::string ChannelPlan::fault() const {
   if (fault.empty() && invalidation_bit && *invalidation_bit >= most_bits_of_invalidation) {
     fault = " has an invalidation bit beyond what a record can have";
   }
-  if (fault.empty() && ((recordBits() == 0 && !isVirtual()) || recordBits() > most_bits)) {
+  if (fault.empty() && ((recordBits() == 0 && !isVirtual()) || elements() > most_bits)) {
     fault = " is an array of no or too many elements";
+  }
+  if (fault.empty() && std::uint64_t{8} * byte_offset + recordBits() > most_bits) {
+    fault = " lies beyond what a record can have";
   }
   if (fault.empty() && (isReversed(range) || isReversed(limits) || isReversed(extended_limits))) {
     fault = " has a range that ends before it begins";

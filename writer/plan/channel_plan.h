@@ -19,6 +19,8 @@ struct Source {
   mdf_v4_10::SIBLOCK::MDF_SI_SOURCETYPE_t type = mdf_v4_10::SIBLOCK::SI_SOURCETYPE_OTHER;
   mdf_v4_10::SIBLOCK::MDF_SI_BUSTYPE_t bus = mdf_v4_10::SIBLOCK::SI_BUSTYPE_NONE;
   bool is_simulated = false;
+
+  bool isUtf8() const;
 };
 
 /// The smallest and the largest of some values.

@@ -203,6 +203,9 @@ std::string Group::fault() const {
       return group + fault;
     }
   }
+  if (!isUtf8(comment) || !source.isUtf8()) {
+    return group + "its comment or its source is not UTF-8";
+  }
   std::string fault = faultOfNames();
   if (fault.empty()) {
     fault = faultOfPlaces();

@@ -85,7 +85,7 @@ class Group {
   }
 
   /// Integers of 1 to 64 bits, signed if T is. They follow on the bits of the channel added before
-  /// if that has bits, too, and both fit into the same 8 bytes.
+  /// if that does not end with a byte, and fit with those before them into 8 bytes from there.
   template <class T>
   BitsChannel<T> addBits(std::string name, std::uint32_t bits, std::string unit = {},
                          Conversion conversion = {}) {

@@ -64,10 +64,7 @@ bool DataStream::append(std::string_view first, std::string_view second) {
     }
   }
   char* const at = tryAppend(bytes);
-  std::memcpy(at, first.data(), first.size());
-  if (!second.empty()) {
-    std::memcpy(at + first.size(), second.data(), second.size());
-  }
+  std::copy(second.begin(), second.end(), std::copy(first.begin(), first.end(), at));
   return true;
 }
 

@@ -14,6 +14,7 @@ using mdf_v4_10::detail::storeLe;
 namespace {
 
 constexpr std::size_t least_block_bytes = 4096;
+constexpr std::size_t most_block_bytes = std::size_t{1} << 24U;
 constexpr std::size_t length_bytes = 4;  // before each value of variable length
 
 constexpr std::int64_t never = std::numeric_limits<std::int64_t>::max();
@@ -78,20 +79,22 @@ void Recording::begin(Output& output) {
                      syncIfAsked() && storage_->publish() && syncIfAsked();
   if (!begun) {
     cause_ = sentence("record to") + "; nothing was recorded";
-    is_finished_ = true;
+    close();
   }
 }
 
 void Recording::makeStreams() {
   const bool is_together = description_.record_id_bytes > 0;
-  std::size_t longest = std::max(options_.block_bytes, least_block_bytes);
+  std::size_t longest = std::clamp(options_.block_bytes, least_block_bytes, most_block_bytes);
   for (Group& group : plan_.groups_) {
     State state{};
     state.group = &group;
     state.places = description_.groups[group.index_];
     state.data_bytes = group.dataBytes();
     state.invalidation_bytes = group.invalidationBytes();
-    state.is_plain = !is_together && state.invalidation_bytes == 0 && state.places.values.empty();
+    state.has_range = group.order_ == Group::Order::time;
+    state.is_plain = !is_together && state.data_bytes > 0 && state.invalidation_bytes == 0 &&
+                     state.places.values.empty();
     longest = std::max(longest,
                        description_.record_id_bytes + state.data_bytes + state.invalidation_bytes);
     for (const GroupPlaces::Values& places : state.places.values) {
@@ -182,6 +185,7 @@ bool Recording::appendBytes(Group& group, std::string_view record) {
   const std::int64_t time = group.order_ == Group::Order::time
                                 ? nanosecondsOf(loadLe<double>(record.data()))
                                 : last_flush_;
+  state.has_range = false;
   return putRecord(state, record, {}) ? count(state, time) : fail();
 }
 
@@ -227,9 +231,17 @@ bool Recording::syncIfAsked() {
   return options_.durability == Durability::none || storage_->sync();
 }
 
+/// From now on no record is taken, by the short way neither.
+void Recording::close() {
+  is_finished_ = true;
+  for (State& state : states_) {
+    state.is_plain = false;
+  }
+}
+
 /// The medium takes no more: what it took becomes a file.
 bool Recording::fail() {
-  is_finished_ = true;
+  close();
   const std::string failure = sentence("write to");
   if (!storage_->isSeekable()) {
     cause_ = failure;
@@ -339,7 +351,7 @@ bool Recording::finish() {
   if (!writeOut()) {
     return fail();
   }
-  is_finished_ = true;
+  close();
   if (storage_->isSeekable() && !complete()) {
     cause_ = sentence("complete") + "; the file says that it is unfinished";
   }
@@ -365,10 +377,11 @@ bool Recording::putCounts() {
 }
 
 /// The times of the first and the last record, so that nobody must read records to know how long
-/// the recording is. Where records were dropped, the last time is not known any more.
+/// the recording is. Where records were dropped, the last time is not known any more; that of bytes
+/// is not, nor that of a master channel of the group's own.
 bool Recording::putRange(const State& state) {
   const GroupPlaces& places = state.places;
-  if (state.records == 0 || is_cut_ || places.master_flags == 0) {
+  if (state.records == 0 || is_cut_ || !state.has_range || places.master_flags == 0) {
     return true;
   }
   std::array<char, sizeof(double)> first;

@@ -26,7 +26,8 @@ enum class Durability {
 
 /// How a recording is written. What is said nowhere else stays as it is here.
 struct Options {
-  /// Data in memory for each group, and in each block of the file.
+  /// Data in memory for each group, and in each block of the file: 4 KiB to 16 MiB. What lies
+  /// beyond is taken as the nearest of these; a block holds a record at least.
   std::size_t block_bytes = 65536;
 
   /// All groups in one data group, their records in the order in which they came, each marked by
@@ -121,6 +122,7 @@ class Recording {
     std::uint64_t records = 0;
     std::int64_t first = 0;  ///< nanoseconds, of a group in the order of time
     std::int64_t last = 0;
+    bool has_range = true;  ///< those two are known, as the records have them
     std::vector<Values> values;
   };
 
@@ -162,6 +164,7 @@ class Recording {
   bool show();
   bool showAll(const std::vector<DataStream*>& streams);
   bool syncIfAsked();
+  void close();
   bool fail();
   bool keepWhatFits();
   bool cutValues(DataStream& stream);
