@@ -89,6 +89,7 @@ TEST(FileOutput, SaysWhyItCannotBeMade) {
   const ScratchFolder folder;
   const FileOutput in_no_folder(folder / "none/run.mf4", Existing::keep);
   EXPECT_EQ(in_no_folder.cause(), "No such file or directory");
+  EXPECT_FALSE(FileOutput("", Existing::keep).isOpen());
   const FileOutput on_a_folder(folder.path(), Existing::replace);
   EXPECT_FALSE(on_a_folder.isOpen());
   EXPECT_EQ(on_a_folder.cause(), "Is a directory");
@@ -112,6 +113,17 @@ TEST(FileOutput, WritesToAPipeInOrder) {
   EXPECT_EQ(read(ends[0], bytes, sizeof bytes), 4);
   EXPECT_EQ(std::string(bytes, 4), "abcd");
   close(ends[0]);
+}
+
+TEST(FileOutput, WritesInOrderToAFileThatIsAppendedTo) {
+  const ScratchFolder folder;
+  const std::string path = folder / "run.mf4";
+  const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666);
+  FileOutput output(descriptor);
+  EXPECT_FALSE(output.isSeekable());
+  EXPECT_EQ(output.write(100, "ab", 2) + output.write(0, "cd", 2), 4U);
+  close(descriptor);
+  EXPECT_EQ(bytesOf(path), "abcd");
 }
 
 TEST(Recording, SaysWhereItCannotRecord) {

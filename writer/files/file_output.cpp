@@ -36,7 +36,10 @@ FileOutput::FileOutput(const std::string& path, Existing existing)
     : path_(withoutLinks(path)), existing_(existing) {
   struct stat status {};
   const bool is_there = stat(path_.c_str(), &status) == 0;
-  if (is_there && S_ISDIR(status.st_mode)) {
+  if (path_.empty()) {
+    errno = ENOENT;
+    fail();
+  } else if (is_there && S_ISDIR(status.st_mode)) {
     errno = EISDIR;
     fail();
   } else if (is_there && !S_ISREG(status.st_mode)) {
@@ -53,8 +56,11 @@ FileOutput::FileOutput(const std::string& path, Existing existing)
   }
 }
 
+// What is opened for appending writes at its end, whatever the offset.
 FileOutput::FileOutput(int descriptor)
-    : descriptor_(descriptor), is_seekable_(lseek(descriptor, 0, SEEK_CUR) == 0) {}
+    : descriptor_(descriptor),
+      is_seekable_(lseek(descriptor, 0, SEEK_CUR) == 0 &&
+                   (fcntl(descriptor, F_GETFL) & O_APPEND) == 0) {}
 
 FileOutput::~FileOutput() {
   if (descriptor_ >= 0 && !path_.empty()) {
