@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 #include <utility>
 
 #include "../bytes/work_budget.h"
@@ -39,7 +40,7 @@ template <class Number>
 std::size_t placeOf(Number number) {
   std::uint64_t bits = 0;
   if constexpr (std::is_integral_v<Number>) {
-    bits = static_cast<std::uint64_t>(number);
+    bits = static_cast<std::make_unsigned_t<Number>>(number);
     bits ^= bits >> 8U;
   } else {
     const auto real = static_cast<double>(number);
