@@ -8,12 +8,12 @@
 
 int main() {
   mdf_writer::Plan plan("bench run 12");
-  plan.start.nanoseconds = 1700000000000000000;  // or leave it: the plan was made now
   auto& engine = plan.addGroup("engine");
   const auto rpm = engine.addChannel<float>("rpm", "1/min");
   const auto oil = engine.addChannel<std::int16_t>("oil", "°C", mdf_writer::linear(-40, 0.5));
   auto& state = plan.addGroup("state");
   const auto gear = state.addText("gear");
+  plan.start.nanoseconds = 1700000000000000000;  // or leave it: the plan was made now
 
   mdf_writer::Options options;
   options.existing = mdf_writer::Existing::replace;
