@@ -72,7 +72,7 @@ class GatheredRecords {
     if (size >= step && size <= 2 * step) {
       std::memcpy(to, from.data(), step);
       std::memcpy(to + size - step, from.data() + size - step, step);
-    } else {
+    } else if (size != 0) {  // a record without bytes has no place
       std::memcpy(to, from.data(), size);
     }
   }
