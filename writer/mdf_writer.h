@@ -10,9 +10,12 @@
 
 #include "files/file_output.h"
 #include "files/output.h"
+#include "plan/attachment.h"
 #include "plan/channel_plan.h"
 #include "plan/conversion.h"
+#include "plan/event.h"
 #include "plan/group.h"
+#include "plan/hierarchy.h"
 #include "plan/plan.h"
 #include "stream/recording.h"
 

@@ -173,5 +173,81 @@ TEST(FileBytes, OfAPipeNeedNoRewriting) {
   EXPECT_EQ(output.bytes(), file.bytes());
 }
 
+/// An event by the plan's first history entry, so many nanoseconds from the start.
+std::string event(std::initializer_list<int> kinds, std::uint32_t scopes,
+                  std::int64_t nanoseconds) {
+  return Bytes().u8s(kinds).u32(0).u32(scopes).u16(0).u16(0).i64(nanoseconds).f64(1e-9);
+}
+
+std::string attachment(std::uint16_t flags, const std::string& digest, const std::string& bytes) {
+  return Bytes().u16(flags).zeros(6).text(digest).u64(bytes.size()).u64(bytes.size()).text(bytes);
+}
+
+TEST(FileBytes, OfEventsAttachmentsAndTheHierarchy) {
+  Plan plan("a run");
+  setUp(plan);
+  Group& state = plan.addGroup("state", Group::Order::index);
+  const auto gear = state.addChannel<std::uint8_t>("gear");
+  plan.attachments = {{"a.txt", "text/plain", "", "abc", false, "0123456789abcdef"},
+                      {"b.txt", "", "", "", true}};
+  plan.hierarchy = {{"drive", mdf_v4_10::CHBLOCK::CH_TYPE_GROUP, "", {gear}, {{"more"}}}, {"rest"}};
+  RecordedOutput output;
+  Recording recording(output, plan);
+  EXPECT_TRUE(recording.addEvent({"start", 5}));
+  EXPECT_TRUE(recording.addEvent({"lost", 7, 9, mdf_v4_10::EVBLOCK::EV_TYPE_ACQUISITION_INTERRUPT,
+                                  mdf_v4_10::EVBLOCK::EV_CAUSETYPE_ERROR, "all", &state}));
+  EXPECT_TRUE(recording.addAttachment({"c", "", "", "x"}));
+  EXPECT_FALSE(recording.addEvent({"\xff", 0}) || recording.addEvent({"a", 2, 1}) ||
+               recording.addAttachment({""}));
+  EXPECT_TRUE(recording.finish());
+  EXPECT_FALSE(recording.addEvent({"late", 0}) || recording.addAttachment({"late"}));
+
+  FileBuilder file = startOfFile();
+  const std::uint64_t b_name = file.text("b.txt");
+  const std::uint64_t b =
+      file.add("AT", {0, b_name, 0, 0}, attachment(0, std::string(16, '\0'), ""));
+  const std::uint64_t a_name = file.text("a.txt");
+  const std::uint64_t a_type = file.text("text/plain");
+  file.link(FileBuilder::header, 3,
+            file.add("AT", {b, a_name, a_type, 0}, attachment(1 + 4, "0123456789abcdef", "abc")));
+  const std::uint64_t name = file.text("gear");
+  const std::uint64_t channel =
+      file.add("CN", {0, 0, name, 0, 0, 0, 0, 0},
+               Bytes().u8s({0, 0, 0, 0}).u32(0).u32(8).zeros(8).u8(255).zeros(3 + 16 + 32));
+  const std::uint64_t index_name = file.text("index");
+  const std::uint64_t index =
+      file.add("CN", {channel, 0, index_name, 0, 0, 0, 0, 0},
+               Bytes().u8s({3, 4, 0, 0}).zeros(16).u8(255).zeros(3 + 16 + 32));
+  const std::uint64_t group_name = file.text("state");
+  const std::uint64_t group =
+      file.add("CG", {0, index, group_name, 0, 0, 0}, Bytes().zeros(24).u32(1).u32(0));
+  const std::uint64_t data_group = file.addDataGroup({group}, 0);
+  const std::uint64_t rest_name = file.text("rest");
+  const std::uint64_t rest = file.add("CH", {0, 0, rest_name, 0}, Bytes().u32(0).u32(0));
+  const std::uint64_t more_name = file.text("more");
+  const std::uint64_t more = file.add("CH", {0, 0, more_name, 0}, Bytes().u32(0).u32(0));
+  const std::uint64_t drive_name = file.text("drive");
+  file.link(FileBuilder::header, 2,
+            file.add("CH", {rest, more, drive_name, 0, data_group, group, channel},
+                     Bytes().u32(1).u32(0)));
+  const std::uint64_t start_name = file.text("start");
+  const std::uint64_t first = file.add("EV", {0, 0, 0, start_name, 0}, event({6, 1, 0, 4}, 0, 5));
+  file.link(FileBuilder::header, 4, first);
+  const std::uint64_t lost_name = file.text("lost");
+  const std::string comment =
+      R"(<EVcomment xmlns="http://www.asam.net/mdf/v4"><TX>all</TX></EVcomment>)";
+  const std::uint64_t begin_comment = file.metadata(comment);
+  const std::uint64_t end_comment = file.metadata(comment);
+  const std::uint64_t begin =
+      file.add("EV", {0, 0, 0, lost_name, begin_comment, group}, event({2, 1, 1, 1}, 1, 7));
+  const std::uint64_t end =
+      file.add("EV", {0, 0, begin, lost_name, end_comment, group}, event({2, 1, 2, 1}, 1, 9));
+  file.link(first, 0, begin);
+  file.link(begin, 0, end);
+  const std::uint64_t c_name = file.text("c");
+  file.link(b, 0, file.add("AT", {0, c_name, 0, 0}, attachment(1, std::string(16, '\0'), "x")));
+  EXPECT_EQ(output.bytes(), file.bytes());
+}
+
 }  // namespace
 }  // namespace mdf_tests

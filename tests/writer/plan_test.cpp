@@ -144,6 +144,51 @@ TEST(Plans, ThatAreWrongAreRefusedWithASentence) {
   EXPECT_EQ(unordered.fault(), "group \"g\": there is no master channel");
 }
 
+TEST(Plans, WithWrongAttachmentsAreRefusedWithASentence) {
+  const std::vector<std::pair<mdf_writer::Attachment, std::string>> wrongs = {
+      {{""}, "an attachment's name is missing or no text"},
+      {{"a", "\xff"}, R"(attachment "a" has a text that is not UTF-8)"},
+      {{"a", "", "", "x", true}, R"(attachment "a" is external and has bytes)"},
+      {{"a", "", "", "x", false, "12"}, R"(attachment "a" has a digest that is not 16 bytes long)"},
+  };
+  for (const auto& [wrong, fault] : wrongs) {
+    Plan plan;
+    plan.attachments = {wrong};
+    EXPECT_EQ(plan.fault(), fault);
+  }
+}
+
+TEST(Plans, WithAWrongHierarchyAreRefusedWithASentence) {
+  using CH = mdf_v4_10::CHBLOCK;
+  using Entry = mdf_writer::HierarchyEntry;
+  Plan plan;
+  Plan other;
+  const auto channel = plan.addGroup("g").addChannel<float>("c");
+  const auto stranger = other.addGroup("g").addChannel<float>("c");
+  const std::string texts =
+      "an entry of the hierarchy lacks its name, has one that it may not have, or a text that is "
+      "not UTF-8";
+  const std::vector<std::pair<std::vector<Entry>, std::string>> wrongs = {
+      {{{"a", CH::CH_TYPE_GROUP, "", {channel}, {{""}}}}, texts},
+      {{{"a", CH::CH_TYPE_IN_MEASUREMENT}}, texts},
+      {{{"a", CH::CH_TYPE_GROUP, "\xff"}}, texts},
+      {{{"a", CH::CH_TYPE_MAP_LIST, "", {}, {{"b"}}}},
+       R"(entry "a" of the hierarchy may have none below it)"},
+      {{{"a", CH::CH_TYPE_FUNCTION, "", {channel}}},
+       R"(entry "a" of the hierarchy is a function, which has channels in the entries below it)"},
+      {{{"a", CH::CH_TYPE_FUNCTION}, {"b"}},
+       R"(entry "a" of the hierarchy may not stand before one of the next one's type)"},
+      {{{"a", CH::CH_TYPE_GROUP, "", {stranger}}},
+       R"(entry "a" of the hierarchy has a channel of another plan)"},
+      {{{"a", CH::CH_TYPE_GROUP, "", {{}}}},
+       R"(entry "a" of the hierarchy has a channel of another plan)"},
+  };
+  for (const auto& [wrong, fault] : wrongs) {
+    plan.hierarchy = wrong;
+    EXPECT_EQ(plan.fault(), fault);
+  }
+}
+
 TEST(Records, RefuseWhatDoesNotFit) {
   Plan plan;
   Group& group = plan.addGroup("g");
@@ -151,6 +196,7 @@ TEST(Records, RefuseWhatDoesNotFit) {
   const auto number = group.addChannel<float>("number");
   const auto five = group.addBits<int>("five", 5);
   const auto three = group.addBits<unsigned>("three", 3);
+  const auto small = group.addChannel<std::int16_t>("small");
   const auto text = group.addText("text", 3);
   const auto array = group.addArray<std::uint8_t>("array", {2, 2});
   const auto variable = group.addText("variable");
@@ -165,6 +211,9 @@ TEST(Records, RefuseWhatDoesNotFit) {
   EXPECT_FALSE(group.set(text, "abcd") || group.set(text, "\xc3"));
   EXPECT_TRUE(group.set(array, elements, 4));
   EXPECT_FALSE(group.set(array, elements, 3));
+  EXPECT_TRUE(group.set(small, 32767) && group.set(small, std::int64_t{-32768}));
+  EXPECT_FALSE(group.set(small, 32768) || group.set(small, 65535U) || group.set(small, -32769) ||
+               group.set(small, std::uint64_t{1} << 40) || group.set(three, -1));
   EXPECT_TRUE(group.set(variable, "any length"));
   EXPECT_FALSE(group.set(variable, "\xff"));
   EXPECT_FALSE(group.setValid(number, false));

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <functional>
 #include <random>
 #include <string>
 #include <thread>
@@ -32,8 +33,10 @@ struct Counting {
   bool append(Recording& recording, int k) {
     numbers.set(number, static_cast<std::uint32_t>(k));
     texts.set(text, textOf(k));
-    return recording.append(numbers, k * std::int64_t{1'000'000'000}) &&
-           (k % 10 != 0 || recording.append(texts, k * std::int64_t{1'000'000'000}));
+    const std::int64_t time = k * std::int64_t{1'000'000'000};
+    return recording.append(numbers, time) && (k % 10 != 0 || recording.append(texts, time)) &&
+           (k % 40 != 3 || recording.addEvent({std::to_string(k), time})) &&
+           (k % 200 != 4 || recording.addAttachment({std::to_string(k) + ".txt", "", "", "abc"}));
   }
 
   static std::string textOf(int k) {
@@ -63,6 +66,16 @@ std::string textsUpTo(std::uint64_t count) {
   return table;
 }
 
+/// Events or attachments are the first ones of those that come with every so many records.
+void expectBeginning(const std::string& found, int step, int first,
+                     const std::function<std::string(const std::string&)>& line) {
+  std::string expected;
+  for (int k = first; expected.size() < found.size(); k += step) {
+    expected += line(std::to_string(k));
+  }
+  EXPECT_EQ(found, expected);
+}
+
 std::uint64_t linesOf(const std::string& table) {
   const auto lines = static_cast<std::uint64_t>(std::count(table.begin(), table.end(), '\n'));
   return lines == 0 ? 0 : lines - 1;
@@ -77,6 +90,11 @@ void expectWhole(const std::string& file, std::uint64_t least_numbers, std::uint
   const std::string texts = tableOf(file, "texts");
   EXPECT_EQ(texts, textsUpTo(linesOf(texts)));
   EXPECT_GE(linesOf(texts), least_texts);
+  const Added added = addedTo(file);
+  expectBeginning(added.events, 40, 3, [](const std::string& k) { return k + ' ' + k + '\n'; });
+  EXPECT_GE(added.events.size(), 4 * ((least_numbers + 36) / 40));
+  expectBeginning(added.attachments, 200, 4, [](const std::string& k) { return k + ".txt abc\n"; });
+  EXPECT_GE(added.attachments.size(), 10 * ((least_numbers + 195) / 200));
 }
 
 struct Case {

@@ -14,6 +14,9 @@ namespace {
 
 /// Records whose length does not fit the group's 32 bits are refused; this is far below.
 constexpr std::uint64_t most_bits = std::uint64_t{1} << 30U;
+// Beyond these readers show a larger array as one value of bytes.
+constexpr std::uint64_t most_elements = 65536;
+constexpr std::size_t most_dimensions = 16;
 constexpr std::uint32_t most_bits_of_invalidation = 1U << 20U;
 
 bool isWholeBytes(const ChannelPlan& channel) {
@@ -136,7 +139,8 @@ std::string ChannelPlan::fault() const {
   if (fault.empty() && invalidation_bit && *invalidation_bit >= most_bits_of_invalidation) {
     fault = " has an invalidation bit beyond what a record can have";
   }
-  if (fault.empty() && ((recordBits() == 0 && !isVirtual()) || elements() > most_bits)) {
+  if (fault.empty() && ((recordBits() == 0 && !isVirtual()) || elements() > most_elements ||
+                        dimensions.size() > most_dimensions)) {
     fault = " is an array of no or too many elements";
   }
   if (fault.empty() && std::uint64_t{8} * byte_offset + recordBits() > most_bits) {

@@ -114,18 +114,12 @@ class Group {
 
   const std::vector<ChannelPlan>& channels() const { return channels_; }
 
-  /// A type that is not deduced: a value is converted to the channel's.
-  template <class T>
-  struct As {
-    using type = T;
-  };
-
-  template <class T>
-  bool set(const Channel<T>& channel, typename As<T>::type value) {
-    if (channel.group != this) {
+  template <class T, class Value>
+  bool set(const Channel<T>& channel, Value value) {
+    if (channel.group != this || !fits<T>(value)) {
       return false;
     }
-    mdf_v4_10::detail::storeLe(&record_[channel.at], value);
+    mdf_v4_10::detail::storeLe(&record_[channel.at], static_cast<T>(value));
     return true;
   }
 
@@ -141,10 +135,9 @@ class Group {
     return true;
   }
 
-  template <class T>
-  bool set(const BitsChannel<T>& channel, typename As<T>::type value) {
-    const bool negative = value < 0;
-    return setBits(channel, static_cast<std::uint64_t>(value), negative);
+  template <class T, class Value>
+  bool set(const BitsChannel<T>& channel, Value value) {
+    return fits<T>(value) && setBits(channel, static_cast<std::uint64_t>(value), value < 0);
   }
 
   bool set(const FixedChannel& channel, std::string_view value);
@@ -173,6 +166,19 @@ class Group {
     }
     return std::is_signed_v<T> ? mdf_v4_10::CNBLOCK::CN_DATATYPE_INT_LE
                                : mdf_v4_10::CNBLOCK::CN_DATATYPE_UINT_LE;
+  }
+
+  /// Whether a T holds a value without another one becoming of it, but for digits of floats.
+  template <class T, class Value>
+  static constexpr bool fits(Value value) {
+    static_assert(std::is_arithmetic_v<Value>, "a number");
+    if constexpr (std::is_floating_point_v<T>) {
+      return true;
+    } else {
+      static_assert(std::is_integral_v<Value>, "round a float before it is set as an integer");
+      return static_cast<Value>(static_cast<T>(value)) == value &&
+             (static_cast<T>(value) < 0) == (value < 0);
+    }
   }
 
   static ChannelPlan named(std::string name, std::string unit, Conversion conversion);

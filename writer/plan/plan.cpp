@@ -5,6 +5,8 @@
 #include <chrono>
 #include <utility>
 
+#include "texts.h"
+
 namespace mdf_writer {
 
 Moment now() {
@@ -35,6 +37,59 @@ std::string Plan::fault() const {
     std::string fault = group.fault();
     if (!fault.empty()) {
       return fault;
+    }
+  }
+  for (const Attachment& attachment : attachments) {
+    std::string fault = attachment.fault();
+    if (!fault.empty()) {
+      return fault;
+    }
+  }
+  return faultOf(hierarchy);
+}
+
+std::string Plan::faultOf(const std::vector<HierarchyEntry>& entries) const {
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const bool is_last = i + 1 == entries.size();
+    std::string fault = faultOf(entries[i], is_last ? nullptr : &entries[i + 1]);
+    if (fault.empty()) {
+      fault = faultOf(entries[i].entries);
+    }
+    if (!fault.empty()) {
+      return fault;
+    }
+  }
+  return "";
+}
+
+/// The block knows what may stand where: it takes a link only if that may be.
+std::string Plan::faultOf(const HierarchyEntry& entry, const HierarchyEntry* next) const {
+  using mdf_v4_10::CHBLOCK;
+  constexpr mdf_v4_10::LINK any = 8;
+  CHBLOCK block(entry.type);
+  block.setTXNameBlock(any);
+  block.setFirstCHBlock(any);
+  if (!isUtf8(entry.name) || !isUtf8(entry.comment) ||
+      (block.getTXNameBlock() == 0) != entry.name.empty()) {
+    return "an entry of the hierarchy lacks its name, has one that it may not have, or a text that "
+           "is not UTF-8";
+  }
+  const std::string who = "entry \"" + entry.name + "\" of the hierarchy ";
+  if (block.getFirstCHBlock() == 0 && !entry.entries.empty()) {
+    return who + "may have none below it";
+  }
+  if (entry.type == CHBLOCK::CH_TYPE_FUNCTION && !entry.channels.empty()) {
+    return who + "is a function, which has channels in the entries below it";
+  }
+  if (next != nullptr) {
+    block.setNextCHBlock(any, next->type);
+    if (block.getNextCHBlock() == 0) {
+      return who + "may not stand before one of the next one's type";
+    }
+  }
+  for (const ChannelRef& channel : entry.channels) {
+    if (channel.group == nullptr || channel.group->plan_ != this) {
+      return who + "has a channel of another plan";
     }
   }
   return "";

@@ -4,8 +4,11 @@
 #include <cstdint>
 #include <deque>
 #include <string>
+#include <vector>
 
+#include "attachment.h"
 #include "group.h"
+#include "hierarchy.h"
 #include "texts.h"
 
 namespace mdf_writer {
@@ -38,6 +41,9 @@ class Plan {
   std::string program_version;
   std::string history = "recorded";  ///< what it did, for the file's history
 
+  std::vector<Attachment> attachments;    ///< those that the file has from the beginning
+  std::vector<HierarchyEntry> hierarchy;  ///< of the groups' channels, in any order and depth
+
   /// A new group. It stays where it is as long as the plan lasts.
   Group& addGroup(std::string name, Group::Order order = Group::Order::time);
 
@@ -48,6 +54,9 @@ class Plan {
 
  private:
   friend class Recording;
+
+  std::string faultOf(const std::vector<HierarchyEntry>& entries) const;
+  std::string faultOf(const HierarchyEntry& entry, const HierarchyEntry* next) const;
 
   std::deque<Group> groups_;
 };

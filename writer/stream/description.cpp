@@ -8,12 +8,16 @@
 #include <utility>
 
 #include "../../mdf/mdf_v4_10.h"
+#include "added_blocks.h"
+#include "blocks.h"
 #include "places.h"
 
 namespace mdf_writer {
 
+using mdf_v4_10::ATBLOCK;
 using mdf_v4_10::CCBLOCK;
 using mdf_v4_10::CGBLOCK;
+using mdf_v4_10::CHBLOCK;
 using mdf_v4_10::CNBLOCK;
 using mdf_v4_10::DGBLOCK;
 using mdf_v4_10::DTBLOCK;
@@ -21,7 +25,6 @@ using mdf_v4_10::FHBLOCK;
 using mdf_v4_10::HDBLOCK;
 using mdf_v4_10::IDBLOCK;
 using mdf_v4_10::LINK;
-using mdf_v4_10::MDBLOCK;
 using mdf_v4_10::SIBLOCK;
 using mdf_v4_10::TXBLOCK;
 using mdf_v4_10::detail::cgblock_fields;
@@ -64,7 +67,7 @@ std::string arrayBlock(const ChannelPlan& channel) {
   std::string block(size, '\0');
   block.replace(0, 4, "##CA");
   storeLe(&block[place_of_length], std::uint64_t{size});
-  storeLe(&block[placeOfLink(0) - sizeof links], links);
+  storeLe(&block[place_of_link_count], links);
   char* const data = &block[placeOfLink(links)];
   storeLe(data + 2, static_cast<std::uint16_t>(dimensions));
   storeLe(data + 8, static_cast<std::int32_t>(channel.bits / 8));
@@ -86,11 +89,6 @@ class Describer {
 
  private:
   void giveRecordIds();
-  template <class Block>
-  LINK add(const Block& block);
-  LINK addText(std::string_view text);
-  LINK addComment(std::string_view name, std::string_view text);
-  LINK addXml(const std::string& xml);
   LINK addSource(const Source& source);
   LINK addConversion(const Conversion& conversion);
   LINK addReference(const std::string& text, bool is_default);
@@ -101,14 +99,23 @@ class Describer {
   LINK addGroupsApart();
   LINK addGroupsTogether();
   void addHistory(HDBLOCK& header);
+  void addAttachments(HDBLOCK& header);
+  LINK addHierarchy(const std::vector<HierarchyEntry>& entries);
   IDBLOCK identification() const;
   IDBLOCK unfinishedIdentification() const;
   bool isTogether() const { return layout_ != Layout::apart; }
 
   const Plan& plan_;
   Layout layout_;
-  std::ostringstream out_;
-  std::map<std::string, LINK, std::less<>> texts_;
+  /// Where the blocks of a group are, as entries of the hierarchy name them.
+  struct GroupBlocks {
+    LINK data_group = 0;
+    LINK group = 0;
+    std::vector<LINK> channels;
+  };
+
+  Blocks blocks_{0};
+  std::map<const Group*, GroupBlocks> group_blocks_;
   Description result_;
 };
 
@@ -131,48 +138,19 @@ void Describer::giveRecordIds() {
   }
 }
 
-template <class Block>
-LINK Describer::add(const Block& block) {
-  auto position = static_cast<LINK>(out_.tellp());
-  for (; position % 8 != 0; ++position) {
-    out_.put('\0');
-  }
-  out_ << block;
-  return position;
-}
-
-LINK Describer::addText(std::string_view text) {
-  if (text.empty()) {
-    return 0;
-  }
-  const auto known = texts_.find(text);
-  if (known != texts_.end()) {
-    return known->second;
-  }
-  const LINK link = add(TXBLOCK(text.data(), text.size()));
-  texts_.emplace(text, link);
-  return link;
-}
-
-LINK Describer::addXml(const std::string& xml) { return add(MDBLOCK(xml.data(), xml.size())); }
-
-LINK Describer::addComment(std::string_view name, std::string_view text) {
-  return text.empty() ? 0 : addXml(xmlComment(name, xmlElement("TX", text)));
-}
-
 LINK Describer::addSource(const Source& source) {
   if (source.name.empty() && source.path.empty()) {
     return 0;
   }
-  SIBLOCK block(source.type, source.bus, source.is_simulated, addText(source.name),
-                addText(source.path));
-  block.setComment(addComment("SIcomment", source.comment));
-  return add(block);
+  SIBLOCK block(source.type, source.bus, source.is_simulated, blocks_.addText(source.name),
+                blocks_.addText(source.path));
+  block.setComment(blocks_.addComment("SIcomment", source.comment));
+  return blocks_.add(block);
 }
 
 /// No text is the nil link only where that stands for the value as it is.
 LINK Describer::addReference(const std::string& text, bool is_default) {
-  return text.empty() && !is_default ? add(TXBLOCK()) : addText(text);
+  return text.empty() && !is_default ? blocks_.add(TXBLOCK()) : blocks_.addText(text);
 }
 
 LINK Describer::addConversion(const Conversion& conversion) {
@@ -186,7 +164,7 @@ LINK Describer::addConversion(const Conversion& conversion) {
     block.addReference(addReference(conversion.texts[i], is_last && has_default));
   }
   block.cc_vals = conversion.numbers;
-  return add(block);
+  return blocks_.add(block);
 }
 
 /// Which flag and members a stated range has.
@@ -226,13 +204,14 @@ CNBLOCK::MDF_CN_CHANNELTYPE_t typeOf(const ChannelPlan& channel) {
 
 LINK Describer::addChannel(const ChannelPlan& channel, std::size_t index, LINK next,
                            GroupPlaces& places) {
-  CNBLOCK block(typeOf(channel), channel.master, channel.type, next, addText(channel.name), 0);
-  block.setUnitblock(addText(channel.unit));
-  block.setCommentblock(addComment("CNcomment", channel.comment));
+  CNBLOCK block(typeOf(channel), channel.master, channel.type, next, blocks_.addText(channel.name),
+                0);
+  block.setUnitblock(blocks_.addText(channel.unit));
+  block.setCommentblock(blocks_.addComment("CNcomment", channel.comment));
   block.setSourceSiblock(addSource(channel.source));
   block.setConversionCcblock(addConversion(channel.conversion));
   if (!channel.dimensions.empty()) {
-    block.setCompositionblock(add(arrayBlock(channel)));
+    block.setCompositionblock(blocks_.add(arrayBlock(channel)));
   }
   block.setByteOffset(channel.byte_offset);
   block.setBitOffset(channel.bit_offset);
@@ -247,7 +226,7 @@ LINK Describer::addChannel(const ChannelPlan& channel, std::size_t index, LINK n
   if (values != nullptr) {
     block.setDatablock(static_cast<LINK>(values->group));
   }
-  const LINK link = add(block);
+  const LINK link = blocks_.add(block);
   if (values != nullptr) {
     values->data_link = at(link, placeOfLink(CNBLOCK::cn_data));
   }
@@ -260,22 +239,26 @@ LINK Describer::addChannel(const ChannelPlan& channel, std::size_t index, LINK n
 }
 
 LINK Describer::addGroup(const Group& group, LINK next, GroupPlaces& places) {
+  GroupBlocks& blocks = group_blocks_[&group];
+  blocks.channels.resize(group.channels().size());
   LINK channel = 0;
   for (std::size_t i = group.channels().size(); i-- > 0;) {
     channel = addChannel(group.channels()[i], i, channel, places);
+    blocks.channels[i] = channel;
   }
   CGBLOCK block;
   block.setNextCgblock(next);
   block.setFirstCnblock(channel);
-  block.setAcqTxNameblock(addText(group.name()));
+  block.setAcqTxNameblock(blocks_.addText(group.name()));
   block.setAcqSourceSiblock(addSource(group.source));
-  block.setComment(addComment("CGcomment", group.comment));
+  block.setComment(blocks_.addComment("CGcomment", group.comment));
   block.setRecordId(isTogether() ? places.record_id : 0);
   block.setDataBytes(group.dataBytes());
   block.setInvalidBytes(group.invalidationBytes());
-  const LINK link = add(block);
-  places.cycle_count = at(link, cycle_count_place);
-  return link;
+  blocks.group = blocks_.add(block);
+  places.block = at(blocks.group, 0);
+  places.cycle_count = at(blocks.group, cycle_count_place);
+  return blocks.group;
 }
 
 LINK Describer::addValueGroup(GroupPlaces::Values& values, LINK next) {
@@ -283,7 +266,7 @@ LINK Describer::addValueGroup(GroupPlaces::Values& values, LINK next) {
   block.setNextCgblock(next);
   block.setVLSDChannelGroup(true);
   block.setRecordId(values.record_id);
-  const LINK link = add(block);
+  const LINK link = blocks_.add(block);
   values.group = static_cast<std::uint64_t>(link);
   values.cycle_count = at(link, cycle_count_place);
   values.total_bytes = at(link, data_bytes_place);
@@ -293,14 +276,16 @@ LINK Describer::addValueGroup(GroupPlaces::Values& values, LINK next) {
 LINK Describer::addDataGroup(LINK first_group, LINK next) {
   constexpr std::array codes = {DGBLOCK::DG_WITHOUT, DGBLOCK::DG_UINT8, DGBLOCK::DG_UINT16_LE,
                                 DGBLOCK::DG_WITHOUT, DGBLOCK::DG_UINT32_LE};
-  return add(DGBLOCK(next, first_group, 0, codes[result_.record_id_bytes]));
+  return blocks_.add(DGBLOCK(next, first_group, 0, codes[result_.record_id_bytes]));
 }
 
 LINK Describer::addGroupsApart() {
   LINK next = 0;
   for (std::size_t i = result_.groups.size(); i-- > 0;) {
     GroupPlaces& places = result_.groups[i];
-    next = addDataGroup(addGroup(plan_.groups()[i], 0, places), next);
+    const Group& group = plan_.groups()[i];
+    next = addDataGroup(addGroup(group, 0, places), next);
+    group_blocks_[&group].data_group = next;
     places.data_link = at(next, placeOfLink(DGBLOCK::dg_data));
   }
   return next;
@@ -316,21 +301,59 @@ LINK Describer::addGroupsTogether() {
     next = addGroup(plan_.groups()[i], next, places);
   }
   const LINK data_group = addDataGroup(next, 0);
-  for (GroupPlaces& places : result_.groups) {
-    places.data_link = at(data_group, placeOfLink(DGBLOCK::dg_data));
+  for (std::size_t i = 0; i < result_.groups.size(); ++i) {
+    group_blocks_[&plan_.groups()[i]].data_group = data_group;
+    result_.groups[i].data_link = at(data_group, placeOfLink(DGBLOCK::dg_data));
   }
   return data_group;
 }
 
 void Describer::addHistory(HDBLOCK& header) {
   FHBLOCK block(
-      addXml(xmlComment("FHcomment", xmlElement("TX", plan_.history) +
-                                         xmlElement("tool_id", plan_.program) +
-                                         xmlElement("tool_vendor", plan_.program_vendor) +
-                                         xmlElement("tool_version", plan_.program_version))),
+      blocks_.addXml(xmlComment(
+          "FHcomment", xmlElement("TX", plan_.history) + xmlElement("tool_id", plan_.program) +
+                           xmlElement("tool_vendor", plan_.program_vendor) +
+                           xmlElement("tool_version", plan_.program_version))),
       plan_.start.nanoseconds, plan_.start.zone_minutes, 0);
   block.setDST(plan_.start.is_daylight_saving);
-  header.setFHFirstblock(add(block));
+  header.setFHFirstblock(blocks_.add(block));
+}
+
+void Describer::addAttachments(HDBLOCK& header) {
+  LINK next = 0;
+  result_.attachment_link = IDBLOCK::IDBLOCK_SIZE + placeOfLink(HDBLOCK::hd_at_first);
+  for (std::size_t i = plan_.attachments.size(); i-- > 0;) {
+    const bool is_last = next == 0;
+    next = addAttachment(blocks_, plan_.attachments[i], next);
+    if (is_last) {
+      result_.attachment_link = at(next, placeOfLink(ATBLOCK::at_at_next));
+    }
+  }
+  header.setATFirstblock(next);
+}
+
+/// The block states one link for each channel; it has three, which readers must know to find its
+/// type.
+LINK Describer::addHierarchy(const std::vector<HierarchyEntry>& entries) {
+  LINK next = 0;
+  for (std::size_t i = entries.size(); i-- > 0;) {
+    const HierarchyEntry& entry = entries[i];
+    CHBLOCK block(entry.type);
+    if (next != 0) {
+      block.setNextCHBlock(next, entries[i + 1].type);
+    }
+    block.setFirstCHBlock(addHierarchy(entry.entries));
+    block.setTXNameBlock(blocks_.addText(entry.name));
+    block.setMDBlock(blocks_.addComment("CHcomment", entry.comment));
+    for (const ChannelRef& channel : entry.channels) {
+      const GroupBlocks& blocks = group_blocks_[channel.group];
+      block.addChannelElement(blocks.data_group, blocks.group, blocks.channels[channel.index]);
+    }
+    std::string bytes = bytesOf(block);
+    storeLe(&bytes[place_of_link_count], std::uint64_t{4} + 3 * entry.channels.size());
+    next = blocks_.add(bytes);
+  }
+  return next;
 }
 
 IDBLOCK Describer::identification() const { return IDBLOCK(plan_.program.c_str()); }
@@ -354,14 +377,17 @@ Description Describer::describe() {
                  0);
   header.setDST(plan_.start.is_daylight_saving);
   result_.finished_identification = bytesOf(identification());
-  out_ << result_.finished_identification;
-  add(header);
+  blocks_.add(result_.finished_identification);
+  blocks_.add(header);
   addHistory(header);
-  header.setMDCommentblock(addXml(
+  header.setMDCommentblock(blocks_.addXml(
       xmlComment("HDcomment", xmlElement("TX", plan_.comment) + xmlProperties(plan_.properties))));
+  addAttachments(header);
   header.setDGFirstblock(isTogether() ? addGroupsTogether() : addGroupsApart());
-  const LINK data = layout_ == Layout::open_end ? add(DTBLOCK()) : 0;
-  result_.bytes = out_.str();
+  header.setCHFirstblock(addHierarchy(plan_.hierarchy));
+  result_.event_link = IDBLOCK::IDBLOCK_SIZE + placeOfLink(HDBLOCK::hd_ev_first);
+  const LINK data = layout_ == Layout::open_end ? blocks_.add(DTBLOCK()) : 0;
+  result_.bytes = blocks_.bytes();
   result_.bytes.replace(0, IDBLOCK::IDBLOCK_SIZE, bytesOf(unfinishedIdentification()));
   result_.bytes.replace(IDBLOCK::IDBLOCK_SIZE, HDBLOCK::HDBLOCK_SIZE, bytesOf(header));
   if (data != 0 && !result_.groups.empty()) {

@@ -19,6 +19,7 @@ enum class Layout {
 /// Where a file holds what is written in place while it grows. 0 stands for nothing.
 struct GroupPlaces {
   std::uint64_t data_link = 0;  ///< to the records
+  std::uint64_t block = 0;      ///< no place in it, but that of the group
   std::uint64_t cycle_count = 0;
   std::uint64_t record_id = 0;     ///< no place, but the number itself
   std::uint64_t master_flags = 0;  ///< with the flag for the range, which then follows
@@ -51,7 +52,9 @@ struct Description {
   std::string bytes;
   std::string finished_identification;
   unsigned record_id_bytes = 0;
-  std::vector<GroupPlaces> groups;  ///< as in the plan
+  std::vector<GroupPlaces> groups;    ///< as in the plan
+  std::uint64_t event_link = 0;       ///< where the link to the first event stands
+  std::uint64_t attachment_link = 0;  ///< and to the first attachment after those of the plan
 };
 
 /// The blocks that say what a plan says. Text that occurs again is stored once.

@@ -11,6 +11,7 @@ namespace mdf_writer {
 
 /// The length in a block's header.
 inline constexpr std::size_t place_of_length = 8;
+inline constexpr std::size_t place_of_link_count = 16;
 
 constexpr std::size_t placeOfLink(std::size_t index) {
   return mdf_v4_10::HeaderSection::HEADER_SIZE + index * sizeof(mdf_v4_10::LINK);

@@ -6,8 +6,11 @@
 #include <limits>
 #include <utility>
 
+#include "../plan/texts.h"
+
 namespace mdf_writer {
 
+using mdf_v4_10::LINK;
 using mdf_v4_10::detail::loadLe;
 using mdf_v4_10::detail::storeLe;
 
@@ -16,8 +19,6 @@ namespace {
 constexpr std::size_t least_block_bytes = 4096;
 constexpr std::size_t most_block_bytes = std::size_t{1} << 24U;
 constexpr std::size_t length_bytes = 4;  // before each value of variable length
-
-constexpr std::int64_t never = std::numeric_limits<std::int64_t>::max();
 
 template <class Number>
 std::string_view bytesOf(std::array<char, sizeof(Number)>& bytes, Number number) {
@@ -72,7 +73,10 @@ void Recording::begin(Output& output) {
                                                : Layout::apart;
   description_ = describe(plan_, layout);
   makeStreams();
-  next_flush_ = options_.flush_interval > 0 ? std::numeric_limits<std::int64_t>::min() : never;
+  if (output.isSeekable()) {
+    events_.emplace(*storage_, description_.event_link);
+    attachments_.emplace(*storage_, description_.attachment_link);
+  }
   const std::string& bytes = description_.bytes;
   const bool begun = storage_->write(storage_->allocate(bytes.size()), bytes.data(),
                                      bytes.size()) == bytes.size() &&
@@ -189,10 +193,39 @@ bool Recording::appendBytes(Group& group, std::string_view record) {
   return putRecord(state, record, {}) ? count(state, time) : fail();
 }
 
+bool Recording::addEvent(const Event& event) {
+  const bool is_right =
+      isUtf8(event.name) && isUtf8(event.comment) &&
+      (event.group == nullptr || isPlanned(*event.group)) &&
+      (!event.nanoseconds_at_end || *event.nanoseconds_at_end >= event.nanoseconds);
+  if (is_finished_ || !events_ || !is_right) {
+    return false;
+  }
+  Blocks blocks(events_->place());
+  const std::uint64_t scope =
+      event.group == nullptr ? 0 : states_[event.group->index_].places.block;
+  const Chained added = mdf_writer::addEvent(blocks, event, static_cast<LINK>(scope));
+  return events_->write(blocks, added) || fail();
+}
+
+bool Recording::addAttachment(const Attachment& attachment) {
+  if (is_finished_ || !attachments_ || !attachment.fault().empty()) {
+    return false;
+  }
+  Blocks blocks(attachments_->place());
+  const LINK link = mdf_writer::addAttachment(blocks, attachment, 0);
+  return attachments_->write(blocks, {link, link}) || fail();
+}
+
 bool Recording::flushAt(std::int64_t nanoseconds) {
   last_flush_ = nanoseconds;
-  const std::int64_t interval = options_.flush_interval;
-  next_flush_ = nanoseconds > never - interval ? never : nanoseconds + interval;
+  if (options_.flush_interval <= 0) {
+    quiet_ = std::numeric_limits<std::uint64_t>::max();
+    return true;
+  }
+  const auto interval = static_cast<std::uint64_t>(options_.flush_interval);
+  quiet_begin_ = static_cast<std::uint64_t>(nanoseconds) - interval;
+  quiet_ = 2 * interval;
   return flush();
 }
 
@@ -211,7 +244,12 @@ bool Recording::writeOut() {
 
 /// Values before the records that refer to them.
 bool Recording::show() {
-  return showAll(value_streams_) && showAll(record_streams_) && syncIfAsked();
+  return showAll(value_streams_) && showAll(record_streams_) && showChains() && syncIfAsked();
+}
+
+bool Recording::showChains() {
+  const bool has_link = events_ && (events_->hasLinkToShow() || attachments_->hasLinkToShow());
+  return !has_link || (syncIfAsked() && events_->showLink() && attachments_->showLink());
 }
 
 bool Recording::showAll(const std::vector<DataStream*>& streams) {

@@ -5,12 +5,15 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "../files/file_output.h"
+#include "../plan/event.h"
 #include "../plan/plan.h"
+#include "added_blocks.h"
 #include "data_stream.h"
 #include "description.h"
 #include "storage.h"
@@ -34,7 +37,8 @@ struct Options {
   /// its group. Else each group has a data group of its own, which programs read faster.
   bool is_unsorted = false;
 
-  /// Nanoseconds of the records' time after which the next record flushes; 0 for never.
+  /// Nanoseconds of the records' time after which the next record flushes, and by which a record
+  /// lies before the last one that flushed if it is to flush: clocks are set back. 0 for never.
   std::int64_t flush_interval = 1'000'000'000;
 
   Durability durability = Durability::none;
@@ -90,6 +94,13 @@ class Recording {
   /// Appends a record as its bytes: data, then invalidation bytes. False also when there are more
   /// or fewer than the group's records have, or when the group has values of variable length.
   bool appendBytes(Group& group, std::string_view record);
+
+  /// Adds an event, or an attachment, which the next flush brings into the file. False when it was
+  /// not taken: when a text is not UTF-8, the event's group is one of another plan, an event ends
+  /// before it begins, or the file takes no more. An output that cannot go back takes neither: of
+  /// attachments, it takes those of the plan.
+  bool addEvent(const Event& event);
+  bool addAttachment(const Attachment& attachment);
 
   /// Brings everything that was appended into the file.
   bool flush();
@@ -150,7 +161,7 @@ class Recording {
       state.first = nanoseconds;
     }
     state.last = nanoseconds;
-    return nanoseconds < next_flush_ || flushAt(nanoseconds);
+    return static_cast<std::uint64_t>(nanoseconds) - quiet_begin_ < quiet_ || flushAt(nanoseconds);
   }
 
   void begin(Output& output);
@@ -162,6 +173,7 @@ class Recording {
   bool flushAt(std::int64_t nanoseconds);
   bool writeOut();
   bool show();
+  bool showChains();
   bool showAll(const std::vector<DataStream*>& streams);
   bool syncIfAsked();
   void close();
@@ -187,9 +199,12 @@ class Recording {
   std::vector<std::unique_ptr<DataStream>> streams_;
   std::vector<DataStream*> value_streams_;   ///< in the order in which they are written
   std::vector<DataStream*> record_streams_;  ///< after those
-  std::string id_;                           ///< of the record that is being put, as bytes
+  std::optional<Chain> events_;              ///< none as long as nothing can be added
+  std::optional<Chain> attachments_;
+  std::string id_;  ///< of the record that is being put, as bytes
   std::int64_t last_flush_ = 0;
-  std::int64_t next_flush_ = 0;
+  std::uint64_t quiet_begin_ = 0;  ///< times of records that do not flush: from here,
+  std::uint64_t quiet_ = 0;        ///< so many nanoseconds, modulo 2^64
   bool is_finished_ = false;
   bool is_cut_ = false;  ///< records were dropped
   std::string cause_;

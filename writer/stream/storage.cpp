@@ -7,7 +7,7 @@
 namespace mdf_writer {
 
 std::uint64_t Storage::allocate(std::uint64_t bytes) {
-  const std::uint64_t at = (end_ + 7) / 8 * 8;
+  const std::uint64_t at = place();
   end_ = at + bytes;
   last_ = at;
   return at;
@@ -16,6 +16,7 @@ std::uint64_t Storage::allocate(std::uint64_t bytes) {
 void Storage::giveBack(std::uint64_t at) {
   if (at == last_) {
     end_ = at;
+    cut();
   }
 }
 

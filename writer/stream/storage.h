@@ -14,10 +14,14 @@ class Storage {
  public:
   explicit Storage(Output& output) : output_(output) {}
 
-  /// Where the next block of so many bytes goes: at a multiple of 8 after all others.
+  /// Where the next block goes: at a multiple of 8 after all others.
+  std::uint64_t place() const { return (end_ + 7) / 8 * 8; }
+
+  /// Gives it so many bytes.
   std::uint64_t allocate(std::uint64_t bytes);
 
-  /// Gives back the place of a block that could not be written, if it is the last.
+  /// Gives back the place of a block that could not be written, if it is the last, and what of it
+  /// was written.
   void giveBack(std::uint64_t at);
 
   /// Cuts off what lies after the last block.

@@ -3,6 +3,7 @@
 #include <mdf_reader/mdf_reader.h>
 
 #include <set>
+#include <sstream>
 
 #include "../tools/support/temp_file.h"
 #include "reader/bytes/input_file.h"
@@ -71,6 +72,21 @@ std::string tableOf(const std::string& bytes, const std::string& group) {
   } catch (const mdf_reader::Unreadable& error) {
     return error.what();
   }
+}
+
+Added addedTo(const std::string& bytes) {
+  const TempFile file(bytes);
+  const mdf_reader::Measurement measurement(file.path());
+  std::ostringstream events;
+  for (const mdf_reader::Event& event : measurement.events()) {
+    events << event.name << ' ' << event.position() << '\n';
+  }
+  std::ostringstream attachments;
+  for (const mdf_reader::Attachment& attachment : measurement.attachments()) {
+    attachments << attachment.name << ' ' << bytes.substr(attachment.data_at, attachment.data_there)
+                << '\n';
+  }
+  return {events.str(), attachments.str()};
 }
 
 }  // namespace mdf_tests

@@ -15,6 +15,14 @@ std::vector<std::string> findingsOf(const std::string& bytes);
 /// wrong stands in the last line.
 std::string tableOf(const std::string& bytes, const std::string& group);
 
+/// The file's events by name and time, and its attachments by name and bytes, a line each.
+struct Added {
+  std::string events;
+  std::string attachments;
+};
+
+Added addedTo(const std::string& bytes);
+
 }  // namespace mdf_tests
 
 #endif  // MDF_TESTS_WRITER_SUPPORT_READ_BACK_H_
