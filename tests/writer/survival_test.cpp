@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <random>
+#include <set>
 #include <string>
 #include <thread>
 
@@ -230,6 +231,27 @@ TEST_P(Survival, AWriteThatFailsOnceLeavesAFinishedFileOfWhatCameBefore) {
       expectFinished(output.bytes(), counting, recording);
     }
   }
+}
+
+TEST_P(Survival, ASyncThatFailsIsReportedAndSaysWhatTheFileSays) {
+  std::set<std::string> causes;
+  bool finished = false;
+  for (std::size_t number = 3; !finished; ++number) {
+    Counting counting;
+    RecordedOutput output;
+    output.failSync(number);
+    Recording recording(output, counting.plan, options());
+    finished = recordOn(counting, recording);
+    if (recording.cause().substr(0, 9) == "cannot co") {
+      causes.insert(output.bytes().substr(0, 2) + ": " + recording.cause());
+    } else {
+      expectFinished(output.bytes(), counting, recording);
+    }
+  }
+  EXPECT_EQ(causes,
+            (std::set<std::string>{
+                "MD: cannot complete: the medium is full; it is not certain what the medium holds",
+                "Un: cannot complete: the medium is full; the file says that it is unfinished"}));
 }
 
 TEST(FullMedium, KeepsNoRecordWhoseShortValueItDidNotTake) {

@@ -7,7 +7,7 @@ namespace mdf_writer {
 
 /// A file that belongs to the measurement: its bytes, or where it lies.
 struct Attachment {
-  std::string name;  ///< of the file; with its path where it is external
+  std::string name;            ///< of the file; with its path where it is external
   std::string mime_type = {};  ///< such as "text/plain"
   std::string comment = {};
   std::string bytes = {};

@@ -16,7 +16,7 @@ struct Event {
   using Cause = mdf_v4_10::EVBLOCK::MDF_EV_CAUSETYPE_t;
 
   std::string name;
-  std::int64_t nanoseconds = 0;             ///< since the start
+  std::int64_t nanoseconds = 0;                         ///< since the start
   std::optional<std::int64_t> nanoseconds_at_end = {};  ///< of an event that lasts
   Type type = mdf_v4_10::EVBLOCK::EV_TYPE_MARKER;
   Cause cause = mdf_v4_10::EVBLOCK::EV_CAUSETYPE_USER;

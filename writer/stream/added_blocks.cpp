@@ -44,14 +44,13 @@ LINK addAttachment(Blocks& blocks, const Attachment& attachment, LINK next) {
 
 Chained addEvent(Blocks& blocks, const Event& event, LINK scope) {
   if (!event.nanoseconds_at_end) {
-    const LINK link = blocks.add(
-        blockOf(blocks, event, event.nanoseconds, EVBLOCK::EV_RANGETYPE_POINT, scope));
+    const LINK link =
+        blocks.add(blockOf(blocks, event, event.nanoseconds, EVBLOCK::EV_RANGETYPE_POINT, scope));
     return {link, link};
   }
   // Each of the two has a link to the other, so the place of the second must be known before.
   EVBLOCK begin = blockOf(blocks, event, event.nanoseconds, EVBLOCK::EV_RANGETYPE_BEGIN, scope);
-  EVBLOCK end =
-      blockOf(blocks, event, *event.nanoseconds_at_end, EVBLOCK::EV_RANGETYPE_END, scope);
+  EVBLOCK end = blockOf(blocks, event, *event.nanoseconds_at_end, EVBLOCK::EV_RANGETYPE_END, scope);
   const LINK first = blocks.place();
   begin.setNextEVBlock(first + static_cast<LINK>(begin.getSize()));
   end.setEVRangeBlock(first);

@@ -292,8 +292,13 @@ bool Recording::fail() {
   }
   cause_ = failure + (kept && complete() ? "; the " + std::to_string(records) +
                                                " records written before that make a complete file"
-                                         : "; the file says that it is unfinished");
+                                         : "; " + leftBehind());
   return false;
+}
+
+std::string Recording::leftBehind() const {
+  return is_marked_finished_ || !storage_->isSeekable() ? "it is not certain what the medium holds"
+                                                        : "the file says that it is unfinished";
 }
 
 bool Recording::keepWhatFits() {
@@ -390,8 +395,8 @@ bool Recording::finish() {
     return fail();
   }
   close();
-  if (storage_->isSeekable() && !complete()) {
-    cause_ = sentence("complete") + "; the file says that it is unfinished";
+  if (storage_->isSeekable() ? !complete() : !syncIfAsked()) {
+    cause_ = sentence("complete") + "; " + leftBehind();
   }
   return good();
 }
@@ -399,8 +404,9 @@ bool Recording::finish() {
 /// Last of all the identification, when everything else is there.
 bool Recording::complete() {
   const std::string& id = description_.finished_identification;
-  return show() && storage_->cut() && putCounts() && syncIfAsked() &&
-         storage_->write(0, id.data(), id.size()) == id.size() && syncIfAsked();
+  is_marked_finished_ = show() && storage_->cut() && putCounts() && syncIfAsked() &&
+                        storage_->write(0, id.data(), id.size()) == id.size();
+  return is_marked_finished_ && syncIfAsked();
 }
 
 bool Recording::putCounts() {

@@ -77,7 +77,8 @@ class Recording {
   const std::string& cause() const { return cause_; }
 
   /// Appends the group's record as it was set, at a time in nanoseconds since the start. False when
-  /// it was not taken: when the file takes no more, or the group is not in the order of time.
+  /// it was not taken: when the file takes no more, or the group is not in the order of time. Where
+  /// a flush after it failed, cause() and records() say whether it is in the file.
   bool append(Group& group, std::int64_t nanoseconds) {
     if (!isPlanned(group) || group.order_ != Group::Order::time) {
       return false;
@@ -188,6 +189,7 @@ class Recording {
   bool putCounts();
   bool putRange(const State& state);
   std::string sentence(const std::string& what) const;
+  std::string leftBehind() const;
 
   Plan& plan_;
   Options options_;
@@ -206,7 +208,8 @@ class Recording {
   std::uint64_t quiet_begin_ = 0;  ///< times of records that do not flush: from here,
   std::uint64_t quiet_ = 0;        ///< so many nanoseconds, modulo 2^64
   bool is_finished_ = false;
-  bool is_cut_ = false;  ///< records were dropped
+  bool is_marked_finished_ = false;  ///< the file's identification says so
+  bool is_cut_ = false;              ///< records were dropped
   std::string cause_;
 };
 

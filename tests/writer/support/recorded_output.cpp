@@ -42,6 +42,9 @@ bool RecordedOutput::publish() {
 }
 
 bool RecordedOutput::sync() {
+  if (++syncs_ == failing_sync_) {
+    return false;
+  }
   steps_.push_back({Step::Kind::sync, 0, ""});
   return true;
 }

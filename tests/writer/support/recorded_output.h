@@ -35,6 +35,7 @@ class RecordedOutput : public mdf_writer::Output {
 
   /// Lets one write fail, counted from 1; the others succeed.
   void failWrite(std::size_t number) { failing_ = number; }
+  void failSync(std::size_t number) { failing_sync_ = number; }
 
   const std::vector<Step>& steps() const { return steps_; }
   const std::string& bytes() const { return bytes_; }
@@ -46,6 +47,8 @@ class RecordedOutput : public mdf_writer::Output {
   bool is_seekable_;
   std::size_t failing_ = 0;
   std::size_t writes_ = 0;
+  std::size_t failing_sync_ = 0;
+  std::size_t syncs_ = 0;
   std::string bytes_;
   std::vector<Step> steps_;
 };
