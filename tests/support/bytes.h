@@ -26,6 +26,11 @@ class Bytes {
   Bytes& u64(std::uint64_t value) { return number(value, 8); }
   Bytes& i16(std::int16_t value) { return number(static_cast<std::uint16_t>(value), 2); }
   Bytes& i64(std::int64_t value) { return number(static_cast<std::uint64_t>(value), 8); }
+  Bytes& f32(float value) {
+    std::uint32_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    return number(bits, 4);
+  }
   Bytes& f64(double value) {
     std::uint64_t bits;
     std::memcpy(&bits, &value, sizeof bits);

@@ -136,6 +136,12 @@ TEST(Plans, ThatAreWrongAreRefusedWithASentence) {
     EXPECT_FALSE(recording.finish());
     EXPECT_TRUE(output.steps().empty());
   }
+  for (const double interval : {0.0, -1.0, nan}) {
+    Plan plan;
+    plan.addGroup("g").reductions = {1, interval};
+    EXPECT_EQ(plan.fault(),
+              "group \"g\": a sample reduction needs the order of time and an interval of it");
+  }
   Plan unnamed;
   unnamed.addGroup("");
   EXPECT_EQ(unnamed.fault(), "a group has no name in UTF-8");

@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <random>
@@ -28,6 +29,7 @@ using mdf_writer::Recording;
 struct Counting {
   Counting() : numbers(plan.addGroup("numbers")), texts(plan.addGroup("texts")) {
     plan.start = {1700000000000000000, 0, false};
+    numbers.reductions = {4};
   }
 
   /// The k-th record of a group at k seconds; every tenth is also one of the texts.
@@ -77,6 +79,40 @@ void expectBeginning(const std::string& found, int step, int first,
   EXPECT_EQ(found, expected);
 }
 
+/// The means, least and greatest numbers of the file's sample reduction, as far as its links lead:
+/// a line for each interval.
+std::string reducedOf(const std::string& file) {
+  using mdf_v4_10::detail::loadLe;
+  const auto number = [&](std::uint64_t at) { return loadLe<std::uint64_t>(&file.at(at)); };
+  constexpr std::size_t record = 12;
+  std::string lines;
+  for (std::uint64_t list = number(file.find("##SR") + 32); list != 0; list = number(list + 24)) {
+    const std::uint64_t block = number(list + 32);
+    EXPECT_EQ(file.substr(block, 4), "##RD");
+    for (std::uint64_t at = block + 24; at < block + number(block + 8); at += 3 * record) {
+      for (std::size_t i = 0; i < 3; ++i) {
+        const std::string each = file.substr(at + i * record, record);
+        lines += std::to_string(static_cast<int>(loadLe<double>(each.data()))) + ' ' +
+                 std::to_string(loadLe<std::uint32_t>(&each[8])) + ' ';
+      }
+      lines.back() = '\n';
+    }
+  }
+  return lines;
+}
+
+/// Four records are an interval, of which the last one may have fewer, if the file is finished.
+std::string reducedUpTo(std::uint64_t records, std::uint64_t intervals) {
+  std::string lines;
+  for (std::uint64_t k = 0; k < intervals; ++k) {
+    const std::string time = std::to_string(4 * k) + ' ';
+    const std::uint64_t last = std::min(4 * k + 3, records - 1);
+    lines += time + std::to_string((4 * k + last + 1) / 2) + ' ' + time + std::to_string(4 * k) +
+             ' ' + time + std::to_string(last) + '\n';
+  }
+  return lines;
+}
+
 std::uint64_t linesOf(const std::string& table) {
   const auto lines = static_cast<std::uint64_t>(std::count(table.begin(), table.end(), '\n'));
   return lines == 0 ? 0 : lines - 1;
@@ -91,6 +127,12 @@ void expectWhole(const std::string& file, std::uint64_t least_numbers, std::uint
   const std::string texts = tableOf(file, "texts");
   EXPECT_EQ(texts, textsUpTo(linesOf(texts)));
   EXPECT_GE(linesOf(texts), least_texts);
+  const std::string reduced = reducedOf(file);
+  const auto intervals =
+      static_cast<std::uint64_t>(std::count(reduced.begin(), reduced.end(), '\n'));
+  EXPECT_EQ(reduced, reducedUpTo(linesOf(numbers), intervals));
+  EXPECT_LE(intervals, (linesOf(numbers) + 3) / 4);
+  EXPECT_GE(intervals, least_numbers == 0 ? 0 : (least_numbers - 1) / 4);
   const Added added = addedTo(file);
   expectBeginning(added.events, 40, 3, [](const std::string& k) { return k + ' ' + k + '\n'; });
   EXPECT_GE(added.events.size(), 4 * ((least_numbers + 36) / 40));

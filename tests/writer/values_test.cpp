@@ -4,6 +4,7 @@
 #include <limits>
 #include <string>
 
+#include "support/bytes.h"
 #include "support/read_back.h"
 #include "support/recorded_output.h"
 #include "writer/mdf_writer.h"
@@ -197,6 +198,68 @@ TEST_P(Values, OfRecordsWithoutBytesAreTheirNumbers) {
   Recording recording(output, plan, huge);
   EXPECT_TRUE(recording.append(group) && recording.appendBytes(group, {}) && recording.finish());
   EXPECT_EQ(readBack(output, "g"), "index\n0\n1\n");
+}
+
+/// A group's records for a sample reduction: time, a byte of a signed field of 5 bits from bit 1
+/// on, an integer the other way round, two floats of an array, a text, and invalidation bytes.
+std::string reducedRecord(double time, int five, int big, float first, float second,
+                          const std::string& text) {
+  return Bytes()
+      .f64(time)
+      .u8(static_cast<std::uint8_t>((five & 31) << 1))
+      .u8s({big >> 8 & 255, big & 255})
+      .f32(first)
+      .f32(second)
+      .text(text);
+}
+
+TEST(Reductions, AreMeansLeastAndGreatestOfTheValidNumbersInAnInterval) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  Plan plan;
+  Group& group = plan.addGroup("g");
+  group.reductions = {0.5, 100};
+  mdf_writer::ChannelPlan five;
+  five.name = "five";
+  five.type = mdf_v4_10::CNBLOCK::CN_DATATYPE_INT_LE;
+  five.byte_offset = 8;
+  five.bit_offset = 1;
+  five.bits = 5;
+  mdf_writer::ChannelPlan big = five;
+  big.name = "big";
+  big.type = mdf_v4_10::CNBLOCK::CN_DATATYPE_UINT_BE;
+  big.byte_offset = 9;
+  big.bit_offset = 0;
+  big.bits = 16;
+  group.mayBeInvalid(group.addField(five));
+  group.addField(big);
+  group.addArray<float>("floats", {2});
+  group.addText("text", 2);
+  RecordedOutput output;
+  Options options;
+  options.flush_interval = 0;
+  Recording recording(output, plan, options);
+  const auto append = [&](double time, const std::string& record, char invalid) {
+    EXPECT_TRUE(recording.appendBytes(group, record + invalid)) << time;
+  };
+  append(0.6, reducedRecord(0.6, -16, 65535, 1, nan, "ab"), 1);
+  append(0.7, reducedRecord(0.7, 3, 1, 2, nan, "cd"), 0);
+  append(0.9, reducedRecord(0.9, -2, 2, 6, 4, "ef"), 0);
+  append(2.1, reducedRecord(2.1, 5, 3, nan, nan, "gh"), 1);
+  EXPECT_TRUE(recording.finish());
+
+  EXPECT_EQ(findingsOf(output.bytes()), std::vector<std::string>());
+  const std::string half =
+      reducedRecord(0.5, 1, 21846, 3, 4, "ab") + reducedRecord(0.5, -2, 1, 1, 4, "ab") +
+      reducedRecord(0.5, 3, 65535, 6, 4, "ab") + '\0' + reducedRecord(2, 5, 3, nan, nan, "gh") +
+      reducedRecord(2, 5, 3, nan, nan, "gh") + reducedRecord(2, 5, 3, nan, nan, "gh") + '\1';
+  const std::string all = reducedRecord(0, 1, 16385, 3, 4, "ab") +
+                          reducedRecord(0, -2, 1, 1, 4, "ab") +
+                          reducedRecord(0, 3, 65535, 6, 4, "ab") + '\0';
+  const auto block = [](const std::string& data) {
+    return Bytes().header("RD", 24 + data.size(), 0).str() + data;
+  };
+  EXPECT_NE(output.bytes().find(block(half)), std::string::npos);
+  EXPECT_NE(output.bytes().find(block(all)), std::string::npos);
 }
 
 TEST(TimeChannel, HasNoRangeWhereTheRecordingDoesNotKnowIt) {

@@ -206,6 +206,11 @@ std::string Group::fault() const {
   if (!isUtf8(comment) || !source.isUtf8()) {
     return group + "its comment or its source is not UTF-8";
   }
+  for (const double interval : reductions) {
+    if (order_ != Order::time || !(interval >= 1e-9 && interval <= 1e9)) {
+      return group + "a sample reduction needs the order of time and an interval of it";
+    }
+  }
   std::string fault = faultOfNames();
   if (fault.empty()) {
     fault = faultOfPlaces();

@@ -63,6 +63,10 @@ class Group {
   std::string comment;
   Source source;
 
+  /// Lengths in seconds of intervals over which the records are condensed, too: for each of them
+  /// the file gets a sample reduction, for viewers of long recordings. Needs the order of time.
+  std::vector<double> reductions;
+
   /// Numbers as the machine has them: integers of 8 to 64 bits, float, double.
   template <class T>
   Channel<T> addChannel(std::string name, std::string unit = {}, Conversion conversion = {}) {

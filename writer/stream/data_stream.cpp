@@ -12,6 +12,7 @@ namespace mdf_writer {
 
 using mdf_v4_10::DLBLOCK;
 using mdf_v4_10::DTBLOCK;
+using mdf_v4_10::RDBLOCK;
 using mdf_v4_10::SDBLOCK;
 using mdf_v4_10::detail::storeLe;
 
@@ -29,8 +30,10 @@ std::string headOf(DataStream::Kind kind) {
   head << list;
   if (kind == DataStream::Kind::records) {
     head << DTBLOCK();
-  } else {
+  } else if (kind == DataStream::Kind::signal_data) {
     head << SDBLOCK();
+  } else {
+    head << RDBLOCK(nullptr, 0);
   }
   return head.str();
 }

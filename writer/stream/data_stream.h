@@ -25,7 +25,7 @@ namespace mdf_writer {
 /// written.
 class DataStream {
  public:
-  enum class Kind { records, signal_data };
+  enum class Kind { records, signal_data, reductions };
 
   /// `link_at` is where the link to the data stands, `block_bytes` how much data a block holds.
   DataStream(Storage& storage, std::uint64_t link_at, Kind kind, std::size_t block_bytes);

@@ -26,9 +26,11 @@ using mdf_v4_10::HDBLOCK;
 using mdf_v4_10::IDBLOCK;
 using mdf_v4_10::LINK;
 using mdf_v4_10::SIBLOCK;
+using mdf_v4_10::SRBLOCK;
 using mdf_v4_10::TXBLOCK;
 using mdf_v4_10::detail::cgblock_fields;
 using mdf_v4_10::detail::cnblock_fields;
+using mdf_v4_10::detail::srblock_fields;
 using mdf_v4_10::detail::storeLe;
 
 namespace {
@@ -37,6 +39,7 @@ namespace {
 constexpr std::string_view unfinished_file = "UnFinMF ";
 constexpr std::size_t flags_in_reserved = 30;
 constexpr unsigned cycle_counts_unset = 1;
+constexpr unsigned cycle_counts_of_reductions_unset = 2;
 constexpr unsigned last_data_length_unset = 4;
 constexpr unsigned bytes_of_values_unset = 32;
 
@@ -93,6 +96,7 @@ class Describer {
   LINK addConversion(const Conversion& conversion);
   LINK addReference(const std::string& text, bool is_default);
   LINK addChannel(const ChannelPlan& channel, std::size_t index, LINK next, GroupPlaces& places);
+  LINK addReductions(const Group& group, GroupPlaces& places);
   LINK addGroup(const Group& group, LINK next, GroupPlaces& places);
   LINK addValueGroup(GroupPlaces::Values& values, LINK next);
   LINK addDataGroup(LINK first_group, LINK next);
@@ -238,6 +242,22 @@ LINK Describer::addChannel(const ChannelPlan& channel, std::size_t index, LINK n
   return link;
 }
 
+/// Where nothing can be written in place there are none.
+LINK Describer::addReductions(const Group& group, GroupPlaces& places) {
+  constexpr std::size_t count_place =
+      placeOfField(SRBLOCK::SR_BLOCK_LINKS_NUM, srblock_fields, "sr_cycle_count");
+  LINK next = 0;
+  const std::size_t count = layout_ == Layout::open_end ? 0 : group.reductions.size();
+  places.reductions.resize(count);
+  for (std::size_t i = count; i-- > 0;) {
+    SRBLOCK block(0, group.reductions[i], SRBLOCK::SR_SYNCTYPE_TIME_SECONDS, 0, next);
+    block.setValidationBytesFlag(group.invalidationBytes() > 0);
+    next = blocks_.add(block);
+    places.reductions[i] = {at(next, placeOfLink(SRBLOCK::sr_data)), at(next, count_place)};
+  }
+  return next;
+}
+
 LINK Describer::addGroup(const Group& group, LINK next, GroupPlaces& places) {
   GroupBlocks& blocks = group_blocks_[&group];
   blocks.channels.resize(group.channels().size());
@@ -249,6 +269,7 @@ LINK Describer::addGroup(const Group& group, LINK next, GroupPlaces& places) {
   CGBLOCK block;
   block.setNextCgblock(next);
   block.setFirstCnblock(channel);
+  block.setFirstSrblock(addReductions(group, places));
   block.setAcqTxNameblock(blocks_.addText(group.name()));
   block.setAcqSourceSiblock(addSource(group.source));
   block.setComment(blocks_.addComment("CGcomment", group.comment));
@@ -367,6 +388,7 @@ IDBLOCK Describer::unfinishedIdentification() const {
   }
   for (const GroupPlaces& places : result_.groups) {
     flags |= isTogether() && !places.values.empty() ? bytes_of_values_unset : 0;
+    flags |= places.reductions.empty() ? 0 : cycle_counts_of_reductions_unset;
   }
   id.id_reserved2[flags_in_reserved] = static_cast<std::uint8_t>(flags);
   return id;

@@ -37,6 +37,13 @@ struct GroupPlaces {
   };
   std::vector<Values> values;
 
+  /// Of the sample reductions, as in the plan.
+  struct Reduction {
+    std::uint64_t data_link = 0;
+    std::uint64_t cycle_count = 0;
+  };
+  std::vector<Reduction> reductions;
+
   Values* valuesOf(std::size_t channel) {
     for (Values& each : values) {
       if (each.channel == channel) {

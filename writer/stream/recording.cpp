@@ -98,7 +98,7 @@ void Recording::makeStreams() {
     state.invalidation_bytes = group.invalidationBytes();
     state.has_range = group.order_ == Group::Order::time;
     state.is_plain = !is_together && state.data_bytes > 0 && state.invalidation_bytes == 0 &&
-                     state.places.values.empty();
+                     state.places.values.empty() && group.reductions.empty();
     longest = std::max(longest,
                        description_.record_id_bytes + state.data_bytes + state.invalidation_bytes);
     for (const GroupPlaces::Values& places : state.places.values) {
@@ -110,6 +110,7 @@ void Recording::makeStreams() {
     streams_.push_back(std::make_unique<DataStream>(*storage_, link_at, kind, longest));
     return streams_.back().get();
   };
+  makeReductions();
   for (State& state : states_) {
     const bool shares = is_together && !record_streams_.empty();
     state.stream =
@@ -122,6 +123,19 @@ void Recording::makeStreams() {
         values.own = add(values.places.data_link, DataStream::Kind::signal_data);
         value_streams_.push_back(values.own);
       }
+    }
+  }
+}
+
+void Recording::makeReductions() {
+  for (State& state : states_) {
+    const std::size_t bytes = 3 * state.data_bytes + state.invalidation_bytes;
+    for (std::size_t i = 0; i < state.places.reductions.size(); ++i) {
+      streams_.push_back(std::make_unique<DataStream>(
+          *storage_, state.places.reductions[i].data_link, DataStream::Kind::reductions,
+          std::max(least_block_bytes, bytes)));
+      reduction_streams_.push_back(streams_.back().get());
+      state.reductions.emplace_back(*state.group, state.group->reductions[i], *streams_.back());
     }
   }
 }
@@ -139,11 +153,40 @@ bool Recording::putSlowly(State& state, std::int64_t nanoseconds) {
       return fail();
     }
   }
-  if (!putRecord(state, viewOf(state.group->record_, state.data_bytes),
-                 viewOf(state.group->invalid_, state.invalidation_bytes))) {
+  const std::string_view data = viewOf(state.group->record_, state.data_bytes);
+  const std::string_view invalidation = viewOf(state.group->invalid_, state.invalidation_bytes);
+  if (!putRecord(state, data, invalidation)) {
     return fail();
   }
-  return count(state, nanoseconds);
+  return count(state, nanoseconds) && reduce(state, nanoseconds, data, invalidation);
+}
+
+/// Takes the record that was just counted into the sample reductions.
+bool Recording::reduce(State& state, std::int64_t nanoseconds, std::string_view data,
+                       std::string_view invalidation) {
+  for (Reduction& reduction : state.reductions) {
+    if (reduction.endsBefore(nanoseconds) && !endInterval(reduction, state.records - 1)) {
+      return fail();
+    }
+    reduction.add(nanoseconds, data, invalidation);
+  }
+  return true;
+}
+
+/// Before a block of reductions ends, the file has the records that they stand for.
+bool Recording::endInterval(Reduction& reduction, std::uint64_t records) {
+  return (reduction.hasRoom() || writeOut()) && reduction.end(records);
+}
+
+bool Recording::endReductions() {
+  for (State& state : states_) {
+    for (Reduction& reduction : state.reductions) {
+      if (!endInterval(reduction, state.records)) {
+        return false;
+      }
+    }
+  }
+  return true;
 }
 
 std::string_view Recording::withId(std::uint64_t record_id, std::string_view bytes) {
@@ -190,7 +233,11 @@ bool Recording::appendBytes(Group& group, std::string_view record) {
                                 ? nanosecondsOf(loadLe<double>(record.data()))
                                 : last_flush_;
   state.has_range = false;
-  return putRecord(state, record, {}) ? count(state, time) : fail();
+  if (!putRecord(state, record, {})) {
+    return fail();
+  }
+  return count(state, time) &&
+         reduce(state, time, record.substr(0, state.data_bytes), record.substr(state.data_bytes));
 }
 
 bool Recording::addEvent(const Event& event) {
@@ -239,12 +286,14 @@ bool Recording::flush() {
 bool Recording::writeOut() {
   const auto write = [](DataStream* stream) { return stream->writeOut(); };
   return std::all_of(value_streams_.begin(), value_streams_.end(), write) &&
-         std::all_of(record_streams_.begin(), record_streams_.end(), write);
+         std::all_of(record_streams_.begin(), record_streams_.end(), write) &&
+         std::all_of(reduction_streams_.begin(), reduction_streams_.end(), write);
 }
 
-/// Values before the records that refer to them.
+/// Values before the records that refer to them, records before what stands for them.
 bool Recording::show() {
-  return showAll(value_streams_) && showAll(record_streams_) && showChains() && syncIfAsked();
+  return showAll(value_streams_) && showAll(record_streams_) && showAll(reduction_streams_) &&
+         showChains() && syncIfAsked();
 }
 
 bool Recording::showChains() {
@@ -309,6 +358,12 @@ bool Recording::keepWhatFits() {
   for (DataStream* const stream : record_streams_) {
     stream->writeOut();
     success &= cutRecords(*stream);
+  }
+  for (State& state : states_) {
+    for (Reduction& reduction : state.reductions) {
+      reduction.stream()->writeOut();
+      success &= reduction.cut(state.records);
+    }
   }
   return success;
 }
@@ -391,7 +446,7 @@ bool Recording::finish() {
   if (is_finished_) {
     return good();
   }
-  if (!writeOut()) {
+  if (!endReductions() || !writeOut()) {
     return fail();
   }
   close();
@@ -412,12 +467,22 @@ bool Recording::complete() {
 bool Recording::putCounts() {
   return std::all_of(states_.begin(), states_.end(), [this](const State& state) {
     return storage_->put(state.places.cycle_count, state.records) && putRange(state) &&
+           putReductionCounts(state) &&
            std::all_of(state.values.begin(), state.values.end(), [this](const Values& values) {
              return values.own != nullptr ||
                     (storage_->put(values.places.cycle_count, values.count) &&
                      storage_->put(values.places.total_bytes, values.bytes));
            });
   });
+}
+
+bool Recording::putReductionCounts(const State& state) {
+  for (std::size_t i = 0; i < state.reductions.size(); ++i) {
+    if (!storage_->put(state.places.reductions[i].cycle_count, state.reductions[i].cycles())) {
+      return false;
+    }
+  }
+  return true;
 }
 
 /// The times of the first and the last record, so that nobody must read records to know how long

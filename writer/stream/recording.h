@@ -16,6 +16,7 @@
 #include "added_blocks.h"
 #include "data_stream.h"
 #include "description.h"
+#include "reduction.h"
 #include "storage.h"
 
 namespace mdf_writer {
@@ -136,6 +137,7 @@ class Recording {
     std::int64_t last = 0;
     bool has_range = true;  ///< those two are known, as the records have them
     std::vector<Values> values;
+    std::vector<Reduction> reductions;
   };
 
   static double secondsOf(std::int64_t nanoseconds) {
@@ -167,10 +169,15 @@ class Recording {
 
   void begin(Output& output);
   void makeStreams();
+  void makeReductions();
   bool putSlowly(State& state, std::int64_t nanoseconds);
   bool putValue(State& state, Values& values);
   bool putRecord(State& state, std::string_view data, std::string_view invalidation);
   std::string_view withId(std::uint64_t record_id, std::string_view bytes);
+  bool reduce(State& state, std::int64_t nanoseconds, std::string_view data,
+              std::string_view invalidation);
+  bool endInterval(Reduction& reduction, std::uint64_t records);
+  bool endReductions();
   bool flushAt(std::int64_t nanoseconds);
   bool writeOut();
   bool show();
@@ -187,6 +194,7 @@ class Recording {
                        Values*& values);
   bool complete();
   bool putCounts();
+  bool putReductionCounts(const State& state);
   bool putRange(const State& state);
   std::string sentence(const std::string& what) const;
   std::string leftBehind() const;
@@ -201,7 +209,8 @@ class Recording {
   std::vector<std::unique_ptr<DataStream>> streams_;
   std::vector<DataStream*> value_streams_;   ///< in the order in which they are written
   std::vector<DataStream*> record_streams_;  ///< after those
-  std::optional<Chain> events_;              ///< none as long as nothing can be added
+  std::vector<DataStream*> reduction_streams_;
+  std::optional<Chain> events_;  ///< none as long as nothing can be added
   std::optional<Chain> attachments_;
   std::string id_;  ///< of the record that is being put, as bytes
   std::int64_t last_flush_ = 0;
