@@ -83,13 +83,15 @@ void expectBeginning(const std::string& found, int step, int first,
 /// a line for each interval.
 std::string reducedOf(const std::string& file) {
   using mdf_v4_10::detail::loadLe;
-  const auto number = [&](std::uint64_t at) { return loadLe<std::uint64_t>(&file.at(at)); };
+  const auto number = [&](std::size_t at) {
+    return static_cast<std::size_t>(loadLe<std::uint64_t>(&file.at(at)));
+  };
   constexpr std::size_t record = 12;
   std::string lines;
-  for (std::uint64_t list = number(file.find("##SR") + 32); list != 0; list = number(list + 24)) {
-    const std::uint64_t block = number(list + 32);
+  for (std::size_t list = number(file.find("##SR") + 32); list != 0; list = number(list + 24)) {
+    const std::size_t block = number(list + 32);
     EXPECT_EQ(file.substr(block, 4), "##RD");
-    for (std::uint64_t at = block + 24; at < block + number(block + 8); at += 3 * record) {
+    for (std::size_t at = block + 24; at < block + number(block + 8); at += 3 * record) {
       for (std::size_t i = 0; i < 3; ++i) {
         const std::string each = file.substr(at + i * record, record);
         lines += std::to_string(static_cast<int>(loadLe<double>(each.data()))) + ' ' +

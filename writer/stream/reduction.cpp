@@ -31,7 +31,9 @@ std::uint64_t realKey(double real) {
   return (bits & sign_bit) != 0 ? ~bits : bits | sign_bit;
 }
 
-double realOfKey(std::uint64_t key) { return asReal((key & sign_bit) != 0 ? key & ~sign_bit : ~key); }
+double realOfKey(std::uint64_t key) {
+  return asReal((key & sign_bit) != 0 ? key & ~sign_bit : ~key);
+}
 
 std::uint64_t lowBits(std::uint32_t count) {
   return count >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1;
@@ -49,7 +51,8 @@ bool hasBit(std::string_view bytes, std::uint32_t bit) {
 }  // namespace
 
 bool ReducedNumber::canReduce(const ChannelPlan& channel) {
-  return channel.master == CNBLOCK::CN_SYNCTYPE_NONE && channel.bits <= 64 && !channel.has_variable_length &&
+  return channel.master == CNBLOCK::CN_SYNCTYPE_NONE && channel.bits <= 64 &&
+         !channel.has_variable_length &&
          (channel.isInteger() || (channel.isFloat() && channel.bits >= 32));
 }
 
@@ -61,8 +64,8 @@ ReducedNumber::ReducedNumber(const ChannelPlan& channel, std::uint64_t element)
       bit_(channel.bit_offset),
       bits_(channel.bits),
       invalidation_bit_(channel.invalidation_bit) {
-  const bool is_natural = channel.type == CNBLOCK::CN_DATATYPE_UINT_LE ||
-                          channel.type == CNBLOCK::CN_DATATYPE_UINT_BE;
+  const bool is_natural =
+      channel.type == CNBLOCK::CN_DATATYPE_UINT_LE || channel.type == CNBLOCK::CN_DATATYPE_UINT_BE;
   kind_ = !channel.isFloat()   ? is_natural ? Kind::natural : Kind::integer
           : channel.bits == 32 ? Kind::real_32
                                : Kind::real_64;
@@ -76,7 +79,8 @@ std::size_t ReducedNumber::byteAt(std::size_t from_lowest) const {
 std::uint64_t ReducedNumber::load(std::string_view data) const {
   std::uint64_t bits = 0;
   for (std::uint32_t i = 0; 8 * i < bit_ + bits_; ++i) {
-    bits |= shifted(static_cast<std::uint8_t>(data[byteAt(i)]), static_cast<int>(8 * i) - static_cast<int>(bit_));
+    bits |= shifted(static_cast<std::uint8_t>(data[byteAt(i)]),
+                    static_cast<int>(8 * i) - static_cast<int>(bit_));
   }
   return bits & lowBits(bits_);
 }

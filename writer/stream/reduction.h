@@ -92,7 +92,7 @@ class Reduction {
   double seconds_;
   std::vector<ReducedNumber> numbers_;
   std::size_t data_bytes_;
-  std::string result_;                    ///< of the interval
+  std::string result_;                     ///< of the interval
   std::vector<std::uint64_t> records_at_;  ///< how many there were, for each in the stream's block
   std::uint64_t cycles_ = 0;
   double interval_ = 0;  ///< the number of the one that is open

@@ -83,7 +83,9 @@ Added addedTo(const std::string& bytes) {
   }
   std::ostringstream attachments;
   for (const mdf_reader::Attachment& attachment : measurement.attachments()) {
-    attachments << attachment.name << ' ' << bytes.substr(attachment.data_at, attachment.data_there)
+    attachments << attachment.name << ' '
+                << bytes.substr(static_cast<std::size_t>(attachment.data_at),
+                                static_cast<std::size_t>(attachment.data_there))
                 << '\n';
   }
   return {events.str(), attachments.str()};
