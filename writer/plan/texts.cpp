@@ -71,7 +71,15 @@ std::size_t characterLength(std::string_view text) {
   return isXmlCharacter(code, length) ? length : 0;
 }
 
-bool isUtf8(std::string_view text) { return upTo(text, text.size()).size() == text.size(); }
+/// Most texts are letters of ASCII to their ends, which need no decoding.
+bool isUtf8(std::string_view text) {
+  std::size_t plain = 0;
+  while (plain < text.size() && static_cast<unsigned char>(text[plain]) - 0x20U < 0x60U) {
+    ++plain;
+  }
+  const std::string_view rest = text.substr(plain);
+  return upTo(rest, rest.size()).size() == rest.size();
+}
 
 std::string_view upTo(std::string_view text, std::size_t bytes) {
   std::size_t length = 0;
