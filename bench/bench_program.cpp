@@ -18,8 +18,6 @@
 
 #include "reader/blocks/walk.h"
 #include "reader/bytes/input_file.h"
-#include "recording/output_file.h"
-#include "recording/recorder.h"
 #include "support/comparison.h"
 #include "support/files.h"
 #include "support/sample_blocks.h"
@@ -164,76 +162,13 @@ double mebibytesOfDump() {
 
 constexpr std::size_t write_size = 65536;
 
-/// Writes a fresh file piece by piece, as large as the recorder's.
+/// Writes a fresh file piece by piece, as large as the recording.
 void writePlainFile(const std::string& path, const std::string& bytes) {
   require(truncate(path.c_str(), 0) == 0, "emptying " + path);
   const Descriptor file(path);
   for (std::size_t at = 0; at < bytes.size(); at += write_size) {
     file.write(bytes.data() + at, std::min(write_size, bytes.size() - at));
   }
-}
-
-/// A recording of signals such as a machine has, with ready values.
-struct Recording {
-  static constexpr std::size_t records = 50000;
-  static constexpr double rate = 100000;
-
-  Recording() {
-    for (int i = 0; i < 8; ++i) {
-      signals.push_back(mdf_tools::float32Signal("utilisation" + std::to_string(i), "%"));
-      signals.push_back(mdf_tools::uint64Signal("memory" + std::to_string(i), "KiB"));
-      signals.push_back(mdf_tools::uint64Signal("bytes" + std::to_string(i), ""));
-    }
-    for (std::size_t i = 0; i < signals.size(); ++i) {
-      values.push_back(0x0807060504030201U * (i + 1));
-    }
-    record();
-    bytes = subject.contents();
-  }
-
-  void record() const {
-    mdf_tools::OutputFile file(subject.path());
-    mdf_tools::Recorder recorder(file, signals, {{1, 0, false}, "title", "change", "1"}, rate);
-    for (std::size_t i = 0; i < records; ++i) {
-      recorder.append(static_cast<double>(i) / rate, values);
-    }
-    recorder.finish();
-  }
-
-  /// The file ends with the last record's values, and is as large as its records make it.
-  bool isRight() const {
-    std::string last;
-    for (std::size_t i = 0; i < signals.size(); ++i) {
-      for (std::size_t k = 0; k < signals[i].bytes; ++k) {
-        last += static_cast<char>(values[i] >> (8 * k));
-      }
-    }
-    const std::string recorded = subject.contents();
-    return recorded == bytes && baseline.contents() == bytes &&
-           recorded.size() > records * (last.size() + sizeof(double)) &&
-           recorded.compare(recorded.size() - last.size(), last.size(), last) == 0;
-  }
-
-  std::vector<mdf_tools::Signal> signals;
-  std::vector<UINT64> values;
-  ScratchFile subject{std::string()};
-  ScratchFile baseline{std::string()};
-  std::string bytes;
-};
-
-Sides appendRecords() {
-  const auto recording = std::make_shared<Recording>();
-  return {[recording](std::size_t times) {
-            for (std::size_t i = 0; i < times; ++i) {
-              recording->record();
-            }
-          },
-          [recording](std::size_t times) {
-            for (std::size_t i = 0; i < times; ++i) {
-              writePlainFile(recording->baseline.path(), recording->bytes);
-            }
-          },
-          [recording] { return recording->isRight(); }, Recording::records};
 }
 
 double nanoseconds(const timeval& time) {
@@ -277,7 +212,6 @@ void registerCases() {
   compare({"look through a million blocks/time for each",
            "seek and read of the headers, mapped file", 250, Limit::nanoseconds},
           scanManyBlocks);
-  compare({"record/append", "write(2) of the same bytes", 3}, appendRecords);
   measure({"record/mdf record at 100 kHz", "write(2) of the same bytes", 3}, recordAtHighestRate);
 }
 

@@ -1,6 +1,8 @@
 // Writes first inputs into a folder for each fuzz target: blocks by the library's writers, and the
 // sample files for the commands.
 
+#include <mdf_writer/mdf_writer.h>
+
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -11,9 +13,6 @@
 #include <vector>
 
 #include "all_blocks.h"
-#include "recording/output_file.h"
-#include "recording/recorder.h"
-#include "recording/signal_source.h"
 #include "targets.h"
 #include "tools/samples/sample.h"
 
@@ -206,14 +205,18 @@ std::string fileWithAll(const Inputs& blocks) {
 }
 
 std::string recordedFile(const std::filesystem::path& path) {
-  const std::vector<mdf_tools::Signal> signals = {mdf_tools::float64Signal("speed", "km/h"),
-                                                  mdf_tools::uint64Signal("counter", "")};
-  mdf_tools::OutputFile file(path);
-  mdf_tools::Recorder recorder(file, signals, {{}, "title", "change", "1"}, 10);
-  for (UINT64 i = 0; i < 3; ++i) {
-    recorder.append(0.1 * static_cast<double>(i), {mdf_tools::bitsOf(50.0), i});
+  mdf_writer::Plan plan("title");
+  plan.start = {};
+  mdf_writer::Group& group = plan.addGroup("system signals");
+  const auto speed = group.addChannel<double>("speed", "km/h");
+  const auto counter = group.addChannel<UINT64>("counter");
+  mdf_writer::Recording recording(path.string(), plan);
+  for (int i = 0; i < 3; ++i) {
+    group.set(speed, 50.0);
+    group.set(counter, static_cast<UINT64>(i));
+    recording.append(group, 100'000'000 * i);
   }
-  recorder.finish();
+  recording.finish();
   std::ostringstream bytes;
   bytes << std::ifstream(path, std::ios::binary).rdbuf();
   std::filesystem::remove(path);

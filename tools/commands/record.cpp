@@ -1,7 +1,10 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <iostream>
 #include <memory>
@@ -10,7 +13,6 @@
 
 #include "command.h"
 #include "recording/machine.h"
-#include "recording/output_file.h"
 #include "recording/quantity.h"
 #include "recording/recorder.h"
 #include "recording/sample_clock.h"
@@ -53,7 +55,7 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
-  void show(double seconds, mdf_v4_10::UINT64 records, mdf_v4_10::UINT64 missed) {
+  void show(double seconds, std::uint64_t records, std::uint64_t missed) {
     if (is_terminal_ && seconds >= next_) {
       (void)std::fprintf(stderr, "\r%.0f s, %llu records, %llu samples missed", seconds,
                          static_cast<unsigned long long>(records),
@@ -76,25 +78,26 @@ class Progress {
   double next_ = 1;
 };
 
-std::string counted(mdf_v4_10::UINT64 number, const std::string& noun) {
+double secondsOf(std::int64_t nanoseconds) { return static_cast<double>(nanoseconds) / 1e9; }
+
+std::string counted(std::uint64_t number, const std::string& noun) {
   return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
 }
 
-RecordingInfo recordingInfo(double rate) {
-  const std::string what =
-      "Live signals of " + Machine::description() + ", recorded at " + shortNumber(rate) + " Hz";
-  return {startTime(std::chrono::system_clock::now()), what, "Recorded live signals",
-          MDF_PROGRAM_VERSION};
+std::string titleOf(double rate) {
+  return "Live signals of " + Machine::description() + ", recorded at " + shortNumber(rate) + " Hz";
 }
 
 /// Utilisation is known only when some time has passed since the first look at the counters.
 void settle(Machine& machine) {
   std::this_thread::sleep_for(std::chrono::milliseconds(150));
-  machine.sample(0);
+  for (std::size_t i = 0; i < machine.groups().size(); ++i) {
+    machine.sample(i, 0);
+  }
 }
 
 void summarise(const Recorder& recorder, const Request& request, double rate, double seconds,
-               mdf_v4_10::UINT64 missed) {
+               std::uint64_t missed) {
   (void)std::fprintf(stderr, "recorded %s of %s in %.1f s to %s, %s missed\n",
                      counted(recorder.records(), "record").c_str(),
                      counted(recorder.channels(), "channel").c_str(), seconds, request.path.c_str(),
@@ -106,21 +109,29 @@ void summarise(const Recorder& recorder, const Request& request, double rate, do
   }
 }
 
+/// A record is in the file within a second after it was taken.
+std::int64_t flushInterval(double rate) {
+  constexpr double second = 1e9;
+  return std::max<std::int64_t>(1, std::llround(second - second / rate));
+}
+
 void record(const Request& request, double duration, double rate) {
   watchForStopRequest();
-  OutputFile file(request.path);
-  Machine machine;
+  Machine machine({rate, {}, {}});
+  mdf_writer::Options options;
+  options.existing = mdf_writer::Existing::replace;
+  options.flush_interval = flushInterval(rate);
+  Recorder recorder(request.path, {titleOf(rate), MDF_PROGRAM_VERSION, machine.groups()}, options);
   settle(machine);
 
-  SampleClock clock(rate, duration);
-  Recorder recorder(file, machine.signals(), recordingInfo(rate), rate);
+  SampleClock clock(machine.rates(), duration);
   Progress progress;
-  while (clock.waitForSample()) {
-    const double seconds = clock.now();
-    recorder.append(seconds, machine.sample(seconds));
-    progress.show(seconds, recorder.records(), clock.missed());
+  while (const auto group = clock.waitForSample()) {
+    const std::int64_t now = clock.now();
+    recorder.append({*group, now, machine.sample(*group, secondsOf(now))});
+    progress.show(secondsOf(now), recorder.records(), clock.missed());
   }
-  const double seconds = clock.now();
+  const double seconds = secondsOf(clock.now());
   recorder.finish();
   progress.end();
   summarise(recorder, request, rate, seconds, clock.missed());
@@ -144,7 +155,7 @@ int run(const Request& request) {
     duration = parseDuration(request.duration);
     rate = parseRate(request.rate);
     record(request, duration, rate);
-  } catch (const BadQuantity& error) {
+  } catch (const BadOption& error) {
     return complain(error.what(), exit_unusable);
   } catch (const UnusablePath& error) {
     return complain(error.what(), exit_unusable);

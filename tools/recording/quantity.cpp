@@ -50,12 +50,11 @@ std::string quoted(std::string_view text) { return '"' + std::string(text) + '"'
 double parseDuration(std::string_view text) {
   const std::optional<double> seconds = parse(text, time_units);
   if (!seconds) {
-    throw BadQuantity(
-        quoted(text) +
-        " is not a duration; write a number and ms, s, min or h, such as 10s or 1.5h");
+    throw BadOption(quoted(text) +
+                    " is not a duration; write a number and ms, s, min or h, such as 10s or 1.5h");
   }
   if (*seconds < 0 || *seconds > longest_duration) {
-    throw BadQuantity(quoted(text) + " is out of range; a duration is 0, for no end, to 10 years");
+    throw BadOption(quoted(text) + " is out of range; a duration is 0, for no end, to 10 years");
   }
   return *seconds;
 }
@@ -63,11 +62,11 @@ double parseDuration(std::string_view text) {
 double parseRate(std::string_view text) {
   const std::optional<double> hertz = parse(text, rate_units);
   if (!hertz) {
-    throw BadQuantity(quoted(text) +
-                      " is not a rate; write a number and Hz or kHz, such as 100Hz or 0.5Hz");
+    throw BadOption(quoted(text) +
+                    " is not a rate; write a number and Hz or kHz, such as 100Hz or 0.5Hz");
   }
   if (*hertz < lowest_rate || *hertz > highest_rate) {
-    throw BadQuantity(quoted(text) + " is out of range; a rate is 0.00001Hz to 100kHz");
+    throw BadOption(quoted(text) + " is out of range; a rate is 0.00001Hz to 100kHz");
   }
   return *hertz;
 }

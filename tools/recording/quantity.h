@@ -7,18 +7,18 @@
 
 namespace mdf_tools {
 
-/// A text that is not the expected quantity. The message says what is wrong with it.
-class BadQuantity : public std::runtime_error {
+/// An option that cannot be what it is. The message says what is wrong with it.
+class BadOption : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
 /// Seconds, 0 to ten years, from a number and ms, s, min, h or nothing (seconds).
-/// @throws BadQuantity
+/// @throws BadOption
 double parseDuration(std::string_view text);
 
 /// Hz, 0.00001 to 100,000, from a number and Hz, kHz or nothing (Hz).
-/// @throws BadQuantity
+/// @throws BadOption
 double parseRate(std::string_view text);
 
 /// A number with as many digits as it needs, as in "0.5" and "100000".

@@ -1,103 +1,115 @@
 #include "recorder.h"
 
 #include <algorithm>
-#include <array>
-#include <sstream>
-#include <string>
-
-#include "framework/wire.h"
+#include <cstring>
+#include <filesystem>
+#include <system_error>
 
 namespace mdf_tools {
 
-using mdf_v4_10::UINT32;
-using mdf_v4_10::UINT64;
+namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t batch_bytes = 65536;
-constexpr double longest_in_memory = 1.0;  // seconds
-
-std::vector<Signal> withTime(const std::vector<Signal>& signals) {
-  std::vector<Signal> channels = {float64Signal("time", "s")};
-  channels.insert(channels.end(), signals.begin(), signals.end());
-  return channels;
+/// A value from the low bytes of 64 bits.
+template <class T>
+T valueOf(mdf_v4_10::UINT64 bits) {
+  static_assert(sizeof(T) == 4 || sizeof(T) == 8);
+  const auto low = static_cast<std::uint32_t>(bits);
+  T value;
+  std::memcpy(&value, sizeof value == sizeof low ? static_cast<const void*>(&low) : &bits,
+              sizeof value);
+  return value;
 }
 
-std::string cannotWrite(OutputFile& file) {
-  return "cannot write to " + file.path().string() + " at offset " + std::to_string(file.size()) +
-         ": " + file.cause() + "; ";
+template <class T>
+void set(mdf_writer::Group& group, const mdf_writer::Channel<T>& channel, mdf_v4_10::UINT64 bits) {
+  group.set(channel, valueOf<T>(bits));
 }
 
-std::string count(UINT64 number) {
-  return number == 1 ? "1 record" : std::to_string(number) + " records";
+/// The writer would say no more of these than the system does.
+void refuse(const std::string& path) {
+  std::error_code error;
+  const fs::path folder = fs::path(path).parent_path();
+  const auto because = [&](const std::string& reason) {
+    throw UnusablePath("cannot record to " + path + ": " + reason);
+  };
+  if (fs::is_block_file(path, error)) {
+    because("it is a whole disk or a part of one");
+  }
+  if (!folder.empty() && !fs::exists(folder, error) && !error) {
+    because("there is no directory " + folder.string());
+  }
 }
 
 }  // namespace
 
-Recorder::Recorder(OutputFile& file, const std::vector<Signal>& signals, const RecordingInfo& info,
-                   double rate)
-    : file_(file),
-      channels_(withTime(signals)),
-      blocks_(channels_, info),
-      flush_interval_(longest_in_memory - 1 / rate) {
-  std::ostringstream description;
-  blocks_.write(description);
-  const std::string bytes = description.str();
-  if (!file_.append(bytes.data(), bytes.size())) {
-    const std::string failure = cannotWrite(file_);
-    file_.discard();
-    throw RecordingFailure(failure + "nothing was recorded");
+Recorder::Recorder(const std::string& path, const RecordingInfo& info,
+                   const mdf_writer::Options& options)
+    : name_(path), plan_(info.title) {
+  refuse(path);
+  plan_.start = info.start;
+  plan_.program_vendor = "The mdf maintainers";
+  plan_.program_version = info.tool_version;
+  plan_.history = "Recorded live signals";
+  for (const SignalGroup& group : info.groups) {
+    add(group);
+  }
+  output_ = std::make_unique<mdf_writer::FileOutput>(path, options.existing);
+  if (!output_->isOpen()) {
+    throw UnusablePath("cannot record to " + path + ": " + output_->cause());
+  }
+  recording_ = std::make_unique<mdf_writer::Recording>(*output_, plan_, options);
+  if (!recording_->good()) {
+    fail();
   }
 }
 
-void Recorder::append(double seconds, const std::vector<UINT64>& values) {
-  put(bitsOf(seconds), channels_.front().bytes);
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    put(values[i], channels_[i + 1].bytes);
+void Recorder::add(const SignalGroup& signals) {
+  Group group{&plan_.addGroup(signals.name), {}};
+  for (const Signal& signal : signals.signals) {
+    if (signal.data_type == mdf_v4_10::CNBLOCK::CN_DATATYPE_UINT_LE) {
+      group.channels.emplace_back(group.group->addChannel<std::uint64_t>(signal.name, signal.unit));
+    } else if (signal.bytes == sizeof(float)) {
+      group.channels.emplace_back(group.group->addChannel<float>(signal.name, signal.unit));
+    } else {
+      group.channels.emplace_back(group.group->addChannel<double>(signal.name, signal.unit));
+    }
   }
-  times_ = TimeRange{times_ ? times_->first : seconds, seconds};
+  groups_.push_back(std::move(group));
+}
+
+void Recorder::append(const Sample& sample) {
+  const Group& to = groups_[sample.group];
+  for (std::size_t i = 0; i < to.channels.size(); ++i) {
+    std::visit([&](const auto& channel) { set(*to.group, channel, sample.values[i]); },
+               to.channels[i]);
+  }
+  if (!recording_->append(*to.group, sample.nanoseconds)) {
+    fail();
+  }
   ++records_;
-  if (batch_.size() >= batch_bytes || seconds >= last_flush_ + flush_interval_) {
-    flush();
-    last_flush_ = seconds;
-  }
-}
-
-void Recorder::put(UINT64 bits, UINT32 bytes) {
-  std::array<char, sizeof bits> value;
-  mdf_v4_10::detail::storeLe(value.data(), bits);
-  batch_.insert(batch_.end(), value.begin(), value.begin() + bytes);
-}
-
-void Recorder::flush() {
-  if (!file_.append(batch_.data(), batch_.size())) {
-    keepWhatIsWritten();
-  }
-  batch_.clear();
 }
 
 void Recorder::finish() {
-  flush();
-  if (!complete()) {
-    throw RecordingFailure("cannot complete " + file_.path().string() + ": " + file_.cause() +
-                           "; the file still says that it is unfinished");
+  if (!recording_->finish()) {
+    fail();
   }
 }
 
-bool Recorder::complete() {
-  return file_.rewrite([this](std::ostream& os) { blocks_.finish(os, records_, times_); }) &&
-         file_.close();
+std::size_t Recorder::channels() const {
+  std::size_t channels = 0;
+  for (const mdf_writer::Group& group : plan_.groups()) {
+    channels += group.channels().size();
+  }
+  return channels;
 }
 
-void Recorder::keepWhatIsWritten() {
-  const std::string failure = cannotWrite(file_);
-  const UINT64 size = std::max(file_.size(), blocks_.size());
-  times_.reset();  // of the last record that is kept
-  records_ = std::min(records_, (size - blocks_.size()) / blocks_.recordBytes());
-  const bool kept = file_.cutTo(blocks_.size() + records_ * blocks_.recordBytes()) && complete();
-  throw RecordingFailure(failure +
-                         (kept ? count(records_) + " written before that make a complete file"
-                               : "the file still says that it is unfinished"));
+/// The writer knows no name of an output; it belongs before the first colon.
+void Recorder::fail() const {
+  std::string sentence = recording_->cause();
+  throw RecordingFailure(
+      sentence.insert(std::min(sentence.find(':'), sentence.size()), " " + name_));
 }
 
 }  // namespace mdf_tools

@@ -1,16 +1,24 @@
 #ifndef MDF_TOOLS_RECORDING_RECORDER_H_
 #define MDF_TOOLS_RECORDING_RECORDER_H_
 
-#include <optional>
+#include <mdf_writer/mdf_writer.h>
+
+#include <cstdint>
+#include <memory>
 #include <stdexcept>
+#include <string>
+#include <variant>
 #include <vector>
 
-#include "mdf_v4_10.h"
-#include "output_file.h"
-#include "recording_blocks.h"
-#include "signal_source.h"
+#include "sample.h"
 
 namespace mdf_tools {
+
+/// A path that cannot be recorded to. The message is a whole sentence.
+class UnusablePath : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
 
 /// A recording that could not be written. The message is a whole sentence and says what is left.
 class RecordingFailure : public std::runtime_error {
@@ -18,45 +26,52 @@ class RecordingFailure : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Writes a recording: first the description, then record by record, at last what depends on their
-/// number. It needs the same memory however long the recording is.
+/// What a recording says about itself and what is in it.
+struct RecordingInfo {
+  std::string title;         ///< what was recorded
+  std::string tool_version;  ///< of this program
+  std::vector<SignalGroup> groups;
+  mdf_writer::Moment start = mdf_writer::now();
+};
+
+/// A recording: samples go to a file that can be opened at any moment.
 class Recorder {
  public:
-  /// `rate` in Hz says when the next record is to be expected.
-  /// @throws RecordingFailure when the description cannot be written; no file is left then.
-  Recorder(OutputFile& file, const std::vector<Signal>& signals, const RecordingInfo& info,
-           double rate);
+  /// @throws UnusablePath when there can be no file of that name.
+  /// @throws RecordingFailure when the file does not even take what describes it.
+  Recorder(const std::string& path, const RecordingInfo& info, const mdf_writer::Options& options);
 
-  /// Adds a record: its time in seconds since the start, and the bits of each signal's value. It is
-  /// in the file within a second.
   /// @throws RecordingFailure when the file takes no more; it is then complete with those records
   /// that were written whole.
-  void append(double seconds, const std::vector<mdf_v4_10::UINT64>& values);
+  void append(const Sample& sample);
 
   /// Completes the file.
   /// @throws RecordingFailure as append() does.
   void finish();
 
   /// How many records the file has, or will have when it is finished.
-  mdf_v4_10::UINT64 records() const { return records_; }
+  std::uint64_t records() const { return records_; }
 
-  /// How many channels it has, the time channel included.
-  std::size_t channels() const { return channels_.size(); }
+  /// How many channels it has, those with times included.
+  std::size_t channels() const;
 
  private:
-  void put(mdf_v4_10::UINT64 bits, mdf_v4_10::UINT32 bytes);
-  void flush();
-  bool complete();
-  [[noreturn]] void keepWhatIsWritten();
+  using Channel = std::variant<mdf_writer::Channel<float>, mdf_writer::Channel<double>,
+                               mdf_writer::Channel<std::uint64_t>>;
+  struct Group {
+    mdf_writer::Group* group;
+    std::vector<Channel> channels;
+  };
 
-  OutputFile& file_;
-  std::vector<Signal> channels_;
-  RecordingBlocks blocks_;
-  std::vector<char> batch_;  ///< records that are not in the file yet
-  mdf_v4_10::UINT64 records_ = 0;
-  std::optional<TimeRange> times_;  ///< of the first and the last record, as far as they are known
-  double flush_interval_;
-  double last_flush_ = 0;
+  void add(const SignalGroup& signals);
+  [[noreturn]] void fail() const;
+
+  std::string name_;
+  mdf_writer::Plan plan_;
+  std::vector<Group> groups_;
+  std::unique_ptr<mdf_writer::FileOutput> output_;
+  std::unique_ptr<mdf_writer::Recording> recording_;
+  std::uint64_t records_ = 0;
 };
 
 }  // namespace mdf_tools

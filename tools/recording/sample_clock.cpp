@@ -4,6 +4,7 @@
 #include <cmath>
 #include <ctime>
 #include <limits>
+#include <utility>
 
 #include "stop_request.h"
 
@@ -61,31 +62,45 @@ void SampleSchedule::skipMissed(std::int64_t now) {
   next_ = newest;
 }
 
-SampleClock::SampleClock(double rate, double duration) : schedule_(rate, duration) {}
+SampleClock::SampleClock(const std::vector<double>& rates, double duration) {
+  for (const double rate : rates) {
+    schedules_.emplace_back(rate, duration);
+  }
+}
 
-bool SampleClock::waitForSample() {
+std::optional<std::size_t> SampleClock::waitForSample() {
   while (!stopRequested()) {
+    const auto next = std::min_element(
+        schedules_.begin(), schedules_.end(), [](const SampleSchedule& a, const SampleSchedule& b) {
+          return std::make_pair(a.over(), a.due()) < std::make_pair(b.over(), b.due());
+        });
     const std::int64_t now = nanoseconds();
-    const std::int64_t due = schedule_.due();
-    if (now < due) {
-      sleepFor(due - now);
-    } else if (schedule_.over()) {
-      return false;
+    if (now < next->due()) {
+      sleepFor(next->due() - now);
+    } else if (next->over()) {
+      return std::nullopt;
     } else {
-      schedule_.skipMissed(now);
-      if (!schedule_.over()) {
-        schedule_.take();
-        return true;
+      next->skipMissed(now);
+      if (!next->over()) {
+        next->take();
+        return static_cast<std::size_t>(next - schedules_.begin());
       }
     }
   }
-  return false;
+  return std::nullopt;
 }
 
-double SampleClock::now() {
-  const double seconds = static_cast<double>(nanoseconds()) / nanoseconds_per_second;
-  last_ = std::max(seconds, std::nextafter(last_, std::numeric_limits<double>::infinity()));
+std::int64_t SampleClock::now() {
+  last_ = std::max(nanoseconds(), last_ + 1);
   return last_;
+}
+
+UINT64 SampleClock::missed() const {
+  UINT64 missed = 0;
+  for (const SampleSchedule& schedule : schedules_) {
+    missed += schedule.missed();
+  }
+  return missed;
 }
 
 std::int64_t SampleClock::nanoseconds() const {

@@ -2,7 +2,10 @@
 #define MDF_TOOLS_RECORDING_SAMPLE_CLOCK_H_
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <vector>
 
 #include "mdf_v4_10.h"
 
@@ -40,29 +43,30 @@ class SampleSchedule {
   mdf_v4_10::UINT64 missed_ = 0;
 };
 
-/// Waits for one sample after another, on a clock that cannot be set.
+/// Waits for one sample after another, of several rates, on a clock that cannot be set.
 class SampleClock {
  public:
   /// Time starts now.
-  SampleClock(double rate, double duration);
+  SampleClock(const std::vector<double>& rates, double duration);
 
-  /// Waits until the next sample is to be taken. False when the duration is over, or at once when
-  /// the recording is to be stopped.
-  bool waitForSample();
+  /// Waits until the next sample is to be taken and returns which rate's it is. Nothing when the
+  /// duration is over, or at once when the recording is to be stopped.
+  std::optional<std::size_t> waitForSample();
 
-  /// Seconds since the start, more at each call.
-  double now();
+  /// Nanoseconds since the start, more at each call.
+  std::int64_t now();
 
-  mdf_v4_10::UINT64 missed() const { return schedule_.missed(); }
+  /// How many samples were missed so far, of all rates.
+  mdf_v4_10::UINT64 missed() const;
 
  private:
   using Clock = std::chrono::steady_clock;
 
   std::int64_t nanoseconds() const;
 
-  SampleSchedule schedule_;
+  std::vector<SampleSchedule> schedules_;
   Clock::time_point start_ = Clock::now();
-  double last_ = -1;
+  std::int64_t last_ = -1;
 };
 
 }  // namespace mdf_tools

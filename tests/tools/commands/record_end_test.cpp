@@ -3,6 +3,7 @@
 #include <chrono>
 #include <csignal>
 
+#include "tools/support/checked.h"
 #include "tools/support/program.h"
 #include "tools/support/recorded_file.h"
 #include "tools/support/recording_run.h"
@@ -78,12 +79,9 @@ TEST(RecordInterrupted, FileThatWasCutOffSaysSo) {
   EXPECT_EQ(result.exit_code, 128 + SIGKILL);
   const RecordedFile file(path);
   EXPECT_EQ(file.bytes().substr(0, 16), "UnFinMF 4.10    ");
-  EXPECT_EQ(file.numberAt(60, 2), 5U) << "cycle count and last length are to be set";
   EXPECT_EQ(file.cycleCount(), 0U);
-  EXPECT_EQ(file.numberAt(file.data() + 8, 8), 24U);
-  const std::uint64_t data = file.bytes().size() - file.data() - 24;
-  EXPECT_EQ(data % file.recordBytes(), 0U);
-  EXPECT_GT(data / file.recordBytes(), 20U) << "what was recorded is there";
+  EXPECT_GT(file.records(), 20U) << "what was recorded is there";
+  EXPECT_EQ(checkedCodes(file.bytes()), "file-unfinished 1\n");
 }
 
 TEST(RecordMissed, RateThatCannotBeKeptIsReported) {
@@ -102,10 +100,9 @@ TEST(RecordProgress, GivesWayToAComplaint) {
   const ScratchFolder folder;
   const std::string path = folder / "out.mf4";
   ASSERT_EQ(record({path, "--duration", "100ms"}).exit_code, 0);
-  const RecordedFile file(path);
   RunOptions options;
   options.error_is_terminal = true;
-  options.file_size_limit = file.data() + 24 + 150 * file.recordBytes();
+  options.file_size_limit = RecordedFile(path).bytes().size() + 20000;
   const RunResult result = record({path, "--duration", "1min", "--rate", "100"}, options);
   EXPECT_EQ(result.exit_code, 1);
   EXPECT_NE(result.messages.find(" missed\r\033[Kmdf: cannot write to "), std::string::npos)

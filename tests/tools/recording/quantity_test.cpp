@@ -14,7 +14,7 @@ template <class Parse>
 std::string complaint(Parse parse, const std::string& text) {
   try {
     return "accepted as " + shortNumber(parse(text));
-  } catch (const BadQuantity& error) {
+  } catch (const BadOption& error) {
     return error.what();
   }
 }

@@ -4,21 +4,35 @@
 
 #include "checked.h"
 #include "float_bits.h"
-#include "reader/bytes/input_file.h"
-#include "reader/model/description.h"
+#include "reader/measurement/measurement.h"
 #include "scratch_folder.h"
 
 namespace mdf_tests {
 
+namespace {
+
+std::uint64_t numberIn(std::string_view bytes, std::size_t offset, std::size_t width) {
+  std::uint64_t value = 0;
+  for (std::size_t i = width; i-- > 0;) {
+    value = value << 8U | static_cast<unsigned char>(bytes.at(offset + i));
+  }
+  return value;
+}
+
+double valueIn(std::string_view record, const mdf_reader::Channel& channel) {
+  const std::uint64_t bits = numberIn(record, channel.byte_offset, channel.bit_count / 8);
+  if (channel.data_type == mdf_reader::Channel::unsigned_le) {
+    return static_cast<double>(bits);
+  }
+  return channel.bit_count == 32 ? static_cast<double>(floatOf(bits)) : doubleOf(bits);
+}
+
+}  // namespace
+
 RecordedFile::RecordedFile(const std::filesystem::path& path) : bytes_(bytesOf(path)) {
-  mdf_reader::InputFile file(path.string());
-  const mdf_reader::Description description = readDescription(
-      file, [](const mdf_reader::Finding& finding) { ADD_FAILURE() << finding.sentence; });
-  const mdf_reader::DataGroup& data_group = description.data_groups.at(0);
-  const mdf_reader::ChannelGroup& group = data_group.groups.at(0);
+  const mdf_reader::Measurement measurement(path.string());
+  const mdf_reader::ChannelGroup& group = measurement.groups()[0];
   cycles_ = group.cycles;
-  record_bytes_ = group.recordBytes();
-  data_ = data_group.data;
   for (const mdf_reader::Channel& channel : group.channels) {
     channels_.push_back({std::string(channel.name),
                          std::string(channel.unit),
@@ -27,30 +41,24 @@ RecordedFile::RecordedFile(const std::filesystem::path& path) : bytes_(bytesOf(p
                          channel.data_type,
                          channel.bit_count,
                          {}});
-    for (std::uint64_t record = 0; record < cycles_; ++record) {
-      const std::uint64_t bits = numberAt(data_ + 24 + record * record_bytes_ + channel.byte_offset,
-                                          channel.bit_count / 8);
-      channels_.back().values.push_back(
-          channel.data_type == mdf_reader::Channel::unsigned_le ? static_cast<double>(bits)
-          : channel.bit_count == 32                             ? static_cast<double>(floatOf(bits))
-                                                                : doubleOf(bits));
-    }
   }
+  measurement.forEachRecord(group, [&](std::string_view record) {
+    for (std::size_t i = 0; i < channels_.size(); ++i) {
+      channels_[i].values.push_back(valueIn(record, group.channels[i]));
+    }
+    return true;
+  });
+  records_ = channels_.front().values.size();
 }
 
 std::uint64_t RecordedFile::numberAt(std::uint64_t offset, unsigned width) const {
-  std::uint64_t value = 0;
-  for (unsigned i = width; i-- > 0;) {
-    value =
-        value << 8U | static_cast<unsigned char>(bytes_.at(static_cast<std::size_t>(offset + i)));
-  }
-  return value;
+  return numberIn(bytes_, static_cast<std::size_t>(offset), width);
 }
 
 void RecordedFile::expectComplete() const {
   EXPECT_EQ(checkedBytes(bytes_), "");
   EXPECT_EQ(bytes_.substr(0, 24), "MDF     4.10    mdf     ");
-  EXPECT_EQ(bytes_.size(), data_ + 24 + cycles_ * record_bytes_);
+  EXPECT_EQ(cycles_, records_);
 }
 
 }  // namespace mdf_tests

@@ -18,7 +18,7 @@ struct RecordedChannel {
   std::vector<double> values;  ///< in all records
 };
 
-/// A recording: its description as the reader gives it, and its records from their bytes.
+/// A recording: its first group as the reader gives it, with values from the bytes of its records.
 class RecordedFile {
  public:
   explicit RecordedFile(const std::filesystem::path& path);
@@ -28,20 +28,18 @@ class RecordedFile {
   std::uint64_t numberAt(std::uint64_t offset, unsigned width) const;
 
   const std::vector<RecordedChannel>& channels() const { return channels_; }
+  /// As the group states it.
   std::uint64_t cycleCount() const { return cycles_; }
-  std::uint64_t recordBytes() const { return record_bytes_; }
-  /// Where the data block is.
-  std::uint64_t data() const { return data_; }
+  std::uint64_t records() const { return records_; }
 
-  /// Expects that a check finds nothing in the file, and nothing after its records.
+  /// Expects a finished file that a check finds nothing in, and that states its records.
   void expectComplete() const;
 
  private:
   std::string bytes_;
   std::vector<RecordedChannel> channels_;
   std::uint64_t cycles_ = 0;
-  std::uint64_t record_bytes_ = 0;
-  std::uint64_t data_ = 0;
+  std::uint64_t records_ = 0;
 };
 
 }  // namespace mdf_tests

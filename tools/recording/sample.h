@@ -1,0 +1,29 @@
+#ifndef MDF_TOOLS_RECORDING_SAMPLE_H_
+#define MDF_TOOLS_RECORDING_SAMPLE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "mdf_v4_10.h"
+#include "signal_source.h"
+
+namespace mdf_tools {
+
+/// Signals that are sampled together: a channel group of the file.
+struct SignalGroup {
+  std::string name;
+  std::vector<Signal> signals;
+};
+
+/// A value of each signal of a group at one time.
+struct Sample {
+  std::size_t group = 0;
+  std::int64_t nanoseconds = 0;           ///< since the recording began
+  std::vector<mdf_v4_10::UINT64> values;  ///< their bits
+};
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_RECORDING_SAMPLE_H_
