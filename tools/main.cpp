@@ -42,7 +42,7 @@ struct Command {
   void (*add)(CLI::App& app, int& exit_code);
 };
 
-constexpr std::array<Command, 11> commands = {{
+constexpr std::array<Command, 12> commands = {{
     {"record", mdf_tools::addRecordCommand},
     {"info", mdf_tools::addInfoCommand},
     {"list", mdf_tools::addListCommand},
@@ -54,6 +54,7 @@ constexpr std::array<Command, 11> commands = {{
     {"plot", mdf_tools::addPlotCommand},
     {"stats", mdf_tools::addStatsCommand},
     {"extract", mdf_tools::addExtractCommand},
+    {"import", mdf_tools::addImportCommand},
 }};
 
 /// Adds the command that a word names, or else all: on a small file, the options of the others
@@ -74,7 +75,7 @@ int complain(const std::string& sentence) {
 }
 
 int run(int argc, char** argv) {
-  CLI::App app("Record, inspect, check, draw and export ASAM MDF 4 measurement files.", "mdf");
+  CLI::App app("Record, inspect, check, draw, export and import ASAM MDF 4 measurement files.", "mdf");
   app.set_version_flag("--version", "mdf " MDF_PROGRAM_VERSION);
   app.require_subcommand(1);
   app.footer("Run 'mdf COMMAND --help' for what a command does, with examples.");

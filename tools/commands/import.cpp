@@ -1,0 +1,232 @@
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "command.h"
+#include "importing/import_failure.h"
+#include "importing/importer.h"
+
+namespace mdf_tools {
+
+namespace {
+
+constexpr const char* footer =
+    R"(Makes a channel group of each table. Files of CSV begin with a line of names, with units in brackets,
+"speed [km/h]", and have an empty line between two tables. Files of JSON lines have an object for each
+row, and are those that end in .jsonl, .ndjson or .json or begin with "{". A group has the name of its
+table in JSON lines, or of the file without its ending.
+
+What 'mdf export' writes is the same when it is imported and exported again, with few exceptions:
+masters that are no times become usual channels, texts that read as numbers become numbers, and JSON
+lines get other numbers and names of groups where groups had no names or were not exported.
+
+Types are found out by reading all rows first: integers of as many bits as it takes, float64 for
+other numbers, text for the rest, and for numbers with leading zeros such as 007. Empty fields and
+null become invalid samples. Numbers may be nan and inf. Between ';' a decimal comma is a point, too.
+
+Times:
+The column of times becomes the master channel. It is the one that --time names, in s, ms, us or ns,
+or else the first one if its unit is s, or if it is named time, t or timestamp without a unit, or if
+its values are dates, and if it has a time in each row, none before that of the row above. Dates are
+of ISO 8601, 2024-05-17T13:45:12.5+02:00; the first one in all files is when the measurement began.
+Those without a zone are taken as UTC. Integers from 1e17 on are nanoseconds since 1970. A table
+without times gets a master channel that counts its rows; a first column of 0, 1, 2, ... is that.
+
+Types for --type: uint8, uint16, uint32, uint64, int8, int16, int32, int64, float32, float64, text.
+
+Standard input, and what cannot be read twice, is kept in a temporary file in the meantime.
+
+Examples:
+  mdf import table.csv -o table.mf4
+  mdf import engine.csv brakes.csv -o trip.mf4           two channel groups
+  mdf import log.txt -o log.mf4 --separator ';' --decimal-comma --time Zeit
+  mdf import table.csv -o table.mf4 --type 'temp_*=float32' --type serial=text
+  mdf export a.mf4 --json -c 'speed*' | mdf import - -o speed.mf4
+
+Exit code: 0 imported, 1 a line cannot be imported or the file not be written, 2 wrong arguments,
+unreadable file, or one that is there already. Unless it is 0 there is no new file.)";
+
+struct Request {
+  std::vector<std::string> paths;
+  std::string output;
+  std::string format;
+  std::string separator;
+  bool replaces = false;
+  ImportOptions options;
+};
+
+/// A file that appears under its name when it is complete, and not before.
+class CompleteFile : public mdf_writer::FileOutput {
+ public:
+  using FileOutput::FileOutput;
+
+  bool publish() override { return true; }
+  bool appear() { return FileOutput::publish(); }
+};
+
+int complain(const std::string& sentence, ExitCode exit_code) {
+  std::cerr << "mdf: " << sentence << '\n';
+  return exit_code;
+}
+
+std::string counted(std::uint64_t number, const std::string& noun) {
+  return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
+}
+
+/// "a.csv, b.csv": what the file was made of, without folders.
+std::string namesOf(const std::vector<std::string>& paths) {
+  std::string names;
+  for (const std::string& path : paths) {
+    names += names.empty() ? "" : ", ";
+    names += path == "-" ? "standard input" : std::filesystem::path(path).filename().string();
+  }
+  return mdf_writer::isUtf8(names) ? names : "a file";
+}
+
+bool isInput(const Request& request) {
+  std::error_code none;
+  for (const std::string& path : request.paths) {
+    if (std::filesystem::equivalent(path, request.output, none)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+int import(const Request& request) {
+  if (isInput(request)) {
+    return complain("the output " + request.output + " is one of the files to read", exit_unusable);
+  }
+  CompleteFile file(request.output,
+                    request.replaces ? mdf_writer::Existing::replace : mdf_writer::Existing::keep);
+  if (!file.isOpen()) {
+    const bool is_there = !request.replaces && std::filesystem::exists(request.output) &&
+                          !std::filesystem::is_directory(request.output);
+    return complain("cannot write " + request.output + ": " + file.cause() +
+                        (is_there ? "; --force replaces it" : ""),
+                    exit_unusable);
+  }
+  if (!file.isSeekable()) {
+    return complain("cannot write " + request.output + ": it is no file that can be completed",
+                    exit_unusable);
+  }
+  mdf_writer::Plan plan("imported from " + namesOf(request.paths));
+  plan.history = plan.comment;
+  plan.program_version = MDF_PROGRAM_VERSION;
+  const Imported imported = importTables(request.paths, request.options, plan, file);
+  for (const std::string& note : imported.notes) {
+    std::cerr << "mdf: " << note << '\n';
+  }
+  if (!file.appear()) {
+    return complain("cannot write " + request.output + ": " + file.cause(), exit_problem);
+  }
+  std::cerr << "imported " << counted(imported.rows, "row") << " of "
+            << counted(imported.tables, "table") << " to " << request.output;
+  if (imported.bad_lines > 0) {
+    std::cerr << ", " << counted(imported.bad_lines, "bad line") << " skipped";
+  }
+  std::cerr << '\n';
+  return exit_fine;
+}
+
+int run(Request& request) {
+  request.options.separator = request.separator.empty()    ? '\0'
+                              : request.separator == "tab" ? '\t'
+                                                           : request.separator[0];
+  if (!request.format.empty()) {
+    request.options.format =
+        request.format == "csv" ? ImportOptions::Format::csv : ImportOptions::Format::json_lines;
+  }
+  try {
+    return import(request);
+  } catch (const CannotImport& error) {
+    return complain(error.what(), exit_unusable);
+  } catch (const ImportFailure& error) {
+    return complain(error.what(), exit_problem);
+  }
+}
+
+/// "name=float32" as a pattern and a type.
+std::optional<std::pair<std::string, ValueType>> typeRule(const std::string& text) {
+  const std::size_t sign = text.rfind('=');
+  if (sign == std::string::npos || sign == 0) {
+    return std::nullopt;
+  }
+  const auto type = valueTypeOf(text.substr(sign + 1));
+  return type ? std::optional(std::pair(text.substr(0, sign), *type)) : std::nullopt;
+}
+
+CLI::Validator isTypeRule() {
+  return CLI::Validator(
+      [](const std::string& text) {
+        return typeRule(text) ? std::string()
+                              : '"' + text + "\" is not a name and a type such as speed=float32";
+      },
+      "");
+}
+
+CLI::Validator isSeparator() {
+  return CLI::Validator(
+      [](const std::string& text) {
+        const bool is_one = text == "tab" || (text.size() == 1 && text != "\"" && text != "\n");
+        return is_one ? std::string() : '"' + text + "\" is not one character or \"tab\"";
+      },
+      "");
+}
+
+void addTableOptions(CLI::App& command, const std::shared_ptr<Request>& request) {
+  command.add_option("--format", request->format, "The form of the files; found out unless stated")
+      ->check(CLI::IsMember({"csv", "jsonl"}))
+      ->option_text("csv|jsonl");
+  command
+      .add_option(
+          "--separator", request->separator,
+          "What separates fields of CSV: a character or tab; one of , ; | and tab is found out")
+      ->type_name("CHAR")
+      ->check(isSeparator());
+  command.add_flag("--decimal-comma", request->options.has_decimal_comma,
+                   "Numbers have a comma where others have a point: 1,5");
+  command
+      .add_option("--time", request->options.time, "The column of times; the first if it is one")
+      ->type_name("NAME");
+  command
+      .add_option_function<std::vector<std::string>>(
+          "--type",
+          [request](const std::vector<std::string>& texts) {
+            for (const std::string& text : texts) {
+              request->options.types.push_back(*typeRule(text));
+            }
+          },
+          "The type of columns whose name matches; may be repeated, the last one counts")
+      ->type_name("GLOB=TYPE")
+      ->allow_extra_args(false)
+      ->check(isTypeRule());
+  command.add_flag("--skip-bad", request->options.skips_bad_lines,
+                   "Leave out lines that cannot be imported, and count them");
+}
+
+}  // namespace
+
+void addImportCommand(CLI::App& app, int& exit_code) {
+  const auto request = std::make_shared<Request>();
+  CLI::App* const command =
+      app.add_subcommand("import", "Make a measurement file of tables as CSV or JSON lines");
+  command->add_option("IN", request->paths, "The tables; - for standard input")
+      ->required()
+      ->type_name("FILE");
+  command
+      ->add_option("-o,--output", request->output, "The new file; it appears when it is complete")
+      ->required()
+      ->type_name("OUT.mf4");
+  command->add_flag("--force", request->replaces, "Replace an existing file");
+  addTableOptions(*command, request);
+  command->footer(footer);
+  command->callback([request, &exit_code] { exit_code = run(*request); });
+}
+
+}  // namespace mdf_tools

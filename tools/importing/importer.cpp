@@ -1,0 +1,218 @@
+#include "importer.h"
+
+#include <algorithm>
+#include <deque>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "csv_source.h"
+#include "group_writer.h"
+#include "json_source.h"
+#include "reader/columns/unique_names.h"
+#include "table_facts.h"
+
+namespace mdf_tools {
+
+namespace {
+
+using Format = ImportOptions::Format;
+
+constexpr std::size_t most_tables = 10'000;
+constexpr std::size_t most_streams = 20'000;  // of records, and of long texts
+
+Format formatOf(const std::string& path, LineReader& lines, const ImportOptions& options) {
+  if (options.format != Format::found_out) {
+    return options.format;
+  }
+  const std::string suffix = std::filesystem::path(path).extension().string();
+  const bool is_json = suffix == ".jsonl" || suffix == ".ndjson" || suffix == ".json" ||
+                       (suffix != ".csv" && lines.next() && lines.text().substr(0, 1) == "{");
+  lines.rewind();
+  return is_json ? Format::json_lines : Format::csv;
+}
+
+[[noreturn]] void fail(const mdf_writer::Recording& recording, const mdf_writer::Output& output) {
+  throw ImportFailure(output.cause().empty() ? recording.cause()
+                                             : "cannot write the new file: " + output.cause());
+}
+
+/// An input file, which is read twice.
+class Input {
+ public:
+  Input(const std::string& path, const ImportOptions& options)
+      : lines_(path),
+        format_(formatOf(path, lines_, options)),
+        options_(options),
+        stem_(path == "-" ? "stdin" : std::filesystem::path(path).stem().string()) {}
+
+  /// What tables without a name are called.
+  const std::string& stem() const { return stem_; }
+
+  /// Begins with the first table, again.
+  TableSource& begin() {
+    lines_.rewind();
+    if (format_ == Format::json_lines) {
+      source_ = std::make_unique<JsonSource>(lines_);
+    } else {
+      source_ = std::make_unique<CsvSource>(lines_, options_.separator, options_.has_decimal_comma);
+    }
+    return *source_;
+  }
+
+  /// Does something with each row of a table, and counts the lines that cannot be taken.
+  template <class Work>
+  std::uint64_t forEachRow(Work work) {
+    std::uint64_t bad_lines = 0;
+    for (bool is_there = true; is_there;) {
+      try {
+        is_there = source_->nextRow(cells_);
+        if (is_there) {
+          work(cells_);
+        }
+      } catch (const BadLine& bad) {
+        if (!options_.skips_bad_lines) {
+          throw ImportFailure(lines_.name() + ": line " + std::to_string(bad.line) + ", column " +
+                              std::to_string(bad.column) + ": " + bad.sentence);
+        }
+        ++bad_lines;
+      }
+    }
+    return bad_lines;
+  }
+
+ private:
+  LineReader lines_;
+  Format format_;
+  const ImportOptions& options_;
+  std::string stem_;
+  std::unique_ptr<TableSource> source_;
+  std::vector<Cell> cells_;
+};
+
+class Importer {
+ public:
+  Importer(const std::vector<std::string>& paths, const ImportOptions& options,
+           mdf_writer::Plan& plan)
+      : options_(options), plan_(plan) {
+    for (const std::string& path : paths) {
+      inputs_.emplace_back(path, options);
+    }
+  }
+
+  void findTypes() {
+    for (Input& input : inputs_) {
+      const std::size_t before = facts_.size();
+      TableSource& source = input.begin();
+      while (source.nextTable()) {
+        findTypes(input, source);
+      }
+      if (facts_.size() == before) {
+        throw ImportFailure(source.lines().name() + ": expected a table, found nothing");
+      }
+    }
+    setStart();
+  }
+
+  Imported write(mdf_writer::Output& output) {
+    mdf_writer::Recording recording(output, plan_, recordingOptions());
+    Imported imported;
+    imported.notes = notes_;
+    auto group = groups_.begin();
+    for (Input& input : inputs_) {
+      TableSource& source = input.begin();
+      while (recording.good() && group != groups_.end() && source.nextTable()) {
+        imported.bad_lines += write(input, source, *group++, recording, output, imported.rows);
+        ++imported.tables;
+      }
+    }
+    recording.finish();
+    if (!recording.good()) {
+      fail(recording, output);
+    }
+    return imported;
+  }
+
+ private:
+  void findTypes(Input& input, TableSource& source) {
+    if (facts_.size() == most_tables) {
+      throw ImportFailure(source.lines().name() + ": expected at most " +
+                          std::to_string(most_tables) + " tables, found more");
+    }
+    TableFacts& facts = facts_.emplace_back(options_);
+    input.forEachRow([&](const std::vector<Cell>& cells) { facts.add(source, cells); });
+    facts.settle(source);
+    if (!facts.note().empty()) {
+      notes_.push_back(source.lines().name() + ": " + facts.note());
+    }
+    const std::string name = source.name().empty() ? names_.unique(input.stem()) : source.name();
+    if (!mdf_writer::isUtf8(name)) {
+      throw ImportFailure(source.lines().name() + ": expected a name of a table in UTF-8, found " +
+                          shownText(name));
+    }
+    groups_.emplace_back(plan_, name, facts);
+  }
+
+  /// The file starts with the first time that is a date, and at a time not known without dates.
+  void setStart() {
+    const TimeColumn* first = nullptr;
+    for (TableFacts& facts : facts_) {
+      const bool is_first =
+          facts.time().hasStart() &&
+          (first == nullptr || facts.time().start().nanoseconds < first->start().nanoseconds);
+      first = is_first ? &facts.time() : first;
+    }
+    start_ = first == nullptr ? IsoTime() : first->start();
+    plan_.start.nanoseconds = static_cast<std::uint64_t>(start_.nanoseconds);
+    plan_.start.zone_minutes = static_cast<std::int16_t>(start_.zone_minutes);
+    plan_.start.is_daylight_saving = false;
+  }
+
+  mdf_writer::Options recordingOptions() const {
+    constexpr std::size_t for_all = std::size_t{1} << 26U;
+    std::size_t streams = groups_.size();
+    for (const GroupWriter& group : groups_) {
+      streams += group.variableChannels();
+    }
+    if (streams > most_streams) {
+      throw ImportFailure("expected at most " + std::to_string(most_streams) +
+                          " columns of long texts, found more");
+    }
+    mdf_writer::Options options;
+    options.block_bytes = for_all / std::max<std::size_t>(streams, 64);
+    options.flush_interval = 0;
+    return options;
+  }
+
+  std::uint64_t write(Input& input, const TableSource& source, GroupWriter& writer,
+                      mdf_writer::Recording& recording, const mdf_writer::Output& output,
+                      std::uint64_t& rows) {
+    return input.forEachRow([&](const std::vector<Cell>& cells) {
+      writer.set(source.lines().number(), cells, start_);
+      if (!recording.append(writer.group())) {
+        fail(recording, output);
+      }
+      ++rows;
+    });
+  }
+
+  const ImportOptions& options_;
+  mdf_writer::Plan& plan_;
+  std::deque<Input> inputs_;
+  std::deque<TableFacts> facts_;
+  std::deque<GroupWriter> groups_;
+  mdf_reader::UniqueNames names_;
+  std::vector<std::string> notes_;
+  IsoTime start_;
+};
+
+}  // namespace
+
+Imported importTables(const std::vector<std::string>& paths, const ImportOptions& options,
+                      mdf_writer::Plan& plan, mdf_writer::Output& output) {
+  Importer importer(paths, options, plan);
+  importer.findTypes();
+  return importer.write(output);
+}
+
+}  // namespace mdf_tools

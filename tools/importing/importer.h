@@ -1,0 +1,42 @@
+#ifndef MDF_TOOLS_IMPORTING_IMPORTER_H_
+#define MDF_TOOLS_IMPORTING_IMPORTER_H_
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "column_facts.h"
+#include "mdf_writer/mdf_writer.h"
+#include "number_scan.h"
+
+namespace mdf_tools {
+
+/// How tables are read.
+struct ImportOptions {
+  enum class Format { found_out, csv, json_lines };
+
+  Format format = Format::found_out;
+  char separator = '\0';  ///< of CSV; '\0' for one to be found out
+  bool has_decimal_comma = false;
+  std::string time;  ///< the name of the column of times; "" for the first one if it is one
+  std::vector<std::pair<std::string, ValueType>> types;  ///< by patterns of names; the last counts
+  bool skips_bad_lines = false;
+};
+
+struct Imported {
+  std::uint64_t tables = 0;
+  std::uint64_t rows = 0;
+  std::uint64_t bad_lines = 0;
+  std::vector<std::string> notes;  ///< what may not be as it was meant, as sentences
+};
+
+/// Makes a measurement file of the tables in text files, with a channel group for each. The files
+/// are read twice: to find out the columns' types, and for the values.
+/// @throws ImportFailure; what the output has got is then no file.
+Imported importTables(const std::vector<std::string>& paths, const ImportOptions& options,
+                      mdf_writer::Plan& plan, mdf_writer::Output& output);
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_IMPORTING_IMPORTER_H_
