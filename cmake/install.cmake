@@ -21,6 +21,7 @@ configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/mdf-config.cmake.in md
   INSTALL_DESTINATION ${mdf_package_dir} NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(mdf-config-version.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/mdf-config.cmake ${CMAKE_CURRENT_BINARY_DIR}/mdf-config-version.cmake
+  ${PROJECT_SOURCE_DIR}/cmake/find_library.cmake
   DESTINATION ${mdf_package_dir} COMPONENT development)
 
 # The file finds the prefix from where it lies itself.

@@ -4,6 +4,7 @@
 
 #include "../tools/support/file_builder.h"
 #include "support/bytes.h"
+#include "support/read_back.h"
 #include "support/recorded_output.h"
 #include "writer/mdf_writer.h"
 
@@ -247,6 +248,93 @@ TEST(FileBytes, OfEventsAttachmentsAndTheHierarchy) {
   const std::uint64_t c_name = file.text("c");
   file.link(b, 0, file.add("AT", {0, c_name, 0, 0}, attachment(1, std::string(16, '\0'), "x")));
   EXPECT_EQ(output.bytes(), file.bytes());
+}
+
+/// Two bytes, each followed by 2047 more of its kind, as a zlib stream.
+constexpr unsigned char packed_pairs[] = {
+    0x78, 0x01, 0x63, 0x62, 0x1a, 0x05, 0xa3, 0x60, 0x14, 0x8c, 0x82, 0x51, 0x30,
+    0x0a, 0x46, 0xc1, 0x48, 0x03, 0x8c, 0xa3, 0x60, 0x14, 0x8c, 0x82, 0x51, 0x30,
+    0x0a, 0x46, 0xc1, 0x28, 0x18, 0x71, 0x00, 0x00, 0x29, 0x20, 0x18, 0x01};
+
+/// Knows that stream alone.
+class PairPacker : public mdf_writer::Packer {
+ public:
+  bool transposes() const override { return true; }
+  std::size_t ahead() const override { return 0; }
+  void give(std::string_view data, std::uint32_t row_bytes) override {
+    is_known_ = data.size() == 4096;
+    EXPECT_EQ(row_bytes, 2U);
+  }
+  std::string_view take() override {
+    const auto* const stream = reinterpret_cast<const char*>(packed_pairs);
+    return {stream, is_known_ ? sizeof packed_pairs : 0};
+  }
+
+ private:
+  bool is_known_ = false;
+};
+
+/// A group of numbers of two bytes each, and where the link to its data stands.
+std::uint64_t addPairs(FileBuilder& file, std::uint64_t count) {
+  const std::uint64_t name = file.text("pair");
+  const std::uint64_t channel =
+      file.add("CN", {0, 0, name, 0, 0, 0, 0, 0},
+               Bytes().u8s({0, 0, 0, 0}).u32(0).u32(16).zeros(8).u8(255).zeros(3 + 16 + 32));
+  const std::uint64_t index_name = file.text("index");
+  const std::uint64_t index =
+      file.add("CN", {channel, 0, index_name, 0, 0, 0, 0, 0},
+               Bytes().u8s({3, 4, 0, 0}).zeros(16).u8(255).zeros(3 + 16 + 32));
+  const std::uint64_t group_name = file.text("pairs");
+  const std::uint64_t group = file.add("CG", {0, index, group_name, 0, 0, 0},
+                                       Bytes().u64(0).u64(count).zeros(8).u32(2).u32(0));
+  return file.addDataGroup({group}, 0);
+}
+
+/// The first record is flushed to where the block grows. When that is full it is packed, and what
+/// it has left becomes zeros. The last block is too small to be packed.
+TEST(FileBytes, OfPackedBlocksAreUnderAHeaderList) {
+  constexpr int count = 2049;
+  Plan plan("a run");
+  setUp(plan);
+  Group& pairs = plan.addGroup("pairs", Group::Order::index);
+  const auto pair = pairs.addChannel<std::uint16_t>("pair");
+  PairPacker packer;
+  Options options;
+  options.block_bytes = 4096;
+  options.flush_interval = 0;
+  options.packer = &packer;
+  RecordedOutput output;
+  Recording recording(output, plan, options);
+  pairs.set(pair, 0x0102);
+  EXPECT_TRUE(recording.append(pairs) && recording.flush());
+  for (int i = 1; i < count; ++i) {
+    recording.append(pairs);
+  }
+  EXPECT_TRUE(recording.finish());
+
+  FileBuilder file = startOfFile();
+  const std::uint64_t data_group = addPairs(file, count);
+  const std::uint64_t header_list = file.add("HL", {0}, Bytes().u16(0).u8(1).zeros(5));
+  file.link(data_group, 2, header_list);
+  file.append(std::string(56 + 24 + 4096, '\0'));
+  const std::string stream(reinterpret_cast<const char*>(packed_pairs), sizeof packed_pairs);
+  const std::uint64_t list = file.bytes().size();
+  const std::uint64_t zip = list + 56;
+  const std::uint64_t last = (zip + 48 + stream.size() + 7) / 8 * 8;
+  file.link(header_list, 0, list);
+  EXPECT_EQ(file.add("DL", {last, zip}, Bytes().u32(0).u32(1).u64(0)), list);
+  EXPECT_EQ(
+      file.add("DZ", {}, Bytes().text("DT").u8(1).u8(0).u32(2).u64(4096).u64(38).text(stream)),
+      zip);
+  EXPECT_EQ(file.add("DL", {0, last + 56}, Bytes().u32(0).u32(1).u64(4096)), last);
+  file.add("DT", {}, "\x02\x01");
+  EXPECT_EQ(output.bytes(), file.bytes());
+  EXPECT_EQ(findingsOf(output.bytes()), std::vector<std::string>());
+  std::string table = "index,pair\n";
+  for (int i = 0; i < count; ++i) {
+    table += std::to_string(i) + ",258\n";
+  }
+  EXPECT_EQ(tableOf(output.bytes(), "pairs"), table);
 }
 
 }  // namespace

@@ -6,15 +6,18 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <random>
 #include <set>
 #include <string>
 #include <thread>
 
 #include "../tools/support/scratch_folder.h"
+#include "support/every_second_block.h"
 #include "support/read_back.h"
 #include "support/recorded_output.h"
 #include "writer/mdf_writer.h"
+#include "writer_zip/zipper.h"
 
 namespace mdf_tests {
 namespace {
@@ -142,24 +145,49 @@ void expectWhole(const std::string& file, std::uint64_t least_numbers, std::uint
   EXPECT_GE(added.attachments.size(), 10 * ((least_numbers + 195) / 200));
 }
 
+enum class Zip { none, deflated, transposed_on_thread, every_second_block };
+
 struct Case {
   bool is_unsorted;
   int flush_every;  ///< so many records
+  Zip zip;
+  int records;
 };
 
 class Survival : public testing::TestWithParam<Case> {
  protected:
-  Options options() const {
+  Options options() {
     Options options;
     options.block_bytes = 4096;
     options.is_unsorted = GetParam().is_unsorted;
     options.flush_interval = GetParam().flush_every * std::int64_t{1'000'000'000};
     options.durability = Durability::flushes;
+    options.packer = packer();
     return options;
   }
-};
 
-constexpr int records = 500;
+  static int records() { return GetParam().records; }
+
+ private:
+  mdf_writer::Packer* packer() {
+    switch (GetParam().zip) {
+      case Zip::deflated:
+        return &deflating_;
+      case Zip::transposed_on_thread:
+        return &on_thread_;
+      case Zip::every_second_block:
+        choosy_.emplace();  // begins to count again
+        return &*choosy_;
+      case Zip::none:
+        break;
+    }
+    return nullptr;
+  }
+
+  mdf_writer::Zipper deflating_{{6, false, false}};
+  mdf_writer::Zipper on_thread_{{1, true, true}};
+  std::optional<EverySecondBlock> choosy_;
+};
 
 /// How many records were flushed after so many steps, and in all.
 struct Progress {
@@ -168,29 +196,30 @@ struct Progress {
   std::uint64_t texts;
 };
 
-std::vector<Progress> recordAll(Counting& counting, RecordedOutput& output,
-                                const Options& options) {
+std::vector<Progress> recordAll(Counting& counting, RecordedOutput& output, const Options& options,
+                                int records) {
   std::vector<Progress> progress;
   Recording recording(output, counting.plan, options);
   EXPECT_TRUE(recording.good()) << recording.cause();
   progress.push_back({output.steps().size(), 0, 0});
   for (int k = 0; k < records; ++k) {
     EXPECT_TRUE(counting.append(recording, k));
-    if (k % 100 == 7) {
+    if (k % (records / 5) == 7) {
       EXPECT_TRUE(recording.flush());
       progress.push_back({output.steps().size(), recording.records(counting.numbers),
                           recording.records(counting.texts)});
     }
   }
   EXPECT_TRUE(recording.finish()) << recording.cause();
-  progress.push_back({output.steps().size(), records, records / 10});
+  const auto count = static_cast<std::uint64_t>(records);
+  progress.push_back({output.steps().size(), count, count / 10});
   return progress;
 }
 
 TEST_P(Survival, EveryMomentLeavesAFileAndEveryPowerLossWhatWasFlushed) {
   Counting counting;
   RecordedOutput output;
-  const std::vector<Progress> progress = recordAll(counting, output, options());
+  const std::vector<Progress> progress = recordAll(counting, output, options(), records());
   std::mt19937 random(1);
   std::size_t reached = 0;
   std::string killed;
@@ -214,12 +243,12 @@ TEST_P(Survival, EveryMomentLeavesAFileAndEveryPowerLossWhatWasFlushed) {
       break;
     }
   }
-  expectWhole(output.bytes(), records, records / 10);
+  expectWhole(output.bytes(), progress.back().numbers, progress.back().texts);
 }
 
 /// Records until something fails, or to the end; true for that.
-bool recordOn(Counting& counting, Recording& recording) {
-  for (int k = 0; k < 600 && recording.good(); ++k) {
+bool recordOn(Counting& counting, Recording& recording, int records) {
+  for (int k = 0; k < records && recording.good(); ++k) {
     counting.append(recording, k);
   }
   return recording.finish();
@@ -245,7 +274,7 @@ TEST_P(Survival, AFullMediumLeavesAFinishedFileOfWhatItTook) {
     Counting counting;
     RecordedOutput output(room);
     Recording recording(output, counting.plan, options());
-    if (recordOn(counting, recording)) {
+    if (recordOn(counting, recording, records())) {
       size = output.bytes().size();
     }
     if (output.bytes().substr(0, 3) != "MDF") {
@@ -265,7 +294,7 @@ TEST_P(Survival, AWriteThatFailsOnceLeavesAFinishedFileOfWhatCameBefore) {
     RecordedOutput output;
     output.failWrite(number);
     Recording recording(output, counting.plan, options());
-    finished = recordOn(counting, recording);
+    finished = recordOn(counting, recording, records());
     SCOPED_TRACE("write " + std::to_string(number) + ": " + recording.cause());
     if (output.bytes().substr(0, 2) == "Un") {
       EXPECT_EQ(recording.cause(),
@@ -285,7 +314,7 @@ TEST_P(Survival, ASyncThatFailsIsReportedAndSaysWhatTheFileSays) {
     RecordedOutput output;
     output.failSync(number);
     Recording recording(output, counting.plan, options());
-    finished = recordOn(counting, recording);
+    finished = recordOn(counting, recording, records());
     if (recording.cause().substr(0, 9) == "cannot co") {
       causes.insert(output.bytes().substr(0, 2) + ": " + recording.cause());
     } else {
@@ -321,8 +350,15 @@ TEST(FullMedium, KeepsNoRecordWhoseShortValueItDidNotTake) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Layouts, Survival,
-                         testing::Values(Case{false, 10}, Case{false, 300}, Case{true, 10},
-                                         Case{true, 300}));
+                         testing::Values(Case{false, 10, Zip::none, 500},
+                                         Case{false, 300, Zip::none, 600},
+                                         Case{true, 10, Zip::none, 500},
+                                         Case{true, 300, Zip::none, 600},
+                                         Case{false, 60, Zip::deflated, 2000},
+                                         Case{false, 60, Zip::every_second_block, 2000},
+                                         Case{false, 700, Zip::transposed_on_thread, 2500},
+                                         Case{true, 60, Zip::transposed_on_thread, 1500},
+                                         Case{true, 700, Zip::every_second_block, 2500}));
 
 TEST(Killing, AtAnyMomentLeavesAFile) {
   const ScratchFolder folder;
@@ -336,6 +372,9 @@ TEST(Killing, AtAnyMomentLeavesAFile) {
       Options options;
       options.existing = mdf_writer::Existing::replace;
       options.flush_interval = 1'000'000'000;
+      options.block_bytes = 4096;
+      mdf_writer::Zipper zipper({1, true, true});
+      options.packer = round % 2 == 0 ? nullptr : &zipper;
       Recording recording(path, counting.plan, options);
       for (int k = 0; recording.good(); ++k) {
         counting.append(recording, k);

@@ -3,11 +3,13 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <tuple>
 
 #include "support/bytes.h"
 #include "support/read_back.h"
 #include "support/recorded_output.h"
 #include "writer/mdf_writer.h"
+#include "writer_zip/zipper.h"
 
 namespace mdf_tests {
 namespace {
@@ -23,13 +25,18 @@ std::string readBack(const RecordedOutput& output, const std::string& group) {
   return tableOf(output.bytes(), group);
 }
 
-class Values : public testing::TestWithParam<bool> {
+/// Unsorted or not, and zipped or not.
+class Values : public testing::TestWithParam<std::tuple<bool, bool>> {
  protected:
-  Options options() const {
+  Options options() {
     Options options;
-    options.is_unsorted = GetParam();
+    options.is_unsorted = std::get<0>(GetParam());
+    options.packer = std::get<1>(GetParam()) ? &zipper_ : nullptr;
     return options;
   }
+
+ private:
+  mdf_writer::Zipper zipper_;
 };
 
 TEST_P(Values, OfEachTypeAreReadAsTheyWereSet) {
@@ -282,7 +289,7 @@ TEST(TimeChannel, HasNoRangeWhereTheRecordingDoesNotKnowIt) {
             std::string(std::begin(monotonous_without_range), std::end(monotonous_without_range)));
 }
 
-INSTANTIATE_TEST_SUITE_P(Layouts, Values, testing::Bool());
+INSTANTIATE_TEST_SUITE_P(Layouts, Values, testing::Combine(testing::Bool(), testing::Bool()));
 
 }  // namespace
 }  // namespace mdf_tests

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 #include <sstream>
+#include <utility>
 
 #include "../../mdf/mdf_v4_10.h"
 #include "places.h"
@@ -12,8 +13,12 @@ namespace mdf_writer {
 
 using mdf_v4_10::DLBLOCK;
 using mdf_v4_10::DTBLOCK;
+using mdf_v4_10::DZBLOCK;
+using mdf_v4_10::HLBLOCK;
 using mdf_v4_10::RDBLOCK;
 using mdf_v4_10::SDBLOCK;
+using mdf_v4_10::detail::dzblock_fields;
+using mdf_v4_10::detail::loadLe;
 using mdf_v4_10::detail::storeLe;
 
 namespace {
@@ -22,20 +27,27 @@ namespace {
 constexpr std::size_t least_room = 1024;
 constexpr std::size_t growth = 8;
 
+constexpr std::size_t original_length_place = placeOfField(0, dzblock_fields, "dz_org_data_length");
+constexpr std::size_t packed_length_place = placeOfField(0, dzblock_fields, "dz_data_length");
+
+DZBLOCK::DZ_ZIPTYPE_t zipType(std::uint32_t row_bytes) {
+  return row_bytes > 0 ? DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE : DZBLOCK::DZ_ZIPTYPE_DEFLATE;
+}
+
+template <class Block>
+std::string bytesOf(const Block& block) {
+  std::ostringstream bytes;
+  bytes << block;
+  return bytes.str();
+}
+
 /// A list of one block, and the header of that.
 std::string headOf(DataStream::Kind kind) {
-  std::ostringstream head;
   DLBLOCK list(false, 0);
   list.addData(1, 0);
-  head << list;
-  if (kind == DataStream::Kind::records) {
-    head << DTBLOCK();
-  } else if (kind == DataStream::Kind::signal_data) {
-    head << SDBLOCK();
-  } else {
-    head << RDBLOCK(nullptr, 0);
-  }
-  return head.str();
+  return bytesOf(list) + (kind == DataStream::Kind::records       ? bytesOf(DTBLOCK())
+                          : kind == DataStream::Kind::signal_data ? bytesOf(SDBLOCK())
+                                                                  : bytesOf(RDBLOCK(nullptr, 0)));
 }
 
 }  // namespace
@@ -47,12 +59,30 @@ DataStream::DataStream(Storage& storage, std::uint64_t link_at, Kind kind, std::
       limit_(block_bytes),
       link_at_(link_at) {
   const std::string head = headOf(kind);
-  std::copy_n(head.begin(), head_bytes, buffer_.begin());
+  std::copy_n(head.begin(), head_bytes, head_.begin());
+}
+
+void DataStream::pack(Packing& packing, std::uint32_t record_bytes) {
+  packing_ = &packing;
+  needs_header_list_ = true;
+  row_bytes_ = packing.transposes() && record_bytes > 1 ? record_bytes : 0;
+  const auto letters = loadLe<std::uint16_t>(&head_[list_bytes + place_of_letters]);
+  DZBLOCK header(letters, zipType(row_bytes_), nullptr, 0);
+  header.setZipParameter(row_bytes_);
+  const std::string bytes = bytesOf(header);
+  std::copy_n(bytes.begin(), zip_header_bytes, zip_header_.begin());
+}
+
+/// A list block at a place, of the block after it.
+void DataStream::putList(char* list, std::uint64_t at) const {
+  std::copy_n(head_.begin(), list_bytes, list);
+  storeLe(list + placeOfLink(1), at + list_bytes);
+  storeLe(list + list_bytes - sizeof block_begins_, block_begins_);
 }
 
 void DataStream::putHead(char* head, std::uint64_t at, std::uint64_t bytes) const {
-  storeLe(head + placeOfLink(1), at + list_bytes);
-  storeLe(head + list_bytes - sizeof block_begins_, block_begins_);
+  putList(head, at);
+  std::copy(head_.begin() + list_bytes, head_.end(), head + list_bytes);
   storeLe(head + list_bytes + place_of_length, std::uint64_t{head_bytes - list_bytes} + bytes);
 }
 
@@ -63,7 +93,7 @@ bool DataStream::append(std::string_view first, std::string_view second) {
       return false;
     }
     if (bytes > capacity_) {
-      return appendLarge(first, second);
+      return (packing_ == nullptr || packing_->placeAll()) && appendLarge(first, second);
     }
   }
   char* const at = tryAppend(bytes);
@@ -81,9 +111,8 @@ bool DataStream::appendLarge(std::string_view first, std::string_view second) {
     block_begins_ += bytes;
     return put(0, first) && put(0, second);
   }
-  const std::uint64_t at = storage_.allocate(head_bytes + bytes);
+  const std::uint64_t at = allocate(head_bytes + bytes);
   std::array<char, head_bytes> head;
-  std::copy_n(buffer_.begin(), head_bytes, head.begin());
   putHead(head.data(), at, bytes);
   if (!put(at, {head.data(), head.size()}) || !put(at + head_bytes, first) ||
       !put(at + head_bytes + first.size(), second) || !linkTo(at)) {
@@ -97,16 +126,109 @@ bool DataStream::appendLarge(std::string_view first, std::string_view second) {
 }
 
 bool DataStream::writeOut() {
+  if (packing_ != nullptr && !packing_->placeAll()) {
+    return false;
+  }
   if (used_ == written_) {
     return true;
   }
   if (!storage_.isSeekable()) {
     return writeOn();
   }
-  return block_at_ == 0 ? begin(std::max(least_room, growth * used_)) : grow();
+  if (block_at_ != 0) {
+    return grow();
+  }
+  if (packing_ != nullptr && used_ <= capacity_) {
+    reserveHeaderList();
+    return begin(places_.take(storage_, head_bytes + capacity_, shown_block_), capacity_);
+  }
+  return begin(std::max(used_, std::min(capacity_, std::max(least_room, growth * used_))));
 }
 
+bool DataStream::writeLast() {
+  if (packing_ == nullptr) {
+    return writeOut();
+  }
+  const bool is_there = packing_->placeAll();
+  if (!is_there || block_at_ != 0 || used_ == 0) {
+    return is_there && writeOut();
+  }
+  return handOn() && packing_->placeAll();
+}
+
+/// Goes on with an empty buffer while the block is packed.
+bool DataStream::handOn() {
+  const std::string_view data = block();
+  FullBlock full{this, std::move(buffer_), used_, block_begins_};
+  block_begins_ += used_;
+  used_ = 0;
+  limit_ = capacity_;
+  return packing_->add(std::move(full), data, row_bytes_, buffer_);
+}
+
+void DataStream::swapWith(FullBlock& block) {
+  std::swap(buffer_, block.buffer);
+  std::swap(used_, block.used);
+  std::swap(block_begins_, block.begins);
+}
+
+/// The block becomes the stream's last one for a moment.
+bool DataStream::place(FullBlock& block, std::string_view packed) {
+  swapWith(block);
+  const std::size_t more = zip_header_bytes - (head_bytes - list_bytes);
+  const bool is_smaller = !packed.empty() && packed.size() + more < used_;
+  const bool success = is_smaller ? writePacked(packed) : writePlain();
+  if (success) {
+    endBlock();
+  }
+  swapWith(block);
+  return success;
+}
+
+bool DataStream::writePlain() {
+  const bool success = block_at_ == 0 ? begin(used_) : written_ == used_ || grow();
+  return success && places_.leaveTo(storage_, block_at_, head_bytes + used_);
+}
+
+bool DataStream::writePacked(std::string_view packed) {
+  std::array<char, list_bytes + zip_header_bytes> head;
+  const std::uint64_t at = allocate(head.size() + packed.size());
+  putList(head.data(), at);
+  char* const header = head.data() + list_bytes;
+  std::copy(zip_header_.begin(), zip_header_.end(), header);
+  storeLe(header + place_of_length, std::uint64_t{zip_header_bytes} + packed.size());
+  storeLe(header + original_length_place, std::uint64_t{used_});
+  storeLe(header + packed_length_place, std::uint64_t{packed.size()});
+  if (storage_.write(at, head.data(), head.size()) < head.size() ||
+      storage_.write(at + head.size(), packed.data(), packed.size()) < packed.size() ||
+      !linkTo(at)) {
+    storage_.giveBack(at);
+    return false;
+  }
+  if (shown_length_.at == lengthOf(0).at) {
+    shown_length_ = {};  // the link to where the block grew is changed instead
+  }
+  block_at_ = at;
+  return true;
+}
+
+void DataStream::takeBack(FullBlock& block) {
+  block.buffer.resize(head_bytes + block.used);
+  if (used_ > 0) {
+    block.buffer.insert(block.buffer.end(), buffer_.begin() + head_bytes,
+                        buffer_.begin() + static_cast<std::ptrdiff_t>(head_bytes + used_));
+  }
+  buffer_ = std::move(block.buffer);
+  used_ += block.used;
+  block_begins_ = block.begins;
+}
+
+bool DataStream::clearPlaces() { return places_.clear(storage_, block_at_, head_bytes + written_); }
+
 bool DataStream::endFullBlock() {
+  if (packing_ != nullptr) {
+    return used_ == 0 || handOn();
+  }
   if (block_at_ == 0 && used_ > 0 && storage_.isSeekable()) {
     if (!begin(used_)) {
       return false;
@@ -128,14 +250,34 @@ bool DataStream::writeOn() {
   return true;
 }
 
-bool DataStream::begin(std::size_t room) {
-  const std::size_t limit = std::min(capacity_, room);
-  const std::uint64_t at = storage_.allocate(head_bytes + limit);
+/// The place of the header list comes before that of the first block.
+void DataStream::reserveHeaderList() {
+  if (needs_header_list_ && header_list_at_ == 0) {
+    header_list_at_ = storage_.allocate(HLBLOCK::HLBLOCK_SIZE);
+  }
+}
+
+std::uint64_t DataStream::allocate(std::uint64_t bytes) {
+  reserveHeaderList();
+  return storage_.allocate(bytes);
+}
+
+/// Places to grow are cleared at the end.
+void DataStream::giveBack(std::uint64_t at) {
+  if (!places_.has(at)) {
+    storage_.giveBack(at);
+  }
+}
+
+bool DataStream::begin(std::size_t limit) { return begin(allocate(head_bytes + limit), limit); }
+
+bool DataStream::begin(std::uint64_t at, std::size_t limit) {
   putHead(buffer_.data(), at, used_);
   const std::size_t written = storage_.write(at, buffer_.data(), head_bytes + used_);
+  places_.wrote(at, written);
   written_ = written - std::min(written, head_bytes);
   if (written_ == 0) {
-    storage_.giveBack(at);
+    giveBack(at);
     return false;
   }
   block_at_ = at;
@@ -148,9 +290,10 @@ bool DataStream::begin(std::size_t room) {
 }
 
 bool DataStream::grow() {
-  const std::size_t count = used_ - written_;
+  const std::size_t count = std::min(used_, limit_) - written_;
   const char* const from = &buffer_[head_bytes + written_];
   written_ += storage_.write(block_at_ + head_bytes + written_, from, count);
+  places_.wrote(block_at_, head_bytes + written_);
   if (written_ < used_) {
     return false;
   }
@@ -168,13 +311,32 @@ DataStream::Pending DataStream::lengthOf(std::uint64_t bytes) const {
 
 /// A link that no shown link leads to can be written at once.
 bool DataStream::linkTo(std::uint64_t block) {
-  if (is_link_shown_) {
+  if (needs_header_list_) {
+    if (!writeHeaderList(block)) {
+      return false;
+    }
+  } else if (is_link_shown_) {
     shown_link_ = {link_at_, block};
   } else if (!storage_.put(link_at_, block)) {
     return false;
   }
   is_linked_ = true;
   is_shown_ = false;
+  return true;
+}
+
+/// The library's own writer states no link.
+bool DataStream::writeHeaderList(std::uint64_t first) {
+  const auto at = static_cast<mdf_v4_10::LINK>(first);
+  std::string bytes = bytesOf(HLBLOCK(at, false, zipType(row_bytes_)));
+  storeLe(&bytes[place_of_link_count], std::uint64_t{1});
+  if (storage_.write(header_list_at_, bytes.data(), bytes.size()) < bytes.size()) {
+    return false;
+  }
+  shown_link_ = {link_at_, header_list_at_};
+  link_at_ = header_list_at_ + placeOfLink(HLBLOCK::hl_dl_first);
+  is_link_shown_ = false;
+  needs_header_list_ = false;
   return true;
 }
 
@@ -205,6 +367,7 @@ bool DataStream::showLink() {
   }
   is_shown_ = true;
   is_link_shown_ = true;
+  shown_block_ = block_at_;
   return true;
 }
 
@@ -220,7 +383,7 @@ bool DataStream::cutBlock(std::size_t bytes) {
     return true;
   }
   if (bytes == 0 && !is_linked_) {
-    storage_.giveBack(block_at_);
+    giveBack(block_at_);
     block_at_ = 0;
     return true;
   }

@@ -1,11 +1,14 @@
 #ifndef MDF_WRITER_STREAM_DATA_STREAM_H_
 #define MDF_WRITER_STREAM_DATA_STREAM_H_
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
 
+#include "growing_places.h"
+#include "packing.h"
 #include "storage.h"
 
 namespace mdf_writer {
@@ -21,6 +24,10 @@ namespace mdf_writer {
 ///
 /// A block that is not full when it is written gets a place to grow, in which the next data goes.
 ///
+/// Where blocks are packed, a header list block comes before the list. Full blocks get places when
+/// they are packed; the link to one that grew meanwhile is changed. Blocks that are no smaller then
+/// stay as they are.
+///
 /// Where an output cannot go back, there are no blocks to link to: data follows on what was
 /// written.
 class DataStream {
@@ -29,6 +36,14 @@ class DataStream {
 
   /// `link_at` is where the link to the data stands, `block_bytes` how much data a block holds.
   DataStream(Storage& storage, std::uint64_t link_at, Kind kind, std::size_t block_bytes);
+
+  /// From the beginning on, packs full blocks; their records are of so many bytes, or 0.
+  void pack(Packing& packing, std::uint32_t record_bytes);
+
+  /// What a buffer of so many bytes of data takes.
+  static constexpr std::size_t bufferBytes(std::size_t block_bytes) {
+    return head_bytes + block_bytes;
+  }
 
   /// Room for so many bytes in the block, which then belong to the data; nullptr where the block
   /// has none.
@@ -52,6 +67,18 @@ class DataStream {
 
   /// Writes what is not in the file yet.
   bool writeOut();
+
+  /// The same when nothing will follow: packs the last block, too, unless it grows in its place.
+  bool writeLast();
+
+  /// Writes a block that was handed on.
+  bool place(FullBlock& block, std::string_view packed);
+
+  /// Takes a block back that was handed on, before all that came after it. No more will follow.
+  void takeBack(FullBlock& block);
+
+  /// Clears the places that blocks have left, when no link leads to them any more.
+  bool clearPlaces();
 
   /// The lengths first, then the links, with a sync before each where the medium is to hold the
   /// data; true when there was nothing to show.
@@ -78,19 +105,31 @@ class DataStream {
 
   static constexpr std::size_t list_bytes = 56;
   static constexpr std::size_t head_bytes = list_bytes + 24;
+  static constexpr std::size_t zip_header_bytes = 48;
 
   bool show(Pending& pending);
   bool writeOn();
-  bool begin(std::size_t room);
+  void reserveHeaderList();
+  std::uint64_t allocate(std::uint64_t bytes);
+  void giveBack(std::uint64_t at);
+  bool begin(std::size_t limit);
+  bool begin(std::uint64_t at, std::size_t limit);
   bool grow();
   bool endFullBlock();
+  bool handOn();
+  void swapWith(FullBlock& block);
+  bool writePlain();
+  bool writePacked(std::string_view packed);
+  bool writeHeaderList(std::uint64_t first);
   Pending lengthOf(std::uint64_t bytes) const;
   void endBlock();
   bool appendLarge(std::string_view first, std::string_view second);
+  void putList(char* list, std::uint64_t at) const;
   void putHead(char* head, std::uint64_t at, std::uint64_t bytes) const;
   bool linkTo(std::uint64_t block);
 
   Storage& storage_;
+  std::array<char, head_bytes> head_;  ///< a list block and a data block's header
   std::size_t capacity_;
   std::vector<char> buffer_;        ///< the list block, the data block's header, the data
   std::size_t used_ = 0;            ///< bytes of data in the block
@@ -104,6 +143,14 @@ class DataStream {
   bool is_link_shown_ = true;       ///< and to where that link stands
   Pending shown_length_;
   Pending shown_link_;
+
+  Packing* packing_ = nullptr;
+  std::uint32_t row_bytes_ = 0;       ///< of what is transposed; else 0
+  std::uint64_t header_list_at_ = 0;  ///< 0 as long as it has no place
+  bool needs_header_list_ = false;    ///< nothing is linked yet
+  std::array<char, zip_header_bytes> zip_header_{};
+  GrowingPlaces places_;
+  std::uint64_t shown_block_ = 0;  ///< the last one to which the file's links lead
 };
 
 }  // namespace mdf_writer

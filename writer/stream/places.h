@@ -9,7 +9,8 @@
 /// Where in a block stand the numbers that a recording writes in place.
 namespace mdf_writer {
 
-/// The length in a block's header.
+/// The type's letters, the length and the number of links in a block's header.
+inline constexpr std::size_t place_of_letters = 2;
 inline constexpr std::size_t place_of_length = 8;
 inline constexpr std::size_t place_of_link_count = 16;
 

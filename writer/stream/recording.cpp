@@ -18,6 +18,7 @@ namespace {
 
 constexpr std::size_t least_block_bytes = 4096;
 constexpr std::size_t most_block_bytes = std::size_t{1} << 24U;
+constexpr std::size_t most_packed_bytes = std::size_t{1} << 22U;
 constexpr std::size_t length_bytes = 4;  // before each value of variable length
 
 template <class Number>
@@ -68,6 +69,11 @@ void Recording::begin(Output& output) {
     is_finished_ = true;
     return;
   }
+  if (options_.packer != nullptr && !output.isSeekable()) {
+    cause_ = "cannot record zipped data to an output that cannot go back, such as a pipe";
+    is_finished_ = true;
+    return;
+  }
   const Layout layout = !output.isSeekable()   ? Layout::open_end
                         : options_.is_unsorted ? Layout::together
                                                : Layout::apart;
@@ -89,7 +95,9 @@ void Recording::begin(Output& output) {
 
 void Recording::makeStreams() {
   const bool is_together = description_.record_id_bytes > 0;
-  std::size_t longest = std::clamp(options_.block_bytes, least_block_bytes, most_block_bytes);
+  std::size_t longest =
+      std::clamp(options_.block_bytes, least_block_bytes,
+                 options_.packer == nullptr ? most_block_bytes : most_packed_bytes);
   for (Group& group : plan_.groups_) {
     State state{};
     state.group = &group;
@@ -106,21 +114,22 @@ void Recording::makeStreams() {
     }
     states_.push_back(std::move(state));
   }
-  const auto add = [&](std::uint64_t link_at, DataStream::Kind kind) {
-    streams_.push_back(std::make_unique<DataStream>(*storage_, link_at, kind, longest));
-    return streams_.back().get();
-  };
   makeReductions();
+  if (options_.packer != nullptr) {
+    packing_ = std::make_unique<Packing>(*options_.packer, DataStream::bufferBytes(longest));
+  }
   for (State& state : states_) {
     const bool shares = is_together && !record_streams_.empty();
-    state.stream =
-        shares ? record_streams_.front() : add(state.places.data_link, DataStream::Kind::records);
+    const std::size_t record_bytes = is_together ? 0 : state.data_bytes + state.invalidation_bytes;
+    state.stream = shares ? record_streams_.front()
+                          : addStream(state.places.data_link, DataStream::Kind::records, longest,
+                                      record_bytes);
     if (!shares) {
       record_streams_.push_back(state.stream);
     }
     for (Values& values : state.values) {
       if (!is_together) {
-        values.own = add(values.places.data_link, DataStream::Kind::signal_data);
+        values.own = addStream(values.places.data_link, DataStream::Kind::signal_data, longest, 0);
         value_streams_.push_back(values.own);
       }
     }
@@ -138,6 +147,16 @@ void Recording::makeReductions() {
       state.reductions.emplace_back(*state.group, state.group->reductions[i], *streams_.back());
     }
   }
+}
+
+DataStream* Recording::addStream(std::uint64_t link_at, DataStream::Kind kind,
+                                 std::size_t block_bytes, std::size_t record_bytes) {
+  streams_.push_back(std::make_unique<DataStream>(*storage_, link_at, kind, block_bytes));
+  DataStream* const stream = streams_.back().get();
+  if (packing_ != nullptr) {
+    stream->pack(*packing_, static_cast<std::uint32_t>(record_bytes));
+  }
+  return stream;
 }
 
 bool Recording::putSlowly(State& state, std::int64_t nanoseconds) {
@@ -175,7 +194,7 @@ bool Recording::reduce(State& state, std::int64_t nanoseconds, std::string_view 
 
 /// Before a block of reductions ends, the file has the records that they stand for.
 bool Recording::endInterval(Reduction& reduction, std::uint64_t records) {
-  return (reduction.hasRoom() || writeOut()) && reduction.end(records);
+  return (reduction.hasRoom() || forEach(&DataStream::writeOut)) && reduction.end(records);
 }
 
 bool Recording::endReductions() {
@@ -280,14 +299,14 @@ bool Recording::flush() {
   if (is_finished_) {
     return good();
   }
-  return (writeOut() && show()) || fail();
+  return (forEach(&DataStream::writeOut) && show()) || fail();
 }
 
-bool Recording::writeOut() {
-  const auto write = [](DataStream* stream) { return stream->writeOut(); };
-  return std::all_of(value_streams_.begin(), value_streams_.end(), write) &&
-         std::all_of(record_streams_.begin(), record_streams_.end(), write) &&
-         std::all_of(reduction_streams_.begin(), reduction_streams_.end(), write);
+bool Recording::forEach(bool (DataStream::*what)()) {
+  const auto call = [&](DataStream* stream) { return (stream->*what)(); };
+  return std::all_of(value_streams_.begin(), value_streams_.end(), call) &&
+         std::all_of(record_streams_.begin(), record_streams_.end(), call) &&
+         std::all_of(reduction_streams_.begin(), reduction_streams_.end(), call);
 }
 
 /// Values before the records that refer to them, records before what stands for them.
@@ -352,6 +371,9 @@ std::string Recording::leftBehind() const {
 
 bool Recording::keepWhatFits() {
   bool success = true;
+  if (packing_ != nullptr) {
+    packing_->giveBack();
+  }
   for (DataStream* const stream : value_streams_) {
     success &= stream->writeOut() ? stream->cutBlock(stream->taken()) : cutValues(*stream);
   }
@@ -446,7 +468,7 @@ bool Recording::finish() {
   if (is_finished_) {
     return good();
   }
-  if (!endReductions() || !writeOut()) {
+  if (!endReductions() || !forEach(&DataStream::writeLast)) {
     return fail();
   }
   close();
@@ -459,7 +481,8 @@ bool Recording::finish() {
 /// Last of all the identification, when everything else is there.
 bool Recording::complete() {
   const std::string& id = description_.finished_identification;
-  is_marked_finished_ = show() && storage_->cut() && putCounts() && syncIfAsked() &&
+  is_marked_finished_ = show() && forEach(&DataStream::clearPlaces) && storage_->cut() &&
+                        putCounts() && syncIfAsked() &&
                         storage_->write(0, id.data(), id.size()) == id.size();
   return is_marked_finished_ && syncIfAsked();
 }

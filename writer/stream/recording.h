@@ -16,6 +16,8 @@
 #include "added_blocks.h"
 #include "data_stream.h"
 #include "description.h"
+#include "packer.h"
+#include "packing.h"
 #include "reduction.h"
 #include "storage.h"
 
@@ -44,6 +46,11 @@ struct Options {
 
   Durability durability = Durability::none;
   Existing existing = Existing::keep;
+
+  /// Packs full blocks, as mdf::writer_zip does; none leaves them as they are. It must last as long
+  /// as the recording. Blocks hold 4 MiB at most then, and groups that flush a place of a block or
+  /// two in the file. Not for an output that cannot go back.
+  Packer* packer = nullptr;
 };
 
 /// A file while it is being written.
@@ -170,6 +177,8 @@ class Recording {
   void begin(Output& output);
   void makeStreams();
   void makeReductions();
+  DataStream* addStream(std::uint64_t link_at, DataStream::Kind kind, std::size_t block_bytes,
+                        std::size_t record_bytes);
   bool putSlowly(State& state, std::int64_t nanoseconds);
   bool putValue(State& state, Values& values);
   bool putRecord(State& state, std::string_view data, std::string_view invalidation);
@@ -179,7 +188,7 @@ class Recording {
   bool endInterval(Reduction& reduction, std::uint64_t records);
   bool endReductions();
   bool flushAt(std::int64_t nanoseconds);
-  bool writeOut();
+  bool forEach(bool (DataStream::*what)());
   bool show();
   bool showChains();
   bool showAll(const std::vector<DataStream*>& streams);
@@ -204,6 +213,7 @@ class Recording {
   std::string path_;
   std::unique_ptr<FileOutput> file_;
   std::unique_ptr<Storage> storage_;
+  std::unique_ptr<Packing> packing_;  ///< none where blocks stay as they are
   Description description_;
   std::vector<State> states_;
   std::vector<std::unique_ptr<DataStream>> streams_;
