@@ -192,8 +192,9 @@ double recordAtHighestRate() {
   std::vector<double> program;
   std::vector<double> baseline;
   for (int i = 0; i < repetitions; ++i) {
-    const rusage used = runProgram(
-        {"record", file.path(), "--duration", "500ms", "--rate", "100kHz"}, messages.path());
+    const rusage used =
+        runProgram({"record", file.path(), "--duration", "500ms", "--rate", "100kHz", "--force"},
+                   messages.path());
     const auto records = static_cast<double>(recordsIn(messages.contents()));
     program.push_back((nanoseconds(used.ru_utime) + nanoseconds(used.ru_stime)) / records);
     const std::string bytes = file.contents();

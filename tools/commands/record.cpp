@@ -1,21 +1,14 @@
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <chrono>
-#include <cmath>
-#include <cstdint>
-#include <cstdio>
 #include <iostream>
 #include <memory>
 #include <string>
-#include <thread>
+#include <vector>
 
 #include "command.h"
-#include "recording/machine.h"
+#include "recording/line_recording.h"
+#include "recording/machine_recording.h"
 #include "recording/quantity.h"
-#include "recording/recorder.h"
-#include "recording/sample_clock.h"
 #include "recording/stop_request.h"
 
 namespace mdf_tools {
@@ -30,111 +23,91 @@ constexpr const char* footer = R"(Records these signals from /proc and /sys:
   temp_<chip>_<sensor>                 in degrees Celsius, where there are sensors
 and the channel time, in seconds since the start.
 
-Ctrl-C and SIGTERM end a recording at once; the file is complete. A recording that is cut off, by a
-power failure say, leaves a file that starts with UnFinMF in place of MDF. Samples that come too
-late for the rate are left out and counted as missed.
+Sources are cpu, load, memory, network and temperature; --rate cpu=50 gives one of them a rate and a
+channel group of its own. All others share a group.
+
+While it runs, each line on standard input becomes a marker with that text, an event of the file, and
+so does each SIGUSR1. Samples that come too late for the rate are left out, counted as missed, and
+noted as events with their number, one a second at most.
+
+With --stdin csv, the first line has the names of the channels, with units in brackets as mdf export
+writes them; with --stdin json each line is an object. What is a number in the first sample is recorded
+as one, what is not as text. Times are in seconds unless the unit says ms, us or ns; those from 2001
+on in seconds since 1970 are moments. Empty fields are invalid values. Lines that do not fit are left
+out and counted, the first of them is reported.
+
+Ctrl-C and SIGTERM end a recording at once; the file is complete. A recording that is cut off leaves
+a file that says that it is unfinished (UnFinMF in place of MDF); it can be opened at any moment and
+has everything but the last second. To survive a power failure it takes --sync.
+
+On standard output that is a pipe, a recording is one that stays unfinished, without events.
 
 Examples:
   mdf record drive.mf4                            ten seconds, 100 samples a second
   mdf record drive.mf4 --duration 1.5h --rate 10Hz
-  mdf record drive.mf4 --duration 0               until Ctrl-C
+  mdf record drive.mf4 --duration 0 --sync        until Ctrl-C, or until the power fails
+  mdf record drive.mf4 --rate 10 --rate cpu=50 -c 'cpu*' -c 'mem_*'
+  sensor-program | mdf record drive.mf4 --stdin csv
+  mdf record - | ssh host 'cat > drive.mf4'
 
-Exit code: 0 recorded, 1 the file could not be written to the end, 2 the recording could not start.)";
+Exit code: 0 recorded, 1 the file could not be written to the end or lines were left out, 2 the
+recording could not start.)";
 
 struct Request {
-  std::string path;
-  std::string duration = "10s";
-  std::string rate = "100Hz";
+  RecorderOptions to;
+  std::string duration;
+  std::vector<std::string> rates;
+  std::vector<std::string> channels;
+  bool replaces = false;
+  bool syncs = false;
+  std::string lines;  ///< the form of those on standard input; empty for the machine's signals
+  std::string time;   ///< the channel that has their times
 };
 
-/// Shows how a recording gets on, once a second on a terminal.
-class Progress {
- public:
-  Progress() = default;
-  ~Progress() { end(); }
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
-
-  void show(double seconds, std::uint64_t records, std::uint64_t missed) {
-    if (is_terminal_ && seconds >= next_) {
-      (void)std::fprintf(stderr, "\r%.0f s, %llu records, %llu samples missed", seconds,
-                         static_cast<unsigned long long>(records),
-                         static_cast<unsigned long long>(missed));
-      next_ = seconds + 1;
-      shown_ = true;
+/// "100Hz", or "cpu=50" for one source.
+MachineOptions machineOptions(const Request& request) {
+  MachineOptions options;
+  options.patterns = request.channels;
+  const std::vector<std::string>& sources = Machine::sourceNames();
+  for (const std::string& text : request.rates) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos) {
+      options.rate = parseRate(text);
+      continue;
     }
-  }
-  /// Clears the line for what is printed next.
-  void end() {
-    if (shown_) {
-      (void)std::fputs("\r\033[K", stderr);
-      shown_ = false;
+    const std::string source = text.substr(0, equals);
+    if (std::find(sources.begin(), sources.end(), source) == sources.end()) {
+      throw BadOption('"' + source +
+                      "\" is no source; there are cpu, load, memory, network and temperature");
     }
+    options.rates[source] = parseRate(text.substr(equals + 1));
   }
-
- private:
-  bool is_terminal_ = isatty(STDERR_FILENO) != 0;
-  bool shown_ = false;
-  double next_ = 1;
-};
-
-double secondsOf(std::int64_t nanoseconds) { return static_cast<double>(nanoseconds) / 1e9; }
-
-std::string counted(std::uint64_t number, const std::string& noun) {
-  return std::to_string(number) + " " + noun + (number == 1 ? "" : "s");
+  return options;
 }
 
-std::string titleOf(double rate) {
-  return "Live signals of " + Machine::description() + ", recorded at " + shortNumber(rate) + " Hz";
+RecorderOptions recorderOptions(const Request& request) {
+  RecorderOptions options = request.to;
+  options.writing.existing =
+      request.replaces ? mdf_writer::Existing::replace : mdf_writer::Existing::keep;
+  options.writing.durability =
+      request.syncs ? mdf_writer::Durability::flushes : mdf_writer::Durability::none;
+  return options;
 }
 
-/// Utilisation is known only when some time has passed since the first look at the counters.
-void settle(Machine& machine) {
-  std::this_thread::sleep_for(std::chrono::milliseconds(150));
-  for (std::size_t i = 0; i < machine.groups().size(); ++i) {
-    machine.sample(i, 0);
+ExitCode record(const Request& request) {
+  const bool has_lines = !request.lines.empty();
+  const double duration = parseDuration(!request.duration.empty() ? request.duration
+                                        : has_lines               ? "0"
+                                                                  : "10s");
+  watchForRequests();
+  if (has_lines) {
+    const LineForm form = request.lines == "csv" ? LineForm::csv : LineForm::json;
+    const std::uint64_t bad_lines =
+        recordLines({form, request.time}, duration, recorderOptions(request), MDF_PROGRAM_VERSION);
+    return bad_lines == 0 ? exit_fine : exit_problem;
   }
-}
-
-void summarise(const Recorder& recorder, const Request& request, double rate, double seconds,
-               std::uint64_t missed) {
-  (void)std::fprintf(stderr, "recorded %s of %s in %.1f s to %s, %s missed\n",
-                     counted(recorder.records(), "record").c_str(),
-                     counted(recorder.channels(), "channel").c_str(), seconds, request.path.c_str(),
-                     counted(missed, "sample").c_str());
-  if (missed > 0) {
-    (void)std::fprintf(
-        stderr, "could not keep up %s Hz all the time; a lower --rate misses fewer samples\n",
-        shortNumber(rate).c_str());
-  }
-}
-
-/// A record is in the file within a second after it was taken.
-std::int64_t flushInterval(double rate) {
-  constexpr double second = 1e9;
-  return std::max<std::int64_t>(1, std::llround(second - second / rate));
-}
-
-void record(const Request& request, double duration, double rate) {
-  watchForStopRequest();
-  Machine machine({rate, {}, {}});
-  mdf_writer::Options options;
-  options.existing = mdf_writer::Existing::replace;
-  options.flush_interval = flushInterval(rate);
-  Recorder recorder(request.path, {titleOf(rate), MDF_PROGRAM_VERSION, machine.groups()}, options);
-  settle(machine);
-
-  SampleClock clock(machine.rates(), duration);
-  Progress progress;
-  while (const auto group = clock.waitForSample()) {
-    const std::int64_t now = clock.now();
-    recorder.append({*group, now, machine.sample(*group, secondsOf(now))});
-    progress.show(secondsOf(now), recorder.records(), clock.missed());
-  }
-  const double seconds = secondsOf(clock.now());
-  recorder.finish();
-  progress.end();
-  summarise(recorder, request, rate, seconds, clock.missed());
+  recordMachine(machineOptions(request), duration, recorderOptions(request), MDF_PROGRAM_VERSION);
+  return exit_fine;
 }
 
 int complain(const std::string& sentence, ExitCode exit_code) {
@@ -143,18 +116,8 @@ int complain(const std::string& sentence, ExitCode exit_code) {
 }
 
 int run(const Request& request) {
-  if (request.path == "-") {
-    return complain(
-        "cannot record to standard output: finishing a recording goes back to its "
-        "start; name a file",
-        exit_unusable);
-  }
-  double duration = 0;
-  double rate = 0;
   try {
-    duration = parseDuration(request.duration);
-    rate = parseRate(request.rate);
-    record(request, duration, rate);
+    return record(request);
   } catch (const BadOption& error) {
     return complain(error.what(), exit_unusable);
   } catch (const UnusablePath& error) {
@@ -162,7 +125,6 @@ int run(const Request& request) {
   } catch (const RecordingFailure& error) {
     return complain(error.what(), exit_problem);
   }
-  return exit_fine;
 }
 
 }  // namespace
@@ -171,17 +133,47 @@ void addRecordCommand(CLI::App& app, int& exit_code) {
   const auto request = std::make_shared<Request>();
   CLI::App* const command =
       app.add_subcommand("record", "Record the live signals of this machine in a new file");
-  command->add_option("OUT.mf4", request->path, "The file; an existing one is overwritten")
+  command->add_option("OUT.mf4", request->to.path, "The file; - is standard output")
       ->required()
       ->type_name("FILE");
   command
       ->add_option("--duration", request->duration,
                    "How long: a number and ms, s, min or h; 0 for until Ctrl-C")
       ->type_name("TIME")
-      ->capture_default_str();
-  command->add_option("--rate", request->rate, "How many samples a second: a number and Hz or kHz")
-      ->type_name("RATE")
-      ->capture_default_str();
+      ->default_str("10s");
+  CLI::Option* const rate =
+      command
+          ->add_option(
+              "--rate", request->rates,
+              "How many samples a second: a number and Hz or kHz, or one for one source, such "
+              "as cpu=50Hz (repeatable)")
+          ->type_name("RATE")
+          ->allow_extra_args(false)
+          ->default_str("100Hz");
+  CLI::Option* const channels =
+      command
+          ->add_option("-c,--channels", request->channels,
+                       "Only the signals whose names match a pattern (repeatable)")
+          ->type_name("GLOB")
+          ->allow_extra_args(false);
+  command->add_flag("--force", request->replaces, "Replace an existing file");
+  command->add_flag("--sync", request->syncs,
+                    "Wait each second until the medium has everything, so that it survives a power "
+                    "failure");
+  CLI::Option* const lines =
+      command
+          ->add_option("--stdin", request->lines,
+                       "Record what comes in lines on standard input, until its end")
+          ->check(CLI::IsMember({"csv", "json"}))
+          ->option_text("csv|json")
+          ->excludes(rate)
+          ->excludes(channels);
+  command
+      ->add_option("--time", request->time,
+                   "Which channel of them has the times; without, samples have the times at which "
+                   "they come")
+      ->type_name("NAME")
+      ->needs(lines);
   command->footer(footer);
   command->callback([request, &exit_code] { exit_code = run(*request); });
 }

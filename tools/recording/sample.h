@@ -15,6 +15,7 @@ namespace mdf_tools {
 struct SignalGroup {
   std::string name;
   std::vector<Signal> signals;
+  bool has_gaps = false;  ///< values may be missing
 };
 
 /// A value of each signal of a group at one time.
@@ -22,6 +23,8 @@ struct Sample {
   std::size_t group = 0;
   std::int64_t nanoseconds = 0;           ///< since the recording began
   std::vector<mdf_v4_10::UINT64> values;  ///< their bits
+  std::vector<std::string> texts{};       ///< in place of those, as many; none without texts
+  std::vector<bool> is_missing{};         ///< as many, of a group with gaps
 };
 
 }  // namespace mdf_tools

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ctime>
 #include <limits>
 #include <utility>
 
@@ -16,9 +15,6 @@ namespace {
 
 constexpr double nanoseconds_per_second = 1e9;
 
-/// A stop request that comes just before the wait begins is seen this much later.
-constexpr std::int64_t longest_wait = 100'000'000;
-
 /// A sample due at the very end of the duration no longer belongs to it, nor one that rounding puts
 /// just before the end.
 UINT64 samplesIn(double duration, double rate) {
@@ -26,13 +22,6 @@ UINT64 samplesIn(double duration, double rate) {
     return std::numeric_limits<UINT64>::max();
   }
   return static_cast<UINT64>(std::max(1.0, std::ceil(duration * rate - 1e-6)));
-}
-
-void sleepFor(std::int64_t nanoseconds) {
-  const std::int64_t span = std::min(nanoseconds, longest_wait);
-  timespec time{};
-  time.tv_nsec = static_cast<long>(span);
-  nanosleep(&time, nullptr);
 }
 
 }  // namespace
@@ -68,7 +57,8 @@ SampleClock::SampleClock(const std::vector<double>& rates, double duration) {
   }
 }
 
-std::optional<std::size_t> SampleClock::waitForSample() {
+std::optional<std::size_t> SampleClock::waitForSample(
+    const std::function<void(std::int64_t)>& wait) {
   while (!stopRequested()) {
     const auto next = std::min_element(
         schedules_.begin(), schedules_.end(), [](const SampleSchedule& a, const SampleSchedule& b) {
@@ -76,7 +66,7 @@ std::optional<std::size_t> SampleClock::waitForSample() {
         });
     const std::int64_t now = nanoseconds();
     if (now < next->due()) {
-      sleepFor(next->due() - now);
+      wait(next->due() - now);
     } else if (next->over()) {
       return std::nullopt;
     } else {

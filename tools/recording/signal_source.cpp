@@ -21,6 +21,10 @@ Signal uint64Signal(std::string name, std::string unit) {
   return {std::move(name), std::move(unit), CNBLOCK::CN_DATATYPE_UINT_LE, 8};
 }
 
+Signal textSignal(std::string name, std::string unit) {
+  return {std::move(name), std::move(unit), CNBLOCK::CN_DATATYPE_STRING_UTF8, 0};
+}
+
 UINT64 bitsOf(double value) {
   UINT64 bits = 0;
   static_assert(sizeof bits == sizeof value);

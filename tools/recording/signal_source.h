@@ -15,12 +15,13 @@ struct Signal {
   std::string name;
   std::string unit;  ///< empty for a number without a unit
   mdf_v4_10::CNBLOCK::MDF_CN_DATATYPES_t data_type;
-  mdf_v4_10::UINT32 bytes;  ///< of each value
+  mdf_v4_10::UINT32 bytes;  ///< of each value; 0 of a text
 };
 
 Signal float64Signal(std::string name, std::string unit);
 Signal float32Signal(std::string name, std::string unit);
 Signal uint64Signal(std::string name, std::string unit);
+Signal textSignal(std::string name, std::string unit);
 
 /// A value as the low bytes of 64 bits.
 mdf_v4_10::UINT64 bitsOf(double value);

@@ -4,11 +4,15 @@
 namespace mdf_tools {
 
 /// From now on Ctrl-C (SIGINT), SIGTERM and a closed terminal (SIGHUP, unless it is ignored as
-/// under nohup) do not end the program but ask it to stop. A file that grows beyond the allowed
-/// size does not end it either: the write fails.
-void watchForStopRequest();
+/// under nohup) do not end the program but ask it to stop, and SIGUSR1 asks for a marker. A file
+/// that grows beyond the allowed size and a pipe that nobody reads do not end it either: the write
+/// fails.
+void watchForRequests();
 
 bool stopRequested();
+
+/// Whether a marker was asked for since the last call.
+bool takeMarkerRequest();
 
 }  // namespace mdf_tools
 

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <csignal>
 
+#include "reader/measurement/measurement.h"
+#include "reader/summary/names.h"
 #include "tools/support/checked.h"
 #include "tools/support/program.h"
 #include "tools/support/recorded_file.h"
@@ -36,6 +38,16 @@ void expectEndsCleanly(const RunOptions& options, const fs::path& path) {
   file.expectComplete();
   EXPECT_GT(file.cycleCount(), 0U);
   EXPECT_LT(file.cycleCount(), 100U);
+}
+
+/// Names and types of the events in a file, one a line.
+std::string eventsOf(const fs::path& path) {
+  std::string lines;
+  const mdf_reader::Measurement file(path.string());
+  for (const mdf_reader::Event& event : file.events()) {
+    lines += std::string(event.name) + ", " + mdf_reader::eventTypeName(event.type) + '\n';
+  }
+  return lines;
 }
 
 TEST(RecordInterrupted, SignalsEndTheRecordingAndTheFileIsComplete) {
@@ -92,6 +104,7 @@ TEST(RecordMissed, RateThatCannotBeKeptIsReported) {
   RecordedFile(path).expectComplete();
   expectSummary(result.messages, path, 0.5, 50000);
   EXPECT_GT(summaryOf(result.messages).missed, 0U);
+  EXPECT_PRED2(contains, eventsOf(path), " missed, acquisition interrupt\n");
   EXPECT_EQ(summaryOf(result.messages).rest,
             "could not keep up 100000 Hz all the time; a lower --rate misses fewer samples\n");
 }
@@ -103,9 +116,10 @@ TEST(RecordProgress, GivesWayToAComplaint) {
   RunOptions options;
   options.error_is_terminal = true;
   options.file_size_limit = RecordedFile(path).bytes().size() + 20000;
-  const RunResult result = record({path, "--duration", "1min", "--rate", "100"}, options);
+  const RunResult result =
+      record({path, "--duration", "1min", "--rate", "100", "--force"}, options);
   EXPECT_EQ(result.exit_code, 1);
-  EXPECT_NE(result.messages.find(" missed\r\033[Kmdf: cannot write to "), std::string::npos)
+  EXPECT_NE(result.messages.find(" missed\033[K\r\033[Kmdf: cannot write to "), std::string::npos)
       << result.messages;
 }
 
@@ -117,8 +131,28 @@ TEST(RecordProgress, IsShownOnATerminal) {
   const RunResult result = record({path.string(), "--duration", "1.5s", "--rate", "10"}, options);
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.messages.substr(0, 6), "\r1 s, ") << result.messages;
-  EXPECT_NE(result.messages.find(" records, "), std::string::npos) << result.messages;
+  EXPECT_PRED2(contains, result.messages, " records, 1");
+  EXPECT_PRED2(contains, result.messages, "/s, 0.0 MB, 0 samples missed\033[K\r\033[K");
   EXPECT_NE(result.messages.find("\r\033[Krecorded "), std::string::npos) << result.messages;
+}
+
+TEST(RecordMarkers, AreLinesOnStandardInput) {
+  const ScratchFolder folder;
+  const fs::path path = folder / "out.mf4";
+  RunOptions options;
+  options.input = "hill\n\n\xff\nvalley";
+  EXPECT_EQ(record({path.string(), "--duration", "200ms", "--rate", "10"}, options).exit_code, 0);
+  RecordedFile(path).expectComplete();
+  EXPECT_EQ(eventsOf(path), "hill, marker\nmarker 2, marker\nmarker 3, marker\nvalley, marker\n");
+}
+
+TEST(RecordMarkers, AreSignals) {
+  const ScratchFolder folder;
+  const fs::path path = folder / "out.mf4";
+  const RunResult result =
+      record({path.string(), "--duration", "1s", "--rate", "10"}, interrupt(SIGUSR1, path));
+  EXPECT_EQ(result.exit_code, 0) << result.messages;
+  EXPECT_EQ(eventsOf(path), "marker 1, marker\n");
 }
 
 }  // namespace

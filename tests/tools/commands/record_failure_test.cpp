@@ -24,12 +24,33 @@ TEST(RecordRefused, BadArguments) {
                 "\"fast\" is not a rate; write a number and Hz or kHz, such as 100Hz or 0.5Hz");
   expectRefused({path, "--duration", "-1s"},
                 "\"-1s\" is out of range; a duration is 0, for no end, to 10 years");
-  expectRefused({"-"},
-                "cannot record to standard output: finishing a recording goes back to its start; "
-                "name a file");
+  expectRefused({path, "--rate", "gpu=5"},
+                "\"gpu\" is no source; there are cpu, load, memory, network and temperature");
+  expectRefused({path, "-c", "speed*"}, "no signal of this machine matches \"speed*\"");
+  expectRefused({path, "--time", "t"}, "--time requires --stdin");
   expectRefused({path + "/no/out.mf4"},
                 "cannot record to " + path + "/no/out.mf4: there is no directory " + path + "/no");
   EXPECT_FALSE(fs::exists(path));
+}
+
+TEST(RecordRefused, FileThatExistsIsReplacedByForceAlone) {
+  const ScratchFolder folder;
+  folder.write("out.mf4", "what is there");
+  const std::string path = folder / "out.mf4";
+  expectRefused({path}, "cannot record to " + path + ": it exists; --force replaces it");
+  RunOptions lines;
+  lines.input = "a\n1\n";
+  EXPECT_EQ(record({path, "--stdin", "csv"}, lines),
+            said(2, "cannot record to " + path + ": it exists; --force replaces it"));
+  EXPECT_EQ(bytesOf(path), "what is there");
+  EXPECT_EQ(record({path, "--duration", "10ms", "--force"}).exit_code, 0);
+  RecordedFile(path).expectComplete();
+}
+
+TEST(RecordRefused, TerminalIsNoPlaceForARecording) {
+  RunOptions options;
+  options.output_is_terminal = true;
+  EXPECT_EQ(record({"-"}, options), said(2, "cannot record to standard output: it is a terminal"));
 }
 
 TEST(RecordFull, DeviceThatTakesNothing) {

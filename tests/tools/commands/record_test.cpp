@@ -5,6 +5,8 @@
 #include <ctime>
 #include <functional>
 
+#include "reader/measurement/measurement.h"
+#include "tools/support/checked.h"
 #include "tools/support/program.h"
 #include "tools/support/recorded_file.h"
 #include "tools/support/recording_run.h"
@@ -148,6 +150,33 @@ TEST_F(Recorded, CommentsSayWhereHowAndByWhat) {
                "<TX>Recorded live signals</TX><tool_id>mdf</tool_id><tool_vendor>The mdf "
                "maintainers</tool_vendor><tool_version>" +
                    version.substr(0, version.size() - 1) + "</tool_version>");
+}
+
+TEST(RecordRates, SourceWithARateOfItsOwnIsAGroup) {
+  const ScratchFolder folder;
+  const std::string path = folder / "out.mf4";
+  const RunResult result = record({path, "--duration", "300ms", "--rate", "10", "--rate",
+                                   "memory=50", "-c", "mem_free", "-c", "load_1min", "--sync"});
+  EXPECT_EQ(result.exit_code, 0) << result.messages;
+  EXPECT_EQ(summaryOf(result.messages).records + summaryOf(result.messages).missed, 18U);
+  EXPECT_EQ(summaryOf(result.messages).channels, 4U);
+  const mdf_reader::Measurement file(path);
+  ASSERT_EQ(file.groups().size(), 2U);
+  EXPECT_EQ(file.groups()[0].shownName(), "system signals");
+  EXPECT_EQ(file.groups()[0].channels.at(1).name, "load_1min");
+  EXPECT_EQ(file.groups()[1].shownName(), "memory");
+  EXPECT_EQ(file.groups()[1].channels.at(1).name, "mem_free");
+  EXPECT_EQ(checkedBytes(bytesOf(path)), "");
+}
+
+TEST(RecordToStandardOutput, IsARecordingThatStaysOpen) {
+  const RunResult result = record({"-", "--duration", "200ms", "--rate", "10"});
+  EXPECT_EQ(result.exit_code, 0) << result.messages;
+  EXPECT_EQ(summaryOf(result.messages).path, "standard output");
+  EXPECT_EQ(checkedCodes(result.output), "file-unfinished 1\n");
+  const ScratchFolder folder;
+  folder.write("out.mf4", result.output);
+  EXPECT_EQ(RecordedFile(folder / "out.mf4").records(), summaryOf(result.messages).records);
 }
 
 }  // namespace

@@ -92,10 +92,14 @@ TEST(SampleSchedule, DurationOf0HasNoEnd) {
   EXPECT_EQ(schedule.missed(), 31'557'600'000'000U);
 }
 
+void sleepFor(std::int64_t nanoseconds) {
+  std::this_thread::sleep_for(std::chrono::nanoseconds(nanoseconds));
+}
+
 TEST(SampleClock, TakesEachSampleAtItsTimeOrReportsItMissed) {
   SampleClock clock({100}, 0.2);
   std::vector<std::int64_t> times;
-  while (clock.waitForSample()) {
+  while (clock.waitForSample(sleepFor)) {
     times.push_back(clock.now());
   }
   EXPECT_EQ(times.size() + clock.missed(), 20U);
@@ -108,16 +112,16 @@ TEST(SampleClock, TakesEachSampleAtItsTimeOrReportsItMissed) {
 
 TEST(SampleClock, CountsTheSamplesThatItsUserSleptThrough) {
   SampleClock clock({100}, 0.3);
-  ASSERT_TRUE(clock.waitForSample());
+  ASSERT_TRUE(clock.waitForSample(sleepFor));
   std::this_thread::sleep_for(std::chrono::milliseconds(150));
-  ASSERT_TRUE(clock.waitForSample());
+  ASSERT_TRUE(clock.waitForSample(sleepFor));
   EXPECT_GE(clock.missed(), 14U);
 }
 
 TEST(SampleClock, EachRateHasItsSamples) {
   SampleClock clock({20, 50, 5}, 0.2);
   std::vector<std::uint64_t> taken(3);
-  while (const auto rate = clock.waitForSample()) {
+  while (const auto rate = clock.waitForSample(sleepFor)) {
     ++taken[*rate];
   }
   EXPECT_EQ(taken[0] + taken[1] + taken[2] + clock.missed(), 4U + 10U + 1U);

@@ -1,4 +1,4 @@
-#include "recording/recorder.h"
+#include "recording/recording_file.h"
 
 #include <gtest/gtest.h>
 
@@ -25,11 +25,11 @@ RecordingInfo info() {
 constexpr std::int64_t second = 1'000'000'000;
 
 /// Four records of one group, two of the other.
-void appendAll(Recorder& recorder) {
+void appendAll(RecordingFile& file) {
   for (unsigned i = 0; i < 4; ++i) {
-    recorder.append({0, i * second, {bitsOf(0.5F * static_cast<float>(i)), i + (1ULL << 40U)}});
+    file.append({0, i * second, {bitsOf(0.5F * static_cast<float>(i)), i + (1ULL << 40U)}});
     if (i % 2 == 0) {
-      recorder.append({1, i * second + 1, {bitsOf(-1.25 * i)}});
+      file.append({1, i * second + 1, {bitsOf(-1.25 * i)}});
     }
   }
 }
@@ -45,14 +45,13 @@ std::string tableOf(const fs::path& path, const std::string& group) {
   return run({"export", path.string(), "--group", group}).output;
 }
 
-TEST(Recorder, WritesWhatTheGroupsHave) {
+TEST(RecordingFile, WritesWhatTheGroupsHave) {
   const ScratchFolder folder;
   const fs::path path = folder / "out";
-  Recorder recorder(path.string(), info(), {});
-  appendAll(recorder);
-  recorder.finish();
-  EXPECT_EQ(recorder.records(), 6U);
-  EXPECT_EQ(recorder.channels(), 5U);
+  RecordingFile file(path.string(), info(), {});
+  appendAll(file);
+  file.finish();
+  EXPECT_EQ(file.channels(), 5U);
   EXPECT_EQ(tableOf(path, "fast"), fast_table);
   EXPECT_EQ(tableOf(path, "slow"), "time [s],c [V]\n1e-09,-0\n2.000000001,-2.5\n");
   EXPECT_EQ(checkedBytes(bytesOf(path)), "");
@@ -62,10 +61,10 @@ TEST(Recorder, WritesWhatTheGroupsHave) {
 std::string record(const fs::path& path) {
   std::string sentence;
   try {
-    Recorder recorder(path.string(), info(), {});
-    appendAll(recorder);
-    recorder.finish();
-    sentence = std::to_string(recorder.records()) + " records";
+    RecordingFile file(path.string(), info(), {});
+    appendAll(file);
+    file.finish();
+    sentence = "recorded";
   } catch (const RecordingFailure& failure) {
     sentence = failure.what();
   } catch (const UnusablePath& refusal) {
@@ -74,7 +73,7 @@ std::string record(const fs::path& path) {
   return sentence;
 }
 
-TEST(Recorder, FileThatTakesNoMoreIsCompleteOrGone) {
+TEST(RecordingFile, FileThatTakesNoMoreIsCompleteOrGone) {
   const ScratchFolder folder;
   const fs::path path = folder / "out";
   const std::string beginning = "cannot write to " + path.string() + ": File too large; the ";
@@ -85,7 +84,7 @@ TEST(Recorder, FileThatTakesNoMoreIsCompleteOrGone) {
       const FileSizeLimit full(limit);
       message = record(path);
     }
-    if (message == "6 records") {
+    if (message == "recorded") {
       EXPECT_GT(limit, 1000U);
       break;
     }
@@ -101,7 +100,7 @@ TEST(Recorder, FileThatTakesNoMoreIsCompleteOrGone) {
   }
 }
 
-TEST(Recorder, RefusesPathsThatAreNoFile) {
+TEST(RecordingFile, RefusesPathsThatAreNoFile) {
   const ScratchFolder folder;
   const std::string path = folder.path().string();
   EXPECT_EQ(record(path), "cannot record to " + path + ": Is a directory");

@@ -1,0 +1,126 @@
+#include "line_recording.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <utility>
+
+#include "line_input.h"
+#include "markers.h"
+#include "status_line.h"
+#include "stop_request.h"
+
+namespace mdf_tools {
+
+namespace {
+
+constexpr std::int64_t second = 1'000'000'000;
+
+/// Lines on their way to a recording, which begins with the first sample.
+class LineRecording {
+ public:
+  LineRecording(LineSource source, double duration, RecorderOptions options,
+                const std::string& tool_version)
+      : source_(std::move(source)),
+        end_(duration > 0 ? std::llround(duration * 1e9)
+                          : std::numeric_limits<std::int64_t>::max()),
+        options_(std::move(options)),
+        info_{"Live signals of standard input", tool_version, {}} {}
+
+  std::uint64_t run() {
+    while (now_ < end_ && !input_.hasEnded() && !stopRequested()) {
+      input_.wait(std::min(end_ - now_, second));
+      now_ = std::chrono::nanoseconds(Clock::now() - start_).count();
+      while (const auto line = input_.next()) {
+        take(*line);
+      }
+      if (recorder_) {
+        keepUp();
+      }
+    }
+    finish();
+    return bad_lines_;
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  void take(std::string_view line) {
+    ++lines_;
+    try {
+      if (source_.take(line)) {
+        append();
+      }
+    } catch (const UnfitLine& bad) {
+      if (bad_lines_++ == 0) {
+        status_.note("standard input, line " + std::to_string(lines_) + ": " + bad.what() +
+                     "; such lines are left out");
+      }
+    }
+  }
+
+  void append() {
+    if (!source_.hasTimes()) {
+      source_.sample().nanoseconds = now_;
+    }
+    last_ = source_.sample().nanoseconds;
+    if (!recorder_) {
+      if (source_.origin() > 0) {
+        info_.start.nanoseconds = static_cast<std::uint64_t>(source_.origin() * 1e9);
+      }
+      info_.groups = {source_.signals()};
+      recorder_.emplace(options_, info_);
+    }
+    recorder_->append(source_.sample());
+  }
+
+  /// Markers, what lies in memory, and what people see.
+  void keepUp() {
+    markers_.add(*recorder_, source_.hasTimes() ? last_ : now_);
+    if (now_ >= flushed_ + second) {
+      recorder_->flush();
+      flushed_ = now_;
+    }
+    status_.show(now_, *recorder_, losses());
+  }
+
+  void finish() {
+    status_.end();
+    if (!recorder_) {
+      throw UnusablePath("there is no sample on standard input; nothing was recorded");
+    }
+    recorder_->finish();
+    summarise(*recorder_, now_, losses());
+  }
+
+  std::string losses() const { return counted(bad_lines_, "line") + " left out"; }
+
+  LineSource source_;
+  std::int64_t end_;
+  RecorderOptions options_;
+  RecordingInfo info_;
+  LineInput input_{STDIN_FILENO};
+  Markers markers_{-1};
+  StatusLine status_;
+  std::optional<Recorder> recorder_;
+  Clock::time_point start_ = Clock::now();
+  std::int64_t now_ = 0;
+  std::int64_t last_ = 0;  ///< the time of the last sample
+  std::int64_t flushed_ = 0;
+  std::uint64_t lines_ = 0;
+  std::uint64_t bad_lines_ = 0;
+};
+
+}  // namespace
+
+std::uint64_t recordLines(LineSource source, double duration, RecorderOptions options,
+                          const std::string& tool_version) {
+  RecordingFile::refuse(options.path, options.writing.existing);
+  return LineRecording(std::move(source), duration, std::move(options), tool_version).run();
+}
+
+}  // namespace mdf_tools
