@@ -45,7 +45,7 @@ std::uint64_t shifted(std::uint64_t value, int up) {
 }
 
 bool hasBit(std::string_view bytes, std::uint32_t bit) {
-  return ((static_cast<std::uint8_t>(bytes[bit / 8]) >> (bit % 8)) & 1U) != 0;
+  return (static_cast<unsigned>(static_cast<std::uint8_t>(bytes[bit / 8]) >> (bit % 8)) & 1U) != 0;
 }
 
 }  // namespace
