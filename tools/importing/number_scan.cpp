@@ -26,6 +26,9 @@ bool isMark(char character, DecimalMark mark) {
          (character == ',' && mark != DecimalMark::point);
 }
 
+constexpr std::array<std::uint64_t, 8> scale = {1,      10,      100,       1'000,
+                                                10'000, 100'000, 1'000'000, 10'000'000};
+
 /// The number of eight digits, each of them a byte, the first of which is the lowest: pairs, fours,
 /// all.
 std::uint64_t numberOfDigits(std::uint64_t digits) {
@@ -37,8 +40,6 @@ std::uint64_t numberOfDigits(std::uint64_t digits) {
 /// Takes digits, up to eight at a time and without a branch for each: how many there are differs
 /// from field to field.
 inline const char* takeDigits(const char* at, const char* end, std::uint64_t& magnitude) {
-  constexpr std::array<std::uint64_t, 8> scale = {1,      10,      100,       1'000,
-                                                  10'000, 100'000, 1'000'000, 10'000'000};
   while (end - at >= 8) {
     const std::uint64_t digits = mdf_v4_10::detail::loadLe<std::uint64_t>(at) ^ 0x3030303030303030U;
     const std::uint64_t others =

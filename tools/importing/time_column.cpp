@@ -113,6 +113,12 @@ void TimeColumn::noteDigits(const ScannedNumber& number) {
   decimals_ = std::max(decimals_, number.decimals);
 }
 
+void TimeColumn::settle() {
+  places_ = placesOfAll();
+  form_ = formOfAll();
+  places_ = hasStart() ? nano : places_;
+}
+
 TimeColumn::Form TimeColumn::formOfAll() const {
   constexpr double long_ago = 1e17;  // nanoseconds: in 1973
   constexpr double most = 9.2e18;
@@ -137,7 +143,7 @@ int TimeColumn::placesOfAll() const {
   constexpr double most = 2251799813685248;  // 2^51
   const int needed = decimals_ + shift_;
   const double seconds = std::max(std::abs(least_), std::abs(greatest_)) / powerOfTen(shift_);
-  if (are_dates_ || (is_plain_ && needed <= nano && seconds * powerOfTen(nano) < most)) {
+  if (is_plain_ && needed <= nano && seconds * powerOfTen(nano) < most) {
     return nano;
   }
   return is_plain_ && needed <= nano && seconds * powerOfTen(needed) < most ? needed : -1;

@@ -37,10 +37,7 @@ class TimeColumn {
   bool looksLikeTimes() const { return is_named_ || are_dates_; }
 
   /// Decides by all rows what the cells are.
-  void settle() {
-    places_ = placesOfAll();
-    form_ = formOfAll();
-  }
+  void settle();
   Form form() const { return form_; }
 
   bool hasStart() const { return form_ == Form::dates || form_ == Form::since_1970; }

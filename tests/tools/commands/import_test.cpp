@@ -88,10 +88,9 @@ TEST(ImportCommand, TablesOfCsv) {
       {"lines in a quoted field",
        "t,a\n0,\"x\ny\"\n1,\"\r\n\"\n",
        {},
-       1,
-       "mdf: in.csv: line 4, column 2: expected text in UTF-8 without control characters, found "
-       "\"\\x0d\\x0a\"",
-       ""},
+       0,
+       fine,
+       "t [s],a\n0,\"x\ny\"\n1,\"\r\n\"\n"},
       {"two tables",
        "t [s],a\n0,1\n\nt [s],b\n0,x\n",
        {},
@@ -251,7 +250,8 @@ TEST(ImportCommand, TypesThatAreFoundOutAndStated) {
 }
 
 TEST(ImportCommand, DatesAndNanosecondsSince1970) {
-  const std::string dates = "t [s],a\n2024-05-17T13:45:12.5+02:00,1\n2024-05-17T13:45:13+02:00,2\n";
+  const std::string dates =
+      "t [s],a\n2024-05-17T13:45:12.500000000+02:00,1\n2024-05-17T13:45:13+02:00,2\n";
   const std::string nanoseconds = "t [s],a\n1715946312500000000,1\n1715946313000000000,2\n";
   expectImport({"dates", dates, {}, 0, fine, dates}, "in.csv", {"--time", "iso"});
   expectImport({"dates, in seconds", dates, {}, 0, fine, "t [s],a\n0,1\n0.5,2\n"}, "in.csv", {});
@@ -299,13 +299,13 @@ TEST(ImportCommand, OutputsThatCannotBeWritten) {
   folder.write("there.mf4", "as it was");
   const std::string there = (folder / "there.mf4").string();
   EXPECT_EQ(run({"import", input, "-o", there}),
-            said(2, "mdf: cannot write " + there + ": File exists; --force replaces it\n"));
+            said(2, "cannot write " + there + ": File exists; --force replaces it"));
   EXPECT_EQ(run({"import", input, "--force", "-o", input}),
-            said(2, "mdf: the output " + input + " is one of the files to read\n"));
+            said(2, "the output " + input + " is one of the files to read"));
   EXPECT_EQ(run({"import", input, "-o", "/dev/full"}),
-            said(1, "mdf: cannot write the new file: No space left on device\n"));
+            said(1, "cannot write the new file: No space left on device"));
   EXPECT_EQ(run({"import", input + "x", "-o", there, "--force"}),
-            said(2, "mdf: cannot open " + input + "x: No such file or directory\n"));
+            said(2, "cannot open " + input + "x: No such file or directory"));
   EXPECT_EQ(bytesOf(there), "as it was");
   EXPECT_EQ(run({"import", input, input, "-o", there, "--force"}).exit_code, 0);
   EXPECT_EQ(run({"export", there}).output, "index,a\n0,1\n\nindex,a\n0,1\n");
