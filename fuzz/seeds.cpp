@@ -246,6 +246,14 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
   for (const char* target : {"check", "draw", "export", "show", "measure"}) {
     inputs[target] = inputs["dump"];
   }
+  inputs["import"] = {
+      std::string(1, '\0') + "time [s],speed [km/h],\"a,b\"\n0,1.5,x\n0.1,,\"y\n\"\n\nt,b\n0,-7\n",
+      "\3t;a\r\n2024-05-17T13:45:12,5+02:00;1,5\r\n2024-05-17 13:45:13Z;x;\r\n",
+      "\4a\tt [ms]\n1e-05\t007\n18446744073709551615\t1700000000000000000\nnan\t-0\n",
+      "\b"
+      R"({"name":"g","columns":[{"name":"t","unit":"s"}]})"
+      "\n"
+      R"({"values":{"t":0.5,"b":"nan"}})"};
   return inputs;
 }
 

@@ -63,6 +63,7 @@ const std::vector<std::pair<std::string, Target>>& targets() {
                              {"check", tryCheck},
                              {"draw", tryDraw},
                              {"export", tryExport},
+                             {"import", tryImport},
                              {"show", tryShow},
                              {"measure", tryMeasurement}});
     return list;
