@@ -65,7 +65,8 @@ std::string exported(const std::string& bytes, std::uint64_t expected_rows) {
   const NoteSink note = [](const std::string& /*text*/) {};
   std::string text;
   std::uint64_t rows = 0;
-  Tables tables(file, {}, report, note);
+  const Query query;
+  Tables tables(file, query, report, note);
   CsvWriter csv;
   while (Table* const table = tables.next()) {
     text += text.empty() ? "" : "\n";
@@ -101,8 +102,9 @@ std::string tryImport(std::string_view input) {
     const std::string bytes = import(input.substr(1), options, imported);
     const std::string text = exported(bytes, imported.rows);
     if (!is_json) {
+      const ImportOptions any;
       Imported again;
-      expect(exported(import(text, {}, again), again.rows) == text, "the same table again");
+      expect(exported(import(text, any, again), again.rows) == text, "the same table again");
     }
     return std::to_string(imported.tables) + " tables, " + std::to_string(imported.rows) +
            " rows, " + std::to_string(imported.bad_lines) + " bad lines";

@@ -45,30 +45,35 @@ void TableFacts::takeTime(const TableSource& source) {
   time_.emplace(columns.empty() ? ColumnName() : columns[time_index_], is_stated);
 }
 
+/// A bad line must leave no traces: all of it is checked first.
 void TableFacts::add(const TableSource& source, const std::vector<Cell>& cells) {
   static const Cell missing;
   if (columns_.size() != source.columns().size() || !time_) {
     takeColumns(source);
   }
-  for (std::size_t i = 0; i < columns_.size(); ++i) {
-    ColumnFacts& column = columns_[i];
-    const Cell& cell = i < cells.size() ? cells[i] : missing;
-    const bool is_number = cell.number.kind != ScannedNumber::Kind::none;
-    if (cell.kind != Cell::Kind::missing && (column.stated || !is_number)) {
-      const ValueType type = column.stated.value_or(ValueType::text);
-      if (!canHold(type, cell)) {
-        throw BadLine{source.lines().number(), i + 1, faultOf(type, cell)};
-      }
+  const std::uint64_t line = source.lines().number();
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    const bool is_number = cells[i].number.kind != ScannedNumber::Kind::none;
+    const ValueType type = columns_[i].stated.value_or(ValueType::text);
+    if ((columns_[i].stated || !is_number) && cells[i].kind != Cell::Kind::missing &&
+        !canHold(type, cells[i])) {
+      throw BadLine{line, i + 1, faultOf(type, cells[i])};
     }
-    column.add(cell);
   }
-  const std::string fault = time_->add(time_index_ < cells.size() ? cells[time_index_] : missing);
+  addTime(line, time_index_ < cells.size() ? cells[time_index_] : missing);
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    columns_[i].add(i < cells.size() ? cells[i] : missing);
+  }
+}
+
+void TableFacts::addTime(std::uint64_t line, const Cell& cell) {
+  const std::string fault = time_->add(cell);
   if (!fault.empty() && !options_->time.empty()) {
-    throw BadLine{source.lines().number(), time_index_ + 1, fault};
+    throw BadLine{line, time_index_ + 1, fault};
   }
   if (!fault.empty() && note_.empty() && time_->looksLikeTimes()) {
     note_ = "note: the first column does not become the master channel: line " +
-            std::to_string(source.lines().number()) + ": " + fault;
+            std::to_string(line) + ": " + fault;
   }
 }
 

@@ -2,6 +2,7 @@
 #define MDF_TOOLS_IMPORTING_TABLE_FACTS_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -36,6 +37,7 @@ class TableFacts {
  private:
   void takeColumns(const TableSource& source);
   void takeTime(const TableSource& source);
+  void addTime(std::uint64_t line, const Cell& cell);
 
   const ImportOptions* options_;
   std::vector<ColumnName> names_;

@@ -46,7 +46,8 @@ TimeColumn::TimeColumn(const ColumnName& column, bool is_stated)
     : is_stated_(is_stated),
       is_named_(is_stated || column.unit == "s" ||
                 (column.unit.empty() && isNameOfTime(column.name))),
-      has_unit_(!column.unit.empty()) {
+      has_unit_(!column.unit.empty()),
+      is_index_(column.name.rfind("index", 0) == 0) {
   if (is_stated) {
     shift_ = placesOf(column.unit);
     if (shift_ < 0) {
@@ -129,7 +130,7 @@ TimeColumn::Form TimeColumn::formOfAll() const {
     return Form::dates;
   }
   if (!is_named_) {
-    return is_counter_ && rows_ > 0 && !has_unit_ ? Form::counter : Form::none;
+    return (rows_ > 0 ? is_counter_ : is_index_) && !has_unit_ ? Form::counter : Form::none;
   }
   if (is_integer_ && shift_ % nano == 0 && least_ >= long_ago && greatest_ < most) {
     return Form::since_1970;

@@ -60,6 +60,7 @@ class TimeColumn {
   bool is_stated_;
   bool is_named_;  ///< its name or its unit is one of times
   bool has_unit_;
+  bool is_index_;  ///< its name is that of a column that was added to count the rows
   int shift_ = 0;  ///< decimal places between the unit and a second
 
   std::uint64_t rows_ = 0;
