@@ -104,7 +104,8 @@ std::string tryImport(std::string_view input) {
     if (!is_json) {
       const ImportOptions any;
       Imported again;
-      expect(exported(import(text, any, again), again.rows) == text, "the same table again");
+      const std::string bytes_again = import(text, any, again);
+      expect(exported(bytes_again, again.rows) == text, "the same table again");
     }
     return std::to_string(imported.tables) + " tables, " + std::to_string(imported.rows) +
            " rows, " + std::to_string(imported.bad_lines) + " bad lines";

@@ -13,6 +13,9 @@ using Form = TimeColumn::Form;
 
 constexpr std::size_t longest_in_record = 32;  // bytes of texts
 
+/// A channel without its type.
+mdf_writer::ChannelRef refOf(const mdf_writer::ChannelRef& channel) { return channel; }
+
 /// A master channel that counts the records, which takes no bytes of them.
 ChannelPlan counter(const std::string& name) {
   ChannelPlan plan;
@@ -98,25 +101,25 @@ void GroupWriter::addChannel(const ColumnName& name, const ColumnFacts& facts) {
 mdf_writer::ChannelRef GroupWriter::addNumber(ValueType type, const std::string& name) {
   switch (type) {
     case ValueType::uint8:
-      return group_.addChannel<std::uint8_t>(name);
+      return refOf(group_.addChannel<std::uint8_t>(name));
     case ValueType::uint16:
-      return group_.addChannel<std::uint16_t>(name);
+      return refOf(group_.addChannel<std::uint16_t>(name));
     case ValueType::uint32:
-      return group_.addChannel<std::uint32_t>(name);
+      return refOf(group_.addChannel<std::uint32_t>(name));
     case ValueType::uint64:
-      return group_.addChannel<std::uint64_t>(name);
+      return refOf(group_.addChannel<std::uint64_t>(name));
     case ValueType::int8:
-      return group_.addChannel<std::int8_t>(name);
+      return refOf(group_.addChannel<std::int8_t>(name));
     case ValueType::int16:
-      return group_.addChannel<std::int16_t>(name);
+      return refOf(group_.addChannel<std::int16_t>(name));
     case ValueType::int32:
-      return group_.addChannel<std::int32_t>(name);
+      return refOf(group_.addChannel<std::int32_t>(name));
     case ValueType::int64:
-      return group_.addChannel<std::int64_t>(name);
+      return refOf(group_.addChannel<std::int64_t>(name));
     case ValueType::float32:
-      return group_.addChannel<float>(name);
+      return refOf(group_.addChannel<float>(name));
     default:
-      return group_.addChannel<double>(name);
+      return refOf(group_.addChannel<double>(name));
   }
 }
 
