@@ -101,7 +101,8 @@ std::string tryImport(std::string_view input) {
     Imported imported;
     const std::string bytes = import(input.substr(1), options, imported);
     const std::string text = exported(bytes, imported.rows);
-    if (!is_json) {
+    // Where the comma is the mark, "1.5" is a text, which would then come back as a number.
+    if (!is_json && !options.has_decimal_comma) {
       const ImportOptions any;
       Imported again;
       const std::string bytes_again = import(text, any, again);
