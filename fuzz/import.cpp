@@ -103,9 +103,10 @@ std::string tryImport(std::string_view input) {
     const std::string text = exported(bytes, imported.rows);
     // Where the comma is the mark, "1.5" is a text, which would then come back as a number.
     if (!is_json && !options.has_decimal_comma) {
-      const ImportOptions any;
+      ImportOptions commas;
+      commas.separator = ',';
       Imported again;
-      const std::string bytes_again = import(text, any, again);
+      const std::string bytes_again = import(text, commas, again);
       expect(exported(bytes_again, again.rows) == text, "the same table again");
     }
     return std::to_string(imported.tables) + " tables, " + std::to_string(imported.rows) +
