@@ -75,7 +75,8 @@ int complain(const std::string& sentence) {
 }
 
 int run(int argc, char** argv) {
-  CLI::App app("Record, inspect, check, draw, export and import ASAM MDF 4 measurement files.", "mdf");
+  CLI::App app("Record, inspect, check, draw, export and import ASAM MDF 4 measurement files.",
+               "mdf");
   app.set_version_flag("--version", "mdf " MDF_PROGRAM_VERSION);
   app.require_subcommand(1);
   app.footer("Run 'mdf COMMAND --help' for what a command does, with examples.");

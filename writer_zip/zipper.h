@@ -30,6 +30,8 @@ class Zipper : public Packer {
  public:
   explicit Zipper(const ZipOptions& options = {});
   ~Zipper() override;
+  Zipper(const Zipper&) = delete;
+  Zipper& operator=(const Zipper&) = delete;
 
   bool transposes() const override;
   std::size_t ahead() const override;

@@ -147,6 +147,9 @@ void RecordingFile::append(const Sample& sample) {
 
 void RecordingFile::add(mdf_writer::Event event) {
   event.nanoseconds -= begin_;
+  if (event.nanoseconds_at_end) {
+    *event.nanoseconds_at_end -= begin_;
+  }
   recording_->addEvent(event);
   require(recording_->good());
 }

@@ -23,6 +23,8 @@ class FileOutput : public Output {
 
   /// Removes a file that was not published.
   ~FileOutput() override;
+  FileOutput(const FileOutput&) = delete;
+  FileOutput& operator=(const FileOutput&) = delete;
 
   bool isOpen() const { return descriptor_ >= 0; }
 

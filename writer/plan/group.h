@@ -55,6 +55,7 @@ class Group {
   };
 
   Group(std::string name, Order order);
+  ~Group() = default;
   Group(const Group&) = delete;
   Group& operator=(const Group&) = delete;
 

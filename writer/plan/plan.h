@@ -28,6 +28,7 @@ Moment now();
 class Plan {
  public:
   explicit Plan(std::string text = {}) : comment(std::move(text)) {}
+  ~Plan() = default;
   Plan(const Plan&) = delete;
   Plan& operator=(const Plan&) = delete;
 
