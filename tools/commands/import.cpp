@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <iostream>
@@ -10,6 +12,7 @@
 #include "command.h"
 #include "importing/import_failure.h"
 #include "importing/importer.h"
+#include "importing/temporary_file.h"
 
 namespace mdf_tools {
 
@@ -47,6 +50,7 @@ Examples:
   mdf import log.txt -o log.mf4 --separator ';' --decimal-comma --time Zeit
   mdf import table.csv -o table.mf4 --type 'temp_*=float32' --type serial=text
   mdf export a.mf4 --json -c 'speed*' | mdf import - -o speed.mf4
+  mdf import table.csv -o - | mdf stats -
 
 Exit code: 0 imported, 1 a line cannot be imported or the file not be written, 2 wrong arguments,
 unreadable file, or one that is there already. Unless it is 0 there is no new file.)";
@@ -98,7 +102,44 @@ bool isInput(const Request& request) {
   return false;
 }
 
+Imported importTo(mdf_writer::Output& output, const Request& request) {
+  mdf_writer::Plan plan("imported from " + namesOf(request.paths));
+  plan.history = plan.comment;
+  plan.program_version = MDF_PROGRAM_VERSION;
+  return importTables(request.paths, request.options, plan, output);
+}
+
+void report(const Imported& imported, const std::string& output) {
+  for (const std::string& note : imported.notes) {
+    std::cerr << "mdf: " << note << '\n';
+  }
+  std::cerr << "imported " << counted(imported.rows, "row") << " of "
+            << counted(imported.tables, "table") << " to " << output;
+  if (imported.bad_lines > 0) {
+    std::cerr << ", " << counted(imported.bad_lines, "bad line") << " skipped";
+  }
+  std::cerr << '\n';
+}
+
+/// The file is completed by writing in places that were written before, so it is made elsewhere.
+int importToStandardOutput(const Request& request) {
+  const std::string name = "standard output";
+  if (isatty(STDOUT_FILENO) != 0) {
+    return complain("cannot write " + name + ": it is a terminal", exit_unusable);
+  }
+  const mdf_reader::Descriptor copy = temporaryFile();
+  mdf_writer::FileOutput file(copy.number());
+  const Imported imported = importTo(file, request);
+  lseek(copy.number(), 0, SEEK_SET);
+  copyRest(copy.number(), "a temporary file", STDOUT_FILENO, name);
+  report(imported, name);
+  return exit_fine;
+}
+
 int import(const Request& request) {
+  if (request.output == "-") {
+    return importToStandardOutput(request);
+  }
   if (isInput(request)) {
     return complain("the output " + request.output + " is one of the files to read", exit_unusable);
   }
@@ -115,22 +156,11 @@ int import(const Request& request) {
     return complain("cannot write " + request.output + ": it is no file that can be completed",
                     exit_unusable);
   }
-  mdf_writer::Plan plan("imported from " + namesOf(request.paths));
-  plan.history = plan.comment;
-  plan.program_version = MDF_PROGRAM_VERSION;
-  const Imported imported = importTables(request.paths, request.options, plan, file);
-  for (const std::string& note : imported.notes) {
-    std::cerr << "mdf: " << note << '\n';
-  }
+  const Imported imported = importTo(file, request);
   if (!file.appear()) {
     return complain("cannot write " + request.output + ": " + file.cause(), exit_problem);
   }
-  std::cerr << "imported " << counted(imported.rows, "row") << " of "
-            << counted(imported.tables, "table") << " to " << request.output;
-  if (imported.bad_lines > 0) {
-    std::cerr << ", " << counted(imported.bad_lines, "bad line") << " skipped";
-  }
-  std::cerr << '\n';
+  report(imported, request.output);
   return exit_fine;
 }
 
@@ -220,7 +250,8 @@ void addImportCommand(CLI::App& app, int& exit_code) {
       ->required()
       ->type_name("FILE");
   command
-      ->add_option("-o,--output", request->output, "The new file; it appears when it is complete")
+      ->add_option("-o,--output", request->output,
+                   "The new file, which appears when it is complete; - for standard output")
       ->required()
       ->type_name("OUT.mf4");
   command->add_flag("--force", request->replaces, "Replace an existing file");

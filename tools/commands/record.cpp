@@ -1,3 +1,5 @@
+#include <mdf_writer_zip/zipper.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
@@ -40,6 +42,10 @@ Ctrl-C and SIGTERM end a recording at once; the file is complete. A recording th
 a file that says that it is unfinished (UnFinMF in place of MDF); it can be opened at any moment and
 has everything but the last second. To survive a power failure it takes --sync.
 
+With --rotate the files are OUT_001.mf4, OUT_002.mf4 and so on, with no sample between them missing;
+each says in its header when it begins. With --zip, blocks that fill are deflated; the last one of a
+file stays as it is.
+
 On standard output that is a pipe, a recording is one that stays unfinished, without events.
 
 Examples:
@@ -48,6 +54,7 @@ Examples:
   mdf record drive.mf4 --duration 0 --sync        until Ctrl-C, or until the power fails
   mdf record drive.mf4 --rate 10 --rate cpu=50 -c 'cpu*' -c 'mem_*'
   sensor-program | mdf record drive.mf4 --stdin csv
+  mdf record drive.mf4 --duration 0 --zip --rotate 1GB
   mdf record - | ssh host 'cat > drive.mf4'
 
 Exit code: 0 recorded, 1 the file could not be written to the end or lines were left out, 2 the
@@ -60,6 +67,8 @@ struct Request {
   std::vector<std::string> channels;
   bool replaces = false;
   bool syncs = false;
+  bool zips = false;
+  std::string limit;  ///< of a file, as it was written
   std::string lines;  ///< the form of those on standard input; empty for the machine's signals
   std::string time;   ///< the channel that has their times
 };
@@ -85,16 +94,25 @@ MachineOptions machineOptions(const Request& request) {
   return options;
 }
 
-RecorderOptions recorderOptions(const Request& request) {
+RecorderOptions recorderOptions(const Request& request, mdf_writer::Zipper& zipper) {
   RecorderOptions options = request.to;
   options.writing.existing =
       request.replaces ? mdf_writer::Existing::replace : mdf_writer::Existing::keep;
   options.writing.durability =
       request.syncs ? mdf_writer::Durability::flushes : mdf_writer::Durability::none;
+  options.writing.packer = request.zips ? &zipper : nullptr;
+  if (!request.limit.empty()) {
+    options.limit = parseFileLimit(request.limit);
+  }
   return options;
 }
 
 ExitCode record(const Request& request) {
+  mdf_writer::ZipOptions zip;
+  zip.is_transposed = true;
+  zip.has_own_thread = true;
+  mdf_writer::Zipper zipper(zip);
+  const RecorderOptions options = recorderOptions(request, zipper);
   const bool has_lines = !request.lines.empty();
   const double duration = parseDuration(!request.duration.empty() ? request.duration
                                         : has_lines               ? "0"
@@ -103,10 +121,10 @@ ExitCode record(const Request& request) {
   if (has_lines) {
     const LineForm form = request.lines == "csv" ? LineForm::csv : LineForm::json;
     const std::uint64_t bad_lines =
-        recordLines({form, request.time}, duration, recorderOptions(request), MDF_PROGRAM_VERSION);
+        recordLines({form, request.time}, duration, options, MDF_PROGRAM_VERSION);
     return bad_lines == 0 ? exit_fine : exit_problem;
   }
-  recordMachine(machineOptions(request), duration, recorderOptions(request), MDF_PROGRAM_VERSION);
+  recordMachine(machineOptions(request), duration, options, MDF_PROGRAM_VERSION);
   return exit_fine;
 }
 
@@ -160,6 +178,12 @@ void addRecordCommand(CLI::App& app, int& exit_code) {
   command->add_flag("--sync", request->syncs,
                     "Wait each second until the medium has everything, so that it survives a power "
                     "failure");
+  command->add_flag("--zip", request->zips, "Deflate the data, on a thread of its own");
+  command
+      ->add_option("--rotate", request->limit,
+                   "Go on in the next file, OUT_002.mf4, when one has that size or is that long: a "
+                   "number and kB, MB, GB, TB, s, min or h")
+      ->type_name("SIZE|TIME");
   CLI::Option* const lines =
       command
           ->add_option("--stdin", request->lines,

@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "import_failure.h"
+#include "temporary_file.h"
 
 namespace mdf_tools {
 
@@ -20,51 +21,6 @@ namespace {
 
 constexpr std::size_t usual_bytes = std::size_t{1} << 18U;
 constexpr std::size_t most_bytes = std::size_t{1} << 28U;  // of one line
-
-std::string reason() { return std::generic_category().message(errno); }
-
-ssize_t readSome(int file, char* bytes, std::size_t count) {
-  ssize_t got = 0;
-  do {
-    got = read(file, bytes, count);
-  } while (got < 0 && errno == EINTR);
-  return got;
-}
-
-/// A file that has no name any more.
-Descriptor temporaryFile() {
-  std::error_code none;
-  const auto folder = std::filesystem::temp_directory_path(none);
-  std::string name = ((none ? "/tmp" : folder) / "mdf-import-XXXXXX").string();
-  Descriptor file(mkostemp(name.data(), O_CLOEXEC));
-  if (file.number() < 0) {
-    throw CannotImport("cannot keep standard input in " + name + ": " + reason());
-  }
-  unlink(name.c_str());
-  return file;
-}
-
-Descriptor copyOf(const Descriptor& pipe, const std::string& name) {
-  Descriptor copy = temporaryFile();
-  std::vector<char> bytes(usual_bytes);
-  for (;;) {
-    const ssize_t count = readSome(pipe.number(), bytes.data(), bytes.size());
-    if (count < 0) {
-      throw CannotImport("cannot read " + name + ": " + reason());
-    }
-    if (count == 0) {
-      return copy;
-    }
-    for (ssize_t done = 0; done < count;) {
-      const ssize_t written =
-          write(copy.number(), bytes.data() + done, static_cast<std::size_t>(count - done));
-      if (written < 0 && errno != EINTR) {
-        throw CannotImport("cannot keep " + name + " in a temporary file: " + reason());
-      }
-      done += std::max<ssize_t>(written, 0);
-    }
-  }
-}
 
 Descriptor openInput(const std::string& path, const std::string& name) {
   Descriptor file(path == "-" ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC));
@@ -75,7 +31,12 @@ Descriptor openInput(const std::string& path, const std::string& name) {
   if (S_ISDIR(status.st_mode)) {
     throw CannotImport("cannot read " + name + ": it is a folder");
   }
-  return S_ISREG(status.st_mode) ? std::move(file) : copyOf(file, name);
+  if (S_ISREG(status.st_mode)) {
+    return file;
+  }
+  Descriptor copy = temporaryFile();
+  copyRest(file.number(), name, copy.number(), "a temporary file");
+  return copy;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <optional>
 #include <system_error>
 
@@ -18,9 +19,12 @@ struct Unit {
 constexpr double longest_duration = 10 * 365.25 * 86400;
 constexpr double lowest_rate = 1e-5;
 constexpr double highest_rate = 100e3;
+constexpr double smallest_file = 100e3;
+constexpr double largest_file = 1e18;
 
 constexpr std::array<Unit, 5> time_units = {
     {{"", 1}, {"ms", 1e-3}, {"s", 1}, {"min", 60}, {"h", 3600}}};
+constexpr std::array<Unit, 4> size_units = {{{"kB", 1e3}, {"MB", 1e6}, {"GB", 1e9}, {"TB", 1e12}}};
 constexpr std::array<Unit, 3> rate_units = {{{"", 1}, {"Hz", 1}, {"kHz", 1e3}}};
 
 /// A number in plain decimal notation and a unit, with or without a blank between them.
@@ -69,6 +73,25 @@ double parseRate(std::string_view text) {
     throw BadOption(quoted(text) + " is out of range; a rate is 0.00001Hz to 100kHz");
   }
   return *hertz;
+}
+
+FileLimit parseFileLimit(std::string_view text) {
+  const std::optional<double> bytes = parse(text, size_units);
+  const bool has_unit = text.find_last_not_of("0123456789.") == text.size() - 1;
+  const std::optional<double> seconds = has_unit ? parse(text, time_units) : std::nullopt;
+  if (!bytes && !seconds) {
+    throw BadOption(
+        quoted(text) +
+        " is neither a size nor a time; write a number and kB, MB, GB, TB, s, min or h, "
+        "such as 1GB or 10min");
+  }
+  const double number = bytes ? *bytes : *seconds;
+  if (number < (bytes ? smallest_file : 1) || number > (bytes ? largest_file : longest_duration)) {
+    throw BadOption(quoted(text) +
+                    " is out of range; a file has 100kB to 1000000TB, or 1s to 10 years");
+  }
+  return bytes ? FileLimit{static_cast<std::uint64_t>(number), 0}
+               : FileLimit{0, std::llround(number * 1e9)};
 }
 
 std::string shortNumber(double number) {

@@ -311,6 +311,16 @@ TEST(ImportCommand, OutputsThatCannotBeWritten) {
   EXPECT_EQ(run({"export", there}).output, "index,a\n0,1\n\nindex,a\n0,1\n");
 }
 
+TEST(ImportCommand, StandardOutputGetsTheWholeFile) {
+  const ScratchFolder folder;
+  folder.write("in.csv", "time [s],a\n0,1\n2,-3\n");
+  const RunResult import = run({"import", (folder / "in.csv").string(), "-o", "-"});
+  EXPECT_EQ(import.messages, "imported 2 rows of 1 table to standard output\n");
+  folder.write("out.mf4", import.output);
+  EXPECT_EQ(run({"check", (folder / "out.mf4").string()}).exit_code, 0);
+  EXPECT_EQ(run({"export", (folder / "out.mf4").string()}).output, "time [s],a\n0,1\n2,-3\n");
+}
+
 TEST(ImportCommand, ATableMayBeVeryWide) {
   constexpr int columns = 20000;
   std::string text = "t [s]";
