@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -94,13 +95,13 @@ MachineOptions machineOptions(const Request& request) {
   return options;
 }
 
-RecorderOptions recorderOptions(const Request& request, mdf_writer::Zipper& zipper) {
+RecorderOptions recorderOptions(const Request& request, mdf_writer::Packer* packer) {
   RecorderOptions options = request.to;
   options.writing.existing =
       request.replaces ? mdf_writer::Existing::replace : mdf_writer::Existing::keep;
   options.writing.durability =
       request.syncs ? mdf_writer::Durability::flushes : mdf_writer::Durability::none;
-  options.writing.packer = request.zips ? &zipper : nullptr;
+  options.writing.packer = packer;
   if (!request.limit.empty()) {
     options.limit = parseFileLimit(request.limit);
   }
@@ -108,11 +109,14 @@ RecorderOptions recorderOptions(const Request& request, mdf_writer::Zipper& zipp
 }
 
 ExitCode record(const Request& request) {
-  mdf_writer::ZipOptions zip;
-  zip.is_transposed = true;
-  zip.has_own_thread = true;
-  mdf_writer::Zipper zipper(zip);
-  const RecorderOptions options = recorderOptions(request, zipper);
+  std::optional<mdf_writer::Zipper> zipper;
+  if (request.zips) {
+    mdf_writer::ZipOptions zip;
+    zip.is_transposed = true;
+    zip.has_own_thread = true;
+    zipper.emplace(zip);
+  }
+  const RecorderOptions options = recorderOptions(request, zipper ? &*zipper : nullptr);
   const bool has_lines = !request.lines.empty();
   const double duration = parseDuration(!request.duration.empty() ? request.duration
                                         : has_lines               ? "0"

@@ -68,13 +68,16 @@ void Recorder::open() {
 void Recorder::goOn(std::int64_t nanoseconds) {
   const FileLimit& limit = options_.limit;
   const std::int64_t age = nanoseconds - begin_;
-  const bool is_old = limit.nanoseconds > 0 && age >= limit.nanoseconds;
+  const std::int64_t period = limit.nanoseconds > 0 ? age / limit.nanoseconds : 0;
+  const bool is_old = period > period_.value_or(period);
   if (!is_old && (limit.bytes == 0 || file_->bytes() < limit.bytes)) {
+    period_ = period_.value_or(period);
     return;
   }
   file_->finish();
   bytes_before_ += file_->bytes();
-  begin_ += is_old ? age / limit.nanoseconds * limit.nanoseconds : age;
+  begin_ += is_old ? period * limit.nanoseconds : age;
+  period_ = 0;
   ++number_;
   open();
 }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "quantity.h"
@@ -46,9 +47,10 @@ class Recorder {
   RecorderOptions options_;
   RecordingInfo info_;
   std::unique_ptr<RecordingFile> file_;
-  std::size_t number_ = 1;          ///< of the file
-  std::int64_t begin_ = 0;          ///< when it begins, in nanoseconds since the recording began
-  std::uint64_t bytes_before_ = 0;  ///< in the files before
+  std::size_t number_ = 1;  ///< of the file
+  std::int64_t begin_ = 0;  ///< when it begins, in nanoseconds since the recording began
+  std::optional<std::int64_t> period_;  ///< in which its first record is, where a limit is a time
+  std::uint64_t bytes_before_ = 0;      ///< in the files before
   std::uint64_t records_ = 0;
 };
 

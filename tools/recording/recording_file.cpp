@@ -100,6 +100,10 @@ RecordingFile::RecordingFile(const std::string& path, const RecordingInfo& info,
   if (!output_->isOpen()) {
     throw UnusablePath("cannot record to " + name_ + ": " + output_->cause());
   }
+  if (options.packer != nullptr && !output_->isSeekable()) {
+    throw UnusablePath("cannot record zipped data to " + name_ +
+                       ": it takes no changes of what was written before");
+  }
   recording_ = std::make_unique<mdf_writer::Recording>(*output_, plan_, options);
   require(recording_->good());
 }

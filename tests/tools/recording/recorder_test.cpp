@@ -81,6 +81,21 @@ TEST(Recorder, GoesOnInAnotherFileWhenOneIsOldEnough) {
             "  2296         6  s     marker  point  user   mark\n");
 }
 
+TEST(Recorder, HasNoFileBeforeTheFirstRecord) {
+  const ScratchFolder folder;
+  RecorderOptions options{folder / "trip.mf4"};
+  options.limit.nanoseconds = 10 * second;
+  Recorder recorder(options, info());
+  for (const unsigned seconds : {1003U, 1009U, 1010U}) {
+    recorder.append({0, seconds * second, {seconds}});
+  }
+  recorder.finish();
+  const auto [names, rows] = filesIn(folder);
+  EXPECT_EQ(names, "trip_001.mf4 trip_002.mf4 ");
+  EXPECT_EQ(run({"export", folder / "trip_001.mf4"}).output, "time [s],n\n1003,1003\n1009,1009\n");
+  EXPECT_EQ(run({"export", folder / "trip_002.mf4"}).output, "time [s],n\n0,1010\n");
+}
+
 TEST(Recorder, GoesOnInAnotherFileWhenOneIsLargeEnough) {
   const ScratchFolder folder;
   mdf_writer::Zipper zipper;
