@@ -160,6 +160,12 @@ struct Case {
   int records;
 };
 
+/// Said by itself, as the bytes between the members have no values.
+void PrintTo(const Case& layout, std::ostream* out) {
+  *out << (layout.is_unsorted ? "unsorted" : "sorted") << ", flushed every " << layout.flush_every
+       << " of " << layout.records << " records, zip " << static_cast<int>(layout.zip);
+}
+
 class Survival : public testing::TestWithParam<Case> {
  protected:
   Options options() {
