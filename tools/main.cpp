@@ -42,7 +42,7 @@ struct Command {
   void (*add)(CLI::App& app, int& exit_code);
 };
 
-constexpr std::array<Command, 12> commands = {{
+constexpr std::array<Command, 13> commands = {{
     {"record", mdf_tools::addRecordCommand},
     {"info", mdf_tools::addInfoCommand},
     {"list", mdf_tools::addListCommand},
@@ -55,6 +55,7 @@ constexpr std::array<Command, 12> commands = {{
     {"stats", mdf_tools::addStatsCommand},
     {"extract", mdf_tools::addExtractCommand},
     {"import", mdf_tools::addImportCommand},
+    {"copy", mdf_tools::addCopyCommand},
 }};
 
 /// Adds the command that a word names, or else all: on a small file, the options of the others

@@ -27,6 +27,7 @@ void addPlotCommand(CLI::App& app, int& exit_code);
 void addStatsCommand(CLI::App& app, int& exit_code);
 void addExtractCommand(CLI::App& app, int& exit_code);
 void addImportCommand(CLI::App& app, int& exit_code);
+void addCopyCommand(CLI::App& app, int& exit_code);
 
 }  // namespace mdf_tools
 

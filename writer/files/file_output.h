@@ -28,6 +28,9 @@ class FileOutput : public Output {
 
   bool isOpen() const { return descriptor_ >= 0; }
 
+  /// Where the bytes are until the file is published, and from then on.
+  const std::string& place() const { return temporary_.empty() ? path_ : temporary_; }
+
   bool isSeekable() const override { return is_seekable_; }
   std::size_t write(std::uint64_t offset, const char* bytes, std::size_t count) override;
   bool cut(std::uint64_t size) override;

@@ -1,0 +1,116 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "../support/file_builder.h"
+#include "../support/program.h"
+#include "../support/scratch_folder.h"
+#include "../support/small_file.h"
+
+using namespace mdf_tests;
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+/// Runs a copy in a folder whose name is left out of what it says.
+RunResult copyIn(const ScratchFolder& folder, Words words) {
+  const std::string path = folder.path().string() + '/';
+  for (std::string& word : words) {
+    word = word.find(".mf4") == std::string::npos ? word : path + word;
+  }
+  words.insert(words.begin(), "copy");
+  RunResult result = run(words);
+  for (std::size_t at = result.messages.find(path); at != std::string::npos;
+       at = result.messages.find(path)) {
+    result.messages.erase(at, path.size());
+  }
+  return result;
+}
+
+/// The small file with a block of an unknown type where a comment should be: it leads to the
+/// speed's name, and its bytes after the links stay as they are.
+class OddFile : public SmallFile {
+ public:
+  OddFile() { setComment(add("XY", {speed_name, 0}, "any bytes")); }
+};
+
+TEST(CopyCommand, WholeFile) {
+  const ScratchFolder folder;
+  folder.write("in.mf4", OddFile().bytes());
+  const RunResult result = copyIn(folder, {"in.mf4", "-o", "out.mf4"});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.messages,
+            "mdf: in.mf4: the copy keeps 1 problem of the file, see 'mdf check'\n");
+
+  const std::string version = run({"--version"}).output;  // "mdf ..." in a line
+  OddFile expected;
+  const std::uint64_t comment = expected.metadata(
+      "<FHcomment xmlns=\"http://www.asam.net/mdf/v4\"><TX>copied from in.mf4</TX>"
+      "<tool_id>mdf</tool_id><tool_vendor></tool_vendor><tool_version>" +
+      version.substr(4, version.size() - 5) + "</tool_version></FHcomment>");
+  const std::uint64_t history =
+      expected.add("FH", {0, comment}, Bytes().u64(0).i16(0).i16(0).u8(2).zeros(3).str());
+  expected.link(OddFile::header, 1, history);
+  std::string bytes = bytesOf(folder / "out.mf4");
+  bytes.replace(history + 40, 8, 8, '\0');  // the time of the copy
+  EXPECT_EQ(bytes, expected.bytes());
+}
+
+TEST(CopyCommand, Refusals) {
+  struct Case {
+    Words words;
+    int exit_code;
+    std::string message;
+  };
+  const std::vector<Case> cases = {
+      {{"in.mf4", "-o", "in.mf4", "--force"}, 2, "mdf: the output in.mf4 is the file to read\n"},
+      {{"in.mf4", "-o", "there.mf4"},
+       2,
+       "mdf: cannot write there.mf4: File exists; --force replaces it\n"},
+      {{"none.mf4", "-o", "out.mf4"}, 2, "mdf: cannot open none.mf4: No such file or directory\n"},
+      {{"in.mf4", "-o", "out.mf4", "--level", "3"}, 2, "mdf: --level requires --zip\n"},
+      {{"text.mf4", "-o", "out.mf4"},
+       2,
+       "mdf: text.mf4: this is not an MDF file: it begins with \"text\"\n"},
+  };
+  const ScratchFolder folder;
+  folder.write("in.mf4", SmallFile().bytes());
+  folder.write("there.mf4", "");
+  folder.write("text.mf4", "text");
+  for (const Case& each : cases) {
+    const RunResult result = copyIn(folder, each.words);
+    EXPECT_EQ(result.exit_code, each.exit_code);
+    EXPECT_EQ(result.messages, each.message);
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder / "out.mf4"));
+}
+
+TEST(CopyCommand, ProblemsOfTheFile) {
+  const ScratchFolder folder;
+  folder.write("faulty.mf4", faultyFile());
+  const RunResult result = copyIn(folder, {"faulty.mf4", "-o", "out.mf4"});
+  EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(
+      result.messages,
+      "mdf: faulty.mf4: 64 (0x40): expected link 5 of ##HD to lead to the 24 bytes of a block "
+      "header, found only 23 at 739 (0x2e3)\n");
+  EXPECT_TRUE(std::filesystem::exists(folder / "out.mf4"));
+}
+
+TEST(CopyCommand, FromStandardInputToStandardOutput) {
+  const ScratchFolder folder;
+  folder.write("in.mf4", SmallFile().bytes());
+  RunOptions options;
+  options.input = SmallFile().bytes();
+  const RunResult result = run({"copy", "-", "-o", "-", "--zip", "none"}, options);
+  EXPECT_EQ(result.exit_code, 0);
+  EXPECT_EQ(result.messages, "");
+  options.input = result.output;
+  EXPECT_EQ(run({"export", "-"}, options).output,
+            run({"export", (folder / "in.mf4").string()}).output);
+}
+
+}  // namespace

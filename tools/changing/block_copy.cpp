@@ -1,0 +1,210 @@
+#include "block_copy.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "copy_failure.h"
+#include "framework/wire.h"
+#include "reader/blocks/block_fields.h"
+#include "reader/blocks/walk.h"
+#include "reader/bytes/input_file.h"
+#include "reader/bytes/work_budget.h"
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+using mdf_v4_10::detail::loadLe;
+using mdf_v4_10::detail::storeLe;
+
+namespace {
+
+constexpr std::uint64_t length_at = 8;
+constexpr std::size_t piece_bytes = std::size_t{1} << 20U;
+
+}  // namespace
+
+BlockCopy::BlockCopy(InputFile& file, const FindingSink& report)
+    : file_(file), table_(walkBlocks(file, report)) {}
+
+/// The block that a link of the file leads to in the copy, or none.
+std::uint32_t BlockCopy::targetOf(Link link, std::uint64_t offset) {
+  const std::uint32_t target = table_.find(offset);
+  if (target == BlockTable::none || left_out_.count(target) == 0) {
+    return target;
+  }
+  return typeOf(table_[link.block].letters()).refers(link.number) ? BlockTable::none
+                                                                  : stayingFrom(target);
+}
+
+/// The next block that stays in the list of one that does not; none where the list ends.
+std::uint32_t BlockCopy::stayingFrom(std::uint32_t block) {
+  std::vector<std::uint32_t> passed;
+  while (block != BlockTable::none && left_out_.count(block) > 0) {
+    const auto known = staying_.find(block);
+    if (known != staying_.end()) {
+      block = known->second;
+      break;
+    }
+    passed.push_back(block);
+    const BlockEntry& entry = table_[block];
+    const auto raw = readRawBlock(file_, entry.offset);
+    const std::uint32_t next = raw && typeOf(entry.letters()).has_next
+                                   ? table_.find(linkAt(file_, *raw, next_link))
+                                   : BlockTable::none;
+    const bool is_after = next != BlockTable::none && table_[next].head == entry.head &&
+                          table_[next].position > entry.position;
+    block = is_after ? next : BlockTable::none;
+  }
+  for (const std::uint32_t each : passed) {
+    staying_[each] = block;
+  }
+  return block;
+}
+
+void BlockCopy::choose() {
+  is_copied_.assign(table_.size(), false);
+  std::vector<std::uint32_t> pending;
+  const auto take = [&](std::uint32_t block) {
+    if (block != BlockTable::none && !is_copied_[block]) {
+      is_copied_[block] = true;
+      pending.push_back(block);
+    }
+  };
+  take(table_.size() == 0 ? BlockTable::none : 0);
+  while (!pending.empty()) {
+    const std::uint32_t block = pending.back();
+    pending.pop_back();
+    if (const auto raw = readRawBlock(file_, table_[block].offset)) {
+      forEachWalkedLink(file_, *raw, table_[block], [&](std::uint64_t index, std::uint64_t offset) {
+        const Link link{block, static_cast<std::uint32_t>(index)};
+        if (offset != 0 && links_.count(keyOf(link)) == 0) {
+          take(targetOf(link, offset));
+        }
+      });
+    }
+  }
+}
+
+/// The bytes that the file has of a block.
+std::uint64_t BlockCopy::lengthOf(const RawBlock& block) const {
+  return std::max<std::uint64_t>(RawBlock::header_size,
+                                 std::min(block.length, file_.sizeFrom(block.offset)));
+}
+
+void BlockCopy::place(NewBlocks& out) {
+  constexpr std::uint64_t times = 4;
+  WorkBudget budget(file_.size(), times);
+  for (std::uint32_t block = 0; block < table_.size(); ++block) {
+    if (is_copied_[block]) {
+      order_.push_back(block);
+    }
+  }
+  std::sort(order_.begin(), order_.end(), [&](std::uint32_t left, std::uint32_t right) {
+    return table_[left].offset < table_[right].offset;
+  });
+  places_.assign(table_.size(), 0);
+  for (const std::uint32_t block : order_) {
+    const auto raw = readRawBlock(file_, table_[block].offset);
+    const std::uint64_t length = raw ? lengthOf(*raw) : std::uint64_t{RawBlock::header_size};
+    if (!budget.take(length)) {
+      throw CopyFailure("its blocks overlap so much that their copies would not");
+    }
+    places_[block] = out.allocate(length);
+  }
+}
+
+std::uint64_t BlockCopy::placeOf(std::uint32_t block) const {
+  return block < places_.size() ? places_[block] : 0;
+}
+
+std::uint64_t BlockCopy::newLink(Link link) {
+  const auto raw = readRawBlock(file_, table_[link.block].offset);
+  return raw ? translated(*raw, link, linkAt(file_, *raw, link.number)) : 0;
+}
+
+std::uint64_t BlockCopy::translated(const RawBlock& block, Link link, std::uint64_t offset) {
+  const auto set = links_.find(keyOf(link));
+  if (set != links_.end()) {
+    return set->second;
+  }
+  const std::uint32_t target = offset == 0 ? BlockTable::none : targetOf(link, offset);
+  if (target == BlockTable::none) {
+    return 0;
+  }
+  const std::string_view letters = block.letters();
+  if (!moved_groups_.empty() && table_[target].letters() == "DG" && letters != "DG" &&
+      letters != "HD") {
+    const auto moved =
+        moved_groups_.find(table_.find(linkAt(file_, block, std::uint64_t{link.number} + 1)));
+    if (moved != moved_groups_.end()) {
+      return moved->second;
+    }
+  }
+  return places_[target];
+}
+
+void BlockCopy::setField(std::uint32_t block, std::string_view name, std::uint64_t value) {
+  const auto raw = block < table_.size() ? readRawBlock(file_, table_[block].offset) : std::nullopt;
+  if (!raw) {
+    return;
+  }
+  const BlockFields fields(file_, *raw);
+  for (const FieldLayout& field : fields.type().fields) {
+    if (field.name == name) {
+      std::string bytes(sizeof value, '\0');
+      storeLe(bytes.data(), value);
+      changes_[block].push_back(
+          {fields.fieldsAt() + field.offset - raw->offset, bytes.substr(0, field.width)});
+    }
+  }
+}
+
+void BlockCopy::write(NewBlocks& out) {
+  for (const std::uint32_t block : order_) {
+    write(out, block);
+  }
+}
+
+void BlockCopy::write(NewBlocks& out, std::uint32_t block) {
+  const auto raw = readRawBlock(file_, table_[block].offset);
+  if (!raw) {
+    throw CopyFailure("it became shorter while it was copied");
+  }
+  const std::uint64_t length = lengthOf(*raw);
+  std::string bytes;
+  for (std::uint64_t at = 0; at < length; at += bytes.size()) {
+    bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(piece_bytes, length - at)));
+    if (file_.readAt(raw->offset + at, bytes.data(), bytes.size()) < bytes.size()) {
+      throw CopyFailure("it became shorter while it was copied");
+    }
+    writePiece(out, *raw, block, at, bytes);
+  }
+}
+
+/// Pieces begin at multiples of 8, as links do.
+void BlockCopy::writePiece(NewBlocks& out, const RawBlock& raw, std::uint32_t block,
+                           std::uint64_t at, std::string& bytes) {
+  if (at == 0) {
+    storeLe(&bytes[length_at], lengthOf(raw));
+  }
+  const std::uint64_t links_end =
+      RawBlock::header_size + RawBlock::link_size * linksThere(file_, raw);
+  for (std::uint64_t place = std::max<std::uint64_t>(at, RawBlock::header_size);
+       place < std::min(links_end, at + bytes.size()); place += RawBlock::link_size) {
+    char* const link = &bytes[static_cast<std::size_t>(place - at)];
+    const std::uint64_t number = (place - RawBlock::header_size) / RawBlock::link_size;
+    storeLe(link, translated(raw, {block, static_cast<std::uint32_t>(number)},
+                             loadLe<std::uint64_t>(link)));
+  }
+  const auto changes = changes_.find(block);
+  if (changes != changes_.end()) {
+    for (const Change& change : changes->second) {
+      if (change.at >= at && change.at + change.bytes.size() <= at + bytes.size()) {
+        bytes.replace(static_cast<std::size_t>(change.at - at), change.bytes.size(), change.bytes);
+      }
+    }
+  }
+  out.write(places_[block] + at, bytes);
+}
+
+}  // namespace mdf_tools

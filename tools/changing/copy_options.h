@@ -1,0 +1,23 @@
+#ifndef MDF_TOOLS_CHANGING_COPY_OPTIONS_H_
+#define MDF_TOOLS_CHANGING_COPY_OPTIONS_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "data_writer.h"
+
+namespace mdf_tools {
+
+/// What a copy is to be like.
+struct CopyOptions {
+  std::optional<DataForm> form;  ///< none: data stays in the blocks that it is in
+  bool sorts = false;            ///< each channel group gets a data group of its own
+  std::uint64_t time = 0;        ///< of the entry in the history: nanoseconds since 1970
+  std::string history;           ///< what was done
+  std::string version;           ///< of the program
+};
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_CHANGING_COPY_OPTIONS_H_

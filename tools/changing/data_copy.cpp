@@ -1,0 +1,410 @@
+#include "data_copy.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "copy_failure.h"
+#include "datablocks/srblock.h"
+#include "description/cnblock.h"
+#include "description/dgblock.h"
+#include "framework/wire.h"
+#include "reader/blocks/block_fields.h"
+#include "reader/blocks/walk.h"
+#include "reader/bytes/input_file.h"
+#include "reader/data/data_block.h"
+#include "reader/data/data_links.h"
+#include "reader/data/data_stream.h"
+#include "reader/data/record_format.h"
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+using mdf_v4_10::CNBLOCK;
+using mdf_v4_10::DGBLOCK;
+using mdf_v4_10::SRBLOCK;
+using mdf_v4_10::detail::storeLe;
+
+namespace {
+
+/// Memory for the blocks of mixed records that fill side by side.
+constexpr std::size_t room_for_parts = std::size_t{1} << 25U;
+
+const FindingSink silent = [](const Finding& /*finding*/) {};
+
+bool hasElementsElsewhere(const DataGroup& data_group) {
+  const auto has_elements = [](const Channel& channel) {
+    return !channel.array.dimensions.empty() && !channel.array.in_records;
+  };
+  return std::any_of(
+      data_group.groups.begin(), data_group.groups.end(), [&](const ChannelGroup& group) {
+        return std::any_of(group.channels.begin(), group.channels.end(), has_elements);
+      });
+}
+
+/// The letters of the blocks with the data that a link leads to; "" where it is not to be written
+/// anew: what makes no sense, and what has parts that stand apart.
+std::string lettersOf(InputFile& file, std::uint64_t target) {
+  const auto part = DataLinks(file, {target, target}, silent).next();
+  const auto block = part ? readRawBlock(file, part->data) : std::nullopt;
+  const std::string letters = block ? originalType(file, *block) : "";
+  const bool is_whole = letters == "DT" || letters == "SD" || letters == "RD";
+  return is_whole && part->invalidation == 0 ? letters : "";
+}
+
+bool leadsToData(InputFile& file, std::uint64_t target) {
+  const auto block = target == 0 ? std::nullopt : readRawBlock(file, target);
+  return block && block->hasId() &&
+         (isDataBlock(*block) || isDataList(*block) ||
+          block->type().contents == Contents::list_of_lists);
+}
+
+/// Where invalidation bytes stand apart, there may be none: then all values are valid.
+void appendEach(const RecordSpan& span, const ChannelGroup& group, DataWriter& writer) {
+  const std::string valid(static_cast<std::size_t>(group.recordBytes() - span.size), '\0');
+  for (std::size_t i = 0; i < span.count; ++i) {
+    writer.append(span.at(i));
+    writer.append(valid);
+  }
+}
+
+std::string dataGroupBlock(std::uint64_t next, std::uint64_t group, std::uint64_t data,
+                           std::uint64_t comment) {
+  std::string block(DGBLOCK::DGBLOCK_SIZE, '\0');
+  block.replace(0, 4, "##DG");
+  storeLe(&block[8], std::uint64_t{block.size()});
+  storeLe(&block[16], std::uint64_t{DGBLOCK::DG_BLOCK_LINKS_NUM});
+  char* at = &block[RawBlock::header_size];
+  for (const std::uint64_t link : {next, group, data, comment}) {
+    storeLe(at, link);
+    at += RawBlock::link_size;
+  }
+  return block;
+}
+
+}  // namespace
+
+DataCopy::DataCopy(BlockCopy& blocks, const CopyOptions& options, const FindingSink& report,
+                   const NoteSink& note)
+    : blocks_(blocks),
+      options_(options),
+      report_(report),
+      note_(note),
+      description_(readDescription(blocks.file(), report)),
+      data_file_(blocks.file()) {}
+
+DataCopy::Way DataCopy::wayOf(const DataGroup& data_group) const {
+  const std::vector<ChannelGroup>& groups = data_group.groups;
+  const bool is_mixed =
+      groups.size() > 1 || (groups.size() == 1 && groups.front().holdsVariableLength());
+  if (groups.empty() || hasElementsElsewhere(data_group)) {
+    return isAnew() ? Way::as_bytes : Way::as_blocks;
+  }
+  if (options_.sorts && groups.size() > 1) {
+    return Way::apart;
+  }
+  if (isAnew() && is_mixed) {
+    return isUnfinished() ? Way::one_by_one : Way::as_bytes;
+  }
+  const bool loses_ids = options_.sorts && data_group.record_id_code != 0 && !is_mixed;
+  return isAnew() || loses_ids ? Way::by_records : Way::as_blocks;
+}
+
+void DataCopy::plan() {
+  for (const DataGroup& data_group : description_.data_groups) {
+    ways_.push_back(wayOf(data_group));
+    planGroup(data_group, ways_.back());
+  }
+  if (isAnew()) {
+    planOtherData();
+  }
+}
+
+void DataCopy::planGroup(const DataGroup& data_group, Way way) {
+  const bool has_elements = hasElementsElsewhere(data_group);
+  if (has_elements && isUnfinished()) {
+    throw CopyFailure(
+        "it was not finished, and has arrays whose elements have records of their own");
+  }
+  if (has_elements && options_.sorts && data_group.groups.size() > 1) {
+    note_("data group " + std::to_string(data_group.index) +
+          " stays unsorted: it has arrays whose elements have records of their own");
+  }
+  if (way == Way::as_bytes && lettersOf(blocks_.file(), data_group.data).empty()) {
+    ways_.back() = Way::as_blocks;
+  } else if (way != Way::as_blocks) {
+    blocks_.cut({indexOf(data_group.offset), DGBLOCK::dg_data});
+  }
+  if (way != Way::apart) {
+    return;
+  }
+  for (const ChannelGroup& group : data_group.groups) {
+    const auto channels = channelsOf(data_group, group);
+    for (const BlockCopy::Link& link : channels) {
+      blocks_.cut(link);
+    }
+    if (!channels.empty()) {
+      blocks_.leaveOut(indexOf(group.offset));
+    }
+  }
+}
+
+/// The links of channels whose values are the records of a group.
+std::vector<BlockCopy::Link> DataCopy::channelsOf(const DataGroup& data_group,
+                                                  const ChannelGroup& values) {
+  std::vector<BlockCopy::Link> links;
+  if (!values.holdsVariableLength()) {
+    return links;
+  }
+  for (const ChannelGroup& group : data_group.groups) {
+    for (const Channel& channel : group.channels) {
+      if (channel.type == Channel::variable_length && channel.data == values.offset) {
+        links.push_back({indexOf(channel.offset), CNBLOCK::cn_data});
+      }
+    }
+  }
+  return links;
+}
+
+/// Values of channels, sample reductions, and elements of arrays.
+void DataCopy::planOtherData() {
+  InputFile& file = blocks_.file();
+  const BlockTable& table = blocks_.table();
+  for (std::uint32_t block = 0; block < table.size(); ++block) {
+    const std::string_view letters = table[block].letters();
+    const auto raw = letters == "CN" || letters == "SR" || letters == "CA"
+                         ? readRawBlock(file, table[block].offset)
+                         : std::nullopt;
+    if (!raw) {
+      continue;
+    }
+    forEachWalkedLink(file, *raw, table[block], [&](std::uint64_t number, std::uint64_t target) {
+      if (leadsToData(file, target) && !lettersOf(file, target).empty()) {
+        other_data_.push_back({{block, static_cast<std::uint32_t>(number)}, target});
+        blocks_.cut(other_data_.back().link);
+      }
+    });
+  }
+}
+
+void DataCopy::write(BlockWriter& out) {
+  for (std::size_t i = 0; i < ways_.size(); ++i) {
+    writeGroup(out, description_.data_groups[i], ways_[i]);
+  }
+  for (const OtherData& data : other_data_) {
+    if (blocks_.isCopied(data.link.block)) {
+      writeBytes(out, data);
+    }
+  }
+}
+
+void DataCopy::writeGroup(BlockWriter& out, const DataGroup& data_group, Way way) {
+  const std::uint32_t block = indexOf(data_group.offset);
+  if (way == Way::as_blocks || block == BlockTable::none || !blocks_.isCopied(block)) {
+    return;
+  }
+  if (way == Way::as_bytes) {
+    writeBytes(out, {{block, DGBLOCK::dg_data}, data_group.data});
+  } else if (way == Way::by_records) {
+    writeRecords(out, data_group);
+  } else {
+    writeMixed(out, data_group, way == Way::apart);
+  }
+}
+
+/// Of a reduction that was not finished, whole records are written, and counted.
+void DataCopy::writeBytes(BlockWriter& out, const OtherData& data) {
+  constexpr std::size_t piece = std::size_t{1} << 18U;
+  const auto known = written_.find(data.target);
+  if (known != written_.end()) {
+    blocks_.setLink(data.link, known->second);
+    return;
+  }
+  DataStream stream(data_file_, {blocks_.table()[data.link.block].offset, data.target},
+                    DataStream::Access::forward, report_);
+  DataWriter writer(out, lettersOf(blocks_.file(), data.target), 0, out.form().block_bytes);
+  const std::uint64_t record = isUnfinished() ? reductionBytesOf(data.link.block) : 0;
+  const std::uint64_t count = record == 0 ? 0 : stream.size() / record;
+  const std::uint64_t end = record == 0 ? UINT64_MAX : count * record;
+  for (std::uint64_t at = 0; at < end;) {
+    const auto most = static_cast<std::size_t>(std::min<std::uint64_t>(piece, end - at));
+    const std::string_view bytes = stream.from(at, 1, most);
+    if (bytes.empty()) {
+      break;
+    }
+    writer.append(bytes);
+    at += bytes.size();
+  }
+  if (record > 0) {
+    blocks_.setField(data.link.block, "sr_cycle_count", count);
+  }
+  written_[data.target] = writer.finish();
+  blocks_.setLink(data.link, written_[data.target]);
+}
+
+/// Bytes of a record of a sample reduction: means, least and greatest values; 0 for other blocks.
+std::uint64_t DataCopy::reductionBytesOf(std::uint32_t block) {
+  const BlockTable& table = blocks_.table();
+  const std::uint32_t parent = table[table[block].head].parent;
+  if (table[block].letters() != "SR" || parent == BlockTable::none) {
+    return 0;
+  }
+  const auto reduction = readFields(blocks_.file(), table[block].offset, "SR");
+  const auto group = readFields(blocks_.file(), table[parent].offset, "CG");
+  if (!reduction || !group) {
+    return 0;
+  }
+  return 3 * group->number("cg_data_bytes") +
+         (reduction->hasFlag("sr_flags", SRBLOCK::invalidation_bytes)
+              ? group->number("cg_inval_bytes")
+              : 0);
+}
+
+/// Records of one channel group, without record ids.
+void DataCopy::writeRecords(BlockWriter& out, const DataGroup& data_group) {
+  const ChannelGroup& group = data_group.groups.front();
+  Records records(data_file_, data_group, report_);
+  DataWriter writer(out, "DT", group.recordBytes(), out.form().block_bytes);
+  const auto cursor = records.read(group);
+  std::uint64_t count = 0;
+  for (RecordSpan span = cursor->next(SIZE_MAX); span.count > 0; span = cursor->next(SIZE_MAX)) {
+    if (span.step == span.size && span.size == group.recordBytes()) {
+      writer.append({span.bytes, span.size * span.count});
+    } else {
+      appendEach(span, group, writer);
+    }
+    count += span.count;
+  }
+  const std::uint32_t block = indexOf(data_group.offset);
+  blocks_.setLink({block, DGBLOCK::dg_data}, writer.finish());
+  blocks_.setField(block, "dg_rec_id_size", 0);
+  blocks_.setField(indexOf(group.offset), "cg_cycle_count", count);
+  if (!data_file_.mayGoOnAfter(records.storedBytes())) {
+    throw CopyFailure("its groups have the same data again and again");
+  }
+}
+
+/// Goes through mixed records once more after they were examined.
+void DataCopy::writeMixed(BlockWriter& out, const DataGroup& data_group, bool are_apart) {
+  const std::vector<ChannelGroup>& groups = data_group.groups;
+  Records records(data_file_, data_group, report_);
+  records.examine();
+  const std::size_t block_bytes =
+      std::min(out.form().block_bytes, std::max<std::size_t>(64, room_for_parts / groups.size()));
+  std::vector<Part> parts(groups.size());
+  for (std::size_t i = 0; are_apart && i < groups.size(); ++i) {
+    const bool has_values = groups[i].holdsVariableLength();
+    const bool is_signal_data = has_values && !channelsOf(data_group, groups[i]).empty();
+    parts[i].data = std::make_unique<DataWriter>(
+        out, is_signal_data ? "SD" : "DT", has_values ? 0 : groups[i].recordBytes(), block_bytes);
+  }
+  DataWriter together(out, "DT", 0, out.form().block_bytes);
+  walkMixed(data_group, records.idBytes(), are_apart ? nullptr : &together, parts);
+  if (are_apart) {
+    finishApart(out, data_group, parts);
+  } else {
+    blocks_.setLink({indexOf(data_group.offset), DGBLOCK::dg_data}, together.finish());
+    finishMixed(data_group, parts);
+  }
+  if (!data_file_.mayGoOnAfter(records.storedBytes())) {
+    throw CopyFailure("its groups have the same data again and again");
+  }
+}
+
+void DataCopy::walkMixed(const DataGroup& data_group, unsigned id_bytes, DataWriter* together,
+                         std::vector<Part>& parts) {
+  const RecordFormat format(data_group, id_bytes);
+  DataStream stream(data_file_, {data_group.offset, data_group.data}, DataStream::Access::forward,
+                    silent);
+  std::uint64_t position = 0;
+  std::string_view bytes;
+  while (true) {
+    Record record = format.wholeIn(bytes, position);
+    const bool is_in_memory = record.group != nullptr;
+    if (!is_in_memory) {
+      record = format.at(stream, position);
+    }
+    if (record.group == nullptr) {
+      return;
+    }
+    const auto length = static_cast<std::size_t>(record.next - position);
+    Part& part = parts[static_cast<std::size_t>(record.group - data_group.groups.data())];
+    if (isWanted(*record.group, part)) {
+      part.value_bytes += record.bytes.size();
+      ++part.records;
+      if (together != nullptr) {
+        together->append(is_in_memory ? bytes.substr(0, length) : stream.at(position, length));
+      } else {
+        part.append(record);
+      }
+    }
+    bytes = is_in_memory ? bytes.substr(length) : stream.from(record.next, 1, SIZE_MAX);
+    position = record.next;
+  }
+}
+
+/// Records beyond the count of their group are not read.
+bool DataCopy::isWanted(const ChannelGroup& group, const Part& part) const {
+  const bool is_limited = !group.holdsVariableLength() && data_file_.isCountFinal(group);
+  return !is_limited || group.cycles == 0 || part.records < group.cycles;
+}
+
+void DataCopy::Part::append(const Record& record) {
+  if (record.group->holdsVariableLength()) {
+    std::array<char, sizeof(std::uint32_t)> length;
+    storeLe(length.data(), static_cast<std::uint32_t>(record.bytes.size()));
+    data->append({length.data(), length.size()});
+  }
+  data->append(record.bytes);
+}
+
+/// The counts of groups whose records stay mixed.
+void DataCopy::finishMixed(const DataGroup& data_group, std::vector<Part>& parts) {
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    const ChannelGroup& group = data_group.groups[i];
+    const std::uint32_t block = indexOf(group.offset);
+    blocks_.setField(block, "cg_cycle_count", parts[i].records);
+    if (group.holdsVariableLength()) {
+      blocks_.setField(block, "cg_data_bytes", parts[i].value_bytes & UINT32_MAX);
+      blocks_.setField(block, "cg_inval_bytes", parts[i].value_bytes >> 32U);
+    }
+  }
+}
+
+/// The first group that stays keeps the data group; the others get one each, after it.
+void DataCopy::finishApart(BlockWriter& out, const DataGroup& data_group,
+                           std::vector<Part>& parts) {
+  const std::uint32_t block = indexOf(data_group.offset);
+  std::vector<std::size_t> staying;
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    const ChannelGroup& group = data_group.groups[i];
+    const auto channels = channelsOf(data_group, group);
+    const std::uint64_t values = channels.empty() ? 0 : parts[i].data->finish();
+    for (const BlockCopy::Link& channel : channels) {
+      blocks_.setLink(channel, values);
+    }
+    if (channels.empty()) {
+      staying.push_back(i);
+    }
+  }
+  std::uint64_t next = blocks_.newLink({block, DGBLOCK::dg_dg_next});
+  const std::uint64_t comment = blocks_.newLink({block, DGBLOCK::dg_md_comment});
+  for (std::size_t i = staying.size(); i-- > 0;) {
+    const ChannelGroup& group = data_group.groups[staying[i]];
+    const std::uint32_t index = indexOf(group.offset);
+    const std::uint64_t data = parts[staying[i]].data->finish();
+    blocks_.setField(index, "cg_cycle_count", parts[staying[i]].records);
+    blocks_.setLink({index, next_link}, 0);
+    if (i > 0) {
+      next = out.out().add(dataGroupBlock(next, blocks_.placeOf(index), data, comment));
+      blocks_.moveGroup(index, next);
+    } else {
+      blocks_.setLink({block, DGBLOCK::dg_data}, data);
+      blocks_.setLink({block, DGBLOCK::dg_cg_first}, blocks_.placeOf(index));
+    }
+  }
+  blocks_.setLink({block, DGBLOCK::dg_dg_next}, next);
+  blocks_.setField(block, "dg_rec_id_size", 0);
+}
+
+}  // namespace mdf_tools

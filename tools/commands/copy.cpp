@@ -1,0 +1,232 @@
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <system_error>
+
+#include "changing/copy_check.h"
+#include "changing/copy_failure.h"
+#include "changing/file_copy.h"
+#include "command.h"
+#include "file_command.h"
+#include "importing/import_failure.h"
+#include "importing/temporary_file.h"
+#include "mdf_writer/mdf_writer.h"
+#include "mdf_writer/plan/texts.h"
+#include "number_option.h"
+#include "reader/bytes/input_file.h"
+#include "sample_options.h"
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+
+namespace {
+
+constexpr const char* footer =
+    R"(Writes the file again, with everything that can be reached from its header block: descriptions,
+comments, events, attachments, history, blocks of types that are not known. Blocks stay byte for
+byte as they are but for their links, and for what the options ask for. The history gets an entry
+that says what was done. Without options the data stays in the blocks that it is in, zipped or not.
+
+A file that was not finished becomes a finished one of the records that can be read.
+
+--sort gives each channel group of unsorted data a data group of its own, with its records side by
+side; values of variable length that were records become signal data. Data of arrays whose elements
+have records of their own stays as it is.
+
+--zip puts all data into new blocks: deflated, or transposed and deflated, which is smaller as a rule
+for records, or none. Blocks that would not be smaller stay as they are.
+
+Before the copy gets its name it is checked as by 'mdf check'. Problems of the file that are problems
+of the copy, too, are counted; one that only the copy has prevents it.
+
+Examples:
+  mdf copy trip.mf4 -o small.mf4 --sort --zip transposed
+  mdf copy trip.mf4 -o plain.mf4 --zip none
+  mdf copy unfinished.mf4 -o whole.mf4
+
+Exit code: 0 copied, 1 problems found in the file, or the copy cannot be written, 2 wrong arguments,
+unreadable file, or one that is there already. Where there are problems, standard error says whether
+there is a copy.)";
+
+struct Request {
+  std::string input;
+  std::string output;
+  std::string zip;
+  bool replaces = false;
+  DataForm form;
+  CopyOptions options;
+};
+
+/// A file that appears under its name when it is complete, and not before.
+class CompleteFile : public mdf_writer::FileOutput {
+ public:
+  using FileOutput::FileOutput;
+
+  bool publish() override { return true; }
+  bool appear() { return FileOutput::publish(); }
+};
+
+std::uint64_t now() {
+  const auto since_1970 = std::chrono::system_clock::now().time_since_epoch();
+  return static_cast<std::uint64_t>(
+      std::chrono::duration_cast<std::chrono::nanoseconds>(since_1970).count());
+}
+
+/// What the history says: the command without folders.
+std::string historyOf(const Request& request) {
+  std::string text = "copied";
+  if (request.input != "-") {
+    const std::string name = std::filesystem::path(request.input).filename().string();
+    text += " from " + (mdf_writer::isUtf8(name) ? name : "a file");
+  }
+  text += request.options.sorts ? ", sorted" : "";
+  return text + (request.zip.empty()     ? ""
+                 : request.zip == "none" ? ", not zipped"
+                                         : ", zipped: " + request.zip);
+}
+
+/// Copies one file and checks the copy; returns the exit code.
+/// @param path where the output's bytes can be read.
+int copyTo(mdf_writer::Output& output, const std::string& path, const Request& request,
+           const FileContext& context) {
+  copyFile(context.file, request.options, output, context.report, notesOf(context));
+  InputFile copy(path);
+  const std::uint64_t errors = checkCopy(copy, context.file);
+  if (errors > 0) {
+    context.say("the copy keeps " + std::to_string(errors) +
+                (errors == 1 ? " problem" : " problems") + " of the file, see 'mdf check'");
+  }
+  return errors > 0 ? exit_problem : exit_fine;
+}
+
+int complain(const std::string& sentence, ExitCode exit_code) {
+  std::cerr << "mdf: " << sentence << '\n';
+  return exit_code;
+}
+
+/// Does the work of copying on the input; returns the exit code.
+int copying(const Request& request, const std::function<int(const FileContext&)>& work) {
+  int exit_code = exit_fine;
+  const int reading = onEachFile({request.input}, [&](const FileContext& context) {
+    try {
+      exit_code = work(context);
+    } catch (const CopyFailure& failure) {
+      context.say(std::string("cannot be copied: ") + failure.what());
+      exit_code = exit_problem;
+    }
+  });
+  return std::max(exit_code, reading);
+}
+
+/// The copy is completed by writing in places that were written before, so it is made elsewhere.
+int copyToStandardOutput(const Request& request) {
+  const std::string name = "standard output";
+  if (outputIsTerminal()) {
+    return complain("cannot write " + name + ": it is a terminal", exit_unusable);
+  }
+  return copying(request, [&](const FileContext& context) {
+    const Descriptor copy = temporaryFile();
+    mdf_writer::FileOutput file(copy.number());
+    const int exit_code =
+        copyTo(file, "/dev/fd/" + std::to_string(copy.number()), request, context);
+    lseek(copy.number(), 0, SEEK_SET);
+    copyRest(copy.number(), "a temporary file", STDOUT_FILENO, name);
+    return exit_code;
+  });
+}
+
+int copy(const Request& request) {
+  if (request.output == "-") {
+    return copyToStandardOutput(request);
+  }
+  std::error_code none;
+  if (std::filesystem::equivalent(request.input, request.output, none)) {
+    return complain("the output " + request.output + " is the file to read", exit_unusable);
+  }
+  CompleteFile file(request.output,
+                    request.replaces ? mdf_writer::Existing::replace : mdf_writer::Existing::keep);
+  if (!file.isOpen()) {
+    const bool is_there = !request.replaces && std::filesystem::exists(request.output) &&
+                          !std::filesystem::is_directory(request.output);
+    return complain("cannot write " + request.output + ": " + file.cause() +
+                        (is_there ? "; --force replaces it" : ""),
+                    exit_unusable);
+  }
+  if (!file.isSeekable()) {
+    return complain("cannot write " + request.output + ": it is no file that can be completed",
+                    exit_unusable);
+  }
+  return copying(request, [&](const FileContext& context) {
+    const int exit_code = copyTo(file, file.place(), request, context);
+    if (!file.appear()) {
+      throw CopyFailure("cannot write " + request.output + ": " + file.cause());
+    }
+    return exit_code;
+  });
+}
+
+int run(Request& request) {
+  if (!request.zip.empty()) {
+    request.form.zip = request.zip == "none"      ? Zip::none
+                       : request.zip == "deflate" ? Zip::deflate
+                                                  : Zip::transposed;
+    request.options.form = request.form;
+  }
+  request.options.time = now();
+  request.options.history = historyOf(request);
+  request.options.version = MDF_PROGRAM_VERSION;
+  try {
+    return copy(request);
+  } catch (const CannotImport& error) {
+    return complain(error.what(), exit_unusable);
+  } catch (const ImportFailure& error) {
+    return complain(error.what(), exit_problem);
+  }
+}
+
+}  // namespace
+
+void addCopyCommand(CLI::App& app, int& exit_code) {
+  const auto request = std::make_shared<Request>();
+  CLI::App* const command =
+      app.add_subcommand("copy", "Write a measurement file again: sorted, zipped, or as it is");
+  command->add_option("IN", request->input, "The measurement file; - is standard input")
+      ->required()
+      ->type_name("");
+  command
+      ->add_option("-o,--output", request->output,
+                   "The new file, which appears when it is complete; - for standard output")
+      ->required()
+      ->type_name("OUT.mf4");
+  command->add_flag("--force", request->replaces, "Replace an existing file");
+  command->add_flag("--sort", request->options.sorts,
+                    "Give each channel group a data group of its own");
+  CLI::Option* const zip =
+      command->add_option("--zip", request->zip, "Put data into new blocks, zipped in this way");
+  zip->check(CLI::IsMember({"deflate", "transposed", "none"}))
+      ->option_text("deflate|transposed|none");
+  command->add_option("--level", request->form.level, "From 1, the fastest, to 12, the smallest")
+      ->type_name("N")
+      ->check(isCount() & CLI::Range(1, 12))
+      ->needs(zip)
+      ->capture_default_str();
+  command
+      ->add_option("--block-size", request->form.block_bytes,
+                   "The most data of a block in bytes, before it is zipped")
+      ->type_name("BYTES")
+      ->check(isCount() & CLI::Range(std::size_t{1024}, std::size_t{1} << 24U))
+      ->needs(zip)
+      ->capture_default_str();
+  command->footer(footer);
+  command->callback([request, &exit_code] { exit_code = run(*request); });
+}
+
+}  // namespace mdf_tools
