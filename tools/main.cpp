@@ -53,6 +53,7 @@ constexpr std::array<Command, 13> commands = {{
     {"export", mdf_tools::addExportCommand},
     {"plot", mdf_tools::addPlotCommand},
     {"stats", mdf_tools::addStatsCommand},
+    {"diff", mdf_tools::addDiffCommand},
     {"extract", mdf_tools::addExtractCommand},
     {"import", mdf_tools::addImportCommand},
     {"copy", mdf_tools::addCopyCommand},

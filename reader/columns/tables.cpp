@@ -84,6 +84,7 @@ class Tables::Walk {
   }
 
   Table* next();
+  Table* of(const DataGroup& data_group, const ChannelGroup& group);
   std::vector<std::unique_ptr<Table>> all(const ChannelGroup* base);
   std::vector<TableHead> heads(std::size_t most);
   std::size_t count() const { return count_; }
@@ -129,6 +130,8 @@ class Tables::Walk {
   std::unordered_map<std::uint64_t, const Channel*> channels_;     ///< of one group, the same
   std::size_t data_group_ = 0;  ///< where the walk is: the next group
   std::size_t group_ = 0;
+  const DataGroup* entered_ = nullptr;  ///< the one of whose groups was asked for last
+  bool is_over_ = false;                ///< there is nothing more to be had of the others
   std::unique_ptr<Table> table_;
   bool has_wanted_ = false;  ///< channels, the group whose columns were planned last
   std::size_t count_ = 0;
@@ -166,6 +169,22 @@ Table* Tables::Walk::next() {
     }
   }
   return nullptr;
+}
+
+Table* Tables::Walk::of(const DataGroup& data_group, const ChannelGroup& group) {
+  table_.reset();
+  if (entered_ == nullptr) {
+    begin();
+  } else if (entered_ != &data_group) {
+    examineWhatIsNoTable(*entered_);
+    is_over_ = is_over_ || !haveDataOfTheirOwn(*entered_);
+  }
+  if (entered_ != &data_group) {
+    enter(data_group);
+    entered_ = &data_group;
+  }
+  table_ = is_over_ || !isWanted(group) ? nullptr : tableOf(data_group, group);
+  return table_.get();
 }
 
 std::vector<std::unique_ptr<Table>> Tables::Walk::all(const ChannelGroup* base) {
@@ -643,6 +662,10 @@ Tables::Tables(InputFile& file, const Query& query, const FindingSink& report, c
 Tables::~Tables() = default;
 
 Table* Tables::next() { return walk_->next(); }
+
+Table* Tables::of(const DataGroup& data_group, const ChannelGroup& group) {
+  return walk_->of(data_group, group);
+}
 
 std::vector<std::unique_ptr<Table>> Tables::all(const ChannelGroup* base) {
   return walk_->all(base);

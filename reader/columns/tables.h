@@ -101,6 +101,10 @@ class Tables {
   /// The next table, in place of the one before; null after the last one.
   Table* next();
 
+  /// The table of a channel group of dataGroups(), in place of the one before and of next(); null
+  /// where it has no columns. Groups are best read in the order of the file.
+  Table* of(const DataGroup& data_group, const ChannelGroup& group);
+
   /// All tables at a time, in place of next(), to be read side by side: each reads the file by
   /// itself, and none may outlast this object. `first`, `last` and `stride` of the query hold for
   /// the base alone, and where records are looked up for `from` and `to`, one more comes on each

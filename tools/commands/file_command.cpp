@@ -50,8 +50,9 @@ class GivingWay {
 };
 
 /// The work on one file; returns its exit code.
+/// @param around the line of another file that work is going on on; null for none.
 int onFile(const std::string& path, bool is_one_of_several, Input input, OutputBuffer& output,
-           const std::function<void(const FileContext&)>& work) {
+           const std::function<void(const FileContext&)>& work, Progress* around = nullptr) {
   int exit_code = exit_fine;
   try {
     InputFile file(path);
@@ -60,21 +61,22 @@ int onFile(const std::string& path, bool is_one_of_several, Input input, OutputB
       throw Unreadable(*refusal);
     }
     std::optional<Progress> progress;
-    if (wantsProgress()) {
+    if (around == nullptr && wantsProgress()) {
       const std::string name = std::filesystem::path(path).filename().string();
       progress.emplace(file, is_one_of_several ? name : "", std::cerr, std::chrono::seconds(1));
     }
     const GivingWay giving_way(output, progress);
+    Progress* const line = progress ? &*progress : around;
     const auto say = [&](const std::string& sentence) {
       const auto print = [&] { complain(file.name() + ": " + sentence); };
-      progress ? progress->interrupt(print) : print();
+      line != nullptr ? line->interrupt(print) : print();
     };
     const FindingSink report = [&](const Finding& finding) {
       say(decimalAndHex(finding.offset) + ": " + finding.sentence);
       exit_code = exit_problem;
     };
     std::ostream out(&output);
-    work({file, out, report, say, path, is_one_of_several});
+    work({file, out, report, say, path, is_one_of_several, line});
   } catch (const Unreadable& error) {
     complain(error.what());
     exit_code = exit_unusable;
@@ -136,6 +138,17 @@ int onEachFile(const std::vector<std::string>& paths,
     }
   }
   return exit_code;
+}
+
+int onBoth(const std::string& first, const std::string& second,
+           const std::function<void(const FileContext&, const FileContext&)>& work) {
+  OutputBuffer output(stdout, outputForm());
+  int second_code = exit_fine;
+  const int first_code = onFile(first, true, Input::mdf4, output, [&](const FileContext& of_first) {
+    const auto on_second = [&](const FileContext& of_second) { work(of_first, of_second); };
+    second_code = onFile(second, true, Input::mdf4, output, on_second, of_first.progress);
+  });
+  return std::max({first_code, second_code, finish(output)});
 }
 
 int printToOutput(const std::string& text) {

@@ -19,6 +19,8 @@ class InputFile;
 
 namespace mdf_tools {
 
+class Progress;
+
 using namespace mdf_reader;
 
 /// What a command gets for each file.
@@ -29,6 +31,7 @@ struct FileContext {
   const std::function<void(const std::string& sentence)>& say;  ///< the same of other things
   const std::string& path;  ///< the file as it was named, "-" for standard input
   bool is_one_of_several;   ///< several files were named: say which one is shown
+  Progress* progress;       ///< the line on a terminal; null for none
 };
 
 /// Adds the argument FILE... to a command.
@@ -45,6 +48,10 @@ enum class Input {
 /// after a finding, and on the other files after an unreadable one.
 int onEachFile(const std::vector<std::string>& paths,
                const std::function<void(const FileContext&)>& work, Input input = Input::mdf4);
+
+/// Does work on two files at a time, in the same way.
+int onBoth(const std::string& first, const std::string& second,
+           const std::function<void(const FileContext&, const FileContext&)>& work);
 
 /// Prints what was gathered from all files to standard output; returns the exit code.
 int printToOutput(const std::string& text);
