@@ -42,7 +42,7 @@ struct Command {
   void (*add)(CLI::App& app, int& exit_code);
 };
 
-constexpr std::array<Command, 13> commands = {{
+constexpr std::array<Command, 14> commands = {{
     {"record", mdf_tools::addRecordCommand},
     {"info", mdf_tools::addInfoCommand},
     {"list", mdf_tools::addListCommand},
