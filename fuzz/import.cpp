@@ -9,6 +9,7 @@
 #include "importing/import_failure.h"
 #include "importing/importer.h"
 #include "memory_file.h"
+#include "memory_output.h"
 #include "printing/table_writers.h"
 #include "reader/bytes/input_file.h"
 #include "reader/columns/tables.h"
@@ -21,30 +22,6 @@ namespace {
 
 using namespace mdf_reader;
 using namespace mdf_tools;
-
-/// A file of the writer, in memory.
-class MemoryOutput : public mdf_writer::Output {
- public:
-  bool isSeekable() const override { return true; }
-  std::size_t write(std::uint64_t offset, const char* bytes, std::size_t count) override {
-    const auto at = static_cast<std::size_t>(offset);
-    bytes_.resize(std::max(bytes_.size(), at + count));
-    bytes_.replace(at, count, bytes, count);
-    return count;
-  }
-  bool cut(std::uint64_t size) override {
-    bytes_.resize(std::min(bytes_.size(), static_cast<std::size_t>(size)));
-    return true;
-  }
-  bool publish() override { return true; }
-  bool sync() override { return true; }
-  std::string cause() const override { return ""; }
-
-  const std::string& bytes() const { return bytes_; }
-
- private:
-  std::string bytes_;
-};
 
 std::string import(std::string_view text, const ImportOptions& options, Imported& imported) {
   static const MemoryFile memory;

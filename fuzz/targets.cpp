@@ -64,6 +64,7 @@ const std::vector<std::pair<std::string, Target>>& targets() {
                              {"draw", tryDraw},
                              {"export", tryExport},
                              {"import", tryImport},
+                             {"repair", tryRepair},
                              {"show", tryShow},
                              {"measure", tryMeasurement}});
     return list;

@@ -11,8 +11,8 @@
 /// bytes say with a block; `dump` and `check` are what `mdf dump` and `mdf check` make of a file,
 /// `draw` what `mdf tree`, `mdf graph` and the options of `mdf dump` make of it, `export` what `mdf
 /// export`, `mdf plot` and `mdf stats` make of it, `show` what `mdf info`, `mdf list` and `mdf
-/// extract` do; `import` makes a file of a text as `mdf import` does; `measure` asks the reader
-/// library for all that it gives.
+/// extract` do; `import` makes a file of a text as `mdf import` does; `repair` finishes a file as
+/// `mdf repair` does; `measure` asks the reader library for all that it gives.
 namespace mdf_fuzz {
 
 /// Tries one input and says in a few words what came of it.
@@ -32,6 +32,7 @@ std::string tryDraw(std::string_view input);
 std::string tryExport(std::string_view input);
 std::string tryImport(std::string_view input);
 std::string tryMeasurement(std::string_view input);
+std::string tryRepair(std::string_view input);
 std::string tryShow(std::string_view input);
 
 }  // namespace mdf_fuzz

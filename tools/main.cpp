@@ -42,7 +42,7 @@ struct Command {
   void (*add)(CLI::App& app, int& exit_code);
 };
 
-constexpr std::array<Command, 14> commands = {{
+constexpr std::array<Command, 15> commands = {{
     {"record", mdf_tools::addRecordCommand},
     {"info", mdf_tools::addInfoCommand},
     {"list", mdf_tools::addListCommand},
@@ -57,6 +57,7 @@ constexpr std::array<Command, 14> commands = {{
     {"extract", mdf_tools::addExtractCommand},
     {"import", mdf_tools::addImportCommand},
     {"copy", mdf_tools::addCopyCommand},
+    {"repair", mdf_tools::addRepairCommand},
 }};
 
 /// Adds the command that a word names, or else all: on a small file, the options of the others
@@ -77,7 +78,7 @@ int complain(const std::string& sentence) {
 }
 
 int run(int argc, char** argv) {
-  CLI::App app("Record, inspect, check, draw, export and import ASAM MDF 4 measurement files.",
+  CLI::App app("Record, inspect, check, repair, draw, export and import ASAM MDF 4 files.",
                "mdf");
   app.set_version_flag("--version", "mdf " MDF_PROGRAM_VERSION);
   app.require_subcommand(1);

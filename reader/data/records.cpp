@@ -236,6 +236,7 @@ void Records::examine() {
   } else if (!can_read) {
     examineUnowned();
   }
+  whole_bytes_ = data_.size();
   if (areFramed()) {
     examineFramed();
   } else if (can_read) {
@@ -252,6 +253,7 @@ void Records::examineSorted(const ChannelGroup& group) {
   if (!file_.isCountFinal(group)) {
     const std::uint64_t rest = size == 0 ? there : there % size;
     if (rest > 0) {
+      whole_bytes_ = there - rest;
       reportRest({Record::torn, nullptr, {}, 0, size}, there - rest);
     }
   } else if (!problem.empty() && !data_.isDamaged()) {
@@ -285,6 +287,7 @@ void Records::examineFramed() {
   const bool can_compare = haveIdsOfTheirOwn();
   std::uint64_t position = 0;
   const Record last = lookThrough(position);
+  whole_bytes_ = position;
   if (last.kind != Record::end) {
     reportRest(last, position);
   } else if (can_compare) {

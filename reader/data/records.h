@@ -79,6 +79,13 @@ class Records {
   /// Bytes of the record id in front of each record.
   unsigned idBytes() const { return format_.idBytes(); }
 
+  /// Bytes of the data up to the end of the last record that can be read. Where counts are final
+  /// and the records stand side by side, these are all.
+  std::uint64_t wholeBytes() {
+    examine();
+    return whole_bytes_;
+  }
+
   /// How many records a channel group has: its cycle count or, where that is not final, as many as
   /// the data holds. Nothing where nobody can tell.
   std::optional<std::uint64_t> countOf(const ChannelGroup& group);
@@ -187,6 +194,7 @@ class Records {
   std::shared_ptr<SortedCopy> copy_;
   std::unordered_map<const ChannelGroup*, std::size_t> parts_;  ///< of the copy
   bool is_examined_ = false;
+  std::uint64_t whole_bytes_ = 0;
 };
 
 }  // namespace mdf_reader

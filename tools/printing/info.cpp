@@ -58,16 +58,6 @@ std::string contentsSentence(const FileSummary& summary) {
          countOf(summary.history_count, "history entry", "history entries");
 }
 
-/// "84,730"
-std::string withCommas(std::uint64_t number) {
-  std::string text = std::to_string(number);
-  for (std::size_t at = text.size(); at > 3;) {
-    at -= 3;
-    text.insert(at, 1, ',');
-  }
-  return text;
-}
-
 /// What was counted in place of what the file states; "" where it leaves nothing open.
 std::string countedSentence(const FileSummary& summary) {
   std::uint64_t counted = 0;
