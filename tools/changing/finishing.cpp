@@ -244,6 +244,11 @@ void Finisher::setCount(const ChannelGroup& group, std::optional<std::uint64_t> 
     result_.counts.push_back({group.offset, std::string(group.shownName()), false,
                               group.holdsVariableLength(), records, group.cycles});
   }
+  if (records && *records < group.cycles) {
+    report_({Code::cycle_count_wrong, group.offset,
+             "expected " + std::to_string(group.cycles) + " records, found " +
+                 std::to_string(*records)});
+  }
   if (records && *records != group.cycles && element == 0) {
     setNumber(placeOfField(*block, "cg_cycle_count"), *records);
   }

@@ -14,6 +14,7 @@
 #include "changing/copy_failure.h"
 #include "changing/file_copy.h"
 #include "command.h"
+#include "complete_file.h"
 #include "file_command.h"
 #include "importing/import_failure.h"
 #include "importing/temporary_file.h"
@@ -63,15 +64,6 @@ struct Request {
   bool replaces = false;
   DataForm form;
   CopyOptions options;
-};
-
-/// A file that appears under its name when it is complete, and not before.
-class CompleteFile : public mdf_writer::FileOutput {
- public:
-  using FileOutput::FileOutput;
-
-  bool publish() override { return true; }
-  bool appear() { return FileOutput::publish(); }
 };
 
 std::uint64_t now() {
@@ -151,23 +143,14 @@ int copy(const Request& request) {
   if (std::filesystem::equivalent(request.input, request.output, none)) {
     return complain("the output " + request.output + " is the file to read", exit_unusable);
   }
-  CompleteFile file(request.output,
-                    request.replaces ? mdf_writer::Existing::replace : mdf_writer::Existing::keep);
-  if (!file.isOpen()) {
-    const bool is_there = !request.replaces && std::filesystem::exists(request.output) &&
-                          !std::filesystem::is_directory(request.output);
-    return complain("cannot write " + request.output + ": " + file.cause() +
-                        (is_there ? "; --force replaces it" : ""),
-                    exit_unusable);
-  }
-  if (!file.isSeekable()) {
-    return complain("cannot write " + request.output + ": it is no file that can be completed",
-                    exit_unusable);
+  CompleteFile file(request.output, request.replaces);
+  if (!file.problem().empty()) {
+    return complain(file.problem(), exit_unusable);
   }
   return copying(request, [&](const FileContext& context) {
     const int exit_code = copyTo(file, file.place(), request, context);
     if (!file.appear()) {
-      throw CopyFailure("cannot write " + request.output + ": " + file.cause());
+      throw CopyFailure(file.problem());
     }
     return exit_code;
   });

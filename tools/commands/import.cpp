@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "command.h"
+#include "complete_file.h"
 #include "importing/import_failure.h"
 #include "importing/importer.h"
 #include "importing/temporary_file.h"
@@ -62,15 +63,6 @@ struct Request {
   std::string separator;
   bool replaces = false;
   ImportOptions options;
-};
-
-/// A file that appears under its name when it is complete, and not before.
-class CompleteFile : public mdf_writer::FileOutput {
- public:
-  using FileOutput::FileOutput;
-
-  bool publish() override { return true; }
-  bool appear() { return FileOutput::publish(); }
 };
 
 int complain(const std::string& sentence, ExitCode exit_code) {
@@ -143,22 +135,13 @@ int import(const Request& request) {
   if (isInput(request)) {
     return complain("the output " + request.output + " is one of the files to read", exit_unusable);
   }
-  CompleteFile file(request.output,
-                    request.replaces ? mdf_writer::Existing::replace : mdf_writer::Existing::keep);
-  if (!file.isOpen()) {
-    const bool is_there = !request.replaces && std::filesystem::exists(request.output) &&
-                          !std::filesystem::is_directory(request.output);
-    return complain("cannot write " + request.output + ": " + file.cause() +
-                        (is_there ? "; --force replaces it" : ""),
-                    exit_unusable);
-  }
-  if (!file.isSeekable()) {
-    return complain("cannot write " + request.output + ": it is no file that can be completed",
-                    exit_unusable);
+  CompleteFile file(request.output, request.replaces);
+  if (!file.problem().empty()) {
+    return complain(file.problem(), exit_unusable);
   }
   const Imported imported = importTo(file, request);
   if (!file.appear()) {
-    return complain("cannot write " + request.output + ": " + file.cause(), exit_problem);
+    return complain(file.problem(), exit_problem);
   }
   report(imported, request.output);
   return exit_fine;

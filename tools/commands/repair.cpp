@@ -3,21 +3,28 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
+#include "changing/copy_failure.h"
+#include "changing/file_copy.h"
 #include "changing/finishing.h"
 #include "changing/repair_report.h"
 #include "checking/file_check.h"
 #include "command.h"
+#include "complete_file.h"
 #include "extracting/new_file.h"
 #include "file_command.h"
+#include "importing/temporary_file.h"
 #include "reader/blocks/identification.h"
 #include "reader/blocks/unreadable.h"
 #include "reader/bytes/descriptor.h"
@@ -38,6 +45,29 @@ struct Request {
   bool as_json = false;
 };
 
+/// What is wrong with a file, but for notes.
+std::vector<Finding> problemsOf(InputFile& file) {
+  std::vector<Finding> problems;
+  checkFile(file, [&](const Finding& finding) {
+    if (textOf(finding.code).severity != Severity::note) {
+      problems.push_back(finding);
+    }
+  });
+  return problems;
+}
+
+void expectGood(const CompleteFile& file) {
+  if (!file.problem().empty()) {
+    throw Unwritable(file.problem());
+  }
+}
+
+std::uint64_t now() {
+  const auto since_1970 = std::chrono::system_clock::now().time_since_epoch();
+  return static_cast<std::uint64_t>(
+      std::chrono::duration_cast<std::chrono::nanoseconds>(since_1970).count());
+}
+
 class Repair {
  public:
   Repair(const FileContext& context, const Request& request)
@@ -50,17 +80,22 @@ class Repair {
 
  private:
   static std::filesystem::path outputFor(const std::string& path, const std::string& output);
-  std::vector<Finding> problemsOf(InputFile& file) const;
+  void addLoss(const Finding& finding);
   void keepWhole();
   void finish();
-  void finishIn(const std::string& path, const Finishing& finishing);
-  void reportLosses(InputFile& finished);
-  void writeCopy(const std::function<void(NewFile& file)>& change);
+  void rescue();
+  void writeAll(mdf_writer::Output& output);
+  void applyTo(mdf_writer::Output& output, const Finishing& finishing);
+  void reportLosses(const std::string& path);
+  void tell(const Finishing& finishing);
 
   const FileContext& context_;
   const Request& request_;
   std::filesystem::path output_;
-  std::vector<Finding> losses_;
+  std::vector<Finding> losses_;  ///< the first ones
+  std::uint64_t more_losses_ = 0;
+  std::set<std::pair<std::uint64_t, std::string>> told_;
+  FindingSink loss_ = [this](const Finding& finding) { addLoss(finding); };
 };
 
 /// A file of the same name where the output is a folder.
@@ -69,93 +104,132 @@ std::filesystem::path Repair::outputFor(const std::string& path, const std::stri
   return std::filesystem::is_directory(out) ? out / std::filesystem::path(path).filename() : out;
 }
 
-/// What is wrong with a file, but for notes.
-std::vector<Finding> Repair::problemsOf(InputFile& file) const {
-  std::vector<Finding> problems;
-  checkFile(file, [&](const Finding& finding) {
-    if (textOf(finding.code).severity != Severity::note) {
-      problems.push_back(finding);
-    }
-  });
-  return problems;
-}
-
 void Repair::run() {
   if (readIdentification(context_.file).isUnfinished()) {
     finish();
   } else if (problemsOf(context_.file).empty()) {
     keepWhole();
+  } else if (!request_.is_in_place) {
+    rescue();
   } else {
     context_.report({Code::request_failed, 0,
-                     "the file is damaged, as 'mdf check' tells, but finished: only unfinished "
-                     "files can be repaired"});
+                     "the file is finished, but damaged, as 'mdf check' tells: -o makes a file of "
+                     "what there is"});
   }
 }
 
 void Repair::keepWhole() {
   if (!request_.is_in_place) {
-    writeCopy([](NewFile& /*file*/) {});
+    CompleteFile copy(output_.string(), request_.replaces);
+    expectGood(copy);
+    writeAll(copy);
+    copy.appear();
+    expectGood(copy);
   }
   context_.say("the file is whole: there is nothing to repair");
 }
 
 void Repair::finish() {
-  const FindingSink keep = [&](const Finding& finding) { losses_.push_back(finding); };
-  const Finishing finishing = finishingOf(context_.file, keep);
+  const Finishing finishing = finishingOf(context_.file, loss_);
   if (context_.file.sizeNow() != context_.file.size()) {
     throw Unwritable(context_.file.name() + ": the file is still being written");
   }
   if (request_.is_in_place) {
-    finishIn(context_.path, finishing);
-    InputFile finished(context_.path);
-    reportLosses(finished);
+    const Descriptor file(open(context_.path.c_str(), O_RDWR | O_CLOEXEC));
+    if (file.number() < 0) {
+      throw Unwritable("cannot write " + context_.path + ": " +
+                       std::generic_category().message(errno));
+    }
+    mdf_writer::FileOutput output(file.number());
+    applyTo(output, finishing);
+    reportLosses(context_.path);
   } else {
-    writeCopy([&](NewFile& file) {
-      finishIn(file.temporaryPath(), finishing);
-      InputFile finished(file.temporaryPath());
-      reportLosses(finished);
-    });
+    CompleteFile copy(output_.string(), request_.replaces);
+    expectGood(copy);
+    writeAll(copy);
+    applyTo(copy, finishing);
+    reportLosses(copy.place());
+    copy.appear();
+    expectGood(copy);
   }
-  const Repaired repaired{context_.path, output_.string(), finishing, losses_};
-  context_.out << (request_.as_json ? repairJson(repaired) : repairSentence(repaired)) << '\n';
+  tell(finishing);
 }
 
-/// Reports what was lost on the way, and what is still wrong with the finished file.
-void Repair::reportLosses(InputFile& finished) {
-  for (const Finding& problem : problemsOf(finished)) {
-    const bool is_told = std::any_of(losses_.begin(), losses_.end(), [&](const Finding& loss) {
-      return loss.offset == problem.offset;
-    });
-    if (!is_told) {
-      losses_.push_back(problem);
-    }
+/// Goes by what the data shows instead of what the blocks state of it, as if the file had not been
+/// finished, and copies what can be reached then.
+void Repair::rescue() {
+  constexpr std::string_view open_flags("\x3f\0\0\0", 4);
+  constexpr std::uint64_t flags_at = 60;
+  const Descriptor temporary = temporaryFile();
+  const std::string path = "/dev/fd/" + std::to_string(temporary.number());
+  mdf_writer::FileOutput opened(temporary.number());
+  writeAll(opened);
+  opened.write(0, "UnFinMF ", 8);
+  opened.write(flags_at, open_flags.data(), open_flags.size());
+  InputFile unfinished(path);
+  const Finishing finishing = finishingOf(unfinished, loss_);
+  if (finishing.counts.empty()) {
+    throw Unreadable(
+        context_.file.name() + ": nothing can be saved: no channel group can be reached",
+        {Code::request_failed, 0, "no channel group"});
+  }
+  applyTo(opened, finishing);
+  CompleteFile copy(output_.string(), request_.replaces);
+  expectGood(copy);
+  InputFile finished(path);
+  CopyOptions options;
+  options.time = now();
+  options.history = "repaired";
+  options.version = MDF_PROGRAM_VERSION;
+  copyFile(finished, options, copy, loss_, [](const std::string& /*note*/) {});
+  reportLosses(copy.place());
+  copy.appear();
+  expectGood(copy);
+  tell(finishing);
+}
+
+/// Reports what was lost on the way, and what is still wrong with the file.
+void Repair::reportLosses(const std::string& path) {
+  InputFile repaired(path);
+  for (const Finding& problem : problemsOf(repaired)) {
+    loss_(problem);
   }
   for (const Finding& loss : losses_) {
     context_.report(loss);
   }
+  if (more_losses_ > 0) {
+    context_.say(std::to_string(more_losses_) + " more problems are not listed");
+  }
 }
 
-void Repair::finishIn(const std::string& path, const Finishing& finishing) {
-  const Descriptor file(open(path.c_str(), O_RDWR | O_CLOEXEC));
-  mdf_writer::FileOutput output(file.number());
-  if (file.number() < 0) {
-    throw Unwritable("cannot write " + output_.string() + ": " +
-                     std::generic_category().message(errno));
-  }
+void Repair::tell(const Finishing& finishing) {
+  const Repaired repaired{context_.path, output_.string(), finishing, losses_};
+  context_.out << (request_.as_json ? repairJson(repaired) : repairSentence(repaired)) << '\n';
+}
+
+void Repair::writeAll(mdf_writer::Output& output) {
+  std::uint64_t at = 0;
+  forEachPiece(context_.file, 0, context_.file.size(), [&](std::string_view piece) {
+    if (output.write(at, piece.data(), piece.size()) != piece.size()) {
+      throw Unwritable("cannot write " + output_.string() + ": " + output.cause());
+    }
+    at += piece.size();
+  });
+}
+
+void Repair::applyTo(mdf_writer::Output& output, const Finishing& finishing) {
   if (!apply(finishing, output)) {
     throw Unwritable("cannot write " + output_.string() + ": " + output.cause());
   }
 }
 
-/// Makes a copy of the file, which gets its name after a change.
-void Repair::writeCopy(const std::function<void(NewFile& file)>& change) {
-  const std::string folder = output_.parent_path().empty() ? "." : output_.parent_path().string();
-  NewFile copy(folder, output_.filename().string());
-  forEachPiece(context_.file, 0, context_.file.size(),
-               [&](std::string_view piece) { copy.write(piece); });
-  change(copy);
-  if (!copy.complete(request_.replaces)) {
-    throw Uncreatable("cannot write " + output_.string() + ": it exists; --force replaces it");
+/// Several readers find the same. A damaged file may have very many problems.
+void Repair::addLoss(const Finding& finding) {
+  constexpr std::size_t most = 1000;
+  if (losses_.size() >= most) {
+    ++more_losses_;
+  } else if (told_.insert({finding.offset, finding.sentence}).second) {
+    losses_.push_back(finding);
   }
 }
 
@@ -204,33 +278,36 @@ int run(const Request& request) {
 }
 
 constexpr const char* footer =
-    R"(Finishes files that a logger has not: power was lost, or the program killed. What the flags of such
-files leave open is found out by reading their data once: how many records each channel group and
-sample reduction has, how long the last data block is, which blocks the last data list has, and how
-many bytes values of variable length take. A record that was not written to its end is cut off. The
-data itself stays as it is, byte for byte.
+    R"(Makes whole files of those that are not.
+
+Unfinished files, whose logger lost its power or was killed: what their flags leave open is found out
+by reading their data. That is how many records each channel group and sample reduction has, how long
+the last data block is, which blocks the last data list has, and how many bytes values of variable
+length take. A record that was not written to its end is cut off. The data stays as it is.
+
+Damaged files: what can be reached from the header block is copied, with as many records as there are.
+Links that lead nowhere are left out, and with them what only they would have led to.
 
 One line on standard output says what was kept, cut and set. What could not be read, and what
-'mdf check' finds in the finished file, is reported on standard error. Finished files are left alone,
-as there is nothing to finish: 'mdf check' tells whether they are damaged.
+'mdf check' finds in the new file, is reported on standard error.
 
 With -o the file itself is not touched, and the output appears when it is complete. With --in-place
-only the few numbers that were open are written, in such an order that the command can be run again
-when it was interrupted; torn records are gone then.
+only the few numbers that an unfinished file left open are written, in such an order that the command
+can be run again when it was interrupted; torn records are gone then.
 
 Examples:
   mdf repair log.mf4 -o whole.mf4
   mdf repair *.mf4 -o repaired/              many files into a folder that exists
-  mdf repair --in-place /data/*.mf4          without copies
+  mdf repair --in-place /data/*.mf4          unfinished files, without copies
   mdf repair log.mf4 -o whole.mf4 --json | jq .cut
 
-Exit code: 0 whole, 1 finished with a loss that was reported, or a file could not be written, 2 wrong
-arguments, or unreadable file.)";
+Exit code: 0 whole, 1 whole but for a loss that was reported, or a file that cannot be written, 2 wrong
+arguments, unreadable file, or nothing that can be saved.)";
 
 }  // namespace
 
 void addRepairCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("repair", "Finish files that were cut off");
+  CLI::App* command = app.add_subcommand("repair", "Make files whole that were cut off or damaged");
   const auto request = std::make_shared<Request>();
   const auto paths = addFileArguments(*command);
   command

@@ -120,7 +120,7 @@ TEST_F(RepairCommand, RefusesWhatItMayNotDo) {
       {{"cut.mf4", "-o", "whole.mf4"}, 2, "cannot write whole.mf4: it exists; --force replaces it"},
       {{"cut.mf4", "-o", "none/new.mf4"},
        1,
-       "cannot open the folder none: No such file or directory"},
+       "cannot write none/new.mf4: No such file or directory"},
   };
   for (const Case& each : cases) {
     const RunResult result = repair(each.arguments);
@@ -131,15 +131,35 @@ TEST_F(RepairCommand, RefusesWhatItMayNotDo) {
   EXPECT_EQ(read("cut.mf4"), fileOf("abc", false));
 }
 
-TEST_F(RepairCommand, LeavesDamagedFinishedFilesAlone) {
+TEST_F(RepairCommand, SavesWhatThereIsOfADamagedFile) {
   std::string damaged = fileOf("abc", true);
   damaged.resize(damaged.size() - 1);
   folder_.write("damaged.mf4", damaged);
   const RunResult result = repair({"damaged.mf4", "-o", "new.mf4"});
   EXPECT_EQ(result.exit_code, 1);
+  EXPECT_EQ(result.output,
+            "repaired new.mf4: 2 records in 1 group; counts of 1 group and 1 data block set; see "
+            "above for what could not be repaired\n");
+  EXPECT_EQ(result.messages, "mdf: damaged.mf4: 392 (0x188): expected 3 records, found 2\n");
+  const std::string copy = (folder_ / "new.mf4").string();
+  EXPECT_EQ(run({"export", copy}).output, "b\n97\n98\n");
+  EXPECT_EQ(run({"check", copy}).exit_code, 0);
+
+  const RunResult in_place = repair({"damaged.mf4", "--in-place"});
+  EXPECT_EQ(in_place.exit_code, 1);
+  EXPECT_EQ(
+      in_place.messages,
+      "mdf: damaged.mf4: 0 (0x0): the file is finished, but damaged, as 'mdf check' tells: -o "
+      "makes a file of what there is\n");
+  EXPECT_EQ(read("damaged.mf4"), damaged);
+}
+
+TEST_F(RepairCommand, SaysWhereNothingCanBeSaved) {
+  folder_.write("stump.mf4", fileOf("abc", true).substr(0, 200));
+  const RunResult result = repair({"stump.mf4", "-o", "new.mf4"});
+  EXPECT_EQ(result.exit_code, 2);
   EXPECT_EQ(result.messages,
-            "mdf: damaged.mf4: 0 (0x0): the file is damaged, as 'mdf check' tells, but finished: "
-            "only unfinished files can be repaired\n");
+            "mdf: stump.mf4: nothing can be saved: no channel group can be reached\n");
   EXPECT_FALSE(std::filesystem::exists(folder_ / "new.mf4"));
 }
 
