@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -47,6 +49,16 @@ With --rotate the files are OUT_001.mf4, OUT_002.mf4 and so on, with no sample b
 each says in its header when it begins. With --zip, blocks that fill are deflated; the last one of a
 file stays as it is.
 
+With --ring, samples stay in memory, and the file has the last of them when the recording ends. With
+--trigger, the file begins when the condition becomes true, or is with the first sample. It has what
+came in the time of --pre-trigger before (by default all that --ring keeps) and goes on for that of
+--post-trigger, or until the end. The trigger is an event in it. With --rotate, the next trigger after
+that time begins another file; no sample is in two. Without --duration, either goes on until Ctrl-C.
+
+Memory holds 256 MiB of samples, an hour or two of a machine's at 100 Hz; the oldest give way, and are
+counted. What is in memory is lost when the program is killed or the power fails. Once a trigger has
+fired, the file has everything but the last second, as any other. When none fires there is no file.
+
 On standard output that is a pipe, a recording is one that stays unfinished, without events.
 
 Examples:
@@ -56,10 +68,12 @@ Examples:
   mdf record drive.mf4 --rate 10 --rate cpu=50 -c 'cpu*' -c 'mem_*'
   sensor-program | mdf record drive.mf4 --stdin csv
   mdf record drive.mf4 --duration 0 --zip --rotate 1GB
+  mdf record drive.mf4 --ring 5min                the last five minutes before Ctrl-C
+  mdf record drive.mf4 --trigger 'cpu_total > 90' --pre-trigger 5min --post-trigger 1min
   mdf record - | ssh host 'cat > drive.mf4'
 
-Exit code: 0 recorded, 1 the file could not be written to the end or lines were left out, 2 the
-recording could not start.)";
+Exit code: 0 recorded, 1 the file could not be written to the end, lines were left out or no trigger
+fired, 2 the recording could not start.)";
 
 struct Request {
   RecorderOptions to;
@@ -70,6 +84,10 @@ struct Request {
   bool syncs = false;
   bool zips = false;
   std::string limit;  ///< of a file, as it was written
+  std::optional<std::string> ring;
+  std::optional<std::string> trigger;
+  std::optional<std::string> pre_trigger;
+  std::optional<std::string> post_trigger;
   std::string lines;  ///< the form of those on standard input; empty for the machine's signals
   std::string time;   ///< the channel that has their times
 };
@@ -95,6 +113,33 @@ MachineOptions machineOptions(const Request& request) {
   return options;
 }
 
+std::int64_t nanosecondsIn(const std::string& duration) {
+  return std::llround(parseDuration(duration) * 1e9);
+}
+
+std::optional<RingOptions> ringOptions(const Request& request) {
+  if (!request.ring && !request.trigger) {
+    return std::nullopt;
+  }
+  RingOptions options;
+  options.nanoseconds = nanosecondsIn(request.ring.value_or("0"));
+  if (request.pre_trigger) {
+    const std::int64_t pre_trigger = nanosecondsIn(*request.pre_trigger);
+    if (request.ring && pre_trigger > options.nanoseconds) {
+      throw BadOption("--pre-trigger " + *request.pre_trigger + " is longer than --ring " +
+                      *request.ring);
+    }
+    options.nanoseconds = pre_trigger;
+  }
+  if (request.trigger) {
+    options.trigger = parseCondition(*request.trigger);
+  }
+  if (request.post_trigger) {
+    options.post_trigger = nanosecondsIn(*request.post_trigger);
+  }
+  return options;
+}
+
 RecorderOptions recorderOptions(const Request& request, mdf_writer::Packer* packer) {
   RecorderOptions options = request.to;
   options.writing.existing =
@@ -105,6 +150,7 @@ RecorderOptions recorderOptions(const Request& request, mdf_writer::Packer* pack
   if (!request.limit.empty()) {
     options.limit = parseFileLimit(request.limit);
   }
+  options.ring = ringOptions(request);
   return options;
 }
 
@@ -118,9 +164,10 @@ ExitCode record(const Request& request) {
   }
   const RecorderOptions options = recorderOptions(request, zipper ? &*zipper : nullptr);
   const bool has_lines = !request.lines.empty();
+  const bool has_end = !has_lines && !options.ring;
   const double duration = parseDuration(!request.duration.empty() ? request.duration
-                                        : has_lines               ? "0"
-                                                                  : "10s");
+                                        : has_end                 ? "10s"
+                                                                  : "0");
   watchForRequests();
   if (has_lines) {
     const LineForm form = request.lines == "csv" ? LineForm::csv : LineForm::json;
@@ -147,6 +194,32 @@ int run(const Request& request) {
   } catch (const RecordingFailure& error) {
     return complain(error.what(), exit_problem);
   }
+}
+
+void addRingOptions(CLI::App& command, Request& request) {
+  command
+      .add_option(
+          "--ring", request.ring,
+          "Record the last TIME only: in memory, until the recording ends or a trigger fires")
+      ->type_name("TIME");
+  CLI::Option* const trigger =
+      command
+          .add_option("--trigger", request.trigger,
+                      "Begin the file when a condition becomes true: a channel, one of > >= < <= "
+                      "== != and a number, such as 'cpu_total > 90'")
+          ->type_name("CONDITION");
+  command
+      .add_option(
+          "--pre-trigger", request.pre_trigger,
+          "How much of what came before the trigger is in the file; without, all that --ring "
+          "keeps")
+      ->type_name("TIME")
+      ->needs(trigger);
+  command
+      .add_option("--post-trigger", request.post_trigger,
+                  "How long the file goes on after the trigger; without, until the end")
+      ->type_name("TIME")
+      ->needs(trigger);
 }
 
 }  // namespace
@@ -188,6 +261,7 @@ void addRecordCommand(CLI::App& app, int& exit_code) {
                    "Go on in the next file, OUT_002.mf4, when one has that size or is that long: a "
                    "number and kB, MB, GB, TB, s, min or h")
       ->type_name("SIZE|TIME");
+  addRingOptions(*command, *request);
   CLI::Option* const lines =
       command
           ->add_option("--stdin", request->lines,

@@ -32,10 +32,10 @@ class LineRecording {
         info_{"Live signals of standard input", tool_version, {}} {}
 
   std::uint64_t run() {
-    while (now_ < end_ && !input_.hasEnded() && !stopRequested()) {
+    while (now_ < end_ && !input_.hasEnded() && !stopRequested() && !isOver()) {
       input_.wait(std::min(end_ - now_, second));
       now_ = std::chrono::nanoseconds(Clock::now() - start_).count();
-      while (const auto line = input_.next()) {
+      for (auto line = input_.next(); line && !isOver(); line = input_.next()) {
         take(*line);
       }
       if (recorder_) {
@@ -78,9 +78,14 @@ class LineRecording {
     recorder_->append(source_.sample());
   }
 
+  bool isOver() const { return recorder_ && recorder_->isOver(time()); }
+
+  /// Of what is not a line.
+  std::int64_t time() const { return source_.hasTimes() ? last_ : now_; }
+
   /// Markers, what lies in memory, and what people see.
   void keepUp() {
-    markers_.add(*recorder_, source_.hasTimes() ? last_ : now_);
+    markers_.add(*recorder_, time());
     if (now_ >= flushed_ + second) {
       recorder_->flush();
       flushed_ = now_;
@@ -119,7 +124,7 @@ class LineRecording {
 
 std::uint64_t recordLines(LineSource source, double duration, RecorderOptions options,
                           const std::string& tool_version) {
-  RecordingFile::refuse(options.path, options.writing.existing);
+  Recorder::refuse(options);
   return LineRecording(std::move(source), duration, std::move(options), tool_version).run();
 }
 

@@ -88,14 +88,17 @@ void recordMachine(const MachineOptions& machine_options, double duration, Recor
   const auto wait = [&](std::int64_t nanoseconds) {
     markers.wait(nanoseconds);
     markers.add(recorder, clock.now());
+    return !recorder.isOver(clock.now());
   };
   const auto losses = [&] { return counted(clock.missed(), "sample") + " missed"; };
   while (const auto group = clock.waitForSample(wait)) {
     const std::int64_t now = clock.now();
     misses.note(clock.missed(), now, recorder);
     recorder.append({*group, now, machine.sample(*group, static_cast<double>(now) / 1e9)});
-    wait(0);
     status.show(now, recorder, losses());
+    if (!wait(0)) {
+      break;
+    }
   }
   const std::int64_t end = clock.now();
   misses.add(clock.missed(), end, recorder);

@@ -26,6 +26,8 @@ double parseRate(std::string_view text);
 struct FileLimit {
   std::uint64_t bytes = 0;
   std::int64_t nanoseconds = 0;
+
+  bool isSet() const { return bytes > 0 || nanoseconds > 0; }
 };
 
 /// 100 kB to 1 EB, from a number and kB, MB, GB or TB, or a second to ten years, from a number and

@@ -3,7 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -15,17 +15,6 @@ namespace fs = std::filesystem;
 using mdf_writer::Existing;
 
 namespace {
-
-/// A value from the low bytes of 64 bits.
-template <class T>
-T valueOf(mdf_v4_10::UINT64 bits) {
-  static_assert(sizeof(T) == 4 || sizeof(T) == 8);
-  const auto low = static_cast<std::uint32_t>(bits);
-  T value;
-  std::memcpy(&value, sizeof value == sizeof low ? static_cast<const void*>(&low) : &bits,
-              sizeof value);
-  return value;
-}
 
 template <class T>
 void set(mdf_writer::Group& group, const mdf_writer::Channel<T>& channel, const Sample& sample,
@@ -76,15 +65,21 @@ void RecordingFile::refuse(const std::string& path, Existing existing) {
     because("it exists; --force replaces it");
   } else if (!folder.empty() && !fs::exists(folder, error) && !error) {
     because("there is no directory " + folder.string());
+  } else if (fs::is_directory(path, error)) {
+    because(std::generic_category().message(EISDIR));
+  } else if (!fs::exists(path, error) && access((folder / ".").c_str(), W_OK) != 0) {
+    because(std::generic_category().message(errno));
   }
 }
 
 RecordingFile::RecordingFile(const std::string& path, const RecordingInfo& info,
-                             const mdf_writer::Options& options, std::int64_t begin)
-    : name_(isStandardOutput(path) ? "standard output" : path), begin_(begin), plan_(info.title) {
+                             const mdf_writer::Options& options)
+    : path_(path),
+      name_(isStandardOutput(path) ? "standard output" : path),
+      options_(options),
+      plan_(info.title) {
   refuse(path, options.existing);
   plan_.start = info.start;
-  plan_.start.nanoseconds += static_cast<std::uint64_t>(begin);
   plan_.program_vendor = "The mdf maintainers";
   plan_.program_version = info.tool_version;
   plan_.history = "Recorded live signals";
@@ -95,16 +90,21 @@ RecordingFile::RecordingFile(const std::string& path, const RecordingInfo& info,
   if (!fault.empty()) {
     throw UnusablePath("cannot record to " + name_ + ": " + fault);
   }
-  output_ = isStandardOutput(path) ? std::make_unique<Output>(STDOUT_FILENO)
-                                   : std::make_unique<Output>(path, options.existing);
+}
+
+void RecordingFile::open(std::int64_t begin) {
+  begin_ = begin;
+  plan_.start.nanoseconds += static_cast<std::uint64_t>(begin);
+  output_ = isStandardOutput(path_) ? std::make_unique<Output>(STDOUT_FILENO)
+                                    : std::make_unique<Output>(path_, options_.existing);
   if (!output_->isOpen()) {
     throw UnusablePath("cannot record to " + name_ + ": " + output_->cause());
   }
-  if (options.packer != nullptr && !output_->isSeekable()) {
+  if (options_.packer != nullptr && !output_->isSeekable()) {
     throw UnusablePath("cannot record zipped data to " + name_ +
                        ": it takes no changes of what was written before");
   }
-  recording_ = std::make_unique<mdf_writer::Recording>(*output_, plan_, options);
+  recording_ = std::make_unique<mdf_writer::Recording>(*output_, plan_, options_);
   require(recording_->good());
 }
 
@@ -114,7 +114,7 @@ void RecordingFile::add(const SignalGroup& signals) {
   Group group{&plan_.addGroup(signals.name), {}};
   for (const Signal& signal : signals.signals) {
     using mdf_v4_10::CNBLOCK;
-    if (signal.data_type == CNBLOCK::CN_DATATYPE_STRING_UTF8) {
+    if (signal.isText()) {
       group.channels.emplace_back(group.group->addText(signal.name));
       group.group->describe(std::get<mdf_writer::VariableChannel>(group.channels.back())).unit =
           signal.unit;
@@ -162,7 +162,7 @@ void RecordingFile::flush() { require(recording_->flush()); }
 
 void RecordingFile::finish() { require(recording_->finish()); }
 
-std::uint64_t RecordingFile::bytes() const { return output_->end(); }
+std::uint64_t RecordingFile::bytes() const { return isOpen() ? output_->end() : 0; }
 
 std::size_t RecordingFile::channels() const {
   std::size_t channels = 0;

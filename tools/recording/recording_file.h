@@ -34,21 +34,27 @@ struct RecordingInfo {
   mdf_writer::Moment start = mdf_writer::now();
 };
 
-/// A file that samples are recorded in. It can be opened at any moment.
+/// A file that samples are recorded in, once it is open. Programs can read it at any moment.
 class RecordingFile {
  public:
   /// @param path "-" is standard output.
   /// @throws UnusablePath where there can be no new file of that name.
   static void refuse(const std::string& path, mdf_writer::Existing existing);
 
-  /// @param begin when the file begins, in nanoseconds since the recording began.
   /// @throws UnusablePath as refuse() does, or when the names of channels cannot be in a file.
-  /// @throws RecordingFailure when the file does not even take what describes it.
   RecordingFile(const std::string& path, const RecordingInfo& info,
-                const mdf_writer::Options& options, std::int64_t begin = 0);
+                const mdf_writer::Options& options);
   ~RecordingFile();
   RecordingFile(const RecordingFile&) = delete;
   RecordingFile& operator=(const RecordingFile&) = delete;
+
+  /// Makes the file, before anything else is done with it.
+  /// @param begin when it begins, in nanoseconds since the recording began.
+  /// @throws UnusablePath where the system makes none.
+  /// @throws RecordingFailure when the file does not even take what describes it.
+  void open(std::int64_t begin);
+
+  bool isOpen() const { return recording_ != nullptr; }
 
   /// @throws RecordingFailure when the file takes no more; it is then complete with those records
   /// that were written whole.
@@ -86,8 +92,10 @@ class RecordingFile {
   void require(bool success) const;
   [[noreturn]] void fail() const;
 
+  std::string path_;
   std::string name_;
-  std::int64_t begin_;
+  mdf_writer::Options options_;
+  std::int64_t begin_ = 0;
   mdf_writer::Plan plan_;
   std::vector<Group> groups_;
   std::unique_ptr<Output> output_;

@@ -58,7 +58,7 @@ SampleClock::SampleClock(const std::vector<double>& rates, double duration) {
 }
 
 std::optional<std::size_t> SampleClock::waitForSample(
-    const std::function<void(std::int64_t)>& wait) {
+    const std::function<bool(std::int64_t)>& wait) {
   while (!stopRequested()) {
     const auto next = std::min_element(
         schedules_.begin(), schedules_.end(), [](const SampleSchedule& a, const SampleSchedule& b) {
@@ -66,7 +66,9 @@ std::optional<std::size_t> SampleClock::waitForSample(
         });
     const std::int64_t now = nanoseconds();
     if (now < next->due()) {
-      wait(next->due() - now);
+      if (!wait(next->due() - now)) {
+        return std::nullopt;
+      }
     } else if (next->over()) {
       return std::nullopt;
     } else {

@@ -52,8 +52,8 @@ class SampleClock {
 
   /// Waits until the next sample is to be taken and returns which rate's it is. Nothing when the
   /// duration is over, or at once when the recording is to be stopped.
-  /// @param wait waits so many nanoseconds, or less.
-  std::optional<std::size_t> waitForSample(const std::function<void(std::int64_t)>& wait);
+  /// @param wait waits so many nanoseconds, or less; false ends the recording.
+  std::optional<std::size_t> waitForSample(const std::function<bool(std::int64_t)>& wait);
 
   /// Nanoseconds since the start, more at each call.
   std::int64_t now();

@@ -1,7 +1,5 @@
 #include "signal_source.h"
 
-#include <cstdint>
-#include <cstring>
 #include <utility>
 
 namespace mdf_tools {

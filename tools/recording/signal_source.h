@@ -2,6 +2,8 @@
 #define MDF_TOOLS_RECORDING_SIGNAL_SOURCE_H_
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +18,8 @@ struct Signal {
   std::string unit;  ///< empty for a number without a unit
   mdf_v4_10::CNBLOCK::MDF_CN_DATATYPES_t data_type;
   mdf_v4_10::UINT32 bytes;  ///< of each value; 0 of a text
+
+  bool isText() const { return data_type == mdf_v4_10::CNBLOCK::CN_DATATYPE_STRING_UTF8; }
 };
 
 Signal float64Signal(std::string name, std::string unit);
@@ -26,6 +30,17 @@ Signal textSignal(std::string name, std::string unit);
 /// A value as the low bytes of 64 bits.
 mdf_v4_10::UINT64 bitsOf(double value);
 mdf_v4_10::UINT64 bitsOf(float value);
+
+/// A value from the low bytes of 64 bits.
+template <class T>
+T valueOf(mdf_v4_10::UINT64 bits) {
+  static_assert(sizeof(T) == 4 || sizeof(T) == 8);
+  const auto low = static_cast<std::uint32_t>(bits);
+  T value;
+  std::memcpy(&value, sizeof value == sizeof low ? static_cast<const void*>(&low) : &bits,
+              sizeof value);
+  return value;
+}
 
 /// A part of a signal's name: everything except ASCII letters, digits, dot and minus becomes an
 /// underscore.

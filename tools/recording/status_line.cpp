@@ -29,8 +29,10 @@ void StatusLine::show(std::int64_t nanoseconds, const Recorder& recorder,
   }
   const double rate =
       static_cast<double>(recorder.records() - last_records_) / secondsOf(nanoseconds - last_);
-  (void)std::fprintf(stderr, "\r%.0f s, %s, %.0f/s, %.1f MB, %s\033[K", secondsOf(nanoseconds),
-                     counted(recorder.records(), "record").c_str(), rate,
+  const std::string waiting =
+      recorder.isWaiting() ? counted(recorder.held(), "record") + " in memory, " : "";
+  (void)std::fprintf(stderr, "\r%.0f s, %s%s, %.0f/s, %.1f MB, %s\033[K", secondsOf(nanoseconds),
+                     waiting.c_str(), counted(recorder.records(), "record").c_str(), rate,
                      static_cast<double>(recorder.bytes()) / 1e6, losses.c_str());
   last_ = nanoseconds;
   last_records_ = recorder.records();
@@ -54,6 +56,11 @@ void summarise(const Recorder& recorder, std::int64_t nanoseconds, const std::st
                      counted(recorder.records(), "record").c_str(),
                      counted(recorder.channels(), "channel").c_str(), secondsOf(nanoseconds),
                      recorder.place().c_str(), losses.c_str());
+  if (recorder.missing() > 0) {
+    (void)std::fprintf(
+        stderr, "the ring's memory was full: %s dropped early; the file begins later than asked\n",
+        counted(recorder.missing(), "sample").c_str());
+  }
 }
 
 }  // namespace mdf_tools

@@ -42,6 +42,10 @@ TEST(RecordRefused, FileThatExistsIsReplacedByForceAlone) {
   lines.input = "a\n1\n";
   EXPECT_EQ(record({path, "--stdin", "csv"}, lines),
             said(2, "cannot record to " + path + ": it exists; --force replaces it"));
+  EXPECT_EQ(record({path, "--stdin", "csv", "--rotate", "1GB"}, lines).exit_code, 0);
+  const std::string numbered = folder / "out_001.mf4";
+  EXPECT_EQ(record({path, "--stdin", "csv", "--rotate", "1GB"}, lines),
+            said(2, "cannot record to " + numbered + ": it exists; --force replaces it"));
   EXPECT_EQ(bytesOf(path), "what is there");
   EXPECT_EQ(record({path, "--duration", "10ms", "--force"}).exit_code, 0);
   RecordedFile(path).expectComplete();

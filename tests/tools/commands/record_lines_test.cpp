@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "tools/support/checked.h"
 #include "tools/support/program.h"
 #include "tools/support/recording_run.h"
 #include "tools/support/scratch_folder.h"
@@ -9,42 +8,22 @@ using namespace mdf_tests;
 
 namespace {
 
-/// Exit code, messages without the time that it took, and the table of what was recorded.
-std::string recorded(const std::string& input, std::vector<std::string> arguments) {
-  const ScratchFolder folder;
-  const std::string path = folder / "out.mf4";
-  arguments.insert(arguments.begin(), path);
-  RunOptions options;
-  options.input = input;
-  const RunResult result = record(arguments, options);
-  std::string text = result.messages;
-  for (std::size_t at = text.find(path); at != std::string::npos; at = text.find(path)) {
-    text.replace(at, path.size(), "FILE");
-  }
-  const std::size_t time = text.find(" in 0.");
-  text.erase(std::min(time, text.size()), time == std::string::npos ? 0 : 9);
-  text += "exit code " + std::to_string(result.exit_code) + '\n';
-  if (std::filesystem::exists(path)) {
-    EXPECT_EQ(checkedBytes(bytesOf(path)), "");
-    text += run({"export", path}).output;
-  }
-  return text;
-}
-
 TEST(RecordLines, HaveTimesOfTheirOwn) {
-  EXPECT_EQ(recorded("t [ms],speed [km/h],state\n0,1.5,go\n500,,\n400,2,x\n1000,2,\"a, b\"",
-                     {"--stdin", "csv", "--time", "t"}),
+  EXPECT_EQ(recordedLines("t [ms],speed [km/h],state\n0,1.5,go\n500,,\n400,2,x\n1000,2,\"a, b\"",
+                          {"--stdin", "csv", "--time", "t"}),
             "mdf: standard input, line 4: the time 400 is before that of the line before; such "
             "lines are left out\n"
-            "recorded 3 records of 3 channels to FILE, 1 line left out\n"
+            "recorded 3 records of 3 channels to out.mf4, 1 line left out\n"
             "exit code 1\n"
+            "out.mf4\n"
             "time [s],speed [km/h],state\n"
             "0,1.5,go\n"
             "0.5,,\n"
             "1,2,\"a, b\"\n");
-  EXPECT_EQ(recorded("{\"t\":2,\"a\":1}\n{\"t\":3}\n", {"--stdin", "json", "--time", "t"}),
-            "recorded 2 records of 2 channels to FILE, 0 lines left out\n"
+  EXPECT_EQ(recordedLines("{\"t\":2,\"a\":1}\n{\"t\":3}\n", {"--stdin", "json", "--time", "t"}),
+            "recorded 2 records of 2 channels to out.mf4, 0 lines left out\n"
             "exit code 0\n"
+            "out.mf4\n"
             "time [s],a\n"
             "2,1\n"
             "3,\n");
@@ -53,10 +32,10 @@ TEST(RecordLines, HaveTimesOfTheirOwn) {
 TEST(RecordLines, AreRefusedWhenThereIsNothingToRecord) {
   const std::string nothing =
       "mdf: there is no sample on standard input; nothing was recorded\nexit code 2\n";
-  EXPECT_EQ(recorded("", {"--stdin", "csv"}), nothing);
-  EXPECT_EQ(recorded("a,b\n", {"--stdin", "csv"}), nothing);
-  EXPECT_EQ(recorded("a,a\n1,2\n", {"--stdin", "csv"}),
-            "mdf: cannot record to FILE: group \"standard input\": two channels are named "
+  EXPECT_EQ(recordedLines("", {"--stdin", "csv"}), nothing);
+  EXPECT_EQ(recordedLines("a,b\n", {"--stdin", "csv"}), nothing);
+  EXPECT_EQ(recordedLines("a,a\n1,2\n", {"--stdin", "csv"}),
+            "mdf: cannot record to out.mf4: group \"standard input\": two channels are named "
             "\"a\"\nexit code 2\n");
 }
 

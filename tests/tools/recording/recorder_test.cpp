@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "recording/status_line.h"
 #include "tools/support/checked.h"
 #include "tools/support/program.h"
 #include "tools/support/scratch_folder.h"
@@ -127,6 +128,57 @@ TEST(Recorder, RefusesAtOnceWhatALaterFileWouldMeet) {
   EXPECT_EQ(record(options, 1, 1), path);
   options.path = "-";
   EXPECT_EQ(record(options, 1, 1), "cannot record to standard output: it is one file only");
+}
+
+TEST(Recorder, RefusesAtOnceWhatTheEndOfARingWouldMeet) {
+  const ScratchFolder folder;
+  folder.write("file", "");
+  RecorderOptions options{folder.path()};
+  options.ring.emplace();
+  const std::string path = options.path;
+  EXPECT_EQ(record(options, 0, 1), "cannot record to " + path + ": Is a directory");
+  options.path = path + "/file/out";
+  EXPECT_EQ(record(options, 0, 1), "cannot record to " + path + "/file/out: Not a directory");
+}
+
+TEST(Recorder, RingHasEventsAmongItsSamples) {
+  const ScratchFolder folder;
+  RecorderOptions options{folder / "trip.mf4"};
+  options.ring.emplace().nanoseconds = 2 * second;
+  Recorder recorder(options, info());
+  for (unsigned i = 0; i < 10; ++i) {
+    recorder.append({0, i * second, {i}});
+    recorder.add({"mark " + std::to_string(i), i * second});
+  }
+  recorder.finish();
+  EXPECT_EQ(filesIn(folder).second,
+            "1600000007000000000,7\n1600000008000000000,8\n1600000009000000000,9\n");
+  EXPECT_EQ(run({"list", "events", folder / "trip.mf4"}).output,
+            "offset  position  unit  kind    range  cause  name    comment\n"
+            "  1192         0  s     marker  point  user   mark 7\n"
+            "  1320         1  s     marker  point  user   mark 8\n"
+            "  1448         2  s     marker  point  user   mark 9\n");
+}
+
+TEST(Recorder, RingTakesNoMoreMemoryThanItMay) {
+  const ScratchFolder folder;
+  RecorderOptions options{folder / "trip.mf4"};
+  options.ring.emplace().nanoseconds = 10 * second;
+  options.ring->bytes = 3 * (sizeof(SampleRing::Entry) + sizeof(mdf_v4_10::UINT64));
+  Recorder recorder(options, info());
+  for (unsigned i = 0; i < 10; ++i) {
+    recorder.append({0, i * second, {i}});
+  }
+  EXPECT_EQ(recorder.held(), 3U);
+  recorder.finish();
+  EXPECT_EQ(filesIn(folder).second,
+            "1600000007000000000,7\n1600000008000000000,8\n1600000009000000000,9\n");
+  testing::internal::CaptureStderr();
+  summarise(recorder, 10 * second, "nothing lost");
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "recorded 3 records of 2 channels in 10.0 s to " + options.path +
+                ", nothing lost\nthe ring's memory was full: 7 samples dropped early; the file "
+                "begins later than asked\n");
 }
 
 }  // namespace

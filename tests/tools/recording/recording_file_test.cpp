@@ -49,6 +49,7 @@ TEST(RecordingFile, WritesWhatTheGroupsHave) {
   const ScratchFolder folder;
   const fs::path path = folder / "out";
   RecordingFile file(path.string(), info(), {});
+  file.open(0);
   appendAll(file);
   file.finish();
   EXPECT_EQ(file.channels(), 5U);
@@ -62,6 +63,7 @@ std::string record(const fs::path& path) {
   std::string sentence;
   try {
     RecordingFile file(path.string(), info(), {});
+    file.open(0);
     appendAll(file);
     file.finish();
     sentence = "recorded";

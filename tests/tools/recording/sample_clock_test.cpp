@@ -92,8 +92,9 @@ TEST(SampleSchedule, DurationOf0HasNoEnd) {
   EXPECT_EQ(schedule.missed(), 31'557'600'000'000U);
 }
 
-void sleepFor(std::int64_t nanoseconds) {
+bool sleepFor(std::int64_t nanoseconds) {
   std::this_thread::sleep_for(std::chrono::nanoseconds(nanoseconds));
+  return true;
 }
 
 TEST(SampleClock, TakesEachSampleAtItsTimeOrReportsItMissed) {

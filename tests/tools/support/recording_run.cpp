@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <regex>
+#include <set>
 
+#include "checked.h"
 #include "recorded_file.h"
+#include "scratch_folder.h"
 
 namespace mdf_tests {
 
@@ -12,6 +15,27 @@ RunResult record(const std::vector<std::string>& arguments, const RunOptions& op
   std::vector<std::string> command = {"record"};
   command.insert(command.end(), arguments.begin(), arguments.end());
   return run(command, options);
+}
+
+std::string recordedLines(const std::string& input, const std::vector<std::string>& arguments) {
+  const ScratchFolder folder;
+  std::vector<std::string> command = {folder / "out.mf4"};
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  RunOptions options;
+  options.input = input;
+  const RunResult result = record(command, options);
+  const std::regex place("( in [0-9]+\\.[0-9] s)|" + folder.path().string() + "/");
+  std::string text = std::regex_replace(result.messages, place, "") + "exit code " +
+                     std::to_string(result.exit_code) + '\n';
+  const std::set<std::filesystem::path> files(std::filesystem::directory_iterator(folder.path()),
+                                              {});
+  for (const std::filesystem::path& file : files) {
+    EXPECT_EQ(checkedBytes(bytesOf(file)), "");
+    const std::string events = run({"list", "events", file, "--json"}).output;
+    text += file.filename().string() + '\n' + run({"export", file}).output +
+            std::regex_replace(events, std::regex(".*(\"position\")"), "$1");
+  }
+  return text;
 }
 
 Summary summaryOf(const std::string& errors) {

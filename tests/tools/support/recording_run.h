@@ -14,6 +14,10 @@ namespace mdf_tests {
 /// Runs "mdf record" with these arguments.
 RunResult record(const std::vector<std::string>& arguments, const RunOptions& options = {});
 
+/// Records what is on standard input to out.mf4. Gives the messages without the time that it took,
+/// the exit code, and of each file the name, the table, and the events from their positions on.
+std::string recordedLines(const std::string& input, const std::vector<std::string>& arguments);
+
 /// What the program says at the end of a recording.
 struct Summary {
   std::uint64_t records = 0;
