@@ -140,6 +140,13 @@ TEST(FileBytes, SayBeforeTheEndThatCountsAreOpen) {
   EXPECT_EQ(output.bytes(), expected);
 }
 
+/// The master of a group without times, before another channel.
+std::uint64_t addIndex(FileBuilder& file, std::uint64_t channel) {
+  const std::uint64_t name = file.text("index");
+  return file.add("CN", {channel, 0, name, 0, 0, 0, 0, 0},
+                  Bytes().u8s({3, 4, 0, 0}).zeros(16).u8(255).zeros(3 + 16 + 32));
+}
+
 TEST(FileBytes, OfAPipeNeedNoRewriting) {
   Plan plan("a run");
   setUp(plan);
@@ -161,10 +168,7 @@ TEST(FileBytes, OfAPipeNeedNoRewriting) {
   const std::uint64_t channel =
       file.add("CN", {0, 0, name, 0, 0, values, 0, 0},
                Bytes().u8s({1, 0, 7, 0}).u32(0).u32(64).zeros(8).u8(255).zeros(3 + 16 + 32));
-  const std::uint64_t index_name = file.text("index");
-  const std::uint64_t index =
-      file.add("CN", {channel, 0, index_name, 0, 0, 0, 0, 0},
-               Bytes().u8s({3, 4, 0, 0}).zeros(16).u8(255).zeros(3 + 16 + 32));
+  const std::uint64_t index = addIndex(file, channel);
   const std::uint64_t group_name = file.text("state");
   const std::uint64_t group =
       file.add("CG", {values, index, group_name, 0, 0, 0}, Bytes().u64(1).zeros(16).u32(8).u32(0));
@@ -215,10 +219,7 @@ TEST(FileBytes, OfEventsAttachmentsAndTheHierarchy) {
   const std::uint64_t channel =
       file.add("CN", {0, 0, name, 0, 0, 0, 0, 0},
                Bytes().u8s({0, 0, 0, 0}).u32(0).u32(8).zeros(8).u8(255).zeros(3 + 16 + 32));
-  const std::uint64_t index_name = file.text("index");
-  const std::uint64_t index =
-      file.add("CN", {channel, 0, index_name, 0, 0, 0, 0, 0},
-               Bytes().u8s({3, 4, 0, 0}).zeros(16).u8(255).zeros(3 + 16 + 32));
+  const std::uint64_t index = addIndex(file, channel);
   const std::uint64_t group_name = file.text("state");
   const std::uint64_t group =
       file.add("CG", {0, index, group_name, 0, 0, 0}, Bytes().zeros(24).u32(1).u32(0));
@@ -280,10 +281,7 @@ std::uint64_t addPairs(FileBuilder& file, std::uint64_t count) {
   const std::uint64_t channel =
       file.add("CN", {0, 0, name, 0, 0, 0, 0, 0},
                Bytes().u8s({0, 0, 0, 0}).u32(0).u32(16).zeros(8).u8(255).zeros(3 + 16 + 32));
-  const std::uint64_t index_name = file.text("index");
-  const std::uint64_t index =
-      file.add("CN", {channel, 0, index_name, 0, 0, 0, 0, 0},
-               Bytes().u8s({3, 4, 0, 0}).zeros(16).u8(255).zeros(3 + 16 + 32));
+  const std::uint64_t index = addIndex(file, channel);
   const std::uint64_t group_name = file.text("pairs");
   const std::uint64_t group = file.add("CG", {0, index, group_name, 0, 0, 0},
                                        Bytes().u64(0).u64(count).zeros(8).u32(2).u32(0));

@@ -11,6 +11,14 @@
 
 namespace mdf_writer {
 
+/// A block as the file has it.
+template <class Block>
+std::string blockBytes(const Block& block) {
+  std::ostringstream bytes;
+  bytes << block;
+  return bytes.str();
+}
+
 /// Blocks one after another, as the bytes that a file has from some place on. Text that occurs
 /// again is stored once.
 class Blocks {

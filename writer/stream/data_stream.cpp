@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <sstream>
 #include <utility>
 
 #include "../../mdf/mdf_v4_10.h"
+#include "blocks.h"
 #include "places.h"
 
 namespace mdf_writer {
@@ -34,20 +34,14 @@ DZBLOCK::DZ_ZIPTYPE_t zipType(std::uint32_t row_bytes) {
   return row_bytes > 0 ? DZBLOCK::DZ_ZIPTYPE_TRANSPORTION_DEFLATE : DZBLOCK::DZ_ZIPTYPE_DEFLATE;
 }
 
-template <class Block>
-std::string bytesOf(const Block& block) {
-  std::ostringstream bytes;
-  bytes << block;
-  return bytes.str();
-}
-
 /// A list of one block, and the header of that.
 std::string headOf(DataStream::Kind kind) {
   DLBLOCK list(false, 0);
   list.addData(1, 0);
-  return bytesOf(list) + (kind == DataStream::Kind::records       ? bytesOf(DTBLOCK())
-                          : kind == DataStream::Kind::signal_data ? bytesOf(SDBLOCK())
-                                                                  : bytesOf(RDBLOCK(nullptr, 0)));
+  return blockBytes(list) + (kind == DataStream::Kind::records ? blockBytes(DTBLOCK())
+                             : kind == DataStream::Kind::signal_data
+                                 ? blockBytes(SDBLOCK())
+                                 : blockBytes(RDBLOCK(nullptr, 0)));
 }
 
 }  // namespace
@@ -69,7 +63,7 @@ void DataStream::pack(Packing& packing, std::uint32_t record_bytes) {
   const auto letters = loadLe<std::uint16_t>(&head_[list_bytes + place_of_letters]);
   DZBLOCK header(letters, zipType(row_bytes_), nullptr, 0);
   header.setZipParameter(row_bytes_);
-  const std::string bytes = bytesOf(header);
+  const std::string bytes = blockBytes(header);
   std::copy_n(bytes.begin(), zip_header_bytes, zip_header_.begin());
 }
 
@@ -328,7 +322,7 @@ bool DataStream::linkTo(std::uint64_t block) {
 /// The library's own writer states no link.
 bool DataStream::writeHeaderList(std::uint64_t first) {
   const auto at = static_cast<mdf_v4_10::LINK>(first);
-  std::string bytes = bytesOf(HLBLOCK(at, false, zipType(row_bytes_)));
+  std::string bytes = blockBytes(HLBLOCK(at, false, zipType(row_bytes_)));
   storeLe(&bytes[place_of_link_count], std::uint64_t{1});
   if (storage_.write(header_list_at_, bytes.data(), bytes.size()) < bytes.size()) {
     return false;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <map>
-#include <sstream>
 #include <string_view>
 #include <utility>
 
@@ -53,13 +52,6 @@ constexpr std::size_t range_place = placeOfField(cn_links, cnblock_fields, "cn_v
 
 std::uint64_t at(LINK block, std::size_t place) {
   return static_cast<std::uint64_t>(block) + place;
-}
-
-template <class Block>
-std::string bytesOf(const Block& block) {
-  std::ostringstream bytes;
-  bytes << block;
-  return bytes.str();
 }
 
 /// An array of a channel's values in the record. The library has no class for this block.
@@ -370,7 +362,7 @@ LINK Describer::addHierarchy(const std::vector<HierarchyEntry>& entries) {
       const GroupBlocks& blocks = group_blocks_[channel.group];
       block.addChannelElement(blocks.data_group, blocks.group, blocks.channels[channel.index]);
     }
-    std::string bytes = bytesOf(block);
+    std::string bytes = blockBytes(block);
     storeLe(&bytes[place_of_link_count], std::uint64_t{4} + 3 * entry.channels.size());
     next = blocks_.add(bytes);
   }
@@ -398,7 +390,7 @@ Description Describer::describe() {
   HDBLOCK header(0, 0, plan_.start.nanoseconds, plan_.start.zone_minutes, HDBLOCK::TIME_LOCAL_PC, 0,
                  0);
   header.setDST(plan_.start.is_daylight_saving);
-  result_.finished_identification = bytesOf(identification());
+  result_.finished_identification = blockBytes(identification());
   blocks_.add(result_.finished_identification);
   blocks_.add(header);
   addHistory(header);
@@ -410,8 +402,8 @@ Description Describer::describe() {
   result_.event_link = IDBLOCK::IDBLOCK_SIZE + placeOfLink(HDBLOCK::hd_ev_first);
   const LINK data = layout_ == Layout::open_end ? blocks_.add(DTBLOCK()) : 0;
   result_.bytes = blocks_.bytes();
-  result_.bytes.replace(0, IDBLOCK::IDBLOCK_SIZE, bytesOf(unfinishedIdentification()));
-  result_.bytes.replace(IDBLOCK::IDBLOCK_SIZE, HDBLOCK::HDBLOCK_SIZE, bytesOf(header));
+  result_.bytes.replace(0, IDBLOCK::IDBLOCK_SIZE, blockBytes(unfinishedIdentification()));
+  result_.bytes.replace(IDBLOCK::IDBLOCK_SIZE, HDBLOCK::HDBLOCK_SIZE, blockBytes(header));
   if (data != 0 && !result_.groups.empty()) {
     storeLe(&result_.bytes[static_cast<std::size_t>(result_.groups.front().data_link)], data);
   }
