@@ -44,21 +44,6 @@ std::optional<ValueType> valueTypeOf(std::string_view name) {
   return found == types.end() ? std::nullopt : std::optional(found->type);
 }
 
-void ColumnFacts::add(const Cell& cell) {
-  longest = std::max(longest, cell.text.size());
-  if (cell.kind == Cell::Kind::missing) {
-    has_missing = true;
-  } else if (cell.number.kind == Kind::none) {
-    has_text = true;
-  } else if (cell.number.kind == Kind::real) {
-    has_real = true;
-  } else {
-    has_integer = true;
-    std::uint64_t& most = cell.number.is_negative ? below_zero : greatest;
-    most = std::max(most, cell.number.magnitude);
-  }
-}
-
 ValueType ColumnFacts::type() const {
   if (stated) {
     return *stated;

@@ -1,6 +1,7 @@
 #ifndef MDF_TOOLS_IMPORTING_COLUMN_FACTS_H_
 #define MDF_TOOLS_IMPORTING_COLUMN_FACTS_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -40,7 +41,19 @@ struct ColumnFacts {
   std::uint64_t below_zero = 0;  ///< the magnitude of the least one
   std::size_t longest = 0;       ///< bytes of the longest text, of numbers, too
 
-  void add(const Cell& cell);
+  void add(const Cell& cell) {
+    using Kind = ScannedNumber::Kind;
+    longest = std::max(longest, cell.text.size());
+    if (cell.kind == Cell::Kind::missing) {
+      has_missing = true;
+    } else if (cell.number.kind == Kind::integer) {
+      has_integer = true;
+      std::uint64_t& most = cell.number.is_negative ? below_zero : greatest;
+      most = std::max(most, cell.number.magnitude);
+    } else {
+      (cell.number.kind == Kind::real ? has_real : has_text) = true;
+    }
+  }
 
   ValueType type() const;
 };

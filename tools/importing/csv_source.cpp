@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "number_scan.h"
+#include "digit_scan.h"
 
 namespace mdf_tools {
 

@@ -172,26 +172,26 @@ void GroupWriter::setTime(const Channel& channel, const IsoTime& start) {
   }
 }
 
+/// The time comes last: one of a bad line would be that of the row above the next one.
 void GroupWriter::set(std::uint64_t line, const std::vector<Cell>& cells, const IsoTime& start) {
   static const Cell missing;
   const std::size_t time = has_time_ ? facts_.timeIndex() : channels_.size();
   for (std::size_t i = 0; i < channels_.size(); ++i) {
     const Channel& channel = channels_[i];
     const Cell& cell = i < cells.size() ? cells[i] : missing;
-    if (i == time) {
-      const std::string fault = facts_.time().add(cell);
-      if (!fault.empty()) {
-        throw BadLine{line, i + 1, fault};
-      }
-      setTime(channel, start);
-      continue;
-    }
-    if (!setValue(channel, cell)) {
+    if (i != time && !setValue(channel, cell)) {
       throw BadLine{line, i + 1, faultOf(channel.type, cell)};
     }
     if (channel.may_be_missing) {
       group_.setValid(channel.ref, cell.kind != Cell::Kind::missing);
     }
+  }
+  if (has_time_) {
+    const std::string fault = facts_.time().add(time < cells.size() ? cells[time] : missing);
+    if (!fault.empty()) {
+      throw BadLine{line, time + 1, fault};
+    }
+    setTime(channels_[time], start);
   }
 }
 

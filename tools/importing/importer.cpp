@@ -9,6 +9,7 @@
 #include "csv_source.h"
 #include "group_writer.h"
 #include "json_source.h"
+#include "kept_rows.h"
 #include "reader/columns/unique_names.h"
 #include "table_facts.h"
 
@@ -28,7 +29,7 @@ Format formatOf(const std::string& path, LineReader& lines, const ImportOptions&
   const std::string suffix = std::filesystem::path(path).extension().string();
   const bool is_json = suffix == ".jsonl" || suffix == ".ndjson" || suffix == ".json" ||
                        (suffix != ".csv" && lines.next() && lines.text().substr(0, 1) == "{");
-  lines.rewind();
+  lines.goTo({});
   return is_json ? Format::json_lines : Format::csv;
 }
 
@@ -37,7 +38,7 @@ Format formatOf(const std::string& path, LineReader& lines, const ImportOptions&
                                              : "cannot write the new file: " + output.cause());
 }
 
-/// An input file, which is read twice.
+/// An input file, which can be read twice.
 class Input {
  public:
   Input(const std::string& path, const ImportOptions& options)
@@ -51,7 +52,7 @@ class Input {
 
   /// Begins with the first table, again.
   TableSource& begin() {
-    lines_.rewind();
+    lines_.goTo({});
     if (format_ == Format::json_lines) {
       source_ = std::make_unique<JsonSource>(lines_);
     } else {
@@ -59,6 +60,10 @@ class Input {
     }
     return *source_;
   }
+
+  /// Whether a table can go on at any of its lines: members of JSON bring columns.
+  bool canGoOn() const { return format_ == Format::csv; }
+  void goTo(const LineReader::Place& place) { lines_.goTo(place); }
 
   /// Does something with each row of a table, and counts the lines that cannot be taken.
   template <class Work>
@@ -90,11 +95,19 @@ class Input {
   std::vector<Cell> cells_;
 };
 
+/// A table, and which of its rows are kept.
+struct Table {
+  TableFacts facts;
+  std::size_t begin = 0;  ///< of those rows
+  std::size_t end = 0;
+  LineReader::Place rest{};  ///< after them
+};
+
 class Importer {
  public:
   Importer(const std::vector<std::string>& paths, const ImportOptions& options,
            mdf_writer::Plan& plan)
-      : options_(options), plan_(plan) {
+      : options_(options), plan_(plan), kept_(options.kept_bytes) {
     for (const std::string& path : paths) {
       inputs_.emplace_back(path, options);
     }
@@ -102,12 +115,12 @@ class Importer {
 
   void findTypes() {
     for (Input& input : inputs_) {
-      const std::size_t before = facts_.size();
+      const std::size_t before = tables_.size();
       TableSource& source = input.begin();
       while (source.nextTable()) {
         findTypes(input, source);
       }
-      if (facts_.size() == before) {
+      if (tables_.size() == before) {
         throw ImportFailure(source.lines().name() + ": expected a table, found nothing");
       }
     }
@@ -116,51 +129,71 @@ class Importer {
 
   Imported write(mdf_writer::Output& output) {
     mdf_writer::Recording recording(output, plan_, recordingOptions());
-    Imported imported;
-    imported.notes = notes_;
+    auto table = tables_.begin();
     auto group = groups_.begin();
     for (Input& input : inputs_) {
       TableSource& source = input.begin();
-      while (recording.good() && group != groups_.end() && source.nextTable()) {
-        imported.bad_lines += write(input, source, *group++, recording, output, imported.rows);
-        ++imported.tables;
+      while (recording.good() && table != tables_.end() && source.nextTable()) {
+        write(input, source, *table++, *group++, recording, output);
+        ++imported_.tables;
       }
     }
     recording.finish();
     if (!recording.good()) {
       fail(recording, output);
     }
-    return imported;
+    return imported_;
   }
 
  private:
   void findTypes(Input& input, TableSource& source) {
-    if (facts_.size() == most_tables) {
+    if (tables_.size() == most_tables) {
       throw ImportFailure(source.lines().name() + ": expected at most " +
                           std::to_string(most_tables) + " tables, found more");
     }
-    TableFacts& facts = facts_.emplace_back(options_);
-    input.forEachRow([&](const std::vector<Cell>& cells) { facts.add(source, cells); });
-    facts.settle(source);
-    if (!facts.note().empty()) {
-      notes_.push_back(source.lines().name() + ": " + facts.note());
+    Table& table = tables_.emplace_back(Table{TableFacts(options_)});
+    findRows(input, source, table);
+    table.facts.settle(source);
+    if (table.facts.needsTexts()) {
+      kept_.cut(table.begin);
+      table.end = table.begin;
+    }
+    if (!table.facts.note().empty()) {
+      imported_.notes.push_back(source.lines().name() + ": " + table.facts.note());
     }
     const std::string name = source.name().empty() ? names_.unique(input.stem()) : source.name();
     if (!mdf_writer::isUtf8(name)) {
       throw ImportFailure(source.lines().name() + ": expected a name of a table in UTF-8, found " +
                           shownText(name));
     }
-    groups_.emplace_back(plan_, name, facts);
+    groups_.emplace_back(plan_, name, table.facts);
+  }
+
+  /// Looks at the rows, and keeps the first ones.
+  void findRows(Input& input, const TableSource& source, Table& table) {
+    bool is_kept = input.canGoOn();
+    table.begin = kept_.size();
+    imported_.bad_lines += input.forEachRow([&](const std::vector<Cell>& cells) {
+      table.facts.add(source, cells);
+      if (is_kept && !kept_.add(cells, table.facts.timeIndex())) {
+        is_kept = false;
+        table.rest = source.lines().place();
+      }
+    });
+    table.end = kept_.size();
+    if (is_kept) {
+      table.rest = source.lines().place();
+    }
   }
 
   /// The file starts with the first time that is a date, and at a time not known without dates.
   void setStart() {
     const TimeColumn* first = nullptr;
-    for (TableFacts& facts : facts_) {
-      const bool is_first =
-          facts.time().hasStart() &&
-          (first == nullptr || facts.time().start().nanoseconds < first->start().nanoseconds);
-      first = is_first ? &facts.time() : first;
+    for (Table& table : tables_) {
+      const TimeColumn& time = table.facts.time();
+      const bool is_first = time.hasStart() && (first == nullptr || time.start().nanoseconds <
+                                                                        first->start().nanoseconds);
+      first = is_first ? &time : first;
     }
     start_ = first == nullptr ? IsoTime() : first->start();
     plan_.start.nanoseconds = static_cast<std::uint64_t>(start_.nanoseconds);
@@ -184,25 +217,34 @@ class Importer {
     return options;
   }
 
-  std::uint64_t write(Input& input, const TableSource& source, GroupWriter& writer,
-                      mdf_writer::Recording& recording, const mdf_writer::Output& output,
-                      std::uint64_t& rows) {
-    return input.forEachRow([&](const std::vector<Cell>& cells) {
+  void write(Input& input, const TableSource& source, const Table& table, GroupWriter& writer,
+             mdf_writer::Recording& recording, const mdf_writer::Output& output) {
+    const auto append = [&](const std::vector<Cell>& cells) {
       writer.set(source.lines().number(), cells, start_);
       if (!recording.append(writer.group())) {
         fail(recording, output);
       }
-      ++rows;
-    });
+      ++imported_.rows;
+    };
+    std::vector<Cell> cells(source.columns().size());
+    for (std::size_t at = table.begin; at != table.end;) {
+      at = kept_.take(at, cells);
+      append(cells);
+    }
+    if (table.begin != table.end) {
+      input.goTo(table.rest);
+    }
+    input.forEachRow(append);
   }
 
   const ImportOptions& options_;
   mdf_writer::Plan& plan_;
   std::deque<Input> inputs_;
-  std::deque<TableFacts> facts_;
+  std::deque<Table> tables_;
   std::deque<GroupWriter> groups_;
+  KeptRows kept_;
   mdf_reader::UniqueNames names_;
-  std::vector<std::string> notes_;
+  Imported imported_;
   IsoTime start_;
 };
 

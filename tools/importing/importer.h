@@ -1,6 +1,7 @@
 #ifndef MDF_TOOLS_IMPORTING_IMPORTER_H_
 #define MDF_TOOLS_IMPORTING_IMPORTER_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -22,6 +23,7 @@ struct ImportOptions {
   std::string time;  ///< the name of the column of times; "" for the first one if it is one
   std::vector<std::pair<std::string, ValueType>> types;  ///< by patterns of names; the last counts
   bool skips_bad_lines = false;
+  std::size_t kept_bytes = std::size_t{1} << 26U;  ///< of memory, for rows that are read once
 };
 
 struct Imported {
@@ -32,7 +34,7 @@ struct Imported {
 };
 
 /// Makes a measurement file of the tables in text files, with a channel group for each. The files
-/// are read twice: to find out the columns' types, and for the values.
+/// are read to find out the columns' types, and the rows that memory does not hold again.
 /// @throws ImportFailure; what the output has got is then no file.
 Imported importTables(const std::vector<std::string>& paths, const ImportOptions& options,
                       mdf_writer::Plan& plan, mdf_writer::Output& output);

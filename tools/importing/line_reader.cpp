@@ -46,10 +46,11 @@ LineReader::LineReader(const std::string& path)
       file_(openInput(path, name_)),
       buffer_(usual_bytes) {}
 
-void LineReader::rewind() {
-  position_ = 0;
+void LineReader::goTo(const Place& place) {
+  position_ = place.offset;
   filled_ = begin_ = end_ = next_ = 0;
-  number_ = extensions_ = 0;
+  number_ = place.lines;
+  extensions_ = 0;
 }
 
 bool LineReader::next() {

@@ -49,7 +49,15 @@ class LineReader {
   /// Of the line, from 1 on.
   std::uint64_t number() const { return number_; }
 
-  void rewind();
+  /// Where a line begins.
+  struct Place {
+    std::uint64_t offset = 0;
+    std::uint64_t lines = 0;  ///< before it
+  };
+  Place place() const { return {position_ - (filled_ - begin_), number_ - 1}; }
+
+  /// Gives the line that begins at a place at the call of next().
+  void goTo(const Place& place);
 
  private:
   bool find(std::size_t from);

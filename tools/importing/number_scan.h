@@ -16,18 +16,19 @@ struct ScannedNumber {
   Kind kind = Kind::none;
   bool is_negative = false;
   bool is_plain = false;  ///< at most 18 digits, and no exponent
-  bool has_real = false;  ///< `real` is made; of others realOf() makes it when it is wanted
-  int decimals = 0;
-  std::uint64_t magnitude = 0;  ///< of an integer; of a plain number all digits
-  double real = 0;
+  bool has_real = false;  ///< it is made; of others realOf() makes it when it is wanted
+  std::int16_t decimals = 0;
+  std::uint64_t magnitude = 0;  ///< of an integer; of a plain number all digits; or a double's bits
 };
 
 /// Reads the whole of a text as a number. Texts such as "007" are none: their zeros mean something.
 ScannedNumber scanNumber(std::string_view text, DecimalMark mark);
 
-/// Reads digits with a sign and a decimal mark at the front of a text. Returns where they end; the
-/// number is none where something else follows that may belong to it.
-const char* scanDigits(const char* at, const char* end, DecimalMark mark, ScannedNumber& number);
+/// A double holds each integer up to it.
+inline constexpr std::uint64_t most_exact = std::uint64_t{1} << 53U;
+
+/// The number that a double is.
+ScannedNumber realNumber(double real);
 
 /// The number that was scanned in a text as a double.
 double realOf(const ScannedNumber& number, std::string_view text);

@@ -93,4 +93,10 @@ void TableFacts::settle(const TableSource& source) {
   }
 }
 
+bool TableFacts::needsTexts() const {
+  return std::any_of(columns_.begin(), columns_.end(), [](const ColumnFacts& column) {
+    return column.type() == ValueType::text && (column.has_real || column.has_integer);
+  });
+}
+
 }  // namespace mdf_tools

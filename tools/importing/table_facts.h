@@ -31,6 +31,9 @@ class TableFacts {
   std::size_t timeIndex() const { return time_index_; }
   TimeColumn& time() { return *time_; }
 
+  /// Whether a column of texts has cells that are numbers.
+  bool needsTexts() const;
+
   /// Why a column that looks like times is none, as a sentence; empty for nothing.
   const std::string& note() const { return note_; }
 

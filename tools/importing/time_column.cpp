@@ -84,23 +84,21 @@ std::string TimeColumn::addDate(const Cell& cell) {
 }
 
 std::string TimeColumn::addNumber(const Cell& cell) {
-  ScannedNumber number = cell.number;
-  number.real = cell.real();
-  number.has_real = true;
-  if (number.kind == Kind::none || !std::isfinite(number.real)) {
+  const ScannedNumber& number = cell.number;
+  const double real = number.kind == Kind::none ? NAN : cell.real();
+  if (!std::isfinite(real)) {
     return "expected a time, found " +
            (cell.kind == Cell::Kind::missing ? "none" : shownText(cell.text));
   }
-  if (rows_ > 0 && number.real < number_.real) {
+  if (rows_ > 0 && real < greatest_) {
     return "expected no time before that of the row above, found " + shownText(cell.text);
   }
   if (rows_ == 0) {
-    least_ = number.real;
+    least_ = real;
     start_ = {static_cast<std::int64_t>(number.magnitude), 0};
   }
-  greatest_ = number.real;
+  greatest_ = real;
   number_ = number;
-  seconds_ = number.real / powerOfTen(shift_);
   noteDigits(number);
   return "";
 }
@@ -111,7 +109,7 @@ void TimeColumn::noteDigits(const ScannedNumber& number) {
   is_integer_ = is_integer_ && number.kind == Kind::integer;
   is_counter_ = is_counter_ && number.kind == Kind::integer && !number.is_negative &&
                 number.magnitude == rows_;
-  decimals_ = std::max(decimals_, number.decimals);
+  decimals_ = std::max<int>(decimals_, number.decimals);
 }
 
 void TimeColumn::settle() {
@@ -149,6 +147,8 @@ int TimeColumn::placesOfAll() const {
   }
   return is_plain_ && needed <= nano && seconds * powerOfTen(needed) < most ? needed : -1;
 }
+
+double TimeColumn::seconds() const { return greatest_ / powerOfTen(shift_); }
 
 std::int64_t TimeColumn::integer(const IsoTime& since) const {
   if (form_ == Form::dates) {

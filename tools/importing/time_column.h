@@ -48,7 +48,7 @@ class TimeColumn {
 
   /// The cell that was added last, as such an integer and in seconds.
   std::int64_t integer(const IsoTime& since) const;
-  double seconds() const { return seconds_; }
+  double seconds() const;
 
  private:
   std::string addDate(const Cell& cell);
@@ -71,13 +71,12 @@ class TimeColumn {
   bool is_plain_ = true;  ///< without exponents and signs of zeros
   int decimals_ = 0;      ///< the most
   double least_ = 0;      ///< in its unit
-  double greatest_ = 0;
+  double greatest_ = 0;   ///< that was added last
   IsoTime start_;
   Form form_ = Form::none;
   int places_ = 0;  ///< -1 where integers cannot have them
 
-  double seconds_ = 0;  ///< of the cell that was added last
-  ScannedNumber number_;
+  ScannedNumber number_;  ///< of the cell that was added last
   IsoTime date_;
 };
 
