@@ -243,7 +243,7 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
   for (const mdf_tests::Sample& sample : mdf_tests::allSamples()) {
     inputs["dump"].push_back(sample.bytes);
   }
-  for (const char* target : {"check", "draw", "export", "repair", "show", "measure"}) {
+  for (const char* target : {"check", "diff", "draw", "export", "repair", "show", "measure"}) {
     inputs[target] = inputs["dump"];
   }
   inputs["import"] = {

@@ -61,6 +61,7 @@ const std::vector<std::pair<std::string, Target>>& targets() {
                              {"build", tryBuild},
                              {"dump", tryDump},
                              {"check", tryCheck},
+                             {"diff", tryDiff},
                              {"draw", tryDraw},
                              {"export", tryExport},
                              {"import", tryImport},

@@ -1,9 +1,10 @@
 #include "value_comparison.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 namespace mdf_tools {
@@ -64,13 +65,45 @@ bool haveSameNulls(const ColumnRows& a, const ColumnRows& b, std::size_t count) 
   return row == count;
 }
 
-/// Whether all values are the same numbers, byte by byte: this is quick, and mostly so.
-bool haveSameBytes(const ColumnRows& a, const ColumnRows& b, std::size_t count) {
+bool areEqual(const char* a, const char* b, std::size_t bytes) {
+  return std::string_view(a, bytes) == std::string_view(b, bytes);
+}
+
+bool haveSameNumbers(const ColumnRows& a, const ColumnRows& b, std::size_t count) {
   const std::size_t width = widthOf(a.data.type());
-  return a.data.type() == b.data.type() && isNumber(a.data.type()) &&
-         std::memcmp(a.data.bytes() + a.begin * width, b.data.bytes() + b.begin * width,
-                     count * width) == 0 &&
-         haveSameNulls(a, b, count);
+  return areEqual(a.data.bytes() + a.begin * width, b.data.bytes() + b.begin * width,
+                  count * width);
+}
+
+/// Of rows that have texts of their own, or of texts in the table.
+bool haveSameTexts(const ColumnRows& a, const ColumnRows& b, std::size_t count) {
+  const std::int64_t* const offsets_a = a.data.offsets() + a.begin;
+  const std::int64_t* const offsets_b = b.data.offsets() + b.begin;
+  return std::equal(offsets_a, offsets_a + count + 1, offsets_b) &&
+         areEqual(a.data.bytes() + *offsets_a, b.data.bytes() + *offsets_b,
+                  static_cast<std::size_t>(offsets_a[count] - *offsets_a));
+}
+
+/// The table is looked at where it is no longer than the rows.
+bool haveSameCodes(const ColumnRows& a, const ColumnRows& b, std::size_t count) {
+  const std::size_t texts = a.data.textCount();
+  const std::uint32_t* const codes = a.data.codes() + a.begin;
+  return texts == b.data.textCount() && texts <= count &&
+         std::equal(codes, codes + count, b.data.codes() + b.begin) &&
+         haveSameTexts({a.data, 0}, {b.data, 0}, texts);
+}
+
+/// Whether all values are the same byte by byte, which is quick to see, and mostly so.
+bool haveSameBytes(const ColumnRows& a, const ColumnRows& b, std::size_t count) {
+  if (a.data.type() != b.data.type() || !haveSameNulls(a, b, count)) {
+    return false;
+  }
+  if (isNumber(a.data.type())) {
+    return haveSameNumbers(a, b, count);
+  }
+  const bool has_codes = a.data.codes() != nullptr;
+  return has_codes == (b.data.codes() != nullptr) &&
+         (has_codes ? haveSameCodes(a, b, count) : haveSameTexts(a, b, count));
 }
 
 }  // namespace
