@@ -91,4 +91,40 @@ TEST(CopySamples, ShowTheSameAndHaveNoOtherProblems) {
   }
 }
 
+/// Limits, and the samples whose copies show other records than their export.
+struct Limits {
+  Words options;
+  std::set<std::string> others;
+};
+
+/// Records of array elements are all kept; of a group without a master the head is shown; where a
+/// master in another group would have other records, there is no copy.
+const std::vector<Limits> all_limits = {
+    {{"--last", "2"}, {"array-of-channel-groups", "array-of-data-groups", "remote-master-shared"}},
+    {{"--from", "0.15", "--to", "0.35"},
+     {"array-of-channel-groups", "array-of-channel-groups-with-axis", "array-of-data-groups",
+      "layout-no-master"}},
+};
+
+TEST(CopySamples, RecordsWithinLimits) {
+  const ScratchFolder folder;
+  const std::string in = (folder / "in.mf4").string();
+  const std::string out = (folder / "out.mf4").string();
+  for (const Limits& limits : all_limits) {
+    std::set<std::string> others;
+    for (const Sample& sample : allSamples()) {
+      folder.write("in.mf4", sample.bytes);
+      Words copy = {"copy", in, "-o", out, "--force"};
+      Words shown = {"export", in, "--empty"};
+      copy.insert(copy.end(), limits.options.begin(), limits.options.end());
+      shown.insert(shown.end(), limits.options.begin(), limits.options.end());
+      run(copy);
+      if (run({"export", out, "--empty"}).output != run(shown).output) {
+        others.insert(sample.name);
+      }
+    }
+    EXPECT_EQ(others, limits.others);
+  }
+}
+
 }  // namespace

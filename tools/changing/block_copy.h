@@ -59,6 +59,10 @@ class BlockCopy {
 
   void setLink(Link link, std::uint64_t target) { links_[keyOf(link)] = target; }
   void setField(std::uint32_t block, std::string_view name, std::uint64_t value);
+  /// @param at in the block, after its links.
+  void setBytes(std::uint32_t block, std::uint64_t at, const std::string& bytes) {
+    changes_[block].push_back({at, bytes});
+  }
 
   /// Links that name a channel group after its data group get this one.
   void moveGroup(std::uint32_t group, std::uint64_t data_group) {

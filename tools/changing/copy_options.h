@@ -6,13 +6,19 @@
 #include <string>
 
 #include "data_writer.h"
+#include "reader/columns/query.h"
 
 namespace mdf_tools {
 
+using namespace mdf_reader;
+
 /// What a copy is to be like.
 struct CopyOptions {
+  bool hasLimits() const { return limits.from || limits.to || limits.first || limits.last; }
+
   std::optional<DataForm> form;  ///< none: data stays in the blocks that it is in
   bool sorts = false;            ///< each channel group gets a data group of its own
+  Query limits;                  ///< of the records: from, to, first, last
   std::uint64_t time = 0;        ///< of the entry in the history: nanoseconds since 1970
   std::string history;           ///< what was done
   std::string version;           ///< of the program

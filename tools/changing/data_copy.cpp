@@ -59,13 +59,14 @@ bool leadsToData(InputFile& file, std::uint64_t target) {
           block->type().contents == Contents::list_of_lists);
 }
 
-/// Where invalidation bytes stand apart, there may be none: then all values are valid.
-void appendEach(const RecordSpan& span, const ChannelGroup& group, DataWriter& writer) {
-  const std::string valid(static_cast<std::size_t>(group.recordBytes() - span.size), '\0');
-  for (std::size_t i = 0; i < span.count; ++i) {
-    writer.append(span.at(i));
-    writer.append(valid);
+/// A number of up to 8 bytes in a record; bytes that are not there are 0.
+std::uint64_t numberIn(std::string_view record, std::size_t at, std::size_t bytes) {
+  std::uint64_t number = 0;
+  for (std::size_t i = bytes; i-- > 0;) {
+    const char byte = at + i < record.size() ? record[at + i] : '\0';
+    number = number << 8U | static_cast<unsigned char>(byte);
   }
+  return number;
 }
 
 std::string dataGroupBlock(std::uint64_t next, std::uint64_t group, std::uint64_t data,
@@ -100,7 +101,7 @@ DataCopy::Way DataCopy::wayOf(const DataGroup& data_group) const {
   if (groups.empty() || hasElementsElsewhere(data_group)) {
     return isAnew() ? Way::as_bytes : Way::as_blocks;
   }
-  if (options_.sorts && groups.size() > 1) {
+  if ((options_.sorts || rows_) && groups.size() > 1) {
     return Way::apart;
   }
   if (isAnew() && is_mixed) {
@@ -111,6 +112,9 @@ DataCopy::Way DataCopy::wayOf(const DataGroup& data_group) const {
 }
 
 void DataCopy::plan() {
+  if (options_.hasLimits()) {
+    chooseRows();
+  }
   for (const DataGroup& data_group : description_.data_groups) {
     ways_.push_back(wayOf(data_group));
     planGroup(data_group, ways_.back());
@@ -122,6 +126,10 @@ void DataCopy::plan() {
 
 void DataCopy::planGroup(const DataGroup& data_group, Way way) {
   const bool has_elements = hasElementsElsewhere(data_group);
+  if (has_elements && rows_) {
+    note_("data group " + std::to_string(data_group.index) +
+          " keeps all records: it has arrays whose elements have records of their own");
+  }
   if (has_elements && isUnfinished()) {
     throw CopyFailure(
         "it was not finished, and has arrays whose elements have records of their own");
@@ -147,6 +155,115 @@ void DataCopy::planGroup(const DataGroup& data_group, Way way) {
       blocks_.leaveOut(indexOf(group.offset));
     }
   }
+}
+
+/// Finds out which records and values are within the limits. Sample reductions would no longer be
+/// those of the records.
+void DataCopy::chooseRows() {
+  rows_.emplace(blocks_.file(), options_.limits, report_, note_);
+  for (const DataGroup& data_group : description_.data_groups) {
+    chooseValues(data_group);
+  }
+  index_shift_.emplace(blocks_, *rows_, description_.data_groups);
+  const BlockTable& table = blocks_.table();
+  for (std::uint32_t block = 0; block < table.size(); ++block) {
+    if (table[block].letters() == "SR") {
+      blocks_.leaveOut(block);
+    }
+  }
+}
+
+/// Whether a record has one offset of the channel, which can be changed.
+bool DataCopy::knowsOffsets(const ChannelGroup& group, const Channel& channel) {
+  const auto is_array = [](const Channel& each) { return !each.array.dimensions.empty(); };
+  return channel.bit_offset == 0 && channel.bit_count % 8 == 0 && channel.bit_count <= 64 &&
+         std::uint64_t{channel.byte_offset} + channel.bit_count / 8 <= group.data_bytes &&
+         std::none_of(group.channels.begin(), group.channels.end(), is_array);
+}
+
+std::vector<DataCopy::OffsetPlace> DataCopy::offsetsIn(const ChannelGroup& group) {
+  std::vector<OffsetPlace> places;
+  for (const Channel& channel : group.channels) {
+    if (channel.type == Channel::variable_length && channel.data != 0 &&
+        knowsOffsets(group, channel)) {
+      places.push_back({channel.byte_offset, channel.bit_count / 8, channel.data});
+    }
+  }
+  return places;
+}
+
+void DataCopy::chooseValues(const DataGroup& data_group) {
+  const bool has_elements = hasElementsElsewhere(data_group);
+  Records records(data_file_, data_group, silent);
+  for (const ChannelGroup& group : data_group.groups) {
+    for (const Channel& channel : group.channels) {
+      if (channel.type == Channel::variable_length &&
+          (has_elements || !knowsOffsets(group, channel))) {
+        values_[channel.data].are_all = true;
+      }
+    }
+    const std::vector<OffsetPlace> places = offsetsIn(group);
+    if (has_elements || places.empty()) {
+      continue;
+    }
+    forEachSpan(records, group, [&](const RecordSpan& span) {
+      for (std::size_t i = 0; i < span.count; ++i) {
+        for (const OffsetPlace& place : places) {
+          const std::uint64_t offset = numberIn(span.at(i), place.at, place.bytes);
+          Values& values = values_[place.target];
+          values.first = std::min(values.first, offset);
+          values.last = std::max(values.last, offset);
+        }
+      }
+    });
+  }
+}
+
+/// Visits the records of a group that are copied.
+void DataCopy::forEachSpan(Records& records, const ChannelGroup& group,
+                           const std::function<void(const RecordSpan&)>& visit) {
+  static const std::vector<Rows> all = {{0, UINT64_MAX}};
+  const auto cursor = records.read(group);
+  std::uint64_t number = 0;
+  for (const Rows& rows : rows_ ? rows_->of(group.offset) : all) {
+    cursor->skip(rows.begin - number);
+    number = rows.begin;
+    while (number < rows.end) {
+      const std::uint64_t most = std::min<std::uint64_t>(rows.end - number, SIZE_MAX);
+      const RecordSpan span = cursor->next(static_cast<std::size_t>(most));
+      if (span.count == 0) {
+        return;
+      }
+      visit(span);
+      number += span.count;
+    }
+  }
+}
+
+/// Those of a group's offsets that change in the copy.
+std::vector<DataCopy::OffsetPlace> DataCopy::shiftsIn(const ChannelGroup& group) {
+  std::vector<OffsetPlace> places = offsetsIn(group);
+  places.erase(
+      std::remove_if(places.begin(), places.end(),
+                     [&](const OffsetPlace& place) { return values_[place.target].shift() == 0; }),
+      places.end());
+  return places;
+}
+
+/// A record with offsets among the values that are copied.
+std::string_view DataCopy::shifted(std::string_view record,
+                                   const std::vector<OffsetPlace>& places) {
+  if (places.empty()) {
+    return record;
+  }
+  shifted_ = record;
+  for (const OffsetPlace& place : places) {
+    const std::uint64_t offset = numberIn(record, place.at, place.bytes);
+    std::array<char, sizeof offset> bytes;
+    storeLe(bytes.data(), offset - values_[place.target].shift());
+    shifted_.replace(place.at, place.bytes, bytes.data(), place.bytes);
+  }
+  return shifted_;
 }
 
 /// The links of channels whose values are the records of a group.
@@ -188,6 +305,9 @@ void DataCopy::planOtherData() {
 }
 
 void DataCopy::write(BlockWriter& out) {
+  if (index_shift_) {
+    index_shift_->write(out.out());
+  }
   for (std::size_t i = 0; i < ways_.size(); ++i) {
     writeGroup(out, description_.data_groups[i], ways_[i]);
   }
@@ -225,8 +345,8 @@ void DataCopy::writeBytes(BlockWriter& out, const OtherData& data) {
   DataWriter writer(out, lettersOf(blocks_.file(), data.target), 0, out.form().block_bytes);
   const std::uint64_t record = isUnfinished() ? reductionBytesOf(data.link.block) : 0;
   const std::uint64_t count = record == 0 ? 0 : stream.size() / record;
-  const std::uint64_t end = record == 0 ? UINT64_MAX : count * record;
-  for (std::uint64_t at = 0; at < end;) {
+  const std::uint64_t end = record == 0 ? endOfValues(data) : count * record;
+  for (std::uint64_t at = values_[data.target].shift(); at < end;) {
     const auto most = static_cast<std::size_t>(std::min<std::uint64_t>(piece, end - at));
     const std::string_view bytes = stream.from(at, 1, most);
     if (bytes.empty()) {
@@ -240,6 +360,20 @@ void DataCopy::writeBytes(BlockWriter& out, const OtherData& data) {
   }
   written_[data.target] = writer.finish();
   blocks_.setLink(data.link, written_[data.target]);
+}
+
+/// Where the last of the values ends that are copied.
+std::uint64_t DataCopy::endOfValues(const OtherData& data) {
+  const Values& values = values_[data.target];
+  const bool is_for_channel = blocks_.table()[data.link.block].letters() == "CN";
+  if (!rows_ || !is_for_channel || values.are_all) {
+    return UINT64_MAX;
+  }
+  const std::uint64_t from = blocks_.table()[data.link.block].offset;
+  const auto signal_data = signalDataAt(data_file_, {from, data.target}, silent);
+  const auto last = signal_data->at(values.last);
+  const std::uint64_t end = last ? values.last + 4 + last->size() : UINT64_MAX;
+  return values.first == UINT64_MAX ? 0 : end;
 }
 
 /// Bytes of a record of a sample reduction: means, least and greatest values; 0 for other blocks.
@@ -265,16 +399,21 @@ void DataCopy::writeRecords(BlockWriter& out, const DataGroup& data_group) {
   const ChannelGroup& group = data_group.groups.front();
   Records records(data_file_, data_group, report_);
   DataWriter writer(out, "DT", group.recordBytes(), out.form().block_bytes);
-  const auto cursor = records.read(group);
+  const std::vector<OffsetPlace> shifts = shiftsIn(group);
   std::uint64_t count = 0;
-  for (RecordSpan span = cursor->next(SIZE_MAX); span.count > 0; span = cursor->next(SIZE_MAX)) {
-    if (span.step == span.size && span.size == group.recordBytes()) {
-      writer.append({span.bytes, span.size * span.count});
-    } else {
-      appendEach(span, group, writer);
-    }
+  forEachSpan(records, group, [&](const RecordSpan& span) {
     count += span.count;
-  }
+    if (span.step == span.size && span.size == group.recordBytes() && shifts.empty()) {
+      writer.append({span.bytes, span.size * span.count});
+      return;
+    }
+    // Where invalidation bytes stand apart, there may be none: then all values are valid.
+    const std::string valid(static_cast<std::size_t>(group.recordBytes() - span.size), '\0');
+    for (std::size_t i = 0; i < span.count; ++i) {
+      writer.append(shifted(span.at(i), shifts));
+      writer.append(valid);
+    }
+  });
   const std::uint32_t block = indexOf(data_group.offset);
   blocks_.setLink({block, DGBLOCK::dg_data}, writer.finish());
   blocks_.setField(block, "dg_rec_id_size", 0);
@@ -297,6 +436,7 @@ void DataCopy::writeMixed(BlockWriter& out, const DataGroup& data_group, bool ar
     const bool is_signal_data = has_values && !channelsOf(data_group, groups[i]).empty();
     parts[i].data = std::make_unique<DataWriter>(
         out, is_signal_data ? "SD" : "DT", has_values ? 0 : groups[i].recordBytes(), block_bytes);
+    parts[i].shifts = shiftsIn(groups[i]);
   }
   DataWriter together(out, "DT", 0, out.form().block_bytes);
   walkMixed(data_group, records.idBytes(), are_apart ? nullptr : &together, parts);
@@ -329,13 +469,13 @@ void DataCopy::walkMixed(const DataGroup& data_group, unsigned id_bytes, DataWri
     }
     const auto length = static_cast<std::size_t>(record.next - position);
     Part& part = parts[static_cast<std::size_t>(record.group - data_group.groups.data())];
-    if (isWanted(*record.group, part)) {
+    if (isWanted(record, part)) {
       part.value_bytes += record.bytes.size();
       ++part.records;
       if (together != nullptr) {
         together->append(is_in_memory ? bytes.substr(0, length) : stream.at(position, length));
       } else {
-        part.append(record);
+        append(record, part);
       }
     }
     bytes = is_in_memory ? bytes.substr(length) : stream.from(record.next, 1, SIZE_MAX);
@@ -344,18 +484,31 @@ void DataCopy::walkMixed(const DataGroup& data_group, unsigned id_bytes, DataWri
 }
 
 /// Records beyond the count of their group are not read.
-bool DataCopy::isWanted(const ChannelGroup& group, const Part& part) const {
-  const bool is_limited = !group.holdsVariableLength() && data_file_.isCountFinal(group);
-  return !is_limited || group.cycles == 0 || part.records < group.cycles;
+bool DataCopy::isWanted(const Record& record, Part& part) {
+  const ChannelGroup& group = *record.group;
+  if (group.holdsVariableLength()) {
+    const std::uint64_t offset = part.number;
+    part.number += 4 + record.bytes.size();
+    return !rows_ || values_[group.offset].has(offset);
+  }
+  const std::uint64_t number = part.number++;
+  if (rows_) {
+    const std::vector<Rows>& rows = rows_->of(group.offset);
+    while (part.rows < rows.size() && number >= rows[part.rows].end) {
+      ++part.rows;
+    }
+    return part.rows < rows.size() && number >= rows[part.rows].begin;
+  }
+  return !data_file_.isCountFinal(group) || group.cycles == 0 || number < group.cycles;
 }
 
-void DataCopy::Part::append(const Record& record) {
+void DataCopy::append(const Record& record, Part& part) {
   if (record.group->holdsVariableLength()) {
     std::array<char, sizeof(std::uint32_t)> length;
     storeLe(length.data(), static_cast<std::uint32_t>(record.bytes.size()));
-    data->append({length.data(), length.size()});
+    part.data->append({length.data(), length.size()});
   }
-  data->append(record.bytes);
+  part.data->append(shifted(record.bytes, part.shifts));
 }
 
 /// The counts of groups whose records stay mixed.

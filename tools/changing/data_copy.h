@@ -3,17 +3,23 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "block_copy.h"
 #include "copy_options.h"
 #include "data_writer.h"
+#include "index_shift.h"
 #include "reader/columns/tables.h"
 #include "reader/data/data_file.h"
 #include "reader/data/records.h"
 #include "reader/model/description.h"
+#include "row_choice.h"
 
 namespace mdf_tools {
 
@@ -50,17 +56,44 @@ class DataCopy {
     std::uint64_t target;
   };
 
+  /// Where in a record the offset of a value is.
+  struct OffsetPlace {
+    std::size_t at;
+    std::size_t bytes;
+    std::uint64_t target;  ///< where the values are
+  };
+
   /// A channel group of mixed records.
   struct Part {
     std::unique_ptr<DataWriter> data;  ///< none where it shares that of the others
-    std::uint64_t records = 0;
-    std::uint64_t value_bytes = 0;  ///< of variable length
+    std::uint64_t records = 0;         ///< written
+    std::uint64_t value_bytes = 0;     ///< of variable length
+    std::uint64_t number = 0;          ///< of the record to come, or the offset of the value
+    std::size_t rows = 0;              ///< which of the chosen rows come next
+    std::vector<OffsetPlace> shifts;   ///< offsets that change
+  };
 
-    void append(const Record& record);
+  /// Values of variable length that the chosen records have, by their offsets.
+  struct Values {
+    std::uint64_t first = UINT64_MAX;
+    std::uint64_t last = 0;
+    bool are_all = false;  ///< what records say of them is not known well enough
+
+    bool has(std::uint64_t offset) const { return are_all || (offset >= first && offset <= last); }
+    std::uint64_t shift() const { return are_all || first == UINT64_MAX ? 0 : first; }
   };
 
   Way wayOf(const DataGroup& data_group) const;
-  bool isAnew() const { return options_.form || isUnfinished(); }
+  bool isAnew() const { return options_.form || isUnfinished() || rows_; }
+  void chooseRows();
+  void chooseValues(const DataGroup& data_group);
+  static bool knowsOffsets(const ChannelGroup& group, const Channel& channel);
+  static std::vector<OffsetPlace> offsetsIn(const ChannelGroup& group);
+  void forEachSpan(Records& records, const ChannelGroup& group,
+                   const std::function<void(const RecordSpan&)>& visit);
+  std::string_view shifted(std::string_view record, const std::vector<OffsetPlace>& places);
+  std::uint64_t endOfValues(const OtherData& data);
+  std::vector<OffsetPlace> shiftsIn(const ChannelGroup& group);
   void planGroup(const DataGroup& data_group, Way way);
   void planOtherData();
   void writeBytes(BlockWriter& out, const OtherData& data);
@@ -70,7 +103,8 @@ class DataCopy {
   void writeMixed(BlockWriter& out, const DataGroup& data_group, bool are_apart);
   void walkMixed(const DataGroup& data_group, unsigned id_bytes, DataWriter* together,
                  std::vector<Part>& parts);
-  bool isWanted(const ChannelGroup& group, const Part& part) const;
+  bool isWanted(const Record& record, Part& part);
+  void append(const Record& record, Part& part);
   void finishMixed(const DataGroup& data_group, std::vector<Part>& parts);
   void finishApart(BlockWriter& out, const DataGroup& data_group, std::vector<Part>& parts);
   std::vector<BlockCopy::Link> channelsOf(const DataGroup& data_group, const ChannelGroup& values);
@@ -82,6 +116,10 @@ class DataCopy {
   const NoteSink& note_;
   Description description_;
   DataFile data_file_;
+  std::optional<RowChoice> rows_;  ///< none where all records are copied
+  std::optional<IndexShift> index_shift_;
+  std::map<std::uint64_t, Values> values_;  ///< by what channels link to
+  std::string shifted_;
   std::vector<Way> ways_;  ///< of the data groups
   std::vector<OtherData> other_data_;
   std::map<std::uint64_t, std::uint64_t> written_;  ///< data that several links may lead to

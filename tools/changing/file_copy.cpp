@@ -9,6 +9,7 @@
 #include "block_copy.h"
 #include "copy_failure.h"
 #include "data_copy.h"
+#include "event_choice.h"
 #include "fileblocks/fhblock.h"
 #include "fileblocks/hdblock.h"
 #include "framework/wire.h"
@@ -101,6 +102,9 @@ std::uint64_t copyFile(InputFile& file, const CopyOptions& options, mdf_writer::
   BlockCopy blocks(file, each_once.sink());
   if (blocks.table().size() == 0) {
     throw CopyFailure("it has no header block");
+  }
+  if (options.limits.from || options.limits.to) {
+    leaveOutEvents(blocks, options.limits, each_once.sink());
   }
   DataCopy data(blocks, options, each_once.sink(), note);
   data.plan();

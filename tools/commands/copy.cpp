@@ -22,6 +22,7 @@
 #include "mdf_writer/plan/texts.h"
 #include "number_option.h"
 #include "reader/bytes/input_file.h"
+#include "reader/columns/column_data.h"
 #include "sample_options.h"
 
 namespace mdf_tools {
@@ -45,11 +46,19 @@ have records of their own stays as it is.
 --zip puts all data into new blocks: deflated, or transposed and deflated, which is smaller as a rule
 for records, or none. Blocks that would not be smaller stay as they are.
 
+With --from, --to, --first or --last the copy has the records that 'mdf export' shows with them, in new
+blocks, which are zipped only with --zip; those of unsorted data are sorted. A channel group without a
+master channel has none from --from or up to --to. Values of variable length go with their records.
+Events that are outside --from and --to by their time are left out, and so are sample reductions,
+which would no longer be those of the records. Linear conversions of virtual channels, whose values are
+made of the numbers of records, begin later then; where that cannot be, there is no copy.
+
 Before the copy gets its name it is checked as by 'mdf check'. Problems of the file that are problems
 of the copy, too, are counted; one that only the copy has prevents it.
 
 Examples:
   mdf copy trip.mf4 -o small.mf4 --sort --zip transposed
+  mdf copy trip.mf4 -o part.mf4 --from 10 --to 20
   mdf copy trip.mf4 -o plain.mf4 --zip none
   mdf copy unfinished.mf4 -o whole.mf4
 
@@ -72,6 +81,12 @@ std::uint64_t now() {
       std::chrono::duration_cast<std::chrono::nanoseconds>(since_1970).count());
 }
 
+std::string shown(double number) {
+  std::string text;
+  printNumber(number, text);
+  return text;
+}
+
 /// What the history says: the command without folders.
 std::string historyOf(const Request& request) {
   std::string text = "copied";
@@ -80,6 +95,11 @@ std::string historyOf(const Request& request) {
     text += " from " + (mdf_writer::isUtf8(name) ? name : "a file");
   }
   text += request.options.sorts ? ", sorted" : "";
+  const Query& limits = request.options.limits;
+  text += limits.from ? ", from " + shown(*limits.from) : "";
+  text += limits.to ? ", to " + shown(*limits.to) : "";
+  text += limits.first ? ", the first " + std::to_string(*limits.first) + " records" : "";
+  text += limits.last ? ", the last " + std::to_string(*limits.last) + " records" : "";
   return text + (request.zip.empty()     ? ""
                  : request.zip == "none" ? ", not zipped"
                                          : ", zipped: " + request.zip);
@@ -175,12 +195,37 @@ int run(Request& request) {
   }
 }
 
+/// Adds --from, --to, --first and --last.
+void addLimits(CLI::App& command, const std::shared_ptr<Request>& request) {
+  Query& limits = request->options.limits;
+  command.add_option("--from", limits.from, "Records from this time (master value) on")
+      ->type_name("T")
+      ->check(isNumber());
+  command.add_option("--to", limits.to, "Records up to this time (master value)")
+      ->type_name("T")
+      ->check(isNumber());
+  command.parse_complete_callback([request] {
+    const Query& wanted = request->options.limits;
+    if (wanted.from && wanted.to && *wanted.from > *wanted.to) {
+      throw CLI::ValidationError("--from is after --to");
+    }
+  });
+  CLI::Option* const first =
+      command.add_option("--first", limits.first, "The first N records of each channel group")
+          ->type_name("N")
+          ->check(isCount());
+  command.add_option("--last", limits.last, "The last N records of each channel group")
+      ->type_name("N")
+      ->check(isCount())
+      ->excludes(first);
+}
+
 }  // namespace
 
 void addCopyCommand(CLI::App& app, int& exit_code) {
   const auto request = std::make_shared<Request>();
-  CLI::App* const command =
-      app.add_subcommand("copy", "Write a measurement file again: sorted, zipped, or as it is");
+  CLI::App* const command = app.add_subcommand(
+      "copy", "Write a measurement file again: cut, sorted, zipped, or as it is");
   command->add_option("IN", request->input, "The measurement file; - is standard input")
       ->required()
       ->type_name("");
@@ -208,6 +253,7 @@ void addCopyCommand(CLI::App& app, int& exit_code) {
       ->check(isCount() & CLI::Range(std::size_t{1024}, std::size_t{1} << 24U))
       ->needs(zip)
       ->capture_default_str();
+  addLimits(*command, request);
   command->footer(footer);
   command->callback([request, &exit_code] { exit_code = run(*request); });
 }

@@ -100,6 +100,38 @@ TEST(CopyCommand, ProblemsOfTheFile) {
   EXPECT_TRUE(std::filesystem::exists(folder / "out.mf4"));
 }
 
+/// Adds an event in front of others; of one that ends, with the event that it began with.
+std::uint64_t addEvent(FileBuilder& file, const std::string& name, double seconds,
+                       std::uint64_t next, std::uint8_t range = 0, std::uint64_t began = 0) {
+  const std::uint64_t text = file.text(name);
+  return file.add("EV", {next, 0, began, text, 0},
+                  Bytes()
+                      .u8s({6, 1, range, 4, 0, 0, 0, 0})
+                      .u32(0)
+                      .u16(0)
+                      .u16(0)
+                      .i64(static_cast<std::int64_t>(seconds * 1000))
+                      .f64(0.001));
+}
+
+TEST(CopyCommand, EventsWithinLimits) {
+  const ScratchFolder folder;
+  SmallFile file;
+  const std::uint64_t late = addEvent(file, "late", 3.5, 0);
+  const std::uint64_t began = addEvent(file, "begins early", 0.5, late, 1);
+  const std::uint64_t ended = addEvent(file, "ends", 2.5, began, 2, began);
+  const std::uint64_t inside = addEvent(file, "inside", 2, ended);
+  const std::uint64_t first = addEvent(file, "early", 0.999, inside);
+  file.link(SmallFile::header, 4, first);
+  folder.write("in.mf4", file.bytes());
+  EXPECT_EQ(copyIn(folder, {"in.mf4", "-o", "out.mf4", "--from", "1", "--to", "3"}).exit_code, 0);
+  EXPECT_EQ(run({"list", "events", (folder / "out.mf4").string()}).output,
+            "offset  position  unit  kind    range  cause  name          comment\n"
+            "  1016         2  s     marker  point  user   inside\n"
+            "   888       2.5  s     marker  end    user   ends\n"
+            "   760       0.5  s     marker  begin  user   begins early\n");
+}
+
 TEST(CopyCommand, FromStandardInputToStandardOutput) {
   const ScratchFolder folder;
   folder.write("in.mf4", SmallFile().bytes());
