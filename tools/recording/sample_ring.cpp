@@ -1,6 +1,7 @@
 #include "sample_ring.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 namespace mdf_tools {
@@ -14,7 +15,7 @@ std::size_t SampleRing::bytesOf(const Entry& entry) {
   if (const auto* const sample = std::get_if<Sample>(&entry)) {
     bytes += sample->values.size() * sizeof sample->values[0] + sample->is_missing.size() / 8;
     for (const std::string& text : sample->texts) {
-      bytes += sizeof text + text.size();
+      bytes += sizeof(std::string) + text.size();
     }
   } else {
     bytes += std::get<mdf_writer::Event>(entry).name.size();
