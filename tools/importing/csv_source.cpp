@@ -1,7 +1,6 @@
 #include "csv_source.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -33,6 +32,15 @@ ColumnName columnOf(std::string_view head, std::size_t number) {
     column.name = "column " + std::to_string(number);
   }
   return column;
+}
+
+/// A text with one quote in place of two, in the same memory.
+std::string_view withoutDoubles(char* text, std::size_t size) {
+  std::size_t to = 0;
+  for (std::size_t from = 0; from < size; from += text[from] == '"' ? 2 : 1) {
+    text[to++] = text[from];
+  }
+  return {text, to};
 }
 
 bool isBlank(char character) { return character == ' ' || character == '\t'; }
@@ -115,12 +123,19 @@ bool CsvSource::nextRow(std::vector<Cell>& cells) {
 
 void CsvSource::split(std::vector<Cell>& cells) {
   cells.clear();
+  with_quotes_.clear();
   for (std::size_t at = 0;; ++at) {
     const bool is_quoted = at < lines_.text().size() && lines_.text()[at] == '"';
     at = is_quoted ? addQuoted(at, cells) : addPlain(at, cells);
     if (at >= lines_.text().size()) {
-      return;
+      break;
     }
+  }
+  // Until here the lines could be given back.
+  for (const std::size_t index : with_quotes_) {
+    const std::string_view text = cells[index].text;
+    cells[index].text =
+        withoutDoubles(lines_.data() + (text.data() - lines_.text().data()), text.size());
   }
 }
 
@@ -153,35 +168,48 @@ std::size_t CsvSource::addPlain(std::size_t begin, std::vector<Cell>& cells) {
   return next;
 }
 
-/// Moves what is in the quotes together where quotes are doubled.
-std::size_t CsvSource::addQuoted(std::size_t begin, std::vector<Cell>& cells) {
-  const std::size_t first = begin + 1;
-  std::size_t end = first;
-  for (std::size_t at = first;;) {
+/// @return where the quote is that ends a field.
+std::size_t CsvSource::findQuote(std::size_t begin, std::vector<Cell>& cells) {
+  // A quote too many must not take the rest of the file.
+  constexpr std::size_t most_bytes = std::size_t{1} << 20U;
+  const LineReader::Extent opened = lines_.extent();
+  for (std::size_t at = begin + 1;;) {
     const std::string_view line = lines_.text();
-    const std::size_t quote = std::min(line.find('"', at), line.size());
-    if (end != at) {
-      std::memmove(lines_.data() + end, lines_.data() + at, quote - at);
-    }
-    end += quote - at;
-    at = quote;
-    if (quote == line.size()) {
-      if (!extend(cells)) {
-        refuse(cells.size() + 1, "expected a quote at the end of the field, found none");
+    at = std::min(line.find('"', at), line.size());
+    if (at == line.size()) {
+      const bool is_long = at - begin > most_bytes;
+      if (is_long || !extend(cells)) {
+        refuseQuote(opened, cells.size() + 1,
+                    std::string("expected a quote at the end of the field, found none") +
+                        (is_long ? " in 1 MiB" : ""));
       }
-    } else if (quote + 1 < line.size() && line[quote + 1] == '"') {
-      lines_.data()[end++] = '"';
-      at = quote + 2;
+    } else if (line.substr(at + 1, 1) == "\"") {
+      at += 2;
+    } else if (at + 1 < line.size() && line[at + 1] != separator_) {
+      refuseQuote(opened, cells.size() + 1, "expected a separator after the field in quotes");
     } else {
-      const std::string_view text = line.substr(first, end - first);
-      const auto kind = text.empty() ? Cell::Kind::missing : Cell::Kind::plain;
-      cells.push_back({kind, text, scanNumber(text, mark_in_quotes_)});
-      if (quote + 1 < line.size() && line[quote + 1] != separator_) {
-        refuse(cells.size(), "expected a separator after the field in quotes");
-      }
-      return quote + 1;
+      return at;
     }
   }
+}
+
+std::size_t CsvSource::addQuoted(std::size_t begin, std::vector<Cell>& cells) {
+  const std::size_t end = findQuote(begin, cells);
+  const std::string_view text = lines_.text().substr(begin + 1, end - begin - 1);
+  if (text.find('"') != std::string_view::npos) {
+    with_quotes_.push_back(cells.size());
+  }
+  const auto kind = text.empty() ? Cell::Kind::missing : Cell::Kind::plain;
+  cells.push_back({kind, text, scanNumber(text, mark_in_quotes_)});
+  return end + 1;
+}
+
+/// What is wrong with quotes is wrong with the line where they open; those after it are lines of
+/// their own.
+void CsvSource::refuseQuote(const LineReader::Extent& opened, std::size_t column,
+                            const std::string& sentence) {
+  lines_.giveBackAfter(opened);
+  throw BadLine{lines_.number() + opened.extensions, column, sentence};
 }
 
 /// Makes the next line a part of this one, which may move in memory with its fields.

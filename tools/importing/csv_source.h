@@ -25,6 +25,9 @@ class CsvSource : public TableSource {
   void split(std::vector<Cell>& cells);
   std::size_t addPlain(std::size_t begin, std::vector<Cell>& cells);
   std::size_t addQuoted(std::size_t begin, std::vector<Cell>& cells);
+  std::size_t findQuote(std::size_t begin, std::vector<Cell>& cells);
+  [[noreturn]] void refuseQuote(const LineReader::Extent& opened, std::size_t column,
+                                const std::string& sentence);
   bool extend(std::vector<Cell>& cells);
 
   char separator_;
@@ -32,6 +35,7 @@ class CsvSource : public TableSource {
   DecimalMark mark_ = DecimalMark::point;
   DecimalMark mark_in_quotes_ = DecimalMark::point;
   std::vector<Cell> head_;
+  std::vector<std::size_t> with_quotes_;  ///< cells of the row that have quotes, which are doubled
 };
 
 }  // namespace mdf_tools

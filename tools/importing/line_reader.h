@@ -39,6 +39,19 @@ class LineReader {
     extensions_ = 0;
   }
 
+  /// How much the line is by now.
+  struct Extent {
+    std::size_t bytes;
+    std::uint64_t extensions;
+  };
+  Extent extent() const { return {next_ - begin_, extensions_}; }
+
+  /// Gives what the line was extended by since then at the call of next().
+  void giveBackAfter(const Extent& extent) {
+    next_ = begin_ + extent.bytes;
+    extensions_ = extent.extensions;
+  }
+
   /// The line without its line feed, or carriage return and line feed. It may be changed in place.
   char* data() { return buffer_.data() + begin_; }
   std::string_view text() const { return {buffer_.data() + begin_, end_ - begin_}; }

@@ -48,22 +48,37 @@ const std::string exported =
     "0,1\n"
     "1,x\n";
 
-TEST(Importer, GivesTheSameHoweverManyRowsItKeeps) {
+/// What an import says, and what the file exports as.
+std::string imported(const std::string& text, ImportOptions options) {
   const ScratchFolder folder;
-  folder.write("in.csv", tables);
+  folder.write("in.csv", text);
   const std::string output = (folder / "out.mf4").string();
+  mdf_writer::Plan plan;
+  mdf_writer::FileOutput file(output, mdf_writer::Existing::keep);
+  options.skips_bad_lines = true;
+  const Imported imported = importTables({(folder / "in.csv").string()}, options, plan, file);
+  return std::to_string(imported.rows) + " rows, " + std::to_string(imported.bad_lines) +
+         " bad lines\n" + run({"export", output}).output;
+}
+
+TEST(Importer, GivesTheSameHoweverManyRowsItKeeps) {
   for (const std::size_t kept_bytes : {0U, 50U, 90U, 200U, 10000U}) {
     SCOPED_TRACE(kept_bytes);
     ImportOptions options;
     options.types = {{"m", ValueType::int8}};
-    options.skips_bad_lines = true;
     options.kept_bytes = kept_bytes;
-    mdf_writer::Plan plan;
-    mdf_writer::FileOutput file(output, mdf_writer::Existing::replace);
-    const Imported imported = importTables({(folder / "in.csv").string()}, options, plan, file);
-    EXPECT_EQ(imported.rows, 9U);
-    EXPECT_EQ(imported.bad_lines, 2U);
-    EXPECT_EQ(run({"export", output}).output, exported);
+    EXPECT_EQ(imported(tables, options), "9 rows, 2 bad lines\n" + exported);
+  }
+}
+
+TEST(Importer, LetsAnOpenQuoteTakeNoMoreThanItsLine) {
+  constexpr std::size_t buffer = 262144;
+  for (std::size_t bytes = buffer - 8; bytes < buffer; ++bytes) {
+    SCOPED_TRACE(bytes);
+    const std::string first = ",a\n0," + std::string(bytes - 6, 'x') + '\n';
+    const std::string others = "2,z\n3," + std::string(1100000, 'y') + "\n4,\"\"\"\"\n";
+    const std::string found = imported('t' + first + "1,\"z\n" + others, {});
+    EXPECT_TRUE(found == "4 rows, 1 bad lines\nt [s]" + first + others) << found.substr(0, 40);
   }
 }
 
