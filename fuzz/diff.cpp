@@ -89,7 +89,8 @@ std::string tryDiff(std::string_view input) {
   Trial trial;
   const DiffSummary there = trial.compare(a, b);
   const DiffSummary back = trial.compare(b, a);
-  expect(trial.findings() > 0 || summaryAsJson(there) == summaryAsJson(back), "the same differences both ways");
+  expect(trial.findings() > 0 || summaryAsJson(there) == summaryAsJson(back),
+         "the same differences both ways");
   return there.isSame() ? "the same" : "different";
 }
 

@@ -246,6 +246,10 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
   for (const char* target : {"check", "diff", "draw", "export", "repair", "show", "measure"}) {
     inputs[target] = inputs["dump"];
   }
+  for (const std::string& file : inputs["dump"]) {
+    constexpr std::size_t choices = 32;
+    inputs["copy"].push_back(static_cast<char>(inputs["copy"].size() % choices) + file);
+  }
   inputs["import"] = {
       std::string(1, '\0') + "time [s],speed [km/h],\"a,b\"\n0,1.5,x\n0.1,,\"y\n\"\n\nt,b\n0,-7\n",
       "\3t;a\r\n2024-05-17T13:45:12,5+02:00;1,5\r\n2024-05-17 13:45:13Z;x;\r\n",

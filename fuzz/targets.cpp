@@ -59,6 +59,7 @@ const std::vector<std::pair<std::string, Target>>& targets() {
     auto list = readersOf(AllBlocks{});
     list.insert(list.end(), {{"blocks", tryBlocks},
                              {"build", tryBuild},
+                             {"copy", tryCopy},
                              {"dump", tryDump},
                              {"check", tryCheck},
                              {"diff", tryDiff},

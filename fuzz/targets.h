@@ -12,8 +12,9 @@
 /// `draw` what `mdf tree`, `mdf graph` and the options of `mdf dump` make of it, `export` what `mdf
 /// export`, `mdf plot` and `mdf stats` make of it, `show` what `mdf info`, `mdf list` and `mdf
 /// extract` do; `import` makes a file of a text as `mdf import` does; `repair` finishes a file as
-/// `mdf repair` does; `diff` compares a file with itself and with one that has another byte, as `mdf
-/// diff` does; `measure` asks the reader library for all that it gives.
+/// `mdf repair` does; `copy` writes a file again as `mdf copy` does; `diff` compares a file with
+/// itself and with one that has another byte, as `mdf diff` does; `measure` asks the reader library
+/// for all that it gives.
 namespace mdf_fuzz {
 
 /// Tries one input and says in a few words what came of it.
@@ -28,6 +29,7 @@ Target findTarget(std::string_view name);
 std::string tryBlocks(std::string_view input);
 std::string tryBuild(std::string_view input);
 std::string tryCheck(std::string_view input);
+std::string tryCopy(std::string_view input);
 std::string tryDiff(std::string_view input);
 std::string tryDump(std::string_view input);
 std::string tryDraw(std::string_view input);

@@ -78,8 +78,7 @@ int complain(const std::string& sentence) {
 }
 
 int run(int argc, char** argv) {
-  CLI::App app("Record, inspect, check, repair, draw, export and import ASAM MDF 4 files.",
-               "mdf");
+  CLI::App app("Record, inspect, check, repair, draw, export and import ASAM MDF 4 files.", "mdf");
   app.set_version_flag("--version", "mdf " MDF_PROGRAM_VERSION);
   app.require_subcommand(1);
   app.footer("Run 'mdf COMMAND --help' for what a command does, with examples.");

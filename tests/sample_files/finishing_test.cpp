@@ -29,7 +29,8 @@ struct Case {
   std::string what;
   std::string unfinished;
   std::string finished;
-  std::string sentence;  ///< after "repaired out: "; @ and a number for a place before the file's end
+  std::string
+      sentence;  ///< after "repaired out: "; @ and a number for a place before the file's end
 };
 
 /// The same file twice: as its writer left it, and as it should be. What is between them is told.

@@ -26,6 +26,14 @@ constexpr std::size_t piece_bytes = std::size_t{1} << 20U;
 BlockCopy::BlockCopy(InputFile& file, const FindingSink& report)
     : file_(file), table_(walkBlocks(file, report)) {}
 
+void BlockCopy::leaveOut(std::string_view letters) {
+  for (std::uint32_t block = 0; block < table_.size(); ++block) {
+    if (table_[block].letters() == letters) {
+      leaveOut(block);
+    }
+  }
+}
+
 /// The block that a link of the file leads to in the copy, or none.
 std::uint32_t BlockCopy::targetOf(Link link, std::uint64_t offset) {
   const std::uint32_t target = table_.find(offset);

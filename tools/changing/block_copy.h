@@ -41,6 +41,8 @@ class BlockCopy {
   /// Leaves out a block, and what can be reached through it alone. Lists go on after it, and links
   /// that refer to it become nil.
   void leaveOut(std::uint32_t block) { left_out_.insert(block); }
+  /// The same of all blocks with these letters.
+  void leaveOut(std::string_view letters);
 
   /// Leaves out what can be reached through a link alone; the link is set later.
   void cut(Link link) { links_.emplace(keyOf(link), 0); }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "data_writer.h"
@@ -16,12 +17,13 @@ using namespace mdf_reader;
 struct CopyOptions {
   bool hasLimits() const { return limits.from || limits.to || limits.first || limits.last; }
 
-  std::optional<DataForm> form;  ///< none: data stays in the blocks that it is in
-  bool sorts = false;            ///< each channel group gets a data group of its own
-  Query limits;                  ///< of the records: from, to, first, last
-  std::uint64_t time = 0;        ///< of the entry in the history: nanoseconds since 1970
-  std::string history;           ///< what was done
-  std::string version;           ///< of the program
+  std::optional<DataForm> form;   ///< none: data stays in the blocks that it is in
+  bool sorts = false;             ///< each channel group gets a data group of its own
+  std::set<std::string> without;  ///< letters of blocks that are left out
+  Query limits;                   ///< of the records: from, to, first, last
+  std::uint64_t time = 0;         ///< of the entry in the history: nanoseconds since 1970
+  std::string history;            ///< what was done
+  std::string version;            ///< of the program
 };
 
 }  // namespace mdf_tools

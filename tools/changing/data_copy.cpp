@@ -165,12 +165,7 @@ void DataCopy::chooseRows() {
     chooseValues(data_group);
   }
   index_shift_.emplace(blocks_, *rows_, description_.data_groups);
-  const BlockTable& table = blocks_.table();
-  for (std::uint32_t block = 0; block < table.size(); ++block) {
-    if (table[block].letters() == "SR") {
-      blocks_.leaveOut(block);
-    }
-  }
+  blocks_.leaveOut("SR");
 }
 
 /// Whether a record has one offset of the channel, which can be changed.

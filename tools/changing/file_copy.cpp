@@ -103,6 +103,9 @@ std::uint64_t copyFile(InputFile& file, const CopyOptions& options, mdf_writer::
   if (blocks.table().size() == 0) {
     throw CopyFailure("it has no header block");
   }
+  for (const std::string& letters : options.without) {
+    blocks.leaveOut(letters);
+  }
   if (options.limits.from || options.limits.to) {
     leaveOutEvents(blocks, options.limits, each_once.sink());
   }

@@ -77,8 +77,8 @@ void IndexShift::add(const Channel& channel, std::uint64_t first) {
   if (!is_new && known->second != first) {
     throw CopyFailure("a conversion of record numbers is shared by channels of other records");
   }
-  const auto block = first == 0 ? std::nullopt
-                                : readFields(blocks_.file(), channel.conversion, "CC");
+  const auto block =
+      first == 0 ? std::nullopt : readFields(blocks_.file(), channel.conversion, "CC");
   if (block && block->number("cc_type") != CCBLOCK::CC_CONVTYPE_LINEAR) {
     throw CopyFailure("a channel of record numbers has no linear conversion, which could be kept");
   }

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "changing/copy_check.h"
 #include "changing/copy_failure.h"
@@ -53,6 +54,8 @@ Events that are outside --from and --to by their time are left out, and so are s
 which would no longer be those of the records. Linear conversions of virtual channels, whose values are
 made of the numbers of records, begin later then; where that cannot be, there is no copy.
 
+Links of channels and events to attachments that are left out are empty in the copy.
+
 Before the copy gets its name it is checked as by 'mdf check'. Problems of the file that are problems
 of the copy, too, are counted; one that only the copy has prevents it.
 
@@ -95,6 +98,11 @@ std::string historyOf(const Request& request) {
     text += " from " + (mdf_writer::isUtf8(name) ? name : "a file");
   }
   text += request.options.sorts ? ", sorted" : "";
+  for (const std::string& letters : request.options.without) {
+    text += letters == "AT"   ? ", without attachments"
+            : letters == "EV" ? ", without events"
+                              : ", without sample reductions";
+  }
   const Query& limits = request.options.limits;
   text += limits.from ? ", from " + shown(*limits.from) : "";
   text += limits.to ? ", to " + shown(*limits.to) : "";
@@ -254,6 +262,20 @@ void addCopyCommand(CLI::App& app, int& exit_code) {
       ->needs(zip)
       ->capture_default_str();
   addLimits(*command, request);
+  command
+      ->add_option_function<std::vector<std::string>>(
+          "--without",
+          [request](const std::vector<std::string>& words) {
+            for (const std::string& word : words) {
+              request->options.without.insert(word == "attachments" ? "AT"
+                                              : word == "events"    ? "EV"
+                                                                    : "SR");
+            }
+          },
+          "Leave out attachments, events or sample reductions; may be repeated")
+      ->check(CLI::IsMember({"attachments", "events", "reductions"}))
+      ->option_text("attachments|events|reductions")
+      ->allow_extra_args(false);
   command->footer(footer);
   command->callback([request, &exit_code] { exit_code = run(*request); });
 }

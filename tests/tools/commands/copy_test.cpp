@@ -132,6 +132,34 @@ TEST(CopyCommand, EventsWithinLimits) {
             "   760       0.5  s     marker  begin  user   begins early\n");
 }
 
+TEST(CopyCommand, WithoutWhatNobodyWants) {
+  const ScratchFolder folder;
+  SmallFile file;
+  const std::uint64_t attachment = file.add(
+      "AT", {0, 0, 0, 0}, Bytes().u16(1).u16(0).u32(0).zeros(16).u64(3).u64(3).text("abc"));
+  const std::uint64_t reduction =
+      file.add("SR", {0, 0}, Bytes().u64(0).f64(1).u8(1).u8(0).zeros(6));
+  file.link(SmallFile::header, 3, attachment);
+  file.link(SmallFile::header, 4, addEvent(file, "event", 1, 0));
+  file.link(SmallFile::group, 4, reduction);
+  folder.write("in.mf4", file.bytes());
+  EXPECT_EQ(copyIn(folder, {"in.mf4", "-o", "out.mf4", "--without", "attachments", "--without",
+                            "events", "--without", "reductions"})
+                .exit_code,
+            0);
+  const std::string blocks = run({"list", "blocks", (folder / "out.mf4").string()}).output;
+  EXPECT_EQ(blocks.substr(0, blocks.find("   768")),  // the new entry of the history
+            "offset  type  length  links\n"
+            "    64  HD       104  6\n"
+            "   168  DG        64  4\n"
+            "   232  CG       104  6\n"
+            "   336  CN       160  8\n"
+            "   496  CN       160  8\n"
+            "   656  TX        29  0\n"
+            "   688  TX        30  0\n"
+            "   720  DT        42  0\n");
+}
+
 TEST(CopyCommand, FromStandardInputToStandardOutput) {
   const ScratchFolder folder;
   folder.write("in.mf4", SmallFile().bytes());
