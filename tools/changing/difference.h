@@ -50,8 +50,8 @@ struct RecordDifference {
   std::optional<std::uint64_t> record_a;
   std::optional<std::uint64_t> record_b;
   Json master;  ///< the value of its master channel
-  Json a{};     ///< the values of another channel; null for invalid ones
-  Json b{};
+  Json a;       ///< the values of another channel; null for invalid ones
+  Json b;
 };
 
 struct Difference {

@@ -82,7 +82,7 @@ void printRecord(const RecordDifference& record, bool has_values, std::ostream& 
 }
 
 std::string sentenceOf(const Difference& difference) {
-  const std::string only = std::string("only in ") + letterOf(difference.side);
+  std::string only = std::string("only in ") + letterOf(difference.side);
   switch (difference.kind) {
     case Difference::Kind::member:
       return printable(difference.member, Harmless::utf8) + ": " +
