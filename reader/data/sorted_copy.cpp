@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace mdf_reader {
@@ -13,16 +12,6 @@ namespace {
 
 constexpr std::size_t longest_waiting = std::size_t{1} << 18U;
 constexpr std::size_t all_waiting = std::size_t{48} << 20U;  // bytes of all groups
-
-/// A new file that nobody else sees, and that is gone with its descriptor.
-Descriptor nameless(const std::string& folder) {
-  std::string path = folder + "/mdf-XXXXXX";
-  Descriptor file(mkstemp(path.data()));
-  if (file.number() >= 0) {
-    unlink(path.c_str());
-  }
-  return file;
-}
 
 bool writeAt(int file, std::uint64_t offset, std::string_view bytes) {
   while (!bytes.empty()) {
@@ -73,7 +62,7 @@ class SortedCopy::Cursor : public RecordCursor {
 
 SortedCopy::SortedCopy(const std::vector<Part>& parts, Lost lost, const std::string& folder)
     : lost_(std::move(lost)),
-      file_(nameless(folder)),
+      file_(namelessFile(folder)),
       most_waiting_(std::min(longest_waiting, all_waiting / parts.size())),
       is_whole_(file_.number() >= 0) {
   std::uint64_t end = 0;
@@ -82,11 +71,6 @@ SortedCopy::SortedCopy(const std::vector<Part>& parts, Lost lost, const std::str
     end += part.record_bytes * part.records;
     places_.push_back({part.record_bytes, begin, end, begin, {}});
   }
-}
-
-std::string SortedCopy::folderForFiles() {
-  const char* const folder = std::getenv("TMPDIR");
-  return folder == nullptr || *folder == '\0' ? "/var/tmp" : folder;
 }
 
 void SortedCopy::put(Place& place, std::string_view record) {

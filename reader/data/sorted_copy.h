@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "../bytes/descriptor.h"
+#include "../bytes/nameless_file.h"
 #include "record_span.h"
 
 namespace mdf_reader {
@@ -56,7 +57,6 @@ class SortedCopy : public std::enable_shared_from_this<SortedCopy> {
   };
   class Cursor;
 
-  static std::string folderForFiles();
   void put(Place& place, std::string_view record);
   void flush(Place& place);
   std::string_view bytesAt(std::uint64_t offset, std::size_t count, std::string& room) const;

@@ -1,16 +1,14 @@
 #include "temporary_file.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
-#include <filesystem>
 #include <system_error>
 #include <vector>
 
 #include "import_failure.h"
+#include "reader/bytes/nameless_file.h"
 
 namespace mdf_tools {
 
@@ -27,14 +25,11 @@ ssize_t readSome(int file, char* bytes, std::size_t count) {
 }
 
 Descriptor temporaryFile() {
-  std::error_code none;
-  const auto folder = std::filesystem::temp_directory_path(none);
-  std::string name = ((none ? "/tmp" : folder) / "mdf-import-XXXXXX").string();
-  Descriptor file(mkostemp(name.data(), O_CLOEXEC));
+  const std::string folder = mdf_reader::folderForFiles();
+  Descriptor file = mdf_reader::namelessFile(folder);
   if (file.number() < 0) {
-    throw CannotImport("cannot make the temporary file " + name + ": " + reason());
+    throw CannotImport("cannot make a temporary file in " + folder + ": " + reason());
   }
-  unlink(name.c_str());
   return file;
 }
 

@@ -325,6 +325,10 @@ TEST(ImportCommand, OutputsThatCannotBeWritten) {
             said(1, "cannot write the new file: No space left on device"));
   EXPECT_EQ(run({"import", input + "x", "-o", there, "--force"}),
             said(2, "cannot open " + input + "x: No such file or directory"));
+  RunOptions without_room;
+  without_room.environment = {"TMPDIR=" + input};
+  EXPECT_EQ(run({"import", input, "-o", "-"}, without_room),
+            said(2, "cannot make a temporary file in " + input + ": Not a directory"));
   EXPECT_EQ(bytesOf(there), "as it was");
   EXPECT_EQ(run({"import", input, input, "-o", there, "--force"}).exit_code, 0);
   EXPECT_EQ(run({"export", there}).output, "index,a\n0,1\n\nindex,a\n0,1\n");
