@@ -71,6 +71,7 @@ std::string tryImport(std::string_view input) {
   options.skips_bad_lines = (choice & 1U) != 0;
   options.has_decimal_comma = (choice & 2U) != 0;
   options.time = (choice & 4U) != 0 ? "t" : "";
+  options.kept_bytes = (choice & 16U) != 0 ? 100 : 10000;  // few rows, or all
   const bool is_json = (choice & 8U) != 0;
   options.format = is_json ? ImportOptions::Format::json_lines : ImportOptions::Format::csv;
   const mdf_tests::AllocationLimit limit(always + for_a_byte * input.size());
