@@ -96,39 +96,50 @@ TEST(CopySamples, ShowTheSameAndHaveNoOtherProblems) {
   }
 }
 
-/// Limits, and the samples whose copies show other records than their export.
-struct Limits {
-  Words options;
+/// Options of a copy, what an export shows the same with, and the samples where that is otherwise.
+struct Choice {
+  Words copying;
+  Words exporting;
   std::set<std::string> others;
 };
 
-/// Records of array elements are all kept; of a group without a master the head is shown; where a
-/// master in another group would have other records, there is no copy.
-const std::vector<Limits> all_limits = {
-    {{"--last", "2"}, {"array-of-channel-groups", "array-of-data-groups", "remote-master-shared"}},
+/// Groups and records of array elements are all kept; of a group without a master the head is
+/// shown; where a master in another group would have other records, there is no copy; a group with
+/// a master for others stays with them.
+const std::vector<Choice> choices = {
+    {{"--last", "2"},
+     {"--last", "2", "--empty"},
+     {"array-of-channel-groups", "array-of-data-groups", "remote-master-shared"}},
     {{"--from", "0.15", "--to", "0.35"},
+     {"--from", "0.15", "--to", "0.35", "--empty"},
      {"array-of-channel-groups", "array-of-channel-groups-with-axis", "array-of-data-groups",
       "layout-no-master"}},
+    {{"--group", "0"},
+     {"--group", "0", "--empty"},
+     {"array-of-channel-groups", "remote-master-shared"}},
+    {{"--drop-empty"}, {}, {"array-of-data-groups"}},
 };
 
-TEST(CopySamples, RecordsWithinLimits) {
+TEST(CopySamples, WhatIsChosen) {
   const ScratchFolder folder;
   const std::string in = (folder / "in.mf4").string();
   const std::string out = (folder / "out.mf4").string();
-  for (const Limits& limits : all_limits) {
+  for (const Choice& choice : choices) {
+    SCOPED_TRACE(choice.copying.front());
     std::set<std::string> others;
     for (const Sample& sample : allSamples()) {
       folder.write("in.mf4", sample.bytes);
-      Words copy = {"copy", in, "-o", out, "--force"};
-      Words shown = {"export", in, "--empty"};
-      copy.insert(copy.end(), limits.options.begin(), limits.options.end());
-      shown.insert(shown.end(), limits.options.begin(), limits.options.end());
+      std::filesystem::remove(out);
+      Words copy = {"copy", in, "-o", out};
+      Words shown = {"export", in};
+      copy.insert(copy.end(), choice.copying.begin(), choice.copying.end());
+      shown.insert(shown.end(), choice.exporting.begin(), choice.exporting.end());
       run(copy);
       if (run({"export", out, "--empty"}).output != run(shown).output) {
         others.insert(sample.name);
       }
     }
-    EXPECT_EQ(others, limits.others);
+    EXPECT_EQ(others, choice.others);
   }
 }
 

@@ -140,6 +140,9 @@ std::uint64_t BlockCopy::translated(const RawBlock& block, Link link, std::uint6
     return 0;
   }
   const std::string_view letters = block.letters();
+  if (letters == "CH" && !left_out_.empty() && leadsElementOut(block, link.number)) {
+    return 0;
+  }
   if (!moved_groups_.empty() && table_[target].letters() == "DG" && letters != "DG" &&
       letters != "HD") {
     const auto moved =
@@ -149,6 +152,21 @@ std::uint64_t BlockCopy::translated(const RawBlock& block, Link link, std::uint6
     }
   }
   return places_[target];
+}
+
+/// Whether a link is one of an element of a hierarchy that names what is left out.
+bool BlockCopy::leadsElementOut(const RawBlock& block, std::uint64_t number) {
+  constexpr std::uint64_t parts = 3;
+  const std::uint64_t own = block.type().links.size();
+  if (number < own) {
+    return false;
+  }
+  const std::uint64_t first = number - (number - own) % parts;
+  bool is_out = false;
+  for (std::uint64_t part = first; part < first + parts; ++part) {
+    is_out = is_out || isLeftOut(linkAt(file_, block, part));
+  }
+  return is_out;
 }
 
 void BlockCopy::setField(std::uint32_t block, std::string_view name, std::uint64_t value) {

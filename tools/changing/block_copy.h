@@ -40,9 +40,15 @@ class BlockCopy {
 
   /// Leaves out a block, and what can be reached through it alone. Lists go on after it, and links
   /// that refer to it become nil.
-  void leaveOut(std::uint32_t block) { left_out_.insert(block); }
+  void leaveOut(std::uint32_t block) {
+    if (block != BlockTable::none) {
+      left_out_.insert(block);
+    }
+  }
   /// The same of all blocks with these letters.
   void leaveOut(std::string_view letters);
+  /// Whether a link leads to a block that is left out.
+  bool isLeftOut(std::uint64_t offset) const { return left_out_.count(table_.find(offset)) > 0; }
 
   /// Leaves out what can be reached through a link alone; the link is set later.
   void cut(Link link) { links_.emplace(keyOf(link), 0); }
@@ -82,6 +88,7 @@ class BlockCopy {
   static std::uint64_t keyOf(Link link) { return std::uint64_t{link.block} << 32U | link.number; }
   std::uint32_t targetOf(Link link, std::uint64_t offset);
   std::uint32_t stayingFrom(std::uint32_t block);
+  bool leadsElementOut(const RawBlock& block, std::uint64_t number);
   std::uint64_t lengthOf(const RawBlock& block) const;
   std::uint64_t translated(const RawBlock& block, Link link, std::uint64_t offset);
   void write(NewBlocks& out, std::uint32_t block);

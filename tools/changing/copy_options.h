@@ -17,8 +17,10 @@ using namespace mdf_reader;
 struct CopyOptions {
   bool hasLimits() const { return limits.from || limits.to || limits.first || limits.last; }
 
-  std::optional<DataForm> form;   ///< none: data stays in the blocks that it is in
-  bool sorts = false;             ///< each channel group gets a data group of its own
+  std::optional<DataForm> form;  ///< none: data stays in the blocks that it is in
+  bool sorts = false;            ///< each channel group gets a data group of its own
+  std::string group;             ///< its number or a pattern of its name; "" for all channel groups
+  bool drops_empty = false;      ///< channel groups without records are left out
   std::set<std::string> without;  ///< letters of blocks that are left out
   Query limits;                   ///< of the records: from, to, first, last
   std::uint64_t time = 0;         ///< of the entry in the history: nanoseconds since 1970

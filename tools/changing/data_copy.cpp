@@ -16,6 +16,7 @@
 #include "reader/data/data_links.h"
 #include "reader/data/data_stream.h"
 #include "reader/data/record_format.h"
+#include "reader/model/group_choice.h"
 
 namespace mdf_tools {
 
@@ -101,7 +102,9 @@ DataCopy::Way DataCopy::wayOf(const DataGroup& data_group) const {
   if (groups.empty() || hasElementsElsewhere(data_group)) {
     return isAnew() ? Way::as_bytes : Way::as_blocks;
   }
-  if ((options_.sorts || rows_) && groups.size() > 1) {
+  const bool loses_groups = std::any_of(
+      groups.begin(), groups.end(), [&](const ChannelGroup& group) { return isDropped(group); });
+  if ((options_.sorts || rows_ || loses_groups) && groups.size() > 1) {
     return Way::apart;
   }
   if (isAnew() && is_mixed) {
@@ -114,6 +117,9 @@ DataCopy::Way DataCopy::wayOf(const DataGroup& data_group) const {
 void DataCopy::plan() {
   if (options_.hasLimits()) {
     chooseRows();
+  }
+  if (!options_.group.empty() || options_.drops_empty) {
+    chooseGroups();
   }
   for (const DataGroup& data_group : description_.data_groups) {
     ways_.push_back(wayOf(data_group));
@@ -166,6 +172,64 @@ void DataCopy::chooseRows() {
   }
   index_shift_.emplace(blocks_, *rows_, description_.data_groups);
   blocks_.leaveOut("SR");
+}
+
+/// Leaves out channel groups that are not wanted, with their channels: others may refer to those.
+/// Groups with the masters or the values of others stay with them.
+void DataCopy::chooseGroups() {
+  std::set<std::uint64_t> staying;
+  for (const DataGroup& data_group : description_.data_groups) {
+    for (const ChannelGroup& group : data_group.groups) {
+      if (!isGroupWanted(data_group, group)) {
+        continue;
+      }
+      staying.insert(group.offset);
+      if (group.hasRemoteMaster()) {
+        staying.insert(group.master_group);
+      }
+      for (const Channel& channel : group.channels) {
+        if (channel.type == Channel::variable_length) {
+          staying.insert(channel.data);
+        }
+      }
+    }
+  }
+  if (staying.empty() && !options_.group.empty()) {
+    throw CopyFailure("no channel group matches \"" + options_.group + '"');
+  }
+  for (const DataGroup& data_group : description_.data_groups) {
+    std::size_t left = data_group.groups.size();
+    for (const ChannelGroup& group : data_group.groups) {
+      if (staying.count(group.offset) == 0) {
+        --left;
+        dropped_.insert(group.offset);
+        blocks_.leaveOut(indexOf(group.offset));
+        for (const Channel& channel : group.channels) {
+          blocks_.leaveOut(indexOf(channel.offset));
+        }
+      }
+    }
+    if (left == 0) {
+      blocks_.leaveOut(indexOf(data_group.offset));
+    }
+  }
+}
+
+/// A data group of elements' records stays whole.
+bool DataCopy::isGroupWanted(const DataGroup& data_group, const ChannelGroup& group) {
+  if (hasElementsElsewhere(data_group)) {
+    return std::any_of(data_group.groups.begin(), data_group.groups.end(),
+                       [&](const ChannelGroup& each) { return isChosen(each, options_.group); });
+  }
+  if (!isChosen(group, options_.group) || !options_.drops_empty) {
+    return isChosen(group, options_.group);
+  }
+  if (rows_) {
+    return !rows_->of(group.offset).empty();
+  }
+  return data_file_.isCountFinal(group)
+             ? group.cycles > 0
+             : Records(data_file_, data_group, silent).countOf(group).value_or(1) > 0;
 }
 
 /// Whether a record has one offset of the channel, which can be changed.
@@ -270,7 +334,8 @@ std::vector<BlockCopy::Link> DataCopy::channelsOf(const DataGroup& data_group,
   }
   for (const ChannelGroup& group : data_group.groups) {
     for (const Channel& channel : group.channels) {
-      if (channel.type == Channel::variable_length && channel.data == values.offset) {
+      if (channel.type == Channel::variable_length && channel.data == values.offset &&
+          !isDropped(group)) {
         links.push_back({indexOf(channel.offset), CNBLOCK::cn_data});
       }
     }
@@ -432,6 +497,7 @@ void DataCopy::writeMixed(BlockWriter& out, const DataGroup& data_group, bool ar
     parts[i].data = std::make_unique<DataWriter>(
         out, is_signal_data ? "SD" : "DT", has_values ? 0 : groups[i].recordBytes(), block_bytes);
     parts[i].shifts = shiftsIn(groups[i]);
+    parts[i].is_dropped = isDropped(groups[i]);
   }
   DataWriter together(out, "DT", 0, out.form().block_bytes);
   walkMixed(data_group, records.idBytes(), are_apart ? nullptr : &together, parts);
@@ -481,6 +547,9 @@ void DataCopy::walkMixed(const DataGroup& data_group, unsigned id_bytes, DataWri
 /// Records beyond the count of their group are not read.
 bool DataCopy::isWanted(const Record& record, Part& part) {
   const ChannelGroup& group = *record.group;
+  if (part.is_dropped) {
+    return false;
+  }
   if (group.holdsVariableLength()) {
     const std::uint64_t offset = part.number;
     part.number += 4 + record.bytes.size();
@@ -531,7 +600,7 @@ void DataCopy::finishApart(BlockWriter& out, const DataGroup& data_group,
     for (const BlockCopy::Link& channel : channels) {
       blocks_.setLink(channel, values);
     }
-    if (channels.empty()) {
+    if (channels.empty() && !parts[i].is_dropped) {
       staying.push_back(i);
     }
   }

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -70,7 +71,8 @@ class DataCopy {
     std::uint64_t value_bytes = 0;     ///< of variable length
     std::uint64_t number = 0;          ///< of the record to come, or the offset of the value
     std::size_t rows = 0;              ///< which of the chosen rows come next
-    std::vector<OffsetPlace> shifts;   ///< offsets that change
+    bool is_dropped = false;
+    std::vector<OffsetPlace> shifts;  ///< offsets that change
   };
 
   /// Values of variable length that the chosen records have, by their offsets.
@@ -86,6 +88,9 @@ class DataCopy {
   Way wayOf(const DataGroup& data_group) const;
   bool isAnew() const { return options_.form || isUnfinished() || rows_; }
   void chooseRows();
+  void chooseGroups();
+  bool isGroupWanted(const DataGroup& data_group, const ChannelGroup& group);
+  bool isDropped(const ChannelGroup& group) const { return dropped_.count(group.offset) > 0; }
   void chooseValues(const DataGroup& data_group);
   static bool knowsOffsets(const ChannelGroup& group, const Channel& channel);
   static std::vector<OffsetPlace> offsetsIn(const ChannelGroup& group);
@@ -120,7 +125,8 @@ class DataCopy {
   std::optional<IndexShift> index_shift_;
   std::map<std::uint64_t, Values> values_;  ///< by what channels link to
   std::string shifted_;
-  std::vector<Way> ways_;  ///< of the data groups
+  std::set<std::uint64_t> dropped_;  ///< channel groups, by their offsets
+  std::vector<Way> ways_;            ///< of the data groups
   std::vector<OtherData> other_data_;
   std::map<std::uint64_t, std::uint64_t> written_;  ///< data that several links may lead to
 };

@@ -56,4 +56,26 @@ void leaveOutEvents(BlockCopy& blocks, const Query& limits, const FindingSink& r
   }
 }
 
+void leaveOutEventsOfNothing(BlockCopy& blocks) {
+  constexpr std::uint64_t first_scope = EVBLOCK::ev_md_comment + 1;
+  InputFile& file = blocks.file();
+  for (std::uint32_t index = 0; index < blocks.table().size(); ++index) {
+    const auto event = blocks.table()[index].letters() == "EV"
+                           ? readFields(file, blocks.table()[index].offset, "EV")
+                           : std::nullopt;
+    if (!event) {
+      continue;
+    }
+    const std::uint64_t scopes =
+        std::min(event->number("ev_scope_count"), linksThere(file, event->raw()));
+    bool is_of_nothing = scopes > 0;
+    for (std::uint64_t scope = 0; is_of_nothing && scope < scopes; ++scope) {
+      is_of_nothing = blocks.isLeftOut(linkAt(file, event->raw(), first_scope + scope));
+    }
+    if (is_of_nothing) {
+      blocks.leaveOut(index);
+    }
+  }
+}
+
 }  // namespace mdf_tools

@@ -10,6 +10,9 @@ namespace mdf_tools {
 /// inside.
 void leaveOutEvents(BlockCopy& blocks, const Query& limits, const FindingSink& report);
 
+/// Leaves out the events of channels and groups all of which are left out.
+void leaveOutEventsOfNothing(BlockCopy& blocks);
+
 }  // namespace mdf_tools
 
 #endif  // MDF_TOOLS_CHANGING_EVENT_CHOICE_H_

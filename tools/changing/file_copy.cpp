@@ -111,6 +111,7 @@ std::uint64_t copyFile(InputFile& file, const CopyOptions& options, mdf_writer::
   }
   DataCopy data(blocks, options, each_once.sink(), note);
   data.plan();
+  leaveOutEventsOfNothing(blocks);
   blocks.choose();
   NewBlocks out(output);
   writeIdentification(file, out);

@@ -17,6 +17,7 @@
 #include "command.h"
 #include "complete_file.h"
 #include "file_command.h"
+#include "group_option.h"
 #include "importing/import_failure.h"
 #include "importing/temporary_file.h"
 #include "mdf_writer/mdf_writer.h"
@@ -54,7 +55,9 @@ Events that are outside --from and --to by their time are left out, and so are s
 which would no longer be those of the records. Linear conversions of virtual channels, whose values are
 made of the numbers of records, begin later then; where that cannot be, there is no copy.
 
-Links of channels and events to attachments that are left out are empty in the copy.
+--group and --drop-empty leave out channel groups. Those that hold the masters or the values of others
+stay with these; what remains of unsorted data is sorted. Events that are of nothing that is left go.
+Links of channels, hierarchies and events to what is left out are empty in the copy.
 
 Before the copy gets its name it is checked as by 'mdf check'. Problems of the file that are problems
 of the copy, too, are counted; one that only the copy has prevents it.
@@ -97,6 +100,8 @@ std::string historyOf(const Request& request) {
     const std::string name = std::filesystem::path(request.input).filename().string();
     text += " from " + (mdf_writer::isUtf8(name) ? name : "a file");
   }
+  text += request.options.group.empty() ? "" : ", channel group " + request.options.group;
+  text += request.options.drops_empty ? ", without empty groups" : "";
   text += request.options.sorts ? ", sorted" : "";
   for (const std::string& letters : request.options.without) {
     text += letters == "AT"   ? ", without attachments"
@@ -262,6 +267,9 @@ void addCopyCommand(CLI::App& app, int& exit_code) {
       ->needs(zip)
       ->capture_default_str();
   addLimits(*command, request);
+  addGroupOption(*command, request->options.group);
+  command->add_flag("--drop-empty", request->options.drops_empty,
+                    "Leave out channel groups without records");
   command
       ->add_option_function<std::vector<std::string>>(
           "--without",
