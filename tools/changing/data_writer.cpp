@@ -11,7 +11,6 @@
 namespace mdf_tools {
 
 using mdf_reader::RawBlock;
-using mdf_v4_10::detail::hostSize;
 using mdf_v4_10::detail::storeLe;
 
 namespace {

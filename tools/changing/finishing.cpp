@@ -520,7 +520,8 @@ void Finisher::endFile() {
   }
   if (custom_flags != 0) {
     report_({Code::file_unfinished, flags_place,
-             "what custom flags " + std::to_string(custom_flags) + " left open is not known"});
+             "expected no custom flags, found " + std::to_string(custom_flags) +
+                 "; what they left open is not known"});
   }
   result_.steps[end_file].push_back({flags_place, std::string(4, '\0')});
   result_.steps[end_file].push_back({0, std::string(finished_word)});
