@@ -55,7 +55,7 @@ TEST(CopyCommand, WholeFile) {
       expected.add("FH", {0, comment}, Bytes().u64(0).i16(0).i16(0).u8(2).zeros(3).str());
   expected.link(OddFile::header, 1, history);
   std::string bytes = bytesOf(folder / "out.mf4");
-  bytes.replace(history + 40, 8, 8, '\0');  // the time of the copy
+  bytes.replace(static_cast<std::size_t>(history) + 40, 8, 8, '\0');  // the time of the copy
   EXPECT_EQ(bytes, expected.bytes());
 }
 
