@@ -45,15 +45,19 @@ struct Request {
   bool as_json = false;
 };
 
-/// What is wrong with a file, but for notes.
-std::vector<Finding> problemsOf(InputFile& file) {
-  std::vector<Finding> problems;
+/// Reports what is wrong with a file, but for notes.
+void findProblems(InputFile& file, const FindingSink& report) {
   checkFile(file, [&](const Finding& finding) {
     if (textOf(finding.code).severity != Severity::note) {
-      problems.push_back(finding);
+      report(finding);
     }
   });
-  return problems;
+}
+
+bool isWhole(InputFile& file) {
+  bool is_whole = true;
+  findProblems(file, [&](const Finding& /*finding*/) { is_whole = false; });
+  return is_whole;
 }
 
 void expectGood(const CompleteFile& file) {
@@ -105,9 +109,14 @@ std::filesystem::path Repair::outputFor(const std::string& path, const std::stri
 }
 
 void Repair::run() {
+  std::error_code none;
+  if (!request_.is_in_place && std::filesystem::equivalent(context_.path, output_, none)) {
+    throw Unwritable("the output " + output_.string() +
+                     " is the file to repair; --in-place changes it");
+  }
   if (readIdentification(context_.file).isUnfinished()) {
     finish();
-  } else if (problemsOf(context_.file).empty()) {
+  } else if (isWhole(context_.file)) {
     keepWhole();
   } else if (!request_.is_in_place) {
     rescue();
@@ -191,9 +200,7 @@ void Repair::rescue() {
 /// Reports what was lost on the way, and what is still wrong with the file.
 void Repair::reportLosses(const std::string& path) {
   InputFile repaired(path);
-  for (const Finding& problem : problemsOf(repaired)) {
-    loss_(problem);
-  }
+  findProblems(repaired, loss_);
   for (const Finding& loss : losses_) {
     context_.report(loss);
   }
