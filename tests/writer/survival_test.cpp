@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <signal.h>
+#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +15,7 @@
 #include <thread>
 #include <tuple>
 
+#include "../tools/support/file_size_limit.h"
 #include "../tools/support/scratch_folder.h"
 #include "support/every_second_block.h"
 #include "support/read_back.h"
@@ -267,14 +270,15 @@ bool recordOn(Counting& counting, Recording& recording, int records) {
 }
 
 /// The file is a finished one of all records that the recording counts.
-void expectFinished(const std::string& file, const Counting& counting, const Recording& recording) {
+void expectFinished(const std::string& file, const Counting& counting, const Recording& recording,
+                    const std::string& trouble = ": the medium is full") {
   const std::uint64_t numbers = recording.records(counting.numbers);
   const std::uint64_t texts = recording.records(counting.texts);
   EXPECT_EQ(findingsOf(file), std::vector<std::string>());
   EXPECT_EQ(tableOf(file, "numbers"), numbersUpTo(numbers));
   EXPECT_EQ(tableOf(file, "texts"), textsUpTo(texts));
   if (!recording.good()) {
-    EXPECT_EQ(recording.cause(), "cannot write to: the medium is full; the " +
+    EXPECT_EQ(recording.cause(), "cannot write to" + trouble + "; the " +
                                      std::to_string(numbers + texts) +
                                      " records written before that make a complete file");
   }
@@ -338,6 +342,61 @@ TEST_P(Survival, ASyncThatFailsIsReportedAndSaysWhatTheFileSays) {
                 "MD: cannot complete: the medium is full; it is not certain what the medium holds",
                 "Un: cannot complete: the medium is full; the file says that it is unfinished"}));
 }
+
+/// Small blocks and many flushes, so that files end in all places.
+Options smallBlocks() {
+  Options options;
+  options.block_bytes = 4096;
+  options.flush_interval = 1'000'000'000;
+  options.existing = mdf_writer::Existing::replace;
+  return options;
+}
+
+TEST(FullMedium, OfAFileThatMayNotGrowLeavesAFinishedOne) {
+  const ScratchFolder folder;
+  const std::string path = folder / "run.mf4";
+  for (std::uint64_t room = 8000; room < 60000; room += 1777) {
+    Counting counting;
+    const FileSizeLimit limit(room);
+    Recording recording(path, counting.plan, smallBlocks());
+    EXPECT_FALSE(recordOn(counting, recording, 100000));
+    SCOPED_TRACE("room for " + std::to_string(room) + " bytes");
+    EXPECT_LE(bytesOf(path).size(), room);
+    expectFinished(bytesOf(path), counting, recording, ' ' + path + ": File too large");
+  }
+}
+
+/// Gives this process a file system of its own with so many bytes there.
+bool mountDisk(const std::string& folder, const std::string& bytes) {
+  const int flags = CLONE_NEWNS | (geteuid() == 0 ? 0 : CLONE_NEWUSER);
+  return unshare(flags) == 0 && mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+         mount("none", folder.c_str(), "tmpfs", 0, ("size=" + bytes).c_str()) == 0;
+}
+
+class FullDisk : public testing::TestWithParam<const char*> {};
+
+TEST_P(FullDisk, LeavesAFinishedFile) {
+  const ScratchFolder folder;
+  const pid_t child = fork();
+  if (child == 0) {
+    if (!mountDisk(folder.path(), GetParam())) {
+      _exit(2);
+    }
+    const std::string path = folder / "run.mf4";
+    Counting counting;
+    Recording recording(path, counting.plan, smallBlocks());
+    const bool ended = recordOn(counting, recording, 1000000);
+    expectFinished(bytesOf(path), counting, recording, ' ' + path + ": No space left on device");
+    _exit(ended || testing::Test::HasFailure() ? 1 : 0);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_NE(WEXITSTATUS(status), 2) << "this system gives processes no file systems of their own";
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, FullDisk, testing::Values("16k", "64k", "100k", "1m"));
 
 TEST(FullMedium, KeepsNoRecordWhoseShortValueItDidNotTake) {
   for (std::uint64_t room = 6000; room < 13000; room += 501) {
