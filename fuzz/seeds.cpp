@@ -243,7 +243,8 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
   for (const mdf_tests::Sample& sample : mdf_tests::allSamples()) {
     inputs["dump"].push_back(sample.bytes);
   }
-  for (const char* target : {"check", "diff", "draw", "export", "repair", "show", "measure"}) {
+  for (const char* target :
+       {"check", "diff", "draw", "export", "frames", "repair", "show", "measure"}) {
     inputs[target] = inputs["dump"];
   }
   for (const std::string& file : inputs["dump"]) {

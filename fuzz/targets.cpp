@@ -65,6 +65,7 @@ const std::vector<std::pair<std::string, Target>>& targets() {
                              {"diff", tryDiff},
                              {"draw", tryDraw},
                              {"export", tryExport},
+                             {"frames", tryFrames},
                              {"import", tryImport},
                              {"repair", tryRepair},
                              {"show", tryShow},

@@ -10,11 +10,11 @@
 /// reads, dumps and writes a block of a type that the first byte chooses; `build` does what the
 /// bytes say with a block; `dump` and `check` are what `mdf dump` and `mdf check` make of a file,
 /// `draw` what `mdf tree`, `mdf graph` and the options of `mdf dump` make of it, `export` what `mdf
-/// export`, `mdf plot` and `mdf stats` make of it, `show` what `mdf info`, `mdf list` and `mdf
-/// extract` do; `import` makes a file of a text as `mdf import` does; `repair` finishes a file as
-/// `mdf repair` does; `copy` writes a file again as `mdf copy` does; `diff` compares a file with
-/// itself and with one that has another byte, as `mdf diff` does; `measure` asks the reader library
-/// for all that it gives.
+/// export`, `mdf plot` and `mdf stats` make of it, `frames` what `mdf frames` does, `show` what
+/// `mdf info`, `mdf list` and `mdf extract` do; `import` makes a file of a text as `mdf import`
+/// does; `repair` finishes a file as `mdf repair` does; `copy` writes a file again as `mdf copy`
+/// does; `diff` compares a file with itself and with one that has another byte, as `mdf diff` does;
+/// `measure` asks the reader library for all that it gives.
 namespace mdf_fuzz {
 
 /// Tries one input and says in a few words what came of it.
@@ -34,6 +34,7 @@ std::string tryDiff(std::string_view input);
 std::string tryDump(std::string_view input);
 std::string tryDraw(std::string_view input);
 std::string tryExport(std::string_view input);
+std::string tryFrames(std::string_view input);
 std::string tryImport(std::string_view input);
 std::string tryMeasurement(std::string_view input);
 std::string tryRepair(std::string_view input);

@@ -42,7 +42,7 @@ struct Command {
   void (*add)(CLI::App& app, int& exit_code);
 };
 
-constexpr std::array<Command, 15> commands = {{
+constexpr std::array<Command, 16> commands = {{
     {"record", mdf_tools::addRecordCommand},
     {"info", mdf_tools::addInfoCommand},
     {"list", mdf_tools::addListCommand},
@@ -53,6 +53,7 @@ constexpr std::array<Command, 15> commands = {{
     {"export", mdf_tools::addExportCommand},
     {"plot", mdf_tools::addPlotCommand},
     {"stats", mdf_tools::addStatsCommand},
+    {"frames", mdf_tools::addFramesCommand},
     {"diff", mdf_tools::addDiffCommand},
     {"extract", mdf_tools::addExtractCommand},
     {"import", mdf_tools::addImportCommand},

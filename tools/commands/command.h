@@ -25,6 +25,7 @@ void addGraphCommand(CLI::App& app, int& exit_code);
 void addExportCommand(CLI::App& app, int& exit_code);
 void addPlotCommand(CLI::App& app, int& exit_code);
 void addStatsCommand(CLI::App& app, int& exit_code);
+void addFramesCommand(CLI::App& app, int& exit_code);
 void addDiffCommand(CLI::App& app, int& exit_code);
 void addExtractCommand(CLI::App& app, int& exit_code);
 void addImportCommand(CLI::App& app, int& exit_code);

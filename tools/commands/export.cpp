@@ -26,6 +26,7 @@
 #include "reader/bytes/input_file.h"
 #include "reader/columns/joined_table.h"
 #include "sample_options.h"
+#include "time_option.h"
 
 namespace mdf_tools {
 
@@ -235,18 +236,8 @@ class Destination {
 
 /// How the values of a file are to be written.
 ValueForm formFor(const Request& request, const Header& header, const NoteSink& note) {
-  ValueForm form;
+  ValueForm form = timeFormOf(request.time, header, note);
   form.digits = request.digits;
-  if (request.time != "seconds") {
-    form.time = request.time == "iso" ? ValueForm::Time::iso : ValueForm::Time::nanoseconds;
-    const StoredTime start(header.start_time, header.zone_minutes, header.daylight_minutes,
-                           header.time_flags);
-    if (start.isUnset()) {
-      note("the file does not say when it was begun; times are in seconds since then");
-    } else {
-      form.start = start;
-    }
-  }
   return form;
 }
 
@@ -510,11 +501,7 @@ void addExportCommand(CLI::App& app, int& exit_code) {
   request->query = addSelectionOptions(*command, false);
   addTimeBaseOptions(*command, request);
   command->add_flag("--empty", request->with_empty, "Write tables without samples, too");
-  command
-      ->add_option("--time", request->time,
-                   "Times as seconds since the measurement began, dates, or ns since 1970")
-      ->check(CLI::IsMember({"seconds", "iso", "ns"}))
-      ->option_text("seconds|iso|ns");
+  addTimeOption(*command, request->time);
   command
       ->add_option("--digits", request->digits,
                    "Numbers with so many significant digits, in place of as many as it takes")

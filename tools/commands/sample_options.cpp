@@ -8,14 +8,7 @@
 
 namespace mdf_tools {
 
-std::shared_ptr<Query> addSelectionOptions(CLI::App& command, bool takes_several) {
-  auto query = std::make_shared<Query>();
-  command
-      .add_option("-c,--channel", query->channels,
-                  "Channels whose name matches a pattern with *, ? and [...]; may be repeated")
-      ->type_name("GLOB")
-      ->allow_extra_args(takes_several);
-  addGroupOption(command, query->group);
+void addRangeOptions(CLI::App& command, const std::shared_ptr<Query>& query) {
   command.add_option("--from", query->from, "Samples from this time (master value) on")
       ->type_name("T")
       ->check(isNumber());
@@ -27,6 +20,17 @@ std::shared_ptr<Query> addSelectionOptions(CLI::App& command, bool takes_several
       throw CLI::ValidationError("--from is after --to");
     }
   });
+}
+
+std::shared_ptr<Query> addSelectionOptions(CLI::App& command, bool takes_several) {
+  auto query = std::make_shared<Query>();
+  command
+      .add_option("-c,--channel", query->channels,
+                  "Channels whose name matches a pattern with *, ? and [...]; may be repeated")
+      ->type_name("GLOB")
+      ->allow_extra_args(takes_several);
+  addGroupOption(command, query->group);
+  addRangeOptions(command, query);
   CLI::Option* const first =
       command.add_option("--first", query->first, "The first N records of each channel group")
           ->type_name("N")

@@ -21,6 +21,9 @@ using namespace mdf_reader;
 /// @param takes_several whether one --channel may be followed by several patterns.
 std::shared_ptr<Query> addSelectionOptions(CLI::App& command, bool takes_several);
 
+/// Adds --from and --to.
+void addRangeOptions(CLI::App& command, const std::shared_ptr<Query>& query);
+
 /// "no channel matches ...", for a file that has none of the samples that are wanted.
 std::string nothingChosen(const Query& query);
 

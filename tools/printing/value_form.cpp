@@ -52,21 +52,34 @@ bool ValueForm::isTime(const TableHead& table, std::size_t column) const {
          table.columns[0].channel->sync_type == is_time;
 }
 
+void ValueForm::printTime(double seconds, std::optional<int> decimals, std::string& text) const {
+  const auto nanoseconds =
+      time != Time::seconds && start ? start->nanosecondsAfter(seconds) : std::nullopt;
+  if (nanoseconds) {
+    text += time == Time::iso ? start->isoAfter(seconds) : std::to_string(*nanoseconds);
+  } else if (digits > 0) {
+    printDigits(seconds, digits, text);
+  } else if (decimals) {
+    printDecimals(seconds, *decimals, text);
+  } else {
+    printNumber(seconds, text);
+  }
+}
+
 void ValueForm::print(const Batch& batch, std::size_t column, std::size_t row,
                       std::string& text) const {
   const ColumnData& values = batch.column(column);
   const bool is_there = values.isValid(row) && isNumber(values.type());
   const bool is_real = is_there && !isInteger(values.type());
   const bool is_master = batch.head().has_master && column == 0;
-  const auto nanoseconds = is_there && time != Time::seconds && isTime(batch.head(), column)
-                               ? start->nanosecondsAfter(values.real(row))
-                               : std::nullopt;
-  if (nanoseconds) {
-    text += time == Time::iso ? start->isoAfter(values.real(row)) : std::to_string(*nanoseconds);
+  const auto decimals = is_master ? batch.head().columns[0].decimals : std::nullopt;
+  if (is_there && time != Time::seconds && isTime(batch.head(), column) &&
+      start->nanosecondsAfter(values.real(row))) {
+    printTime(values.real(row), decimals, text);
   } else if (is_real && digits > 0) {
     printDigits(values.real(row), digits, text);
-  } else if (is_real && is_master && batch.head().columns[0].decimals) {
-    printDecimals(values.real(row), *batch.head().columns[0].decimals, text);
+  } else if (is_real && decimals) {
+    printDecimals(values.real(row), *decimals, text);
   } else {
     values.print(row, text);
   }

@@ -28,6 +28,10 @@ struct ValueForm {
     return time == Time::iso && isTime(table, column);
   }
 
+  /// Appends a time in seconds since the measurement was started; as a fraction of no more decimal
+  /// places than these.
+  void printTime(double seconds, std::optional<int> decimals, std::string& text) const;
+
   /// Appends a value; nothing where there is none. Times that the file stores as integers have no
   /// more decimal places than these.
   void print(const Batch& batch, std::size_t column, std::size_t row, std::string& text) const;

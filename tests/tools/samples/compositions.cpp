@@ -69,6 +69,40 @@ Sample bitStructure() {
                    {"0,1,2,10", "0.5,0,5,5"}});
 }
 
+/// Members that carry their structure's name, as bus loggers write them.
+Sample busFrames() {
+  SampleFile file;
+  const auto member = [&](const std::string& name, std::uint32_t byte, std::uint32_t bits,
+                          unsigned bit = 0) {
+    return file.addChannel(part("CAN_DataFrame." + name, byte, bits, bit));
+  };
+  ChannelSpec data = part("CAN_DataFrame.DataBytes", 14, 16);
+  data.data_type = 10;
+  const auto channel =
+      addStructure(file, "CAN_DataFrame", 8, 8,
+                   {member("BusChannel", 8, 8), member("ID", 9, 29), member("IDE", 12, 1, 7),
+                    member("Dir", 13, 1), member("EDL", 13, 1, 1), member("BRS", 13, 1, 2),
+                    member("ESI", 13, 1, 3), member("DLC", 13, 4, 4), file.addChannel(data)});
+  ValueTable table{{{"t", "s"}}, {"0,1,291,0,0,0,0,0,2,1234", "0.5,2,419361024,1,1,1,1,0,1,ab00"}};
+  for (const char* name :
+       {"BusChannel", "ID", "IDE", "Dir", "EDL", "BRS", "ESI", "DLC", "DataBytes"}) {
+    table.columns.push_back({std::string("CAN_DataFrame.") + name, ""});
+  }
+  return composed("bus-frames", "frames of CAN and CAN FD", std::move(file), channel,
+                  {"01 23010000 20 1234", "02 00f1fe98 17 ab00"}, table);
+}
+
+Sample busErrors() {
+  SampleFile file;
+  const auto channel = addStructure(file, "CAN_ErrorFrame", 8, 2,
+                                    {file.addChannel(part("CAN_ErrorFrame.BusChannel", 8)),
+                                     file.addChannel(part("CAN_ErrorFrame.ErrorType", 9))});
+  return composed(
+      "bus-errors", "error frames of CAN", std::move(file), channel, {"0103", "0200"},
+      {{{"t", "s"}, {"CAN_ErrorFrame.BusChannel", ""}, {"CAN_ErrorFrame.ErrorType", ""}},
+       {"0,1,3", "0.5,2,0"}});
+}
+
 /// What an array block says.
 struct ArraySpec {
   std::uint32_t flags = 0;
@@ -311,11 +345,11 @@ Sample arrayOfChannelGroupsWithAxis() {
 }  // namespace
 
 Samples compositionSamples() {
-  return together(
-      {arrays(),
-       {structure(), nestedStructure(), bitStructure(), invalidElements(), convertedArray(),
-        arrayInStructure(), arrayOfChannelGroups(), arrayOfChannelGroupsWithAxis(),
-        arrayOfDataGroups(), arrayOfStructures(), arrayOfStructuresOfArrays(), arrayOfArrays()}});
+  return together({arrays(),
+                   {structure(), nestedStructure(), bitStructure(), busFrames(), busErrors(),
+                    invalidElements(), convertedArray(), arrayInStructure(), arrayOfChannelGroups(),
+                    arrayOfChannelGroupsWithAxis(), arrayOfDataGroups(), arrayOfStructures(),
+                    arrayOfStructuresOfArrays(), arrayOfArrays()}});
 }
 
 }  // namespace mdf_tests

@@ -1,0 +1,41 @@
+#ifndef MDF_READER_BUS_BUS_FRAME_H_
+#define MDF_READER_BUS_BUS_FRAME_H_
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace mdf_reader {
+
+/// A frame that a logger saw on a bus, or an error that took its place.
+struct BusFrame {
+  enum class Kind : std::uint8_t { data, remote, error, overload, lin, lin_error };
+  enum class Direction : std::uint8_t { unknown, received, sent };
+  /// What the bits of a CAN error frame were wrong in, as the format numbers it.
+  enum class Error : std::uint8_t { unknown, bit, form, stuffing, checksum, acknowledgement };
+
+  bool isLin() const { return kind == Kind::lin || kind == Kind::lin_error; }
+  bool hasId() const { return kind == Kind::data || kind == Kind::remote || kind == Kind::lin; }
+
+  double time = 0;                    ///< in seconds since the measurement was started
+  std::optional<int> time_decimals;   ///< how many decimal places suffice for it, where known
+  std::string_view bus;               ///< "can1"
+  std::string_view name;              ///< of its kind in the file: "CAN_DataFrame"
+  Kind kind = Kind::data;
+  Direction direction = Direction::unknown;
+  Error error = Error::unknown;
+  std::uint32_t id = 0;
+  bool is_extended = false;           ///< the identifier has 29 bits
+  bool is_fd = false;                 ///< a frame of CAN FD
+  bool has_bit_rate_switch = false;
+  bool has_error_state = false;       ///< its sender was error passive
+  std::uint64_t length = 0;           ///< of the data, as the frame states it
+  std::string_view data;              ///< as far as it was recorded, never longer than that
+};
+
+/// The bytes of data that a data length code stands for.
+std::uint64_t dataLengthOf(std::uint64_t code, bool is_fd);
+
+}  // namespace mdf_reader
+
+#endif  // MDF_READER_BUS_BUS_FRAME_H_

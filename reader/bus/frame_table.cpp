@@ -1,0 +1,205 @@
+#include "frame_table.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+namespace mdf_reader {
+
+namespace {
+
+using Kind = BusFrame::Kind;
+
+constexpr std::uint32_t extended_flag = 0x80000000;
+constexpr std::uint32_t most_extended = 0x1FFFFFFF;
+constexpr std::uint32_t most_standard = 0x7FF;
+
+/// Names of structures and what their frames are.
+constexpr std::pair<std::string_view, Kind> kinds[] = {
+    {"CAN_DataFrame", Kind::data},         {"CAN_RemoteFrame", Kind::remote},
+    {"CAN_ErrorFrame", Kind::error},       {"CAN_OverloadFrame", Kind::overload},
+    {"LIN_Frame", Kind::lin},
+};
+
+/// None for another event than a frame. All other events of LIN are errors.
+std::optional<Kind> kindOf(std::string_view name) {
+  const auto* const found = std::find_if(std::begin(kinds), std::end(kinds),
+                                         [&](const auto& each) { return each.first == name; });
+  if (found != std::end(kinds)) {
+    return found->second;
+  }
+  return name.substr(0, 4) == "LIN_" ? std::optional(Kind::lin_error) : std::nullopt;
+}
+
+/// "CAN 2" as a word: "CAN_2".
+std::string wordOf(std::string_view name) {
+  std::string word(name);
+  for (char& character : word) {
+    if (std::isalnum(static_cast<unsigned char>(character)) == 0 && character != '-') {
+      character = '_';
+    }
+  }
+  return word;
+}
+
+}  // namespace
+
+std::uint64_t dataLengthOf(std::uint64_t code, bool is_fd) {
+  constexpr std::uint64_t lengths[] = {12, 16, 20, 24, 32, 48, 64};
+  if (code <= 8 || !is_fd) {
+    return std::min<std::uint64_t>(code, 8);
+  }
+  return lengths[std::min<std::uint64_t>(code, 15) - 9];
+}
+
+FrameTable::FrameTable(std::unique_ptr<Table> table) : table_(std::move(table)) {
+  takeColumns();
+  nameBus();
+  frame_.name = name_;
+  frame_.time = -std::numeric_limits<double>::infinity();
+  const auto kind = kindOf(name_);
+  holds_frames_ = kind.has_value();
+  frame_.kind = kind.value_or(Kind::lin_error);
+  is_usable_ = holds_frames_ && table_->head().has_master &&
+               isNumber(table_->head().columns[0].type) &&
+               (!frame_.hasId() || columns_[identifier]);
+}
+
+/// A column is called "CAN_DataFrame.ID", whether its channel has the structure's name in front or
+/// not.
+void FrameTable::takeColumns() {
+  constexpr std::pair<std::string_view, Role> members[] = {
+      {"BusChannel", channel}, {"ID", identifier},          {"IDE", is_extended},
+      {"Dir", direction},      {"DLC", length_code},        {"DataLength", length},
+      {"EDL", is_fd},          {"BRS", bit_rate_switch},    {"ESI", error_state},
+      {"ErrorType", error_type}, {"ReceivedDataByteCount", length},
+  };
+  const std::vector<ColumnHead>& heads = table_->head().columns;
+  for (std::size_t i = table_->head().has_master ? 1U : 0U; i < heads.size(); ++i) {
+    const std::string_view name = heads[i].channel->name;
+    const std::string_view member = name.substr(name.rfind('.') + 1);
+    if (name_.empty()) {
+      name_ = wordOf(heads[i].name.substr(0, heads[i].name.find('.')));
+    }
+    if (member == "DataBytes") {
+      data_columns_.push_back(i);
+    }
+    for (const auto& [known, role] : members) {
+      if (member == known && isNumber(heads[i].type) && !columns_[role]) {
+        columns_[role] = i;
+      }
+    }
+  }
+}
+
+/// Where no member says which bus it is, all frames of the group are of one that is called as the
+/// group is.
+void FrameTable::nameBus() {
+  family_ = name_.substr(0, 3) == "LIN" ? "lin" : "can";
+  const std::string_view shown = group().shownName();
+  bus_ = shown.empty() || shown == name_ ? family_ : wordOf(shown);
+}
+
+bool FrameTable::next() {
+  while (is_usable_) {
+    if (batch_ == nullptr || ++row_ >= batch_->rows()) {
+      batch_ = table_->next();
+      row_ = 0;
+    }
+    if (batch_ == nullptr) {
+      return false;
+    }
+    if (take()) {
+      return true;
+    }
+    ++left_out_;
+  }
+  return false;
+}
+
+std::optional<std::uint64_t> FrameTable::number(Role role) const {
+  if (!columns_[role] || !batch_->column(*columns_[role]).isValid(row_)) {
+    return std::nullopt;
+  }
+  const double value = batch_->column(*columns_[role]).real(row_);
+  constexpr double limit = 18446744073709551616.0;
+  return value >= 0 && value < limit ? std::optional(static_cast<std::uint64_t>(value))
+                                     : std::nullopt;
+}
+
+bool FrameTable::take() {
+  const double time = batch_->column(0).real(row_);
+  if (!std::isfinite(time) || (frame_.hasId() && !number(identifier))) {
+    return false;
+  }
+  backwards_ += time < frame_.time ? 1U : 0U;
+  frame_.time = time;
+  frame_.time_decimals = batch_->head().columns[0].decimals;
+  frame_.direction = directionOf();
+  frame_.is_fd = isSet(Role::is_fd);
+  frame_.has_bit_rate_switch = isSet(bit_rate_switch);
+  frame_.has_error_state = isSet(error_state);
+  frame_.error = static_cast<BusFrame::Error>(std::min<std::uint64_t>(
+      number(error_type).value_or(0), std::uint64_t{5}));
+  takeId();
+  takeBus();
+  takeData();
+  return true;
+}
+
+BusFrame::Direction FrameTable::directionOf() const {
+  const auto stored = number(direction);
+  if (!stored) {
+    return BusFrame::Direction::unknown;
+  }
+  return *stored == 0 ? BusFrame::Direction::received : BusFrame::Direction::sent;
+}
+
+/// Some writers mark extended identifiers by their highest bit alone.
+void FrameTable::takeId() {
+  const auto id = static_cast<std::uint32_t>(number(identifier).value_or(0));
+  const bool is_marked = (id & extended_flag) != 0 || (id & most_extended) > most_standard;
+  frame_.is_extended = columns_[Role::is_extended] ? isSet(Role::is_extended) : is_marked;
+  frame_.is_extended = frame_.is_extended && !frame_.isLin();
+  frame_.id = id & most_extended;
+}
+
+void FrameTable::takeBus() {
+  const auto bus = number(channel);
+  if (bus && bus != bus_number_) {
+    bus_number_ = bus;
+    bus_ = family_ + std::to_string(*bus);
+  }
+  frame_.bus = bus_;
+}
+
+void FrameTable::takeData() {
+  const std::string_view recorded = bytes();
+  const auto stated = number(length);
+  const auto code = number(length_code);
+  frame_.length = stated ? *stated : code ? dataLengthOf(*code, frame_.is_fd) : recorded.size();
+  frame_.data = recorded.substr(
+      0, static_cast<std::size_t>(std::min<std::uint64_t>(frame_.length, recorded.size())));
+  if (frame_.kind == Kind::remote) {
+    frame_.data = {};  // it asks for so many
+  } else {
+    shortened_ += frame_.data.size() < frame_.length ? 1U : 0U;
+  }
+}
+
+std::string_view FrameTable::bytes() {
+  if (data_columns_.size() == 1 && !isNumber(batch_->column(data_columns_[0]).type())) {
+    return batch_->column(data_columns_[0]).text(row_);
+  }
+  data_.clear();
+  for (const std::size_t column : data_columns_) {
+    data_ += static_cast<char>(static_cast<unsigned char>(
+        std::clamp(batch_->column(column).real(row_), 0.0, 255.0)));
+  }
+  return data_;
+}
+
+}  // namespace mdf_reader

@@ -1,0 +1,209 @@
+#include "frame_writer.h"
+
+#include <cmath>
+#include <cstdio>
+#include <string_view>
+
+#include "printing/json_output.h"
+#include "reader/columns/column_data.h"
+#include "socket_can.h"
+
+namespace mdf_tools {
+
+namespace {
+
+using Kind = BusFrame::Kind;
+
+/// Appends a number in hexadecimal digits, so many at least.
+void addHex(std::uint32_t number, int digits, std::string& out) {
+  char text[16];
+  const int length =
+      std::snprintf(text, sizeof text, "%0*X", digits, static_cast<unsigned>(number));
+  out.append(text, static_cast<std::size_t>(length));
+}
+
+void addHex(std::string_view bytes, std::string& out, std::string_view between = "") {
+  constexpr char digits[] = "0123456789ABCDEF";
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(bytes[i]);
+    out += i == 0 ? "" : between;
+    out += digits[byte >> 4U];
+    out += digits[byte & 15U];
+  }
+}
+
+/// The text on the right of a field of so many characters, or on its left.
+void addRight(std::string_view text, std::size_t width, std::string& out) {
+  out.append(width - std::min(width, text.size()), ' ');
+  out += text;
+}
+void addLeft(std::string_view text, std::size_t width, std::string& out) {
+  out += text;
+  out.append(width - std::min(width, text.size()), ' ');
+}
+
+std::string_view kindText(const BusFrame& frame) {
+  constexpr std::string_view names[] = {"data", "remote", "error", "overload", "lin"};
+  return frame.kind == Kind::lin_error ? frame.name : names[static_cast<int>(frame.kind)];
+}
+
+std::string_view directionText(const BusFrame& frame) {
+  constexpr std::string_view names[] = {"", "Rx", "Tx"};
+  return names[static_cast<int>(frame.direction)];
+}
+
+std::string_view errorText(const BusFrame& frame) {
+  constexpr std::string_view names[] = {"", "bit", "form", "stuffing", "crc", "ack"};
+  return names[static_cast<int>(frame.error)];
+}
+
+/// What people want to know of a frame besides its data: "FD BRS", "remote", "error bit".
+std::string flagText(const BusFrame& frame) {
+  std::string text;
+  const auto add = [&](bool is_so, std::string_view word) {
+    if (is_so) {
+      text += text.empty() ? "" : " ";
+      text += word;
+    }
+  };
+  add(frame.kind != Kind::data && frame.kind != Kind::lin, kindText(frame));
+  add(frame.error != BusFrame::Error::unknown, errorText(frame));
+  add(frame.is_fd, "FD");
+  add(frame.has_bit_rate_switch, "BRS");
+  add(frame.has_error_state, "ESI");
+  return text;
+}
+
+const char* yesOrNo(bool is_so) { return is_so ? "true" : "false"; }
+
+}  // namespace
+
+std::string idText(const BusFrame& frame) {
+  std::string text;
+  if (frame.hasId()) {
+    addHex(frame.id, frame.is_extended ? 8 : frame.isLin() ? 2 : 3, text);
+  }
+  return text;
+}
+
+std::optional<std::int64_t> nanosecondsOf(const BusFrame& frame,
+                                          const std::optional<StoredTime>& start) {
+  constexpr double most_seconds = 9e9;
+  if (start) {
+    return start->nanosecondsAfter(frame.time);
+  }
+  return std::abs(frame.time) < most_seconds ? std::optional(std::llround(frame.time * 1e9))
+                                             : std::nullopt;
+}
+
+bool TextFrameWriter::add(const BusFrame& frame, std::string& out) {
+  std::string time;
+  form_.printTime(frame.time, frame.time_decimals, time);
+  addRight(time, 14, out);
+  out += "  ";
+  addLeft(frame.bus, 8, out);
+  addRight(idText(frame), 8, out);
+  out += "  ";
+  addLeft(directionText(frame), 4, out);
+  addLeft(flagText(frame), 8, out);
+  out += " [";
+  addRight(std::to_string(frame.length), 2, out);
+  out += frame.data.empty() ? "]" : "]  ";
+  addHex(frame.data, out, " ");
+  out += '\n';
+  return true;
+}
+
+void CsvFrameWriter::begin(std::string& out) {
+  out += form_.time == ValueForm::Time::seconds ? "time [s]" : "time";
+  out += ",bus,frame,id,extended,direction,fd,brs,esi,error,length,data\n";
+}
+
+bool CsvFrameWriter::add(const BusFrame& frame, std::string& out) {
+  form_.printTime(frame.time, frame.time_decimals, out);
+  const auto addField = [&](std::string_view text) {
+    out += ',';
+    out += text;
+  };
+  addField(frame.bus);
+  addField(kindText(frame));
+  addField(idText(frame));
+  addField(frame.hasId() ? frame.is_extended ? "1" : "0" : "");
+  addField(directionText(frame));
+  addField(frame.is_fd ? "1" : "0");
+  addField(frame.has_bit_rate_switch ? "1" : "0");
+  addField(frame.has_error_state ? "1" : "0");
+  addField(errorText(frame));
+  addField(std::to_string(frame.length));
+  out += ',';
+  addHex(frame.data, out);
+  out += '\n';
+  return true;
+}
+
+JsonFrameWriter::JsonFrameWriter(const std::string& file, ValueForm form)
+    : beginning_("{\"schema\":" + std::to_string(json_schema) +
+                 ",\"file\":" + jsonLine(textOrNull(file)) + ",\"time\":"),
+      form_(form) {}
+
+bool JsonFrameWriter::add(const BusFrame& frame, std::string& out) {
+  out += beginning_;
+  const bool is_text = form_.time == ValueForm::Time::iso && form_.start &&
+                       form_.start->nanosecondsAfter(frame.time);
+  out += is_text ? "\"" : "";
+  form_.printTime(frame.time, frame.time_decimals, out);
+  out += is_text ? "\"" : "";
+  const auto addText = [&](const char* name, std::string_view text) {
+    out.append(",\"").append(name).append("\":");
+    out += text.empty() ? std::string("null") : '"' + std::string(text) + '"';
+  };
+  addText("bus", frame.bus);
+  addText("frame", kindText(frame));
+  out += ",\"id\":" + (frame.hasId() ? std::to_string(frame.id) : "null");
+  addText("hex", idText(frame));
+  out.append(",\"extended\":").append(frame.hasId() ? yesOrNo(frame.is_extended) : "null");
+  addText("direction", directionText(frame));
+  out.append(",\"fd\":").append(yesOrNo(frame.is_fd));
+  out.append(",\"brs\":").append(yesOrNo(frame.has_bit_rate_switch));
+  out.append(",\"esi\":").append(yesOrNo(frame.has_error_state));
+  addText("error", errorText(frame));
+  out += ",\"length\":" + std::to_string(frame.length) + ",\"data\":\"";
+  addHex(frame.data, out);
+  out += "\"}\n";
+  return true;
+}
+
+bool CandumpWriter::add(const BusFrame& frame, std::string& out) {
+  const auto nanoseconds = nanosecondsOf(frame, start_);
+  const auto socket = socketCanOf(frame);
+  if (!socket || !nanoseconds || *nanoseconds < 0) {
+    return false;
+  }
+  char time[48];
+  const int length = std::snprintf(time, sizeof time, "(%010lld.%06lld) ",
+                                   static_cast<long long>(*nanoseconds / 1000000000),
+                                   static_cast<long long>(*nanoseconds % 1000000000 / 1000));
+  out.append(time, static_cast<std::size_t>(length));
+  out += frame.bus;
+  out += ' ';
+  const bool is_remote = (socket->id & SocketCanFrame::remote) != 0;
+  if (frame.hasId()) {
+    out += idText(frame);
+  } else {
+    addHex(socket->id, 8, out);
+  }
+  out += '#';
+  if (socket->is_fd) {
+    out += '#';
+    addHex(socket->fd_flags, 1, out);
+  }
+  if (is_remote) {
+    out += 'R';
+    out += socket->length > 0 ? std::to_string(socket->length) : "";
+  }
+  addHex(socket->data, out);
+  out += '\n';
+  return true;
+}
+
+}  // namespace mdf_tools

@@ -1,0 +1,29 @@
+#include "time_option.h"
+
+#include <CLI/CLI.hpp>
+
+namespace mdf_tools {
+
+void addTimeOption(CLI::App& command, std::string& time) {
+  command
+      .add_option("--time", time,
+                  "Times as seconds since the measurement began, dates, or ns since 1970")
+      ->check(CLI::IsMember({"seconds", "iso", "ns"}))
+      ->option_text("seconds|iso|ns");
+}
+
+ValueForm timeFormOf(const std::string& time, const Header& header, const NoteSink& note) {
+  ValueForm form;
+  if (time != "seconds") {
+    form.time = time == "iso" ? ValueForm::Time::iso : ValueForm::Time::nanoseconds;
+    const StoredTime start = startTimeOf(header);
+    if (start.isUnset()) {
+      note("the file does not say when it was begun; times are in seconds since then");
+    } else {
+      form.start = start;
+    }
+  }
+  return form;
+}
+
+}  // namespace mdf_tools
