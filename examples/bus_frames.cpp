@@ -36,8 +36,8 @@ static LINK appendChannels(std::ostream& file, const std::string& frame,
     next = append(file, channel(file, frame + '.' + member->name, *member, type, next));
   }
   const UINT32 end = members.back().bit + members.back().bits;
-  CNBLOCK structure = channel(file, frame, {"", time_bits, end - time_bits},
-                              CNBLOCK::CN_DATATYPE_BYTEARRAY, 0);
+  CNBLOCK structure =
+      channel(file, frame, {"", time_bits, end - time_bits}, CNBLOCK::CN_DATATYPE_BYTEARRAY, 0);
   structure.setCompositionblock(next);
   CCBLOCK seconds(CCBLOCK::CC_CONVTYPE_LINEAR);
   seconds.setupLinearConversion(0, 0.001);

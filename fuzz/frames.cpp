@@ -28,9 +28,9 @@ class Forms {
     expect(frame.data.size() <= frame.length, "no more bytes than a frame has");
     const std::string json = textOf(json_, frame);
     expect(Json::accept(json), "lines of JSON");
-    for (FrameWriter* const writer : {static_cast<FrameWriter*>(&text_),
-                                      static_cast<FrameWriter*>(&csv_),
-                                      static_cast<FrameWriter*>(&candump_)}) {
+    for (FrameWriter* const writer :
+         {static_cast<FrameWriter*>(&text_), static_cast<FrameWriter*>(&csv_),
+          static_cast<FrameWriter*>(&candump_)}) {
       const std::string line = textOf(*writer, frame);
       expect(line.find('\n') == line.size() - 1 || line.empty(), "a line");
     }

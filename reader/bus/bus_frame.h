@@ -17,20 +17,20 @@ struct BusFrame {
   bool isLin() const { return kind == Kind::lin || kind == Kind::lin_error; }
   bool hasId() const { return kind == Kind::data || kind == Kind::remote || kind == Kind::lin; }
 
-  double time = 0;                    ///< in seconds since the measurement was started
-  std::optional<int> time_decimals;   ///< how many decimal places suffice for it, where known
-  std::string_view bus;               ///< "can1"
-  std::string_view name;              ///< of its kind in the file: "CAN_DataFrame"
+  double time = 0;                   ///< in seconds since the measurement was started
+  std::optional<int> time_decimals;  ///< how many decimal places suffice for it, where known
+  std::string_view bus;              ///< "can1"
+  std::string_view name;             ///< of its kind in the file: "CAN_DataFrame"
   Kind kind = Kind::data;
   Direction direction = Direction::unknown;
   Error error = Error::unknown;
   std::uint32_t id = 0;
-  bool is_extended = false;           ///< the identifier has 29 bits
-  bool is_fd = false;                 ///< a frame of CAN FD
+  bool is_extended = false;  ///< the identifier has 29 bits
+  bool is_fd = false;        ///< a frame of CAN FD
   bool has_bit_rate_switch = false;
-  bool has_error_state = false;       ///< its sender was error passive
-  std::uint64_t length = 0;           ///< of the data, as the frame states it
-  std::string_view data;              ///< as far as it was recorded, never longer than that
+  bool has_error_state = false;  ///< its sender was error passive
+  std::uint64_t length = 0;      ///< of the data, as the frame states it
+  std::string_view data;         ///< as far as it was recorded, never longer than that
 };
 
 /// The bytes of data that a data length code stands for.

@@ -20,8 +20,7 @@ Query queryOf(std::optional<double> from, std::optional<double> to) {
 
 std::string labelOf(const ChannelGroup& group) {
   const std::string number = "channel group " + std::to_string(group.index);
-  return group.shownName().empty() ? number
-                                   : number + " \"" + printable(group.shownName()) + '"';
+  return group.shownName().empty() ? number : number + " \"" + printable(group.shownName()) + '"';
 }
 
 std::string counted(std::uint64_t count, const std::string& one, const std::string& several) {

@@ -19,8 +19,8 @@ constexpr std::uint32_t most_standard = 0x7FF;
 
 /// Names of structures and what their frames are.
 constexpr std::pair<std::string_view, Kind> kinds[] = {
-    {"CAN_DataFrame", Kind::data},         {"CAN_RemoteFrame", Kind::remote},
-    {"CAN_ErrorFrame", Kind::error},       {"CAN_OverloadFrame", Kind::overload},
+    {"CAN_DataFrame", Kind::data},   {"CAN_RemoteFrame", Kind::remote},
+    {"CAN_ErrorFrame", Kind::error}, {"CAN_OverloadFrame", Kind::overload},
     {"LIN_Frame", Kind::lin},
 };
 
@@ -72,10 +72,17 @@ FrameTable::FrameTable(std::unique_ptr<Table> table) : table_(std::move(table)) 
 /// not.
 void FrameTable::takeColumns() {
   constexpr std::pair<std::string_view, Role> members[] = {
-      {"BusChannel", channel}, {"ID", identifier},          {"IDE", is_extended},
-      {"Dir", direction},      {"DLC", length_code},        {"DataLength", length},
-      {"EDL", is_fd},          {"BRS", bit_rate_switch},    {"ESI", error_state},
-      {"ErrorType", error_type}, {"ReceivedDataByteCount", length},
+      {"BusChannel", channel},
+      {"ID", identifier},
+      {"IDE", is_extended},
+      {"Dir", direction},
+      {"DLC", length_code},
+      {"DataLength", length},
+      {"EDL", is_fd},
+      {"BRS", bit_rate_switch},
+      {"ESI", error_state},
+      {"ErrorType", error_type},
+      {"ReceivedDataByteCount", length},
   };
   const std::vector<ColumnHead>& heads = table_->head().columns;
   for (std::size_t i = table_->head().has_master ? 1U : 0U; i < heads.size(); ++i) {
@@ -142,8 +149,8 @@ bool FrameTable::take() {
   frame_.is_fd = isSet(Role::is_fd);
   frame_.has_bit_rate_switch = isSet(bit_rate_switch);
   frame_.has_error_state = isSet(error_state);
-  frame_.error = static_cast<BusFrame::Error>(std::min<std::uint64_t>(
-      number(error_type).value_or(0), std::uint64_t{5}));
+  frame_.error = static_cast<BusFrame::Error>(
+      std::min<std::uint64_t>(number(error_type).value_or(0), std::uint64_t{5}));
   takeId();
   takeBus();
   takeData();
@@ -196,8 +203,8 @@ std::string_view FrameTable::bytes() {
   }
   data_.clear();
   for (const std::size_t column : data_columns_) {
-    data_ += static_cast<char>(static_cast<unsigned char>(
-        std::clamp(batch_->column(column).real(row_), 0.0, 255.0)));
+    data_ += static_cast<char>(
+        static_cast<unsigned char>(std::clamp(batch_->column(column).real(row_), 0.0, 255.0)));
   }
   return data_;
 }

@@ -17,8 +17,8 @@ void setError(const BusFrame& frame, SocketCanFrame& socket) {
   socket.id = SocketCanFrame::error | (is_unacknowledged ? no_acknowledgement : protocol);
   socket.length = 8;
   socket.data.assign(8, '\0');
-  socket.data[2] = frame.kind == BusFrame::Kind::overload ? overload
-                                                          : kinds[static_cast<int>(frame.error)];
+  socket.data[2] =
+      frame.kind == BusFrame::Kind::overload ? overload : kinds[static_cast<int>(frame.error)];
   socket.data[3] = frame.error == BusFrame::Error::checksum ? checksum_place : '\0';
 }
 
@@ -41,9 +41,9 @@ std::optional<SocketCanFrame> socketCanOf(const BusFrame& frame) {
     return socket;
   }
   socket.is_fd = frame.is_fd;
-  socket.fd_flags = static_cast<std::uint8_t>(
-      (frame.has_bit_rate_switch ? SocketCanFrame::bit_rate_switch : 0) |
-      (frame.has_error_state ? SocketCanFrame::error_state : 0));
+  socket.fd_flags =
+      static_cast<std::uint8_t>((frame.has_bit_rate_switch ? SocketCanFrame::bit_rate_switch : 0) |
+                                (frame.has_error_state ? SocketCanFrame::error_state : 0));
   socket.length = static_cast<std::uint8_t>(frame.data.size());
   socket.data = frame.data;
   return socket;

@@ -16,11 +16,11 @@ struct SocketCanFrame {
   enum Flag : std::uint32_t { extended = 0x80000000, remote = 0x40000000, error = 0x20000000 };
   enum FdFlag : std::uint8_t { bit_rate_switch = 1, error_state = 2, fd = 4 };
 
-  std::uint32_t id = 0;       ///< with flags
+  std::uint32_t id = 0;  ///< with flags
   bool is_fd = false;
   std::uint8_t fd_flags = 0;  ///< without the one that says that it is one of CAN FD
   std::uint8_t length = 0;
-  std::string data;           ///< so many bytes; none of a remote frame
+  std::string data;  ///< so many bytes; none of a remote frame
 };
 
 /// None for a frame of another bus, or one of more bytes than CAN has.

@@ -107,8 +107,8 @@ std::unique_ptr<FrameWriter> writerOf(const Request& request, const FileContext&
 
 void noteUnwritten(std::uint64_t count, const Request& request, const NoteSink& note) {
   if (count > 0) {
-    note(std::to_string(count) + (count == 1 ? " frame is" : " frames are") + " left out: " +
-         request.format + " has no place for " + (count == 1 ? "it" : "them"));
+    note(std::to_string(count) + (count == 1 ? " frame is" : " frames are") +
+         " left out: " + request.format + " has no place for " + (count == 1 ? "it" : "them"));
   }
 }
 
@@ -228,8 +228,7 @@ void addFramesCommand(CLI::App& app, int& exit_code) {
       app.add_subcommand("frames", "List the frames of CAN and LIN buses in the order of time");
   const auto request = std::make_shared<Request>();
   request->paths = addFileArguments(*command);
-  command
-      ->add_option("--id", request->ids, "Frames with these identifiers: 123,18FEF100x,700-7FF")
+  command->add_option("--id", request->ids, "Frames with these identifiers: 123,18FEF100x,700-7FF")
       ->type_name("IDS")
       ->delimiter(',')
       ->allow_extra_args(false);

@@ -38,16 +38,11 @@ ChannelSpec bitOf(const std::string& name, std::uint32_t byte, unsigned bit, std
 
 /// Bus at byte 8, identifier at 9, flags at 13, length at 14, data from 15 on.
 std::vector<ChannelSpec> canMembers() {
-  return {bitOf("BusChannel", 8, 0, 8),
-          bitOf("ID", 9, 0, 29),
-          bitOf("IDE", 12, 7, 1),
-          bitOf("Dir", 13, 0, 1),
-          bitOf("EDL", 13, 1, 1),
-          bitOf("BRS", 13, 2, 1),
-          bitOf("ESI", 13, 3, 1),
-          bitOf("ErrorType", 13, 4, 4),
-          bitOf("DataLength", 14, 0, 8),
-          channelOf("DataBytes", byte_array, 15, 8 * 15)};
+  return {bitOf("BusChannel", 8, 0, 8),  bitOf("ID", 9, 0, 29),
+          bitOf("IDE", 12, 7, 1),        bitOf("Dir", 13, 0, 1),
+          bitOf("EDL", 13, 1, 1),        bitOf("BRS", 13, 2, 1),
+          bitOf("ESI", 13, 3, 1),        bitOf("ErrorType", 13, 4, 4),
+          bitOf("DataLength", 14, 0, 8), channelOf("DataBytes", byte_array, 15, 8 * 15)};
 }
 
 /// A record of 30 bytes.
@@ -149,8 +144,20 @@ TEST(FramesCommand, WritesACapture) {
                  "--id", "0x10-0x1F"}),
             wrote(""));
   const auto interface = [](const std::string& name) {
-    return Bytes().u32(1).u32(40).u16(227).u16(0).u32(0).u16(2).u16(4).text(name).u16(9).u16(1).u32(
-        9).u32(0).u32(40);
+    return Bytes()
+        .u32(1)
+        .u32(40)
+        .u16(227)
+        .u16(0)
+        .u32(0)
+        .u16(2)
+        .u16(4)
+        .text(name)
+        .u16(9)
+        .u16(1)
+        .u32(9)
+        .u32(0)
+        .u32(40);
   };
   const auto packet = [](std::uint32_t number, std::uint64_t time, const std::string& bytes,
                          std::uint8_t direction) {
@@ -165,8 +172,8 @@ TEST(FramesCommand, WritesACapture) {
   Bytes expected;
   expected.u32(0x0A0D0D0A).u32(28).u32(0x1A2B3C4D).u16(1).u16(0).u64(UINT64_MAX).u32(28);
   expected.text(interface("can1"));
-  expected.text(packet(0, 1700000000500000000,
-                       Bytes().u8s({0, 0, 1, 0x23, 2, 0, 0, 0, 0x12, 0x34}), 1));
+  expected.text(
+      packet(0, 1700000000500000000, Bytes().u8s({0, 0, 1, 0x23, 2, 0, 0, 0, 0x12, 0x34}), 1));
   expected.text(packet(0, 1700000000750000000, Bytes().u8s({0x40, 0, 0, 0x10, 4, 0, 0, 0}), 2));
   expected.text(interface("can2"));
   expected.text(packet(1, 1700000001500000000,
@@ -182,8 +189,9 @@ TEST(FramesCommand, ChoosesIdentifiersAndBuses) {
             "             2  can1         7FF  Rx  FD ESI   [ 0]\n");
   EXPECT_EQ(frames(busFile(), {"--id", "0", "--bus", "can*"}), wrote(""));
   EXPECT_EQ(frames(busFile(), {"--id", "12G"}),
-            said(2, "--id: expected an identifier such as 123, 18FEF100x or 700-7FF, found "
-                    "\"12G\""));
+            said(2,
+                 "--id: expected an identifier such as 123, 18FEF100x or 700-7FF, found "
+                 "\"12G\""));
   EXPECT_EQ(frames(busFile(), {"--id", "7-3"}),
             said(2, "--id: the identifiers 7-3 end before they begin"));
 }
@@ -220,9 +228,9 @@ TEST(FramesCommand, ReadsUnsortedFramesOfVariableLength) {
 
 TEST(FramesCommand, SaysWhatIsNotInTheList) {
   FileBuilder file;
-  addFrames(file, "CAN_DataFrame", canMembers(),
-            record(1, 1, 1, 0, 0, "") +
-                record(std::numeric_limits<double>::quiet_NaN(), 1, 2, 0, 0, ""));
+  addFrames(
+      file, "CAN_DataFrame", canMembers(),
+      record(1, 1, 1, 0, 0, "") + record(std::numeric_limits<double>::quiet_NaN(), 1, 2, 0, 0, ""));
   addFrames(file, "CAN_DataFrame", {bitOf("BusChannel", 8, 0, 8)}, record(1, 1, 1, 0, 0, ""));
   addFrames(file, "FLX_Frame", canMembers(), record(1, 1, 1, 0, 0, ""));
   const RunResult result = frames(file.bytes(), {"--format", "candump"});
@@ -230,22 +238,27 @@ TEST(FramesCommand, SaysWhatIsNotInTheList) {
   EXPECT_EQ(result.output, "(0000000001.000000) can1 001#\n");
   const std::string words = "mdf: standard input: note: ";
   EXPECT_EQ(result.messages,
-            words + "channel group 1 has frames without times or without identifiers, which are "
-                    "left out\n" +
-                words + "channel group 2 has events of a bus that are no frames of CAN or LIN, "
-                        "which are left out\n" +
-                words + "the file does not say when it was begun; times count from the beginning of "
-                        "1970\n" +
-                words + "channel group 0: 1 record without a valid time or identifier is left "
-                        "out\n");
+            words +
+                "channel group 1 has frames without times or without identifiers, which are "
+                "left out\n" +
+                words +
+                "channel group 2 has events of a bus that are no frames of CAN or LIN, "
+                "which are left out\n" +
+                words +
+                "the file does not say when it was begun; times count from the beginning of "
+                "1970\n" +
+                words +
+                "channel group 0: 1 record without a valid time or identifier is left "
+                "out\n");
 }
 
 TEST(FramesCommand, NeedsFramesAndAPlaceForThem) {
   FileBuilder file;
   file.addSortedGroup({0, 8}, {timeChannel()}, 0);
   EXPECT_EQ(frames(file.bytes()).exit_code, 1);
-  EXPECT_TRUE(contains(frames(file.bytes()).messages, "no channel group holds frames of CAN or "
-                                                      "LIN\n"));
+  EXPECT_TRUE(contains(frames(file.bytes()).messages,
+                       "no channel group holds frames of CAN or "
+                       "LIN\n"));
   const ScratchFolder folder;
   folder.write("in.mf4", busFile());
   const std::string path = folder / "in.mf4";
