@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "changing/finishing.h"
+#include "changing/relinking.h"
 #include "changing/repair_report.h"
 #include "checking/file_check.h"
 #include "expect.h"
@@ -43,7 +44,7 @@ std::size_t errorsOf(const std::string& bytes) {
 
 }  // namespace
 
-/// Finishes any file, whatever it says of itself.
+/// Looks for lost blocks, and finishes any file, whatever it says of itself.
 std::string tryRepair(std::string_view input) {
   static const MemoryFile memory;
   memory.hold(input);
@@ -52,6 +53,10 @@ std::string tryRepair(std::string_view input) {
     return "refused";
   }
   const mdf_tests::AllocationLimit limit(memoryFor(input));
+  const Relinking relinking = relinkingOf(file);
+  for (const Relinking::PutBack& each : relinking.put_back) {
+    expect(each.place + sizeof each.place <= file.size(), "a link in the file");
+  }
   std::vector<Finding> losses;
   const Finishing finishing = finishingOf(file, [&](const Finding& finding) {
     expectSentence(finding, file.size());
@@ -62,7 +67,7 @@ std::string tryRepair(std::string_view input) {
   expect(output.bytes().size() <= 2 * input.size() + 4096,
          "a file that grows by its lists at most");
   const std::size_t errors = errorsOf(output.bytes());
-  const std::string sentence = repairSentence({"in", "out", finishing, losses});
+  const std::string sentence = repairSentence({"in", "out", {finishing, relinking}, losses});
   expect(sentence.find("repaired out: ") == 0, "a sentence");
   return std::to_string(losses.size()) + " losses, " + std::to_string(errors) + " errors";
 }

@@ -26,6 +26,11 @@ std::string listed(const std::vector<std::string>& things) {
   return text;
 }
 
+std::string putBackWords(const Relinking& relinking) {
+  const std::size_t count = relinking.put_back.size();
+  return count == 0 ? "" : "; put back " + counted(count, "block");
+}
+
 std::string keptWords(const Finishing& finishing) {
   std::uint64_t records = 0;
   std::uint64_t groups = 0;
@@ -90,15 +95,15 @@ Json listJson(const Things& things, const ToJson& json) {
 }  // namespace
 
 std::string repairSentence(const Repaired& repaired) {
-  const Finishing& finishing = repaired.finishing;
-  return "repaired " + repaired.output + ": " + keptWords(finishing) + cutWords(finishing) +
-         setWords(finishing) +
+  const Finishing& finishing = repaired.rescue.finishing;
+  return "repaired " + repaired.output + ": " + keptWords(finishing) +
+         putBackWords(repaired.rescue.relinking) + cutWords(finishing) + setWords(finishing) +
          (repaired.losses.empty() ? "; nothing lost"
                                   : "; see above for what could not be repaired");
 }
 
 std::string repairJson(const Repaired& repaired) {
-  const Finishing& finishing = repaired.finishing;
+  const Finishing& finishing = repaired.rescue.finishing;
   Json line;
   line["schema"] = json_schema;
   line["file"] = repaired.file;
@@ -116,6 +121,13 @@ std::string repairJson(const Repaired& repaired) {
   line["data_lists"] = listJson(finishing.lists, [](const Finishing::List& each) {
     return Json{{"offset", each.block}, {"entries", each.entries}, {"stated", each.stated}};
   });
+  line["put_back"] = listJson(repaired.rescue.relinking.put_back, [](const auto& each) {
+    return Json{{"offset", each.block.offset},
+                {"type", each.block.letters},
+                {"bytes", each.block.bytes},
+                {"link", each.role},
+                {"of", each.parent.offset}};
+  });
   line["cut"] = listJson(finishing.cuts, [](const Finishing::Cut& each) {
     return Json{{"offset", each.offset},
                 {"bytes", each.bytes},
@@ -124,6 +136,7 @@ std::string repairJson(const Repaired& repaired) {
   line["lost"] = listJson(repaired.losses, [](const Finding& each) {
     return Json{{"code", textOf(each.code).word}, {"offset", each.offset}, {"text", each.sentence}};
   });
+  line["more_lost"] = repaired.more_losses;
   return jsonLine(line);
 }
 

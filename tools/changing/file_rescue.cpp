@@ -1,0 +1,113 @@
+#include "file_rescue.h"
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "checking/file_check.h"
+#include "copy_failure.h"
+#include "file_copy.h"
+#include "framework/wire.h"
+#include "reader/blocks/unreadable.h"
+#include "reader/bytes/input_file.h"
+
+namespace mdf_tools {
+
+using namespace mdf_reader;
+using mdf_v4_10::detail::storeLe;
+
+namespace {
+
+/// The file word of unfinished files, and all flags whose rest can be found out.
+constexpr std::string_view unfinished_word = "UnFinMF ";
+constexpr std::string_view open_flags("\x3f\0\0\0", 4);
+constexpr std::uint64_t flags_at = 60;
+
+void put(mdf_writer::Output& output, std::uint64_t at, std::string_view bytes) {
+  if (output.write(at, bytes.data(), bytes.size()) < bytes.size()) {
+    throw CopyFailure("cannot write the new file: " + output.cause());
+  }
+}
+
+void applyTo(mdf_writer::Output& output, const Finishing& finishing) {
+  if (!apply(finishing, output)) {
+    throw CopyFailure("cannot write the new file: " + output.cause());
+  }
+}
+
+/// Sets the links to what was found.
+void putBack(const Relinking& relinking, mdf_writer::Output& output, const FindingSink& report) {
+  for (const Relinking::PutBack& each : relinking.put_back) {
+    std::string link(sizeof each.block.offset, '\0');
+    storeLe(link.data(), each.block.offset);
+    put(output, each.place, link);
+  }
+  for (const Relinking::Block& block : relinking.lost) {
+    report({Code::block_unreachable, block.offset, sentenceOf(block)});
+  }
+}
+
+}  // namespace
+
+void copyBytes(InputFile& file, mdf_writer::Output& output) {
+  std::uint64_t at = 0;
+  forEachPiece(file, 0, file.size(), [&](std::string_view piece) {
+    put(output, at, piece);
+    at += piece.size();
+  });
+}
+
+void findProblems(InputFile& file, const FindingSink& report) {
+  checkFile(file, [&](const Finding& finding) {
+    if (textOf(finding.code).severity != Severity::note) {
+      report(finding);
+    }
+  });
+}
+
+Rescue rescueFile(InputFile& file, const Scratch& scratch, const CopyOptions& options,
+                  const Scratch& output, const FindingSink& report) {
+  Rescue rescue;
+  rescue.relinking = relinkingOf(file);
+  copyBytes(file, scratch.output);
+  putBack(rescue.relinking, scratch.output, report);
+  put(scratch.output, 0, unfinished_word);
+  put(scratch.output, flags_at, open_flags);
+  InputFile unfinished(scratch.path);
+  rescue.finishing = finishingOf(unfinished, report);
+  if (rescue.finishing.counts.empty()) {
+    throw Unreadable(file.name() + ": nothing can be saved: no channel group can be reached",
+                     {Code::request_failed, 0, "no channel group"});
+  }
+  applyTo(scratch.output, rescue.finishing);
+  InputFile finished(scratch.path);
+  copyFile(finished, options, output.output, report, [](const std::string& /*note*/) {});
+  InputFile copy(output.path);
+  findProblems(copy, report);
+  return rescue;
+}
+
+Rescue finishFile(InputFile& file, const Scratch& scratch, const CopyOptions& options,
+                  const Scratch& output, const FindingSink& report) {
+  std::vector<Finding> losses;
+  bool is_whole = relinkingOf(file).put_back.empty();
+  Finishing finishing;
+  if (is_whole) {
+    finishing = finishingOf(file, [&](const Finding& loss) { losses.push_back(loss); });
+    copyBytes(file, output.output);
+    applyTo(output.output, finishing);
+    InputFile finished(output.path);
+    findProblems(finished, [&](const Finding& problem) {
+      is_whole = is_whole && textOf(problem.code).severity != Severity::error;
+      losses.push_back(problem);
+    });
+  }
+  if (!is_whole) {
+    output.output.cut(0);
+    return rescueFile(file, scratch, options, output, report);
+  }
+  std::for_each(losses.begin(), losses.end(), report);
+  return {finishing, {}};
+}
+
+}  // namespace mdf_tools
