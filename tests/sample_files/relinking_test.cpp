@@ -55,10 +55,9 @@ struct Groups {
 
 /// The sentence that says that a block was put back.
 std::string putBack(const std::string& type, std::uint64_t block, std::uint64_t bytes,
-                    const std::string& role, const std::string& parent_type,
-                    std::uint64_t parent) {
-  return "put back ##" + type + " at " + at(block) + " of " + std::to_string(bytes) + " bytes: " +
-         role + " of ##" + parent_type + " at " + at(parent) + " leads to it\n";
+                    const std::string& role, const std::string& parent_type, std::uint64_t parent) {
+  return "put back ##" + type + " at " + at(block) + " of " + std::to_string(bytes) +
+         " bytes: " + role + " of ##" + parent_type + " at " + at(parent) + " leads to it\n";
 }
 
 /// Expects that a damaged file becomes one with the same values, and nothing is lost.

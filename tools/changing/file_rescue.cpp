@@ -1,7 +1,9 @@
 #include "file_rescue.h"
 
 #include <algorithm>
+#include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "checking/file_check.h"
@@ -65,6 +67,33 @@ void findProblems(InputFile& file, const FindingSink& report) {
   });
 }
 
+namespace {
+
+/// Finds out what a file needs to be finished. What is between records is left out before.
+void finishWithoutGaps(const Scratch& scratch, Rescue& rescue, const FindingSink& report) {
+  std::vector<Finding> losses;
+  const FindingSink keep = [&](const Finding& loss) { losses.push_back(loss); };
+  InputFile file(scratch.path);
+  rescue.finishing = finishingOf(file, keep);
+  if (!rescue.finishing.stuck.empty()) {
+    SkippedRecords skipped = skipDamagedRecords(file, rescue.finishing.stuck, scratch.output);
+    losses.clear();
+    InputFile without_gaps(scratch.path);
+    rescue.finishing = finishingOf(without_gaps, keep);
+    auto& cuts = rescue.finishing.cuts;
+    cuts.insert(cuts.end(), skipped.cuts.begin(), skipped.cuts.end());
+    rescue.skipped = std::move(skipped.gaps);
+  }
+  for (const SkippedRecords::Gap& gap : rescue.skipped) {
+    report({Code::bytes_not_read, gap.offset,
+            "expected a record, found none in " + std::to_string(gap.bytes) +
+                (gap.bytes == 1 ? " byte, which is" : " bytes, which are") + " left out"});
+  }
+  std::for_each(losses.begin(), losses.end(), report);
+}
+
+}  // namespace
+
 Rescue rescueFile(InputFile& file, const Scratch& scratch, const CopyOptions& options,
                   const Scratch& output, const FindingSink& report) {
   Rescue rescue;
@@ -73,8 +102,7 @@ Rescue rescueFile(InputFile& file, const Scratch& scratch, const CopyOptions& op
   putBack(rescue.relinking, scratch.output, report);
   put(scratch.output, 0, unfinished_word);
   put(scratch.output, flags_at, open_flags);
-  InputFile unfinished(scratch.path);
-  rescue.finishing = finishingOf(unfinished, report);
+  finishWithoutGaps(scratch, rescue, report);
   if (rescue.finishing.counts.empty()) {
     throw Unreadable(file.name() + ": nothing can be saved: no channel group can be reached",
                      {Code::request_failed, 0, "no channel group"});
@@ -94,6 +122,9 @@ Rescue finishFile(InputFile& file, const Scratch& scratch, const CopyOptions& op
   Finishing finishing;
   if (is_whole) {
     finishing = finishingOf(file, [&](const Finding& loss) { losses.push_back(loss); });
+    is_whole = finishing.stuck.empty();
+  }
+  if (is_whole) {
     copyBytes(file, output.output);
     applyTo(output.output, finishing);
     InputFile finished(output.path);
@@ -107,7 +138,7 @@ Rescue finishFile(InputFile& file, const Scratch& scratch, const CopyOptions& op
     return rescueFile(file, scratch, options, output, report);
   }
   std::for_each(losses.begin(), losses.end(), report);
-  return {finishing, {}};
+  return {finishing};
 }
 
 }  // namespace mdf_tools

@@ -4,10 +4,12 @@
 #include <mdf_writer/files/output.h>
 
 #include <string>
+#include <vector>
 
 #include "copy_options.h"
 #include "finishing.h"
 #include "reader/blocks/finding.h"
+#include "record_rescue.h"
 #include "relinking.h"
 
 namespace mdf_reader {
@@ -27,13 +29,14 @@ struct Scratch {
 /// What was done to a damaged file.
 struct Rescue {
   Finishing finishing;
-  Relinking relinking;
+  Relinking relinking = {};
+  std::vector<SkippedRecords::Gap> skipped = {};  ///< bytes between records
 };
 
 /// Writes a file of what there is in a damaged one. Blocks that no link leads to are put back where
 /// they belong. Then it goes by what the data shows instead of what the blocks state of it, as if
-/// the file had not been finished, and copies what can be reached. Reports what is lost, and what is
-/// still wrong with the new file. The scratch holds the file's bytes meanwhile.
+/// the file had not been finished, and copies what can be reached. Reports what is lost, and what
+/// is still wrong with the new file. The scratch holds the file's bytes meanwhile.
 /// @throws CopyFailure where the outputs take no more, or the blocks are too many for a copy.
 /// @throws Unreadable where nothing can be saved; then nothing was written to the output.
 Rescue rescueFile(InputFile& file, const Scratch& scratch, const CopyOptions& options,

@@ -19,6 +19,7 @@
 #include "reader/data/records.h"
 #include "reader/model/description.h"
 #include "reader/model/element_groups.h"
+#include "record_search.h"
 #include "writer/files/output.h"
 
 namespace mdf_tools {
@@ -58,23 +59,6 @@ std::uint64_t placeOfField(const BlockFields& block, std::string_view name) {
   const auto field = std::find_if(fields.begin(), fields.end(),
                                   [&](const FieldLayout& each) { return each.name == name; });
   return block.fieldsAt() + field->offset;
-}
-
-/// Whether records go on to the end of the data from some place after a position, where none can be
-/// read. Then something in between is damaged, and not just the last record torn.
-bool goesOnAfter(const RecordFormat& format, DataStream& data, std::uint64_t position) {
-  std::uint64_t left = std::uint64_t{1} << 22U;  // records that are looked at
-  while (data.reaches(++position) && left > 0) {
-    Record record = format.at(data, position);
-    const bool is_one = record.group != nullptr;
-    for (; record.group != nullptr && left > 0; --left) {
-      record = format.at(data, record.next);
-    }
-    if (is_one && record.kind == Record::end) {
-      return true;
-    }
-  }
-  return false;
 }
 
 /// Where the last whole one of values ends, each with its length before it.
@@ -218,8 +202,10 @@ std::uint64_t Finisher::wholeBytes(const DataGroup& data_group, Records& records
     return data.size();
   }
   const RecordFormat format(data_group, records.idBytes());
-  if (records.idBytes() > 0 &&
-      (format.at(data, whole).kind == Record::unknown_id || goesOnAfter(format, data, whole))) {
+  const Record::Kind kind = format.at(data, whole).kind;
+  if (kind == Record::unknown_id ||
+      (kind == Record::past_end && RecordSearch(data_group, format, data).after(whole))) {
+    result_.stuck.push_back({data_group.offset, data_group.data, linkTo(data_group)});
     return data.size();
   }
   return cutAfter(data, whole, true);

@@ -27,9 +27,9 @@ struct BlockLink {
   }
 };
 
-/// The blocks of a damaged file, those that can be reached and those that cannot, and the links that
-/// lead to none. A lost block is a root where no lost block links to it. Memory is in proportion to
-/// the number of blocks.
+/// The blocks of a damaged file, those that can be reached and those that cannot, and the links
+/// that lead to none. A lost block is a root where no lost block links to it. Memory is in
+/// proportion to the number of blocks.
 class LostBlocks {
  public:
   explicit LostBlocks(InputFile& file);

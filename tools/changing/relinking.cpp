@@ -148,9 +148,8 @@ void Relinker::fillTree(std::string_view letters) {
   if (links.empty() && roots.size() == 1) {
     links = linksTo(letters, blocks_.empty());
   }
-  const bool are_pieces =
-      roots.size() == 1 ||
-      (roots.size() <= most_steps && blocks_.brokenInLost(letters) == roots.size() - 1);
+  const bool are_pieces = roots.size() == 1 || (roots.size() <= most_steps &&
+                                                blocks_.brokenInLost(letters) == roots.size() - 1);
   for (std::size_t i = 0; i < roots.size() && are_pieces && links.size() == 1; ++i) {
     putBack(links.front(), roots[i]);
     links = linksTo(letters, blocks_.broken());
@@ -329,9 +328,7 @@ Relinker::Links Relinker::wantingData(Links links) {
   return links;
 }
 
-std::string shown(const Relinking::Block& block) {
-  return nameAt(block.letters, block.offset);
-}
+std::string shown(const Relinking::Block& block) { return nameAt(block.letters, block.offset); }
 
 }  // namespace
 

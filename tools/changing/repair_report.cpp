@@ -83,6 +83,16 @@ std::string setWords(const Finishing& finishing) {
   return things.empty() ? "; no counts to set" : "; counts of " + listed(things) + " set";
 }
 
+std::string skippedWords(const std::vector<SkippedRecords::Gap>& gaps) {
+  std::uint64_t bytes = 0;
+  for (const SkippedRecords::Gap& gap : gaps) {
+    bytes += gap.bytes;
+  }
+  return gaps.empty() ? ""
+                      : "; skipped " + counted(bytes, "byte") + " in " +
+                            counted(gaps.size(), "place") + " between records";
+}
+
 template <class Things, class ToJson>
 Json listJson(const Things& things, const ToJson& json) {
   Json list = Json::array();
@@ -97,7 +107,8 @@ Json listJson(const Things& things, const ToJson& json) {
 std::string repairSentence(const Repaired& repaired) {
   const Finishing& finishing = repaired.rescue.finishing;
   return "repaired " + repaired.output + ": " + keptWords(finishing) +
-         putBackWords(repaired.rescue.relinking) + cutWords(finishing) + setWords(finishing) +
+         putBackWords(repaired.rescue.relinking) + skippedWords(repaired.rescue.skipped) +
+         cutWords(finishing) + setWords(finishing) +
          (repaired.losses.empty() ? "; nothing lost"
                                   : "; see above for what could not be repaired");
 }
@@ -127,6 +138,9 @@ std::string repairJson(const Repaired& repaired) {
                 {"bytes", each.block.bytes},
                 {"link", each.role},
                 {"of", each.parent.offset}};
+  });
+  line["skipped"] = listJson(repaired.rescue.skipped, [](const auto& each) {
+    return Json{{"offset", each.offset}, {"bytes", each.bytes}};
   });
   line["cut"] = listJson(finishing.cuts, [](const Finishing::Cut& each) {
     return Json{{"offset", each.offset},

@@ -139,7 +139,10 @@ void Repair::finish() {
   }
   InputFile repaired(context_.path);
   findProblems(repaired, loss_);
-  tell({finishing, {}});
+  if (!finishing.stuck.empty()) {
+    context_.say("records after a damaged one are left as they are: -o makes a file with them");
+  }
+  tell({finishing});
 }
 
 /// Makes a file of what there is in an unfinished or a damaged one.
@@ -271,6 +274,9 @@ the only link of their kind that leads nowhere, or that is empty. Each is named 
 others, and of texts, nobody can tell where they belong: they are reported. Then everything that can be
 reached from the header block is copied, with as many records as there are, and links that lead nowhere
 are left out.
+
+A record of unsorted data that has an unknown id, or a length that leads outside, is left out, and what
+follows it up to where records fit together again: up to the end of the data, or 32 of them in a row.
 
 One line on standard output says what was kept, cut and set. What could not be read, and what
 'mdf check' finds in the new file, is reported on standard error.
