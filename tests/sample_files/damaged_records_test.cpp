@@ -97,8 +97,8 @@ TEST(DamagedRecords, MayBeSeveral) {
   const std::string noise = "no record at all";
   const Unsorted file(good + noise + good + noise + good + numberRecord(1).substr(0, 5));
   const RepairedBytes repaired = repairedBytes(file.bytes);
-  EXPECT_EQ(gapsOf(repaired, file.data), std::to_string(good.size()) + "+16 " +
-                                             std::to_string(2 * good.size() + 16) + "+16 ");
+  EXPECT_EQ(gapsOf(repaired, file.data),
+            std::to_string(good.size()) + "+16 " + std::to_string(2 * good.size() + 16) + "+16 ");
   ASSERT_EQ(repaired.rescue.finishing.cuts.size(), 1U);
   EXPECT_EQ(repaired.rescue.finishing.cuts[0].offset, file.data + 24 + 3 * good.size() + 32);
   EXPECT_EQ(repaired.rescue.finishing.cuts[0].bytes, 5U);

@@ -10,6 +10,7 @@
 #include "copy_failure.h"
 #include "file_copy.h"
 #include "framework/wire.h"
+#include "reader/blocks/identification.h"
 #include "reader/blocks/unreadable.h"
 #include "reader/bytes/input_file.h"
 
@@ -20,15 +21,24 @@ using mdf_v4_10::detail::storeLe;
 
 namespace {
 
-/// The file word of unfinished files, and all flags whose rest can be found out.
-constexpr std::string_view unfinished_word = "UnFinMF ";
-constexpr std::string_view open_flags("\x3f\0\0\0", 4);
-constexpr std::uint64_t flags_at = 60;
-
 void put(mdf_writer::Output& output, std::uint64_t at, std::string_view bytes) {
   if (output.write(at, bytes.data(), bytes.size()) < bytes.size()) {
     throw CopyFailure("cannot write the new file: " + output.cause());
   }
+}
+
+/// Has the file say that it is not finished, and all open that shows in its data. Whether offsets
+/// of values are open does not.
+void openAll(InputFile& file, mdf_writer::Output& output) {
+  constexpr unsigned all = 0x3f;
+  constexpr std::uint64_t flags_at = 60;
+  const Identification id = readIdentification(file);
+  const unsigned offsets =
+      id.isUnfinished() ? id.standard_flags & Identification::variable_length_offsets_open : 0;
+  std::string flags(4, '\0');
+  flags[0] = static_cast<char>(all | offsets);
+  put(output, 0, "UnFinMF ");
+  put(output, flags_at, flags);
 }
 
 void applyTo(mdf_writer::Output& output, const Finishing& finishing) {
@@ -59,12 +69,14 @@ void copyBytes(InputFile& file, mdf_writer::Output& output) {
   });
 }
 
-void findProblems(InputFile& file, const FindingSink& report) {
-  checkFile(file, [&](const Finding& finding) {
+void findProblems(InputFile& file, const FindingSink& report,
+                  const std::vector<KnownRecords>& known) {
+  const FindingSink but_notes = [&](const Finding& finding) {
     if (textOf(finding.code).severity != Severity::note) {
       report(finding);
     }
-  });
+  };
+  checkFile(file, but_notes, known);
 }
 
 namespace {
@@ -100,13 +112,14 @@ Rescue rescueFile(InputFile& file, const Scratch& scratch, const CopyOptions& op
   rescue.relinking = relinkingOf(file);
   copyBytes(file, scratch.output);
   putBack(rescue.relinking, scratch.output, report);
-  put(scratch.output, 0, unfinished_word);
-  put(scratch.output, flags_at, open_flags);
+  openAll(file, scratch.output);
   finishWithoutGaps(scratch, rescue, report);
   if (rescue.finishing.counts.empty()) {
     throw Unreadable(file.name() + ": nothing can be saved: no channel group can be reached",
                      {Code::request_failed, 0, "no channel group"});
   }
+  InputFile without_gaps(scratch.path);
+  rescue.offsets = setValueOffsets(without_gaps, scratch.output, report);
   applyTo(scratch.output, rescue.finishing);
   InputFile finished(scratch.path);
   copyFile(finished, options, output.output, report, [](const std::string& /*note*/) {});
@@ -119,13 +132,16 @@ Rescue finishFile(InputFile& file, const Scratch& scratch, const CopyOptions& op
                   const Scratch& output, const FindingSink& report) {
   std::vector<Finding> losses;
   bool is_whole = relinkingOf(file).put_back.empty();
+  const FindingSink keep = [&](const Finding& loss) { losses.push_back(loss); };
   Finishing finishing;
+  std::vector<OffsetsSet> offsets;
   if (is_whole) {
-    finishing = finishingOf(file, [&](const Finding& loss) { losses.push_back(loss); });
+    finishing = finishingOf(file, keep);
     is_whole = finishing.stuck.empty();
   }
   if (is_whole) {
     copyBytes(file, output.output);
+    offsets = setValueOffsets(file, output.output, keep);
     applyTo(output.output, finishing);
     InputFile finished(output.path);
     findProblems(finished, [&](const Finding& problem) {
@@ -138,7 +154,20 @@ Rescue finishFile(InputFile& file, const Scratch& scratch, const CopyOptions& op
     return rescueFile(file, scratch, options, output, report);
   }
   std::for_each(losses.begin(), losses.end(), report);
-  return {finishing};
+  return {finishing, {}, {}, offsets};
+}
+
+Rescue finishInPlace(InputFile& file, const Scratch& same, const FindingSink& report) {
+  Rescue rescue;
+  rescue.finishing = finishingOf(file, report);
+  if (file.sizeNow() != file.size()) {
+    throw CopyFailure("the file is still being written");
+  }
+  rescue.offsets = setValueOffsets(file, same.output, report);
+  applyTo(same.output, rescue.finishing);
+  InputFile finished(same.path);
+  findProblems(finished, report, rescue.finishing.known);
+  return rescue;
 }
 
 }  // namespace mdf_tools

@@ -11,6 +11,7 @@
 #include "reader/blocks/finding.h"
 #include "record_rescue.h"
 #include "relinking.h"
+#include "value_offsets.h"
 
 namespace mdf_reader {
 class InputFile;
@@ -31,6 +32,7 @@ struct Rescue {
   Finishing finishing;
   Relinking relinking = {};
   std::vector<SkippedRecords::Gap> skipped = {};  ///< bytes between records
+  std::vector<OffsetsSet> offsets = {};
 };
 
 /// Writes a file of what there is in a damaged one. Blocks that no link leads to are put back where
@@ -48,8 +50,14 @@ Rescue rescueFile(InputFile& file, const Scratch& scratch, const CopyOptions& op
 Rescue finishFile(InputFile& file, const Scratch& scratch, const CopyOptions& options,
                   const Scratch& output, const FindingSink& report);
 
+/// The same in the file itself, as far as that is certain: it can be interrupted and done again.
+/// Its data is read once, unless values of variable length stand apart from their records.
+Rescue finishInPlace(InputFile& file, const Scratch& same, const FindingSink& report);
+
 /// Reports what is wrong with a file, but for notes.
-void findProblems(InputFile& file, const FindingSink& report);
+/// @param known see checkFile().
+void findProblems(InputFile& file, const FindingSink& report,
+                  const std::vector<KnownRecords>& known = {});
 
 /// Writes all bytes of a file.
 /// @throws CopyFailure where the output takes no more.

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "checking/file_check.h"
 #include "reader/blocks/finding.h"
 
 namespace mdf_reader {
@@ -74,6 +75,7 @@ struct Finishing {
   std::vector<List> lists;
   std::vector<Cut> cuts;
   std::vector<Stuck> stuck;
+  std::vector<KnownRecords> known;  ///< as they are when the file is finished
 
   /// The changes, step by step: each needs those before. After the first one the file gets its size
   /// and the zeros.

@@ -93,6 +93,14 @@ std::string skippedWords(const std::vector<SkippedRecords::Gap>& gaps) {
                             counted(gaps.size(), "place") + " between records";
 }
 
+std::string offsetWords(const std::vector<OffsetsSet>& offsets) {
+  std::uint64_t records = 0;
+  for (const OffsetsSet& each : offsets) {
+    records += each.records;
+  }
+  return records == 0 ? "" : "; " + counted(records, "offset") + " of values set";
+}
+
 template <class Things, class ToJson>
 Json listJson(const Things& things, const ToJson& json) {
   Json list = Json::array();
@@ -108,7 +116,7 @@ std::string repairSentence(const Repaired& repaired) {
   const Finishing& finishing = repaired.rescue.finishing;
   return "repaired " + repaired.output + ": " + keptWords(finishing) +
          putBackWords(repaired.rescue.relinking) + skippedWords(repaired.rescue.skipped) +
-         cutWords(finishing) + setWords(finishing) +
+         cutWords(finishing) + setWords(finishing) + offsetWords(repaired.rescue.offsets) +
          (repaired.losses.empty() ? "; nothing lost"
                                   : "; see above for what could not be repaired");
 }
@@ -141,6 +149,9 @@ std::string repairJson(const Repaired& repaired) {
   });
   line["skipped"] = listJson(repaired.rescue.skipped, [](const auto& each) {
     return Json{{"offset", each.offset}, {"bytes", each.bytes}};
+  });
+  line["value_offsets"] = listJson(repaired.rescue.offsets, [](const OffsetsSet& each) {
+    return Json{{"offset", each.channel}, {"records", each.records}};
   });
   line["cut"] = listJson(finishing.cuts, [](const Finishing::Cut& each) {
     return Json{{"offset", each.offset},

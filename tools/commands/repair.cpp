@@ -75,7 +75,6 @@ class Repair {
   void keepWhole();
   void finish();
   void make(bool is_unfinished);
-  void expectSameSize() const;
   void reportLosses();
   void tell(const Rescue& rescue);
 
@@ -126,23 +125,17 @@ void Repair::keepWhole() {
 
 /// Changes an unfinished file itself.
 void Repair::finish() {
-  const Finishing finishing = finishingOf(context_.file, loss_);
-  expectSameSize();
   const Descriptor file(open(context_.path.c_str(), O_RDWR | O_CLOEXEC));
   if (file.number() < 0) {
     throw Unwritable("cannot write " + context_.path + ": " +
                      std::generic_category().message(errno));
   }
   mdf_writer::FileOutput output(file.number());
-  if (!apply(finishing, output)) {
-    throw Unwritable("cannot write " + context_.path + ": " + output.cause());
-  }
-  InputFile repaired(context_.path);
-  findProblems(repaired, loss_);
-  if (!finishing.stuck.empty()) {
+  const Rescue rescue = finishInPlace(context_.file, {output, context_.path}, loss_);
+  if (!rescue.finishing.stuck.empty()) {
     context_.say("records after a damaged one are left as they are: -o makes a file with them");
   }
-  tell({finishing});
+  tell(rescue);
 }
 
 /// Makes a file of what there is in an unfinished or a damaged one.
@@ -158,16 +151,12 @@ void Repair::make(bool is_unfinished) {
   options.version = MDF_PROGRAM_VERSION;
   const auto work = is_unfinished ? finishFile : rescueFile;
   const Rescue rescue = work(context_.file, scratch, options, {copy, copy.place()}, loss_);
-  expectSameSize();
+  if (context_.file.sizeNow() != context_.file.size()) {
+    throw CopyFailure("the file is still being written");
+  }
   copy.appear();
   expectGood(copy);
   tell(rescue);
-}
-
-void Repair::expectSameSize() const {
-  if (context_.file.sizeNow() != context_.file.size()) {
-    throw Unwritable(context_.file.name() + ": the file is still being written");
-  }
 }
 
 /// Reports what was lost on the way, and what is still wrong with the file.
@@ -265,7 +254,9 @@ constexpr const char* footer =
 Unfinished files, whose logger lost its power or was killed: what their flags leave open is found out
 by reading their data. That is how many records each channel group and sample reduction has, how long
 the last data block is, which blocks the last data list has, and how many bytes values of variable
-length take. A record that was not written to its end is cut off. The data stays as it is.
+length take. A record that was not written to its end is cut off. Where the file says that records
+lack the offsets of their values of variable length, they get them, one value for each record. All
+other data stays as it is.
 
 Damaged files: blocks that no link leads to are found by their headers. Data groups, attachments,
 events and history go to the end of their lists; a data list gets the block that lies between its
