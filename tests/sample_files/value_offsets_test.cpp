@@ -125,9 +125,8 @@ TEST(FinishInPlace, ReadsUnsortedDataOnce) {
   mdf_reader::InputFile input(memory.path());
   std::vector<mdf_reader::Finding> losses;
   const FileReads reads;
-  const auto rescue =
-      mdf_tools::finishInPlace(input, {output, memory.path()},
-                               [&](const auto& loss) { losses.push_back(loss); });
+  const auto rescue = mdf_tools::finishInPlace(input, {output, memory.path()},
+                                               [&](const auto& loss) { losses.push_back(loss); });
   EXPECT_LT(reads.bytes(), records.size() * 5 / 4);
   EXPECT_EQ(losses.size(), 0U);
   ASSERT_EQ(rescue.finishing.counts.size(), 2U);

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "block_mending.h"
 #include "checking/file_check.h"
 #include "copy_failure.h"
 #include "file_copy.h"
@@ -47,12 +48,18 @@ void applyTo(mdf_writer::Output& output, const Finishing& finishing) {
   }
 }
 
+void change(const std::vector<NumberChange>& changes, mdf_writer::Output& output) {
+  for (const NumberChange& each : changes) {
+    std::string bytes(sizeof each.number, '\0');
+    storeLe(bytes.data(), each.number);
+    put(output, each.at, bytes);
+  }
+}
+
 /// Sets the links to what was found.
 void putBack(const Relinking& relinking, mdf_writer::Output& output, const FindingSink& report) {
   for (const Relinking::PutBack& each : relinking.put_back) {
-    std::string link(sizeof each.block.offset, '\0');
-    storeLe(link.data(), each.block.offset);
-    put(output, each.place, link);
+    change({{each.place, each.block.offset}}, output);
   }
   for (const Relinking::Block& block : relinking.lost) {
     report({Code::block_unreachable, block.offset, sentenceOf(block)});
@@ -80,6 +87,37 @@ void findProblems(InputFile& file, const FindingSink& report,
 }
 
 namespace {
+
+/// Whether lists or blocks of data are wrong, and not just what is in them.
+bool isOfDataBlocks(Code code) {
+  return (code >= Code::list_count_wrong && code <= Code::zip_type_unknown) ||
+         code == Code::cycle_count_wrong || code == Code::data_with_links;
+}
+
+/// Copies what can be reached. Data whose blocks are wrong still is put into new ones.
+void copyRepaired(InputFile& file, CopyOptions options, const Scratch& output,
+                  const FindingSink& report) {
+  const NoteSink no_notes = [](const std::string& /*note*/) {};
+  std::vector<Finding> losses;
+  const FindingSink keep = [&](const Finding& loss) { losses.push_back(loss); };
+  copyFile(file, options, output.output, keep, no_notes);
+  InputFile copy(output.path);
+  bool is_data_right = true;
+  findProblems(copy, [&](const Finding& problem) {
+    is_data_right = is_data_right && !isOfDataBlocks(problem.code);
+    losses.push_back(problem);
+  });
+  if (!is_data_right) {
+    output.output.cut(0);
+    options.form = DataForm();
+    options.form->zip = Zip::none;
+    copyFile(file, options, output.output, report, no_notes);
+    losses.clear();
+    InputFile again(output.path);
+    findProblems(again, keep);
+  }
+  std::for_each(losses.begin(), losses.end(), report);
+}
 
 /// Finds out what a file needs to be finished. What is between records is left out before.
 void finishWithoutGaps(const Scratch& scratch, Rescue& rescue, const FindingSink& report) {
@@ -109,9 +147,13 @@ void finishWithoutGaps(const Scratch& scratch, Rescue& rescue, const FindingSink
 Rescue rescueFile(InputFile& file, const Scratch& scratch, const CopyOptions& options,
                   const Scratch& output, const FindingSink& report) {
   Rescue rescue;
-  rescue.relinking = relinkingOf(file);
   copyBytes(file, scratch.output);
+  change(mendedHeaders(file, report), scratch.output);
+  InputFile mended(scratch.path);
+  rescue.relinking = relinkingOf(mended);
   putBack(rescue.relinking, scratch.output, report);
+  InputFile relinked(scratch.path);
+  change(mendedLinks(relinked, report), scratch.output);
   openAll(file, scratch.output);
   finishWithoutGaps(scratch, rescue, report);
   if (rescue.finishing.counts.empty()) {
@@ -122,9 +164,7 @@ Rescue rescueFile(InputFile& file, const Scratch& scratch, const CopyOptions& op
   rescue.offsets = setValueOffsets(without_gaps, scratch.output, report);
   applyTo(scratch.output, rescue.finishing);
   InputFile finished(scratch.path);
-  copyFile(finished, options, output.output, report, [](const std::string& /*note*/) {});
-  InputFile copy(output.path);
-  findProblems(copy, report);
+  copyRepaired(finished, options, output, report);
   return rescue;
 }
 
