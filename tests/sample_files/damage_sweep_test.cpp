@@ -56,18 +56,16 @@ class Damage {
   std::minstd_rand random_{1};
 };
 
-/// What is wrong in the fields of a block, or in the bytes of an attachment or of zipped data, nobody
-/// can restore. It is reported. All that leads from block to block, and to records, is right.
+/// What is wrong in the fields of a block, or in the bytes of an attachment or of zipped data,
+/// nobody can restore. It is reported. All that leads from block to block, and to records, is
+/// right.
 const std::set<std::string> of_contents = {
-    "attachment-digest-wrong", "attachment-length-wrong",
-    "chain-shared",            "channel-outside-record",
-    "conversion-unreadable",   "count-too-large",
-    "cycle-count-wrong",       "data-type-unknown",
-    "invalidation-bit-outside-record", "invalidation-data-wrong",
-    "length-too-small",        "links-missing",
-    "masters-overlap",         "record-id-size-wrong",
-    "remote-master-missing",   "signal-data-unused",
-    "value-outside-signal-data", "zip-broken",
+    "attachment-digest-wrong",   "attachment-length-wrong",   "chain-shared",
+    "channel-outside-record",    "conversion-unreadable",     "count-too-large",
+    "cycle-count-wrong",         "data-type-unknown",         "invalidation-bit-outside-record",
+    "invalidation-data-wrong",   "length-too-small",          "links-missing",
+    "masters-overlap",           "record-id-size-wrong",      "remote-master-missing",
+    "signal-data-unused",        "value-outside-signal-data", "zip-broken",
     "zip-original-length-wrong", "zip-type-unknown"};
 
 TEST(DamageSweep, RepairingMakesSoundFiles) {

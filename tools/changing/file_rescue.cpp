@@ -10,7 +10,7 @@
 #include "checking/file_check.h"
 #include "copy_failure.h"
 #include "file_copy.h"
-#include "framework/wire.h"
+#include "patching.h"
 #include "reader/blocks/identification.h"
 #include "reader/blocks/unreadable.h"
 #include "reader/bytes/input_file.h"
@@ -18,15 +18,8 @@
 namespace mdf_tools {
 
 using namespace mdf_reader;
-using mdf_v4_10::detail::storeLe;
 
 namespace {
-
-void put(mdf_writer::Output& output, std::uint64_t at, std::string_view bytes) {
-  if (output.write(at, bytes.data(), bytes.size()) < bytes.size()) {
-    throw CopyFailure("cannot write the new file: " + output.cause());
-  }
-}
 
 /// Has the file say that it is not finished, and all open that shows in its data. Whether offsets
 /// of values are open does not.
@@ -44,15 +37,13 @@ void openAll(InputFile& file, mdf_writer::Output& output) {
 
 void applyTo(mdf_writer::Output& output, const Finishing& finishing) {
   if (!apply(finishing, output)) {
-    throw CopyFailure("cannot write the new file: " + output.cause());
+    failToWrite(output);
   }
 }
 
 void change(const std::vector<NumberChange>& changes, mdf_writer::Output& output) {
   for (const NumberChange& each : changes) {
-    std::string bytes(sizeof each.number, '\0');
-    storeLe(bytes.data(), each.number);
-    put(output, each.at, bytes);
+    put(output, each.at, numberBytes(each.number));
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include "framework/wire.h"
 #include "mdf_v4_10.h"
+#include "patching.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/blocks/identification.h"
 #include "reader/blocks/walk.h"
@@ -40,12 +41,6 @@ constexpr std::string_view finished_word = "MDF     ";
 /// it ends; then blocks after its end, and zeros where something was cut off in its middle; then
 /// the links to those blocks. The file says last that it is finished.
 enum Step : std::size_t { set_numbers, add_blocks, set_links, end_file, step_count };
-
-std::string numberBytes(std::uint64_t number) {
-  std::string bytes(sizeof number, '\0');
-  storeLe(bytes.data(), number);
-  return bytes;
-}
 
 std::uint64_t aligned(std::uint64_t offset) { return (offset + 7) / 8 * 8; }
 

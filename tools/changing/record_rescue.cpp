@@ -7,6 +7,7 @@
 
 #include "copy_failure.h"
 #include "framework/wire.h"
+#include "patching.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/work_budget.h"
 #include "reader/data/data_file.h"
@@ -20,23 +21,10 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 using mdf_v4_10::detail::hostSize;
-using mdf_v4_10::detail::storeLe;
 
 namespace {
 
 const FindingSink silent = [](const Finding& /*finding*/) {};
-
-void put(mdf_writer::Output& output, std::uint64_t at, std::string_view bytes) {
-  if (output.write(at, bytes.data(), bytes.size()) < bytes.size()) {
-    throw CopyFailure("cannot write the new file: " + output.cause());
-  }
-}
-
-std::string numberBytes(std::uint64_t number) {
-  std::string bytes(sizeof number, '\0');
-  storeLe(bytes.data(), number);
-  return bytes;
-}
 
 /// A block of data that grows at the end of a file.
 class NewData {

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "copy_failure.h"
 #include "framework/wire.h"
+#include "patching.h"
 #include "reader/blocks/identification.h"
 #include "reader/bytes/input_file.h"
 #include "reader/data/data_file.h"
@@ -18,7 +18,6 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 using mdf_v4_10::detail::loadLe;
-using mdf_v4_10::detail::storeLe;
 
 namespace {
 
@@ -160,9 +159,7 @@ bool OffsetSetter::take(std::uint64_t position, std::string_view stored, std::ui
                std::to_string(found);
     return false;
   }
-  std::string bytes(offset_bytes, '\0');
-  storeLe(bytes.data(), offset);
-  if (!write(position, bytes)) {
+  if (!write(position, numberBytes(offset))) {
     problem_ = "expected data that is not zipped, found an offset in a zipped block";
     return false;
   }
@@ -181,9 +178,7 @@ bool OffsetSetter::write(std::uint64_t position, std::string_view bytes) {
   if (there.find_first_not_of('\0') != std::string::npos) {
     return false;
   }
-  if (output_.write(place, bytes.data(), bytes.size()) < bytes.size()) {
-    throw CopyFailure("cannot write the new file: " + output_.cause());
-  }
+  put(output_, place, bytes);
   return true;
 }
 
