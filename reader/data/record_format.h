@@ -60,6 +60,23 @@ class RecordFormat {
             position + head + length, 0};
   }
 
+  /// How many bytes the record has that some bytes begin with.
+  struct Size {
+    bool is_known;        ///< else no channel group has its id, or the bytes are too few to tell
+    std::uint64_t bytes;  ///< more than there are where they are too few; 0 for an unknown id
+  };
+  Size sizeIn(std::string_view bytes) const {
+    if (bytes.size() < id_bytes_) {
+      return {false, id_bytes_};
+    }
+    const Frame& frame = frameOf(loadId(bytes.data()));
+    const std::uint64_t head = id_bytes_ + std::uint64_t{frame.has_length ? length_bytes : 0};
+    if (frame.group == nullptr || bytes.size() < head) {
+      return {false, frame.group == nullptr ? 0 : head};
+    }
+    return {true, head + (frame.has_length ? lengthIn(bytes.data()) : frame.bytes)};
+  }
+
  private:
   Record fixed(DataStream& data, std::uint64_t position, const ChannelGroup& group) const;
   Record variable(DataStream& data, std::uint64_t position, const ChannelGroup& group) const;

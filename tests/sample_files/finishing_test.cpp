@@ -247,7 +247,7 @@ mdf_tools::Repaired finish(RecordedOutput& output) {
   const auto finishing =
       mdf_tools::finishingOf(file, [&](const Finding& finding) { losses.push_back(finding); });
   EXPECT_TRUE(mdf_tools::apply(finishing, output));
-  return {"in", "out", finishing, losses};
+  return {"in", "out", {finishing}, losses};
 }
 
 /// An output that holds a file, on its medium.

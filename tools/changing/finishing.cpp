@@ -6,6 +6,7 @@
 
 #include "framework/wire.h"
 #include "mdf_v4_10.h"
+#include "patching.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/blocks/identification.h"
 #include "reader/blocks/walk.h"
@@ -19,6 +20,7 @@
 #include "reader/data/records.h"
 #include "reader/model/description.h"
 #include "reader/model/element_groups.h"
+#include "record_search.h"
 #include "writer/files/output.h"
 
 namespace mdf_tools {
@@ -40,12 +42,6 @@ constexpr std::string_view finished_word = "MDF     ";
 /// the links to those blocks. The file says last that it is finished.
 enum Step : std::size_t { set_numbers, add_blocks, set_links, end_file, step_count };
 
-std::string numberBytes(std::uint64_t number) {
-  std::string bytes(sizeof number, '\0');
-  storeLe(bytes.data(), number);
-  return bytes;
-}
-
 std::uint64_t aligned(std::uint64_t offset) { return (offset + 7) / 8 * 8; }
 
 std::uint64_t placeOfLink(std::uint64_t block, std::uint64_t index) {
@@ -58,23 +54,6 @@ std::uint64_t placeOfField(const BlockFields& block, std::string_view name) {
   const auto field = std::find_if(fields.begin(), fields.end(),
                                   [&](const FieldLayout& each) { return each.name == name; });
   return block.fieldsAt() + field->offset;
-}
-
-/// Whether records go on to the end of the data from some place after a position, where none can be
-/// read. Then something in between is damaged, and not just the last record torn.
-bool goesOnAfter(const RecordFormat& format, DataStream& data, std::uint64_t position) {
-  std::uint64_t left = std::uint64_t{1} << 22U;  // records that are looked at
-  while (data.reaches(++position) && left > 0) {
-    Record record = format.at(data, position);
-    const bool is_one = record.group != nullptr;
-    for (; record.group != nullptr && left > 0; --left) {
-      record = format.at(data, record.next);
-    }
-    if (is_one && record.kind == Record::end) {
-      return true;
-    }
-  }
-  return false;
 }
 
 /// Where the last whole one of values ends, each with its length before it.
@@ -125,6 +104,7 @@ class Finisher {
   std::uint64_t linkTo(const DataGroup& data_group);
   std::uint64_t wholeBytes(const DataGroup& data_group, Records& records);
   void setCounts(const DataGroup& data_group, Records& records);
+  void addKnown(const DataGroup& data_group, Records& records, std::uint64_t whole);
   void setCount(const ChannelGroup& group, std::optional<std::uint64_t> records);
   void setLength(const ChannelGroup& group, Records& records);
   void finishReductions(const ChannelGroup& group);
@@ -176,14 +156,32 @@ void Finisher::finishDataGroup(const DataGroup& data_group) {
   Records records(data_file_, data_group, keep);
   records.examine();
   const std::size_t cuts = result_.cuts.size();
+  bool is_known = true;
   const std::uint64_t whole = wholeBytes(data_group, records);
   setCounts(data_group, records);
   finishData(linkTo(data_group), {data_group.offset, data_group.data}, whole);
   for (const Finding& finding : findings) {
     if (result_.cuts.size() == cuts || finding.offset != result_.cuts.back().offset) {
       report_(finding);
+      is_known = false;
     }
   }
+  if (is_known) {
+    addKnown(data_group, records, whole);
+  }
+}
+
+/// What need not be read again to check it.
+void Finisher::addKnown(const DataGroup& data_group, Records& records, std::uint64_t whole) {
+  KnownRecords known{data_group.offset, whole, {}};
+  for (const ChannelGroup& group : data_group.groups) {
+    const auto count = records.countOf(group);
+    if (!count || group.element || group.holdsVariableLength()) {
+      return;
+    }
+    known.counts.push_back(*count);
+  }
+  result_.known.push_back(std::move(known));
 }
 
 /// Where the link to the data stands: in the data group, or in the array whose elements have data
@@ -214,12 +212,14 @@ std::uint64_t Finisher::wholeBytes(const DataGroup& data_group, Records& records
   const std::uint64_t whole = records.wholeBytes();
   DataStream data(data_file_, {data_group.offset, data_group.data}, DataStream::Access::forward,
                   silent_);
-  if (whole == data.size() || data.isDamaged()) {
+  if (whole == data.size()) {
     return data.size();
   }
   const RecordFormat format(data_group, records.idBytes());
-  if (records.idBytes() > 0 &&
-      (format.at(data, whole).kind == Record::unknown_id || goesOnAfter(format, data, whole))) {
+  const Record::Kind kind = format.at(data, whole).kind;
+  if (kind == Record::unknown_id ||
+      (kind == Record::past_end && RecordSearch(data_group, format, data).after(whole))) {
+    result_.stuck.push_back({data_group.offset, data_group.data, linkTo(data_group)});
     return data.size();
   }
   return cutAfter(data, whole, true);
@@ -285,8 +285,7 @@ void Finisher::finishReductions(const ChannelGroup& group) {
         (block.hasFlag("sr_flags", SRBLOCK::invalidation_bytes) ? group.invalidation_bytes : 0);
     const std::uint64_t stated = block.number("sr_cycle_count");
     const std::uint64_t count = size == 0 ? stated : data.size() / size;
-    const bool is_whole = size == 0 || data.isDamaged();
-    const std::uint64_t keep = is_whole ? data.size() : cutAfter(data, count * size, true);
+    const std::uint64_t keep = size == 0 ? data.size() : cutAfter(data, count * size, true);
     finishData(placeOfLink(block.offset(), SRBLOCK::sr_data), link, keep);
     if (count != stated) {
       result_.counts.push_back(
@@ -307,7 +306,7 @@ void Finisher::finishValues(const ChannelGroup& group) {
     const DataLink link{channel.offset, channel.data};
     DataStream data(data_file_, link, DataStream::Access::forward, report_);
     const std::uint64_t whole = endOfValues(data);
-    const std::uint64_t keep = data.isDamaged() ? data.size() : cutAfter(data, whole, false);
+    const std::uint64_t keep = cutAfter(data, whole, false);
     finishData(placeOfLink(channel.offset, CNBLOCK::cn_data), link, keep);
   }
 }
@@ -509,15 +508,6 @@ void Finisher::clearOld(const RawBlock& list) {
 /// What is open and cannot be set is a loss, as far as anybody can tell.
 void Finisher::endFile() {
   const unsigned custom_flags = data_file_.identification().custom_flags;
-  const bool has_values =
-      std::any_of(result_.counts.begin(), result_.counts.end(),
-                  [](const Finishing::Count& count) { return count.holds_values; });
-  const unsigned offsets = Identification::variable_length_offsets_open;
-  if ((data_file_.identification().standard_flags & offsets) != 0 && has_values) {
-    report_({Code::file_unfinished, flags_place,
-             "expected records to say where their values of variable length are, found that this "
-             "was left open; they may have the values of others"});
-  }
   if (custom_flags != 0) {
     report_({Code::file_unfinished, flags_place,
              "expected no custom flags, found " + std::to_string(custom_flags) +

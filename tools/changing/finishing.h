@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "checking/file_check.h"
 #include "reader/blocks/finding.h"
 
 namespace mdf_reader {
@@ -50,6 +51,13 @@ struct Finishing {
     std::uint64_t bytes;
     bool is_record;
   };
+  /// Data with something between its records that is none. It stays as it is, and so do counts of
+  /// records after it.
+  struct Stuck {
+    std::uint64_t data_group;
+    std::uint64_t data;     ///< what it leads to
+    std::uint64_t link_at;  ///< of the link to that
+  };
   /// Bytes that are written over those of the file, or after them.
   struct Change {
     std::uint64_t at;
@@ -66,6 +74,8 @@ struct Finishing {
   std::vector<Length> lengths;
   std::vector<List> lists;
   std::vector<Cut> cuts;
+  std::vector<Stuck> stuck;
+  std::vector<KnownRecords> known;  ///< as they are when the file is finished
 
   /// The changes, step by step: each needs those before. After the first one the file gets its size
   /// and the zeros.

@@ -26,6 +26,11 @@ std::string listed(const std::vector<std::string>& things) {
   return text;
 }
 
+std::string putBackWords(const Relinking& relinking) {
+  const std::size_t count = relinking.put_back.size();
+  return count == 0 ? "" : "; put back " + counted(count, "block");
+}
+
 std::string keptWords(const Finishing& finishing) {
   std::uint64_t records = 0;
   std::uint64_t groups = 0;
@@ -78,6 +83,24 @@ std::string setWords(const Finishing& finishing) {
   return things.empty() ? "; no counts to set" : "; counts of " + listed(things) + " set";
 }
 
+std::string skippedWords(const std::vector<SkippedRecords::Gap>& gaps) {
+  std::uint64_t bytes = 0;
+  for (const SkippedRecords::Gap& gap : gaps) {
+    bytes += gap.bytes;
+  }
+  return gaps.empty() ? ""
+                      : "; skipped " + counted(bytes, "byte") + " in " +
+                            counted(gaps.size(), "place") + " between records";
+}
+
+std::string offsetWords(const std::vector<OffsetsSet>& offsets) {
+  std::uint64_t records = 0;
+  for (const OffsetsSet& each : offsets) {
+    records += each.records;
+  }
+  return records == 0 ? "" : "; " + counted(records, "offset") + " of values set";
+}
+
 template <class Things, class ToJson>
 Json listJson(const Things& things, const ToJson& json) {
   Json list = Json::array();
@@ -90,15 +113,16 @@ Json listJson(const Things& things, const ToJson& json) {
 }  // namespace
 
 std::string repairSentence(const Repaired& repaired) {
-  const Finishing& finishing = repaired.finishing;
-  return "repaired " + repaired.output + ": " + keptWords(finishing) + cutWords(finishing) +
-         setWords(finishing) +
+  const Finishing& finishing = repaired.rescue.finishing;
+  return "repaired " + repaired.output + ": " + keptWords(finishing) +
+         putBackWords(repaired.rescue.relinking) + skippedWords(repaired.rescue.skipped) +
+         cutWords(finishing) + setWords(finishing) + offsetWords(repaired.rescue.offsets) +
          (repaired.losses.empty() ? "; nothing lost"
                                   : "; see above for what could not be repaired");
 }
 
 std::string repairJson(const Repaired& repaired) {
-  const Finishing& finishing = repaired.finishing;
+  const Finishing& finishing = repaired.rescue.finishing;
   Json line;
   line["schema"] = json_schema;
   line["file"] = repaired.file;
@@ -116,6 +140,19 @@ std::string repairJson(const Repaired& repaired) {
   line["data_lists"] = listJson(finishing.lists, [](const Finishing::List& each) {
     return Json{{"offset", each.block}, {"entries", each.entries}, {"stated", each.stated}};
   });
+  line["put_back"] = listJson(repaired.rescue.relinking.put_back, [](const auto& each) {
+    return Json{{"offset", each.block.offset},
+                {"type", each.block.letters},
+                {"bytes", each.block.bytes},
+                {"link", each.role},
+                {"of", each.parent.offset}};
+  });
+  line["skipped"] = listJson(repaired.rescue.skipped, [](const auto& each) {
+    return Json{{"offset", each.offset}, {"bytes", each.bytes}};
+  });
+  line["value_offsets"] = listJson(repaired.rescue.offsets, [](const OffsetsSet& each) {
+    return Json{{"offset", each.channel}, {"records", each.records}};
+  });
   line["cut"] = listJson(finishing.cuts, [](const Finishing::Cut& each) {
     return Json{{"offset", each.offset},
                 {"bytes", each.bytes},
@@ -124,6 +161,7 @@ std::string repairJson(const Repaired& repaired) {
   line["lost"] = listJson(repaired.losses, [](const Finding& each) {
     return Json{{"code", textOf(each.code).word}, {"offset", each.offset}, {"text", each.sentence}};
   });
+  line["more_lost"] = repaired.more_losses;
   return jsonLine(line);
 }
 

@@ -1,10 +1,11 @@
 #ifndef MDF_TOOLS_CHANGING_REPAIR_REPORT_H_
 #define MDF_TOOLS_CHANGING_REPAIR_REPORT_H_
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "finishing.h"
+#include "file_rescue.h"
 #include "reader/blocks/finding.h"
 
 namespace mdf_tools {
@@ -15,8 +16,9 @@ using namespace mdf_reader;
 struct Repaired {
   std::string file;
   std::string output;  ///< the same where it was repaired in place
-  Finishing finishing;
-  std::vector<Finding> losses;
+  Rescue rescue;
+  std::vector<Finding> losses;    ///< the first ones
+  std::uint64_t more_losses = 0;  ///< that are not among them
 };
 
 /// "repaired whole.mf4: 84,730 records in 3 groups; ...": what was kept, cut, set and lost.

@@ -222,7 +222,8 @@ void checkSpace(const Subject& subject) {
 
 }  // namespace
 
-std::uint64_t checkFile(InputFile& file, const FindingSink& report) {
+std::uint64_t checkFile(InputFile& file, const FindingSink& report,
+                        const std::vector<KnownRecords>& known) {
   if (!checkIdentification(file, report)) {
     return 0;
   }
@@ -241,7 +242,7 @@ std::uint64_t checkFile(InputFile& file, const FindingSink& report) {
     checkBlock(subject, records, conversions, index);
   }
   records.leave();
-  records.checkRecords(from_readers);
+  records.checkRecords(from_readers, known);
   checkSpace(subject);
   return blocks.size();
 }

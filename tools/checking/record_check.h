@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "channel_check.h"
+#include "file_check.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/bytes/offset_set.h"
 #include "reader/data/data_links.h"
@@ -37,8 +38,9 @@ class RecordCheck {
   /// Leaves the groups that are being gone through.
   void leave();
 
-  /// Goes over the records of all data groups, and over the values that stand elsewhere.
-  void checkRecords(const FindingSink& report);
+  /// Goes over the records of all data groups, but for what is known of them, and over the values
+  /// that stand elsewhere.
+  void checkRecords(const FindingSink& report, const std::vector<KnownRecords>& known);
 
  private:
   void enterDataGroup(const BlockFields& block, std::uint32_t index);
@@ -46,6 +48,7 @@ class RecordCheck {
   void takeChannel(const BlockFields& block, std::uint32_t index);
   void checkReduction(const BlockFields& block, std::uint32_t index);
   bool isShared(DataLink link);
+  bool isAsKnown(const DataGroup& data_group, const std::vector<KnownRecords>& known) const;
   void checkShared(DataLink link, std::string_view link_name, std::uint32_t index);
 
   const Subject& subject_;

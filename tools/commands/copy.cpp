@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <iostream>
@@ -80,12 +79,6 @@ struct Request {
   DataForm form;
   CopyOptions options;
 };
-
-std::uint64_t now() {
-  const auto since_1970 = std::chrono::system_clock::now().time_since_epoch();
-  return static_cast<std::uint64_t>(
-      std::chrono::duration_cast<std::chrono::nanoseconds>(since_1970).count());
-}
 
 std::string shown(double number) {
   std::string text;
@@ -196,7 +189,7 @@ int run(Request& request) {
                                                   : Zip::transposed;
     request.options.form = request.form;
   }
-  request.options.time = now();
+  request.options.time = mdf_writer::now().nanoseconds;
   request.options.history = historyOf(request);
   request.options.version = MDF_PROGRAM_VERSION;
   try {

@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <iostream>
@@ -16,10 +15,9 @@
 #include <vector>
 
 #include "changing/copy_failure.h"
-#include "changing/file_copy.h"
+#include "changing/file_rescue.h"
 #include "changing/finishing.h"
 #include "changing/repair_report.h"
-#include "checking/file_check.h"
 #include "command.h"
 #include "complete_file.h"
 #include "extracting/new_file.h"
@@ -30,12 +28,16 @@
 #include "reader/bytes/descriptor.h"
 #include "reader/bytes/input_file.h"
 #include "writer/files/file_output.h"
+#include "writer/plan/plan.h"
 
 namespace mdf_tools {
 
 using namespace mdf_reader;
 
 namespace {
+
+/// Problems of a file, and blocks that were put back: a damaged file may have very many.
+constexpr std::size_t most_listed = 1000;
 
 struct Request {
   std::vector<std::string> paths;
@@ -44,15 +46,6 @@ struct Request {
   bool replaces = false;
   bool as_json = false;
 };
-
-/// Reports what is wrong with a file, but for notes.
-void findProblems(InputFile& file, const FindingSink& report) {
-  checkFile(file, [&](const Finding& finding) {
-    if (textOf(finding.code).severity != Severity::note) {
-      report(finding);
-    }
-  });
-}
 
 bool isWhole(InputFile& file) {
   bool is_whole = true;
@@ -64,12 +57,6 @@ void expectGood(const CompleteFile& file) {
   if (!file.problem().empty()) {
     throw Unwritable(file.problem());
   }
-}
-
-std::uint64_t now() {
-  const auto since_1970 = std::chrono::system_clock::now().time_since_epoch();
-  return static_cast<std::uint64_t>(
-      std::chrono::duration_cast<std::chrono::nanoseconds>(since_1970).count());
 }
 
 class Repair {
@@ -87,11 +74,9 @@ class Repair {
   void addLoss(const Finding& finding);
   void keepWhole();
   void finish();
-  void rescue();
-  void writeAll(mdf_writer::Output& output);
-  void applyTo(mdf_writer::Output& output, const Finishing& finishing);
-  void reportLosses(const std::string& path);
-  void tell(const Finishing& finishing);
+  void make(bool is_unfinished);
+  void reportLosses();
+  void tell(const Rescue& rescue);
 
   const FileContext& context_;
   const Request& request_;
@@ -115,11 +100,11 @@ void Repair::run() {
                      " is the file to repair; --in-place changes it");
   }
   if (readIdentification(context_.file).isUnfinished()) {
-    finish();
+    request_.is_in_place ? finish() : make(true);
   } else if (isWhole(context_.file)) {
     keepWhole();
   } else if (!request_.is_in_place) {
-    rescue();
+    make(false);
   } else {
     context_.report({Code::request_failed, 0,
                      "the file is finished, but damaged, as 'mdf check' tells: -o makes a file of "
@@ -131,76 +116,51 @@ void Repair::keepWhole() {
   if (!request_.is_in_place) {
     CompleteFile copy(output_.string(), request_.replaces);
     expectGood(copy);
-    writeAll(copy);
+    copyBytes(context_.file, copy);
     copy.appear();
     expectGood(copy);
   }
   context_.say("the file is whole: there is nothing to repair");
 }
 
+/// Changes an unfinished file itself.
 void Repair::finish() {
-  const Finishing finishing = finishingOf(context_.file, loss_);
-  if (context_.file.sizeNow() != context_.file.size()) {
-    throw Unwritable(context_.file.name() + ": the file is still being written");
+  const Descriptor file(open(context_.path.c_str(), O_RDWR | O_CLOEXEC));
+  if (file.number() < 0) {
+    throw Unwritable("cannot write " + context_.path + ": " +
+                     std::generic_category().message(errno));
   }
-  if (request_.is_in_place) {
-    const Descriptor file(open(context_.path.c_str(), O_RDWR | O_CLOEXEC));
-    if (file.number() < 0) {
-      throw Unwritable("cannot write " + context_.path + ": " +
-                       std::generic_category().message(errno));
-    }
-    mdf_writer::FileOutput output(file.number());
-    applyTo(output, finishing);
-    reportLosses(context_.path);
-  } else {
-    CompleteFile copy(output_.string(), request_.replaces);
-    expectGood(copy);
-    writeAll(copy);
-    applyTo(copy, finishing);
-    reportLosses(copy.place());
-    copy.appear();
-    expectGood(copy);
+  mdf_writer::FileOutput output(file.number());
+  const Rescue rescue = finishInPlace(context_.file, {output, context_.path}, loss_);
+  if (!rescue.finishing.stuck.empty()) {
+    context_.say("records after a damaged one are left as they are: -o makes a file with them");
   }
-  tell(finishing);
+  tell(rescue);
 }
 
-/// Goes by what the data shows instead of what the blocks state of it, as if the file had not been
-/// finished, and copies what can be reached then.
-void Repair::rescue() {
-  constexpr std::string_view open_flags("\x3f\0\0\0", 4);
-  constexpr std::uint64_t flags_at = 60;
+/// Makes a file of what there is in an unfinished or a damaged one.
+void Repair::make(bool is_unfinished) {
   const Descriptor temporary = temporaryFile();
-  const std::string path = "/dev/fd/" + std::to_string(temporary.number());
-  mdf_writer::FileOutput opened(temporary.number());
-  writeAll(opened);
-  opened.write(0, "UnFinMF ", 8);
-  opened.write(flags_at, open_flags.data(), open_flags.size());
-  InputFile unfinished(path);
-  const Finishing finishing = finishingOf(unfinished, loss_);
-  if (finishing.counts.empty()) {
-    throw Unreadable(
-        context_.file.name() + ": nothing can be saved: no channel group can be reached",
-        {Code::request_failed, 0, "no channel group"});
-  }
-  applyTo(opened, finishing);
+  mdf_writer::FileOutput bytes(temporary.number());
+  const Scratch scratch{bytes, "/dev/fd/" + std::to_string(temporary.number())};
   CompleteFile copy(output_.string(), request_.replaces);
   expectGood(copy);
-  InputFile finished(path);
   CopyOptions options;
-  options.time = now();
+  options.time = mdf_writer::now().nanoseconds;
   options.history = "repaired";
   options.version = MDF_PROGRAM_VERSION;
-  copyFile(finished, options, copy, loss_, [](const std::string& /*note*/) {});
-  reportLosses(copy.place());
+  const auto work = is_unfinished ? finishFile : rescueFile;
+  const Rescue rescue = work(context_.file, scratch, options, {copy, copy.place()}, loss_);
+  if (context_.file.sizeNow() != context_.file.size()) {
+    throw CopyFailure("the file is still being written");
+  }
   copy.appear();
   expectGood(copy);
-  tell(finishing);
+  tell(rescue);
 }
 
 /// Reports what was lost on the way, and what is still wrong with the file.
-void Repair::reportLosses(const std::string& path) {
-  InputFile repaired(path);
-  findProblems(repaired, loss_);
+void Repair::reportLosses() {
   for (const Finding& loss : losses_) {
     context_.report(loss);
   }
@@ -209,41 +169,45 @@ void Repair::reportLosses(const std::string& path) {
   }
 }
 
-void Repair::tell(const Finishing& finishing) {
-  const Repaired repaired{context_.path, output_.string(), finishing, losses_};
+void Repair::tell(const Rescue& rescue) {
+  reportLosses();
+  const auto& put_back = rescue.relinking.put_back;
+  for (std::size_t i = 0; i < std::min(put_back.size(), most_listed); ++i) {
+    context_.say(sentenceOf(put_back[i]));
+  }
+  if (put_back.size() > most_listed) {
+    context_.say(std::to_string(put_back.size() - most_listed) +
+                 " more blocks that were put back are not listed");
+  }
+  const Repaired repaired{context_.path, output_.string(), rescue, losses_, more_losses_};
   context_.out << (request_.as_json ? repairJson(repaired) : repairSentence(repaired)) << '\n';
 }
 
-void Repair::writeAll(mdf_writer::Output& output) {
-  std::uint64_t at = 0;
-  forEachPiece(context_.file, 0, context_.file.size(), [&](std::string_view piece) {
-    if (output.write(at, piece.data(), piece.size()) != piece.size()) {
-      throw Unwritable("cannot write " + output_.string() + ": " + output.cause());
-    }
-    at += piece.size();
-  });
-}
-
-void Repair::applyTo(mdf_writer::Output& output, const Finishing& finishing) {
-  if (!apply(finishing, output)) {
-    throw Unwritable("cannot write " + output_.string() + ": " + output.cause());
-  }
-}
-
-/// Several readers find the same. A damaged file may have very many problems.
+/// Several readers find the same.
 void Repair::addLoss(const Finding& finding) {
-  constexpr std::size_t most = 1000;
-  if (losses_.size() >= most) {
-    ++more_losses_;
-  } else if (told_.insert({finding.offset, finding.sentence}).second) {
-    losses_.push_back(finding);
+  if (told_.count({finding.offset, finding.sentence}) > 0) {
+    return;
   }
+  if (losses_.size() >= most_listed) {
+    ++more_losses_;
+    return;
+  }
+  told_.insert({finding.offset, finding.sentence});
+  losses_.push_back(finding);
 }
 
 int repair(const Request& request) {
+  int exit_code = exit_fine;
   try {
-    return onEachFile(request.paths,
-                      [&](const FileContext& context) { Repair(context, request).run(); });
+    const int reading = onEachFile(request.paths, [&](const FileContext& context) {
+      try {
+        Repair(context, request).run();
+      } catch (const CopyFailure& failure) {
+        context.say(std::string("cannot be repaired: ") + failure.what());
+        exit_code = exit_problem;
+      }
+    });
+    return std::max(exit_code, reading);
   } catch (const Unwritable& error) {
     std::cerr << "mdf: " << error.what() << '\n';
     return exit_problem;
@@ -290,17 +254,28 @@ constexpr const char* footer =
 Unfinished files, whose logger lost its power or was killed: what their flags leave open is found out
 by reading their data. That is how many records each channel group and sample reduction has, how long
 the last data block is, which blocks the last data list has, and how many bytes values of variable
-length take. A record that was not written to its end is cut off. The data stays as it is.
+length take. A record that was not written to its end is cut off. Where the file says that records
+lack the offsets of their values of variable length, they get them, one value for each record. All
+other data stays as it is.
 
-Damaged files: what can be reached from the header block is copied, with as many records as there are.
-Links that lead nowhere are left out, and with them what only they would have led to.
+Damaged files: blocks that no link leads to are found by their headers. Data groups, attachments,
+events and history go to the end of their lists; a data list gets the block that lies between its
+neighbours, and goes on with the list that begins where it ends; other groups, channels and data go to
+the only link of their kind that leads nowhere, or that is empty. Each is named with its place. Of the
+others, and of texts, nobody can tell where they belong: they are reported. Then everything that can be
+reached from the header block is copied, with as many records as there are, and links that lead nowhere
+are left out.
+
+A record of unsorted data that has an unknown id, or a length that leads outside, is left out, and what
+follows it up to where records fit together again: up to the end of the data, or 32 of them in a row.
 
 One line on standard output says what was kept, cut and set. What could not be read, and what
 'mdf check' finds in the new file, is reported on standard error.
 
 With -o the file itself is not touched, and the output appears when it is complete. With --in-place
 only the few numbers that an unfinished file left open are written, in such an order that the command
-can be run again when it was interrupted; torn records are gone then.
+can be run again when it was interrupted; torn records are gone then. Blocks are put back only with -o,
+since a file must not lose what it was should one of them be a remnant.
 
 Examples:
   mdf repair log.mf4 -o whole.mf4

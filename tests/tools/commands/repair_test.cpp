@@ -94,9 +94,10 @@ TEST_F(RepairCommand, TellsAsJson) {
   EXPECT_EQ(result.output,
             "{\"schema\":2,\"file\":\"custom.mf4\",\"output\":\"new.mf4\",\"counts\":[{\"offset\":"
             "392,\"of\":\"group\",\"group\":\"bytes\",\"records\":3,\"stated\":0}],\"data_blocks\":"
-            "[{\"offset\":560,\"length\":27,\"stated\":24}],\"data_lists\":[],\"cut\":[],\"lost\":"
-            "[{\"code\":\"file-unfinished\",\"offset\":60,\"text\":\"expected no custom "
-            "flags, found 9; what they left open is not known\"}]}\n");
+            "[{\"offset\":560,\"length\":27,\"stated\":24}],\"data_lists\":[],\"put_back\":[],"
+            "\"skipped\":[],\"value_offsets\":[],\"cut\":[],\"lost\":[{\"code\":\"file-"
+            "unfinished\",\"offset\":60,\"text\":\"expected no custom "
+            "flags, found 9; what they left open is not known\"}],\"more_lost\":0}\n");
   EXPECT_EQ(result.messages,
             "mdf: custom.mf4: 60 (0x3c): expected no custom flags, found 9; what they left "
             "open is not known\n");
