@@ -52,7 +52,7 @@ void copy(const Pair& files, const CopyOptions& options) {
   {
     const Descriptor file(files.copy.path());
     mdf_writer::FileOutput output(file.number());
-    mdf_tools::copyFile(original, options, output, report, note);
+    output.cut(mdf_tools::copyFile(original, options, output, report, note));
   }
   mdf_reader::InputFile made(files.copy.path());
   require(mdf_tools::checkCopy(made, original) == 0, "a copy without problems");

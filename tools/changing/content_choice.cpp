@@ -95,8 +95,8 @@ void ContentChoice::take(const Place& place) {
     return;
   }
   pending_.push_back(place);
-  for (std::size_t i = place.index + 1;
-       i < channels.size() && channels[i].depth > channel.depth; ++i) {
+  for (std::size_t i = place.index + 1; i < channels.size() && channels[i].depth > channel.depth;
+       ++i) {
     if (channels_.insert(channels[i].offset).second) {
       pending_.push_back({place.data_group, place.group, i});
     }
@@ -219,14 +219,13 @@ void leaveOutAttachmentsOfNothing(BlockCopy& blocks) {
     if (!raw) {
       continue;
     }
-    forEachWalkedLink(blocks.file(), *raw, table[block],
-                      [&](std::uint64_t number, std::uint64_t link) {
-                        const std::uint32_t target =
-                            type.refers(number) ? table.find(link) : BlockTable::none;
-                        if (target != BlockTable::none && table[target].letters() == "AT") {
-                          (blocks.isCopied(block) ? of_copied : of_others).insert(target);
-                        }
-                      });
+    forEachWalkedLink(
+        blocks.file(), *raw, table[block], [&](std::uint64_t number, std::uint64_t link) {
+          const std::uint32_t target = type.refers(number) ? table.find(link) : BlockTable::none;
+          if (target != BlockTable::none && table[target].letters() == "AT") {
+            (blocks.isCopied(block) ? of_copied : of_others).insert(target);
+          }
+        });
   }
   for (const std::uint32_t attachment : of_others) {
     if (of_copied.count(attachment) == 0) {

@@ -62,14 +62,14 @@ class ContentChoice {
 
   BlockCopy& blocks_;
   const std::vector<DataGroup>& data_groups_;
-  const bool takes_all_;  ///< channels of a group
+  const bool takes_all_;                             ///< channels of a group
   std::unordered_map<std::uint64_t, Place> places_;  ///< of all channels, by their offsets
   std::unordered_map<std::uint64_t, Place> group_places_;
   std::unordered_set<const DataGroup*> with_elements_;  ///< that have records of their own
   std::unordered_set<std::uint64_t> groups_;
   std::unordered_set<std::uint64_t> channels_;
   std::unordered_set<std::uint64_t> around_;  ///< structures of them
-  std::vector<Place> pending_;  ///< channels whose needs are not taken yet
+  std::vector<Place> pending_;                ///< channels whose needs are not taken yet
   std::vector<Place> pending_groups_;
 };
 

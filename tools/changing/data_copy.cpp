@@ -22,6 +22,10 @@ using mdf_v4_10::SRBLOCK;
 
 namespace {
 
+/// Bytes of blocks that are looked at before any are copied.
+constexpr std::uint64_t times_read = 4;
+constexpr std::uint64_t always_read = std::uint64_t{1} << 20U;
+
 const FindingSink silent = [](const Finding& /*finding*/) {};
 
 /// The letters of the blocks with the data that a link leads to; "" where it is not to be written
@@ -50,27 +54,28 @@ DataCopy::DataCopy(BlockCopy& blocks, CopyContents& contents, const CopyOptions&
       options_(options),
       report_(report),
       note_(note),
-      data_file_(contents.dataFile()) {}
+      data_file_(contents.dataFile()),
+      for_cuts_(blocks.file().size(), times_read, always_read) {}
 
-DataCopy::Way DataCopy::wayOf(const DataGroup& data_group) const {
+DataCopy::Way DataCopy::wayOf(const DataGroup& data_group) {
   const std::vector<ChannelGroup>& groups = data_group.groups;
   const bool is_mixed =
       groups.size() > 1 || (groups.size() == 1 && groups.front().holdsVariableLength());
   if (groups.empty() || hasElementsElsewhere(data_group)) {
     return isAnew() ? Way::as_bytes : Way::as_blocks;
   }
-  const bool is_packed = isPacked(data_group);
+  const bool is_by_records = isPacked(data_group) || isCut({data_group.offset, data_group.data});
   const bool loses_groups =
       std::any_of(groups.begin(), groups.end(),
                   [&](const ChannelGroup& group) { return contents_.isDropped(group); });
   if ((options_.sorts || contents_.hasRows() || loses_groups) && groups.size() > 1) {
     return Way::apart;
   }
-  if ((isAnew() || is_packed) && is_mixed) {
-    return isUnfinished() || is_packed ? Way::one_by_one : Way::as_bytes;
+  if ((isAnew() || is_by_records) && is_mixed) {
+    return isUnfinished() || is_by_records ? Way::one_by_one : Way::as_bytes;
   }
   const bool loses_ids = options_.sorts && data_group.record_id_code != 0 && !is_mixed;
-  return isAnew() || is_packed || loses_ids ? Way::by_records : Way::as_blocks;
+  return isAnew() || is_by_records || loses_ids ? Way::by_records : Way::as_blocks;
 }
 
 bool DataCopy::isPacked(const DataGroup& data_group) const {
@@ -84,9 +89,30 @@ void DataCopy::plan() {
     ways_.push_back(wayOf(data_group));
     planGroup(data_group, ways_.back());
   }
+  const BlockTable& table = blocks_.table();
+  for (std::uint32_t block = 0; block < table.size(); ++block) {
+    const auto reduction = table[block].letters() == "SR"
+                               ? readFields(blocks_.file(), table[block].offset, "SR")
+                               : std::nullopt;
+    if (reduction && !isUnfinished() &&
+        isCut({reduction->offset(), reduction->link(SRBLOCK::sr_data)})) {
+      blocks_.leaveOut(block);
+    }
+  }
   if (isAnew() || contents_.hasPackings()) {
     planOtherData();
   }
+}
+
+/// Whether a part of some data is not there, so that a copy of its blocks would have fewer bytes
+/// than are counted.
+bool DataCopy::isCut(DataLink link) {
+  if (link.to == 0 || !for_cuts_.take(1)) {
+    return false;
+  }
+  DataStream stream(data_file_, link, DataStream::Access::forward, silent);
+  stream.size();
+  return for_cuts_.take(stream.storedBytes()) && stream.isDamaged();
 }
 
 void DataCopy::planGroup(const DataGroup& data_group, Way way) {

@@ -11,7 +11,9 @@
 #include "copy_contents.h"
 #include "copy_options.h"
 #include "data_writer.h"
+#include "reader/bytes/work_budget.h"
 #include "reader/data/data_file.h"
+#include "reader/data/data_links.h"
 #include "reader/data/records.h"
 #include "reader/model/description.h"
 
@@ -49,9 +51,10 @@ class DataCopy {
     std::uint64_t target;
   };
 
-  Way wayOf(const DataGroup& data_group) const;
+  Way wayOf(const DataGroup& data_group);
   bool isAnew() const { return options_.form || isUnfinished() || contents_.hasRows(); }
   bool isUnfinished() const { return data_file_.isUnfinished(); }
+  bool isCut(DataLink link);
   bool isPacked(const DataGroup& data_group) const;
   void planGroup(const DataGroup& data_group, Way way);
   void planOtherData();
@@ -72,6 +75,7 @@ class DataCopy {
   const FindingSink& report_;
   const NoteSink& note_;
   DataFile& data_file_;
+  WorkBudget for_cuts_;
   std::vector<Way> ways_;  ///< of the data groups
   std::vector<OtherData> other_data_;
   std::map<std::uint64_t, std::uint64_t> written_;  ///< data that several links may lead to

@@ -97,12 +97,12 @@ void addHistory(BlockCopy& blocks, const CopyOptions& options, NewBlocks& out) {
   blocks.setLink(end, static_cast<std::uint64_t>(entry));
 }
 
-/// What the file's end cuts off of these cannot stay as it is: embedded data, positions, XML.
+/// What the file's end cuts off of these makes no sense any more, unlike texts and links.
 void leaveOutWhatIsTorn(BlockCopy& blocks) {
+  constexpr std::string_view types = "AT EV MD CG CN CC CA SR";
   for (std::uint32_t block = 0; block < blocks.table().size(); ++block) {
     const BlockEntry& entry = blocks.table()[block];
-    const std::string_view letters = entry.letters();
-    const auto raw = letters == "AT" || letters == "EV" || letters == "MD"
+    const auto raw = isAmongTargets(types, entry.letters())
                          ? readRawBlock(blocks.file(), entry.offset)
                          : std::nullopt;
     if (raw && !isWhole(blocks.file(), *raw)) {

@@ -18,8 +18,11 @@ using mdf_v4_10::detail::storeLe;
 
 namespace {
 
-/// Memory for the blocks of mixed records that fill side by side.
-constexpr std::size_t room_for_parts = std::size_t{1} << 25U;
+/// Memory for the blocks of mixed records that fill side by side: what the processor's cache holds,
+/// or more where blocks are zipped, for longer ones become smaller.
+std::size_t roomForParts(const DataForm& form) {
+  return std::size_t{1} << (form.zip == Zip::none ? 23U : 25U);
+}
 
 std::string dataGroupBlock(std::uint64_t next, std::uint64_t group, std::uint64_t data,
                            std::uint64_t comment) {
@@ -37,8 +40,7 @@ std::string dataGroupBlock(std::uint64_t next, std::uint64_t group, std::uint64_
 
 }  // namespace
 
-std::vector<BlockCopy::Link> channelsOfValues(const BlockCopy& blocks,
-                                              const CopyContents& contents,
+std::vector<BlockCopy::Link> channelsOfValues(const BlockCopy& blocks, const CopyContents& contents,
                                               const DataGroup& data_group,
                                               const ChannelGroup& values) {
   std::vector<BlockCopy::Link> links;
@@ -72,7 +74,11 @@ void MixedCopy::write(bool are_apart, const FindingSink& report) {
   }
   records.examine([this](const Record& record) {
     Part& part = parts_[static_cast<std::size_t>(record.group - data_group_.groups.data())];
-    if (isWanted(record, part)) {
+    if (part.is_plain && part.number < part.end) {
+      ++part.number;
+      ++part.records;
+      part.data->append(record.bytes);
+    } else if (isWanted(record, part)) {
       append(record, part);
     }
   });
@@ -96,18 +102,21 @@ void MixedCopy::begin(Part& part, const ChannelGroup& group, unsigned id_bytes, 
   part.end = is_counted ? group.cycles : UINT64_MAX;
   part.data = &together_;
   if (is_apart) {
-    const std::size_t block_bytes = std::min(
-        out_.form().block_bytes, std::max<std::size_t>(64, room_for_parts / parts_.size()));
+    const std::size_t room = roomForParts(out_.form()) / parts_.size();
+    const std::size_t block_bytes =
+        std::min(out_.form().block_bytes, std::max<std::size_t>(64, room));
     const bool is_signal_data =
         has_values && !channelsOfValues(blocks_, contents_, data_group_, group).empty();
-    part.own = std::make_unique<DataWriter>(out_, is_signal_data ? "SD" : "DT",
-                                            has_values ? 0 : contents_.recordBytesOf(group),
-                                            block_bytes);
+    part.own =
+        std::make_unique<DataWriter>(out_, is_signal_data ? "SD" : "DT",
+                                     has_values ? 0 : contents_.recordBytesOf(group), block_bytes);
     part.data = part.own.get();
   }
   std::array<char, sizeof group.record_id> id;
   storeLe(id.data(), group.record_id);
   part.head.assign(id.data(), id_bytes);
+  part.is_plain = !part.is_dropped && !has_values && part.rows == nullptr && part.head.empty() &&
+                  part.change.isNone();
 }
 
 /// Records beyond the count of their group are not read.

@@ -44,6 +44,7 @@ class MixedCopy {
     const std::vector<Rows>* rows = nullptr;
     std::size_t row = 0;  ///< which of the chosen rows come next
     bool is_dropped = false;
+    bool is_plain = false;  ///< records are copied as they are, up to the last one
     RecordChange change{{}, nullptr};
   };
 

@@ -53,7 +53,6 @@ NewReductions::NewReductions(BlockCopy& blocks, CopyContents& contents, const Co
     : blocks_(blocks),
       contents_(contents),
       options_(options),
-      report_(report),
       note_(note),
       conversions_(blocks.file(), report) {}
 
@@ -76,15 +75,14 @@ void NewReductions::plan() {
       if (group.holdsVariableLength() || contents_.isDropped(group)) {
         continue;
       }
-      const std::string problem = stays_whole
-                                      ? "its arrays have elements with records of their own"
-                                      : RecordReduction::problemOf(blocks_.file(), group);
+      const std::string problem = stays_whole ? "its arrays have elements with records of their own"
+                                              : RecordReduction::problemOf(blocks_.file(), group);
       if (problem.empty()) {
         groups_.back().push_back(&group);
         made.insert(group.offset);
       } else if (others++ == 0) {
-        why = "channel group " + std::to_string(group.index) + " gets no sample reductions: " +
-              problem;
+        why = "channel group " + std::to_string(group.index) +
+              " gets no sample reductions: " + problem;
       }
     }
   }
@@ -173,8 +171,8 @@ void NewReductions::link(BlockWriter& out, const ChannelGroup& group,
   const std::uint32_t index = blocks_.table().find(group.offset);
   if (next != 0) {
     const auto last = last_.find(index);
-    blocks_.setLink(last == last_.end() ? BlockCopy::Link{index, CGBLOCK::cg_sr_first} : last->second,
-                    next);
+    blocks_.setLink(
+        last == last_.end() ? BlockCopy::Link{index, CGBLOCK::cg_sr_first} : last->second, next);
   }
 }
 

@@ -2,6 +2,7 @@
 #define MDF_TOOLS_CHANGING_NEW_REDUCTIONS_H_
 
 #include <cstdint>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -40,10 +41,9 @@ class NewReductions {
   BlockCopy& blocks_;
   CopyContents& contents_;
   const CopyOptions& options_;
-  const FindingSink& report_;
   const NoteSink& note_;
   Conversions conversions_;
-  std::vector<std::vector<const ChannelGroup*>> groups_;         ///< to be condensed, by data groups
+  std::vector<std::vector<const ChannelGroup*>> groups_;     ///< to be condensed, by data groups
   std::unordered_map<std::uint32_t, BlockCopy::Link> last_;  ///< reductions of groups that stay
 };
 

@@ -48,7 +48,8 @@ struct RecordPacking::Extent {
 
   void add(const ArrayShape& array) {
     bytes.add(array, array.byte_step);
-    bits.add(array, static_cast<std::int64_t>(std::min<std::uint64_t>(array.invalidation_step, far)));
+    bits.add(array,
+             static_cast<std::int64_t>(std::min<std::uint64_t>(array.invalidation_step, far)));
   }
 };
 
@@ -166,7 +167,8 @@ void RecordPacking::tellChannel(BlockCopy& blocks, const Channel& channel) const
     blocks.setField(block, "cn_byte_offset", begin);
     const std::int64_t end = endOfValue(channel);
     if (!choice_.has(channel) && end <= data_bytes_) {
-      const std::uint32_t length = data_.placeOf(static_cast<std::uint32_t>(end), data_bytes_) - begin;
+      const std::uint32_t length =
+          data_.placeOf(static_cast<std::uint32_t>(end), data_bytes_) - begin;
       if (length < end - channel.byte_offset) {
         blocks.setField(block, "cn_bit_offset", 0);
         blocks.setField(block, "cn_bit_count", std::uint64_t{8} * length);

@@ -135,6 +135,36 @@ TEST(CopyCommand, EventsWithinLimits) {
             "   760       0.5  s     marker  begin  user   begins early\n");
 }
 
+TEST(CopyCommand, BlocksThatTheEndCutsOff) {
+  const ScratchFolder folder;
+  SmallFile file;
+  const std::uint64_t name = file.text("velocity");
+  file.link(SmallFile::speed, 2, name);
+  folder.write("in.mf4", file.bytes().substr(0, static_cast<std::size_t>(name) + 24 + 5));
+  EXPECT_EQ(copyIn(folder, {"in.mf4", "-o", "out.mf4"}).exit_code, 1);  // for what is missing
+  const std::string out = (folder / "out.mf4").string();
+  EXPECT_EQ(run({"export", out}).output.substr(0, 10), "time,veloc");
+  EXPECT_EQ(run({"check", out}).output, "");
+}
+
+TEST(CopyCommand, FilesThatAreCutOffAnywhere) {
+  constexpr std::size_t step = 11;
+  const ScratchFolder folder;
+  SmallFile file;
+  file.setComment(file.metadata("<HDcomment><TX>a drive</TX></HDcomment>"));
+  file.link(SmallFile::header, 4, addEvent(file, "event", 1, 0));
+  file.link(SmallFile::header, 3,
+            file.add("AT", {0, 0, 0, 0},
+                     Bytes().u16(1).u16(0).u32(0).zeros(16).u64(3).u64(3).text("abc")));
+  const std::uint64_t conversion = file.addConversion({1, {}, {0, 2}, "km/h"});
+  file.link(SmallFile::speed, 4, conversion);
+  for (std::size_t size = FileBuilder::header + 24; size < file.bytes().size(); size += step) {
+    folder.write("in.mf4", file.bytes().substr(0, size));
+    const RunResult result = copyIn(folder, {"in.mf4", "-o", "out.mf4", "--force"});
+    EXPECT_EQ(result.messages.find("cannot be copied"), std::string::npos) << result.messages;
+  }
+}
+
 TEST(CopyCommand, WithoutWhatNobodyWants) {
   const ScratchFolder folder;
   SmallFile file;
