@@ -22,6 +22,9 @@ using mdf_v4_10::SRBLOCK;
 
 namespace {
 
+/// Of a record, where those that stand apart are not there.
+constexpr std::uint32_t most_invalidation_bytes = std::uint32_t{1} << 16U;
+
 /// Bytes of blocks that are looked at before any are copied.
 constexpr std::uint64_t times_read = 4;
 constexpr std::uint64_t always_read = std::uint64_t{1} << 20U;
@@ -315,6 +318,10 @@ void DataCopy::writeRecords(BlockWriter& out, const DataGroup& data_group) {
   contents_.forEachSpan(records, group, [&](const RecordSpan& span) {
     count += span.count;
     const bool is_whole = span.size == group.recordBytes();
+    if (!is_whole && group.invalidation_bytes > most_invalidation_bytes) {
+      throw CopyFailure("channel group " + std::to_string(group.index) +
+                        " states more invalidation bytes than could be made for its records");
+    }
     if (span.step == span.size && is_whole && change.isNone()) {
       writer.append({span.bytes, span.size * span.count});
       return;

@@ -66,7 +66,7 @@ ColumnSource sourceOf(const ChannelGroup& group, Conversion* conversion) {
 }  // namespace
 
 std::string RecordReduction::problemOf(InputFile& file, const ChannelGroup& group) {
-  constexpr std::uint64_t longest = std::uint64_t{1} << 26U;
+  constexpr std::uint64_t longest = std::uint64_t{1} << 22U;
   if (!masterPlan(group)) {
     return "it has no time in its records";
   }
