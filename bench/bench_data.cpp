@@ -163,35 +163,17 @@ constexpr std::size_t groups = 60;
 /// Records of many groups in any order, each after its record id.
 Sides mixedSides() {
   const auto contest = std::make_shared<Contest>();
-  const std::string all = mixedRecords(0, records);
-  std::string data;
-  std::vector<std::uint64_t> counts(groups);
-  std::uint32_t random = 1;
-  for (std::size_t i = 0; i < records; ++i) {
-    random = random * 1664525 + 1013904223;
-    const std::size_t group = (random >> 16U) % groups;
-    ++counts[group];
-    data += static_cast<char>(group);
-    data.append(all, i * record_bytes, record_bytes);
-  }
-  FileMaker maker(contest->file->path());
-  const LINK at = maker.appendData(data);
-  LINK next = 0;
-  for (std::size_t group = groups; group-- > 0;) {
-    next = maker.appendGroup({mixedChannels(), record_bytes, counts[group], 0, group, next});
-  }
-  maker.finish(next, at, true);
-  const std::size_t data_at = static_cast<std::size_t>(at) + DTBLOCK::DTBLOCK_CONSTANT_SIZE;
+  const MixedFile mixed = writeMixedFile(contest->file->path(), records, groups);
   contest->by_hand = [=, path = contest->file->path(),
                       columns = Columns()](const auto& take) mutable {
     constexpr std::size_t stored = 1 + record_bytes;
     std::vector<char> bytes(piece * stored);
     std::vector<std::string> sorted(groups);
     for (std::size_t group = 0; group < groups; ++group) {
-      sorted[group].reserve(static_cast<std::size_t>(counts[group]) * record_bytes);
+      sorted[group].reserve(static_cast<std::size_t>(mixed.counts[group]) * record_bytes);
     }
     const Descriptor file(path);
-    file.goTo(data_at);
+    file.goTo(mixed.data_at);
     for (std::size_t done = 0; done < records; done += piece) {
       const std::size_t count = std::min(piece, records - done);
       file.read(bytes.data(), count * stored);

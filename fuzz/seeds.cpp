@@ -248,7 +248,7 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
     inputs[target] = inputs["dump"];
   }
   for (const std::string& file : inputs["dump"]) {
-    constexpr std::size_t choices = 32;
+    constexpr std::size_t choices = 128;
     inputs["copy"].push_back(static_cast<char>(inputs["copy"].size() % choices) + file);
   }
   inputs["import"] = {

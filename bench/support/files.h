@@ -36,6 +36,7 @@ class Descriptor {
   void goTo(std::size_t offset) const;
   void write(const char* bytes, std::size_t count) const;
   void read(char* bytes, std::size_t count) const;
+  int number() const { return number_; }
 
  private:
   int number_;

@@ -114,6 +114,29 @@ std::string mixedRecords(std::size_t first, std::size_t count) {
   return data;
 }
 
+MixedFile writeMixedFile(const std::string& path, std::size_t records, std::size_t groups) {
+  const std::string all = mixedRecords(0, records);
+  MixedFile mixed{std::vector<std::uint64_t>(groups), 0};
+  std::string data;
+  std::uint32_t random = 1;
+  for (std::size_t i = 0; i < records; ++i) {
+    random = random * 1664525 + 1013904223;
+    const std::size_t group = (random >> 16U) % groups;
+    ++mixed.counts[group];
+    data += static_cast<char>(group);
+    data.append(all, i * record_bytes, record_bytes);
+  }
+  FileMaker maker(path);
+  const LINK at = maker.appendData(data);
+  LINK next = 0;
+  for (std::size_t group = groups; group-- > 0;) {
+    next = maker.appendGroup({mixedChannels(), record_bytes, mixed.counts[group], 0, group, next});
+  }
+  maker.finish(next, at, true);
+  mixed.data_at = static_cast<std::size_t>(at) + DTBLOCK::DTBLOCK_CONSTANT_SIZE;
+  return mixed;
+}
+
 std::vector<Wanted> mixedChannels() {
   return {{CNBLOCK::CN_DATATYPE_FLOAT_LE, 0, 64},
           {CNBLOCK::CN_DATATYPE_FLOAT_LE, 8, 64},

@@ -77,6 +77,13 @@ constexpr std::uint32_t record_bytes = 26;
 std::string mixedRecords(std::size_t first, std::size_t count);
 std::vector<Wanted> mixedChannels();
 
+/// Records of many groups in one data group, in any order, each after a record id of one byte.
+struct MixedFile {
+  std::vector<std::uint64_t> counts;  ///< of records, group by group
+  std::size_t data_at;                ///< in the file
+};
+MixedFile writeMixedFile(const std::string& path, std::size_t records, std::size_t groups);
+
 constexpr std::size_t piece = 8192;       // records that a hand-written program reads at once
 constexpr std::size_t batch = 8 * piece;  // and that it puts into columns before it goes on
 

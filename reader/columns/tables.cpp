@@ -1,7 +1,5 @@
 #include "tables.h"
 
-#include <fnmatch.h>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -18,6 +16,7 @@
 #include "column_list.h"
 #include "framework/wire.h"
 #include "master_search.h"
+#include "name_patterns.h"
 #include "remote_master.h"
 
 namespace mdf_reader {
@@ -31,39 +30,6 @@ constexpr std::size_t room_for_values = std::size_t{1} << 20U;  // of the record
 constexpr std::size_t most_bytes = std::size_t{1} << 23U;       // of a batch
 constexpr std::size_t most_columns = 65536;                     // of tables at a time
 constexpr std::size_t rows_beside = 256;                        // of their batches
-
-/// The patterns that choose channels, and which of them have matched.
-class Patterns {
- public:
-  explicit Patterns(const std::vector<std::string>& patterns)
-      : patterns_(patterns), has_found_(patterns.size()) {}
-
-  /// Whether a column matches one of them, or there are none.
-  bool fit(const ColumnPlan& plan) {
-    bool fits = patterns_.empty();
-    for (std::size_t i = 0; i < patterns_.size(); ++i) {
-      const char* const pattern = patterns_[i].c_str();
-      if (fnmatch(pattern, plan.own_name.c_str(), 0) == 0 ||
-          fnmatch(pattern, plan.path.c_str(), 0) == 0) {
-        has_found_[i] = true;
-        fits = true;
-      }
-    }
-    return fits;
-  }
-
-  void noteThoseWithoutAny(const NoteSink& note) const {
-    for (std::size_t i = 0; i < patterns_.size(); ++i) {
-      if (!has_found_[i]) {
-        note("no channel matches \"" + patterns_[i] + '"');
-      }
-    }
-  }
-
- private:
-  const std::vector<std::string>& patterns_;
-  std::vector<bool> has_found_;
-};
 
 }  // namespace
 
@@ -120,7 +86,7 @@ class Tables::Walk {
   const Query& query_;
   const FindingSink& report_;
   const NoteSink& note_;
-  Patterns patterns_;
+  NamePatterns patterns_;
   Description description_;
   DataFile data_file_;
   Conversions conversions_;
@@ -349,7 +315,7 @@ std::vector<ColumnPlan> Tables::Walk::plansOf(const ChannelGroup& group,
     return {};
   }
   const auto is_left_out = [&](const ColumnPlan& plan) {
-    return plan.channel != master && !(has_wanted_ && patterns_.fit(plan));
+    return plan.channel != master && !(has_wanted_ && patterns_.fit(plan.own_name, plan.path));
   };
   plans.erase(std::remove_if(plans.begin(), plans.end(), is_left_out), plans.end());
   return plans;
@@ -358,8 +324,9 @@ std::vector<ColumnPlan> Tables::Walk::plansOf(const ChannelGroup& group,
 /// Whether any of a group's columns are wanted.
 bool Tables::Walk::fitsAny(const ChannelGroup& group, const std::vector<ColumnPlan>& plans) {
   return isQueried(group) &&
-         std::any_of(plans.begin(), plans.end(),
-                     [this](const ColumnPlan& plan) { return patterns_.fit(plan); });
+         std::any_of(plans.begin(), plans.end(), [this](const ColumnPlan& plan) {
+           return patterns_.fit(plan.own_name, plan.path);
+         });
 }
 
 bool Tables::Walk::hasMaster(const ChannelGroup& group, const std::vector<ColumnPlan>& plans,

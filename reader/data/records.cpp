@@ -592,6 +592,9 @@ Record Records::lookThrough(std::uint64_t& position) {
     if (gathered_ && !gathered_->add(indexOf(*record.group), record.bytes)) {
       gathered_.reset();
     }
+    if (visit_ != nullptr) {
+      (*visit_)(record);
+    }
     position = record.next;
     return true;
   });

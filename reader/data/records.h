@@ -31,6 +31,9 @@ struct RecordEnd {
 };
 using EndVisitor = std::function<void(const ChannelGroup& group, const RecordEnd& end)>;
 
+/// Takes a record as it is framed, which lasts until it returns.
+using FrameVisitor = std::function<void(const Record& record)>;
+
 /// Takes the bytes of a record; says whether to go on.
 using RecordVisitor = std::function<bool(std::string_view record)>;
 
@@ -75,6 +78,14 @@ class Records {
   /// does not fit, with the bytes that are not read. It is done once, and first of all by whatever
   /// visits or counts records.
   void examine();
+
+  /// The same for the first time, and visits the records of all groups on the way where they are
+  /// mixed.
+  void examine(const FrameVisitor& visit) {
+    visit_ = &visit;
+    examine();
+    visit_ = nullptr;
+  }
 
   /// Bytes of the record id in front of each record.
   unsigned idBytes() const { return format_.idBytes(); }
@@ -194,6 +205,7 @@ class Records {
   std::shared_ptr<SortedCopy> copy_;
   std::unordered_map<const ChannelGroup*, std::size_t> parts_;  ///< of the copy
   bool is_examined_ = false;
+  const FrameVisitor* visit_ = nullptr;  ///< of who examines
   std::uint64_t whole_bytes_ = 0;
 };
 

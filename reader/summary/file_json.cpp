@@ -1,5 +1,6 @@
 #include "file_json.h"
 
+#include <cmath>
 #include <string>
 
 #include "../bytes/input_file.h"
@@ -16,6 +17,17 @@ Json spanAsJson(const AxisSpan& span) {
     source = span.source == AxisSpan::Source::records ? "records" : "record numbers";
   }
   return {{"from", span.from}, {"to", span.to}, {"source", source}};
+}
+
+/// JSON has no number that is not finite.
+Json reductionsAsJson(const GroupSummary& group) {
+  Json list = Json::array();
+  for (const ReductionSummary& each : group.reductions) {
+    list.push_back({{"interval", std::isfinite(each.interval) ? Json(each.interval) : Json()},
+                    {"unit", textOrNull(each.unit())},
+                    {"records", each.records}});
+  }
+  return list;
 }
 
 Json groupAsJson(const GroupSummary& each) {
@@ -35,6 +47,7 @@ Json groupAsJson(const GroupSummary& each) {
   json["extent"] = each.extent() ? Json(*each.extent()) : Json();
   json["rate"] = each.rate() ? Json(*each.rate()) : Json();
   json["master_unit"] = each.master() == nullptr ? Json() : Json(each.masterUnit());
+  json["reductions"] = reductionsAsJson(each);
   return json;
 }
 

@@ -107,12 +107,12 @@ void addDuration(FileSummary& summary) {
   }
 }
 
-void countBlocks(DataFile& data_file, FileSummary& summary, const FindingSink& report) {
+void countBlocks(DataFile& data_file, const BlockTable& blocks, FileSummary& summary) {
   InputFile& file = data_file.bytes();
   summary.block_bytes = std::min(file.size(), header_block_offset);
   std::uint64_t covered = summary.block_bytes;
   std::map<std::array<char, 2>, TypeCount> counts;  // names would be made for each block again
-  for (const std::uint64_t offset : walkBlocks(file, report).offsets()) {
+  for (const std::uint64_t offset : blocks.offsets()) {
     const auto block = readRawBlock(file, offset);
     if (!block) {
       break;  // the file has been cut meanwhile
@@ -128,6 +128,21 @@ void countBlocks(DataFile& data_file, FileSummary& summary, const FindingSink& r
   summary.gap_bytes += file.sizeFrom(covered);
   for (const auto& [letters, count] : counts) {
     summary.blocks.emplace(printable({letters.data(), letters.size()}), count);
+  }
+}
+
+void addReductions(InputFile& file, const BlockTable& blocks, FileSummary& summary) {
+  const GroupsByOffset groups = byOffset(summary);
+  for (std::uint32_t i = 0; i < blocks.size(); ++i) {
+    const std::uint32_t parent = blocks[blocks[i].head].parent;
+    const bool is_reduction = blocks[i].letters() == "SR" && parent != BlockTable::none;
+    const auto group = is_reduction ? groups.find(blocks[parent].offset) : groups.end();
+    const auto block = readFields(file, is_reduction ? blocks[i].offset : 0, "SR");
+    if (block && group != groups.end()) {
+      group->second->reductions.push_back({block->real("sr_interval"),
+                                           static_cast<unsigned>(block->number("sr_sync_type")),
+                                           block->number("sr_cycle_count")});
+    }
   }
 }
 
@@ -158,10 +173,16 @@ std::optional<double> GroupSummary::rate() const {
   return length > 0 && std::isfinite(length) ? std::optional((count - 1) / length) : std::nullopt;
 }
 
+std::string ReductionSummary::unit() const {
+  constexpr std::array<const char*, 5> units = {"", "s", "rad", "m", "records"};
+  return sync_type < units.size() ? units[sync_type] : "";
+}
+
 FileSummary summarise(InputFile& file, Depth depth, const FindingSink& report) {
   FileSummary summary;
   RecordFacts facts(file, report);
-  countBlocks(facts.file(), summary, report);
+  const BlockTable blocks = walkBlocks(file, report);
+  countBlocks(facts.file(), blocks, summary);
   const FindingSink known = [](const Finding&) {};
   ChannelsOfGroups channels;
   summary.description = readDescription(file, summary.blocks.empty() ? known : report,
@@ -171,6 +192,7 @@ FileSummary summarise(InputFile& file, Depth depth, const FindingSink& report) {
   facts.know(summary.description);
   summary.properties = readProperties(file, summary.description.header.comment_block);
   addGroups(file, channels, summary);
+  addReductions(file, blocks, summary);
   addSpans(file, depth, facts, summary, report);
   addRemoteMasters(summary);
   addDuration(summary);

@@ -28,6 +28,16 @@ struct GroupChannels {
   std::optional<Channel> master;
 };
 
+/// A channel group's records once more, condensed over intervals.
+struct ReductionSummary {
+  double interval = 0;     ///< in the unit of its axis
+  unsigned sync_type = 0;  ///< of the axis, as channels have it; 4 for records
+  std::uint64_t records = 0;
+
+  /// "s", "rad", "m", or "records"; "" for an axis that is not known.
+  std::string unit() const;
+};
+
 /// What is known of a channel group.
 struct GroupSummary {
   const DataGroup* data_group = nullptr;
@@ -36,6 +46,7 @@ struct GroupSummary {
   RecordCount records;
   std::string source;
   std::optional<AxisSpan> span;
+  std::vector<ReductionSummary> reductions;
 
   /// Null for none.
   const Channel* master() const { return channels.master ? &*channels.master : nullptr; }

@@ -101,6 +101,7 @@ struct Choice {
   Words copying;
   Words exporting;
   std::set<std::string> others;
+  Words again = {};  ///< what the copy is exported with
 };
 
 /// Groups and records of array elements are all kept; of a group without a master the head is
@@ -118,6 +119,11 @@ const std::vector<Choice> choices = {
      {"--group", "0", "--empty"},
      {"array-of-channel-groups", "remote-master-shared"}},
     {{"--drop-empty"}, {}, {"array-of-data-groups"}},
+    {{"-c", "v*", "--zip", "transposed"}, {"-c", "v*", "--empty"}, {}, {"-c", "v*"}},
+    {{"-c", "*.[a-l]*", "-c", "second*", "--sort"},
+     {"-c", "*.[a-l]*", "-c", "second*", "--empty"},
+     {},
+     {"-c", "*.[a-l]*", "-c", "second*"}},
 };
 
 TEST(CopySamples, WhatIsChosen) {
@@ -134,8 +140,10 @@ TEST(CopySamples, WhatIsChosen) {
       Words shown = {"export", in};
       copy.insert(copy.end(), choice.copying.begin(), choice.copying.end());
       shown.insert(shown.end(), choice.exporting.begin(), choice.exporting.end());
+      Words again = {"export", out, "--empty"};
+      again.insert(again.end(), choice.again.begin(), choice.again.end());
       run(copy);
-      if (run({"export", out, "--empty"}).output != run(shown).output) {
+      if (run(again).output != run(shown).output) {
         others.insert(sample.name);
       }
     }

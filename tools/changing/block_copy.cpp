@@ -93,15 +93,28 @@ void BlockCopy::choose() {
   }
 }
 
-/// The bytes that the file has of a block.
+/// The bytes that the copy has of a block: those that are there and, where the file ends within it,
+/// zeros for the others, so that it has what each block of its type has. Data becomes shorter.
 std::uint64_t BlockCopy::lengthOf(const RawBlock& block) const {
-  return std::max<std::uint64_t>(RawBlock::header_size,
-                                 std::min(block.length, file_.sizeFrom(block.offset)));
+  constexpr std::uint64_t most_zeros = std::uint64_t{1} << 16U;
+  const std::uint64_t there = std::max<std::uint64_t>(
+      RawBlock::header_size, std::min(block.length, file_.sizeFrom(block.offset)));
+  const BlockType& type = block.type();
+  if (there >= block.length || type.isData() || !type.isKnown()) {
+    return there;
+  }
+  if (block.length - there <= most_zeros) {
+    return block.length;
+  }
+  const std::uint64_t fixed =
+      RawBlock::header_size + RawBlock::link_size * type.links.size() + type.fieldsWidth();
+  return std::max(fixed, there + (type.contents == Contents::text ? 1 : 0));
 }
 
 void BlockCopy::place(NewBlocks& out) {
   constexpr std::uint64_t times = 4;
-  WorkBudget budget(file_.size(), times);
+  constexpr std::uint64_t always = std::uint64_t{1} << 20U;
+  WorkBudget budget(file_.size(), times, always);
   for (std::uint32_t block = 0; block < table_.size(); ++block) {
     if (is_copied_[block]) {
       order_.push_back(block);
@@ -197,12 +210,16 @@ void BlockCopy::write(NewBlocks& out, std::uint32_t block) {
     throw CopyFailure("it became shorter while it was copied");
   }
   const std::uint64_t length = lengthOf(*raw);
+  const std::uint64_t there = file_.sizeFrom(raw->offset);
   std::string bytes;
   for (std::uint64_t at = 0; at < length; at += bytes.size()) {
     bytes.resize(static_cast<std::size_t>(std::min<std::uint64_t>(piece_bytes, length - at)));
-    if (file_.readAt(raw->offset + at, bytes.data(), bytes.size()) < bytes.size()) {
+    const std::uint64_t wanted = std::min<std::uint64_t>(bytes.size(), there - std::min(at, there));
+    const auto count = static_cast<std::size_t>(wanted);
+    if (file_.readAt(raw->offset + at, bytes.data(), count) < count) {
       throw CopyFailure("it became shorter while it was copied");
     }
+    std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(count), bytes.end(), '\0');
     writePiece(out, *raw, block, at, bytes);
   }
 }
@@ -213,14 +230,18 @@ void BlockCopy::writePiece(NewBlocks& out, const RawBlock& raw, std::uint32_t bl
   if (at == 0) {
     storeLe(&bytes[length_at], lengthOf(raw));
   }
-  const std::uint64_t links_end =
-      RawBlock::header_size + RawBlock::link_size * linksThere(file_, raw);
+  // A link that the file cuts off is none.
+  const std::uint64_t there = linksThere(file_, raw);
+  const std::uint64_t count = isWhole(file_, raw) ? there : raw.linkCount();
   for (std::uint64_t place = std::max<std::uint64_t>(at, RawBlock::header_size);
-       place < std::min(links_end, at + bytes.size()); place += RawBlock::link_size) {
-    char* const link = &bytes[static_cast<std::size_t>(place - at)];
+       place + RawBlock::link_size <= at + bytes.size(); place += RawBlock::link_size) {
     const std::uint64_t number = (place - RawBlock::header_size) / RawBlock::link_size;
-    storeLe(link, translated(raw, {block, static_cast<std::uint32_t>(number)},
-                             loadLe<std::uint64_t>(link)));
+    if (number >= count) {
+      break;
+    }
+    char* const link = &bytes[static_cast<std::size_t>(place - at)];
+    const std::uint64_t target = number < there ? loadLe<std::uint64_t>(link) : 0;
+    storeLe(link, translated(raw, {block, static_cast<std::uint32_t>(number)}, target));
   }
   const auto changes = changes_.find(block);
   if (changes != changes_.end()) {

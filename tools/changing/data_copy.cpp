@@ -1,47 +1,35 @@
 #include "data_copy.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 
 #include "copy_failure.h"
 #include "datablocks/srblock.h"
-#include "description/cnblock.h"
 #include "description/dgblock.h"
-#include "framework/wire.h"
+#include "mixed_copy.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/blocks/walk.h"
 #include "reader/bytes/input_file.h"
 #include "reader/data/data_block.h"
 #include "reader/data/data_links.h"
 #include "reader/data/data_stream.h"
-#include "reader/data/record_format.h"
-#include "reader/model/group_choice.h"
 
 namespace mdf_tools {
 
 using namespace mdf_reader;
-using mdf_v4_10::CNBLOCK;
 using mdf_v4_10::DGBLOCK;
 using mdf_v4_10::SRBLOCK;
-using mdf_v4_10::detail::storeLe;
 
 namespace {
 
-/// Memory for the blocks of mixed records that fill side by side.
-constexpr std::size_t room_for_parts = std::size_t{1} << 25U;
+/// Of a record, where those that stand apart are not there.
+constexpr std::uint32_t most_invalidation_bytes = std::uint32_t{1} << 16U;
+
+/// Bytes of blocks that are looked at before any are copied.
+constexpr std::uint64_t times_read = 4;
+constexpr std::uint64_t always_read = std::uint64_t{1} << 20U;
 
 const FindingSink silent = [](const Finding& /*finding*/) {};
-
-bool hasElementsElsewhere(const DataGroup& data_group) {
-  const auto has_elements = [](const Channel& channel) {
-    return !channel.array.dimensions.empty() && !channel.array.in_records;
-  };
-  return std::any_of(
-      data_group.groups.begin(), data_group.groups.end(), [&](const ChannelGroup& group) {
-        return std::any_of(group.channels.begin(), group.channels.end(), has_elements);
-      });
-}
 
 /// The letters of the blocks with the data that a link leads to; "" where it is not to be written
 /// anew: what makes no sense, and what has parts that stand apart.
@@ -60,79 +48,79 @@ bool leadsToData(InputFile& file, std::uint64_t target) {
           block->type().contents == Contents::list_of_lists);
 }
 
-/// A number of up to 8 bytes in a record; bytes that are not there are 0.
-std::uint64_t numberIn(std::string_view record, std::size_t at, std::size_t bytes) {
-  std::uint64_t number = 0;
-  for (std::size_t i = bytes; i-- > 0;) {
-    const char byte = at + i < record.size() ? record[at + i] : '\0';
-    number = number << 8U | static_cast<unsigned char>(byte);
-  }
-  return number;
-}
-
-std::string dataGroupBlock(std::uint64_t next, std::uint64_t group, std::uint64_t data,
-                           std::uint64_t comment) {
-  std::string block(DGBLOCK::DGBLOCK_SIZE, '\0');
-  block.replace(0, 4, "##DG");
-  storeLe(&block[8], std::uint64_t{block.size()});
-  storeLe(&block[16], std::uint64_t{DGBLOCK::DG_BLOCK_LINKS_NUM});
-  char* at = &block[RawBlock::header_size];
-  for (const std::uint64_t link : {next, group, data, comment}) {
-    storeLe(at, link);
-    at += RawBlock::link_size;
-  }
-  return block;
-}
-
 }  // namespace
 
-DataCopy::DataCopy(BlockCopy& blocks, const CopyOptions& options, const FindingSink& report,
-                   const NoteSink& note)
+DataCopy::DataCopy(BlockCopy& blocks, CopyContents& contents, const CopyOptions& options,
+                   const FindingSink& report, const NoteSink& note)
     : blocks_(blocks),
+      contents_(contents),
       options_(options),
       report_(report),
       note_(note),
-      description_(readDescription(blocks.file(), report)),
-      data_file_(blocks.file()) {}
+      data_file_(contents.dataFile()),
+      for_cuts_(blocks.file().size(), times_read, always_read) {}
 
-DataCopy::Way DataCopy::wayOf(const DataGroup& data_group) const {
+DataCopy::Way DataCopy::wayOf(const DataGroup& data_group) {
   const std::vector<ChannelGroup>& groups = data_group.groups;
   const bool is_mixed =
       groups.size() > 1 || (groups.size() == 1 && groups.front().holdsVariableLength());
   if (groups.empty() || hasElementsElsewhere(data_group)) {
     return isAnew() ? Way::as_bytes : Way::as_blocks;
   }
-  const bool loses_groups = std::any_of(
-      groups.begin(), groups.end(), [&](const ChannelGroup& group) { return isDropped(group); });
-  if ((options_.sorts || rows_ || loses_groups) && groups.size() > 1) {
+  const bool is_by_records = isPacked(data_group) || isCut({data_group.offset, data_group.data});
+  const bool loses_groups =
+      std::any_of(groups.begin(), groups.end(),
+                  [&](const ChannelGroup& group) { return contents_.isDropped(group); });
+  if ((options_.sorts || contents_.hasRows() || loses_groups) && groups.size() > 1) {
     return Way::apart;
   }
-  if (isAnew() && is_mixed) {
-    return isUnfinished() ? Way::one_by_one : Way::as_bytes;
+  if ((isAnew() || is_by_records) && is_mixed) {
+    return isUnfinished() || is_by_records ? Way::one_by_one : Way::as_bytes;
   }
   const bool loses_ids = options_.sorts && data_group.record_id_code != 0 && !is_mixed;
-  return isAnew() || loses_ids ? Way::by_records : Way::as_blocks;
+  return isAnew() || is_by_records || loses_ids ? Way::by_records : Way::as_blocks;
+}
+
+bool DataCopy::isPacked(const DataGroup& data_group) const {
+  return std::any_of(
+      data_group.groups.begin(), data_group.groups.end(),
+      [&](const ChannelGroup& group) { return contents_.packingOf(group.offset) != nullptr; });
 }
 
 void DataCopy::plan() {
-  if (options_.hasLimits()) {
-    chooseRows();
-  }
-  if (!options_.group.empty() || options_.drops_empty) {
-    chooseGroups();
-  }
-  for (const DataGroup& data_group : description_.data_groups) {
+  for (const DataGroup& data_group : contents_.dataGroups()) {
     ways_.push_back(wayOf(data_group));
     planGroup(data_group, ways_.back());
   }
-  if (isAnew()) {
+  const BlockTable& table = blocks_.table();
+  for (std::uint32_t block = 0; block < table.size(); ++block) {
+    const auto reduction = table[block].letters() == "SR"
+                               ? readFields(blocks_.file(), table[block].offset, "SR")
+                               : std::nullopt;
+    if (reduction && !isUnfinished() &&
+        isCut({reduction->offset(), reduction->link(SRBLOCK::sr_data)})) {
+      blocks_.leaveOut(block);
+    }
+  }
+  if (isAnew() || contents_.hasPackings()) {
     planOtherData();
   }
 }
 
+/// Whether a part of some data is not there, so that a copy of its blocks would have fewer bytes
+/// than are counted.
+bool DataCopy::isCut(DataLink link) {
+  if (link.to == 0 || !for_cuts_.take(1)) {
+    return false;
+  }
+  DataStream stream(data_file_, link, DataStream::Access::forward, silent);
+  stream.size();
+  return for_cuts_.take(stream.storedBytes()) && stream.isDamaged();
+}
+
 void DataCopy::planGroup(const DataGroup& data_group, Way way) {
   const bool has_elements = hasElementsElsewhere(data_group);
-  if (has_elements && rows_) {
+  if (has_elements && contents_.hasRows()) {
     note_("data group " + std::to_string(data_group.index) +
           " keeps all records: it has arrays whose elements have records of their own");
   }
@@ -153,7 +141,7 @@ void DataCopy::planGroup(const DataGroup& data_group, Way way) {
     return;
   }
   for (const ChannelGroup& group : data_group.groups) {
-    const auto channels = channelsOf(data_group, group);
+    const auto channels = channelsOfValues(blocks_, contents_, data_group, group);
     for (const BlockCopy::Link& link : channels) {
       blocks_.cut(link);
     }
@@ -163,199 +151,24 @@ void DataCopy::planGroup(const DataGroup& data_group, Way way) {
   }
 }
 
-/// Finds out which records and values are within the limits. Sample reductions would no longer be
-/// those of the records.
-void DataCopy::chooseRows() {
-  rows_.emplace(blocks_.file(), options_.limits, report_, note_);
-  for (const DataGroup& data_group : description_.data_groups) {
-    chooseValues(data_group);
-  }
-  index_shift_.emplace(blocks_, *rows_, description_.data_groups);
-  blocks_.leaveOut("SR");
-}
-
-/// Leaves out channel groups that are not wanted, with their channels: others may refer to those.
-/// Groups with the masters or the values of others stay with them.
-void DataCopy::chooseGroups() {
-  std::set<std::uint64_t> staying;
-  for (const DataGroup& data_group : description_.data_groups) {
-    for (const ChannelGroup& group : data_group.groups) {
-      if (!isGroupWanted(data_group, group)) {
-        continue;
-      }
-      staying.insert(group.offset);
-      if (group.hasRemoteMaster()) {
-        staying.insert(group.master_group);
-      }
-      for (const Channel& channel : group.channels) {
-        if (channel.type == Channel::variable_length) {
-          staying.insert(channel.data);
-        }
-      }
-    }
-  }
-  if (staying.empty() && !options_.group.empty()) {
-    throw CopyFailure("no channel group matches \"" + options_.group + '"');
-  }
-  for (const DataGroup& data_group : description_.data_groups) {
-    std::size_t left = data_group.groups.size();
-    for (const ChannelGroup& group : data_group.groups) {
-      if (staying.count(group.offset) == 0) {
-        --left;
-        dropped_.insert(group.offset);
-        blocks_.leaveOut(indexOf(group.offset));
-        for (const Channel& channel : group.channels) {
-          blocks_.leaveOut(indexOf(channel.offset));
-        }
-      }
-    }
-    if (left == 0) {
-      blocks_.leaveOut(indexOf(data_group.offset));
-    }
-  }
-}
-
-/// A data group of elements' records stays whole.
-bool DataCopy::isGroupWanted(const DataGroup& data_group, const ChannelGroup& group) {
-  if (hasElementsElsewhere(data_group)) {
-    return std::any_of(data_group.groups.begin(), data_group.groups.end(),
-                       [&](const ChannelGroup& each) { return isChosen(each, options_.group); });
-  }
-  if (!isChosen(group, options_.group) || !options_.drops_empty) {
-    return isChosen(group, options_.group);
-  }
-  if (rows_) {
-    return !rows_->of(group.offset).empty();
-  }
-  return data_file_.isCountFinal(group)
-             ? group.cycles > 0
-             : Records(data_file_, data_group, silent).countOf(group).value_or(1) > 0;
-}
-
-/// Whether a record has one offset of the channel, which can be changed.
-bool DataCopy::knowsOffsets(const ChannelGroup& group, const Channel& channel) {
-  const auto is_array = [](const Channel& each) { return !each.array.dimensions.empty(); };
-  return channel.bit_offset == 0 && channel.bit_count % 8 == 0 && channel.bit_count <= 64 &&
-         std::uint64_t{channel.byte_offset} + channel.bit_count / 8 <= group.data_bytes &&
-         std::none_of(group.channels.begin(), group.channels.end(), is_array);
-}
-
-std::vector<DataCopy::OffsetPlace> DataCopy::offsetsIn(const ChannelGroup& group) {
-  std::vector<OffsetPlace> places;
-  for (const Channel& channel : group.channels) {
-    if (channel.type == Channel::variable_length && channel.data != 0 &&
-        knowsOffsets(group, channel)) {
-      places.push_back({channel.byte_offset, channel.bit_count / 8, channel.data});
-    }
-  }
-  return places;
-}
-
-void DataCopy::chooseValues(const DataGroup& data_group) {
-  const bool has_elements = hasElementsElsewhere(data_group);
-  Records records(data_file_, data_group, silent);
-  for (const ChannelGroup& group : data_group.groups) {
-    for (const Channel& channel : group.channels) {
-      if (channel.type == Channel::variable_length &&
-          (has_elements || !knowsOffsets(group, channel))) {
-        values_[channel.data].are_all = true;
-      }
-    }
-    const std::vector<OffsetPlace> places = offsetsIn(group);
-    if (has_elements || places.empty()) {
-      continue;
-    }
-    forEachSpan(records, group, [&](const RecordSpan& span) {
-      for (std::size_t i = 0; i < span.count; ++i) {
-        for (const OffsetPlace& place : places) {
-          const std::uint64_t offset = numberIn(span.at(i), place.at, place.bytes);
-          Values& values = values_[place.target];
-          values.first = std::min(values.first, offset);
-          values.last = std::max(values.last, offset);
-        }
-      }
-    });
-  }
-}
-
-/// Visits the records of a group that are copied.
-void DataCopy::forEachSpan(Records& records, const ChannelGroup& group,
-                           const std::function<void(const RecordSpan&)>& visit) {
-  static const std::vector<Rows> all = {{0, UINT64_MAX}};
-  const auto cursor = records.read(group);
-  std::uint64_t number = 0;
-  for (const Rows& rows : rows_ ? rows_->of(group.offset) : all) {
-    cursor->skip(rows.begin - number);
-    number = rows.begin;
-    while (number < rows.end) {
-      const std::uint64_t most = std::min<std::uint64_t>(rows.end - number, SIZE_MAX);
-      const RecordSpan span = cursor->next(static_cast<std::size_t>(most));
-      if (span.count == 0) {
-        return;
-      }
-      visit(span);
-      number += span.count;
-    }
-  }
-}
-
-/// Those of a group's offsets that change in the copy.
-std::vector<DataCopy::OffsetPlace> DataCopy::shiftsIn(const ChannelGroup& group) {
-  std::vector<OffsetPlace> places = offsetsIn(group);
-  places.erase(
-      std::remove_if(places.begin(), places.end(),
-                     [&](const OffsetPlace& place) { return values_[place.target].shift() == 0; }),
-      places.end());
-  return places;
-}
-
-/// A record with offsets among the values that are copied.
-std::string_view DataCopy::shifted(std::string_view record,
-                                   const std::vector<OffsetPlace>& places) {
-  if (places.empty()) {
-    return record;
-  }
-  shifted_ = record;
-  for (const OffsetPlace& place : places) {
-    const std::uint64_t offset = numberIn(record, place.at, place.bytes);
-    std::array<char, sizeof offset> bytes;
-    storeLe(bytes.data(), offset - values_[place.target].shift());
-    shifted_.replace(place.at, place.bytes, bytes.data(), place.bytes);
-  }
-  return shifted_;
-}
-
-/// The links of channels whose values are the records of a group.
-std::vector<BlockCopy::Link> DataCopy::channelsOf(const DataGroup& data_group,
-                                                  const ChannelGroup& values) {
-  std::vector<BlockCopy::Link> links;
-  if (!values.holdsVariableLength()) {
-    return links;
-  }
-  for (const ChannelGroup& group : data_group.groups) {
-    for (const Channel& channel : group.channels) {
-      if (channel.type == Channel::variable_length && channel.data == values.offset &&
-          !isDropped(group)) {
-        links.push_back({indexOf(channel.offset), CNBLOCK::cn_data});
-      }
-    }
-  }
-  return links;
-}
-
 /// Values of channels, sample reductions, and elements of arrays.
 void DataCopy::planOtherData() {
-  InputFile& file = blocks_.file();
   const BlockTable& table = blocks_.table();
   for (std::uint32_t block = 0; block < table.size(); ++block) {
     const std::string_view letters = table[block].letters();
-    const auto raw = letters == "CN" || letters == "SR" || letters == "CA"
-                         ? readRawBlock(file, table[block].offset)
-                         : std::nullopt;
-    if (!raw) {
-      continue;
+    if (letters == "SR" && packingOfReduction(block) != nullptr) {
+      planReduction(block);
+    } else if (isAnew() && (letters == "CN" || letters == "SR" || letters == "CA")) {
+      planOtherData(block);
     }
-    forEachWalkedLink(file, *raw, table[block], [&](std::uint64_t number, std::uint64_t target) {
+  }
+}
+
+void DataCopy::planOtherData(std::uint32_t block) {
+  InputFile& file = blocks_.file();
+  const BlockEntry& entry = blocks_.table()[block];
+  if (const auto raw = readRawBlock(file, entry.offset)) {
+    forEachWalkedLink(file, *raw, entry, [&](std::uint64_t number, std::uint64_t target) {
       if (leadsToData(file, target) && !lettersOf(file, target).empty()) {
         other_data_.push_back({{block, static_cast<std::uint32_t>(number)}, target});
         blocks_.cut(other_data_.back().link);
@@ -364,16 +177,40 @@ void DataCopy::planOtherData() {
   }
 }
 
-void DataCopy::write(BlockWriter& out) {
-  if (index_shift_) {
-    index_shift_->write(out.out());
+/// The packing of the records that a sample reduction is made of.
+const RecordPacking* DataCopy::packingOfReduction(std::uint32_t block) const {
+  const BlockTable& table = blocks_.table();
+  const std::uint32_t parent = table[table[block].head].parent;
+  return parent == BlockTable::none ? nullptr : contents_.packingOf(table[parent].offset);
+}
+
+/// A sample reduction of records that lose bytes.
+void DataCopy::planReduction(std::uint32_t block) {
+  InputFile& file = blocks_.file();
+  const std::uint64_t offset = blocks_.table()[block].offset;
+  const auto reduction = readFields(file, offset, "SR");
+  const std::uint64_t target = reduction ? reduction->link(SRBLOCK::sr_data) : 0;
+  if (target != 0 && lettersOf(file, target).empty()) {
+    note_("the sample reduction at " + decimalAndHex(offset) +
+          " is left out: its parts stand apart, or its data cannot be read");
+    blocks_.leaveOut(block);
+  } else if (target != 0) {
+    other_data_.push_back({{block, SRBLOCK::sr_data}, target});
+    blocks_.cut(other_data_.back().link);
   }
+}
+
+void DataCopy::write(BlockWriter& out) {
+  contents_.writeIndexShift(out.out());
   for (std::size_t i = 0; i < ways_.size(); ++i) {
-    writeGroup(out, description_.data_groups[i], ways_[i]);
+    writeGroup(out, contents_.dataGroups()[i], ways_[i]);
   }
   for (const OtherData& data : other_data_) {
+    const bool is_reduction = blocks_.table()[data.link.block].letters() == "SR";
+    const RecordPacking* const packing =
+        is_reduction ? packingOfReduction(data.link.block) : nullptr;
     if (blocks_.isCopied(data.link.block)) {
-      writeBytes(out, data);
+      packing == nullptr ? writeBytes(out, data) : writeReduction(out, data, *packing);
     }
   }
 }
@@ -388,7 +225,7 @@ void DataCopy::writeGroup(BlockWriter& out, const DataGroup& data_group, Way way
   } else if (way == Way::by_records) {
     writeRecords(out, data_group);
   } else {
-    writeMixed(out, data_group, way == Way::apart);
+    MixedCopy(blocks_, contents_, out, data_group).write(way == Way::apart, report_);
   }
 }
 
@@ -406,7 +243,7 @@ void DataCopy::writeBytes(BlockWriter& out, const OtherData& data) {
   const std::uint64_t record = isUnfinished() ? reductionBytesOf(data.link.block) : 0;
   const std::uint64_t count = record == 0 ? 0 : stream.size() / record;
   const std::uint64_t end = record == 0 ? endOfValues(data) : count * record;
-  for (std::uint64_t at = values_[data.target].shift(); at < end;) {
+  for (std::uint64_t at = contents_.beginOfValues(data.target); at < end;) {
     const auto most = static_cast<std::size_t>(std::min<std::uint64_t>(piece, end - at));
     const std::string_view bytes = stream.from(at, 1, most);
     if (bytes.empty()) {
@@ -424,16 +261,32 @@ void DataCopy::writeBytes(BlockWriter& out, const OtherData& data) {
 
 /// Where the last of the values ends that are copied.
 std::uint64_t DataCopy::endOfValues(const OtherData& data) {
-  const Values& values = values_[data.target];
-  const bool is_for_channel = blocks_.table()[data.link.block].letters() == "CN";
-  if (!rows_ || !is_for_channel || values.are_all) {
-    return UINT64_MAX;
+  const BlockEntry& entry = blocks_.table()[data.link.block];
+  return entry.letters() == "CN" ? contents_.endOfValues({entry.offset, data.target}) : UINT64_MAX;
+}
+
+/// The whole records of a reduction, which lose the same bytes as those of its group.
+void DataCopy::writeReduction(BlockWriter& out, const OtherData& data,
+                              const RecordPacking& packing) {
+  const std::uint64_t bytes = reductionBytesOf(data.link.block);
+  DataStream stream(data_file_, {blocks_.table()[data.link.block].offset, data.target},
+                    DataStream::Access::forward, report_);
+  DataWriter writer(out, "RD", 0, out.form().block_bytes);
+  std::uint64_t count = 0;
+  std::string record;
+  while (bytes > 0 && stream.reaches((count + 1) * bytes)) {
+    record.clear();
+    packing.appendReduced(stream.at(count * bytes, static_cast<std::size_t>(bytes)), record);
+    writer.append(record);
+    ++count;
   }
-  const std::uint64_t from = blocks_.table()[data.link.block].offset;
-  const auto signal_data = signalDataAt(data_file_, {from, data.target}, silent);
-  const auto last = signal_data->at(values.last);
-  const std::uint64_t end = last ? values.last + 4 + last->size() : UINT64_MAX;
-  return values.first == UINT64_MAX ? 0 : end;
+  if (isUnfinished()) {
+    blocks_.setField(data.link.block, "sr_cycle_count", count);
+  }
+  blocks_.setLink(data.link, writer.finish());
+  if (!data_file_.mayGoOnAfter(stream.storedBytes())) {
+    throw CopyFailure("its groups have the same data again and again");
+  }
 }
 
 /// Bytes of a record of a sample reduction: means, least and greatest values; 0 for other blocks.
@@ -458,20 +311,29 @@ std::uint64_t DataCopy::reductionBytesOf(std::uint32_t block) {
 void DataCopy::writeRecords(BlockWriter& out, const DataGroup& data_group) {
   const ChannelGroup& group = data_group.groups.front();
   Records records(data_file_, data_group, report_);
-  DataWriter writer(out, "DT", group.recordBytes(), out.form().block_bytes);
-  const std::vector<OffsetPlace> shifts = shiftsIn(group);
+  DataWriter writer(out, "DT", contents_.recordBytesOf(group), out.form().block_bytes);
+  RecordChange change = contents_.changeOf(group);
   std::uint64_t count = 0;
-  forEachSpan(records, group, [&](const RecordSpan& span) {
+  std::string record;
+  contents_.forEachSpan(records, group, [&](const RecordSpan& span) {
     count += span.count;
-    if (span.step == span.size && span.size == group.recordBytes() && shifts.empty()) {
+    const bool is_whole = span.size == group.recordBytes();
+    if (!is_whole && group.invalidation_bytes > most_invalidation_bytes) {
+      throw CopyFailure("channel group " + std::to_string(group.index) +
+                        " states more invalidation bytes than could be made for its records");
+    }
+    if (span.step == span.size && is_whole && change.isNone()) {
       writer.append({span.bytes, span.size * span.count});
       return;
     }
-    // Where invalidation bytes stand apart, there may be none: then all values are valid.
-    const std::string valid(static_cast<std::size_t>(group.recordBytes() - span.size), '\0');
-    for (std::size_t i = 0; i < span.count; ++i) {
-      writer.append(shifted(span.at(i), shifts));
-      writer.append(valid);
+    for (std::size_t i = 0; i < span.count && is_whole; ++i) {
+      writer.append(change.of(span.at(i)));
+    }
+    for (std::size_t i = 0; i < span.count && !is_whole; ++i) {
+      // Where invalidation bytes stand apart, there may be none: then all values are valid.
+      record = span.at(i);
+      record.resize(static_cast<std::size_t>(group.recordBytes()), '\0');
+      writer.append(change.of(record));
     }
   });
   const std::uint32_t block = indexOf(data_group.offset);
@@ -481,147 +343,6 @@ void DataCopy::writeRecords(BlockWriter& out, const DataGroup& data_group) {
   if (!data_file_.mayGoOnAfter(records.storedBytes())) {
     throw CopyFailure("its groups have the same data again and again");
   }
-}
-
-/// Goes through mixed records once more after they were examined.
-void DataCopy::writeMixed(BlockWriter& out, const DataGroup& data_group, bool are_apart) {
-  const std::vector<ChannelGroup>& groups = data_group.groups;
-  Records records(data_file_, data_group, report_);
-  records.examine();
-  const std::size_t block_bytes =
-      std::min(out.form().block_bytes, std::max<std::size_t>(64, room_for_parts / groups.size()));
-  std::vector<Part> parts(groups.size());
-  for (std::size_t i = 0; are_apart && i < groups.size(); ++i) {
-    const bool has_values = groups[i].holdsVariableLength();
-    const bool is_signal_data = has_values && !channelsOf(data_group, groups[i]).empty();
-    parts[i].data = std::make_unique<DataWriter>(
-        out, is_signal_data ? "SD" : "DT", has_values ? 0 : groups[i].recordBytes(), block_bytes);
-    parts[i].shifts = shiftsIn(groups[i]);
-    parts[i].is_dropped = isDropped(groups[i]);
-  }
-  DataWriter together(out, "DT", 0, out.form().block_bytes);
-  walkMixed(data_group, records.idBytes(), are_apart ? nullptr : &together, parts);
-  if (are_apart) {
-    finishApart(out, data_group, parts);
-  } else {
-    blocks_.setLink({indexOf(data_group.offset), DGBLOCK::dg_data}, together.finish());
-    finishMixed(data_group, parts);
-  }
-  if (!data_file_.mayGoOnAfter(records.storedBytes())) {
-    throw CopyFailure("its groups have the same data again and again");
-  }
-}
-
-void DataCopy::walkMixed(const DataGroup& data_group, unsigned id_bytes, DataWriter* together,
-                         std::vector<Part>& parts) {
-  const RecordFormat format(data_group, id_bytes);
-  DataStream stream(data_file_, {data_group.offset, data_group.data}, DataStream::Access::forward,
-                    silent);
-  std::uint64_t position = 0;
-  std::string_view bytes;
-  while (true) {
-    Record record = format.wholeIn(bytes, position);
-    const bool is_in_memory = record.group != nullptr;
-    if (!is_in_memory) {
-      record = format.at(stream, position);
-    }
-    if (record.group == nullptr) {
-      return;
-    }
-    const auto length = static_cast<std::size_t>(record.next - position);
-    Part& part = parts[static_cast<std::size_t>(record.group - data_group.groups.data())];
-    if (isWanted(record, part)) {
-      part.value_bytes += record.bytes.size();
-      ++part.records;
-      if (together != nullptr) {
-        together->append(is_in_memory ? bytes.substr(0, length) : stream.at(position, length));
-      } else {
-        append(record, part);
-      }
-    }
-    bytes = is_in_memory ? bytes.substr(length) : stream.from(record.next, 1, SIZE_MAX);
-    position = record.next;
-  }
-}
-
-/// Records beyond the count of their group are not read.
-bool DataCopy::isWanted(const Record& record, Part& part) {
-  const ChannelGroup& group = *record.group;
-  if (part.is_dropped) {
-    return false;
-  }
-  if (group.holdsVariableLength()) {
-    const std::uint64_t offset = part.number;
-    part.number += 4 + record.bytes.size();
-    return !rows_ || values_[group.offset].has(offset);
-  }
-  const std::uint64_t number = part.number++;
-  if (rows_) {
-    const std::vector<Rows>& rows = rows_->of(group.offset);
-    while (part.rows < rows.size() && number >= rows[part.rows].end) {
-      ++part.rows;
-    }
-    return part.rows < rows.size() && number >= rows[part.rows].begin;
-  }
-  return !data_file_.isCountFinal(group) || group.cycles == 0 || number < group.cycles;
-}
-
-void DataCopy::append(const Record& record, Part& part) {
-  if (record.group->holdsVariableLength()) {
-    std::array<char, sizeof(std::uint32_t)> length;
-    storeLe(length.data(), static_cast<std::uint32_t>(record.bytes.size()));
-    part.data->append({length.data(), length.size()});
-  }
-  part.data->append(shifted(record.bytes, part.shifts));
-}
-
-/// The counts of groups whose records stay mixed.
-void DataCopy::finishMixed(const DataGroup& data_group, std::vector<Part>& parts) {
-  for (std::size_t i = 0; i < parts.size(); ++i) {
-    const ChannelGroup& group = data_group.groups[i];
-    const std::uint32_t block = indexOf(group.offset);
-    blocks_.setField(block, "cg_cycle_count", parts[i].records);
-    if (group.holdsVariableLength()) {
-      blocks_.setField(block, "cg_data_bytes", parts[i].value_bytes & UINT32_MAX);
-      blocks_.setField(block, "cg_inval_bytes", parts[i].value_bytes >> 32U);
-    }
-  }
-}
-
-/// The first group that stays keeps the data group; the others get one each, after it.
-void DataCopy::finishApart(BlockWriter& out, const DataGroup& data_group,
-                           std::vector<Part>& parts) {
-  const std::uint32_t block = indexOf(data_group.offset);
-  std::vector<std::size_t> staying;
-  for (std::size_t i = 0; i < parts.size(); ++i) {
-    const ChannelGroup& group = data_group.groups[i];
-    const auto channels = channelsOf(data_group, group);
-    const std::uint64_t values = channels.empty() ? 0 : parts[i].data->finish();
-    for (const BlockCopy::Link& channel : channels) {
-      blocks_.setLink(channel, values);
-    }
-    if (channels.empty() && !parts[i].is_dropped) {
-      staying.push_back(i);
-    }
-  }
-  std::uint64_t next = blocks_.newLink({block, DGBLOCK::dg_dg_next});
-  const std::uint64_t comment = blocks_.newLink({block, DGBLOCK::dg_md_comment});
-  for (std::size_t i = staying.size(); i-- > 0;) {
-    const ChannelGroup& group = data_group.groups[staying[i]];
-    const std::uint32_t index = indexOf(group.offset);
-    const std::uint64_t data = parts[staying[i]].data->finish();
-    blocks_.setField(index, "cg_cycle_count", parts[staying[i]].records);
-    blocks_.setLink({index, next_link}, 0);
-    if (i > 0) {
-      next = out.out().add(dataGroupBlock(next, blocks_.placeOf(index), data, comment));
-      blocks_.moveGroup(index, next);
-    } else {
-      blocks_.setLink({block, DGBLOCK::dg_data}, data);
-      blocks_.setLink({block, DGBLOCK::dg_cg_first}, blocks_.placeOf(index));
-    }
-  }
-  blocks_.setLink({block, DGBLOCK::dg_dg_next}, next);
-  blocks_.setField(block, "dg_rec_id_size", 0);
 }
 
 }  // namespace mdf_tools

@@ -32,7 +32,8 @@ std::string blockOf(std::string_view letters, std::uint64_t links, std::size_t b
 
 std::size_t zippersFor(const DataForm& form) {
   const std::size_t cores = std::max(1U, std::thread::hardware_concurrency());
-  return std::clamp<std::size_t>(room_for_zipping / form.block_bytes / 3, 1, cores);
+  return std::clamp<std::size_t>(room_for_zipping / form.block_bytes / 3, 1,
+                                 form.threads == 0 ? cores : form.threads);
 }
 
 }  // namespace

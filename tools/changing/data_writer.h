@@ -22,6 +22,7 @@ struct DataForm {
   Zip zip = Zip::none;
   int level = 6;                                    ///< 1 for the fastest to 12 for the smallest
   std::size_t block_bytes = std::size_t{1} << 20U;  ///< of data, before it is zipped
+  std::size_t threads = 0;                          ///< that zip; 0 for one on each core
 };
 
 /// A data block that has its place in the file.

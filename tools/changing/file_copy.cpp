@@ -7,12 +7,15 @@
 #include <string>
 
 #include "block_copy.h"
+#include "content_choice.h"
+#include "copy_contents.h"
 #include "copy_failure.h"
 #include "data_copy.h"
 #include "event_choice.h"
 #include "fileblocks/fhblock.h"
 #include "fileblocks/hdblock.h"
 #include "framework/wire.h"
+#include "new_reductions.h"
 #include "reader/blocks/identification.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/offset_set.h"
@@ -94,6 +97,20 @@ void addHistory(BlockCopy& blocks, const CopyOptions& options, NewBlocks& out) {
   blocks.setLink(end, static_cast<std::uint64_t>(entry));
 }
 
+/// What the file's end cuts off of these makes no sense any more, unlike texts and links.
+void leaveOutWhatIsTorn(BlockCopy& blocks) {
+  constexpr std::string_view types = "AT EV MD CG CN CC CA SR";
+  for (std::uint32_t block = 0; block < blocks.table().size(); ++block) {
+    const BlockEntry& entry = blocks.table()[block];
+    const auto raw = isAmongTargets(types, entry.letters())
+                         ? readRawBlock(blocks.file(), entry.offset)
+                         : std::nullopt;
+    if (raw && !isWhole(blocks.file(), *raw)) {
+      blocks.leaveOut(block);
+    }
+  }
+}
+
 }  // namespace
 
 std::uint64_t copyFile(InputFile& file, const CopyOptions& options, mdf_writer::Output& output,
@@ -103,21 +120,33 @@ std::uint64_t copyFile(InputFile& file, const CopyOptions& options, mdf_writer::
   if (blocks.table().size() == 0) {
     throw CopyFailure("it has no header block");
   }
+  leaveOutWhatIsTorn(blocks);
   for (const std::string& letters : options.without) {
     blocks.leaveOut(letters);
   }
   if (options.limits.from || options.limits.to) {
     leaveOutEvents(blocks, options.limits, each_once.sink());
   }
-  DataCopy data(blocks, options, each_once.sink(), note);
+  CopyContents contents(blocks, options, each_once.sink(), note);
+  contents.choose();
+  DataCopy data(blocks, contents, options, each_once.sink(), note);
   data.plan();
+  NewReductions reductions(blocks, contents, options, each_once.sink(), note);
+  if (!options.reductions.empty()) {
+    reductions.plan();
+  }
   leaveOutEventsOfNothing(blocks);
   blocks.choose();
+  if (contents.hasChoice()) {
+    leaveOutAttachmentsOfNothing(blocks);
+    blocks.choose();
+  }
   NewBlocks out(output);
   writeIdentification(file, out);
   blocks.place(out);
   BlockWriter block_writer(out, options.form.value_or(DataForm()));
   data.write(block_writer);
+  reductions.write(block_writer);
   addHistory(blocks, options, out);
   blocks.write(out);
   out.flush();

@@ -48,16 +48,20 @@ std::string additionOf(double number) {
 }  // namespace
 
 IndexShift::IndexShift(BlockCopy& blocks, const RowChoice& rows,
-                       const std::vector<DataGroup>& data_groups)
+                       const std::vector<DataGroup>& data_groups,
+                       const std::function<bool(const Channel& channel)>& is_copied)
     : blocks_(blocks) {
   for (const DataGroup& data_group : data_groups) {
     for (const ChannelGroup& group : data_group.groups) {
       const std::vector<Rows>& chosen = rows.of(group.offset);
       const std::uint64_t first = chosen.empty() ? 0 : chosen.front().begin;
-      if (group.hasRemoteMaster() && !(chosen == rows.of(group.master_group))) {
-        refuse(group, "would have other records than the group with its master channel");
-      }
       for (const Channel& channel : group.channels) {
+        if (!is_copied(channel)) {
+          continue;
+        }
+        if (group.hasRemoteMaster() && !(chosen == rows.of(group.master_group))) {
+          refuse(group, "would have other records than the group with its master channel");
+        }
         if (channel.isVirtual() && chosen.size() > 1) {
           refuse(group, "has values that are numbers of records, some of which would be left out");
         }

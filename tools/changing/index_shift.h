@@ -2,6 +2,7 @@
 #define MDF_TOOLS_CHANGING_INDEX_SHIFT_H_
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -16,9 +17,11 @@ namespace mdf_tools {
 /// first records are left out: their linear conversions begin later.
 class IndexShift {
  public:
+  /// @param is_copied whether a channel stays.
   /// @throws CopyFailure where that cannot be, or where records would lose the masters that they
   /// have in another group.
-  IndexShift(BlockCopy& blocks, const RowChoice& rows, const std::vector<DataGroup>& data_groups);
+  IndexShift(BlockCopy& blocks, const RowChoice& rows, const std::vector<DataGroup>& data_groups,
+             const std::function<bool(const Channel& channel)>& is_copied);
 
   void write(NewBlocks& out);
 

@@ -24,6 +24,7 @@
 #include "number_option.h"
 #include "reader/bytes/input_file.h"
 #include "reader/columns/column_data.h"
+#include "reader/columns/row_rate.h"
 #include "sample_options.h"
 
 namespace mdf_tools {
@@ -54,6 +55,16 @@ Events that are outside --from and --to by their time are left out, and so are s
 which would no longer be those of the records. Linear conversions of virtual channels, whose values are
 made of the numbers of records, begin later then; where that cannot be, there is no copy.
 
+--channel keeps channels whose names match, with what they need: the master channels of their groups,
+their members and the structures around them, sizes and axes of arrays, lengths, signal data. Groups
+without such a channel are left out. Bytes that no channel of the copy uses are cut out of the records,
+and of those of sample reductions, so that the copy is small; the other bytes stay as they are. The new
+blocks are zipped only with --zip. Attachments go that only channels refer to which are left out.
+
+--reductions makes sample reductions of the records that the copy has, for viewers of long recordings:
+for each interval of time means, least and greatest values. They take the place of those of the same
+interval that the file has. Groups without a time in their records get none.
+
 --group and --drop-empty leave out channel groups. Those that hold the masters or the values of others
 stay with these; what remains of unsorted data is sorted. Events that are of nothing that is left go.
 Links of channels, hierarchies and events to what is left out are empty in the copy.
@@ -64,7 +75,9 @@ of the copy, too, are counted; one that only the copy has prevents it.
 Examples:
   mdf copy trip.mf4 -o small.mf4 --sort --zip transposed
   mdf copy trip.mf4 -o part.mf4 --from 10 --to 20
+  mdf copy trip.mf4 -o speed.mf4 -c 'speed*' -c rpm --zip transposed
   mdf copy trip.mf4 -o plain.mf4 --zip none
+  mdf copy trip.mf4 -o quick.mf4 --reductions 1s,10s
   mdf copy unfinished.mf4 -o whole.mf4
 
 Exit code: 0 copied, 1 problems found in the file, or the copy cannot be written, 2 wrong arguments,
@@ -94,12 +107,22 @@ std::string historyOf(const Request& request) {
     text += " from " + (mdf_writer::isUtf8(name) ? name : "a file");
   }
   text += request.options.group.empty() ? "" : ", channel group " + request.options.group;
+  const char* separator = ", channels ";
+  for (const std::string& pattern : request.options.channels) {
+    text += separator + (mdf_writer::isUtf8(pattern) ? pattern : "of a name");
+    separator = " ";
+  }
   text += request.options.drops_empty ? ", without empty groups" : "";
   text += request.options.sorts ? ", sorted" : "";
   for (const std::string& letters : request.options.without) {
     text += letters == "AT"   ? ", without attachments"
             : letters == "EV" ? ", without events"
                               : ", without sample reductions";
+  }
+  separator = ", sample reductions of ";
+  for (const double seconds : request.options.reductions) {
+    text += separator + shown(seconds) + " s";
+    separator = " and ";
   }
   const Query& limits = request.options.limits;
   text += limits.from ? ", from " + shown(*limits.from) : "";
@@ -201,6 +224,16 @@ int run(Request& request) {
   }
 }
 
+/// The seconds of "10s" or "100ms".
+double intervalOf(const std::string& word) {
+  const auto rate = readRate(word);
+  if (!rate || !rate->isUsable()) {
+    throw CLI::ValidationError("--reductions: expected intervals such as 1s or 100ms, found \"" +
+                               word + '"');
+  }
+  return rate->secondsTo(1);
+}
+
 /// Adds --from, --to, --first and --last.
 void addLimits(CLI::App& command, const std::shared_ptr<Request>& request) {
   Query& limits = request->options.limits;
@@ -260,6 +293,12 @@ void addCopyCommand(CLI::App& app, int& exit_code) {
       ->needs(zip)
       ->capture_default_str();
   addLimits(*command, request);
+  command
+      ->add_option(
+          "-c,--channel", request->options.channels,
+          "Only channels whose name matches a pattern with *, ? and [...]; may be repeated")
+      ->type_name("GLOB")
+      ->allow_extra_args(false);
   addGroupOption(*command, request->options.group);
   command->add_flag("--drop-empty", request->options.drops_empty,
                     "Leave out channel groups without records");
@@ -276,6 +315,18 @@ void addCopyCommand(CLI::App& app, int& exit_code) {
           "Leave out attachments, events or sample reductions; may be repeated")
       ->check(CLI::IsMember({"attachments", "events", "reductions"}))
       ->option_text("attachments|events|reductions")
+      ->allow_extra_args(false);
+  command
+      ->add_option_function<std::vector<std::string>>(
+          "--reductions",
+          [request](const std::vector<std::string>& words) {
+            for (const std::string& word : words) {
+              request->options.reductions.push_back(intervalOf(word));
+            }
+          },
+          "Make sample reductions over such intervals, as 1s,10s")
+      ->type_name("TIME")
+      ->delimiter(',')
       ->allow_extra_args(false);
   command->footer(footer);
   command->callback([request, &exit_code] { exit_code = run(*request); });

@@ -40,7 +40,8 @@ constexpr const char* footer =
     R"(Says what the file is, when and by what program it was started, whether it is finished, and what is
 in it: channel groups with their records, and blocks by type. "span" and "rate" are those of the
 group's master channel: they come from the range that it states or else from the first and the last
-record, and are left out where these do not tell. The duration is the longest span over time.
+record, and are left out where these do not tell. The duration is the longest span over time. Groups
+with sample reductions are shown with their intervals, and how many of them there are.
 
 However large the file is, little of it is read, with two exceptions: data with records of several
 groups is gone through for the last of each, and in an unfinished file the records are counted, and

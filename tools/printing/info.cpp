@@ -114,6 +114,24 @@ void printGroups(const FileSummary& summary, std::ostream& out) {
   }
 }
 
+void printReductions(const FileSummary& summary, std::ostream& out) {
+  using Align = TextTable::Align;
+  TextTable table(
+      {{"group", Align::right}, {"reduced to", Align::right}, {"records", Align::right}});
+  for (const GroupSummary& each : summary.groups) {
+    for (const ReductionSummary& reduction : each.reductions) {
+      const std::string unit = reduction.unit();
+      table.add({std::to_string(each.group->index),
+                 shownNumber(reduction.interval) + (unit.empty() ? "" : ' ' + unit),
+                 withCommas(reduction.records)});
+    }
+  }
+  if (!table.isEmpty()) {
+    out << '\n';
+    table.print(out);
+  }
+}
+
 void printBlocks(const FileSummary& summary, std::ostream& out) {
   TextTable table(
       {{"type"}, {"blocks", TextTable::Align::right}, {"bytes", TextTable::Align::right}, {""}});
@@ -158,6 +176,7 @@ void printInfo(InputFile& file, Depth depth, std::ostream& out, const FindingSin
     printLine(out, "Records:", counted);
   }
   printGroups(summary, out);
+  printReductions(summary, out);
   printBlocks(summary, out);
 }
 

@@ -206,6 +206,24 @@ void ReducedNumber::put(char* mean, char* least, char* greatest, char* invalidat
   }
 }
 
+void ReducedNumber::set(char* data, double number) const {
+  if (kind_ == Kind::real_32 || kind_ == Kind::real_64) {
+    store(data, realKey(number));
+    return;
+  }
+  const bool is_natural = kind_ == Kind::natural;
+  const double most = std::ldexp(1.0, static_cast<int>(is_natural ? bits_ : bits_ - 1));
+  const double rounded = std::round(number);
+  if (!(rounded < most)) {
+    store(data, is_natural ? lowBits(bits_) : lowBits(bits_ - 1) ^ sign_bit);
+  } else if (is_natural) {
+    store(data, rounded < 0 ? 0 : static_cast<std::uint64_t>(rounded));
+  } else {
+    store(data, static_cast<std::uint64_t>(static_cast<std::int64_t>(std::max(rounded, -most))) ^
+                    sign_bit);
+  }
+}
+
 Reduction::Reduction(const Group& group, double seconds, DataStream& stream)
     : stream_(&stream), seconds_(seconds), data_bytes_(group.dataBytes()) {
   for (const ChannelPlan& channel : group.channels()) {

@@ -29,6 +29,9 @@ class ReducedNumber {
   /// valid one. Where there was none, the records stay as they are.
   void put(char* mean, char* least, char* greatest, char* invalidation) const;
 
+  /// Puts the number into a record that is nearest to another one.
+  void set(char* data, double number) const;
+
  private:
   enum class Kind { natural, integer, real_32, real_64 };
 
