@@ -9,6 +9,8 @@
 #include "description/cnblock.h"
 #include "description/dgblock.h"
 #include "framework/wire.h"
+#include "group_facts.h"
+#include "mixed_records.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/blocks/walk.h"
 #include "reader/bytes/input_file.h"
@@ -33,26 +35,6 @@ constexpr std::size_t room_for_parts = std::size_t{1} << 25U;
 
 const FindingSink silent = [](const Finding& /*finding*/) {};
 
-bool hasElementsElsewhere(const DataGroup& data_group) {
-  const auto has_elements = [](const Channel& channel) {
-    return !channel.array.dimensions.empty() && !channel.array.in_records;
-  };
-  return std::any_of(
-      data_group.groups.begin(), data_group.groups.end(), [&](const ChannelGroup& group) {
-        return std::any_of(group.channels.begin(), group.channels.end(), has_elements);
-      });
-}
-
-/// The letters of the blocks with the data that a link leads to; "" where it is not to be written
-/// anew: what makes no sense, and what has parts that stand apart.
-std::string lettersOf(InputFile& file, std::uint64_t target) {
-  const auto part = DataLinks(file, {target, target}, silent).next();
-  const auto block = part ? readRawBlock(file, part->data) : std::nullopt;
-  const std::string letters = block ? originalType(file, *block) : "";
-  const bool is_whole = letters == "DT" || letters == "SD" || letters == "RD";
-  return is_whole && part->invalidation == 0 ? letters : "";
-}
-
 bool leadsToData(InputFile& file, std::uint64_t target) {
   const auto block = target == 0 ? std::nullopt : readRawBlock(file, target);
   return block && block->hasId() &&
@@ -68,20 +50,6 @@ std::uint64_t numberIn(std::string_view record, std::size_t at, std::size_t byte
     number = number << 8U | static_cast<unsigned char>(byte);
   }
   return number;
-}
-
-std::string dataGroupBlock(std::uint64_t next, std::uint64_t group, std::uint64_t data,
-                           std::uint64_t comment) {
-  std::string block(DGBLOCK::DGBLOCK_SIZE, '\0');
-  block.replace(0, 4, "##DG");
-  storeLe(&block[8], std::uint64_t{block.size()});
-  storeLe(&block[16], std::uint64_t{DGBLOCK::DG_BLOCK_LINKS_NUM});
-  char* at = &block[RawBlock::header_size];
-  for (const std::uint64_t link : {next, group, data, comment}) {
-    storeLe(at, link);
-    at += RawBlock::link_size;
-  }
-  return block;
 }
 
 }  // namespace
@@ -144,7 +112,7 @@ void DataCopy::planGroup(const DataGroup& data_group, Way way) {
     note_("data group " + std::to_string(data_group.index) +
           " stays unsorted: it has arrays whose elements have records of their own");
   }
-  if (way == Way::as_bytes && lettersOf(blocks_.file(), data_group.data).empty()) {
+  if (way == Way::as_bytes && dataLettersOf(blocks_.file(), data_group.data).empty()) {
     ways_.back() = Way::as_blocks;
   } else if (way != Way::as_blocks) {
     blocks_.cut({indexOf(data_group.offset), DGBLOCK::dg_data});
@@ -232,19 +200,11 @@ bool DataCopy::isGroupWanted(const DataGroup& data_group, const ChannelGroup& gr
              : Records(data_file_, data_group, silent).countOf(group).value_or(1) > 0;
 }
 
-/// Whether a record has one offset of the channel, which can be changed.
-bool DataCopy::knowsOffsets(const ChannelGroup& group, const Channel& channel) {
-  const auto is_array = [](const Channel& each) { return !each.array.dimensions.empty(); };
-  return channel.bit_offset == 0 && channel.bit_count % 8 == 0 && channel.bit_count <= 64 &&
-         std::uint64_t{channel.byte_offset} + channel.bit_count / 8 <= group.data_bytes &&
-         std::none_of(group.channels.begin(), group.channels.end(), is_array);
-}
-
 std::vector<DataCopy::OffsetPlace> DataCopy::offsetsIn(const ChannelGroup& group) {
   std::vector<OffsetPlace> places;
   for (const Channel& channel : group.channels) {
     if (channel.type == Channel::variable_length && channel.data != 0 &&
-        knowsOffsets(group, channel)) {
+        hasOffsetInPlace(group, channel)) {
       places.push_back({channel.byte_offset, channel.bit_count / 8, channel.data});
     }
   }
@@ -257,7 +217,7 @@ void DataCopy::chooseValues(const DataGroup& data_group) {
   for (const ChannelGroup& group : data_group.groups) {
     for (const Channel& channel : group.channels) {
       if (channel.type == Channel::variable_length &&
-          (has_elements || !knowsOffsets(group, channel))) {
+          (has_elements || !hasOffsetInPlace(group, channel))) {
         values_[channel.data].are_all = true;
       }
     }
@@ -356,7 +316,7 @@ void DataCopy::planOtherData() {
       continue;
     }
     forEachWalkedLink(file, *raw, table[block], [&](std::uint64_t number, std::uint64_t target) {
-      if (leadsToData(file, target) && !lettersOf(file, target).empty()) {
+      if (leadsToData(file, target) && !dataLettersOf(file, target).empty()) {
         other_data_.push_back({{block, static_cast<std::uint32_t>(number)}, target});
         blocks_.cut(other_data_.back().link);
       }
@@ -402,7 +362,7 @@ void DataCopy::writeBytes(BlockWriter& out, const OtherData& data) {
   }
   DataStream stream(data_file_, {blocks_.table()[data.link.block].offset, data.target},
                     DataStream::Access::forward, report_);
-  DataWriter writer(out, lettersOf(blocks_.file(), data.target), 0, out.form().block_bytes);
+  DataWriter writer(out, dataLettersOf(blocks_.file(), data.target), 0, out.form().block_bytes);
   const std::uint64_t record = isUnfinished() ? reductionBytesOf(data.link.block) : 0;
   const std::uint64_t count = record == 0 ? 0 : stream.size() / record;
   const std::uint64_t end = record == 0 ? endOfValues(data) : count * record;
@@ -517,31 +477,18 @@ void DataCopy::walkMixed(const DataGroup& data_group, unsigned id_bytes, DataWri
   const RecordFormat format(data_group, id_bytes);
   DataStream stream(data_file_, {data_group.offset, data_group.data}, DataStream::Access::forward,
                     silent);
-  std::uint64_t position = 0;
-  std::string_view bytes;
-  while (true) {
-    Record record = format.wholeIn(bytes, position);
-    const bool is_in_memory = record.group != nullptr;
-    if (!is_in_memory) {
-      record = format.at(stream, position);
-    }
-    if (record.group == nullptr) {
-      return;
-    }
-    const auto length = static_cast<std::size_t>(record.next - position);
+  forEachMixedRecord(format, stream, [&](const Record& record, const auto& whole) {
     Part& part = parts[static_cast<std::size_t>(record.group - data_group.groups.data())];
     if (isWanted(record, part)) {
       part.value_bytes += record.bytes.size();
       ++part.records;
       if (together != nullptr) {
-        together->append(is_in_memory ? bytes.substr(0, length) : stream.at(position, length));
+        together->append(whole());
       } else {
         append(record, part);
       }
     }
-    bytes = is_in_memory ? bytes.substr(length) : stream.from(record.next, 1, SIZE_MAX);
-    position = record.next;
-  }
+  });
 }
 
 /// Records beyond the count of their group are not read.

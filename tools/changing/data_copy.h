@@ -92,7 +92,6 @@ class DataCopy {
   bool isGroupWanted(const DataGroup& data_group, const ChannelGroup& group);
   bool isDropped(const ChannelGroup& group) const { return dropped_.count(group.offset) > 0; }
   void chooseValues(const DataGroup& data_group);
-  static bool knowsOffsets(const ChannelGroup& group, const Channel& channel);
   static std::vector<OffsetPlace> offsetsIn(const ChannelGroup& group);
   void forEachSpan(Records& records, const ChannelGroup& group,
                    const std::function<void(const RecordSpan&)>& visit);

@@ -1,0 +1,406 @@
+#include "joined_data.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <map>
+#include <numeric>
+#include <string>
+#include <utility>
+
+#include "copy_failure.h"
+#include "description/cgblock.h"
+#include "description/cnblock.h"
+#include "description/dgblock.h"
+#include "fileblocks/hdblock.h"
+#include "framework/wire.h"
+#include "group_facts.h"
+#include "reader/blocks/block_fields.h"
+#include "reader/bytes/input_file.h"
+
+namespace mdf_tools {
+
+using mdf_v4_10::CGBLOCK;
+using mdf_v4_10::CNBLOCK;
+using mdf_v4_10::DGBLOCK;
+using mdf_v4_10::HDBLOCK;
+using mdf_v4_10::detail::storeLe;
+
+namespace {
+
+const FindingSink silent = [](const Finding& /*finding*/) {};
+
+bool hasVirtual(const ChannelGroup& group) {
+  return std::any_of(group.channels.begin(), group.channels.end(),
+                     [](const Channel& channel) { return channel.isVirtual(); });
+}
+
+/// Whether records of a group hold values of a channel of a data group.
+bool isReferred(const DataGroup& data_group, const ChannelGroup& values) {
+  for (const ChannelGroup& group : data_group.groups) {
+    for (const Channel& channel : group.channels) {
+      if (channel.type == Channel::variable_length && channel.data == values.offset) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+std::string shown(const JoinInput& input, const ChannelGroup& group) {
+  return "channel group " + std::to_string(group.index) + " of " + input.name;
+}
+
+std::string textBlock(std::string_view text) {
+  const std::size_t length = RawBlock::header_size + text.size() + 1;
+  std::string block(length, '\0');
+  block.replace(0, 4, "##TX");
+  storeLe(&block[8], std::uint64_t{length});
+  block.replace(RawBlock::header_size, text.size(), text);
+  return block;
+}
+
+std::uint64_t bitsOf(double number) {
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &number, sizeof bits);
+  return bits;
+}
+
+}  // namespace
+
+JoinedData::JoinedData(JoinInputs& inputs, std::vector<JoinedGroup>& groups,
+                       std::optional<DataForm> form, const NoteSink& note)
+    : inputs_(inputs), groups_(groups), form_(form), note_(note) {}
+
+void JoinedData::plan(bool is_wide) {
+  for (JoinedGroup& group : groups_) {
+    planGroup(group, is_wide);
+  }
+  for (std::size_t file = 0; file < inputs_.size(); ++file) {
+    for (const DataGroup& data_group : inputs_[file].description.data_groups) {
+      if (isAnew(inputs_[file], data_group)) {
+        planDataGroup(file, data_group);
+      } else {
+        planStaying(inputs_[file], data_group);
+      }
+    }
+  }
+  if (without_reductions_ > 0) {
+    note_("sample reductions of " + std::to_string(without_reductions_) + " channel group" +
+          (without_reductions_ == 1 ? " are" : "s are") +
+          " left out: they would not be those of the joined records");
+  }
+  findComponents();
+}
+
+void JoinedData::planGroup(JoinedGroup& group, bool is_wide) {
+  group.parts.assign(group.sources.size(), {});
+  group.counts.clear();
+  for (const GroupSource& source : group.sources) {
+    JoinInput& input = inputs_[source.file];
+    const bool matters = group.sources.size() > 1 && hasVirtual(*source.group);
+    group.counts.push_back(
+        !matters ? 0
+        : input.data.isCountFinal(*source.group)
+            ? source.group->cycles
+            : Records(input.data, *source.data_group, silent).countOf(*source.group).value_or(0));
+  }
+  const bool stays_whole = hasElementsElsewhere(*group.sources.front().data_group);
+  group.change = std::make_unique<GroupChange>(inputs_, group.sources, group.counts, is_wide);
+  if (stays_whole && !group.change->isNone()) {
+    throw CopyFailure(shown(inputs_[group.sources.front().file], *group.sources.front().group) +
+                      " has arrays whose elements have records of their own, and its times would "
+                      "change");
+  }
+}
+
+bool JoinedData::isAnew(JoinInput& input, const DataGroup& data_group) {
+  if (hasElementsElsewhere(data_group) || data_group.groups.empty()) {
+    return false;
+  }
+  return form_ || input.data.isUnfinished() ||
+         std::any_of(data_group.groups.begin(), data_group.groups.end(),
+                     [&](const ChannelGroup& group) {
+                       return !group.holdsVariableLength() &&
+                              (groupOf(input, group).sources.size() > 1 ||
+                               !groupOf(input, group).change->isNone());
+                     });
+}
+
+void JoinedData::planStaying(JoinInput& input, const DataGroup& data_group) {
+  if (hasElementsElsewhere(data_group) && input.data.isUnfinished()) {
+    throw CopyFailure(input.name +
+                      " was not finished, and has arrays whose elements have records of their own");
+  }
+  for (const ChannelGroup& group : data_group.groups) {
+    if (!group.holdsVariableLength()) {
+      groupOf(input, group).parts.front().records = group.cycles;
+    }
+  }
+}
+
+/// Groups whose records are written anew get a data group each.
+void JoinedData::planDataGroup(std::size_t file, const DataGroup& data_group) {
+  JoinInput& input = inputs_[file];
+  bool has_home = false;
+  input.blocks.cut({input.indexOf(data_group.offset), DGBLOCK::dg_data});
+  for (const ChannelGroup& group : data_group.groups) {
+    if (group.holdsVariableLength()) {
+      leaveOut(input, group);
+      if (!isReferred(data_group, group)) {
+        note_(shown(input, group) + " is left out: it holds values that no channel has");
+      }
+    } else if (isHome(file, groupOf(input, group))) {
+      has_home = true;
+      planBlocks(groupOf(input, group));
+    } else {
+      leaveOut(input, group);
+    }
+  }
+  if (!has_home) {
+    input.blocks.leaveOut(input.indexOf(data_group.offset));
+  }
+}
+
+void JoinedData::leaveOut(JoinInput& input, const ChannelGroup& group) {
+  input.blocks.leaveOut(input.indexOf(group.offset));
+  for (const Channel& channel : group.channels) {
+    input.blocks.leaveOut(input.indexOf(channel.offset));
+  }
+}
+
+/// Cuts off what the blocks of a group no longer lead to, and says how its channels change.
+void JoinedData::planBlocks(JoinedGroup& joined) {
+  const GroupSource& home = joined.sources.front();
+  JoinInput& input = inputs_[home.file];
+  const ChannelGroup& group = *home.group;
+  for (const Channel& channel : group.channels) {
+    if (channel.type == Channel::variable_length) {
+      input.blocks.cut({input.indexOf(channel.offset), CNBLOCK::cn_data});
+    }
+  }
+  const bool are_others = joined.sources.size() > 1 || !joined.change->isNone();
+  if (are_others) {
+    input.blocks.cut({input.indexOf(group.offset), CGBLOCK::cg_sr_first});
+    const bool has_reductions =
+        std::any_of(joined.sources.begin(), joined.sources.end(),
+                    [](const GroupSource& source) { return source.group->first_reduction != 0; });
+    without_reductions_ += has_reductions ? 1U : 0U;
+  }
+  for (const ValueChange& value : joined.change->values()) {
+    const Channel& channel = group.channels[value.channel];
+    if (value.form == ValueChange::Form::wide_real) {
+      input.blocks.cut({input.indexOf(channel.offset), CNBLOCK::cn_cc_conversion});
+    }
+  }
+}
+
+/// Groups that share a data group in one of the files are written together, as their records are
+/// read together.
+void JoinedData::findComponents() {
+  std::vector<std::size_t> parents(groups_.size());
+  std::iota(parents.begin(), parents.end(), std::size_t{0});
+  const auto root = [&](std::size_t group) {
+    while (parents[group] != group) {
+      parents[group] = parents[parents[group]];
+      group = parents[group];
+    }
+    return group;
+  };
+  std::vector<std::pair<std::size_t, Component::Data>> data;  // each with one of its groups
+  for (std::size_t file = 0; file < inputs_.size(); ++file) {
+    for (const DataGroup& data_group : inputs_[file].description.data_groups) {
+      std::optional<std::size_t> first;
+      for (const ChannelGroup& group : data_group.groups) {
+        if (!group.holdsVariableLength() && isAnew(inputs_[file], data_group)) {
+          const std::size_t own = root(inputs_[file].joined.at(group.offset));
+          const std::size_t other = first ? root(*first) : own;
+          first = std::min(own, other);
+          parents[std::max(own, other)] = *first;
+        }
+      }
+      if (first) {
+        data.push_back({*first, {file, &data_group}});
+      }
+    }
+  }
+  std::map<std::size_t, Component> components;
+  for (const auto& [group, each] : data) {
+    components[root(group)].data.push_back(each);
+  }
+  for (std::size_t group = 0; group < groups_.size(); ++group) {
+    const auto component = components.find(root(group));
+    if (component != components.end()) {
+      component->second.groups.push_back(group);
+    }
+  }
+  components_.clear();
+  for (auto& [first, component] : components) {
+    components_.push_back(std::move(component));
+  }
+}
+
+void JoinedData::write(BlockWriter& out) {
+  for (const Component& component : components_) {
+    JoinedRecords(inputs_, groups_, component, out).write();
+  }
+}
+
+/// From the last one to the first.
+void JoinedData::link(NewBlocks& out) {
+  std::uint64_t next = 0;
+  for (std::size_t file = inputs_.size(); file-- > 0;) {
+    const std::vector<DataGroup>& data_groups = inputs_[file].description.data_groups;
+    for (std::size_t i = data_groups.size(); i-- > 0;) {
+      if (inputs_[file].blocks.isCopied(inputs_[file].indexOf(data_groups[i].offset))) {
+        linkDataGroup(file, data_groups[i], next, out);
+      }
+    }
+  }
+  inputs_.front().blocks.setLink({0, HDBLOCK::hd_dg_first}, next);
+  for (const JoinedGroup& joined : groups_) {
+    redirect(joined);
+  }
+}
+
+/// The first group that stays keeps the data group; the others get one each, after it.
+/// @param next where the data group after it is; then where it is itself.
+void JoinedData::linkDataGroup(std::size_t file, const DataGroup& data_group, std::uint64_t& next,
+                               NewBlocks& out) {
+  JoinInput& input = inputs_[file];
+  const std::uint32_t block = input.indexOf(data_group.offset);
+  if (!isAnew(input, data_group)) {
+    input.blocks.setLink({block, DGBLOCK::dg_dg_next}, next);
+    next = input.blocks.placeOf(block);
+    return;
+  }
+  std::vector<const ChannelGroup*> staying;
+  for (const ChannelGroup& group : data_group.groups) {
+    if (!group.holdsVariableLength() && isHome(file, groupOf(input, group))) {
+      staying.push_back(&group);
+    }
+  }
+  const std::uint64_t comment = input.blocks.newLink({block, DGBLOCK::dg_md_comment});
+  for (std::size_t i = staying.size(); i-- > 0;) {
+    JoinedGroup& joined = groupOf(input, *staying[i]);
+    const std::uint32_t index = input.indexOf(staying[i]->offset);
+    setFields(joined, out);
+    input.blocks.setLink({index, next_link}, 0);
+    if (i > 0) {
+      next = out.add(dataGroupBlock(next, input.blocks.placeOf(index), joined.data, comment));
+      joined.data_group = next;
+      input.blocks.moveGroup(index, next);
+    } else {
+      input.blocks.setLink({block, DGBLOCK::dg_data}, joined.data);
+      input.blocks.setLink({block, DGBLOCK::dg_cg_first}, input.blocks.placeOf(index));
+      input.blocks.setLink({block, DGBLOCK::dg_dg_next}, next);
+      input.blocks.setField(block, "dg_rec_id_size", 0);
+      next = input.blocks.placeOf(block);
+      joined.data_group = next;
+    }
+  }
+}
+
+void JoinedData::setFields(JoinedGroup& joined, NewBlocks& out) {
+  const GroupSource& home = joined.sources.front();
+  BlockCopy& blocks = inputs_[home.file].blocks;
+  const std::uint32_t block = blocks.table().find(home.group->offset);
+  blocks.setField(block, "cg_cycle_count", joined.records());
+  blocks.setField(block, "cg_data_bytes", home.group->data_bytes + joined.change->bytesMore());
+  for (const auto& [channel, place] : joined.values) {
+    blocks.setLink({blocks.table().find(home.group->channels[channel].offset), CNBLOCK::cn_data},
+                   place);
+  }
+  std::uint32_t at = home.group->data_bytes;
+  for (const ValueChange& value : joined.change->values()) {
+    if (value.isWide()) {
+      setWide(joined, value, at, out);
+      at += sizeof(std::uint64_t);
+    }
+  }
+  for (std::size_t channel = 0; channel < home.group->channels.size(); ++channel) {
+    setRange(joined, channel);
+  }
+}
+
+/// Has a channel take its values from where the records have them now.
+void JoinedData::setWide(JoinedGroup& joined, const ValueChange& value, std::uint32_t at,
+                         NewBlocks& out) {
+  using Form = ValueChange::Form;
+  const GroupSource& home = joined.sources.front();
+  JoinInput& input = inputs_[home.file];
+  const Channel& channel = home.group->channels[value.channel];
+  const std::uint32_t block = input.indexOf(channel.offset);
+  input.blocks.setField(block, "cn_byte_offset", at);
+  input.blocks.setField(block, "cn_bit_offset", 0);
+  input.blocks.setField(block, "cn_bit_count", 8 * sizeof(std::uint64_t));
+  if (channel.isVirtual()) {
+    input.blocks.setField(block, "cn_type",
+                          channel.isMaster() ? Channel::master : Channel::fixed_length);
+  }
+  if (value.form != Form::wide_offset) {
+    input.blocks.setField(block, "cn_data_type",
+                          value.form == Form::wide_integer ? Channel::signed_le
+                          : value.form == Form::wide_index ? Channel::unsigned_le
+                                                           : Channel::real_le);
+  }
+  const auto fields = readFields(input.file, channel.offset, "CN");
+  if (value.form == Form::wide_real && fields && fields->link(CNBLOCK::cn_md_unit) == 0 &&
+      !channel.unit.empty()) {
+    input.blocks.setLink({block, CNBLOCK::cn_md_unit}, out.add(textBlock(channel.unit)));
+  }
+}
+
+/// The range of values that a channel states holds for all files, or no longer.
+void JoinedData::setRange(JoinedGroup& joined, std::size_t channel) {
+  constexpr std::uint32_t has_range = CNBLOCK::value_range_valid;
+  const GroupSource& home = joined.sources.front();
+  JoinInput& input = inputs_[home.file];
+  const Channel& own = home.group->channels[channel];
+  if ((own.flags & has_range) == 0) {
+    return;
+  }
+  const auto& changes = joined.change->values();
+  bool is_known = std::none_of(changes.begin(), changes.end(), [&](const ValueChange& value) {
+    return value.channel == channel;
+  });
+  double least = std::numeric_limits<double>::infinity();
+  double most = -least;
+  for (const GroupSource& source : joined.sources) {
+    const Channel& each = source.group->channels[channel];
+    const auto block = readFields(inputs_[source.file].file, each.offset, "CN");
+    is_known = is_known && block && (each.flags & has_range) != 0;
+    if (is_known) {
+      least = std::min(least, block->real("cn_val_range_min"));
+      most = std::max(most, block->real("cn_val_range_max"));
+    }
+  }
+  const std::uint32_t block = input.indexOf(own.offset);
+  if (is_known && joined.sources.size() > 1) {
+    input.blocks.setField(block, "cn_val_range_min", bitsOf(least));
+    input.blocks.setField(block, "cn_val_range_max", bitsOf(most));
+  } else if (!is_known) {
+    input.blocks.setField(block, "cn_flags", own.flags & ~has_range);
+  }
+}
+
+void JoinedData::redirect(const JoinedGroup& joined) {
+  const GroupSource& home = joined.sources.front();
+  const BlockCopy& blocks = inputs_[home.file].blocks;
+  const auto placeOf = [&](std::uint64_t offset) {
+    return blocks.placeOf(blocks.table().find(offset));
+  };
+  for (std::size_t i = 1; i < joined.sources.size(); ++i) {
+    const ChannelGroup& group = *joined.sources[i].group;
+    JoinInput& input = inputs_[joined.sources[i].file];
+    const std::uint32_t index = input.indexOf(group.offset);
+    input.blocks.sendTo(index, placeOf(home.group->offset));
+    input.blocks.moveGroup(index, joined.data_group);
+    for (std::size_t channel = 0; channel < group.channels.size(); ++channel) {
+      input.blocks.sendTo(input.indexOf(group.channels[channel].offset),
+                          placeOf(home.group->channels[channel].offset));
+    }
+  }
+}
+
+}  // namespace mdf_tools
