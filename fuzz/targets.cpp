@@ -66,6 +66,7 @@ const std::vector<std::pair<std::string, Target>>& targets() {
                              {"draw", tryDraw},
                              {"export", tryExport},
                              {"import", tryImport},
+                             {"join", tryJoin},
                              {"repair", tryRepair},
                              {"show", tryShow},
                              {"measure", tryMeasurement}});

@@ -64,8 +64,7 @@ std::vector<std::uint32_t> chainOf(const BlockCopy& blocks, std::size_t link) {
 
 void addHistory(BlockCopy& blocks, const NewHistory& entry, NewBlocks& out) {
   const std::vector<std::uint32_t> chain = chainOf(blocks, HDBLOCK::hd_fh_first);
-  const bool is_first =
-      chain.empty() || blocks.table()[chain.back()].letters() != "FH";
+  const bool is_first = chain.empty() || blocks.table()[chain.back()].letters() != "FH";
   const BlockCopy::Link end = is_first ? BlockCopy::Link{0, HDBLOCK::hd_fh_first}
                                        : BlockCopy::Link{chain.back(), next_link};
   const auto last = readRawBlock(blocks.file(), blocks.table()[end.block].offset);
@@ -77,10 +76,9 @@ void addHistory(BlockCopy& blocks, const NewHistory& entry, NewBlocks& out) {
 std::uint64_t writeHistory(const NewHistory& entry, NewBlocks& out) {
   using namespace mdf_writer;
   Blocks added(out.end());
-  const auto comment = added.addXml(
-      xmlComment("FHcomment", xmlElement("TX", entry.text) + xmlElement("tool_id", "mdf") +
-                                  xmlElement("tool_vendor", "") +
-                                  xmlElement("tool_version", entry.version)));
+  const auto comment = added.addXml(xmlComment(
+      "FHcomment", xmlElement("TX", entry.text) + xmlElement("tool_id", "mdf") +
+                       xmlElement("tool_vendor", "") + xmlElement("tool_version", entry.version)));
   const auto block = added.add(FHBLOCK(comment, entry.time, 0, 0));
   out.add(added.bytes());
   return static_cast<std::uint64_t>(block);

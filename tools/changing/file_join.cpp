@@ -46,10 +46,11 @@ std::vector<Start> inOrder(const std::vector<FileToJoin>& files, bool keeps_orde
     starts.push_back(startOf(file));
     const Start& start = starts.back();
     if (start.time && starts.front().time && start.is_local != starts.front().is_local) {
-      throw CopyFailure(std::string("the start of ") + (start.is_local ? "" : "its ") +
-                        "files cannot be compared: that of " + start.file.name + " is " +
-                        (start.is_local ? "a local time" : "UTC") + ", that of " +
-                        starts.front().file.name + (start.is_local ? " UTC" : " a local time"));
+      const auto words = [](const Start& each) {
+        return "that of " + each.file.name + (each.is_local ? " is a local time" : " is in UTC");
+      };
+      throw CopyFailure("the start times cannot be compared: " + words(starts.front()) + ", " +
+                        words(start));
     }
   }
   const bool are_known =
@@ -91,9 +92,9 @@ class Join {
 
 Join::Join(const std::vector<Start>& starts, const std::deque<EachOnce>& reports,
            const JoinOptions& options, JoinSummary& summary)
-    : options_(options), summary_(summary), note_([&summary](const std::string& sentence) {
-        summary.notes.push_back(sentence);
-      }) {
+    : options_(options),
+      summary_(summary),
+      note_([&summary](const std::string& sentence) { summary.notes.push_back(sentence); }) {
   const auto& first = starts.front().time;
   for (std::size_t i = 0; i < starts.size(); ++i) {
     const FileToJoin& file = starts[i].file;
@@ -102,8 +103,7 @@ Join::Join(const std::vector<Start>& starts, const std::deque<EachOnce>& reports
       input.later = *starts[i].time - *first;
     } else if (first || starts[i].time) {
       note_(file.name + " and " + starts.front().file.name +
-            " do not both state when they began: the times of " + file.name +
-            " stay as they are");
+            " do not both state when they began: the times of " + file.name + " stay as they are");
     }
   }
 }
@@ -185,9 +185,8 @@ void Join::summarise(std::size_t file, std::optional<double>& end) {
 }  // namespace
 
 std::uint64_t JoinSummary::records() const {
-  return std::accumulate(
-      files.begin(), files.end(), std::uint64_t{0},
-      [](std::uint64_t sum, const File& file) { return sum + file.records; });
+  return std::accumulate(files.begin(), files.end(), std::uint64_t{0},
+                         [](std::uint64_t sum, const File& file) { return sum + file.records; });
 }
 
 JoinSummary joinFiles(const std::vector<FileToJoin>& files, const JoinOptions& options,

@@ -18,9 +18,9 @@ using namespace mdf_reader;
 
 /// How files become one.
 struct JoinOptions {
-  bool side_by_side = false;      ///< channel groups do not go on in those of files before
-  bool keeps_order = false;       ///< even if files begin before others that stand in front of them
-  std::optional<DataForm> form;   ///< none: data that need not be written anew stays as it is
+  bool side_by_side = false;     ///< channel groups do not go on in those of files before
+  bool keeps_order = false;      ///< even if files begin before others that stand in front of them
+  std::optional<DataForm> form;  ///< none: data that need not be written anew stays as it is
   NewHistory history;
 };
 
@@ -35,7 +35,7 @@ struct FileToJoin {
 struct JoinSummary {
   struct File {
     std::string name;
-    double later = 0;             ///< seconds from the start of the joined file to its own
+    double later = 0;  ///< seconds from the start of the joined file to its own
     std::uint64_t records = 0;
     /// Times of its records, from the start of the joined file.
     std::optional<double> first = std::nullopt;
@@ -48,7 +48,7 @@ struct JoinSummary {
     std::size_t files = 0;
     std::uint64_t records = 0;
   };
-  std::vector<File> files;    ///< in their order in the joined file
+  std::vector<File> files;  ///< in their order in the joined file
   std::vector<Group> groups;
   std::vector<std::string> notes;
 

@@ -189,16 +189,16 @@ void Matching::explain(const GroupSource& source) {
   if (is_first || first->second.file == source.file) {
     return;
   }
-  const std::string why = first->second.layout != own.layout ? "channels or layout"
-                          : first->second.conversions != own.conversions
-                              ? "conversions"
-                              : "";
+  const std::string than = " than that of " + inputs_[first->second.file].name;
   note_("channel group " + std::to_string(group.index) +
         (name.empty() ? "" : " \"" + printable(name, Harmless::utf8, most_of_a_name) + '"') +
         " of " + input.name + " stays one of its own: " +
-        (why.empty() ? "there is nothing that it could go on in"
-                     : "it has other " + why + " than that of " +
-                           inputs_[first->second.file].name));
+        (!goesOn(*source.data_group, group) ? "it has arrays whose elements have records of their "
+                                              "own, or a channel that refers to a "
+                                              "stream"
+         : first->second.layout != own.layout ? "it has other channels or another layout" + than
+         : first->second.conversions != own.conversions ? "it has other conversions" + than
+                                                        : "there is none that it could go on in"));
 }
 
 }  // namespace

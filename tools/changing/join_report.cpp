@@ -23,9 +23,9 @@ std::string gapWords(std::optional<double> gap) {
   if (!gap || !std::isfinite(*gap)) {
     return "";
   }
-  return *gap > 0    ? ", after a gap of " + seconds(*gap)
-         : *gap < 0  ? ", overlaps by " + seconds(-*gap)
-                     : ", without a gap";
+  return *gap > 0   ? ", after a gap of " + seconds(*gap)
+         : *gap < 0 ? ", overlaps by " + seconds(-*gap)
+                    : ", without a gap";
 }
 
 std::string fileLine(const JoinSummary::File& file) {
@@ -69,9 +69,8 @@ std::string joinJson(const std::string& output, const JoinSummary& summary) {
   }
   Json groups = Json::array();
   for (const JoinSummary::Group& group : summary.groups) {
-    groups.push_back({{"name", textOrNull(group.name)},
-                      {"files", group.files},
-                      {"records", group.records}});
+    groups.push_back(
+        {{"name", textOrNull(group.name)}, {"files", group.files}, {"records", group.records}});
   }
   Json line;
   line["schema"] = json_schema;

@@ -7,8 +7,8 @@
 
 namespace mdf_tools {
 
-/// What was joined, in lines: the new file, then the files in their order, each with where its times
-/// are and what is between it and the files before; then the notes.
+/// What was joined, in lines: the new file, then the files in their order, each with where its
+/// times are and what is between it and the files before; then the notes.
 std::string joinText(const std::string& output, const JoinSummary& summary);
 
 /// The same as a line of JSON.

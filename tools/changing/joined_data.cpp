@@ -17,6 +17,7 @@
 #include "group_facts.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/bytes/input_file.h"
+#include "reader/bytes/printable.h"
 
 namespace mdf_tools {
 
@@ -27,6 +28,8 @@ using mdf_v4_10::HDBLOCK;
 using mdf_v4_10::detail::storeLe;
 
 namespace {
+
+constexpr std::size_t most_of_a_name = 60;
 
 const FindingSink silent = [](const Finding& /*finding*/) {};
 
@@ -105,6 +108,13 @@ void JoinedData::planGroup(JoinedGroup& group, bool is_wide) {
             ? source.group->cycles
             : Records(input.data, *source.data_group, silent).countOf(*source.group).value_or(0));
   }
+  const Channel* const master = group.sources.front().group->masterChannel();
+  if (group.sources.size() > 1 && master != nullptr && !master->isVirtual() &&
+      master->sync_type != 1) {
+    note_("the master channel \"" + printable(master->name, Harmless::utf8, most_of_a_name) +
+          "\" of channel group " + std::to_string(group.sources.front().group->index) +
+          " is not over time: its values stay as they are in the files");
+  }
   const bool stays_whole = hasElementsElsewhere(*group.sources.front().data_group);
   group.change = std::make_unique<GroupChange>(inputs_, group.sources, group.counts, is_wide);
   if (stays_whole && !group.change->isNone()) {
@@ -119,12 +129,11 @@ bool JoinedData::isAnew(JoinInput& input, const DataGroup& data_group) {
     return false;
   }
   return form_ || input.data.isUnfinished() ||
-         std::any_of(data_group.groups.begin(), data_group.groups.end(),
-                     [&](const ChannelGroup& group) {
-                       return !group.holdsVariableLength() &&
-                              (groupOf(input, group).sources.size() > 1 ||
-                               !groupOf(input, group).change->isNone());
-                     });
+         std::any_of(
+             data_group.groups.begin(), data_group.groups.end(), [&](const ChannelGroup& group) {
+               return !group.holdsVariableLength() && (groupOf(input, group).sources.size() > 1 ||
+                                                       !groupOf(input, group).change->isNone());
+             });
 }
 
 void JoinedData::planStaying(JoinInput& input, const DataGroup& data_group) {
@@ -319,7 +328,7 @@ void JoinedData::setFields(JoinedGroup& joined, NewBlocks& out) {
     }
   }
   for (std::size_t channel = 0; channel < home.group->channels.size(); ++channel) {
-    setRange(joined, channel);
+    setStatements(joined, channel);
   }
 }
 
@@ -351,37 +360,48 @@ void JoinedData::setWide(JoinedGroup& joined, const ValueChange& value, std::uin
   }
 }
 
-/// The range of values that a channel states holds for all files, or no longer.
-void JoinedData::setRange(JoinedGroup& joined, std::size_t channel) {
+/// The range of values that a channel states holds for all files, or no longer; the same of the
+/// statement that its values grow.
+void JoinedData::setStatements(JoinedGroup& joined, std::size_t channel) {
   constexpr std::uint32_t has_range = CNBLOCK::value_range_valid;
   const GroupSource& home = joined.sources.front();
   JoinInput& input = inputs_[home.file];
   const Channel& own = home.group->channels[channel];
-  if ((own.flags & has_range) == 0) {
-    return;
+  const std::uint32_t block = input.indexOf(own.offset);
+  std::uint32_t flags = own.flags;
+  const auto range = (flags & has_range) != 0 ? rangeOf(joined, channel) : std::nullopt;
+  if (range && joined.sources.size() > 1) {
+    input.blocks.setField(block, "cn_val_range_min", bitsOf(range->least));
+    input.blocks.setField(block, "cn_val_range_max", bitsOf(range->most));
+  } else if (!range) {
+    flags &= ~has_range;
   }
+  if (own.isMaster() && joined.overlaps()) {
+    flags &= ~std::uint32_t{CNBLOCK::monotonous};
+  }
+  if (flags != own.flags) {
+    input.blocks.setField(block, "cn_flags", flags);
+  }
+}
+
+/// The range of raw values in all files; nothing where it is not known.
+std::optional<JoinedData::Range> JoinedData::rangeOf(const JoinedGroup& joined,
+                                                     std::size_t channel) {
   const auto& changes = joined.change->values();
-  bool is_known = std::none_of(changes.begin(), changes.end(), [&](const ValueChange& value) {
-    return value.channel == channel;
-  });
-  double least = std::numeric_limits<double>::infinity();
-  double most = -least;
+  const bool changes_values =
+      std::any_of(changes.begin(), changes.end(),
+                  [&](const ValueChange& value) { return value.channel == channel; });
+  Range range{std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
   for (const GroupSource& source : joined.sources) {
     const Channel& each = source.group->channels[channel];
     const auto block = readFields(inputs_[source.file].file, each.offset, "CN");
-    is_known = is_known && block && (each.flags & has_range) != 0;
-    if (is_known) {
-      least = std::min(least, block->real("cn_val_range_min"));
-      most = std::max(most, block->real("cn_val_range_max"));
+    if (changes_values || !block || !block->hasFlag("cn_flags", CNBLOCK::value_range_valid)) {
+      return std::nullopt;
     }
+    range.least = std::min(range.least, block->real("cn_val_range_min"));
+    range.most = std::max(range.most, block->real("cn_val_range_max"));
   }
-  const std::uint32_t block = input.indexOf(own.offset);
-  if (is_known && joined.sources.size() > 1) {
-    input.blocks.setField(block, "cn_val_range_min", bitsOf(least));
-    input.blocks.setField(block, "cn_val_range_max", bitsOf(most));
-  } else if (!is_known) {
-    input.blocks.setField(block, "cn_flags", own.flags & ~has_range);
-  }
+  return range;
 }
 
 void JoinedData::redirect(const JoinedGroup& joined) {

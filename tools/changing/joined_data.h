@@ -37,6 +37,11 @@ class JoinedData {
   void link(NewBlocks& out);
 
  private:
+  struct Range {
+    double least;
+    double most;
+  };
+
   JoinedGroup& groupOf(JoinInput& input, const ChannelGroup& group) {
     return groups_[input.joined.at(group.offset)];
   }
@@ -54,7 +59,8 @@ class JoinedData {
                      NewBlocks& out);
   void setFields(JoinedGroup& joined, NewBlocks& out);
   void setWide(JoinedGroup& joined, const ValueChange& value, std::uint32_t at, NewBlocks& out);
-  void setRange(JoinedGroup& joined, std::size_t channel);
+  void setStatements(JoinedGroup& joined, std::size_t channel);
+  std::optional<Range> rangeOf(const JoinedGroup& joined, std::size_t channel);
   void redirect(const JoinedGroup& joined);
 
   JoinInputs& inputs_;

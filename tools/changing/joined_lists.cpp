@@ -7,9 +7,9 @@
 #include <unordered_map>
 #include <utility>
 
+#include "file_frame.h"
 #include "fileblocks/evblock.h"
 #include "fileblocks/hdblock.h"
-#include "file_frame.h"
 #include "linear.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/bytes/input_file.h"
@@ -58,8 +58,8 @@ EventTime laterBy(std::int64_t nanoseconds, const EventTime& time) {
 std::vector<std::string> keysOf(JoinInput& input, const std::string& list) {
   std::vector<std::string> keys;
   for (const ListEntry& entry : input.describer.list(list, input.description.header, {})) {
-    const bool is_unknown =
-        list == "attachments" && entry.members["md5"].is_null();
+    const bool is_unknown = list == "attachments" && entry.members["embedded"] == true &&
+                            entry.members["md5"].is_null();
     keys.push_back(is_unknown ? "" : entry.key + '\0' + jsonLine(entry.members));
   }
   return keys;
@@ -98,6 +98,13 @@ std::string wordsOf(const Scopes& scopes, JoinInput& input, std::uint64_t event)
     words += known == scopes.end() ? "? " : known->second + ' ';
   }
   return words;
+}
+
+bool showsWhatIsLeftOut(const JoinInput& input, const HierarchyEntry& entry) {
+  return std::any_of(entry.elements.begin(), entry.elements.end(),
+                     [&](const HierarchyElement& element) {
+                       return input.blocks.isLeftOut(element.channel_group);
+                     });
 }
 
 std::set<std::string> hierarchiesOf(JoinInput& input) {
@@ -189,31 +196,31 @@ void JoinedLists::leaveOutHierarchies(std::size_t file, const NoteSink& note) {
   JoinInput& input = inputs_[file];
   const std::set<std::string> first_names = hierarchiesOf(inputs_.front());
   Texts texts;
-  const HierarchyEntry* top = nullptr;
   const auto entries =
       readHierarchy(input.file, input.description.header.first_hierarchy, texts, silent);
-  for (const HierarchyEntry& entry : entries) {
-    top = entry.depth == 0 ? &entry : top;
-    const bool goes_on =
-        std::any_of(entry.elements.begin(), entry.elements.end(),
-                    [&](const HierarchyElement& element) {
-                      return input.blocks.isLeftOut(element.channel_group);
-                    });
-    if (top == nullptr || !goes_on || input.blocks.isLeftOut(top->offset)) {
-      continue;
+  for (auto top = entries.begin(); top != entries.end();) {
+    const auto next = std::find_if(top + 1, entries.end(),
+                                   [](const HierarchyEntry& entry) { return entry.depth == 0; });
+    const bool goes_on = std::any_of(
+        top, next, [&](const HierarchyEntry& entry) { return showsWhatIsLeftOut(input, entry); });
+    const bool is_empty =
+        std::all_of(top, next, [](const HierarchyEntry& entry) { return entry.elements.empty(); });
+    const bool is_there = first_names.count(std::string(top->name)) > 0;
+    if (goes_on || (is_empty && is_there)) {
+      input.blocks.leaveOut(input.indexOf(top->offset));
     }
-    input.blocks.leaveOut(input.indexOf(top->offset));
-    if (first_names.count(std::string(top->name)) == 0) {
+    if (goes_on && !is_there) {
       note("the hierarchy \"" + printable(top->name, Harmless::utf8, most_of_a_name) + "\" of " +
            input.name + " is left out: it shows channels that go on in those of a file before");
     }
+    top = next;
   }
 }
 
 void JoinedLists::link(std::uint64_t history) {
   for (const Twin& twin : twins_) {
-    inputs_[twin.own.file].blocks.sendTo(
-        twin.own.block, inputs_[twin.first.file].blocks.placeOf(twin.first.block));
+    inputs_[twin.own.file].blocks.sendTo(twin.own.block,
+                                         inputs_[twin.first.file].blocks.placeOf(twin.first.block));
   }
   chain(HDBLOCK::hd_fh_first, history);
   for (const std::size_t list :

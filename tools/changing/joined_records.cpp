@@ -48,6 +48,16 @@ std::uint64_t JoinedGroup::records() const {
       [](std::uint64_t sum, const JoinedPart& part) { return sum + part.records; });
 }
 
+bool JoinedGroup::overlaps() const {
+  std::optional<double> end;
+  bool overlaps = false;
+  for (const JoinedPart& part : parts) {
+    overlaps = overlaps || (part.first && end && *part.first <= *end);
+    end = part.last ? part.last : end;
+  }
+  return overlaps;
+}
+
 JoinedRecords::JoinedRecords(JoinInputs& inputs, std::vector<JoinedGroup>& groups,
                              const Component& component, BlockWriter& out)
     : inputs_(inputs), groups_(groups), component_(component) {
@@ -64,9 +74,9 @@ JoinedRecords::JoinedRecords(JoinInputs& inputs, std::vector<JoinedGroup>& group
     }
     writers += 1 + output.values.size();
   }
-  const std::size_t block_bytes = std::min(
-      out.form().block_bytes, std::max(least_block, room_for_blocks / std::max<std::size_t>(
-                                                                          1, writers)));
+  const std::size_t block_bytes =
+      std::min(out.form().block_bytes,
+               std::max(least_block, room_for_blocks / std::max<std::size_t>(1, writers)));
   for (auto& [joined, output] : outputs_) {
     const GroupSource& home = groups_[joined].sources.front();
     output.records = std::make_unique<DataWriter>(
@@ -145,10 +155,9 @@ void JoinedRecords::beginValues(JoinInput& input, const DataGroup& data_group, R
   for (auto& [place, writer] : reading.output->values) {
     const Channel& channel = group.channels[place];
     reading.change->setBase(place, writer->size());
-    const auto holder =
-        std::find_if(groups.begin(), groups.end(), [&](const ChannelGroup& each) {
-          return each.holdsVariableLength() && each.offset == channel.data;
-        });
+    const auto holder = std::find_if(groups.begin(), groups.end(), [&](const ChannelGroup& each) {
+      return each.holdsVariableLength() && each.offset == channel.data;
+    });
     if (holder != groups.end()) {
       readings[static_cast<std::size_t>(holder - groups.begin())].values.push_back(writer.get());
     } else if (channel.data != 0) {

@@ -38,6 +38,8 @@ struct JoinedGroup {
   std::uint64_t data_group = 0;                 ///< its place in the joined file
 
   std::uint64_t records() const;
+  /// Whether a file begins before the files in front of it end.
+  bool overlaps() const;
 };
 
 /// Groups that share data groups in the files, and those data groups.
@@ -71,11 +73,11 @@ class JoinedRecords {
     std::size_t source = 0;
     Output* output = nullptr;
     std::unique_ptr<RecordChange> change;
-    std::uint64_t bytes = 0;             ///< of a record
-    std::uint64_t limit = 0;             ///< of records
-    std::uint64_t number = 0;            ///< of the record to come
-    std::vector<DataWriter*> values;     ///< that take the records, for one that holds values
-    std::string first;                   ///< records
+    std::uint64_t bytes = 0;          ///< of a record
+    std::uint64_t limit = 0;          ///< of records
+    std::uint64_t number = 0;         ///< of the record to come
+    std::vector<DataWriter*> values;  ///< that take the records, for one that holds values
+    std::string first;                ///< records
     std::string last;
 
     void take(std::string_view record);

@@ -3,10 +3,10 @@
 #include <cmath>
 #include <limits>
 
+#include "framework/wire.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/bytes/input_file.h"
 #include "reader/values/conversion.h"
-#include "framework/wire.h"
 
 namespace mdf_tools {
 
@@ -64,7 +64,7 @@ std::optional<std::int64_t> ticksIn(std::int64_t nanoseconds, double seconds_of_
   }
   const double seconds = static_cast<double>(nanoseconds) / nanoseconds_of_a_second;
   const auto ticks = asInteger(seconds / seconds_of_a_tick);
-  return nanoseconds == 0             ? std::optional<std::int64_t>(0)
+  return nanoseconds == 0              ? std::optional<std::int64_t>(0)
          : std::abs(seconds) < longest ? ticks
                                        : std::nullopt;
 }

@@ -28,9 +28,8 @@ void forEachMixedRecord(const RecordFormat& format, DataStream& stream, const Vi
       return;
     }
     const auto length = static_cast<std::size_t>(record.next - position);
-    visit(record, [&] {
-      return is_in_memory ? bytes.substr(0, length) : stream.at(position, length);
-    });
+    visit(record,
+          [&] { return is_in_memory ? bytes.substr(0, length) : stream.at(position, length); });
     bytes = is_in_memory ? bytes.substr(length) : stream.from(record.next, 1, SIZE_MAX);
     position = record.next;
   }

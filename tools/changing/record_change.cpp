@@ -96,9 +96,9 @@ GroupChange::GroupChange(JoinInputs& inputs, const std::vector<GroupSource>& sou
 }
 
 std::size_t GroupChange::bytesMore() const {
-  return wide_bytes * static_cast<std::size_t>(std::count_if(
-                          values_.begin(), values_.end(),
-                          [](const ValueChange& value) { return value.isWide(); }));
+  return wide_bytes * static_cast<std::size_t>(
+                          std::count_if(values_.begin(), values_.end(),
+                                        [](const ValueChange& value) { return value.isWide(); }));
 }
 
 void GroupChange::add(std::size_t channel) {
@@ -133,8 +133,7 @@ void GroupChange::addMaster(std::size_t channel) {
 }
 
 Form GroupChange::formOfInteger(const Channel& channel, double factor) const {
-  if (channel.bit_offset + channel.bit_count > whole ||
-      (is_wide_ && channel.bit_count == whole)) {
+  if (channel.bit_offset + channel.bit_count > whole || (is_wide_ && channel.bit_count == whole)) {
     return Form::wide_real;
   }
   for (const GroupSource& source : sources_) {
@@ -195,8 +194,8 @@ bool GroupChange::goesOnByItself(std::size_t channel) const {
   if (is_master && home.sync_type == by_index) {
     return true;
   }
-  const auto first = is_wide_ ? std::nullopt
-                              : linearAt(inputs_[sources_[0].file].file, home.conversion);
+  const auto first =
+      is_wide_ ? std::nullopt : linearAt(inputs_[sources_[0].file].file, home.conversion);
   std::uint64_t before = 0;
   for (std::size_t source = 0; source < sources_.size(); ++source) {
     JoinInput& input = inputs_[sources_[source].file];
@@ -269,8 +268,9 @@ std::int64_t RecordChange::grownInteger(const Value& value, std::string_view rec
   const bool is_large = !type.isSigned() && numberIn<std::uint64_t>(type, bytes) >
                                                 std::numeric_limits<std::int64_t>::max();
   const std::int64_t raw =
-      type.isSigned() ? numberIn<std::int64_t>(type, bytes)
-                      : static_cast<std::int64_t>(is_large ? 0 : numberIn<std::uint64_t>(type, bytes));
+      type.isSigned()
+          ? numberIn<std::int64_t>(type, bytes)
+          : static_cast<std::int64_t>(is_large ? 0 : numberIn<std::uint64_t>(type, bytes));
   const auto sum = is_large ? std::nullopt : sumOf(raw, value.ticks);
   if (!sum) {
     throw TooNarrow();
@@ -285,8 +285,8 @@ void RecordChange::changeInteger(const Value& value, std::string_view record) {
   }
   const std::int64_t sum = grownInteger(value, record);
   const unsigned bits = channel.bit_count - (typeOf(channel).isSigned() ? 1 : 0);
-  const std::int64_t most = bits < whole - 1 ? (std::int64_t{1} << bits) - 1
-                                             : std::numeric_limits<std::int64_t>::max();
+  const std::int64_t most =
+      bits < whole - 1 ? (std::int64_t{1} << bits) - 1 : std::numeric_limits<std::int64_t>::max();
   const std::int64_t least = typeOf(channel).isSigned() ? -most - 1 : 0;
   if (sum > most || sum < least) {
     throw TooNarrow();
@@ -336,8 +336,8 @@ std::uint64_t RecordChange::wideBits(const Value& value, std::string_view record
   }
   if (value.change.form == Form::wide_offset) {
     const RawType type{Channel::unsigned_le, 0, channel.bit_count};
-    return value.base + numberIn<std::uint64_t>(
-                            type, record.substr(channel.byte_offset, channel.bit_count / 8));
+    return value.base +
+           numberIn<std::uint64_t>(type, record.substr(channel.byte_offset, channel.bit_count / 8));
   }
   if (value.change.form == Form::wide_integer) {
     return static_cast<std::uint64_t>(grownInteger(value, record));

@@ -94,9 +94,9 @@ class RecordChange {
   struct Value {
     ValueChange change;
     const Channel* channel;
-    std::int64_t ticks = 0;           ///< that integers grow by
-    double more = 0;                  ///< that real numbers grow by
-    std::uint64_t base = 0;           ///< of offsets
+    std::int64_t ticks = 0;            ///< that integers grow by
+    double more = 0;                   ///< that real numbers grow by
+    std::uint64_t base = 0;            ///< of offsets
     Conversion* conversion = nullptr;  ///< null for none
   };
 

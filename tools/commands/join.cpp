@@ -83,10 +83,10 @@ std::string historyOf(const Request& request) {
   std::string text = request.options.side_by_side ? "joined side by side:" : "joined:";
   for (const std::string& input : request.inputs) {
     const std::string name = std::filesystem::path(input).filename().string();
-    text += (&input == &request.inputs.front() ? " " : ", ") +
-            (input == "-"                  ? "standard input"
-             : mdf_writer::isUtf8(name) ? name
-                                        : "a file");
+    text +=
+        (&input == &request.inputs.front() ? " " : ", ") + (input == "-" ? "standard input"
+                                                            : mdf_writer::isUtf8(name) ? name
+                                                                                       : "a file");
   }
   return text;
 }
@@ -115,11 +115,13 @@ int joinTo(mdf_writer::Output& output, const std::string& path, const Request& r
     std::cerr << "mdf: " << request.output << ": it keeps " << errors
               << (errors == 1 ? " problem" : " problems") << " of the files, see 'mdf check'\n";
   }
-  if (request.output != "-") {
-    contexts.front()->out << (request.as_json ? joinJson(request.output, summary)
-                                              : joinText(request.output, summary));
+  const std::string output_name = request.output == "-" ? "standard output" : request.output;
+  const std::string text =
+      request.as_json ? joinJson(output_name, summary) : joinText(output_name, summary);
+  if (request.output == "-") {
+    std::cerr << text;
   } else {
-    std::cerr << joinText("standard output", summary);
+    contexts.front()->out << text;
   }
   return errors > 0 ? exit_problem : exit_fine;
 }
@@ -163,8 +165,7 @@ std::string refusalOf(const Request& request) {
     }
     for (auto other = request.inputs.begin(); other != input; ++other) {
       if (*other == *input || std::filesystem::equivalent(*other, *input, none)) {
-        return *input + " is named twice" +
-               (*other == *input ? "" : ", also as " + *other);
+        return *input + " is named twice" + (*other == *input ? "" : ", also as " + *other);
       }
     }
   }
@@ -233,8 +234,8 @@ void addForm(CLI::App& command, const std::shared_ptr<Request>& request) {
 
 void addJoinCommand(CLI::App& app, int& exit_code) {
   const auto request = std::make_shared<Request>();
-  CLI::App* const command = app.add_subcommand(
-      "join", "Make one file of several: one after another, or side by side");
+  CLI::App* const command =
+      app.add_subcommand("join", "Make one file of several: one after another, or side by side");
   command->add_option("IN", request->inputs, "The measurement files; - is standard input")
       ->required()
       ->type_name("");
