@@ -13,8 +13,9 @@
 /// export`, `mdf plot` and `mdf stats` make of it, `show` what `mdf info`, `mdf list` and `mdf
 /// extract` do; `import` makes a file of a text as `mdf import` does; `repair` finishes a file as
 /// `mdf repair` does; `copy` writes a file again as `mdf copy` does; `diff` compares a file with
-/// itself and with one that has another byte, as `mdf diff` does; `join` joins a file with itself, begun
-/// at another time, as `mdf join` does; `measure` asks the reader library for all that it gives.
+/// itself and with one that has another byte, as `mdf diff` does; `join` joins a file with itself,
+/// begun at another time, as `mdf join` does; `measure` asks the reader library for all that it
+/// gives.
 namespace mdf_fuzz {
 
 /// Tries one input and says in a few words what came of it.

@@ -1,8 +1,6 @@
 #include "joined_data.h"
 
 #include <algorithm>
-#include <cstring>
-#include <limits>
 #include <map>
 #include <numeric>
 #include <string>
@@ -13,9 +11,8 @@
 #include "description/cnblock.h"
 #include "description/dgblock.h"
 #include "fileblocks/hdblock.h"
-#include "framework/wire.h"
 #include "group_facts.h"
-#include "reader/blocks/block_fields.h"
+#include "joined_description.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/printable.h"
 
@@ -25,7 +22,6 @@ using mdf_v4_10::CGBLOCK;
 using mdf_v4_10::CNBLOCK;
 using mdf_v4_10::DGBLOCK;
 using mdf_v4_10::HDBLOCK;
-using mdf_v4_10::detail::storeLe;
 
 namespace {
 
@@ -52,21 +48,6 @@ bool isReferred(const DataGroup& data_group, const ChannelGroup& values) {
 
 std::string shown(const JoinInput& input, const ChannelGroup& group) {
   return "channel group " + std::to_string(group.index) + " of " + input.name;
-}
-
-std::string textBlock(std::string_view text) {
-  const std::size_t length = RawBlock::header_size + text.size() + 1;
-  std::string block(length, '\0');
-  block.replace(0, 4, "##TX");
-  storeLe(&block[8], std::uint64_t{length});
-  block.replace(RawBlock::header_size, text.size(), text);
-  return block;
-}
-
-std::uint64_t bitsOf(double number) {
-  std::uint64_t bits = 0;
-  std::memcpy(&bits, &number, sizeof bits);
-  return bits;
 }
 
 }  // namespace
@@ -293,7 +274,7 @@ void JoinedData::linkDataGroup(std::size_t file, const DataGroup& data_group, st
   for (std::size_t i = staying.size(); i-- > 0;) {
     JoinedGroup& joined = groupOf(input, *staying[i]);
     const std::uint32_t index = input.indexOf(staying[i]->offset);
-    setFields(joined, out);
+    describeJoined(inputs_, joined, out);
     input.blocks.setLink({index, next_link}, 0);
     if (i > 0) {
       next = out.add(dataGroupBlock(next, input.blocks.placeOf(index), joined.data, comment));
@@ -308,100 +289,6 @@ void JoinedData::linkDataGroup(std::size_t file, const DataGroup& data_group, st
       joined.data_group = next;
     }
   }
-}
-
-void JoinedData::setFields(JoinedGroup& joined, NewBlocks& out) {
-  const GroupSource& home = joined.sources.front();
-  BlockCopy& blocks = inputs_[home.file].blocks;
-  const std::uint32_t block = blocks.table().find(home.group->offset);
-  blocks.setField(block, "cg_cycle_count", joined.records());
-  blocks.setField(block, "cg_data_bytes", home.group->data_bytes + joined.change->bytesMore());
-  for (const auto& [channel, place] : joined.values) {
-    blocks.setLink({blocks.table().find(home.group->channels[channel].offset), CNBLOCK::cn_data},
-                   place);
-  }
-  std::uint32_t at = home.group->data_bytes;
-  for (const ValueChange& value : joined.change->values()) {
-    if (value.isWide()) {
-      setWide(joined, value, at, out);
-      at += sizeof(std::uint64_t);
-    }
-  }
-  for (std::size_t channel = 0; channel < home.group->channels.size(); ++channel) {
-    setStatements(joined, channel);
-  }
-}
-
-/// Has a channel take its values from where the records have them now.
-void JoinedData::setWide(JoinedGroup& joined, const ValueChange& value, std::uint32_t at,
-                         NewBlocks& out) {
-  using Form = ValueChange::Form;
-  const GroupSource& home = joined.sources.front();
-  JoinInput& input = inputs_[home.file];
-  const Channel& channel = home.group->channels[value.channel];
-  const std::uint32_t block = input.indexOf(channel.offset);
-  input.blocks.setField(block, "cn_byte_offset", at);
-  input.blocks.setField(block, "cn_bit_offset", 0);
-  input.blocks.setField(block, "cn_bit_count", 8 * sizeof(std::uint64_t));
-  if (channel.isVirtual()) {
-    input.blocks.setField(block, "cn_type",
-                          channel.isMaster() ? Channel::master : Channel::fixed_length);
-  }
-  if (value.form != Form::wide_offset) {
-    input.blocks.setField(block, "cn_data_type",
-                          value.form == Form::wide_integer ? Channel::signed_le
-                          : value.form == Form::wide_index ? Channel::unsigned_le
-                                                           : Channel::real_le);
-  }
-  const auto fields = readFields(input.file, channel.offset, "CN");
-  if (value.form == Form::wide_real && fields && fields->link(CNBLOCK::cn_md_unit) == 0 &&
-      !channel.unit.empty()) {
-    input.blocks.setLink({block, CNBLOCK::cn_md_unit}, out.add(textBlock(channel.unit)));
-  }
-}
-
-/// The range of values that a channel states holds for all files, or no longer; the same of the
-/// statement that its values grow.
-void JoinedData::setStatements(JoinedGroup& joined, std::size_t channel) {
-  constexpr std::uint32_t has_range = CNBLOCK::value_range_valid;
-  const GroupSource& home = joined.sources.front();
-  JoinInput& input = inputs_[home.file];
-  const Channel& own = home.group->channels[channel];
-  const std::uint32_t block = input.indexOf(own.offset);
-  std::uint32_t flags = own.flags;
-  const auto range = (flags & has_range) != 0 ? rangeOf(joined, channel) : std::nullopt;
-  if (range && joined.sources.size() > 1) {
-    input.blocks.setField(block, "cn_val_range_min", bitsOf(range->least));
-    input.blocks.setField(block, "cn_val_range_max", bitsOf(range->most));
-  } else if (!range) {
-    flags &= ~has_range;
-  }
-  if (own.isMaster() && joined.overlaps()) {
-    flags &= ~std::uint32_t{CNBLOCK::monotonous};
-  }
-  if (flags != own.flags) {
-    input.blocks.setField(block, "cn_flags", flags);
-  }
-}
-
-/// The range of raw values in all files; nothing where it is not known.
-std::optional<JoinedData::Range> JoinedData::rangeOf(const JoinedGroup& joined,
-                                                     std::size_t channel) {
-  const auto& changes = joined.change->values();
-  const bool changes_values =
-      std::any_of(changes.begin(), changes.end(),
-                  [&](const ValueChange& value) { return value.channel == channel; });
-  Range range{std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity()};
-  for (const GroupSource& source : joined.sources) {
-    const Channel& each = source.group->channels[channel];
-    const auto block = readFields(inputs_[source.file].file, each.offset, "CN");
-    if (changes_values || !block || !block->hasFlag("cn_flags", CNBLOCK::value_range_valid)) {
-      return std::nullopt;
-    }
-    range.least = std::min(range.least, block->real("cn_val_range_min"));
-    range.most = std::max(range.most, block->real("cn_val_range_max"));
-  }
-  return range;
 }
 
 void JoinedData::redirect(const JoinedGroup& joined) {

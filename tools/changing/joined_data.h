@@ -37,11 +37,6 @@ class JoinedData {
   void link(NewBlocks& out);
 
  private:
-  struct Range {
-    double least;
-    double most;
-  };
-
   JoinedGroup& groupOf(JoinInput& input, const ChannelGroup& group) {
     return groups_[input.joined.at(group.offset)];
   }
@@ -57,10 +52,6 @@ class JoinedData {
   void findComponents();
   void linkDataGroup(std::size_t file, const DataGroup& data_group, std::uint64_t& next,
                      NewBlocks& out);
-  void setFields(JoinedGroup& joined, NewBlocks& out);
-  void setWide(JoinedGroup& joined, const ValueChange& value, std::uint32_t at, NewBlocks& out);
-  void setStatements(JoinedGroup& joined, std::size_t channel);
-  std::optional<Range> rangeOf(const JoinedGroup& joined, std::size_t channel);
   void redirect(const JoinedGroup& joined);
 
   JoinInputs& inputs_;
