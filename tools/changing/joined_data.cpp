@@ -242,7 +242,8 @@ void JoinedData::link(NewBlocks& out) {
   for (std::size_t file = inputs_.size(); file-- > 0;) {
     const std::vector<DataGroup>& data_groups = inputs_[file].description.data_groups;
     for (std::size_t i = data_groups.size(); i-- > 0;) {
-      if (inputs_[file].blocks.isCopied(inputs_[file].indexOf(data_groups[i].offset))) {
+      const std::uint32_t block = inputs_[file].indexOf(data_groups[i].offset);
+      if (block != BlockTable::none && inputs_[file].blocks.isCopied(block)) {
         linkDataGroup(file, data_groups[i], next, out);
       }
     }

@@ -255,7 +255,8 @@ void JoinedRecords::finish(JoinInput& input, const ChannelGroup& group, Reading&
     throw TooNarrow();
   }
   const Channel* const master = group.masterChannel();
-  if (master != nullptr && master->sync_type == 1 && part.records > 0) {
+  if (master != nullptr && master->sync_type == 1 && hasNumbers(group, *master) &&
+      part.records > 0) {
     Conversion* const conversion = input.conversions.at(master->conversion);
     const double later = input.secondsLater();
     part.first = later + physicalValue(*master, conversion, reading.first, 0);

@@ -34,10 +34,6 @@ std::string_view bytesOf(const Channel& channel, std::string_view record) {
                                              : std::string_view();
 }
 
-bool isInRecord(const ChannelGroup& group, const Channel& channel) {
-  return channel.byte_offset + typeOf(channel).bytes() <= group.data_bytes;
-}
-
 /// Writes the lowest bits of a number to where a channel has its integer.
 void storeBits(const Channel& channel, std::uint64_t bits, std::string& record) {
   const auto size = static_cast<std::size_t>(typeOf(channel).bytes());
@@ -66,6 +62,12 @@ std::string nameOf(const Channel& channel, const ChannelGroup& group) {
 }
 
 }  // namespace
+
+bool hasNumbers(const ChannelGroup& group, const Channel& channel) {
+  const RawType type = typeOf(channel);
+  return channel.isVirtual() || (channel.bit_count > 0 && isNumber(columnTypeOf(type)) &&
+                                 channel.byte_offset + type.bytes() <= group.data_bytes);
+}
 
 double physicalValue(const Channel& channel, Conversion* conversion, std::string_view record,
                      std::uint64_t number) {
@@ -117,7 +119,7 @@ void GroupChange::addMaster(std::size_t channel) {
   const Channel& first = channelOf(0, channel);
   const RawType type = typeOf(first);
   expectNumbers(channel);
-  if (!isNumber(columnTypeOf(type)) || !isInRecord(*sources_[0].group, first)) {
+  if (!hasNumbers(*sources_[0].group, first)) {
     throw CopyFailure(nameOf(first, *sources_[0].group) + " of " + inputs_[sources_[0].file].name +
                       " has no numbers, which could go on from another start");
   }

@@ -111,6 +111,9 @@ class RecordChange {
   std::string changed_;
 };
 
+/// Whether the values of a channel are numbers that its records have, or their own.
+bool hasNumbers(const ChannelGroup& group, const Channel& channel);
+
 /// The physical value of a channel with numbers.
 /// @param number of the record, for a virtual channel.
 double physicalValue(const Channel& channel, Conversion* conversion, std::string_view record,
