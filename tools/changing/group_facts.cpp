@@ -30,6 +30,11 @@ bool hasOffsetInPlace(const ChannelGroup& group, const Channel& channel) {
          std::none_of(group.channels.begin(), group.channels.end(), is_array);
 }
 
+bool hasVirtual(const ChannelGroup& group) {
+  return std::any_of(group.channels.begin(), group.channels.end(),
+                     [](const Channel& channel) { return channel.isVirtual(); });
+}
+
 std::string dataLettersOf(InputFile& file, std::uint64_t target) {
   const FindingSink silent = [](const Finding& /*finding*/) {};
   const auto part = DataLinks(file, {target, target}, silent).next();

@@ -16,6 +16,9 @@ bool hasElementsElsewhere(const DataGroup& data_group);
 /// Whether a record has one offset of a channel of variable length, which can be changed.
 bool hasOffsetInPlace(const ChannelGroup& group, const Channel& channel);
 
+/// Whether a group has channels whose values are made of the numbers of the records.
+bool hasVirtual(const ChannelGroup& group);
+
 /// The letters of the blocks with the data that a link leads to; "" where it is not to be written
 /// anew: what makes no sense, and what has parts that stand apart.
 std::string dataLettersOf(InputFile& file, std::uint64_t target);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <map>
 #include <string>
 #include <string_view>
@@ -75,7 +76,9 @@ std::string conversionsOf(JoinInput& input, const ChannelGroup& group) {
     const auto linear =
         channel.isVirtual() ? linearAt(input.file, channel.conversion) : std::nullopt;
     if (linear) {
-      key << "linear " + std::to_string(linear->factor) << static_cast<std::uint64_t>(0);
+      std::uint64_t factor = 0;
+      std::memcpy(&factor, &linear->factor, sizeof factor);
+      key << "linear" << factor;
     } else {
       key << input.describer.conversion(channel);
     }

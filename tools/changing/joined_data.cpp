@@ -29,11 +29,6 @@ constexpr std::size_t most_of_a_name = 60;
 
 const FindingSink silent = [](const Finding& /*finding*/) {};
 
-bool hasVirtual(const ChannelGroup& group) {
-  return std::any_of(group.channels.begin(), group.channels.end(),
-                     [](const Channel& channel) { return channel.isVirtual(); });
-}
-
 /// Whether records of a group hold values of a channel of a data group.
 bool isReferred(const DataGroup& data_group, const ChannelGroup& values) {
   for (const ChannelGroup& group : data_group.groups) {

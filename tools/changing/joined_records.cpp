@@ -19,11 +19,6 @@ namespace {
 
 constexpr std::size_t length_bytes = 4;
 
-bool hasVirtual(const ChannelGroup& group) {
-  return std::any_of(group.channels.begin(), group.channels.end(),
-                     [](const Channel& channel) { return channel.isVirtual(); });
-}
-
 /// Bytes up to the end of the last value that is whole.
 std::uint64_t wholeValuesOf(DataStream& stream) {
   std::uint64_t end = 0;

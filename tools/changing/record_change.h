@@ -58,7 +58,6 @@ class GroupChange {
  private:
   void add(std::size_t channel);
   void addMaster(std::size_t channel);
-  std::optional<ValueChange::Form> formOfMaster(const Channel& channel);
   ValueChange::Form formOfInteger(const Channel& channel, double factor) const;
   void addVirtual(std::size_t channel);
   bool goesOnByItself(std::size_t channel) const;
