@@ -250,6 +250,7 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
   for (const std::string& file : inputs["dump"]) {
     constexpr std::size_t choices = 128;
     inputs["copy"].push_back(static_cast<char>(inputs["copy"].size() % choices) + file);
+    inputs["join"].push_back(static_cast<char>(inputs["join"].size() % choices) + file);
   }
   inputs["import"] = {
       std::string(1, '\0') + "time [s],speed [km/h],\"a,b\"\n0,1.5,x\n0.1,,\"y\n\"\n\nt,b\n0,-7\n",

@@ -67,6 +67,7 @@ const std::vector<std::pair<std::string, Target>>& targets() {
                              {"export", tryExport},
                              {"frames", tryFrames},
                              {"import", tryImport},
+                             {"join", tryJoin},
                              {"repair", tryRepair},
                              {"show", tryShow},
                              {"measure", tryMeasurement}});

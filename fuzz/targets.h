@@ -14,7 +14,8 @@
 /// `mdf info`, `mdf list` and `mdf extract` do; `import` makes a file of a text as `mdf import`
 /// does; `repair` finishes a file as `mdf repair` does; `copy` writes a file again as `mdf copy`
 /// does; `diff` compares a file with itself and with one that has another byte, as `mdf diff` does;
-/// `measure` asks the reader library for all that it gives.
+/// `join` joins a file with itself, begun at another time, as `mdf join` does; `measure` asks the
+/// reader library for all that it gives.
 namespace mdf_fuzz {
 
 /// Tries one input and says in a few words what came of it.
@@ -36,6 +37,7 @@ std::string tryDraw(std::string_view input);
 std::string tryExport(std::string_view input);
 std::string tryFrames(std::string_view input);
 std::string tryImport(std::string_view input);
+std::string tryJoin(std::string_view input);
 std::string tryMeasurement(std::string_view input);
 std::string tryRepair(std::string_view input);
 std::string tryShow(std::string_view input);

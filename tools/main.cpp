@@ -42,7 +42,7 @@ struct Command {
   void (*add)(CLI::App& app, int& exit_code);
 };
 
-constexpr std::array<Command, 16> commands = {{
+constexpr std::array<Command, 17> commands = {{
     {"record", mdf_tools::addRecordCommand},
     {"info", mdf_tools::addInfoCommand},
     {"list", mdf_tools::addListCommand},
@@ -58,6 +58,7 @@ constexpr std::array<Command, 16> commands = {{
     {"extract", mdf_tools::addExtractCommand},
     {"import", mdf_tools::addImportCommand},
     {"copy", mdf_tools::addCopyCommand},
+    {"join", mdf_tools::addJoinCommand},
     {"repair", mdf_tools::addRepairCommand},
 }};
 

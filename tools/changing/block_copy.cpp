@@ -69,7 +69,7 @@ std::uint32_t BlockCopy::stayingFrom(std::uint32_t block) {
   return block;
 }
 
-void BlockCopy::choose() {
+void BlockCopy::choose(bool has_header) {
   is_copied_.assign(table_.size(), false);
   std::vector<std::uint32_t> pending;
   const auto take = [&](std::uint32_t block) {
@@ -90,6 +90,9 @@ void BlockCopy::choose() {
         }
       });
     }
+  }
+  if (!has_header && table_.size() > 0) {
+    is_copied_[0] = false;
   }
 }
 
@@ -148,15 +151,15 @@ std::uint64_t BlockCopy::translated(const RawBlock& block, Link link, std::uint6
   if (set != links_.end()) {
     return set->second;
   }
-  const std::uint32_t target = offset == 0 ? BlockTable::none : targetOf(link, offset);
-  if (target == BlockTable::none) {
+  const std::uint32_t stated = offset == 0 ? BlockTable::none : table_.find(offset);
+  if (stated == BlockTable::none) {
     return 0;
   }
   const std::string_view letters = block.letters();
   if (letters == "CH" && !left_out_.empty() && leadsElementOut(block, link.number)) {
     return 0;
   }
-  if (!moved_groups_.empty() && table_[target].letters() == "DG" && letters != "DG" &&
+  if (!moved_groups_.empty() && table_[stated].letters() == "DG" && letters != "DG" &&
       letters != "HD") {
     const auto moved =
         moved_groups_.find(table_.find(linkAt(file_, block, std::uint64_t{link.number} + 1)));
@@ -164,7 +167,12 @@ std::uint64_t BlockCopy::translated(const RawBlock& block, Link link, std::uint6
       return moved->second;
     }
   }
-  return places_[target];
+  const auto elsewhere = elsewhere_.find(stated);
+  if (elsewhere != elsewhere_.end() && typeOf(letters).refers(link.number)) {
+    return elsewhere->second;
+  }
+  const std::uint32_t target = targetOf(link, offset);
+  return target == BlockTable::none ? 0 : places_[target];
 }
 
 /// Whether a link is one of an element of a hierarchy that names what is left out.

@@ -48,13 +48,17 @@ class BlockCopy {
   /// The same of all blocks with these letters.
   void leaveOut(std::string_view letters);
   /// Whether a link leads to a block that is left out.
-  bool isLeftOut(std::uint64_t offset) const { return left_out_.count(table_.find(offset)) > 0; }
+  bool isLeftOut(std::uint64_t offset) const {
+    const std::uint32_t block = table_.find(offset);
+    return left_out_.count(block) > 0 && elsewhere_.count(block) == 0;
+  }
 
   /// Leaves out what can be reached through a link alone; the link is set later.
   void cut(Link link) { links_.emplace(keyOf(link), 0); }
 
   /// Finds out which blocks are copied.
-  void choose();
+  /// @param has_header whether the header block is one of them.
+  void choose(bool has_header = true);
   bool isCopied(std::uint32_t block) const { return is_copied_[block]; }
 
   /// Gives the blocks their places, in the order of the file.
@@ -76,6 +80,9 @@ class BlockCopy {
   void moveGroup(std::uint32_t group, std::uint64_t data_group) {
     moved_groups_[group] = data_group;
   }
+
+  /// Links that refer to a block that is left out lead to this place instead.
+  void sendTo(std::uint32_t block, std::uint64_t place) { elsewhere_[block] = place; }
 
   void write(NewBlocks& out);
 
@@ -102,6 +109,7 @@ class BlockCopy {
   std::unordered_map<std::uint64_t, std::uint64_t> links_;
   std::unordered_map<std::uint32_t, std::vector<Change>> changes_;
   std::unordered_map<std::uint32_t, std::uint64_t> moved_groups_;
+  std::unordered_map<std::uint32_t, std::uint64_t> elsewhere_;
   std::vector<bool> is_copied_;
   std::vector<std::uint32_t> order_;
   std::vector<std::uint64_t> places_;

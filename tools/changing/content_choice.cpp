@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "group_facts.h"
 #include "reader/blocks/walk.h"
 #include "reader/model/channel_names.h"
 #include "reader/values/text_encoding.h"
@@ -19,16 +20,6 @@ std::string nameOf(const Channel& channel) {
 }
 
 }  // namespace
-
-bool hasElementsElsewhere(const DataGroup& data_group) {
-  const auto has_elements = [](const Channel& channel) {
-    return !channel.array.dimensions.empty() && !channel.array.in_records;
-  };
-  return std::any_of(
-      data_group.groups.begin(), data_group.groups.end(), [&](const ChannelGroup& group) {
-        return std::any_of(group.channels.begin(), group.channels.end(), has_elements);
-      });
-}
 
 ContentChoice::ContentChoice(BlockCopy& blocks, const std::vector<DataGroup>& data_groups,
                              const GroupTest& is_wanted, const std::vector<std::string>& channels,

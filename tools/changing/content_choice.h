@@ -18,9 +18,6 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// Whether a data group has arrays whose elements have records of their own.
-bool hasElementsElsewhere(const DataGroup& data_group);
-
 /// The channel groups and channels that a copy is to have: those that are wanted, and what these
 /// need. Groups with the masters or the values of others stay with them. A data group of elements'
 /// records stays whole.

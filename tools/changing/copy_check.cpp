@@ -39,9 +39,17 @@ Problems problemsOf(InputFile& file, const std::set<Code>& others) {
 }  // namespace
 
 std::uint64_t checkCopy(InputFile& copy, InputFile& original) {
+  return checkCopy(copy, std::vector<InputFile*>{&original});
+}
+
+std::uint64_t checkCopy(InputFile& copy, const std::vector<InputFile*>& originals) {
   Problems problems = problemsOf(copy, {});
   if (problems.first_new) {
-    problems = problemsOf(copy, problemsOf(original, {}).codes);
+    std::set<Code> codes;
+    for (InputFile* const original : originals) {
+      codes.merge(problemsOf(*original, {}).codes);
+    }
+    problems = problemsOf(copy, codes);
   }
   if (problems.first_new) {
     throw CopyFailure("the copy would have a problem that the file has not, at " +

@@ -2,6 +2,7 @@
 #define MDF_TOOLS_CHANGING_COPY_CHECK_H_
 
 #include <cstdint>
+#include <vector>
 
 namespace mdf_reader {
 class InputFile;
@@ -15,6 +16,9 @@ using namespace mdf_reader;
 /// all of a kind that the original has, too.
 /// @throws CopyFailure where the copy has a problem of another kind.
 std::uint64_t checkCopy(InputFile& copy, InputFile& original);
+
+/// The same of a file that was made of several.
+std::uint64_t checkCopy(InputFile& copy, const std::vector<InputFile*>& originals);
 
 }  // namespace mdf_tools
 

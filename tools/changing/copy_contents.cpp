@@ -5,6 +5,7 @@
 
 #include "copy_failure.h"
 #include "framework/wire.h"
+#include "group_facts.h"
 #include "reader/model/group_choice.h"
 
 namespace mdf_tools {
@@ -37,17 +38,9 @@ std::string nothingChosen(const CopyOptions& options) {
   return sentence + (options.group.empty() ? "" : " in a channel group \"" + options.group + '"');
 }
 
-/// Whether a record has one offset of the channel, which can be changed.
-bool knowsOffsets(const ChannelGroup& group, const Channel& channel) {
-  const auto is_array = [](const Channel& each) { return !each.array.dimensions.empty(); };
-  return channel.bit_offset == 0 && channel.bit_count % 8 == 0 && channel.bit_count <= 64 &&
-         std::uint64_t{channel.byte_offset} + channel.bit_count / 8 <= group.data_bytes &&
-         std::none_of(group.channels.begin(), group.channels.end(), is_array);
-}
-
 }  // namespace
 
-std::string_view RecordChange::shifted(std::string_view record) {
+std::string_view RecordCopy::shifted(std::string_view record) {
   if (shifts_.empty()) {
     return record;
   }
@@ -61,7 +54,7 @@ std::string_view RecordChange::shifted(std::string_view record) {
   return shifted_;
 }
 
-std::string_view RecordChange::packed(std::string_view record) {
+std::string_view RecordCopy::packed(std::string_view record) {
   packed_.clear();
   packing_->append(record, packed_);
   return packed_;
@@ -158,7 +151,7 @@ std::uint32_t CopyContents::invalidationBytesOf(const ChannelGroup& group) const
   return packing == nullptr ? group.invalidation_bytes : packing->invalidationBytes();
 }
 
-RecordChange CopyContents::changeOf(const ChannelGroup& group) {
+RecordCopy CopyContents::changeOf(const ChannelGroup& group) {
   std::vector<OffsetPlace> shifts;
   for (OffsetPlace place : offsetsIn(group)) {
     place.shift = values_[place.target].shift();
@@ -173,7 +166,7 @@ std::vector<OffsetPlace> CopyContents::offsetsIn(const ChannelGroup& group) cons
   std::vector<OffsetPlace> places;
   for (const Channel& channel : group.channels) {
     if (channel.type == Channel::variable_length && channel.data != 0 && !isDropped(channel) &&
-        knowsOffsets(group, channel)) {
+        hasOffsetInPlace(group, channel)) {
       places.push_back({channel.byte_offset, channel.bit_count / 8, channel.data, 0});
     }
   }
@@ -186,7 +179,7 @@ void CopyContents::chooseValues(const DataGroup& data_group) {
   for (const ChannelGroup& group : data_group.groups) {
     for (const Channel& channel : group.channels) {
       if (channel.type == Channel::variable_length && !isDropped(channel) &&
-          (has_elements || !knowsOffsets(group, channel))) {
+          (has_elements || !hasOffsetInPlace(group, channel))) {
         values_[channel.data].are_all = true;
       }
     }

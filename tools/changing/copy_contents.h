@@ -34,10 +34,10 @@ struct OffsetPlace {
 };
 
 /// What records of a channel group become in the copy.
-class RecordChange {
+class RecordCopy {
  public:
   /// @param packing none where no bytes are cut out.
-  RecordChange(std::vector<OffsetPlace> shifts, const RecordPacking* packing)
+  RecordCopy(std::vector<OffsetPlace> shifts, const RecordPacking* packing)
       : shifts_(std::move(shifts)), packing_(packing) {}
 
   bool isNone() const { return shifts_.empty() && packing_ == nullptr; }
@@ -86,7 +86,7 @@ class CopyContents {
   bool hasPackings() const { return !packings_.empty(); }
   std::uint64_t recordBytesOf(const ChannelGroup& group) const;
   std::uint32_t invalidationBytesOf(const ChannelGroup& group) const;
-  RecordChange changeOf(const ChannelGroup& group);
+  RecordCopy changeOf(const ChannelGroup& group);
 
   /// The records that are copied; null for all.
   const std::vector<Rows>* rowsOf(const ChannelGroup& group) const {

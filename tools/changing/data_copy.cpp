@@ -6,6 +6,7 @@
 #include "copy_failure.h"
 #include "datablocks/srblock.h"
 #include "description/dgblock.h"
+#include "group_facts.h"
 #include "mixed_copy.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/blocks/walk.h"
@@ -30,16 +31,6 @@ constexpr std::uint64_t times_read = 4;
 constexpr std::uint64_t always_read = std::uint64_t{1} << 20U;
 
 const FindingSink silent = [](const Finding& /*finding*/) {};
-
-/// The letters of the blocks with the data that a link leads to; "" where it is not to be written
-/// anew: what makes no sense, and what has parts that stand apart.
-std::string lettersOf(InputFile& file, std::uint64_t target) {
-  const auto part = DataLinks(file, {target, target}, silent).next();
-  const auto block = part ? readRawBlock(file, part->data) : std::nullopt;
-  const std::string letters = block ? originalType(file, *block) : "";
-  const bool is_whole = letters == "DT" || letters == "SD" || letters == "RD";
-  return is_whole && part->invalidation == 0 ? letters : "";
-}
 
 bool leadsToData(InputFile& file, std::uint64_t target) {
   const auto block = target == 0 ? std::nullopt : readRawBlock(file, target);
@@ -132,7 +123,7 @@ void DataCopy::planGroup(const DataGroup& data_group, Way way) {
     note_("data group " + std::to_string(data_group.index) +
           " stays unsorted: it has arrays whose elements have records of their own");
   }
-  if (way == Way::as_bytes && lettersOf(blocks_.file(), data_group.data).empty()) {
+  if (way == Way::as_bytes && dataLettersOf(blocks_.file(), data_group.data).empty()) {
     ways_.back() = Way::as_blocks;
   } else if (way != Way::as_blocks) {
     blocks_.cut({indexOf(data_group.offset), DGBLOCK::dg_data});
@@ -169,7 +160,7 @@ void DataCopy::planOtherData(std::uint32_t block) {
   const BlockEntry& entry = blocks_.table()[block];
   if (const auto raw = readRawBlock(file, entry.offset)) {
     forEachWalkedLink(file, *raw, entry, [&](std::uint64_t number, std::uint64_t target) {
-      if (leadsToData(file, target) && !lettersOf(file, target).empty()) {
+      if (leadsToData(file, target) && !dataLettersOf(file, target).empty()) {
         other_data_.push_back({{block, static_cast<std::uint32_t>(number)}, target});
         blocks_.cut(other_data_.back().link);
       }
@@ -190,7 +181,7 @@ void DataCopy::planReduction(std::uint32_t block) {
   const std::uint64_t offset = blocks_.table()[block].offset;
   const auto reduction = readFields(file, offset, "SR");
   const std::uint64_t target = reduction ? reduction->link(SRBLOCK::sr_data) : 0;
-  if (target != 0 && lettersOf(file, target).empty()) {
+  if (target != 0 && dataLettersOf(file, target).empty()) {
     note_("the sample reduction at " + decimalAndHex(offset) +
           " is left out: its parts stand apart, or its data cannot be read");
     blocks_.leaveOut(block);
@@ -239,7 +230,7 @@ void DataCopy::writeBytes(BlockWriter& out, const OtherData& data) {
   }
   DataStream stream(data_file_, {blocks_.table()[data.link.block].offset, data.target},
                     DataStream::Access::forward, report_);
-  DataWriter writer(out, lettersOf(blocks_.file(), data.target), 0, out.form().block_bytes);
+  DataWriter writer(out, dataLettersOf(blocks_.file(), data.target), 0, out.form().block_bytes);
   const std::uint64_t record = isUnfinished() ? reductionBytesOf(data.link.block) : 0;
   const std::uint64_t count = record == 0 ? 0 : stream.size() / record;
   const std::uint64_t end = record == 0 ? endOfValues(data) : count * record;
@@ -312,7 +303,7 @@ void DataCopy::writeRecords(BlockWriter& out, const DataGroup& data_group) {
   const ChannelGroup& group = data_group.groups.front();
   Records records(data_file_, data_group, report_);
   DataWriter writer(out, "DT", contents_.recordBytesOf(group), out.form().block_bytes);
-  RecordChange change = contents_.changeOf(group);
+  RecordCopy change = contents_.changeOf(group);
   std::uint64_t count = 0;
   std::string record;
   contents_.forEachSpan(records, group, [&](const RecordSpan& span) {

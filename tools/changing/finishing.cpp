@@ -341,7 +341,9 @@ void Finisher::finishLists(std::uint64_t link_at, const RawBlock& first, std::ui
   OffsetSet seen;
   std::uint64_t begin = 0;
   std::optional<std::size_t> follows;
-  for (std::optional<RawBlock> list = first; list && !seen.contains(list->offset);) {
+  // What a list of another type says of its blocks stays as it is.
+  for (std::optional<RawBlock> list = first;
+       list && list->letters() == "DL" && !seen.contains(list->offset);) {
     seen.insert(list->offset);
     std::vector<Entry> entries;
     const std::uint64_t stated_next = linkAt(file_, *list, next_link);

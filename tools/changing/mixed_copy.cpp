@@ -7,6 +7,7 @@
 #include "description/cnblock.h"
 #include "description/dgblock.h"
 #include "framework/wire.h"
+#include "group_facts.h"
 #include "reader/blocks/raw_block.h"
 
 namespace mdf_tools {
@@ -22,20 +23,6 @@ namespace {
 /// or more where blocks are zipped, for longer ones become smaller.
 std::size_t roomForParts(const DataForm& form) {
   return std::size_t{1} << (form.zip == Zip::none ? 23U : 25U);
-}
-
-std::string dataGroupBlock(std::uint64_t next, std::uint64_t group, std::uint64_t data,
-                           std::uint64_t comment) {
-  std::string block(DGBLOCK::DGBLOCK_SIZE, '\0');
-  block.replace(0, 4, "##DG");
-  storeLe(&block[8], std::uint64_t{block.size()});
-  storeLe(&block[16], std::uint64_t{DGBLOCK::DG_BLOCK_LINKS_NUM});
-  char* at = &block[RawBlock::header_size];
-  for (const std::uint64_t link : {next, group, data, comment}) {
-    storeLe(at, link);
-    at += RawBlock::link_size;
-  }
-  return block;
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ class MixedCopy {
     std::size_t row = 0;  ///< which of the chosen rows come next
     bool is_dropped = false;
     bool is_plain = false;  ///< records are copied as they are, up to the last one
-    RecordChange change{{}, nullptr};
+    RecordCopy change{{}, nullptr};
   };
 
   void begin(Part& part, const ChannelGroup& group, unsigned id_bytes, bool is_apart);

@@ -11,6 +11,7 @@
 #include "datablocks/srblock.h"
 #include "description/cgblock.h"
 #include "framework/wire.h"
+#include "group_facts.h"
 #include "reader/blocks/block_fields.h"
 #include "record_reduction.h"
 
@@ -27,7 +28,7 @@ const FindingSink silent = [](const Finding& /*finding*/) {};
 /// A reduction of one interval, and the data that it becomes.
 struct Made {
   Made(BlockWriter& out, const ChannelGroup& group, double interval, Conversion* conversion,
-       RecordChange& change)
+       RecordCopy& change)
       : seconds(interval),
         data(out, "RD", 0, out.form().block_bytes),
         reduction(group, interval, conversion, [this, &change](std::string_view record) {
@@ -129,7 +130,7 @@ void NewReductions::write(BlockWriter& out, const DataGroup& data_group,
 
 void NewReductions::write(BlockWriter& out, Records& records, const ChannelGroup& group) {
   Conversion* const conversion = conversions_.at(group.masterChannel()->conversion);
-  RecordChange change = contents_.changeOf(group);
+  RecordCopy change = contents_.changeOf(group);
   RecordTimes times(group, conversion);
   std::vector<std::unique_ptr<Made>> all;
   for (const double seconds : options_.reductions) {

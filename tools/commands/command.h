@@ -30,6 +30,7 @@ void addDiffCommand(CLI::App& app, int& exit_code);
 void addExtractCommand(CLI::App& app, int& exit_code);
 void addImportCommand(CLI::App& app, int& exit_code);
 void addCopyCommand(CLI::App& app, int& exit_code);
+void addJoinCommand(CLI::App& app, int& exit_code);
 void addRepairCommand(CLI::App& app, int& exit_code);
 
 }  // namespace mdf_tools

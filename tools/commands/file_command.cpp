@@ -87,6 +87,24 @@ int onFile(const std::string& path, bool is_one_of_several, Input input, OutputB
   return exit_code;
 }
 
+/// Opens the files that are not open yet, and does the work on all.
+int onRest(const std::vector<std::string>& paths, std::vector<const FileContext*>& open,
+           OutputBuffer& output,
+           const std::function<void(const std::vector<const FileContext*>&)>& work) {
+  if (open.size() == paths.size()) {
+    work(open);
+    return exit_fine;
+  }
+  int rest_code = exit_fine;
+  const auto on_rest = [&](const FileContext& context) {
+    open.push_back(&context);
+    rest_code = onRest(paths, open, output, work);
+  };
+  Progress* const around = open.empty() ? nullptr : open.front()->progress;
+  return std::max(onFile(paths[open.size()], true, Input::mdf4, output, on_rest, around),
+                  rest_code);
+}
+
 std::string_view variable(const char* name) {
   const char* const value = std::getenv(name);
   return value == nullptr ? "" : value;
@@ -149,6 +167,14 @@ int onBoth(const std::string& first, const std::string& second,
     second_code = onFile(second, true, Input::mdf4, output, on_second, of_first.progress);
   });
   return std::max({first_code, second_code, finish(output)});
+}
+
+int onAll(const std::vector<std::string>& paths,
+          const std::function<void(const std::vector<const FileContext*>&)>& work) {
+  OutputBuffer output(stdout, outputForm());
+  std::vector<const FileContext*> open;
+  const int exit_code = onRest(paths, open, output, work);
+  return std::max(exit_code, finish(output));
 }
 
 int printToOutput(const std::string& text) {

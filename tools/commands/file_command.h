@@ -53,6 +53,10 @@ int onEachFile(const std::vector<std::string>& paths,
 int onBoth(const std::string& first, const std::string& second,
            const std::function<void(const FileContext&, const FileContext&)>& work);
 
+/// Does work on all files at a time, in the same way.
+int onAll(const std::vector<std::string>& paths,
+          const std::function<void(const std::vector<const FileContext*>&)>& work);
+
 /// Prints what was gathered from all files to standard output; returns the exit code.
 int printToOutput(const std::string& text);
 
