@@ -56,6 +56,9 @@ std::uint64_t placeOfField(const BlockFields& block, std::string_view name) {
   return block.fieldsAt() + field->offset;
 }
 
+/// Whether a block lists blocks of data, as files before version 4.2 do.
+bool isBlockList(const RawBlock& block) { return isDataList(block) && block.letters() == "DL"; }
+
 /// Where the last whole one of values ends, each with its length before it.
 std::uint64_t endOfValues(DataStream& data) {
   constexpr std::size_t length_bytes = 4;
@@ -319,7 +322,7 @@ void Finisher::finishData(std::uint64_t link_at, DataLink link, std::uint64_t ke
     const std::uint64_t first = linkAt(file_, *block, HLBLOCK::hl_dl_first);
     block = first == 0 ? std::nullopt : readRawBlock(file_, first);
   }
-  if (block && block->letters() == "DL") {
+  if (block && isBlockList(*block)) {
     finishLists(link_at, *block, keep);
   } else if (block && isDataBlock(*block)) {
     finishBlock(*block, findData(data_file_, *block).original, keep);
@@ -343,7 +346,7 @@ void Finisher::finishLists(std::uint64_t link_at, const RawBlock& first, std::ui
   std::optional<std::size_t> follows;
   // What a list of another type says of its blocks stays as it is.
   for (std::optional<RawBlock> list = first;
-       list && list->letters() == "DL" && !seen.contains(list->offset);) {
+       list && isBlockList(*list) && !seen.contains(list->offset);) {
     seen.insert(list->offset);
     std::vector<Entry> entries;
     const std::uint64_t stated_next = linkAt(file_, *list, next_link);
