@@ -21,6 +21,7 @@ class EachOnce {
  public:
   /// @param report must outlast this object.
   explicit EachOnce(const FindingSink& report);
+  ~EachOnce() = default;
   EachOnce(const EachOnce&) = delete;
   EachOnce& operator=(const EachOnce&) = delete;
 

@@ -15,6 +15,7 @@
 #include "changing/file_copy.h"
 #include "command.h"
 #include "complete_file.h"
+#include "data_form_option.h"
 #include "file_command.h"
 #include "group_option.h"
 #include "importing/import_failure.h"
@@ -87,9 +88,8 @@ there is a copy.)";
 struct Request {
   std::string input;
   std::string output;
-  std::string zip;
   bool replaces = false;
-  DataForm form;
+  DataFormChoice form;
   CopyOptions options;
 };
 
@@ -129,9 +129,9 @@ std::string historyOf(const Request& request) {
   text += limits.to ? ", to " + shown(*limits.to) : "";
   text += limits.first ? ", the first " + std::to_string(*limits.first) + " records" : "";
   text += limits.last ? ", the last " + std::to_string(*limits.last) + " records" : "";
-  return text + (request.zip.empty()     ? ""
-                 : request.zip == "none" ? ", not zipped"
-                                         : ", zipped: " + request.zip);
+  return text + (request.form.zip.empty()     ? ""
+                 : request.form.zip == "none" ? ", not zipped"
+                                              : ", zipped: " + request.form.zip);
 }
 
 /// Copies one file and checks the copy; returns the exit code.
@@ -206,12 +206,7 @@ int copy(const Request& request) {
 }
 
 int run(Request& request) {
-  if (!request.zip.empty()) {
-    request.form.zip = request.zip == "none"      ? Zip::none
-                       : request.zip == "deflate" ? Zip::deflate
-                                                  : Zip::transposed;
-    request.options.form = request.form;
-  }
+  request.options.form = request.form.chosen();
   request.options.time = mdf_writer::now().nanoseconds;
   request.options.history = historyOf(request);
   request.options.version = MDF_PROGRAM_VERSION;
@@ -259,6 +254,44 @@ void addLimits(CLI::App& command, const std::shared_ptr<Request>& request) {
       ->excludes(first);
 }
 
+/// Adds --channel, --group, --drop-empty, --without and --reductions.
+void addContents(CLI::App& command, const std::shared_ptr<Request>& request) {
+  command
+      .add_option("-c,--channel", request->options.channels,
+                  "Only channels whose name matches a pattern with *, ? and [...]; may be repeated")
+      ->type_name("GLOB")
+      ->allow_extra_args(false);
+  addGroupOption(command, request->options.group);
+  command.add_flag("--drop-empty", request->options.drops_empty,
+                   "Leave out channel groups without records");
+  command
+      .add_option_function<std::vector<std::string>>(
+          "--without",
+          [request](const std::vector<std::string>& words) {
+            for (const std::string& word : words) {
+              request->options.without.insert(word == "attachments" ? "AT"
+                                              : word == "events"    ? "EV"
+                                                                    : "SR");
+            }
+          },
+          "Leave out attachments, events or sample reductions; may be repeated")
+      ->check(CLI::IsMember({"attachments", "events", "reductions"}))
+      ->option_text("attachments|events|reductions")
+      ->allow_extra_args(false);
+  command
+      .add_option_function<std::vector<std::string>>(
+          "--reductions",
+          [request](const std::vector<std::string>& words) {
+            for (const std::string& word : words) {
+              request->options.reductions.push_back(intervalOf(word));
+            }
+          },
+          "Make sample reductions over such intervals, as 1s,10s")
+      ->type_name("TIME")
+      ->delimiter(',')
+      ->allow_extra_args(false);
+}
+
 }  // namespace
 
 void addCopyCommand(CLI::App& app, int& exit_code) {
@@ -276,58 +309,9 @@ void addCopyCommand(CLI::App& app, int& exit_code) {
   command->add_flag("--force", request->replaces, "Replace an existing file");
   command->add_flag("--sort", request->options.sorts,
                     "Give each channel group a data group of its own");
-  CLI::Option* const zip =
-      command->add_option("--zip", request->zip, "Put data into new blocks, zipped in this way");
-  zip->check(CLI::IsMember({"deflate", "transposed", "none"}))
-      ->option_text("deflate|transposed|none");
-  command->add_option("--level", request->form.level, "From 1, the fastest, to 12, the smallest")
-      ->type_name("N")
-      ->check(isCount() & CLI::Range(1, 12))
-      ->needs(zip)
-      ->capture_default_str();
-  command
-      ->add_option("--block-size", request->form.block_bytes,
-                   "The most data of a block in bytes, before it is zipped")
-      ->type_name("BYTES")
-      ->check(isCount() & CLI::Range(std::size_t{1024}, std::size_t{1} << 24U))
-      ->needs(zip)
-      ->capture_default_str();
+  addDataFormOptions(*command, request->form);
   addLimits(*command, request);
-  command
-      ->add_option(
-          "-c,--channel", request->options.channels,
-          "Only channels whose name matches a pattern with *, ? and [...]; may be repeated")
-      ->type_name("GLOB")
-      ->allow_extra_args(false);
-  addGroupOption(*command, request->options.group);
-  command->add_flag("--drop-empty", request->options.drops_empty,
-                    "Leave out channel groups without records");
-  command
-      ->add_option_function<std::vector<std::string>>(
-          "--without",
-          [request](const std::vector<std::string>& words) {
-            for (const std::string& word : words) {
-              request->options.without.insert(word == "attachments" ? "AT"
-                                              : word == "events"    ? "EV"
-                                                                    : "SR");
-            }
-          },
-          "Leave out attachments, events or sample reductions; may be repeated")
-      ->check(CLI::IsMember({"attachments", "events", "reductions"}))
-      ->option_text("attachments|events|reductions")
-      ->allow_extra_args(false);
-  command
-      ->add_option_function<std::vector<std::string>>(
-          "--reductions",
-          [request](const std::vector<std::string>& words) {
-            for (const std::string& word : words) {
-              request->options.reductions.push_back(intervalOf(word));
-            }
-          },
-          "Make sample reductions over such intervals, as 1s,10s")
-      ->type_name("TIME")
-      ->delimiter(',')
-      ->allow_extra_args(false);
+  addContents(*command, request);
   command->footer(footer);
   command->callback([request, &exit_code] { exit_code = run(*request); });
 }

@@ -2,7 +2,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <iostream>
@@ -17,12 +16,12 @@
 #include "changing/join_report.h"
 #include "command.h"
 #include "complete_file.h"
+#include "data_form_option.h"
 #include "file_command.h"
 #include "importing/import_failure.h"
 #include "importing/temporary_file.h"
 #include "mdf_writer/mdf_writer.h"
 #include "mdf_writer/plan/texts.h"
-#include "number_option.h"
 #include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
@@ -65,18 +64,11 @@ whether there is a new file.)";
 struct Request {
   std::vector<std::string> inputs;
   std::string output;
-  std::string zip;
   bool replaces = false;
   bool as_json = false;
-  DataForm form;
+  DataFormChoice form;
   JoinOptions options;
 };
-
-std::uint64_t now() {
-  const auto since_1970 = std::chrono::system_clock::now().time_since_epoch();
-  return static_cast<std::uint64_t>(
-      std::chrono::duration_cast<std::chrono::nanoseconds>(since_1970).count());
-}
 
 /// What the history says: the command without folders.
 std::string historyOf(const Request& request) {
@@ -194,13 +186,9 @@ int join(const Request& request) {
 }
 
 int run(Request& request) {
-  if (!request.zip.empty()) {
-    request.form.zip = request.zip == "none"      ? Zip::none
-                       : request.zip == "deflate" ? Zip::deflate
-                                                  : Zip::transposed;
-    request.options.form = request.form;
-  }
-  request.options.history = {now(), historyOf(request), MDF_PROGRAM_VERSION};
+  request.options.form = request.form.chosen();
+  request.options.history = {mdf_writer::now().nanoseconds, historyOf(request),
+                             MDF_PROGRAM_VERSION};
   try {
     return join(request);
   } catch (const CannotImport& error) {
@@ -208,26 +196,6 @@ int run(Request& request) {
   } catch (const ImportFailure& error) {
     return complain(error.what(), exit_problem);
   }
-}
-
-/// Adds --zip, --level and --block-size.
-void addForm(CLI::App& command, const std::shared_ptr<Request>& request) {
-  CLI::Option* const zip =
-      command.add_option("--zip", request->zip, "Put data into new blocks, zipped in this way");
-  zip->check(CLI::IsMember({"deflate", "transposed", "none"}))
-      ->option_text("deflate|transposed|none");
-  command.add_option("--level", request->form.level, "From 1, the fastest, to 12, the smallest")
-      ->type_name("N")
-      ->check(isCount() & CLI::Range(1, 12))
-      ->needs(zip)
-      ->capture_default_str();
-  command
-      .add_option("--block-size", request->form.block_bytes,
-                  "The most data of a block in bytes, before it is zipped")
-      ->type_name("BYTES")
-      ->check(isCount() & CLI::Range(std::size_t{1024}, std::size_t{1} << 24U))
-      ->needs(zip)
-      ->capture_default_str();
 }
 
 }  // namespace
@@ -252,7 +220,7 @@ void addJoinCommand(CLI::App& app, int& exit_code) {
       ->add_flag("--keep-order", request->options.keeps_order,
                  "Join in the order of the command, not in that of start times")
       ->excludes(side_by_side);
-  addForm(*command, request);
+  addDataFormOptions(*command, request->form);
   command->add_flag("--json", request->as_json, "Print what was joined as an object");
   command->footer(footer);
   command->callback([request, &exit_code] { exit_code = run(*request); });
