@@ -196,17 +196,20 @@ bool GroupChange::goesOnByItself(std::size_t channel) const {
   if (is_master && home.sync_type == by_index) {
     return true;
   }
-  const auto first =
-      is_wide_ ? std::nullopt : linearAt(inputs_[sources_[0].file].file, home.conversion);
+  const auto linear = linearAt(inputs_[sources_[0].file].file, home.conversion);
+  if (is_wide_ || !linear) {
+    return false;
+  }
+  const Linear first = *linear;
   std::uint64_t before = 0;
   for (std::size_t source = 0; source < sources_.size(); ++source) {
     JoinInput& input = inputs_[sources_[source].file];
     const auto own = linearAt(input.file, channelOf(source, channel).conversion);
-    if (!first || !own || first->factor != own->factor) {
+    if (!own || first.factor != own->factor) {
       return false;
     }
     const double begin = own->offset + (is_time ? input.secondsLater() : 0);
-    const double expected = first->of(static_cast<double>(before));
+    const double expected = first.of(static_cast<double>(before));
     if (counts_[source] > 0 &&
         std::abs(begin - expected) > rounding * std::max(std::abs(begin), std::abs(own->factor))) {
       return false;
