@@ -34,9 +34,10 @@ class Damage {
       case 2:
         bytes[64 + below(bytes.size() - 64)] ^= static_cast<char>(1U << below(8));
         return bytes;
-      case 3:
-        bytes.replace(aWordOf(bytes), word, std::string(word, static_cast<char>(below(2) * 255)));
-        return bytes;
+      case 3: {
+        const std::size_t at = aWordOf(bytes);
+        return bytes.replace(at, word, std::string(word, static_cast<char>(below(2) * 255)));
+      }
       default:
         const std::size_t one = aWordOf(bytes);
         const std::size_t other = aWordOf(bytes);

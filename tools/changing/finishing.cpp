@@ -75,10 +75,16 @@ std::uint64_t endOfValues(DataStream& data) {
   }
 }
 
+/// A place in the data of a list.
+struct Place {
+  std::uint64_t begin = 0;
+  bool is_known = true;  ///< false after a zipped block that makes no sense
+};
+
 /// A block in a data list, and where in the data its own begins.
 struct Entry {
   std::uint64_t link;
-  std::uint64_t begin;
+  Place place;
 };
 
 /// A data list without the links that lead nowhere, until it has its place.
@@ -114,7 +120,7 @@ class Finisher {
   void finishValues(const ChannelGroup& group);
   void finishData(std::uint64_t link_at, DataLink link, std::uint64_t keep);
   void finishLists(std::uint64_t link_at, const RawBlock& first, std::uint64_t keep);
-  bool takeEntries(const RawBlock& list, std::uint64_t& begin, std::uint64_t keep,
+  bool takeEntries(const RawBlock& list, Place& place, std::uint64_t keep,
                    std::vector<Entry>& entries);
   void setEntries(const RawBlock& list, const std::vector<Entry>& entries);
   std::string listOf(const RawBlock& list, const std::vector<Entry>& entries, std::uint64_t next);
@@ -342,7 +348,7 @@ void Finisher::finishData(std::uint64_t link_at, DataLink link, std::uint64_t ke
 /// Goes from list to list. Those with links that lead to no data are made anew without these.
 void Finisher::finishLists(std::uint64_t link_at, const RawBlock& first, std::uint64_t keep) {
   OffsetSet seen;
-  std::uint64_t begin = 0;
+  Place place;
   std::optional<std::size_t> follows;
   // What a list of another type says of its blocks stays as it is.
   for (std::optional<RawBlock> list = first;
@@ -350,7 +356,7 @@ void Finisher::finishLists(std::uint64_t link_at, const RawBlock& first, std::ui
     seen.insert(list->offset);
     std::vector<Entry> entries;
     const std::uint64_t stated_next = linkAt(file_, *list, next_link);
-    const std::uint64_t next = takeEntries(*list, begin, keep, entries) ? stated_next : 0;
+    const std::uint64_t next = takeEntries(*list, place, keep, entries) ? stated_next : 0;
     if (entries.size() + 1 == list->link_count && next == stated_next) {
       setEntries(*list, entries);
       link_at = placeOfLink(list->offset, next_link);
@@ -365,7 +371,7 @@ void Finisher::finishLists(std::uint64_t link_at, const RawBlock& first, std::ui
 
 /// Takes the blocks of a list up to what is kept, and sets their lengths; false where the data ends
 /// there, and does not go on in the next list.
-bool Finisher::takeEntries(const RawBlock& list, std::uint64_t& begin, std::uint64_t keep,
+bool Finisher::takeEntries(const RawBlock& list, Place& place, std::uint64_t keep,
                            std::vector<Entry>& entries) {
   bool goes_on = true;
   forEachLink(file_, list, [&](std::uint64_t index, std::int64_t stored) {
@@ -375,15 +381,16 @@ bool Finisher::takeEntries(const RawBlock& list, std::uint64_t& begin, std::uint
     if (!data || !goes_on) {
       return;
     }
-    const std::uint64_t bytes = findData(data_file_, *data).original;
-    if (begin >= keep && begin > 0) {
+    const DataBlock found = findData(data_file_, *data);
+    if (place.begin >= keep && place.begin > 0) {
       clear(link, data_file_.endOf(*data));
       return;
     }
-    const std::uint64_t kept = std::min(bytes, keep - begin);
-    finishBlock(*data, bytes, kept);
-    entries.push_back({link, begin});
-    begin += kept;
+    const std::uint64_t kept = std::min(found.original, keep - place.begin);
+    finishBlock(*data, found.original, kept);
+    entries.push_back({link, place});
+    place.begin += kept;
+    place.is_known = place.is_known && (!found.is_zipped || found.problem.empty());
   });
   const std::uint64_t next = linkAt(file_, list, next_link);
   const auto block = next == 0 || !goes_on ? std::nullopt : readRawBlock(file_, next);
@@ -404,9 +411,10 @@ void Finisher::setEntries(const RawBlock& list, const std::vector<Entry>& entrie
     return;
   }
   for (std::size_t i = 0; i < entries.size(); ++i) {
-    const std::uint64_t place = fields.tailAt() + sizeof(std::uint64_t) * i;
-    if (numberAt(file_, place) != entries[i].begin) {
-      setNumber(place, entries[i].begin);
+    const std::uint64_t offset_at = fields.tailAt() + sizeof(std::uint64_t) * i;
+    const Place& place = entries[i].place;
+    if (place.is_known && numberAt(file_, offset_at) != place.begin) {
+      setNumber(offset_at, place.begin);
     }
   }
 }
@@ -422,7 +430,7 @@ std::string Finisher::listOf(const RawBlock& list, const std::vector<Entry>& ent
   DLBLOCK made(fields.hasFlag("dl_flags", DLBLOCK::equal_length), static_cast<LINK>(next));
   made.setEqualLength(numberAt(file_, fields.tailAt()));
   for (const Entry& entry : entries) {
-    made.addData(static_cast<LINK>(entry.link), entry.begin);
+    made.addData(static_cast<LINK>(entry.link), entry.place.begin);
   }
   std::ostringstream bytes;
   bytes << made;
