@@ -44,6 +44,14 @@ struct BusSignal {
   std::optional<Multiplexing> multiplexing;  ///< none for a signal that is always there
 };
 
+/// The first byte of the data that the signal has bits in.
+std::uint32_t firstByteOf(const BusSignal& signal);
+/// One past the last byte of the data that the signal has bits in.
+std::uint32_t endByteOf(const BusSignal& signal);
+/// Which bit of its byte the signal's least significant one is, 0 to 7. That byte is the first one
+/// that the signal has bits in; where its bytes are big-endian, the last one.
+std::uint32_t lowestBitOf(const BusSignal& signal);
+
 /// What is in the data of frames with an identifier.
 struct BusMessage {
   std::string name;
