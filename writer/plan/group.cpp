@@ -212,7 +212,7 @@ std::string Group::fault() const {
     }
   }
   std::string fault = faultOfNames();
-  if (fault.empty()) {
+  if (fault.empty() && !has_shared_bits) {
     fault = faultOfPlaces();
   }
   return fault.empty() ? "" : group + fault;

@@ -68,6 +68,9 @@ class Group {
   /// the file gets a sample reduction, for viewers of long recordings. Needs the order of time.
   std::vector<double> reductions;
 
+  /// Whether channels may have bits in common, as those of multiplexed signals.
+  bool has_shared_bits = false;
+
   /// Numbers as the machine has them: integers of 8 to 64 bits, float, double.
   template <class T>
   Channel<T> addChannel(std::string name, std::string unit = {}, Conversion conversion = {}) {

@@ -157,7 +157,9 @@ LINK Describer::addConversion(const Conversion& conversion) {
   for (std::size_t i = 0; i < conversion.texts.size(); ++i) {
     const bool is_last = i + 1 == conversion.texts.size();
     const bool has_default = conversion.type != CCBLOCK::CC_CONVTYPE_TEXT2VTAB;
-    block.addReference(addReference(conversion.texts[i], is_last && has_default));
+    block.addReference(is_last && !conversion.rest.empty()
+                           ? addConversion(conversion.rest.front())
+                           : addReference(conversion.texts[i], is_last && has_default));
   }
   block.cc_vals = conversion.numbers;
   return blocks_.add(block);
