@@ -14,6 +14,7 @@
 
 #include "all_blocks.h"
 #include "targets.h"
+#include "tools/bus/sample_dbc.h"
 #include "tools/samples/sample.h"
 
 namespace mdf_fuzz {
@@ -223,6 +224,19 @@ std::string recordedFile(const std::filesystem::path& path) {
   return bytes.str();
 }
 
+/// Of a whole DBC also each statement after a message.
+Inputs dbcInputs() {
+  const std::string message =
+      "BO_ 100 A: 8 X\n SG_ Speed M : 0|32@1- (1,0) [0|0] \"\" X\n SG_ D m1 : 7|8@0+ (1,0) [0|0] "
+      "\"\" X\n";
+  Inputs inputs = {mdf_tests::engine_dbc};
+  std::istringstream lines(mdf_tests::engine_dbc);
+  for (std::string line; std::getline(lines, line);) {
+    inputs.push_back(message + line + '\n');
+  }
+  return inputs;
+}
+
 std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
   std::map<std::string, Inputs> inputs = blockInputs();
   inputs["build"] = buildInputs();
@@ -260,6 +274,7 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
       R"({"name":"g","columns":[{"name":"t","unit":"s"}]})"
       "\n"
       R"({"values":{"t":0.5,"b":"nan"}})"};
+  inputs["dbc"] = dbcInputs();
   return inputs;
 }
 

@@ -60,6 +60,7 @@ const std::vector<std::pair<std::string, Target>>& targets() {
     list.insert(list.end(), {{"blocks", tryBlocks},
                              {"build", tryBuild},
                              {"copy", tryCopy},
+                             {"dbc", tryDbc},
                              {"dump", tryDump},
                              {"check", tryCheck},
                              {"diff", tryDiff},

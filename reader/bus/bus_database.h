@@ -12,7 +12,7 @@ namespace mdf_reader {
 
 /// A text that stands for a raw value.
 struct ValueText {
-  std::int64_t value = 0;
+  std::int64_t value = 0;  ///< of an unsigned signal of 64 bits, what its bits are as a signed one
   std::string text;
 };
 
