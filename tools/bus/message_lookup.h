@@ -26,7 +26,8 @@ struct FoundMessage {
   bool is_j1939 = false;                ///< whoever sends it
 };
 
-/// Finds the messages of frames, of those that have signals. Of several databases, the first that knows an identifier counts.
+/// Finds the messages of frames, of those that have signals. Of several databases, the first that
+/// knows an identifier counts.
 class MessageLookup {
  public:
   /// @param databases must last as long as the lookup.

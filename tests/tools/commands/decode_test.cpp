@@ -92,7 +92,7 @@ TEST(DecodeCommand, WritesAFileThatSaysWhatTheDatabaseSays) {
 TEST(DecodeCommand, GivesSignalsToOtherCommands) {
   const std::string file = fileOf(engineFrames(1));
   EXPECT_EQ(runOn("plot", file, engine_dbc, {"-c", "Temp", "--json"}).output,
-            R"({"schema":1,"curves":[{"file":"standard input","name":"Temp","unit":"degC",)"
+            R"({"schema":2,"curves":[{"file":"standard input","name":"Temp","unit":"degC",)"
             R"("over":"time [s]","points":[[0.5,-80.0],[1.0,-168.0],[2.0,-39.0]]}]})"
             "\n");
   EXPECT_EQ(runOn("export", file, engine_dbc, {"-c", "Speed", "--on-time", "1Hz"}).output,
