@@ -76,6 +76,24 @@ TEST(Plans, ThatAreWrongAreRefusedWithASentence) {
          g.addField(field("b", CN::CN_DATATYPE_UINT_LE, 9, 4, 3));
          g.addField(field("a", CN::CN_DATATYPE_UINT_LE, 8, 12));
        }},
+      {"channel \"c\" has no bits", [](Group& g) { g.addStructure("c", {}); }},
+      {"structure \"c\" has no members, or some that it does not hold",
+       [](Group& g) {
+         g.addStructure("c", {&g, 0});
+       }},
+      {"structure \"c\" has no members, or some that it does not hold",
+       [](Group& g) {
+         ChannelPlan plan = field("c", CN::CN_DATATYPE_BYTEARRAY, 8, 8);
+         plan.first_member = g.addChannel<std::uint16_t>("a").index;
+         g.addField(plan);
+       }},
+      {"structure \"c\" has no members, or some that it does not hold",
+       [](Group& g) {
+         g.addStructure("b", g.addChannel<std::uint16_t>("a"));
+         ChannelPlan plan = field("c", CN::CN_DATATYPE_BYTEARRAY, 8, 16);
+         plan.first_member = 2;
+         g.addField(plan);
+       }},
       {"channel \"c\" is an array of no or too many elements",
        [](Group& g) {
          g.addArray<double>("c", {3, 0});
