@@ -139,6 +139,13 @@ TEST(Plans, ThatAreWrongAreRefusedWithASentence) {
       conversion("of texts, but numbers", mdf_writer::textNumbers({{"a", 1}}, 0)),
       conversion("of numbers, but none", mdf_writer::linear(0, 2), true),
       conversion("with a text that is not UTF-8", mdf_writer::texts({{1, "\xc0\x80"}}, "")),
+      conversion("that goes on with one that it cannot go on with",
+                 mdf_writer::texts({{1, "a"}}, mdf_writer::formula("X"))),
+      conversion("that goes on with one that it cannot go on with",
+                 {CC::CC_CONVTYPE_LINEAR, {0, 1}, {}, true, {mdf_writer::linear(0, 2)}}),
+      conversion(
+          "that lacks parameters",
+          mdf_writer::texts({{1, "a"}}, mdf_writer::table({}, mdf_writer::Between::nearest))),
       conversion("that has more entries than a conversion block can count",
                  {CC::CC_CONVTYPE_V2TEXT_SCALETAB, std::vector<double>(65536),
                   std::vector<std::string>(65537), true}),

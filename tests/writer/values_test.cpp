@@ -116,6 +116,7 @@ TEST_P(Values, AreConvertedAsPlanned) {
   add("ranges", mdf_writer::ranges({{5, 10, 2}, {0, 5, 1}}, -1));
   add("texts", mdf_writer::texts({{3, "three"}, {0, ""}}, "other"));
   add("some", mdf_writer::texts({{3, "three"}}, ""));
+  add("scaled", mdf_writer::texts({{3, "three"}}, mdf_writer::linear(-40, 0.5)));
   add("range_texts", mdf_writer::rangeTexts({{5, 10, "high"}, {0, 5, "low"}}, "none"));
   const auto text_number = group.addText("text_number", 4, mdf_writer::textNumbers({{"on", 1}}, 9));
   const auto text_text = group.addText("text_text", mdf_writer::textTexts({{"on", "an"}}, ""));
@@ -133,12 +134,13 @@ TEST_P(Values, AreConvertedAsPlanned) {
   }
   EXPECT_TRUE(recording.finish());
 
-  EXPECT_EQ(readBack(output, "all"),
-            "index,identity,linear,rational,formula,nearest,between,ranges,texts,some,range_texts,"
-            "text_number,text_text\n"
-            "0,0,-40,0.5,1,0,0,1,,0,low,9,no\n"
-            "1,3,-38.5,2.75,10,0,0.3,1,three,three,low,1,an\n"
-            "2,12,-34,36.5,145,1,1,-1,other,12,none,9,no\n");
+  EXPECT_EQ(
+      readBack(output, "all"),
+      "index,identity,linear,rational,formula,nearest,between,ranges,texts,some,scaled,range_texts,"
+      "text_number,text_text\n"
+      "0,0,-40,0.5,1,0,0,1,,0,-40,low,9,no\n"
+      "1,3,-38.5,2.75,10,0,0.3,1,three,three,three,low,1,an\n"
+      "2,12,-34,36.5,145,1,1,-1,other,12,-34,none,9,no\n");
 }
 
 TEST_P(Values, LargerThanABlockGetOneOfTheirOwn) {

@@ -15,9 +15,9 @@ struct Conversion {
   mdf_v4_10::CCBLOCK::MDF_CC_TYPE_t type = mdf_v4_10::CCBLOCK::CC_CONVTYPE_EQUAL;
   std::vector<double> numbers;     ///< the parameters, in the order in which the block holds them
   std::vector<std::string> texts;  ///< the texts that it refers to, in the block's order
-  std::vector<Conversion> rest;    ///< at most one: what else becomes of other numbers than those
-                                   ///< with texts, in place of the last text
   bool is_stated = false;          ///< false where the channel has none
+  std::vector<Conversion> rest{};  ///< at most one: what else becomes of other numbers than those
+                                   ///< with texts, in place of the last text
 };
 
 /// A range of stored values and what it becomes. Of integers the end belongs to the range, of
