@@ -115,7 +115,8 @@ std::optional<std::uint8_t> BusGroupKinds::channelOf(std::string_view bus) {
     return known->channel;
   }
   std::optional<std::uint8_t> channel = numberIn(bus);
-  for (unsigned free = 0; (!channel || channels_.count(*channel) > 0) && free <= UINT8_MAX; ++free) {
+  for (unsigned free = 0; (!channel || channels_.count(*channel) > 0) && free <= UINT8_MAX;
+       ++free) {
     channel = static_cast<std::uint8_t>(free);
   }
   return channels_.insert(*channel).second ? channel : std::nullopt;

@@ -31,9 +31,9 @@ struct BusGroupKind {
 };
 
 /// The channel group of the frames of one bus that are of one kind: CAN_DataFrame, CAN_RemoteFrame
-/// or CAN_ErrorFrame, of CAN or of CAN FD. The 8 bytes of a classic frame stand in its record, which
-/// takes less than where they are otherwise would; those of CAN FD, mostly fewer than 64, stand
-/// apart.
+/// or CAN_ErrorFrame, of CAN or of CAN FD. The 8 bytes of a classic frame stand in its record,
+/// which takes less than where they are otherwise would; those of CAN FD, mostly fewer than 64,
+/// stand apart.
 class BusGroup {
  public:
   /// Adds the group to a plan.

@@ -36,8 +36,9 @@ bool CandumpLine::isOne(std::string_view line) {
 }
 
 void CandumpLine::refuse(const std::string& expected) const {
-  throw UnfitFrame{at_ + 1, "expected " + expected +
-                                (at_ < line_.size() ? ", found something else" : ", found nothing")};
+  throw UnfitFrame{
+      at_ + 1,
+      "expected " + expected + (at_ < line_.size() ? ", found something else" : ", found nothing")};
 }
 
 bool CandumpLine::skip(char character) {

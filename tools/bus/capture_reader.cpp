@@ -25,9 +25,7 @@ std::uint32_t swapped(std::uint32_t number) {
          (number << 24U);
 }
 
-bool isPcap(std::uint32_t magic) {
-  return magic == pcap_microseconds || magic == pcap_nanoseconds;
-}
+bool isPcap(std::uint32_t magic) { return magic == pcap_microseconds || magic == pcap_nanoseconds; }
 
 std::size_t padded(std::size_t bytes) { return (bytes + 3) / 4 * 4; }
 
@@ -41,9 +39,7 @@ bool CaptureReader::isOne(std::string_view beginning) {
   return magic == section_block || isPcap(magic) || isPcap(swapped(magic));
 }
 
-std::string CaptureReader::place() const {
-  return "the block at offset " + std::to_string(at_);
-}
+std::string CaptureReader::place() const { return "the block at offset " + std::to_string(at_); }
 
 /// A number of what was read last, 0 where that ends before it.
 template <class T>
@@ -229,15 +225,17 @@ void CaptureReader::takeEnhanced() {
     throw UnfitFrame{0, "the packet is longer than its block, or of no interface"};
   }
   const Interface& interface = interfaces_[number];
-  setTime(interface, std::uint64_t{numberAt<std::uint32_t>(12)} << 32U | numberAt<std::uint32_t>(16));
+  setTime(interface,
+          std::uint64_t{numberAt<std::uint32_t>(12)} << 32U | numberAt<std::uint32_t>(16));
   logged_.frame.direction = BusFrame::Direction::unknown;
-  forEachOption(packet_place + padded(size), [&](unsigned code, std::size_t at, std::size_t length) {
-    const unsigned direction = code == 2 && length == 4 ? numberAt<std::uint32_t>(at) & 3U : 0;
-    if (direction == 1 || direction == 2) {
-      logged_.frame.direction =
-          direction == 1 ? BusFrame::Direction::received : BusFrame::Direction::sent;
-    }
-  });
+  forEachOption(
+      packet_place + padded(size), [&](unsigned code, std::size_t at, std::size_t length) {
+        const unsigned direction = code == 2 && length == 4 ? numberAt<std::uint32_t>(at) & 3U : 0;
+        if (direction == 1 || direction == 2) {
+          logged_.frame.direction =
+              direction == 1 ? BusFrame::Direction::received : BusFrame::Direction::sent;
+        }
+      });
   takePacket(interface, std::string_view(bytes_).substr(packet_place, size),
              numberAt<std::uint32_t>(24));
 }
@@ -259,7 +257,8 @@ void CaptureReader::setTime(const Interface& interface, std::uint64_t time) {
                                           : rest / (interface.units / nanoseconds);
   }
   const std::int64_t offset = interface.offset_seconds;
-  if (seconds > std::uint64_t{last_log_second} || offset > last_log_second - static_cast<std::int64_t>(seconds) ||
+  if (seconds > std::uint64_t{last_log_second} ||
+      offset > last_log_second - static_cast<std::int64_t>(seconds) ||
       offset < -static_cast<std::int64_t>(seconds)) {
     throw UnfitFrame{0, "expected a time from 1970 to 2261, found another"};
   }

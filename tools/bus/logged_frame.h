@@ -11,8 +11,8 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
-/// The last second since 1970 that a frame may come in, before the year 2261: 64 bits of nanoseconds
-/// hold little more.
+/// The last second since 1970 that a frame may come in, before the year 2261: 64 bits of
+/// nanoseconds hold little more.
 inline constexpr std::int64_t last_log_second = 9'183'110'399;
 
 /// A frame as a log has it. Its texts belong to what it was read by.

@@ -206,19 +206,20 @@ TEST(ImportCapture, GivesTheSameCaptureBack) {
 
 TEST(ImportCapture, ReadsUnitsOfTimeAndNames) {
   const std::string binary = Bytes().u16(9).u16(1).u32(0x80 + 20).u16(14).u16(8).u64(100).u32(0);
-  const std::string coarse = Bytes().u16(2).u16(3).text(std::string("bus\0", 4)).u16(9).u16(1).u32(3);
+  const std::string coarse =
+      Bytes().u16(2).u16(3).text(std::string("bus\0", 4)).u16(9).u16(1).u32(3);
   const std::string fine = Bytes().u16(9).u16(1).u32(12);
-  EXPECT_EQ(relisted(section() + interface(227, "") + interface(227, binary) +
-                         interface(227, coarse) + interface(227, fine) +
-                         packet(0, 1'000'001, frame_bytes) + packet(1, 3U << 19U, frame_bytes) +
-                         packet(2, 2'001'000, frame_bytes) +
-                         packet(3, 3'000'000'001'999, frame_bytes),
-                     {})
-                .output,
-            "      1.000001  can0         123               [ 2]  12 34\n"
-            "   3.000000001  can3         123               [ 2]  12 34\n"
-            "         101.5  can1         123               [ 2]  12 34\n"
-            "          2001  bus          123               [ 2]  12 34\n");
+  EXPECT_EQ(
+      relisted(section() + interface(227, "") + interface(227, binary) + interface(227, coarse) +
+                   interface(227, fine) + packet(0, 1'000'001, frame_bytes) +
+                   packet(1, 3U << 19U, frame_bytes) + packet(2, 2'001'000, frame_bytes) +
+                   packet(3, 3'000'000'001'999, frame_bytes),
+               {})
+          .output,
+      "      1.000001  can0         123               [ 2]  12 34\n"
+      "   3.000000001  can3         123               [ 2]  12 34\n"
+      "         101.5  can1         123               [ 2]  12 34\n"
+      "          2001  bus          123               [ 2]  12 34\n");
 }
 
 TEST(ImportCapture, ReadsPcapInBothOrdersOfBytes) {
@@ -226,14 +227,14 @@ TEST(ImportCapture, ReadsPcapInBothOrdersOfBytes) {
   little.u32(0xA1B2C3D4).u16(2).u16(4).u64(0).u32(65535).u32(227);
   little.u32(1345212884).u32(318850).u32(16).u32(16).text(frame_bytes).zeros(6);
   little.u32(1345212885).u32(1).u32(72).u32(72).u8s({0x98, 0xFE, 0xF1, 0, 1, 1, 0, 0, 0xAB});
-  const std::string lines = "(1345212884.318850) can0 123#1234\n"
-                            "(1345212885.000001) can0 18FEF100##1AB\n";
+  const std::string lines =
+      "(1345212884.318850) can0 123#1234\n"
+      "(1345212885.000001) can0 18FEF100##1AB\n";
   EXPECT_EQ(relisted(little.zeros(63), candump).output, lines);
   Bytes big;
   big.u8s({0xA1, 0xB2, 0x3C, 0x4D, 0, 2, 0, 4}).zeros(8).u8s({0, 0, 255, 255, 0, 0, 0, 227});
   big.u8s({0x50, 0x2E, 0x51, 0xD4, 0x13, 0x01, 0x43, 0xD0, 0, 0, 0, 10, 0, 0, 0, 10});
-  EXPECT_EQ(relisted(big.text(frame_bytes), candump).output,
-            "(1345212884.318850) can0 123#1234\n");
+  EXPECT_EQ(relisted(big.text(frame_bytes), candump).output, "(1345212884.318850) can0 123#1234\n");
 }
 
 struct BadCapture {
@@ -251,10 +252,12 @@ TEST(ImportCapture, SaysWhatCannotBeReadOrLeavesItOut) {
        "expected packets with the link type 227, frames of SocketCAN, found the link type 1"},
       {packet(0, 5, frame_bytes, 6), "the packet was cut off: it has 10 of 16 bytes"},
       {packet(0, 5, "1234"), "the packet was cut off: it has 4 of 8 bytes"},
-      {packet(0, 5, long_frame), "the frame states 65 bytes of data, which it cannot have or has "
-                                 "not"},
-      {packet(0, 5, short_frame), "the frame states 3 bytes of data, which it cannot have or has "
-                                  "not"},
+      {packet(0, 5, long_frame),
+       "the frame states 65 bytes of data, which it cannot have or has "
+       "not"},
+      {packet(0, 5, short_frame),
+       "the frame states 3 bytes of data, which it cannot have or has "
+       "not"},
       {packet(2, 5, frame_bytes), "the packet is longer than its block, or of no interface"},
       {packet(0, UINT64_MAX, frame_bytes), "expected a time from 1970 to 2261, found another"},
       {Bytes().u32(3).u32(16).u32(0).u32(16), "the packet has no time, or an obsolete form"},
@@ -276,8 +279,9 @@ TEST(ImportCapture, SaysWhatCannotBeReadOrLeavesItOut) {
   }
   const std::string ethernet = Bytes().u32(0xA1B2C3D4).u16(2).u16(4).u64(0).u32(65535).u32(1);
   EXPECT_EQ(relisted(ethernet, candump, {"--skip-bad"}),
-            said(1, "standard input: expected packets with the link type 227, frames of "
-                    "SocketCAN, found the link type 1"));
+            said(1,
+                 "standard input: expected packets with the link type 227, frames of "
+                 "SocketCAN, found the link type 1"));
   EXPECT_EQ(relisted("no capture", candump, {"--format", "pcap"}),
             said(1, "standard input: expected a capture, found something else"));
 }

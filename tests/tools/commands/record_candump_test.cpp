@@ -61,8 +61,9 @@ TEST(RecordCandump, LeavesOutLinesThatDoNotFit) {
   EXPECT_PRED2(contains, result.messages, "2 lines left out\n");
   EXPECT_EQ(framesIn(folder / "out.mf4"), "(1345212884.318850) can0 123#0011\n");
   EXPECT_EQ(recordFrames(folder / "x.mf4", log, {"--time", "t"}),
-            said(2, "the lines of candump have their times where candump puts them, not in --time "
-                    "t"));
+            said(2,
+                 "the lines of candump have their times where candump puts them, not in --time "
+                 "t"));
 }
 
 TEST(RecordCandump, GoesOnInTheNextFile) {
