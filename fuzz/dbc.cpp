@@ -5,6 +5,7 @@
 #include <string>
 #include <tuple>
 
+#include "bus/message_group.h"
 #include "expect.h"
 #include "finding_check.h"
 #include "reader/bus/dbc_reader.h"
@@ -64,6 +65,24 @@ void expectMessage(const BusMessage& message) {
   expectNoCircle(message);
 }
 
+/// A channel group can be made of each message, and records of frames of any length.
+void expectGroups(const BusDatabase& database) {
+  constexpr std::size_t most = 20;
+  const std::string data(64, '\xA5');
+  for (std::size_t i = 0; i < std::min(most, database.messages.size()); ++i) {
+    mdf_writer::Plan plan;
+    mdf_tools::MessageGroup group(plan, {&database.messages[i], "message", "can1", i % 9, i > 9});
+    expect(plan.fault().empty(), "a plan without a fault");
+    for (const std::size_t bytes : {0U, 3U, 8U, 64U}) {
+      BusFrame frame;
+      frame.data = std::string_view(data).substr(0, bytes);
+      expect(group.record(frame, 1).size() ==
+                 group.group().dataBytes() + group.group().invalidationBytes(),
+             "a whole record");
+    }
+  }
+}
+
 }  // namespace
 
 std::string tryDbc(std::string_view input) {
@@ -89,6 +108,7 @@ std::string tryDbc(std::string_view input) {
     expect(ids.emplace(message.is_extended, message.id).second, "different identifiers");
     expectMessage(message);
   }
+  expectGroups(database);
   return std::to_string(database.messages.size()) + " messages, " + std::to_string(faults) +
          " faults";
 }

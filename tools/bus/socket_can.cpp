@@ -16,8 +16,8 @@ constexpr char kinds[] = {0, 0x01, 0x02, 0x04, 0, 0};  // nothing, bit, form, st
 void setError(const BusFrame& frame, SocketCanFrame& socket) {
   if (frame.error_class) {
     socket.id = SocketCanFrame::error | *frame.error_class;
-    socket.length = static_cast<std::uint8_t>(frame.data.size());
-    socket.data = frame.data;
+    socket.data = frame.data.substr(0, 8);
+    socket.length = static_cast<std::uint8_t>(socket.data.size());
     return;
   }
   const bool is_unacknowledged = frame.error == BusFrame::Error::acknowledgement;
