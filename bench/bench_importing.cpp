@@ -88,7 +88,7 @@ struct Import {
     mdf_writer::FileOutput output(mdf.path(), mdf_writer::Existing::replace);
     mdf_tools::ImportOptions options;
     options.format = mdf_tools::ImportOptions::Format::csv;
-    imported = mdf_tools::importTables({input.path()}, options, plan, output);
+    imported = mdf_tools::importFiles({input.path()}, options, plan, output);
   }
 
   std::string text;

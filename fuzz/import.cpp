@@ -28,7 +28,7 @@ std::string import(std::string_view text, const ImportOptions& options, Imported
   memory.hold(text);
   mdf_writer::Plan plan;
   MemoryOutput output;
-  imported = importTables({memory.path()}, options, plan, output);
+  imported = importFiles({memory.path()}, options, plan, output);
   return output.bytes();
 }
 

@@ -14,6 +14,7 @@
 
 #include "all_blocks.h"
 #include "targets.h"
+#include "tools/bus/sample_dbc.h"
 #include "tools/samples/sample.h"
 
 namespace mdf_fuzz {
@@ -223,6 +224,35 @@ std::string recordedFile(const std::filesystem::path& path) {
   return bytes.str();
 }
 
+/// Of a whole DBC also each statement after a message.
+Inputs dbcInputs() {
+  const std::string message =
+      "BO_ 100 A: 8 X\n SG_ Speed M : 0|32@1- (1,0) [0|0] \"\" X\n SG_ D m1 : 7|8@0+ (1,0) [0|0] "
+      "\"\" X\n";
+  Inputs inputs = {mdf_tests::engine_dbc};
+  std::istringstream lines(mdf_tests::engine_dbc);
+  for (std::string line; std::getline(lines, line);) {
+    inputs.push_back(message + line + '\n');
+  }
+  return inputs;
+}
+
+/// A frame of CAN in a capture of each form.
+Inputs captures() {
+  const std::string frame("\x98\xFE\xF1\0\2\0\0\0\x12\x34\0\0", 12);
+  const std::string section("\n\r\r\n\x1C\0\0\0\x4D\x3C\x2B\x1A\1\0\0\0", 16);
+  const std::string end("\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x1C\0\0\0", 12);
+  const std::string interface(
+      "\1\0\0\0\x28\0\0\0\xE3\0\0\0\0\0\0\0\2\0\4\0can1\x9\0\1\0\x9\0\0\0\0\0\0\0\x28\0\0\0", 40);
+  const std::string packet("\6\0\0\0\x38\0\0\0\0\0\0\0\5\0\0\0\1\0\0\0\x0A\0\0\0\x0A\0\0\0", 28);
+  const std::string options("\2\0\4\0\1\0\0\0\0\0\0\0\x38\0\0\0", 16);
+  const std::string pcap("\xD4\xC3\xB2\xA1\2\0\4\0\0\0\0\0\0\0\0\0\xFF\xFF\0\0\xE3\0\0\0", 24);
+  const std::string record("\5\0\0\0\1\0\0\0\x0A\0\0\0\x0A\0\0\0", 16);
+  const std::string one(1, '\1');
+  return {one + section + end + interface + packet + frame + options,
+          one + pcap + record + frame.substr(0, 10)};
+}
+
 std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
   std::map<std::string, Inputs> inputs = blockInputs();
   inputs["build"] = buildInputs();
@@ -252,6 +282,12 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
     inputs["copy"].push_back(static_cast<char>(inputs["copy"].size() % choices) + file);
     inputs["join"].push_back(static_cast<char>(inputs["join"].size() % choices) + file);
   }
+  const std::string log =
+      "(1345212884.318850) can0 123#0011 R\n(1345212884.318850) vcan1 18FEF100##100.11.22\n"
+      "(1345212885.000000) can0 7FF#R8\n(1345212885.000001) can0 20000008#0000040000000000 T\n";
+  inputs["candump"] = {std::string(1, '\0') + log,
+                       "\1(0.0) can0 000#\r\nhello\n(9223372035.9) a 1FFFFFFF##7\n"};
+  inputs["capture"] = captures();
   inputs["import"] = {
       std::string(1, '\0') + "time [s],speed [km/h],\"a,b\"\n0,1.5,x\n0.1,,\"y\n\"\n\nt,b\n0,-7\n",
       "\3t;a\r\n2024-05-17T13:45:12,5+02:00;1,5\r\n2024-05-17 13:45:13Z;x;\r\n",
@@ -260,6 +296,7 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
       R"({"name":"g","columns":[{"name":"t","unit":"s"}]})"
       "\n"
       R"({"values":{"t":0.5,"b":"nan"}})"};
+  inputs["dbc"] = dbcInputs();
   return inputs;
 }
 

@@ -59,7 +59,10 @@ const std::vector<std::pair<std::string, Target>>& targets() {
     auto list = readersOf(AllBlocks{});
     list.insert(list.end(), {{"blocks", tryBlocks},
                              {"build", tryBuild},
+                             {"candump", tryCandump},
+                             {"capture", tryCapture},
                              {"copy", tryCopy},
+                             {"dbc", tryDbc},
                              {"dump", tryDump},
                              {"check", tryCheck},
                              {"diff", tryDiff},

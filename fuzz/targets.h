@@ -12,10 +12,11 @@
 /// `draw` what `mdf tree`, `mdf graph` and the options of `mdf dump` make of it, `export` what `mdf
 /// export`, `mdf plot` and `mdf stats` make of it, `frames` what `mdf frames` does, `show` what
 /// `mdf info`, `mdf list` and `mdf extract` do; `import` makes a file of a text as `mdf import`
-/// does; `repair` finishes a file as `mdf repair` does; `copy` writes a file again as `mdf copy`
-/// does; `diff` compares a file with itself and with one that has another byte, as `mdf diff` does;
-/// `join` joins a file with itself, begun at another time, as `mdf join` does; `measure` asks the
-/// reader library for all that it gives.
+/// does, `candump` and `capture` one of a log of frames; `repair` finishes a file as `mdf repair`
+/// does; `copy` writes a file again as `mdf copy` does; `diff` compares a file with itself and with
+/// one that has another byte, as `mdf diff` does; `join` joins a file with itself, begun at another
+/// time, as `mdf join` does; `dbc` reads a description of a bus; `measure` asks the reader library
+/// for all that it gives.
 namespace mdf_fuzz {
 
 /// Tries one input and says in a few words what came of it.
@@ -29,8 +30,11 @@ Target findTarget(std::string_view name);
 
 std::string tryBlocks(std::string_view input);
 std::string tryBuild(std::string_view input);
+std::string tryCandump(std::string_view input);
+std::string tryCapture(std::string_view input);
 std::string tryCheck(std::string_view input);
 std::string tryCopy(std::string_view input);
+std::string tryDbc(std::string_view input);
 std::string tryDiff(std::string_view input);
 std::string tryDump(std::string_view input);
 std::string tryDraw(std::string_view input);

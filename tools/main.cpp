@@ -42,7 +42,7 @@ struct Command {
   void (*add)(CLI::App& app, int& exit_code);
 };
 
-constexpr std::array<Command, 17> commands = {{
+constexpr std::array<Command, 18> commands = {{
     {"record", mdf_tools::addRecordCommand},
     {"info", mdf_tools::addInfoCommand},
     {"list", mdf_tools::addListCommand},
@@ -54,6 +54,7 @@ constexpr std::array<Command, 17> commands = {{
     {"plot", mdf_tools::addPlotCommand},
     {"stats", mdf_tools::addStatsCommand},
     {"frames", mdf_tools::addFramesCommand},
+    {"decode", mdf_tools::addDecodeCommand},
     {"diff", mdf_tools::addDiffCommand},
     {"extract", mdf_tools::addExtractCommand},
     {"import", mdf_tools::addImportCommand},

@@ -29,8 +29,12 @@ struct BusFrame {
   bool is_fd = false;        ///< a frame of CAN FD
   bool has_bit_rate_switch = false;
   bool has_error_state = false;  ///< its sender was error passive
-  std::uint64_t length = 0;      ///< of the data, as the frame states it
-  std::string_view data;         ///< as far as it was recorded, never longer than that
+  /// Of an error frame, the bits of its class as Linux numbers them, where the file has them; its
+  /// data tells more then.
+  std::optional<std::uint32_t> error_class;
+  std::optional<std::uint16_t> number;  ///< in the log that it came from, modulo 65536
+  std::uint64_t length = 0;             ///< of the data, as the frame states it
+  std::string_view data;                ///< as far as it was recorded, never longer than that
 };
 
 /// The bytes of data that a data length code stands for.

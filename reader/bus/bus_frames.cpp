@@ -74,11 +74,19 @@ bool BusFrames::isInRange(const BusFrame& frame) const {
   return (!from_ || frame.time >= *from_) && (!to_ || frame.time <= *to_);
 }
 
-/// Groups are in the order of the file where times are the same.
+/// Where times are the same, frames are in the order of the log that they came from, else groups in
+/// the order of the file.
 bool BusFrames::isLater(std::size_t left, std::size_t right) const {
-  const double left_time = groups_[left]->frame().time;
-  const double right_time = groups_[right]->frame().time;
-  return left_time != right_time ? left_time > right_time : left > right;
+  const BusFrame& one = groups_[left]->frame();
+  const BusFrame& other = groups_[right]->frame();
+  if (one.time != other.time) {
+    return one.time > other.time;
+  }
+  if (one.number && other.number && *one.number != *other.number) {
+    constexpr unsigned half = 0x8000;
+    return static_cast<std::uint16_t>(*one.number - *other.number) < half;
+  }
+  return left > right;
 }
 
 /// Puts a group at its place by its next frame, if it has one.

@@ -38,7 +38,8 @@ std::optional<Kind> kindOf(std::string_view name) {
 std::string wordOf(std::string_view name) {
   std::string word(name);
   for (char& character : word) {
-    if (std::isalnum(static_cast<unsigned char>(character)) == 0 && character != '-') {
+    if (std::isalnum(static_cast<unsigned char>(character)) == 0 && character != '-' &&
+        character != '.') {
       character = '_';
     }
   }
@@ -82,6 +83,8 @@ void FrameTable::takeColumns() {
       {"BRS", bit_rate_switch},
       {"ESI", error_state},
       {"ErrorType", error_type},
+      {"ErrorClass", error_class},
+      {"FrameNumber", frame_number},
       {"ReceivedDataByteCount", length},
   };
   const std::vector<ColumnHead>& heads = table_->head().columns;
@@ -102,12 +105,13 @@ void FrameTable::takeColumns() {
   }
 }
 
-/// Where no member says which bus it is, all frames of the group are of one that is called as the
-/// group is.
+/// Where no member says which bus it is, or group and source have the same name, all frames of the
+/// group are of one that is called so.
 void FrameTable::nameBus() {
   family_ = name_.substr(0, 3) == "LIN" ? "lin" : "can";
   const std::string_view shown = group().shownName();
   bus_ = shown.empty() || shown == name_ ? family_ : wordOf(shown);
+  is_one_bus_ = !shown.empty() && shown != name_ && group().name == group().source_name;
 }
 
 bool FrameTable::next() {
@@ -154,6 +158,7 @@ bool FrameTable::take() {
   takeId();
   takeBus();
   takeData();
+  takeLogged();
   return true;
 }
 
@@ -175,7 +180,7 @@ void FrameTable::takeId() {
 }
 
 void FrameTable::takeBus() {
-  const auto bus = number(channel);
+  const auto bus = is_one_bus_ ? std::nullopt : number(channel);
   if (bus && bus != bus_number_) {
     bus_number_ = bus;
     bus_ = family_ + std::to_string(*bus);
@@ -195,6 +200,16 @@ void FrameTable::takeData() {
   } else {
     shortened_ += frame_.data.size() < frame_.length ? 1U : 0U;
   }
+}
+
+/// What the log had that the file was made of.
+void FrameTable::takeLogged() {
+  const auto bits = number(error_class);
+  const auto count = number(frame_number);
+  frame_.error_class = bits && frame_.kind == Kind::error
+                           ? std::optional(static_cast<std::uint32_t>(*bits) & most_extended)
+                           : std::nullopt;
+  frame_.number = count ? std::optional(static_cast<std::uint16_t>(*count)) : std::nullopt;
 }
 
 std::string_view FrameTable::bytes() {

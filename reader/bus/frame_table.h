@@ -57,6 +57,8 @@ class FrameTable {
     bit_rate_switch,
     error_state,
     error_type,
+    error_class,
+    frame_number,
     role_count,
   };
 
@@ -69,6 +71,7 @@ class FrameTable {
   void takeId();
   void takeBus();
   void takeData();
+  void takeLogged();
   std::string_view bytes();
 
   std::unique_ptr<Table> table_;
@@ -77,6 +80,7 @@ class FrameTable {
   std::string name_;                       ///< of the frames' kind
   std::string family_;                     ///< what the names of its buses begin with
   std::string bus_;
+  bool is_one_bus_ = false;  ///< all frames are of the one that the group is named after
   std::optional<std::uint64_t> bus_number_;
   std::string data_;
   bool holds_frames_ = false;

@@ -69,8 +69,8 @@ Descriptor openPath(const std::string& path, std::string& problem) {
 
 }  // namespace
 
-InputFile::InputFile(const std::string& path)
-    : name_(path == "-" ? "standard input" : path),
+InputFile::InputFile(const std::string& path, std::string name)
+    : name_(std::move(name)),
       file_(path == "-" ? readIntoMemory(STDIN_FILENO, name_, problem_) : openPath(path, problem_)),
       buffer_(file_),
       stream_(&buffer_),

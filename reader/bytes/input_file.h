@@ -19,7 +19,11 @@ class InputFile {
  public:
   /// A file that cannot be opened or read has no bytes, but a problem.
   /// @param path the file's name; "-" is standard input.
-  explicit InputFile(const std::string& path);
+  explicit InputFile(const std::string& path)
+      : InputFile(path, path == "-" ? "standard input" : path) {}
+
+  /// @param name what messages call the file.
+  InputFile(const std::string& path, std::string name);
 
   /// Why the file cannot be opened or read, a sentence that names it; "" when it can.
   const std::string& problem() const { return problem_; }

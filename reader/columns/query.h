@@ -17,8 +17,10 @@ struct Query {
   /// times that grow; where those looked at do not, all records are gone through.
   std::optional<double> from;
   std::optional<double> to;
-  bool raw = false;      ///< values as they are stored, without conversions
-  bool numbers = false;  ///< where a conversion gives a text, the number that is stored
+  bool raw = false;  ///< values as they are stored, without conversions
+  /// Where a conversion gives a text, the number that is stored; or what the conversion makes of
+  /// other numbers, if that is one more conversion.
+  bool numbers = false;
   std::optional<std::uint64_t> first =
       std::nullopt;  ///< so many records of each group, its first ones
   std::optional<std::uint64_t> last = std::nullopt;  ///< the same of its last ones

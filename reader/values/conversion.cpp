@@ -179,6 +179,18 @@ class ScaleConversion : public Conversion {
     return index < targets_.size() ? targets_[index].of(number, is_integer) : Result();
   }
 
+  /// Numbers that have texts lie on the same scale as the others.
+  void convert(double* numbers, std::size_t count, bool is_integer) final {
+    for (std::size_t i = 0; i < count; ++i) {
+      Result result = of(numbers[i], is_integer);
+      if (result.kind == Result::text && !targets_.empty() &&
+          targets_.back().conversion != nullptr) {
+        result = targets_.back().of(numbers[i], is_integer);
+      }
+      numbers[i] = result.kind == Result::number ? result.real : numbers[i];
+    }
+  }
+
  private:
   virtual std::size_t indexOf(double number, bool is_integer) const = 0;
 

@@ -79,6 +79,31 @@ std::string fromLatin1(std::string_view bytes) {
   return text;
 }
 
+/// Latin 1 but for 0x80 to 0x9F, of which five are no characters and stand for themselves.
+std::string fromWindows1252(std::string_view bytes) {
+  constexpr char32_t others[] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
+                                 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+  std::string text;
+  for (const char character : upToZero(bytes)) {
+    const auto byte = static_cast<unsigned char>(character);
+    append(isBetween(byte, 0x80, 0x9F) ? others[byte - 0x80U] : byte, text);
+  }
+  return text;
+}
+
+bool isUtf8(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const std::size_t length = characterLength(bytes);
+    if (length == 0) {
+      return false;
+    }
+    bytes.remove_prefix(length);
+  }
+  return true;
+}
+
 std::string fromUtf8(std::string_view bytes) {
   std::string_view rest = upToZero(bytes);
   std::string text;

@@ -76,6 +76,24 @@ TEST(Plans, ThatAreWrongAreRefusedWithASentence) {
          g.addField(field("b", CN::CN_DATATYPE_UINT_LE, 9, 4, 3));
          g.addField(field("a", CN::CN_DATATYPE_UINT_LE, 8, 12));
        }},
+      {"channel \"c\" has no bits", [](Group& g) { g.addStructure("c", {}); }},
+      {"structure \"c\" has no members, or some that it does not hold",
+       [](Group& g) {
+         g.addStructure("c", {&g, 0});
+       }},
+      {"structure \"c\" has no members, or some that it does not hold",
+       [](Group& g) {
+         ChannelPlan plan = field("c", CN::CN_DATATYPE_BYTEARRAY, 8, 8);
+         plan.first_member = g.addChannel<std::uint16_t>("a").index;
+         g.addField(plan);
+       }},
+      {"structure \"c\" has no members, or some that it does not hold",
+       [](Group& g) {
+         g.addStructure("b", g.addChannel<std::uint16_t>("a"));
+         ChannelPlan plan = field("c", CN::CN_DATATYPE_BYTEARRAY, 8, 16);
+         plan.first_member = 2;
+         g.addField(plan);
+       }},
       {"channel \"c\" is an array of no or too many elements",
        [](Group& g) {
          g.addArray<double>("c", {3, 0});
@@ -121,6 +139,13 @@ TEST(Plans, ThatAreWrongAreRefusedWithASentence) {
       conversion("of texts, but numbers", mdf_writer::textNumbers({{"a", 1}}, 0)),
       conversion("of numbers, but none", mdf_writer::linear(0, 2), true),
       conversion("with a text that is not UTF-8", mdf_writer::texts({{1, "\xc0\x80"}}, "")),
+      conversion("that goes on with one that it cannot go on with",
+                 mdf_writer::texts({{1, "a"}}, mdf_writer::formula("X"))),
+      conversion("that goes on with one that it cannot go on with",
+                 {CC::CC_CONVTYPE_LINEAR, {0, 1}, {}, true, {mdf_writer::linear(0, 2)}}),
+      conversion(
+          "that lacks parameters",
+          mdf_writer::texts({{1, "a"}}, mdf_writer::table({}, mdf_writer::Between::nearest))),
       conversion("that has more entries than a conversion block can count",
                  {CC::CC_CONVTYPE_V2TEXT_SCALETAB, std::vector<double>(65536),
                   std::vector<std::string>(65537), true}),

@@ -34,19 +34,42 @@ using mdf_writer::Recording;
 
 /// Two groups, one of which has texts. Both count, so that one sees what is missing.
 struct Counting {
-  Counting() : numbers(plan.addGroup("numbers")), texts(plan.addGroup("texts")) {
+  /// @param has_all unless the group of texts comes into the file with its first record.
+  explicit Counting(bool has_all = true) : numbers(plan.addGroup("numbers")) {
     plan.start = {1700000000000000000, 0, false};
     numbers.reductions = {4};
+    if (has_all) {
+      addTexts();
+    }
+  }
+
+  void addTexts() {
+    texts = &plan.addGroup("texts");
+    text = texts->addText("text");
   }
 
   /// The k-th record of a group at k seconds; every tenth is also one of the texts.
   bool append(Recording& recording, int k) {
     numbers.set(number, static_cast<std::uint32_t>(k));
-    texts.set(text, textOf(k));
     const std::int64_t time = k * std::int64_t{1'000'000'000};
-    return recording.append(numbers, time) && (k % 10 != 0 || recording.append(texts, time)) &&
+    return recording.append(numbers, time) && (k % 10 != 0 || appendText(recording, k, time)) &&
            (k % 40 != 3 || recording.addEvent({std::to_string(k), time})) &&
            (k % 200 != 4 || recording.addAttachment({std::to_string(k) + ".txt", "", "", "abc"}));
+  }
+
+  bool appendText(Recording& recording, int k, std::int64_t time) {
+    if (texts == nullptr) {
+      addTexts();
+      if (!recording.addGroup(*texts)) {
+        return false;
+      }
+    }
+    texts->set(text, textOf(k));
+    return recording.append(*texts, time);
+  }
+
+  std::uint64_t textsIn(const Recording& recording) const {
+    return texts == nullptr ? 0 : recording.records(*texts);
   }
 
   static std::string textOf(int k) {
@@ -55,9 +78,9 @@ struct Counting {
 
   Plan plan;
   Group& numbers;
-  Group& texts;
+  Group* texts = nullptr;
   mdf_writer::Channel<std::uint32_t> number = numbers.addChannel<std::uint32_t>("number");
-  mdf_writer::VariableChannel text = texts.addText("text");
+  mdf_writer::VariableChannel text;
 };
 
 std::string numbersUpTo(std::uint64_t count) {
@@ -161,12 +184,14 @@ struct Case {
   int flush_every;  ///< so many records
   Zip zip;
   int records;
+  bool has_all = true;  ///< groups from the beginning
 };
 
 /// Said by itself, as the bytes between the members have no values.
 void PrintTo(const Case& layout, std::ostream* out) {
   *out << (layout.is_unsorted ? "unsorted" : "sorted") << ", flushed every " << layout.flush_every
-       << " of " << layout.records << " records, zip " << static_cast<int>(layout.zip);
+       << " of " << layout.records << " records, zip " << static_cast<int>(layout.zip)
+       << (layout.has_all ? "" : ", with a group that comes later");
 }
 
 class Survival : public testing::TestWithParam<Case> {
@@ -182,6 +207,7 @@ class Survival : public testing::TestWithParam<Case> {
   }
 
   static int records() { return GetParam().records; }
+  static bool hasAll() { return GetParam().has_all; }
 
  private:
   mdf_writer::Packer* packer() {
@@ -222,7 +248,7 @@ std::vector<Progress> recordAll(Counting& counting, RecordedOutput& output, cons
     if (k % (records / 5) == 7) {
       EXPECT_TRUE(recording.flush());
       progress.push_back({output.steps().size(), recording.records(counting.numbers),
-                          recording.records(counting.texts)});
+                          counting.textsIn(recording)});
     }
   }
   EXPECT_TRUE(recording.finish()) << recording.cause();
@@ -232,7 +258,7 @@ std::vector<Progress> recordAll(Counting& counting, RecordedOutput& output, cons
 }
 
 TEST_P(Survival, EveryMomentLeavesAFileAndEveryPowerLossWhatWasFlushed) {
-  Counting counting;
+  Counting counting(hasAll());
   RecordedOutput output;
   const std::vector<Progress> progress = recordAll(counting, output, options(), records());
   std::mt19937 random(1);
@@ -273,7 +299,7 @@ bool recordOn(Counting& counting, Recording& recording, int records) {
 void expectFinished(const std::string& file, const Counting& counting, const Recording& recording,
                     const std::string& trouble = ": the medium is full") {
   const std::uint64_t numbers = recording.records(counting.numbers);
-  const std::uint64_t texts = recording.records(counting.texts);
+  const std::uint64_t texts = counting.textsIn(recording);
   EXPECT_EQ(findingsOf(file), std::vector<std::string>());
   EXPECT_EQ(tableOf(file, "numbers"), numbersUpTo(numbers));
   EXPECT_EQ(tableOf(file, "texts"), textsUpTo(texts));
@@ -287,7 +313,7 @@ void expectFinished(const std::string& file, const Counting& counting, const Rec
 TEST_P(Survival, AFullMediumLeavesAFinishedFileOfWhatItTook) {
   std::uint64_t size = 0;
   for (std::uint64_t room = 0; size == 0; room += 97) {
-    Counting counting;
+    Counting counting(hasAll());
     RecordedOutput output(room);
     Recording recording(output, counting.plan, options());
     if (recordOn(counting, recording, records())) {
@@ -306,7 +332,7 @@ TEST_P(Survival, AFullMediumLeavesAFinishedFileOfWhatItTook) {
 TEST_P(Survival, AWriteThatFailsOnceLeavesAFinishedFileOfWhatCameBefore) {
   bool finished = false;
   for (std::size_t number = 2; !finished; ++number) {
-    Counting counting;
+    Counting counting(hasAll());
     RecordedOutput output;
     output.failWrite(number);
     Recording recording(output, counting.plan, options());
@@ -326,7 +352,7 @@ TEST_P(Survival, ASyncThatFailsIsReportedAndSaysWhatTheFileSays) {
   std::set<std::string> causes;
   bool finished = false;
   for (std::size_t number = 3; !finished; ++number) {
-    Counting counting;
+    Counting counting(hasAll());
     RecordedOutput output;
     output.failSync(number);
     Recording recording(output, counting.plan, options());
@@ -420,16 +446,16 @@ TEST(FullMedium, KeepsNoRecordWhoseShortValueItDidNotTake) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Layouts, Survival,
-                         testing::Values(Case{false, 10, Zip::none, 500},
-                                         Case{false, 300, Zip::none, 600},
-                                         Case{true, 10, Zip::none, 500},
-                                         Case{true, 300, Zip::none, 600},
-                                         Case{false, 60, Zip::deflated, 2000},
-                                         Case{false, 60, Zip::every_second_block, 2000},
-                                         Case{false, 700, Zip::transposed_on_thread, 2500},
-                                         Case{true, 60, Zip::transposed_on_thread, 1500},
-                                         Case{true, 700, Zip::every_second_block, 2500}));
+INSTANTIATE_TEST_SUITE_P(
+    Layouts, Survival,
+    testing::Values(Case{false, 10, Zip::none, 500}, Case{false, 300, Zip::none, 600},
+                    Case{true, 10, Zip::none, 500}, Case{true, 300, Zip::none, 600},
+                    Case{false, 10, Zip::none, 500, false}, Case{false, 60, Zip::deflated, 2000},
+                    Case{false, 60, Zip::deflated, 1000, false},
+                    Case{false, 60, Zip::every_second_block, 2000},
+                    Case{false, 700, Zip::transposed_on_thread, 2500},
+                    Case{true, 60, Zip::transposed_on_thread, 1500},
+                    Case{true, 700, Zip::every_second_block, 2500}));
 
 TEST(Killing, AtAnyMomentLeavesAFile) {
   const ScratchFolder folder;

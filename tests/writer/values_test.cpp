@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "support/bytes.h"
 #include "support/read_back.h"
@@ -114,6 +116,7 @@ TEST_P(Values, AreConvertedAsPlanned) {
   add("ranges", mdf_writer::ranges({{5, 10, 2}, {0, 5, 1}}, -1));
   add("texts", mdf_writer::texts({{3, "three"}, {0, ""}}, "other"));
   add("some", mdf_writer::texts({{3, "three"}}, ""));
+  add("scaled", mdf_writer::texts({{3, "three"}}, mdf_writer::linear(-40, 0.5)));
   add("range_texts", mdf_writer::rangeTexts({{5, 10, "high"}, {0, 5, "low"}}, "none"));
   const auto text_number = group.addText("text_number", 4, mdf_writer::textNumbers({{"on", 1}}, 9));
   const auto text_text = group.addText("text_text", mdf_writer::textTexts({{"on", "an"}}, ""));
@@ -131,12 +134,13 @@ TEST_P(Values, AreConvertedAsPlanned) {
   }
   EXPECT_TRUE(recording.finish());
 
-  EXPECT_EQ(readBack(output, "all"),
-            "index,identity,linear,rational,formula,nearest,between,ranges,texts,some,range_texts,"
-            "text_number,text_text\n"
-            "0,0,-40,0.5,1,0,0,1,,0,low,9,no\n"
-            "1,3,-38.5,2.75,10,0,0.3,1,three,three,low,1,an\n"
-            "2,12,-34,36.5,145,1,1,-1,other,12,none,9,no\n");
+  EXPECT_EQ(
+      readBack(output, "all"),
+      "index,identity,linear,rational,formula,nearest,between,ranges,texts,some,scaled,range_texts,"
+      "text_number,text_text\n"
+      "0,0,-40,0.5,1,0,0,1,,0,-40,low,9,no\n"
+      "1,3,-38.5,2.75,10,0,0.3,1,three,three,three,low,1,an\n"
+      "2,12,-34,36.5,145,1,1,-1,other,12,-34,none,9,no\n");
 }
 
 TEST_P(Values, LargerThanABlockGetOneOfTheirOwn) {
@@ -205,6 +209,75 @@ TEST_P(Values, OfRecordsWithoutBytesAreTheirNumbers) {
   Recording recording(output, plan, huge);
   EXPECT_TRUE(recording.append(group) && recording.appendBytes(group, {}) && recording.finish());
   EXPECT_EQ(readBack(output, "g"), "index\n0\n1\n");
+}
+
+TEST_P(Values, OfMembersStandInTheirStructures) {
+  Plan plan;
+  Group& group = plan.addGroup("g");
+  group.is_bus_event = true;
+  const auto first = group.addChannel<std::uint8_t>("first");
+  const auto low = group.addBits<unsigned>("low", 5);
+  const auto high = group.addBits<unsigned>("high", 6);
+  group.addStructure("inner", low);
+  const auto data = group.addBytes("data");
+  group.addStructure("outer", first);
+  const auto last = group.addChannel<std::uint8_t>("last");
+  RecordedOutput output;
+  Recording recording(output, plan, options());
+  EXPECT_TRUE(group.set(first, 1) && group.set(low, 30) && group.set(high, 33) &&
+              group.set(data, "ab") && group.set(last, 4));
+  EXPECT_TRUE(recording.append(group, 0) && recording.finish()) << recording.cause();
+  EXPECT_EQ(readBack(output, "g"),
+            "time,outer.first,outer.inner.low,outer.inner.high,outer.data,last\n"
+            "0,1,30,33,6162,4\n");
+}
+
+TEST(LaterGroups, ComeIntoAFileThatHasBegun) {
+  Plan plan;
+  RecordedOutput output;
+  Options options;
+  options.block_bytes = 4096;
+  Recording recording(output, plan, options);
+  std::string tables;
+  for (const char* name : {"a", "b", "c"}) {
+    Group& group = plan.addGroup(name);
+    EXPECT_FALSE(recording.append(group, 0));
+    const auto value = group.addChannel<std::uint8_t>("v");
+    EXPECT_TRUE(recording.addGroup(group));
+    EXPECT_FALSE(recording.addGroup(group)) << "it is there already";
+    EXPECT_TRUE(group.set(value, *name) && recording.append(group, 0) && recording.flush());
+    tables += readBack(output, name);
+  }
+  EXPECT_TRUE(recording.finish());
+  EXPECT_EQ(tables, "time,v\n0,97\ntime,v\n0,98\ntime,v\n0,99\n");
+  EXPECT_EQ(tables, readBack(output, "a") + readBack(output, "b") + readBack(output, "c"));
+  Group& late = plan.addGroup("d");
+  EXPECT_FALSE(recording.addGroup(late)) << "the file is finished";
+}
+
+/// What such a group must not be, each tried with a recording of its own.
+TEST(LaterGroups, AreRefusedWhereTheyCannotCome) {
+  const auto isTaken = [](Options options, const std::function<void(Group&)>& change) {
+    Plan plan;
+    plan.addGroup("first");
+    RecordedOutput output;
+    options.block_bytes = 4096;
+    Recording recording(output, plan, options);
+    Group& group = plan.addGroup("later");
+    change(group);
+    const bool is_taken = recording.addGroup(group);
+    EXPECT_TRUE(recording.good() && recording.finish());
+    EXPECT_EQ(findingsOf(output.bytes()), std::vector<std::string>());
+    return is_taken;
+  };
+  const auto as_it_is = [](Group& /*group*/) {};
+  EXPECT_TRUE(isTaken({}, as_it_is));
+  Options unsorted;
+  unsorted.is_unsorted = true;
+  EXPECT_FALSE(isTaken(unsorted, as_it_is));
+  EXPECT_FALSE(isTaken({}, [](Group& group) { group.reductions = {1}; }));
+  EXPECT_FALSE(isTaken({}, [](Group& group) { group.addText("long", 4096); }));
+  EXPECT_FALSE(isTaken({}, [](Group& group) { group.addText(""); }));
 }
 
 /// A group's records for a sample reduction: time, a byte of a signed field of 5 bits from bit 1

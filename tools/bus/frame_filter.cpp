@@ -59,11 +59,14 @@ bool FrameFilter::hasId(const BusFrame& frame) const {
 }
 
 bool FrameFilter::hasBus(std::string_view bus) const {
+  return std::any_of(buses_.begin(), buses_.end(),
+                     [&](const std::string& pattern) { return isBus(pattern, bus); });
+}
+
+bool isBus(const std::string& pattern, std::string_view bus) {
   const std::string name(bus);
   const std::string number = name.substr(std::min(name.find_first_of("0123456789"), name.size()));
-  return std::any_of(buses_.begin(), buses_.end(), [&](const std::string& pattern) {
-    return pattern == number || fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
-  });
+  return pattern == number || fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
 }
 
 }  // namespace mdf_tools

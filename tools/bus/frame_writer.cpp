@@ -179,10 +179,12 @@ bool CandumpWriter::add(const BusFrame& frame, std::string& out) {
   if (!socket || !nanoseconds || *nanoseconds < 0) {
     return false;
   }
+  // Rounded, since seconds as floating-point numbers may lie below the microsecond that they mean.
+  const std::int64_t microseconds = *nanoseconds / 1000 + (*nanoseconds % 1000 >= 500 ? 1 : 0);
   char time[48];
   const int length = std::snprintf(time, sizeof time, "(%010lld.%06lld) ",
-                                   static_cast<long long>(*nanoseconds / 1000000000),
-                                   static_cast<long long>(*nanoseconds % 1000000000 / 1000));
+                                   static_cast<long long>(microseconds / 1000000),
+                                   static_cast<long long>(microseconds % 1000000));
   out.append(time, static_cast<std::size_t>(length));
   out += frame.bus;
   out += ' ';

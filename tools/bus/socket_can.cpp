@@ -7,12 +7,19 @@ namespace mdf_tools {
 namespace {
 
 /// The classes of error frames, and what their bytes 2 and 3 say, are those of linux/can/error.h.
+constexpr std::uint32_t protocol = 0x08;
+constexpr std::uint32_t no_acknowledgement = 0x20;
+constexpr char overload = 0x20;
+constexpr char checksum_place = 0x08;
+constexpr char kinds[] = {0, 0x01, 0x02, 0x04, 0, 0};  // nothing, bit, form, stuffing
+
 void setError(const BusFrame& frame, SocketCanFrame& socket) {
-  constexpr std::uint32_t protocol = 0x08;
-  constexpr std::uint32_t no_acknowledgement = 0x20;
-  constexpr char overload = 0x20;
-  constexpr char checksum_place = 0x08;
-  constexpr char kinds[] = {0, 0x01, 0x02, 0x04, 0, 0};  // nothing, bit, form, stuffing
+  if (frame.error_class) {
+    socket.id = SocketCanFrame::error | *frame.error_class;
+    socket.data = frame.data.substr(0, 8);
+    socket.length = static_cast<std::uint8_t>(socket.data.size());
+    return;
+  }
   const bool is_unacknowledged = frame.error == BusFrame::Error::acknowledgement;
   socket.id = SocketCanFrame::error | (is_unacknowledged ? no_acknowledgement : protocol);
   socket.length = 8;
@@ -20,6 +27,25 @@ void setError(const BusFrame& frame, SocketCanFrame& socket) {
   socket.data[2] =
       frame.kind == BusFrame::Kind::overload ? overload : kinds[static_cast<int>(frame.error)];
   socket.data[3] = frame.error == BusFrame::Error::checksum ? checksum_place : '\0';
+}
+
+BusFrame::Error errorOf(const SocketCanFrame& socket) {
+  using Error = BusFrame::Error;
+  if ((socket.id & no_acknowledgement) != 0) {
+    return Error::acknowledgement;
+  }
+  if ((socket.id & protocol) == 0 || socket.data.size() < 4) {
+    return Error::unknown;
+  }
+  if (socket.data[3] == checksum_place) {
+    return Error::checksum;
+  }
+  for (const Error error : {Error::bit, Error::form, Error::stuffing}) {
+    if (socket.data[2] == kinds[static_cast<int>(error)]) {
+      return error;
+    }
+  }
+  return Error::unknown;
 }
 
 }  // namespace
@@ -47,6 +73,31 @@ std::optional<SocketCanFrame> socketCanOf(const BusFrame& frame) {
   socket.length = static_cast<std::uint8_t>(frame.data.size());
   socket.data = frame.data;
   return socket;
+}
+
+std::uint8_t lengthCodeOf(std::size_t length) {
+  std::uint8_t code = 0;
+  while (code < 15 && dataLengthOf(code, true) < length) {
+    ++code;
+  }
+  return code;
+}
+
+void setFrame(const SocketCanFrame& socket, BusFrame& frame) {
+  constexpr std::uint32_t most_extended = 0x1FFFFFFF;
+  const bool is_error = (socket.id & SocketCanFrame::error) != 0;
+  frame.kind = is_error                                    ? BusFrame::Kind::error
+               : (socket.id & SocketCanFrame::remote) != 0 ? BusFrame::Kind::remote
+                                                           : BusFrame::Kind::data;
+  frame.error = is_error ? errorOf(socket) : BusFrame::Error::unknown;
+  frame.error_class = is_error ? std::optional(socket.id & most_extended) : std::nullopt;
+  frame.id = is_error ? 0 : socket.id & most_extended;
+  frame.is_extended = !is_error && (socket.id & SocketCanFrame::extended) != 0;
+  frame.is_fd = socket.is_fd;
+  frame.has_bit_rate_switch = (socket.fd_flags & SocketCanFrame::bit_rate_switch) != 0;
+  frame.has_error_state = (socket.fd_flags & SocketCanFrame::error_state) != 0;
+  frame.length = socket.length;
+  frame.data = socket.data;
 }
 
 }  // namespace mdf_tools

@@ -26,6 +26,13 @@ struct SocketCanFrame {
 /// None for a frame of another bus, or one of more bytes than CAN has.
 std::optional<SocketCanFrame> socketCanOf(const BusFrame& frame);
 
+/// Takes everything over that such a frame says. The frame's data lasts as long as that of the
+/// other one.
+void setFrame(const SocketCanFrame& socket, BusFrame& frame);
+
+/// What a data length code stands for, or the next one that is enough for so many bytes.
+std::uint8_t lengthCodeOf(std::size_t length);
+
 }  // namespace mdf_tools
 
 #endif  // MDF_TOOLS_BUS_SOCKET_CAN_H_

@@ -26,6 +26,7 @@ void addExportCommand(CLI::App& app, int& exit_code);
 void addPlotCommand(CLI::App& app, int& exit_code);
 void addStatsCommand(CLI::App& app, int& exit_code);
 void addFramesCommand(CLI::App& app, int& exit_code);
+void addDecodeCommand(CLI::App& app, int& exit_code);
 void addDiffCommand(CLI::App& app, int& exit_code);
 void addExtractCommand(CLI::App& app, int& exit_code);
 void addImportCommand(CLI::App& app, int& exit_code);

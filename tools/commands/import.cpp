@@ -43,6 +43,13 @@ without times gets a master channel that counts its rows; a first column of 0, 1
 
 Types for --type: uint8, uint16, uint32, uint64, int8, int16, int32, int64, float32, float64, text.
 
+Logs of buses:
+Logs of can-utils (candump -L: "(1345212884.318850) can0 123#0011", also with R or T after it and with
+points between bytes) and captures, pcapng or pcap, with the link type of SocketCAN are found out by
+their contents. Each kind of frame on each bus becomes a channel group with the bus's name. Times stay
+as they are; the first one is when the measurement began. 'mdf frames' gives the same lines, or the
+same capture. A pcap has one bus, can0: it has no names. Memory does not grow with the log.
+
 Standard input, and what cannot be read twice, is kept in a temporary file in the meantime.
 
 Examples:
@@ -52,6 +59,8 @@ Examples:
   mdf import table.csv -o table.mf4 --type 'temp_*=float32' --type serial=text
   mdf export a.mf4 --json -c 'speed*' | mdf import - -o speed.mf4
   mdf import table.csv -o - | mdf stats -
+  mdf import candump.log -o drive.mf4 && mdf frames drive.mf4 --id 123
+  mdf import drive.pcapng -o drive.mf4
 
 Exit code: 0 imported, 1 a line cannot be imported or the file not be written, 2 wrong arguments,
 unreadable file, or one that is there already. Unless it is 0 there is no new file.)";
@@ -71,7 +80,8 @@ int complain(const std::string& sentence, ExitCode exit_code) {
 }
 
 std::string counted(std::uint64_t number, const std::string& noun) {
-  return std::to_string(number) + ' ' + noun + (number == 1 ? "" : "s");
+  const char* const ending = noun.back() == 's' ? "es" : "s";
+  return std::to_string(number) + ' ' + noun + (number == 1 ? "" : ending);
 }
 
 /// "a.csv, b.csv": what the file was made of, without folders.
@@ -98,17 +108,22 @@ Imported importTo(mdf_writer::Output& output, const Request& request) {
   mdf_writer::Plan plan("imported from " + namesOf(request.paths));
   plan.history = plan.comment;
   plan.program_version = MDF_PROGRAM_VERSION;
-  return importTables(request.paths, request.options, plan, output);
+  return importFiles(request.paths, request.options, plan, output);
 }
 
 void report(const Imported& imported, const std::string& output) {
   for (const std::string& note : imported.notes) {
     std::cerr << "mdf: " << note << '\n';
   }
-  std::cerr << "imported " << counted(imported.rows, "row") << " of "
-            << counted(imported.tables, "table") << " to " << output;
+  const bool is_log = imported.buses > 0;
+  std::cerr << "imported "
+            << (is_log ? counted(imported.frames, "frame") : counted(imported.rows, "row"))
+            << " of "
+            << (is_log ? counted(imported.buses, "bus") : counted(imported.tables, "table"))
+            << " to " << output;
   if (imported.bad_lines > 0) {
-    std::cerr << ", " << counted(imported.bad_lines, "bad line") << " skipped";
+    std::cerr << ", " << counted(imported.bad_lines, is_log ? "bad frame" : "bad line")
+              << " skipped";
   }
   std::cerr << '\n';
 }
@@ -152,8 +167,11 @@ int run(Request& request) {
                               : request.separator == "tab" ? '\t'
                                                            : request.separator[0];
   if (!request.format.empty()) {
-    request.options.format =
-        request.format == "csv" ? ImportOptions::Format::csv : ImportOptions::Format::json_lines;
+    using Format = ImportOptions::Format;
+    request.options.format = request.format == "csv"       ? Format::csv
+                             : request.format == "jsonl"   ? Format::json_lines
+                             : request.format == "candump" ? Format::candump
+                                                           : Format::capture;
   }
   try {
     return import(request);
@@ -194,8 +212,8 @@ CLI::Validator isSeparator() {
 
 void addTableOptions(CLI::App& command, const std::shared_ptr<Request>& request) {
   command.add_option("--format", request->format, "The form of the files; found out unless stated")
-      ->check(CLI::IsMember({"csv", "jsonl"}))
-      ->option_text("csv|jsonl");
+      ->check(CLI::IsMember({"csv", "jsonl", "candump", "pcapng", "pcap"}))
+      ->option_text("csv|jsonl|candump|pcapng|pcap");
   command
       .add_option(
           "--separator", request->separator,
@@ -220,7 +238,7 @@ void addTableOptions(CLI::App& command, const std::shared_ptr<Request>& request)
       ->allow_extra_args(false)
       ->check(isTypeRule());
   command.add_flag("--skip-bad", request->options.skips_bad_lines,
-                   "Leave out lines that cannot be imported, and count them");
+                   "Leave out lines and packets that cannot be imported, and count them");
 }
 
 }  // namespace
@@ -228,8 +246,8 @@ void addTableOptions(CLI::App& command, const std::shared_ptr<Request>& request)
 void addImportCommand(CLI::App& app, int& exit_code) {
   const auto request = std::make_shared<Request>();
   CLI::App* const command =
-      app.add_subcommand("import", "Make a measurement file of tables as CSV or JSON lines");
-  command->add_option("IN", request->paths, "The tables; - for standard input")
+      app.add_subcommand("import", "Make a measurement file of tables, or of logs of CAN buses");
+  command->add_option("IN", request->paths, "The tables or logs; - for standard input")
       ->required()
       ->type_name("FILE");
   command

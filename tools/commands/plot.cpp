@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "command.h"
+#include "decoding_option.h"
 #include "file_command.h"
 #include "picture_output.h"
 #include "pictures/chart.h"
@@ -45,6 +46,7 @@ Exit code: 0 fine, 1 problems found in the file or no picture, 2 wrong arguments
 struct Request {
   std::vector<std::string> paths;
   std::shared_ptr<Query> query;
+  std::shared_ptr<DecodingRequest> decoding;
   std::string output = "-";
   std::string format;
   bool is_json = false;
@@ -88,7 +90,7 @@ ChartForm formOf(const Request& request, const std::string& format) {
 /// Collects the curves of all files; returns the exit code.
 int collect(const Request& request, std::size_t width, std::vector<Curve>& curves) {
   int exit_code = exit_fine;
-  const int reading = onEachFile(request.paths, [&](const FileContext& context) {
+  const int reading = onEachFile(request.paths, *request.decoding, [&](const FileContext& context) {
     const std::string& name = context.file.name();
     const std::string prefix =
         context.is_one_of_several ? std::filesystem::path(name).filename().string() + ": " : "";
@@ -184,6 +186,7 @@ void addPlotCommand(CLI::App& app, int& exit_code) {
   command->add_option("FILE", request->paths, "The measurement files; - is standard input")
       ->type_name("");
   request->query = addSelectionOptions(*command, true);
+  request->decoding = addDecodingOptions(*command);
   request->query->numbers = true;
   command->get_option("--channel")->required();
   CLI::Option* output = command

@@ -11,7 +11,9 @@
 #include <vector>
 
 #include "command.h"
+#include "recording/candump_source.h"
 #include "recording/line_recording.h"
+#include "recording/line_source.h"
 #include "recording/machine_recording.h"
 #include "recording/quantity.h"
 #include "recording/stop_request.h"
@@ -45,6 +47,10 @@ Ctrl-C and SIGTERM end a recording at once; the file is complete. A recording th
 a file that says that it is unfinished (UnFinMF in place of MDF); it can be opened at any moment and
 has everything but the last second. To survive a power failure it takes --sync.
 
+With --stdin candump, each line is a frame as candump -L prints it. Each kind of frame on each bus becomes
+a channel group with the bus's name when the first one comes; 'mdf frames' lists them, --trigger knows
+them not. To a pipe, buses that come after the first second are left out.
+
 With --rotate the files are OUT_001.mf4, OUT_002.mf4 and so on, with no sample between them missing;
 each says in its header when it begins. With --zip, blocks that fill are deflated; the last one of a
 file stays as it is.
@@ -67,6 +73,7 @@ Examples:
   mdf record drive.mf4 --duration 0 --sync        until Ctrl-C, or until the power fails
   mdf record drive.mf4 --rate 10 --rate cpu=50 -c 'cpu*' -c 'mem_*'
   sensor-program | mdf record drive.mf4 --stdin csv
+  candump -L can0,can1 | mdf record drive.mf4 --stdin candump --rotate 1GB
   mdf record drive.mf4 --duration 0 --zip --rotate 1GB
   mdf record drive.mf4 --ring 5min                the last five minutes before Ctrl-C
   mdf record drive.mf4 --trigger 'cpu_total > 90' --pre-trigger 5min --post-trigger 1min
@@ -154,6 +161,19 @@ RecorderOptions recorderOptions(const Request& request, mdf_writer::Packer* pack
   return options;
 }
 
+std::unique_ptr<SampleLines> lineSource(const Request& request) {
+  if (request.lines == "candump") {
+    if (!request.time.empty()) {
+      throw BadOption(
+          "the lines of candump have their times where candump puts them, not in --time " +
+          request.time);
+    }
+    return std::make_unique<CandumpSource>();
+  }
+  return std::make_unique<LineSource>(request.lines == "csv" ? LineForm::csv : LineForm::json,
+                                      request.time);
+}
+
 ExitCode record(const Request& request) {
   std::optional<mdf_writer::Zipper> zipper;
   if (request.zips) {
@@ -170,9 +190,8 @@ ExitCode record(const Request& request) {
                                                                   : "0");
   watchForRequests();
   if (has_lines) {
-    const LineForm form = request.lines == "csv" ? LineForm::csv : LineForm::json;
     const std::uint64_t bad_lines =
-        recordLines({form, request.time}, duration, options, MDF_PROGRAM_VERSION);
+        recordLines(lineSource(request), duration, options, MDF_PROGRAM_VERSION);
     return bad_lines == 0 ? exit_fine : exit_problem;
   }
   recordMachine(machineOptions(request), duration, options, MDF_PROGRAM_VERSION);
@@ -266,8 +285,8 @@ void addRecordCommand(CLI::App& app, int& exit_code) {
       command
           ->add_option("--stdin", request->lines,
                        "Record what comes in lines on standard input, until its end")
-          ->check(CLI::IsMember({"csv", "json"}))
-          ->option_text("csv|json")
+          ->check(CLI::IsMember({"csv", "json", "candump"}))
+          ->option_text("csv|json|candump")
           ->excludes(rate)
           ->excludes(channels);
   command

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "command.h"
+#include "decoding_option.h"
 #include "file_command.h"
 #include "measuring/table_meter.h"
 #include "printing/statistics.h"
@@ -56,6 +57,7 @@ Exit code: 0 fine, 1 problems found in a file, 2 wrong arguments or unreadable f
 struct Request {
   std::shared_ptr<std::vector<std::string>> paths;
   std::shared_ptr<Query> query;
+  std::shared_ptr<DecodingRequest> decoding;
   bool is_json = false;
   bool by_bytes = false;
 };
@@ -114,10 +116,11 @@ int printFile(const Request& request, const FileContext& context, bool is_first)
 int run(const Request& request) {
   int exit_code = exit_fine;
   bool is_first = true;
-  const int reading = onEachFile(*request.paths, [&](const FileContext& context) {
-    exit_code = std::max(exit_code, printFile(request, context, is_first));
-    is_first = false;
-  });
+  const int reading =
+      onEachFile(*request.paths, *request.decoding, [&](const FileContext& context) {
+        exit_code = std::max(exit_code, printFile(request, context, is_first));
+        is_first = false;
+      });
   return std::max(exit_code, reading);
 }
 
@@ -129,6 +132,7 @@ void addStatsCommand(CLI::App& app, int& exit_code) {
   const auto request = std::make_shared<Request>();
   request->paths = addFileArguments(*command);
   request->query = addSelectionOptions(*command, false);
+  request->decoding = addDecodingOptions(*command);
   command->add_flag("--du", request->by_bytes, "Sort the groups by their bytes, largest first");
   command->add_flag("--json", request->is_json, "Print a JSON object for each channel group");
   command->footer(footer);

@@ -20,6 +20,13 @@ class CannotImport : public ImportFailure {
   using ImportFailure::ImportFailure;
 };
 
+/// Says why a file cannot be written to its end.
+template <class Recording, class Output>
+[[noreturn]] void failToImport(const Recording& recording, const Output& output) {
+  throw ImportFailure(output.cause().empty() ? recording.cause()
+                                             : "cannot write the new file: " + output.cause());
+}
+
 /// A line that cannot be imported. Those after it can be.
 struct BadLine {
   std::uint64_t line;

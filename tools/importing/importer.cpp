@@ -10,6 +10,7 @@
 #include "group_writer.h"
 #include "json_source.h"
 #include "kept_rows.h"
+#include "log_import.h"
 #include "reader/columns/unique_names.h"
 #include "table_facts.h"
 
@@ -33,16 +34,11 @@ Format formatOf(const std::string& path, LineReader& lines, const ImportOptions&
   return is_json ? Format::json_lines : Format::csv;
 }
 
-[[noreturn]] void fail(const mdf_writer::Recording& recording, const mdf_writer::Output& output) {
-  throw ImportFailure(output.cause().empty() ? recording.cause()
-                                             : "cannot write the new file: " + output.cause());
-}
-
 /// An input file, which can be read twice.
 class Input {
  public:
-  Input(const std::string& path, const ImportOptions& options)
-      : lines_(path),
+  Input(const std::string& path, LineReader& lines, const ImportOptions& options)
+      : lines_(lines),
         format_(formatOf(path, lines_, options)),
         options_(options),
         stem_(path == "-" ? "stdin" : std::filesystem::path(path).stem().string()) {}
@@ -87,7 +83,7 @@ class Input {
   }
 
  private:
-  LineReader lines_;
+  LineReader& lines_;
   Format format_;
   const ImportOptions& options_;
   std::string stem_;
@@ -105,11 +101,11 @@ struct Table {
 
 class Importer {
  public:
-  Importer(const std::vector<std::string>& paths, const ImportOptions& options,
-           mdf_writer::Plan& plan)
+  Importer(const std::vector<std::string>& paths, std::deque<LineReader>& files,
+           const ImportOptions& options, mdf_writer::Plan& plan)
       : options_(options), plan_(plan), kept_(options.kept_bytes) {
-    for (const std::string& path : paths) {
-      inputs_.emplace_back(path, options);
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+      inputs_.emplace_back(paths[i], files[i], options);
     }
   }
 
@@ -140,7 +136,7 @@ class Importer {
     }
     recording.finish();
     if (!recording.good()) {
-      fail(recording, output);
+      failToImport(recording, output);
     }
     return imported_;
   }
@@ -222,7 +218,7 @@ class Importer {
     const auto append = [&](const std::vector<Cell>& cells) {
       writer.set(source.lines().number(), cells, start_);
       if (!recording.append(writer.group())) {
-        fail(recording, output);
+        failToImport(recording, output);
       }
       ++imported_.rows;
     };
@@ -248,11 +244,33 @@ class Importer {
   IsoTime start_;
 };
 
+/// What the options say, or else the files themselves.
+bool areLogs(std::deque<LineReader>& files, Format format) {
+  if (format != Format::found_out) {
+    return format == Format::candump || format == Format::capture;
+  }
+  const bool is_first = logFormOf(files.front()) != LogForm::none;
+  for (LineReader& file : files) {
+    if ((logFormOf(file) != LogForm::none) != is_first) {
+      throw ImportFailure(file.name() + ": expected a " + (is_first ? "log" : "table") + ", as " +
+                          files.front().name() + " is, found a " + (is_first ? "table" : "log"));
+    }
+  }
+  return is_first;
+}
+
 }  // namespace
 
-Imported importTables(const std::vector<std::string>& paths, const ImportOptions& options,
-                      mdf_writer::Plan& plan, mdf_writer::Output& output) {
-  Importer importer(paths, options, plan);
+Imported importFiles(const std::vector<std::string>& paths, const ImportOptions& options,
+                     mdf_writer::Plan& plan, mdf_writer::Output& output) {
+  std::deque<LineReader> files;
+  for (const std::string& path : paths) {
+    files.emplace_back(path);
+  }
+  if (areLogs(files, options.format)) {
+    return importLogs(files, options, plan, output);
+  }
+  Importer importer(paths, files, options, plan);
   importer.findTypes();
   return importer.write(output);
 }

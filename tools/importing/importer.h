@@ -13,9 +13,9 @@
 
 namespace mdf_tools {
 
-/// How tables are read.
+/// How tables and logs are read.
 struct ImportOptions {
-  enum class Format { found_out, csv, json_lines };
+  enum class Format { found_out, csv, json_lines, candump, capture };
 
   Format format = Format::found_out;
   char separator = '\0';  ///< of CSV; '\0' for one to be found out
@@ -29,15 +29,18 @@ struct ImportOptions {
 struct Imported {
   std::uint64_t tables = 0;
   std::uint64_t rows = 0;
+  std::uint64_t buses = 0;
+  std::uint64_t frames = 0;
   std::uint64_t bad_lines = 0;
   std::vector<std::string> notes;  ///< what may not be as it was meant, as sentences
 };
 
-/// Makes a measurement file of the tables in text files, with a channel group for each. The files
-/// are read to find out the columns' types, and the rows that memory does not hold again.
+/// Makes a measurement file of the tables in text files, with a channel group for each, or of logs
+/// of buses, with a channel group for each kind of frame on each bus. Tables are read to find out
+/// the columns' types, and the rows that memory does not hold again; logs are read once.
 /// @throws ImportFailure; what the output has got is then no file.
-Imported importTables(const std::vector<std::string>& paths, const ImportOptions& options,
-                      mdf_writer::Plan& plan, mdf_writer::Output& output);
+Imported importFiles(const std::vector<std::string>& paths, const ImportOptions& options,
+                     mdf_writer::Plan& plan, mdf_writer::Output& output);
 
 }  // namespace mdf_tools
 

@@ -74,6 +74,21 @@ bool LineReader::extend() {
   return true;
 }
 
+std::size_t LineReader::take(char* bytes, std::size_t count) {
+  std::size_t taken = 0;
+  while (taken < count) {
+    begin_ = next_;
+    if (next_ == filled_ && !fill()) {
+      break;
+    }
+    const std::size_t part = std::min(count - taken, filled_ - next_);
+    std::memcpy(bytes + taken, &buffer_[next_], part);
+    next_ += part;
+    taken += part;
+  }
+  return taken;
+}
+
 /// Finds the end of the line, which has no end before an offset.
 bool LineReader::find(std::size_t from) {
   const std::size_t before = from - begin_;

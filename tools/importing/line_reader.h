@@ -32,6 +32,9 @@ class LineReader {
   /// Makes the next line a part of this one, with the line feed between them.
   bool extend();
 
+  /// Takes so many bytes that follow, or as many as there are, of a file that has no lines.
+  std::size_t take(char* bytes, std::size_t count);
+
   /// Gives the same line again at the call of next().
   void giveBack() {
     next_ = begin_;

@@ -8,6 +8,7 @@
 #include <limits>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "line_input.h"
 #include "markers.h"
@@ -23,7 +24,7 @@ constexpr std::int64_t second = 1'000'000'000;
 /// Lines on their way to a recording, which begins with the first sample.
 class LineRecording {
  public:
-  LineRecording(LineSource source, double duration, RecorderOptions options,
+  LineRecording(std::unique_ptr<SampleLines> source, double duration, RecorderOptions options,
                 const std::string& tool_version)
       : source_(std::move(source)),
         end_(duration > 0 ? std::llround(duration * 1e9)
@@ -38,6 +39,7 @@ class LineRecording {
       for (auto line = input_.next(); line && !isOver(); line = input_.next()) {
         take(*line);
       }
+      beginWhenReady();
       if (recorder_) {
         keepUp();
       }
@@ -52,7 +54,7 @@ class LineRecording {
   void take(std::string_view line) {
     ++lines_;
     try {
-      if (source_.take(line)) {
+      if (source_->take(line)) {
         append();
       }
     } catch (const UnfitLine& bad) {
@@ -64,24 +66,51 @@ class LineRecording {
   }
 
   void append() {
-    if (!source_.hasTimes()) {
-      source_.sample().nanoseconds = now_;
+    Sample& sample = source_->sample();
+    if (!source_->hasTimes()) {
+      sample.nanoseconds = now_;
     }
-    last_ = source_.sample().nanoseconds;
+    last_ = sample.nanoseconds;
     if (!recorder_) {
-      if (source_.origin() > 0) {
-        info_.start.nanoseconds = static_cast<std::uint64_t>(source_.origin() * 1e9);
-      }
-      info_.groups = {source_.signals()};
-      recorder_.emplace(options_, info_);
+      first_.push_back(sample);
+      begun_ = first_.size() == 1 ? now_ : begun_;
+      beginWhenReady();
+      return;
     }
-    recorder_->append(source_.sample());
+    if (sample.group >= recorder_->groups()) {
+      addGroups();
+    }
+    recorder_->append(sample);
+  }
+
+  /// A pipe takes no groups later, so those of the first second are waited for.
+  void beginWhenReady(bool is_last = false) {
+    const bool waits =
+        source_->canBringGroups() && options_.path == "-" && now_ < begun_ + second && !is_last;
+    if (recorder_ || first_.empty() || waits) {
+      return;
+    }
+    info_.start.nanoseconds = source_->start().value_or(info_.start.nanoseconds);
+    info_.groups = source_->groups();
+    recorder_.emplace(options_, info_);
+    for (const Sample& sample : first_) {
+      recorder_->append(sample);
+    }
+    first_ = {};
+  }
+
+  void addGroups() {
+    while (source_->groups().size() > recorder_->groups()) {
+      if (!recorder_->addGroup(source_->groups()[recorder_->groups()])) {
+        throw UnfitLine("a pipe takes no frames of a bus or a kind that comes after a second");
+      }
+    }
   }
 
   bool isOver() const { return recorder_ && recorder_->isOver(time()); }
 
   /// Of what is not a line.
-  std::int64_t time() const { return source_.hasTimes() ? last_ : now_; }
+  std::int64_t time() const { return source_->hasTimes() ? last_ : now_; }
 
   /// Markers, what lies in memory, and what people see.
   void keepUp() {
@@ -95,6 +124,7 @@ class LineRecording {
 
   void finish() {
     status_.end();
+    beginWhenReady(true);
     if (!recorder_) {
       throw UnusablePath("there is no sample on standard input; nothing was recorded");
     }
@@ -104,7 +134,7 @@ class LineRecording {
 
   std::string losses() const { return counted(bad_lines_, "line") + " left out"; }
 
-  LineSource source_;
+  std::unique_ptr<SampleLines> source_;
   std::int64_t end_;
   RecorderOptions options_;
   RecordingInfo info_;
@@ -112,6 +142,8 @@ class LineRecording {
   Markers markers_{-1};
   StatusLine status_;
   std::optional<Recorder> recorder_;
+  std::vector<Sample> first_;  ///< before there is one
+  std::int64_t begun_ = 0;     ///< when the first one of these came
   Clock::time_point start_ = Clock::now();
   std::int64_t now_ = 0;
   std::int64_t last_ = 0;  ///< the time of the last sample
@@ -122,8 +154,8 @@ class LineRecording {
 
 }  // namespace
 
-std::uint64_t recordLines(LineSource source, double duration, RecorderOptions options,
-                          const std::string& tool_version) {
+std::uint64_t recordLines(std::unique_ptr<SampleLines> source, double duration,
+                          RecorderOptions options, const std::string& tool_version) {
   Recorder::refuse(options);
   return LineRecording(std::move(source), duration, std::move(options), tool_version).run();
 }

@@ -196,8 +196,8 @@ void LineSource::settle(const Fields& fields) {
       continue;
     }
     const bool is_text = !fields[i].is_missing && !fields[i].number;
-    signals_.signals.push_back(is_text ? textSignal(columns_[i].name, columns_[i].unit)
-                                       : columns_[i]);
+    groups_.front().signals.push_back(is_text ? textSignal(columns_[i].name, columns_[i].unit)
+                                              : columns_[i]);
   }
   is_settled_ = true;
 }
@@ -225,7 +225,7 @@ void LineSource::put(const Fields& fields) {
     if (i == time_column_) {
       continue;
     }
-    const Signal& signal = signals_.signals[sample_.values.size()];
+    const Signal& signal = groups_.front().signals[sample_.values.size()];
     const Field& field = fields[i];
     if (!isText(signal) && !field.is_missing && !field.number) {
       throw UnfitLine("expected a number for \"" + signal.name + "\", found \"" + field.text + '"');

@@ -5,49 +5,40 @@
 #include <cstdint>
 #include <nlohmann/json_fwd.hpp>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "sample.h"
+#include "sample_lines.h"
 
 namespace mdf_tools {
-
-/// A line that is no sample. The message says why.
-class UnfitLine : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
 
 enum class LineForm { csv, json };
 
 /// Makes samples from lines: of CSV, the first line of which names the channels, with their units
 /// in brackets, or of JSON, an object each. The first sample settles which channels have numbers
 /// and which have texts.
-class LineSource {
+class LineSource : public SampleLines {
  public:
   /// @param time_name which of them holds the times, in seconds unless its unit says otherwise;
   /// empty for none.
   LineSource(LineForm form, std::string time_name)
       : form_(form), time_name_(std::move(time_name)) {}
 
-  /// Takes a line. True when it is a sample; false for the names and for an empty line.
-  /// @throws UnfitLine
+  /// False for the names and for an empty line.
   /// @throws BadOption when there is no channel with times, or one that is called as the file's.
-  bool take(std::string_view line);
+  bool take(std::string_view line) override;
 
   /// The channels, once there was a sample.
-  const SignalGroup& signals() const { return signals_; }
+  const std::vector<SignalGroup>& groups() const override { return groups_; }
+  bool canBringGroups() const override { return false; }
 
-  /// The last one, with its own time where it has one, in nanoseconds since origin().
-  Sample& sample() { return sample_; }
-
-  bool hasTimes() const { return !time_name_.empty(); }
-
-  /// What its times count from, in seconds since 1970; 0 when they count from any moment.
-  double origin() const { return origin_; }
+  Sample& sample() override { return sample_; }
+  bool hasTimes() const override { return !time_name_.empty(); }
+  std::optional<std::uint64_t> start() const override {
+    return origin_ > 0 ? std::optional(static_cast<std::uint64_t>(origin_ * 1e9)) : std::nullopt;
+  }
 
  private:
   struct Field {
@@ -73,10 +64,10 @@ class LineSource {
   std::vector<std::string> members_;  ///< of JSON: what they are called there
   std::size_t time_column_ = SIZE_MAX;
   double second_ = 1;  ///< in units of the times
-  double origin_ = 0;
+  double origin_ = 0;  ///< of the times, in seconds since 1970
   std::int64_t last_ = INT64_MIN;
   bool is_settled_ = false;
-  SignalGroup signals_{"standard input", {}, true};
+  std::vector<SignalGroup> groups_ = {{"standard input", {}, true}};
   Sample sample_;
 };
 

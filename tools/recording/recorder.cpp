@@ -126,6 +126,14 @@ void Recorder::append(const Sample& sample) {
   }
 }
 
+bool Recorder::addGroup(const SignalGroup& group) {
+  const bool is_added = file_->addGroup(group);
+  if (is_added) {
+    info_.groups.push_back(group);
+  }
+  return is_added;
+}
+
 /// Samples of lines have their numbers as texts, too.
 void Recorder::hold(Sample sample) {
   const std::vector<Signal>& signals = info_.groups[sample.group].signals;

@@ -43,6 +43,9 @@ class Recorder {
   Recorder(RecorderOptions options, RecordingInfo info);
 
   void append(const Sample& sample);
+  /// Adds a group that later samples are of; false where the file takes no more groups.
+  bool addGroup(const SignalGroup& group);
+  std::size_t groups() const { return info_.groups.size(); }
   void add(const mdf_writer::Event& event);
   void flush();
 

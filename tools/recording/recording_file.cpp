@@ -110,7 +110,22 @@ void RecordingFile::open(std::int64_t begin) {
 
 RecordingFile::~RecordingFile() = default;
 
+bool RecordingFile::addGroup(const SignalGroup& group) {
+  if (isOpen() && !output_->isSeekable()) {
+    return false;
+  }
+  add(group);
+  require(!isOpen() || recording_->addGroup(*groups_.back().group));
+  return true;
+}
+
 void RecordingFile::add(const SignalGroup& signals) {
+  if (signals.frames) {
+    auto frames = std::make_unique<BusGroup>(plan_, *signals.frames);
+    mdf_writer::Group& group = frames->group();
+    groups_.push_back({&group, {}, std::move(frames)});
+    return;
+  }
   Group group{&plan_.addGroup(signals.name), {}};
   for (const Signal& signal : signals.signals) {
     using mdf_v4_10::CNBLOCK;
@@ -136,6 +151,9 @@ void RecordingFile::add(const SignalGroup& signals) {
 void RecordingFile::append(const Sample& sample) {
   mdf_writer::Group& group = *groups_[sample.group].group;
   const std::vector<Channel>& channels = groups_[sample.group].channels;
+  if (sample.frame) {
+    groups_[sample.group].frames->set(sample.frame->frame, sample.frame->number);
+  }
   for (std::size_t i = 0; i < channels.size(); ++i) {
     std::visit(
         [&](const auto& channel) {

@@ -48,6 +48,11 @@ class RecordingFile {
   RecordingFile(const RecordingFile&) = delete;
   RecordingFile& operator=(const RecordingFile&) = delete;
 
+  /// Adds a group, which comes into the file with the next flush where it is open. False where it
+  /// takes no more groups, as standard output that is a pipe.
+  /// @throws RecordingFailure as append() does.
+  bool addGroup(const SignalGroup& group);
+
   /// Makes the file, before anything else is done with it.
   /// @param begin when it begins, in nanoseconds since the recording began.
   /// @throws UnusablePath where the system makes none.
@@ -85,6 +90,7 @@ class RecordingFile {
   struct Group {
     mdf_writer::Group* group;
     std::vector<Channel> channels;
+    std::unique_ptr<BusGroup> frames{};  ///< of a group of these
   };
   class Output;
 

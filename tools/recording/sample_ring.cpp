@@ -13,6 +13,7 @@ std::int64_t SampleRing::timeOf(const Entry& entry) {
 std::size_t SampleRing::bytesOf(const Entry& entry) {
   std::size_t bytes = sizeof entry;
   if (const auto* const sample = std::get_if<Sample>(&entry)) {
+    bytes += sample->frame ? sizeof(HeldFrame) + sample->frame->data.size() : 0;
     bytes += sample->values.size() * sizeof sample->values[0] + sample->is_missing.size() / 8;
     for (const std::string& text : sample->texts) {
       bytes += sizeof(std::string) + text.size();

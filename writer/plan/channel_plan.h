@@ -55,6 +55,8 @@ struct ChannelPlan : ChannelNotes {
   bool has_variable_length = false;  ///< the record holds 64 bits of offset; the value is apart
   Master master = mdf_v4_10::CNBLOCK::CN_SYNCTYPE_NONE;  ///< what it is the master of, if anything
   std::optional<std::uint32_t> invalidation_bit;         ///< which one says that a value is invalid
+  std::optional<std::uint32_t> first_member;  ///< of a structure: the channels from here to it
+  bool is_bus_event = false;                  ///< its values are events of a bus, such as frames
   Conversion conversion;
 
   /// Elements of an array; 1 where it is none.

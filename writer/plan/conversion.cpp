@@ -91,6 +91,12 @@ std::string faultOfParameters(const Conversion& conversion) {
   }
 }
 
+/// Whether numbers become texts, of which the last may be another conversion.
+bool hasTexts(CCBLOCK::MDF_CC_TYPE_t type) {
+  return type == CCBLOCK::CC_CONVTYPE_V2TEXT_SCALETAB ||
+         type == CCBLOCK::CC_CONVTYPE_VRANGE2TEXT_SCALETAB;
+}
+
 /// Whether the lists have the lengths that the type asks for, with one entry of a table at least.
 bool isComplete(const Conversion& conversion) {
   const std::size_t numbers = conversion.numbers.size();
@@ -172,6 +178,12 @@ Conversion texts(std::vector<std::pair<double, std::string>> entries,
   return conversion;
 }
 
+Conversion texts(std::vector<std::pair<double, std::string>> entries, Conversion otherwise) {
+  Conversion conversion = texts(std::move(entries), "");
+  conversion.rest.push_back(std::move(otherwise));
+  return conversion;
+}
+
 Conversion rangeTexts(std::vector<RangeEntry<std::string>> entries, const std::string& otherwise) {
   sortByKey(entries);
   Conversion conversion = made(CCBLOCK::CC_CONVTYPE_VRANGE2TEXT_SCALETAB);
@@ -208,6 +220,16 @@ Conversion textTexts(const std::vector<std::pair<std::string, std::string>>& ent
 std::string faultOf(const Conversion& conversion) {
   if (!isComplete(conversion)) {
     return "lacks parameters";
+  }
+  if (!conversion.rest.empty()) {
+    const Conversion& rest = conversion.rest.front();
+    if (!hasTexts(conversion.type) || conversion.rest.size() > 1 || !rest.texts.empty()) {
+      return "goes on with one that it cannot go on with";
+    }
+    const std::string fault = faultOf(rest);
+    if (!fault.empty()) {
+      return fault;
+    }
   }
   if (conversion.numbers.size() > longest_list || conversion.texts.size() > longest_list) {
     return "has more entries than a conversion block can count";

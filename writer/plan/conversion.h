@@ -16,6 +16,8 @@ struct Conversion {
   std::vector<double> numbers;     ///< the parameters, in the order in which the block holds them
   std::vector<std::string> texts;  ///< the texts that it refers to, in the block's order
   bool is_stated = false;          ///< false where the channel has none
+  std::vector<Conversion> rest{};  ///< at most one: what else becomes of other numbers than those
+                                   ///< with texts, in place of the last text
 };
 
 /// A range of stored values and what it becomes. Of integers the end belongs to the range, of
@@ -51,6 +53,9 @@ Conversion ranges(std::vector<RangeEntry<double>> entries, double otherwise);
 /// Texts for stored numbers, in any order. Other numbers become `otherwise`; where that is empty,
 /// they stay numbers.
 Conversion texts(std::vector<std::pair<double, std::string>> entries, const std::string& otherwise);
+
+/// The same where a conversion without texts says what becomes of other numbers.
+Conversion texts(std::vector<std::pair<double, std::string>> entries, Conversion otherwise);
 
 /// Texts for ranges of numbers that do not overlap, in any order; `otherwise` as for texts().
 Conversion rangeTexts(std::vector<RangeEntry<std::string>> entries, const std::string& otherwise);

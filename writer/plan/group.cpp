@@ -119,6 +119,23 @@ VariableChannel Group::addBytes(std::string name) {
   return {addVariable(std::move(name), CNBLOCK::CN_DATATYPE_BYTEARRAY, {})};
 }
 
+ChannelRef Group::addStructure(std::string name, const ChannelRef& first) {
+  ChannelPlan plan = named(std::move(name), "", {});
+  plan.type = CNBLOCK::CN_DATATYPE_BYTEARRAY;
+  plan.is_bus_event = is_bus_event;
+  if (first.group == this) {
+    plan.first_member = first.index;
+    plan.byte_offset = channels_[first.index].byte_offset;
+    std::uint64_t end = 0;
+    for (std::size_t i = first.index; i < channels_.size(); ++i) {
+      plan.byte_offset = std::min(plan.byte_offset, channels_[i].byte_offset);
+      end = std::max(end, endBit(channels_[i]));
+    }
+    plan.bits = 8 * (static_cast<std::uint32_t>((end + 7) / 8) - plan.byte_offset);
+  }
+  return addField(std::move(plan));
+}
+
 void Group::mayBeInvalid(const ChannelRef& channel) {
   if (channel.group != this || channels_[channel.index].invalidation_bit) {
     return;
@@ -212,8 +229,11 @@ std::string Group::fault() const {
     }
   }
   std::string fault = faultOfNames();
-  if (fault.empty()) {
+  if (fault.empty() && !has_shared_bits) {
     fault = faultOfPlaces();
+  }
+  if (fault.empty()) {
+    fault = faultOfMembers();
   }
   return fault.empty() ? "" : group + fault;
 }
@@ -239,7 +259,7 @@ std::string Group::faultOfNames() const {
 std::string Group::faultOfPlaces() const {
   std::vector<const ChannelPlan*> sorted;
   for (const ChannelPlan& channel : channels_) {
-    if (!channel.isVirtual()) {
+    if (!channel.isVirtual() && !channel.first_member) {
       sorted.push_back(&channel);
     }
   }
@@ -248,6 +268,25 @@ std::string Group::faultOfPlaces() const {
   for (std::size_t i = 1; i < sorted.size(); ++i) {
     if (firstBit(*sorted[i]) < endBit(*sorted[i - 1])) {
       return "channels \"" + sorted[i - 1]->name + "\" and \"" + sorted[i]->name + "\" overlap";
+    }
+  }
+  return "";
+}
+
+/// A channel is a member of one structure at most, which lies around it.
+std::string Group::faultOfMembers() const {
+  for (std::size_t i = 0; i < channels_.size(); ++i) {
+    const ChannelPlan& structure = channels_[i];
+    bool fits = !structure.first_member || *structure.first_member < i;
+    for (std::size_t k = structure.first_member.value_or(0);
+         structure.first_member && fits && k < i; ++k) {
+      const ChannelPlan& member = channels_[k];
+      fits = member.master == CNBLOCK::CN_SYNCTYPE_NONE &&
+             firstBit(member) >= firstBit(structure) && endBit(member) <= endBit(structure) &&
+             member.first_member.value_or(k) >= *structure.first_member;
+    }
+    if (!fits) {
+      return "structure \"" + structure.name + "\" has no members, or some that it does not hold";
     }
   }
   return "";

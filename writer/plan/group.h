@@ -64,9 +64,16 @@ class Group {
   std::string comment;
   Source source;
 
+  /// Its records are events of a bus, one each, such as frames. To be set before a structure is
+  /// added that is such an event.
+  bool is_bus_event = false;
+
   /// Lengths in seconds of intervals over which the records are condensed, too: for each of them
   /// the file gets a sample reduction, for viewers of long recordings. Needs the order of time.
   std::vector<double> reductions;
+
+  /// Whether channels may have bits in common, as those of multiplexed signals.
+  bool has_shared_bits = false;
 
   /// Numbers as the machine has them: integers of 8 to 64 bits, float, double.
   template <class T>
@@ -106,6 +113,10 @@ class Group {
   FixedChannel addBytes(std::string name, std::uint32_t bytes);
   VariableChannel addText(std::string name, Conversion conversion = {});
   VariableChannel addBytes(std::string name);
+
+  /// A channel of bytes that the channels from `first` to the last one added become members of, in
+  /// the order in which they were added.
+  ChannelRef addStructure(std::string name, const ChannelRef& first);
 
   /// A channel with everything stated, its place in the record, too. For records that are appended
   /// as bytes.
@@ -195,6 +206,7 @@ class Group {
   bool setBits(const ChannelRef& channel, std::uint64_t value, bool negative);
   std::string faultOfNames() const;
   std::string faultOfPlaces() const;
+  std::string faultOfMembers() const;
 
   std::string name_;
   Order order_;

@@ -75,23 +75,28 @@ std::string arrayBlock(const ChannelPlan& channel) {
 /// Puts blocks one after another, from the leaves to the root, so that each finds its links known.
 class Describer {
  public:
-  Describer(const Plan& plan, Layout layout) : plan_(plan), layout_(layout) {
+  Describer(const Plan& plan, Layout layout, std::uint64_t at)
+      : plan_(plan), layout_(layout), blocks_(at) {
     result_.groups.resize(plan.groups().size());
     giveRecordIds();
   }
 
   Description describe();
+  GroupDescription describeGroup(std::size_t group);
 
  private:
   void giveRecordIds();
   LINK addSource(const Source& source);
   LINK addConversion(const Conversion& conversion);
   LINK addReference(const std::string& text, bool is_default);
-  LINK addChannel(const ChannelPlan& channel, std::size_t index, LINK next, GroupPlaces& places);
+  LINK addChannel(const ChannelPlan& channel, std::size_t index, LINK next, LINK members,
+                  GroupPlaces& places);
+  LINK addChannels(const Group& group, std::size_t begin, std::size_t end, GroupPlaces& places);
   LINK addReductions(const Group& group, GroupPlaces& places);
   LINK addGroup(const Group& group, LINK next, GroupPlaces& places);
   LINK addValueGroup(GroupPlaces::Values& values, LINK next);
   LINK addDataGroup(LINK first_group, LINK next);
+  LINK addGroupApart(std::size_t index, LINK next);
   LINK addGroupsApart();
   LINK addGroupsTogether();
   void addHistory(HDBLOCK& header);
@@ -110,7 +115,7 @@ class Describer {
     std::vector<LINK> channels;
   };
 
-  Blocks blocks_{0};
+  Blocks blocks_;
   std::map<const Group*, GroupBlocks> group_blocks_;
   Description result_;
 };
@@ -157,7 +162,9 @@ LINK Describer::addConversion(const Conversion& conversion) {
   for (std::size_t i = 0; i < conversion.texts.size(); ++i) {
     const bool is_last = i + 1 == conversion.texts.size();
     const bool has_default = conversion.type != CCBLOCK::CC_CONVTYPE_TEXT2VTAB;
-    block.addReference(addReference(conversion.texts[i], is_last && has_default));
+    block.addReference(is_last && !conversion.rest.empty()
+                           ? addConversion(conversion.rest.front())
+                           : addReference(conversion.texts[i], is_last && has_default));
   }
   block.cc_vals = conversion.numbers;
   return blocks_.add(block);
@@ -198,7 +205,7 @@ CNBLOCK::MDF_CN_CHANNELTYPE_t typeOf(const ChannelPlan& channel) {
                                                      : CNBLOCK::CN_CHANNELTYPE_FIXEDLENGTH;
 }
 
-LINK Describer::addChannel(const ChannelPlan& channel, std::size_t index, LINK next,
+LINK Describer::addChannel(const ChannelPlan& channel, std::size_t index, LINK next, LINK members,
                            GroupPlaces& places) {
   CNBLOCK block(typeOf(channel), channel.master, channel.type, next, blocks_.addText(channel.name),
                 0);
@@ -206,9 +213,8 @@ LINK Describer::addChannel(const ChannelPlan& channel, std::size_t index, LINK n
   block.setCommentblock(blocks_.addComment("CNcomment", channel.comment));
   block.setSourceSiblock(addSource(channel.source));
   block.setConversionCcblock(addConversion(channel.conversion));
-  if (!channel.dimensions.empty()) {
-    block.setCompositionblock(blocks_.add(arrayBlock(channel)));
-  }
+  block.setCompositionblock(channel.dimensions.empty() ? members
+                                                       : blocks_.add(arrayBlock(channel)));
   block.setByteOffset(channel.byte_offset);
   block.setBitOffset(channel.bit_offset);
   block.setBitCount(channel.bits);
@@ -218,6 +224,7 @@ LINK Describer::addChannel(const ChannelPlan& channel, std::size_t index, LINK n
     block.setInvalidBitPos(*channel.invalidation_bit);
   }
   block.setMonotonousFlag(channel.master == CNBLOCK::CN_SYNCTYPE_TIME);
+  block.setBusEventFlag(channel.is_bus_event);
   GroupPlaces::Values* const values = places.valuesOf(index);
   if (values != nullptr) {
     block.setDatablock(static_cast<LINK>(values->group));
@@ -250,17 +257,36 @@ LINK Describer::addReductions(const Group& group, GroupPlaces& places) {
   return next;
 }
 
+/// The channels from one index to another that are a list. Members of a structure come before it
+/// and are a list of their own.
+LINK Describer::addChannels(const Group& group, std::size_t begin, std::size_t end,
+                            GroupPlaces& places) {
+  LINK next = 0;
+  for (std::size_t i = end; i-- > begin;) {
+    const std::size_t index = i;
+    const ChannelPlan& channel = group.channels()[index];
+    LINK members = 0;
+    if (channel.first_member) {
+      i = *channel.first_member;
+      members = addChannels(group, i, index, places);
+    }
+    next = addChannel(channel, index, next, members, places);
+    group_blocks_[&group].channels[index] = next;
+  }
+  return next;
+}
+
 LINK Describer::addGroup(const Group& group, LINK next, GroupPlaces& places) {
   GroupBlocks& blocks = group_blocks_[&group];
   blocks.channels.resize(group.channels().size());
-  LINK channel = 0;
-  for (std::size_t i = group.channels().size(); i-- > 0;) {
-    channel = addChannel(group.channels()[i], i, channel, places);
-    blocks.channels[i] = channel;
-  }
   CGBLOCK block;
   block.setNextCgblock(next);
-  block.setFirstCnblock(channel);
+  block.setFirstCnblock(addChannels(group, 0, group.channels().size(), places));
+  if (group.is_bus_event) {
+    block.setBusEventGroup(true);
+    block.setPlainBusEventChannelGroup(true);
+    block.setPathSeparator(CGBLOCK::CG_PATHSEPARATOR_POINT);
+  }
   block.setFirstSrblock(addReductions(group, places));
   block.setAcqTxNameblock(blocks_.addText(group.name()));
   block.setAcqSourceSiblock(addSource(group.source));
@@ -292,14 +318,23 @@ LINK Describer::addDataGroup(LINK first_group, LINK next) {
   return blocks_.add(DGBLOCK(next, first_group, 0, codes[result_.record_id_bytes]));
 }
 
+LINK Describer::addGroupApart(std::size_t index, LINK next) {
+  GroupPlaces& places = result_.groups[index];
+  const Group& group = plan_.groups()[index];
+  const LINK data_group = addDataGroup(addGroup(group, 0, places), next);
+  group_blocks_[&group].data_group = data_group;
+  places.data_link = at(data_group, placeOfLink(DGBLOCK::dg_data));
+  return data_group;
+}
+
 LINK Describer::addGroupsApart() {
   LINK next = 0;
   for (std::size_t i = result_.groups.size(); i-- > 0;) {
-    GroupPlaces& places = result_.groups[i];
-    const Group& group = plan_.groups()[i];
-    next = addDataGroup(addGroup(group, 0, places), next);
-    group_blocks_[&group].data_group = next;
-    places.data_link = at(next, placeOfLink(DGBLOCK::dg_data));
+    const bool is_last = next == 0;
+    next = addGroupApart(i, next);
+    if (is_last) {
+      result_.group_link = at(next, placeOfLink(DGBLOCK::dg_dg_next));
+    }
   }
   return next;
 }
@@ -397,6 +432,7 @@ Description Describer::describe() {
   header.setMDCommentblock(blocks_.addXml(
       xmlComment("HDcomment", xmlElement("TX", plan_.comment) + xmlProperties(plan_.properties))));
   addAttachments(header);
+  result_.group_link = IDBLOCK::IDBLOCK_SIZE + placeOfLink(HDBLOCK::hd_dg_first);
   header.setDGFirstblock(isTogether() ? addGroupsTogether() : addGroupsApart());
   header.setCHFirstblock(addHierarchy(plan_.hierarchy));
   result_.event_link = IDBLOCK::IDBLOCK_SIZE + placeOfLink(HDBLOCK::hd_ev_first);
@@ -410,8 +446,19 @@ Description Describer::describe() {
   return std::move(result_);
 }
 
+GroupDescription Describer::describeGroup(std::size_t group) {
+  const LINK data_group = addGroupApart(group, 0);
+  return {std::move(blocks_), data_group, std::move(result_.groups[group])};
+}
+
 }  // namespace
 
-Description describe(const Plan& plan, Layout layout) { return Describer(plan, layout).describe(); }
+Description describe(const Plan& plan, Layout layout) {
+  return Describer(plan, layout, 0).describe();
+}
+
+GroupDescription describe(const Plan& plan, std::size_t group, std::uint64_t at) {
+  return Describer(plan, Layout::apart, at).describeGroup(group);
+}
 
 }  // namespace mdf_writer

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "../plan/plan.h"
+#include "blocks.h"
 
 namespace mdf_writer {
 
@@ -60,12 +61,23 @@ struct Description {
   std::string finished_identification;
   unsigned record_id_bytes = 0;
   std::vector<GroupPlaces> groups;    ///< as in the plan
+  std::uint64_t group_link = 0;       ///< where the link to a data group after all others stands
   std::uint64_t event_link = 0;       ///< where the link to the first event stands
   std::uint64_t attachment_link = 0;  ///< and to the first attachment after those of the plan
 };
 
 /// The blocks that say what a plan says. Text that occurs again is stored once.
 Description describe(const Plan& plan, Layout layout);
+
+/// The blocks of a group in a data group of its own, which comes last and is placed last.
+struct GroupDescription {
+  Blocks blocks;
+  mdf_v4_10::LINK data_group;
+  GroupPlaces places;
+};
+
+/// The blocks of a group that is not described yet, from a place in the file on.
+GroupDescription describe(const Plan& plan, std::size_t group, std::uint64_t at);
 
 }  // namespace mdf_writer
 

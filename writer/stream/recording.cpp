@@ -80,6 +80,7 @@ void Recording::begin(Output& output) {
   description_ = describe(plan_, layout);
   makeStreams();
   if (output.isSeekable()) {
+    groups_.emplace(*storage_, description_.group_link);
     events_.emplace(*storage_, description_.event_link);
     attachments_.emplace(*storage_, description_.attachment_link);
   }
@@ -94,46 +95,70 @@ void Recording::begin(Output& output) {
 }
 
 void Recording::makeStreams() {
-  const bool is_together = description_.record_id_bytes > 0;
-  std::size_t longest =
-      std::clamp(options_.block_bytes, least_block_bytes,
-                 options_.packer == nullptr ? most_block_bytes : most_packed_bytes);
+  longest_ = std::clamp(options_.block_bytes, least_block_bytes,
+                        options_.packer == nullptr ? most_block_bytes : most_packed_bytes);
   for (Group& group : plan_.groups_) {
-    State state{};
-    state.group = &group;
-    state.places = description_.groups[group.index_];
-    state.data_bytes = group.dataBytes();
-    state.invalidation_bytes = group.invalidationBytes();
-    state.has_range = group.order_ == Group::Order::time;
-    state.is_plain = !is_together && state.data_bytes > 0 && state.invalidation_bytes == 0 &&
-                     state.places.values.empty() && group.reductions.empty();
-    longest = std::max(longest,
-                       description_.record_id_bytes + state.data_bytes + state.invalidation_bytes);
-    for (const GroupPlaces::Values& places : state.places.values) {
-      state.values.push_back({places});
-    }
-    states_.push_back(std::move(state));
+    addState(group, description_.groups[group.index_]);
+    longest_ = std::max(longest_, description_.record_id_bytes + states_.back().data_bytes +
+                                      states_.back().invalidation_bytes);
   }
   makeReductions();
   if (options_.packer != nullptr) {
-    packing_ = std::make_unique<Packing>(*options_.packer, DataStream::bufferBytes(longest));
+    packing_ = std::make_unique<Packing>(*options_.packer, DataStream::bufferBytes(longest_));
   }
   for (State& state : states_) {
-    const bool shares = is_together && !record_streams_.empty();
-    const std::size_t record_bytes = is_together ? 0 : state.data_bytes + state.invalidation_bytes;
-    state.stream = shares ? record_streams_.front()
-                          : addStream(state.places.data_link, DataStream::Kind::records, longest,
-                                      record_bytes);
-    if (!shares) {
-      record_streams_.push_back(state.stream);
-    }
-    for (Values& values : state.values) {
-      if (!is_together) {
-        values.own = addStream(values.places.data_link, DataStream::Kind::signal_data, longest, 0);
-        value_streams_.push_back(values.own);
-      }
+    addStreams(state);
+  }
+}
+
+void Recording::addState(Group& group, GroupPlaces places) {
+  State state{};
+  state.group = &group;
+  state.places = std::move(places);
+  state.data_bytes = group.dataBytes();
+  state.invalidation_bytes = group.invalidationBytes();
+  state.has_range = group.order_ == Group::Order::time;
+  state.is_plain = description_.record_id_bytes == 0 && state.data_bytes > 0 &&
+                   state.invalidation_bytes == 0 && state.places.values.empty() &&
+                   group.reductions.empty();
+  for (const GroupPlaces::Values& values : state.places.values) {
+    state.values.push_back({values});
+  }
+  states_.push_back(std::move(state));
+}
+
+void Recording::addStreams(State& state) {
+  const bool is_together = description_.record_id_bytes > 0;
+  const bool shares = is_together && !record_streams_.empty();
+  const std::size_t record_bytes = is_together ? 0 : state.data_bytes + state.invalidation_bytes;
+  state.stream =
+      shares ? record_streams_.front()
+             : addStream(state.places.data_link, DataStream::Kind::records, longest_, record_bytes);
+  if (!shares) {
+    record_streams_.push_back(state.stream);
+  }
+  for (Values& values : state.values) {
+    if (!is_together) {
+      values.own = addStream(values.places.data_link, DataStream::Kind::signal_data, longest_, 0);
+      value_streams_.push_back(values.own);
     }
   }
+}
+
+bool Recording::addGroup(Group& group) {
+  const bool can_come = !is_finished_ && groups_ && description_.record_id_bytes == 0 &&
+                        group.plan_ == &plan_ && group.index_ == states_.size();
+  const std::size_t record_bytes = std::size_t{group.dataBytes()} + group.invalidationBytes();
+  if (!can_come || !group.fault().empty() || !group.reductions.empty() || record_bytes > longest_) {
+    return false;
+  }
+  GroupDescription description = describe(plan_, group.index_, groups_->place());
+  if (!groups_->write(description.blocks, {description.data_group, description.data_group})) {
+    return fail();
+  }
+  addState(group, std::move(description.places));
+  addStreams(states_.back());
+  return true;
 }
 
 void Recording::makeReductions() {
@@ -316,8 +341,10 @@ bool Recording::show() {
 }
 
 bool Recording::showChains() {
-  const bool has_link = events_ && (events_->hasLinkToShow() || attachments_->hasLinkToShow());
-  return !has_link || (syncIfAsked() && events_->showLink() && attachments_->showLink());
+  const bool has_link = events_ && (groups_->hasLinkToShow() || events_->hasLinkToShow() ||
+                                    attachments_->hasLinkToShow());
+  return !has_link ||
+         (syncIfAsked() && groups_->showLink() && events_->showLink() && attachments_->showLink());
 }
 
 bool Recording::showAll(const std::vector<DataStream*>& streams) {

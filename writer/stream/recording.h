@@ -84,6 +84,12 @@ class Recording {
   /// Why not, as a sentence.
   const std::string& cause() const { return cause_; }
 
+  /// Makes a group a part of the file that was added to the plan after the recording had begun.
+  /// Such groups come in their order, with all their channels, and the next flush brings them into
+  /// the file. False when it was not taken: when its plan is wrong, it has sample reductions, its
+  /// records are longer than blocks, all groups share a data group, or the file takes no more.
+  bool addGroup(Group& group);
+
   /// Appends the group's record as it was set, at a time in nanoseconds since the start. False when
   /// it was not taken: when the file takes no more, or the group is not in the order of time. Where
   /// a flush after it failed, cause() and records() say whether it is in the file.
@@ -176,6 +182,8 @@ class Recording {
 
   void begin(Output& output);
   void makeStreams();
+  void addState(Group& group, GroupPlaces places);
+  void addStreams(State& state);
   void makeReductions();
   DataStream* addStream(std::uint64_t link_at, DataStream::Kind kind, std::size_t block_bytes,
                         std::size_t record_bytes);
@@ -220,7 +228,9 @@ class Recording {
   std::vector<DataStream*> value_streams_;   ///< in the order in which they are written
   std::vector<DataStream*> record_streams_;  ///< after those
   std::vector<DataStream*> reduction_streams_;
-  std::optional<Chain> events_;  ///< none as long as nothing can be added
+  std::size_t longest_ = 0;      ///< bytes of data in a block
+  std::optional<Chain> groups_;  ///< none as long as nothing can be added
+  std::optional<Chain> events_;
   std::optional<Chain> attachments_;
   std::string id_;  ///< of the record that is being put, as bytes
   std::int64_t last_flush_ = 0;

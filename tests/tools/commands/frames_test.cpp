@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "support/bytes.h"
-#include "tools/support/file_builder.h"
+#include "tools/support/bus_file.h"
 #include "tools/support/program.h"
 #include "tools/support/scratch_folder.h"
 #include "tools/support/temp_file.h"
@@ -14,72 +14,21 @@
 namespace mdf_tests {
 namespace {
 
-constexpr unsigned byte_array = 10;
-
-/// A structure over the bytes 8 to 29 of a record, after a time.
-ChannelSpec structureOf(FileBuilder& file, const std::string& name,
-                        const std::vector<ChannelSpec>& members) {
-  std::vector<std::uint64_t> blocks;
-  for (ChannelSpec member : members) {
-    member.name = name + '.' + member.name;
-    blocks.push_back(file.addChannel(member));
-  }
-  file.chain(blocks);
-  ChannelSpec structure = channelOf(name, byte_array, 8, 8 * 22);
-  structure.composition = blocks[0];
-  return structure;
-}
-
-ChannelSpec bitOf(const std::string& name, std::uint32_t byte, unsigned bit, std::uint32_t bits) {
-  ChannelSpec spec = channelOf(name, 0, byte, bits);
-  spec.bit_offset = bit;
-  return spec;
-}
-
-/// Bus at byte 8, identifier at 9, flags at 13, length at 14, data from 15 on.
-std::vector<ChannelSpec> canMembers() {
-  return {bitOf("BusChannel", 8, 0, 8),  bitOf("ID", 9, 0, 29),
-          bitOf("IDE", 12, 7, 1),        bitOf("Dir", 13, 0, 1),
-          bitOf("EDL", 13, 1, 1),        bitOf("BRS", 13, 2, 1),
-          bitOf("ESI", 13, 3, 1),        bitOf("ErrorType", 13, 4, 4),
-          bitOf("DataLength", 14, 0, 8), channelOf("DataBytes", byte_array, 15, 8 * 15)};
-}
-
-/// A record of 30 bytes.
-std::string record(double time, unsigned bus, std::uint32_t id, unsigned flags, unsigned length,
-                   const std::string& data) {
-  Bytes bytes;
-  bytes.f64(time).u8(static_cast<std::uint8_t>(bus)).u32(id);
-  bytes.u8(static_cast<std::uint8_t>(flags)).u8(static_cast<std::uint8_t>(length)).text(data);
-  return bytes.zeros(15 - data.size());
-}
-
-enum Flag : unsigned { sent = 1, fd = 2, rate_switch = 4, error_state = 8 };
-constexpr std::uint32_t extended = 0x80000000;
-constexpr std::uint16_t bus_event = 2;
-
-void addFrames(FileBuilder& file, const std::string& name, const std::vector<ChannelSpec>& members,
-               const std::string& records) {
-  GroupSpec group{records.size() / 30, 30};
-  group.flags = bus_event;
-  const ChannelSpec structure = structureOf(file, name, members);
-  file.addSortedGroup(group, {timeChannel(), structure}, file.addData(records));
-}
-
 /// Begun at 1700000000 s, with all kinds of frames.
 std::string busFile() {
   FileBuilder file;
   file.write(FileBuilder::header + 72, Bytes().u64(1700000000000000000));
-  addFrames(file, "CAN_DataFrame", canMembers(),
-            record(0.5, 1, 0x123, 0, 2, "\x12\x34\x56") +
-                record(1.5, 2, 0x18FEF100 | extended, sent | fd | rate_switch, 12, "abcdefghijkl") +
-                record(2, 1, 0x7FF, fd | error_state, 0, ""));
-  addFrames(file, "CAN_RemoteFrame", canMembers(), record(0.75, 1, 0x10, sent, 4, ""));
+  addFrames(
+      file, "CAN_DataFrame", canMembers(),
+      frameRecord(0.5, 1, 0x123, 0, 2, "\x12\x34\x56") +
+          frameRecord(1.5, 2, 0x18FEF100 | extended, sent | fd | rate_switch, 12, "abcdefghijkl") +
+          frameRecord(2, 1, 0x7FF, fd | error_state, 0, ""));
+  addFrames(file, "CAN_RemoteFrame", canMembers(), frameRecord(0.75, 1, 0x10, sent, 4, ""));
   addFrames(file, "CAN_ErrorFrame", canMembers(),
-            record(0.25, 1, 0, 3U << 4U, 0, "") + record(1.5, 2, 0, 5U << 4U, 0, ""));
-  addFrames(file, "CAN_OverloadFrame", canMembers(), record(1.75, 1, 0, 0, 0, ""));
-  addFrames(file, "LIN_Frame", canMembers(), record(1, 3, 0x2A, 0, 1, "\x7F"));
-  addFrames(file, "LIN_ChecksumError", canMembers(), record(3, 3, 0x2A, 0, 0, ""));
+            frameRecord(0.25, 1, 0, 3U << 4U, 0, "") + frameRecord(1.5, 2, 0, 5U << 4U, 0, ""));
+  addFrames(file, "CAN_OverloadFrame", canMembers(), frameRecord(1.75, 1, 0, 0, 0, ""));
+  addFrames(file, "LIN_Frame", canMembers(), frameRecord(1, 3, 0x2A, 0, 1, "\x7F"));
+  addFrames(file, "LIN_ChecksumError", canMembers(), frameRecord(3, 3, 0x2A, 0, 0, ""));
   return file.bytes();
 }
 
@@ -199,7 +148,7 @@ TEST(FramesCommand, ChoosesIdentifiersAndBuses) {
 /// Members without their structure's name; data of variable length; a length code; no bus.
 TEST(FramesCommand, ReadsUnsortedFramesOfVariableLength) {
   FileBuilder file;
-  ChannelSpec data = channelOf("DataBytes", byte_array, 13, 64);
+  ChannelSpec data = channelOf("DataBytes", 10, 13, 64);
   data.type = 1;
   const std::uint64_t values = file.addChannelGroup({2, 0, 0, 2, 1});
   data.data = values;
@@ -207,7 +156,7 @@ TEST(FramesCommand, ReadsUnsortedFramesOfVariableLength) {
                                               file.addChannel(channelOf("DLC", 0, 12, 8)),
                                               file.addChannel(data)};
   file.chain(members);
-  ChannelSpec structure = channelOf("CAN_DataFrame", byte_array, 8, 8 * 13);
+  ChannelSpec structure = channelOf("CAN_DataFrame", 10, 8, 8 * 13);
   structure.composition = members[0];
   GroupSpec group{2, 21, 0, 1};
   group.name = "CAN 4";
@@ -228,11 +177,11 @@ TEST(FramesCommand, ReadsUnsortedFramesOfVariableLength) {
 
 TEST(FramesCommand, SaysWhatIsNotInTheList) {
   FileBuilder file;
-  addFrames(
-      file, "CAN_DataFrame", canMembers(),
-      record(1, 1, 1, 0, 0, "") + record(std::numeric_limits<double>::quiet_NaN(), 1, 2, 0, 0, ""));
-  addFrames(file, "CAN_DataFrame", {bitOf("BusChannel", 8, 0, 8)}, record(1, 1, 1, 0, 0, ""));
-  addFrames(file, "FLX_Frame", canMembers(), record(1, 1, 1, 0, 0, ""));
+  addFrames(file, "CAN_DataFrame", canMembers(),
+            frameRecord(1, 1, 1, 0, 0, "") +
+                frameRecord(std::numeric_limits<double>::quiet_NaN(), 1, 2, 0, 0, ""));
+  addFrames(file, "CAN_DataFrame", {bitOf("BusChannel", 8, 0, 8)}, frameRecord(1, 1, 1, 0, 0, ""));
+  addFrames(file, "FLX_Frame", canMembers(), frameRecord(1, 1, 1, 0, 0, ""));
   const RunResult result = frames(file.bytes(), {"--format", "candump"});
   EXPECT_EQ(result.exit_code, 0);
   EXPECT_EQ(result.output, "(0000000001.000000) can1 001#\n");

@@ -56,7 +56,7 @@ std::string imported(const std::string& text, ImportOptions options) {
   mdf_writer::Plan plan;
   mdf_writer::FileOutput file(output, mdf_writer::Existing::keep);
   options.skips_bad_lines = true;
-  const Imported imported = importTables({(folder / "in.csv").string()}, options, plan, file);
+  const Imported imported = importFiles({(folder / "in.csv").string()}, options, plan, file);
   return std::to_string(imported.rows) + " rows, " + std::to_string(imported.bad_lines) +
          " bad lines\n" + run({"export", output}).output;
 }

@@ -20,8 +20,8 @@ std::string textOf(LineSource& source) {
     text << sample.nanoseconds << " ns:";
   }
   for (std::size_t i = 0; i < sample.values.size(); ++i) {
-    const bool is_text = source.signals().signals[i].bytes == 0;
-    text << ' ' << source.signals().signals[i].name << ' ';
+    const bool is_text = source.groups().front().signals[i].bytes == 0;
+    text << ' ' << source.groups().front().signals[i].name << ' ';
     if (sample.is_missing[i]) {
       text << '-';
     } else if (is_text) {

@@ -22,7 +22,8 @@ std::string firings(const std::string& condition, const std::vector<double>& val
   std::string text;
   for (const double value : values) {
     const auto bits = {bitsOf(static_cast<float>(value)),
-                       static_cast<mdf_v4_10::UINT64>(std::abs(value)), bitsOf(value)};
+                       std::isnan(value) ? 0 : static_cast<mdf_v4_10::UINT64>(std::abs(value)),
+                       bitsOf(value)};
     EXPECT_FALSE(trigger.fires({0, 0, {100}}));
     text += trigger.fires({1, 0, bits, {}, {false, false, value == 0}}) ? '1' : '0';
   }

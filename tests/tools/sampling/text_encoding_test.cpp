@@ -21,6 +21,22 @@ TEST(TextEncoding, Latin1) {
   EXPECT_EQ(fromLatin1(Bytes().text("a").zeros(1).text("b").str()), "a");
 }
 
+TEST(TextEncoding, Windows1252) {
+  EXPECT_EQ(fromWindows1252("\xB0"
+                            "C \x80 \x9F \x81"),
+            "\xC2\xB0"
+            "C \xE2\x82\xAC \xC5\xB8 \xC2\x81");
+}
+
+TEST(TextEncoding, WhetherBytesAreUtf8) {
+  EXPECT_TRUE(isUtf8(""));
+  EXPECT_TRUE(isUtf8("a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x9A\x97"));
+  EXPECT_FALSE(isUtf8("a\xE2\x82"));
+  EXPECT_FALSE(
+      isUtf8("\xB0"
+             "C"));
+}
+
 TEST(TextEncoding, Utf8IsKept) {
   const std::string text = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x9A\x97";
   EXPECT_EQ(fromUtf8(text), text);

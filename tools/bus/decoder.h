@@ -1,0 +1,85 @@
+#ifndef MDF_TOOLS_BUS_DECODER_H_
+#define MDF_TOOLS_BUS_DECODER_H_
+
+#include <mdf_writer/mdf_writer.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "message_group.h"
+#include "message_lookup.h"
+#include "reader/bus/bus_frame.h"
+
+namespace mdf_tools {
+
+/// Frames with one identifier on one bus.
+struct IdFrames {
+  std::string_view bus;  ///< lasts as long as the decoder
+  std::uint32_t id = 0;
+  bool is_extended = false;
+  std::uint64_t frames = 0;
+  std::size_t least_bytes = 0;  ///< of data, in the shortest frame
+  FoundMessage found;
+};
+
+/// Turns frames into records of their messages. All frames are counted first, so that it is known
+/// which groups there are; then they are recorded.
+class Decoder {
+ public:
+  /// @param lookup must last as long as the decoder.
+  explicit Decoder(const MessageLookup& lookup) : lookup_(lookup) {}
+  ~Decoder() = default;
+  Decoder(const Decoder&) = delete;  // names of buses point into it
+  Decoder& operator=(const Decoder&) = delete;
+
+  void count(const BusFrame& frame);
+
+  /// Adds a group for each message and bus to a plan, in the order of their first frames.
+  void plan(mdf_writer::Plan& plan);
+
+  /// Appends the record of a frame that has a message. False when the recording takes no more.
+  bool record(const BusFrame& frame, double time, mdf_writer::Recording& recording);
+
+  const std::vector<IdFrames>& ids() const { return ids_; }
+  /// Frames of CAN with other identifiers than those, of which there are too many.
+  std::uint64_t moreFrames() const { return more_frames_; }
+  /// Frames of other buses, and those without data.
+  std::uint64_t otherFrames() const { return other_frames_; }
+  std::size_t messages() const { return groups_.size(); }
+
+ private:
+  struct Known {
+    std::uint64_t key = UINT64_MAX;
+    std::uint32_t index = 0;
+  };
+
+  static constexpr std::size_t most_ids = std::size_t{1} << 16U;
+  static constexpr std::uint32_t none = UINT32_MAX;
+
+  std::uint64_t keyOf(const BusFrame& frame);
+  std::uint32_t indexOf(std::uint64_t key);
+  std::uint32_t add(const BusFrame& frame, std::uint64_t key);
+
+  const MessageLookup& lookup_;
+  std::map<std::string, std::uint64_t, std::less<>> buses_;
+  std::pair<std::string_view, std::uint64_t> last_bus_;
+  std::unordered_map<std::uint64_t, std::uint32_t> indices_;
+  std::array<Known, 4096> recent_;
+  std::vector<IdFrames> ids_;
+  std::vector<MessageGroup*> groups_of_ids_;
+  std::vector<std::unique_ptr<MessageGroup>> groups_;
+  std::uint64_t more_frames_ = 0;
+  std::uint64_t other_frames_ = 0;
+};
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_BUS_DECODER_H_

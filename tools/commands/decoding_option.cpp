@@ -1,0 +1,178 @@
+#include "decoding_option.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <iostream>
+#include <system_error>
+
+#include "bus/frame_writer.h"
+#include "command.h"
+#include "reader/bus/dbc_reader.h"
+#include "reader/bytes/input_file.h"
+#include "reader/bytes/nameless_file.h"
+#include "sample_options.h"
+
+namespace mdf_tools {
+
+namespace {
+
+constexpr std::uint64_t largest_database = std::uint64_t{1} << 28U;
+
+void complain(const std::string& sentence) { std::cerr << "mdf: " << sentence << '\n'; }
+
+std::string textOf(InputFile& file) {
+  std::string text;
+  forEachPiece(file, 0, file.size(), [&](std::string_view piece) { text += piece; });
+  return text;
+}
+
+/// "car.dbc@can1" as a path and a bus. A file may have an @ in its name.
+NamedDatabase namedAs(const std::string& word) {
+  std::error_code none;
+  const std::size_t sign =
+      std::filesystem::exists(word, none) ? std::string::npos : word.rfind('@');
+  NamedDatabase named;
+  named.path = word.substr(0, sign);
+  named.bus = sign == std::string::npos ? "" : word.substr(sign + 1);
+  return named;
+}
+
+int readDatabase(NamedDatabase& named) {
+  InputFile file(named.path);
+  if (!file.problem().empty()) {
+    complain(file.problem());
+    return exit_unusable;
+  }
+  if (file.size() > largest_database) {
+    complain(file.name() + ": expected a database of at most 256 MiB, found one of " +
+             std::to_string(file.size()) + " bytes");
+    return exit_unusable;
+  }
+  int exit_code = exit_fine;
+  named.database = readDbc(textOf(file), [&](const TextFault& fault) {
+    complain(file.name() + ':' + std::to_string(fault.line) + ':' + std::to_string(fault.column) +
+             ": " + fault.sentence);
+    exit_code = exit_problem;
+  });
+  if (named.database.messages.empty()) {
+    complain(file.name() + ": expected messages, found none");
+    exit_code = exit_unusable;
+  }
+  return exit_code;
+}
+
+std::string countedFrames(std::uint64_t count) {
+  return std::to_string(count) + (count == 1 ? " frame" : " frames");
+}
+
+std::string wordOf(const UnknownId& id) {
+  BusFrame frame;
+  frame.id = id.id;
+  frame.is_extended = id.is_extended;
+  return id.bus + ' ' + idText(frame) + " (" + std::to_string(id.frames) + ')';
+}
+
+/// Decodes a file into one without a name.
+/// @throws CannotDecode
+Descriptor decodedFile(const FileContext& context, const Decoding& decoding, Decoded& decoded) {
+  Descriptor descriptor = namelessFile(folderForFiles());
+  if (descriptor.number() < 0) {
+    throw CannotDecode("cannot make a file in " + folderForFiles() + ": " +
+                       std::generic_category().message(errno));
+  }
+  mdf_writer::FileOutput output(descriptor.number());
+  mdf_writer::Plan plan;
+  decoded = decode({{context.file, context.report, notesOf(context)}}, decoding, plan, output, {});
+  return descriptor;
+}
+
+/// Does the work on the signals of a file; returns the exit code.
+int onSignals(const FileContext& context, const Decoding& decoding,
+              const std::function<void(const FileContext&)>& work) {
+  Decoded decoded;
+  try {
+    const Descriptor descriptor = decodedFile(context, decoding, decoded);
+    noteUnknown(decoded, notesOf(context));
+    if (decoded.files_with_frames == 0) {
+      context.say("no channel group holds frames of CAN or LIN");
+      return exit_problem;
+    }
+    InputFile file("/proc/self/fd/" + std::to_string(descriptor.number()), context.file.name());
+    if (!file.problem().empty()) {
+      throw CannotDecode(file.problem());
+    }
+    work({file, context.out, context.report, context.say, context.path, context.is_one_of_several,
+          context.progress});
+  } catch (const CannotDecode& error) {
+    context.say(error.what());
+    return exit_problem;
+  }
+  return exit_fine;
+}
+
+}  // namespace
+
+std::shared_ptr<DecodingRequest> addDecodingOptions(CLI::App& command) {
+  auto request = std::make_shared<DecodingRequest>();
+  CLI::Option* const databases =
+      command
+          .add_option("--dbc", request->databases,
+                      "The signals of CAN frames by this database, in place of the file's "
+                      "channels; @BUS for one bus; may be repeated")
+          ->type_name("FILE[@BUS]")
+          ->allow_extra_args(false);
+  command
+      .add_flag("--j1939", request->is_j1939,
+                "Of identifiers of 29 bits, the parameter group alone counts")
+      ->needs(databases);
+  return request;
+}
+
+ReadDecoding readDatabases(const DecodingRequest& request) {
+  ReadDecoding read{{{}, request.is_j1939}, exit_fine};
+  for (const std::string& word : request.databases) {
+    read.decoding.databases.push_back(namedAs(word));
+    read.exit_code = std::max(read.exit_code, readDatabase(read.decoding.databases.back()));
+  }
+  return read;
+}
+
+void noteUnknown(const Decoded& decoded, const NoteSink& note) {
+  constexpr std::size_t most = 8;
+  if (decoded.other_frames > 0) {
+    note(countedFrames(decoded.other_frames) + " of LIN, or without data, " +
+         (decoded.other_frames == 1 ? "is" : "are") + " not decoded");
+  }
+  if (decoded.unknown_frames == 0) {
+    return;
+  }
+  std::string words;
+  for (std::size_t i = 0; i < std::min(most, decoded.unknown.size()); ++i) {
+    words += (i == 0 ? ": " : ", ") + wordOf(decoded.unknown[i]);
+  }
+  const std::size_t more = decoded.unknown.size() - std::min(most, decoded.unknown.size());
+  if (more > 0) {
+    words += " and " + std::to_string(more) + " more identifiers";
+  }
+  note(countedFrames(decoded.unknown_frames) + " of messages that no database describes " +
+       (decoded.unknown_frames == 1 ? "is" : "are") + " not decoded" + words);
+}
+
+int onEachFile(const std::vector<std::string>& paths, const DecodingRequest& request,
+               const std::function<void(const FileContext&)>& work) {
+  if (request.databases.empty()) {
+    return onEachFile(paths, work);
+  }
+  ReadDecoding read = readDatabases(request);
+  if (read.exit_code == exit_unusable) {
+    return read.exit_code;
+  }
+  const int reading = onEachFile(paths, [&](const FileContext& context) {
+    read.exit_code = std::max(read.exit_code, onSignals(context, read.decoding, work));
+  });
+  return std::max(read.exit_code, reading);
+}
+
+}  // namespace mdf_tools
