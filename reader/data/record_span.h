@@ -28,8 +28,8 @@ struct RecordSpan {
 
   /// Each so many-th of them, from the first one on.
   RecordSpan every(std::size_t times) const {
-    return {bytes, size,          step * times, count == 0 ? 0 : (count - 1) / times + 1,
-            first, stride * times};
+    const std::size_t chosen = count == 0 ? 0 : (count - 1) / times + 1;
+    return {bytes, size, chosen > 1 ? step * times : step, chosen, first, stride * times};
   }
 };
 
