@@ -130,6 +130,7 @@ int decodeTo(mdf_writer::Output& output, const Request& request, const Decoding&
   const int reading =
       onAll(*request.tables.paths, [&](const std::vector<const FileContext*>& contexts) {
         std::vector<FrameSource> sources;
+        sources.reserve(contexts.size());
         for (const FileContext* const context : contexts) {
           sources.push_back({context->file, context->report, notesOf(*context)});
         }

@@ -226,7 +226,7 @@ std::string faultOf(const Conversion& conversion) {
     if (!hasTexts(conversion.type) || conversion.rest.size() > 1 || !rest.texts.empty()) {
       return "goes on with one that it cannot go on with";
     }
-    const std::string fault = faultOf(rest);
+    std::string fault = faultOf(rest);
     if (!fault.empty()) {
       return fault;
     }
