@@ -42,7 +42,7 @@ std::uint64_t Decoder::keyOf(const BusFrame& frame) {
 
 std::uint32_t Decoder::indexOf(std::uint64_t key) {
   constexpr std::uint64_t spread = 0x9E3779B97F4A7C15;
-  Known& known = recent_[(key * spread) >> 52U];
+  Known& known = recent_[static_cast<std::size_t>((key * spread) >> 52U)];
   if (known.key != key) {
     const auto found = indices_.find(key);
     if (found == indices_.end()) {
