@@ -12,6 +12,7 @@
 #include "memory_file.h"
 #include "output_check.h"
 #include "pictures/chart.h"
+#include "printing/json_output.h"
 #include "printing/statistics.h"
 #include "printing/table_writers.h"
 #include "reader/blocks/finding.h"

@@ -11,6 +11,7 @@
 #include "printing/info.h"
 #include "printing/listing.h"
 #include "reader/summary/file_json.h"
+#include "reader/summary/json.h"
 #include "targets.h"
 
 namespace mdf_fuzz {

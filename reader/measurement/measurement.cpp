@@ -13,6 +13,7 @@
 #include "../summary/channel_json.h"
 #include "../summary/conversion_json.h"
 #include "../summary/file_json.h"
+#include "../summary/json.h"
 
 namespace mdf_reader {
 

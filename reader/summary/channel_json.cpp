@@ -1,6 +1,7 @@
 #include "channel_json.h"
 
 #include "../blocks/block_fields.h"
+#include "json.h"
 #include "names.h"
 
 namespace mdf_reader {

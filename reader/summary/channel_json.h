@@ -9,7 +9,7 @@
 
 #include "../data/record_count.h"
 #include "../model/description.h"
-#include "json.h"
+#include "json_type.h"
 
 namespace mdf_reader {
 

@@ -8,6 +8,7 @@
 #include "../bytes/number_texts.h"
 #include "../model/texts.h"
 #include "framework/wire.h"
+#include "json.h"
 #include "names.h"
 
 namespace mdf_reader {

@@ -7,7 +7,7 @@
 #include <unordered_map>
 
 #include "../bytes/work_budget.h"
-#include "json.h"
+#include "json_type.h"
 
 namespace mdf_reader {
 

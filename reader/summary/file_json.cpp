@@ -4,6 +4,7 @@
 #include <string>
 
 #include "../bytes/input_file.h"
+#include "json.h"
 #include "names.h"
 #include "stored_time.h"
 

@@ -2,7 +2,7 @@
 #define MDF_READER_SUMMARY_FILE_JSON_H_
 
 #include "file_summary.h"
-#include "json.h"
+#include "json_type.h"
 
 namespace mdf_reader {
 

@@ -4,15 +4,9 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "json_type.h"
+
 namespace mdf_reader {
-
-/// An object whose members stay in the order in which they were added. A value of an enumeration
-/// is its name, and "..._number" beside it the number that the file has. What is not known is null.
-using Json = nlohmann::ordered_json;
-
-/// What "schema" says in every document and every line. It grows when members are renamed or
-/// removed, or change their meaning; new members may come at any time.
-inline constexpr int json_schema = 2;
 
 /// A text that is "" where it is not known.
 inline Json textOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }

@@ -21,6 +21,7 @@
 #include "reader/bytes/input_file.h"
 #include "reader/columns/tables.h"
 #include "reader/summary/file_json.h"
+#include "reader/summary/json.h"
 #include "tools/samples/sample.h"
 
 using namespace mdf_tests;

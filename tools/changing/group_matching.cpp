@@ -8,9 +8,11 @@
 #include <string>
 #include <string_view>
 
+#include "file_describer.h"
 #include "group_facts.h"
 #include "linear.h"
 #include "pairing.h"
+#include "printing/json_output.h"
 #include "reader/bytes/digest.h"
 #include "reader/bytes/printable.h"
 
@@ -80,7 +82,7 @@ std::string conversionsOf(JoinInput& input, const ChannelGroup& group) {
       std::memcpy(&factor, &linear->factor, sizeof factor);
       key << "linear" << factor;
     } else {
-      key << input.describer.conversion(channel);
+      key << input.describer->conversion(channel);
     }
   }
   return key.digest();
@@ -178,7 +180,7 @@ std::vector<std::string> Matching::keysOf(const GroupSource& source) {
     key << std::uint64_t{source.file} << std::uint64_t{group.index};
   }
   const std::string digest = key.digest();
-  return {digest + jsonLine(input.describer.source(group.source)), digest};
+  return {digest + jsonLine(input.describer->source(group.source)), digest};
 }
 
 /// Says why a group does not go on in one of its name.

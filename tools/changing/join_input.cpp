@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "copy_failure.h"
+#include "file_describer.h"
 #include "reader/bytes/input_file.h"
 
 namespace mdf_tools {
@@ -15,10 +16,12 @@ JoinInput::JoinInput(InputFile& input, std::string called, const FindingSink& si
       description(readDescription(input, sink)),
       data(input),
       conversions(input, sink),
-      describer(input, sink) {
+      describer(std::make_unique<FileDescriber>(input, sink)) {
   if (blocks.table().size() == 0) {
     throw CopyFailure(name + " has no header block");
   }
 }
+
+JoinInput::~JoinInput() = default;
 
 }  // namespace mdf_tools

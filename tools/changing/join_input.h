@@ -4,12 +4,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "block_copy.h"
-#include "file_describer.h"
 #include "reader/data/data_file.h"
 #include "reader/model/description.h"
 #include "reader/values/conversion.h"
@@ -18,9 +18,14 @@ namespace mdf_tools {
 
 using namespace mdf_reader;
 
+class FileDescriber;
+
 /// One of the files that become one. What it is given must outlast it.
 struct JoinInput {
   JoinInput(InputFile& input, std::string called, const FindingSink& sink);
+  ~JoinInput();
+  JoinInput(const JoinInput&) = delete;
+  JoinInput& operator=(const JoinInput&) = delete;
 
   InputFile& file;
   std::string name;
@@ -29,7 +34,7 @@ struct JoinInput {
   Description description;
   DataFile data;
   Conversions conversions;
-  FileDescriber describer;
+  std::unique_ptr<FileDescriber> describer;
   std::int64_t later = 0;  ///< than the joined file begins, in nanoseconds
   /// Which of the joined groups the records of a channel group go to, by the group's offset.
   std::unordered_map<std::uint64_t, std::size_t> joined{};

@@ -7,6 +7,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "file_describer.h"
 #include "file_frame.h"
 #include "fileblocks/evblock.h"
 #include "fileblocks/hdblock.h"
@@ -57,7 +58,7 @@ EventTime laterBy(std::int64_t nanoseconds, const EventTime& time) {
 /// What the entries of a list say, in their order.
 std::vector<std::string> keysOf(JoinInput& input, const std::string& list) {
   std::vector<std::string> keys;
-  for (const ListEntry& entry : input.describer.list(list, input.description.header, {})) {
+  for (const ListEntry& entry : input.describer->list(list, input.description.header, {})) {
     const bool is_unknown = list == "attachments" && entry.members["embedded"] == true &&
                             entry.members["md5"].is_null();
     keys.push_back(is_unknown ? "" : entry.key + '\0' + jsonLine(entry.members));

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "printing/json_output.h"
+
 namespace mdf_tools {
 
 namespace {

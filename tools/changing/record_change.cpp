@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "copy_failure.h"
+#include "file_describer.h"
 #include "framework/wire.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/bytes/input_file.h"
@@ -167,8 +168,8 @@ void GroupChange::addVirtual(std::size_t channel) {
   }
   const auto has_same_conversion = [&](std::size_t source) {
     const GroupSource& home = sources_[0];
-    return inputs_[home.file].describer.conversion(first) ==
-           inputs_[sources_[source].file].describer.conversion(channelOf(source, channel));
+    return inputs_[home.file].describer->conversion(first) ==
+           inputs_[sources_[source].file].describer->conversion(channelOf(source, channel));
   };
   bool are_same = true;
   for (std::size_t source = 1; source < sources_.size(); ++source) {

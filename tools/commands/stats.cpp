@@ -8,6 +8,7 @@
 #include "decoding_option.h"
 #include "file_command.h"
 #include "measuring/table_meter.h"
+#include "printing/json_output.h"
 #include "printing/statistics.h"
 #include "printing/style.h"
 #include "printing/text_table.h"

@@ -3,6 +3,7 @@
 #include <array>
 #include <unordered_map>
 
+#include "printing/json_output.h"
 #include "reader/bytes/input_file.h"
 
 namespace mdf_tools {

@@ -8,7 +8,7 @@
 
 #include "printing/block_summary.h"
 #include "printing/block_tree.h"
-#include "printing/json_output.h"
+#include "reader/summary/json_type.h"
 
 namespace mdf_tools {
 
@@ -62,7 +62,7 @@ void addGraph(GraphPicture& picture, const BlockGraph& graph, const std::string&
 std::string dotOf(const GraphPicture& picture);
 
 /// The graph as an object for programs.
-Json graphAsJson(const BlockGraph& graph);
+mdf_reader::Json graphAsJson(const BlockGraph& graph);
 
 }  // namespace mdf_tools
 

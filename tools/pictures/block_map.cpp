@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "block_family.h"
+#include "printing/json_output.h"
 #include "reader/blocks/raw_block.h"
 #include "reader/blocks/walk.h"
 #include "reader/bytes/input_file.h"

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "printing/json_output.h"
 #include "reader/blocks/finding.h"
+#include "reader/summary/json_type.h"
 
 namespace mdf_reader {
 class InputFile;
@@ -60,7 +60,7 @@ std::string mapPart(const BlockMap& map, const std::string& title, const std::st
 std::string mapPicture(const std::string& parts);
 
 /// The sums as an object for programs.
-Json mapAsJson(const BlockMap& map);
+mdf_reader::Json mapAsJson(const BlockMap& map);
 
 }  // namespace mdf_tools
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "json_output.h"
 #include "mdf_v4_10.h"
 #include "reader/blocks/block_fields.h"
 #include "reader/blocks/later_types.h"

@@ -7,10 +7,10 @@
 #include <string_view>
 #include <vector>
 
-#include "json_output.h"
 #include "reader/blocks/raw_block.h"
 #include "reader/data/record_facts.h"
 #include "reader/model/channel_names.h"
+#include "reader/summary/json_type.h"
 
 namespace mdf_tools {
 
@@ -38,7 +38,7 @@ struct BlockSummary {
 };
 
 /// Adds name and facts to an object for programs.
-void addSummary(const BlockSummary& summary, Json& object);
+void addSummary(const BlockSummary& summary, mdf_reader::Json& object);
 
 /// What blocks do not say themselves.
 struct FileFacts {

@@ -7,6 +7,7 @@
 #include <utility>
 #include <variant>
 
+#include "json_output.h"
 #include "reader/columns/column_data.h"
 #include "text_table.h"
 

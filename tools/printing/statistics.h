@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "json_output.h"
 #include "measuring/statistics.h"
+#include "reader/summary/json_type.h"
 
 namespace mdf_tools {
 
@@ -14,7 +14,7 @@ namespace mdf_tools {
 void printStatistics(const std::vector<TableStatistics>& tables, std::ostream& out);
 
 /// The same of one table for programs.
-Json statisticsAsJson(const std::string& file, const TableStatistics& table);
+mdf_reader::Json statisticsAsJson(const std::string& file, const TableStatistics& table);
 
 }  // namespace mdf_tools
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "drawn_file.h"
+#include "printing/json_output.h"
 #include "support/allocation_counter.h"
 #include "support/bytes.h"
 #include "tools/support/file_builder.h"

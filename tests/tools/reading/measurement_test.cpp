@@ -12,6 +12,7 @@
 #include "mdf_reader/mdf_reader.h"
 #include "reader/bytes/input_file.h"
 #include "reader/summary/file_json.h"
+#include "reader/summary/json.h"
 #include "support/bytes.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/small_file.h"
