@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <exception>
@@ -7,14 +6,17 @@
 #include <string_view>
 #include <vector>
 
+#include "command_line/command_line.h"
 #include "commands/command.h"
 #include "commands/completion.h"
+
+using mdf_tools::CommandLine;
 
 namespace {
 
 /// What is wrong with the words that name a command; "" for nothing.
 /// @param before the words before, each followed by a blank, that name what has these commands
-std::string wrongCommand(const CLI::App& app, const std::string& before,
+std::string wrongCommand(const CommandLine& app, const std::string& before,
                          const std::vector<std::string>& words) {
   const std::string named_before = before.substr(0, before.find_last_of(' '));
   const std::string after = before.empty() ? "" : " after \"" + named_before + '"';
@@ -26,20 +28,18 @@ std::string wrongCommand(const CLI::App& app, const std::string& before,
   if (!word.empty() && word.front() == '-') {
     return "";
   }
-  const auto named =
-      app.get_subcommands([&](const CLI::App* command) { return command->check_name(word); });
-  if (named.empty()) {
+  const auto named = app.findCommand(word);
+  if (!named) {
     return "unknown command \"" + before + word + '"' + advice;
   }
-  const bool is_whole = named.front()->get_require_subcommand_min() == 0;
-  return is_whole
-             ? ""
-             : wrongCommand(*named.front(), before + word + ' ', {words.begin() + 1, words.end()});
+  return named->requiresCommand()
+             ? wrongCommand(*named, before + word + ' ', {words.begin() + 1, words.end()})
+             : "";
 }
 
 struct Command {
   std::string_view name;
-  void (*add)(CLI::App& app, int& exit_code);
+  void (*add)(CommandLine& program);
 };
 
 constexpr std::array<Command, 18> commands = {{
@@ -65,12 +65,12 @@ constexpr std::array<Command, 18> commands = {{
 
 /// Adds the command that a word names, or else all: on a small file, the options of the others
 /// would take longer than the work.
-void addCommands(CLI::App& app, std::string_view word, int& exit_code) {
+void addCommands(CommandLine& program, std::string_view word) {
   const bool is_one = std::any_of(commands.begin(), commands.end(),
                                   [&](const Command& each) { return each.name == word; });
   for (const Command& command : commands) {
     if (!is_one || command.name == word) {
-      command.add(app, exit_code);
+      command.add(program);
     }
   }
 }
@@ -81,29 +81,26 @@ int complain(const std::string& sentence) {
 }
 
 int run(int argc, char** argv) {
-  CLI::App app("Record, inspect, check, repair, draw, export and import ASAM MDF 4 files.", "mdf");
-  app.set_version_flag("--version", "mdf " MDF_PROGRAM_VERSION);
-  app.require_subcommand(1);
-  app.footer("Run 'mdf COMMAND --help' for what a command does, with examples.");
+  CommandLine program("mdf",
+                      "Record, inspect, check, repair, draw, export and import ASAM MDF 4 files.");
+  program.addVersion("mdf " MDF_PROGRAM_VERSION);
+  program.requireCommand();
+  program.footer("Run 'mdf COMMAND --help' for what a command does, with examples.");
 
-  int exit_code = mdf_tools::exit_fine;
-  addCommands(app, argc > 1 ? argv[1] : "", exit_code);
+  addCommands(program, argc > 1 ? argv[1] : "");
   if (argc > 1 && std::string(argv[1]) == "--complete") {
-    mdf_tools::complete(app, {argv + 2, argv + argc}, std::cout);
-    return exit_code;
+    mdf_tools::complete(program, {argv + 2, argv + argc}, std::cout);
+    return mdf_tools::exit_fine;
   }
-  const std::string wrong = wrongCommand(app, "", {argv + std::min(argc, 1), argv + argc});
+  const std::string wrong = wrongCommand(program, "", {argv + std::min(argc, 1), argv + argc});
   if (!wrong.empty()) {
     return complain(wrong);
   }
   try {
-    app.parse(argc, argv);
-  } catch (const CLI::Success& request) {  // --help, --version
-    return app.exit(request);
-  } catch (const CLI::ParseError& error) {
-    return complain(error.what());
+    return program.run(argc, argv);
+  } catch (const mdf_tools::Refusal& refusal) {
+    return complain(refusal.what());
   }
-  return exit_code;
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include "block_type_option.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <string>
 #include <string_view>
@@ -27,15 +26,11 @@ std::string upperCase(std::string letters) {
 
 }  // namespace
 
-CLI::Validator isBlockType() {
-  return CLI::Validator(
-      [](std::string& letters) {
-        letters = upperCase(letters);
-        return isKnownType(letters) ? std::string()
-                                    : "there is no block type \"" + letters +
-                                          "\"; types have two letters, such as CN or CC";
-      },
-      "");
+std::string expectBlockType(std::string& letters) {
+  letters = upperCase(letters);
+  return isKnownType(letters) ? std::string()
+                              : "there is no block type \"" + letters +
+                                    "\"; types have two letters, such as CN or CC";
 }
 
 }  // namespace mdf_tools

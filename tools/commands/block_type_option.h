@@ -1,14 +1,12 @@
 #ifndef MDF_TOOLS_COMMANDS_BLOCK_TYPE_OPTION_H_
 #define MDF_TOOLS_COMMANDS_BLOCK_TYPE_OPTION_H_
 
-namespace CLI {
-class Validator;
-}
+#include <string>
 
 namespace mdf_tools {
 
-/// Turns small letters into capitals, and refuses what is not a block type.
-CLI::Validator isBlockType();
+/// Turns small letters into capitals; returns what is wrong if they are no block type.
+std::string expectBlockType(std::string& letters);
 
 }  // namespace mdf_tools
 

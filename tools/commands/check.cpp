@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <iostream>
@@ -9,6 +8,7 @@
 
 #include "checking/file_check.h"
 #include "command.h"
+#include "command_line/command_line.h"
 #include "file_command.h"
 #include "printing/json_output.h"
 #include "printing/style.h"
@@ -115,7 +115,7 @@ int check(const std::vector<std::string>& paths, bool as_json) {
 int explain(const std::string& word) {
   const CodeText* const code = findCode(word);
   if (code == nullptr) {
-    throw CLI::ValidationError("there is no code \"" + word + "\"; 'mdf check --codes' lists them");
+    throw Refusal("there is no code \"" + word + "\"; 'mdf check --codes' lists them");
   }
   std::ostringstream text;
   text << code->word << " (" << severityWord(code->severity) << "): " << code->title << ".\n\n"
@@ -156,31 +156,31 @@ Exit code: 0 fine (notes at most), 1 errors or warnings, 2 wrong arguments or un
 
 }  // namespace
 
-void addCheckCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("check", "Find out what is wrong with files");
+void addCheckCommand(CommandLine& program) {
+  CommandLine command = program.addCommand("check", "Find out what is wrong with files");
   const auto options = std::make_shared<CheckOptions>();
-  const auto paths = addFileArguments(*command);
-  command->get_option("FILE")->required(false);
-  command->add_flag(
-      "--json", options->as_json,
-      "Print an object a line, with schema, file, code, severity, offset, path, text");
+  const auto paths = addFileArguments(command);
+  command.option("FILE").required(false);
+  command.addFlag("--json", options->as_json,
+                  "Print an object a line, with schema, file, code, severity, offset, path, text");
   command
-      ->add_option("--explain", options->explained,
-                   "Print what a code means and what to do, and no more")
-      ->type_name("CODE");
-  command->add_flag("--codes", options->lists_codes,
-                    "Print all codes with their severities, and no more");
-  command->footer(footer);
-  command->callback([options, paths, &exit_code] {
+      .addOption("--explain", options->explained,
+                 "Print what a code means and what to do, and no more")
+      .typeName("CODE");
+  command.addFlag("--codes", options->lists_codes,
+                  "Print all codes with their severities, and no more");
+  command.footer(footer);
+  command.onRun([options, paths] {
     if (options->lists_codes) {
-      exit_code = listCodes();
-    } else if (!options->explained.empty()) {
-      exit_code = explain(options->explained);
-    } else if (paths->empty()) {
-      throw CLI::RequiredError("FILE");
-    } else {
-      exit_code = check(*paths, options->as_json);
+      return listCodes();
     }
+    if (!options->explained.empty()) {
+      return explain(options->explained);
+    }
+    if (paths->empty()) {
+      throw Refusal("FILE is required");
+    }
+    return check(*paths, options->as_json);
   });
 }
 

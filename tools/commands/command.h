@@ -1,11 +1,9 @@
 #ifndef MDF_TOOLS_COMMANDS_COMMAND_H_
 #define MDF_TOOLS_COMMANDS_COMMAND_H_
 
-namespace CLI {
-class App;
-}
-
 namespace mdf_tools {
+
+class CommandLine;
 
 /// The program's exit codes.
 enum ExitCode : int {
@@ -14,25 +12,25 @@ enum ExitCode : int {
   exit_unusable = 2,  ///< a wrong command line, or a file that cannot be opened
 };
 
-/// Each adds one subcommand to the command line. When the subcommand runs it stores an ExitCode.
-void addRecordCommand(CLI::App& app, int& exit_code);
-void addInfoCommand(CLI::App& app, int& exit_code);
-void addListCommand(CLI::App& app, int& exit_code);
-void addTreeCommand(CLI::App& app, int& exit_code);
-void addDumpCommand(CLI::App& app, int& exit_code);
-void addCheckCommand(CLI::App& app, int& exit_code);
-void addGraphCommand(CLI::App& app, int& exit_code);
-void addExportCommand(CLI::App& app, int& exit_code);
-void addPlotCommand(CLI::App& app, int& exit_code);
-void addStatsCommand(CLI::App& app, int& exit_code);
-void addFramesCommand(CLI::App& app, int& exit_code);
-void addDecodeCommand(CLI::App& app, int& exit_code);
-void addDiffCommand(CLI::App& app, int& exit_code);
-void addExtractCommand(CLI::App& app, int& exit_code);
-void addImportCommand(CLI::App& app, int& exit_code);
-void addCopyCommand(CLI::App& app, int& exit_code);
-void addJoinCommand(CLI::App& app, int& exit_code);
-void addRepairCommand(CLI::App& app, int& exit_code);
+/// Each adds one command, which returns an ExitCode when it runs.
+void addRecordCommand(CommandLine& program);
+void addInfoCommand(CommandLine& program);
+void addListCommand(CommandLine& program);
+void addTreeCommand(CommandLine& program);
+void addDumpCommand(CommandLine& program);
+void addCheckCommand(CommandLine& program);
+void addGraphCommand(CommandLine& program);
+void addExportCommand(CommandLine& program);
+void addPlotCommand(CommandLine& program);
+void addStatsCommand(CommandLine& program);
+void addFramesCommand(CommandLine& program);
+void addDecodeCommand(CommandLine& program);
+void addDiffCommand(CommandLine& program);
+void addExtractCommand(CommandLine& program);
+void addImportCommand(CommandLine& program);
+void addCopyCommand(CommandLine& program);
+void addJoinCommand(CommandLine& program);
+void addRepairCommand(CommandLine& program);
 
 }  // namespace mdf_tools
 

@@ -1,11 +1,13 @@
 #include "completion.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
+#include <optional>
 #include <set>
+#include <sstream>
 #include <string_view>
 
+#include "command_line/command_line.h"
 #include "reader/blocks/block_type.h"
 #include "reader/blocks/codes.h"
 #include "reader/bytes/input_file.h"
@@ -82,8 +84,8 @@ Candidates choicesIn(const std::string& type) {
   const std::size_t begin = type.find('{');
   const std::size_t end = type.find('}');
   if (begin != std::string::npos && end != std::string::npos) {
-    for (const std::string& each :
-         CLI::detail::split(type.substr(begin + 1, end - begin - 1), ',')) {
+    std::istringstream choices(type.substr(begin + 1, end - begin - 1));
+    for (std::string each; std::getline(choices, each, ',');) {
       candidates.push_back({each});
     }
   }
@@ -145,49 +147,55 @@ void write(const Candidates& candidates, const std::string& word, const std::str
   }
 }
 
-Candidates commandsOf(const CLI::App& app) {
+Candidates commandsOf(const CommandLine& app) {
   Candidates candidates;
-  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
-    candidates.push_back({command->get_name(), command->get_description()});
+  for (const CommandLine& command : app.commands()) {
+    candidates.push_back({command.name(), command.description()});
   }
   return candidates;
 }
 
-Candidates optionsOf(const CLI::App& app) {
+Candidates optionsOf(const CommandLine& app) {
   Candidates candidates;
-  for (const CLI::Option* option : app.get_options()) {
-    for (const std::string& name : option->get_lnames()) {
-      candidates.push_back({"--" + name, option->get_description()});
-    }
-    for (const std::string& name : option->get_snames()) {
-      candidates.push_back({"-" + name, option->get_description()});
+  for (const Option& option : app.options()) {
+    for (const std::string& name : option.names()) {
+      candidates.push_back({name, option.description()});
     }
   }
   return candidates;
 }
 
-/// The option with this name that takes a value; null when there is none.
-const CLI::Option* valueOption(const CLI::App& app, const std::string& name) {
-  const CLI::Option* option = beginsWith(name, "-") ? app.get_option_no_throw(name) : nullptr;
-  return option == nullptr || option->get_items_expected_max() == 0 ? nullptr : option;
+bool hasName(const Option& option, const std::string& name) {
+  const std::vector<std::string> names = option.names();
+  return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-void completeValue(const CLI::App& command, const CLI::Option& option,
+/// The option with this name that takes a value, if there is one.
+std::optional<Option> valueOption(const CommandLine& app, const std::string& name) {
+  for (const Option& option : app.options()) {
+    if (hasName(option, name) && option.takesValue()) {
+      return option;
+    }
+  }
+  return std::nullopt;
+}
+
+void completeValue(const CommandLine& command, const Option& option,
                    const std::vector<std::string>& words, const std::string& word,
                    const std::string& before, std::ostream& out) {
-  const std::string type = option.get_type_name();
+  const std::string type = option.type();
   if (type.find("DIR") != std::string::npos) {
     out << "folders\n";
   } else if (type == "OUT" || type == "FILE") {
     out << "files\n";
   } else if (type.find("TYPE,") == 0) {
     const std::size_t last = word.find_last_of(',') + 1;
-    write(typesOf(command.get_name()), word.substr(last), before + word.substr(0, last), out);
+    write(typesOf(command.name()), word.substr(last), before + word.substr(0, last), out);
   } else if (type == "CODE") {
     write(codes(), word, before, out);
   } else if (type.find("N|GLOB") == 0 || type.find("GROUP|") == 0) {
     write(namesIn(words, true), word, before, out);
-  } else if (option.check_lname("channel") || command.get_name() == "channels") {
+  } else if (hasName(option, "--channel") || command.name() == "channels") {
     const Candidates choices = choicesIn(type);
     write(choices.empty() ? namesIn(words, false) : choices, word, before, out);
   } else {
@@ -197,16 +205,14 @@ void completeValue(const CLI::App& command, const CLI::Option& option,
 
 }  // namespace
 
-void complete(const CLI::App& app, std::vector<std::string> words, std::ostream& out) {
+void complete(const CommandLine& app, std::vector<std::string> words, std::ostream& out) {
   std::string word = words.empty() ? "" : words.back();
   if (!words.empty()) {
     words.pop_back();
   }
-  const CLI::App* command = &app;
+  CommandLine command = app;
   for (const std::string& each : words) {
-    const auto named =
-        command->get_subcommands([&](const CLI::App* next) { return next->check_name(each); });
-    command = named.empty() ? command : named.front();
+    command = command.findCommand(each).value_or(command);
   }
   std::string before;
   std::string previous = words.empty() ? "" : words.back();
@@ -216,13 +222,13 @@ void complete(const CLI::App& app, std::vector<std::string> words, std::ostream&
     before = word.substr(0, equals + 1);
     word = word.substr(equals + 1);
   }
-  const CLI::Option* option = valueOption(*command, previous);
-  if (option != nullptr) {
-    completeValue(*command, *option, words, word, before, out);
+  const std::optional<Option> option = valueOption(command, previous);
+  if (option) {
+    completeValue(command, *option, words, word, before, out);
   } else if (beginsWith(word, "-")) {
-    write(optionsOf(*command), word, "", out);
-  } else if (command->get_require_subcommand_min() > 0) {
-    write(commandsOf(*command), word, "", out);
+    write(optionsOf(command), word, "", out);
+  } else if (command.requiresCommand()) {
+    write(commandsOf(command), word, "", out);
   } else {
     out << "measurements\n";
   }

@@ -5,18 +5,16 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace mdf_tools {
+
+class CommandLine;
 
 /// Writes what the last word of a command line may become, for the scripts that complete it in
 /// shells. The first line says what that is: "words", which follow, one on each line, with a tab
 /// and a description where there is one, or "measurements", "files" or "folders", which the shell
 /// knows to find.
 /// @param words those after the program's name; the last one is being typed and may be "".
-void complete(const CLI::App& app, std::vector<std::string> words, std::ostream& out);
+void complete(const CommandLine& app, std::vector<std::string> words, std::ostream& out);
 
 }  // namespace mdf_tools
 

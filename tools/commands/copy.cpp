@@ -1,6 +1,5 @@
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <functional>
@@ -14,6 +13,7 @@
 #include "changing/copy_failure.h"
 #include "changing/file_copy.h"
 #include "command.h"
+#include "command_line/command_line.h"
 #include "complete_file.h"
 #include "data_form_option.h"
 #include "file_command.h"
@@ -223,49 +223,23 @@ int run(Request& request) {
 double intervalOf(const std::string& word) {
   const auto rate = readRate(word);
   if (!rate || !rate->isUsable()) {
-    throw CLI::ValidationError("--reductions: expected intervals such as 1s or 100ms, found \"" +
-                               word + '"');
+    throw Refusal("--reductions: expected intervals such as 1s or 100ms, found \"" + word + '"');
   }
   return rate->secondsTo(1);
 }
 
-/// Adds --from, --to, --first and --last.
-void addLimits(CLI::App& command, const std::shared_ptr<Request>& request) {
-  Query& limits = request->options.limits;
-  command.add_option("--from", limits.from, "Records from this time (master value) on")
-      ->type_name("T")
-      ->check(isNumber());
-  command.add_option("--to", limits.to, "Records up to this time (master value)")
-      ->type_name("T")
-      ->check(isNumber());
-  command.parse_complete_callback([request] {
-    const Query& wanted = request->options.limits;
-    if (wanted.from && wanted.to && *wanted.from > *wanted.to) {
-      throw CLI::ValidationError("--from is after --to");
-    }
-  });
-  CLI::Option* const first =
-      command.add_option("--first", limits.first, "The first N records of each channel group")
-          ->type_name("N")
-          ->check(isCount());
-  command.add_option("--last", limits.last, "The last N records of each channel group")
-      ->type_name("N")
-      ->check(isCount())
-      ->excludes(first);
-}
-
 /// Adds --channel, --group, --drop-empty, --without and --reductions.
-void addContents(CLI::App& command, const std::shared_ptr<Request>& request) {
+void addContents(CommandLine& command, const std::shared_ptr<Request>& request) {
   command
-      .add_option("-c,--channel", request->options.channels,
-                  "Only channels whose name matches a pattern with *, ? and [...]; may be repeated")
-      ->type_name("GLOB")
-      ->allow_extra_args(false);
+      .addOption("-c,--channel", request->options.channels,
+                 "Only channels whose name matches a pattern with *, ? and [...]; may be repeated")
+      .typeName("GLOB")
+      .oneEachTime();
   addGroupOption(command, request->options.group);
-  command.add_flag("--drop-empty", request->options.drops_empty,
-                   "Leave out channel groups without records");
+  command.addFlag("--drop-empty", request->options.drops_empty,
+                  "Leave out channel groups without records");
   command
-      .add_option_function<std::vector<std::string>>(
+      .addOption(
           "--without",
           [request](const std::vector<std::string>& words) {
             for (const std::string& word : words) {
@@ -275,11 +249,10 @@ void addContents(CLI::App& command, const std::shared_ptr<Request>& request) {
             }
           },
           "Leave out attachments, events or sample reductions; may be repeated")
-      ->check(CLI::IsMember({"attachments", "events", "reductions"}))
-      ->option_text("attachments|events|reductions")
-      ->allow_extra_args(false);
+      .choice({"attachments", "events", "reductions"})
+      .oneEachTime();
   command
-      .add_option_function<std::vector<std::string>>(
+      .addOption(
           "--reductions",
           [request](const std::vector<std::string>& words) {
             for (const std::string& word : words) {
@@ -287,33 +260,35 @@ void addContents(CLI::App& command, const std::shared_ptr<Request>& request) {
             }
           },
           "Make sample reductions over such intervals, as 1s,10s")
-      ->type_name("TIME")
-      ->delimiter(',')
-      ->allow_extra_args(false);
+      .typeName("TIME")
+      .delimiter(',')
+      .oneEachTime();
 }
 
 }  // namespace
 
-void addCopyCommand(CLI::App& app, int& exit_code) {
+void addCopyCommand(CommandLine& program) {
   const auto request = std::make_shared<Request>();
-  CLI::App* const command = app.add_subcommand(
+  CommandLine command = program.addCommand(
       "copy", "Write a measurement file again: cut, sorted, zipped, or as it is");
-  command->add_option("IN", request->input, "The measurement file; - is standard input")
-      ->required()
-      ->type_name("");
+  command.addOption("IN", request->input, "The measurement file; - is standard input")
+      .required()
+      .typeName("");
   command
-      ->add_option("-o,--output", request->output,
-                   "The new file, which appears when it is complete; - for standard output")
-      ->required()
-      ->type_name("OUT.mf4");
-  command->add_flag("--force", request->replaces, "Replace an existing file");
-  command->add_flag("--sort", request->options.sorts,
-                    "Give each channel group a data group of its own");
-  addDataFormOptions(*command, request->form);
-  addLimits(*command, request);
-  addContents(*command, request);
-  command->footer(footer);
-  command->callback([request, &exit_code] { exit_code = run(*request); });
+      .addOption("-o,--output", request->output,
+                 "The new file, which appears when it is complete; - for standard output")
+      .required()
+      .typeName("OUT.mf4");
+  command.addFlag("--force", request->replaces, "Replace an existing file");
+  command.addFlag("--sort", request->options.sorts,
+                  "Give each channel group a data group of its own");
+  addDataFormOptions(command, request->form);
+  Query& limits = request->options.limits;
+  addRangeOptions(command, {request, &limits}, "Records");
+  addEndOptions(command, limits);
+  addContents(command, request);
+  command.footer(footer);
+  command.onRun([request] { return run(*request); });
 }
 
 }  // namespace mdf_tools

@@ -6,11 +6,9 @@
 
 #include "changing/data_writer.h"
 
-namespace CLI {
-class App;
-}
-
 namespace mdf_tools {
+
+class CommandLine;
 
 /// How data is to be written anew, as far as that was asked for.
 struct DataFormChoice {
@@ -21,7 +19,7 @@ struct DataFormChoice {
 };
 
 /// Adds --zip, --level and --block-size.
-void addDataFormOptions(CLI::App& command, DataFormChoice& choice);
+void addDataFormOptions(CommandLine& command, DataFormChoice& choice);
 
 }  // namespace mdf_tools
 

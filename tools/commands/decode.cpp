@@ -1,6 +1,5 @@
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <functional>
@@ -13,6 +12,7 @@
 #include "bus/decoding.h"
 #include "bus/frame_writer.h"
 #include "command.h"
+#include "command_line/command_line.h"
 #include "complete_file.h"
 #include "decoding_option.h"
 #include "file_command.h"
@@ -219,27 +219,26 @@ int run(Request& request) {
 
 }  // namespace
 
-void addDecodeCommand(CLI::App& app, int& exit_code) {
-  CLI::App* const command =
-      app.add_subcommand("decode", "Make signals of the frames of CAN buses by DBC files");
+void addDecodeCommand(CommandLine& program) {
+  CommandLine command =
+      program.addCommand("decode", "Make signals of the frames of CAN buses by DBC files");
   const auto request = std::make_shared<Request>();
   request->tables.output = "-";
-  request->tables.paths = addFileArguments(*command);
-  request->tables.decoding = addDecodingOptions(*command);
-  command->get_option("--dbc")->required();
+  request->tables.paths = addFileArguments(command);
+  request->tables.decoding = addDecodingOptions(command);
+  command.option("--dbc").required();
   command
-      ->add_option("-o,--output", request->tables.output,
-                   "A file, a folder for tables with / at its end, or - for standard output")
-      ->type_name("OUT");
+      .addOption("-o,--output", request->tables.output,
+                 "A file, a folder for tables with / at its end, or - for standard output")
+      .typeName("OUT");
   command
-      ->add_option("--format", request->tables.format,
-                   "The form of the output; csv unless OUT ends in .mf4 or .mat")
-      ->check(CLI::IsMember({"mf4", "csv", "jsonl", "mat"}))
-      ->option_text("mf4|csv|jsonl|mat");
-  command->add_flag("--force", request->replaces, "Replace an existing measurement file");
-  command->add_flag("--json", request->is_json, "Print what was decoded as an object");
-  command->footer(footer);
-  command->callback([request, &exit_code] { exit_code = run(*request); });
+      .addOption("--format", request->tables.format,
+                 "The form of the output; csv unless OUT ends in .mf4 or .mat")
+      .choice({"mf4", "csv", "jsonl", "mat"});
+  command.addFlag("--force", request->replaces, "Replace an existing measurement file");
+  command.addFlag("--json", request->is_json, "Print what was decoded as an object");
+  command.footer(footer);
+  command.onRun([request] { return run(*request); });
 }
 
 }  // namespace mdf_tools

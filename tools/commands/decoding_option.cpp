@@ -1,6 +1,5 @@
 #include "decoding_option.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
@@ -9,6 +8,7 @@
 
 #include "bus/frame_writer.h"
 #include "command.h"
+#include "command_line/command_line.h"
 #include "reader/bus/dbc_reader.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/nameless_file.h"
@@ -114,19 +114,19 @@ int onSignals(const FileContext& context, const Decoding& decoding,
 
 }  // namespace
 
-std::shared_ptr<DecodingRequest> addDecodingOptions(CLI::App& command) {
+std::shared_ptr<DecodingRequest> addDecodingOptions(CommandLine& command) {
   auto request = std::make_shared<DecodingRequest>();
-  CLI::Option* const databases =
+  const Option databases =
       command
-          .add_option("--dbc", request->databases,
-                      "The signals of CAN frames by this database, in place of the file's "
-                      "channels; @BUS for one bus; may be repeated")
-          ->type_name("FILE[@BUS]")
-          ->allow_extra_args(false);
+          .addOption("--dbc", request->databases,
+                     "The signals of CAN frames by this database, in place of the file's "
+                     "channels; @BUS for one bus; may be repeated")
+          .typeName("FILE[@BUS]")
+          .oneEachTime();
   command
-      .add_flag("--j1939", request->is_j1939,
-                "Of identifiers of 29 bits, the parameter group alone counts")
-      ->needs(databases);
+      .addFlag("--j1939", request->is_j1939,
+               "Of identifiers of 29 bits, the parameter group alone counts")
+      .needs(databases);
   return request;
 }
 

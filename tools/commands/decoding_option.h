@@ -10,11 +10,9 @@
 #include "bus/decoding.h"
 #include "file_command.h"
 
-namespace CLI {
-class App;
-}
-
 namespace mdf_tools {
+
+class CommandLine;
 
 /// How frames are to be decoded, if at all.
 struct DecodingRequest {
@@ -23,7 +21,7 @@ struct DecodingRequest {
 };
 
 /// Adds --dbc and --j1939.
-std::shared_ptr<DecodingRequest> addDecodingOptions(CLI::App& command);
+std::shared_ptr<DecodingRequest> addDecodingOptions(CommandLine& command);
 
 /// A Decoding, and the exit code that its databases ask for.
 struct ReadDecoding {

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
@@ -8,6 +7,7 @@
 #include "changing/difference_output.h"
 #include "changing/file_comparison.h"
 #include "command.h"
+#include "command_line/command_line.h"
 #include "file_command.h"
 #include "number_option.h"
 #include "printing/text_table.h"
@@ -65,18 +65,12 @@ struct Request {
 };
 
 /// Refuses what is neither a number from 0 on nor a percentage.
-CLI::Validator isTolerance() {
-  return CLI::Validator(
-      [](const std::string& text) {
-        char* end = nullptr;
-        const double number = std::strtod(text.c_str(), &end);
-        const std::string rest = end;
-        const bool is_tolerance =
-            end != text.c_str() && number >= 0 && (rest.empty() || rest == "%");
-        return is_tolerance ? std::string()
-                            : '"' + text + "\" is not a tolerance such as 1e-6 or 0.1%";
-      },
-      "");
+std::string expectTolerance(const std::string& text) {
+  char* end = nullptr;
+  const double number = std::strtod(text.c_str(), &end);
+  const std::string rest = end;
+  const bool is_tolerance = end != text.c_str() && number >= 0 && (rest.empty() || rest == "%");
+  return is_tolerance ? std::string() : '"' + text + "\" is not a tolerance such as 1e-6 or 0.1%";
 }
 
 Tolerance toleranceOf(const std::vector<std::string>& texts) {
@@ -146,49 +140,50 @@ int run(Request request) {
   return !is_same ? exit_problem : is_all_known ? exit_fine : exit_unusable;
 }
 
-void addOptions(CLI::App& command, Request& request) {
-  command.add_option("A", request.a, "The one file; - is standard input")
-      ->required()
-      ->type_name("");
-  command.add_option("B", request.b, "The other file")->required()->type_name("");
+void addOptions(CommandLine& command, Request& request) {
+  command.addOption("A", request.a, "The one file; - is standard input").required().typeName("");
+  command.addOption("B", request.b, "The other file").required().typeName("");
   command
-      .add_option("--tolerance", request.tolerances,
-                  "Numbers no farther apart are equal: 1e-6, or 0.1%")
-      ->type_name("NUMBER|PERCENT")
-      ->allow_extra_args(false)
-      ->check(isTolerance());
+      .addOption("--tolerance", request.tolerances,
+                 "Numbers no farther apart are equal: 1e-6, or 0.1%")
+      .typeName("NUMBER|PERCENT")
+      .oneEachTime()
+      .check(expectTolerance);
   command
-      .add_option("--time-tolerance", request.time_tolerance,
-                  "The same of master channels, in their unit")
-      ->type_name("NUMBER")
-      ->check(isNumber() & CLI::NonNegativeNumber.description(""));
-  command.add_option("--ignore", request.ignored, "Leave parts out of the comparison; see below")
-      ->delimiter(',')
-      ->type_name("PART,...")
-      ->allow_extra_args(false)
-      ->check(CLI::IsMember(ignorableParts()).description(""));
-  command.add_flag("--history", request.options.compares_history, "Compare the file history too");
+      .addOption("--time-tolerance", request.time_tolerance,
+                 "The same of master channels, in their unit")
+      .typeName("NUMBER")
+      .check(expectNumber)
+      .notNegative()
+      .silent();
+  command.addOption("--ignore", request.ignored, "Leave parts out of the comparison; see below")
+      .delimiter(',')
+      .typeName("PART,...")
+      .oneEachTime()
+      .oneOf(ignorableParts())
+      .silent();
+  command.addFlag("--history", request.options.compares_history, "Compare the file history too");
   command
-      .add_option("--samples", request.options.samples,
-                  "Show the first N records that differ in each channel (default 3)")
-      ->type_name("N")
-      ->check(isCount());
-  CLI::Option* const json =
-      command.add_flag("--json", request.is_json, "Print a JSON object for each difference");
+      .addOption("--samples", request.options.samples,
+                 "Show the first N records that differ in each channel (default 3)")
+      .typeName("N")
+      .check(expectCount);
+  const Option json =
+      command.addFlag("--json", request.is_json, "Print a JSON object for each difference");
   command
-      .add_flag("-q,--quiet", request.is_quiet,
-                "Print nothing and stop at the first difference: the exit code tells")
-      ->excludes(json);
+      .addFlag("-q,--quiet", request.is_quiet,
+               "Print nothing and stop at the first difference: the exit code tells")
+      .excludes(json);
 }
 
 }  // namespace
 
-void addDiffCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("diff", "Compare what two files mean");
+void addDiffCommand(CommandLine& program) {
+  CommandLine command = program.addCommand("diff", "Compare what two files mean");
   const auto request = std::make_shared<Request>();
-  addOptions(*command, *request);
-  command->footer(footer);
-  command->callback([request, &exit_code] { exit_code = run(*request); });
+  addOptions(command, *request);
+  command.footer(footer);
+  command.onRun([request] { return run(*request); });
 }
 
 }  // namespace mdf_tools

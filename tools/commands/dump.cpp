@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -6,6 +5,7 @@
 
 #include "block_type_option.h"
 #include "command.h"
+#include "command_line/command_line.h"
 #include "file_command.h"
 #include "number_option.h"
 #include "offset_option.h"
@@ -95,41 +95,40 @@ int dump(const DumpArguments& arguments) {
 
 }  // namespace
 
-void addDumpCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("dump", "Print every block of a file");
+void addDumpCommand(CommandLine& program) {
+  CommandLine command = program.addCommand("dump", "Print every block of a file");
   const auto arguments = std::make_shared<DumpArguments>();
-  arguments->paths = addFileArguments(*command);
-  command->add_option("--type", arguments->types, "Only blocks of these types, such as CN,CC")
-      ->delimiter(',')
-      ->allow_extra_args(false)
-      ->type_name("TYPE,...")
-      ->transform(isBlockType());
+  arguments->paths = addFileArguments(command);
+  command.addOption("--type", arguments->types, "Only blocks of these types, such as CN,CC")
+      .delimiter(',')
+      .oneEachTime()
+      .typeName("TYPE,...")
+      .transform(expectBlockType);
   command
-      ->add_option(
-          "--at", arguments->offsets,
-          "Only the block at this offset, decimal or 0x...; can be repeated, and the block "
-          "need not be linked from anywhere")
-      ->allow_extra_args(false)
-      ->type_name("OFFSET")
-      ->check(isOffset());
-  CLI::Option* hex = command->add_flag("--hex", arguments->has_bytes,
-                                       "Show the bytes, each with the field it belongs to");
-  CLI::Option* json =
-      command->add_flag("--json", arguments->is_json, "Write JSON lines, one for each block");
-  json->excludes(hex);
+      .addOption("--at", arguments->offsets,
+                 "Only the block at this offset, decimal or 0x...; can be repeated, and the block "
+                 "need not be linked from anywhere")
+      .oneEachTime()
+      .typeName("OFFSET")
+      .check(expectOffset);
+  const Option hex = command.addFlag("--hex", arguments->has_bytes,
+                                     "Show the bytes, each with the field it belongs to");
+  const Option json =
+      command.addFlag("--json", arguments->is_json, "Write JSON lines, one for each block")
+          .excludes(hex);
   command
-      ->add_flag("--library", arguments->is_library,
-                 "Print what the library prints of a block that it has read")
-      ->excludes(hex)
-      ->excludes(json);
+      .addFlag("--library", arguments->is_library,
+               "Print what the library prints of a block that it has read")
+      .excludes(hex)
+      .excludes(json);
   command
-      ->add_option("--bytes", arguments->most_bytes,
-                   "How many bytes of data, text or values to show of a block; not for --library")
-      ->type_name("N")
-      ->check(isCount())
-      ->default_val(256);
-  command->footer(footer);
-  command->callback([arguments, &exit_code] { exit_code = dump(*arguments); });
+      .addOption("--bytes", arguments->most_bytes,
+                 "How many bytes of data, text or values to show of a block; not for --library")
+      .typeName("N")
+      .check(expectCount)
+      .showDefault();
+  command.footer(footer);
+  command.onRun([arguments] { return dump(*arguments); });
 }
 
 }  // namespace mdf_tools

@@ -1,8 +1,8 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 
 #include "command.h"
+#include "command_line/command_line.h"
 #include "decoding_option.h"
 #include "file_command.h"
 #include "number_option.h"
@@ -84,74 +84,72 @@ Examples:
 Exit code: 0 fine, 1 problems found in the file, 2 wrong arguments or unreadable file.)TXT";
 
 /// Refuses rates such as "0Hz".
-CLI::Validator isNoUselessRate() {
-  return CLI::Validator(
-      [](const std::string& text) {
-        const auto rate = readRate(text);
-        return rate && !rate->isUsable()
-                   ? '"' + text + "\" is not a rate from 1e-9Hz to 1e9Hz, or from 1ns to 1e9s"
-                   : std::string();
-      },
-      "");
+std::string expectUsableRate(const std::string& text) {
+  const auto rate = readRate(text);
+  return rate && !rate->isUsable()
+             ? '"' + text + "\" is not a rate from 1e-9Hz to 1e9Hz, or from 1ns to 1e9s"
+             : std::string();
 }
 
 /// Adds --on-time and --linear.
-void addTimeBaseOptions(CLI::App& command, const std::shared_ptr<TableRequest>& request) {
-  CLI::Option* const on_time =
+void addTimeBaseOptions(CommandLine& command, const std::shared_ptr<TableRequest>& request) {
+  const Option on_time =
       command
-          .add_option_function<std::string>(
+          .addOption(
               "--on-time",
               [request](const std::string& text) {
                 request->on_time = TimeBase{readRate(text), text, Between::held};
               },
               "One table: rows where this channel group has them, or at a rate such as 10Hz")
-          ->type_name("GROUP|RATE")
-          ->check(isNoUselessRate())
-          ->excludes("--raw");
-  command.add_flag("--linear", request->is_linear, "Numbers on the line between two samples")
-      ->needs(on_time);
+          .typeName("GROUP|RATE")
+          .check(expectUsableRate)
+          .excludes(command.option("--raw"));
+  command.addFlag("--linear", request->is_linear, "Numbers on the line between two samples")
+      .needs(on_time);
 }
 
 }  // namespace
 
-void addExportCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command =
-      app.add_subcommand("export", "Write the samples as CSV, JSON lines or a MATLAB file");
+void addExportCommand(CommandLine& program) {
+  CommandLine command =
+      program.addCommand("export", "Write the samples as CSV, JSON lines or a MATLAB file");
   const auto request = std::make_shared<TableRequest>();
-  request->paths = addFileArguments(*command);
+  request->paths = addFileArguments(command);
   command
-      ->add_option("-o,--output", request->output,
-                   "A file, a folder with / at its end, or - for standard output")
-      ->type_name("OUT");
-  CLI::Option* format = command->add_option("--format", request->format,
-                                            "The form of the tables; csv unless OUT ends in .mat");
-  format->check(CLI::IsMember({"csv", "jsonl", "mat"}))->option_text("csv|jsonl|mat");
+      .addOption("-o,--output", request->output,
+                 "A file, a folder with / at its end, or - for standard output")
+      .typeName("OUT");
+  const Option format = command
+                            .addOption("--format", request->format,
+                                       "The form of the tables; csv unless OUT ends in .mat")
+                            .choice({"csv", "jsonl", "mat"});
   command
-      ->add_flag_callback(
+      .addFlag(
           "--json", [request] { request->format = "jsonl"; }, "The same as --format jsonl")
-      ->excludes(format);
-  request->query = addSelectionOptions(*command, false);
-  request->decoding = addDecodingOptions(*command);
-  addTimeBaseOptions(*command, request);
-  command->add_flag("--empty", request->with_empty, "Write tables without samples, too");
-  addTimeOption(*command, request->time);
+      .excludes(format);
+  request->query = addSelectionOptions(command, false);
+  request->decoding = addDecodingOptions(command);
+  addTimeBaseOptions(command, request);
+  command.addFlag("--empty", request->with_empty, "Write tables without samples, too");
+  addTimeOption(command, request->time);
   command
-      ->add_option("--digits", request->digits,
-                   "Numbers with so many significant digits, in place of as many as it takes")
-      ->type_name("N")
-      ->check(isCount() & CLI::Range(1, 17));
+      .addOption("--digits", request->digits,
+                 "Numbers with so many significant digits, in place of as many as it takes")
+      .typeName("N")
+      .check(expectCount)
+      .within(1, 17);
   command
-      ->add_option(
-          "--threads", request->query->threads,
-          "Unzip data and make text on so many cores; on all of them unless said otherwise")
-      ->type_name("N")
-      ->check(isCount() & CLI::Range(1, 256));
-  command->footer(footer);
-  command->callback([request, &exit_code] {
+      .addOption("--threads", request->query->threads,
+                 "Unzip data and make text on so many cores; on all of them unless said otherwise")
+      .typeName("N")
+      .check(expectCount)
+      .within(1, 256);
+  command.footer(footer);
+  command.onRun([request] {
     if (request->on_time && request->is_linear) {
       request->on_time->between = Between::linear;
     }
-    exit_code = exportTables(*request);
+    return exportTables(*request);
   });
 }
 

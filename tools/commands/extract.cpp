@@ -1,11 +1,11 @@
 #include "extracting/extract.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
 #include <memory>
 
 #include "command.h"
+#include "command_line/command_line.h"
 #include "extracting/new_file.h"
 #include "file_command.h"
 #include "reader/bytes/input_file.h"
@@ -52,22 +52,21 @@ unreadable file.)";
 
 }  // namespace
 
-void addExtractCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("extract", "Write attachments to files");
-  const auto paths = addFileArguments(*command);
+void addExtractCommand(CommandLine& program) {
+  CommandLine command = program.addCommand("extract", "Write attachments to files");
+  const auto paths = addFileArguments(command);
   const auto options = std::make_shared<ExtractOptions>();
-  command->add_option("-o,--to", options->folder, "The folder, which must exist")
-      ->check(CLI::ExistingDirectory)
-      ->capture_default_str()
-      ->type_name("FOLDER");
+  command.addOption("-o,--to", options->folder, "The folder, which must exist")
+      .existingFolder()
+      .showDefault()
+      .typeName("FOLDER");
   command
-      ->add_option("--name", options->name_pattern,
-                   "Only names that match; * ? [...] as in a shell")
-      ->type_name("GLOB");
-  command->add_flag("--force", options->replaces, "Replace existing files");
-  command->add_flag("--json", options->as_json, "Print a JSON object for each attachment");
-  command->footer(footer);
-  command->callback([paths, options, &exit_code] { exit_code = extract(*paths, *options); });
+      .addOption("--name", options->name_pattern, "Only names that match; * ? [...] as in a shell")
+      .typeName("GLOB");
+  command.addFlag("--force", options->replaces, "Replace existing files");
+  command.addFlag("--json", options->as_json, "Print a JSON object for each attachment");
+  command.footer(footer);
+  command.onRun([paths, options] { return extract(*paths, *options); });
 }
 
 }  // namespace mdf_tools

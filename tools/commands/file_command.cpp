@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -16,6 +15,7 @@
 #include <system_error>
 
 #include "command.h"
+#include "command_line/command_line.h"
 #include "printing/output_buffer.h"
 #include "printing/progress.h"
 #include "reader/blocks/identification.h"
@@ -136,11 +136,11 @@ int finish(OutputBuffer& output) {
 
 }  // namespace
 
-std::shared_ptr<std::vector<std::string>> addFileArguments(CLI::App& command) {
+std::shared_ptr<std::vector<std::string>> addFileArguments(CommandLine& command) {
   auto paths = std::make_shared<std::vector<std::string>>();
-  command.add_option("FILE", *paths, "The measurement files; - is standard input")
-      ->required()
-      ->type_name("");
+  command.addOption("FILE", *paths, "The measurement files; - is standard input")
+      .required()
+      .typeName("");
   return paths;
 }
 

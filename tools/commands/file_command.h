@@ -9,15 +9,13 @@
 
 #include "reader/blocks/finding.h"
 
-namespace CLI {
-class App;
-}
-
 namespace mdf_reader {
 class InputFile;
 }  // namespace mdf_reader
 
 namespace mdf_tools {
+
+class CommandLine;
 
 class Progress;
 
@@ -35,7 +33,7 @@ struct FileContext {
 };
 
 /// Adds the argument FILE... to a command.
-std::shared_ptr<std::vector<std::string>> addFileArguments(CLI::App& command);
+std::shared_ptr<std::vector<std::string>> addFileArguments(CommandLine& command);
 
 /// What the work of a command is done on.
 enum class Input {

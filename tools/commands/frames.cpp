@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -14,6 +13,7 @@
 #include "bus/frame_writer.h"
 #include "bus/pcapng_writer.h"
 #include "command.h"
+#include "command_line/command_line.h"
 #include "extracting/new_file.h"
 #include "file_command.h"
 #include "reader/bus/bus_frames.h"
@@ -213,7 +213,7 @@ void setFilter(Request& request) {
   for (const std::string& ids : request.ids) {
     const std::string problem = request.filter.addIds(ids);
     if (!problem.empty()) {
-      throw CLI::ValidationError("--id: " + problem);
+      throw Refusal("--id: " + problem);
     }
   }
   for (const std::string& bus : request.buses) {
@@ -223,33 +223,32 @@ void setFilter(Request& request) {
 
 }  // namespace
 
-void addFramesCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command =
-      app.add_subcommand("frames", "List the frames of CAN and LIN buses in the order of time");
+void addFramesCommand(CommandLine& program) {
+  CommandLine command =
+      program.addCommand("frames", "List the frames of CAN and LIN buses in the order of time");
   const auto request = std::make_shared<Request>();
-  request->paths = addFileArguments(*command);
-  command->add_option("--id", request->ids, "Frames with these identifiers: 123,18FEF100x,700-7FF")
-      ->type_name("IDS")
-      ->delimiter(',')
-      ->allow_extra_args(false);
+  request->paths = addFileArguments(command);
+  command.addOption("--id", request->ids, "Frames with these identifiers: 123,18FEF100x,700-7FF")
+      .typeName("IDS")
+      .delimiter(',')
+      .oneEachTime();
   command
-      ->add_option("--bus", request->buses,
-                   "Frames of this bus, its number, or those whose name matches a pattern")
-      ->type_name("BUS")
-      ->allow_extra_args(false);
-  addRangeOptions(*command, request->query);
-  addTimeOption(*command, request->time);
+      .addOption("--bus", request->buses,
+                 "Frames of this bus, its number, or those whose name matches a pattern")
+      .typeName("BUS")
+      .oneEachTime();
+  addRangeOptions(command, request->query);
+  addTimeOption(command, request->time);
   command
-      ->add_option("--format", request->format,
-                   "The form of the list; text unless OUT ends in .pcapng")
-      ->check(CLI::IsMember({"text", "candump", "csv", "jsonl", "pcapng"}))
-      ->option_text("text|candump|csv|jsonl|pcapng");
-  command->add_option("-o,--output", request->output, "A file, or - for standard output")
-      ->type_name("OUT");
-  command->footer(footer);
-  command->callback([request, &exit_code] {
+      .addOption("--format", request->format,
+                 "The form of the list; text unless OUT ends in .pcapng")
+      .choice({"text", "candump", "csv", "jsonl", "pcapng"});
+  command.addOption("-o,--output", request->output, "A file, or - for standard output")
+      .typeName("OUT");
+  command.footer(footer);
+  command.onRun([request] {
     setFilter(*request);
-    exit_code = run(*request);
+    return run(*request);
   });
 }
 

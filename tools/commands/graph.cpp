@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <memory>
@@ -6,6 +5,7 @@
 #include <vector>
 
 #include "command.h"
+#include "command_line/command_line.h"
 #include "file_command.h"
 #include "number_option.h"
 #include "offset_option.h"
@@ -61,14 +61,10 @@ std::string suffixOf(const std::string& path) {
   return path == "-" ? ".dot" : std::filesystem::path(path).extension().string();
 }
 
-CLI::Validator isPicture() {
-  return CLI::Validator(
-      [](const std::string& path) {
-        const std::string suffix = suffixOf(path);
-        const bool is_known = suffix == ".svg" || suffix == ".png" || suffix == ".dot";
-        return is_known ? std::string() : "\"" + path + "\" must end in .svg, .png or .dot";
-      },
-      "");
+std::string expectPicture(const std::string& path) {
+  const std::string suffix = suffixOf(path);
+  const bool is_known = suffix == ".svg" || suffix == ".png" || suffix == ".dot";
+  return is_known ? std::string() : "\"" + path + "\" must end in .svg, .png or .dot";
 }
 
 /// Collects what is drawn of each file.
@@ -141,39 +137,39 @@ int graph(GraphArguments arguments) {
 
 }  // namespace
 
-void addGraphCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("graph", "Draw a file's blocks and links, or its map");
+void addGraphCommand(CommandLine& program) {
+  CommandLine command = program.addCommand("graph", "Draw a file's blocks and links, or its map");
   const auto arguments = std::make_shared<GraphArguments>();
-  arguments->paths = addFileArguments(*command);
-  CLI::Option* output =
+  arguments->paths = addFileArguments(command);
+  const Option output =
       command
-          ->add_option("-o,--output", arguments->output,
-                       "Where the picture goes: .svg, .png or .dot; - is standard output")
-          ->type_name("OUT")
-          ->check(isPicture());
-  CLI::Option* from =
-      command->add_option("--from", arguments->from, "Begin at the block at this offset")
-          ->type_name("OFFSET")
-          ->check(isOffset());
-  CLI::Option* depth =
-      command->add_option("--depth", arguments->options.most_depth, "How many levels to go down")
-          ->type_name("N")
-          ->check(isCount());
-  CLI::Option* no_text =
-      command->add_flag("--no-text", arguments->hides_texts, "Leave out text and metadata blocks");
-  command->add_flag("--map", arguments->is_map, "Draw the file's bytes instead of its links")
-      ->excludes(from)
-      ->excludes(depth)
-      ->excludes(no_text);
-  CLI::Option* json =
-      command->add_flag("--json", arguments->is_json, "Write an object for each file instead");
-  json->excludes(output);
-  command->footer(footer);
-  command->callback([arguments, output, json, &exit_code] {
-    if (output->count() + json->count() == 0) {
-      throw CLI::RequiredError("-o OUT or --json");
+          .addOption("-o,--output", arguments->output,
+                     "Where the picture goes: .svg, .png or .dot; - is standard output")
+          .typeName("OUT")
+          .check(expectPicture);
+  const Option from =
+      command.addOption("--from", arguments->from, "Begin at the block at this offset")
+          .typeName("OFFSET")
+          .check(expectOffset);
+  const Option depth =
+      command.addOption("--depth", arguments->options.most_depth, "How many levels to go down")
+          .typeName("N")
+          .check(expectCount);
+  const Option no_text =
+      command.addFlag("--no-text", arguments->hides_texts, "Leave out text and metadata blocks");
+  command.addFlag("--map", arguments->is_map, "Draw the file's bytes instead of its links")
+      .excludes(from)
+      .excludes(depth)
+      .excludes(no_text);
+  const Option json =
+      command.addFlag("--json", arguments->is_json, "Write an object for each file instead")
+          .excludes(output);
+  command.footer(footer);
+  command.onRun([arguments, output, json] {
+    if (!output.isGiven() && !json.isGiven()) {
+      throw Refusal("-o OUT or --json is required");
     }
-    exit_code = graph(*arguments);
+    return graph(*arguments);
   });
 }
 

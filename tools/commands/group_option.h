@@ -1,17 +1,18 @@
 #ifndef MDF_TOOLS_COMMANDS_GROUP_OPTION_H_
 #define MDF_TOOLS_COMMANDS_GROUP_OPTION_H_
 
-#include <CLI/CLI.hpp>
 #include <string>
+
+#include "command_line/command_line.h"
 
 namespace mdf_tools {
 
 /// Adds --group, which every command with channel groups understands alike.
-inline void addGroupOption(CLI::App& command, std::string& choice) {
+inline void addGroupOption(CommandLine& command, std::string& choice) {
   command
-      .add_option("-g,--group", choice,
-                  "Only the channel group with this number, or those whose name matches a pattern")
-      ->type_name("N|GLOB");
+      .addOption("-g,--group", choice,
+                 "Only the channel group with this number, or those whose name matches a pattern")
+      .typeName("N|GLOB");
 }
 
 /// "no channel group with channels matches "7"".

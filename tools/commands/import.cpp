@@ -1,6 +1,5 @@
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "command.h"
+#include "command_line/command_line.h"
 #include "complete_file.h"
 #include "importing/import_failure.h"
 #include "importing/importer.h"
@@ -192,41 +192,31 @@ std::optional<std::pair<std::string, ValueType>> typeRule(const std::string& tex
   return type ? std::optional(std::pair(text.substr(0, sign), *type)) : std::nullopt;
 }
 
-CLI::Validator isTypeRule() {
-  return CLI::Validator(
-      [](const std::string& text) {
-        return typeRule(text) ? std::string()
-                              : '"' + text + "\" is not a name and a type such as speed=float32";
-      },
-      "");
+std::string expectTypeRule(const std::string& text) {
+  return typeRule(text) ? std::string()
+                        : '"' + text + "\" is not a name and a type such as speed=float32";
 }
 
-CLI::Validator isSeparator() {
-  return CLI::Validator(
-      [](const std::string& text) {
-        const bool is_one = text == "tab" || (text.size() == 1 && text != "\"" && text != "\n");
-        return is_one ? std::string() : '"' + text + "\" is not one character or \"tab\"";
-      },
-      "");
+std::string expectSeparator(const std::string& text) {
+  const bool is_one = text == "tab" || (text.size() == 1 && text != "\"" && text != "\n");
+  return is_one ? std::string() : '"' + text + "\" is not one character or \"tab\"";
 }
 
-void addTableOptions(CLI::App& command, const std::shared_ptr<Request>& request) {
-  command.add_option("--format", request->format, "The form of the files; found out unless stated")
-      ->check(CLI::IsMember({"csv", "jsonl", "candump", "pcapng", "pcap"}))
-      ->option_text("csv|jsonl|candump|pcapng|pcap");
+void addTableOptions(CommandLine& command, const std::shared_ptr<Request>& request) {
+  command.addOption("--format", request->format, "The form of the files; found out unless stated")
+      .choice({"csv", "jsonl", "candump", "pcapng", "pcap"});
   command
-      .add_option(
+      .addOption(
           "--separator", request->separator,
           "What separates fields of CSV: a character or tab; one of , ; | and tab is found out")
-      ->type_name("CHAR")
-      ->check(isSeparator());
-  command.add_flag("--decimal-comma", request->options.has_decimal_comma,
-                   "Numbers have a comma where others have a point: 1,5");
+      .typeName("CHAR")
+      .check(expectSeparator);
+  command.addFlag("--decimal-comma", request->options.has_decimal_comma,
+                  "Numbers have a comma where others have a point: 1,5");
+  command.addOption("--time", request->options.time, "The column of times; the first if it is one")
+      .typeName("NAME");
   command
-      .add_option("--time", request->options.time, "The column of times; the first if it is one")
-      ->type_name("NAME");
-  command
-      .add_option_function<std::vector<std::string>>(
+      .addOption(
           "--type",
           [request](const std::vector<std::string>& texts) {
             for (const std::string& text : texts) {
@@ -234,31 +224,31 @@ void addTableOptions(CLI::App& command, const std::shared_ptr<Request>& request)
             }
           },
           "The type of columns whose name matches; may be repeated, the last one counts")
-      ->type_name("GLOB=TYPE")
-      ->allow_extra_args(false)
-      ->check(isTypeRule());
-  command.add_flag("--skip-bad", request->options.skips_bad_lines,
-                   "Leave out lines and packets that cannot be imported, and count them");
+      .typeName("GLOB=TYPE")
+      .oneEachTime()
+      .check(expectTypeRule);
+  command.addFlag("--skip-bad", request->options.skips_bad_lines,
+                  "Leave out lines and packets that cannot be imported, and count them");
 }
 
 }  // namespace
 
-void addImportCommand(CLI::App& app, int& exit_code) {
+void addImportCommand(CommandLine& program) {
   const auto request = std::make_shared<Request>();
-  CLI::App* const command =
-      app.add_subcommand("import", "Make a measurement file of tables, or of logs of CAN buses");
-  command->add_option("IN", request->paths, "The tables or logs; - for standard input")
-      ->required()
-      ->type_name("FILE");
+  CommandLine command =
+      program.addCommand("import", "Make a measurement file of tables, or of logs of CAN buses");
+  command.addOption("IN", request->paths, "The tables or logs; - for standard input")
+      .required()
+      .typeName("FILE");
   command
-      ->add_option("-o,--output", request->output,
-                   "The new file, which appears when it is complete; - for standard output")
-      ->required()
-      ->type_name("OUT.mf4");
-  command->add_flag("--force", request->replaces, "Replace an existing file");
-  addTableOptions(*command, request);
-  command->footer(footer);
-  command->callback([request, &exit_code] { exit_code = run(*request); });
+      .addOption("-o,--output", request->output,
+                 "The new file, which appears when it is complete; - for standard output")
+      .required()
+      .typeName("OUT.mf4");
+  command.addFlag("--force", request->replaces, "Replace an existing file");
+  addTableOptions(command, request);
+  command.footer(footer);
+  command.onRun([request] { return run(*request); });
 }
 
 }  // namespace mdf_tools

@@ -1,9 +1,9 @@
 #include "printing/info.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "command.h"
+#include "command_line/command_line.h"
 #include "file_command.h"
 #include "printing/json_output.h"
 #include "reader/summary/file_json.h"
@@ -56,18 +56,18 @@ Exit code: 0 fine, 1 problems found in a file, 2 wrong arguments or unreadable f
 
 }  // namespace
 
-void addInfoCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("info", "Say what a file is and what is in it");
-  const auto paths = addFileArguments(*command);
+void addInfoCommand(CommandLine& program) {
+  CommandLine command = program.addCommand("info", "Say what a file is and what is in it");
+  const auto paths = addFileArguments(command);
   const auto as_json = std::make_shared<bool>(false);
-  command->add_flag("--json", *as_json, "Print one JSON document for all files");
+  command.addFlag("--json", *as_json, "Print one JSON document for all files");
   const auto headers_only = std::make_shared<bool>(false);
-  command->add_flag("--headers", *headers_only,
-                    "Read headers only: what they leave open is not known");
-  command->footer(footer);
-  command->callback([paths, as_json, headers_only, &exit_code] {
+  command.addFlag("--headers", *headers_only,
+                  "Read headers only: what they leave open is not known");
+  command.footer(footer);
+  command.onRun([paths, as_json, headers_only] {
     const Depth depth = *headers_only ? Depth::headers : Depth::records;
-    exit_code = *as_json ? printDocument(*paths, depth) : printPages(*paths, depth);
+    return *as_json ? printDocument(*paths, depth) : printPages(*paths, depth);
   });
 }
 

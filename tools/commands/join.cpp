@@ -1,6 +1,5 @@
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <functional>
@@ -15,6 +14,7 @@
 #include "changing/file_join.h"
 #include "changing/join_report.h"
 #include "command.h"
+#include "command_line/command_line.h"
 #include "complete_file.h"
 #include "data_form_option.h"
 #include "file_command.h"
@@ -200,30 +200,30 @@ int run(Request& request) {
 
 }  // namespace
 
-void addJoinCommand(CLI::App& app, int& exit_code) {
+void addJoinCommand(CommandLine& program) {
   const auto request = std::make_shared<Request>();
-  CLI::App* const command =
-      app.add_subcommand("join", "Make one file of several: one after another, or side by side");
-  command->add_option("IN", request->inputs, "The measurement files; - is standard input")
-      ->required()
-      ->type_name("");
+  CommandLine command =
+      program.addCommand("join", "Make one file of several: one after another, or side by side");
+  command.addOption("IN", request->inputs, "The measurement files; - is standard input")
+      .required()
+      .typeName("");
   command
-      ->add_option("-o,--output", request->output,
-                   "The new file, which appears when it is complete; - for standard output")
-      ->required()
-      ->type_name("OUT.mf4");
-  command->add_flag("--force", request->replaces, "Replace an existing file");
-  CLI::Option* const side_by_side =
-      command->add_flag("--side-by-side", request->options.side_by_side,
-                        "Keep the channel groups of all files apart, in one file");
+      .addOption("-o,--output", request->output,
+                 "The new file, which appears when it is complete; - for standard output")
+      .required()
+      .typeName("OUT.mf4");
+  command.addFlag("--force", request->replaces, "Replace an existing file");
+  const Option side_by_side =
+      command.addFlag("--side-by-side", request->options.side_by_side,
+                      "Keep the channel groups of all files apart, in one file");
   command
-      ->add_flag("--keep-order", request->options.keeps_order,
-                 "Join in the order of the command, not in that of start times")
-      ->excludes(side_by_side);
-  addDataFormOptions(*command, request->form);
-  command->add_flag("--json", request->as_json, "Print what was joined as an object");
-  command->footer(footer);
-  command->callback([request, &exit_code] { exit_code = run(*request); });
+      .addFlag("--keep-order", request->options.keeps_order,
+               "Join in the order of the command, not in that of start times")
+      .excludes(side_by_side);
+  addDataFormOptions(command, request->form);
+  command.addFlag("--json", request->as_json, "Print what was joined as an object");
+  command.footer(footer);
+  command.onRun([request] { return run(*request); });
 }
 
 }  // namespace mdf_tools

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -6,6 +5,7 @@
 
 #include "block_type_option.h"
 #include "command.h"
+#include "command_line/command_line.h"
 #include "file_command.h"
 #include "group_option.h"
 #include "printing/listing.h"
@@ -42,33 +42,31 @@ int runList(const ListKind& kind, const std::vector<std::string>& paths, ListOpt
   return std::max<int>(exit_code, is_chosen ? exit_fine : exit_problem);
 }
 
-void addList(CLI::App& list_command, const ListKind& kind, int& exit_code) {
-  CLI::App* command = list_command.add_subcommand(kind.name, kind.title);
-  const auto paths = addFileArguments(*command);
+void addList(CommandLine& list_command, const ListKind& kind) {
+  CommandLine command = list_command.addCommand(kind.name, kind.title);
+  const auto paths = addFileArguments(command);
   const auto options = std::make_shared<ListOptions>();
   const bool has_groups = kind.list == listChannels;
   if (has_groups) {
-    addGroupOption(*command, options->group);
+    addGroupOption(command, options->group);
   }
   if (kind.list != listBlocks) {
     command
-        ->add_option("--name", options->name_pattern,
-                     "Only names that match; * ? [...] as in a shell")
-        ->type_name("GLOB");
+        .addOption("--name", options->name_pattern,
+                   "Only names that match; * ? [...] as in a shell")
+        .typeName("GLOB");
   }
-  CLI::Option* type = command->add_option("--type", options->types, kind.types)
-                          ->delimiter(',')
-                          ->type_name("TYPE,...");
+  Option type =
+      command.addOption("--type", options->types, kind.types).delimiter(',').typeName("TYPE,...");
   if (kind.list == listBlocks) {
-    type->transform(isBlockType());
+    type.transform(expectBlockType);
   }
-  command->add_option("--sort", options->sort_column, "Sort by this column")
-      ->check(CLI::IsMember(kind.columns))
-      ->type_name("COLUMN");
-  command->add_flag("--json", options->as_json, "Print a JSON object on each line");
-  command->footer(kind.footer);
-  command->callback(
-      [kind, paths, options, &exit_code] { exit_code = runList(kind, *paths, *options); });
+  command.addOption("--sort", options->sort_column, "Sort by this column")
+      .oneOf(kind.columns)
+      .typeName("COLUMN");
+  command.addFlag("--json", options->as_json, "Print a JSON object on each line");
+  command.footer(kind.footer);
+  command.onRun([kind, paths, options] { return runList(kind, *paths, *options); });
 }
 
 constexpr const char* channels_footer =
@@ -117,26 +115,19 @@ Examples:
 
 }  // namespace
 
-void addListCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("list", "List channels, blocks, attachments or events");
-  command->require_subcommand(1);
-  command->footer(footer);
-  addList(*command,
+void addListCommand(CommandLine& program) {
+  CommandLine command = program.addCommand("list", "List channels, blocks, attachments or events");
+  command.requireCommand();
+  command.footer(footer);
+  addList(command,
           {"channels", "List the channels", listChannels, channelColumns(),
-           "Only channels of these kinds, such as master or \"virtual master\"", channels_footer},
-          exit_code);
-  addList(*command,
-          {"blocks", "List the blocks", listBlocks, blockColumns(),
-           "Only blocks of these types, such as CN or DT", blocks_footer},
-          exit_code);
-  addList(*command,
-          {"attachments", "List the attachments", listAttachments, attachmentColumns(),
-           "Only attachments of these MIME types", attachments_footer},
-          exit_code);
-  addList(*command,
-          {"events", "List the events", listEvents, eventColumns(),
-           "Only events of these kinds, such as marker or trigger", events_footer},
-          exit_code);
+           "Only channels of these kinds, such as master or \"virtual master\"", channels_footer});
+  addList(command, {"blocks", "List the blocks", listBlocks, blockColumns(),
+                    "Only blocks of these types, such as CN or DT", blocks_footer});
+  addList(command, {"attachments", "List the attachments", listAttachments, attachmentColumns(),
+                    "Only attachments of these MIME types", attachments_footer});
+  addList(command, {"events", "List the events", listEvents, eventColumns(),
+                    "Only events of these kinds, such as marker or trigger", events_footer});
 }
 
 }  // namespace mdf_tools

@@ -1,7 +1,6 @@
 #ifndef MDF_TOOLS_COMMANDS_OFFSET_OPTION_H_
 #define MDF_TOOLS_COMMANDS_OFFSET_OPTION_H_
 
-#include <CLI/CLI.hpp>
 #include <charconv>
 #include <cstdint>
 #include <optional>
@@ -22,14 +21,10 @@ inline std::optional<std::uint64_t> parseOffset(const std::string& text) {
   return offset;
 }
 
-/// Refuses what is not an offset.
-inline CLI::Validator isOffset() {
-  return CLI::Validator(
-      [](const std::string& text) {
-        return parseOffset(text) ? std::string()
-                                 : "\"" + text + "\" is not an offset such as 312 or 0x138";
-      },
-      "");
+/// What is wrong with a text that is no offset; "" for an offset.
+inline std::string expectOffset(const std::string& text) {
+  return parseOffset(text) ? std::string()
+                           : "\"" + text + "\" is not an offset such as 312 or 0x138";
 }
 
 }  // namespace mdf_tools

@@ -1,7 +1,6 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "command.h"
+#include "command_line/command_line.h"
 #include "decoding_option.h"
 #include "file_command.h"
 #include "picture_output.h"
@@ -180,38 +180,36 @@ int run(const Request& request) {
 
 }  // namespace
 
-void addPlotCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("plot", "Draw channels over time");
+void addPlotCommand(CommandLine& program) {
+  CommandLine command = program.addCommand("plot", "Draw channels over time");
   const auto request = std::make_shared<Request>();
-  command->add_option("FILE", request->paths, "The measurement files; - is standard input")
-      ->type_name("");
-  request->query = addSelectionOptions(*command, true);
-  request->decoding = addDecodingOptions(*command);
+  command.addOption("FILE", request->paths, "The measurement files; - is standard input")
+      .typeName("");
+  request->query = addSelectionOptions(command, true);
+  request->decoding = addDecodingOptions(command);
   request->query->numbers = true;
-  command->get_option("--channel")->required();
-  CLI::Option* output = command
-                            ->add_option("-o,--output", request->output,
-                                         "The picture, a .svg or .png file; - is standard output")
-                            ->type_name("OUT");
-  CLI::Option* format =
-      command->add_option("--format", request->format, "The picture's format, if OUT does not tell")
-          ->check(CLI::IsMember({"svg", "png", "ascii"}))
-          ->option_text("svg|png|ascii");
-  command->add_flag("--json", request->is_json, "Print the points as one JSON document instead")
-      ->excludes(output)
-      ->excludes(format);
-  command->footer(footer);
-  command->callback([request, &exit_code] {
+  command.option("--channel").required();
+  const Option output = command
+                            .addOption("-o,--output", request->output,
+                                       "The picture, a .svg or .png file; - is standard output")
+                            .typeName("OUT");
+  const Option format =
+      command.addOption("--format", request->format, "The picture's format, if OUT does not tell")
+          .choice({"svg", "png", "ascii"});
+  command.addFlag("--json", request->is_json, "Print the points as one JSON document instead")
+      .excludes(output)
+      .excludes(format);
+  command.footer(footer);
+  command.onRun([request] {
     std::vector<std::string>& channels = request->query->channels;
     if (request->paths.empty() && channels.size() > 1) {
       // The file is the last word of "--channel GLOB FILE".
       request->paths.push_back(channels.back());
       channels.pop_back();
     }
-    exit_code =
-        request->paths.empty()
-            ? complain("FILE is required; run 'mdf plot --help' for examples", exit_unusable)
-            : run(*request);
+    return request->paths.empty()
+               ? complain("FILE is required; run 'mdf plot --help' for examples", exit_unusable)
+               : run(*request);
   });
 }
 

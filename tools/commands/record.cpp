@@ -1,6 +1,5 @@
 #include <mdf_writer_zip/zipper.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "command.h"
+#include "command_line/command_line.h"
 #include "recording/candump_source.h"
 #include "recording/line_recording.h"
 #include "recording/line_source.h"
@@ -215,88 +215,86 @@ int run(const Request& request) {
   }
 }
 
-void addRingOptions(CLI::App& command, Request& request) {
+void addRingOptions(CommandLine& command, Request& request) {
   command
-      .add_option(
+      .addOption(
           "--ring", request.ring,
           "Record the last TIME only: in memory, until the recording ends or a trigger fires")
-      ->type_name("TIME");
-  CLI::Option* const trigger =
+      .typeName("TIME");
+  const Option trigger =
       command
-          .add_option("--trigger", request.trigger,
-                      "Begin the file when a condition becomes true: a channel, one of > >= < <= "
-                      "== != and a number, such as 'cpu_total > 90'")
-          ->type_name("CONDITION");
+          .addOption("--trigger", request.trigger,
+                     "Begin the file when a condition becomes true: a channel, one of > >= < <= "
+                     "== != and a number, such as 'cpu_total > 90'")
+          .typeName("CONDITION");
   command
-      .add_option(
+      .addOption(
           "--pre-trigger", request.pre_trigger,
           "How much of what came before the trigger is in the file; without, all that --ring "
           "keeps")
-      ->type_name("TIME")
-      ->needs(trigger);
+      .typeName("TIME")
+      .needs(trigger);
   command
-      .add_option("--post-trigger", request.post_trigger,
-                  "How long the file goes on after the trigger; without, until the end")
-      ->type_name("TIME")
-      ->needs(trigger);
+      .addOption("--post-trigger", request.post_trigger,
+                 "How long the file goes on after the trigger; without, until the end")
+      .typeName("TIME")
+      .needs(trigger);
 }
 
 }  // namespace
 
-void addRecordCommand(CLI::App& app, int& exit_code) {
+void addRecordCommand(CommandLine& program) {
   const auto request = std::make_shared<Request>();
-  CLI::App* const command =
-      app.add_subcommand("record", "Record the live signals of this machine in a new file");
-  command->add_option("OUT.mf4", request->to.path, "The file; - is standard output")
-      ->required()
-      ->type_name("FILE");
+  CommandLine command =
+      program.addCommand("record", "Record the live signals of this machine in a new file");
+  command.addOption("OUT.mf4", request->to.path, "The file; - is standard output")
+      .required()
+      .typeName("FILE");
   command
-      ->add_option("--duration", request->duration,
-                   "How long: a number and ms, s, min or h; 0 for until Ctrl-C")
-      ->type_name("TIME")
-      ->default_str("10s");
-  CLI::Option* const rate =
+      .addOption("--duration", request->duration,
+                 "How long: a number and ms, s, min or h; 0 for until Ctrl-C")
+      .typeName("TIME")
+      .showDefault("10s");
+  const Option rate =
       command
-          ->add_option(
+          .addOption(
               "--rate", request->rates,
               "How many samples a second: a number and Hz or kHz, or one for one source, such "
               "as cpu=50Hz (repeatable)")
-          ->type_name("RATE")
-          ->allow_extra_args(false)
-          ->default_str("100Hz");
-  CLI::Option* const channels =
+          .typeName("RATE")
+          .oneEachTime()
+          .showDefault("100Hz");
+  const Option channels =
       command
-          ->add_option("-c,--channels", request->channels,
-                       "Only the signals whose names match a pattern (repeatable)")
-          ->type_name("GLOB")
-          ->allow_extra_args(false);
-  command->add_flag("--force", request->replaces, "Replace an existing file");
-  command->add_flag("--sync", request->syncs,
-                    "Wait each second until the medium has everything, so that it survives a power "
-                    "failure");
-  command->add_flag("--zip", request->zips, "Deflate the data, on a thread of its own");
+          .addOption("-c,--channels", request->channels,
+                     "Only the signals whose names match a pattern (repeatable)")
+          .typeName("GLOB")
+          .oneEachTime();
+  command.addFlag("--force", request->replaces, "Replace an existing file");
+  command.addFlag("--sync", request->syncs,
+                  "Wait each second until the medium has everything, so that it survives a power "
+                  "failure");
+  command.addFlag("--zip", request->zips, "Deflate the data, on a thread of its own");
   command
-      ->add_option("--rotate", request->limit,
-                   "Go on in the next file, OUT_002.mf4, when one has that size or is that long: a "
-                   "number and kB, MB, GB, TB, s, min or h")
-      ->type_name("SIZE|TIME");
-  addRingOptions(*command, *request);
-  CLI::Option* const lines =
-      command
-          ->add_option("--stdin", request->lines,
-                       "Record what comes in lines on standard input, until its end")
-          ->check(CLI::IsMember({"csv", "json", "candump"}))
-          ->option_text("csv|json|candump")
-          ->excludes(rate)
-          ->excludes(channels);
+      .addOption("--rotate", request->limit,
+                 "Go on in the next file, OUT_002.mf4, when one has that size or is that long: a "
+                 "number and kB, MB, GB, TB, s, min or h")
+      .typeName("SIZE|TIME");
+  addRingOptions(command, *request);
+  const Option lines = command
+                           .addOption("--stdin", request->lines,
+                                      "Record what comes in lines on standard input, until its end")
+                           .choice({"csv", "json", "candump"})
+                           .excludes(rate)
+                           .excludes(channels);
   command
-      ->add_option("--time", request->time,
-                   "Which channel of them has the times; without, samples have the times at which "
-                   "they come")
-      ->type_name("NAME")
-      ->needs(lines);
-  command->footer(footer);
-  command->callback([request, &exit_code] { exit_code = run(*request); });
+      .addOption("--time", request->time,
+                 "Which channel of them has the times; without, samples have the times at which "
+                 "they come")
+      .typeName("NAME")
+      .needs(lines);
+  command.footer(footer);
+  command.onRun([request] { return run(*request); });
 }
 
 }  // namespace mdf_tools

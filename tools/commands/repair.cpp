@@ -1,6 +1,5 @@
 #include <fcntl.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
@@ -19,6 +18,7 @@
 #include "changing/finishing.h"
 #include "changing/repair_report.h"
 #include "command.h"
+#include "command_line/command_line.h"
 #include "complete_file.h"
 #include "extracting/new_file.h"
 #include "file_command.h"
@@ -288,22 +288,23 @@ arguments, unreadable file, or nothing that can be saved.)";
 
 }  // namespace
 
-void addRepairCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("repair", "Make files whole that were cut off or damaged");
+void addRepairCommand(CommandLine& program) {
+  CommandLine command =
+      program.addCommand("repair", "Make files whole that were cut off or damaged");
   const auto request = std::make_shared<Request>();
-  const auto paths = addFileArguments(*command);
+  const auto paths = addFileArguments(command);
   command
-      ->add_option("-o,--output", request->output,
-                   "The file to make, or a folder for files of the same names")
-      ->type_name("OUT");
-  command->add_flag("--in-place", request->is_in_place, "Change the files themselves");
-  command->add_flag("--force", request->replaces, "Replace existing files");
-  command->add_flag("--json", request->as_json,
-                    "Print an object for each file: what was kept, cut, set and lost");
-  command->footer(footer);
-  command->callback([request, paths, &exit_code] {
+      .addOption("-o,--output", request->output,
+                 "The file to make, or a folder for files of the same names")
+      .typeName("OUT");
+  command.addFlag("--in-place", request->is_in_place, "Change the files themselves");
+  command.addFlag("--force", request->replaces, "Replace existing files");
+  command.addFlag("--json", request->as_json,
+                  "Print an object for each file: what was kept, cut, set and lost");
+  command.footer(footer);
+  command.onRun([request, paths] {
     request->paths = *paths;
-    exit_code = run(*request);
+    return run(*request);
   });
 }
 

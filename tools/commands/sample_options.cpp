@@ -1,48 +1,55 @@
 #include "sample_options.h"
 
-#include <CLI/CLI.hpp>
-
+#include "command_line/command_line.h"
 #include "file_command.h"
 #include "group_option.h"
 #include "number_option.h"
 
 namespace mdf_tools {
 
-void addRangeOptions(CLI::App& command, const std::shared_ptr<Query>& query) {
-  command.add_option("--from", query->from, "Samples from this time (master value) on")
-      ->type_name("T")
-      ->check(isNumber());
-  command.add_option("--to", query->to, "Samples up to this time (master value)")
-      ->type_name("T")
-      ->check(isNumber());
-  command.parse_complete_callback([query] {
-    if (query->from && query->to && *query->from > *query->to) {
-      throw CLI::ValidationError("--from is after --to");
-    }
+void addRangeOptions(CommandLine& command, const std::shared_ptr<Query>& query,
+                     const std::string& what) {
+  command.addOption("--from", query->from, what + " from this time (master value) on")
+      .typeName("T")
+      .check(expectNumber);
+  command.addOption("--to", query->to, what + " up to this time (master value)")
+      .typeName("T")
+      .check(expectNumber);
+  command.check([query] {
+    const bool is_reversed = query->from && query->to && *query->from > *query->to;
+    return is_reversed ? "--from is after --to" : "";
   });
 }
 
-std::shared_ptr<Query> addSelectionOptions(CLI::App& command, bool takes_several) {
+void addEndOptions(CommandLine& command, Query& query) {
+  const Option first =
+      command.addOption("--first", query.first, "The first N records of each channel group")
+          .typeName("N")
+          .check(expectCount);
+  command.addOption("--last", query.last, "The last N records of each channel group")
+      .typeName("N")
+      .check(expectCount)
+      .excludes(first);
+}
+
+std::shared_ptr<Query> addSelectionOptions(CommandLine& command, bool takes_several) {
   auto query = std::make_shared<Query>();
-  command
-      .add_option("-c,--channel", query->channels,
-                  "Channels whose name matches a pattern with *, ? and [...]; may be repeated")
-      ->type_name("GLOB")
-      ->allow_extra_args(takes_several);
+  Option channel =
+      command
+          .addOption("-c,--channel", query->channels,
+                     "Channels whose name matches a pattern with *, ? and [...]; may be repeated")
+          .typeName("GLOB");
+  if (!takes_several) {
+    channel.oneEachTime();
+  }
   addGroupOption(command, query->group);
   addRangeOptions(command, query);
-  CLI::Option* const first =
-      command.add_option("--first", query->first, "The first N records of each channel group")
-          ->type_name("N")
-          ->check(isCount());
-  command.add_option("--last", query->last, "The last N records of each channel group")
-      ->type_name("N")
-      ->check(isCount())
-      ->excludes(first);
-  command.add_option("--stride", query->stride, "Of those, each N-th record only")
-      ->type_name("N")
-      ->check(isCount() & CLI::PositiveNumber);
-  command.add_flag("--raw", query->raw, "Values as they are stored, without conversions");
+  addEndOptions(command, *query);
+  command.addOption("--stride", query->stride, "Of those, each N-th record only")
+      .typeName("N")
+      .check(expectCount)
+      .positive();
+  command.addFlag("--raw", query->raw, "Values as they are stored, without conversions");
   return query;
 }
 

@@ -6,12 +6,9 @@
 
 #include "reader/columns/tables.h"
 
-namespace CLI {
-class App;
-class Option;
-}  // namespace CLI
-
 namespace mdf_tools {
+
+class CommandLine;
 
 struct FileContext;
 
@@ -19,10 +16,15 @@ using namespace mdf_reader;
 
 /// Adds the options that choose samples: --channel, --group, --from, --to, --raw.
 /// @param takes_several whether one --channel may be followed by several patterns.
-std::shared_ptr<Query> addSelectionOptions(CLI::App& command, bool takes_several);
+std::shared_ptr<Query> addSelectionOptions(CommandLine& command, bool takes_several);
 
 /// Adds --from and --to.
-void addRangeOptions(CLI::App& command, const std::shared_ptr<Query>& query);
+/// @param what is chosen by time.
+void addRangeOptions(CommandLine& command, const std::shared_ptr<Query>& query,
+                     const std::string& what = "Samples");
+
+/// Adds --first and --last.
+void addEndOptions(CommandLine& command, Query& query);
 
 /// "no channel matches ...", for a file that has none of the samples that are wanted.
 std::string nothingChosen(const Query& query);

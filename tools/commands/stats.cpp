@@ -1,10 +1,10 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "command.h"
+#include "command_line/command_line.h"
 #include "decoding_option.h"
 #include "file_command.h"
 #include "measuring/table_meter.h"
@@ -127,17 +127,17 @@ int run(const Request& request) {
 
 }  // namespace
 
-void addStatsCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command =
-      app.add_subcommand("stats", "Measure the samples: extremes, means, rates, gaps, bytes");
+void addStatsCommand(CommandLine& program) {
+  CommandLine command =
+      program.addCommand("stats", "Measure the samples: extremes, means, rates, gaps, bytes");
   const auto request = std::make_shared<Request>();
-  request->paths = addFileArguments(*command);
-  request->query = addSelectionOptions(*command, false);
-  request->decoding = addDecodingOptions(*command);
-  command->add_flag("--du", request->by_bytes, "Sort the groups by their bytes, largest first");
-  command->add_flag("--json", request->is_json, "Print a JSON object for each channel group");
-  command->footer(footer);
-  command->callback([request, &exit_code] { exit_code = run(*request); });
+  request->paths = addFileArguments(command);
+  request->query = addSelectionOptions(command, false);
+  request->decoding = addDecodingOptions(command);
+  command.addFlag("--du", request->by_bytes, "Sort the groups by their bytes, largest first");
+  command.addFlag("--json", request->is_json, "Print a JSON object for each channel group");
+  command.footer(footer);
+  command.onRun([request] { return run(*request); });
 }
 
 }  // namespace mdf_tools

@@ -1,15 +1,14 @@
 #include "time_option.h"
 
-#include <CLI/CLI.hpp>
+#include "command_line/command_line.h"
 
 namespace mdf_tools {
 
-void addTimeOption(CLI::App& command, std::string& time) {
+void addTimeOption(CommandLine& command, std::string& time) {
   command
-      .add_option("--time", time,
-                  "Times as seconds since the measurement began, dates, or ns since 1970")
-      ->check(CLI::IsMember({"seconds", "iso", "ns"}))
-      ->option_text("seconds|iso|ns");
+      .addOption("--time", time,
+                 "Times as seconds since the measurement began, dates, or ns since 1970")
+      .choice({"seconds", "iso", "ns"});
 }
 
 ValueForm timeFormOf(const std::string& time, const Header& header, const NoteSink& note) {

@@ -6,16 +6,14 @@
 #include "printing/value_form.h"
 #include "reader/columns/tables.h"
 
-namespace CLI {
-class App;
-}
-
 namespace mdf_tools {
+
+class CommandLine;
 
 using namespace mdf_reader;
 
 /// Adds the option --time, which says how times are written: "seconds", "iso" or "ns".
-void addTimeOption(CLI::App& command, std::string& time);
+void addTimeOption(CommandLine& command, std::string& time);
 
 /// How the times of a file are written then. Where the file does not say when it was begun, they
 /// are seconds, and a note says so.

@@ -1,9 +1,9 @@
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "command.h"
+#include "command_line/command_line.h"
 #include "file_command.h"
 #include "number_option.h"
 #include "offset_option.h"
@@ -66,21 +66,21 @@ int tree(TreeArguments arguments) {
 
 }  // namespace
 
-void addTreeCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("tree", "Show a file's blocks as a tree");
+void addTreeCommand(CommandLine& program) {
+  CommandLine command = program.addCommand("tree", "Show a file's blocks as a tree");
   const auto arguments = std::make_shared<TreeArguments>();
-  arguments->paths = addFileArguments(*command);
-  command->add_option("--from", arguments->from, "Begin at the block at this offset")
-      ->type_name("OFFSET")
-      ->check(isOffset());
-  command->add_option("--depth", arguments->options.most_depth, "How many levels to go down")
-      ->type_name("N")
-      ->check(isCount());
-  command->add_flag("--no-text", arguments->hides_texts, "Leave out text and metadata blocks");
-  command->add_flag("--all", arguments->shows_all, "Show long lists and chains whole");
-  command->add_flag("--json", arguments->is_json, "Write JSON lines, one for each link");
-  command->footer(footer);
-  command->callback([arguments, &exit_code] { exit_code = tree(*arguments); });
+  arguments->paths = addFileArguments(command);
+  command.addOption("--from", arguments->from, "Begin at the block at this offset")
+      .typeName("OFFSET")
+      .check(expectOffset);
+  command.addOption("--depth", arguments->options.most_depth, "How many levels to go down")
+      .typeName("N")
+      .check(expectCount);
+  command.addFlag("--no-text", arguments->hides_texts, "Leave out text and metadata blocks");
+  command.addFlag("--all", arguments->shows_all, "Show long lists and chains whole");
+  command.addFlag("--json", arguments->is_json, "Write JSON lines, one for each link");
+  command.footer(footer);
+  command.onRun([arguments] { return tree(*arguments); });
 }
 
 }  // namespace mdf_tools
