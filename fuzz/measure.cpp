@@ -37,7 +37,24 @@ void visitRecords(const Measurement& measurement) {
   }
 }
 
-/// What the C interface gives of the same file. All that it hands out is released.
+/// Reads a few batches of a stream, and releases all that it hands out.
+void visitStream(ArrowArrayStream& stream) {
+  ArrowSchema schema;
+  expect(stream.get_schema(&stream, &schema) == 0, "a schema");
+  ArrowArray batch;
+  for (int count = 0; count < 10; ++count) {
+    expect(stream.get_next(&stream, &batch) == 0, "a batch or the end");
+    if (batch.release == nullptr) {
+      break;
+    }
+    expect(batch.n_children == schema.n_children && batch.length > 0, "a column for each field");
+    batch.release(&batch);
+  }
+  schema.release(&schema);
+  stream.release(&stream);
+}
+
+/// What the C interface gives of the same file.
 void visitByC(const char* path) {
   mdf_file* file = nullptr;
   expect(mdf_open(path, &file, nullptr) == 0, "a file that opens twice");
@@ -46,20 +63,13 @@ void visitByC(const char* path) {
   mdf_free(about);
   ArrowArrayStream stream;
   if (mdf_read(file, R"({"group": 0, "batch_rows": 100})", &stream, nullptr) == 0) {
-    ArrowSchema schema;
-    expect(stream.get_schema(&stream, &schema) == 0, "a schema");
-    ArrowArray batch;
-    for (int count = 0; count < 10; ++count) {
-      expect(stream.get_next(&stream, &batch) == 0, "a batch or the end");
-      if (batch.release == nullptr) {
-        break;
-      }
-      expect(batch.n_children == schema.n_children && batch.length > 0, "a column for each field");
-      batch.release(&batch);
-    }
-    schema.release(&schema);
-    stream.release(&stream);
+    visitStream(stream);
   }
+  if (mdf_frames(file, R"({"batch_rows": 100})", &stream, nullptr) == 0) {
+    visitStream(stream);
+  }
+  std::uint64_t size = 0;
+  mdf_free(mdf_attachment(file, 0, &size, nullptr));
   mdf_close(file);
 }
 

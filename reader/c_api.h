@@ -1,8 +1,9 @@
 /** The reader library for C, and for every language that calls C.
  *
  * A file is opened, described, and read as streams of Apache Arrow's C data interface, which data
- * frames and databases take as they are. No exception leaves these functions. One thread at a time
- * may use a file and its streams; what a stream has handed out belongs to whoever took it.
+ * frames and databases take as they are. No exception leaves these functions. Threads that use the
+ * same file and its streams take turns; a file must not be closed while another thread uses it.
+ * What a stream has handed out belongs to whoever took it.
  */
 #ifndef MDF_READER_C_API_H_
 #define MDF_READER_C_API_H_
@@ -99,7 +100,8 @@ void mdf_close(struct mdf_file* file);
 /** What the file is and what is in it, as JSON in UTF-8.
  *
  * "schema" changes with the meaning of the members, "info" is what `mdf info --json` says of a
- * file, "channels" has an object for each channel as `mdf list channels --json` prints it.
+ * file; "channels", "attachments" and "events" have an object for each, as `mdf list channels
+ * --json` and the like print it.
  *
  * @return a text to be given to mdf_free(); null on failure.
  */
@@ -113,7 +115,17 @@ char* mdf_describe(struct mdf_file* file, struct mdf_error* error);
  */
 char* mdf_findings(struct mdf_file* file, struct mdf_error* error);
 
-/** Frees a text that one of these functions returned; null is nothing. */
+/** The data of an attachment that is in the file, uncompressed.
+ *
+ * @param index which of the attachments that mdf_describe() lists, from 0 on.
+ * @param size is set to the number of bytes.
+ * @return the bytes, to be given to mdf_free(); null on failure. Data that is cut off, or does not
+ * have its digest, is a failure.
+ */
+char* mdf_attachment(struct mdf_file* file, uint64_t index, uint64_t* size,
+                     struct mdf_error* error);
+
+/** Frees what one of these functions returned; null is nothing. */
 void mdf_free(char* text);
 
 /** Reads channels of one channel group.
@@ -126,8 +138,9 @@ void mdf_free(char* text);
  * | group      | number of the channel group, or a pattern of its name |
  * | element    | of an array whose elements have records of their own, the one with this number |
  * | from, to   | limits of the master channel's values |
- * | first      | so many records, the group's first ones |
- * | last       | the same of its last ones |
+ * | skip       | so many records that are left out, the group's first ones |
+ * | first      | so many records of the others, the first ones |
+ * | last       | the same of the last ones |
  * | stride     | of those, the first one and each so many-th after it |
  * | raw        | true: values as they are stored, without conversions |
  * | numbers    | true: where a conversion gives a text, the number that is stored |
@@ -157,6 +170,30 @@ void mdf_free(char* text);
  */
 int mdf_read(struct mdf_file* file, const char* query, struct ArrowArrayStream* stream,
              struct mdf_error* error);
+
+/** Reads the frames of CAN and LIN buses, of all channel groups that hold such, in the order of
+ * their times.
+ *
+ * Of the members of a query, "from", "to", "batch_rows" and "times" have the meaning that they have
+ * in mdf_read(). The columns:
+ *
+ * | Column    | Type    | Meaning |
+ * |-----------|---------|---------|
+ * | time      | double  | seconds since the measurement was started, or a timestamp |
+ * | bus       | text    | "can1" |
+ * | frame     | text    | "data", "remote", "error", "overload", "lin", or a LIN error's name |
+ * | id        | uint32  | identifier |
+ * | extended  | uint8   | 1 for an identifier of 29 bits |
+ * | direction | text    | "Rx" or "Tx" |
+ * | fd, brs, esi | uint8 | 1 for CAN FD, its bit rate switch, its error state |
+ * | error     | text    | "bit", "form", "stuffing", "crc" or "ack" |
+ * | length    | uint64  | of the data, as the frame states it |
+ * | data      | bytes   | as far as it was recorded |
+ *
+ * What a frame does not tell is null. A file without frames is an error.
+ */
+int mdf_frames(struct mdf_file* file, const char* query, struct ArrowArrayStream* stream,
+               struct mdf_error* error);
 
 #ifdef __cplusplus
 }

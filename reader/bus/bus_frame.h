@@ -37,6 +37,11 @@ struct BusFrame {
   std::string_view data;                ///< as far as it was recorded, never longer than that
 };
 
+/// Words for what a frame is, which way it went, and what is wrong with it; "" for unknown.
+std::string_view kindName(const BusFrame& frame);
+std::string_view directionName(const BusFrame& frame);
+std::string_view errorName(const BusFrame& frame);
+
 /// The bytes of data that a data length code stands for.
 std::uint64_t dataLengthOf(std::uint64_t code, bool is_fd);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <functional>
 #include <memory>
 #include <new>
 #include <optional>
@@ -25,9 +26,10 @@ constexpr std::size_t most_shown = 10;  // channel groups
 
 /// What a stream points to.
 struct StreamOwner {
-  Batches batches;
+  std::shared_ptr<std::mutex> turn;
   std::vector<ArrowField> fields;
-  std::optional<std::int64_t> start;  ///< of timestamps
+  std::function<std::shared_ptr<const Batch>()> next;
+  std::optional<std::int64_t> start = std::nullopt;  ///< of timestamps
   const char* last_error = nullptr;
 };
 
@@ -39,6 +41,7 @@ StreamOwner& ownerOf(ArrowArrayStream* stream) {
 template <class Work>
 int guarded(ArrowArrayStream* stream, const Work& work) {
   StreamOwner& owner = ownerOf(stream);
+  const std::lock_guard<std::mutex> turn(*owner.turn);
   try {
     work(owner);
     owner.last_error = nullptr;
@@ -60,8 +63,8 @@ int getSchema(ArrowArrayStream* stream, ArrowSchema* out) {
 int getNext(ArrowArrayStream* stream, ArrowArray* out) {
   *out = {};
   return guarded(stream, [&](StreamOwner& owner) {
-    if (owner.batches.next() != nullptr) {
-      exportBatch(owner.batches.take(), owner.start, *out);
+    if (const auto batch = owner.next()) {
+      exportBatch(batch, owner.start, *out);
     }
   });
 }
@@ -69,7 +72,10 @@ int getNext(ArrowArrayStream* stream, ArrowArray* out) {
 const char* getLastError(ArrowArrayStream* stream) { return ownerOf(stream).last_error; }
 
 void release(ArrowArrayStream* stream) {
-  const std::unique_ptr<StreamOwner> owner(&ownerOf(stream));
+  std::unique_ptr<StreamOwner> owner(&ownerOf(stream));
+  const std::shared_ptr<std::mutex> mutex = owner->turn;
+  const std::lock_guard<std::mutex> turn(*mutex);
+  owner.reset();
   stream->release = nullptr;
 }
 
@@ -154,6 +160,14 @@ std::string timestampFormat(const StoredTime& start) {
   return "tsn:" + (start.zone().empty() ? "UTC" : start.zone());
 }
 
+std::int64_t nanosecondsOf(const StoredTime& start) {
+  const auto nanoseconds = start.nanoseconds();
+  if (!nanoseconds) {
+    throw WrongQuery("the file does not state when it starts, so there are no timestamps");
+  }
+  return *nanoseconds;
+}
+
 /// When the seconds of a table's master channel began, in nanoseconds since 1970.
 std::int64_t startOf(const StoredTime& start, const TableHead& head, const Query& query) {
   constexpr unsigned over_time = 1;
@@ -165,29 +179,55 @@ std::int64_t startOf(const StoredTime& start, const TableHead& head, const Query
   if (query.raw && master.channel->conversion != 0) {
     throw WrongQuery("timestamps are made of physical values, not of \"raw\" ones");
   }
-  const auto nanoseconds = start.nanoseconds();
-  if (!nanoseconds) {
-    throw WrongQuery("the file does not state when it starts, so there are no timestamps");
-  }
-  return *nanoseconds;
+  return nanosecondsOf(start);
 }
 
-}  // namespace
-
-void exportStream(const Measurement& measurement, const QueryText& text, ArrowArrayStream& out) {
-  auto owner = std::make_unique<StreamOwner>(StreamOwner{measurement.read(text.query), {}, {}, {}});
-  const TableHead head = headOf(measurement, text.query, owner->batches);
-  owner->fields = fieldsOf(measurement, head);
-  if (text.has_timestamps) {
-    const StoredTime start = startTimeOf(measurement.header());
-    owner->start = startOf(start, head, text.query);
-    owner->fields.front().format = timestampFormat(start);
-  }
+void handOver(std::unique_ptr<StreamOwner> owner, ArrowArrayStream& out) {
   out.get_schema = getSchema;
   out.get_next = getNext;
   out.get_last_error = getLastError;
   out.release = release;
   out.private_data = owner.release();
+}
+
+}  // namespace
+
+void exportStream(const SharedFile& file, const QueryText& text, ArrowArrayStream& out) {
+  const Measurement& measurement = file.measurement;
+  const auto batches = std::make_shared<Batches>(measurement.read(text.query));
+  const TableHead head = headOf(measurement, text.query, *batches);
+  auto owner = std::make_unique<StreamOwner>(StreamOwner{
+      file.turn, fieldsOf(measurement, head), [batches]() -> std::shared_ptr<const Batch> {
+        return batches->next() == nullptr ? nullptr : batches->take();
+      }});
+  if (text.has_timestamps) {
+    const StoredTime start = startTimeOf(measurement.header());
+    owner->start = startOf(start, head, text.query);
+    owner->fields.front().format = timestampFormat(start);
+  }
+  handOver(std::move(owner), out);
+}
+
+void exportFrames(const SharedFile& file, const QueryText& text, ArrowArrayStream& out) {
+  const auto frames =
+      std::make_shared<FrameBatches>(file.measurement.frames(text.query.from, text.query.to));
+  if (frames->groups() == 0) {
+    throw WrongQuery("no channel group holds frames of CAN or LIN");
+  }
+  std::vector<ArrowField> fields;
+  for (const ColumnHead& column : frames->head().columns) {
+    fields.push_back({column.name, arrowFormat(column.type),
+                      column.unit.empty() ? "" : arrowMetadata({{"unit", column.unit}})});
+  }
+  auto owner = std::make_unique<StreamOwner>(
+      StreamOwner{file.turn, std::move(fields),
+                  [frames, rows = text.query.batch_rows] { return frames->next(rows); }});
+  if (text.has_timestamps) {
+    const StoredTime start = startTimeOf(file.measurement.header());
+    owner->start = nanosecondsOf(start);
+    owner->fields.front().format = timestampFormat(start);
+  }
+  handOver(std::move(owner), out);
 }
 
 }  // namespace mdf_reader

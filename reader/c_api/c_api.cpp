@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <exception>
+#include <mutex>
 #include <new>
 #include <string>
 #include <string_view>
 
 #include "../measurement/measurement.h"
+#include "../model/attachment_reading.h"
 #include "../summary/json.h"
 #include "arrow_stream.h"
 #include "query_json.h"
@@ -14,7 +16,7 @@
 
 /// What C programs hold a pointer to.
 struct mdf_file {
-  mdf_reader::Measurement measurement;
+  mdf_reader::SharedFile shared;
 };
 
 namespace {
@@ -68,6 +70,16 @@ void expectArgument(const void* argument, const char* name) {
   }
 }
 
+/// Does one call about a file, when it is its turn.
+template <class Work>
+int guarded(mdf_file* file, mdf_error* error, const Work& work) {
+  return guarded(error, [&] {
+    expectArgument(file, "file");
+    const std::lock_guard<std::mutex> turn(*file->shared.turn);
+    work(file->shared);
+  });
+}
+
 char* copyOf(const std::string& text) {
   char* const copied = new char[text.size() + 1];
   *std::copy(text.begin(), text.end(), copied) = '\0';
@@ -83,6 +95,41 @@ Json asJson(const Finding& finding) {
           {"text", finding.sentence}};
 }
 
+/// Does one call that sets a stream; on failure it is none.
+template <class Work>
+int exported(mdf_file* file, ArrowArrayStream* stream, mdf_error* error, const Work& work) {
+  if (stream != nullptr) {
+    *stream = {};
+  }
+  return guarded(file, error, [&](const SharedFile& shared) {
+    expectArgument(stream, "place for the stream");
+    work(shared);
+  });
+}
+
+/// The data of an attachment.
+std::string dataOf(const Measurement& measurement, std::uint64_t index) {
+  const std::vector<Attachment> attachments = measurement.attachments();
+  if (index >= attachments.size()) {
+    throw Refused("query-wrong", "expected the number of an attachment, of which there are " +
+                                     std::to_string(attachments.size()) + ", found " +
+                                     std::to_string(index));
+  }
+  const Attachment& attachment = attachments[static_cast<std::size_t>(index)];
+  if (!attachment.is_embedded) {
+    throw Refused("query-wrong", "the attachment's data is not in the file");
+  }
+  std::string data;
+  const auto damage = damageOf(
+      measurement.readAttachment(attachment, [&](std::string_view bytes) { data += bytes; }));
+  if (damage) {
+    const std::string sentence = "expected the data of attachment " + std::to_string(index) +
+                                 " as it was embedded, " + damage->found;
+    throw Unreadable(sentence, {damage->code, attachment.offset, sentence});
+  }
+  return data;
+}
+
 }  // namespace
 
 int mdf_open(const char* path, mdf_file** file, mdf_error* error) {
@@ -90,7 +137,7 @@ int mdf_open(const char* path, mdf_file** file, mdf_error* error) {
     expectArgument(file, "place for the file");
     *file = nullptr;
     expectArgument(path, "path");
-    *file = new mdf_file{Measurement(path)};
+    *file = new mdf_file{{Measurement(path)}};
   });
 }
 
@@ -98,19 +145,16 @@ void mdf_close(mdf_file* file) { delete file; }
 
 char* mdf_describe(mdf_file* file, mdf_error* error) {
   char* text = nullptr;
-  guarded(error, [&] {
-    expectArgument(file, "file");
-    text = copyOf(file->measurement.describe());
-  });
+  guarded(file, error,
+          [&](const SharedFile& shared) { text = copyOf(shared.measurement.describe()); });
   return text;
 }
 
 char* mdf_findings(mdf_file* file, mdf_error* error) {
   char* text = nullptr;
-  guarded(error, [&] {
-    expectArgument(file, "file");
+  guarded(file, error, [&](const SharedFile& shared) {
     Json list = Json::array();
-    for (const Finding& finding : file->measurement.findings()) {
+    for (const Finding& finding : shared.measurement.findings()) {
       list.push_back(asJson(finding));
     }
     text = copyOf(jsonLine(list));
@@ -118,13 +162,27 @@ char* mdf_findings(mdf_file* file, mdf_error* error) {
   return text;
 }
 
+char* mdf_attachment(mdf_file* file, uint64_t index, uint64_t* size, mdf_error* error) {
+  char* bytes = nullptr;
+  guarded(file, error, [&](const SharedFile& shared) {
+    expectArgument(size, "place for the size");
+    const std::string data = dataOf(shared.measurement, index);
+    bytes = copyOf(data);
+    *size = data.size();
+  });
+  return bytes;
+}
+
 void mdf_free(char* text) { delete[] text; }
 
 int mdf_read(mdf_file* file, const char* query, ArrowArrayStream* stream, mdf_error* error) {
-  return guarded(error, [&] {
-    expectArgument(stream, "place for the stream");
-    *stream = {};
-    expectArgument(file, "file");
-    exportStream(file->measurement, query == nullptr ? QueryText() : queryFrom(query), *stream);
+  return exported(file, stream, error, [&](const SharedFile& shared) {
+    exportStream(shared, query == nullptr ? QueryText() : queryFrom(query), *stream);
+  });
+}
+
+int mdf_frames(mdf_file* file, const char* query, ArrowArrayStream* stream, mdf_error* error) {
+  return exported(file, stream, error, [&](const SharedFile& shared) {
+    exportFrames(shared, query == nullptr ? QueryText() : frameQueryFrom(query), *stream);
   });
 }

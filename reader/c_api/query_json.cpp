@@ -44,7 +44,7 @@ std::string groupFrom(const std::string& name, const Json& value) {
   return value.get<std::string>();
 }
 
-std::uint64_t elementFrom(const std::string& name, const Json& value) {
+std::uint64_t wholeNumberFrom(const std::string& name, const Json& value) {
   if (!value.is_number_unsigned()) {
     refuse(name, "a number from 0 on", value);
   }
@@ -94,11 +94,13 @@ void takeMember(const std::string& name, const Json& value, QueryText& text) {
   } else if (name == "group") {
     query.group = groupFrom(name, value);
   } else if (name == "element") {
-    query.element = elementFrom(name, value);
+    query.element = wholeNumberFrom(name, value);
   } else if (name == "from") {
     query.from = numberFrom(name, value);
   } else if (name == "to") {
     query.to = numberFrom(name, value);
+  } else if (name == "skip") {
+    query.skip = wholeNumberFrom(name, value);
   } else if (name == "first") {
     query.first = recordsFrom(name, value);
   } else if (name == "last") {
@@ -117,10 +119,10 @@ void takeMember(const std::string& name, const Json& value, QueryText& text) {
     text.has_timestamps = areTimestamps(name, value);
   } else {
     throw WrongQuery(
-        "expected members \"channels\", \"group\", \"element\", \"from\", \"to\", \"first\", "
+        "expected members \"channels\", \"group\", \"element\", \"from\", \"to\", \"skip\", "
+        "\"first\", "
         "\"last\", \"stride\", \"raw\", \"numbers\", \"batch_rows\", \"threads\" and \"times\" in "
-        "the "
-        "query, found \"" +
+        "the query, found \"" +
         printable(name, Harmless::utf8, shown_text) + '"');
   }
 }
@@ -136,7 +138,9 @@ Json parsed(std::string_view json) try {
 
 }  // namespace
 
-QueryText queryFrom(std::string_view json) {
+namespace {
+
+QueryText queryFrom(std::string_view json, bool (*isMember)(const std::string& name)) {
   const Json members = parsed(json);
   if (!members.is_object()) {
     throw WrongQuery("expected the query to be a JSON object, found " +
@@ -144,9 +148,27 @@ QueryText queryFrom(std::string_view json) {
   }
   QueryText text;
   for (const auto& [name, value] : members.items()) {
+    if (!isMember(name)) {
+      throw WrongQuery(
+          "expected members \"from\", \"to\", \"batch_rows\" and \"times\" in a query of frames, "
+          "found \"" +
+          printable(name, Harmless::utf8, shown_text) + '"');
+    }
     takeMember(name, value, text);
   }
   return text;
+}
+
+}  // namespace
+
+QueryText queryFrom(std::string_view json) {
+  return queryFrom(json, [](const std::string& /*name*/) { return true; });
+}
+
+QueryText frameQueryFrom(std::string_view json) {
+  return queryFrom(json, [](const std::string& name) {
+    return name == "from" || name == "to" || name == "batch_rows" || name == "times";
+  });
 }
 
 }  // namespace mdf_reader

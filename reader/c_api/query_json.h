@@ -17,6 +17,10 @@ struct QueryText {
 /// @throws Refused when it is none, or a member of it is not as it should be.
 QueryText queryFrom(std::string_view json);
 
+/// Reads a query of frames of buses.
+/// @throws Refused as above, and for a member that frames have no use for.
+QueryText frameQueryFrom(std::string_view json);
+
 }  // namespace mdf_reader
 
 #endif  // MDF_READER_C_API_QUERY_JSON_H_

@@ -69,6 +69,7 @@ class Batch {
   const std::string& unit(std::size_t index) const { return head_->columns[index].unit; }
 
  private:
+  friend class FrameColumns;
   friend class Table;
   friend class JoinedTable;
 

@@ -85,7 +85,7 @@ std::optional<int> decimalsOf(double number) {
 
 JoinedTable::JoinedTable(Tables& tables, const Query& query, const TimeBase& base,
                          const NoteSink& note)
-    : tables_(tables), query_(query), base_(base), note_(note) {
+    : tables_(tables), query_(query), base_(base), note_(note), row_(query.skip) {
   const ChannelGroup* const group = base_.rate ? nullptr : chooseGroup();
   if (!problem_.empty()) {
     return;
@@ -268,7 +268,7 @@ bool JoinedTable::goToNextSample() {
 }
 
 bool JoinedTable::goToNextTime() {
-  if (query_.first && row_ >= *query_.first) {
+  if (query_.first && row_ - query_.skip >= *query_.first) {
     return false;
   }
   time_ = decimals_.nearest(start_ + base_.rate->secondsTo(row_));

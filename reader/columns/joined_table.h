@@ -67,7 +67,7 @@ class JoinedTable {
 
   Decimals decimals_{std::nullopt};  ///< of the rate's times
   double start_ = 0;                 ///< where a rate has its first row
-  std::uint64_t row_ = 0;
+  std::uint64_t row_;                ///< of a rate, the next one
   double time_ = 0;
   bool has_ended_ = false;
 };

@@ -21,9 +21,10 @@ struct Query {
   /// Where a conversion gives a text, the number that is stored; or what the conversion makes of
   /// other numbers, if that is one more conversion.
   bool numbers = false;
+  std::uint64_t skip = 0;  ///< so many records of each group are left out at its beginning
   std::optional<std::uint64_t> first =
-      std::nullopt;  ///< so many records of each group, its first ones
-  std::optional<std::uint64_t> last = std::nullopt;  ///< the same of its last ones
+      std::nullopt;  ///< so many records of the others, the first ones
+  std::optional<std::uint64_t> last = std::nullopt;  ///< the same of the last ones
   std::uint64_t stride = 1;        ///< of those, the first one and each so many-th after it
   std::size_t batch_rows = 65536;  ///< the most rows of a batch
   std::size_t threads = 0;         ///< that unzip data; 0 for as many as there are cores

@@ -159,6 +159,7 @@ std::vector<std::unique_ptr<Table>> Tables::Walk::all(const ChannelGroup* base) 
   base_query_ = query_;
   base_query_.batch_rows = std::min(query_.batch_rows, rows_beside);
   beside_query_ = base_query_;
+  beside_query_.skip = 0;
   beside_query_.first.reset();
   beside_query_.last.reset();
   beside_query_.stride = 1;
@@ -463,10 +464,10 @@ Table::Table(TableHead head, Source source, const Query& query)
   masters_ = ColumnData(head.columns.front().type);
   head_ = std::make_shared<const TableHead>(std::move(head));
   stride_ = hostSize(std::max<std::uint64_t>(1, query.stride));
+  skipFirst(query.skip);
   if (query.last) {
     const std::uint64_t rest = records_->rest();
-    position_ = rest - std::min(rest, *query.last);
-    records_->skip(position_);
+    skipFirst(rest - std::min(rest, *query.last));
   }
   if (query.first) {
     end_ = position_ + std::min(*query.first, UINT64_MAX - position_);
@@ -493,6 +494,15 @@ const Batch* Table::next() {
 std::unique_ptr<const Batch> Table::take() {
   rows_before_ = batch_ == nullptr ? 0 : batch_->rows();
   return rows_before_ > 0 ? std::move(batch_) : nullptr;
+}
+
+/// Leaves out so many of the first records, as far as there are such.
+void Table::skipFirst(std::uint64_t count) {
+  const std::uint64_t there = std::min(count, records_->rest());
+  if (there > 0) {
+    records_->skip(there);
+    position_ += there;
+  }
 }
 
 /// Finds the next records that are wanted and stand together: the first `run_` of the pending ones.

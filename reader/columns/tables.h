@@ -59,6 +59,7 @@ class Table {
   bool findRun();
   bool readOn();
   RecordSpan nextRecords();
+  void skipFirst(std::uint64_t count);
   void narrow();
   double masterAt(std::uint64_t number);
   void skip(std::size_t count);

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "../blocks/block_fields.h"
+#include "../bus/frame_columns.h"
 #include "../bytes/input_file.h"
 #include "../bytes/work_budget.h"
 #include "../columns/tables.h"
@@ -14,12 +15,22 @@
 #include "../summary/conversion_json.h"
 #include "../summary/file_json.h"
 #include "../summary/json.h"
+#include "../summary/list_json.h"
 
 namespace mdf_reader {
 
 namespace {
 
 constexpr std::size_t most_findings = 1000;
+/// How much of texts that others have, too, is told again: so many times the file's bytes, and so
+/// many bytes in any case.
+constexpr std::uint64_t times_of_texts = 4;
+constexpr std::uint64_t always_of_texts = std::uint64_t{1} << 24U;
+
+std::string othersLeftOut(const std::string& what) {
+  return "expected " + what + " with texts of their own, found the same long ones again and " +
+         "again; the other " + what + " are left out";
+}
 
 /// Throws before anything of a file that cannot be read is looked at.
 InputFile& readable(InputFile& file) {
@@ -64,6 +75,9 @@ struct Measurement::State {
   }
 
   Json channelsAsJson();
+  template <class Entry>
+  Json listAsJson(const char* what, const std::vector<Entry>& entries,
+                  Json (*asJson)(const Entry& entry));
 
   InputFile file;
   std::vector<Finding> findings;
@@ -77,9 +91,7 @@ struct Measurement::State {
 
 /// Channels may have texts in common, so that there is more to say of them than the file has bytes.
 Json Measurement::State::channelsAsJson() {
-  constexpr std::uint64_t times = 4;
-  constexpr std::uint64_t always = std::uint64_t{1} << 24U;
-  WorkBudget texts(file.size(), times, always);
+  WorkBudget texts(file.size(), times_of_texts, always_of_texts);
   Json list = Json::array();
   for (const ChannelGroup& group : groups) {
     const RecordCount count = facts.recordsOf(group.offset, group.cycles);
@@ -87,14 +99,27 @@ Json Measurement::State::channelsAsJson() {
     for (const Channel& channel : group.channels) {
       const std::string_view source = readSource(file, channel.source, *description.texts).name;
       if (!texts.take(channel.unit.size() + channel.comment.size() + source.size())) {
-        report({Code::work_limited, channel.offset,
-                "expected channels with texts of their own, found the same long ones again and "
-                "again; the other channels are left out"});
+        report({Code::work_limited, channel.offset, othersLeftOut("channels")});
         return list;
       }
       list.push_back(channelAsJson(
           {group, channel, names.next(channel), count, conversionTypeOf(file, channel), source}));
     }
+  }
+  return list;
+}
+
+template <class Entry>
+Json Measurement::State::listAsJson(const char* what, const std::vector<Entry>& entries,
+                                    Json (*asJson)(const Entry& entry)) {
+  WorkBudget texts(file.size(), times_of_texts, always_of_texts);
+  Json list = Json::array();
+  for (const Entry& entry : entries) {
+    if (!texts.take(entry.name.size() + entry.comment.size())) {
+      report({Code::work_limited, entry.offset, othersLeftOut(what)});
+      return list;
+    }
+    list.push_back(asJson(entry));
   }
   return list;
 }
@@ -183,6 +208,35 @@ Batches Measurement::read(const Query& query) const {
   return Batches(std::make_unique<Batches::State>(state_, query));
 }
 
+struct FrameBatches::State {
+  State(std::shared_ptr<Measurement::State> from_file, std::optional<double> from,
+        std::optional<double> to)
+      : measurement(std::move(from_file)),
+        frames(measurement->file, from, to, measurement->report, note) {}
+
+  std::shared_ptr<Measurement::State> measurement;
+  NoteSink note = [](const std::string& /*note*/) {};
+  BusFrames frames;
+  FrameColumns columns;
+};
+
+FrameBatches::FrameBatches(std::unique_ptr<State> state) : state_(std::move(state)) {}
+FrameBatches::~FrameBatches() = default;
+FrameBatches::FrameBatches(FrameBatches&& other) noexcept = default;
+FrameBatches& FrameBatches::operator=(FrameBatches&& other) noexcept = default;
+
+std::size_t FrameBatches::groups() const { return state_->frames.groups(); }
+
+const TableHead& FrameBatches::head() const { return state_->columns.head(); }
+
+std::unique_ptr<const Batch> FrameBatches::next(std::size_t rows) {
+  return state_->columns.next(state_->frames, rows);
+}
+
+FrameBatches Measurement::frames(std::optional<double> from, std::optional<double> to) const {
+  return FrameBatches(std::make_unique<FrameBatches::State>(state_, from, to));
+}
+
 std::vector<Attachment> Measurement::attachments() const {
   return readAttachments(state_->file, header().first_attachment, *state_->description.texts,
                          state_->report);
@@ -227,9 +281,12 @@ std::optional<Block> Measurement::block(std::uint64_t offset) const {
 }
 
 std::string Measurement::describe() const {
-  return jsonDocument({{"schema", json_schema},
-                       {"info", fileAsJson(state_->file, Depth::records, state_->report)},
-                       {"channels", state_->channelsAsJson()}});
+  return jsonDocument(
+      {{"schema", json_schema},
+       {"info", fileAsJson(state_->file, Depth::records, state_->report)},
+       {"channels", state_->channelsAsJson()},
+       {"attachments", state_->listAsJson("attachments", attachments(), attachmentAsJson)},
+       {"events", state_->listAsJson("events", events(), eventAsJson)}});
 }
 
 std::string Measurement::describeConversion(const Channel& channel) const {

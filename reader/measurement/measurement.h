@@ -106,6 +106,31 @@ class Batches {
   std::unique_ptr<State> state_;
 };
 
+/// Batches of the frames of CAN and LIN buses, of all channel groups that hold such, in the order
+/// of their times. They can be moved, and read after their measurement is gone.
+class FrameBatches {
+ public:
+  ~FrameBatches();
+  FrameBatches(const FrameBatches&) = delete;
+  FrameBatches& operator=(const FrameBatches&) = delete;
+  FrameBatches(FrameBatches&& other) noexcept;
+  FrameBatches& operator=(FrameBatches&& other) noexcept;
+
+  /// How many channel groups hold frames.
+  std::size_t groups() const;
+  /// The columns: time, bus, frame, id, extended, direction, fd, brs, esi, error, length and data,
+  /// with the words that `mdf frames --format csv` has for them. They are of no channel.
+  const TableHead& head() const;
+  /// The next frames, so many at most; null after the last ones.
+  std::unique_ptr<const Batch> next(std::size_t rows);
+
+ private:
+  friend class Measurement;
+  struct State;
+  explicit FrameBatches(std::unique_ptr<State> state);
+  std::unique_ptr<State> state_;
+};
+
 /// A measurement file, read where it stands. It owns all that it hands out: texts, groups and
 /// channels last as long as it does, wherever it is moved to. One thread at a time may use it; two
 /// files can be read in two threads. The file is never written to.
@@ -146,6 +171,10 @@ class Measurement {
   /// Reads channels as batches of columns, channel group by channel group.
   Batches read(const Query& query) const;
 
+  /// Reads the frames of buses.
+  /// @param from,to limits of their times, in seconds since the measurement was started.
+  FrameBatches frames(std::optional<double> from, std::optional<double> to) const;
+
   std::vector<Attachment> attachments() const;
   /// Hands the data of an embedded attachment on, see readAttachmentData().
   AttachmentData readAttachment(const Attachment& attachment,
@@ -158,7 +187,7 @@ class Measurement {
   std::optional<Block> block(std::uint64_t offset) const;
 
   /// What the file is and what is in it as JSON: "info" is what `mdf info --json` says of a file,
-  /// "channels" what `mdf list channels --json` does.
+  /// "channels", "attachments" and "events" what `mdf list` does with their names and --json.
   std::string describe() const;
 
   /// How raw values of a channel become physical ones, as one line of JSON: the type of its
@@ -176,6 +205,7 @@ class Measurement {
 
  private:
   friend class Batches;
+  friend class FrameBatches;
   struct State;
   std::shared_ptr<State> state_;  ///< which batches have in common with it
 };

@@ -22,6 +22,23 @@ Inflated inflateAttachment(InputFile& file, const Attachment& attachment) {
 
 }  // namespace
 
+std::optional<AttachmentDamage> damageOf(AttachmentData state) {
+  switch (state) {
+    case AttachmentData::cut_off:
+      return AttachmentDamage{Code::attachment_length_wrong, "found less in the block"};
+    case AttachmentData::not_inflated:
+      return AttachmentDamage{
+          Code::zip_broken,
+          "found a compressed stream that is damaged or has another size than stated"};
+    case AttachmentData::wrong_digest:
+      return AttachmentDamage{Code::attachment_digest_wrong,
+                              "found another MD5 digest than stated"};
+    case AttachmentData::fine:
+      break;
+  }
+  return std::nullopt;
+}
+
 Attachment attachmentOf(const BlockFields& block) {
   Attachment attachment;
   attachment.offset = block.offset();

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,15 @@ struct AttachmentReading {
   std::uint64_t size = 0;  ///< bytes of uncompressed data, as far as they can be had
   std::string digest;      ///< of them; "" where they cannot be had
 };
+
+/// Why an attachment's data is not what it should be.
+struct AttachmentDamage {
+  Code code;
+  std::string found;  ///< words
+};
+
+/// Nothing for data that is fine.
+std::optional<AttachmentDamage> damageOf(AttachmentData state);
 
 /// What an attachment's block says but for the texts.
 Attachment attachmentOf(const BlockFields& block);

@@ -29,6 +29,9 @@ struct Attachment {
   std::uint64_t embedded_size = 0;  ///< bytes in the file, as stated
   std::uint64_t data_at = 0;        ///< where they begin
   std::uint64_t data_there = 0;     ///< how many of them the block and the file have
+
+  /// Whether `original_size` is known: of files elsewhere it may not be.
+  bool hasSize() const { return is_embedded || original_size > 0; }
 };
 
 /// Reads the chain of attachments from the first one on and reports what is wrong with it.

@@ -104,6 +104,12 @@ static void addValue(struct Text* text, const char* format, const struct ArrowAr
     case 's':
       add(text, "%d", ((const int16_t*)values)[row]);
       break;
+    case 'I':
+      add(text, "%x", (unsigned)((const uint32_t*)values)[row]);
+      break;
+    case 'L':
+      add(text, "%u", (unsigned)((const uint64_t*)values)[row]);
+      break;
     case 't':
       add(text, "%lld", (long long)((const int64_t*)values)[row]);
       break;
@@ -240,7 +246,7 @@ static void readsInBatches(const char* folder) {
                "2;-300;1\n"
                "nulls 0 0 0\n");
   expectStream(__LINE__, file,
-               "{\"channels\": [\"gear\"], \"group\": 0, \"last\": 3, \"stride\": 2}",
+               "{\"channels\": [\"gear\"], \"group\": 0, \"skip\": 2, \"first\": 3, \"stride\": 2}",
                "+s \"\" 0\n"
                "g time 2 unit=s\n"
                "s gear 2\n"
@@ -353,10 +359,9 @@ static void refusesQueries(const char* folder) {
       {"{\"to\": 1e999}",
        "expected numbers in the query that 64 bits can hold, found a larger one"},
       {"{\"chanels\": []}",
-       "expected members \"channels\", \"group\", \"element\", \"from\", \"to\", \"first\", "
-       "\"last\", \"stride\", \"raw\", \"numbers\", \"batch_rows\", \"threads\" and \"times\" in "
-       "the "
-       "query, found \"chanels\""},
+       "expected members \"channels\", \"group\", \"element\", \"from\", \"to\", \"skip\", "
+       "\"first\", \"last\", \"stride\", \"raw\", \"numbers\", \"batch_rows\", \"threads\" "
+       "and \"times\" in the query, found \"chanels\""},
       {"{\"channels\": \"rpm\"}",
        "expected \"channels\" of the query to be an array of names, found \"rpm\""},
       {"{\"channels\": [\"rpm\", 1]}",
@@ -414,6 +419,90 @@ static void readsAnElement(const char* folder) {
                 "expected channels of one channel group, found them in 0 element 0, 0 element 1; "
                 "choose one by \"element\"");
   expectRefusal(__LINE__, file, "{\"element\": 2}", "no channel group fits the query");
+  mdf_close(file);
+}
+
+static const char* const frame_fields =
+    "U bus 2\nU frame 2\nI id 2\nC extended 2\nU direction 2\nC fd 2\nC brs 2\nC esi 2\n"
+    "U error 2\nL length 2\nZ data 2\n";
+
+static void expectFrames(int line, mdf_file* file, const char* query, const char* time,
+                         const char* rows) {
+  struct ArrowArrayStream stream;
+  struct Text text = {"", 0};
+  struct Text expected = {"", 0};
+  mdf_error error;
+  expectTrue(line, "frames", mdf_frames(file, query, &stream, &error) == 0);
+  expectText(line, "", error.text);
+  addStream(&text, &stream);
+  add(&expected, "+s \"\" 0\n%s time 2 unit=s\n%s%s", time, frame_fields, rows);
+  expectText(line, expected.bytes, text.bytes);
+}
+
+static void refusesFrames(mdf_file* file, const char* query, const char* sentence) {
+  struct ArrowArrayStream stream;
+  mdf_error error;
+  EXPECT(mdf_frames(file, query, &stream, &error) != 0);
+  EXPECT(stream.release == NULL);
+  EXPECT_TEXT("query-wrong", error.code);
+  EXPECT_TEXT(sentence, error.text);
+}
+
+static void readsFrames(const char* folder) {
+  mdf_file* file = opened(folder, bus_file);
+  expectFrames(__LINE__, file, NULL, "g",
+               "0.5;can1;data;123;0;Tx;0;0;0;null;3;0102ff\n"
+               "1;can2;remote;7ff;0;Rx;0;0;0;null;8;\n"
+               "2;can1;data;18fef100;1;Rx;1;1;0;null;12;000000000000000000000000\n"
+               "nulls 0 0 0 0 0 0 0 0 0 3 0 0\n");
+  expectFrames(__LINE__, file, "{\"from\": 1, \"batch_rows\": 1, \"times\": \"timestamps\"}",
+               "tsn:+01:00",
+               "1600000001000000000;can2;remote;7ff;0;Rx;0;0;0;null;8;\n"
+               "nulls 0 0 0 0 0 0 0 0 0 1 0 0\n"
+               "1600000002000000000;can1;data;18fef100;1;Rx;1;1;0;null;12;"
+               "000000000000000000000000\n"
+               "nulls 0 0 0 0 0 0 0 0 0 1 0 0\n");
+  refusesFrames(file, "{\"channels\": []}",
+                "expected members \"from\", \"to\", \"batch_rows\" and \"times\" in a query of "
+                "frames, found \"channels\"");
+  mdf_close(file);
+  file = opened(folder, whole_file);
+  refusesFrames(file, NULL, "no channel group holds frames of CAN or LIN");
+  mdf_close(file);
+}
+
+static void expectNoData(int line, mdf_file* file, uint64_t index, const char* code,
+                         const char* sentence) {
+  uint64_t size = 0;
+  mdf_error error;
+  expectTrue(line, "no data", mdf_attachment(file, index, &size, &error) == NULL);
+  expectText(line, code, error.code);
+  expectText(line, sentence, error.text);
+}
+
+static void readsAttachments(const char* folder) {
+  mdf_file* file = opened(folder, bus_file);
+  mdf_error error;
+  uint64_t size = 0;
+  char* data = mdf_attachment(file, 0, &size, &error);
+  EXPECT(size == 3 && memcmp(data, "a\0b", 4) == 0);
+  mdf_free(data);
+  expectNoData(
+      __LINE__, file, 1, "attachment-digest-wrong",
+      "expected the data of attachment 1 as it was embedded, found another MD5 digest than "
+      "stated");
+  expectNoData(__LINE__, file, 2, "query-wrong", "the attachment's data is not in the file");
+  expectNoData(__LINE__, file, 3, "query-wrong",
+               "expected the number of an attachment, of which there are 3, found 3");
+  EXPECT(mdf_attachment(file, 0, NULL, &error) == NULL);
+  EXPECT_TEXT("expected a place for the size, found a null pointer", error.text);
+  data = mdf_describe(file, NULL);
+  EXPECT(strstr(data, "\"attachments\": [\n    {\n      \"offset\": ") != NULL);
+  EXPECT(strstr(data,
+                "\"name\": \"map.txt\",\n      \"mime_type\": \"\",\n"
+                "      \"original_size\": 3,\n") != NULL);
+  EXPECT(strstr(data, "\n      \"position\": 2.0,\n      \"unit\": \"s\",\n") != NULL);
+  mdf_free(data);
   mdf_close(file);
 }
 
@@ -496,6 +585,8 @@ int main(int argc, char** argv) {
   releasesInTheMiddle(argv[1]);
   readsAnElement(argv[1]);
   refusesQueries(argv[1]);
+  readsFrames(argv[1]);
+  readsAttachments(argv[1]);
   refusesFiles(argv[1]);
   describes(argv[1]);
   findsWhatIsWrong(argv[1]);

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <string>
 
+#include "tools/support/bus_file.h"
 #include "tools/support/file_builder.h"
 
 namespace {
@@ -56,12 +57,40 @@ std::string arrayFile() {
   return file.bytes();
 }
 
+/// Frames of two groups, attachments of which the second one is damaged and the third one
+/// elsewhere, and an event.
+std::string busFile() {
+  constexpr std::uint16_t embedded = 1;
+  constexpr std::uint16_t has_digest = 4;
+  FileBuilder file;
+  file.write(start_time, Bytes().u64(1'600'000'000'000'000'000).i16(60).i16(0).u8(offsets_valid));
+  addFrames(file, "CAN_DataFrame", canMembers(),
+            frameRecord(0.5, 1, 0x123, sent, 3, u8(1, 2, 0xff)) +
+                frameRecord(2, 1, extended | 0x18FEF100, fd | rate_switch, 12, zeros(12)));
+  addFrames(file, "CAN_RemoteFrame", canMembers(), frameRecord(1, 2, 0x7FF, 0, 8, ""));
+  const std::uint64_t name = file.text("map.txt");
+  const std::uint64_t elsewhere = file.add("AT", {0, name, 0, 0}, Bytes().zeros(24).u64(9).u64(0));
+  const std::uint64_t damaged =
+      file.add("AT", {elsewhere, name, 0, 0},
+               Bytes().u16(embedded | has_digest).zeros(22).u64(2).u64(2).text("no"));
+  file.link(FileBuilder::header, 3,
+            file.add("AT", {damaged, name, 0, 0},
+                     Bytes().u16(embedded).zeros(22).u64(3).u64(3).u8s({'a', 0, 'b'})));
+  file.link(FileBuilder::header, 4,
+            file.add("EV", {0, 0, 0, name, 0},
+                     Bytes().u8s({6, 1, 0, 0, 0, 0, 0, 0}).zeros(8).i64(4).f64(0.5)));
+  return file.bytes();
+}
+
 std::string bytesOf(TestFile which) {
   if (which == no_file_of_mdf) {
     return "time;rpm\n0;800\n";
   }
   if (which == array_file) {
     return arrayFile();
+  }
+  if (which == bus_file) {
+    return busFile();
   }
   FileBuilder file;
   if (which != timeless_file) {

@@ -11,6 +11,7 @@ enum TestFile {
   local_time_file, /* it begins at a time without a zone */
   timeless_file,   /* it does not say when it begins */
   array_file,      /* the two elements of its array have records of their own */
+  bus_file,        /* three frames, three attachments and an event */
   no_file_of_mdf
 };
 

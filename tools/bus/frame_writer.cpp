@@ -42,21 +42,6 @@ void addLeft(std::string_view text, std::size_t width, std::string& out) {
   out.append(width - std::min(width, text.size()), ' ');
 }
 
-std::string_view kindText(const BusFrame& frame) {
-  constexpr std::string_view names[] = {"data", "remote", "error", "overload", "lin"};
-  return frame.kind == Kind::lin_error ? frame.name : names[static_cast<int>(frame.kind)];
-}
-
-std::string_view directionText(const BusFrame& frame) {
-  constexpr std::string_view names[] = {"", "Rx", "Tx"};
-  return names[static_cast<int>(frame.direction)];
-}
-
-std::string_view errorText(const BusFrame& frame) {
-  constexpr std::string_view names[] = {"", "bit", "form", "stuffing", "crc", "ack"};
-  return names[static_cast<int>(frame.error)];
-}
-
 /// What people want to know of a frame besides its data: "FD BRS", "remote", "error bit".
 std::string flagText(const BusFrame& frame) {
   std::string text;
@@ -66,8 +51,8 @@ std::string flagText(const BusFrame& frame) {
       text += word;
     }
   };
-  add(frame.kind != Kind::data && frame.kind != Kind::lin, kindText(frame));
-  add(frame.error != BusFrame::Error::unknown, errorText(frame));
+  add(frame.kind != Kind::data && frame.kind != Kind::lin, kindName(frame));
+  add(frame.error != BusFrame::Error::unknown, errorName(frame));
   add(frame.is_fd, "FD");
   add(frame.has_bit_rate_switch, "BRS");
   add(frame.has_error_state, "ESI");
@@ -104,7 +89,7 @@ bool TextFrameWriter::add(const BusFrame& frame, std::string& out) {
   addLeft(frame.bus, 8, out);
   addRight(idText(frame), 8, out);
   out += "  ";
-  addLeft(directionText(frame), 4, out);
+  addLeft(directionName(frame), 4, out);
   addLeft(flagText(frame), 8, out);
   out += " [";
   addRight(std::to_string(frame.length), 2, out);
@@ -126,14 +111,14 @@ bool CsvFrameWriter::add(const BusFrame& frame, std::string& out) {
     out += text;
   };
   addField(frame.bus);
-  addField(kindText(frame));
+  addField(kindName(frame));
   addField(idText(frame));
   addField(frame.hasId() ? frame.is_extended ? "1" : "0" : "");
-  addField(directionText(frame));
+  addField(directionName(frame));
   addField(frame.is_fd ? "1" : "0");
   addField(frame.has_bit_rate_switch ? "1" : "0");
   addField(frame.has_error_state ? "1" : "0");
-  addField(errorText(frame));
+  addField(errorName(frame));
   addField(std::to_string(frame.length));
   out += ',';
   addHex(frame.data, out);
@@ -158,15 +143,15 @@ bool JsonFrameWriter::add(const BusFrame& frame, std::string& out) {
     out += text.empty() ? std::string("null") : '"' + std::string(text) + '"';
   };
   addText("bus", frame.bus);
-  addText("frame", kindText(frame));
+  addText("frame", kindName(frame));
   out += ",\"id\":" + (frame.hasId() ? std::to_string(frame.id) : "null");
   addText("hex", idText(frame));
   out.append(",\"extended\":").append(frame.hasId() ? yesOrNo(frame.is_extended) : "null");
-  addText("direction", directionText(frame));
+  addText("direction", directionName(frame));
   out.append(",\"fd\":").append(yesOrNo(frame.is_fd));
   out.append(",\"brs\":").append(yesOrNo(frame.has_bit_rate_switch));
   out.append(",\"esi\":").append(yesOrNo(frame.has_error_state));
-  addText("error", errorText(frame));
+  addText("error", errorName(frame));
   out += ",\"length\":" + std::to_string(frame.length) + ",\"data\":\"";
   addHex(frame.data, out);
   out += "\"}\n";

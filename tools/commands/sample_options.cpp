@@ -45,6 +45,9 @@ std::shared_ptr<Query> addSelectionOptions(CommandLine& command, bool takes_seve
   addGroupOption(command, query->group);
   addRangeOptions(command, query);
   addEndOptions(command, *query);
+  command.addOption("--skip", query->skip, "Leave out the first N records before those")
+      .typeName("N")
+      .check(expectCount);
   command.addOption("--stride", query->stride, "Of those, each N-th record only")
       .typeName("N")
       .check(expectCount)

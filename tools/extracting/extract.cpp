@@ -9,7 +9,7 @@
 #include "new_file.h"
 #include "printing/json_output.h"
 #include "reader/bytes/input_file.h"
-#include "reader/model/attachments.h"
+#include "reader/model/attachment_reading.h"
 #include "reader/model/description.h"
 
 namespace mdf_tools {
@@ -17,28 +17,6 @@ namespace mdf_tools {
 using namespace mdf_reader;
 
 namespace {
-
-/// Why an attachment's data is not written.
-struct Damage {
-  Code code;
-  std::string found;  ///< words
-};
-
-/// Nothing for data that is fine.
-std::optional<Damage> damageOf(AttachmentData state) {
-  switch (state) {
-    case AttachmentData::cut_off:
-      return Damage{Code::attachment_length_wrong, "found less in the block"};
-    case AttachmentData::not_inflated:
-      return Damage{Code::zip_broken,
-                    "found a compressed stream that is damaged or has another size than stated"};
-    case AttachmentData::wrong_digest:
-      return Damage{Code::attachment_digest_wrong, "found another MD5 digest than stated"};
-    case AttachmentData::fine:
-      break;
-  }
-  return std::nullopt;
-}
 
 std::string quoted(const Attachment& attachment) { return '"' + printable(attachment.name) + '"'; }
 

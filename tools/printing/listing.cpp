@@ -19,6 +19,7 @@
 #include "reader/model/events.h"
 #include "reader/model/group_choice.h"
 #include "reader/summary/channel_json.h"
+#include "reader/summary/list_json.h"
 #include "reader/summary/names.h"
 #include "shown_number.h"
 #include "text_table.h"
@@ -318,29 +319,17 @@ void listAttachments(InputFile& file, const ListOptions& options, std::ostream& 
     if (!isNamedSo(each.name, options) || !isOfType(each.mime_type, options)) {
       continue;
     }
-    const std::string digest = each.has_digest ? hexDigest(each.digest) : "";
-    const bool has_size = each.is_embedded || each.original_size > 0;
     entries.add(
         [&]() -> std::vector<std::string> {
           return {std::to_string(each.offset),
                   std::string(each.name),
                   std::string(each.mime_type),
-                  has_size ? std::to_string(each.original_size) : "",
+                  each.hasSize() ? std::to_string(each.original_size) : "",
                   storedAs(each),
-                  digest,
+                  each.has_digest ? hexDigest(each.digest) : "",
                   onOneLine(each.comment, 60)};
         },
-        [&]() -> Json {
-          return {{"offset", each.offset},
-                  {"name", each.name},
-                  {"mime_type", each.mime_type},
-                  {"original_size", has_size ? Json(each.original_size) : Json()},
-                  {"embedded_size", each.is_embedded ? Json(each.embedded_size) : Json()},
-                  {"embedded", each.is_embedded},
-                  {"compressed", each.is_compressed},
-                  {"md5", textOrNull(digest)},
-                  {"comment", each.comment}};
-        });
+        [&] { return attachmentAsJson(each); });
   }
   entries.finish();
 }
@@ -365,24 +354,7 @@ void listEvents(InputFile& file, const ListOptions& options, std::ostream& out,
                   std::string(each.name),
                   onOneLine(each.comment, 60)};
         },
-        [&]() -> Json {
-          return {{"offset", each.offset},
-                  {"position", each.position()},
-                  {"unit", eventSyncTypeName(each.sync_type)},
-                  {"sync_type", syncTypeName(each.sync_type)},
-                  {"sync_type_number", each.sync_type},
-                  {"type", eventTypeName(each.type)},
-                  {"type_number", each.type},
-                  {"range_type", eventRangeName(each.range_type)},
-                  {"range_type_number", each.range_type},
-                  {"cause", eventCauseName(each.cause)},
-                  {"cause_number", each.cause},
-                  {"flags", each.flags},
-                  {"name", each.name},
-                  {"comment", each.comment},
-                  {"scopes", each.scope_count},
-                  {"attachments", each.attachment_count}};
-        });
+        [&] { return eventAsJson(each); });
   }
   entries.finish();
 }

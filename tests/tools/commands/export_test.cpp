@@ -51,6 +51,7 @@ TEST(ExportCommand, ChannelsTimesAndRecords) {
       {{"-c", "speed", "--from", "0.1", "--to", "1e3"}, "time [s],speed [km/h]\n0.5,20\n"},
       {{"--first", "1"}, first},
       {{"--stride", "2"}, first},
+      {{"--skip", "1"}, "time [s],speed [km/h]\n0.5,20\n\ncounter\n66\n"},
       {{"--last", "1"}, "time [s],speed [km/h]\n0.5,20\n\ncounter\n66\n"},
   };
   for (auto [options, table] : cases) {

@@ -81,6 +81,8 @@ TEST(ExportOnTime, OneTable) {
       {{"engine", "--from", "0.1", "--to", "1.9"}, both + "1,20,1\n"},
       {{"engine", "--stride", "2"}, both + "0,10,\n2,40,\n"},
       {{"engine", "--first", "2"}, both + "0,10,\n1,20,1\n"},
+      {{"2Hz", "--skip", "1", "--first", "2"}, both + "0.5,10,1\n1,20,1\n"},
+      {{"engine", "--skip", "1"}, both + "1,20,1\n2,40,\n"},
       {{"engine", "--last", "2"}, both + "1,20,1\n2,40,\n"},
       {{"engine", "-c", "speed"}, "time [s],speed\n0,\n1,1\n2,\n"},
       {{"engine", "-g", "gps"}, "time [s],speed\n0,\n1,1\n2,\n"},

@@ -306,13 +306,37 @@ TEST(Measurement, DescribesItself) {
   InputFile file(temp.path());
   const Json info = fileAsJson(file, Depth::records, [](const Finding&) {});
   ASSERT_EQ(described["channels"].size(), 3U);
-  EXPECT_EQ(described, Json({{"schema", 2}, {"info", info}, {"channels", described["channels"]}}));
+  EXPECT_EQ(described, Json({{"schema", 2},
+                             {"info", info},
+                             {"channels", described["channels"]},
+                             {"attachments", Json::array()},
+                             {"events", Json::array()}}));
   EXPECT_EQ(described["channels"][2], Json::parse(R"({
     "group": 1, "name": "level", "unit": "", "type": "fixed", "type_number": 0,
     "sync_type": "none", "sync_type_number": 0, "data_type": "uint LE", "data_type_number": 0,
     "bit_offset": 0, "byte_offset": 0, "bit_count": 8, "flags": 0, "dimensions": [], "depth": 0,
     "records": 2, "records_counted": false, "conversion": null, "conversion_number": null,
     "source": "", "comment": "", "offset": 1032})"));
+}
+
+/// Events that all have the same long name.
+TEST(Measurement, DescribesEventsOnlyAsFarAsTheFileHasTexts) {
+  FileBuilder builder;
+  const std::uint64_t name = builder.text(std::string(std::size_t{1} << 20U, 'e'));
+  std::vector<std::uint64_t> events;
+  for (int i = 0; i < 20; ++i) {
+    events.push_back(builder.add("EV", {0, 0, 0, name, 0}, zeros(32)));
+  }
+  builder.chain(events);
+  builder.link(FileBuilder::header, 4, events[0]);
+  const TempFile temp(builder.bytes());
+  const Measurement measurement(temp.path());
+  EXPECT_EQ(Json::parse(measurement.describe())["events"].size(), 16U);
+  ASSERT_EQ(measurement.findings().size(), 1U);
+  EXPECT_EQ(measurement.findings()[0].offset, events[16]);
+  EXPECT_EQ(measurement.findings()[0].sentence,
+            "expected events with texts of their own, found the same long ones again and again; "
+            "the other events are left out");
 }
 
 /// Channels that all have the same long comment.
