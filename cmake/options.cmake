@@ -14,7 +14,8 @@ target_compile_options(mdf_compile_options INTERFACE
   $<$<BOOL:${MDF_WARNINGS_AS_ERRORS}>:-Werror>)
 if(MDF_COVERAGE)
   # Paths relative to the build folder, so that ccache finds the objects of any clone.
-  add_compile_options(-fprofile-instr-generate -fcoverage-mapping -fcoverage-compilation-dir=.)
+  set(mdf_coverage_options -fprofile-instr-generate -fcoverage-mapping -fcoverage-compilation-dir=.)
+  add_compile_options(${mdf_coverage_options})
   add_link_options(-fprofile-instr-generate)
 endif()
 if(MDF_SANITIZE)
