@@ -117,8 +117,10 @@ char* mdf_findings(struct mdf_file* file, struct mdf_error* error);
 
 /** The data of an attachment that is in the file, uncompressed.
  *
+ * @param file an open file.
  * @param index which of the attachments that mdf_describe() lists, from 0 on.
  * @param size is set to the number of bytes.
+ * @param error is set to why it failed.
  * @return the bytes, to be given to mdf_free(); null on failure. Data that is cut off, or does not
  * have its digest, is a failure.
  */
@@ -191,6 +193,11 @@ int mdf_read(struct mdf_file* file, const char* query, struct ArrowArrayStream* 
  * | data      | bytes   | as far as it was recorded |
  *
  * What a frame does not tell is null. A file without frames is an error.
+ *
+ * @param file an open file.
+ * @param query null for all frames.
+ * @param stream is set to the stream, as by mdf_read().
+ * @param error is set to why it failed.
  */
 int mdf_frames(struct mdf_file* file, const char* query, struct ArrowArrayStream* stream,
                struct mdf_error* error);

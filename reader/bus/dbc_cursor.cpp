@@ -158,4 +158,21 @@ void DbcCursor::recover() {
   }
 }
 
+/// Measurement files hold characters of XML: control characters and U+FFFE, U+FFFF become U+FFFD.
+std::string DbcCursor::textOf(std::string_view raw) const {
+  std::string text;
+  for (const char character : tokens_.textOf(raw)) {
+    const auto byte = static_cast<unsigned char>(character);
+    const std::size_t end = text.size();
+    if (byte < ' ' && character != '\t' && character != '\n' && character != '\r') {
+      text += "\uFFFD";
+    } else if (byte >= 0xBE && end >= 2 && text.compare(end - 2, 2, "\xEF\xBF") == 0) {
+      text += '\xBD';
+    } else {
+      text += character;
+    }
+  }
+  return text;
+}
+
 }  // namespace mdf_reader

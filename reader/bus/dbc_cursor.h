@@ -54,7 +54,7 @@ class DbcCursor {
   /// None for a token that is no number.
   static std::optional<double> numberOf(const DbcToken& token);
   /// What a token says, as UTF-8.
-  std::string textOf(std::string_view raw) const { return tokens_.textOf(raw); }
+  std::string textOf(std::string_view raw) const;
 
  private:
   bool isKeyword() const {

@@ -65,6 +65,13 @@ TEST(DbcReader, TextsAreUtf8OrElseWindows1252) {
             expected);
 }
 
+TEST(DbcReader, TextsHaveNoCharactersThatXmlHasNot) {
+  const std::string text = "a\x01\x0F\tc\xEF\xBF\xBE\xEF\xBF\xBF\xEF\xBF\xBD";
+  EXPECT_EQ(
+      described(message("SG_ S : 0|8@1+ (1,0) [0|0] \"" + text + "\" X\n")),
+      "A 1 8 bytes from X\n  S 0|8 little unsigned *1+0 a\uFFFD\uFFFD\tc\uFFFD\uFFFD\uFFFD\n");
+}
+
 TEST(DbcReader, ColumnsCountBytesAfterAByteOrderMark) {
   EXPECT_EQ(faultsOf("\xEF\xBB\xBFVERSION \"\xC3\xA4\" x"),
             "1:14: expected a statement, found 'x'\n");
