@@ -107,7 +107,8 @@ class Batches {
 };
 
 /// Batches of the frames of CAN and LIN buses, of all channel groups that hold such, in the order
-/// of their times. They can be moved, and read after their measurement is gone.
+/// of their times. Records without a valid time or identifier are left out. They can be moved, and
+/// read after their measurement is gone.
 class FrameBatches {
  public:
   ~FrameBatches();
