@@ -192,8 +192,8 @@ int mdf_read(struct mdf_file* file, const char* query, struct ArrowArrayStream* 
  * | length    | uint64  | of the data, as the frame states it |
  * | data      | bytes   | as far as it was recorded |
  *
- * What a frame does not tell is null. Records without a valid time or identifier are left out. A file
- * without frames is an error.
+ * What a frame does not tell is null. Records without a valid time or identifier are left out. A
+ * file without frames is an error.
  *
  * @param file an open file.
  * @param query null for all frames.
