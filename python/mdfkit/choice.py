@@ -1,0 +1,64 @@
+"""Names and patterns of channels, as the library takes them."""
+
+from __future__ import annotations
+
+import difflib
+import re
+from collections.abc import Callable, Iterable, Sequence
+from fnmatch import fnmatchcase
+from typing import TYPE_CHECKING, Union
+
+from .contents import Channel, Named
+from .errors import UnknownChannel
+
+if TYPE_CHECKING:
+    from .group import Group
+
+Names = Union[str, Sequence[str], None]
+
+_SPECIAL = re.compile(r"([*?\[\]\\])")
+
+
+def patterns(wanted: str | Sequence[str], known: Callable[[], Iterable[str]]) -> list[str]:
+    """Return patterns of the library: a channel's name is itself, whatever characters it has."""
+    names = [wanted] if isinstance(wanted, str) else list(wanted)
+    if not any(_SPECIAL.search(name) for name in names):
+        return names  # and the description need not be made
+    channels = set(known())
+    return [_SPECIAL.sub(r"\\\1", name) if name in channels else name for name in names]
+
+
+def refuse_unknown(wanted: str | Sequence[str], channels: Named[Channel], where: str) -> None:
+    """Raise an error for the first name that no channel has and that is no pattern."""
+    known = {part for name in channels.names() for part in (name, _last(name))}
+    for name in [wanted] if isinstance(wanted, str) else wanted:
+        if name not in known and not _SPECIAL.search(name):
+            raise UnknownChannel(
+                f"{where} has no channel {name!r}{_nearest(name, known)}", "query-wrong"
+            )
+
+
+def likely_groups(groups: Iterable[Group], patterns: Sequence[str] | None) -> list[Group]:
+    """Return the groups in which these may be found, the likely ones first."""
+    return sorted(groups, key=lambda group: not _has(group, patterns))
+
+
+def _has(group: Group, patterns: Sequence[str] | None) -> bool:
+    """Whether it has such a channel; nearly so, for the library decides."""
+    plain = [re.sub(r"\\(.)", r"[\1]", pattern) for pattern in patterns or ["*"]]
+    return any(
+        fnmatchcase(name, pattern)
+        for channel in group.channels
+        for name in (channel.name, _last(channel.name))
+        for pattern in plain
+    )
+
+
+def _last(name: str) -> str:
+    """Return the name of a member without those of its structures."""
+    return name.rpartition(".")[2]
+
+
+def _nearest(name: str, known: Iterable[str]) -> str:
+    found = difflib.get_close_matches(name, list(known), n=3)
+    return f"; there is {', '.join(map(repr, found))}" if found else ""
