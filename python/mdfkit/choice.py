@@ -4,15 +4,12 @@ from __future__ import annotations
 
 import difflib
 import re
-from collections.abc import Callable, Iterable, Sequence
+from collections.abc import Callable, Iterable, Mapping, Sequence
 from fnmatch import fnmatchcase
-from typing import TYPE_CHECKING, Union
+from typing import Union
 
 from .contents import Channel, Named
 from .errors import UnknownChannel
-
-if TYPE_CHECKING:
-    from .group import Group
 
 Names = Union[str, Sequence[str], None]
 
@@ -38,17 +35,19 @@ def refuse_unknown(wanted: str | Sequence[str], channels: Named[Channel], where:
             )
 
 
-def likely_groups(groups: Iterable[Group], patterns: Sequence[str] | None) -> list[Group]:
+def likely_groups(
+    channels_of: Mapping[int, Named[Channel]], patterns: Sequence[str] | None
+) -> list[int]:
     """Return the groups in which these may be found, the likely ones first."""
-    return sorted(groups, key=lambda group: not _has(group, patterns))
+    return sorted(channels_of, key=lambda number: not _has(channels_of[number], patterns))
 
 
-def _has(group: Group, patterns: Sequence[str] | None) -> bool:
-    """Whether it has such a channel; nearly so, for the library decides."""
+def _has(channels: Named[Channel], patterns: Sequence[str] | None) -> bool:
+    """Whether there is such a channel; nearly so, for the library decides."""
     plain = [re.sub(r"\\(.)", r"[\1]", pattern) for pattern in patterns or ["*"]]
     return any(
         fnmatchcase(name, pattern)
-        for channel in group.channels
+        for channel in channels
         for name in (channel.name, _last(channel.name))
         for pattern in plain
     )

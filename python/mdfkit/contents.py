@@ -154,9 +154,6 @@ class Named(Sequence[_Item], Generic[_Item]):
     def __len__(self) -> int:
         return len(self._items)
 
-    def __contains__(self, item: object) -> bool:
-        return item in self._items or any(each.name == item for each in self._items)
-
     def names(self) -> list[str]:
         """Return the names, in the order of the file."""
         return [item.name for item in self._items]

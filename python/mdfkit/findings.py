@@ -49,13 +49,13 @@ class Finding:
 
 
 def _level_of_caller() -> int:
-    """How many frames up the first one outside this package is."""
+    """The `stacklevel` at which the first frame outside this package is, from the caller on."""
     level = 1
     frame: FrameType | None = sys._getframe(1)
     while frame is not None and frame.f_code.co_filename.startswith(_PACKAGE):
         frame = frame.f_back
         level += 1
-    return level - 1
+    return level
 
 
 def warn_of(path: str, findings: Sequence[Finding]) -> None:

@@ -3,16 +3,14 @@
 from __future__ import annotations
 
 import functools
-from collections.abc import Iterator, Sequence
-from typing import TYPE_CHECKING, Any
+from collections.abc import Iterator, Mapping
+from typing import Any
 
 from . import choice, summary
-from .contents import Channel, Named
-from .errors import UnknownChannel, WrongQuery
-
-if TYPE_CHECKING:
-    from .measurement import Measurement
-    from .query import Query
+from .contents import Channel
+from .query import Query
+from .request import ask
+from .source import Source
 
 
 class Group:
@@ -38,11 +36,9 @@ class Group:
         A list, also by name: ``group.channels["speed"].unit``.
     """
 
-    def __init__(
-        self, measurement: Measurement, members: dict[str, Any], channels: Sequence[Channel]
-    ) -> None:
+    def __init__(self, source: Source, members: Mapping[str, Any]) -> None:
         span = members["span"]
-        self._measurement = measurement
+        self._source = source
         self.number: int = members["group"]
         self.name: str = members["name"]
         self.comment: str = members["comment"]
@@ -52,11 +48,11 @@ class Group:
         self.rate: float | None = members["rate"]
         self.span: tuple[float, float] | None = (span["from"], span["to"]) if span else None
         self.master_unit: str | None = members["master_unit"]
-        self.channels = Named(channels, "channel", UnknownChannel)
+        self.channels = source.channels_of[self.number]
 
     def read(self, channels: choice.Names = None, **options: Any) -> Query:
         """Ask for channels of this group, as `Measurement.read` does."""
-        return self._measurement.read(channels, group=self.number, **options)
+        return ask(self._source, channels, group=self.number, **options)
 
     def __getitem__(self, channels: str | list[str]) -> Query:
         choice.refuse_unknown(channels, self.channels, f"channel group {self.number}")
@@ -69,19 +65,12 @@ class Group:
         A group with an array whose elements have records of their own has a table for each:
         ``(0, 1, 2)``. One without channels has none: ``()``.
         """
-        if self._has_table(None):
+        if self._source.takes({"group": self.number}):
             return (None,)
         count = 0
-        while self._has_table(count):
+        while self._source.takes({"group": self.number, "element": count}):
             count += 1
         return tuple(range(count))
-
-    def _has_table(self, element: int | None) -> bool:
-        try:
-            self.read(element=element).schema  # noqa: B018 - it opens the stream
-        except WrongQuery:
-            return False
-        return True
 
     def __len__(self) -> int:
         return len(self.channels)
@@ -90,7 +79,7 @@ class Group:
         return iter(self.channels)
 
     def __contains__(self, name: object) -> bool:
-        return name in self.channels
+        return name in self.channels.names()
 
     def __bool__(self) -> bool:
         return True

@@ -4,21 +4,20 @@ from __future__ import annotations
 
 import datetime as dt
 import functools
-import json
-import operator
 import os
 from collections.abc import Sequence
 from pathlib import Path
 from types import TracebackType
-from typing import Any, Union
+from typing import Union
 
 from . import choice, notebook, parquet, summary
-from ._library import OpenFile
 from .contents import Channel, Named, Start
-from .errors import UnknownChannel, UnknownGroup, WrongQuery
-from .findings import Finding, warn_of
+from .errors import UnknownGroup
+from .findings import Finding
 from .group import Group
 from .query import Query
+from .request import ask
+from .source import Source
 
 PathLike = Union[str, "os.PathLike[str]"]
 
@@ -74,43 +73,24 @@ class Measurement:
 
     def __init__(self, path: PathLike) -> None:
         self.path = os.fspath(path)
-        self._warned = 0
-        self._file = OpenFile(self.path)
-        self._warn()
+        self._source = Source(self.path)
 
     # -- what is in it
 
-    @functools.cached_property
-    def _described(self) -> dict[str, Any]:
-        described: dict[str, Any] = json.loads(self._file.describe())
-        return described
-
     @property
-    def _info(self) -> dict[str, Any]:
-        info: dict[str, Any] = self._described["info"]
-        return info
-
-    @functools.cached_property
     def channels(self) -> Named[Channel]:
         """All channels, in the order of the file; also by name, if one only has it."""
-        channels = [Channel.from_json(members) for members in self._described["channels"]]
-        return Named(channels, "channel", UnknownChannel)
+        return self._source.channels
 
     @functools.cached_property
     def groups(self) -> Named[Group]:
         """The channel groups: a list, also by name: ``m.groups[0]``, ``m.groups["engine"]``."""
-        channels: dict[int, list[Channel]] = {}
-        for channel in self.channels:
-            channels.setdefault(channel.group, []).append(channel)
-        groups = [
-            Group(self, members, channels.get(members["group"], []))
-            for members in self._info["groups"]
-        ]
+        groups = [Group(self._source, members) for members in self._source.info["groups"]]
         return Named(groups, "channel group", UnknownGroup)
 
     @functools.cached_property
     def _start(self) -> Start | None:
-        return Start.from_json(self._info["start"])
+        return Start.from_json(self._source.info["start"])
 
     @property
     def start(self) -> dt.datetime | None:
@@ -129,48 +109,48 @@ class Measurement:
     @property
     def duration(self) -> float | None:
         """Seconds from the start to the last record of all groups over time."""
-        duration: float | None = self._info["duration"]
+        duration: float | None = self._source.info["duration"]
         return duration
 
     @property
     def comment(self) -> str:
         """What the file says of itself."""
-        comment: str = self._info["comment"]
+        comment: str = self._source.info["comment"]
         return comment
 
     @property
     def properties(self) -> dict[str, str]:
         """Further texts of the header by their names, such as author, project and subject."""
-        return dict(self._info["properties"])
+        return dict(self._source.info["properties"])
 
     @property
     def version(self) -> int:
         """The version of the format: 410 is 4.10."""
-        version: int = self._info["version"]
+        version: int = self._source.info["version"]
         return version
 
     @property
     def program(self) -> str:
         """The program that wrote the file."""
-        program: str = self._info["program"]
+        program: str = self._source.info["program"]
         return program
 
     @property
     def is_finished(self) -> bool:
         """Whether its program finished the file."""
-        is_finished: bool = self._info["finished"]
+        is_finished: bool = self._source.info["finished"]
         return is_finished
 
     @property
     def size(self) -> int:
         """The file's size in bytes."""
-        size: int = self._info["bytes"]
+        size: int = self._source.info["bytes"]
         return size
 
     @property
     def findings(self) -> list[Finding]:
         """What was found to be wrong so far, the first 1,000 of it; it grows with what is read."""
-        return [Finding.from_json(members) for members in json.loads(self._file.findings())]
+        return self._source.findings()
 
     # -- its samples
 
@@ -238,40 +218,22 @@ class Measurement:
         >>> m.read("speed*", group="engine", times="timestamps").to_polars()
         >>> m.read(group=0, last=1000, raw=True).to_numpy()["rpm"]
         """
-        request: dict[str, Any] = {
-            "channels": self._wanted(channels),
-            "group": self._wanted_group(group),
-            "from": None if start is None else float(start),
-            "to": None if stop is None else float(stop),
-            "raw": raw or None,
-            "numbers": numbers or None,
-            "times": None if times == "seconds" else times,
-        }
-        counts = {
-            "first": first,
-            "last": last,
-            "stride": stride,
-            "element": element,
-            "batch_rows": batch_rows,
-            "threads": threads,
-        }
-        for name, count in counts.items():
-            request[name] = None if count is None else operator.index(count)
-        return Query(self, {name: value for name, value in request.items() if value is not None})
-
-    def _wanted(self, channels: choice.Names) -> list[str] | None:
-        if channels is None:
-            return None
-        return choice.patterns(channels, lambda: self.channels.names())
-
-    def _wanted_group(self, group: int | str | None) -> int | str | None:
-        if group is None:
-            return None
-        if not isinstance(group, str):
-            return operator.index(group)
-        # A name that reads as a number would be taken for one.
-        same = [each.number for each in self.groups if each.name == group]
-        return same[0] if len(same) == 1 else group
+        return ask(
+            self._source,
+            channels,
+            group=group,
+            start=start,
+            stop=stop,
+            first=first,
+            last=last,
+            stride=stride,
+            raw=raw,
+            times=times,
+            element=element,
+            numbers=numbers,
+            batch_rows=batch_rows,
+            threads=threads,
+        )
 
     def __getitem__(self, channels: str | list[str]) -> Query:
         """Ask for a channel by its name, or for several by names or patterns."""
@@ -279,16 +241,7 @@ class Measurement:
         return self.read(channels)
 
     def __contains__(self, name: object) -> bool:
-        return name in self.channels
-
-    def _group_of(self, request: dict[str, Any]) -> Group:
-        """Return the group that a query is about."""
-        if isinstance(request.get("group"), int):
-            return next(each for each in self.groups if each.number == request["group"])
-        for group in choice.likely_groups(self.groups, request.get("channels")):
-            if Query(self, {**request, "group": group.number})._fits():
-                return group
-        raise WrongQuery("no channel group fits the query", "query-wrong")
+        return name in self.channels.names()
 
     def to_parquet(
         self, folder: PathLike, partition_by: str | Sequence[str] | None = None
@@ -313,14 +266,14 @@ class Measurement:
         """
         columns = [partition_by] if isinstance(partition_by, str) else list(partition_by or ())
         written = parquet.write_measurement(self, folder, columns)
-        self._warn()
+        self._source.warn()
         return written
 
     # -- the file itself
 
     def close(self) -> None:
         """Close the file. Batches and readers that were given out remain."""
-        self._file.close()
+        self._source.file.close()
 
     def __enter__(self) -> Measurement:
         return self
@@ -333,19 +286,11 @@ class Measurement:
     ) -> None:
         self.close()
 
-    def _warn(self) -> None:
-        """Warn once of what was found since the last time."""
-        findings = self.findings
-        warn_of(self.path, findings[self._warned :])
-        self._warned = len(findings)
-
     def __repr__(self) -> str:
-        return summary.of_measurement(self) if self._is_known() else f"<{self.path}, closed>"
+        return summary.of_measurement(self) if self._source.is_described else self._closed()
 
     def _repr_html_(self) -> str:
-        return (
-            notebook.page(self) if self._file.is_open else f"<pre>{notebook.text(repr(self))}</pre>"
-        )
+        return notebook.page(self) if self._source.file.is_open else notebook.text(repr(self))
 
-    def _is_known(self) -> bool:
-        return self._file.is_open or "_described" in self.__dict__
+    def _closed(self) -> str:
+        return f"<{self.path}, closed>"

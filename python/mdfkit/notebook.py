@@ -23,19 +23,19 @@ _LEFT = "style='text-align:left'"
 
 
 def text(plain: str) -> str:
-    """Return a text as HTML."""
-    return html.escape(plain)
+    """Return lines as HTML."""
+    return f"<pre>{html.escape(plain)}</pre>"
 
 
 def page(m: Measurement) -> str:
     """Return facts, a table of the channel groups, and pictures of the first channels."""
     facts = "".join(
-        f"<tr><th {_LEFT}>{label}</th><td {_LEFT}>{text(value)}</td></tr>"
+        f"<tr><th {_LEFT}>{label}</th><td {_LEFT}>{html.escape(value)}</td></tr>"
         for label, value in summary.facts(m)
     )
     head = "".join(f"<th>{name}</th>" for name in ("group", "name", "records", "rate", "channels"))
     rows = "".join(
-        "<tr>" + "".join(f"<td>{text(cell)}</td>" for cell in row) + "</tr>"
+        "<tr>" + "".join(f"<td>{html.escape(cell)}</td>" for cell in row) + "</tr>"
         for row in summary.rows(m)
     )
     return (
@@ -68,7 +68,7 @@ def _pictures_of(group: Group, room: int) -> Iterator[str]:
         picture = svg(times, column)
         if picture:
             part = ", the first part" if is_part else ""
-            yield f"<tr><td>{text(summary.harmless(name))}{part}</td><td>{picture}</td></tr>"
+            yield f"<tr><td>{html.escape(summary.harmless(name))}{part}</td><td>{picture}</td></tr>"
 
 
 def _samples(group: Group, channels: Sequence[Channel]) -> tuple[dict[str, list[Any]], bool]:

@@ -24,9 +24,9 @@ _BATCH_BYTES = 64 << 20
 _MOST_NAME = 100  # characters of a channel group's name in that of a file
 
 
-def batches_of(schema: pa.Schema) -> dict[str, int]:
-    """Return the part of a query that makes row groups of a good size in bounded memory."""
-    return {"batch_rows": max(1024, min(1 << 20, _BATCH_BYTES // (8 * max(1, len(schema)))))}
+def rows_of_batch(schema: pa.Schema) -> int:
+    """Return how many rows make row groups of a good size in bounded memory."""
+    return max(1024, min(1 << 20, _BATCH_BYTES // (8 * max(1, len(schema)))))
 
 
 @contextlib.contextmanager
@@ -97,7 +97,7 @@ def _facts(measurement: Measurement, group: Group) -> dict[str, str]:
 
 
 def _has(query: Query, columns: Sequence[str]) -> bool:
-    return bool(columns) and set(columns) <= set(query.schema.names)
+    return bool(columns) and set(columns) <= set(query._columns().names)
 
 
 def _refuse_unknown(measurement: Measurement, columns: Sequence[str]) -> None:
@@ -112,8 +112,7 @@ def write_measurement(
     _refuse_unknown(measurement, partition_by)
     written: list[Path] = []
     for group, element, query in _tables(measurement):
-        batches = query._with(**batches_of(query.schema)).batches()
-        reader = _described(batches, _facts(measurement, group))
+        reader = _described(query._in_row_groups(), _facts(measurement, group))
         path = Path(folder) / _stem(group, element)
         if _has(query, partition_by):
             _write_folder(reader, path, partition_by)

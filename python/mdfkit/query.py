@@ -2,14 +2,13 @@
 
 from __future__ import annotations
 
-import json
 from collections.abc import Mapping
 from typing import TYPE_CHECKING, Any
 
 import pyarrow as pa
 
-from . import tables
-from .errors import MdfError, WrongQuery
+from . import parquet, tables
+from .errors import MdfError
 
 if TYPE_CHECKING:
     import os
@@ -18,7 +17,7 @@ if TYPE_CHECKING:
     import pandas as pd
     import polars as pl
 
-    from .measurement import Measurement
+    from .source import Source
 
 
 class Query:
@@ -37,8 +36,8 @@ class Query:
     >>> for batch in q.batches(): ...                       # bounded memory
     """
 
-    def __init__(self, measurement: Measurement, request: Mapping[str, Any]) -> None:
-        self._measurement = measurement
+    def __init__(self, source: Source, request: Mapping[str, Any]) -> None:
+        self._source = source
         self._request = dict(request)
         self._schema: pa.Schema | None = None
 
@@ -49,20 +48,20 @@ class Query:
         A field's metadata has its unit, comment and conversion:
         ``q.schema.field("speed").metadata`` is ``{b"unit": b"km/h"}``.
         """
-        if self._schema is None:
-            self._schema = self._stream().schema
-        return self._schema
+        schema = self._columns()
+        self._source.warn()
+        return schema
 
     @property
     def units(self) -> dict[str, str]:
         """The units of the columns that have one."""
-        return tables.units(self.schema)
+        return tables.units(self._columns())
 
     @property
     def index(self) -> str | None:
         """The column with the master channel, or None where there is no such channel."""
-        group = self._measurement._group_of(self._request)
-        return self.schema.names[0] if group.master_unit is not None else None
+        has_master = self._source.group_of(self._request)["master_unit"] is not None
+        return self._columns().names[0] if has_master else None
 
     def batches(self) -> pa.RecordBatchReader:
         """Read batch by batch.
@@ -74,7 +73,9 @@ class Query:
             dropped half-way leaves nothing open. What is found to be wrong meanwhile is in the
             measurement's ``findings``; the next call warns of it.
         """
-        return self._stream()
+        reader = self._stream()
+        self._source.warn()
+        return reader
 
     def to_arrow(self) -> pa.Table:
         """Read all samples.
@@ -87,8 +88,8 @@ class Query:
         try:
             table = self._stream().read_all()
         except (pa.ArrowException, OSError) as cause:
-            raise MdfError(f"{self._measurement.path}: {cause}", "fault-inside") from cause
-        self._measurement._warn()
+            raise MdfError(f"{self._source.path}: {cause}", "fault-inside") from cause
+        self._source.warn()
         return table
 
     def to_numpy(self) -> dict[str, np.ndarray[Any, Any]]:
@@ -129,10 +130,14 @@ class Query:
         return frame
 
     def to_polars(self) -> pl.DataFrame:
-        """Read all samples as a data frame of polars, the master channel as its first column."""
+        """Read all samples as a data frame of polars, the master channel as its first column.
+
+        Timestamps in a zone that is not of whole hours are in UTC, for polars has no such zones;
+        ``polars.DataFrame(query)`` refuses them.
+        """
         import polars as pl
 
-        frame = pl.from_arrow(self.to_arrow())
+        frame = pl.from_arrow(tables.in_named_zones(self.to_arrow()))
         assert isinstance(frame, pl.DataFrame)
         return frame
 
@@ -142,14 +147,12 @@ class Query:
         The file appears when it is complete, and replaces one of that name. Its schema has units,
         comments and conversions in the metadata of the fields.
         """
-        from . import parquet
-
-        parquet.write_file(self._with(**parquet.batches_of(self.schema)).batches(), path)
-        self._measurement._warn()
+        parquet.write_file(self._in_row_groups(), path)
+        self._source.warn()
 
     def __arrow_c_stream__(self, requested_schema: object = None) -> object:
         """Give the samples to whatever takes Arrow's streams."""
-        return self._stream().__arrow_c_stream__(requested_schema)
+        return self.batches().__arrow_c_stream__(requested_schema)
 
     def __arrow_c_schema__(self) -> object:
         """Give the columns to whatever takes Arrow's schemas."""
@@ -162,20 +165,18 @@ class Query:
             for field in self.schema
             for unit in [self.units.get(field.name)]
         )
-        return f"<query of {self._measurement.path}: {wanted or 'all channels'}>\n{columns}"
+        return f"<query of {self._source.path}: {wanted or 'all channels'}>\n{columns}"
 
-    def _with(self, **members: Any) -> Query:
-        return Query(self._measurement, {**members, **self._request})
+    def _columns(self) -> pa.Schema:
+        """The schema, once asked for."""
+        if self._schema is None:
+            self._schema = self._stream().schema
+        return self._schema
 
-    def _fits(self) -> bool:
-        """Whether the library takes it."""
-        try:
-            self._stream()
-        except WrongQuery:
-            return False
-        return True
+    def _in_row_groups(self) -> pa.RecordBatchReader:
+        """Batches for a file of Parquet."""
+        rows = parquet.rows_of_batch(self._columns())
+        return self._source.stream({"batch_rows": rows, **self._request})
 
     def _stream(self) -> pa.RecordBatchReader:
-        reader = self._measurement._file.read(json.dumps(self._request))
-        self._measurement._warn()
-        return reader
+        return self._source.stream(self._request)

@@ -38,7 +38,7 @@ def facts(m: Measurement) -> list[tuple[str, str]]:
 
 
 def _findings(m: Measurement) -> str:
-    found = m.findings if m._file.is_open else []
+    found = m.findings if m._source.file.is_open else []
     return f"{len(found)}; the first one {found[0]}" if found else ""
 
 

@@ -12,12 +12,25 @@ if TYPE_CHECKING:
 
 
 def units(schema: pa.Schema) -> dict[str, str]:
-    """Return the units of the columns that have one."""
+    """Return the units of the columns that have one; timestamps have none."""
     return {
         field.name: field.metadata[b"unit"].decode()
         for field in schema
-        if field.metadata and b"unit" in field.metadata
+        if field.metadata and b"unit" in field.metadata and not pa.types.is_timestamp(field.type)
     }
+
+
+def in_named_zones(table: pa.Table) -> pa.Table:
+    """Return the same times in UTC where their zone has no name, such as "-03:30".
+
+    Zones of whole hours have names that polars finds: "Etc/GMT-2".
+    """
+    for i, field in enumerate(table.schema):
+        zone = getattr(field.type, "tz", None) or "UTC"
+        if zone != "UTC" and not zone.endswith(":00"):
+            utc = pa.field(field.name, pa.timestamp("ns", "UTC"), metadata=field.metadata)
+            table = table.set_column(i, utc, table.column(i).cast(utc.type))
+    return table
 
 
 def _writable(array: np.ndarray[Any, Any]) -> np.ndarray[Any, Any]:
