@@ -7,7 +7,7 @@ description only:
 >>> m = mdfkit.open("trip.mf4")
 >>> m                                          # groups, rates, channels, units, what is wrong
 >>> m.groups["engine"].channels.names()
-['t', 'speed', 'rpm']
+['t', 'speed', 'rpm', 'gear']
 >>> m.start, m.duration, m.comment
 
 Samples are asked for by name, and come when they are wanted, in the form that is wanted:
@@ -26,7 +26,7 @@ A query is an Arrow stream, read batch by batch, without a copy, by whatever tak
 Times are seconds since the measurement began; with ``times="timestamps"`` they are times of day.
 Invalid samples are null, NaN or masked. Where channels are in several groups, say which:
 
->>> m.read("speed", group="gps").to_pandas()
+>>> m.read("speed", group="engine").to_pandas()
 
 What cannot be read raises `MdfError`, with a ``code`` that never changes and an ``offset`` in the
 file; what is wrong but can be read all the same is one `MdfWarning` for each call, and all of it is

@@ -33,7 +33,8 @@ class Query:
     >>> q.to_pandas()                                       # a data frame, times as its index
     >>> duckdb.sql("select max(speed) from q")              # batch by batch, without a copy
     >>> polars.DataFrame(q), pyarrow.table(q)
-    >>> for batch in q.batches(): ...                       # bounded memory
+    >>> sum(batch.num_rows for batch in q.batches())        # bounded memory
+    11
     """
 
     def __init__(self, source: Source, request: Mapping[str, Any]) -> None:
@@ -123,7 +124,9 @@ class Query:
         Examples
         --------
         >>> frame = m.read(["speed", "rpm"]).to_pandas()
-        >>> frame["speed"].plot(ylabel=frame.attrs["units"]["speed"])
+        >>> frame["speed"].rolling(100).mean()
+        >>> frame.attrs["units"]["speed"]
+        'km/h'
         """
         frame = tables.to_frame(self.to_arrow(), self.index)
         frame.attrs["units"] = self.units

@@ -10,9 +10,9 @@ from pathlib import Path
 from typing import Any
 
 import pytest
-from conftest import ENGINE, Make
 
 import mdfkit
+from conftest import ENGINE, Make
 
 
 def test_a_missing_file_is_an_error_of_files(tmp_path: Path) -> None:

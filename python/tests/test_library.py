@@ -8,9 +8,8 @@ import subprocess
 import sys
 from pathlib import Path
 
-from conftest import stated
-
 import mdfkit
+from conftest import stated
 from mdfkit import _library
 
 
@@ -58,3 +57,13 @@ def test_the_package_says_its_types_and_teaches() -> None:
         text = getattr(mdfkit, name).__doc__
         assert text, name
         assert len(text.splitlines()[0]) > 20, name
+
+
+def test_the_libraries_that_are_loaded_are_those_of_the_wheel(engine: mdfkit.Measurement) -> None:
+    assert engine.read().to_arrow().num_rows == 4
+    maps = Path("/proc/self/maps").read_text()
+    loaded = set(re.findall(r"(/\S*/lib(?:mdf_reader|pugixml|deflate|muparser)\S*)", maps))
+    reader, *others = sorted(loaded, key=lambda path: "mdf_reader" not in path)
+    assert Path(reader) == _library.library_path().resolve()
+    assert {Path(path).parent for path in others} == {Path(stated("MDF_LIBRARIES")).resolve()}
+    assert len(others) == 3

@@ -6,9 +6,9 @@ import datetime as dt
 from pathlib import Path
 
 import pytest
-from conftest import Make
 
 import mdfkit
+from conftest import Make
 from mdfkit import contents, notebook
 
 

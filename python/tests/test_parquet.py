@@ -8,11 +8,11 @@ import pyarrow as pa
 import pyarrow.dataset as ds
 import pyarrow.parquet as pq
 import pytest
-from conftest import BRAKES, ENGINE, Make
-from test_query import ROWS
 
 import mdfkit
+from conftest import BRAKES, ENGINE, Make
 from mdfkit import parquet
+from test_query import ROWS
 
 
 def test_a_query_becomes_one_file(engine: mdfkit.Measurement, tmp_path: Path) -> None:

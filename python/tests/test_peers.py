@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import contextlib
 import json
 import math
 from collections.abc import Callable, Iterator
@@ -16,9 +17,9 @@ import polars as pl
 import pyarrow as pa
 import pyarrow.parquet as pq
 import pytest
-from conftest import Make, run, stated
 
 import mdfkit
+from conftest import Make, run, stated
 
 Columns = dict[str, list[Any]]
 
@@ -107,6 +108,13 @@ def of_parquet(tmp_path: Path) -> Callable[[mdfkit.Query], Columns]:
     return read_back
 
 
+# The only samples that are read with a finding.
+WITH_A_TORN_RECORD = (
+    "unfinished-last-data-open-half-a-record",
+    "unfinished-last-data-open-less-than-a-record",
+    "unfinished-unsorted",
+)
+
 # Of these, those of the second list have no null in columns of floats and texts, but nan.
 EXACT = (of_arrow, of_polars, of_nanoarrow, of_duckdb)
 WITH_NAN = (of_numpy, of_pandas)
@@ -125,11 +133,17 @@ def check(found: Columns, expected: Columns, what: str) -> None:
             assert same(found[name][i], value), (what, name, i, found[name][i], value)
 
 
-@pytest.mark.filterwarnings("default::mdfkit.MdfWarning")
 @pytest.mark.parametrize("path", SAMPLES, ids=lambda path: path.stem)
 def test_values_are_those_that_the_program_exports(
     path: Path, of_parquet: Callable[[mdfkit.Query], Columns]
 ) -> None:
+    is_torn = path.stem in WITH_A_TORN_RECORD
+    with pytest.warns(mdfkit.MdfWarning) if is_torn else contextlib.nullcontext():
+        compare_all(path, of_parquet)
+
+
+def compare_all(path: Path, of_parquet: Callable[[mdfkit.Query], Columns]) -> None:
+    """Each table of a file in each form."""
     m = mdfkit.open(path)
     tables = list(exported(path))
     elements = [(group.number, element) for group in m.groups for element in group.elements]

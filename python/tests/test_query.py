@@ -12,9 +12,9 @@ import pandas as pd
 import polars as pl
 import pyarrow as pa
 import pytest
-from conftest import ENGINE, Make
 
 import mdfkit
+from conftest import ENGINE, Make
 
 ROWS: list[dict[str, Any]] = [
     {"t": 0.0, "speed": 1.5, "gear": 1, "text": "off"},

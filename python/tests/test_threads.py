@@ -11,9 +11,9 @@ from concurrent.futures import ThreadPoolExecutor
 
 import pyarrow as pa
 import pytest
-from conftest import Make
 
 import mdfkit
+from conftest import Make
 
 
 def total(path: object, barrier: threading.Barrier) -> list[int]:
