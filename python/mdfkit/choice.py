@@ -6,7 +6,7 @@ import difflib
 import re
 from collections.abc import Callable, Iterable, Mapping, Sequence
 from fnmatch import fnmatchcase
-from typing import Union
+from typing import Any, Union
 
 from .contents import Channel, Named
 from .errors import UnknownChannel
@@ -33,6 +33,15 @@ def refuse_unknown(wanted: str | Sequence[str], channels: Named[Channel], where:
             raise UnknownChannel(
                 f"{where} has no channel {name!r}{_nearest(name, known)}", "query-wrong"
             )
+
+
+def groups_named(groups: Iterable[Mapping[str, Any]], pattern: str | None) -> list[int]:
+    """Return the numbers of the groups that match a number or a pattern of a name; None is all."""
+    return [
+        each["group"]
+        for each in groups
+        if pattern in (None, str(each["group"])) or fnmatchcase(each["name"], pattern or "*")
+    ]
 
 
 def likely_groups(

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import functools
-from collections.abc import Iterator, Mapping
+from collections.abc import Iterator, Mapping, Sequence
 from typing import Any
 
 from . import choice, summary
@@ -54,7 +54,7 @@ class Group:
         """Ask for channels of this group, as `Measurement.read` does."""
         return ask(self._source, channels, group=self.number, **options)
 
-    def __getitem__(self, channels: str | list[str]) -> Query:
+    def __getitem__(self, channels: str | Sequence[str]) -> Query:
         choice.refuse_unknown(channels, self.channels, f"channel group {self.number}")
         return self.read(channels)
 

@@ -25,7 +25,7 @@ PathLike = Union[str, "os.PathLike[str]"]
 def open(path: PathLike) -> Measurement:  # noqa: A001 - as gzip.open() and others are named
     """Open a measurement file of MDF 4, finished or not, by any program.
 
-    Only descriptions are read: a file of 100 GB opens as fast as one of 1 MB.
+    Only descriptions are read, however much data there is.
 
     Parameters
     ----------
@@ -235,7 +235,7 @@ class Measurement:
             threads=threads,
         )
 
-    def __getitem__(self, channels: str | list[str]) -> Query:
+    def __getitem__(self, channels: str | Sequence[str]) -> Query:
         """Ask for a channel by its name, or for several by names or patterns."""
         choice.refuse_unknown(channels, self.channels, self.path)
         return self.read(channels)

@@ -21,7 +21,7 @@ if TYPE_CHECKING:
     from .query import Query
 
 _BATCH_BYTES = 64 << 20
-_MOST_NAME = 100  # characters of a channel group's name in that of a file
+_MOST_NAME = 100  # bytes of a channel group's name in that of a file
 
 
 def rows_of_batch(schema: pa.Schema) -> int:
@@ -62,7 +62,8 @@ def _write_folder(reader: pa.RecordBatchReader, path: Path, by: Sequence[str]) -
 
 def _safe(name: str) -> str:
     """Return a name that every file system has a place for."""
-    return "".join(c if c.isalnum() or c in "-_." else "_" for c in name[:_MOST_NAME])
+    safe = "".join(c if c.isalnum() or c in "-_." else "_" for c in name)
+    return safe.encode()[:_MOST_NAME].decode(errors="ignore")
 
 
 def _stem(group: Group, element: int | None) -> str:

@@ -61,8 +61,9 @@ class Query:
     @property
     def index(self) -> str | None:
         """The column with the master channel, or None where there is no such channel."""
-        has_master = self._source.group_of(self._request)["master_unit"] is not None
-        return self._columns().names[0] if has_master else None
+        first = self._columns().names[0]
+        group = self._source.group_of(self._request)
+        return first if group["master_unit"] is not None else None
 
     def batches(self) -> pa.RecordBatchReader:
         """Read batch by batch.
@@ -88,6 +89,8 @@ class Query:
         """
         try:
             table = self._stream().read_all()
+        except MemoryError:
+            raise
         except (pa.ArrowException, OSError) as cause:
             raise MdfError(f"{self._source.path}: {cause}", "fault-inside") from cause
         self._source.warn()

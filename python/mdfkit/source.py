@@ -83,7 +83,9 @@ class Source:
         groups: dict[int, dict[str, Any]] = {each["group"]: each for each in self.info["groups"]}
         if isinstance(request.get("group"), int):
             return groups[request["group"]]
-        for number in choice.likely_groups(self.channels_of, request.get("channels")):
+        fitting = choice.groups_named(groups.values(), request.get("group"))
+        channels_of = {number: self.channels_of[number] for number in fitting}
+        for number in choice.likely_groups(channels_of, request.get("channels")):
             if self.takes({**request, "group": number}):
                 return groups[number]
         raise WrongQuery("no channel group fits the query", "query-wrong")

@@ -6,9 +6,11 @@ import copy
 import pickle
 import re
 import struct
+from collections.abc import Iterator
 from pathlib import Path
 from typing import Any
 
+import pyarrow as pa
 import pytest
 
 import mdfkit
@@ -106,6 +108,26 @@ def test_wrong_types_are_refused_before_anything_is_read(engine: mdfkit.Measurem
         engine.read(first=1.5)  # type: ignore[arg-type]
     with pytest.raises(ValueError, match="could not convert"):
         engine.read(start="soon")  # type: ignore[arg-type]
+
+
+@pytest.mark.parametrize(
+    ("raised", "expected"),
+    [(OSError("a fault inside"), mdfkit.MdfError), (MemoryError("too much"), MemoryError)],
+)
+def test_a_stream_that_fails_is_an_error_of_this_package(
+    engine: mdfkit.Measurement,
+    monkeypatch: pytest.MonkeyPatch,
+    raised: Exception,
+    expected: type[Exception],
+) -> None:
+    def batches() -> Iterator[pa.RecordBatch]:
+        raise raised
+        yield
+
+    failing = pa.RecordBatchReader.from_batches(pa.schema([]), batches())
+    monkeypatch.setattr(engine._source, "stream", lambda _: failing)
+    with pytest.raises(expected, match=str(raised)):
+        engine.read().to_arrow()
 
 
 def test_a_closed_measurement_is_not_read(engine: mdfkit.Measurement) -> None:

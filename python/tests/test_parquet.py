@@ -79,7 +79,7 @@ def test_names_of_files_are_safe_everywhere(make: Make, tmp_path: Path) -> None:
     m = mdfkit.open(make(**{"a b:c*größe": ENGINE, "..": BRAKES}))
     written = m.to_parquet(tmp_path / "out")
     assert [path.name for path in written] == ["0_a_b_c_größe.parquet", "1_...parquet"]
-    assert len(parquet._safe("ß" * 500).encode()) <= 200
+    assert parquet._safe("x" + "日" * 500) == "x" + "日" * 33
 
 
 def test_elements_become_files_of_their_own(samples: Path, tmp_path: Path) -> None:

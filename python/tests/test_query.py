@@ -112,6 +112,22 @@ def test_channels_by_names_patterns_and_groups(two_groups: mdfkit.Measurement) -
     assert m.groups["brakes"]["speed"].to_arrow().column("speed").to_pylist() == [1, 3]
     assert m.groups[0].read(last=1).to_arrow().to_pylist() == ROWS[3:]
     assert m.read(group=np.int32(1)).index == "t"
+    assert m["gear", "text"].schema.names == ["t", "gear", "text"]
+
+
+def test_the_group_of_a_query_is_found(two_groups: mdfkit.Measurement) -> None:
+    group_of = two_groups._source.group_of
+    requests: list[dict[str, Any]] = [
+        {"channels": ["pressure"]},
+        {"channels": ["press[u]re"]},
+        {"channels": ["speed"], "group": "br*"},
+        {"channels": ["speed"], "group": "1"},
+        {"group": 1},
+    ]
+    assert [group_of(request)["name"] for request in requests] == ["brakes"] * 5
+    assert group_of({"channels": ["gear"]})["name"] == "engine"
+    with pytest.raises(mdfkit.WrongQuery):
+        group_of({"channels": ["oil"]})
 
 
 def test_names_are_themselves_whatever_characters_they_have(make: Make) -> None:
