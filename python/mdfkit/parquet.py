@@ -11,7 +11,6 @@ from pathlib import Path
 from typing import TYPE_CHECKING, Any
 
 import pyarrow as pa
-import pyarrow.parquet as pq
 
 from .errors import WrongQuery
 
@@ -43,6 +42,8 @@ def _complete(path: Path) -> Iterator[Path]:
 
 def write_file(reader: pa.RecordBatchReader, path: str | os.PathLike[str]) -> None:
     """Write a file that appears when it is complete."""
+    import pyarrow.parquet as pq
+
     with _complete(Path(path)) as beside, pq.ParquetWriter(beside, reader.schema) as writer:
         for batch in reader:
             writer.write_batch(batch)

@@ -28,22 +28,24 @@ def test_the_declarations_are_those_of_the_header() -> None:
     assert len(declarations(header)) == 13
 
 
-def test_the_library_is_that_of_the_package_unless_another_is_named() -> None:
+def python(code: str, library: str, folder: Path) -> subprocess.CompletedProcess[str]:
+    """Run Python where no package lies beside, with another library."""
+    environment = {**os.environ, "MDFKIT_LIBRARY": library}
+    command = [sys.executable, "-c", code]
+    return subprocess.run(
+        command, env=environment, cwd=folder, check=False, capture_output=True, text=True
+    )
+
+
+def test_the_library_is_that_of_the_package_unless_another_is_named(tmp_path: Path) -> None:
     assert _library.library_path().name == "libmdf_reader.so"
     code = "import mdfkit._library as l; print(l.library_path())"
-    environment = {**os.environ, "MDFKIT_LIBRARY": "/other/library.so"}
-    done = subprocess.run(
-        [sys.executable, "-c", code], env=environment, check=True, capture_output=True, text=True
-    )
+    done = python(code, "/other/library.so", tmp_path)
     assert done.stdout == "/other/library.so\n"
 
 
-def test_a_library_that_is_missing_is_named_with_what_to_do() -> None:
-    code = "import mdfkit; mdfkit.open('trip.mf4')"
-    environment = {**os.environ, "MDFKIT_LIBRARY": "/nowhere/library.so"}
-    done = subprocess.run(
-        [sys.executable, "-c", code], env=environment, capture_output=True, text=True
-    )
+def test_a_library_that_is_missing_is_named_with_what_to_do(tmp_path: Path) -> None:
+    done = python("import mdfkit; mdfkit.open('a.mf4')", "/nowhere/library.so", tmp_path)
     assert done.returncode == 1
     last = done.stderr.strip().splitlines()[-1]
     assert last.startswith("ImportError: cannot load /nowhere/library.so: ")
