@@ -13,10 +13,10 @@
 #include <vector>
 
 #include "bus/bus_group.h"
-#include "bus/decoding.h"
 #include "bus/frame_writer.h"
 #include "reader/bus/bus_frames.h"
 #include "reader/bus/dbc_reader.h"
+#include "reader/decoding/decoding.h"
 #include "reader/summary/stored_time.h"
 #include "support/comparison.h"
 #include "support/files.h"
@@ -168,7 +168,7 @@ void shiftAndMask(const Log& log, std::vector<Columns>& columns) {
 struct Decode {
   Log log;
   ScratchFile decoded{std::string()};
-  mdf_tools::Decoding decoding{{{"bench.dbc", "", database()}}, false};
+  mdf_reader::Decoding decoding{{{"bench.dbc", "", database()}}, false};
   std::vector<Columns> columns = std::vector<Columns>(messages);
 
   void run() {
@@ -178,7 +178,7 @@ struct Decode {
     const mdf_reader::FindingSink report = [](const mdf_reader::Finding& finding) {
       require(false, finding.sentence);
     };
-    const mdf_tools::Decoded result = mdf_tools::decode(
+    const mdf_reader::Decoded result = mdf_reader::decode(
         {{input, report, [](const std::string& /*note*/) {}}}, decoding, plan, output, {});
     require(result.frames == frames && result.groups == messages, "all frames to be decoded");
   }

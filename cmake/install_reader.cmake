@@ -12,6 +12,7 @@ set(mdf_reader_headers
   bytes/printable.h
   columns/batch.h columns/column_data.h columns/query.h
   data/record_count.h
+  decoding/decoded.h
   measurement/measurement.h
   model/attachments.h model/description.h model/events.h model/hierarchy.h model/history.h model/texts.h)
 foreach(header IN LISTS mdf_reader_headers)

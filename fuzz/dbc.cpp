@@ -5,10 +5,10 @@
 #include <string>
 #include <tuple>
 
-#include "bus/message_group.h"
 #include "expect.h"
 #include "finding_check.h"
 #include "reader/bus/dbc_reader.h"
+#include "reader/decoding/message_group.h"
 #include "reader/values/text_encoding.h"
 #include "support/allocation_counter.h"
 #include "targets.h"
@@ -71,7 +71,7 @@ void expectGroups(const BusDatabase& database) {
   const std::string data(64, '\xA5');
   for (std::size_t i = 0; i < std::min(most, database.messages.size()); ++i) {
     mdf_writer::Plan plan;
-    mdf_tools::MessageGroup group(plan, {&database.messages[i], "message", "can1", i % 9, i > 9});
+    MessageGroup group(plan, {&database.messages[i], "message", "can1", i % 9, i > 9});
     expect(plan.fault().empty(), "a plan without a fault");
     for (const std::size_t bytes : {0U, 3U, 8U, 64U}) {
       BusFrame frame;

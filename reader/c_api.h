@@ -71,7 +71,7 @@ struct mdf_file;
 /** Why a function failed. One that did not fail leaves "", MDF_NO_OFFSET and "".
  *
  * The code of a file that cannot be read is that of a finding, see `mdf check --codes`; the others
- * are "query-wrong", "argument-missing", "memory-missing" and "fault-inside".
+ * are "query-wrong", "cannot-decode", "argument-missing", "memory-missing" and "fault-inside".
  */
 struct mdf_error {
   char code[64];   /**< a word that never changes, such as "not-mdf" */
@@ -201,6 +201,25 @@ int mdf_read(struct mdf_file* file, const char* query, struct ArrowArrayStream* 
  * @param error is set to why it failed.
  */
 int mdf_frames(struct mdf_file* file, const char* query, struct ArrowArrayStream* stream,
+               struct mdf_error* error);
+
+/** Makes signals of the frames of CAN buses, as databases of the DBC form describe them.
+ *
+ * The query is a JSON object: "databases" is an array of files, "car.dbc" or "car.dbc@can1" for one
+ * bus, of which the first one that knows an identifier counts; "j1939" is true where the parameter
+ * group is all that counts of each identifier of 29 bits. A file without frames is an error.
+ *
+ * @param file an open file.
+ * @param query which databases.
+ * @param signals is set to a file of its own, with a channel group for each message and bus, to be
+ * closed with mdf_close(), or to null. It lies in $TMPDIR or /var/tmp until then.
+ * @param report is set to what became of the frames, as JSON: "frames", "groups", "unknown_frames",
+ * "unknown", "all_unknown_listed" and "other_frames" as `mdf decode --json` prints them, "faults"
+ * of the databases with "path", "line", "column" and "text", and "notes" on frames that were left
+ * out. It is to be given to mdf_free(). It may be null.
+ * @param error is set to why it failed.
+ */
+int mdf_decode(struct mdf_file* file, const char* query, struct mdf_file** signals, char** report,
                struct mdf_error* error);
 
 #ifdef __cplusplus

@@ -1,6 +1,10 @@
 #include "bus_frame.h"
 
+#include <fnmatch.h>
+
+#include <algorithm>
 #include <array>
+#include <cstdio>
 
 namespace mdf_reader {
 
@@ -18,6 +22,23 @@ std::string_view directionName(const BusFrame& frame) {
 std::string_view errorName(const BusFrame& frame) {
   constexpr std::array<std::string_view, 6> names = {"", "bit", "form", "stuffing", "crc", "ack"};
   return names[static_cast<std::size_t>(frame.error)];
+}
+
+std::string idText(const BusFrame& frame) {
+  if (!frame.hasId()) {
+    return "";
+  }
+  char text[16];
+  const int digits = frame.is_extended ? 8 : frame.isLin() ? 2 : 3;
+  const int length =
+      std::snprintf(text, sizeof text, "%0*X", digits, static_cast<unsigned>(frame.id));
+  return std::string(text, static_cast<std::size_t>(length));
+}
+
+bool isBus(const std::string& pattern, std::string_view bus) {
+  const std::string name(bus);
+  const std::string number = name.substr(std::min(name.find_first_of("0123456789"), name.size()));
+  return pattern == number || fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
 }
 
 }  // namespace mdf_reader

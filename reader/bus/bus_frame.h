@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace mdf_reader {
@@ -41,6 +42,12 @@ struct BusFrame {
 std::string_view kindName(const BusFrame& frame);
 std::string_view directionName(const BusFrame& frame);
 std::string_view errorName(const BusFrame& frame);
+
+/// The identifier as people write it: three digits, or eight for one of 29 bits.
+std::string idText(const BusFrame& frame);
+
+/// Whether a bus is meant: by its name, a pattern of it, or the number in it.
+bool isBus(const std::string& pattern, std::string_view bus);
 
 /// The bytes of data that a data length code stands for.
 std::uint64_t dataLengthOf(std::uint64_t code, bool is_fd);

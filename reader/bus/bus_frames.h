@@ -16,6 +16,9 @@
 
 namespace mdf_reader {
 
+/// What is said of a file where frames are wanted and none are.
+inline constexpr const char* no_frames = "no channel group holds frames of CAN or LIN";
+
 /// The frames of all channel groups of a file that hold such, in the order of their times; those of
 /// one group stay in the order of its records. Memory grows with the number of groups alone.
 class BusFrames {

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "../bus/bus_frames.h"
 #include "../bytes/work_budget.h"
 #include "../summary/stored_time.h"
 #include "arrow_array.h"
@@ -212,7 +213,7 @@ void exportFrames(const SharedFile& file, const QueryText& text, ArrowArrayStrea
   const auto frames =
       std::make_shared<FrameBatches>(file.measurement.frames(text.query.from, text.query.to));
   if (frames->groups() == 0) {
-    throw WrongQuery("no channel group holds frames of CAN or LIN");
+    throw WrongQuery(no_frames);
   }
   std::vector<ArrowField> fields;
   for (const ColumnHead& column : frames->head().columns) {

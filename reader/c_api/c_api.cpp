@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <exception>
+#include <memory>
 #include <mutex>
 #include <new>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "../measurement/measurement.h"
 #include "../model/attachment_reading.h"
+#include "../summary/decoded_json.h"
 #include "../summary/json.h"
 #include "arrow_stream.h"
 #include "query_json.h"
@@ -54,6 +57,8 @@ int guarded(mdf_error* error, const Work& work) {
          unreadable.what());
   } catch (const Refused& refused) {
     tell(error, refused.code(), MDF_NO_OFFSET, refused.what());
+  } catch (const CannotDecode& failure) {
+    tell(error, "cannot-decode", MDF_NO_OFFSET, failure.what());
   } catch (const std::bad_alloc&) {
     tell(error, "memory-missing", MDF_NO_OFFSET, "there is not enough memory");
   } catch (const std::exception& fault) {
@@ -84,6 +89,19 @@ char* copyOf(const std::string& text) {
   char* const copied = new char[text.size() + 1];
   *std::copy(text.begin(), text.end(), copied) = '\0';
   return copied;
+}
+
+Json asJson(const DecodedSignals& decoded) {
+  Json report = decodedAsJson(decoded.frames);
+  Json& faults = report["faults"] = Json::array();
+  for (const DatabaseFault& fault : decoded.faults) {
+    faults.push_back({{"path", fault.path},
+                      {"line", fault.line},
+                      {"column", fault.column},
+                      {"text", fault.sentence}});
+  }
+  report["notes"] = decoded.notes;
+  return report;
 }
 
 Json asJson(const Finding& finding) {
@@ -184,5 +202,24 @@ int mdf_read(mdf_file* file, const char* query, ArrowArrayStream* stream, mdf_er
 int mdf_frames(mdf_file* file, const char* query, ArrowArrayStream* stream, mdf_error* error) {
   return exported(file, stream, error, [&](const SharedFile& shared) {
     exportFrames(shared, query == nullptr ? QueryText() : frameQueryFrom(query), *stream);
+  });
+}
+
+int mdf_decode(mdf_file* file, const char* query, mdf_file** signals, char** report,
+               mdf_error* error) {
+  if (signals != nullptr) {
+    *signals = nullptr;
+  }
+  return guarded(file, error, [&](const SharedFile& shared) {
+    expectArgument(query, "query");
+    expectArgument(signals, "place for the signals");
+    const DecodingText text = decodingFrom(query);
+    DecodedSignals decoded = shared.measurement.decode(text.databases, text.is_j1939);
+    const std::string about = jsonLine(asJson(decoded));
+    auto opened = std::make_unique<mdf_file>(mdf_file{{std::move(decoded.signals)}});
+    if (report != nullptr) {
+      *report = copyOf(about);
+    }
+    *signals = opened.release();
   });
 }

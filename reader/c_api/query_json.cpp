@@ -19,6 +19,11 @@ constexpr std::size_t shown_text = 100;
                    printable(jsonLine(found), Harmless::utf8, shown_text));
 }
 
+[[noreturn]] void refuseMember(const std::string& name, const std::string& expected) {
+  throw WrongQuery("expected members " + expected + ", found \"" +
+                   printable(name, Harmless::utf8, shown_text) + '"');
+}
+
 std::vector<std::string> namesFrom(const std::string& name, const Json& value) {
   const std::string expected = "an array of names";
   if (!value.is_array()) {
@@ -118,12 +123,9 @@ void takeMember(const std::string& name, const Json& value, QueryText& text) {
   } else if (name == "times") {
     text.has_timestamps = areTimestamps(name, value);
   } else {
-    throw WrongQuery(
-        "expected members \"channels\", \"group\", \"element\", \"from\", \"to\", \"skip\", "
-        "\"first\", "
-        "\"last\", \"stride\", \"raw\", \"numbers\", \"batch_rows\", \"threads\" and \"times\" in "
-        "the query, found \"" +
-        printable(name, Harmless::utf8, shown_text) + '"');
+    refuseMember(name,
+                 R"("channels", "group", "element", "from", "to", "skip", "first", "last", )"
+                 R"("stride", "raw", "numbers", "batch_rows", "threads" and "times" in the query)");
   }
 }
 
@@ -136,39 +138,53 @@ Json parsed(std::string_view json) try {
   throw WrongQuery("expected numbers in the query that 64 bits can hold, found a larger one");
 }
 
-}  // namespace
-
-namespace {
-
-QueryText queryFrom(std::string_view json, bool (*isMember)(const std::string& name)) {
+template <class Take>
+void forEachMember(std::string_view json, const Take& take) {
   const Json members = parsed(json);
   if (!members.is_object()) {
     throw WrongQuery("expected the query to be a JSON object, found " +
                      printable(jsonLine(members), Harmless::utf8, shown_text));
   }
-  QueryText text;
   for (const auto& [name, value] : members.items()) {
-    if (!isMember(name)) {
-      throw WrongQuery(
-          "expected members \"from\", \"to\", \"batch_rows\" and \"times\" in a query of frames, "
-          "found \"" +
-          printable(name, Harmless::utf8, shown_text) + '"');
-    }
-    takeMember(name, value, text);
+    take(name, value);
   }
-  return text;
 }
 
 }  // namespace
 
 QueryText queryFrom(std::string_view json) {
-  return queryFrom(json, [](const std::string& /*name*/) { return true; });
+  QueryText text;
+  forEachMember(json,
+                [&](const std::string& name, const Json& value) { takeMember(name, value, text); });
+  return text;
 }
 
 QueryText frameQueryFrom(std::string_view json) {
-  return queryFrom(json, [](const std::string& name) {
-    return name == "from" || name == "to" || name == "batch_rows" || name == "times";
+  QueryText text;
+  forEachMember(json, [&](const std::string& name, const Json& value) {
+    if (name != "from" && name != "to" && name != "batch_rows" && name != "times") {
+      refuseMember(name, R"("from", "to", "batch_rows" and "times" in a query of frames)");
+    }
+    takeMember(name, value, text);
   });
+  return text;
+}
+
+DecodingText decodingFrom(std::string_view json) {
+  DecodingText text;
+  forEachMember(json, [&](const std::string& name, const Json& value) {
+    if (name == "databases") {
+      text.databases = namesFrom(name, value);
+    } else if (name == "j1939") {
+      text.is_j1939 = truthFrom(name, value);
+    } else {
+      refuseMember(name, R"("databases" and "j1939" in a query of signals)");
+    }
+  });
+  if (text.databases.empty()) {
+    throw WrongQuery("expected databases in a query of signals, found none");
+  }
+  return text;
 }
 
 }  // namespace mdf_reader

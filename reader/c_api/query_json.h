@@ -1,7 +1,9 @@
 #ifndef MDF_READER_C_API_QUERY_JSON_H_
 #define MDF_READER_C_API_QUERY_JSON_H_
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "../columns/query.h"
 
@@ -20,6 +22,16 @@ QueryText queryFrom(std::string_view json);
 /// Reads a query of frames of buses.
 /// @throws Refused as above, and for a member that frames have no use for.
 QueryText frameQueryFrom(std::string_view json);
+
+/// How frames are to be decoded.
+struct DecodingText {
+  std::vector<std::string> databases;
+  bool is_j1939 = false;
+};
+
+/// Reads a query of signals.
+/// @throws Refused as above.
+DecodingText decodingFrom(std::string_view json);
 
 }  // namespace mdf_reader
 

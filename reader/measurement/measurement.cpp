@@ -10,6 +10,8 @@
 #include "../bytes/work_budget.h"
 #include "../columns/tables.h"
 #include "../data/record_facts.h"
+#include "../decoding/database_file.h"
+#include "../decoding/decoding.h"
 #include "../model/channel_names.h"
 #include "../summary/channel_json.h"
 #include "../summary/conversion_json.h"
@@ -51,8 +53,10 @@ ChannelGroups::ChannelGroups(const std::vector<DataGroup>& data_groups) {
 }
 
 struct Measurement::State {
-  explicit State(const std::string& path)
-      : file(path),
+  explicit State(const std::string& path) : State(path, path == "-" ? "standard input" : path) {}
+  /// @param name what messages call the file.
+  State(const std::string& path, const std::string& name)
+      : file(path, name),
         report([this](const Finding& finding) { take(finding); }),
         description(readDescription(readable(file), report)),
         groups(description.data_groups),
@@ -125,6 +129,7 @@ Json Measurement::State::listAsJson(const char* what, const std::vector<Entry>& 
 }
 
 Measurement::Measurement(const std::string& path) : state_(std::make_shared<State>(path)) {}
+Measurement::Measurement(std::shared_ptr<State> state) : state_(std::move(state)) {}
 Measurement::~Measurement() = default;
 Measurement::Measurement(Measurement&& other) noexcept = default;
 Measurement& Measurement::operator=(Measurement&& other) noexcept = default;
@@ -235,6 +240,27 @@ std::unique_ptr<const Batch> FrameBatches::next(std::size_t rows) {
 
 FrameBatches Measurement::frames(std::optional<double> from, std::optional<double> to) const {
   return FrameBatches(std::make_unique<FrameBatches::State>(state_, from, to));
+}
+
+DecodedSignals Measurement::decode(const std::vector<std::string>& databases, bool is_j1939) const {
+  Decoding decoding{{}, is_j1939};
+  Decoded frames;
+  std::vector<DatabaseFault> faults;
+  std::vector<std::string> notes;
+  for (const std::string& database : databases) {
+    decoding.databases.push_back(
+        readDatabase(database, [&](const DatabaseFault& fault) { faults.push_back(fault); }));
+  }
+  InputFile& file = state_->file;
+  const Descriptor signals =
+      signalFile({file, state_->report, [&](const std::string& note) { notes.push_back(note); }},
+                 decoding, frames);
+  if (frames.files_with_frames == 0) {
+    throw CannotDecode(no_frames);
+  }
+  const std::string path = "/proc/self/fd/" + std::to_string(signals.number());
+  return {Measurement(std::make_shared<State>(path, file.name())), std::move(frames),
+          std::move(faults), std::move(notes)};
 }
 
 std::vector<Attachment> Measurement::attachments() const {

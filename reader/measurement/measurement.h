@@ -15,6 +15,7 @@
 #include "../columns/batch.h"
 #include "../columns/query.h"
 #include "../data/record_count.h"
+#include "../decoding/decoded.h"
 #include "../model/attachments.h"
 #include "../model/description.h"
 #include "../model/events.h"
@@ -132,6 +133,8 @@ class FrameBatches {
   std::unique_ptr<State> state_;
 };
 
+struct DecodedSignals;
+
 /// A measurement file, read where it stands. It owns all that it hands out: texts, groups and
 /// channels last as long as it does, wherever it is moved to. One thread at a time may use it; two
 /// files can be read in two threads. The file is never written to.
@@ -176,6 +179,15 @@ class Measurement {
   /// @param from,to limits of their times, in seconds since the measurement was started.
   FrameBatches frames(std::optional<double> from, std::optional<double> to) const;
 
+  /// Makes signals of the frames of CAN buses, as databases of the DBC form describe them: a
+  /// measurement of its own, with a channel group for each message and bus. It lies in $TMPDIR or
+  /// /var/tmp, and is gone with its object.
+  /// @param databases their files: "car.dbc", or "car.dbc@can1" for one bus. Of those that know an
+  /// identifier, the first one counts.
+  /// @param is_j1939 whether the parameter group is all that counts of each identifier of 29 bits.
+  /// @throws CannotDecode
+  DecodedSignals decode(const std::vector<std::string>& databases, bool is_j1939) const;
+
   std::vector<Attachment> attachments() const;
   /// Hands the data of an embedded attachment on, see readAttachmentData().
   AttachmentData readAttachment(const Attachment& attachment,
@@ -208,7 +220,16 @@ class Measurement {
   friend class Batches;
   friend class FrameBatches;
   struct State;
+  explicit Measurement(std::shared_ptr<State> state);
   std::shared_ptr<State> state_;  ///< which batches have in common with it
+};
+
+/// Signals of a measurement's frames.
+struct DecodedSignals {
+  Measurement signals;
+  Decoded frames;                     ///< what became of them
+  std::vector<DatabaseFault> faults;  ///< of the databases
+  std::vector<std::string> notes;     ///< on frames that were left out
 };
 
 }  // namespace mdf_reader

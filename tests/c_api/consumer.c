@@ -471,6 +471,79 @@ static void readsFrames(const char* folder) {
   mdf_close(file);
 }
 
+/* The query of a database that has a message of the file, and a fault in its third line. */
+static const char* databaseQuery(const char* folder) {
+  static char query[4200];
+  FILE* database;
+  snprintf(path, sizeof path, "%s/c_api.dbc", folder);
+  database = fopen(path, "w");
+  EXPECT(fputs("BO_ 291 Engine: 3 ECU\n"
+               " SG_ Speed : 0|16@1+ (0.5,0) [0|0] \"rpm\" ECU\n"
+               " SG_ Level : 16|8@1+ (1,0) [0|0] ECU\n",
+               database) >= 0);
+  EXPECT(fclose(database) == 0);
+  snprintf(query, sizeof query, "{\"databases\": [\"%s@can1\"], \"j1939\": false}", path);
+  return query;
+}
+
+static void decodesFrames(const char* folder) {
+  mdf_file* file = opened(folder, bus_file);
+  mdf_file* signals = NULL;
+  mdf_error error;
+  char* report = NULL;
+  char expected[4600];
+  EXPECT(mdf_decode(file, databaseQuery(folder), &signals, &report, &error) == 0);
+  EXPECT_TEXT("", error.text);
+  snprintf(
+      expected, sizeof expected,
+      "{\"frames\":1,\"groups\":1,\"unknown_frames\":1,\"unknown\":[{\"bus\":\"can1\","
+      "\"id\":419361024,\"hex\":\"18FEF100\",\"extended\":true,\"frames\":1}],"
+      "\"all_unknown_listed\":true,\"other_frames\":1,\"faults\":[{\"path\":\"%s\","
+      "\"line\":3,\"column\":34,\"text\":\"expected a unit in quotation marks, found 'ECU'\"}],"
+      "\"notes\":[]}",
+      path);
+  EXPECT_TEXT(expected, report);
+  mdf_free(report);
+  mdf_close(file);
+  expectStream(__LINE__, signals, NULL,
+               "+s \"\" 0\n"
+               "g time 2 unit=s\n"
+               "g Speed 2 unit=rpm conversion={\"type\":\"linear\",\"type_number\":1,"
+               "\"values\":[0.0,0.5]}\n"
+               "0.5;256.5\n"
+               "nulls 0 0\n");
+  mdf_close(signals);
+}
+
+static void refusesDecoding(int line, mdf_file* file, const char* query, const char* code,
+                            const char* sentence) {
+  mdf_file* signals = file;
+  mdf_error error;
+  expectTrue(line, "a failure", mdf_decode(file, query, &signals, NULL, &error) != 0);
+  expectTrue(line, "no signals", signals == NULL);
+  expectText(line, code, error.code);
+  expectText(line, sentence, error.text);
+}
+
+static void decodesWhatItCan(const char* folder) {
+  mdf_file* file = opened(folder, whole_file);
+  const char* const query = databaseQuery(folder);
+  char expected[4200];
+  refusesDecoding(__LINE__, file, query, "cannot-decode",
+                  "no channel group holds frames of CAN or LIN");
+  refusesDecoding(__LINE__, file, NULL, "argument-missing",
+                  "expected a query, found a null pointer");
+  refusesDecoding(__LINE__, file, "{}", "query-wrong",
+                  "expected databases in a query of signals, found none");
+  refusesDecoding(__LINE__, file, "{\"dbc\": 1}", "query-wrong",
+                  "expected members \"databases\" and \"j1939\" in a query of signals, found "
+                  "\"dbc\"");
+  EXPECT(remove(path) == 0);
+  snprintf(expected, sizeof expected, "cannot open %s: No such file or directory", path);
+  refusesDecoding(__LINE__, file, query, "cannot-decode", expected);
+  mdf_close(file);
+}
+
 static void expectNoData(int line, mdf_file* file, uint64_t index, const char* code,
                          const char* sentence) {
   uint64_t size = 0;
@@ -586,6 +659,8 @@ int main(int argc, char** argv) {
   readsAnElement(argv[1]);
   refusesQueries(argv[1]);
   readsFrames(argv[1]);
+  decodesFrames(argv[1]);
+  decodesWhatItCan(argv[1]);
   readsAttachments(argv[1]);
   refusesFiles(argv[1]);
   describes(argv[1]);

@@ -1,7 +1,5 @@
 #include "frame_filter.h"
 
-#include <fnmatch.h>
-
 #include <algorithm>
 #include <charconv>
 #include <optional>
@@ -61,12 +59,6 @@ bool FrameFilter::hasId(const BusFrame& frame) const {
 bool FrameFilter::hasBus(std::string_view bus) const {
   return std::any_of(buses_.begin(), buses_.end(),
                      [&](const std::string& pattern) { return isBus(pattern, bus); });
-}
-
-bool isBus(const std::string& pattern, std::string_view bus) {
-  const std::string name(bus);
-  const std::string number = name.substr(std::min(name.find_first_of("0123456789"), name.size()));
-  return pattern == number || fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
 }
 
 }  // namespace mdf_tools

@@ -38,9 +38,6 @@ class FrameFilter {
   std::vector<std::string> buses_;
 };
 
-/// Whether a bus is meant: by its name, a pattern of it, or the number in it.
-bool isBus(const std::string& pattern, std::string_view bus);
-
 }  // namespace mdf_tools
 
 #endif  // MDF_TOOLS_BUS_FRAME_FILTER_H_

@@ -63,14 +63,6 @@ const char* yesOrNo(bool is_so) { return is_so ? "true" : "false"; }
 
 }  // namespace
 
-std::string idText(const BusFrame& frame) {
-  std::string text;
-  if (frame.hasId()) {
-    addHex(frame.id, frame.is_extended ? 8 : frame.isLin() ? 2 : 3, text);
-  }
-  return text;
-}
-
 std::optional<std::int64_t> nanosecondsOf(const BusFrame& frame,
                                           const std::optional<StoredTime>& start) {
   constexpr double most_seconds = 9e9;

@@ -70,9 +70,6 @@ class CandumpWriter : public FrameWriter {
   std::optional<StoredTime> start_;
 };
 
-/// The identifier as people write it: three digits, or eight for one of 29 bits.
-std::string idText(const BusFrame& frame);
-
 /// Nanoseconds since 1970; or, of a measurement whose start is not known, since it.
 /// Nothing for a time that 64 bits do not hold.
 std::optional<std::int64_t> nanosecondsOf(const BusFrame& frame,

@@ -9,8 +9,6 @@
 #include <system_error>
 #include <vector>
 
-#include "bus/decoding.h"
-#include "bus/frame_writer.h"
 #include "command.h"
 #include "command_line/command_line.h"
 #include "complete_file.h"
@@ -19,7 +17,9 @@
 #include "importing/import_failure.h"
 #include "importing/temporary_file.h"
 #include "printing/json_output.h"
+#include "reader/bus/bus_frames.h"
 #include "reader/bytes/input_file.h"
+#include "reader/summary/decoded_json.h"
 #include "sample_options.h"
 #include "table_export.h"
 
@@ -86,25 +86,9 @@ std::string namesOf(const std::vector<std::string>& paths) {
 }
 
 Json asJson(const Decoded& decoded, const std::string& output) {
-  Json ids = Json::array();
-  for (const UnknownId& id : decoded.unknown) {
-    BusFrame frame;
-    frame.id = id.id;
-    frame.is_extended = id.is_extended;
-    ids.push_back({{"bus", id.bus},
-                   {"id", id.id},
-                   {"hex", idText(frame)},
-                   {"extended", id.is_extended},
-                   {"frames", id.frames}});
-  }
-  return {{"schema", json_schema},
-          {"output", output},
-          {"frames", decoded.frames},
-          {"groups", decoded.groups},
-          {"unknown_frames", decoded.unknown_frames},
-          {"unknown", std::move(ids)},
-          {"all_unknown_listed", decoded.is_complete},
-          {"other_frames", decoded.other_frames}};
+  Json json = {{"schema", json_schema}, {"output", output}};
+  json.update(decodedAsJson(decoded));
+  return json;
 }
 
 void report(const Request& request, const Decoded& decoded, const FileContext& context) {
@@ -136,7 +120,7 @@ int decodeTo(mdf_writer::Output& output, const Request& request, const Decoding&
         }
         const Decoded decoded = decode(sources, decoding, plan, output, {});
         if (decoded.files_with_frames == 0) {
-          exit_code = complain("no channel group holds frames of CAN or LIN", exit_problem);
+          exit_code = complain(no_frames, exit_problem);
         } else if (decoded.frames == 0) {
           exit_code = complain("no frame is of a message of the databases", exit_problem);
         }

@@ -1,66 +1,33 @@
 #include "decoding_option.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
 #include <iostream>
-#include <system_error>
 
-#include "bus/frame_writer.h"
 #include "command.h"
 #include "command_line/command_line.h"
-#include "reader/bus/dbc_reader.h"
+#include "reader/bus/bus_frame.h"
+#include "reader/bus/bus_frames.h"
 #include "reader/bytes/input_file.h"
-#include "reader/bytes/nameless_file.h"
+#include "reader/decoding/database_file.h"
 #include "sample_options.h"
 
 namespace mdf_tools {
 
 namespace {
 
-constexpr std::uint64_t largest_database = std::uint64_t{1} << 28U;
-
 void complain(const std::string& sentence) { std::cerr << "mdf: " << sentence << '\n'; }
 
-std::string textOf(InputFile& file) {
-  std::string text;
-  forEachPiece(file, 0, file.size(), [&](std::string_view piece) { text += piece; });
-  return text;
-}
-
-/// "car.dbc@can1" as a path and a bus. A file may have an @ in its name.
-NamedDatabase namedAs(const std::string& word) {
-  std::error_code none;
-  const std::size_t sign =
-      std::filesystem::exists(word, none) ? std::string::npos : word.rfind('@');
-  NamedDatabase named;
-  named.path = word.substr(0, sign);
-  named.bus = sign == std::string::npos ? "" : word.substr(sign + 1);
-  return named;
-}
-
-int readDatabase(NamedDatabase& named) {
-  InputFile file(named.path);
-  if (!file.problem().empty()) {
-    complain(file.problem());
-    return exit_unusable;
-  }
-  if (file.size() > largest_database) {
-    complain(file.name() + ": expected a database of at most 256 MiB, found one of " +
-             std::to_string(file.size()) + " bytes");
-    return exit_unusable;
-  }
+int readDatabase(const std::string& word, std::vector<NamedDatabase>& databases) try {
   int exit_code = exit_fine;
-  named.database = readDbc(textOf(file), [&](const TextFault& fault) {
-    complain(file.name() + ':' + std::to_string(fault.line) + ':' + std::to_string(fault.column) +
+  databases.push_back(mdf_reader::readDatabase(word, [&](const DatabaseFault& fault) {
+    complain(fault.path + ':' + std::to_string(fault.line) + ':' + std::to_string(fault.column) +
              ": " + fault.sentence);
     exit_code = exit_problem;
-  });
-  if (named.database.messages.empty()) {
-    complain(file.name() + ": expected messages, found none");
-    exit_code = exit_unusable;
-  }
+  }));
   return exit_code;
+} catch (const CannotDecode& error) {
+  complain(error.what());
+  return exit_unusable;
 }
 
 std::string countedFrames(std::uint64_t count) {
@@ -74,29 +41,16 @@ std::string wordOf(const UnknownId& id) {
   return id.bus + ' ' + idText(frame) + " (" + std::to_string(id.frames) + ')';
 }
 
-/// Decodes a file into one without a name.
-/// @throws CannotDecode
-Descriptor decodedFile(const FileContext& context, const Decoding& decoding, Decoded& decoded) {
-  Descriptor descriptor = namelessFile(folderForFiles());
-  if (descriptor.number() < 0) {
-    throw CannotDecode("cannot make a file in " + folderForFiles() + ": " +
-                       std::generic_category().message(errno));
-  }
-  mdf_writer::FileOutput output(descriptor.number());
-  mdf_writer::Plan plan;
-  decoded = decode({{context.file, context.report, notesOf(context)}}, decoding, plan, output, {});
-  return descriptor;
-}
-
 /// Does the work on the signals of a file; returns the exit code.
 int onSignals(const FileContext& context, const Decoding& decoding,
               const std::function<void(const FileContext&)>& work) {
   Decoded decoded;
   try {
-    const Descriptor descriptor = decodedFile(context, decoding, decoded);
+    const Descriptor descriptor =
+        signalFile({context.file, context.report, notesOf(context)}, decoding, decoded);
     noteUnknown(decoded, notesOf(context));
     if (decoded.files_with_frames == 0) {
-      context.say("no channel group holds frames of CAN or LIN");
+      context.say(no_frames);
       return exit_problem;
     }
     InputFile file("/proc/self/fd/" + std::to_string(descriptor.number()), context.file.name());
@@ -133,8 +87,7 @@ std::shared_ptr<DecodingRequest> addDecodingOptions(CommandLine& command) {
 ReadDecoding readDatabases(const DecodingRequest& request) {
   ReadDecoding read{{{}, request.is_j1939}, exit_fine};
   for (const std::string& word : request.databases) {
-    read.decoding.databases.push_back(namedAs(word));
-    read.exit_code = std::max(read.exit_code, readDatabase(read.decoding.databases.back()));
+    read.exit_code = std::max(read.exit_code, readDatabase(word, read.decoding.databases));
   }
   return read;
 }

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "bus/decoding.h"
 #include "file_command.h"
+#include "reader/decoding/decoding.h"
 
 namespace mdf_tools {
 

@@ -118,7 +118,7 @@ int writeFrames(const Request& request, const FileContext& context, const Sink& 
   const NoteSink note = notesOf(context);
   BusFrames frames(context.file, request.query->from, request.query->to, context.report, note);
   if (frames.groups() == 0) {
-    context.say("no channel group holds frames of CAN or LIN");
+    context.say(no_frames);
     return exit_problem;
   }
   const auto writer = writerOf(request, context, frames.header(), note);

@@ -14,6 +14,7 @@
 #include "reader/summary/file_json.h"
 #include "reader/summary/json.h"
 #include "support/bytes.h"
+#include "tools/support/bus_file.h"
 #include "tools/support/file_builder.h"
 #include "tools/support/small_file.h"
 #include "tools/support/temp_file.h"
@@ -393,6 +394,21 @@ TEST(Measurement, TwoFilesInTwoThreads) {
             "engine 0: time=0s speed=5m/s\nengine 1: time=0.25s speed=5.5m/s\n"
             "engine 2: time=0.5s speed=6m/s\ntank 0: level=7\ntank 1: level=8\n");
   EXPECT_EQ(others, rowsOf(Measurement(other.path()), {}));
+}
+
+TEST(Measurement, SignalsOfFramesAreAMeasurementOfTheirOwn) {
+  FileBuilder file;
+  addFrames(
+      file, "CAN_DataFrame", canMembers(),
+      frameRecord(0.5, 1, 0x123, 0, 2, "\x10\x02") + frameRecord(1, 2, 0x123, 0, 2, "\x20\x02"));
+  const TempFile log(file.bytes());
+  const TempFile database("BO_ 291 Engine: 2 ECU\n SG_ Speed : 0|8@1+ (1,0) [0|0] \"m/s\" ECU\n");
+  const DecodedSignals decoded = Measurement(log.path()).decode({database.path() + "@2"}, false);
+  EXPECT_EQ(rowsOf(decoded.signals, {}), "Engine 0: time=1s Speed=32m/s\n");
+  EXPECT_EQ(decoded.frames.frames, 1U);
+  EXPECT_EQ(decoded.frames.unknown_frames, 1U);
+  EXPECT_TRUE(decoded.faults.empty());
+  EXPECT_THROW(Measurement(log.path()).decode({log.path() + ".dbc"}, false), CannotDecode);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
-#ifndef MDF_TOOLS_BUS_MESSAGE_LOOKUP_H_
-#define MDF_TOOLS_BUS_MESSAGE_LOOKUP_H_
+#ifndef MDF_READER_DECODING_MESSAGE_LOOKUP_H_
+#define MDF_READER_DECODING_MESSAGE_LOOKUP_H_
 
 #include <cstdint>
 #include <string>
@@ -7,11 +7,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "reader/bus/bus_database.h"
+#include "../bus/bus_database.h"
 
-namespace mdf_tools {
-
-using namespace mdf_reader;
+namespace mdf_reader {
 
 /// What the messages of some buses mean.
 struct NamedDatabase {
@@ -51,6 +49,6 @@ class MessageLookup {
 /// addressee if it has one.
 std::uint32_t parameterGroupOf(std::uint32_t id);
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader
 
-#endif  // MDF_TOOLS_BUS_MESSAGE_LOOKUP_H_
+#endif  // MDF_READER_DECODING_MESSAGE_LOOKUP_H_

@@ -8,7 +8,7 @@
 
 #include "framework/wire.h"
 
-namespace mdf_tools {
+namespace mdf_reader {
 
 namespace {
 
@@ -235,4 +235,4 @@ std::string_view MessageGroup::record(const BusFrame& frame, double time) {
   return record_;
 }
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader

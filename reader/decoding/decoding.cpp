@@ -1,14 +1,19 @@
 #include "decoding.h"
 
+#include <mdf_writer/files/file_output.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <functional>
 #include <numeric>
+#include <system_error>
 
+#include "../bus/bus_frames.h"
+#include "../bytes/nameless_file.h"
+#include "../summary/stored_time.h"
 #include "decoder.h"
-#include "reader/bus/bus_frames.h"
-#include "reader/summary/stored_time.h"
 
-namespace mdf_tools {
+namespace mdf_reader {
 
 namespace {
 
@@ -134,4 +139,16 @@ Decoded decode(const std::vector<FrameSource>& sources, const Decoding& decoding
   return result;
 }
 
-}  // namespace mdf_tools
+Descriptor signalFile(const FrameSource& source, const Decoding& decoding, Decoded& decoded) {
+  Descriptor descriptor = namelessFile(folderForFiles());
+  if (descriptor.number() < 0) {
+    throw CannotDecode("cannot make a file in " + folderForFiles() + ": " +
+                       std::generic_category().message(errno));
+  }
+  mdf_writer::FileOutput output(descriptor.number());
+  mdf_writer::Plan plan;
+  decoded = decode({source}, decoding, plan, output, {});
+  return descriptor;
+}
+
+}  // namespace mdf_reader

@@ -1,5 +1,5 @@
-#ifndef MDF_TOOLS_BUS_MESSAGE_GROUP_H_
-#define MDF_TOOLS_BUS_MESSAGE_GROUP_H_
+#ifndef MDF_READER_DECODING_MESSAGE_GROUP_H_
+#define MDF_READER_DECODING_MESSAGE_GROUP_H_
 
 #include <mdf_writer/mdf_writer.h>
 
@@ -9,12 +9,10 @@
 #include <string_view>
 #include <vector>
 
-#include "reader/bus/bus_database.h"
-#include "reader/bus/bus_frame.h"
+#include "../bus/bus_database.h"
+#include "../bus/bus_frame.h"
 
-namespace mdf_tools {
-
-using namespace mdf_reader;
+namespace mdf_reader {
 
 /// The frames of a message, as there are in a file.
 struct MessageFrames {
@@ -87,6 +85,6 @@ class MessageGroup {
   std::string record_;
 };
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader
 
-#endif  // MDF_TOOLS_BUS_MESSAGE_GROUP_H_
+#endif  // MDF_READER_DECODING_MESSAGE_GROUP_H_

@@ -1,5 +1,5 @@
-#ifndef MDF_TOOLS_BUS_DECODER_H_
-#define MDF_TOOLS_BUS_DECODER_H_
+#ifndef MDF_READER_DECODING_DECODER_H_
+#define MDF_READER_DECODING_DECODER_H_
 
 #include <mdf_writer/mdf_writer.h>
 
@@ -14,11 +14,11 @@
 #include <utility>
 #include <vector>
 
+#include "../bus/bus_frame.h"
 #include "message_group.h"
 #include "message_lookup.h"
-#include "reader/bus/bus_frame.h"
 
-namespace mdf_tools {
+namespace mdf_reader {
 
 /// Frames with one identifier on one bus.
 struct IdFrames {
@@ -80,6 +80,6 @@ class Decoder {
   std::uint64_t other_frames_ = 0;
 };
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader
 
-#endif  // MDF_TOOLS_BUS_DECODER_H_
+#endif  // MDF_READER_DECODING_DECODER_H_

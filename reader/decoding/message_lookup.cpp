@@ -1,8 +1,8 @@
 #include "message_lookup.h"
 
-#include "frame_filter.h"
+#include "../bus/bus_frame.h"
 
-namespace mdf_tools {
+namespace mdf_reader {
 
 MessageLookup::MessageLookup(const std::vector<NamedDatabase>& databases, bool is_j1939) {
   for (const NamedDatabase& each : databases) {
@@ -45,4 +45,4 @@ std::uint32_t parameterGroupOf(std::uint32_t id) {
   return ((group >> 8U) & 0xFFU) >= first_broadcast ? group : group & 0x3FF00U;
 }
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-namespace mdf_tools {
+namespace mdf_reader {
 
 namespace {
 
@@ -115,4 +115,4 @@ bool Decoder::record(const BusFrame& frame, double time, mdf_writer::Recording& 
   return group == nullptr || recording.appendBytes(group->group(), group->record(frame, time));
 }
 
-}  // namespace mdf_tools
+}  // namespace mdf_reader
