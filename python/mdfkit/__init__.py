@@ -28,13 +28,21 @@ Invalid samples are null, NaN or masked. Where channels are in several groups, s
 
 >>> m.read("speed", group="engine").to_pandas()
 
+Frames of buses, and their signals by a database of the DBC form:
+
+>>> log = mdfkit.open("log.mf4")
+>>> log.frames(stop=10).to_pandas()
+>>> log.decode("car.dbc")["EngineSpeed"].to_pandas()
+
 What cannot be read raises `MdfError`, with a ``code`` that never changes and an ``offset`` in the
 file; what is wrong but can be read all the same is one `MdfWarning` for each call, and all of it is
 in ``m.findings``.
 """
 
-from .contents import Channel, Named
+from .attachment import Attachment
+from .contents import Channel, Event, Named
 from .errors import (
+    CannotDecode,
     MdfError,
     MdfWarning,
     MissingFile,
@@ -44,13 +52,20 @@ from .errors import (
     WrongQuery,
 )
 from .findings import Finding
+from .frames import DatabaseFault, Decoding, Frames, UnknownId
 from .group import Group
 from .measurement import Measurement, open  # noqa: A004 - as gzip.open() and others
 from .query import Query
 
 __all__ = [
+    "Attachment",
+    "CannotDecode",
     "Channel",
+    "DatabaseFault",
+    "Decoding",
+    "Event",
     "Finding",
+    "Frames",
     "Group",
     "MdfError",
     "MdfWarning",
@@ -60,6 +75,7 @@ __all__ = [
     "Query",
     "UnknownChannel",
     "UnknownGroup",
+    "UnknownId",
     "UnreadableFile",
     "WrongQuery",
     "open",

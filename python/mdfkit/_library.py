@@ -11,7 +11,7 @@ from typing import Any
 import cffi
 import pyarrow as pa
 
-from .errors import MdfError, MissingFile, UnreadableFile, WrongQuery
+from .errors import CannotDecode, MdfError, MissingFile, UnreadableFile, WrongQuery
 
 # The declarations of the library's header, which a test holds against it.
 DECLARATIONS = """
@@ -67,10 +67,19 @@ char* mdf_describe(struct mdf_file* file, struct mdf_error* error);
 
 char* mdf_findings(struct mdf_file* file, struct mdf_error* error);
 
+char* mdf_attachment(struct mdf_file* file, uint64_t index, uint64_t* size,
+                     struct mdf_error* error);
+
 void mdf_free(char* text);
 
 int mdf_read(struct mdf_file* file, const char* query, struct ArrowArrayStream* stream,
              struct mdf_error* error);
+
+int mdf_frames(struct mdf_file* file, const char* query, struct ArrowArrayStream* stream,
+               struct mdf_error* error);
+
+int mdf_decode(struct mdf_file* file, const char* query, struct mdf_file** signals, char** report,
+               struct mdf_error* error);
 """
 
 _NO_OFFSET = 2**64 - 1
@@ -111,34 +120,41 @@ def _exception(error: Any) -> Exception:
         return MemoryError(sentence)
     if code == "query-wrong":
         return WrongQuery(sentence, code, offset)
+    if code == "cannot-decode":
+        return CannotDecode(sentence, code)
     if code in _FAULTS_OF_CALLS:
         return MdfError(sentence, code, offset)
     return UnreadableFile(sentence, code, offset)
 
 
+def _taken(text: Any) -> str:
+    """Return a text of the library's, which is freed."""
+    try:
+        return _text(text)
+    finally:
+        _library().mdf_free(text)
+
+
+def open_file(path: str) -> OpenFile:
+    """Open a file."""
+    place = _ffi.new("struct mdf_file **")
+    error = _ffi.new("struct mdf_error *")
+    if _library().mdf_open(os.fsencode(path), place, error) == 0:
+        return OpenFile(path, place[0])
+    found = _exception(error)
+    if isinstance(found, UnreadableFile) and path != "-" and not os.path.lexists(path):
+        raise MissingFile(found.sentence, found.code)
+    raise found
+
+
 class OpenFile:
     """An open file of the library. Its calls let other threads run."""
 
-    def __init__(self, path: str) -> None:
+    def __init__(self, path: str, handle: Any) -> None:
         self.path = path
         # Close may come from another thread while a call is under way.
         self._lock = threading.Lock()
-        self._handle: Any = None
-        place = _ffi.new("struct mdf_file **")
-        error = _ffi.new("struct mdf_error *")
-        if _library().mdf_open(os.fsencode(path), place, error) != 0:
-            self._raise_unopened(error)
-        self._handle = _ffi.gc(place[0], _library().mdf_close)
-
-    def _raise_unopened(self, error: Any) -> None:
-        found = _exception(error)
-        if (
-            isinstance(found, UnreadableFile)
-            and self.path != "-"
-            and not os.path.lexists(self.path)
-        ):
-            raise MissingFile(found.sentence, found.code)
-        raise found
+        self._handle: Any = _ffi.gc(handle, _library().mdf_close)
 
     @property
     def is_open(self) -> bool:
@@ -162,10 +178,40 @@ class OpenFile:
 
     def read(self, query: str) -> pa.RecordBatchReader:
         """Open a stream of batches for a query, as JSON."""
+        return self._stream(_library().mdf_read, query)
+
+    def frames(self, query: str) -> pa.RecordBatchReader:
+        """Open a stream of frames of buses for a query, as JSON."""
+        return self._stream(_library().mdf_frames, query)
+
+    def decode(self, query: str) -> tuple[OpenFile, str]:
+        """Make a file of the signals of frames, and say as JSON what became of these."""
+        place = _ffi.new("struct mdf_file **")
+        report = _ffi.new("char **")
+        error = _ffi.new("struct mdf_error *")
+        with self._lock:
+            if _library().mdf_decode(self._used(), query.encode(), place, report, error) != 0:
+                raise _exception(error)
+        return OpenFile(self.path, place[0]), _taken(report[0])
+
+    def attachment(self, index: int) -> bytes:
+        """Read the data of an attachment."""
+        size = _ffi.new("uint64_t *")
+        error = _ffi.new("struct mdf_error *")
+        with self._lock:
+            data = _library().mdf_attachment(self._used(), index, size, error)
+        if data == _ffi.NULL:
+            raise _exception(error)
+        try:
+            return bytes(_ffi.buffer(data, size[0]))
+        finally:
+            _library().mdf_free(data)
+
+    def _stream(self, function: Any, query: str) -> pa.RecordBatchReader:
         stream = _ffi.new("struct ArrowArrayStream *")
         error = _ffi.new("struct mdf_error *")
         with self._lock:
-            if _library().mdf_read(self._used(), query.encode(), stream, error) != 0:
+            if function(self._used(), query.encode(), stream, error) != 0:
                 raise _exception(error)
         # The reader takes the stream out of this structure, and releases it.
         return pa.RecordBatchReader._import_from_c(int(_ffi.cast("uintptr_t", stream)))
@@ -181,7 +227,4 @@ class OpenFile:
             text = function(self._used(), error)
         if text == _ffi.NULL:
             raise _exception(error)
-        try:
-            return _text(text)
-        finally:
-            _library().mdf_free(text)
+        return _taken(text)

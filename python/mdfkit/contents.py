@@ -111,6 +111,40 @@ class Channel:
         return f"{self.name} [{self.unit}]" if self.unit else self.name
 
 
+@dataclass(frozen=True)
+class Event:
+    """Something that happened during the measurement.
+
+    Attributes
+    ----------
+    name, comment : str
+        ``""`` where there is none.
+    type : str
+        ``"marker"``, ``"trigger"``, ``"recording"``, ...
+    cause : str
+        ``"user"``, ``"error"``, ``"script"``, ...
+    range_type : str
+        ``"point"``, or ``"begin"`` or ``"end"`` of a range.
+    position : float
+        When or where it happened, in `unit` since the measurement began.
+    unit : str
+        ``"s"``, ``"rad"``, ``"m"``; ``"index"`` for the number of a record.
+    """
+
+    name: str
+    comment: str
+    type: str
+    cause: str
+    range_type: str
+    position: float
+    unit: str
+
+    @classmethod
+    def from_json(cls, members: Mapping[str, Any]) -> Event:
+        """Make one of its JSON object."""
+        return cls(**{field.name: members[field.name] for field in fields(cls)})
+
+
 _Item = TypeVar("_Item", bound=Any)
 
 

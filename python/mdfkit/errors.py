@@ -36,6 +36,10 @@ class WrongQuery(MdfError, ValueError):
     """A query is wrong, or does not fit the file; the sentence says what would."""
 
 
+class CannotDecode(MdfError):
+    """A file has no frames, or a database cannot be read."""
+
+
 class UnknownChannel(WrongQuery, KeyError):
     """No channel has this name, or several have it."""
 

@@ -58,8 +58,8 @@ def _level_of_caller() -> int:
     return level
 
 
-def warn_of(path: str, findings: Sequence[Finding]) -> None:
-    """Warn once of these findings, where the user's code called this package."""
-    if findings:
-        more = f", and {len(findings) - 1} more: see .findings" if len(findings) > 1 else ""
-        warnings.warn(f"{path}: {findings[0]}{more}", MdfWarning, stacklevel=_level_of_caller())
+def warn_of(path: str, problems: Sequence[Finding | str], where: str = ".findings") -> None:
+    """Warn once of these, where the user's code called this package."""
+    if problems:
+        more = f", and {len(problems) - 1} more: see {where}" if len(problems) > 1 else ""
+        warnings.warn(f"{path}: {problems[0]}{more}", MdfWarning, stacklevel=_level_of_caller())

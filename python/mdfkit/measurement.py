@@ -10,10 +10,12 @@ from pathlib import Path
 from types import TracebackType
 from typing import Union
 
-from . import choice, notebook, parquet, summary
-from .contents import Channel, Named, Start
-from .errors import UnknownGroup
-from .findings import Finding
+from . import choice, frames, notebook, parquet, summary
+from .attachment import Attachment
+from .contents import Channel, Event, Named, Start
+from .errors import UnknownGroup, WrongQuery
+from .findings import Finding, warn_of
+from .frames import Databases, Decoding, Frames
 from .group import Group
 from .query import Query
 from .request import ask
@@ -71,9 +73,10 @@ class Measurement:
     Threads may read several files, and streams of one file, at the same time.
     """
 
-    def __init__(self, path: PathLike) -> None:
+    def __init__(self, path: PathLike, _source: Source | None = None) -> None:
         self.path = os.fspath(path)
-        self._source = Source(self.path)
+        self._source = _source or Source(self.path)
+        self._decoding: Decoding | None = None
 
     # -- what is in it
 
@@ -87,6 +90,19 @@ class Measurement:
         """The channel groups: a list, also by name: ``m.groups[0]``, ``m.groups["engine"]``."""
         groups = [Group(self._source, members) for members in self._source.info["groups"]]
         return Named(groups, "channel group", UnknownGroup)
+
+    @functools.cached_property
+    def attachments(self) -> Named[Attachment]:
+        """What is attached, in the order of the file; also by name, if one only has it."""
+        listed = self._source.listed("attachments")
+        attachments = [Attachment(self._source, i, members) for i, members in enumerate(listed)]
+        return Named(attachments, "attachment", WrongQuery)
+
+    @functools.cached_property
+    def events(self) -> Named[Event]:
+        """What happened, in the order of the file; also by name, if one only has it."""
+        events = [Event.from_json(members) for members in self._source.listed("events")]
+        return Named(events, "event", WrongQuery)
 
     @functools.cached_property
     def _start(self) -> Start | None:
@@ -152,6 +168,11 @@ class Measurement:
         """What was found to be wrong so far, the first 1,000 of it; it grows with what is read."""
         return self._source.findings()
 
+    @property
+    def decoding(self) -> Decoding | None:
+        """What became of the frames that this was made of by `decode`; None for other files."""
+        return self._decoding
+
     # -- its samples
 
     def read(
@@ -161,6 +182,7 @@ class Measurement:
         group: int | str | None = None,
         start: float | None = None,
         stop: float | None = None,
+        skip: int | None = None,
         first: int | None = None,
         last: int | None = None,
         stride: int | None = None,
@@ -183,8 +205,10 @@ class Measurement:
             are in several groups.
         start, stop : float, optional
             Limits of the master channel, both included: seconds since the measurement began.
+        skip : int, optional
+            So many records that are left out, the group's first ones.
         first, last : int, optional
-            So many records of the group, its first or its last ones.
+            So many of the others, the first or the last ones.
         stride : int, optional
             Of those, the first one and each so many-th after it.
         raw : bool
@@ -224,6 +248,7 @@ class Measurement:
             group=group,
             start=start,
             stop=stop,
+            skip=skip,
             first=first,
             last=last,
             stride=stride,
@@ -234,6 +259,85 @@ class Measurement:
             batch_rows=batch_rows,
             threads=threads,
         )
+
+    def frames(
+        self,
+        *,
+        start: float | None = None,
+        stop: float | None = None,
+        times: str = "seconds",
+        batch_rows: int | None = None,
+    ) -> Frames:
+        """Ask for the frames of CAN and LIN buses, in the order of time. Nothing is read yet.
+
+        Parameters
+        ----------
+        start, stop : float, optional
+            Limits of their times, both included: seconds since the measurement began.
+        times : {"seconds", "timestamps"}
+            Float seconds since the start, or the time of day in nanoseconds.
+        batch_rows : int, optional
+            The most rows of a batch; 65,536 without it.
+
+        Returns
+        -------
+        Frames
+            A query as that of `read`. A file without frames raises `WrongQuery` when it is used.
+
+        Examples
+        --------
+        >>> frames = log.frames(stop=10)
+        >>> frames.to_pandas()
+        >>> duckdb.sql("select bus, id, count(*) from frames group by all")
+        """
+        wanted = {
+            "from": None if start is None else float(start),
+            "to": None if stop is None else float(stop),
+            "times": None if times == "seconds" else times,
+            "batch_rows": batch_rows,
+        }
+        request = {name: value for name, value in wanted.items() if value is not None}
+        return Frames(self._source, request)
+
+    def decode(self, dbc: Databases, *, j1939: bool = False) -> Measurement:
+        """Make signals of the frames of CAN buses, as databases of the DBC form describe them.
+
+        Parameters
+        ----------
+        dbc : str, path, or list of those
+            Databases: ``"car.dbc"``, or ``"car.dbc@can1"`` for one bus. Of those that know an
+            identifier, the first one counts.
+        j1939 : bool
+            Whether the parameter group is all that counts of each identifier of 29 bits.
+
+        Returns
+        -------
+        Measurement
+            With a channel group for each message and bus, in a temporary file that is gone when it
+            is closed. `decoding` says what became of the frames.
+
+        Raises
+        ------
+        CannotDecode
+            There are no frames, or a database cannot be read.
+
+        Warns
+        -----
+        MdfWarning
+            Once, if a database has something wrong, or describes none of the frames.
+
+        Examples
+        --------
+        >>> signals = log.decode("car.dbc")
+        >>> signals["EngineSpeed"].to_pandas()
+        >>> signals.decoding.unknown               # identifiers that the database does not have
+        """
+        file, report = self._source.file.decode(frames.request(dbc, j1939))
+        signals = Measurement(self.path, Source(self.path, file))
+        signals._decoding = Decoding.from_json(report)
+        self._source.warn()
+        warn_of(self.path, signals._decoding.problems(), ".decoding")
+        return signals
 
     def __getitem__(self, channels: str | Sequence[str]) -> Query:
         """Ask for a channel by its name, or for several by names or patterns."""

@@ -37,6 +37,8 @@ class Query:
     11
     """
 
+    _what = "query"
+
     def __init__(self, source: Source, request: Mapping[str, Any]) -> None:
         self._source = source
         self._request = dict(request)
@@ -171,7 +173,7 @@ class Query:
             for field in self.schema
             for unit in [self.units.get(field.name)]
         )
-        return f"<query of {self._source.path}: {wanted or 'all channels'}>\n{columns}"
+        return f"<{self._what} of {self._source.path}: {wanted or 'all'}>\n{columns}"
 
     def _columns(self) -> pa.Schema:
         """The schema, once asked for."""
@@ -182,7 +184,7 @@ class Query:
     def _in_row_groups(self) -> pa.RecordBatchReader:
         """Batches for a file of Parquet."""
         rows = parquet.rows_of_batch(self._columns())
-        return self._source.stream({"batch_rows": rows, **self._request})
+        return self._stream(batch_rows=rows)
 
-    def _stream(self) -> pa.RecordBatchReader:
-        return self._source.stream(self._request)
+    def _stream(self, **defaults: Any) -> pa.RecordBatchReader:
+        return self._source.stream({**defaults, **self._request})

@@ -10,7 +10,7 @@ from .query import Query
 from .source import Source
 
 # Those that are the same in the library, and count something.
-_COUNTS = ("first", "last", "stride", "element", "batch_rows", "threads")
+_COUNTS = ("skip", "first", "last", "stride", "element", "batch_rows", "threads")
 
 
 def ask(source: Source, channels: choice.Names, **options: Any) -> Query:

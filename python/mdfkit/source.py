@@ -10,7 +10,7 @@ from typing import Any
 import pyarrow as pa
 
 from . import choice
-from ._library import OpenFile
+from ._library import OpenFile, open_file
 from .contents import Channel, Named
 from .errors import UnknownChannel, WrongQuery
 from .findings import Finding, warn_of
@@ -19,9 +19,9 @@ from .findings import Finding, warn_of
 class Source:
     """An open file. Nothing in it refers to measurements, so that they are closed when dropped."""
 
-    def __init__(self, path: str) -> None:
+    def __init__(self, path: str, file: OpenFile | None = None) -> None:
         self.path = path
-        self.file = OpenFile(path)
+        self.file = file or open_file(path)
         self._warned = 0
         self.warn()
 
@@ -47,6 +47,11 @@ class Source:
         channels = [Channel.from_json(members) for members in self._description["channels"]]
         return Named(channels, "channel", UnknownChannel)
 
+    def listed(self, what: str) -> list[dict[str, Any]]:
+        """What the file has of "attachments" or "events", in its order."""
+        listed: list[dict[str, Any]] = self._description[what]
+        return listed
+
     @functools.cached_property
     def channels_of(self) -> dict[int, Named[Channel]]:
         """The channels of each group by its number."""
@@ -69,6 +74,10 @@ class Source:
     def stream(self, request: Mapping[str, Any]) -> pa.RecordBatchReader:
         """Open a stream of batches."""
         return self.file.read(json.dumps(request))
+
+    def frames(self, request: Mapping[str, Any]) -> pa.RecordBatchReader:
+        """Open a stream of batches of frames."""
+        return self.file.frames(json.dumps(request))
 
     def takes(self, request: Mapping[str, Any]) -> bool:
         """Whether a query can be answered."""

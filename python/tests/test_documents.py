@@ -5,6 +5,7 @@ from __future__ import annotations
 import doctest
 import re
 import sys
+from collections.abc import Callable
 from pathlib import Path
 from typing import Any
 
@@ -23,19 +24,28 @@ EXAMPLES: dict[str, Any] = {
     "open": mdfkit.open,
     "Measurement": mdfkit.Measurement,
     "Measurement.read": mdfkit.Measurement.read,
+    "Measurement.frames": mdfkit.Measurement.frames,
+    "Measurement.decode": mdfkit.Measurement.decode,
+    "Frames": mdfkit.Frames,
     "Query": mdfkit.Query,
     "Query.to_pandas": mdfkit.Query.to_pandas,
 }
 
 
 @pytest.fixture
-def trip(make: Make, monkeypatch: pytest.MonkeyPatch) -> None:
-    """Where the documents' file is: a minute at one sample a second."""
+def trip(make: Make, program: Callable[..., str], monkeypatch: pytest.MonkeyPatch) -> None:
+    """Where the documents' files are: a minute at one sample a second, and a log of frames."""
     rows = "".join(
         f"2024-05-17T13:45:{i:02}+02:00,{i},{1000 + 10 * i},{i // 20}\n" for i in range(60)
     )
     path = make(engine="t,speed [km/h],rpm [1/min],gear\n" + rows)
     monkeypatch.chdir(path.parent)
+    lines = (f"(1700000000.{i:06}) can0 123#{i:02X}00\n" for i in range(10))
+    Path("can.log").write_text("".join(lines))
+    program("import", "can.log", "-o", "log.mf4")
+    Path("car.dbc").write_text(
+        'BO_ 291 Engine: 2 ECU\n SG_ EngineSpeed : 0|16@1+ (1,0) [0|0] "rpm" ECU\n'
+    )
 
 
 @pytest.mark.usefixtures("trip")
@@ -43,7 +53,7 @@ def test_the_readme_begins_with_an_example_and_all_of_them_run() -> None:
     text = README.read_text(encoding="utf-8")
     assert "```python" in "\n".join(text.splitlines()[:10])
     count, scope = run_blocks(text)
-    assert count == 6
+    assert count == 7
     assert scope["q"].to_arrow().num_rows == 11
     assert sorted(each.name for each in Path("by_gear/0_engine").iterdir()) == [
         "gear=0",
@@ -75,6 +85,7 @@ def test_the_examples_of_help_run(name: str, monkeypatch: pytest.MonkeyPatch) ->
     monkeypatch.setattr(sys, "displayhook", lambda value: shown.append(repr(value)))
     m = mdfkit.open("trip.mf4")
     scope = {"m": m, "mdfkit": mdfkit, "duckdb": duckdb, "polars": polars, "pyarrow": pyarrow}
+    scope["log"] = mdfkit.open("log.mf4")
     scope["q"] = m.read(["speed", "rpm"], start=10, stop=20)
     examples = doctest.DocTestParser().get_examples(EXAMPLES[name].__doc__)
     assert examples

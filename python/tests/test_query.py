@@ -73,6 +73,7 @@ def test_repr_names_file_request_and_columns(engine: mdfkit.Measurement) -> None
         ({"last": np.int64(1)}, [1.5]),
         ({"stride": 2}, [0.0, 1.0]),
         ({"first": 3, "stride": 2}, [0.0, 1.0]),
+        ({"skip": 1, "first": 2}, [0.5, 1.0]),
         ({"start": 10}, []),
         ({"batch_rows": 1, "threads": 1}, [0.0, 0.5, 1.0, 1.5]),
     ],

@@ -125,3 +125,19 @@ def test_closing_while_others_read_is_an_error_and_no_crash(make: Make) -> None:
     for thread in threads:
         thread.join()
     assert outcomes == [f"{m.path} is closed"] * 2
+
+
+def test_threads_that_share_a_file_take_turns(make: Make) -> None:
+    count = 20_000
+    m = mdfkit.open(make(one="t [s],v\n" + "".join(f"{i},{i}\n" for i in range(count))))
+    barrier = threading.Barrier(4)
+
+    def read(number: int) -> tuple[int, int]:
+        barrier.wait()
+        columns = m.read(skip=number, batch_rows=100).to_numpy()
+        return len(m.findings), int(columns["v"].sum())
+
+    with ThreadPoolExecutor(4) as pool:
+        results = list(pool.map(read, range(4)))
+    whole = count * (count - 1) // 2
+    assert results == [(0, whole), (0, whole), (0, whole - 1), (0, whole - 3)]
