@@ -27,8 +27,9 @@ struct FrameSource {
   NoteSink note;
 };
 
-/// Makes a file of signals: a channel group for each message and bus. Frames are read twice. Those
-/// of several files follow one another by when these were begun, as far as they say it.
+/// Makes a file of signals: a channel group for each message and bus. Frames are read
+/// twice, unless all fit into 256 MiB. Those of several files follow one another by when these were
+/// begun, as far as they say it.
 /// @throws CannotDecode
 Decoded decode(const std::vector<FrameSource>& sources, const Decoding& decoding,
                mdf_writer::Plan& plan, mdf_writer::Output& output,
