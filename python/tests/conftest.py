@@ -10,6 +10,7 @@ from pathlib import Path
 import pytest
 
 import mdfkit
+from spark_cluster import cluster, spark  # noqa: F401 - fixtures
 
 Make = Callable[..., Path]
 

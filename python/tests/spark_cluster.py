@@ -1,0 +1,147 @@
+"""A cluster of Spark on this machine: a master and two workers as processes of their own."""
+
+from __future__ import annotations
+
+import os
+import re
+import signal
+import subprocess
+import sys
+import time
+from collections.abc import Callable, Iterator
+from pathlib import Path
+from typing import IO, Any
+
+import pyspark
+import pytest
+from pyspark.sql import SparkSession
+
+_HOME = Path(pyspark.__file__).parent
+_DEPLOY = "org.apache.spark.deploy"
+_PATIENCE = 120.0  # seconds, after which something is broken
+_SHORT_LIVED = "-XX:TieredStopAtLevel=1 -XX:+UseSerialGC"  # Java that is not worth optimising
+
+
+def wait_for(condition: Callable[[], Any], what: str) -> Any:
+    """Wait until a condition holds, and return what it gives."""
+    end = time.monotonic() + _PATIENCE
+    while time.monotonic() < end:
+        found = condition()
+        if found:
+            return found
+        time.sleep(0.05)
+    raise TimeoutError(what)
+
+
+class Cluster:
+    """A master and its workers, each the first process of a group of its own."""
+
+    def __init__(self, folder: Path) -> None:
+        self._folder = folder
+        self._processes: dict[str, subprocess.Popen[bytes]] = {}
+        self._start("master", "master.Master", "--host", "127.0.0.1", "--port", "0")
+        self.url: str = wait_for(
+            lambda: self._said("master", r"Starting Spark master at (spark://\S+)"), "the master"
+        )
+
+    def add_worker(self, name: str) -> None:
+        """Start a worker with one core."""
+        work = self._folder / name
+        options = ["--cores", "1", "--memory", "1g", "--host", "127.0.0.1"]
+        self._start(name, "worker.Worker", *options, "--work-dir", str(work), self.url)
+
+    def kill(self, name: str) -> None:
+        """Take a worker away with all that runs there, as when its machine loses power."""
+        process = self._processes.pop(name)
+        os.killpg(process.pid, signal.SIGKILL)
+        process.wait()
+
+    def stop(self) -> None:
+        """End all processes."""
+        for name in list(self._processes):
+            self.kill(name)
+
+    def _start(self, name: str, program: str, *arguments: str) -> None:
+        environment = {
+            **os.environ,
+            "SPARK_HOME": str(_HOME),
+            "SPARK_LOCAL_IP": "127.0.0.1",
+            "SPARK_LOCAL_DIRS": str(self._folder),
+            "SPARK_DAEMON_MEMORY": "256m",
+            "SPARK_DAEMON_JAVA_OPTS": _SHORT_LIVED,
+            "PYSPARK_PYTHON": sys.executable,
+        }
+        command = [str(_HOME / "bin" / "spark-class"), f"{_DEPLOY}.{program}"]
+        with self._log(name).open("wb") as log:
+            self._processes[name] = self._run(
+                [*command, *arguments, "--webui-port", "0"], environment, log
+            )
+
+    @staticmethod
+    def _run(
+        command: list[str], environment: dict[str, str], log: IO[bytes]
+    ) -> subprocess.Popen[bytes]:
+        return subprocess.Popen(
+            command, env=environment, stdout=log, stderr=log, start_new_session=True
+        )
+
+    def _log(self, name: str) -> Path:
+        return self._folder / f"{name}.log"
+
+    def _said(self, name: str, pattern: str) -> str | None:
+        if self._processes[name].poll() is not None:
+            raise RuntimeError(f"{name} ended: {self._log(name).read_text()}")
+        found = re.search(pattern, self._log(name).read_text(errors="replace"))
+        return found[1] if found else None
+
+
+@pytest.fixture(scope="session")
+def cluster(tmp_path_factory: pytest.TempPathFactory) -> Iterator[Cluster]:
+    """A cluster with the workers "one" and "two"."""
+    started = Cluster(tmp_path_factory.mktemp("cluster"))
+    try:
+        for name in ("one", "two"):
+            started.add_worker(name)
+        yield started
+    finally:
+        started.stop()
+
+
+@pytest.fixture(scope="session")
+def spark(cluster: Cluster, tmp_path_factory: pytest.TempPathFactory) -> Iterator[SparkSession]:
+    """A session on the cluster, with an executor on each worker."""
+    with pytest.MonkeyPatch.context() as patch:
+        patch.setenv("PYSPARK_PYTHON", sys.executable)
+        patch.setenv("SPARK_LOCAL_IP", "127.0.0.1")
+        session = _session(cluster.url, tmp_path_factory.mktemp("spark"))
+        session.sparkContext.setLogLevel("OFF")
+        wait_for(lambda: executors(session) == 2, "two executors")
+        yield session
+        session.stop()
+
+
+def _session(url: str, folder: Path) -> SparkSession:
+    settings = {
+        "spark.driver.host": "127.0.0.1",
+        "spark.driver.memory": "512m",
+        "spark.driver.extraJavaOptions": _SHORT_LIVED,
+        "spark.executor.extraJavaOptions": _SHORT_LIVED,
+        "spark.executor.memory": "512m",
+        "spark.executor.cores": "1",
+        "spark.local.dir": str(folder),
+        "spark.sql.session.timeZone": "UTC",
+        "spark.sql.shuffle.partitions": "2",
+        "spark.sql.warehouse.dir": str(folder / "warehouse"),
+        "spark.ui.enabled": "false",
+        "spark.ui.showConsoleProgress": "false",
+    }
+    builder = SparkSession.builder.master(url).appName("mdfkit")
+    for name, value in settings.items():
+        builder = builder.config(name, value)
+    return builder.getOrCreate()
+
+
+def executors(session: SparkSession) -> int:
+    """Return how many executors there are."""
+    context: Any = session.sparkContext._jsc.sc()
+    return int(context.getExecutorMemoryStatus().size()) - 1  # without the driver
