@@ -8,18 +8,17 @@ import signal
 import subprocess
 import sys
 import time
-from collections.abc import Callable, Iterator
+from collections.abc import Callable, Mapping
 from pathlib import Path
 from typing import IO, Any
 
 import pyspark
-import pytest
 from pyspark.sql import SparkSession
 
 _HOME = Path(pyspark.__file__).parent
 _DEPLOY = "org.apache.spark.deploy"
 _PATIENCE = 120.0  # seconds, after which something is broken
-_SHORT_LIVED = "-XX:TieredStopAtLevel=1 -XX:+UseSerialGC"  # Java that is not worth optimising
+SHORT_LIVED = "-XX:TieredStopAtLevel=1 -XX:+UseSerialGC"  # Java that is not worth optimising
 
 
 def wait_for(condition: Callable[[], Any], what: str) -> Any:
@@ -68,7 +67,7 @@ class Cluster:
             "SPARK_LOCAL_IP": "127.0.0.1",
             "SPARK_LOCAL_DIRS": str(self._folder),
             "SPARK_DAEMON_MEMORY": "256m",
-            "SPARK_DAEMON_JAVA_OPTS": _SHORT_LIVED,
+            "SPARK_DAEMON_JAVA_OPTS": SHORT_LIVED,
             "PYSPARK_PYTHON": sys.executable,
         }
         command = [str(_HOME / "bin" / "spark-class"), f"{_DEPLOY}.{program}"]
@@ -95,53 +94,27 @@ class Cluster:
         return found[1] if found else None
 
 
-@pytest.fixture(scope="session")
-def cluster(tmp_path_factory: pytest.TempPathFactory) -> Iterator[Cluster]:
-    """A cluster with the workers "one" and "two"."""
-    started = Cluster(tmp_path_factory.mktemp("cluster"))
-    try:
-        for name in ("one", "two"):
-            started.add_worker(name)
-        yield started
-    finally:
-        started.stop()
-
-
-@pytest.fixture(scope="session")
-def spark(cluster: Cluster, tmp_path_factory: pytest.TempPathFactory) -> Iterator[SparkSession]:
-    """A session on the cluster, with an executor on each worker."""
-    with pytest.MonkeyPatch.context() as patch:
-        patch.setenv("PYSPARK_PYTHON", sys.executable)
-        patch.setenv("SPARK_LOCAL_IP", "127.0.0.1")
-        session = _session(cluster.url, tmp_path_factory.mktemp("spark"))
-        session.sparkContext.setLogLevel("OFF")
-        wait_for(lambda: executors(session) == 2, "two executors")
-        yield session
-        session.stop()
-
-
-def _session(url: str, folder: Path) -> SparkSession:
-    settings = {
+def session(url: str, settings: Mapping[str, str]) -> SparkSession:
+    """Begin a session on a cluster of this machine."""
+    always = {
         "spark.driver.host": "127.0.0.1",
         "spark.driver.memory": "512m",
-        "spark.driver.extraJavaOptions": _SHORT_LIVED,
-        "spark.executor.extraJavaOptions": _SHORT_LIVED,
         "spark.executor.memory": "512m",
         "spark.executor.cores": "1",
-        "spark.local.dir": str(folder),
         "spark.sql.session.timeZone": "UTC",
         "spark.sql.shuffle.partitions": "2",
-        "spark.sql.warehouse.dir": str(folder / "warehouse"),
         "spark.ui.enabled": "false",
         "spark.ui.showConsoleProgress": "false",
     }
     builder = SparkSession.builder.master(url).appName("mdfkit")
-    for name, value in settings.items():
+    for name, value in {**always, **settings}.items():
         builder = builder.config(name, value)
-    return builder.getOrCreate()
+    begun = builder.getOrCreate()
+    begun.sparkContext.setLogLevel("OFF")
+    return begun
 
 
-def executors(session: SparkSession) -> int:
+def executors(spark: SparkSession) -> int:
     """Return how many executors there are."""
-    context: Any = session.sparkContext._jsc.sc()
+    context: Any = spark.sparkContext._jsc.sc()
     return int(context.getExecutorMemoryStatus().size()) - 1  # without the driver

@@ -191,20 +191,34 @@ def test_a_fleet_becomes_parquet(spark: SparkSession, make: Make, damaged: Path)
     found = frame.filter("date = '2024-05-18'").select("time", "speed", "path").orderBy("time")
     path = f"{damaged}/18.mf4"
     assert [tuple(row) for row in found.collect()] == [(0.0, 1, path), (500000001 * 1e-9, 2, path)]
-    with pytest.raises(PySparkException, match="already exists"):
+    assert pq.read_schema(next(out.rglob("*.parquet"))).field("speed").metadata[b"unit"] == b"km/h"
+    with pytest.raises(FileExistsError, match="speeds exists; overwrite=True replaces it"):
         mdfkit.spark.write_parquet(spark, str(damaged), str(out))
 
 
 def test_parquet_is_as_it_is_asked_for(spark: SparkSession, make: Make, tmp_path: Path) -> None:
     path = str(make(engine=ENGINE, brakes=BRAKES))
     out = str(tmp_path / "out")
-    for group, columns in (("engine", ["gear", "path"]), ("brakes", [])):
+    for group, columns in (("engine", "path"), ("brakes", ["group", "start"])):
         summary = mdfkit.spark.write_parquet(
-            spark, [path], out, group=group, partition_by=columns, overwrite=True, raw=True
+            spark, [path], out, group=group, partition_by=columns, overwrite=True, start=1
         )
-    assert (summary.files, summary.rows, summary.findings) == (1, 2, [])
-    [written] = Path(out).glob("*.parquet")
-    assert pq.read_table(written, columns=["pressure"]).to_pydict() == {"pressure": [10, 30]}
+    assert (summary.files, summary.rows, summary.findings) == (1, 1, [])
+    frame = spark.read.parquet(out)
+    assert rows(frame) == [
+        {"t": 2.0, "pressure": 30, "speed": 3, "path": path, "group": "brakes", "start": None}
+    ]
+    with pytest.raises(mdfkit.WrongQuery, match="expected some of date, path, start, group, comm"):
+        mdfkit.spark.write_parquet(spark, [path], out, partition_by="gear")
+
+
+def test_parquet_that_fails_leaves_nothing(
+    spark: SparkSession, damaged: Path, tmp_path: Path
+) -> None:
+    out = tmp_path / "lake" / "out"
+    with pytest.raises(PySparkException, match=r"b\.mf4: at byte \d+: expected the"):
+        mdfkit.spark.write_parquet(spark, str(damaged / "b.mf4"), str(out), mode="FAILFAST")
+    assert list(out.parent.iterdir()) == []
 
 
 CARS = 2000

@@ -84,13 +84,3 @@ def write_log(folder: str, number: int, faults: Iterable[Fault]) -> None:
     beside = path.with_name(f".{path.name}.{id(lines):x}")
     beside.write_text("".join(lines), encoding="utf-8")
     beside.replace(path)
-
-
-def read_log(folder: str) -> list[Fault]:
-    """Read what all tasks found, each finding once, in the order of the files."""
-    faults = [
-        Fault(**json.loads(line))
-        for path in sorted(Path(folder).glob("part-*.json"))
-        for line in path.read_text(encoding="utf-8").splitlines()
-    ]
-    return sorted(dict.fromkeys(faults), key=lambda fault: (fault.path, fault.offset or 0))

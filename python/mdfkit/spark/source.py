@@ -128,6 +128,11 @@ class SamplesReader(DataSourceReader):
         self._targets = tuple(targets(schema))
         self._heads = heads
 
+    @property
+    def task(self) -> Task:
+        """What reads pieces of files."""
+        return Task(self._options, self._targets, self.filters)
+
     def __getstate__(self) -> dict[str, Any]:
         """Return what tasks need, which is not the other files' descriptions."""
         return {**vars(self), "_heads": ()}
@@ -147,10 +152,9 @@ class SamplesReader(DataSourceReader):
     def read(self, partition: InputPartition) -> Iterator[pa.RecordBatch]:
         """Read one task's pieces of files."""
         assert isinstance(partition, Pieces)
-        task = Task(self._options, self._targets, self.filters)
         faults: list[Fault] = []
         for piece in partition.pieces:
-            yield from task.batches(piece, faults.extend)
+            yield from self.task.batches(piece, faults.extend)
         if self._options.log is not None:
             write_log(self._options.log, partition.number, faults)
 
