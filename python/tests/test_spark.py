@@ -18,6 +18,7 @@ from pyspark.sql import DataFrame, SparkSession
 import mdfkit.spark
 from conftest import BRAKES, DATES, ENGINE, Make
 from spark_cluster import Cluster, executors, wait_for
+from test_documents import README, run_blocks
 from test_query import ROWS
 
 SPEEDS = "t [s],speed [km/h]\n" + "".join(f"{i},{10 * i}\n" for i in range(10))
@@ -219,6 +220,58 @@ def test_parquet_that_fails_leaves_nothing(
     with pytest.raises(PySparkException, match=r"b\.mf4: at byte \d+: expected the"):
         mdfkit.spark.write_parquet(spark, str(damaged / "b.mf4"), str(out), mode="FAILFAST")
     assert list(out.parent.iterdir()) == []
+
+
+def test_the_readme_is_right_about_fleets(
+    spark: SparkSession,
+    make: Make,
+    tmp_path: Path,
+    capsys: pytest.CaptureFixture[str],
+) -> None:
+    (tmp_path / "fleet" / "2026-11").mkdir(parents=True)
+    for i in (1, 2):
+        lines = "".join(f"2024-05-17T13:45:{s:02}Z,{i * s},{s}\n" for s in range(60))
+        make(f"fleet/2026-11/trip_{i}.mf4", engine="t,speed [km/h],rpm\n" + lines)
+    _, _, text = README.read_text(encoding="utf-8").partition("## A fleet")
+    text = text.replace('"/fleet', f'"{tmp_path}/fleet').replace('"/lake', f'"{tmp_path}/lake')
+    count, scope = run_blocks(text, spark=spark)
+    assert count == 4
+    assert str(scope["summary"]) == "120 rows of 2 files; 0 files with errors"
+    assert str(scope["summary"]) in text
+    assert "|       118|" in capsys.readouterr().out
+    spark.conf.unset("spark.sql.python.filterPushdown.enabled")
+
+
+LARGE = (4 << 30) + (100 << 20)
+
+
+@pytest.fixture
+def large(make: Make) -> Path:
+    """A file of more than 4 GiB that its program did not finish, most of it a hole on the disk."""
+    names = ",".join(f"x{i}" for i in range(62))
+    wide = f"t [s],v,{names}\n" + f"0,1,{','.join(['0.5'] * 62)}\n"
+    path = make("large.mf4", wide=wide, types=("v=int64",))
+    record = 64 * 8
+    with path.open("r+b") as file:
+        data_at = path.stat().st_size - record
+        # The header says that the length of the last data block is not known, and records neither.
+        file.write(b"UnFinMF ")
+        file.seek(60)
+        file.write(struct.pack("<H", 0b101))
+        rows = LARGE // record
+        file.truncate(data_at + rows * record)
+        for number, value in ((rows // 2, 40_000), (rows - 1, 300)):
+            file.seek(data_at + number * record)
+            file.write(struct.pack("<qq", number * 10**9, value))
+    return path
+
+
+def test_a_file_of_4_gib_is_read_in_pieces(spark: SparkSession, large: Path) -> None:
+    rows = LARGE // 512
+    frame = load(spark, large, channels="v", attributes="")
+    assert frame.rdd.getNumPartitions() == 66
+    found = frame.selectExpr("count(*)", "sum(v)", "max(v)", "max(t)").collect()
+    assert tuple(found[0]) == (rows, 1 + 40_000 + 300, 40_000, pytest.approx(rows - 1))
 
 
 CARS = 2000
