@@ -213,6 +213,17 @@ def test_parquet_is_as_it_is_asked_for(spark: SparkSession, make: Make, tmp_path
         mdfkit.spark.write_parquet(spark, [path], out, partition_by="gear")
 
 
+def test_parquet_has_stated_columns(spark: SparkSession, make: Make, tmp_path: Path) -> None:
+    path = str(make(dates=DATES))
+    out = str(tmp_path / "out")
+    stated = load(spark, path, attributes="").schema
+    summary = mdfkit.spark.write_parquet(spark, path, out, schema=stated)
+    assert (summary.files, summary.rows) == (1, 2)
+    frame = spark.read.parquet(out).selectExpr("time", "speed", "cast(date as string) date")
+    assert frame.schema["speed"].metadata == {"unit": "km/h"}
+    assert [row["date"] for row in rows(frame)] == ["2024-05-17"] * 2
+
+
 def test_parquet_that_fails_leaves_nothing(
     spark: SparkSession, damaged: Path, tmp_path: Path
 ) -> None:

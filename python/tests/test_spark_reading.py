@@ -17,6 +17,8 @@ from pyspark.sql.datasource import EqualTo, Filter, GreaterThan, LessThan, Strin
 
 import mdfkit
 from conftest import BRAKES, DATES, ENGINE, Make
+from mdfkit.spark import heads
+from mdfkit.spark.options import Options
 from mdfkit.spark.source import MdfDataSource, SamplesReader
 
 SPEEDS = "t [s],speed [km/h]\n" + "".join(f"{i},{10 * i}\n" for i in range(10))
@@ -161,6 +163,39 @@ def test_a_stated_schema_decides(make: Make) -> None:
         {"path": str(path), "GEAR": gear, "speed": speed, "oil": None}
         for gear, speed in ((1, 1.5), (2, 2.5), (None, None), (255, -4.25))
     ]
+
+
+def test_small_files_are_looked_into_by_tasks_if_columns_are_stated(
+    make: Make, tmp_path: Path, monkeypatch: pytest.MonkeyPatch
+) -> None:
+    size = make("large.mf4", dates=DATES).stat().st_size
+    monkeypatch.setattr("mdfkit.spark.source.TASK_BYTES", size)
+    make("large.mf4", dates=DATES + "2024-05-17T13:45:14+02:00,3\n")
+    make("small.mf4", one="t [s],speed\n0,1\n1,2\n")
+    (tmp_path / "empty.mf4").touch()
+    read: list[str] = []
+    head = heads.read_head
+
+    def noted(path: str, options: Options) -> heads.Head:
+        read.append(path)
+        return head(path, options)
+
+    monkeypatch.setattr(heads, "read_head", noted)
+    kinds = {"speed": st.LongType(), "start": st.TimestampType(), "group": st.StringType()}
+    schema = st.StructType([st.StructField(name, kind) for name, kind in kinds.items()])
+    start = dt.datetime(2024, 5, 17, 11, 45, 12, 500000, tzinfo=dt.timezone.utc)
+    found = rows(tmp_path, schema=schema, log=tmp_path / "log")
+    assert [tuple(row.values()) for row in found] == [
+        (1, start, "dates"),
+        (2, start, "dates"),
+        (3, start, "dates"),
+        (1, None, "one"),
+        (2, None, "one"),
+    ]
+    assert read == [str(tmp_path / "large.mf4")]  # before the tasks
+    assert [fault["code"] for fault in logged(tmp_path / "log")] == ["not-mdf"]
+    only = rows(tmp_path, schema=schema, filters=[EqualTo(("group",), "one")])
+    assert [row["speed"] for row in only] == [1, 2]
 
 
 def test_what_does_not_fit_a_stated_type_is_null_and_a_fault(make: Make, tmp_path: Path) -> None:

@@ -60,6 +60,11 @@ class Head:
         The columns as the library gives them.
     faults : tuple of Fault
         Why the file has nothing of the query, or is not read.
+    is_read : bool
+        Whether all this is known. A task reads the description of a small file by itself if the
+        columns are stated.
+    size : int
+        Of the file in bytes, if it is not read.
     """
 
     path: str
@@ -74,6 +79,8 @@ class Head:
     can_be_cut: bool = False
     schema: pa.Schema | None = None
     faults: tuple[Fault, ...] = ()
+    is_read: bool = True
+    size: int = 0
 
     @property
     def row_bytes(self) -> int:
@@ -93,6 +100,13 @@ def read_heads(paths: Sequence[str], options: Options) -> list[Head]:
     """Read the descriptions of all files, several at a time."""
     with ThreadPoolExecutor(_THREADS) as pool:
         return list(pool.map(lambda path: read_head(path, options), paths))
+
+
+def read_large_heads(paths: Sequence[str], options: Options, most: int) -> list[Head]:
+    """Read the descriptions of files with more bytes than these, which are to be cut."""
+    found = {path: Head(path, is_read=False, size=size) for path, size in zip(paths, sizes(paths))}
+    large = [path for path, head in found.items() if head.size > most]
+    return list({**found, **dict(zip(large, read_heads(large, options)))}.values())
 
 
 def read_head(path: str, options: Options) -> Head:

@@ -12,7 +12,7 @@ from .faults import Fault
 from .heads import Head
 from .options import Options
 
-_TASK_BYTES = 64 << 20
+TASK_BYTES = 64 << 20
 _OPENING_BYTES = 1 << 20  # what could be read in the time that it takes to open a file
 
 
@@ -30,6 +30,8 @@ class Piece:
         Records; all that follow where it is None.
     faults : tuple of Fault
         What is known to be wrong; then there is no group, and nothing is read.
+    is_read : bool
+        Whether the file's description is known, so that the rest of this is.
     """
 
     path: str
@@ -42,6 +44,7 @@ class Piece:
     skip: int = 0
     first: int | None = None
     faults: tuple[Fault, ...] = ()
+    is_read: bool = True
 
 
 class Pieces(InputPartition):
@@ -64,9 +67,9 @@ def plan(heads: Iterable[Head], options: Options) -> list[Pieces]:
     return packed(sized, lambda each: each[1], lambda each: each[0])
 
 
-def _pieces(head: Head, options: Options) -> Iterator[tuple[Piece, int]]:
-    """A file's pieces, with what each costs."""
-    whole = Piece(
+def whole_file(head: Head) -> Piece:
+    """Return all records of a file."""
+    return Piece(
         path=head.path,
         group=head.group,
         group_name=head.group_name,
@@ -75,8 +78,17 @@ def _pieces(head: Head, options: Options) -> Iterator[tuple[Piece, int]]:
         channels=head.channels,
         master=head.master,
         faults=head.faults,
+        is_read=head.is_read,
     )
-    most = options.rows_per_partition or max(1, _TASK_BYTES // head.row_bytes)
+
+
+def _pieces(head: Head, options: Options) -> Iterator[tuple[Piece, int]]:
+    """A file's pieces, with what each costs."""
+    whole = whole_file(head)
+    if not head.is_read:
+        yield whole, head.size + _OPENING_BYTES
+        return
+    most = options.rows_per_partition or max(1, TASK_BYTES // head.row_bytes)
     task_rows = most if options.rows_per_partition else None
     if not head.can_be_cut or head.records <= most or options.mode == "DROPMALFORMED":
         yield whole, _cost(head.records, head, task_rows)
@@ -95,7 +107,7 @@ def _pieces(head: Head, options: Options) -> Iterator[tuple[Piece, int]]:
 def _cost(rows: int, head: Head, task_rows: int | None) -> int:
     """Return the share of a task's bytes, or of its rows where their number is stated."""
     if task_rows is not None:
-        return rows * _TASK_BYTES // task_rows
+        return rows * TASK_BYTES // task_rows
     return rows * head.row_bytes + _OPENING_BYTES
 
 
@@ -111,7 +123,7 @@ def packed(
     for item in items:
         if not tasks or cost(item) > room:
             tasks.append([])
-            room = _TASK_BYTES + _OPENING_BYTES
+            room = TASK_BYTES + _OPENING_BYTES
         tasks[-1].append(piece(item))
         room -= cost(item)
     return [Pieces(number, pieces) for number, pieces in enumerate(tasks)]

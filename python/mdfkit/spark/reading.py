@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from collections.abc import Callable, Iterator, Sequence
+from collections.abc import Callable, Iterable, Iterator, Sequence
 from dataclasses import dataclass
 from typing import Any
 
@@ -13,9 +13,9 @@ from ..errors import MdfError, UnreadableFile
 from . import filters as pushed
 from .columns import Adapter
 from .faults import Fault, fail_at_errors
-from .heads import QuietSource, query_of
+from .heads import QuietSource, query_of, read_head
 from .options import Options
-from .partitions import Piece
+from .partitions import Piece, whole_file
 from .schema import Target
 
 _KEPT_BYTES = 64 << 20
@@ -31,6 +31,13 @@ class Task:
     options: Options
     targets: tuple[Target, ...]
     filters: tuple[Filter, ...]
+
+    def known(self, pieces: Iterable[Piece]) -> Iterator[Piece]:
+        """Return those pieces whose files may pass the filters, as their descriptions tell."""
+        for piece in pieces:
+            known = piece if piece.is_read else whole_file(read_head(piece.path, self.options))
+            if pushed.may_pass(self.filters, attributes_of(known)):
+                yield known
 
     def batches(self, piece: Piece, report: Report) -> Iterator[pa.RecordBatch]:
         """Read a piece of a file.
@@ -134,6 +141,8 @@ class Task:
 
 def attributes_of(piece: Piece) -> dict[str, Any]:
     """Return what is known of a file before it is read; None for what it does not state."""
+    if not piece.is_read:
+        return {"path": piece.path}
     return {
         "path": piece.path,
         "start": pushed.moment(piece.start),

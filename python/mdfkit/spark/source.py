@@ -12,9 +12,9 @@ from pyspark.sql.types import StructType
 from . import paths, tables
 from .faults import Fault, fail_at_errors, write_log
 from .filters import may_pass
-from .heads import Head, read_heads, sizes
+from .heads import Head, read_heads, read_large_heads, sizes
 from .options import Options
-from .partitions import Pieces, plan, whole_files
+from .partitions import TASK_BYTES, Pieces, plan, whole_files
 from .reading import Task, attributes_of
 from .schema import merged, options_for, refuse_nothing, targets
 
@@ -29,7 +29,8 @@ class MdfDataSource(DataSource):
     file's name, and ``start``, when its measurement began (local times count as UTC). Types that
     differ between files are widened, see `mdfkit.spark.schema`; units and comments are in the
     metadata of the columns. With ``.schema(...)``, columns and types are as stated there, and a
-    value that does not fit is null.
+    channel whose values do not fit is null; then descriptions of files below 64 MiB are read by the
+    tasks and not before, which for very many files is the better way.
 
     Options
     -------
@@ -85,8 +86,10 @@ class MdfDataSource(DataSource):
         if self._options.table != "samples":
             return TableReader(self._options, schema)
         heads, self._heads = self._heads, None  # which tasks need not carry
-        options = self._options if heads is not None else options_for(self._options, schema)
-        return SamplesReader(options, schema, _heads(options) if heads is None else heads)
+        if heads is not None:
+            return SamplesReader(self._options, schema, heads)
+        options = options_for(self._options, schema)
+        return SamplesReader(options, schema, _heads_for_stated_columns(options))
 
 
 def _heads(options: Options) -> list[Head]:
@@ -94,6 +97,13 @@ def _heads(options: Options) -> list[Head]:
     if options.mode == "FAILFAST":
         fail_at_errors(fault for head in heads for fault in head.faults)
     return heads
+
+
+def _heads_for_stated_columns(options: Options) -> list[Head]:
+    """Read what must be known to cut large files; tasks read the rest by themselves."""
+    if options.rows_per_partition is not None:
+        return _heads(options)
+    return read_large_heads(paths.find(options.paths), options, TASK_BYTES)
 
 
 class _Pushing:
@@ -153,7 +163,7 @@ class SamplesReader(DataSourceReader):
         """Read one task's pieces of files."""
         assert isinstance(partition, Pieces)
         faults: list[Fault] = []
-        for piece in partition.pieces:
+        for piece in self.task.known(partition.pieces):
             yield from self.task.batches(piece, faults.extend)
         if self._options.log is not None:
             write_log(self._options.log, partition.number, faults)

@@ -53,6 +53,7 @@ def write_parquet(
     *,
     group: int | str | None = None,
     channels: str | Sequence[str] | None = None,
+    schema: StructType | None = None,
     partition_by: str | Sequence[str] = ("date",),
     compression: str = "zstd",
     overwrite: bool = False,
@@ -74,6 +75,9 @@ def write_parquet(
     group, channels
         As the options of `MdfDataSource`; ``options`` are further ones of it, such as
         ``mode="FAILFAST"`` or ``raw=True``.
+    schema : StructType, optional
+        The columns, such as ``frame.schema`` of a frame of some of the files. Without it all files'
+        descriptions are read first, which takes some minutes for a hundred thousand of them.
     partition_by : str or list of str
         Attributes of files by whose values rows are divided into folders: ``date``, which is the
         day (in UTC) on which a file's measurement began, ``path``, ``start``, ``group``,
@@ -105,6 +109,8 @@ def write_parquet(
         raise FileExistsError(f"{target} exists; overwrite=True replaces it")
     beside = target.with_name(f".{target.name}-{uuid.uuid4().hex}")
     job = {"folder": str(beside), "by": json.dumps(by), "compression": compression}
+    if schema is not None:
+        job["columns"] = schema.json()
     stated = {**options, "group": group, "channels": _listed(channels), **job}
     try:
         beside.mkdir(parents=True)
@@ -149,6 +155,8 @@ class ParquetJob(DataSource):
         self._folder = left.pop("folder")
         self._by: list[str] = json.loads(left.pop("by"))
         self._compression = left.pop("compression")
+        columns = left.pop("columns", None)
+        self._columns = columns and StructType.fromJson(json.loads(columns))
         self._source = MdfDataSource(left)
 
     @classmethod
@@ -163,7 +171,7 @@ class ParquetJob(DataSource):
 
     def reader(self, schema: StructType) -> DataSourceReader:  # noqa: ARG002
         """Return what writes."""
-        columns = self._source.schema()
+        columns = self._columns or self._source.schema()
         samples = self._source.reader(columns)
         assert isinstance(samples, SamplesReader)
         return ParquetReader(samples, columns, self._folder, self._by, self._compression)
@@ -199,7 +207,7 @@ class ParquetReader(DataSourceReader):
             self._folder, partition.number, self._schema, self._by, self._compression
         )
         with writer:
-            for piece in partition.pieces:
+            for piece in self._samples.task.known(partition.pieces):
                 rows = 0
                 for batch in self._samples.task.batches(piece, faults.extend):
                     writer.add(attributes_of(piece), batch)
