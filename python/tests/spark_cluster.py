@@ -8,7 +8,7 @@ import signal
 import subprocess
 import sys
 import time
-from collections.abc import Callable, Mapping
+from collections.abc import Callable, Mapping, Sequence
 from pathlib import Path
 from typing import IO, Any
 
@@ -43,11 +43,12 @@ class Cluster:
             lambda: self._said("master", r"Starting Spark master at (spark://\S+)"), "the master"
         )
 
-    def add_worker(self, name: str) -> None:
-        """Start a worker with one core."""
+    def add_worker(self, name: str, core: int | None = None) -> None:
+        """Start a worker with one core, bound to this one of the machine if one is stated."""
         work = self._folder / name
         options = ["--cores", "1", "--memory", "1g", "--host", "127.0.0.1"]
-        self._start(name, "worker.Worker", *options, "--work-dir", str(work), self.url)
+        bound = [] if core is None else ["taskset", "--cpu-list", str(core)]
+        self._start(name, "worker.Worker", *options, "--work-dir", str(work), self.url, bound=bound)
 
     def kill(self, name: str) -> None:
         """Take a worker away with all that runs there, as when its machine loses power."""
@@ -60,7 +61,7 @@ class Cluster:
         for name in list(self._processes):
             self.kill(name)
 
-    def _start(self, name: str, program: str, *arguments: str) -> None:
+    def _start(self, name: str, program: str, *arguments: str, bound: Sequence[str] = ()) -> None:
         environment = {
             **os.environ,
             "SPARK_HOME": str(_HOME),
@@ -70,7 +71,7 @@ class Cluster:
             "SPARK_DAEMON_JAVA_OPTS": SHORT_LIVED,
             "PYSPARK_PYTHON": sys.executable,
         }
-        command = [str(_HOME / "bin" / "spark-class"), f"{_DEPLOY}.{program}"]
+        command = [*bound, str(_HOME / "bin" / "spark-class"), f"{_DEPLOY}.{program}"]
         with self._log(name).open("wb") as log:
             self._processes[name] = self._run(
                 [*command, *arguments, "--webui-port", "0"], environment, log

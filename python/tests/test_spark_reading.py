@@ -17,7 +17,7 @@ from pyspark.sql.datasource import EqualTo, Filter, GreaterThan, LessThan, Strin
 
 import mdfkit
 from conftest import BRAKES, DATES, ENGINE, Make
-from mdfkit.spark import heads
+from mdfkit.spark import columns, heads
 from mdfkit.spark.options import Options
 from mdfkit.spark.source import MdfDataSource, SamplesReader
 
@@ -211,6 +211,28 @@ def test_what_does_not_fit_a_stated_type_is_null_and_a_fault(make: Make, tmp_pat
     assert fault["text"].startswith("channel 'gear' cannot be given as int8: ")
     with pytest.raises(mdfkit.WrongQuery, match="no channel can be given as array<int>"):
         rows(path, schema=st.StructType([st.StructField("v", st.ArrayType(st.IntegerType()))]))
+
+
+def test_small_files_share_batches(make: Make, tmp_path: Path) -> None:
+    for i in range(3):
+        make(f"{i}.mf4", engine=f"t [s],v,{'x' if i else 'y'}\n0,{i},a\n1,,b\n")
+    source = MdfDataSource({"path": str(tmp_path), "attributes": ""})
+    reader = source.reader(source.schema())
+    [task] = reader.partitions()
+    [batch] = reader.read(task)
+    assert isinstance(batch, pa.RecordBatch)
+    assert batch.to_pydict() == {
+        "t": [0.0, 1.0] * 3,
+        "v": [0, None, 1, None, 2, None],
+        "y": ["a", "b", None, None, None, None],
+        "x": [None, None, "a", "b", "a", "b"],
+    }
+
+
+def test_large_batches_are_not_joined() -> None:
+    batches = [pa.record_batch({"v": range(rows)}) for rows in (10, 20, 200_000, 30, 40)]
+    assert [batch.num_rows for batch in columns.joined(batches)] == [30, 200_000, 70]
+    assert list(columns.joined([])) == []
 
 
 def test_a_large_file_is_read_in_pieces(make: Make) -> None:

@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from collections.abc import Mapping, Sequence
+from collections.abc import Iterable, Iterator, Mapping, Sequence
 from typing import Any
 
 import pyarrow as pa
@@ -10,6 +10,8 @@ import pyarrow.compute as pc
 
 from .faults import Fault
 from .schema import Target
+
+_JOINED_BYTES = 1 << 20
 
 
 class Adapter:
@@ -79,6 +81,28 @@ class Adapter:
                 text = f"channel {target.channel!r} cannot be given as {target.type}: {error}"
                 self.faults.append(Fault(self._path, "type-unfit", "error", None, "", text))
         return pa.nulls(len(array), target.type)
+
+
+def joined(batches: Iterable[pa.RecordBatch]) -> Iterator[pa.RecordBatch]:
+    """Put batches of small files together, for each costs Spark the same, however few its rows."""
+    waiting: list[pa.RecordBatch] = []
+    size = 0
+    for batch in batches:
+        if waiting and size + batch.nbytes > _JOINED_BYTES:
+            yield _one(waiting)
+            waiting, size = [], 0
+        waiting.append(batch)
+        size += batch.nbytes
+    if waiting:
+        yield _one(waiting)
+
+
+def _one(batches: list[pa.RecordBatch]) -> pa.RecordBatch:
+    if len(batches) == 1:
+        return batches[0]
+    table = pa.Table.from_batches(batches)
+    columns = [column.combine_chunks() for column in table.columns]
+    return pa.RecordBatch.from_arrays(columns, schema=table.schema)
 
 
 def _place(channel: str | None, names: Sequence[str]) -> int | None:

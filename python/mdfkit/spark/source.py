@@ -10,6 +10,7 @@ from pyspark.sql.datasource import DataSource, DataSourceReader, Filter, InputPa
 from pyspark.sql.types import StructType
 
 from . import paths, tables
+from .columns import joined
 from .faults import Fault, fail_at_errors, write_log
 from .filters import may_pass
 from .heads import Head, read_heads, read_large_heads, sizes
@@ -163,8 +164,11 @@ class SamplesReader(DataSourceReader):
         """Read one task's pieces of files."""
         assert isinstance(partition, Pieces)
         faults: list[Fault] = []
-        for piece in self.task.known(partition.pieces):
-            yield from self.task.batches(piece, faults.extend)
+        yield from joined(
+            batch
+            for piece in self.task.known(partition.pieces)
+            for batch in self.task.batches(piece, faults.extend)
+        )
         if self._options.log is not None:
             write_log(self._options.log, partition.number, faults)
 
