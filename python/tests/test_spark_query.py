@@ -187,6 +187,7 @@ def test_columns_are_those_of_all_files() -> None:
                     field("v", pa.int32(), unit="km/h"),
                     field("V", pa.int8(), comment="another one"),
                     field("path", pa.float64()),
+                    field("Comment", pa.int8()),
                 ]
             ),
         ),
@@ -197,6 +198,7 @@ def test_columns_are_those_of_all_files() -> None:
         st.StructField("v", st.DoubleType(), True, {"unit": "km/h", "units": ["km/h", "mph"]}),
         st.StructField("V (2)", st.ByteType(), True, {"comment": "another one", "channel": "V"}),
         st.StructField("path (2)", st.DoubleType(), True, {"channel": "path"}),
+        st.StructField("Comment (2)", st.ByteType(), True, {"channel": "Comment"}),
         st.StructField("path", st.StringType(), True),
         st.StructField("start", st.TimestampType(), True),
     ]

@@ -64,7 +64,9 @@ class Adapter:
         """Return an attribute of the file, or nulls for a channel that it does not have."""
         key = (target.name, rows)
         if key not in self._constants:
-            value = None if target.channel is not None else self._attributes.get(target.name)
+            value = (
+                None if target.channel is not None else self._attributes.get(target.name.lower())
+            )
             scalar = pa.scalar(value).cast(target.type)
             self._constants = {
                 each: array for each, array in self._constants.items() if each[1] == rows

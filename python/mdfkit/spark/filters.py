@@ -59,7 +59,7 @@ def _verdict(each: Filter, attributes: Mapping[str, Any]) -> bool | None:
         inner = _verdict(each.child, attributes)
         return None if inner is None else not inner
     column = ".".join(getattr(each, "attribute", ()))
-    value = attributes.get(column)
+    value = attributes.get(column.lower())
     if value is None:
         return None
     try:

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from collections.abc import Callable, Iterable, Iterator, Sequence
-from dataclasses import dataclass
+from dataclasses import dataclass, replace
 from typing import TypeVar
 
 from pyspark.sql.datasource import InputPartition
@@ -99,7 +99,7 @@ def _pieces(head: Head, options: Options) -> Iterator[tuple[Piece, int]]:
         # The last one reads on, should the file have grown.
         rows = None if end == head.records else end - begin
         yield (
-            Piece(**{**vars(whole), "skip": begin, "first": rows}),
+            replace(whole, skip=begin, first=rows),
             _cost(end - begin, head, task_rows),
         )
 

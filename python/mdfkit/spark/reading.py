@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from collections.abc import Callable, Iterable, Iterator, Sequence
-from dataclasses import dataclass
+from dataclasses import dataclass, replace
 from typing import Any
 
 import pyarrow as pa
@@ -105,7 +105,7 @@ class Task:
             source.file.close()
 
     def _request(self, source: QuietSource, piece: Piece) -> dict[str, Any]:
-        options = Options(**{**vars(self.options), "group": None})
+        options = replace(self.options, group=None)
         request = dict(query_of(source, options, piece.channels)._request)
         request["group"] = piece.group
         low, high = self._limits(piece)

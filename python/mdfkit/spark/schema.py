@@ -9,7 +9,7 @@ without sign. Every column can be null.
 from __future__ import annotations
 
 from collections.abc import Iterable, Sequence
-from dataclasses import dataclass, field
+from dataclasses import dataclass, field, replace
 from typing import Any
 
 import pyarrow as pa
@@ -125,7 +125,7 @@ def merged(heads: Iterable[Head], attributes: Sequence[str]) -> st.StructType:
     for schema in _different(heads):
         for each in schema:
             columns.setdefault(each.name, _Column(each.name, spark_type(each.type))).add(each)
-    taken = {name.lower() for name in attributes}
+    taken = set(ATTRIBUTES)  # whether or not they are wanted
     fields = []
     for channel, column in columns.items():
         name, number = channel, 1
@@ -175,7 +175,7 @@ def _channel(each: st.StructField) -> str | None:
     stated = (each.metadata or {}).get("channel")
     if stated is not None:
         return str(stated)
-    return None if each.name in ATTRIBUTES else each.name
+    return None if each.name.lower() in ATTRIBUTES else each.name
 
 
 def options_for(options: Options, schema: st.StructType) -> Options:
@@ -183,4 +183,4 @@ def options_for(options: Options, schema: st.StructType) -> Options:
     if options.channels is not None:
         return options
     names = tuple(each.channel for each in targets(schema) if each.channel is not None)
-    return Options(**{**vars(options), "channels": names or None})
+    return replace(options, channels=names or None)

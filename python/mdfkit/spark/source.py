@@ -51,7 +51,8 @@ class MdfDataSource(DataSource):
     mode : PERMISSIVE, DROPMALFORMED or FAILFAST
         What can be read is read; files with errors are left out; the first error ends the job.
     log : folder
-        Each task that finds something wrong writes a file with a line of JSON for each finding.
+        Each task that finds something wrong writes a file with a line of JSON for each finding. To
+        be a folder of its own for each query.
     table : samples, findings, files or channels
         What is wrong with the files, which reads all of them; what files there are; what channels.
     rows_per_partition : number

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 from collections.abc import Iterator
+from dataclasses import replace
 from typing import Any
 
 import pyarrow as pa
@@ -81,7 +82,7 @@ def _faults(path: str, options: Options) -> Iterator[Fault]:
 
 
 def _read(source: QuietSource, options: Options, channels: Any, group: int) -> Iterator[Fault]:
-    query = query_of(source, Options(**{**vars(options), "group": None}), channels)
+    query = query_of(source, replace(options, group=None), channels)
     try:
         for _ in source.stream({**query._request, "group": group, "threads": 1}):
             pass
