@@ -86,6 +86,12 @@ class LakeWriter:
             each.path.unlink(missing_ok=True)
 
 
+def remove_unfinished(folder: str) -> None:
+    """Remove what tasks left that did not come to their end."""
+    for path in Path(folder).rglob(".part-*"):
+        path.unlink()
+
+
 class _File:
     """A file whose row groups have a good size, whatever that of the batches is."""
 

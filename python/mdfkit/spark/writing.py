@@ -17,7 +17,7 @@ from pyspark.sql.types import LongType, StringType, StructField, StructType
 
 from ..errors import WrongQuery
 from .faults import Fault
-from .lake import FOLDERS, LakeWriter
+from .lake import FOLDERS, LakeWriter, remove_unfinished
 from .partitions import Pieces
 from .reading import attributes_of
 from .source import MdfDataSource, SamplesReader
@@ -116,6 +116,7 @@ def write_parquet(
         beside.mkdir(parents=True)
         beside.chmod(0o777)  # tasks may run as other users
         summary = _run(spark, paths, {name: v for name, v in stated.items() if v is not None})
+        remove_unfinished(str(beside))
         (beside / "_SUCCESS").touch()
         beside.chmod(0o755)
         if target.exists():
