@@ -31,6 +31,8 @@ Invalid samples are null, NaN or masked. Where channels are in several groups, s
 What cannot be read raises `MdfError`, with a ``code`` that never changes and an ``offset`` in the
 file; what is wrong but can be read all the same is one `MdfWarning` for each call, and all of it is
 in ``m.findings``.
+
+Thousands of files are one table of Apache Spark: see `mdfkit.spark`.
 """
 
 from .contents import Channel, Named
