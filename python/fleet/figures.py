@@ -15,7 +15,9 @@ import tempfile
 import time
 from collections.abc import Callable, Iterator
 from contextlib import contextmanager
+from dataclasses import dataclass
 from pathlib import Path
+from typing import Any
 
 import pyarrow as pa
 from pyspark.sql import DataFrame, SparkSession
@@ -59,15 +61,25 @@ def make_fleet(program: str, folder: Path, files: int, rows: int) -> int:
     return files * first.stat().st_size
 
 
-def seconds(action: Callable[[], object], times: int) -> float:
-    """Return the least time of several runs, after one that warms up."""
+@dataclass(frozen=True)
+class Spent:
+    """The least times of several runs: that of a clock, and that of all cores together."""
+
+    seconds: float
+    core_seconds: float
+
+
+def spent(
+    action: Callable[[], object], times: int, cores: Callable[[], float] = time.process_time
+) -> Spent:
+    """Measure some runs, after one that warms up."""
     action()
-    spent = []
+    found = []
     for _ in range(times):
-        begin = time.perf_counter()
+        begin, begin_cores = time.perf_counter(), cores()
         action()
-        spent.append(time.perf_counter() - begin)
-    return min(spent)
+        found.append((time.perf_counter() - begin, cores() - begin_cores))
+    return Spent(min(each[0] for each in found), min(each[1] for each in found))
 
 
 @contextmanager
@@ -122,12 +134,33 @@ def ready(spark: SparkSession, tasks: int, rows: int) -> DataFrame:
     return reader.option("tasks", tasks).option("rows", rows).load()
 
 
-def measure(folder: Path, program: str, files: int, rows: int, times: int) -> dict[str, float]:
-    """Measure all that the figures are made of, in seconds and bytes."""
-    fleet = folder / "fleet"
-    found: dict[str, float] = {"bytes": make_fleet(program, fleet, files, rows)}
+@dataclass(frozen=True)
+class Found:
+    """What was measured, by the workers (none for the package alone) and what they did."""
+
+    files: int
+    rows: int
+    bytes: int
+    lake_bytes: int
+    runs: dict[tuple[int, str], Spent]
+
+    def rate(self, workers: int, what: str) -> float:
+        """Return bytes of measurement files for each second of a core."""
+        return self.bytes / self.runs[workers, what].core_seconds
+
+    def ratio(self, one: tuple[int, str], other: tuple[int, str], *, cores: bool = False) -> float:
+        """Return how many times as long as another run one took."""
+        first, second = self.runs[one], self.runs[other]
+        if cores:
+            return first.core_seconds / second.core_seconds
+        return first.seconds / second.seconds
+
+
+def measure(folder: Path, program: str, files: int, rows: int, times: int) -> Found:
+    """Measure all that the figures are made of."""
+    size = make_fleet(program, folder / "fleet", files, rows)
     make_fleet(program, folder / "small", SMALL_FILES, 20)
-    source = MdfDataSource({"path": str(fleet), "attributes": ""})
+    source = MdfDataSource({"path": str(folder / "fleet"), "attributes": ""})
     reader = source.reader(source.schema())
 
     def read_all() -> None:
@@ -135,9 +168,8 @@ def measure(folder: Path, program: str, files: int, rows: int, times: int) -> di
             for _ in reader.read(task):
                 pass
 
-    found["library"] = seconds(read_all, times)
     small = MdfDataSource({"path": str(folder / "small")})
-    found["headers"] = seconds(small.schema, times)
+    runs = {(0, "read"): spent(read_all, times), (0, "headers"): spent(small.schema, times)}
     cluster = Cluster(folder)
     try:
         cores = sorted(os.sched_getaffinity(0))[:2]
@@ -145,98 +177,106 @@ def measure(folder: Path, program: str, files: int, rows: int, times: int) -> di
             cluster.add_worker(name, core)
         for workers in (1, 2):
             with on_workers(cluster, workers) as spark:
-                spent = measure_spark(spark, folder, files, rows, times)
-                found.update({f"{name} {workers}": value for name, value in spent.items()})
+                jobs = jobs_of(spark, folder, files, rows)
+                for name, job in jobs.items():
+                    runs[workers, name] = spent(job, times, cluster.core_seconds)
+                    if name == "zstd":
+                        lake = (folder / "lake").glob("*.parquet")
+                        lake_bytes = sum(each.stat().st_size for each in lake)
     finally:
         cluster.stop()
-    return found
+    return Found(files, rows, size, lake_bytes, runs)
 
 
-def measure_spark(
-    spark: SparkSession, folder: Path, files: int, rows: int, times: int
-) -> dict[str, float]:
-    """Measure with the workers of a session."""
-    fleet, lake, small = folder / "fleet", folder / "lake", folder / "small"
+JOBS = {
+    "zstd": "write_parquet with zstd",
+    "write": "write_parquet, uncompressed",
+    "parquet": "sums of all values, of this Parquet",
+    "plain": "sums of all values, of measurement files",
+    "path": "the same with the column path",
+    "ready": "the same of batches that are ready",
+    "small": f"{SMALL_FILES} small files, rows counted",
+}
+
+
+def jobs_of(
+    spark: SparkSession, folder: Path, files: int, rows: int
+) -> dict[str, Callable[[], object]]:
+    """Return what is measured, in its order: Parquet is read when it has been written."""
+    fleet, lake, small = (str(folder / name) for name in ("fleet", "lake", "small"))
     spark.dataSource.register(ReadyBatches)
 
-    def write(compression: str) -> None:
-        mdfkit.spark.write_parquet(
-            spark, str(fleet), str(lake), partition_by=(), overwrite=True, compression=compression
+    def write(compression: str) -> Callable[[], object]:
+        options: dict[str, Any] = {"partition_by": (), "overwrite": True}
+        return lambda: mdfkit.spark.write_parquet(
+            spark, fleet, lake, compression=compression, **options
         )
 
-    found = {"zstd": seconds(lambda: write("zstd"), times)}
-    found["lake bytes"] = sum(each.stat().st_size for each in lake.glob("*.parquet"))
-    found["write"] = seconds(lambda: write("none"), times)
+    def load(path: str, attributes: str) -> DataFrame:
+        return spark.read.format("mdf").option("attributes", attributes).load(path)
 
-    def load(path: Path, attributes: str) -> DataFrame:
-        return spark.read.format("mdf").option("attributes", attributes).load(str(path))
+    return {
+        "zstd": write("zstd"),
+        "write": write("none"),
+        "parquet": summed(lambda: spark.read.parquet(lake)),
+        "plain": summed(lambda: load(fleet, "")),
+        "path": summed(lambda: load(fleet, "path")),
+        "ready": summed(lambda: ready(spark, files, rows)),
+        "small": lambda: load(small, "path").count(),
+    }
 
-    found["ready"] = seconds(summed(lambda: ready(spark, files, rows)), times)
-    found["plain"] = seconds(summed(lambda: load(fleet, "")), times)
-    found["path"] = seconds(summed(lambda: load(fleet, "path")), times)
-    found["parquet"] = seconds(summed(lambda: spark.read.parquet(str(lake))), times)
-    found["small"] = seconds(lambda: load(small, "path").count(), 1)
-    return found
 
-
-def report(found: dict[str, float], files: int, rows: int) -> str:
+def report(found: Found) -> str:
     """Return the figures as text."""
-    size = found["bytes"]
-
-    def line(what: str, name: str, cores: int) -> str:
-        spent = found[name]
-        return f"{what:<52}{spent:>8.2f} s{size / spent / cores / MB:>8.0f} MB/s for each core"
-
     lines = [
-        f"{files} files of {rows:,} records, 6 channels of 8 bytes: {size / MB:.0f} MB",
-        line("the package alone, one thread", "library", 1),
-        *[
-            line(
-                f"Spark, {what}, {workers} worker{'s' * (workers > 1)}",
-                f"{name} {workers}",
-                workers,
-            )
-            for name, what in (
-                ("plain", "sums of all values"),
-                ("path", "the same with the column path"),
-                ("parquet", "the same of Parquet, uncompressed"),
-                ("ready", "the same of batches that are made before"),
-                ("write", "write_parquet, uncompressed"),
-                ("zstd", "write_parquet with zstd"),
-            )
-            for workers in (1, 2)
-        ],
-        f"{SMALL_FILES} small files: schema {found['headers']:.2f} s, all rows counted "
-        f"{found['small 2']:.2f} s on two workers",
-        f"two workers are {found['plain 1'] / found['plain 2']:.2f} x as fast as one "
-        f"(write_parquet {found['zstd 1'] / found['zstd 2']:.2f} x)",
-        f"reading takes {found['plain 1'] / found['parquet 1']:.2f} x the time of Parquet on one "
-        f"worker, {found['plain 2'] / found['parquet 2']:.2f} x on two",
-        "",
-        needs(found),
+        f"{found.files} files of {found.rows:,} records, 6 channels of 8 bytes: "
+        f"{found.bytes / MB:.0f} MB",
+        f"{'':<44}{'workers':>8}{'seconds':>9}{'of cores':>9}{'MB/s a core':>12}",
     ]
+    names = {"read": "the package alone", "headers": f"{SMALL_FILES} small files, columns", **JOBS}
+    for (workers, name), each in found.runs.items():
+        of_fleet = name not in ("headers", "small")
+        rate = f"{found.rate(workers, name) / MB:>12.0f}" if of_fleet else ""
+        times = f"{each.seconds:>9.2f}{each.core_seconds:>9.2f}"
+        lines.append(f"{names[name]:<44}{workers or '':>8}{times}{rate}")
+    lines += ["", *ratios(found), "", *needs(found)]
     return "\n".join(lines)
 
 
-def needs(found: dict[str, float]) -> str:
+def ratios(found: Found) -> list[str]:
+    """Return what is as fast as what."""
+    lines = [
+        f"{JOBS[name]}: two workers are {found.ratio((1, name), (2, name)):.2f} x as fast as one"
+        for name in ("plain", "zstd", "parquet")
+    ]
+    for workers in (1, 2):
+        plain, parquet = (workers, "plain"), (workers, "parquet")
+        lines.append(
+            f"measurement files take {found.ratio(plain, parquet):.2f} x the time of Parquet, "
+            f"{found.ratio(plain, parquet, cores=True):.2f} x that of cores ({workers} of two "
+            f"workers); {found.ratio(plain, (workers, 'ready')):.2f} x that of ready batches"
+        )
+    return lines
+
+
+def needs(found: Found) -> list[str]:
     """Return what a day of the fleet needs."""
     day = VEHICLES * BYTES_A_DAY
     lines = [f"{VEHICLES:,} vehicles with {BYTES_A_DAY / 1e9:.0f} GB a day: {day / 1e12:.0f} TB"]
-    for what, name in (("write_parquet with zstd", "zstd 1"), ("sums of all values", "plain 1")):
-        rate = found["bytes"] / found[name]
-        core_hours = day / rate / HOUR
+    for name in ("zstd", "plain"):
+        rate = found.rate(1, name)
+        hours = day / rate / HOUR
         lines.append(
-            f"{what}: {rate / MB:.0f} MB/s for each core, {core_hours:.0f} core hours, "
-            f"{math.ceil(core_hours / 2)} cores for two hours"
+            f"{JOBS[name]}: {rate / MB:.0f} MB/s for each core, {hours:.0f} core hours, "
+            f"{math.ceil(hours / 2)} cores for two hours"
         )
-    written = day * found["lake bytes 1"] / found["bytes"]
-    lines.append(f"Parquet that is written: {written / 1e12:.1f} TB")
+    written = day * found.lake_bytes / found.bytes
+    lines.append(f"Parquet that is written, with zstd: {written / 1e12:.1f} TB")
     for hours in (24.0, 2.0):
         rate = (day + written) / hours / HOUR
-        lines.append(
-            f"moved within {hours:.0f} h: {rate / 1e9:.2f} GB/s, {8 * rate / 1e9:.1f} Gbit/s"
-        )
-    return "\n".join(lines)
+        bits = f"{8 * rate / 1e9:.1f} Gbit/s"
+        lines.append(f"read and written within {hours:.0f} h: {rate / 1e9:.2f} GB/s, {bits}")
+    return lines
 
 
 def main() -> None:
@@ -249,14 +289,9 @@ def main() -> None:
     os.environ.setdefault("SPARK_LOCAL_IP", "127.0.0.1")
     os.environ["PYSPARK_PYTHON"] = sys.executable
     with tempfile.TemporaryDirectory(prefix="mdf-fleet-") as folder:
-        found = measure(
-            Path(folder),
-            os.environ["MDF_PROGRAM"],
-            arguments.files,
-            arguments.rows,
-            arguments.times,
-        )
-    print(report(found, arguments.files, arguments.rows))
+        program = os.environ["MDF_PROGRAM"]
+        found = measure(Path(folder), program, arguments.files, arguments.rows, arguments.times)
+    print(report(found))
 
 
 if __name__ == "__main__":

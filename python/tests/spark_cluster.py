@@ -38,6 +38,7 @@ class Cluster:
     def __init__(self, folder: Path) -> None:
         self._folder = folder
         self._processes: dict[str, subprocess.Popen[bytes]] = {}
+        self._ticks: dict[Path, int] = {}
         self._start("master", "master.Master", "--host", "127.0.0.1", "--port", "0")
         self.url: str = wait_for(
             lambda: self._said("master", r"Starting Spark master at (spark://\S+)"), "the master"
@@ -55,6 +56,16 @@ class Cluster:
         process = self._processes.pop(name)
         os.killpg(process.pid, signal.SIGKILL)
         process.wait()
+
+    def core_seconds(self) -> float:
+        """Return the time that cores have spent on the workers and on all that runs there."""
+        sessions = {process.pid for name, process in self._processes.items() if name != "master"}
+        for path in Path("/proc").glob("[0-9]*/stat"):
+            fields = _process_state(path)
+            if fields and int(fields[3]) in sessions:
+                # Kept for when it has ended.
+                self._ticks[path] = int(fields[11]) + int(fields[12])
+        return sum(self._ticks.values()) / os.sysconf("SC_CLK_TCK")
 
     def stop(self) -> None:
         """End all processes."""
@@ -93,6 +104,14 @@ class Cluster:
             raise RuntimeError(f"{name} ended: {self._log(name).read_text()}")
         found = re.search(pattern, self._log(name).read_text(errors="replace"))
         return found[1] if found else None
+
+
+def _process_state(path: Path) -> list[str]:
+    """What the system says of a process after its name, from its state on."""
+    try:
+        return path.read_text(errors="replace").rpartition(")")[2].split()
+    except OSError:  # it has ended
+        return []
 
 
 def session(url: str, settings: Mapping[str, str]) -> SparkSession:
