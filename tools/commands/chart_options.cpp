@@ -81,7 +81,7 @@ ChartForm ChartOptions::formFor(const std::string& format,
 }
 
 std::shared_ptr<ChartOptions> addChartOptions(CommandLine& command, const Option& other) {
-  const auto options = std::make_shared<ChartOptions>();
+  auto options = std::make_shared<ChartOptions>();
   command
       .addOption("--size", options->size,
                  "The picture's size in pixels, in the terminal in characters")
@@ -89,7 +89,8 @@ std::shared_ptr<ChartOptions> addChartOptions(CommandLine& command, const Option
       .check(expectSize)
       .excludes(other);
   command
-      .addOption("--title", options->title, "The line above the picture in place of the files' names")
+      .addOption("--title", options->title,
+                 "The line above the picture in place of the files' names")
       .typeName("TEXT")
       .excludes(other);
   command.addFlag("--log", options->is_logarithmic, "Values on a logarithmic axis").excludes(other);
@@ -97,7 +98,8 @@ std::shared_ptr<ChartOptions> addChartOptions(CommandLine& command, const Option
       command.addFlag("--lines", options->has_lines, "Lines from sample to sample for all channels")
           .excludes(other);
   const Option steps =
-      command.addFlag("--steps", options->has_steps, "Lines that keep a value up to the next sample")
+      command
+          .addFlag("--steps", options->has_steps, "Lines that keep a value up to the next sample")
           .excludes(other)
           .excludes(lines);
   command.addFlag("--points", options->has_points, "A point for each sample, without lines")

@@ -25,7 +25,7 @@ std::vector<Point> pointsOf(const Curve& curve) {
 /// The distance of ticks, where there is room for a few only; gnuplot finds a good one for more.
 std::string stepOf(double size, double room) {
   constexpr double few = 6;
-  return room >= few || size == 0 ? "autofreq" : number(roundStep(size / std::max(room, 1.0)));
+  return room >= few || size == 0 ? "autofreq" : number(roundStep(size / std::max(room, 2.0)));
 }
 
 /// Writes the commands.

@@ -68,8 +68,7 @@ void Arrangement::placeLegend(std::size_t panel) {
   PanelBox& box = layout_.boxes[panel];
   const double room = layout_.right - layout_.left;
   const double for_a_name = std::max(room - sizes_.sample, 8 * sizes_.character);
-  box.name_bytes =
-      std::min(longest_text, static_cast<std::size_t>(for_a_name / sizes_.character));
+  box.name_bytes = std::min(longest_text, static_cast<std::size_t>(for_a_name / sizes_.character));
   double widest = 0;
   for (const std::size_t curve : panels_[panel].curves) {
     const std::string shown = shortened(curves_[curve].name, box.name_bytes);
@@ -187,8 +186,8 @@ void Arrangement::stack(double body) {
                  (box.legend_rows == 0 ? 0 : sizes_.legend_gap);
     at = box.legend + static_cast<double>(box.legend_rows) * sizes_.line + sizes_.gap;
   }
-  layout_.height = form_.height != 0 ? static_cast<double>(form_.height)
-                                     : std::ceil(at + sizes_.bottom);
+  layout_.height =
+      form_.height != 0 ? static_cast<double>(form_.height) : std::ceil(at + sizes_.bottom);
 }
 
 ChartLayout Arrangement::make() {

@@ -60,7 +60,7 @@ class CurveCollector {
   /// Curves that were left out.
   std::size_t leftOut() const { return left_out_; }
 
-  /// Values that are gaps because they are not above 0, and the number of curves that had some.
+  /// Values that are gaps because they are not above 0, of a logarithmic chart.
   std::uint64_t notAboveZero() const { return not_above_zero_; }
 
  private:

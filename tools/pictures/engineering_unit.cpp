@@ -20,16 +20,16 @@ struct Base {
 };
 
 constexpr std::array bases = {
-    Base{"bytes/s", "B/s", 0, 5}, Base{"byte/s", "B/s", 0, 5}, Base{"B/s", "B/s", 0, 5},
-    Base{"bits/s", "bit/s", 0, 5}, Base{"bit/s", "bit/s", 0, 5}, Base{"bytes", "B", 0, 5},
-    Base{"byte", "B", 0, 5},      Base{"Bytes", "B", 0, 5},    Base{"Byte", "B", 0, 5},
-    Base{"B", "B", 0, 5},         Base{"bits", "bit", 0, 5},   Base{"bit", "bit", 0, 5},
-    Base{"Hz", "Hz", -1, 4},      Base{"s", "s", -3, 0},       Base{"m", "m", -3, 1},
-    Base{"g", "g", -2, 1},        Base{"V", "V", -3, 3},       Base{"A", "A", -4, 3},
-    Base{"W", "W", -3, 4},        Base{"VA", "VA", -1, 4},     Base{"var", "var", -1, 4},
-    Base{"Wh", "Wh", -1, 4},      Base{"Ah", "Ah", -1, 1},     Base{"J", "J", -1, 4},
-    Base{"N", "N", -1, 3},        Base{"Pa", "Pa", -1, 3},     Base{"bar", "bar", -1, 0},
-    Base{"Ohm", "Ohm", -1, 3},    Base{"ohm", "Ohm", -1, 3},   Base{"\u03A9", "\u03A9", -1, 3},
+    Base{"bytes/s", "B/s", 0, 5},   Base{"byte/s", "B/s", 0, 5},  Base{"B/s", "B/s", 0, 5},
+    Base{"bits/s", "bit/s", 0, 5},  Base{"bit/s", "bit/s", 0, 5}, Base{"bytes", "B", 0, 5},
+    Base{"byte", "B", 0, 5},        Base{"Bytes", "B", 0, 5},     Base{"Byte", "B", 0, 5},
+    Base{"B", "B", 0, 5},           Base{"bits", "bit", 0, 5},    Base{"bit", "bit", 0, 5},
+    Base{"Hz", "Hz", -1, 4},        Base{"s", "s", -3, 0},        Base{"m", "m", -3, 1},
+    Base{"g", "g", -2, 1},          Base{"V", "V", -3, 3},        Base{"A", "A", -4, 3},
+    Base{"W", "W", -3, 4},          Base{"VA", "VA", -1, 4},      Base{"var", "var", -1, 4},
+    Base{"Wh", "Wh", -1, 4},        Base{"Ah", "Ah", -1, 1},      Base{"J", "J", -1, 4},
+    Base{"N", "N", -1, 3},          Base{"Pa", "Pa", -1, 3},      Base{"bar", "bar", -1, 0},
+    Base{"Ohm", "Ohm", -1, 3},      Base{"ohm", "Ohm", -1, 3},    Base{"\u03A9", "\u03A9", -1, 3},
     Base{"\u2126", "\u03A9", -1, 3}};
 
 struct Prefix {
@@ -53,9 +53,8 @@ struct Parsed {
 };
 
 std::optional<Parsed> parsedBy(const Base& base, std::string_view prefix) {
-  const auto* const known =
-      std::find_if(prefixes.begin(), prefixes.end(),
-                   [&](const Prefix& each) { return each.text == prefix; });
+  const auto* const known = std::find_if(prefixes.begin(), prefixes.end(),
+                                         [&](const Prefix& each) { return each.text == prefix; });
   const bool counts_bits = base.unit[0] == 'B' || base.unit.substr(0, 3) == "bit";
   if (known != prefixes.end()) {
     const bool is_usual = known->power >= base.least && known->power <= base.most;
@@ -97,9 +96,9 @@ int powerOf(double number) {
 
 /// "10⁶"
 std::string tenToThe(int power) {
-  constexpr std::array<std::string_view, 10> digits = {
-      "\u2070", "\u00B9", "\u00B2", "\u00B3", "\u2074",
-      "\u2075", "\u2076", "\u2077", "\u2078", "\u2079"};
+  constexpr std::array<std::string_view, 10> digits = {"\u2070", "\u00B9", "\u00B2", "\u00B3",
+                                                       "\u2074", "\u2075", "\u2076", "\u2077",
+                                                       "\u2078", "\u2079"};
   std::string text = power < 0 ? "10\u207B" : "10";
   for (const char digit : std::to_string(std::abs(power))) {
     text += digits.at(static_cast<std::size_t>(digit - '0'));

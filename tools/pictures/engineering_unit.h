@@ -7,9 +7,10 @@ namespace mdf_tools {
 
 /// The unit that an axis shows in place of a channel's.
 struct AxisUnit {
-  double factor = 1;        ///< a value times this is what the axis shows
-  std::string unit;         ///< "GB"; "10⁶ rpm" where the unit takes no prefix
-  bool has_prefix = false;  ///< whether it is one of those that do, so that it can follow each number
+  double factor = 1;  ///< a value times this is what the axis shows
+  std::string unit;   ///< "GB"; "10⁶ rpm" where the unit takes no prefix
+  bool has_prefix =
+      false;  ///< whether it is one of those that do, so that it can follow each number
 };
 
 /// The unit in which the largest values of an axis have one to three digits before the point, as

@@ -80,8 +80,8 @@ std::vector<EventMark> marksOf(const std::vector<Event>& events, const std::stri
       if (begin != begins.end()) {
         marks[begin->second].to = event.position();
       } else {
-        marks.push_back({prefix + nameOf(event), event.sync_type, event.position(),
-                         event.position()});
+        marks.push_back(
+            {prefix + nameOf(event), event.sync_type, event.position(), event.position()});
       }
     }
   }

@@ -18,7 +18,7 @@ struct EventMark {
   std::string name;
   unsigned axis = 1;  ///< its synchronisation type
   double from = 0;
-  double to = 0;  ///< the same for a point; infinity for a range that does not end
+  double to = 0;       ///< the same for a point; infinity for a range that does not end
   std::string zone{};  ///< of the clock that its positions are by, if they are
   bool isRange() const { return to != from; }
 };
@@ -34,8 +34,8 @@ struct Flag {
   bool is_left_of_pole = false;  ///< near the right edge of the picture
 };
 
-/// Places names beside their poles, in rows, so that neither other names nor other poles run through
-/// them. Nothing for those without room.
+/// Places names beside their poles, in rows, so that neither other names nor other poles run
+/// through them. Nothing for those without room.
 /// @param poles their horizontal positions.
 /// @param widths of the names.
 /// @param right the edge that no name goes beyond, if it has room on the left of its pole.

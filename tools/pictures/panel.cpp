@@ -33,9 +33,7 @@ void Range::add(double number) {
   }
 }
 
-double Range::largest() const {
-  return isEmpty() ? 0 : std::max(std::abs(low_), std::abs(high_));
-}
+double Range::largest() const { return isEmpty() ? 0 : std::max(std::abs(low_), std::abs(high_)); }
 
 Range Range::visible() const {
   Range range;
@@ -71,8 +69,7 @@ std::vector<Panel> panelsOf(const std::vector<Curve>& curves,
   for (std::size_t i = 0; i < curves.size(); ++i) {
     const Curve& curve = curves[i];
     Panel& panel = panelLike({curve.unit, curve.x_label, curve.axis,
-                              curve.clock ? curve.clock->zone : "",
-                              isScattered(curve, points[i])},
+                              curve.clock ? curve.clock->zone : "", isScattered(curve, points[i])},
                              panels);
     panel.curves.push_back(i);
     for (const Point& point : points[i]) {
@@ -81,8 +78,8 @@ std::vector<Panel> panelsOf(const std::vector<Curve>& curves,
     }
   }
   for (Panel& panel : panels) {
-    panel.shown = is_logarithmic ? baseUnitFor(panel.unit)
-                                 : axisUnitFor(panel.unit, panel.y.largest());
+    panel.shown =
+        is_logarithmic ? baseUnitFor(panel.unit) : axisUnitFor(panel.unit, panel.y.largest());
     for (const Panel& other : panels) {
       if (other.x_label == panel.x_label && !other.x.isEmpty()) {
         panel.x.add(other.x);

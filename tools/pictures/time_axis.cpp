@@ -25,9 +25,8 @@ std::string dayOf(double seconds) {
 }
 
 double stepFor(double least) {
-  constexpr std::array steps = {1.,    2.,    5.,    10.,   15.,    30.,    60.,
-                                120.,  300.,  600.,  900.,  1800.,  3600.,  7200.,
-                                10800., 21600., 43200., a_day};
+  constexpr std::array steps = {1.,   2.,   5.,    10.,   15.,   30.,    60.,    120.,   300.,
+                                600., 900., 1800., 3600., 7200., 10800., 21600., 43200., a_day};
   const auto* const step = std::lower_bound(steps.begin(), steps.end(), least);
   if (least > 0.5 && step != steps.end()) {
     return *step;

@@ -7,7 +7,6 @@
 using mdf_reader::Header;
 using mdf_tools::TimeTicks;
 using mdf_tools::timeTicks;
-using mdf_tools::WallClock;
 using mdf_tools::wallClockOf;
 
 namespace {

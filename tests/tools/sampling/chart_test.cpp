@@ -47,7 +47,7 @@ std::vector<Curve> curvesOf(const FileBuilder& contents, std::size_t* left_out =
   return curves;
 }
 
-Curve curve(const std::string& name, const std::string& unit, std::vector<double> values) {
+Curve curve(const std::string& name, const std::string& unit, const std::vector<double>& values) {
   Curve curve{name, unit, "time [s]", Decimator(100)};
   double x = 0;
   for (const double value : values) {
@@ -204,9 +204,9 @@ TEST(Chart, LogarithmicAxisOfWholeDecades) {
 TEST(Chart, StatesAreStepsAndIdentifiersPoints) {
   Curve gear = curve("gear", "", {1, 2, 2});
   gear.is_state = true;
-  std::vector<double> values;
-  for (int i = 0; i < 300; ++i) {
-    values.push_back(i % 2);
+  std::vector<double> values(300, 0);
+  for (std::size_t i = 1; i < values.size(); i += 2) {
+    values[i] = 1;
   }
   Curve id = curve("id", "", values);
   id.is_state = true;
