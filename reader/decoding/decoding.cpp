@@ -153,7 +153,7 @@ Decoded decode(const std::vector<FrameSource>& sources, const Decoding& decoding
   const MessageLookup lookup(decoding.databases, decoding.is_j1939);
   const std::vector<TimedSource> ordered = inOrder(sources, plan);
   Decoder decoder(lookup);
-  KeptFrames kept;
+  KeptFrames kept(decoding.most_kept);
   const std::uint64_t with_frames = countFrames(ordered, decoder, kept);
   decoder.plan(plan);
   mdf_writer::Recording recording(output, plan, options);

@@ -15,6 +15,9 @@ namespace mdf_reader {
 /// there is room for, none are.
 class KeptFrames {
  public:
+  /// @param most_bytes of memory, in whole mebibytes.
+  explicit KeptFrames(std::size_t most_bytes) : most_pieces_(most_bytes / piece_bytes) {}
+
   /// Keeps a frame.
   /// @param id the number of its identifier.
   void add(std::uint32_t id, double time, std::string_view data) {
@@ -53,12 +56,11 @@ class KeptFrames {
   };
 
   static constexpr std::size_t piece_bytes = std::size_t{1} << 20U;
-  static constexpr std::size_t most_pieces = 256;
 
   /// Null where there is no room any more.
   char* roomFor(std::size_t bytes) {
     if (pieces_.empty() || pieces_.back().size() + bytes > piece_bytes) {
-      if (pieces_.size() == most_pieces) {
+      if (pieces_.size() >= most_pieces_) {
         are_all_ = false;
         pieces_.clear();
         return nullptr;
@@ -68,6 +70,7 @@ class KeptFrames {
     return pieces_.back().extend(bytes);
   }
 
+  std::size_t most_pieces_;
   std::vector<Buffer> pieces_;
   bool are_all_ = true;
 };
