@@ -15,7 +15,7 @@ function measurementOf(name, table) {
   const csv = path.join(folder, `${name}.csv`);
   const file = path.join(folder, `${name}.mf4`);
   fs.writeFileSync(csv, table);
-  execFileSync(mdf, ['import', csv, '-o', file], {stdio: 'ignore'});
+  execFileSync(mdf, ['import', csv, '--force', '-o', file], {stdio: 'ignore'});
   return file;
 }
 
@@ -34,6 +34,28 @@ function drive() {
                 ['first', 'second', 'third', 'fourth', 'fifth'][gear]].join(','));
   }
   return measurementOf('drive', `${lines.join('\n')}\n`);
+}
+
+/** A recording of this machine, with a marker. */
+async function recordingWithMarker() {
+  const file = path.join(folder, 'machine.mf4');
+  const program = spawn(mdf, ['record', file, '--duration', '2s', '--rate', '50Hz'], {stdio: 'ignore'});
+  const ended = new Promise((resolve) => program.once('exit', resolve));
+  await new Promise((resolve) => setTimeout(resolve, 1000));
+  program.kill('SIGUSR1');
+  await ended;
+  return file;
+}
+
+/** Frames of a bus, as candump logs them. */
+function frames() {
+  const log = path.join(folder, 'bus.log');
+  const file = path.join(folder, 'bus.mf4');
+  const lines = Array.from({length: 2000}, (_, i) =>
+    `(${(1700000000 + i / 100).toFixed(6)}) can0 ${(i % 2 ? 0x123 : 0x456).toString(16)}#${'0011'.repeat(2)}`);
+  fs.writeFileSync(log, `${lines.join('\n')}\n`);
+  execFileSync(mdf, ['import', log, '-o', file], {stdio: 'ignore'});
+  return file;
 }
 
 /** Serves files. @returns {Promise<{address: string, stop: function}>} */
@@ -61,13 +83,16 @@ async function browse(options = {}) {
   return {browser, page};
 }
 
-/** Waits until the numbers of the window's text have come, and says them. */
-async function windowOf(page) {
-  const hash = await page.evaluate(async () => {
-    const {state} = await import('./state.js');
-    return [state.from, state.to];
-  });
-  return hash;
+/** What the page shows. */
+function stateOf(page) {
+  return page.evaluate(async () => (await import('./state.js')).state);
 }
 
-module.exports = {browse, drive, folder, measurementOf, mdf, pictures, serve, windowOf};
+/** From where to where it shows it. */
+async function windowOf(page) {
+  const {from, to} = await stateOf(page);
+  return [from, to];
+}
+
+module.exports = {browse, drive, folder, frames, measurementOf, pictures, recordingWithMarker, serve, stateOf,
+                  windowOf};

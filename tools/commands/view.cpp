@@ -32,8 +32,8 @@ The page is for this machine alone: it is served on 127.0.0.1, and only to who k
 has a new token in it each time and is printed first. Nothing is written, and nothing is fetched from
 elsewhere. Ctrl-C ends it. A file that is still growing is followed.
 
-A channel is read whole when it is first shown. What is kept of it then answers each zoom: about an
-eighth of the bytes of its values and times, as far as --memory allows.
+A channel is read whole when it is first shown. What is kept of it then answers each zoom, less than a
+byte for each sample; closer up, samples are read again.
 
 Examples:
   mdf view trip.mf4                               opens the browser

@@ -6,9 +6,9 @@ namespace mdf_tools {
 
 namespace {
 
-/// A pattern that matches this name alone.
+/// A pattern that matches this name alone, or all where there is none.
 std::string patternOf(std::string_view name) {
-  std::string pattern;
+  std::string pattern = name.empty() ? "*" : "";
   for (const char character : name) {
     if (std::string_view("*?[]\\").find(character) != std::string_view::npos) {
       pattern += '\\';
@@ -27,6 +27,10 @@ ViewedTable tableOf(const TableHead& head) {
     const Channel& channel = *column.channel;
     table.columns.push_back({column.name, column.unit, column.type, patternOf(channel.name),
                              channel.offset, parts[channel.offset]++});
+  }
+  // The master may be a channel of another group: it comes with any channel of this one.
+  if (table.has_master && table.columns.size() > 1) {
+    table.columns[0].pattern = table.columns[1].pattern;
   }
   return table;
 }

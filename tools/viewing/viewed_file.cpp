@@ -133,7 +133,9 @@ std::string ViewedFile::describe() {
   return description_;
 }
 
+/// One check at a time goes through the file, beside what else is asked for.
 Json ViewedFile::findings() {
+  const std::lock_guard<std::mutex> lock(checking_);
   InputFile file(path_);
   Json list = Json::array();
   std::uint64_t count = 0;

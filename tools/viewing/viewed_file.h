@@ -41,7 +41,7 @@ class ViewedFile {
   /// What is in the file: facts, tables with their columns, events, attachments, findings so far.
   /// One line, made once for each revision.
   std::string describe();
-  /// What `mdf check` finds in it. At most so many are kept; the number of all is told.
+  /// What `mdf check` finds in it: the first 1,000 of it, and how many there are.
   Json findings();
   /// What is told of a column.
   Json describeColumn(std::size_t table, std::size_t column);
@@ -75,6 +75,7 @@ class ViewedFile {
   std::size_t number_;
   SeriesStore& store_;
   std::mutex mutex_;
+  std::mutex checking_;
   std::size_t revision_ = 0;
   Stamp stamp_;
   std::unique_ptr<Measurement> file_;

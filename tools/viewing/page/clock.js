@@ -6,8 +6,11 @@ const pad = (number, width = 2) => String(number).padStart(width, '0');
 /** When the first file was started, in seconds since 1970; null where it does not say so. */
 export const startOfAll = () => files[0]?.start ?? null;
 
+/** As many decimal places as tell neighbours apart, one more for steps such as 0.25. */
 function decimalsFor(step) {
-  return Math.max(0, Math.min(9, Math.ceil(-Math.log10(step || 1) - 1e-9)));
+  const decimals = Math.max(0, Math.min(9, Math.ceil(-Math.log10(step || 1) - 1e-9)));
+  const steps = step * 10 ** decimals;
+  return decimals + (Math.abs(steps - Math.round(steps)) > 1e-6 ? 1 : 0);
 }
 
 /** A time on the axis, as precise as a step asks for. */

@@ -21,6 +21,17 @@ export function toggleFrames() {
   if (!region.hidden) showFrames();
 }
 
+/** Identifiers as people write them: three hexadecimal digits, or eight for one of 29 bits. */
+function shownCells(cells, columns) {
+  const shown = [...cells];
+  const id = columns.indexOf('id');
+  if (cells[id] !== null) {
+    const digits = cells[columns.indexOf('extended')] === '1' ? 8 : 3;
+    shown[id] = Number(cells[id]).toString(16).toUpperCase().padStart(digits, '0');
+  }
+  return shown;
+}
+
 function rowOf(cells, shift) {
   const time = Number(cells[0]) + shift;
   const row = element('tr', {tabindex: '0', click: () => change({cursors: [time]}),
@@ -37,7 +48,7 @@ async function showFrames() {
     region.replaceChildren(element('table', {},
         element('thead', {}, element('tr', {}, ...columns.map((name) =>
           element('th', {scope: 'col'}, name)))),
-        element('tbody', {}, ...rows.map((cells) => rowOf(cells, shift)))));
+        element('tbody', {}, ...rows.map((cells) => rowOf(shownCells(cells, columns), shift)))));
   } catch (error) {
     showMessage(error.message);
   }

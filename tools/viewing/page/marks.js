@@ -23,18 +23,20 @@ function line(plot, time, colour, dash) {
   return x;
 }
 
-function flag(plot, x, text, colour) {
+/** A text at a line, in a row from the top. */
+function flag(plot, x, row, text, colour) {
   const {ctx, bbox} = plot;
   const ratio = devicePixelRatio;
   ctx.font = `${11 * ratio}px system-ui, sans-serif`;
   const shown = text.length > 24 ? `${text.slice(0, 23)}…` : text;
   const width = ctx.measureText(shown).width + 8 * ratio;
   ctx.fillStyle = colour;
-  ctx.fillRect(x, bbox.top, width, 15 * ratio);
+  const top = bbox.top + row * 16 * ratio;
+  ctx.fillRect(x, top, width, 15 * ratio);
   ctx.fillStyle = styleColour('--ground');
   ctx.textBaseline = 'middle';
   ctx.textAlign = 'left';
-  ctx.fillText(shown, x + 4 * ratio, bbox.top + 8 * ratio);
+  ctx.fillText(shown, x + 4 * ratio, top + 8 * ratio);
 }
 
 /** Draws events as flags, and the cursors that were placed. */
@@ -43,11 +45,11 @@ export function drawMarks(plot) {
   plot.ctx.save();
   for (const [time, name] of eventTimes()) {
     const x = line(plot, time, styleColour('--event'), [4 * ratio, 3 * ratio]);
-    if (x !== null) flag(plot, x, name, styleColour('--event'));
+    if (x !== null) flag(plot, x, 0, name, styleColour('--event'));
   }
   state.cursors.forEach((time, place) => {
     const x = line(plot, time, styleColour('--accent'), []);
-    if (x !== null) flag(plot, x, 'AB'[place], styleColour('--accent'));
+    if (x !== null) flag(plot, x, 1, 'AB'[place], styleColour('--accent'));
   });
   plot.ctx.restore();
 }

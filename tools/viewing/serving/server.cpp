@@ -119,7 +119,7 @@ Server::Server(int port, Answerer answerer) : state_(std::make_unique<State>(std
     response.set_content(answer.body, answer.type);
     return httplib::Server::HandlerResponse::Handled;
   });
-  listener.set_exception_handler([](const auto&, auto& response, std::exception_ptr) {
+  listener.set_exception_handler([](const auto&, auto& response, const std::exception_ptr&) {
     const Answer answer = sentence(500, "this could not be read");
     response.status = answer.status;
     response.set_content(answer.body, answer.type);
