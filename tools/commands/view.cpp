@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -58,9 +59,14 @@ int complain(const std::string& sentence, ExitCode exit_code) {
 
 #ifdef MDF_HAS_VIEWER
 
+std::size_t bytesOf(std::size_t mebibytes) {
+  return static_cast<std::size_t>(
+      std::min<std::uint64_t>(std::uint64_t{mebibytes} << 20U, SIZE_MAX));
+}
+
 int run(const Request& request) {
   try {
-    Routes routes(*request.paths, request.memory << 20U);
+    Routes routes(*request.paths, bytesOf(request.memory));
     Server server(request.port, [&](const std::string& name, const ViewRequest& asked) {
       return routes.answer(name, asked);
     });

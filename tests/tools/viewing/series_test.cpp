@@ -23,8 +23,8 @@ struct Samples {
   Series::Source source() const {
     return [this](const SampleRange& range, const SampleVisitor& visit) {
       const std::size_t piece = 1000;
-      const std::size_t end = std::min<std::uint64_t>(range.end, times.size());
-      for (std::size_t begin = range.begin; begin < end; begin += piece) {
+      const auto end = static_cast<std::size_t>(std::min<std::uint64_t>(range.end, times.size()));
+      for (auto begin = static_cast<std::size_t>(range.begin); begin < end; begin += piece) {
         const std::size_t count = std::min(piece, end - begin);
         mdf_reader::ColumnData column(mdf_reader::ColumnType::float64);
         std::copy_n(&numbers[begin], count, column.extend<double>(count));

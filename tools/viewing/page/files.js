@@ -11,6 +11,9 @@ export const channelOf = (id) => channels.get(id);
 export const allChannels = () => channels.values();
 
 function addFile(file, number) {
+  for (const id of [...channels.keys()]) {
+    if (id.startsWith(`${number}.`)) channels.delete(id);
+  }
   file.tables.forEach((table, tableNumber) => table.columns.forEach((column, columnNumber) => {
     const id = `${number}.${tableNumber}.${columnNumber}`;
     const isMaster = table.has_master && columnNumber === 0;

@@ -115,6 +115,10 @@ function showLists() {
   prepareFrames();
 }
 
+/** The panels without channels that are in no file. */
+const knownPanels = () =>
+  state.panels.map((ids) => ids.filter(channelOf)).filter((ids) => ids.length);
+
 /** A recording that grows is followed where the end of it was shown. */
 async function follow() {
   if (document.hidden) return;
@@ -123,6 +127,8 @@ async function follow() {
     const changed = await readFiles();
     if (changed.length === 0) return;
     changed.forEach(forgetFile);
+    const known = knownPanels();
+    if (known.flat().length < state.panels.flat().length) change({panels: known});
     showLists();
     const [from, to] = wholeRange(state.shifts);
     const isAtEnd = Math.abs(state.to - before[1]) <= 1e-9 * Math.abs(before[1]) || state.to >= before[1];
@@ -155,7 +161,7 @@ async function start() {
   await readFiles();
   document.title = `${files.map((file) => file.info.file.replace(/^.*\//, '')).join(', ')} – mdf view`;
   byId('absolute').disabled = startOfAll() === null;
-  state.panels = state.panels.map((ids) => ids.filter(channelOf)).filter((ids) => ids.length);
+  state.panels = knownPanels();
   if (state.from === null) [state.from, state.to] = wholeRange(state.shifts);
   if (state.cursors.length === 2) press('measure', true);
   showLists();
