@@ -42,6 +42,23 @@ test('channels of one unit have a panel in common, others one of their own', asy
   assert.equal(await page.locator('.panel').first().locator('.entry').count(), 2);
 });
 
+test('answers that are slow reach panels that were made anew meanwhile', async () => {
+  await page.route('**/api/curve?**', async (route) => {
+    await new Promise((resolve) => setTimeout(resolve, 500));
+    await route.continue();
+  });
+  await channel('speed').click();
+  await page.locator('.statistics').filter({hasText: 'reading…'}).waitFor();
+  await channel('target').click();
+  await statistics('speed').filter({hasText: 'n 60000'}).waitFor();
+  const points = await page.evaluate(async () => {
+    const [panel] = (await import('./panels.js')).allPanels();
+    return panel.plot.data.slice(1).map((values) => values.filter((value) => value > 100).length);
+  });
+  assert.ok(points.every((count) => count > 100), String(points));
+  await page.unroute('**/api/curve?**');
+});
+
 test('a channel is dragged into a panel', async () => {
   await channel('speed').click();
   await channel('rpm').dragTo(page.locator('.panel').first());

@@ -48,6 +48,13 @@ export function makeLegend(ids, {onRemove}) {
     element: element('ul.legend', {}, ...[...rows.values()].map(({row}) => row)),
     showValue: (id, value) => rows.get(id).value.replaceChildren(shown(value)),
     showMarks: (id, values) => rows.get(id).atMarks.replaceChildren(marks(values)),
+    /** Says that a channel is on its way; a large one is read for a while when it is first shown. */
+    showWaiting: (id, isWaiting) => {
+      const {row, statistics} = rows.get(id);
+      if (isWaiting) statistics.replaceChildren('reading…');
+      else if (row.classList.contains('waiting')) statistics.replaceChildren();
+      row.classList.toggle('waiting', isWaiting);
+    },
     showStatistics: (id, found) => {
       const outOfOrder = samplesOf(id)?.outOfOrder ?? 0;
       rows.get(id).statistics.replaceChildren(statisticsText(found) +

@@ -2,7 +2,7 @@ import {channelOf, wholeRange} from './files.js';
 import {byId} from './element.js';
 import {listenTo} from './gestures.js';
 import {Panel} from './panel.js';
-import {exactValue, fetchSamples, roughValue, statisticsOf} from './samples.js';
+import {exactValue, fetchSamples, roughValue, samplesOf, statisticsOf} from './samples.js';
 import {change, onChange, state} from './state.js';
 import {showMessage} from './message.js';
 
@@ -121,18 +121,28 @@ async function fetchAll() {
   showSettled();
 }
 
+/** Panels may have been made anew before an answer comes. */
+function showArrived(id) {
+  for (const panel of panels) {
+    if (panel.ids.includes(id)) panel.legend.showWaiting(id, false);
+  }
+  refreshSoon(true);
+}
+
 async function fetchOne(panel, id, pixels) {
   const [from, to] = act.window();
+  if (!samplesOf(id)) panel.legend.showWaiting(id, true);
   try {
     if (await fetchSamples(id, from, to, pixels)) {
-      if (panels.includes(panel)) panel.refresh(true);
+      showArrived(id);
       const [newFrom, newTo] = act.window();
       // The window has moved on meanwhile.
       if (newFrom !== from || newTo !== to) fetchSoon();
       showMarks();
     }
   } catch (error) {
-    showMessage(`${channelOf(id).name}: ${error.message}`);
+    showArrived(id);
+    showMessage(`${channelOf(id)?.name}: ${error.message}`);
   }
 }
 

@@ -48,19 +48,17 @@ export async function fetchSamples(id, from, to, pixels) {
   const shift = shiftOf(channel);
   [from, to] = [from - shift, to - shift];
   const entry = kept.get(id);
-  if (isEnough(entry, from, to, pixels) || entry?.isBusy) {
-    if (entry.isBusy) entry.isStale = true;
-    return false;
-  }
+  if (isEnough(entry, from, to, pixels) || entry?.isBusy) return false;
   const around = to - from;
   const wanted = {...entry, from: from - around, to: to + around, pixels: Math.min(3 * pixels, 12000)};
   const busy = {...entry, isBusy: true};
   kept.set(id, busy);
   try {
     const data = await fetchPart(channel, wanted);
-    kept.set(id, {...wanted, data, shift: NaN, isBusy: false});
+    // The file may have changed meanwhile.
+    if (kept.get(id) === busy) kept.set(id, {...wanted, data, shift: NaN, isBusy: false});
   } catch (error) {
-    kept.set(id, {...entry, isBusy: false});
+    if (kept.get(id) === busy) kept.set(id, {...entry, isBusy: false});
     throw error;
   }
   return true;
