@@ -56,6 +56,7 @@ export function makeLegend(ids, {onRemove}) {
       row.classList.toggle('waiting', isWaiting);
     },
     showStatistics: (id, found) => {
+      if (rows.get(id).row.classList.contains('waiting')) return;
       const outOfOrder = samplesOf(id)?.outOfOrder ?? 0;
       rows.get(id).statistics.replaceChildren(statisticsText(found) +
           (outOfOrder ? `  ${shortNumber(outOfOrder)} at times that fall, not drawn` : ''));

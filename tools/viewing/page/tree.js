@@ -57,13 +57,17 @@ function groupFacts(file, table) {
 function groupSection(file, number, channels, isSearch) {
   const table = files[file].tables[number];
   const key = `${file}.${number}`;
+  const fill = () => {
+    if (details.open && details.children.length === 1) details.append(channelList(channels));
+  };
   const details = element('details.group', {toggle: () => {
     if (details.open) open.add(key);
     else open.delete(key);
-    if (details.open && details.children.length === 1) details.append(channelList(channels));
+    fill();
   }}, element('summary', {}, element('span.name', {}, table.name || `group ${table.group}`),
       element('span.quiet', {}, groupFacts(file, table))));
   details.open = isSearch || open.has(key);
+  fill();
   return details;
 }
 
