@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "mdf_v4_10.h"
-#include "pictures/chart.h"
+#include "pictures/curve.h"
 #include "support/comparison.h"
 #include "support/files.h"
 #include "support/recordings.h"
@@ -253,7 +253,7 @@ Sides plotSides() {
   sides.subject = [=](std::size_t times) {
     for (; times > 0; --times) {
       std::vector<mdf_tools::Curve> curves;
-      mdf_tools::CurveCollector collector(curves, 1200, "");
+      mdf_tools::CurveCollector collector(curves, 1200);
       bool has_begun = false;
       readColumns(file->path(), {},
                   [&](const mdf_reader::Batch& batch, const mdf_reader::TableHead& head) {

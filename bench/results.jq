@@ -1,7 +1,7 @@
 # From the benchmark programs' own results: what was measured where, and each case's figures.
 {
   compiler: $compiler,
-  options: "-O2",
+  options: $options,
   cpu: $cpu,
   cores: .[0].context.num_cpus,
   system: $system,

@@ -74,9 +74,7 @@ void expectGroups(const BusDatabase& database) {
     MessageGroup group(plan, {&database.messages[i], "message", "can1", i % 9, i > 9});
     expect(plan.fault().empty(), "a plan without a fault");
     for (const std::size_t bytes : {0U, 3U, 8U, 64U}) {
-      BusFrame frame;
-      frame.data = std::string_view(data).substr(0, bytes);
-      expect(group.record(frame, 1).size() ==
+      expect(group.record(0, std::string_view(data).substr(0, bytes), 1).size() ==
                  group.group().dataBytes() + group.group().invalidationBytes(),
              "a whole record");
     }

@@ -96,7 +96,9 @@ class Trial {
   }
 
   std::size_t tables() const { return tables_; }
-  std::string script() const { return gnuplotScript(curves_, {ChartForm::Kind::svg, "title"}); }
+  std::string script() const {
+    return gnuplotScript(curves_, {ChartForm::Kind::svg, "title"}).text;
+  }
 
  private:
   static constexpr std::size_t most_values = 20000;
@@ -120,7 +122,7 @@ class Trial {
   CsvWriter csv_;
   JsonLinesWriter json_{"file"};
   std::vector<Curve> curves_;
-  CurveCollector collector_{curves_, 10, ""};
+  CurveCollector collector_{curves_, 10};
   std::size_t tables_ = 0;
   std::size_t values_ = 0;
 };

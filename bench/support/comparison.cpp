@@ -21,7 +21,7 @@ double timeOf(const Batch& batch, std::size_t times) {
 /// Often enough for the clock's own time not to matter.
 std::size_t timesPerRound(const Sides& sides) {
   std::size_t times = 1;
-  while (timeOf(sides.baseline, times) < settings().round_nanoseconds) {
+  while (timeOf(sides.baseline, times) < settings.round_nanoseconds) {
     times *= 2;
   }
   sides.subject(times);
@@ -89,7 +89,7 @@ void compare(const Case& what, const std::function<Sides()>& make) {
   benchmark::RegisterBenchmark(
       what.name.c_str(), [what, make](benchmark::State& state) { runRounds(state, what, make()); })
       ->UseManualTime()
-      ->Iterations(settings().rounds);
+      ->Iterations(settings.rounds);
 }
 
 void measure(const Case& what, const std::function<double()>& take) {

@@ -9,8 +9,11 @@ struct Settings {
   double round_nanoseconds;  ///< at least
 };
 
+inline constexpr Settings thorough = {15, 5e6};
+inline constexpr Settings quick = {9, 1e6};
+
 /// As the command line says, which is read before anything is registered.
-const Settings& settings();
+inline Settings settings = thorough;
 
 }  // namespace mdf_bench
 

@@ -37,6 +37,8 @@ Frames of buses, and their signals by a database of the DBC form:
 What cannot be read raises `MdfError`, with a ``code`` that never changes and an ``offset`` in the
 file; what is wrong but can be read all the same is one `MdfWarning` for each call, and all of it is
 in ``m.findings``.
+
+Thousands of files are one table of Apache Spark: see `mdfkit.spark`.
 """
 
 from .attachment import Attachment

@@ -7,6 +7,7 @@ from collections.abc import Mapping
 from pathlib import Path
 from typing import Any
 
+from .parquet import complete
 from .source import Source
 
 
@@ -56,10 +57,12 @@ class Attachment:
         return self._source.file.attachment(self.number)
 
     def save(self, path: str | os.PathLike[str]) -> None:
-        """Write its data to a file, which must not exist."""
+        """Write its data to a file, which must not exist, and appears when it is complete."""
         data = self.read()
-        with Path(path).open("xb") as file:
-            file.write(data)
+        if Path(path).exists():
+            raise FileExistsError(f"{path} exists")
+        with complete(Path(path)) as beside:
+            beside.write_bytes(data)
 
     def __repr__(self) -> str:
         size = "" if self.size is None else f", {self.size:,} bytes"

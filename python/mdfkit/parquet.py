@@ -29,7 +29,7 @@ def rows_of_batch(schema: pa.Schema) -> int:
 
 
 @contextlib.contextmanager
-def _complete(path: Path) -> Iterator[Path]:
+def complete(path: Path) -> Iterator[Path]:
     """Give a name beside this one; it gets this one when all went well."""
     path.parent.mkdir(parents=True, exist_ok=True)
     work = Path(tempfile.mkdtemp(prefix=".mdfkit-", dir=path.parent))
@@ -44,7 +44,7 @@ def write_file(reader: pa.RecordBatchReader, path: str | os.PathLike[str]) -> No
     """Write a file that appears when it is complete."""
     import pyarrow.parquet as pq
 
-    with _complete(Path(path)) as beside, pq.ParquetWriter(beside, reader.schema) as writer:
+    with complete(Path(path)) as beside, pq.ParquetWriter(beside, reader.schema) as writer:
         for batch in reader:
             writer.write_batch(batch)
 
@@ -55,7 +55,7 @@ def _write_folder(reader: pa.RecordBatchReader, path: Path, by: Sequence[str]) -
 
     if path.exists():
         raise FileExistsError(f"{path} exists; remove it first, for a folder is not replaced")
-    with _complete(path) as beside:
+    with complete(path) as beside:
         ds.write_dataset(
             reader, beside, format="parquet", partitioning=list(by), partitioning_flavor="hive"
         )

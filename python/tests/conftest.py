@@ -4,12 +4,15 @@ from __future__ import annotations
 
 import os
 import subprocess
-from collections.abc import Callable
+import sys
+from collections.abc import Callable, Iterator
 from pathlib import Path
 
 import pytest
+from pyspark.sql import SparkSession
 
 import mdfkit
+from spark_cluster import SHORT_LIVED, Cluster, executors, session, wait_for
 
 Make = Callable[..., Path]
 
@@ -88,3 +91,32 @@ def dated(make: Make) -> mdfkit.Measurement:
 def samples() -> Path:
     """A folder with the sample files, each for a feature of the format."""
     return Path(stated("MDF_SAMPLES"))
+
+
+@pytest.fixture(scope="session")
+def cluster(tmp_path_factory: pytest.TempPathFactory) -> Iterator[Cluster]:
+    """A cluster of Spark with the workers "one" and "two"."""
+    started = Cluster(tmp_path_factory.mktemp("cluster"))
+    try:
+        for name in ("one", "two"):
+            started.add_worker(name)
+        yield started
+    finally:
+        started.stop()
+
+
+@pytest.fixture(scope="session")
+def spark(cluster: Cluster, tmp_path_factory: pytest.TempPathFactory) -> Iterator[SparkSession]:
+    """A session on the cluster, with an executor on each worker."""
+    with pytest.MonkeyPatch.context() as patch:
+        patch.setenv("PYSPARK_PYTHON", sys.executable)
+        patch.setenv("SPARK_LOCAL_IP", "127.0.0.1")
+        patch.setenv("SPARK_LOCAL_DIRS", str(tmp_path_factory.mktemp("spark")))
+        options = {
+            "spark.driver.extraJavaOptions": SHORT_LIVED,
+            "spark.executor.extraJavaOptions": SHORT_LIVED,
+        }
+        begun = session(cluster.url, options)
+        wait_for(lambda: executors(begun) == 2, "two executors")
+        yield begun
+        begun.stop()

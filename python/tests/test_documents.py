@@ -50,7 +50,8 @@ def trip(make: Make, program: Callable[..., str], monkeypatch: pytest.MonkeyPatc
 
 @pytest.mark.usefixtures("trip")
 def test_the_readme_begins_with_an_example_and_all_of_them_run() -> None:
-    text = README.read_text(encoding="utf-8")
+    text, _, fleet = README.read_text(encoding="utf-8").partition("## A fleet")
+    assert "spark.read" in fleet  # which test_spark.py runs
     assert "```python" in "\n".join(text.splitlines()[:10])
     count, scope = run_blocks(text)
     assert count == 7
@@ -64,15 +65,17 @@ def test_the_readme_begins_with_an_example_and_all_of_them_run() -> None:
 
 @pytest.mark.usefixtures("trip")
 def test_the_example_of_the_project_runs() -> None:
-    count, scope = run_blocks((README.parents[1] / "README.md").read_text(encoding="utf-8"))
+    page = (README.parents[1] / "README.md").read_text(encoding="utf-8")
+    text, _, fleet = page.partition("A fleet's files are one table of Spark")
+    count, scope = run_blocks(text)
+    assert "spark.read" in fleet  # of which test_spark.py runs the like
     assert count == 1
     assert scope["frame"].shape == (50, 2)
 
 
-def run_blocks(text: str) -> tuple[int, dict[str, Any]]:
+def run_blocks(text: str, **scope: Any) -> tuple[int, dict[str, Any]]:
     """Run a page's examples one after another; how many, and what they leave."""
     blocks = re.findall(r"```python\n(.*?)```", text, flags=re.DOTALL)
-    scope: dict[str, Any] = {}
     for block in blocks:
         exec(compile(block, "README.md", "exec"), scope)
     return len(blocks), scope

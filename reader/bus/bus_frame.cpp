@@ -4,7 +4,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
+
+#include "../bytes/number_texts.h"
 
 namespace mdf_reader {
 
@@ -25,14 +26,11 @@ std::string_view errorName(const BusFrame& frame) {
 }
 
 std::string idText(const BusFrame& frame) {
-  if (!frame.hasId()) {
-    return "";
+  std::string text;
+  if (frame.hasId()) {
+    addHexDigits(frame.id, frame.is_extended ? 8 : frame.isLin() ? 2 : 3, text);
   }
-  char text[16];
-  const int digits = frame.is_extended ? 8 : frame.isLin() ? 2 : 3;
-  const int length =
-      std::snprintf(text, sizeof text, "%0*X", digits, static_cast<unsigned>(frame.id));
-  return std::string(text, static_cast<std::size_t>(length));
+  return text;
 }
 
 bool isBus(const std::string& pattern, std::string_view bus) {

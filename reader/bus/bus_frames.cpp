@@ -89,15 +89,22 @@ bool BusFrames::isLater(std::size_t left, std::size_t right) const {
   return left > right;
 }
 
-/// Puts a group at its place by its next frame, if it has one.
-void BusFrames::push(std::size_t group) {
+/// Goes on to a group's next frame; false after its last one.
+bool BusFrames::goOn(std::size_t group) {
   while (groups_[group]->next()) {
     if (isInRange(groups_[group]->frame())) {
-      heap_.push_back(group);
-      std::push_heap(heap_.begin(), heap_.end(),
-                     [this](std::size_t left, std::size_t right) { return isLater(left, right); });
-      return;
+      return true;
     }
+  }
+  return false;
+}
+
+/// Puts a group at its place by its next frame, if it has one.
+void BusFrames::push(std::size_t group) {
+  if (goOn(group)) {
+    heap_.push_back(group);
+    std::push_heap(heap_.begin(), heap_.end(),
+                   [this](std::size_t left, std::size_t right) { return isLater(left, right); });
   }
 }
 
@@ -107,7 +114,9 @@ const BusFrame* BusFrames::next() {
     for (std::size_t group = 0; group < groups_.size(); ++group) {
       push(group);
     }
-  } else if (last_) {
+  } else if (last_ && heap_.empty() && goOn(*last_)) {
+    return &groups_[*last_]->frame();
+  } else if (last_ && !heap_.empty()) {
     push(*last_);
   }
   last_.reset();

@@ -41,6 +41,7 @@ class BusFrames {
   void noteOtherEvents(const std::set<std::uint64_t>& known);
   void noteLeftOut();
   bool isInRange(const BusFrame& frame) const;
+  bool goOn(std::size_t group);
   void push(std::size_t group);
   bool isLater(std::size_t left, std::size_t right) const;
 

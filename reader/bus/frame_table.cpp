@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 namespace mdf_reader {
@@ -32,6 +33,30 @@ std::optional<Kind> kindOf(std::string_view name) {
     return found->second;
   }
   return name.substr(0, 4) == "LIN_" ? std::optional(Kind::lin_error) : std::nullopt;
+}
+
+template <class Number>
+std::uint64_t wholeNumber(Number number, std::uint64_t none) {
+  if constexpr (std::is_floating_point_v<Number>) {
+    constexpr auto limit = static_cast<Number>(18446744073709551616.0);
+    return number >= 0 && number < limit ? static_cast<std::uint64_t>(number) : none;
+  } else {
+    return number >= Number{0} ? static_cast<std::uint64_t>(number) : none;
+  }
+}
+
+/// Turns a column into whole numbers from 0 on.
+/// @param none for rows without such a number.
+void readNumbers(const ColumnData& column, std::uint64_t none, std::vector<std::uint64_t>& to) {
+  to.resize(column.rows());
+  withNumberType(column.type(), [&](auto zero) {
+    const auto* const values = column.values<decltype(zero)>();
+    std::transform(values, values + column.rows(), to.begin(),
+                   [none](auto value) { return wholeNumber(value, none); });
+  });
+  for (std::size_t row = 0; column.nullCount() > 0 && row < column.rows(); ++row) {
+    to[row] = column.isValid(row) ? to[row] : none;
+  }
 }
 
 /// "CAN 2" as a word: "CAN_2".
@@ -67,6 +92,9 @@ FrameTable::FrameTable(std::unique_ptr<Table> table) : table_(std::move(table)) 
   is_usable_ = holds_frames_ && table_->head().has_master &&
                isNumber(table_->head().columns[0].type) &&
                (!frame_.hasId() || columns_[identifier]);
+  if (is_usable_) {
+    frame_.time_decimals = table_->head().columns[0].decimals;
+  }
 }
 
 /// A column is called "CAN_DataFrame.ID", whether its channel has the structure's name in front or
@@ -119,9 +147,10 @@ bool FrameTable::next() {
     if (batch_ == nullptr || ++row_ >= batch_->rows()) {
       batch_ = table_->next();
       row_ = 0;
-    }
-    if (batch_ == nullptr) {
-      return false;
+      if (batch_ == nullptr) {
+        return false;
+      }
+      readBatch();
     }
     if (take()) {
       return true;
@@ -131,30 +160,30 @@ bool FrameTable::next() {
   return false;
 }
 
-std::optional<std::uint64_t> FrameTable::number(Role role) const {
-  if (!columns_[role] || !batch_->column(*columns_[role]).isValid(row_)) {
-    return std::nullopt;
+void FrameTable::readBatch() {
+  times_ = batch_->column(0).reals();
+  const bool is_one = data_columns_.size() == 1;
+  const ColumnData* const first = is_one ? &batch_->column(data_columns_[0]) : nullptr;
+  recorded_ = is_one && !isNumber(first->type()) ? first : nullptr;
+  for (std::size_t role = 0; role < role_count; ++role) {
+    if (columns_[role]) {
+      readNumbers(batch_->column(*columns_[role]), none, members_[role]);
+    }
   }
-  const double value = batch_->column(*columns_[role]).real(row_);
-  constexpr double limit = 18446744073709551616.0;
-  return value >= 0 && value < limit ? std::optional(static_cast<std::uint64_t>(value))
-                                     : std::nullopt;
 }
 
 bool FrameTable::take() {
-  const double time = batch_->column(0).real(row_);
-  if (!std::isfinite(time) || (frame_.hasId() && !number(identifier))) {
+  const double time = times_[row_];
+  if (!std::isfinite(time) || (frame_.hasId() && number(identifier) == none)) {
     return false;
   }
   backwards_ += time < frame_.time ? 1U : 0U;
   frame_.time = time;
-  frame_.time_decimals = batch_->head().columns[0].decimals;
   frame_.direction = directionOf();
   frame_.is_fd = isSet(Role::is_fd);
   frame_.has_bit_rate_switch = isSet(bit_rate_switch);
   frame_.has_error_state = isSet(error_state);
-  frame_.error = static_cast<BusFrame::Error>(
-      std::min<std::uint64_t>(number(error_type).value_or(0), std::uint64_t{5}));
+  frame_.error = static_cast<BusFrame::Error>(std::min<std::uint64_t>(numberOr0(error_type), 5));
   takeId();
   takeBus();
   takeData();
@@ -163,16 +192,16 @@ bool FrameTable::take() {
 }
 
 BusFrame::Direction FrameTable::directionOf() const {
-  const auto stored = number(direction);
-  if (!stored) {
+  const std::uint64_t stored = number(direction);
+  if (stored == none) {
     return BusFrame::Direction::unknown;
   }
-  return *stored == 0 ? BusFrame::Direction::received : BusFrame::Direction::sent;
+  return stored == 0 ? BusFrame::Direction::received : BusFrame::Direction::sent;
 }
 
 /// Some writers mark extended identifiers by their highest bit alone.
 void FrameTable::takeId() {
-  const auto id = static_cast<std::uint32_t>(number(identifier).value_or(0));
+  const auto id = static_cast<std::uint32_t>(numberOr0(identifier));
   const bool is_marked = (id & extended_flag) != 0 || (id & most_extended) > most_standard;
   frame_.is_extended = columns_[Role::is_extended] ? isSet(Role::is_extended) : is_marked;
   frame_.is_extended = frame_.is_extended && !frame_.isLin();
@@ -180,19 +209,21 @@ void FrameTable::takeId() {
 }
 
 void FrameTable::takeBus() {
-  const auto bus = is_one_bus_ ? std::nullopt : number(channel);
-  if (bus && bus != bus_number_) {
+  const std::uint64_t bus = is_one_bus_ ? none : number(channel);
+  if (bus != none && bus != bus_number_) {
     bus_number_ = bus;
-    bus_ = family_ + std::to_string(*bus);
+    bus_ = family_ + std::to_string(bus);
   }
   frame_.bus = bus_;
 }
 
 void FrameTable::takeData() {
   const std::string_view recorded = bytes();
-  const auto stated = number(length);
-  const auto code = number(length_code);
-  frame_.length = stated ? *stated : code ? dataLengthOf(*code, frame_.is_fd) : recorded.size();
+  const std::uint64_t stated = number(length);
+  const std::uint64_t code = number(length_code);
+  frame_.length = stated != none ? stated
+                  : code != none ? dataLengthOf(code, frame_.is_fd)
+                                 : recorded.size();
   frame_.data = recorded.substr(
       0, static_cast<std::size_t>(std::min<std::uint64_t>(frame_.length, recorded.size())));
   if (frame_.kind == Kind::remote) {
@@ -204,17 +235,17 @@ void FrameTable::takeData() {
 
 /// What the log had that the file was made of.
 void FrameTable::takeLogged() {
-  const auto bits = number(error_class);
-  const auto count = number(frame_number);
-  frame_.error_class = bits && frame_.kind == Kind::error
-                           ? std::optional(static_cast<std::uint32_t>(*bits) & most_extended)
+  const std::uint64_t bits = number(error_class);
+  const std::uint64_t count = number(frame_number);
+  frame_.error_class = bits != none && frame_.kind == Kind::error
+                           ? std::optional(static_cast<std::uint32_t>(bits) & most_extended)
                            : std::nullopt;
-  frame_.number = count ? std::optional(static_cast<std::uint16_t>(*count)) : std::nullopt;
+  frame_.number = count != none ? std::optional(static_cast<std::uint16_t>(count)) : std::nullopt;
 }
 
 std::string_view FrameTable::bytes() {
-  if (data_columns_.size() == 1 && !isNumber(batch_->column(data_columns_[0]).type())) {
-    return batch_->column(data_columns_[0]).text(row_);
+  if (recorded_ != nullptr) {
+    return recorded_->text(row_);
   }
   data_.clear();
   for (const std::size_t column : data_columns_) {

@@ -62,11 +62,19 @@ class FrameTable {
     role_count,
   };
 
+  static constexpr std::uint64_t none = UINT64_MAX;
+
   void takeColumns();
+  void readBatch();
   void nameBus();
   bool take();
-  std::optional<std::uint64_t> number(Role role) const;
-  bool isSet(Role role) const { return number(role).value_or(0) != 0; }
+  /// The member of the row; none where there is no number from 0 on.
+  std::uint64_t number(Role role) const { return columns_[role] ? members_[role][row_] : none; }
+  std::uint64_t numberOr0(Role role) const {
+    const std::uint64_t stored = number(role);
+    return stored == none ? 0 : stored;
+  }
+  bool isSet(Role role) const { return numberOr0(role) != 0; }
   BusFrame::Direction directionOf() const;
   void takeId();
   void takeBus();
@@ -76,16 +84,19 @@ class FrameTable {
 
   std::unique_ptr<Table> table_;
   std::array<std::optional<std::size_t>, role_count> columns_{};
+  std::array<std::vector<std::uint64_t>, role_count> members_;  ///< in the rows of the batch
   std::vector<std::size_t> data_columns_;  ///< one of bytes, or one for each byte
   std::string name_;                       ///< of the frames' kind
   std::string family_;                     ///< what the names of its buses begin with
   std::string bus_;
   bool is_one_bus_ = false;  ///< all frames are of the one that the group is named after
-  std::optional<std::uint64_t> bus_number_;
+  std::uint64_t bus_number_ = none;
   std::string data_;
   bool holds_frames_ = false;
   bool is_usable_ = false;
   const Batch* batch_ = nullptr;
+  std::vector<double> times_;             ///< of its rows
+  const ColumnData* recorded_ = nullptr;  ///< its data, where that is one column of bytes
   std::size_t row_ = 0;
   BusFrame frame_;
   std::uint64_t left_out_ = 0;

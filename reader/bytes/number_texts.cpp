@@ -1,5 +1,6 @@
 #include "number_texts.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
@@ -17,6 +18,32 @@ std::uint64_t unsignedNumber(std::string_view bytes) {
 std::int64_t signedNumber(std::string_view bytes) {
   const auto unused_bits = static_cast<unsigned>(64 - 8 * bytes.size());
   return static_cast<std::int64_t>(unsignedNumber(bytes) << unused_bits) >> unused_bits;
+}
+
+namespace {
+
+template <unsigned base>
+void addDigitsOf(std::uint64_t number, std::size_t least, std::string& text) {
+  static const char symbols[] = "0123456789ABCDEF";
+  std::array<char, 20> digits;
+  std::size_t at = digits.size();
+  do {
+    digits[--at] = symbols[number % base];
+    number /= base;
+  } while (number > 0);
+  const std::size_t count = digits.size() - at;
+  text.append(least - std::min(least, count), '0');
+  text.append(&digits[at], count);
+}
+
+}  // namespace
+
+void addDigits(std::uint64_t number, std::size_t least, std::string& text) {
+  addDigitsOf<10>(number, least, text);
+}
+
+void addHexDigits(std::uint64_t number, std::size_t least, std::string& text) {
+  addDigitsOf<16>(number, least, text);
 }
 
 std::string hexDigits(std::uint64_t number) {

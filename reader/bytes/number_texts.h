@@ -1,6 +1,7 @@
 #ifndef MDF_READER_BYTES_NUMBER_TEXTS_H_
 #define MDF_READER_BYTES_NUMBER_TEXTS_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -12,6 +13,12 @@ std::uint64_t unsignedNumber(std::string_view bytes);
 
 /// 1 to 8 bytes as the signed number that they store.
 std::int64_t signedNumber(std::string_view bytes);
+
+/// Appends an unsigned number in decimal digits, with zeros in front up to so many.
+void addDigits(std::uint64_t number, std::size_t least, std::string& text);
+
+/// The same in hexadecimal digits, with capitals: "01F".
+void addHexDigits(std::uint64_t number, std::size_t least, std::string& text);
 
 /// "1f", without a prefix.
 std::string hexDigits(std::uint64_t number);

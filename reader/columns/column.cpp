@@ -138,7 +138,7 @@ bool Column::isValid(std::string_view record) const {
   if (!hasInvalidationBit()) {
     return true;
   }
-  const std::uint64_t bit = source_.channel->invalidation_bit + source_.invalidation_shift;
+  const std::uint64_t bit = invalidationBit();
   const std::string_view byte = slice(record, source_.group->data_bytes + bit / 8, 1);
   return byte.empty() ||
          ((std::uint64_t{static_cast<unsigned char>(byte[0])} >> (bit % 8)) & 1U) == 0;
@@ -188,16 +188,35 @@ void Column::appendRaw(const RecordSpan& records, ColumnData& to) {
     return;
   }
   if (hasInvalidationBit()) {
-    for (std::size_t i = 0; i < records.count; ++i) {
-      if (!isValid(records.at(i))) {
-        to.setNull(first_row + i);
-      }
+    setInvalid(records, first_row, to);
+  }
+}
+
+/// Rows whose invalidation bit is set have no value.
+void Column::setInvalid(const RecordSpan& records, std::size_t first_row, ColumnData& to) const {
+  const std::uint64_t bit = invalidationBit();
+  const std::uint64_t byte = source_.group->data_bytes + bit / 8;
+  if (byte >= records.size) {
+    return;
+  }
+  const unsigned mask = 1U << (bit % 8);
+  const auto at = static_cast<std::size_t>(byte);
+  for (std::size_t i = 0; i < records.count; ++i) {
+    if ((static_cast<unsigned char>(records.at(i)[at]) & mask) != 0) {
+      to.setNull(first_row + i);
     }
   }
 }
 
 /// The same one by one: values whose lengths differ, and what is no number.
 void Column::appendEach(const RecordSpan& records, ColumnData& to) {
+  if (to.type() == ColumnType::bytes && !hasInvalidationBit() &&
+      source_.channel->type != Channel::variable_length) {
+    for (std::size_t i = 0; i < records.count; ++i) {
+      to.add(stored(records.at(i)));
+    }
+    return;
+  }
   for (std::size_t i = 0; i < records.count; ++i) {
     const std::string_view record = records.at(i);
     const bool is_here = source_.channel->type != Channel::variable_length;

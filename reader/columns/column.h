@@ -74,6 +74,11 @@ class Column {
   void addResult(const Conversion::Result& result, std::size_t row, ColumnData& to);
   std::string_view textOf(const Conversion::Result& result, std::size_t row);
   bool hasInvalidationBit() const;
+  /// Which bit of a record's invalidation bytes is the channel's.
+  std::uint64_t invalidationBit() const {
+    return source_.channel->invalidation_bit + source_.invalidation_shift;
+  }
+  void setInvalid(const RecordSpan& records, std::size_t first_row, ColumnData& to) const;
   bool isValid(std::string_view record) const;
   std::string_view stored(std::string_view record) const;
   std::optional<std::string_view> found(std::string_view record, std::uint64_t number);

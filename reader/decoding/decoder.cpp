@@ -64,21 +64,22 @@ std::uint32_t Decoder::add(const BusFrame& frame, std::uint64_t key) {
   return index;
 }
 
-void Decoder::count(const BusFrame& frame) {
+std::uint32_t Decoder::count(const BusFrame& frame) {
   if (!isDecodable(frame)) {
     ++other_frames_;
-    return;
+    return none;
   }
   const std::uint64_t key = keyOf(frame);
   std::uint32_t index = indexOf(key);
   index = index == none ? add(frame, key) : index;
   if (index == none) {
     ++more_frames_;
-    return;
+    return none;
   }
   IdFrames& id = ids_[index];
   ++id.frames;
   id.least_bytes = std::min(id.least_bytes, frame.data.size());
+  return id.found.message == nullptr ? none : index;
 }
 
 void Decoder::plan(mdf_writer::Plan& plan) {
@@ -109,10 +110,15 @@ void Decoder::plan(mdf_writer::Plan& plan) {
   }
 }
 
-bool Decoder::record(const BusFrame& frame, double time, mdf_writer::Recording& recording) {
+std::uint32_t Decoder::find(const BusFrame& frame) {
   const std::uint32_t index = isDecodable(frame) ? indexOf(keyOf(frame)) : none;
-  MessageGroup* const group = index == none ? nullptr : groups_of_ids_[index];
-  return group == nullptr || recording.appendBytes(group->group(), group->record(frame, time));
+  return index == none || ids_[index].found.message == nullptr ? none : index;
+}
+
+bool Decoder::record(std::uint32_t id, std::string_view data, double time,
+                     mdf_writer::Recording& recording) {
+  MessageGroup& group = *groups_of_ids_[id];
+  return recording.appendBytes(group.group(), group.record(ids_[id].id, data, time));
 }
 
 }  // namespace mdf_reader

@@ -40,13 +40,22 @@ class Decoder {
   Decoder(const Decoder&) = delete;  // names of buses point into it
   Decoder& operator=(const Decoder&) = delete;
 
-  void count(const BusFrame& frame);
+  static constexpr std::uint32_t none = UINT32_MAX;
+
+  /// Counts a frame, and returns the number of its identifier; none for a frame without a message.
+  std::uint32_t count(const BusFrame& frame);
 
   /// Adds a group for each message and bus to a plan, in the order of their first frames.
   void plan(mdf_writer::Plan& plan);
 
-  /// Appends the record of a frame that has a message. False when the recording takes no more.
-  bool record(const BusFrame& frame, double time, mdf_writer::Recording& recording);
+  /// The number of the identifier of a frame that was counted; none as above.
+  std::uint32_t find(const BusFrame& frame);
+
+  /// Appends the record of a frame.
+  /// @param id the number of its identifier.
+  /// @return false when the recording takes no more.
+  bool record(std::uint32_t id, std::string_view data, double time,
+              mdf_writer::Recording& recording);
 
   const std::vector<IdFrames>& ids() const { return ids_; }
   /// Frames of CAN with other identifiers than those, of which there are too many.
@@ -62,7 +71,6 @@ class Decoder {
   };
 
   static constexpr std::size_t most_ids = std::size_t{1} << 16U;
-  static constexpr std::uint32_t none = UINT32_MAX;
 
   std::uint64_t keyOf(const BusFrame& frame);
   std::uint32_t indexOf(std::uint64_t key);

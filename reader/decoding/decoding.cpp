@@ -12,6 +12,7 @@
 #include "../bytes/nameless_file.h"
 #include "../summary/stored_time.h"
 #include "decoder.h"
+#include "kept_frames.h"
 
 namespace mdf_reader {
 
@@ -86,6 +87,44 @@ std::vector<TimedSource> inOrder(const std::vector<FrameSource>& sources, mdf_wr
   return ordered;
 }
 
+/// Counts the frames of all files, and keeps those with a message. Returns how many files have
+/// some.
+std::uint64_t countFrames(const std::vector<TimedSource>& sources, Decoder& decoder,
+                          KeptFrames& kept) {
+  std::uint64_t with_frames = 0;
+  for (const TimedSource& each : sources) {
+    const std::size_t groups = forEachFrame(*each.source, each.source->report, each.source->note,
+                                            [&](const BusFrame& frame) {
+                                              const std::uint32_t id = decoder.count(frame);
+                                              if (id != Decoder::none) {
+                                                kept.add(id, frame.time + each.shift, frame.data);
+                                              }
+                                              return true;
+                                            });
+    with_frames += groups > 0 ? 1 : 0;
+  }
+  return with_frames;
+}
+
+void recordFrames(const std::vector<TimedSource>& sources, Decoder& decoder, const KeptFrames& kept,
+                  mdf_writer::Recording& recording) {
+  const auto record = [&](std::uint32_t id, std::string_view data, double time) {
+    return decoder.record(id, data, time, recording);
+  };
+  if (kept.areAll()) {
+    kept.forEach(record);
+    return;
+  }
+  const FindingSink reported = [](const Finding& /*finding*/) {};
+  const NoteSink noted = [](const std::string& /*note*/) {};
+  for (const TimedSource& each : sources) {
+    forEachFrame(*each.source, reported, noted, [&](const BusFrame& frame) {
+      const std::uint32_t id = decoder.find(frame);
+      return id == Decoder::none || record(id, frame.data, frame.time + each.shift);
+    });
+  }
+}
+
 Decoded resultOf(const Decoder& decoder) {
   Decoded result;
   result.groups = decoder.messages();
@@ -114,23 +153,11 @@ Decoded decode(const std::vector<FrameSource>& sources, const Decoding& decoding
   const MessageLookup lookup(decoding.databases, decoding.is_j1939);
   const std::vector<TimedSource> ordered = inOrder(sources, plan);
   Decoder decoder(lookup);
-  std::uint64_t with_frames = 0;
-  for (const TimedSource& each : ordered) {
-    with_frames += forEachFrame(*each.source, each.source->report, each.source->note,
-                                [&](const BusFrame& frame) {
-                                  decoder.count(frame);
-                                  return true;
-                                }) > 0;
-  }
+  KeptFrames kept(decoding.most_kept);
+  const std::uint64_t with_frames = countFrames(ordered, decoder, kept);
   decoder.plan(plan);
-  const FindingSink reported = [](const Finding& /*finding*/) {};
-  const NoteSink noted = [](const std::string& /*note*/) {};
   mdf_writer::Recording recording(output, plan, options);
-  for (const TimedSource& each : ordered) {
-    forEachFrame(*each.source, reported, noted, [&](const BusFrame& frame) {
-      return decoder.record(frame, frame.time + each.shift, recording);
-    });
-  }
+  recordFrames(ordered, decoder, kept, recording);
   if (!recording.finish()) {
     throw CannotDecode(recording.cause());
   }

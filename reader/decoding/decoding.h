@@ -3,6 +3,7 @@
 
 #include <mdf_writer/mdf_writer.h>
 
+#include <cstddef>
 #include <vector>
 
 #include "../blocks/finding.h"
@@ -18,6 +19,8 @@ namespace mdf_reader {
 struct Decoding {
   std::vector<NamedDatabase> databases;
   bool is_j1939 = false;
+  /// Memory for frames that are read once; more than fit there are read twice.
+  std::size_t most_kept = sizeof(void*) > 4 ? std::size_t{1} << 28U : std::size_t{1} << 25U;
 };
 
 /// A file with frames, and where what is to be said of it goes.
@@ -27,8 +30,9 @@ struct FrameSource {
   NoteSink note;
 };
 
-/// Makes a file of signals: a channel group for each message and bus. Frames are read twice. Those
-/// of several files follow one another by when these were begun, as far as they say it.
+/// Makes a file of signals: a channel group for each message and bus. Frames are read twice, unless
+/// memory holds all of them. Those of several files follow one another by when these were begun, as
+/// far as they say it.
 /// @throws CannotDecode
 Decoded decode(const std::vector<FrameSource>& sources, const Decoding& decoding,
                mdf_writer::Plan& plan, mdf_writer::Output& output,

@@ -220,17 +220,17 @@ void MessageGroup::move() {
   }
 }
 
-std::string_view MessageGroup::record(const BusFrame& frame, double time) {
+std::string_view MessageGroup::record(std::uint32_t id, std::string_view data, double time) {
   storeLe(record_.data(), time);
-  const std::size_t bytes = std::min(payload_bytes_, frame.data.size());
-  frame.data.copy(&record_[time_bytes], bytes);
+  const std::size_t bytes = std::min(payload_bytes_, data.size());
+  data.copy(&record_[time_bytes], bytes);
   std::memset(&record_[time_bytes + bytes], 0, payload_bytes_ - bytes);
   move();
   if (sender_at_ != 0) {
-    record_[sender_at_] = static_cast<char>(frame.id & 0xFFU);
+    record_[sender_at_] = static_cast<char>(id & 0xFFU);
   }
   if (!optional_.empty()) {
-    setInvalid(frame.data.size());
+    setInvalid(data.size());
   }
   return record_;
 }

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "../bus/bus_database.h"
-#include "../bus/bus_frame.h"
 
 namespace mdf_reader {
 
@@ -32,7 +31,7 @@ class MessageGroup {
   mdf_writer::Group& group() { return group_; }
 
   /// The record of a frame, which lasts until the next call.
-  std::string_view record(const BusFrame& frame, double time);
+  std::string_view record(std::uint32_t id, std::string_view data, double time);
 
  private:
   /// Bits of integers in bytes of either order.

@@ -26,6 +26,7 @@ std::vector<Event> readEvents(InputFile& file, std::uint64_t first, Texts& texts
     event.factor = block.real("ev_sync_factor");
     event.scope_count = block.number("ev_scope_count");
     event.attachment_count = block.number("ev_attachment_count");
+    event.range_begin = block.link(EVBLOCK::ev_ev_range);
     events.push_back(event);
   });
   return events;

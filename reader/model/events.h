@@ -26,6 +26,7 @@ struct Event {
   double factor = 0;
   std::uint64_t scope_count = 0;       ///< as stated
   std::uint64_t attachment_count = 0;  ///< as stated
+  std::uint64_t range_begin = 0;  ///< offset of the event that begins the range it ends; 0 for none
 
   /// When or where it happened, in the unit of its synchronisation type.
   double position() const { return static_cast<double>(base_value) * factor; }

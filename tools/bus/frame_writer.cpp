@@ -1,10 +1,10 @@
 #include "frame_writer.h"
 
 #include <cmath>
-#include <cstdio>
 #include <string_view>
 
 #include "printing/json_output.h"
+#include "reader/bytes/number_texts.h"
 #include "reader/columns/column_data.h"
 #include "socket_can.h"
 
@@ -14,21 +14,18 @@ namespace {
 
 using Kind = BusFrame::Kind;
 
-/// Appends a number in hexadecimal digits, so many at least.
-void addHex(std::uint32_t number, int digits, std::string& out) {
-  char text[16];
-  const int length =
-      std::snprintf(text, sizeof text, "%0*X", digits, static_cast<unsigned>(number));
-  out.append(text, static_cast<std::size_t>(length));
-}
-
 void addHex(std::string_view bytes, std::string& out, std::string_view between = "") {
   constexpr char digits[] = "0123456789ABCDEF";
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(bytes[i]);
-    out += i == 0 ? "" : between;
-    out += digits[byte >> 4U];
-    out += digits[byte & 15U];
+  if (bytes.empty()) {
+    return;
+  }
+  std::size_t at = out.size();
+  out.resize(at + bytes.size() * (2 + between.size()) - between.size());
+  for (const char character : bytes) {
+    const auto byte = static_cast<unsigned char>(character);
+    out[at++] = digits[byte >> 4U];
+    out[at++] = digits[byte & 15U];
+    at += at < out.size() ? between.copy(&out[at], between.size()) : 0;
   }
 }
 
@@ -158,23 +155,23 @@ bool CandumpWriter::add(const BusFrame& frame, std::string& out) {
   }
   // Rounded, since seconds as floating-point numbers may lie below the microsecond that they mean.
   const std::int64_t microseconds = *nanoseconds / 1000 + (*nanoseconds % 1000 >= 500 ? 1 : 0);
-  char time[48];
-  const int length = std::snprintf(time, sizeof time, "(%010lld.%06lld) ",
-                                   static_cast<long long>(microseconds / 1000000),
-                                   static_cast<long long>(microseconds % 1000000));
-  out.append(time, static_cast<std::size_t>(length));
+  out += '(';
+  addDigits(static_cast<std::uint64_t>(microseconds / 1000000), 10, out);
+  out += '.';
+  addDigits(static_cast<std::uint64_t>(microseconds % 1000000), 6, out);
+  out += ") ";
   out += frame.bus;
   out += ' ';
   const bool is_remote = (socket->id & SocketCanFrame::remote) != 0;
   if (frame.hasId()) {
     out += idText(frame);
   } else {
-    addHex(socket->id, 8, out);
+    addHexDigits(socket->id, 8, out);
   }
   out += '#';
   if (socket->is_fd) {
     out += '#';
-    addHex(socket->fd_flags, 1, out);
+    addHexDigits(socket->fd_flags, 1, out);
   }
   if (is_remote) {
     out += 'R';

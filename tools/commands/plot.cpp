@@ -1,6 +1,3 @@
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -9,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "chart_options.h"
 #include "command.h"
 #include "command_line/command_line.h"
 #include "decoding_option.h"
@@ -18,6 +16,8 @@
 #include "pictures/drawing_program.h"
 #include "printing/json_output.h"
 #include "reader/bytes/input_file.h"
+#include "reader/bytes/printable.h"
+#include "reader/model/events.h"
 #include "sample_options.h"
 
 namespace mdf_tools {
@@ -28,8 +28,22 @@ namespace {
 
 constexpr const char* footer =
     R"TXT(Draws channels over the master channel of their channel group, mostly time, in a panel for each unit.
-Invalid samples are gaps. However many samples there are, a picture keeps the lowest and the highest
-value in each of its columns. Text values are drawn as the numbers that stand for them in the file.
+A panel has up to 12 channels, further ones of its unit go into further panels; a picture has up to 64.
+The legend stands below each panel, and the picture grows with it. Channels of the same name have
+their groups in front: "engine.speed", or "4.speed" in the group of that number.
+
+Units get the prefix that makes numbers short: 25000000 KiB are drawn as 25 GB. Those that take none,
+such as rpm, get a power of ten where the numbers are long. Whole numbers without a unit, such as states,
+are drawn as steps, or as points where lines would fill the panel, as with identifiers; --lines,
+--steps and --points choose for all. Invalid samples are gaps. However many samples there are, a picture
+keeps the lowest and the highest value in each of its columns. Text values are drawn as the numbers
+that stand for them in the file. Channels without a sample that is a number are left out. With --log,
+so are values that are not above 0.
+
+Events are lines with their names above the first panel, ranges are shaded. They stand in panels over
+what they are stated for: time, angle, distance or index. With --size, names of events and then
+the legend are left out where the panels would have no room.
+
 gnuplot does the drawing and must be installed. With --json, standard output gets the points that a
 picture would keep, {"schema":1,"curves":[{"name":...,"unit":...,"over":...,"points":[[x,y],...]}]}
 with null for each gap.
@@ -37,6 +51,9 @@ with null for each gap.
 Examples:
   mdf plot trip.mf4 -c 'speed*' rpm -o trip.svg
   mdf plot trip.mf4 -c cpu_total --from 10 --to 20 -o cpu.png
+  mdf plot trip.mf4 -c speed --time iso --title 'Test drive' --size 1600x600 -o drive.png
+  mdf plot trip.mf4 -c 'noise*' --log --no-events -o noise.svg
+  mdf plot trip.mf4 -c gear --steps -o gear.svg
   mdf plot monday.mf4 tuesday.mf4 -c speed -o both.svg      the same channel of two files
   mdf plot trip.mf4 -c speed -o - --format ascii            in the terminal
   mdf plot trip.mf4 -c speed --json | jq '.curves[0].points[0]'
@@ -47,15 +64,24 @@ struct Request {
   std::vector<std::string> paths;
   std::shared_ptr<Query> query;
   std::shared_ptr<DecodingRequest> decoding;
+  std::shared_ptr<ChartOptions> chart;
   std::string output = "-";
   std::string format;
   bool is_json = false;
+};
+
+/// What is drawn.
+struct Contents {
+  std::vector<Curve> curves;
+  std::vector<EventMark> marks;
 };
 
 int complain(const std::string& sentence, ExitCode exit_code) {
   std::cerr << "mdf: " << sentence << '\n';
   return exit_code;
 }
+
+void say(const std::string& note) { std::cerr << "mdf: note: " << note << '\n'; }
 
 /// The format asked for by name or by the output's suffix; "" for none.
 std::string formatOf(const Request& request) {
@@ -69,49 +95,102 @@ std::string formatOf(const Request& request) {
   return request.output == "-" ? "ascii" : "";
 }
 
-ChartForm formOf(const Request& request, const std::string& format) {
-  ChartForm form;
-  if (format == "ascii") {
-    form.kind = ChartForm::Kind::ascii;
-    winsize size{};
-    const bool is_known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 20;
-    form.width = is_known ? size.ws_col - 1U : 79;
-    form.height = is_known && size.ws_row > 11 ? size.ws_row - 1U : 24;
-  } else {
-    form.kind = format == "png" ? ChartForm::Kind::png : ChartForm::Kind::svg;
+/// Collects what is drawn of a file.
+class FileCollector {
+ public:
+  FileCollector(const Request& request, const FileContext& context, std::size_t width,
+                Contents& contents)
+      : request_(request), context_(context), width_(width), contents_(contents) {}
+
+  /// Returns the exit code.
+  int collect();
+
+ private:
+  void addCurves(Tables& tables, const CurveSource& source);
+  void addMarks(const Header& header, const CurveSource& source);
+  void noteLeftOut(const CurveCollector& collector) const;
+
+  const Request& request_;
+  const FileContext& context_;
+  std::size_t width_;
+  Contents& contents_;
+  NoteSink note_ = notesOf(context_);
+};
+
+int FileCollector::collect() {
+  const std::string& name = context_.file.name();
+  CurveSource source;
+  source.file = name;
+  source.prefix =
+      context_.is_one_of_several ? std::filesystem::path(name).filename().string() + ": " : "";
+  Tables tables(context_.file, *request_.query, context_.report, note_);
+  if (request_.chart->hasDates()) {
+    source.clock = wallClockOf(tables.header());
+    if (!source.clock) {
+      context_.say("the file does not say when it was begun; draw it without --time iso");
+      return exit_problem;
+    }
   }
-  for (const std::string& path : request.paths) {
-    form.title +=
-        (form.title.empty() ? "" : ", ") + std::filesystem::path(path).filename().string();
+  addCurves(tables, source);
+  if (tables.count() == 0) {
+    note_(nothingChosen(*request_.query));
+    return exit_problem;
   }
-  return form;
+  if (!request_.is_json && !request_.chart->without_events) {
+    addMarks(tables.header(), source);
+  }
+  return exit_fine;
 }
 
-/// Collects the curves of all files; returns the exit code.
-int collect(const Request& request, std::size_t width, std::vector<Curve>& curves) {
+void FileCollector::addCurves(Tables& tables, const CurveSource& source) {
+  CurveCollector collector(contents_.curves, width_, source, request_.chart->is_logarithmic);
+  while (Table* const table = tables.next()) {
+    collector.begin(table->head());
+    const Batch* batch = table->next();
+    while (batch != nullptr && collector.take(*batch)) {
+      batch = table->next();
+    }
+  }
+  noteLeftOut(collector);
+}
+
+void FileCollector::noteLeftOut(const CurveCollector& collector) const {
+  if (collector.leftOut() > 0) {
+    note_("a picture has room for " + std::to_string(CurveCollector::most_curves) + " channels; " +
+          std::to_string(collector.leftOut()) + " more are left out");
+  }
+  if (collector.notAboveZero() > 0) {
+    note_("a logarithmic axis begins above 0; values left out: " +
+          std::to_string(collector.notAboveZero()));
+  }
+}
+
+void FileCollector::addMarks(const Header& header, const CurveSource& source) {
+  constexpr std::size_t most = 200;
+  constexpr unsigned in_seconds = 1;
+  Texts texts;
+  std::vector<EventMark> marks =
+      marksOf(readEvents(context_.file, header.first_event, texts, context_.report), source.prefix);
+  if (marks.size() > most) {
+    note_("a picture has room for " + std::to_string(most) + " events; " +
+          std::to_string(marks.size() - most) + " more are left out");
+    marks.resize(most);
+  }
+  for (EventMark& mark : marks) {
+    if (source.clock && mark.axis == in_seconds) {
+      mark.from += source.clock->start;
+      mark.to += source.clock->start;
+      mark.zone = source.clock->zone;
+    }
+    contents_.marks.push_back(std::move(mark));
+  }
+}
+
+/// Collects what is drawn of all files; returns the exit code.
+int collect(const Request& request, std::size_t width, Contents& contents) {
   int exit_code = exit_fine;
   const int reading = onEachFile(request.paths, *request.decoding, [&](const FileContext& context) {
-    const std::string& name = context.file.name();
-    const std::string prefix =
-        context.is_one_of_several ? std::filesystem::path(name).filename().string() + ": " : "";
-    CurveCollector collector(curves, width, prefix, name);
-    const NoteSink note = notesOf(context);
-    Tables tables(context.file, *request.query, context.report, note);
-    while (Table* const table = tables.next()) {
-      collector.begin(table->head());
-      const Batch* batch = table->next();
-      while (batch != nullptr && collector.take(*batch)) {
-        batch = table->next();
-      }
-    }
-    if (collector.leftOut() > 0) {
-      note("a picture has room for " + std::to_string(CurveCollector::most_curves) + " channels; " +
-           std::to_string(collector.leftOut()) + " more are left out");
-    }
-    if (tables.count() == 0) {
-      note(nothingChosen(*request.query));
-      exit_code = exit_problem;
-    }
+    exit_code = std::max(exit_code, FileCollector(request, context, width, contents).collect());
   });
   return std::max(exit_code, reading);
 }
@@ -125,13 +204,13 @@ Json pointsAsJson(const std::vector<Point>& points) {
 }
 
 int printJson(const Request& request) {
-  std::vector<Curve> curves;
-  const int exit_code = collect(request, ChartForm().width, curves);
-  if (exit_code == exit_unusable && curves.empty()) {
+  Contents contents;
+  const int exit_code = collect(request, ChartForm().width, contents);
+  if (exit_code == exit_unusable && contents.curves.empty()) {
     return exit_code;
   }
   Json array = Json::array();
-  for (const Curve& curve : curves) {
+  for (const Curve& curve : contents.curves) {
     array.push_back({{"file", curve.file},
                      {"name", curve.channel},
                      {"unit", curve.unit},
@@ -142,10 +221,38 @@ int printJson(const Request& request) {
   return std::max(exit_code, printToOutput(jsonLine(document) + '\n'));
 }
 
-bool hasNumbers(const Curve& curve) {
-  const std::vector<Point> points = curve.points.points();
-  return std::any_of(points.begin(), points.end(),
-                     [](const Point& point) { return !std::isnan(point.y); });
+/// The first of some names, and how many more there are.
+std::string listed(const std::vector<std::string>& names) {
+  constexpr std::size_t most = 5;
+  std::string text;
+  for (std::size_t i = 0; i < std::min(names.size(), most); ++i) {
+    text += (i == 0 ? "" : ", ") + printable(names[i], Harmless::utf8);
+  }
+  return names.size() <= most ? text
+                              : text + " and " + std::to_string(names.size() - most) + " more";
+}
+
+/// Leaves out curves without a point, unless that would be all.
+void leaveOutEmpty(std::vector<Curve>& curves) {
+  const auto end = std::stable_partition(curves.begin(), curves.end(), hasNumbers);
+  if (end == curves.begin()) {
+    say("nothing to draw: none of the chosen samples is a number");
+    return;
+  }
+  std::vector<std::string> names;
+  std::transform(end, curves.end(), std::back_inserter(names),
+                 [](const Curve& curve) { return curve.name; });
+  if (!names.empty()) {
+    say("left out, without a sample that is a number: " + listed(names));
+    curves.erase(end, curves.end());
+  }
+}
+
+std::string pictureOf(const Contents& contents, const ChartForm& form) {
+  const ChartScript script = gnuplotScript(contents.curves, form, contents.marks);
+  std::for_each(script.notes.begin(), script.notes.end(), say);
+  // Without the user's own settings.
+  return drawnBy({{"gnuplot", "-d"}, "install gnuplot"}, script.text);
 }
 
 int drawPicture(const Request& request) {
@@ -158,19 +265,15 @@ int drawPicture(const Request& request) {
   if (format == "png" && request.output == "-" && outputIsTerminal()) {
     return complain("a terminal cannot show PNG; name a file with -o", exit_unusable);
   }
-  const ChartForm form = formOf(request, format);
-  std::vector<Curve> curves;
-  const int exit_code = collect(request, form.width, curves);
-  if (curves.empty()) {
+  const ChartForm form = request.chart->formFor(format, request.paths);
+  Contents contents;
+  const int exit_code = collect(request, form.width, contents);
+  if (contents.curves.empty()) {
     return std::max<int>(exit_code, exit_problem);
   }
-  if (std::none_of(curves.begin(), curves.end(), hasNumbers)) {
-    std::cerr << "mdf: note: nothing to draw: none of the chosen samples is a number\n";
-  }
-  const int drawing = writePicture(request.output, [&] {
-    // Without the user's own settings.
-    return drawnBy({{"gnuplot", "-d"}, "install gnuplot"}, gnuplotScript(curves, form));
-  });
+  tellApart(contents.curves);
+  leaveOutEmpty(contents.curves);
+  const int drawing = writePicture(request.output, [&] { return pictureOf(contents, form); });
   return std::max(exit_code, drawing);
 }
 
@@ -196,9 +299,11 @@ void addPlotCommand(CommandLine& program) {
   const Option format =
       command.addOption("--format", request->format, "The picture's format, if OUT does not tell")
           .choice({"svg", "png", "ascii"});
-  command.addFlag("--json", request->is_json, "Print the points as one JSON document instead")
-      .excludes(output)
-      .excludes(format);
+  const Option json =
+      command.addFlag("--json", request->is_json, "Print the points as one JSON document instead")
+          .excludes(output)
+          .excludes(format);
+  request->chart = addChartOptions(command, json);
   command.footer(footer);
   command.onRun([request] {
     std::vector<std::string>& channels = request->query->channels;

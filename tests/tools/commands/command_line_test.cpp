@@ -67,6 +67,11 @@ TEST(CommandLine, WrongWordsAreRefusedWithOneSentence) {
       {{"dump", "--json", "--hex", "f"}, "--hex excludes --json"},
       {{"graph", "-o", "-", "--map", "--depth", "3", "f"}, "--depth excludes --map"},
       {{"graph", "-o", "a.jpg", "f"}, "--output: \"a.jpg\" must end in .svg, .png or .dot"},
+      {{"plot", "-c", "v", "--size", "12", "f"}, "--size: \"12\" is not a size such as 1600x900"},
+      {{"plot", "-c", "v", "--size", "9x99999", "f"},
+       "--size: \"9x99999\" is not between 20x10 and 16000x16000"},
+      {{"plot", "-c", "v", "--steps", "--points", "f"}, "--steps excludes --points"},
+      {{"plot", "-c", "v", "--json", "--log", "f"}, "--json excludes --log"},
       {{"plot", "f", "-c", "v", "-o", "a.jpg"},
        "cannot tell the picture's format from a.jpg; end it in .svg or .png, or add --format"},
   };

@@ -182,4 +182,111 @@ TEST(PlotCommand, NothingThatIsWanted) {
             said(1, file.path() + ": note: no channel matches \"none\""));
 }
 
+/// The picture of a file and what is said of it.
+RunResult draw(const TempFile& file, const std::vector<std::string>& options) {
+  std::vector<std::string> arguments = {"plot", file.path(), "-c", "*", "--format", "svg"};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  return run(arguments);
+}
+
+/// A file with a channel of one byte in each of two groups.
+std::string fileOfTwoGroups(std::uint64_t cycles_of_the_second) {
+  FileBuilder file;
+  const Bytes records = Bytes().f64(0.5).u8(1).f64(1.5).u8(2);
+  GroupSpec first{2, 9};
+  first.name = "engine";
+  GroupSpec second{cycles_of_the_second, 9};
+  second.name = "gear <box>";
+  const std::vector<ChannelSpec> channels = {timeChannel(), channelOf("n", 0, 8, 8)};
+  file.addSortedGroup(first, channels, file.addData(records));
+  file.addSortedGroup(second, channels, cycles_of_the_second == 0 ? 0 : file.addData(records));
+  return file.bytes();
+}
+
+TEST(PlotCommand, GroupsOfChannelsOfOneName) {
+  const TempFile file(fileOfTwoGroups(2));
+  const RunResult result = draw(file, {});
+  EXPECT_EQ(result.messages, "");
+  EXPECT_PRED2(contains, result.output, ">engine.n<");
+  EXPECT_PRED2(contains, result.output, ">gear &lt;box>.n<");
+}
+
+TEST(PlotCommand, EmptyGroupsAreLeftOut) {
+  const TempFile file(fileOfTwoGroups(0));
+  const RunResult result = draw(file, {});
+  EXPECT_EQ(result.messages,
+            "mdf: note: left out, without a sample that is a number: gear <box>.n\n");
+  EXPECT_PRED2(contains, result.output, ">engine.n<");
+  EXPECT_EQ(result.output.find("gear"), std::string::npos);
+}
+
+/// The rising file with a start and events: a point with a name that looks like commands, and a
+/// range.
+std::string fileWithEvents(std::uint64_t start) {
+  FileBuilder file;
+  ChannelSpec memory = channelOf("memory", 0, 8, 32);
+  memory.unit = "KiB";
+  const Bytes records = Bytes().f64(0).u32(0).f64(10).u32(25000000);
+  file.addSortedGroup({2, 12}, {timeChannel(), memory}, file.addData(records));
+  const auto event = [&](const std::string& name, unsigned range, std::int64_t at,
+                         std::uint64_t begin) {
+    return file.add("EV", {0, 0, begin, file.text(name), 0},
+                    u8(6, 1, range, 0, 0) + zeros(3) + u32(0) + u16(0, 0) +
+                        u64(static_cast<std::uint64_t>(at)) + f64(1));
+  };
+  const std::uint64_t point = event("`touch x` <\"{'@", 0, 2, 0);
+  const std::uint64_t begin = event("lap", 1, 4, 0);
+  file.chain({point, begin, event("end of lap", 2, 6, begin)});
+  file.link(FileBuilder::header, 4, point);
+  file.write(FileBuilder::header + 72, u64(start) + u16(60, 60) + u8(2));
+  return file.bytes();
+}
+
+constexpr std::uint64_t noon = 1715947200000000000U;  // 2024-05-17 12:00:00 UTC
+
+TEST(PlotCommand, Events) {
+  const TempFile file(fileWithEvents(noon));
+  const RunResult with = draw(file, {});
+  EXPECT_EQ(with, wrote(with.output));
+  EXPECT_PRED2(contains, with.output, ">`touch x` &lt;\"{'@<");
+  EXPECT_PRED2(contains, with.output, ">lap<");
+  EXPECT_EQ(with.output.find("end of lap"), std::string::npos);
+  EXPECT_EQ(draw(file, {"--no-events"}).output.find(">lap<"), std::string::npos);
+}
+
+TEST(PlotCommand, EngineeringTicks) {
+  const TempFile file(fileWithEvents(noon));
+  EXPECT_PRED2(contains, draw(file, {}).output, ">25 GB<");
+}
+
+TEST(PlotCommand, SizeAndTitle) {
+  const TempFile file(fileWithEvents(noon));
+  const RunResult result = draw(file, {"--size", "800x400", "--title", "A `title`"});
+  EXPECT_PRED2(contains, result.output, "width=\"800\" height=\"400\"");
+  EXPECT_PRED2(contains, result.output, ">A `title`<");
+  EXPECT_EQ(draw(file, {"--size", "20x10"}),
+            said(1, "cannot draw: 20x10 has no room for 1 panel; give a larger --size"));
+}
+
+TEST(PlotCommand, LogarithmicAxisLeavesOutZero) {
+  const TempFile file(fileWithEvents(noon));
+  const RunResult result = draw(file, {"--log"});
+  EXPECT_EQ(result.messages, "mdf: " + file.path() +
+                                 ": note: a logarithmic axis begins above 0; values left out: 1\n");
+  EXPECT_PRED2(contains, result.output, ">10 GB<");
+  EXPECT_PRED2(contains, result.output, ">100 GB<");
+}
+
+TEST(PlotCommand, DatesInTheZoneOfTheFile) {
+  const TempFile file(fileWithEvents(noon));
+  const RunResult result = draw(file, {"--time", "iso"});
+  EXPECT_PRED2(contains, result.output, ">14:00:04<");
+  EXPECT_PRED2(contains, result.output, ">time [UTC+02:00], 2024-05-17<");
+  EXPECT_PRED2(contains, result.output, ">lap<");
+  const TempFile without(fileWithEvents(0));
+  EXPECT_EQ(draw(without, {"--time", "iso"}),
+            said(1, without.path() +
+                        ": the file does not say when it was begun; draw it without --time iso"));
+}
+
 }  // namespace

@@ -6,15 +6,18 @@
 #include <vector>
 
 #include "exported.h"
+#include "pictures/drawing_program.h"
 #include "reader/bytes/input_file.h"
 #include "reader/columns/tables.h"
 #include "tools/support/temp_file.h"
 
 using namespace mdf_tests;
 using mdf_tools::ChartForm;
+using mdf_tools::ChartScript;
 using mdf_tools::Curve;
 using mdf_tools::CurveCollector;
 using mdf_tools::Decimator;
+using mdf_tools::EventMark;
 using mdf_tools::gnuplotScript;
 
 namespace {
@@ -24,7 +27,7 @@ std::vector<Curve> curvesOf(const FileBuilder& contents, std::size_t* left_out =
   const TempFile path(contents.bytes());
   mdf_reader::InputFile file(path.path());
   std::vector<Curve> curves;
-  CurveCollector collector(curves, 100, "");
+  CurveCollector collector(curves, 100);
   mdf_reader::Query query;
   query.numbers = true;
   const mdf_reader::FindingSink report = [](const mdf_reader::Finding& finding) {
@@ -44,7 +47,7 @@ std::vector<Curve> curvesOf(const FileBuilder& contents, std::size_t* left_out =
   return curves;
 }
 
-Curve curve(const std::string& name, const std::string& unit, std::vector<double> values) {
+Curve curve(const std::string& name, const std::string& unit, const std::vector<double>& values) {
   Curve curve{name, unit, "time [s]", Decimator(100)};
   double x = 0;
   for (const double value : values) {
@@ -56,7 +59,7 @@ Curve curve(const std::string& name, const std::string& unit, std::vector<double
 
 /// The script after the lines that set the style.
 std::string plotsOf(const std::vector<Curve>& curves) {
-  const std::string script = gnuplotScript(curves, {ChartForm::Kind::svg, "title"});
+  const std::string script = gnuplotScript(curves, {ChartForm::Kind::svg, "title"}).text;
   return script.substr(script.find("set multiplot"));
 }
 
@@ -101,29 +104,170 @@ TEST(CurveCollector, MoreCurvesThanAPictureHasRoomFor) {
   EXPECT_EQ(left_out, 6U);
 }
 
-TEST(Chart, PanelForEachUnit) {
-  const std::vector<Curve> curves = {curve("a", "V", {1, 2}), curve("b", "A", {3, 3}),
-                                     curve("c", "V", {4, 5})};
+TEST(Chart, PanelForEachUnitWithItsLegendBelow) {
+  const std::vector<Curve> curves = {curve("a", "rpm", {1, 2}), curve("b", "mA", {3000, 3000}),
+                                     curve("c", "rpm", {4, 5})};
+  // 682 pixels: a title of 36; panels of 250, each with 24 for ticks, a legend of 4 and 17, and 14
+  // below it; 20 for the label of the axis, and 8 at the bottom.
   EXPECT_EQ(
       plotsOf(curves),
-      "set multiplot layout 2,1 title \"title\"\n"
+      "set multiplot title \"title\"\n"
+      "set tmargin at screen 0.94721\n"
+      "set bmargin at screen 0.58065\n"
+      "set key at screen 0.08333,0.53959 left top vertical Left reverse samplen 2 maxrows 1\n"
       "set xrange [0:0.5]\n"
-      "set yrange [*:*]\n"
+      "set xtics autofreq\n"
+      "set format x '%.8g'\n"
       "set xlabel \"\"\n"
-      "set ylabel \"[V]\"\n"
+      "set yrange [*:*]\n"
+      "set ytics autofreq\n"
+      "set format y \"%.8g\"\n"
+      "set ylabel \"[rpm]\"\n"
       "plot $c0 using 1:2 title \"a\" with linespoints linetype 1, $c2 using 1:2 title \"c\" with "
       "linespoints linetype 2\n"
+      "set tmargin at screen 0.49413\n"
+      "set bmargin at screen 0.12757\n"
+      "set key at screen 0.08333,0.05718 left top vertical Left reverse samplen 2 maxrows 1\n"
       "set xrange [0:0.5]\n"
-      "set yrange [2:4]\n"
+      "set xtics autofreq\n"
+      "set format x '%.8g'\n"
       "set xlabel \"time [s]\"\n"
-      "set ylabel \"b [A]\"\n"
-      "plot $c1 using 1:2 title \"b\" with linespoints linetype 1\n"
+      "set yrange [2:4]\n"
+      "set ytics autofreq\n"
+      "set format y \"%.8g A\"\n"
+      "set ylabel \"b\"\n"
+      "plot $c1 using 1:($2*0.001) title \"b\" with linespoints linetype 1\n"
       "unset multiplot\n");
+}
+
+/// The words after each place where a text stands in a script, up to the line's end.
+std::vector<std::string> linesWith(const std::string& script, const std::string& beginning) {
+  std::vector<std::string> lines;
+  for (std::size_t at = script.find(beginning); at != std::string::npos;
+       at = script.find(beginning, at + 1)) {
+    const std::size_t begin = at + beginning.size();
+    lines.push_back(script.substr(begin, script.find('\n', begin) - begin));
+  }
+  return lines;
+}
+
+using Words = std::vector<std::string>;
+
+TEST(Chart, FurtherPanelsForMoreThanTwelveCurves) {
+  std::vector<Curve> curves(13, curve("a name", "V", {1, 2}));
+  curves.push_back(curve("b", "rpm", {1}));
+  const ChartScript script = gnuplotScript(curves, {ChartForm::Kind::svg, "title"});
+  EXPECT_EQ(script.notes, Words{"a panel has room for 12 channels; the 13 in V take 2 panels"});
+  const Words plots = linesWith(script.text, "\nplot ");
+  ASSERT_EQ(plots.size(), 3U);
+  EXPECT_NE(plots[0].find("$c11 using"), std::string::npos);
+  EXPECT_EQ(plots[1], "$c12 using 1:2 title \"a name\" with linespoints linetype 1");
+  EXPECT_EQ(plots[2], "$c13 using 1:2 title \"b\" with linespoints linetype 1");
+}
+
+TEST(Chart, ThePictureGrowsWithItsLegends) {
+  const auto sizeWith = [](std::size_t count) {
+    const std::vector<Curve> curves(count, curve(std::string(50, 'n'), "V", {1, 2}));
+    return linesWith(gnuplotScript(curves, {ChartForm::Kind::svg, ""}).text, " size ")[0];
+  };
+  EXPECT_EQ(sizeWith(1), "1200,481");
+  EXPECT_EQ(sizeWith(2), "1200,481");
+  EXPECT_EQ(sizeWith(12), "1200,566");  // five rows of 17 pixels more
+}
+
+TEST(Chart, WithoutRoomForALegend) {
+  ChartForm form{ChartForm::Kind::svg, "", 300, 120};
+  const std::vector<Curve> curves = {curve("a", "V", {1, 2})};
+  const ChartScript script = gnuplotScript(curves, form);
+  EXPECT_EQ(script.notes, Words{"the legend is left out; a larger --size has room for it"});
+  EXPECT_NE(script.text.find("\nunset key\n"), std::string::npos);
+  form.height = 100;
+  EXPECT_THROW(gnuplotScript(curves, form), mdf_tools::DrawingFailed);
+}
+
+TEST(Chart, FewTicksInASmallPicture) {
+  const ChartForm form{ChartForm::Kind::svg, "", 300, 140};
+  const std::string script = gnuplotScript({curve("a", "V", {0, 7})}, form).text;
+  EXPECT_EQ(linesWith(script, "set xtics "), Words{"0.5"});
+  EXPECT_EQ(linesWith(script, "set ytics "), Words{"5"});
+}
+
+TEST(Chart, LogarithmicAxisOfWholeDecades) {
+  ChartForm form{ChartForm::Kind::svg, ""};
+  form.is_logarithmic = true;
+  const std::string script = gnuplotScript({curve("a", "KiB", {2, 20})}, form).text;
+  EXPECT_EQ(linesWith(script, "set yrange "), Words{"[1000:1e+05]"});
+  EXPECT_EQ(linesWith(script, "set format y "), Words{"\"%.0s %cB\""});
+  EXPECT_NE(script.find("set logscale y 10\n"), std::string::npos);
+}
+
+TEST(Chart, StatesAreStepsAndIdentifiersPoints) {
+  Curve gear = curve("gear", "", {1, 2, 2});
+  gear.is_state = true;
+  std::vector<double> values(300, 0);
+  for (std::size_t i = 1; i < values.size(); i += 2) {
+    values[i] = 1;
+  }
+  Curve id = curve("id", "", values);
+  id.is_state = true;
+  ChartForm form{ChartForm::Kind::svg, ""};
+  const auto plots = [&] { return linesWith(gnuplotScript({gear, id}, form).text, "\nplot "); };
+  EXPECT_EQ(plots(), (Words{"$c0 using 1:2 title \"gear\" with steps linetype 1",
+                            "$c1 using 1:2 title \"id\" with points linetype 1"}));
+  form.style = ChartForm::Style::lines;
+  EXPECT_EQ(plots()[0], "$c0 using 1:2 title \"gear\" with lines linetype 1");
+}
+
+TEST(Chart, EventsAreLinesAndRangesAreShaded) {
+  Curve speed = curve("a", "rpm", {1, 2, 3});
+  speed.axis = 1;
+  const std::vector<EventMark> marks = {
+      {"go`x`", 1, 0.25, 0.25}, {"lap", 1, 0.5, 7}, {"later", 1, 2, 2}, {"index", 4, 0.5, 0.5}};
+  const ChartScript script = gnuplotScript({speed}, {ChartForm::Kind::svg, ""}, marks);
+  EXPECT_EQ(linesWith(script.text, "set arrow from "),
+            (Words{"0.25,graph 0 to 0.25,screen 0.95482 nohead linecolor rgb '#c2410c' dashtype 2",
+                   "0.5,graph 0 to 0.5,screen 0.95482 nohead linecolor rgb '#c2410c' dashtype 2"}));
+  EXPECT_EQ(linesWith(script.text, "set label "),
+            (Words{"\"go\\140x\\140\" at 0.25,screen 0.95482 offset 0.7,0 textcolor rgb '#9a3412'",
+                   "\"lap\" at 0.5,screen 0.95482 offset 0.7,0 textcolor rgb '#9a3412'"}));
+  EXPECT_EQ(linesWith(script.text, "set object rectangle from "),
+            Words{"0.5,graph 0 to 1,graph 1 behind fillcolor rgb '#c2410c' fillstyle transparent "
+                  "solid 0.12 noborder"});
+}
+
+TEST(Chart, AxisOfDates) {
+  Curve speed = curve("a", "rpm", {1, 2, 3});
+  speed.clock = mdf_tools::WallClock{1715947200, "UTC"};
+  speed.x_label = "time [UTC]";
+  const std::string script = gnuplotScript({speed}, {ChartForm::Kind::svg, ""}).text;
+  EXPECT_EQ(linesWith(script, "set xrange "), Words{"[1715947200:1715947201]"});
+  EXPECT_EQ(linesWith(script, "set xtics "), Words{"1715947200,0.2 timedate"});
+  EXPECT_EQ(linesWith(script, "set format x "), Words{"'%H:%M:%.3S' timedate"});
+  EXPECT_EQ(linesWith(script, "set xlabel "), Words{"\"time [UTC], 2024-05-17\""});
+}
+
+TEST(Chart, GroupsTellChannelsOfOneNameApart) {
+  const auto of = [](const char* group, const char* number, const char* name) {
+    Curve made = curve(name, "", {});
+    made.channel = name;
+    made.group = group;
+    made.group_number = number;
+    return made;
+  };
+  std::vector<Curve> curves = {of("engine", "0", "n"), of("", "1", "n"), of("twin", "2", "n"),
+                               of("twin", "3", "n"), of("engine", "0", "t")};
+  tellApart(curves);
+  Words names;
+  for (const Curve& each : curves) {
+    names.push_back(each.name);
+  }
+  EXPECT_EQ(names, (Words{"engine.n", "1.n", "2.n", "3.n", "t"}));
 }
 
 TEST(Chart, PointsAndGaps) {
   const std::string script =
-      gnuplotScript({curve("a", "", {1, std::stod("nan"), 2.5})}, {ChartForm::Kind::ascii, ""});
+      gnuplotScript({curve("a", "", {1, std::stod("nan"), 2.5})}, {ChartForm::Kind::ascii, ""})
+          .text;
   EXPECT_EQ(script.substr(0, script.find("set ")), "$c0 << END\n0 1\n\n1 2.5\nEND\n");
 }
 

@@ -114,7 +114,7 @@ TEST(RemoteMaster, IsDrawnOver) {
   const TempFile path(file.bytes());
   mdf_reader::InputFile input(path.path());
   std::vector<mdf_tools::Curve> curves;
-  mdf_tools::CurveCollector collector(curves, 100, "");
+  mdf_tools::CurveCollector collector(curves, 100);
   Query query;
   query.channels = {"a"};
   const mdf_reader::FindingSink report = [](const mdf_reader::Finding& finding) {
