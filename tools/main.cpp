@@ -42,24 +42,16 @@ struct Command {
   void (*add)(CommandLine& program);
 };
 
-constexpr std::array<Command, 18> commands = {{
-    {"record", mdf_tools::addRecordCommand},
-    {"info", mdf_tools::addInfoCommand},
-    {"list", mdf_tools::addListCommand},
-    {"tree", mdf_tools::addTreeCommand},
-    {"dump", mdf_tools::addDumpCommand},
-    {"check", mdf_tools::addCheckCommand},
-    {"graph", mdf_tools::addGraphCommand},
-    {"export", mdf_tools::addExportCommand},
-    {"plot", mdf_tools::addPlotCommand},
-    {"stats", mdf_tools::addStatsCommand},
-    {"frames", mdf_tools::addFramesCommand},
-    {"decode", mdf_tools::addDecodeCommand},
-    {"diff", mdf_tools::addDiffCommand},
-    {"extract", mdf_tools::addExtractCommand},
-    {"import", mdf_tools::addImportCommand},
-    {"copy", mdf_tools::addCopyCommand},
-    {"join", mdf_tools::addJoinCommand},
+constexpr std::array<Command, 19> commands = {{
+    {"record", mdf_tools::addRecordCommand},   {"info", mdf_tools::addInfoCommand},
+    {"list", mdf_tools::addListCommand},       {"tree", mdf_tools::addTreeCommand},
+    {"dump", mdf_tools::addDumpCommand},       {"check", mdf_tools::addCheckCommand},
+    {"graph", mdf_tools::addGraphCommand},     {"export", mdf_tools::addExportCommand},
+    {"plot", mdf_tools::addPlotCommand},       {"view", mdf_tools::addViewCommand},
+    {"stats", mdf_tools::addStatsCommand},     {"frames", mdf_tools::addFramesCommand},
+    {"decode", mdf_tools::addDecodeCommand},   {"diff", mdf_tools::addDiffCommand},
+    {"extract", mdf_tools::addExtractCommand}, {"import", mdf_tools::addImportCommand},
+    {"copy", mdf_tools::addCopyCommand},       {"join", mdf_tools::addJoinCommand},
     {"repair", mdf_tools::addRepairCommand},
 }};
 

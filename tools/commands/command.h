@@ -22,6 +22,7 @@ void addCheckCommand(CommandLine& program);
 void addGraphCommand(CommandLine& program);
 void addExportCommand(CommandLine& program);
 void addPlotCommand(CommandLine& program);
+void addViewCommand(CommandLine& program);
 void addStatsCommand(CommandLine& program);
 void addFramesCommand(CommandLine& program);
 void addDecodeCommand(CommandLine& program);

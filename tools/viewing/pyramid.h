@@ -1,0 +1,48 @@
+#ifndef MDF_TOOLS_VIEWING_PYRAMID_H_
+#define MDF_TOOLS_VIEWING_PYRAMID_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "extent.h"
+
+namespace mdf_tools {
+
+/// What the samples of a channel are like, in buckets of so many, in larger ones of these, and so
+/// on, so that any stretch of them is told from few.
+class Pyramid {
+ public:
+  static constexpr std::size_t bucket_size = 128;  ///< samples of the smallest buckets
+
+  /// Adds the next sample.
+  void add(double number) {
+    pending_[pending_count_++] = number;
+    if (pending_count_ == bucket_size) {
+      closeBucket();
+    }
+  }
+  /// Has the last samples told, too; none can be added after that.
+  void finish();
+
+  /// How many buckets there are; the last one may have fewer samples.
+  std::size_t buckets() const { return levels_[0].size(); }
+  /// What the samples of buckets are like, from one up to another that is not included.
+  Extent of(std::size_t begin, std::size_t end) const;
+
+  /// Bytes of memory.
+  std::size_t size() const;
+
+ private:
+  static constexpr std::size_t fan = 16;  ///< buckets that make a larger one
+
+  void closeBucket();
+
+  double pending_[bucket_size] = {};
+  std::size_t pending_count_ = 0;
+  std::vector<std::vector<Extent>> levels_ = std::vector<std::vector<Extent>>(1);
+};
+
+}  // namespace mdf_tools
+
+#endif  // MDF_TOOLS_VIEWING_PYRAMID_H_

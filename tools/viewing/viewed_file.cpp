@@ -1,0 +1,233 @@
+#include "viewed_file.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "checking/file_check.h"
+#include "printing/table_writers.h"
+#include "reader/bytes/input_file.h"
+#include "reader/summary/file_json.h"
+#include "reader/summary/json.h"
+#include "reader/summary/list_json.h"
+#include "reader/summary/stored_time.h"
+
+namespace mdf_tools {
+
+namespace {
+
+constexpr std::size_t most_findings = 1000;
+constexpr std::size_t most_csv_bytes = std::size_t{64} << 20U;
+
+Json findingAsJson(const Finding& finding) {
+  const CodeText& code = textOf(finding.code);
+  return {{"code", code.word},
+          {"severity", severityWord(code.severity)},
+          {"offset", finding.offset},
+          {"path", finding.path},
+          {"text", finding.sentence}};
+}
+
+Json tableAsJson(const ViewedTable& table) {
+  Json json = {{"group", table.group},
+               {"element", table.element ? Json(*table.element) : Json()},
+               {"name", table.name},
+               {"has_master", table.has_master}};
+  Json columns = Json::array();
+  for (const ViewedColumn& column : table.columns) {
+    columns.push_back(
+        {{"name", column.name}, {"unit", column.unit}, {"text", !isNumber(column.type)}});
+  }
+  json["columns"] = std::move(columns);
+  return json;
+}
+
+Json cellAsJson(const ColumnData& column, std::size_t row) {
+  if (!column.isValid(row)) {
+    return {};
+  }
+  std::string text;
+  column.print(row, text);
+  return text;
+}
+
+template <class Entry>
+Json listAsJson(const std::vector<Entry>& entries, Json (*asJson)(const Entry& entry)) {
+  Json list = Json::array();
+  for (const Entry& entry : entries) {
+    list.push_back(asJson(entry));
+  }
+  return list;
+}
+
+}  // namespace
+
+ViewedFile::ViewedFile(std::string path, std::size_t number, SeriesStore& store)
+    : path_(std::move(path)), number_(number), store_(store) {
+  open();
+}
+
+ViewedFile::Stamp ViewedFile::stampNow() const {
+  std::error_code error;
+  Stamp stamp;
+  stamp.size = std::filesystem::file_size(path_, error);
+  const auto time = std::filesystem::last_write_time(path_, error);
+  stamp.time = error ? 0 : time.time_since_epoch().count();
+  return stamp;
+}
+
+void ViewedFile::open() {
+  const Stamp stamp = stampNow();
+  auto file = std::make_unique<Measurement>(path_);
+  tables_ = tablesOf(*file);
+  file_ = std::move(file);
+  stamp_ = stamp;
+  description_.clear();
+}
+
+/// A file that cannot be read just now stays as it was.
+std::size_t ViewedFile::refresh() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (stampNow() == stamp_) {
+    return revision_;
+  }
+  try {
+    open();
+    ++revision_;
+    store_.forget(number_);
+  } catch (const Unreadable&) {
+    stamp_ = stampNow();
+  }
+  return revision_;
+}
+
+Json ViewedFile::tablesAsJson() const {
+  Json list = Json::array();
+  for (const ViewedTable& table : tables_) {
+    list.push_back(tableAsJson(table));
+  }
+  return list;
+}
+
+Json ViewedFile::facts() {
+  InputFile file(path_);
+  return fileAsJson(file, Depth::records, [](const Finding& /*finding*/) {});
+}
+
+std::string ViewedFile::describe() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!description_.empty()) {
+    return description_;
+  }
+  const auto start = startTimeOf(file_->header()).nanoseconds();
+  Json json = {{"revision", revision_},
+               {"start", start ? Json(static_cast<double>(*start) / 1e9) : Json()},
+               {"info", facts()},
+               {"tables", tablesAsJson()},
+               {"events", listAsJson(file_->events(), eventAsJson)},
+               {"attachments", listAsJson(file_->attachments(), attachmentAsJson)},
+               {"has_frames", file_->frames(std::nullopt, std::nullopt).groups() > 0},
+               {"findings", listAsJson(file_->findings(), findingAsJson)}};
+  description_ = jsonLine(json);
+  return description_;
+}
+
+/// One check at a time goes through the file, beside what else is asked for.
+Json ViewedFile::findings() {
+  const std::lock_guard<std::mutex> lock(checking_);
+  InputFile file(path_);
+  Json list = Json::array();
+  std::uint64_t count = 0;
+  checkFile(file, [&](const Finding& finding) {
+    if (++count <= most_findings) {
+      list.push_back(findingAsJson(finding));
+    }
+  });
+  return {{"count", count}, {"findings", std::move(list)}};
+}
+
+const ViewedColumn& ViewedFile::column(std::size_t table, std::size_t column) const {
+  if (table >= tables_.size() || column >= tables_[table].columns.size()) {
+    throw WrongRequest("the file has no such column");
+  }
+  return tables_[table].columns[column];
+}
+
+Json ViewedFile::describeColumn(std::size_t table, std::size_t column) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const ViewedColumn& wanted = this->column(table, column);
+  const ChannelGroup& group = file_->groups()[tables_[table].group];
+  Json json = {{"name", wanted.name}, {"unit", wanted.unit}, {"offset", wanted.channel}};
+  const auto is_it = [&](const Channel& each) { return each.offset == wanted.channel; };
+  const auto channel = std::find_if(group.channels.begin(), group.channels.end(), is_it);
+  if (channel != group.channels.end()) {
+    json["comment"] = channel->comment;
+    json["conversion"] = file_->describeConversion(*channel);
+    json["bits"] = channel->bit_count;
+  }
+  return json;
+}
+
+void ViewedFile::withSeries(std::size_t table, std::size_t column,
+                            const std::function<void(Series& series)>& use) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const ViewedColumn& wanted = this->column(table, column);
+  // What it reads by lasts as long as the file's revision, and so does the series.
+  const auto source = [this, table, &wanted](const SampleRange& range, const SampleVisitor& visit) {
+    readSamples(*file_, tables_[table], wanted, range, visit);
+  };
+  const auto series = store_.get({number_, revision_, table, column},
+                                 [&] { return std::make_shared<Series>(source, wanted.type); });
+  use(*series);
+}
+
+Json ViewedFile::frames(std::optional<double> from, std::size_t most) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  FrameBatches frames = file_->frames(from, std::nullopt);
+  Json names = Json::array();
+  for (const ColumnHead& column : frames.head().columns) {
+    names.push_back(column.name);
+  }
+  Json rows = Json::array();
+  if (const auto batch = frames.next(most)) {
+    for (std::size_t row = 0; row < batch->rows(); ++row) {
+      Json cells = Json::array();
+      for (std::size_t i = 0; i < batch->columnCount(); ++i) {
+        cells.push_back(cellAsJson(batch->column(i), row));
+      }
+      rows.push_back(std::move(cells));
+    }
+  }
+  return {{"columns", std::move(names)}, {"rows", std::move(rows)}};
+}
+
+std::string ViewedFile::csv(const CsvRequest& request) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  Query query;
+  for (const std::size_t index : request.columns) {
+    query.channels.push_back(column(request.table, index).pattern);
+  }
+  const ViewedTable& table = tables_[request.table];
+  query.group = std::to_string(table.group);
+  query.element = table.element;
+  query.from = request.from;
+  query.to = request.to;
+  std::string text;
+  CsvWriter writer;
+  Batches batches = file_->read(query);
+  bool has_begun = false;
+  while (const Batch* const batch = batches.next()) {
+    if (!has_begun) {
+      writer.begin(batch->head(), text);
+    }
+    has_begun = true;
+    writer.addRows(*batch, 0, batch->rows(), text);
+    if (text.size() > most_csv_bytes) {
+      throw WrongRequest("these are too many samples for the browser; zoom in, or use mdf export");
+    }
+  }
+  return text;
+}
+
+}  // namespace mdf_tools
