@@ -3,11 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string_view>
 #include <vector>
 
+#include "../bytes/short_copy.h"
 #include "record_span.h"
 
 namespace mdf_reader {
@@ -37,7 +37,7 @@ class GatheredRecords {
     if (part.room < record.size() && !extend(part)) {
       return false;
     }
-    copy(record, part.next);
+    copyShort(record, part.next);
     part.next += record.size();
     part.room -= record.size();
     return true;
@@ -64,18 +64,6 @@ class GatheredRecords {
   class Cursor;
 
   bool extend(Part& part);
-
-  /// Most records are short, so that a call would take longer than they do.
-  static void copy(std::string_view from, char* to) {
-    constexpr std::size_t step = 16;
-    const std::size_t size = from.size();
-    if (size >= step && size <= 2 * step) {
-      std::memcpy(to, from.data(), step);
-      std::memcpy(to + size - step, from.data() + size - step, step);
-    } else if (size != 0) {  // a record without bytes has no place
-      std::memcpy(to, from.data(), size);
-    }
-  }
 
   std::vector<Part> parts_;  ///< of the groups
   std::uint64_t left_;       ///< bytes of memory

@@ -44,17 +44,20 @@ Trial tryIdBytes(const DataGroup& data_group, DataStream& data, unsigned id_byte
 
 RecordFormat::RecordFormat(const DataGroup& data_group, unsigned id_bytes) : id_bytes_(id_bytes) {
   constexpr std::uint64_t is_small = 256;
-  if (id_bytes == 0 && data_group.groups.size() == 1) {
-    only_ = frameFor(data_group.groups.front());
-  }
-  for (const ChannelGroup& group : data_group.groups) {
+  const std::vector<ChannelGroup>& groups = data_group.groups;
+  for (std::size_t index = 0; index < groups.size(); ++index) {
+    const ChannelGroup& group = groups[index];
+    const Frame frame{&group, group.recordBytes(), index, group.holdsVariableLength()};
+    if (id_bytes == 0 && groups.size() == 1) {
+      only_ = frame;
+    }
     if (group.record_id >= is_small) {
-      large_ids_.emplace(group.record_id, frameFor(group));
+      large_ids_.emplace(group.record_id, frame);
       continue;
     }
     const auto id = static_cast<std::size_t>(group.record_id);
     small_ids_.resize(std::max(small_ids_.size(), id + 1));
-    small_ids_[id] = small_ids_[id].group == nullptr ? frameFor(group) : small_ids_[id];
+    small_ids_[id] = small_ids_[id].group == nullptr ? frame : small_ids_[id];
   }
 }
 
@@ -69,28 +72,26 @@ Record RecordFormat::at(DataStream& data, std::uint64_t position) const {
     return id_bytes.empty() ? Record() : Record{Record::torn, nullptr, {}, position, id_bytes_};
   }
   const std::uint64_t id = loadId(id_bytes.data());
-  const ChannelGroup* const group = frameOf(id).group;
-  if (group == nullptr) {
+  const Frame& frame = frameOf(id);
+  if (frame.group == nullptr) {
     return {Record::unknown_id, nullptr, {}, position, id};
   }
-  return group->holdsVariableLength() ? variable(data, position, *group)
-                                      : fixed(data, position, *group);
+  return frame.has_length ? variable(data, position, frame) : fixed(data, position, frame);
 }
 
-Record RecordFormat::fixed(DataStream& data, std::uint64_t position,
-                           const ChannelGroup& group) const {
-  const std::uint64_t size = id_bytes_ + group.recordBytes();
+Record RecordFormat::fixed(DataStream& data, std::uint64_t position, const Frame& frame) const {
+  const std::uint64_t size = id_bytes_ + frame.bytes;
   const std::string_view bytes = data.at(position, hostSize(size));
   if (bytes.empty()) {
     return {};
   }
   return bytes.size() < size
              ? Record{Record::torn, nullptr, {}, position, size}
-             : Record{Record::whole, &group, bytes.substr(id_bytes_), position + size, 0};
+             : Record{Record::whole, frame.group, bytes.substr(id_bytes_), position + size, 0,
+                      frame.index,   false};
 }
 
-Record RecordFormat::variable(DataStream& data, std::uint64_t position,
-                              const ChannelGroup& group) const {
+Record RecordFormat::variable(DataStream& data, std::uint64_t position, const Frame& frame) const {
   const std::size_t head = id_bytes_ + length_bytes;
   std::string_view bytes = data.at(position, head);
   if (bytes.size() < head) {
@@ -100,7 +101,8 @@ Record RecordFormat::variable(DataStream& data, std::uint64_t position,
   bytes = data.at(position, hostSize(head + length));
   return bytes.size() < head + length
              ? Record{Record::past_end, nullptr, {}, position, length}
-             : Record{Record::whole, &group, bytes.substr(head), position + head + length, 0};
+             : Record{Record::whole, frame.group, bytes.substr(head), position + head + length, 0,
+                      frame.index,   true};
 }
 
 unsigned recordIdBytes(const DataGroup& data_group, DataStream& data, bool has_counts) {

@@ -28,6 +28,8 @@ struct Record {
   std::string_view bytes;               ///< without record id, and without its length
   std::uint64_t next = 0;               ///< where the next one begins
   std::uint64_t number = 0;  ///< the unknown id, the bytes that there should be, or the length
+  std::size_t index = 0;     ///< of the group of a whole one, among those of its data group
+  bool has_length = false;   ///< a whole one is a value of variable length
 };
 
 /// How the records of one data group tell which channel group each belongs to.
@@ -46,7 +48,7 @@ class RecordFormat {
   /// group for others.
   /// @param position of the bytes in the data.
   Record wholeIn(std::string_view bytes, std::uint64_t position) const {
-    const Frame frame = bytes.size() < id_bytes_ ? Frame() : frameOf(loadId(bytes.data()));
+    const Frame& frame = bytes.size() < id_bytes_ ? none_ : frameOf(loadId(bytes.data()));
     std::size_t head = id_bytes_;
     std::uint64_t length = frame.bytes;
     if (frame.has_length) {
@@ -56,8 +58,13 @@ class RecordFormat {
     if (frame.group == nullptr || bytes.size() < head || bytes.size() - head < length) {
       return {};
     }
-    return {Record::whole, frame.group, bytes.substr(head, static_cast<std::size_t>(length)),
-            position + head + length, 0};
+    return {Record::whole,
+            frame.group,
+            bytes.substr(head, static_cast<std::size_t>(length)),
+            position + head + length,
+            0,
+            frame.index,
+            frame.has_length};
   }
 
   /// How many bytes the record has that some bytes begin with.
@@ -78,20 +85,17 @@ class RecordFormat {
   }
 
  private:
-  Record fixed(DataStream& data, std::uint64_t position, const ChannelGroup& group) const;
-  Record variable(DataStream& data, std::uint64_t position, const ChannelGroup& group) const;
-
   static constexpr std::size_t length_bytes = 4;
 
   /// What a record id says of the record.
   struct Frame {
     const ChannelGroup* group = nullptr;
     std::uint64_t bytes = 0;  ///< after the id, unless it has a length
+    std::size_t index = 0;    ///< of the group
     bool has_length = false;
   };
-  static Frame frameFor(const ChannelGroup& group) {
-    return {&group, group.recordBytes(), group.holdsVariableLength()};
-  }
+  Record fixed(DataStream& data, std::uint64_t position, const Frame& frame) const;
+  Record variable(DataStream& data, std::uint64_t position, const Frame& frame) const;
   std::uint64_t loadId(const char* bytes) const {
     std::uint64_t id = 0;
     for (std::size_t i = id_bytes_; i-- > 0;) {

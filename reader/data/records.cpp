@@ -575,7 +575,7 @@ void Records::copyRecords(std::uint64_t missing) {
     part_of[indexOf(*group)] = part;
   }
   walk([&](const Record& record) {
-    const std::optional<std::size_t> part = part_of[indexOf(*record.group)];
+    const std::optional<std::size_t> part = part_of[record.index];
     if (part) {
       copy_->add(*part, record.bytes);
       --missing;
@@ -588,8 +588,8 @@ void Records::copyRecords(std::uint64_t missing) {
 Record Records::lookThrough(std::uint64_t& position) {
   gatherExpected();
   walk([&](const Record& record) {
-    extentOf(*record.group).add(record, position);
-    if (gathered_ && !gathered_->add(indexOf(*record.group), record.bytes)) {
+    extents_[record.index].add(record, position);
+    if (gathered_ && !gathered_->add(record.index, record.bytes)) {
       gathered_.reset();
     }
     if (visit_ != nullptr) {

@@ -153,7 +153,7 @@ class Records {
         first = position;
       }
       last = position;
-      if (record.group->holdsVariableLength()) {
+      if (record.has_length) {
         addLength(record.bytes.size(), position);
       }
     }

@@ -95,38 +95,60 @@ void BlockWriter::place(FullBlock& block, std::string_view packed) {
 
 DataWriter::DataWriter(BlockWriter& out, std::string_view letters, std::uint64_t row_bytes,
                        std::size_t block_bytes)
-    : out_(out), head_(blockOf(letters, 0, header_bytes)), buffer_(head_) {
+    : out_(out), head_(blockOf(letters, 0, header_bytes)) {
   const bool has_rows = row_bytes > 0 && row_bytes <= block_bytes;
   row_bytes_ = static_cast<std::uint32_t>(has_rows ? row_bytes : 0);
   full_ = header_bytes + (has_rows ? block_bytes / row_bytes_ * row_bytes_ : block_bytes);
+  beginBlock();
 }
 
 std::uint64_t DataWriter::size() const {
-  return std::uint64_t{blocks_.size()} * (full_ - header_bytes) + buffer_.size() - header_bytes;
+  return std::uint64_t{blocks_.size()} * (full_ - header_bytes) + used() - header_bytes;
 }
 
 void DataWriter::appendMore(std::string_view bytes) {
-  while (bytes.size() > full_ - buffer_.size()) {
-    const std::size_t count = full_ - buffer_.size();
-    buffer_ += bytes.substr(0, count);
+  while (bytes.size() > full_ - used()) {
+    const std::size_t count = full_ - used();
+    reserve(count);
+    append(bytes.substr(0, count));
     bytes.remove_prefix(count);
     endBlock();
+    beginBlock();
   }
-  buffer_ += bytes;
+  reserve(bytes.size());
+  append(bytes);
+}
+
+/// Makes room for more bytes of a block. It grows with what it takes: there may be very many
+/// writers, each with few bytes.
+void DataWriter::reserve(std::size_t bytes) {
+  const std::size_t taken = used();
+  if (bytes > buffer_.size() - taken) {
+    buffer_.resize(std::min(full_, std::max(taken + bytes, 2 * buffer_.size())));
+    next_ = buffer_.data() + taken;
+    end_ = buffer_.data() + buffer_.size();
+  }
+}
+
+void DataWriter::beginBlock() {
+  buffer_.resize(std::max(buffer_.size(), header_bytes));
+  next_ = std::copy(head_.begin(), head_.end(), buffer_.data());
+  end_ = buffer_.data() + buffer_.size();
 }
 
 void DataWriter::endBlock() {
+  buffer_.resize(used());
   blocks_.emplace_back();
-  out_.put({std::move(buffer_), row_bytes_, &blocks_, blocks_.size() - 1}, buffer_);
-  buffer_ = head_;
+  out_.put({std::exchange(buffer_, {}), row_bytes_, &blocks_, blocks_.size() - 1}, buffer_);
 }
 
 std::uint64_t DataWriter::finish() {
-  if (buffer_.size() > header_bytes) {
+  if (used() > header_bytes) {
     endBlock();
   }
   out_.placeAll();
   buffer_ = std::string();
+  next_ = end_ = buffer_.data();
   if (blocks_.size() < 2) {
     return blocks_.empty() ? 0 : blocks_.front().at;
   }

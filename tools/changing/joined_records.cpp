@@ -224,7 +224,7 @@ void JoinedRecords::readMixed(JoinInput& input, const DataGroup& data_group, uns
   DataStream stream(input.data, {data_group.offset, data_group.data}, DataStream::Access::forward,
                     silent);
   forEachMixedRecord(format, stream, [&](const Record& record, const auto& /*whole*/) {
-    Reading& reading = readings[static_cast<std::size_t>(record.group - data_group.groups.data())];
+    Reading& reading = readings[record.index];
     for (DataWriter* const values : reading.values) {
       std::array<char, length_bytes> length;
       storeLe(length.data(), static_cast<std::uint32_t>(record.bytes.size()));

@@ -60,7 +60,7 @@ void MixedCopy::write(bool are_apart, const FindingSink& report) {
     begin(parts_[i], data_group_.groups[i], are_apart ? 0 : records.idBytes(), are_apart);
   }
   records.examine([this](const Record& record) {
-    Part& part = parts_[static_cast<std::size_t>(record.group - data_group_.groups.data())];
+    Part& part = parts_[record.index];
     if (part.is_plain && part.number < part.end) {
       ++part.number;
       ++part.records;
@@ -111,7 +111,7 @@ bool MixedCopy::isWanted(const Record& record, Part& part) {
   if (part.is_dropped) {
     return false;
   }
-  if (record.group->holdsVariableLength()) {
+  if (record.has_length) {
     const std::uint64_t offset = part.number;
     part.number += 4 + record.bytes.size();
     return contents_.hasValue(*record.group, offset);
@@ -131,7 +131,7 @@ void MixedCopy::append(const Record& record, Part& part) {
   if (!part.head.empty()) {
     part.data->append(part.head);
   }
-  if (record.group->holdsVariableLength()) {
+  if (record.has_length) {
     std::array<char, sizeof(std::uint32_t)> length;
     storeLe(length.data(), static_cast<std::uint32_t>(record.bytes.size()));
     part.data->append({length.data(), length.size()});

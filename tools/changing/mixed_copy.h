@@ -35,16 +35,16 @@ class MixedCopy {
   /// What belongs to a channel group.
   struct Part {
     DataWriter* data = nullptr;
+    std::uint64_t number = 0;   ///< of the record to come, or the offset of the value
+    std::uint64_t end = 0;      ///< of the numbers
+    std::uint64_t records = 0;  ///< written
+    bool is_plain = false;      ///< records are copied as they are, up to the last one
+    bool is_dropped = false;
     std::unique_ptr<DataWriter> own;  ///< none where it shares that of the others
     std::string head;                 ///< of each record: its id
-    std::uint64_t records = 0;        ///< written
     std::uint64_t value_bytes = 0;    ///< of variable length
-    std::uint64_t number = 0;         ///< of the record to come, or the offset of the value
-    std::uint64_t end = 0;            ///< of the numbers
     const std::vector<Rows>* rows = nullptr;
     std::size_t row = 0;  ///< which of the chosen rows come next
-    bool is_dropped = false;
-    bool is_plain = false;  ///< records are copied as they are, up to the last one
     RecordCopy change{{}, nullptr};
   };
 
