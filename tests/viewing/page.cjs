@@ -72,7 +72,8 @@ async function serve(...files) {
 /** A browser with a page, and what was wrong in it. */
 async function browse(options = {}) {
   const browser = await chromium.launch({
-    executablePath: '/usr/bin/chromium', args: ['--no-sandbox', '--disable-gpu']});
+    executablePath: '/usr/bin/chromium', args: ['--no-sandbox', '--disable-gpu'],
+    env: {...process.env, FONTCONFIG_FILE: path.join(__dirname, 'fonts.conf')}});
   const context = await browser.newContext(
       {viewport: {width: 1280, height: 800}, colorScheme: 'light', acceptDownloads: true, ...options});
   const page = await context.newPage();
