@@ -69,3 +69,13 @@ def test_the_libraries_that_are_loaded_are_those_of_the_wheel(engine: mdfkit.Mea
     assert Path(reader) == _library.library_path().resolve()
     assert {Path(path).parent for path in others} == {Path(stated("MDF_LIBRARIES")).resolve()}
     assert len(others) == 3
+
+
+def test_licences_come_with_the_libraries_of_the_wheel() -> None:
+    libraries = Path(stated("MDF_LIBRARIES"))
+    names = {re.sub("[^a-z].*", "", each.name) for each in libraries.iterdir()}
+    assert names == {"libdeflate", "libgomp", "libmd", "libmuparser", "libpugixml"}
+    folder = Path(mdfkit.__file__).parent / "licenses"
+    assert {each.stem for each in folder.iterdir()} == names
+    for each in folder.iterdir():
+        assert "Copyright" in each.read_text(encoding="utf-8"), each
