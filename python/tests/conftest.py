@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import os
+import struct
 import subprocess
 import sys
 from collections.abc import Callable, Iterator
@@ -70,6 +71,22 @@ DATES = """time,speed [km/h]
 2024-05-17T13:45:12.5+02:00,1
 2024-05-17T13:45:13.000000001+02:00,2
 """
+
+
+SPEEDS = "t [s],speed [km/h]\n" + "".join(f"{i},{10 * i}\n" for i in range(10))
+
+
+@pytest.fixture
+def damaged(make: Make, tmp_path: Path) -> Path:
+    """A folder with a healthy file, one cut off after its seventh record, and an empty one."""
+    folder = tmp_path / "fleet"
+    folder.mkdir()
+    whole = make(engine=SPEEDS).read_bytes()
+    record = len(struct.pack("<qB", 0, 0))
+    (folder / "a.mf4").write_bytes(whole)
+    (folder / "b.mf4").write_bytes(whole[: -3 * record])
+    (folder / "c.mf4").write_bytes(b"")
+    return folder
 
 
 @pytest.fixture

@@ -16,12 +16,10 @@ from pyspark.errors import PySparkException
 from pyspark.sql import DataFrame, SparkSession
 
 import mdfkit.spark
-from conftest import BRAKES, DATES, ENGINE, Make
+from conftest import BRAKES, DATES, ENGINE, SPEEDS, Make
 from spark_cluster import Cluster, executors, wait_for
 from test_documents import README, run_blocks
 from test_query import ROWS
-
-SPEEDS = "t [s],speed [km/h]\n" + "".join(f"{i},{10 * i}\n" for i in range(10))
 
 
 def load(spark: SparkSession, path: Any, **options: Any) -> DataFrame:
@@ -147,19 +145,6 @@ def test_wrong_queries_are_sentences(spark: SparkSession, make: Make, tmp_path: 
             load(spark, path, **options)
     with pytest.raises(PySparkException, match=r"there is no measurement file .*/none"):
         load(spark, tmp_path / "none")
-
-
-@pytest.fixture
-def damaged(make: Make, tmp_path: Path) -> Path:
-    """A folder with a healthy file, one cut off after its seventh record, and an empty one."""
-    folder = tmp_path / "fleet"
-    folder.mkdir()
-    whole = make(engine=SPEEDS).read_bytes()
-    record = len(struct.pack("<qB", 0, 0))
-    (folder / "a.mf4").write_bytes(whole)
-    (folder / "b.mf4").write_bytes(whole[: -3 * record])
-    (folder / "c.mf4").write_bytes(b"")
-    return folder
 
 
 def test_damaged_files_are_findings(spark: SparkSession, damaged: Path) -> None:

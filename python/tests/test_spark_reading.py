@@ -5,7 +5,7 @@ from __future__ import annotations
 import datetime as dt
 import json
 import pickle
-import struct
+import shutil
 from decimal import Decimal
 from pathlib import Path
 from typing import Any
@@ -16,12 +16,10 @@ from pyspark.sql import types as st
 from pyspark.sql.datasource import EqualTo, Filter, GreaterThan, LessThan, StringContains
 
 import mdfkit
-from conftest import BRAKES, DATES, ENGINE, Make
+from conftest import BRAKES, DATES, ENGINE, SPEEDS, Make
 from mdfkit.spark import columns, heads
 from mdfkit.spark.options import Options
 from mdfkit.spark.source import MdfDataSource, SamplesReader
-
-SPEEDS = "t [s],speed [km/h]\n" + "".join(f"{i},{10 * i}\n" for i in range(10))
 
 
 def read(
@@ -305,18 +303,11 @@ def test_files_are_left_out_before_they_are_tasks(make: Make, tmp_path: Path) ->
 
 
 @pytest.fixture
-def damaged(make: Make, tmp_path: Path) -> Path:
-    """A folder with two healthy files, one cut off after its seventh record, and no files."""
-    folder = tmp_path / "fleet"
-    folder.mkdir()
-    whole = make(engine=SPEEDS).read_bytes()
-    record = len(struct.pack("<qB", 0, 0))
-    (folder / "a.mf4").write_bytes(whole)
-    (folder / "b.mf4").write_bytes(whole[: -3 * record])
-    (folder / "c.mf4").write_bytes(b"")
-    (folder / "d.mf4").write_bytes(b"text" * 100)
-    (folder / "e.mf4").write_bytes(whole)
-    return folder
+def damaged(damaged: Path) -> Path:
+    """With no measurement and another healthy file, too."""
+    (damaged / "d.mf4").write_bytes(b"text" * 100)
+    shutil.copy(damaged / "a.mf4", damaged / "e.mf4")
+    return damaged
 
 
 def counts(found: list[dict[str, Any]]) -> dict[str, int]:

@@ -35,8 +35,8 @@ class QuietSource(Source):
 
 
 @dataclass(frozen=True)
-class Head:
-    """What a file has of what a query asks for.
+class Origin:
+    """Where rows come from: a file, and of it what a query asks for.
 
     Attributes
     ----------
@@ -52,19 +52,11 @@ class Head:
         Those of the query's names and patterns that the file has; None for all channels.
     master : str or None
         The name of the master channel.
-    records, record_bytes : int
-        How many there are, and the size of each in the file.
-    can_be_cut : bool
-        Whether reading can begin at any record without those before it.
-    schema : pyarrow.Schema or None
-        The columns as the library gives them.
     faults : tuple of Fault
-        Why the file has nothing of the query, or is not read.
+        Why the file has nothing of the query, or is not read; then there is no group.
     is_read : bool
         Whether all this is known. A task reads the description of a small file by itself if the
         columns are stated.
-    size : int
-        Of the file in bytes, if it is not read.
     """
 
     path: str
@@ -74,12 +66,30 @@ class Head:
     start: int | None = None
     channels: tuple[str, ...] | None = None
     master: str | None = None
+    faults: tuple[Fault, ...] = ()
+    is_read: bool = True
+
+
+@dataclass(frozen=True)
+class Head(Origin):
+    """What the description of a file says of what a query asks for.
+
+    Attributes
+    ----------
+    records, record_bytes : int
+        How many there are, and the size of each in the file.
+    can_be_cut : bool
+        Whether reading can begin at any record without those before it.
+    schema : pyarrow.Schema or None
+        The columns as the library gives them.
+    size : int
+        Of the file in bytes, if it is not read.
+    """
+
     records: int = 0
     record_bytes: int = 0
     can_be_cut: bool = False
     schema: pa.Schema | None = None
-    faults: tuple[Fault, ...] = ()
-    is_read: bool = True
     size: int = 0
 
     @property

@@ -3,13 +3,12 @@
 from __future__ import annotations
 
 from collections.abc import Callable, Iterable, Iterator, Sequence
-from dataclasses import dataclass, replace
+from dataclasses import dataclass, fields, replace
 from typing import TypeVar
 
 from pyspark.sql.datasource import InputPartition
 
-from .faults import Fault
-from .heads import Head
+from .heads import Head, Origin
 from .options import Options
 
 TASK_BYTES = 64 << 20
@@ -17,34 +16,19 @@ _OPENING_BYTES = 1 << 20  # what could be read in the time that it takes to open
 
 
 @dataclass(frozen=True)
-class Piece:
+class Piece(Origin):
     """Records of one file's channel group.
 
     Attributes
     ----------
-    path, group, group_name, comment, start, channels, master
-        As in `Head`.
     skip : int
         Records before it.
     first : int or None
         Records; all that follow where it is None.
-    faults : tuple of Fault
-        What is known to be wrong; then there is no group, and nothing is read.
-    is_read : bool
-        Whether the file's description is known, so that the rest of this is.
     """
 
-    path: str
-    group: int | None = None
-    group_name: str = ""
-    comment: str = ""
-    start: int | None = None
-    channels: tuple[str, ...] | None = None
-    master: str | None = None
     skip: int = 0
     first: int | None = None
-    faults: tuple[Fault, ...] = ()
-    is_read: bool = True
 
 
 class Pieces(InputPartition):
@@ -69,17 +53,7 @@ def plan(heads: Iterable[Head], options: Options) -> list[Pieces]:
 
 def whole_file(head: Head) -> Piece:
     """Return all records of a file."""
-    return Piece(
-        path=head.path,
-        group=head.group,
-        group_name=head.group_name,
-        comment=head.comment,
-        start=head.start,
-        channels=head.channels,
-        master=head.master,
-        faults=head.faults,
-        is_read=head.is_read,
-    )
+    return Piece(**{each.name: getattr(head, each.name) for each in fields(Origin)})
 
 
 def _pieces(head: Head, options: Options) -> Iterator[tuple[Piece, int]]:
