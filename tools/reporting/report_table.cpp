@@ -11,7 +11,7 @@ ReportTable::ReportTable(const TableHead& head)
       element_(head.group->element),
       name_(head.group->shownName()) {
   for (const ColumnHead& column : head.columns) {
-    columns_.push_back({column.name, column.unit, column.type});
+    columns_.push_back({column.name, column.unit, column.type, column.decimals});
   }
   if (head.has_master && columns_.size() > 1) {
     master_ = columns_.front();
@@ -97,8 +97,13 @@ Json ReportTable::describe() const {
                {"name", name_},
                {"has_master", false},
                {"columns", std::move(columns)}};
-  json["master"] =
-      master_ ? Json{{"name", master_->name}, {"unit", master_->unit}} : Json();
+  if (!master_) {
+    json["master"] = Json();
+    return json;
+  }
+  json["master"] = {{"name", master_->name},
+                    {"unit", master_->unit},
+                    {"decimals", master_->decimals ? Json(*master_->decimals) : Json()}};
   return json;
 }
 

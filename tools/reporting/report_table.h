@@ -40,6 +40,7 @@ class ReportTable {
     std::string name;
     std::string unit;
     ColumnType type = ColumnType::bytes;
+    std::optional<int> decimals{};  ///< see ColumnHead
   };
   /// Rows of a batch.
   struct Rows {

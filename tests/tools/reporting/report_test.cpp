@@ -69,7 +69,7 @@ TEST(Report, HasTheChannelsOfATable) {
             R"({"group":0,"records":5,"span":{"from":0.5,"to":2.5,"source":"records"}}],)"
             R"("group_count":2},"tables":[{"group":0,"element":null,"name":"",)"
             R"("has_master":false,"columns":[{"name":"\u003c/script>","unit":"V","text":false,)"
-            R"("single":false}],"master":{"name":"time","unit":"s"}}]}],"samples":[[{"width":1,)"
+            R"("single":false}],"master":{"name":"time","unit":"s","decimals":null}}]}],"samples":[[{"width":1,)"
             R"("records":5,"out_of_order":2,"lists":[[{"type":"f4","count":4,"block":0},)"
             R"({"type":"f4","count":4,"block":1}]]}]]})");
   // 0.5, 2, 2 and 2.5; 1, 2, a gap and 4.

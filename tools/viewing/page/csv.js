@@ -16,6 +16,12 @@ export function printed(number, isSingle = false) {
   return String(number);
 }
 
+/** A time, with as many decimal places as suffice for all of them where that is known. */
+function printedTime(time, decimals) {
+  const isExact = decimals !== null && Math.abs(time) * 10 ** decimals < Number.MAX_SAFE_INTEGER;
+  return printed(isExact ? Number(time.toFixed(decimals)) : time);
+}
+
 const titled = (name, unit) => field(unit ? `${name} [${unit}]` : name);
 
 /** The columns of a table: [title, text of a place]. */
@@ -34,10 +40,10 @@ function columnsOf(column, isWhole, {begins, ends}) {
  */
 export function tableText(master, columns, axis, from, to) {
   const isWhole = axis.width === 1;
-  const {name, unit} = master ?? {name: 'record', unit: ''};
-  const times = isWhole ? [[titled(name, unit), (place) => printed(axis.begins[place])]] :
-    [[titled(`${name} first`, unit), (place) => printed(axis.begins[place])],
-     [titled(`${name} last`, unit), (place) => printed(axis.ends[place])]];
+  const {name, unit, decimals} = master ?? {name: 'record', unit: '', decimals: null};
+  const times = isWhole ? [[titled(name, unit), (place) => printedTime(axis.begins[place], decimals)]] :
+    [[titled(`${name} first`, unit), (place) => printedTime(axis.begins[place], decimals)],
+     [titled(`${name} last`, unit), (place) => printedTime(axis.ends[place], decimals)]];
   const all = [...times, ...columns.flatMap((column) => columnsOf(column, isWhole, axis))];
   let text = `${all.map(([title]) => title).join(',')}\n`;
   for (let place = 0; place < axis.begins.length; ++place) {

@@ -176,7 +176,7 @@ export class NumberLevels {
     if (values === 0) return {time: this.ends[place], value: NaN};
     if (this.ends[place] <= time && gaps === 0) return {time: this.ends[place], value: last};
     if (minimum === maximum && gaps === 0) return {time: this.begins[place], value: minimum};
-    return {time: this.begins[place], minimum, maximum};
+    return {time: this.begins[place], minimum, maximum, hasGaps: gaps > 0};
   }
 }
 
