@@ -314,10 +314,12 @@ void addPlotCommand(CommandLine& program) {
   request->decoding = addDecodingOptions(command);
   request->query->numbers = true;
   command.option("--channel").required();
-  const Option output = command
-                            .addOption("-o,--output", request->output,
-                                       "The picture, a .svg or .png file, or a page, a .html file; - is standard output")
-                            .typeName("OUT");
+  const Option output =
+      command
+          .addOption(
+              "-o,--output", request->output,
+              "The picture, a .svg or .png file, or a page, a .html file; - is standard output")
+          .typeName("OUT");
   const Option format =
       command.addOption("--format", request->format, "The picture's format, if OUT does not tell")
           .choice({"svg", "png", "ascii", "html"});
@@ -326,8 +328,7 @@ void addPlotCommand(CommandLine& program) {
           .excludes(output)
           .excludes(format);
   request->chart = addChartOptions(command, json);
-  command
-      .addOption("--max-size", request->max_size, "A page takes so many MB, or 20")
+  command.addOption("--max-size", request->max_size, "A page takes so many MB, or 20")
       .typeName("MB")
       .check(expectCount)
       .within(std::size_t{1}, std::size_t{500})

@@ -36,7 +36,7 @@ int complain(const std::string& sentence, ExitCode exit_code) {
 
 /// An option of pictures that a page cannot follow; "" for none.
 std::string unfitOption(const ChartOptions& chart) {
-  return !chart.size.empty()     ? "--size"
+  return !chart.size.empty()    ? "--size"
          : chart.is_logarithmic ? "--log"
          : chart.has_points     ? "--points"
                                 : "";
@@ -173,9 +173,9 @@ std::string unfitOption(const ChartOptions& /*chart*/) { return ""; }
 
 int writeReport(const ReportRequest& request) {
   const std::string unfit = unfitOption(request.chart);
-  return unfit.empty() ? makeReport(request)
-                       : complain(unfit + " is for pictures; a report has no such form",
-                                  exit_unusable);
+  return unfit.empty()
+             ? makeReport(request)
+             : complain(unfit + " is for pictures; a report has no such form", exit_unusable);
 }
 
 }  // namespace mdf_tools

@@ -9,7 +9,7 @@ namespace {
 
 /// A member of each group, as numbers.
 template <class Member>
-std::vector<double> listOf(const std::vector<Extent>& groups, Member Extent::* member) {
+std::vector<double> listOf(const std::vector<Extent>& groups, Member Extent::*member) {
   std::vector<double> list(groups.size());
   std::transform(groups.begin(), groups.end(), list.begin(),
                  [member](const Extent& group) { return static_cast<double>(group.*member); });
@@ -17,7 +17,7 @@ std::vector<double> listOf(const std::vector<Extent>& groups, Member Extent::* m
 }
 
 void packGroups(const std::vector<Extent>& groups, std::vector<PackedNumbers>& packed) {
-  for (double Extent::* const member :
+  for (double Extent::*const member :
        {&Extent::minimum, &Extent::maximum, &Extent::first, &Extent::last, &Extent::mean}) {
     packed.push_back(pack(listOf(groups, member)));
   }

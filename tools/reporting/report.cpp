@@ -28,9 +28,8 @@ std::size_t sizeInPage(const Levels& levels) {
 /// What is told of a channel group.
 Json groupOf(const Json& info, std::size_t number) {
   const Json& groups = info["groups"];
-  const auto found = std::find_if(groups.begin(), groups.end(), [number](const Json& group) {
-    return group["group"] == number;
-  });
+  const auto found = std::find_if(groups.begin(), groups.end(),
+                                  [number](const Json& group) { return group["group"] == number; });
   return found == groups.end() ? Json{{"group", number}} : *found;
 }
 

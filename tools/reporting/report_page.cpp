@@ -92,8 +92,7 @@ std::string reportPage(const std::vector<EmbeddedFile>& files, const ReportText&
   }
   replaceOnly(page, "<script type=\"module\" src=\"main.js\"></script>",
               "<script type=\"importmap\"" + nonce + importMap(files) +
-                  "</script>\n<script type=\"module\"" + nonce +
-                  "import 'page/main.js';</script>");
+                  "</script>\n<script type=\"module\"" + nonce + "import 'page/main.js';</script>");
   replaceOnly(page, "<title>mdf view</title>",
               policy(text.nonce) + "<title>" + escaped(text.title) + "</title>");
   replaceOnly(page, "</body>", dataOf(text) + "</body>");

@@ -16,8 +16,8 @@ struct ReportText {
   std::vector<std::string> blocks;
 };
 
-/// A page as one file: "index.html" with what it names, and what that names in turn. Its own scripts
-/// run, and no others; nothing is fetched from elsewhere.
+/// A page as one file: "index.html" with what it names, and what that names in turn. Its own
+/// scripts run, and no others; nothing is fetched from elsewhere.
 std::string reportPage(const std::vector<EmbeddedFile>& files, const ReportText& text);
 
 }  // namespace mdf_tools

@@ -7,9 +7,7 @@ namespace mdf_tools {
 
 /// A master that is all that was chosen is a channel like others.
 ReportTable::ReportTable(const TableHead& head)
-    : group_(head.group->index),
-      element_(head.group->element),
-      name_(head.group->shownName()) {
+    : group_(head.group->index), element_(head.group->element), name_(head.group->shownName()) {
   for (const ColumnHead& column : head.columns) {
     columns_.push_back({column.name, column.unit, column.type, column.decimals});
   }
@@ -17,9 +15,8 @@ ReportTable::ReportTable(const TableHead& head)
     master_ = columns_.front();
     columns_.erase(columns_.begin());
   }
-  const auto numbers = std::count_if(columns_.begin(), columns_.end(), [](const Column& column) {
-    return isNumber(column.type);
-  });
+  const auto numbers = std::count_if(columns_.begin(), columns_.end(),
+                                     [](const Column& column) { return isNumber(column.type); });
   numbers_ = std::make_unique<NumberLevels>(static_cast<std::size_t>(numbers));
   levels_.push_back(numbers_.get());
   for (std::size_t i = static_cast<std::size_t>(numbers); i < columns_.size(); ++i) {

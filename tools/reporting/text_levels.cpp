@@ -47,8 +47,8 @@ void TextLevels::coarsen() {
   const std::vector<Bands::Run> kept = runs(runs_ / 4);
   Bands thinned;
   for (const Bands::Run& run : kept) {
-    thinned.add(run.time, run.code >= Bands::several ? run.code
-                                                     : thinned.codeOf(bands_.text(run.code)));
+    thinned.add(run.time,
+                run.code >= Bands::several ? run.code : thinned.codeOf(bands_.text(run.code)));
   }
   bands_ = std::move(thinned);
   runs_ = kept.size();
@@ -68,8 +68,8 @@ std::vector<PackedNumbers> TextLevels::pack() const {
   for (std::uint32_t code = 0; code < bands_.texts(); ++code) {
     texts.push_back(bands_.text(code));
   }
-  return {mdf_tools::pack(times), mdf_tools::pack(codes),
-          {"text", texts.size(), 0, jsonLine(texts)}};
+  return {
+      mdf_tools::pack(times), mdf_tools::pack(codes), {"text", texts.size(), 0, jsonLine(texts)}};
 }
 
 }  // namespace mdf_tools

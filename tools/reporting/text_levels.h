@@ -8,8 +8,8 @@
 
 namespace mdf_tools {
 
-/// The texts of a channel, from one change to the next; where changes are too many, "several" stands
-/// for those that are near to one another.
+/// The texts of a channel, from one change to the next; where changes are too many, "several"
+/// stands for those that are near to one another.
 class TextLevels : public Levels {
  public:
   /// Fewer changes do not remain.

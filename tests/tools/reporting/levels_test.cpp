@@ -91,8 +91,8 @@ TEST(NumberLevels, GroupsOfEightTellTheSameAsTheirSamples) {
   // Times, and minimum, maximum, first, last, mean, squares, values and gaps.
   EXPECT_EQ(typesOf(packed),
             "i2 257 i2 257 i2 257 i2 257 i2 257 i2 257 i2 257 i1 257 i1 257 i1 257 ");
-  const std::vector<std::vector<int>> second_and_last{{8, 2048},  {15, 2049}, {8, 2048}, {14, 2048},
-                                                      {8, 2048},  {14, 2048}, {11, 2048}};
+  const std::vector<std::vector<int>> second_and_last{{8, 2048}, {15, 2049}, {8, 2048}, {14, 2048},
+                                                      {8, 2048}, {14, 2048}, {11, 2048}};
   for (std::size_t i = 0; i < second_and_last.size(); ++i) {
     const std::vector<int> numbers = integersOf(packed[i]);
     EXPECT_EQ((std::vector<int>{numbers[1], numbers.back()}), second_and_last[i]) << i;

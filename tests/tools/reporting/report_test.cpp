@@ -19,8 +19,8 @@ const std::vector<EmbeddedFile> page = {
 /// Times that fall once, and a channel of bytes.
 std::string fiveSamples() {
   FileBuilder file;
-  const std::uint64_t data = file.addData(
-      Bytes().f64(NAN).u8(9).f64(0.5).u8(1).f64(2).u8(2).f64(1).u8(3).f64(2.5).u8(4));
+  const std::uint64_t data =
+      file.addData(Bytes().f64(NAN).u8(9).f64(0.5).u8(1).f64(2).u8(2).f64(1).u8(3).f64(2.5).u8(4));
   ChannelSpec level = channelOf("</script>", 0, 8, 8);
   level.unit = "V";
   file.addSortedGroup({5, 9}, {timeChannel(), level}, data);
@@ -64,14 +64,15 @@ std::string between(const std::string& text, const std::string& begin, const std
 
 TEST(Report, HasTheChannelsOfATable) {
   const std::string text = written(fiveSamples(), 1U << 20U);
-  EXPECT_EQ(between(text, "id=\"report\">", "</script>\n"),
-            R"({"title":"title","clock":true,"steps":false,"files":[{"info":{"groups":[)"
-            R"({"group":0,"records":5,"span":{"from":0.5,"to":2.5,"source":"records"}}],)"
-            R"("group_count":2},"tables":[{"group":0,"element":null,"name":"",)"
-            R"("has_master":false,"columns":[{"name":"\u003c/script>","unit":"V","text":false,)"
-            R"("single":false}],"master":{"name":"time","unit":"s","decimals":null}}]}],"samples":[[{"width":1,)"
-            R"("records":5,"out_of_order":2,"lists":[[{"type":"f4","count":4,"block":0},)"
-            R"({"type":"f4","count":4,"block":1}]]}]]})");
+  EXPECT_EQ(
+      between(text, "id=\"report\">", "</script>\n"),
+      R"({"title":"title","clock":true,"steps":false,"files":[{"info":{"groups":[)"
+      R"({"group":0,"records":5,"span":{"from":0.5,"to":2.5,"source":"records"}}],)"
+      R"("group_count":2},"tables":[{"group":0,"element":null,"name":"",)"
+      R"("has_master":false,"columns":[{"name":"\u003c/script>","unit":"V","text":false,)"
+      R"("single":false}],"master":{"name":"time","unit":"s","decimals":null}}]}],"samples":[[{"width":1,)"
+      R"("records":5,"out_of_order":2,"lists":[[{"type":"f4","count":4,"block":0},)"
+      R"({"type":"f4","count":4,"block":1}]]}]]})");
   // 0.5, 2, 2 and 2.5; 1, 2, a gap and 4.
   EXPECT_EQ(text.substr(text.find("<script type=\"text/plain\"")),
             "<script type=\"text/plain\" class=\"block\">AAAAPwAAAEAAAABAAAAgQA==</script>\n"
