@@ -136,8 +136,7 @@ Json FileReporter::describe(const Header& header) {
 int write(const ReportRequest& request, Report& report) {
   const std::string title = request.chart.formFor("svg", request.paths).title;
   const ReportForm form{title, request.chart.hasDates(), request.chart.has_steps};
-  const std::string page = report.write(embeddedFiles(), form);
-  return writePicture(request.output, [&page] { return page; });
+  return writePicture(request.output, [&] { return report.write(embeddedFiles(), form); });
 }
 
 int makeReport(const ReportRequest& request) {

@@ -63,7 +63,7 @@ class BlockStore {
 }  // namespace
 
 void Report::beginTable(const TableHead& head) {
-  std::vector<std::unique_ptr<ReportTable>>& tables = files_.back().tables;
+  std::vector<std::unique_ptr<ReportTable>>& tables = tables_.back();
   tables.push_back(std::make_unique<ReportTable>(head));
   for (Levels* const levels : tables.back()->levels()) {
     levels_.push_back(levels);
@@ -73,7 +73,7 @@ void Report::beginTable(const TableHead& head) {
 
 void Report::add(const Batch& batch) {
   constexpr std::size_t memory_per_byte = 4;
-  ReportTable& table = *files_.back().tables.back();
+  ReportTable& table = *tables_.back().back();
   table.add(batch);
   const std::size_t first = levels_.size() - table.levels().size();
   std::transform(table.levels().begin(), table.levels().end(),
@@ -86,11 +86,10 @@ void Report::add(const Batch& batch) {
 
 /// Of the channel groups those remain that tables are of.
 void Report::endFile(Json facts) {
-  File& file = files_.back();
   Json tables = Json::array();
   Json groups = Json::array();
   Json& info = facts["info"];
-  for (const auto& table : file.tables) {
+  for (const auto& table : tables_.back()) {
     tables.push_back(table->describe());
     Json group = groupOf(info, table->group());
     table->narrow(group);
@@ -99,18 +98,16 @@ void Report::endFile(Json facts) {
   info["group_count"] = info["groups"].size();
   info["groups"] = std::move(groups);
   facts["tables"] = std::move(tables);
-  file.facts = std::move(facts);
+  facts_.push_back(std::move(facts));
 }
 
 std::string Report::tryToWrite(const std::vector<EmbeddedFile>& page,
                                const ReportForm& form) const {
   BlockStore store;
-  Json files = Json::array();
   Json samples = Json::array();
-  for (const File& file : files_) {
-    files.push_back(file.facts);
+  for (const auto& file : tables_) {
     Json tables = Json::array();
-    for (const auto& table : file.tables) {
+    for (const auto& table : file) {
       tables.push_back(table->describeSamples(std::ref(store)));
     }
     samples.push_back(std::move(tables));
@@ -118,7 +115,7 @@ std::string Report::tryToWrite(const std::vector<EmbeddedFile>& page,
   const Json description = {{"title", form.title},
                             {"clock", form.has_clock},
                             {"steps", form.has_steps},
-                            {"files", std::move(files)},
+                            {"files", facts_},
                             {"samples", std::move(samples)}};
   return reportPage(page, {form.title, randomToken(), jsonLine(description), store.blocks()});
 }

@@ -28,10 +28,10 @@ struct ReportForm {
 /// within each, and batches within these.
 class Report {
  public:
-  /// @param most bytes of the page; about five times as many of memory.
+  /// @param most bytes of the page; about eight times as many of memory.
   explicit Report(std::size_t most) : most_(most) {}
 
-  void beginFile() { files_.emplace_back(); }
+  void beginFile() { tables_.emplace_back(); }
   void beginTable(const TableHead& head);
   /// @throws ReportTooLarge
   void add(const Batch& batch);
@@ -47,16 +47,12 @@ class Report {
   std::string write(const std::vector<EmbeddedFile>& page, const ReportForm& form);
 
  private:
-  struct File {
-    Json facts;
-    std::vector<std::unique_ptr<ReportTable>> tables;
-  };
-
   std::string tryToWrite(const std::vector<EmbeddedFile>& page, const ReportForm& form) const;
   [[noreturn]] void fail() const;
 
   std::size_t most_;
-  std::vector<File> files_;
+  Json facts_ = Json::array();  ///< of the files
+  std::vector<std::vector<std::unique_ptr<ReportTable>>> tables_;
   std::vector<Levels*> levels_;     ///< of all tables
   std::vector<std::size_t> sizes_;  ///< of these, in memory
 };

@@ -12,9 +12,10 @@ using namespace mdf_tools;
 
 namespace {
 
-const std::vector<EmbeddedFile> page = {
-    {"index.html",
-     "<title>mdf view</title><script type=\"module\" src=\"main.js\"></script></body>"}};
+std::vector<EmbeddedFile> page() {
+  return {{"index.html",
+           "<title>mdf view</title><script type=\"module\" src=\"main.js\"></script></body>"}};
+}
 
 /// Times that fall once, and a channel of bytes.
 std::string fiveSamples() {
@@ -52,7 +53,7 @@ std::string written(const std::string& file, std::size_t most) {
   report.endFile(
       {{"info", {{"groups", Json::array({{{"group", 0}, {"records", 99}}, {{"group", 1}}})}}}});
   EXPECT_FALSE(report.isEmpty());
-  return report.write(page, {"title", true, false});
+  return report.write(page(), {"title", true, false});
 }
 
 std::string between(const std::string& text, const std::string& begin, const std::string& end) {

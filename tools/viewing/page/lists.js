@@ -42,9 +42,9 @@ function reportFacts(number) {
   const widest = Math.max(...widths);
   const samples = widest > 1 ?
     `Of up to ${widest} samples at a time, their lowest, highest, first and last value and their mean.` :
-    'All samples of these channels.';
+    'Each chosen sample is in it.';
   return element('div', {}, element('h3', {}, 'This report'), element('ul.plain', {}, ...[
-    `${shownChannels(files[number])} of ${files[number].info.channels} channels.`, samples,
+    `It has ${shownChannels(files[number])} channels; the file may have more.`, samples,
     'Frames of buses and data of attachments are not in it.'].map((text) => element('li', {}, text))));
 }
 
