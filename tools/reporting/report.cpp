@@ -72,14 +72,18 @@ void Report::beginTable(const TableHead& head) {
 }
 
 void Report::add(const Batch& batch) {
-  constexpr std::size_t memory_per_byte = 4;
+  constexpr std::size_t usual = 4;
+  // What cannot be coarsened may still be packed into less.
+  constexpr std::size_t most_packed = 16;
   ReportTable& table = *tables_.back().back();
   table.add(batch);
   const std::size_t first = levels_.size() - table.levels().size();
   std::transform(table.levels().begin(), table.levels().end(),
                  sizes_.begin() + static_cast<std::ptrdiff_t>(first),
                  [](const Levels* levels) { return levels->size(); });
-  if (!fitLevels(levels_, sizes_, sizeInMemory, memory_per_byte * most_)) {
+  if (!fitLevels(levels_, sizes_, sizeInMemory, usual * most_) &&
+      std::accumulate(sizes_.begin(), sizes_.end(), std::uint64_t{0}) >
+          std::uint64_t{most_packed} * most_) {
     fail();
   }
 }

@@ -8,7 +8,12 @@ const readers = {
 };
 const notFinite = {nan: NaN, inf: Infinity, '-inf': -Infinity};
 
-const bytesOf = (block) => Uint8Array.from(atob(block), (character) => character.charCodeAt(0));
+function bytesOf(block) {
+  const characters = atob(block);
+  const bytes = new Uint8Array(characters.length);
+  for (let i = 0; i < bytes.length; ++i) bytes[i] = characters.charCodeAt(i);
+  return bytes;
+}
 
 /** Packed numbers, or texts. @param {function(number): string} blockOf base64 by its number */
 export function unpack({type, count, value, block}, blockOf) {
@@ -17,7 +22,9 @@ export function unpack({type, count, value, block}, blockOf) {
   if (type === 'text') return JSON.parse(new TextDecoder().decode(bytes));
   const [width, name] = readers[type];
   const view = new DataView(bytes.buffer);
-  return Float64Array.from({length: count}, (_, i) => view[name](i * width, true));
+  const numbers = new Float64Array(count);
+  for (let i = 0; i < count; ++i) numbers[i] = view[name](i * width, true);
+  return numbers;
 }
 
 /** The first place whose number is not less than another, or greater than it. */
@@ -122,10 +129,12 @@ export class NumberLevels {
   }
 
   #at(place) {
+    const {numbers, values, gaps, minimum, maximum, first, last, mean, squares} = this.lists;
     if (!this.isWhole) {
-      return Object.fromEntries(Object.entries(this.lists).map(([name, list]) => [name, list[place]]));
+      return {values: values[place], gaps: gaps[place], minimum: minimum[place], maximum: maximum[place],
+              first: first[place], last: last[place], mean: mean[place], squares: squares[place]};
     }
-    const number = this.lists.numbers[place];
+    const number = numbers[place];
     if (!Number.isFinite(number)) return {...nothing(), gaps: 1};
     return {values: 1, gaps: 0, minimum: number, maximum: number, first: number, last: number, mean: number,
             squares: 0};
