@@ -82,6 +82,8 @@ test('runs of texts are thinned out, and ambiguous ones are several', () => {
   assert.deepEqual([-1, 0.5, 1, 2, 50, 60].map((time) => texts.text(time)), [null, 'on', 'off', '', 'several', 'on']);
   assert.equal(texts.text(0, 0.9), 'on');
   assert.equal(texts.text(0.5, 1), 'several');
+  assert.equal(texts.text(1, 1, true), 'several');
+  assert.equal(texts.text(0.5, 0.5, true), 'on');
 });
 
 test('numbers have the fewest digits that tell them', () => {
@@ -89,6 +91,13 @@ test('numbers have the fewest digits that tell them', () => {
                    ['0.1', '1e+21', '0', '', 'inf', '-inf']);
   assert.equal(printed(Math.fround(0.1), true), '0.1');
   assert.equal(printed(Math.fround(16777217), true), '16777216');
+});
+
+test('where samples share a time at which a text changes, none is said to have the text', () => {
+  const times = numbers(0, 1, 1, 2);
+  const word = {name: 'w', unit: '', text: true, levels: new TextLevels(numbers(0, 1), numbers(0, 1), ['a', 'b'])};
+  assert.equal(tableText({name: 't', unit: '', decimals: null}, [word], {width: 1, begins: times, ends: times}, 0, 9),
+               't,w\n0,a\n1,several\n1,several\n2,b\n');
 });
 
 test('a table has samples, or groups with their limits', () => {

@@ -49,13 +49,13 @@ the legend are left out where the panels would have no room.
 
 With a file that ends in .html, the channels become one page for mail and archives: it has what mdf view
 shows, and opens in a browser without a server and without a network. Each sample is in it as long as that
-takes no more than --max-size; else, of so many samples each, the lowest, the highest, the first, the
-last, the mean and how many they are, which the page says. Texts are bands. Of options for pictures,
+takes no more than --max-size; else, of so many samples each, the lowest, highest, first and last value,
+the mean and the deviation, which the page says. Texts are bands. Of options for pictures,
 --title, --steps, --lines, --time and --no-events hold for it. It is made in memory, of about eight times
 its size.
 
-For pictures, gnuplot does the drawing and must be installed. With --json, standard output gets the points that a
-picture would keep, {"schema":1,"curves":[{"name":...,"unit":...,"over":...,"points":[[x,y],...]}]}
+For pictures, gnuplot does the drawing and must be installed. With --json, standard output gets the
+points that a picture would keep, {"schema":1,"curves":[{"name":...,"unit":...,"over":...,"points":[[x,y],...]}]}
 with null for each gap.
 
 Examples:

@@ -27,7 +27,9 @@ const titled = (name, unit) => field(unit ? `${name} [${unit}]` : name);
 /** The columns of a table: [title, text of a place]. */
 function columnsOf(column, isWhole, {begins, ends}) {
   const {name, unit, text, single, levels} = column;
-  if (text) return [[titled(name, unit), (place) => field(levels.text(begins[place], ends[place]) ?? '')]];
+  const isShared = (place) => ends[place - 1] === begins[place] || begins[place + 1] === begins[place];
+  const textAt = (place) => levels.text(begins[place], ends[place], isShared(place)) ?? '';
+  if (text) return [[titled(name, unit), (place) => field(textAt(place))]];
   if (isWhole) return [[titled(name, unit), (place) => printed(levels.lists.numbers[place], single)]];
   return ['minimum', 'mean', 'maximum', 'values'].map((which) =>
     [titled(`${name} ${which}`, which === 'values' ? '' : unit),

@@ -216,12 +216,15 @@ export class TextLevels {
     return {runs, texts: this.texts.map((text, code) => [code, text])};
   }
 
-  /** The text from one time to another, or at one; 'several' where more of them are there. */
-  text(from, to = from) {
+  /**
+   * The text from one time to another, or at one; 'several' where more of them are there.
+   * @param {boolean} isShared whether other samples stand at the first time, too
+   */
+  text(from, to = from, isShared = false) {
     const place = placeOf(this.times, to, true) - 1;
     if (place < 0) return null;
     const code = this.codes[place];
-    const isOnly = this.times[place] < from || this.times[place] === from && !(this.times[place - 1] === from);
+    const isOnly = this.times[place] < from || this.times[place] === from && !isShared && this.times[place - 1] !== from;
     return code === -2 || !isOnly ? 'several' : this.texts[code] ?? '';
   }
 }
