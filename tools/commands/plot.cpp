@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,9 +12,11 @@
 #include "command_line/command_line.h"
 #include "decoding_option.h"
 #include "file_command.h"
+#include "number_option.h"
 #include "picture_output.h"
 #include "pictures/chart.h"
 #include "pictures/drawing_program.h"
+#include "plot_report.h"
 #include "printing/json_output.h"
 #include "reader/bytes/input_file.h"
 #include "reader/bytes/printable.h"
@@ -44,8 +47,15 @@ Events are lines with their names above the first panel, ranges are shaded. They
 what they are stated for: time, angle, distance or index. With --size, names of events and then
 the legend are left out where the panels would have no room.
 
-gnuplot does the drawing and must be installed. With --json, standard output gets the points that a
-picture would keep, {"schema":1,"curves":[{"name":...,"unit":...,"over":...,"points":[[x,y],...]}]}
+With a file that ends in .html, the channels become one page for mail and archives: it has what mdf view
+shows, and opens in a browser without a server and without a network. Each sample is in it as long as that
+takes no more than --max-size; else, of so many samples each, the lowest, highest, first and last value,
+the mean and the deviation, which the page says. Texts are bands. Of options for pictures,
+--title, --steps, --lines, --time and --no-events hold for it. It is made in memory, of about eight times
+its size.
+
+For pictures, gnuplot does the drawing and must be installed. With --json, standard output gets the
+points that a picture would keep, {"schema":1,"curves":[{"name":...,"unit":...,"over":...,"points":[[x,y],...]}]}
 with null for each gap.
 
 Examples:
@@ -55,6 +65,8 @@ Examples:
   mdf plot trip.mf4 -c 'noise*' --log --no-events -o noise.svg
   mdf plot trip.mf4 -c gear --steps -o gear.svg
   mdf plot monday.mf4 tuesday.mf4 -c speed -o both.svg      the same channel of two files
+  mdf plot trip.mf4 -c 'speed*' rpm -o trip.html            a page to send
+  mdf plot trip.mf4 -c '*' -o all.html --max-size 5         of 5 MB at most
   mdf plot trip.mf4 -c speed -o - --format ascii            in the terminal
   mdf plot trip.mf4 -c speed --json | jq '.curves[0].points[0]'
 
@@ -68,6 +80,7 @@ struct Request {
   std::string output = "-";
   std::string format;
   bool is_json = false;
+  std::optional<std::uint64_t> max_size;  ///< of a report, in MB
 };
 
 /// What is drawn.
@@ -89,7 +102,7 @@ std::string formatOf(const Request& request) {
     return request.format;
   }
   const std::string ending = std::filesystem::path(request.output).extension().string();
-  if (ending == ".svg" || ending == ".png") {
+  if (ending == ".svg" || ending == ".png" || ending == ".html") {
     return ending.substr(1);
   }
   return request.output == "-" ? "ascii" : "";
@@ -259,8 +272,17 @@ int drawPicture(const Request& request) {
   const std::string format = formatOf(request);
   if (format.empty()) {
     return complain("cannot tell the picture's format from " + request.output +
-                        "; end it in .svg or .png, or add --format",
+                        "; end it in .svg, .png or .html, or add --format",
                     exit_unusable);
+  }
+  if (format == "html") {
+    constexpr std::uint64_t usual_size = 20;
+    return writeReport({request.paths, *request.query, *request.decoding, *request.chart,
+                        request.output,
+                        static_cast<std::size_t>(request.max_size.value_or(usual_size)) * 1000000});
+  }
+  if (request.max_size) {
+    return complain("--max-size is for reports; end OUT in .html", exit_unusable);
   }
   if (format == "png" && request.output == "-" && outputIsTerminal()) {
     return complain("a terminal cannot show PNG; name a file with -o", exit_unusable);
@@ -292,18 +314,25 @@ void addPlotCommand(CommandLine& program) {
   request->decoding = addDecodingOptions(command);
   request->query->numbers = true;
   command.option("--channel").required();
-  const Option output = command
-                            .addOption("-o,--output", request->output,
-                                       "The picture, a .svg or .png file; - is standard output")
-                            .typeName("OUT");
+  const Option output =
+      command
+          .addOption(
+              "-o,--output", request->output,
+              "The picture, a .svg or .png file, or a page, a .html file; - is standard output")
+          .typeName("OUT");
   const Option format =
       command.addOption("--format", request->format, "The picture's format, if OUT does not tell")
-          .choice({"svg", "png", "ascii"});
+          .choice({"svg", "png", "ascii", "html"});
   const Option json =
       command.addFlag("--json", request->is_json, "Print the points as one JSON document instead")
           .excludes(output)
           .excludes(format);
   request->chart = addChartOptions(command, json);
+  command.addOption("--max-size", request->max_size, "A page takes so many MB, or 20")
+      .typeName("MB")
+      .check(expectCount)
+      .within(std::size_t{1}, std::size_t{500})
+      .excludes(json);
   command.footer(footer);
   command.onRun([request] {
     std::vector<std::string>& channels = request->query->channels;

@@ -56,6 +56,8 @@ std::size_t indexOf(const ViewedColumn& column, const TableHead& head) {
   return head.columns.size();
 }
 
+}  // namespace
+
 std::vector<double> timesOf(const Batch& batch) {
   if (batch.head().has_master) {
     return batch.column(0).reals();
@@ -66,8 +68,6 @@ std::vector<double> timesOf(const Batch& batch) {
   }
   return numbers;
 }
-
-}  // namespace
 
 std::vector<ViewedTable> tablesOf(const Measurement& file) {
   std::vector<ViewedTable> tables;

@@ -48,6 +48,9 @@ struct SampleRange {
 using SampleVisitor =
     std::function<void(const std::vector<double>& times, const ColumnData& values)>;
 
+/// The master channel's values, or the numbers of the records where there is none.
+std::vector<double> timesOf(const Batch& batch);
+
 /// Reads the samples of a column.
 void readSamples(const Measurement& file, const ViewedTable& table, const ViewedColumn& column,
                  const SampleRange& range, const SampleVisitor& visit);

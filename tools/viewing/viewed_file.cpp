@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "checking/file_check.h"
+#include "finding_json.h"
 #include "printing/table_writers.h"
 #include "reader/bytes/input_file.h"
 #include "reader/summary/file_json.h"
@@ -19,15 +20,6 @@ namespace {
 
 constexpr std::size_t most_findings = 1000;
 constexpr std::size_t most_csv_bytes = std::size_t{64} << 20U;
-
-Json findingAsJson(const Finding& finding) {
-  const CodeText& code = textOf(finding.code);
-  return {{"code", code.word},
-          {"severity", severityWord(code.severity)},
-          {"offset", finding.offset},
-          {"path", finding.path},
-          {"text", finding.sentence}};
-}
 
 Json tableAsJson(const ViewedTable& table) {
   Json json = {{"group", table.group},

@@ -73,7 +73,8 @@ TEST(CommandLine, WrongWordsAreRefusedWithOneSentence) {
       {{"plot", "-c", "v", "--steps", "--points", "f"}, "--steps excludes --points"},
       {{"plot", "-c", "v", "--json", "--log", "f"}, "--json excludes --log"},
       {{"plot", "f", "-c", "v", "-o", "a.jpg"},
-       "cannot tell the picture's format from a.jpg; end it in .svg or .png, or add --format"},
+       "cannot tell the picture's format from a.jpg; end it in .svg, .png or .html, or add "
+       "--format"},
   };
   for (const auto& [words, sentence] : refusals) {
     EXPECT_EQ(run(words), said(2, sentence)) << testing::PrintToString(words);

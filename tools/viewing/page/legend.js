@@ -17,11 +17,13 @@ function marks(values) {
 
 function statisticsText(found) {
   if (found.values === 0) return found.gaps ? `${found.gaps} invalid` : 'no samples here';
-  const parts = [`min ${shortNumber(found.minimum)}`, `max ${shortNumber(found.maximum)}`,
+  const about = found.isAbout ? 'about ' : '';
+  const parts = [`${about}min ${shortNumber(found.minimum)}`, `max ${shortNumber(found.maximum)}`,
                  `mean ${shortNumber(found.mean)}`];
   if (found.deviation !== null) parts.push(`σ ${shortNumber(found.deviation)}`);
   parts.push(`n ${shortNumber(found.values)}`);
   if (found.gaps) parts.push(`${shortNumber(found.gaps)} invalid`);
+  if (found.width > 1) parts.push(`from groups of ${found.width} samples`);
   return parts.join('  ');
 }
 

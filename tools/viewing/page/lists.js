@@ -3,6 +3,7 @@ import {files} from './files.js';
 import {byId, element} from './element.js';
 import {shortNumber} from './number.js';
 import {act} from './panels.js';
+import {report} from './report.js';
 import {change, state} from './state.js';
 import {timeText} from './clock.js';
 import {showMessage} from './message.js';
@@ -33,6 +34,20 @@ function attachmentList(file) {
             each.original_size === null ? '' : `, ${shortNumber(each.original_size)} bytes`}`)))));
 }
 
+const shownChannels = (file) => file.tables.reduce((sum, {columns}) => sum + columns.length, 0);
+
+/** What a report has of a file, and what it has not. */
+function reportFacts(number) {
+  const widths = report.samples[number].map(({width}) => width);
+  const widest = Math.max(...widths);
+  const samples = widest > 1 ?
+    `Of up to ${widest} samples at a time, their lowest, highest, first and last value and their mean.` :
+    'Each chosen sample is in it.';
+  return element('div', {}, element('h3', {}, 'This report'), element('ul.plain', {}, ...[
+    `It has ${shownChannels(files[number])} channels; the file may have more.`, samples,
+    'Frames of buses and data of attachments are not in it.'].map((text) => element('li', {}, text))));
+}
+
 /** What `mdf info` says of each file. */
 export function showFacts() {
   byId('file').replaceChildren(...files.map((file, number) => {
@@ -41,9 +56,9 @@ export function showFacts() {
       ['Bytes', info.bytes.toLocaleString('en')], ['Version', info.version_text],
       ['Written by', info.program], ['State', info.finished === false ? 'unfinished' : 'finished'],
       ['Start', info.start.local ?? info.start.utc], ['Duration', info.duration && `${info.duration} s`],
-      ['Channels', info.channels], ['Groups', info.groups.length],
+      ['Channels', info.channels], ['Groups', info.group_count ?? info.groups.length],
       ['Comment', info.comment], ...Object.entries(info.properties)]),
-    files.length > 1 ? shiftInput(number) : null, attachmentList(file));
+    files.length > 1 ? shiftInput(number) : null, report ? reportFacts(number) : null, attachmentList(file));
   }));
 }
 
@@ -93,7 +108,8 @@ export function showFindings() {
     const target = element('div', {}, element('ul.plain', {}, ...file.findings.map(findingRow)));
     count += file.findings.length;
     return element('section', {}, titleOf(file),
-        element('button', {click: () => check(number, target)}, 'Check the whole file'), target);
+        report ? element('p.quiet', {}, 'Found while these channels were read; mdf check looks at all of a file.') :
+          element('button', {click: () => check(number, target)}, 'Check the whole file'), target);
   }));
   byId('tab-findings').classList.toggle('alarm', count > 0);
 }

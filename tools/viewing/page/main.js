@@ -1,4 +1,4 @@
-import {channelOf, files, readFiles, wholeRange} from './files.js';
+import {allChannels, channelOf, files, readFiles, wholeRange} from './files.js';
 import {applyTheme} from './colours.js';
 import {byId} from './element.js';
 import {zoomAt} from './gestures.js';
@@ -6,8 +6,9 @@ import {dayText, startOfAll, timeText} from './clock.js';
 import {listenToTabs, showEvents, showFacts, showFindings} from './lists.js';
 import {showMessage} from './message.js';
 import {shortSpan} from './number.js';
-import {act, rebuildPanels, refreshAll} from './panels.js';
+import {act, addChannels, rebuildPanels, refreshAll} from './panels.js';
 import {prepareFrames, toggleFrames} from './frames.js';
+import {report} from './report.js';
 import {saveCsv, savePng, saveSvg} from './save.js';
 import {forgetFile} from './samples.js';
 import {change, fromHash, onChange, state} from './state.js';
@@ -152,6 +153,16 @@ onChange((names) => {
   showRange();
 });
 
+/** A report shows all of its channels at first, but for very many. */
+function beginReport() {
+  const most = 64;
+  byId('name').textContent = report.title;
+  document.title = report.title;
+  if (location.hash.length > 1) return;
+  Object.assign(state, {isAbsolute: report.clock, hasSteps: report.steps});
+  addChannels([...allChannels()].slice(0, most).map(({id}) => id));
+}
+
 async function start() {
   fromHash(location.hash);
   applyTheme();
@@ -160,6 +171,7 @@ async function start() {
   listenToButtons();
   await readFiles();
   document.title = `${files.map((file) => file.info.file.replace(/^.*\//, '')).join(', ')} – mdf view`;
+  if (report) beginReport();
   byId('absolute').disabled = startOfAll() === null;
   state.panels = knownPanels();
   if (state.from === null) [state.from, state.to] = wholeRange(state.shifts);
@@ -167,7 +179,7 @@ async function start() {
   showLists();
   change({});
   rebuildPanels();
-  setInterval(follow, 2000);
+  if (!report) setInterval(follow, 2000);
 }
 
 start().catch((error) => showMessage(error.message));

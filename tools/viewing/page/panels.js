@@ -37,17 +37,28 @@ export const act = {
 
 const isMeasuring = () => byId('measure').getAttribute('aria-pressed') === 'true';
 
-/** Adds a channel: to a panel, or where its unit is, or else to a new panel. */
-export function addChannel(id, panel = null) {
+/** Panels with one more channel: in a panel, or where its unit is, or else in a new panel. */
+function withChannel(panels, id, panel = null, most = Infinity) {
   const channel = channelOf(id);
-  const next = state.panels.map((ids) => [...ids]);
-  const fits = next.findIndex((ids) => ids.every((other) =>
+  const next = panels.map((ids) => [...ids]);
+  const fits = next.findIndex((ids) => ids.length < most && ids.every((other) =>
     channelOf(other).unit === channel.unit && channelOf(other).isText === channel.isText));
   const place = panel ?? fits;
-  if (next[place]?.includes(id)) return;
+  if (next[place]?.includes(id)) return next;
   if (place >= 0 && place < next.length) next[place].push(id);
   else next.push([id]);
-  change({panels: next});
+  return next;
+}
+
+/** Adds a channel to a panel, or where its unit is. */
+export function addChannel(id, panel = null) {
+  change({panels: withChannel(state.panels, id, panel)});
+}
+
+/** Adds channels where their units are, as many to a panel as can be told apart. */
+export function addChannels(ids) {
+  const mostOfPanel = 8;
+  state.panels = ids.reduce((all, id) => withChannel(all, id, null, mostOfPanel), state.panels);
 }
 
 export function removeChannel(id, panel = null) {

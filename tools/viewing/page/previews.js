@@ -1,5 +1,6 @@
 import {askCurve} from './api.js';
 import {files} from './files.js';
+import {report} from './report.js';
 import {styleColour} from './colours.js';
 
 /** Channels with more records are not read for a preview alone. */
@@ -21,7 +22,7 @@ const observer = new IntersectionObserver((entries) => {
 export function previewOf(canvas, channel) {
   const table = files[channel.file].tables[channel.table];
   const group = files[channel.file].info.groups.find((each) => each.group === table.group);
-  if (channel.isText || !group?.span || group.records > mostRecords) return;
+  if (channel.isText || !group?.span || (!report && group.records > mostRecords)) return;
   canvas.channel = channel;
   canvas.span = group.span;
   observer.observe(canvas);

@@ -1,5 +1,6 @@
 import {askCurve, askJson, parametersOf} from './api.js';
 import {channelOf} from './files.js';
+import {shortNumber} from './number.js';
 import {state} from './state.js';
 
 /**
@@ -99,11 +100,17 @@ export function bandText(data, code) {
   return code === -1 ? '' : code === -2 ? 'several' : data.texts[code][1];
 }
 
-/** The sample up to a time, as the file has it. */
+/**
+ * The sample up to a time, as the file has it. Where a report knows no more, a text with the lowest and
+ * the highest that it may be.
+ */
 export async function exactValue(id, time) {
   const channel = channelOf(id);
   const found = await askJson('value', {...parametersOf(channel), at: time - shiftOf(channel)});
   if (!found) return null;
+  if (found.minimum !== undefined) {
+    return `${shortNumber(found.minimum)} … ${shortNumber(found.maximum)}${found.hasGaps ? ' or invalid' : ''}`;
+  }
   return channel.isText ? found.value : found.value === '' ? null : Number(found.value);
 }
 
