@@ -1,8 +1,6 @@
 #include "viewed_file.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 #include "checking/file_check.h"
@@ -68,17 +66,8 @@ ViewedFile::ViewedFile(std::string path, std::size_t number, SeriesStore& store)
   open();
 }
 
-ViewedFile::Stamp ViewedFile::stampNow() const {
-  std::error_code error;
-  Stamp stamp;
-  stamp.size = std::filesystem::file_size(path_, error);
-  const auto time = std::filesystem::last_write_time(path_, error);
-  stamp.time = error ? 0 : time.time_since_epoch().count();
-  return stamp;
-}
-
 void ViewedFile::open() {
-  const Stamp stamp = stampNow();
+  const FileStamp stamp = FileStamp::of(path_);
   auto file = std::make_unique<Measurement>(path_);
   tables_ = tablesOf(*file);
   file_ = std::move(file);
@@ -89,15 +78,20 @@ void ViewedFile::open() {
 /// A file that cannot be read just now stays as it was.
 std::size_t ViewedFile::refresh() {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (stampNow() == stamp_) {
+  const FileStamp before = stamp_;
+  if (FileStamp::of(path_) == before) {
     return revision_;
   }
   try {
     open();
     ++revision_;
-    store_.forget(number_);
+    if (!is_continued_ || !stamp_.continues(before)) {
+      store_.forget(number_);
+    }
+    is_continued_ = true;
   } catch (const Unreadable&) {
-    stamp_ = stampNow();
+    stamp_ = FileStamp::of(path_);
+    is_continued_ = false;
   }
   return revision_;
 }
@@ -169,17 +163,60 @@ Json ViewedFile::describeColumn(std::size_t table, std::size_t column) {
   return json;
 }
 
+/// All that values of a column are made from, but the records.
+std::string ViewedFile::identityOf(std::size_t table, std::size_t column) const {
+  const ViewedTable& wanted = tables_[table];
+  Json identity = {file_->header().start_time, wanted.name, wanted.group,
+                   wanted.element ? Json(*wanted.element) : Json(), wanted.has_master};
+  for (const std::size_t index : {std::size_t{0}, column}) {
+    const ViewedColumn& each = wanted.columns[index];
+    identity.push_back({each.name, each.unit, each.type, each.channel, each.part});
+    for (const ChannelGroup& group : file_->groups()) {
+      const auto is_it = [&](const Channel& channel) { return channel.offset == each.channel; };
+      const auto found = std::find_if(group.channels.begin(), group.channels.end(), is_it);
+      if (found != group.channels.end()) {
+        identity.push_back({found->type, found->sync_type, found->data_type, found->bit_offset,
+                            found->byte_offset, found->bit_count, found->flags,
+                            found->invalidation_bit, file_->describeConversion(*found)});
+        break;
+      }
+    }
+  }
+  return jsonLine(identity);
+}
+
+std::shared_ptr<KeptSeries> ViewedFile::build(std::size_t table, std::size_t column) {
+  const auto source = [this, table, column](const SampleRange& range, const SampleVisitor& visit) {
+    readSamples(*file_, tables_[table], tables_[table].columns[column], range, visit);
+  };
+  const ColumnType type = tables_[table].columns[column].type;
+  return std::make_shared<KeptSeries>(
+      KeptSeries{Series(source, type), identityOf(table, column), revision_});
+}
+
+std::shared_ptr<KeptSeries> ViewedFile::upToDate(std::size_t table, std::size_t column) {
+  const SeriesKey key{number_, table, column};
+  std::shared_ptr<KeptSeries> kept = store_.find(key);
+  if (kept != nullptr && kept->revision == revision_) {
+    return kept;
+  }
+  store_.forget(key);
+  const bool goes_on =
+      kept != nullptr && kept->identity == identityOf(table, column) && kept->series.goOn();
+  if (goes_on) {
+    kept->revision = revision_;
+  } else {
+    kept = build(table, column);
+  }
+  store_.add(key, kept);
+  return kept;
+}
+
 void ViewedFile::withSeries(std::size_t table, std::size_t column,
                             const std::function<void(Series& series)>& use) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  const ViewedColumn& wanted = this->column(table, column);
-  // What it reads by lasts as long as the file's revision, and so does the series.
-  const auto source = [this, table, &wanted](const SampleRange& range, const SampleVisitor& visit) {
-    readSamples(*file_, tables_[table], wanted, range, visit);
-  };
-  const auto series = store_.get({number_, revision_, table, column},
-                                 [&] { return std::make_shared<Series>(source, wanted.type); });
-  use(*series);
+  this->column(table, column);
+  use(upToDate(table, column)->series);
 }
 
 Json ViewedFile::frames(std::optional<double> from, std::size_t most) {
