@@ -49,7 +49,9 @@ void Axis::reopen() {
   }
   records_ -= Pyramid::bucket_size - room();
   order_ = TimeOrder(begins_.back());
-  first_ = begins_.back() == before_all ? before_all : first_;
+  if (begins_.back() == before_all) {
+    first_ = before_all;
+  }
   out_of_order_ = out_of_order_before_;
   begins_.pop_back();
 }

@@ -32,6 +32,8 @@ class Pyramid {
   std::size_t size() const;
 
  private:
+  friend class OutlineFile;
+
   static constexpr std::size_t fan = 16;  ///< buckets that make a larger one
 
   void closeBucket(const Extent& extent);

@@ -28,6 +28,7 @@ struct KeptSeries {
   Series series;
   std::string identity;      ///< what its column is
   std::size_t revision = 0;  ///< how often the file had changed
+  bool is_cached = false;
 };
 
 /// Series that were built, as far as memory allows: those not used for longest go first. Any number

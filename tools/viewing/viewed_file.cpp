@@ -1,6 +1,7 @@
 #include "viewed_file.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <utility>
 
 #include "checking/file_check.h"
@@ -61,8 +62,9 @@ Json listAsJson(const std::vector<Entry>& entries, Json (*asJson)(const Entry& e
 
 }  // namespace
 
-ViewedFile::ViewedFile(std::string path, std::size_t number, SeriesStore& store)
-    : path_(std::move(path)), number_(number), store_(store) {
+ViewedFile::ViewedFile(std::string path, std::size_t number, SeriesStore& store,
+                       OutlineCache* cache)
+    : path_(std::move(path)), number_(number), store_(store), cache_(cache) {
   open();
 }
 
@@ -72,6 +74,7 @@ void ViewedFile::open() {
   tables_ = tablesOf(*file);
   file_ = std::move(file);
   stamp_ = stamp;
+  is_at_rest_ = stamp.isAtRest();
   description_.clear();
 }
 
@@ -190,8 +193,33 @@ std::shared_ptr<KeptSeries> ViewedFile::build(std::size_t table, std::size_t col
     readSamples(*file_, tables_[table], tables_[table].columns[column], range, visit);
   };
   const ColumnType type = tables_[table].columns[column].type;
+  const std::string identity = identityOf(table, column);
+  std::optional<Outline> cached;
+  if (cache_ != nullptr && is_at_rest_) {
+    cached = cache_->find(place(table, column), cacheKey(identity));
+  }
   return std::make_shared<KeptSeries>(
-      KeptSeries{Series(source, type), identityOf(table, column), revision_});
+      KeptSeries{cached ? Series(source, type, std::move(*cached)) : Series(source, type), identity,
+                 revision_, cached.has_value()});
+}
+
+std::string ViewedFile::place(std::size_t table, std::size_t column) const {
+  return jsonLine({std::filesystem::absolute(path_).string(), table, column});
+}
+
+std::string ViewedFile::cacheKey(const std::string& identity) const {
+  return jsonLine({std::filesystem::absolute(path_).string(), stamp_.device, stamp_.inode,
+                   stamp_.size, stamp_.time, identity});
+}
+
+/// A file that was changed shortly before it was opened may have been changed since without its
+/// time telling.
+void ViewedFile::cache(const SeriesKey& key, KeptSeries& kept) {
+  if (cache_ == nullptr || kept.is_cached || !is_at_rest_ || !(FileStamp::of(path_) == stamp_)) {
+    return;
+  }
+  cache_->add(place(key.table, key.column), cacheKey(kept.identity), kept.series.outline());
+  kept.is_cached = true;
 }
 
 std::shared_ptr<KeptSeries> ViewedFile::upToDate(std::size_t table, std::size_t column) {
@@ -205,6 +233,7 @@ std::shared_ptr<KeptSeries> ViewedFile::upToDate(std::size_t table, std::size_t 
       kept != nullptr && kept->identity == identityOf(table, column) && kept->series.goOn();
   if (goes_on) {
     kept->revision = revision_;
+    kept->is_cached = false;
   } else {
     kept = build(table, column);
   }
@@ -216,7 +245,9 @@ void ViewedFile::withSeries(std::size_t table, std::size_t column,
                             const std::function<void(Series& series)>& use) {
   const std::lock_guard<std::mutex> lock(mutex_);
   this->column(table, column);
-  use(upToDate(table, column)->series);
+  const std::shared_ptr<KeptSeries> kept = upToDate(table, column);
+  use(kept->series);
+  cache({number_, table, column}, *kept);
 }
 
 Json ViewedFile::frames(std::optional<double> from, std::size_t most) {

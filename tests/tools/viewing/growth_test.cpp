@@ -49,7 +49,8 @@ void expectSame(Series& found, Series& expected) {
   expectSame(found.axis(), expected.axis());
   expectSame(found.outline().pyramid(), expected.outline().pyramid());
   const double last = expected.axis().last();
-  EXPECT_EQ(found.bands().runs(-infinity, infinity, 1), expected.bands().runs(-infinity, infinity, 1));
+  EXPECT_EQ(found.bands().runs(-infinity, infinity, 1),
+            expected.bands().runs(-infinity, infinity, 1));
   EXPECT_EQ(found.bands().runs(0, last, 1000000), expected.bands().runs(0, last, 1000000));
   for (const double part : {1.0, 0.5, 0.01}) {
     const Trace trace = found.trace({last * (1 - part), last, 100});
@@ -59,7 +60,8 @@ void expectSame(Series& found, Series& expected) {
   }
 }
 
-/// Whether a series of the first samples goes on to all; it is then as if all had been read at once.
+/// Whether a series of the first samples goes on to all; it is then as if all had been read at
+/// once.
 bool goesOn(const MemorySamples& all, std::size_t first, bool has_texts) {
   MemorySamples samples = all.first(first);
   const auto source = has_texts ? samples.texts() : samples.source();
@@ -162,8 +164,8 @@ std::string recording(std::size_t seconds, std::size_t add) {
   const std::uint64_t odd = file.text("odd");
   ChannelSpec parity = channelOf("parity", 0, 8, 1);
   parity.conversion = file.addConversion({7, {even, odd, 0}, {0, 1}});
-  const std::uint64_t group = file.addSortedGroup(
-      {seconds, 9}, {timeChannel(), channelOf("level", 0, 8, 8), parity}, 0);
+  const std::uint64_t group =
+      file.addSortedGroup({seconds, 9}, {timeChannel(), channelOf("level", 0, 8, 8), parity}, 0);
   Bytes records;
   for (std::size_t i = 0; i < seconds; ++i) {
     records.f64(static_cast<double>(i)).u8(static_cast<std::uint8_t>((i + add) % 100));
