@@ -133,9 +133,9 @@ void OutlineCache::makeRoom() {
   std::vector<CachedFile> files = filesIn(folder_);
   std::sort(files.begin(), files.end(),
             [](const CachedFile& a, const CachedFile& b) { return a.used < b.used; });
-  std::uint64_t all = std::accumulate(
-      files.begin(), files.end(), std::uint64_t{0},
-      [](std::uint64_t sum, const CachedFile& file) { return sum + file.size; });
+  std::uint64_t all =
+      std::accumulate(files.begin(), files.end(), std::uint64_t{0},
+                      [](std::uint64_t sum, const CachedFile& file) { return sum + file.size; });
   for (const CachedFile& file : files) {
     std::error_code error;
     if (all > most_ && fs::remove(file.path, error)) {

@@ -59,8 +59,7 @@ bool isOutline(const Bytes& bytes, std::size_t offset, const Bytes& other) {
 TEST(OutlineFile, IsWrittenAsItsFormSays) {
   const std::string head = Bytes().text("MDFVIEW\n").u64(1).u64(147).u64(0xA52C45B4).str();
   EXPECT_EQ(OutlineFile::pack("key", outlineOf({{1, 2}, {7, gap}})), head + twoSamples().str());
-  EXPECT_EQ(OutlineFile::pack("key", outlineOf({{1}, {0}}, true)).substr(32),
-            oneText().str());
+  EXPECT_EQ(OutlineFile::pack("key", outlineOf({{1}, {0}}, true)).substr(32), oneText().str());
 }
 
 TEST(OutlineFile, WhatWasWrittenIsReadAndGoesOn) {
