@@ -74,7 +74,7 @@ void ViewedFile::open() {
   tables_ = tablesOf(*file);
   file_ = std::move(file);
   stamp_ = stamp;
-  is_at_rest_ = stamp.isAtRest();
+  is_at_rest_ = stamp.isAtRest() && FileStamp::of(path_) == stamp;
   description_.clear();
 }
 
@@ -95,6 +95,7 @@ std::size_t ViewedFile::refresh() {
   } catch (const Unreadable&) {
     stamp_ = FileStamp::of(path_);
     is_continued_ = false;
+    is_at_rest_ = false;  // what is kept is of an earlier state
   }
   return revision_;
 }

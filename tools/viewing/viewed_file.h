@@ -83,7 +83,7 @@ class ViewedFile {
   std::mutex checking_;
   std::size_t revision_ = 0;
   FileStamp stamp_;
-  bool is_at_rest_ = false;   ///< it had been left alone when it was opened
+  bool is_at_rest_ = false;   ///< it had been left alone when it was opened, and can be opened now
   bool is_continued_ = true;  ///< the file was never in the way since it was opened
   std::unique_ptr<Measurement> file_;
   std::vector<ViewedTable> tables_;

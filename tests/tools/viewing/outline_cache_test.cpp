@@ -253,4 +253,19 @@ TEST_F(OutlineCacheTest, KeepsNothingOfAFileThatHasJustChanged) {
   EXPECT_EQ(files().size(), 0U);
 }
 
+TEST_F(OutlineCacheTest, KeepsNothingUnderTheStampOfAFileThatCannotBeOpened) {
+  OutlineCache cache(path_);
+  const fs::path file = folder_ / "file.mf4";
+  const auto now = fs::file_time_type::clock::now();
+  folder_.write("file.mf4", bytesAtSeconds(5));
+  fs::last_write_time(file, now - std::chrono::hours(2));
+  SeriesStore store(std::size_t{1} << 20U);
+  ViewedFile viewed(file.string(), 0, store, &cache);
+  folder_.write("file.mf4", "no measurement");
+  fs::last_write_time(file, now - std::chrono::hours(1));
+  EXPECT_EQ(viewed.refresh(), 0U);
+  viewed.withSeries(0, 1, [](const Series& /*series*/) {});
+  EXPECT_EQ(files().size(), 0U);
+}
+
 }  // namespace mdf_tests
