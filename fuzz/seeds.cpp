@@ -16,6 +16,7 @@
 #include "targets.h"
 #include "tools/bus/sample_dbc.h"
 #include "tools/samples/sample.h"
+#include "viewing/outline_file.h"
 
 namespace mdf_fuzz {
 
@@ -253,6 +254,31 @@ Inputs captures() {
           one + pcap + record + frame.substr(0, 10)};
 }
 
+/// What is kept of numbers and of texts, without its head.
+Inputs outlines() {
+  constexpr std::size_t head = 32;
+  Inputs inputs;
+  for (const std::size_t count : {std::size_t{0}, std::size_t{3}, std::size_t{5000}}) {
+    for (const auto type : {mdf_reader::ColumnType::float64, mdf_reader::ColumnType::text}) {
+      mdf_reader::ColumnData column(type);
+      std::vector<double> times;
+      for (std::size_t i = 0; i < count; ++i) {
+        times.push_back(i % 1000 == 999 ? 0 : static_cast<double>(i));
+        if (type == mdf_reader::ColumnType::text) {
+          column.add(i % 3 == 0 ? "on" : "off");
+        } else {
+          *column.extend<double>(1) = times.back();
+        }
+      }
+      mdf_tools::Outline outline;
+      outline.add(times, column);
+      outline.finish();
+      inputs.push_back(mdf_tools::OutlineFile::pack("key", outline).substr(head));
+    }
+  }
+  return inputs;
+}
+
 std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
   std::map<std::string, Inputs> inputs = blockInputs();
   inputs["build"] = buildInputs();
@@ -297,6 +323,7 @@ std::map<std::string, Inputs> allInputs(const std::filesystem::path& folder) {
       "\n"
       R"({"values":{"t":0.5,"b":"nan"}})"};
   inputs["dbc"] = dbcInputs();
+  inputs["outline"] = outlines();
   return inputs;
 }
 

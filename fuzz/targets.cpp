@@ -71,6 +71,7 @@ const std::vector<std::pair<std::string, Target>>& targets() {
                              {"frames", tryFrames},
                              {"import", tryImport},
                              {"join", tryJoin},
+                             {"outline", tryOutline},
                              {"repair", tryRepair},
                              {"show", tryShow},
                              {"measure", tryMeasurement}});

@@ -15,8 +15,8 @@
 /// does, `candump` and `capture` one of a log of frames; `repair` finishes a file as `mdf repair`
 /// does; `copy` writes a file again as `mdf copy` does; `diff` compares a file with itself and with
 /// one that has another byte, as `mdf diff` does; `join` joins a file with itself, begun at another
-/// time, as `mdf join` does; `dbc` reads a description of a bus; `measure` asks the reader library
-/// for all that it gives.
+/// time, as `mdf join` does; `dbc` reads a description of a bus; `outline` reads what `mdf view
+/// --cache` kept; `measure` asks the reader library for all that it gives.
 namespace mdf_fuzz {
 
 /// Tries one input and says in a few words what came of it.
@@ -43,6 +43,7 @@ std::string tryFrames(std::string_view input);
 std::string tryImport(std::string_view input);
 std::string tryJoin(std::string_view input);
 std::string tryMeasurement(std::string_view input);
+std::string tryOutline(std::string_view input);
 std::string tryRepair(std::string_view input);
 std::string tryShow(std::string_view input);
 

@@ -11,6 +11,7 @@
 #include "number_option.h"
 #include "reader/blocks/identification.h"
 #include "viewing/browser.h"
+#include "viewing/outline_cache.h"
 #include "viewing/routes.h"
 #ifdef MDF_HAS_VIEWER
 #include "viewing/serving/serve.h"
@@ -30,17 +31,20 @@ Zoom with the wheel, move by dragging, and read values at the cursor. The page's
 shows, so that Back and Reload come back to it.
 
 The page is for this machine alone: it is served on 127.0.0.1, and only to who knows the address, which
-has a new token in it each time and is printed first. Nothing is written, and nothing is fetched from
-elsewhere. Ctrl-C ends it. A file that is still growing is followed.
+has a new token in it each time and is printed first. Nothing is written but with --cache, and nothing
+is fetched from elsewhere. Ctrl-C ends it. A file that is still growing is followed.
 
 A channel is read whole when it is first shown. What is kept of it then answers each zoom, less than a
-byte for each sample; closer up, samples are read again.
+byte for each sample; closer up, samples are read again. With --cache it also goes to the folder mdf in
+$XDG_CACHE_HOME, or in ~/.cache, and the file is shown at once when it is opened again unchanged. The
+folder holds up to 4 GiB, and what was not used for longest goes first; it can be deleted at any time.
 
 Examples:
   mdf view trip.mf4                               opens the browser
   mdf view monday.mf4 tuesday.mf4                 two recordings, one over the other
   mdf view trip.mf4 --no-browser --port 8080      prints the address, say for a tunnel by ssh
   mdf view big.mf4 --memory 4096                  keeps up to 4 GiB of channels
+  mdf view big.mf4 --cache                        shows its channels at once the next time
 
 Exit code: 0 fine, 1 the port is taken, 2 wrong arguments, an unreadable file, or a program without
 the page.)TXT";
@@ -50,6 +54,7 @@ struct Request {
   int port = 0;
   std::size_t memory = 1024;
   bool no_browser = false;
+  bool cache = false;
 };
 
 int complain(const std::string& sentence, ExitCode exit_code) {
@@ -64,9 +69,23 @@ std::size_t bytesOf(std::size_t mebibytes) {
       std::min<std::uint64_t>(std::uint64_t{mebibytes} << 20U, SIZE_MAX));
 }
 
+/// Where nothing can be kept, measurements are shown all the same.
+std::unique_ptr<OutlineCache> cacheOfUser() {
+  const auto folder = userCacheFolder();
+  auto cache = folder ? std::make_unique<OutlineCache>(*folder) : nullptr;
+  if (cache == nullptr || !cache->problem().empty()) {
+    std::cerr << "mdf: --cache keeps nothing: "
+              << (cache == nullptr ? "neither XDG_CACHE_HOME nor HOME is a folder"
+                                   : cache->problem())
+              << '\n';
+  }
+  return cache;
+}
+
 int run(const Request& request) {
   try {
-    Routes routes(*request.paths, bytesOf(request.memory));
+    const auto cache = request.cache ? cacheOfUser() : nullptr;
+    Routes routes(*request.paths, bytesOf(request.memory), cache.get());
     Server server(request.port, [&](const std::string& name, const ViewRequest& asked) {
       return routes.answer(name, asked);
     });
@@ -107,6 +126,7 @@ void addViewCommand(CommandLine& program) {
       .check(expectCount)
       .within(std::size_t{1}, std::size_t{1} << 20U)
       .showDefault();
+  command.addFlag("--cache", request->cache, "Keep what was read of channels for the next time");
   command.addFlag("--no-browser", request->no_browser, "Print the address and open no browser");
   command.footer(footer);
   command.onRun([request] { return run(*request); });

@@ -4,10 +4,16 @@
 
 namespace mdf_tools {
 
-bool Axis::add(double time) {
-  if (records_++ % Pyramid::bucket_size == 0) {
+void Axis::beginBucket() {
+  if (room() == Pyramid::bucket_size) {
     begins_.push_back(order_.latest());
+    out_of_order_before_ = out_of_order_;
   }
+}
+
+bool Axis::add(double time) {
+  beginBucket();
+  ++records_;
   if (!order_.take(time)) {
     ++out_of_order_;
     return false;
@@ -16,6 +22,38 @@ bool Axis::add(double time) {
     first_ = time;
   }
   return true;
+}
+
+bool Axis::addInOrder(const double* times, std::size_t count) {
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  bool are_in_order = count > 0 && times[0] >= order_.latest() && times[0] > -infinity &&
+                      times[count - 1] < infinity;
+  for (std::size_t i = 1; i < count; ++i) {
+    are_in_order &= times[i] >= times[i - 1];
+  }
+  if (!are_in_order) {
+    return false;
+  }
+  beginBucket();
+  records_ += count;
+  order_ = TimeOrder(times[count - 1]);
+  if (first_ == before_all) {
+    first_ = times[0];
+  }
+  return true;
+}
+
+void Axis::reopen() {
+  if (room() == Pyramid::bucket_size) {
+    return;
+  }
+  records_ -= Pyramid::bucket_size - room();
+  order_ = TimeOrder(begins_.back());
+  if (begins_.back() == before_all) {
+    first_ = before_all;
+  }
+  out_of_order_ = out_of_order_before_;
+  begins_.pop_back();
 }
 
 std::size_t Axis::firstReaching(double time) const {

@@ -37,8 +37,21 @@ class TimeOrder {
 /// The times of the records of a table, as far as buckets of a pyramid need them.
 class Axis {
  public:
+  Axis() = default;
+  /// Of records after others, of which the latest stands at a time.
+  explicit Axis(double latest) : order_(latest) {}
+
   /// Adds the next record's time; false where it is out of order.
   bool add(double time);
+  /// Adds the times of the next records if none is out of order, and else none of them.
+  /// @param count not more than room().
+  bool addInOrder(const double* times, std::size_t count);
+  /// How many records the current bucket still takes.
+  std::size_t room() const {
+    return Pyramid::bucket_size - static_cast<std::size_t>(records_ % Pyramid::bucket_size);
+  }
+  /// Forgets the records of a last bucket that is not full.
+  void reopen();
 
   std::uint64_t records() const { return records_; }
   std::size_t buckets() const { return begins_.size(); }
@@ -67,12 +80,17 @@ class Axis {
   std::size_t size() const { return sizeof(Axis) + begins_.capacity() * sizeof(double); }
 
  private:
+  friend class OutlineFile;
+
   static constexpr double before_all = -std::numeric_limits<double>::infinity();
+
+  void beginBucket();
 
   TimeOrder order_{before_all};
   double first_ = before_all;
   std::uint64_t records_ = 0;
   std::uint64_t out_of_order_ = 0;
+  std::uint64_t out_of_order_before_ = 0;  ///< when the last bucket began
   std::vector<double> begins_;
 };
 

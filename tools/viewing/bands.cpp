@@ -20,6 +20,14 @@ std::uint32_t Bands::codeOf(std::string_view text) {
   return code;
 }
 
+Bands Bands::withoutRuns() const {
+  Bands bands;
+  bands.texts_ = texts_;
+  bands.codes_ = codes_;
+  bands.text_bytes_ = text_bytes_;
+  return bands;
+}
+
 void Bands::add(double time, std::uint32_t code) {
   if (!runs_.empty() && (runs_.back().code == code || runs_.size() > most_runs)) {
     return;

@@ -1,6 +1,7 @@
 #ifndef MDF_TOOLS_VIEWING_BANDS_H_
 #define MDF_TOOLS_VIEWING_BANDS_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -32,6 +33,13 @@ class Bands {
   /// Adds the next sample; times do not fall.
   void add(double time, std::uint32_t code);
 
+  /// How many runs there are.
+  std::size_t runs() const { return runs_.size(); }
+  /// Those with the same codes of texts, and no runs yet.
+  Bands withoutRuns() const;
+  /// Forgets all runs but so many; not their texts.
+  void cut(std::size_t runs) { runs_.resize(std::min(runs, runs_.size())); }
+
   const std::string& text(std::uint32_t code) const { return texts_[code]; }
   std::size_t texts() const { return texts_.size(); }
 
@@ -45,6 +53,8 @@ class Bands {
   std::size_t size() const;
 
  private:
+  friend class OutlineFile;
+
   std::size_t indexAt(double time) const;
 
   std::vector<Run> runs_;

@@ -20,6 +20,9 @@ struct Extent {
   double mean = none;
   double squares = 0;  ///< the sum of squared differences from the mean
 
+  /// How many samples there are.
+  std::uint64_t samples() const { return values + gaps; }
+
   /// Adds what comes after.
   void append(const Extent& later);
 
@@ -28,6 +31,9 @@ struct Extent {
 
   /// What numbers are like. One that is not finite is a gap.
   static Extent of(const double* numbers, std::size_t count);
+
+  /// Whether all of it is the same, `none` included.
+  bool operator==(const Extent& other) const;
 };
 
 }  // namespace mdf_tools

@@ -64,9 +64,10 @@ Json bandsAsJson(const Bands& bands, const Window& window) {
 
 }  // namespace
 
-Routes::Routes(const std::vector<std::string>& paths, std::size_t memory) : store_(memory) {
+Routes::Routes(const std::vector<std::string>& paths, std::size_t memory, OutlineCache* cache)
+    : store_(memory) {
   for (const std::string& path : paths) {
-    files_.push_back(std::make_unique<ViewedFile>(path, files_.size(), store_));
+    files_.push_back(std::make_unique<ViewedFile>(path, files_.size(), store_, cache));
   }
 }
 

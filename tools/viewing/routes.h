@@ -29,8 +29,10 @@ class Routes {
  public:
   /// @param paths measurement files.
   /// @param memory bytes for what is kept of channels.
+  /// @param cache where outlines of channels are looked for and kept; it must outlast this. Null
+  /// for nowhere.
   /// @throws Unreadable when one cannot be opened.
-  Routes(const std::vector<std::string>& paths, std::size_t memory);
+  Routes(const std::vector<std::string>& paths, std::size_t memory, OutlineCache* cache = nullptr);
 
   /// @param name of the question, such as "curve".
   Answer answer(const std::string& name, const ViewRequest& request);

@@ -20,42 +20,47 @@ constexpr std::size_t buckets_kept = most_kept / Pyramid::bucket_size;
 
 Series::Series(Source source, ColumnType type)
     : source_(std::move(source)), is_numeric_(isNumber(type)) {
-  source_({}, [this](const std::vector<double>& times, const ColumnData& values) {
-    if (is_numeric_) {
-      add(times, values);
-    } else {
-      addTexts(times, values);
-    }
+  addFrom(0);
+}
+
+Series::Series(Source source, ColumnType type, Outline outline)
+    : source_(std::move(source)), is_numeric_(isNumber(type)), outline_(std::move(outline)) {}
+
+void Series::addFrom(std::size_t bucket) {
+  source_({bucket * Pyramid::bucket_size},
+          [this](const std::vector<double>& times, const ColumnData& values) {
+            outline_.add(times, values);
+          });
+  outline_.finish();
+}
+
+/// Whether full buckets are the same when they are read again.
+bool Series::areSame(std::size_t begin, std::size_t end, bool in_order) const {
+  Outline again = outline_.from(begin);
+  source_(recordsOf(begin, end), [&](const std::vector<double>& times, const ColumnData& values) {
+    again.add(times, values);
   });
-  pyramid_.finish();
+  return again.fullBuckets() == end - begin && outline_.agrees(begin, again) &&
+         (!in_order || again.axis().outOfOrder() == 0);
 }
 
-void Series::add(const std::vector<double>& times, const ColumnData& values) {
-  const std::vector<double> numbers = values.reals();
-  for (std::size_t row = 0; row < times.size(); ++row) {
-    pyramid_.add(axis_.add(times[row]) ? numbers[row] : Extent::none);
+/// Where the last records are out of order, their room may have been taken before their contents.
+bool Series::goOn() {
+  constexpr std::size_t last = 16;
+  const std::size_t full = outline_.fullBuckets();
+  if (full == 0 || !areSame(full - std::min(full, last), full, true) ||
+      !areSame(full / 2, full / 2 + 1, false) || !areSame(0, 1, false)) {
+    return false;
   }
-}
-
-void Series::addTexts(const std::vector<double>& times, const ColumnData& values) {
-  std::string text;
-  for (std::size_t row = 0; row < times.size(); ++row) {
-    if (!axis_.add(times[row])) {
-      continue;
-    }
-    std::uint32_t code = Bands::no_text;
-    if (values.isValid(row)) {
-      text.clear();
-      values.print(row, text);
-      code = bands_.codeOf(text);
-    }
-    bands_.add(times[row], code);
-  }
+  samples_ = {};
+  outline_.reopen();
+  addFrom(full);
+  return true;
 }
 
 SampleRange Series::recordsOf(std::size_t begin, std::size_t end) const {
   return {begin * Pyramid::bucket_size,
-          std::min<std::uint64_t>(end * Pyramid::bucket_size, axis_.records())};
+          std::min<std::uint64_t>(end * Pyramid::bucket_size, axis().records())};
 }
 
 bool Series::areKept(std::size_t begin, std::size_t end) const {
@@ -64,12 +69,15 @@ bool Series::areKept(std::size_t begin, std::size_t end) const {
 
 Series::Samples Series::read(std::size_t begin, std::size_t end) const {
   Samples samples{begin, end, {}, {}};
-  TimeOrder order(axis_.begin(begin));
-  source_(recordsOf(begin, end), [&](const std::vector<double>& times, const ColumnData& values) {
+  const SampleRange range = recordsOf(begin, end);
+  samples.times.reserve(static_cast<std::size_t>(range.end - range.begin));
+  samples.numbers.reserve(samples.times.capacity());
+  TimeOrder order(axis().begin(begin));
+  source_(range, [&](const std::vector<double>& times, const ColumnData& values) {
     const std::vector<double> numbers = values.reals();
     for (std::size_t row = 0; row < times.size(); ++row) {
       samples.numbers.push_back(order.take(times[row]) ? numbers[row] : Extent::none);
-      samples.times.push_back(std::max(order.latest(), axis_.first()));
+      samples.times.push_back(std::max(order.latest(), axis().first()));
     }
   });
   return samples;
@@ -79,16 +87,16 @@ Series::Samples Series::read(std::size_t begin, std::size_t end) const {
 const Series::Samples& Series::samples(std::size_t begin, std::size_t end) {
   if (!areKept(begin, end)) {
     const std::size_t around = (std::max(end - begin, buckets_kept) - (end - begin)) / 2;
-    samples_ = read(begin - std::min(begin, around), std::min(axis_.buckets(), end + around));
+    samples_ = read(begin - std::min(begin, around), std::min(axis().buckets(), end + around));
   }
   return samples_;
 }
 
 Trace Series::trace(const Window& window) {
-  const std::size_t reaching = axis_.firstReaching(window.from);
+  const std::size_t reaching = axis().firstReaching(window.from);
   const std::size_t begin = reaching - std::min<std::size_t>(reaching, 1);
-  const std::size_t end = std::min(axis_.firstAfter(window.to) + 1, axis_.buckets());
-  if (begin >= end || axis_.isEmpty()) {
+  const std::size_t end = std::min(axis().firstAfter(window.to) + 1, axis().buckets());
+  if (begin >= end || axis().isEmpty()) {
     return {};
   }
   if (end - begin > std::max(buckets_of_samples, window.pixels)) {
@@ -112,11 +120,11 @@ Trace Series::coarseTrace(std::size_t begin, std::size_t end, const Window& wind
   trace.is_exact = false;
   const double width = (window.to - window.from) / static_cast<double>(window.pixels);
   for (std::size_t bucket = begin; bucket < end;) {
-    const double time = std::max(axis_.begin(bucket), axis_.first());
+    const double time = std::max(axis().begin(bucket), axis().first());
     const double pixel = std::floor((time - window.from) / width);
     const std::size_t next =
-        std::clamp(axis_.firstAfter(window.from + (pixel + 1) * width), bucket + 1, end);
-    trace.add(time, axis_.end(next - 1), pyramid_.of(bucket, next));
+        std::clamp(axis().firstAfter(window.from + (pixel + 1) * width), bucket + 1, end);
+    trace.add(time, axis().end(next - 1), outline_.pyramid().of(bucket, next));
     bucket = next;
   }
   return trace;
@@ -138,14 +146,14 @@ Extent Series::edge(std::size_t bucket, double from, double to) const {
 }
 
 Extent Series::extent(double from, double to) const {
-  const std::size_t begin = axis_.firstReaching(from);
-  const std::size_t end = std::min(axis_.firstAfter(to), axis_.buckets());
+  const std::size_t begin = axis().firstReaching(from);
+  const std::size_t end = std::min(axis().firstAfter(to), axis().buckets());
   if (begin >= end) {
     return {};
   }
   Extent extent = edge(begin, from, to);
   if (end - begin > 2) {
-    extent.append(pyramid_.of(begin + 1, end - 1));
+    extent.append(outline_.pyramid().of(begin + 1, end - 1));
   }
   if (end - begin > 1) {
     extent.append(edge(end - 1, from, to));
@@ -154,12 +162,12 @@ Extent Series::extent(double from, double to) const {
 }
 
 std::optional<SampleAt> Series::at(double time) const {
-  const std::size_t end = std::min(axis_.firstAfter(time), axis_.buckets());
-  if (end == 0 || axis_.isEmpty()) {
+  const std::size_t end = std::min(axis().firstAfter(time), axis().buckets());
+  if (end == 0 || axis().isEmpty()) {
     return std::nullopt;
   }
   const std::size_t begin = end - std::min<std::size_t>(end, 2);
-  TimeOrder order(axis_.begin(begin));
+  TimeOrder order(axis().begin(begin));
   std::optional<SampleAt> found;
   source_(recordsOf(begin, end), [&](const std::vector<double>& times, const ColumnData& values) {
     for (std::size_t row = 0; row < times.size(); ++row) {
@@ -174,9 +182,8 @@ std::optional<SampleAt> Series::at(double time) const {
 
 std::size_t Series::size() const {
   const auto kept =
-      static_cast<std::size_t>(std::min<std::uint64_t>(axis_.records(), 2 * most_kept));
-  return sizeof(Series) + axis_.size() + pyramid_.size() + bands_.size() +
-         (is_numeric_ ? kept * 2 * sizeof(double) : 0);
+      static_cast<std::size_t>(std::min<std::uint64_t>(axis().records(), 2 * most_kept));
+  return sizeof(Series) + outline_.size() + (is_numeric_ ? kept * 2 * sizeof(double) : 0);
 }
 
 }  // namespace mdf_tools

@@ -9,9 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "axis.h"
-#include "bands.h"
-#include "pyramid.h"
+#include "outline.h"
 #include "sample_reader.h"
 #include "trace.h"
 
@@ -32,12 +30,19 @@ class Series {
 
   /// Reads all samples.
   Series(Source source, ColumnType type);
+  /// Takes what was kept of all samples before.
+  Series(Source source, ColumnType type, Outline outline);
+
+  /// Adds samples that have come since. False where those kept are not the same any more, as far as
+  /// is seen from the first, the middle and the last of them: it can then not be used any longer.
+  bool goOn();
 
   /// Whether it has numbers, or texts.
   bool isNumeric() const { return is_numeric_; }
-  const Axis& axis() const { return axis_; }
+  const Outline& outline() const { return outline_; }
+  const Axis& axis() const { return outline_.axis(); }
   /// What the texts change to; empty for numbers.
-  const Bands& bands() const { return bands_; }
+  const Bands& bands() const { return outline_.bands(); }
 
   /// The curve of numbers, from the sample before the window to the one after it.
   Trace trace(const Window& window);
@@ -58,8 +63,8 @@ class Series {
     std::vector<double> numbers;
   };
 
-  void add(const std::vector<double>& times, const ColumnData& values);
-  void addTexts(const std::vector<double>& times, const ColumnData& values);
+  void addFrom(std::size_t bucket);
+  bool areSame(std::size_t begin, std::size_t end, bool in_order) const;
   SampleRange recordsOf(std::size_t begin, std::size_t end) const;
   bool areKept(std::size_t begin, std::size_t end) const;
   Samples read(std::size_t begin, std::size_t end) const;
@@ -69,9 +74,7 @@ class Series {
 
   Source source_;
   bool is_numeric_;
-  Axis axis_;
-  Pyramid pyramid_;
-  Bands bands_;
+  Outline outline_;
   Samples samples_;
 };
 

@@ -5,7 +5,7 @@
 
 namespace mdf_tools {
 
-std::shared_ptr<Series> SeriesStore::find(const SeriesKey& key) {
+std::shared_ptr<KeptSeries> SeriesStore::find(const SeriesKey& key) {
   const std::lock_guard<std::mutex> lock(mutex_);
   const auto found = std::find_if(entries_.begin(), entries_.end(),
                                   [&](const Entry& entry) { return entry.key == key; });
@@ -16,24 +16,19 @@ std::shared_ptr<Series> SeriesStore::find(const SeriesKey& key) {
   return found->series;
 }
 
-void SeriesStore::add(const SeriesKey& key, const std::shared_ptr<Series>& series) {
+void SeriesStore::add(const SeriesKey& key, const std::shared_ptr<KeptSeries>& series) {
   const std::lock_guard<std::mutex> lock(mutex_);
   entries_.push_front({key, series});
   std::size_t all = sizeOfAll();
   while (all > most_ && entries_.size() > 1) {
-    all -= entries_.back().series->size();
+    all -= entries_.back().series->series.size();
     entries_.pop_back();
   }
 }
 
-std::shared_ptr<Series> SeriesStore::get(const SeriesKey& key,
-                                         const std::function<std::shared_ptr<Series>()>& build) {
-  std::shared_ptr<Series> series = find(key);
-  if (series == nullptr) {
-    series = build();
-    add(key, series);
-  }
-  return series;
+void SeriesStore::forget(const SeriesKey& key) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  entries_.remove_if([&](const Entry& entry) { return entry.key == key; });
 }
 
 void SeriesStore::forget(std::size_t file) {
@@ -44,7 +39,7 @@ void SeriesStore::forget(std::size_t file) {
 std::size_t SeriesStore::sizeOfAll() const {
   return std::accumulate(
       entries_.begin(), entries_.end(), std::size_t{0},
-      [](std::size_t sum, const Entry& entry) { return sum + entry.series->size(); });
+      [](std::size_t sum, const Entry& entry) { return sum + entry.series->series.size(); });
 }
 
 std::size_t SeriesStore::size() const {

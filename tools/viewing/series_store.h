@@ -2,27 +2,33 @@
 #define MDF_TOOLS_VIEWING_SERIES_STORE_H_
 
 #include <cstddef>
-#include <functional>
 #include <list>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <tuple>
 
 #include "series.h"
 
 namespace mdf_tools {
 
-/// Which series is meant: of which file, since it was opened last, and which column of which table.
+/// Which series is meant: of which file, and which column of which table.
 struct SeriesKey {
   std::size_t file = 0;
-  std::size_t revision = 0;
   std::size_t table = 0;
   std::size_t column = 0;
 
   bool operator==(const SeriesKey& other) const {
-    return std::tie(file, revision, table, column) ==
-           std::tie(other.file, other.revision, other.table, other.column);
+    return std::tie(file, table, column) == std::tie(other.file, other.table, other.column);
   }
+};
+
+/// A series, and what it was built from.
+struct KeptSeries {
+  Series series;
+  std::string identity;      ///< what its column is
+  std::size_t revision = 0;  ///< how often the file had changed
+  bool is_cached = false;
 };
 
 /// Series that were built, as far as memory allows: those not used for longest go first. Any number
@@ -32,9 +38,12 @@ class SeriesStore {
   /// @param most bytes of memory for all series; the one used last stays in any case.
   explicit SeriesStore(std::size_t most) : most_(most) {}
 
-  /// The series, which is built if it is not there.
-  std::shared_ptr<Series> get(const SeriesKey& key,
-                              const std::function<std::shared_ptr<Series>()>& build);
+  /// The series; null if it is not there.
+  std::shared_ptr<KeptSeries> find(const SeriesKey& key);
+  /// Takes a series, which does not grow as long as it is here.
+  void add(const SeriesKey& key, const std::shared_ptr<KeptSeries>& series);
+  /// Forgets a series.
+  void forget(const SeriesKey& key);
 
   /// Forgets the series of a file.
   void forget(std::size_t file);
@@ -45,11 +54,9 @@ class SeriesStore {
  private:
   struct Entry {
     SeriesKey key;
-    std::shared_ptr<Series> series;
+    std::shared_ptr<KeptSeries> series;
   };
 
-  std::shared_ptr<Series> find(const SeriesKey& key);
-  void add(const SeriesKey& key, const std::shared_ptr<Series>& series);
   std::size_t sizeOfAll() const;
 
   std::size_t most_;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <system_error>
 #include <utility>
 
 #include "checking/file_check.h"
@@ -55,41 +54,40 @@ Json listAsJson(const std::vector<Entry>& entries, Json (*asJson)(const Entry& e
 
 }  // namespace
 
-ViewedFile::ViewedFile(std::string path, std::size_t number, SeriesStore& store)
-    : path_(std::move(path)), number_(number), store_(store) {
+ViewedFile::ViewedFile(std::string path, std::size_t number, SeriesStore& store,
+                       OutlineCache* cache)
+    : path_(std::move(path)), number_(number), store_(store), cache_(cache) {
   open();
 }
 
-ViewedFile::Stamp ViewedFile::stampNow() const {
-  std::error_code error;
-  Stamp stamp;
-  stamp.size = std::filesystem::file_size(path_, error);
-  const auto time = std::filesystem::last_write_time(path_, error);
-  stamp.time = error ? 0 : time.time_since_epoch().count();
-  return stamp;
-}
-
 void ViewedFile::open() {
-  const Stamp stamp = stampNow();
+  const FileStamp stamp = FileStamp::of(path_);
   auto file = std::make_unique<Measurement>(path_);
   tables_ = tablesOf(*file);
   file_ = std::move(file);
   stamp_ = stamp;
+  is_at_rest_ = stamp.isAtRest() && FileStamp::of(path_) == stamp;
   description_.clear();
 }
 
 /// A file that cannot be read just now stays as it was.
 std::size_t ViewedFile::refresh() {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (stampNow() == stamp_) {
+  const FileStamp before = stamp_;
+  if (FileStamp::of(path_) == before) {
     return revision_;
   }
   try {
     open();
     ++revision_;
-    store_.forget(number_);
+    if (!is_continued_ || !stamp_.continues(before)) {
+      store_.forget(number_);
+    }
+    is_continued_ = true;
   } catch (const Unreadable&) {
-    stamp_ = stampNow();
+    stamp_ = FileStamp::of(path_);
+    is_continued_ = false;
+    is_at_rest_ = false;  // what is kept is of an earlier state
   }
   return revision_;
 }
@@ -161,17 +159,88 @@ Json ViewedFile::describeColumn(std::size_t table, std::size_t column) {
   return json;
 }
 
+/// All that values of a column are made from, but the records.
+std::string ViewedFile::identityOf(std::size_t table, std::size_t column) const {
+  const ViewedTable& wanted = tables_[table];
+  Json identity = {file_->header().start_time, wanted.name, wanted.group,
+                   wanted.element ? Json(*wanted.element) : Json(), wanted.has_master};
+  for (const std::size_t index : {std::size_t{0}, column}) {
+    const ViewedColumn& each = wanted.columns[index];
+    identity.push_back({each.name, each.unit, each.type, each.channel, each.part});
+    for (const ChannelGroup& group : file_->groups()) {
+      const auto is_it = [&](const Channel& channel) { return channel.offset == each.channel; };
+      const auto found = std::find_if(group.channels.begin(), group.channels.end(), is_it);
+      if (found != group.channels.end()) {
+        identity.push_back({found->type, found->sync_type, found->data_type, found->bit_offset,
+                            found->byte_offset, found->bit_count, found->flags,
+                            found->invalidation_bit, file_->describeConversion(*found)});
+        break;
+      }
+    }
+  }
+  return jsonLine(identity);
+}
+
+std::shared_ptr<KeptSeries> ViewedFile::build(std::size_t table, std::size_t column) {
+  const auto source = [this, table, column](const SampleRange& range, const SampleVisitor& visit) {
+    readSamples(*file_, tables_[table], tables_[table].columns[column], range, visit);
+  };
+  const ColumnType type = tables_[table].columns[column].type;
+  const std::string identity = identityOf(table, column);
+  std::optional<Outline> cached;
+  if (cache_ != nullptr && is_at_rest_) {
+    cached = cache_->find(place(table, column), cacheKey(identity));
+  }
+  return std::make_shared<KeptSeries>(
+      KeptSeries{cached ? Series(source, type, std::move(*cached)) : Series(source, type), identity,
+                 revision_, cached.has_value()});
+}
+
+std::string ViewedFile::place(std::size_t table, std::size_t column) const {
+  return jsonLine({std::filesystem::absolute(path_).string(), table, column});
+}
+
+std::string ViewedFile::cacheKey(const std::string& identity) const {
+  return jsonLine({std::filesystem::absolute(path_).string(), stamp_.device, stamp_.inode,
+                   stamp_.size, stamp_.time, identity});
+}
+
+/// A file that was changed shortly before it was opened may have been changed since without its
+/// time telling.
+void ViewedFile::cache(const SeriesKey& key, KeptSeries& kept) {
+  if (cache_ == nullptr || kept.is_cached || !is_at_rest_ || !(FileStamp::of(path_) == stamp_)) {
+    return;
+  }
+  cache_->add(place(key.table, key.column), cacheKey(kept.identity), kept.series.outline());
+  kept.is_cached = true;
+}
+
+std::shared_ptr<KeptSeries> ViewedFile::upToDate(std::size_t table, std::size_t column) {
+  const SeriesKey key{number_, table, column};
+  std::shared_ptr<KeptSeries> kept = store_.find(key);
+  if (kept != nullptr && kept->revision == revision_) {
+    return kept;
+  }
+  store_.forget(key);
+  const bool goes_on =
+      kept != nullptr && kept->identity == identityOf(table, column) && kept->series.goOn();
+  if (goes_on) {
+    kept->revision = revision_;
+    kept->is_cached = false;
+  } else {
+    kept = build(table, column);
+  }
+  store_.add(key, kept);
+  return kept;
+}
+
 void ViewedFile::withSeries(std::size_t table, std::size_t column,
                             const std::function<void(Series& series)>& use) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  const ViewedColumn& wanted = this->column(table, column);
-  // What it reads by lasts as long as the file's revision, and so does the series.
-  const auto source = [this, table, &wanted](const SampleRange& range, const SampleVisitor& visit) {
-    readSamples(*file_, tables_[table], wanted, range, visit);
-  };
-  const auto series = store_.get({number_, revision_, table, column},
-                                 [&] { return std::make_shared<Series>(source, wanted.type); });
-  use(*series);
+  this->column(table, column);
+  const std::shared_ptr<KeptSeries> kept = upToDate(table, column);
+  use(kept->series);
+  cache({number_, table, column}, *kept);
 }
 
 Json ViewedFile::frames(std::optional<double> from, std::size_t most) {

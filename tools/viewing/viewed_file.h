@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "file_stamp.h"
+#include "outline_cache.h"
 #include "reader/summary/json_type.h"
 #include "series_store.h"
 #include "wrong_request.h"
@@ -25,13 +27,16 @@ struct CsvRequest {
 };
 
 /// A measurement file that is being looked at. Any number of threads may use it; they take turns.
-/// A file that changes on the disk is opened again by refresh().
+/// A file that changes on the disk is opened again by refresh(); what was kept of one that has
+/// grown is added to.
 class ViewedFile {
  public:
   /// @param number its own among the files.
-  /// @param store must outlast it.
+  /// @param store must outlast it, and so must the cache.
+  /// @param cache where outlines are looked for and kept; null for nowhere.
   /// @throws Unreadable when it cannot be opened or is no file of MDF 4.
-  ViewedFile(std::string path, std::size_t number, SeriesStore& store);
+  ViewedFile(std::string path, std::size_t number, SeriesStore& store,
+             OutlineCache* cache = nullptr);
 
   const std::string& path() const { return path_; }
 
@@ -59,25 +64,27 @@ class ViewedFile {
   std::string csv(const CsvRequest& request);
 
  private:
-  struct Stamp {
-    std::uint64_t size = 0;
-    std::int64_t time = 0;
-    bool operator==(const Stamp& other) const { return size == other.size && time == other.time; }
-  };
-
-  Stamp stampNow() const;
   void open();
   const ViewedColumn& column(std::size_t table, std::size_t column) const;
+  std::string identityOf(std::size_t table, std::size_t column) const;
+  std::string place(std::size_t table, std::size_t column) const;
+  std::string cacheKey(const std::string& identity) const;
+  void cache(const SeriesKey& key, KeptSeries& kept);
+  std::shared_ptr<KeptSeries> build(std::size_t table, std::size_t column);
+  std::shared_ptr<KeptSeries> upToDate(std::size_t table, std::size_t column);
   Json tablesAsJson() const;
   Json facts();
 
   std::string path_;
   std::size_t number_;
   SeriesStore& store_;
+  OutlineCache* cache_;
   std::mutex mutex_;
   std::mutex checking_;
   std::size_t revision_ = 0;
-  Stamp stamp_;
+  FileStamp stamp_;
+  bool is_at_rest_ = false;   ///< it had been left alone when it was opened, and can be opened now
+  bool is_continued_ = true;  ///< the file was never in the way since it was opened
   std::unique_ptr<Measurement> file_;
   std::vector<ViewedTable> tables_;
   std::string description_;  ///< "" until somebody asks

@@ -6,37 +6,17 @@
 #include <cmath>
 #include <random>
 
+#include "memory_samples.h"
+
 namespace mdf_tests {
 
 using namespace mdf_tools;
 
 namespace {
 
-constexpr double gap = Extent::none;
-constexpr double infinity = std::numeric_limits<double>::infinity();
-
-/// Samples in memory, which are given in pieces as a file's are.
-struct Samples {
-  std::vector<double> times;
-  std::vector<double> numbers;
-
-  Series::Source source() const {
-    return [this](const SampleRange& range, const SampleVisitor& visit) {
-      const std::size_t piece = 1000;
-      const auto end = static_cast<std::size_t>(std::min<std::uint64_t>(range.end, times.size()));
-      for (auto begin = static_cast<std::size_t>(range.begin); begin < end; begin += piece) {
-        const std::size_t count = std::min(piece, end - begin);
-        mdf_reader::ColumnData column(mdf_reader::ColumnType::float64);
-        std::copy_n(&numbers[begin], count, column.extend<double>(count));
-        visit({&times[begin], &times[begin] + count}, column);
-      }
-    };
-  }
-};
-
 /// What samples between two times are like, found one by one. Those out of order are gaps at the
 /// latest time before.
-Extent plainExtent(const Samples& samples, double from, double to) {
+Extent plainExtent(const MemorySamples& samples, double from, double to) {
   Extent extent;
   double latest = -infinity;
   for (std::size_t i = 0; i < samples.times.size(); ++i) {
@@ -70,27 +50,6 @@ void expectSame(const Extent& found, const Extent& expected) {
   EXPECT_TRUE(areSame(found.last, expected.last)) << found.last;
 }
 
-enum class Times { regular, in_bursts, equal, falling };
-
-/// Samples that begin in order.
-Samples randomSamples(std::mt19937& random, std::size_t count, Times kind) {
-  Samples samples;
-  double time = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    const bool is_burst = kind == Times::in_bursts && random() % 500 == 0;
-    const bool is_still = kind == Times::equal && random() % 100 != 0;
-    time += is_burst ? 1000 : is_still ? 0 : 0.5;
-    time -= kind == Times::falling && random() % 300 == 0 ? 40 : 0;
-    samples.times.push_back(kind == Times::falling && random() % 1000 == 1 ? gap : time);
-    const auto what = random() % 50;
-    samples.numbers.push_back(what == 0   ? gap
-                              : what == 1 ? infinity
-                                          : static_cast<double>(random() % 100000) - 50000);
-  }
-  samples.times.front() = 0;
-  return samples;
-}
-
 class RandomSeries : public testing::TestWithParam<Times> {};
 
 }  // namespace
@@ -98,7 +57,7 @@ class RandomSeries : public testing::TestWithParam<Times> {};
 TEST_P(RandomSeries, ExtentsAreThoseOfThePlainSamples) {
   std::mt19937 random(7);
   for (const std::size_t count : {1U, 127U, 128U, 129U, 5000U, 40000U}) {
-    const Samples samples = randomSamples(random, count, GetParam());
+    const MemorySamples samples = randomSamples(random, count, GetParam());
     const Series series(samples.source(), mdf_reader::ColumnType::float64);
     const double last = series.axis().last();
     for (int i = 0; i < 40; ++i) {
@@ -113,7 +72,7 @@ TEST_P(RandomSeries, ExtentsAreThoseOfThePlainSamples) {
 
 TEST_P(RandomSeries, TracesHaveTheExtremesOfEachStretch) {
   std::mt19937 random(11);
-  const Samples samples = randomSamples(random, 400000, GetParam());
+  const MemorySamples samples = randomSamples(random, 400000, GetParam());
   Series series(samples.source(), mdf_reader::ColumnType::float64);
   const double last = series.axis().last();
   for (const double part : {1.0, 0.7, 0.2, 0.01}) {
@@ -137,7 +96,7 @@ INSTANTIATE_TEST_SUITE_P(Times, RandomSeries,
                                          Times::falling));
 
 TEST(Series, FewSamplesAreTheTrace) {
-  const Samples samples{{0, 1, 2, 3, 4}, {5, 6, gap, 8, 9}};
+  const MemorySamples samples{{0, 1, 2, 3, 4}, {5, 6, gap, 8, 9}};
   Series series(samples.source(), mdf_reader::ColumnType::float64);
   const Trace trace = series.trace({1.5, 2.5, 100});
   EXPECT_TRUE(trace.is_exact);
@@ -148,7 +107,7 @@ TEST(Series, FewSamplesAreTheTrace) {
 }
 
 TEST(Series, SampleAtATimeIsTheLastOneUpToIt) {
-  const Samples samples{{0, 1, 1, 0.5, 4}, {5, 6, 7, 8, 9}};
+  const MemorySamples samples{{0, 1, 1, 0.5, 4}, {5, 6, 7, 8, 9}};
   const Series series(samples.source(), mdf_reader::ColumnType::float64);
   EXPECT_FALSE(series.at(-0.1));
   EXPECT_EQ(series.at(0.5)->value, "5");
@@ -158,7 +117,7 @@ TEST(Series, SampleAtATimeIsTheLastOneUpToIt) {
 }
 
 TEST(Series, ChannelWithoutATimeInOrderHasNothingToDraw) {
-  const Samples samples{{gap, gap}, {1, 2}};
+  const MemorySamples samples{{gap, gap}, {1, 2}};
   Series series(samples.source(), mdf_reader::ColumnType::float64);
   EXPECT_TRUE(series.trace({-10, 10, 100}).x.empty());
   EXPECT_FALSE(series.at(5));
