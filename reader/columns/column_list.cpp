@@ -96,17 +96,12 @@ class Planner {
   UniqueNames names_;
 };
 
-std::string nameOf(const Channel& channel) {
-  std::string own = fromUtf8(channel.name.substr(0, longest_name));
-  return own.empty() ? "unnamed" : own;
-}
-
 void Planner::addMembers(const Members& members, const Place& around) {
   std::vector<Place> parents;
   for (std::size_t i = members.begin; i < members.end && !is_full_; ++i) {
     const Channel& channel = group_.channels[i];
     parents.resize(std::min(parents.size(), channel.depth - members.depth));
-    const Place place = (parents.empty() ? around : parents.back()).member(nameOf(channel));
+    const Place place = (parents.empty() ? around : parents.back()).member(ownNameOf(channel));
     if (!channel.array.dimensions.empty()) {
       Members its{i + 1, i + 1, channel.depth + 1};
       while (its.end < members.end && group_.channels[its.end].depth > channel.depth) {
@@ -211,11 +206,16 @@ void Planner::addArray(const Channel& channel, const Members& members, const Pla
 }
 
 void Planner::add(const Channel& channel, const Place& place) {
-  columns_.push_back({&channel, names_.unique(place.name), nameOf(channel), place.plain.path,
+  columns_.push_back({&channel, names_.unique(place.name), ownNameOf(channel), place.plain.path,
                       place.byte_shift, place.invalidation_shift});
 }
 
 }  // namespace
+
+std::string ownNameOf(const Channel& channel) {
+  std::string own = fromUtf8(channel.name.substr(0, longest_name));
+  return own.empty() ? "unnamed" : own;
+}
 
 std::vector<ColumnPlan> columnsOf(const ChannelGroup& group, const FindingSink& report,
                                   const std::string& taken) {

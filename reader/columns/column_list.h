@@ -20,6 +20,9 @@ struct ColumnPlan {
   std::uint64_t invalidation_shift = 0;  ///< bits
 };
 
+/// What a channel is called by itself, in UTF-8 and no longer than names get.
+std::string ownNameOf(const Channel& channel);
+
 /// The columns of a channel group. A member of a structure is called "structure.member", an element
 /// of an array "name[0][1]", and the second channel of a name "name (2)".
 ///

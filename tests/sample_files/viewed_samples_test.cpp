@@ -2,6 +2,7 @@
 
 #include "reader/blocks/identification.h"
 #include "tools/samples/sample.h"
+#include "tools/support/file_builder.h"
 #include "tools/support/temp_file.h"
 #include "viewing/sample_reader.h"
 
@@ -75,6 +76,18 @@ TEST(ViewedSamples, EachColumnAloneIsWhatItIsAmongAll) {
     }
   }
   EXPECT_GT(columns, 500U);
+}
+
+TEST(ViewedSamples, AreFoundWhateverTheirChannelIsCalled) {
+  for (const std::string& name :
+       {std::string("Gr\xf6\xdf"), std::string(1500, 'n'), std::string("[*"), std::string()}) {
+    FileBuilder builder;
+    builder.addSortedGroup({2, 1}, {firstByte(name)}, builder.addData(Bytes().u8(5).u8(6)));
+    const TempFile path(builder.bytes());
+    const Measurement file(path.path());
+    const std::vector<ViewedTable> tables = tablesOf(file);
+    EXPECT_EQ(readAlone(file, tables.at(0), tables[0].columns.at(0)), "5\n6\n");
+  }
 }
 
 }  // namespace mdf_tests

@@ -136,6 +136,13 @@ int finish(OutputBuffer& output) {
 
 }  // namespace
 
+bool isOneOf(const std::vector<std::string>& paths, const std::string& output) {
+  std::error_code none;
+  return std::any_of(paths.begin(), paths.end(), [&](const std::string& path) {
+    return std::filesystem::equivalent(path, output, none);
+  });
+}
+
 std::shared_ptr<std::vector<std::string>> addFileArguments(CommandLine& command) {
   auto paths = std::make_shared<std::vector<std::string>>();
   command.addOption("FILE", *paths, "The measurement files; - is standard input")

@@ -35,6 +35,9 @@ struct FileContext {
 /// Adds the argument FILE... to a command.
 std::shared_ptr<std::vector<std::string>> addFileArguments(CommandLine& command);
 
+/// Whether an output is one of the files to read, whatever it is called there.
+bool isOneOf(const std::vector<std::string>& paths, const std::string& output);
+
 /// What the work of a command is done on.
 enum class Input {
   mdf4,     ///< other files are refused with a sentence

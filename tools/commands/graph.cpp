@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <filesystem>
+#include <iostream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -122,6 +123,10 @@ std::string drawn(const std::string& dot, const std::string& suffix) {
 }
 
 int graph(GraphArguments arguments) {
+  if (isOneOf(*arguments.paths, arguments.output)) {
+    std::cerr << "mdf: the output " << arguments.output << " is one of the files to read\n";
+    return exit_unusable;
+  }
   arguments.options.from = parseOffset(arguments.from).value_or(header_block_offset);
   arguments.options.with_texts = !arguments.hides_texts;
   Picture picture(arguments);

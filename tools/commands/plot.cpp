@@ -275,6 +275,9 @@ int drawPicture(const Request& request) {
                         "; end it in .svg, .png or .html, or add --format",
                     exit_unusable);
   }
+  if (isOneOf(request.paths, request.output)) {
+    return complain("the output " + request.output + " is one of the files to read", exit_unusable);
+  }
   if (format == "html") {
     constexpr std::uint64_t usual_size = 20;
     return writeReport({request.paths, *request.query, *request.decoding, *request.chart,

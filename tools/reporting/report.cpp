@@ -135,6 +135,7 @@ std::string Report::write(const std::vector<EmbeddedFile>& page, const ReportFor
       return text;
     }
     const std::size_t excess = text.size() - most_;
+    room = std::min(room, std::accumulate(sizes_.begin(), sizes_.end(), std::size_t{0}));
     if (!fits || excess >= room) {
       fail();
     }

@@ -21,10 +21,8 @@ std::uint32_t Bands::codeOf(std::string_view text) {
 }
 
 Bands Bands::withoutRuns() const {
-  Bands bands;
-  bands.texts_ = texts_;
-  bands.codes_ = codes_;
-  bands.text_bytes_ = text_bytes_;
+  Bands bands = *this;
+  bands.runs_.clear();
   return bands;
 }
 

@@ -11,10 +11,12 @@ FileStamp FileStamp::of(const std::string& path) {
   if (stat(path.c_str(), &status) != 0) {
     return {};
   }
-  constexpr std::int64_t second = 1'000'000'000;
+  const auto nanoseconds = [](const timespec& time) {
+    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+  };
   return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino),
-          static_cast<std::uint64_t>(status.st_size),
-          std::int64_t{status.st_mtim.tv_sec} * second + status.st_mtim.tv_nsec};
+          static_cast<std::uint64_t>(status.st_size), nanoseconds(status.st_mtim),
+          nanoseconds(status.st_ctim)};
 }
 
 bool FileStamp::isAtRest() const {

@@ -12,7 +12,8 @@ struct FileStamp {
   std::uint64_t device = 0;
   std::uint64_t inode = 0;
   std::uint64_t size = 0;
-  std::int64_t time = 0;  ///< nanoseconds since 1970 when it was changed last
+  std::int64_t time = 0;     ///< nanoseconds since 1970 when it was written to last
+  std::int64_t changed = 0;  ///< the same when anything about it was changed; nobody can set it
 
   /// Of a file as it is now; 0 all over where there is none.
   static FileStamp of(const std::string& path);
@@ -26,8 +27,8 @@ struct FileStamp {
   }
 
   bool operator==(const FileStamp& other) const {
-    return std::tie(device, inode, size, time) ==
-           std::tie(other.device, other.inode, other.size, other.time);
+    return std::tie(device, inode, size, time, changed) ==
+           std::tie(other.device, other.inode, other.size, other.time, other.changed);
   }
 };
 

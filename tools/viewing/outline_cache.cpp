@@ -116,7 +116,12 @@ void OutlineCache::add(const std::string& place, const std::string& key, const O
     return;
   }
   const std::string bytes = OutlineFile::pack(key, outline);
-  mdf_writer::FileOutput file(fileOf(place).string(), mdf_writer::Existing::replace);
+  const fs::path path = fileOf(place);
+  std::error_code error;
+  if (!fs::is_regular_file(fs::symlink_status(path, error))) {
+    fs::remove(path, error);  // a link or a pipe leads elsewhere
+  }
+  mdf_writer::FileOutput file(path.string(), mdf_writer::Existing::replace);
   if (bytes.size() > most_of_one || !file.isOpen() ||
       file.write(0, bytes.data(), bytes.size()) != bytes.size() || !file.publish()) {
     return;

@@ -1,14 +1,17 @@
 #include "sample_reader.h"
 
+#include <stdexcept>
 #include <unordered_map>
+
+#include "reader/columns/column_list.h"
 
 namespace mdf_tools {
 
 namespace {
 
-/// A pattern that matches this name alone, or all where there is none.
+/// A pattern that matches this name alone.
 std::string patternOf(std::string_view name) {
-  std::string pattern = name.empty() ? "*" : "";
+  std::string pattern;
   for (const char character : name) {
     if (std::string_view("*?[]\\").find(character) != std::string_view::npos) {
       pattern += '\\';
@@ -25,7 +28,7 @@ ViewedTable tableOf(const TableHead& head) {
   std::unordered_map<std::uint64_t, std::size_t> parts;
   for (const ColumnHead& column : head.columns) {
     const Channel& channel = *column.channel;
-    table.columns.push_back({column.name, column.unit, column.type, patternOf(channel.name),
+    table.columns.push_back({column.name, column.unit, column.type, patternOf(ownNameOf(channel)),
                              channel.offset, parts[channel.offset]++});
   }
   // The master may be a channel of another group: it comes with any channel of this one.
@@ -83,9 +86,13 @@ void readSamples(const Measurement& file, const ViewedTable& table, const Viewed
   Batches batches = file.read(queryOf(table, column, range));
   while (const Batch* const batch = batches.next()) {
     const std::size_t index = indexOf(column, batch->head());
-    if (index < batch->columnCount() && batch->group().element == table.element) {
-      visit(timesOf(*batch), batch->column(index));
+    if (batch->group().element != table.element) {
+      continue;
     }
+    if (index == batch->columnCount()) {
+      throw std::runtime_error("the channel is not among what was read");
+    }
+    visit(timesOf(*batch), batch->column(index));
   }
 }
 

@@ -161,12 +161,8 @@ Extent Series::extent(double from, double to) const {
   return extent;
 }
 
-std::optional<SampleAt> Series::at(double time) const {
-  const std::size_t end = std::min(axis().firstAfter(time), axis().buckets());
-  if (end == 0 || axis().isEmpty()) {
-    return std::nullopt;
-  }
-  const std::size_t begin = end - std::min<std::size_t>(end, 2);
+/// The last sample up to a time in some buckets.
+std::optional<SampleAt> Series::lastIn(std::size_t begin, std::size_t end, double time) const {
   TimeOrder order(axis().begin(begin));
   std::optional<SampleAt> found;
   source_(recordsOf(begin, end), [&](const std::vector<double>& times, const ColumnData& values) {
@@ -178,6 +174,21 @@ std::optional<SampleAt> Series::at(double time) const {
     }
   });
   return found;
+}
+
+std::optional<SampleAt> Series::at(double time) const {
+  const std::size_t end = std::min(axis().firstAfter(time), axis().buckets());
+  if (end == 0 || axis().isEmpty()) {
+    return std::nullopt;
+  }
+  const std::size_t begin = end - std::min<std::size_t>(end, 2);
+  const auto found = lastIn(begin, end, time);
+  if (found || begin == 0) {
+    return found;
+  }
+  // All of these are out of order: the latest time is that of a sample long before.
+  const std::size_t latest = axis().firstReaching(axis().begin(begin));
+  return lastIn(latest, latest + 1, time);
 }
 
 std::size_t Series::size() const {

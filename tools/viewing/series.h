@@ -63,6 +63,7 @@ class Series {
     std::vector<double> numbers;
   };
 
+  std::optional<SampleAt> lastIn(std::size_t begin, std::size_t end, double time) const;
   void addFrom(std::size_t bucket);
   bool areSame(std::size_t begin, std::size_t end, bool in_order) const;
   SampleRange recordsOf(std::size_t begin, std::size_t end) const;

@@ -1,6 +1,7 @@
 #include "viewed_file.h"
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <utility>
 
@@ -41,6 +42,15 @@ Json cellAsJson(const ColumnData& column, std::size_t row) {
   std::string text;
   column.print(row, text);
   return text;
+}
+
+/// The records whose numbers are between two others, both included.
+void chooseRecords(double from, double to, Query& query) {
+  constexpr double most = 9e18;
+  const double first = std::ceil(std::clamp(from, 0.0, most));
+  const double end = std::floor(std::clamp(to, -1.0, most)) + 1;
+  query.skip = static_cast<std::uint64_t>(first);
+  query.first = end > first ? static_cast<std::uint64_t>(end - first) : 0;
 }
 
 template <class Entry>
@@ -102,6 +112,9 @@ Json ViewedFile::tablesAsJson() const {
 
 Json ViewedFile::facts() {
   InputFile file(path_);
+  if (!file.problem().empty()) {
+    throw WrongRequest(file.problem());
+  }
   return fileAsJson(file, Depth::records, [](const Finding& /*finding*/) {});
 }
 
@@ -119,8 +132,11 @@ std::string ViewedFile::describe() {
                {"attachments", listAsJson(file_->attachments(), attachmentAsJson)},
                {"has_frames", file_->frames(std::nullopt, std::nullopt).groups() > 0},
                {"findings", listAsJson(file_->findings(), findingAsJson)}};
-  description_ = jsonLine(json);
-  return description_;
+  std::string description = jsonLine(json);
+  if (FileStamp::of(path_) == stamp_) {
+    description_ = description;
+  }
+  return description;
 }
 
 /// One check at a time goes through the file, beside what else is asked for.
@@ -202,7 +218,7 @@ std::string ViewedFile::place(std::size_t table, std::size_t column) const {
 
 std::string ViewedFile::cacheKey(const std::string& identity) const {
   return jsonLine({std::filesystem::absolute(path_).string(), stamp_.device, stamp_.inode,
-                   stamp_.size, stamp_.time, identity});
+                   stamp_.size, stamp_.time, stamp_.changed, identity});
 }
 
 /// A file that was changed shortly before it was opened may have been changed since without its
@@ -272,17 +288,19 @@ std::string ViewedFile::csv(const CsvRequest& request) {
   const ViewedTable& table = tables_[request.table];
   query.group = std::to_string(table.group);
   query.element = table.element;
-  query.from = request.from;
-  query.to = request.to;
+  if (table.has_master) {
+    query.from = request.from;
+    query.to = request.to;
+  } else {
+    chooseRecords(request.from, request.to, query);
+  }
   std::string text;
   CsvWriter writer;
   Batches batches = file_->read(query);
-  bool has_begun = false;
+  for (const TableHead& head : batches.heads()) {
+    writer.begin(head, text);
+  }
   while (const Batch* const batch = batches.next()) {
-    if (!has_begun) {
-      writer.begin(batch->head(), text);
-    }
-    has_begun = true;
     writer.addRows(*batch, 0, batch->rows(), text);
     if (text.size() > most_csv_bytes) {
       throw WrongRequest("these are too many samples for the browser; zoom in, or use mdf export");

@@ -49,6 +49,12 @@ TEST_F(GraphCommand, SvgHasABoxForEachBlockAndAnArrowForEachLink) {
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()), {}), 1);
 }
 
+TEST_F(GraphCommand, DoesNotTakeThePlaceOfWhatItReads) {
+  std::filesystem::create_symlink(healthy.path(), picture);
+  EXPECT_EQ(run({"graph", "-o", picture, healthy.path()}),
+            said(2, "the output " + picture + " is one of the files to read"));
+}
+
 TEST_F(GraphCommand, PngOfAMap) {
   const std::string other = folder / "map.png";
   EXPECT_EQ(run({"graph", "--map", "-o", other, healthy.path(), healthy.path()}).exit_code, 0);

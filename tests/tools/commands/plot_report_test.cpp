@@ -59,6 +59,14 @@ TEST_F(PlotReport, TakesPartOfTheTime) {
                R"({"type":"same","count":1,"value":2.0}]])");
 }
 
+TEST_F(PlotReport, DoesNotTakeThePlaceOfWhatItReads) {
+  const std::string before = bytesOf(file_.path());
+  const std::string other = path();
+  std::filesystem::create_symlink(file_.path(), other);
+  EXPECT_EQ(plot({"-c", "gear"}), said(2, "the output " + other + " is one of the files to read"));
+  EXPECT_EQ(bytesOf(file_.path()), before);
+}
+
 TEST_F(PlotReport, GoesToStandardOutput) {
   const RunResult result =
       run({"plot", file_.path(), "-c", "count", "-o", "-", "--format", "html"});

@@ -134,6 +134,19 @@ TEST(Extent, MeanAndDeviationOfPartsAreThoseOfTheWhole) {
   EXPECT_EQ(extent.gaps, 1U);
 }
 
+TEST(Series, TheSampleBeforeManyThatAreOutOfOrderIsStillThere) {
+  MemorySamples samples;
+  for (int i = 0; i < 1000; ++i) {
+    const bool falls = i >= 300 && i < 900;
+    samples.times.push_back(falls ? 1 : i);
+    samples.numbers.push_back(i);
+  }
+  Series series(samples.source(), ColumnType::float64);
+  EXPECT_EQ(series.at(299.5)->value, "299");
+  EXPECT_EQ(series.at(899)->time, 299);
+  EXPECT_EQ(series.at(900)->value, "900");
+}
+
 TEST(Bands, TellWhereATextChangesAndWhereTheyAreTooDense) {
   Bands bands;
   const std::uint32_t on = bands.codeOf("on");

@@ -6,11 +6,22 @@ export const files = [];
 /** Channels by their ids "file.table.column". */
 const channels = new Map();
 
+/** From where to where channels go that were fetched, by files. */
+const ranges = new Map();
+
+/** Takes from where to where a channel goes: where times fall, its group does not tell. */
+export function widen(file, first, last) {
+  if (!Number.isFinite(first) || !Number.isFinite(last)) return;
+  const [from, to] = ranges.get(file) ?? [Infinity, -Infinity];
+  ranges.set(file, [Math.min(from, first), Math.max(to, last)]);
+}
+
 /** A channel; undefined where there is none. */
 export const channelOf = (id) => channels.get(id);
 export const allChannels = () => channels.values();
 
 function addFile(file, number) {
+  ranges.delete(number);
   for (const id of [...channels.keys()]) {
     if (id.startsWith(`${number}.`)) channels.delete(id);
   }
@@ -45,17 +56,28 @@ export function fullName(channel) {
       channel.name;
 }
 
+/** From where to where a file goes: [from, to] of its groups. A group without times goes over its records. */
+function rangesOf(file, number) {
+  const {groups} = file.info;
+  const spans = groups.filter(({span}) => span).map(({span}) => [span.from, span.to]);
+  const untimed = file.tables.filter((table) => !table.has_master)
+      .map((table) => groups.find(({group}) => group === table.group)?.records ?? 0)
+      .filter((records) => records > 0).map((records) => [0, records - 1]);
+  return [...spans, ...untimed, ...(ranges.has(number) ? [ranges.get(number)] : [])];
+}
+
 /** From where to where the recordings go, shifted. */
 export function wholeRange(shifts) {
   let [from, to] = [Infinity, -Infinity];
   files.forEach((file, number) => {
     const shift = shifts[number] ?? 0;
-    for (const {span} of file.info.groups) {
-      if (!span) continue;
-      from = Math.min(from, span.from + shift);
-      to = Math.max(to, span.to + shift);
+    for (const [first, last] of rangesOf(file, number)) {
+      from = Math.min(from, first + shift);
+      to = Math.max(to, last + shift);
     }
   });
-  return from < to ? [from, to] : [Number.isFinite(from) ? from - 0.5 : 0,
-                                   Number.isFinite(from) ? from + 0.5 : 1];
+  if (from < to) return [from, to];
+  if (!Number.isFinite(from)) return [0, 1];
+  const around = Math.max(0.5, Math.abs(from) * 1e-9);
+  return [from - around, from + around];
 }

@@ -1,7 +1,7 @@
 import {askCurve, askJson, parametersOf} from './api.js';
-import {channelOf} from './files.js';
+import {channelOf, wholeRange, widen} from './files.js';
 import {shortNumber} from './number.js';
-import {state} from './state.js';
+import {change, state} from './state.js';
 
 /**
  * What was fetched of each channel. More than the window is asked for, so that it can be moved
@@ -62,7 +62,18 @@ export async function fetchSamples(id, from, to, pixels) {
     if (kept.get(id) === busy) kept.set(id, {...entry, isBusy: false});
     throw error;
   }
+  showAllOf(channel.file, kept.get(id)?.data);
   return true;
+}
+
+/** Where all was shown, what a channel has beyond it is shown, too. */
+function showAllOf(file, data) {
+  const before = wholeRange(state.shifts);
+  widen(file, data?.first, data?.last);
+  const [from, to] = wholeRange(state.shifts);
+  if (state.from === before[0] && state.to === before[1] && (from < before[0] || to > before[1])) {
+    change({from, to});
+  }
 }
 
 async function fetchPart(channel, {from, to, pixels}) {

@@ -18,6 +18,8 @@ void serveUntilSignal(Server& server) {
   std::thread serving([&server] { server.run(); });
   int signal = 0;
   sigwait(&signals, &signal);
+  // What is being read is read to its end first; a second signal does not wait for it.
+  pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
   server.stop();
   serving.join();
 }
