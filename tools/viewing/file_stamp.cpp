@@ -11,8 +11,8 @@ FileStamp FileStamp::of(const std::string& path) {
   if (stat(path.c_str(), &status) != 0) {
     return {};
   }
-  const auto nanoseconds = [](const timespec& time) {
-    return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+  const auto nanoseconds = [](const timespec& moment) {
+    return std::int64_t{moment.tv_sec} * 1'000'000'000 + moment.tv_nsec;
   };
   return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino),
           static_cast<std::uint64_t>(status.st_size), nanoseconds(status.st_mtim),

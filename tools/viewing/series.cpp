@@ -182,7 +182,7 @@ std::optional<SampleAt> Series::at(double time) const {
     return std::nullopt;
   }
   const std::size_t begin = end - std::min<std::size_t>(end, 2);
-  const auto found = lastIn(begin, end, time);
+  std::optional<SampleAt> found = lastIn(begin, end, time);
   if (found || begin == 0) {
     return found;
   }
