@@ -43,6 +43,14 @@ test('two files are laid over one another and shifted by dragging and by a numbe
   assert.deepEqual(page.problems, []);
 });
 
+test('a group without times is shown over all of its records', async () => {
+  // A first column that falls is no master channel.
+  await open({}, measurementOf('records', 'count,level [V]\n5,1\n4,2\n3,4\n2,8\n'));
+  await channels('level').click();
+  await page.locator('.statistics').filter({hasText: 'min 1  max 8  mean 3.75'}).waitFor();
+  assert.deepEqual(await windowOf(page), [0, 3]);
+});
+
 test('frames of buses are a table, and one that is chosen places the cursor', async () => {
   await open({}, frames());
   await page.keyboard.press('f');

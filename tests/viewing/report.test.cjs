@@ -180,6 +180,7 @@ for (const colorScheme of ['light', 'dark']) {
   test(`${colorScheme}: nothing is in the way of a screen reader`, async () => {
     await page.emulateMedia({colorScheme});
     await open(report('drive', [drive()], '-c', '*'));
+    assert.deepEqual(await windowOf(), [0, 599.99]);
     await statistics('throttle').filter({hasText: 'invalid'}).waitFor();
     await page.locator('#tab-file').click();
     await page.waitForTimeout(500);

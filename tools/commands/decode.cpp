@@ -6,7 +6,6 @@
 #include <iostream>
 #include <memory>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "command.h"
@@ -145,16 +144,8 @@ int decodeToStandardOutput(const Request& request, const Decoding& decoding) {
   return exit_code;
 }
 
-bool isInput(const Request& request) {
-  std::error_code none;
-  return std::any_of(request.tables.paths->begin(), request.tables.paths->end(),
-                     [&](const std::string& path) {
-                       return std::filesystem::equivalent(path, request.tables.output, none);
-                     });
-}
-
 int decodeToFile(const Request& request, const Decoding& decoding) {
-  if (isInput(request)) {
+  if (isOneOf(*request.tables.paths, request.tables.output)) {
     return complain("the output " + request.tables.output + " is one of the files to read",
                     exit_unusable);
   }

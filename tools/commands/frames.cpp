@@ -168,10 +168,8 @@ int complain(const std::string& sentence, ExitCode exit_code) {
 /// What is wrong with the request; "" for nothing.
 std::string refusalOf(const Request& request) {
   std::error_code none;
-  for (const std::string& path : *request.paths) {
-    if (request.isToFile() && std::filesystem::equivalent(path, request.output, none)) {
-      return "the output " + request.output + " is one of the files to read";
-    }
+  if (request.isToFile() && isOneOf(*request.paths, request.output)) {
+    return "the output " + request.output + " is one of the files to read";
   }
   if (request.isToFile() && std::filesystem::exists(request.output, none) &&
       !std::filesystem::is_regular_file(request.output, none)) {

@@ -5,11 +5,11 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "command.h"
 #include "command_line/command_line.h"
+#include "file_command.h"
 #include "complete_file.h"
 #include "importing/import_failure.h"
 #include "importing/importer.h"
@@ -94,16 +94,6 @@ std::string namesOf(const std::vector<std::string>& paths) {
   return mdf_writer::isUtf8(names) ? names : "a file";
 }
 
-bool isInput(const Request& request) {
-  std::error_code none;
-  for (const std::string& path : request.paths) {
-    if (std::filesystem::equivalent(path, request.output, none)) {
-      return true;
-    }
-  }
-  return false;
-}
-
 Imported importTo(mdf_writer::Output& output, const Request& request) {
   mdf_writer::Plan plan("imported from " + namesOf(request.paths));
   plan.history = plan.comment;
@@ -147,7 +137,7 @@ int import(const Request& request) {
   if (request.output == "-") {
     return importToStandardOutput(request);
   }
-  if (isInput(request)) {
+  if (isOneOf(request.paths, request.output)) {
     return complain("the output " + request.output + " is one of the files to read", exit_unusable);
   }
   CompleteFile file(request.output, request.replaces);

@@ -268,11 +268,8 @@ std::optional<std::string> outputOverInput(const TableRequest& request) {
     }
   }
   for (const std::string& output : outputs) {
-    for (const std::string& path : *request.paths) {
-      std::error_code none;
-      if (std::filesystem::equivalent(path, output, none)) {
-        return output;
-      }
+    if (isOneOf(*request.paths, output)) {
+      return output;
     }
   }
   return std::nullopt;

@@ -60,9 +60,9 @@ export function fullName(channel) {
 function rangesOf(file, number) {
   const {groups} = file.info;
   const spans = groups.filter(({span}) => span).map(({span}) => [span.from, span.to]);
-  const untimed = file.tables.filter((table) => !table.has_master)
-      .map((table) => groups.find(({group}) => group === table.group)?.records ?? 0)
-      .filter((records) => records > 0).map((records) => [0, records - 1]);
+  const untimed = file.tables.filter((table) => !table.has_master && !table.master)
+      .map((table) => groups.find(({group}) => group === table.group))
+      .filter((group) => group?.records > 0 && !group.span).map(({records}) => [0, records - 1]);
   return [...spans, ...untimed, ...(ranges.has(number) ? [ranges.get(number)] : [])];
 }
 
