@@ -9,8 +9,8 @@
 
 #include "command.h"
 #include "command_line/command_line.h"
-#include "file_command.h"
 #include "complete_file.h"
+#include "file_command.h"
 #include "importing/import_failure.h"
 #include "importing/importer.h"
 #include "importing/temporary_file.h"
